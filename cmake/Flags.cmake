@@ -1,0 +1,21 @@
+# Flags of our own code, carried by the interface target zoka_flags so that the
+# libraries' code is not held to our warnings.
+add_library(zoka_flags INTERFACE)
+target_compile_options(zoka_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_include_directories(zoka_flags INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_definitions(zoka_flags INTERFACE ZOKA_VERSION="${PROJECT_VERSION}")
+
+if(ZOKA_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+if(ZOKA_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(WIN32)
+  # Nothing but system libraries may be imported: the runtimes go into the binaries.
+  add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--dynamicbase -Wl,--nxcompat)
+  target_compile_definitions(zoka_flags INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()
