@@ -1,0 +1,108 @@
+// The disk, as the logic sees it. Tests put a fake in its place that fails the N-th operation.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "util/FileTime.h"
+
+namespace zoka {
+
+// What a search finds. `name` is the entry's own name without its folder, spelled as on the disk.
+struct OsEntry {
+    std::string name;
+    bool isFolder = false;
+    FileTime lastWrite;
+    std::uint64_t size = 0;
+};
+
+// A file open for writing, unbuffered. Its destructor closes it silently; whoever wants to know whether the bytes
+// arrived calls flush and close. False means the operation failed, and OsFiles::lastError says why.
+class OsOutFile {
+public:
+    virtual ~OsOutFile() = default;
+    // Writes all of `bytes` at the current position. After a failure any part of them may have been written.
+    virtual bool write(std::string_view bytes) = 0;
+    // Back to the first byte.
+    virtual bool rewind() = 0;
+    // Ends the file at the current position.
+    virtual bool cutHere() = 0;
+    // Returns when the bytes are on the disk.
+    virtual bool flush() = 0;
+    virtual bool close() = 0;
+};
+
+enum class OsOpen {
+    Existing,  // the file must exist and keeps its content; the position is 0
+    New,       // the file must not exist
+    Truncate,  // made when missing, emptied otherwise
+};
+
+// Every path is the suite's own text: 8-bit, backslashes (slashes are understood too), drive letters. On Linux it
+// becomes a native path here, at the last moment (see util/posix/NativePath.h). Operations may be called on every
+// thread and never throw for a failure of the disk.
+class OsFiles {
+public:
+    virtual ~OsFiles() = default;
+
+    // The first entry that a directory search for `path` finds; the last part may hold wildcards ('*', '?'). A path
+    // that ends with a separator finds nothing.
+    virtual std::optional<OsEntry> search(const std::string& path) = 0;
+    // All entries that match the wildcard in the pattern's last part, without "." and "..", sorted by name.
+    virtual std::vector<OsEntry> list(const std::string& pattern) = 0;
+
+    // False when the file cannot be opened for reading; otherwise true, with the last-write time in `time`, which
+    // stays as it was in the rare case that the time of the open file can't be had. `time` may be null.
+    virtual bool readTime(const std::string& path, FileTime* time) = 0;
+    // Sets creation, last-access and last-write time (Linux has no creation time to set). False when the file
+    // cannot be opened for writing.
+    virtual bool setTimes(const std::string& path, FileTime time) = 0;
+
+    // The process's current folder, with its drive and without a trailing backslash (but "C:\" for a root).
+    virtual std::string currentFolder() = 0;
+    virtual bool setCurrentFolder(const std::string& path) = 0;
+    // The absolute form with "." and ".." resolved by text; the entry need not exist.
+    virtual std::string fullPath(const std::string& path) = 0;
+
+    // False when the folder could not be made, also when it exists already.
+    virtual bool makeFolder(const std::string& path) = 0;
+    virtual bool deleteFile(const std::string& path) = 0;
+    // Removes an empty folder.
+    virtual bool deleteFolder(const std::string& path) = 0;
+
+    // fopen with the suite's path; folders, pipes and sockets cannot be opened. The caller closes the stream.
+    virtual std::FILE* openStream(const std::string& path, const char* mode) = 0;
+    // The whole content; nothing when the file can't be read.
+    virtual std::optional<std::string> readWhole(const std::string& path) = 0;
+    // Null when it can't be opened that way.
+    virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;
+
+    // The file that a link leads to, as an absolute path; for anything else the absolute path itself. Nothing when
+    // the links run in a circle.
+    virtual std::optional<std::string> resolveLinks(const std::string& path) = 0;
+    // Puts `replacement` into the place of the existing file `target`, in one step that a crash can't cut: whoever
+    // looks sees the old or the new content. The target's mode, attributes and (on Windows) creation time stay.
+    // Both are absolute paths in the same folder. After a failure both files are as they were.
+    virtual bool replaceFile(const std::string& target, const std::string& replacement) = 0;
+    // Renames a file; false when `to` exists.
+    virtual bool renameNew(const std::string& from, const std::string& to) = 0;
+
+    // Why this thread's last operation that failed did so, in the system's words ("Permission denied").
+    virtual std::string lastError() = 0;
+
+    bool exists(const std::string& path) { return search(path).has_value(); }
+};
+
+// The running program's own disk.
+OsFiles& systemFiles();
+// The disk that the logic uses: systemFiles() until a test puts its fake in. Set while no other thread works; not
+// owned; null goes back to systemFiles().
+OsFiles& osFiles();
+void setOsFiles(OsFiles* files);
+
+}  // namespace zoka
