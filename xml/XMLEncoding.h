@@ -1,0 +1,27 @@
+// The character set of XML texts in memory: one choice for the whole process.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Utf8: texts are UTF-8 and checked as such. Platform: the platform's 8-bit set (the ANSI code page on
+// Windows, Windows-1252 elsewhere); bytes from 80 hex on are taken as characters without a check.
+enum class XMLCharset { Utf8, Platform };
+
+namespace zoka {
+
+// Utf8 until set. Used from one thread at a time; set it before trees exist or their texts are misread.
+XMLCharset xmlCharset();
+void setXmlCharset(XMLCharset charset);
+
+// Whether reading a file looks for UTF-16 and byte-order marks. On until switched off.
+bool xmlCharsetGuessing();
+void setXmlCharsetGuessing(bool on);
+
+// Whether a file is UTF-8, by its first 200 bytes: false for less than 25 bytes, UTF-16, broken UTF-8 or a
+// declared encoding that does not begin with utf-8 or utf8; true with a mark and for everything else.
+bool guessUtf8(std::string_view bytes);
+
+}  // namespace zoka

@@ -1,0 +1,169 @@
+// The XML tree: every XML file of the system is read, held and written through XMLNode.
+//
+//     XMLResults results;
+//     XMLNode project = XMLNode::parseFile(path, "Project", &results);
+//     if (project.isEmpty()) report(XMLNode::errorText(results.code), results.line, results.column);
+//     int position = 0;
+//     for (XMLNode level; !(level = project.getChild("Level", &position)).isEmpty();)
+//         use(level.getAttribute("name"));
+//
+// An XMLNode is a handle, one pointer. All nodes of a document live and die together: the whole tree stays as
+// long as any handle on any of its nodes, so a handle on a child outlives the handle on its root, and a text
+// got from a node is valid while some handle on that tree is. Handles are counted without locking: a tree is
+// used from one thread at a time. Different trees may be used on different threads at once.
+//
+// Names (arguments and in the tree) are compared without regard to the case of the letters A to Z. A lookup
+// on the empty node gives the empty node, null or 0; adding to it does nothing. Texts are 0-terminated, in
+// the process's XML character set (XMLCharset). What is kept of a file and how texts are escaped is written
+// down in docs/xml.md.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "xml/XMLEncoding.h"
+#include "xml/XMLErrors.h"
+
+namespace zoka {
+struct XMLElement;
+}
+
+// What parsing found. Lines and columns count from 1, columns in characters (a tab is one); both are 0 where
+// no place can be named (codes 0, 2, 12). For what is never closed they name the place where it was opened.
+struct XMLResults {
+    int code = 0;  // XMLErrorCode
+    int line = 0;
+    int column = 0;
+};
+
+// One attribute; null pointers where there is none of that index. `value` may be null for an attribute that a
+// program added without one (written as an empty value). The tree owns both.
+struct XMLAttributeView {
+    const char* name = nullptr;
+    const char* value = nullptr;
+};
+
+// A comment, CDATA section or DOCTYPE, kept as it stands in the file: `openTag`, `value` and `closeTag` one
+// after the other. The tree owns `value`; the tags ("<!--", "-->" and so on) are static. Null pointers where
+// there is none.
+struct XMLClearView {
+    const char* value = nullptr;
+    const char* openTag = nullptr;
+    const char* closeTag = nullptr;
+};
+
+// Kinds of content in an entry of XMLNode::order(): entry = index * 4 + kind.
+enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear = 3 };
+
+class XMLNode {
+public:
+    // --- reading
+    // ------------------------------------------------------------------------------------------------- Each
+    // gives the top element when `tag` is given (code 13 if it has another name), else the document node,
+    // whose children are the declaration, other processing instructions and the top element. On any error the
+    // empty node. `results`, where not null, is always filled.
+
+    // Reads a file. `path` as in all file operations (util/). With guessing on (zoka::setXmlCharsetGuessing,
+    // the default) UTF-16 with a byte-order mark is converted and a UTF-8 mark is skipped.
+    static XMLNode parseFile(const char* path, const char* tag = nullptr, XMLResults* results = nullptr);
+    // Parses a text, which is copied. A null text gives code 2.
+    static XMLNode parseText(const char* text, const char* tag = nullptr, XMLResults* results = nullptr);
+    // Parses bytes as a file would hold them, marks and conversion included (what parseFile does after
+    // reading).
+    static XMLNode parseBytes(std::string_view bytes, const char* tag = nullptr,
+                              XMLResults* results = nullptr);
+    // Like parseFile, for files the program can't go on without: sets the process's XML character set to what
+    // guessUtf8 says of the file, and an error shows its message through zoka::userPrompt().fatalStop (title
+    // "XML Parsing error", exit status 255).
+    static XMLNode loadFileOrExit(const char* path, const char* tag);
+
+    // --- making
+    // -------------------------------------------------------------------------------------------------- A
+    // tree of its own with one element at its top. With a null name an empty document node, to which a
+    // declaration and a top element can be added. The names are the caller's care: they are not checked.
+    static XMLNode createTop(const char* name, bool isDeclaration = false);
+    // The new element, at the end of this one's content. All texts given to these are copied.
+    XMLNode addChild(const char* name, bool isDeclaration = false);
+    void addAttribute(const char* name, const char* value);
+    // Appends a text; an empty or null one adds nothing. Two texts with nothing between them are one after
+    // writing and reading.
+    void addText(const char* text);
+
+    // --- looking
+    // -------------------------------------------------------------------------------------------------
+    bool isEmpty() const { return element_ == nullptr; }
+    // Null for the document node and the empty node.
+    const char* getName() const;
+    // Written as "<?name ...?>". Of one that was read, other than "xml" itself, the data is its text.
+    bool isDeclaration() const;
+    // The empty node for the top.
+    XMLNode getParent() const;
+
+    // Child elements: of any name, of a name. Declarations count as children.
+    int childCount() const;
+    int childCount(const char* tag) const;
+    // The index-th child of any name, or of that name, counting from 0. Asking for 0, 1, 2, ... in turn takes
+    // linear time in all.
+    XMLNode getChild(int index) const;
+    XMLNode getChild(const char* tag, int index = 0) const;
+    // The first child of that name (null: any) at or after child number *position (counting children of every
+    // name), which is set just past it. Starts at 0; left alone when none is found.
+    XMLNode getChild(const char* tag, int* position) const;
+    // Also for lists: `for (n = p.firstChild("a"); !n.isEmpty(); n = n.nextSibling("a"))`; null: any name.
+    XMLNode firstChild(const char* tag = nullptr) const;
+    XMLNode nextSibling(const char* tag = nullptr) const;
+
+    // The value of the first attribute of that name, or null (also for an attribute added without a value).
+    // With `position`: the first at or after attribute number *position, which is set just past it.
+    const char* getAttribute(const char* name, int* position = nullptr) const;
+    bool hasAttribute(const char* name) const;
+    int attributeCount() const;
+    XMLAttributeView getAttributeAt(int index) const;
+
+    // The index-th text or null. An element's text is cut into several by child elements and clears between.
+    const char* getText(int index = 0) const;
+    int textCount() const;
+    XMLClearView getClear(int index = 0) const;
+    int clearCount() const;
+
+    // Everything in the node in document order, as entries index * 4 + XMLContentKind for getChild(index),
+    // getAttributeAt, getText and getClear. Attributes come first. Made anew at each call.
+    std::vector<int> order() const;
+
+    // --- writing
+    // ------------------------------------------------------------------------------------------------- The
+    // subtree as text. Formatted: a line for each element, indented with tabs, but no blank inside an element
+    // that holds text. The caller frees the text with std::free; its length without the terminator goes to
+    // *length when that is not null. Null for the empty node, or when memory runs out.
+    char* toText(bool formatted = true, int* length = nullptr) const;
+    // Writes the subtree to a file with the declaration in front (none if the tree brings its own).
+    // `encoding` names the character set in that declaration and counts only while the process's set is the
+    // platform's; null or with UTF-8 set, the file is UTF-8 with a mark. 0, or 16 when the file can't be
+    // opened, 17 when writing fails.
+    int writeFile(const char* path, const char* encoding = nullptr, bool formatted = true) const;
+
+    // --- the rest
+    // ------------------------------------------------------------------------------------------------
+    static const char* errorText(int code) { return xmlErrorText(code); }
+    // The one empty node for places that need a reference.
+    static const XMLNode& emptyNode();
+
+    XMLNode() = default;
+    XMLNode(const XMLNode& other) : element_(other.element_) { retain(); }
+    XMLNode(XMLNode&& other) noexcept : element_(other.element_) { other.element_ = nullptr; }
+    XMLNode& operator=(const XMLNode& other);
+    XMLNode& operator=(XMLNode&& other) noexcept;
+    ~XMLNode() {
+        if (element_) release();
+    }
+    // Whether both are handles on the same node.
+    bool operator==(const XMLNode& other) const { return element_ == other.element_; }
+
+private:
+    explicit XMLNode(zoka::XMLElement* element) : element_(element) { retain(); }
+    void retain() const;
+    void release() const;
+
+    zoka::XMLElement* element_ = nullptr;
+};
