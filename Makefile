@@ -1,0 +1,51 @@
+# The front door. Every target does the set-up that it needs itself; see docs/building.md.
+SHELL := /bin/bash
+.SHELLFLAGS := -eu -o pipefail -c
+.DEFAULT_GOAL := help
+.PHONY: help setup build demo test bench fuzz dll clean
+
+JOBS ?= $(shell nproc)
+TARGET ?= xml
+SECONDS ?= 60
+# ZOKA_NO_WINE=1 leaves out everything that runs under Wine.
+ZOKA_NO_WINE ?=
+export ZOKA_NO_WINE
+WINE_GROUP := $(if $(filter 1,$(ZOKA_NO_WINE)),,wine)
+BUILD = cmake --preset $(1) >build/configure-$(1).log || { cat build/configure-$(1).log; exit 1; }; \
+	cmake --build --preset $(1) -j $(JOBS)
+
+help: ## list the targets
+	@echo "ZOKA: make TARGET"
+	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  %-8s %s\n", $$1, $$2 }' Makefile
+
+setup: ## install what is missing on this Debian machine (as root or through sudo)
+	@tools/setup/setup.sh build $(WINE_GROUP)
+
+build: setup ## build everything: native and for Windows
+	@$(call BUILD,linux)
+	@$(call BUILD,windows)
+
+demo: setup ## show the DLL at work in the stand-in editor; leaves pictures in build/demo
+	@$(call BUILD,windows)
+	@tools/demo/run.sh
+
+test: setup ## build and run every test: native, with sanitizers, on Windows, in windows
+	@tools/check/test.sh
+
+bench: ## build and run the benchmarks, our figures beside others'
+	@tools/setup/setup.sh build bench
+	@$(call BUILD,bench)
+	@for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program"; done
+
+fuzz: ## fuzz one reader: make fuzz TARGET=xml SECONDS=60 (xml, lex, memfile)
+	@tools/setup/setup.sh build fuzz
+	@$(call BUILD,fuzz)
+	@tools/check/fuzz.sh $(TARGET) $(SECONDS)
+
+dll: setup ## build the plug-in alone: build/zoka.dll
+	@$(call BUILD,windows) --target zoka
+	@cp build/windows/plugin/zoka.dll build/zoka.dll
+	@ls -l build/zoka.dll
+
+clean: ## remove all that was built (what set-up fetched stays)
+	@find build -mindepth 1 -maxdepth 1 ! -name libs -exec rm -rf {} +

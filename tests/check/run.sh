@@ -1,0 +1,95 @@
+#!/bin/bash
+# The repository's checks, held against small trees with one thing wrong in each: a check
+# that finds nothing there would find nothing anywhere.
+set -uo pipefail
+checks=$(cd "$(dirname "$0")/../../tools/check" && pwd)
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+status=0
+
+expect() { # what is said, expected status, text that its output must hold ("" for no output), command...
+    local what=$1 wanted=$2 text=$3 output got=0
+    shift 3
+    output=$("$@" 2>&1) || got=$?
+    if [ "$got" != "$wanted" ] || { [ -z "$text" ] && [ -n "$output" ]; } || [[ $output != *"$text"* ]]; then
+        printf '%s: expected %s and "%s", got %s and:\n%s\n' "$what" "$wanted" "$text" "$got" "$output"
+        status=1
+    fi
+}
+
+# Who includes whom: file, line of code, text of the finding ("" for none).
+while IFS='|' read -r file code text; do
+    tree=$scratch/includes
+    rm -rf "$tree"
+    mkdir -p "$tree/$(dirname "$file")"
+    printf '// first line\n%s\n' "$code" >"$tree/$file"
+    if [ -n "$text" ]; then
+        expect "$file: $code" 1 "$file:2: $text" "$checks/includes.sh" "$tree"
+    else
+        expect "$file: $code" 0 "" "$checks/includes.sh" "$tree"
+    fi
+done <<'ROWS'
+xml/A.cpp|#include "util/Lex.h"|
+xml/A.cpp|#include <vector>|
+util/A.cpp|#include "xml/XMLNode.h"|util may not include "xml/XMLNode.h"
+plugin/A.h|  #  include "tests/support/Fake.h"|plugin may not include "tests/support/Fake.h"
+templates/A.cpp|#include "plugin/HostCommands.h"|
+templates/A.cpp|#include "plugin/Procedures.h"|templates may not include "plugin/Procedures.h"
+util/A.cpp|#include "plugin/HostCommands.h"|util may not include "plugin/HostCommands.h"
+util/A.cpp|#include "Lex.h"|"Lex.h" is not named from the root
+util/A.h|#include <Windows.h>|<Windows.h> may be included in win/ folders only
+util/win/A.cpp|#include <windows.h>|
+ROWS
+mkdir -p "$scratch/other/stray" && echo 'int x;' >"$scratch/other/stray/A.cpp"
+expect "a new folder" 1 "stray is not in the table" "$checks/includes.sh" "$scratch/other"
+
+# Forgotten sources.
+tree=$scratch/sources
+mkdir -p "$tree"/{util/win,tests/lex,fuzz,build/l,build/w}
+touch "$tree"/util/{A.cpp,win/B.cpp} "$tree"/tests/lex/C.cpp "$tree"/fuzz/FuzzX.cpp
+echo 'add_executable(fuzz_x FuzzX.cpp)' >"$tree/fuzz/CMakeLists.txt"
+commands() { # build, source...
+    local build=$1
+    shift
+    printf '  "file": "'"$tree"'/%s",\n' "$@" >"$tree/build/$build/compile_commands.json"
+}
+commands l util/A.cpp tests/lex/C.cpp
+commands w util/A.cpp util/win/B.cpp tests/lex/C.cpp
+expect "nothing forgotten" 0 "" "$checks/sources.sh" "$tree/build/l" "$tree/build/w" "$tree"
+commands w util/A.cpp util/win/B.cpp
+expect "a test on one system only" 1 "tests/lex/C.cpp: in no target of the Windows build" \
+    "$checks/sources.sh" "$tree/build/l" "$tree/build/w" "$tree"
+expect "the native half alone" 0 "" "$checks/sources.sh" "$tree/build/l" "" "$tree"
+echo >"$tree/fuzz/CMakeLists.txt"
+expect "a fuzz target that is not built" 1 "fuzz/FuzzX.cpp: not named" "$checks/sources.sh" "$tree/build/l" "" "$tree"
+
+# Line ends.
+tree=$scratch/lineends
+git init -q "$tree"
+printf 'a\n' >"$tree/plain"
+printf 'a\r\n' >"$tree/dos.kez"
+git -C "$tree" add .
+expect "a file with CR LF" 1 "dos.kez: has line ends crlf" "$checks/lineends.sh" "$tree"
+echo '*.kez -text' >"$tree/.gitattributes"
+expect "a file with CR LF kept as it is" 0 "" "$checks/lineends.sh" "$tree"
+
+# Counting: CTest's status of the program, its results file, the count.
+tree=$scratch/count
+while IFS='|' read -r ended results counts; do
+    rm -rf "$tree"
+    mkdir -p "$tree/tests/a"
+    printf '<testcase name="a_tests" classname="a_tests" time="1" status="%s">\n' "$ended" >"$tree/junit.xml"
+    [ -z "$results" ] || printf '%s\n' "$results" '</testsuites>' >"$tree/tests/a/a_tests.xml"
+    expect "count of '$ended' with '$results'" 0 "$counts" "$checks/count.sh" "$tree"
+done <<'ROWS'
+run|<testsuites tests="7" failures="0" disabled="0" errors="0" name="AllTests">|7 0
+fail|<testsuites tests="7" failures="2" disabled="0" errors="0" name="AllTests">|5 2
+fail|<testsuites tests="7" failures="0" disabled="0" errors="0" name="AllTests">|7 1
+run|<testsuites tests="7" failures="0" disabled="1" errors="0" name="AllTests">|6 1
+run|<testsuites tests="0" failures="0" disabled="0" errors="0" name="AllTests">|0 1
+fail||0 1
+run||0 1
+ROWS
+rm "$tree/junit.xml"
+expect "count of a run that left nothing" 0 "0 1" "$checks/count.sh" "$tree"
+exit $status

@@ -1,0 +1,71 @@
+#!/bin/bash
+# Checks who includes whom: includes.sh [ROOT]. Prints each finding as file:line: text and
+# ends with 1 if there is any. The table below is the one place where the order of the
+# folders stands; docs/architecture.md explains it.
+set -euo pipefail
+cd "${1:-$(dirname "$0")/../..}"
+
+find . -path ./build -prune -o -path './.*/*' -prune -o -type f \
+    \( -name '*.h' -o -name '*.cpp' -o -name '*.inc' -o -name '*.rc' \) -print0 |
+    xargs -0 -r awk '
+function may(folder, list,    names, i, n) {
+    known[folder] = 1
+    allowed[folder, folder] = 1
+    n = split(list, names, " ")
+    for (i = 1; i <= n; i++) allowed[folder, names[i]] = 1
+}
+function finding(text) {
+    printf "%s:%d: %s\n", file, FNR, text
+    found = 1
+}
+BEGIN {
+    product = "util xml controls J8ProjectManager J8ProjectWizard customize templates plugin"
+    may("util", "")
+    may("xml", "util")
+    may("controls", "util")
+    may("J8ProjectManager", "xml util")
+    may("J8ProjectWizard", "J8ProjectManager xml util")
+    may("customize", "controls J8ProjectManager xml util")
+    may("templates", "customize xml util")
+    may("plugin", product)
+    may("tools", product)
+    may("bench", product " tests")
+    may("fuzz", product " tests")
+    may("tests", product " tools")
+    # The pure interface of the host is all that these may see of the plug-in.
+    host["plugin/ZunEditorInterface.h"] = host["plugin/HostCommands.h"] = 1
+    sees_host["templates"] = sees_host["customize"] = sees_host["controls"] = 1
+    windows = "windows windowsx commctrl commdlg shellapi shlobj shlwapi objbase ole2 oleauto " \
+        "winbase wingdi winnt winuser winternl tlhelp32 psapi richedit uxtheme dbghelp process direct io"
+    n = split(windows, names, " ")
+    for (i = 1; i <= n; i++) system_header["<" names[i] ".h>"] = 1
+}
+FNR == 1 {
+    file = substr(FILENAME, 3)
+    folder = file
+    sub(/\/.*/, "", folder)
+    in_win = file ~ /\/win\//
+    if (!(folder in known)) finding("the folder " folder " is not in the table of who includes whom")
+    if (file ~ /\.rc$/ && !in_win) finding("a resource script belongs in a win/ folder")
+}
+/^[ \t]*#[ \t]*include[ \t]*[<"]/ {
+    name = $0
+    sub(/^[ \t]*#[ \t]*include[ \t]*/, "", name)
+    if (name ~ /^</) {
+        sub(/>.*/, ">", name)
+        if ((tolower(name) in system_header) && !in_win)
+            finding(name " may be included in win/ folders only")
+        next
+    }
+    name = substr(name, 2)
+    sub(/".*/, "", name)
+    other = name
+    if (!sub(/\/.*/, "", other)) {
+        finding("\"" name "\" is not named from the root")
+        next
+    }
+    if ((folder, other) in allowed) next
+    if ((name in host) && (folder in sees_host)) next
+    finding(folder " may not include \"" name "\"")
+}
+END { exit found }' || exit 1

@@ -1,0 +1,97 @@
+#!/bin/bash
+# Builds every preset and runs every test; the last line printed is "N passed, N failed".
+# Ends with 1 if any failed or nothing ran. ZOKA_NO_WINE=1 leaves out the Windows half.
+#
+# What counts: each Google Test case, each other CTest test, each window test, each check of
+# the repository. A test program that crashes, hangs, skips or switches a case off, or that
+# fails after its last case (a leak, say), counts as failed.
+set -uo pipefail
+cd "$(dirname "$0")/../.." || exit 1
+here=tools/check
+logs=$PWD/build/logs
+jobs=$(nproc)
+mkdir -p "$logs"
+
+passed=0
+failed=0
+add() { # what, passed, failed
+    echo "$1: $2 passed, $3 failed"
+    passed=$((passed + $2))
+    failed=$((failed + $3))
+}
+
+check() { # name, command...
+    local name=$1 log=$logs/$1.log
+    shift
+    if "$@" >"$log" 2>&1; then
+        add "check $name" 1 0
+    else
+        cat "$log"
+        add "check $name" 0 1
+    fi
+}
+
+build() { # preset
+    local log=$logs/build-$1.log start=$SECONDS
+    if (cmake --preset "$1" && cmake --build --preset "$1" -j "$jobs") >"$log" 2>&1; then
+        echo "built $1 in $((SECONDS - start)) s"
+    else
+        grep -E 'error|warning|FAILED|undefined reference' "$log" | head -n 40
+        tail -n 20 "$log"
+        add "build $1" 0 1
+        return 1
+    fi
+}
+
+run_ctest() { # preset, command to run it with...
+    local folder=$PWD/build/$1 log=$logs/test-$1.log preset=$1 counts
+    shift
+    # Results of an earlier run must not be taken for this one's.
+    find "$folder/tests" -name '*_tests.xml' -delete
+    rm -f "$folder/junit.xml"
+    "$@" ctest --test-dir "$folder" -j "$jobs" --timeout 600 --output-on-failure \
+        --output-junit "$folder/junit.xml" >"$log" 2>&1 || cat "$log"
+    counts=$($here/count.sh "$folder")
+    # shellcheck disable=SC2086 # two numbers
+    add "tests $preset" $counts
+}
+
+run_window_tests() {
+    local log=$logs/test-window.log line status
+    # Shown as it runs: a test in real windows takes its time.
+    tools/run/display.sh timeout 1800 tests/window/run.sh build/windows 2>&1 | tee "$log"
+    status=${PIPESTATUS[0]}
+    line=$(sed -nE 's/^window tests: ([0-9]+) passed, ([0-9]+) failed$/\1 \2/p' "$log" | tail -n 1)
+    if [ -z "$line" ] || { [ "$status" != 0 ] && [ "${line#* }" = 0 ]; }; then
+        echo "the runner of the window tests ended with $status"
+        line="${line:-0 0}"
+        line="${line% *} 1"
+    fi
+    # shellcheck disable=SC2086
+    add "tests window" $line
+}
+
+check includes $here/includes.sh
+check lineends $here/lineends.sh
+check checks tests/check/run.sh
+if build linux; then run_ctest linux; fi
+if build linux-asan; then run_ctest linux-asan; fi
+if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
+    echo "the Windows half is left out, because ZOKA_NO_WINE=1 is set"
+    check sources $here/sources.sh build/linux
+elif build windows; then
+    check sources $here/sources.sh build/linux build/windows
+    # The prefix is made ahead of the tests, so that its time is not counted as theirs.
+    if tools/run/display.sh tools/run/wine.sh "$PWD/build/windows/wine" cmd /c exit; then
+        run_ctest windows tools/run/display.sh
+        run_window_tests
+    else
+        add "wine" 0 1
+    fi
+fi
+
+[ $((passed + failed)) -gt 0 ] || failed=1
+line="$passed passed, $failed failed"
+echo "$line" >"$logs/total"
+echo "$line"
+[ $failed = 0 ]
