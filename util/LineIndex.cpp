@@ -45,18 +45,16 @@ ZOKA_WIDE size_t countLineFeedsInBlocks(const char* text, size_t blocks) {
     return count;
 }
 
-// The two halves of the mask of LFs in 64 bytes, lowest address in the lowest bit.
-struct Mask {
-    uint32_t half[2];
-};
-
-ZOKA_WIDE inline Mask lineFeedMask(const char* text) {
+// A bit for each of 64 bytes, set where it is a LF, lowest address in the lowest bit.
+ZOKA_WIDE inline uint64_t lineFeedMask(const char* text) {
     const __m128i lf = _mm_set1_epi8('\n');
     const __m128i* p = reinterpret_cast<const __m128i*>(text);
-    uint32_t m[4];
-    for (int i = 0; i < 4; ++i)
-        m[i] = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(p + i), lf)));
-    return {{m[0] | m[1] << 16, m[2] | m[3] << 16}};
+    uint64_t mask = 0;
+    for (int i = 0; i < 4; ++i) {
+        const int bits = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(p + i), lf));
+        mask |= static_cast<uint64_t>(static_cast<uint32_t>(bits)) << i * 16;
+    }
+    return mask;
 }
 
 #else
@@ -65,13 +63,9 @@ size_t countLineFeedsInBlocks(const char* text, size_t blocks) {
     return static_cast<size_t>(std::count(text, text + blocks * kBlock, '\n'));
 }
 
-struct Mask {
-    uint32_t half[2];
-};
-
-inline Mask lineFeedMask(const char* text) {
-    Mask mask{};
-    for (size_t i = 0; i < kBlock; ++i) mask.half[i / 32] |= uint32_t{text[i] == '\n'} << i % 32;
+uint64_t lineFeedMask(const char* text) {
+    uint64_t mask = 0;
+    for (size_t i = 0; i < kBlock; ++i) mask |= uint64_t{text[i] == '\n'} << i;
     return mask;
 }
 
@@ -93,12 +87,9 @@ ZOKA_WIDE size_t writeStarts(const char* text, size_t size, const char** out) {
     };
     const char* p = text;
     const char* const end = text + size;
-    for (; static_cast<size_t>(end - p) >= kBlock; p += kBlock) {
-        const Mask mask = lineFeedMask(p);
-        for (int h = 0; h < 2; ++h)
-            for (uint32_t bits = mask.half[h]; bits != 0; bits &= bits - 1)
-                add(p + h * 32 + std::countr_zero(bits) + 1);
-    }
+    for (; static_cast<size_t>(end - p) >= kBlock; p += kBlock)
+        for (uint64_t bits = lineFeedMask(p); bits != 0; bits &= bits - 1)
+            add(p + std::countr_zero(bits) + 1);
     for (; p != end; ++p)
         if (*p == '\n') add(p + 1);
     return std::max(longest, static_cast<size_t>(end - start));
