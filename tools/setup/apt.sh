@@ -7,7 +7,7 @@ missing_packages() {
     for package in "$@"; do
         case $package in
         *:*) state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || state= ;;
-        *) # a package for all architectures is known without a suffix only
+        *) # one of another architecture does not do, one for all architectures does
             state=$(dpkg-query -W -f '${db:Status-Status}' "$package:$native" 2>/dev/null) ||
                 state=$(dpkg-query -W -f '${db:Status-Status}' "$package:all" 2>/dev/null) || state= ;;
         esac
@@ -27,34 +27,52 @@ as_root() {
 # An index that is just being renewed on the server makes an update fail for a moment, and
 # packages that are known already can still be installed without it.
 update_package_lists() {
-    local try
-    for try in 1 2 3; do
-        as_root apt-get update >>"$log" 2>&1 && return 0
-        sleep $((try * 3))
+    local pause
+    for pause in 2 5 0; do
+        as_root apt-get update >>"$log" 2>&1 </dev/null && return 0
+        sleep $pause
     done
     say "the package lists could not be brought up to date in full; going on with what is known"
 }
 
-install_missing() { # what package...
-    local what=$1 missing
-    shift
-    command -v dpkg-query >/dev/null || die "this is not a Debian machine; install by hand: $*"
+# All packages of a call are installed in one step, so that one choice of versions fits all.
+install_missing() { # package...
+    local missing release from
+    command -v dpkg-query >/dev/null || die "this is not a Debian machine; install by hand what stands for: $*"
     missing=$(missing_packages "$@" | tr '\n' ' ')
     [ -n "$missing" ] || return 0
     if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
-        die "$what must be installed, and there is no sudo here. As root: apt-get install $missing"
+        die "packages are missing, and there is no sudo here. As root: apt-get install $missing"
     fi
-    say "installing $what: $missing"
-    case " $missing" in
-    *:i386\ *) dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386 ;;
+    case $missing in
+    *:i386*)
+        if ! dpkg --print-foreign-architectures | grep -qx i386; then
+            say "letting this machine install 32-bit packages, for Wine"
+            as_root dpkg --add-architecture i386
+        fi
+        ;;
     esac
+    say "bringing the package lists up to date"
     update_package_lists
-    # Libraries of two architectures must be of one version. Where an update has reached only
-    # one of them so far, the versions of the release itself fit together.
+    # A library installed for two architectures must be of one version for both. Where an
+    # update has reached only one of them so far, the release's own versions fit together.
+    release=$(. /etc/os-release && echo "${VERSION_CODENAME:-stable}")
     # shellcheck disable=SC2086 # a list of words
-    apt_install $missing || apt_install -t "$(. /etc/os-release && echo "$VERSION_CODENAME")" $missing || {
+    if apt_install --simulate $missing; then
+        from=
+    elif apt_install --simulate -t "$release" $missing; then
+        from="-t $release"
+    else
+        grep -v '^ ' "$log" | tail -n 5 >&2
+        [[ $missing != *wine* ]] ||
+            say "where 32-bit Wine can't be had, ZOKA_NO_WINE=1 runs the native half alone: make test ZOKA_NO_WINE=1"
+        die "these packages can't be installed here (the whole story is in $log): $missing"
+    fi
+    say "installing $missing"
+    # shellcheck disable=SC2086
+    apt_install $from $missing || {
         tail -n 15 "$log" >&2
-        return 1
+        die "installing failed (the whole story is in $log)"
     }
 }
 

@@ -14,10 +14,10 @@ fetch_boost_sources() {
     source_lists "$work/parts"
     local apt=(apt-get -o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$work/parts"
         -o "Dir::State::lists=$work/lists" -o "Dir::Cache=$work/cache" -o APT::Sandbox::User=root)
-    local try
-    for try in 1 2 3; do
+    local pause
+    for pause in 2 5 0; do
         "${apt[@]}" update >>"$log" 2>&1 && break
-        sleep $((try * 3))
+        sleep $pause
     done
     (cd "$work" && "${apt[@]}" source --download-only --tar-only "boost1.81=$version") >>"$log" 2>&1 || {
         tail -n 15 "$log" >&2

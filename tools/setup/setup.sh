@@ -19,28 +19,14 @@ die() {
 . "$here/apt.sh"
 . "$here/boost.sh"
 
+wanted=
 for group in "$@"; do
-    case $group in
-    build)
-        # shellcheck disable=SC2086 # lists of words
-        install_missing "the compilers and libraries" $packages_build
-        fetch_boost_sources
-        ;;
-    wine)
-        # shellcheck disable=SC2086
-        if ! install_missing "32-bit Wine" $packages_wine; then
-            die "32-bit Wine can't be installed here (see $log), so the Windows half can't run." \
-                "ZOKA_NO_WINE=1 runs the native half alone: make test ZOKA_NO_WINE=1"
-        fi
-        ;;
-    bench)
-        # shellcheck disable=SC2086
-        install_missing "the benchmark's libraries" $packages_bench
-        ;;
-    fuzz)
-        # shellcheck disable=SC2086
-        install_missing "the fuzzer's compiler" $packages_fuzz
-        ;;
-    *) die "no group '$group'" ;;
-    esac
+    packages=packages_$group
+    [ -n "${!packages:-}" ] || die "no group '$group'"
+    wanted+=" ${!packages}"
 done
+# shellcheck disable=SC2086 # lists of words
+install_missing $wanted
+case " $* " in
+*' build '*) fetch_boost_sources ;;
+esac
