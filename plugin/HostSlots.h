@@ -1,5 +1,5 @@
-// How the host's objects lie in memory: the table of operations by slot, the records, the calling convention. Shared by
-// the adapter that calls a host and by the stand-in editor that is one; nothing else needs it.
+// How the host's objects lie in memory: the table of operations by slot, the records, the calling convention.
+// Shared by the adapter that calls a host and by the stand-in editor that is one; nothing else needs it.
 #pragma once
 
 #include <cstddef>
@@ -16,19 +16,20 @@
 
 namespace zoka {
 
-// Position in the editor interface's table of operations, 0 the first. The object's first word points to the table.
-// "Word" results are 32-bit; "byte" results fill the low byte of the register alone.
+// Position in the editor interface's table of operations, 0 the first. The object's first word points to the
+// table. "Word" results are 32-bit; "byte" results fill the low byte of the register alone.
 enum HostSlot : unsigned {
-    kSlotCreateMainScript = 1,           // word ()
-    kSlotGetMainScriptPath = 4,          // word (char* buffer, int 260)
-    kSlotMainScriptChanged = 5,          // word ()
-    kSlotGetListItemName = 13,           // word (int index, char* buffer, int 64)
-    kSlotEndListUpdate = 14,             // word ()
-    kSlotChooseFile = 15,                // word (char* buffer, int 260, int 2, const char* "template_6")
-    kSlotGetProjectFolder = 16,          // word (char* buffer, int 260)
-    kSlotCopyFileToFolder = 17,          // byte (const char* source, const char* folder, int 260)
-    kSlotCopyFileWithSubstitutions = 18, // byte (const char* source, const char* target, const ZunSubstitution*)
-    kSlotExecuteCommand = 22,            // word (int 0, int command, void* data, int size)
+    kSlotCreateMainScript = 1,   // word ()
+    kSlotGetMainScriptPath = 4,  // word (char* buffer, int 260)
+    kSlotMainScriptChanged = 5,  // word ()
+    kSlotGetListItemName = 13,   // word (int index, char* buffer, int 64)
+    kSlotEndListUpdate = 14,     // word ()
+    kSlotChooseFile = 15,        // word (char* buffer, int 260, int 2, const char* "template_6")
+    kSlotGetProjectFolder = 16,  // word (char* buffer, int 260)
+    kSlotCopyFileToFolder = 17,  // byte (const char* source, const char* folder, int 260)
+    kSlotCopyFileWithSubstitutions =
+        18,                    // byte (const char* source, const char* target, const ZunSubstitution*)
+    kSlotExecuteCommand = 22,  // word (int 0, int command, void* data, int size)
 };
 // Operations of a table that ends with the last one called.
 inline constexpr unsigned kHostSlotCount = 23;

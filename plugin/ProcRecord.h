@@ -7,8 +7,8 @@
 struct HostContext;
 struct PluginProcDef;
 
-// All cdecl, on the editor's thread. `executeFlags` points at the host's busy word: 1 while the procedure works, 0
-// when it is done; a panel procedure writes the 0 later, from its panel's thread.
+// All cdecl, on the editor's thread. `executeFlags` points at the host's busy word: 1 while the procedure
+// works, 0 when it is done; a panel procedure writes the 0 later, from its panel's thread.
 using PluginExecute = std::int32_t (*)(PluginProcDef* procRecord, HostContext* hostContext,
                                        std::int32_t* executeFlags);
 using PluginTerminate = std::int32_t (*)();

@@ -1,5 +1,5 @@
-// What the plug-in asks of the level editor, one named method an operation. The real editor stands behind it in the
-// DLL, a plain project folder in the command-line tool, a recording fake in the tests.
+// What the plug-in asks of the level editor, one named method an operation. The real editor stands behind it
+// in the DLL, a plain project folder in the command-line tool, a recording fake in the tests.
 #pragma once
 
 #include <optional>
@@ -12,8 +12,8 @@
 namespace zoka {
 
 // Texts are in the process's 8-bit character set. A path is at most 259 characters; whatever the host leaves
-// unterminated is cut there. Operations may be called on the editor's thread and on a panel's thread; the host does
-// its own locking. No operation throws.
+// unterminated is cut there. Operations may be called on the editor's thread and on a panel's thread; the
+// host does its own locking. No operation throws.
 class ZunEditorInterface {
 public:
     virtual ~ZunEditorInterface() = default;
@@ -24,14 +24,15 @@ public:
     virtual std::optional<std::string> GetMainScriptPath() = 0;
     // To be called after the main script's file was rewritten, so that the editor reads it again.
     virtual void MainScriptChanged() = 0;
-    // Name of item `index` of the host's list (at most 63 characters); nothing past its end. A walk over the list is
-    // ended with EndListUpdate.
+    // Name of item `index` of the host's list (at most 63 characters); nothing past its end. A walk over the
+    // list is ended with EndListUpdate.
     virtual std::optional<std::string> GetListItemName(int index) = 0;
     virtual void EndListUpdate() = 0;
-    // The editor's own file chooser over the template files; nothing when cancelled. `preset` is the path it opens on.
+    // The editor's own file chooser over the template files; nothing when cancelled. `preset` is the path it
+    // opens on.
     virtual std::optional<std::string> ChooseFile(const std::string& preset) = 0;
-    // Folder of the open project, without a trailing separator as far as the host leaves it so; empty when the host
-    // fails.
+    // Folder of the open project, without a trailing separator as far as the host leaves it so; empty when
+    // the host fails.
     virtual std::string GetProjectFolder() = 0;
     // Copies a file into a folder under its own name. False on failure.
     virtual bool CopyFileToFolder(const std::string& source, const std::string& folder) = 0;
@@ -39,8 +40,8 @@ public:
     virtual bool CopyFileWithSubstitutions(
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) = 0;
-    // A folder answered through a command record (CmdGetSuiteFolder, CmdGetTemplateSubfolder, CmdQueryPath13); empty
-    // when the host fails.
+    // A folder answered through a command record (CmdGetSuiteFolder, CmdGetTemplateSubfolder,
+    // CmdQueryPath13); empty when the host fails.
     virtual std::string QueryFolder(ZunCommandCode code) = 0;
     // Opens a level map (".zlm"). False when the editor refuses.
     virtual bool OpenMap(const std::string& path) = 0;

@@ -1,0 +1,134 @@
+#include "plugin/FolderHost.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "util/OsFiles.h"
+
+namespace zoka {
+namespace {
+
+std::string joined(const std::string& folder, const std::string& name) {
+    const bool separated = !folder.empty() && (folder.back() == '\\' || folder.back() == '/');
+    return folder + (separated ? "" : "\\") + name;
+}
+
+bool sameText(const std::string& a, const std::string& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+    });
+}
+
+// The name of the only file that fits the wildcard.
+std::optional<std::string> onlyFile(const std::string& folder, const char* wildcard) {
+    std::optional<std::string> found;
+    for (const OsEntry& entry : osFiles().list(joined(folder, wildcard))) {
+        if (!entry.isFolder) {
+            if (found) {
+                return std::nullopt;
+            }
+            found = entry.name;
+        }
+    }
+    return found;
+}
+
+// Puts the content in the place of the file at `path`, or makes it. A failure leaves what was there.
+bool putFile(const std::string& path, const std::string& content) {
+    OsFiles& files = osFiles();
+    const auto target = files.resolveLinks(path);
+    if (!target) {
+        return false;
+    }
+    const std::string sibling = *target + ".part";
+    const auto out = files.openForWriting(sibling, OsOpen::New);
+    if (!out) {
+        return false;
+    }
+    const bool written = out->write(content) && out->flush();
+    const bool closed = out->close();
+    if (written && closed &&
+        (files.exists(*target) ? files.replaceFile(*target, sibling) : files.renameNew(sibling, *target))) {
+        return true;
+    }
+    files.deleteFile(sibling);
+    return false;
+}
+
+using Substitutions = std::span<const std::pair<std::string, std::string>>;
+
+std::string substituted(const std::string& text, Substitutions substitutions) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const auto fits = std::find_if(substitutions.begin(), substitutions.end(), [&](const auto& pair) {
+            return !pair.first.empty() && text.compare(at, pair.first.size(), pair.first) == 0;
+        });
+        if (fits == substitutions.end()) {
+            result += text[at++];
+        } else {
+            result += fits->second;
+            at += fits->first.size();
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+std::optional<std::string> FolderHost::GetMainScriptPath() {
+    if (!m_folders.mainScript.empty()) {
+        return m_folders.mainScript;
+    }
+    if (const auto map = onlyFile(m_folders.project, "*.zlm")) {
+        const std::string script = joined(m_folders.project, map->substr(0, map->size() - 4) + ".kez");
+        if (osFiles().exists(script)) {
+            return script;
+        }
+    }
+    const auto script = onlyFile(m_folders.project, "*.kez");
+    return script ? std::optional(joined(m_folders.project, *script)) : std::nullopt;
+}
+
+std::optional<std::string> FolderHost::GetListItemName(int index) {
+    if (index < 0 || static_cast<std::size_t>(index) >= m_listItems.size()) {
+        return std::nullopt;
+    }
+    return m_listItems[static_cast<std::size_t>(index)].substr(0, kHostItemNameSize - 1);
+}
+
+std::optional<std::string> FolderHost::ChooseFile(const std::string&) {
+    return m_chosenFile.empty() ? std::nullopt : std::optional(m_chosenFile);
+}
+
+bool FolderHost::CopyFileToFolder(const std::string& source, const std::string& folder) {
+    const std::string name = source.substr(source.find_last_of("\\/") + 1);
+    return !name.empty() && CopyFileWithSubstitutions(source, joined(folder, name), {});
+}
+
+bool FolderHost::CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
+                                           Substitutions substitutions) {
+    if (sameText(osFiles().fullPath(source), osFiles().fullPath(destination))) {
+        return false;
+    }
+    const auto content = osFiles().readWhole(source);
+    return content && putFile(destination, substituted(*content, substitutions));
+}
+
+std::string FolderHost::QueryFolder(ZunCommandCode code) {
+    return code == CmdGetSuiteFolder         ? m_folders.suite
+           : code == CmdGetTemplateSubfolder ? m_folders.templateSubfolder
+                                             : "";
+}
+
+bool FolderHost::OpenMap(const std::string& path) {
+    const std::size_t separator = path.find_last_of("\\/");
+    if (separator == std::string::npos || !osFiles().exists(path)) {
+        return false;
+    }
+    m_folders.project = path.substr(0, separator);
+    m_folders.mainScript.clear();
+    return true;
+}
+
+}  // namespace zoka

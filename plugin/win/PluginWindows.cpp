@@ -1,0 +1,92 @@
+#include "plugin/win/PluginWindows.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "plugin/HostAdapter.h"
+#include "plugin/PanelText.h"
+#include "plugin/win/Resources.h"
+#include "plugin/win/StatusWindow.h"
+#include "plugin/win/ViewThread.h"
+
+namespace zoka {
+
+static_assert(kPanelDialog == IDD_PANEL);
+
+namespace {
+
+HINSTANCE g_module = nullptr;
+
+}  // namespace
+
+HINSTANCE moduleInstance() {
+    return g_module;
+}
+void setModuleInstance(HINSTANCE instance) {
+    g_module = instance;
+}
+
+bool startWindowToolkit() {
+    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES};
+    return InitCommonControlsEx(&classes) && FindResourceA(g_module, MAKEINTRESOURCEA(IDD_PANEL), RT_DIALOG);
+}
+
+std::unique_ptr<ZunEditorInterface> PluginWindows::makeEditor(void* rawEditor) {
+    return std::make_unique<HostAdapter>(rawEditor);
+}
+
+std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterface& editor,
+                                                               const std::string&) {
+    return std::make_unique<StatusWindow>("KEZ Customize", [&editor] { return projectStatus(editor); });
+}
+
+// No project's behaviours are read yet, so none defines a panel.
+bool PluginWindows::behaviorPanelDefined(const std::string&, const std::string&, EntityDescriptor&) {
+    return false;
+}
+
+std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
+    ZunEditorInterface& editor, const std::string& entity,
+    const std::optional<EntityDescriptor>& descriptor) {
+    return std::make_unique<StatusWindow>("Entity Behavior", [&editor, entity, descriptor] {
+        return behaviorStatus(editor, entity, descriptor);
+    });
+}
+
+std::unique_ptr<PanelThread> PluginWindows::makeThread(PanelState& state, PanelDialog& dialog, int number) {
+    return std::make_unique<CViewThread>(state, static_cast<PanelWindow&>(dialog), number);
+}
+
+void PluginWindows::runProjectManager(ZunEditorInterface& editor, const std::string& projectFile) {
+    StatusWindow("J8 Project Manager", [&] {
+        StatusLines lines = projectStatus(editor);
+        lines.push_back("Project file: " + projectFile);
+        return lines;
+    }).runModal(g_module, IDD_STATUS);
+}
+
+void PluginWindows::runScriptManager(ZunEditorInterface&, const std::string& mainScript,
+                                     const std::string& projectFolder, const std::string& catalogue) {
+    StatusWindow("Project Manager", [&] {
+        return StatusLines{"Main script: " + mainScript, "Project folder: " + projectFolder,
+                           "Template catalogue: " + catalogue};
+    }).runModal(g_module, IDD_STATUS);
+}
+
+std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface& editor) {
+    std::string folder = editor.GetProjectFolder();
+    StatusWindow window("New Project", [&] {
+        return StatusLines{"Project folder: " + (folder.empty() ? "none" : folder),
+                           "OK opens this level map in the editor; without a name, \"map\"."};
+    });
+    if (window.runModal(g_module, IDD_NEW_PROJECT) != IDOK) {
+        return std::nullopt;
+    }
+    if (!folder.empty() && folder.back() != '\\' && folder.back() != '/') {
+        folder += '\\';
+    }
+    return NewProjectChoice{folder, window.level()};
+}
+
+}  // namespace zoka

@@ -1,0 +1,274 @@
+#include "plugin/win/ViewThread.h"
+
+#include <commctrl.h>
+
+#include <initializer_list>
+
+using zoka::moduleInstance;
+
+// The callbacks by which the compiler's runtime frees what it keeps for a thread.
+extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
+
+namespace {
+
+constexpr UINT kLoadMessage = WM_APP + 100;
+constexpr UINT_PTR kCloseTimer = 0x5a01;
+constexpr UINT kCloseRetryMs = 15;
+constexpr DWORD kUnloadPollMs = 20;
+// A panel that needs the loader's lock just when the library is unmapped can never close; see leaveForUnload.
+constexpr DWORD kUnloadPatienceMs = 10000;
+
+// Waits for one of the handles and meanwhile answers messages that other threads send to this one. False when
+// the time is over.
+bool waitAnswering(std::initializer_list<HANDLE> handles, DWORD timeoutMs) {
+    const auto count = static_cast<DWORD>(handles.size());
+    const DWORD start = GetTickCount();
+    for (;;) {
+        const DWORD passed = GetTickCount() - start;
+        const DWORD left = timeoutMs == INFINITE ? INFINITE : passed < timeoutMs ? timeoutMs - passed : 0;
+        const DWORD result =
+            MsgWaitForMultipleObjectsEx(count, handles.begin(), left, QS_SENDMESSAGE, MWMO_INPUTAVAILABLE);
+        if (result != WAIT_OBJECT_0 + count) {
+            return result != WAIT_TIMEOUT;
+        }
+        MSG message;
+        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+}
+
+// True when the thread's next instruction lies outside this module.
+bool outsideModule(HANDLE thread) {
+    const auto base = reinterpret_cast<std::uintptr_t>(moduleInstance());
+    const auto& dos = *reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto& headers =
+        *reinterpret_cast<const IMAGE_NT_HEADERS*>(base + static_cast<std::uintptr_t>(dos.e_lfanew));
+    if (SuspendThread(thread) == static_cast<DWORD>(-1)) {
+        return true;  // it has ended
+    }
+    CONTEXT context{};
+    context.ContextFlags = CONTEXT_CONTROL;
+    const bool known = GetThreadContext(thread, &context) != 0;
+    ResumeThread(thread);
+#ifdef _WIN64
+    const std::uintptr_t at = context.Rip;
+#else
+    const std::uintptr_t at = context.Eip;
+#endif
+    return known && at - base >= headers.OptionalHeader.SizeOfImage;
+}
+
+// Frees what the compiler's runtime keeps for this thread. At the thread's end the loader would do that, but
+// not for a library that is gone by then. The callbacks do nothing a second time.
+void freeThreadRuntime() {
+    for (auto callback = reinterpret_cast<PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
+         callback && *callback; ++callback) {
+        (*callback)(moduleInstance(), DLL_THREAD_DETACH, nullptr);
+    }
+}
+
+}  // namespace
+
+CViewThread::~CViewThread() {
+    for (HANDLE handle : {m_thread, m_opened, m_gone}) {
+        if (handle) {
+            CloseHandle(handle);
+        }
+    }
+}
+
+bool CViewThread::start() {
+    m_opened = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    m_gone = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    if (m_opened && m_gone) {
+        m_thread = CreateThread(nullptr, 0, threadMain, this, 0, nullptr);
+    }
+    if (!m_thread) {
+        m_state.end();
+        return false;
+    }
+    waitAnswering({m_opened, m_thread}, INFINITE);
+    return WaitForSingleObject(m_opened, 0) == WAIT_OBJECT_0;
+}
+
+void CViewThread::requestClose() {
+    // The panel's thread publishes its window and then looks at the request; here it is the other way round.
+    // So one of the two sees the other's, whichever comes first.
+    m_closeRequested.store(true);
+    m_closing.store(true);
+    if (const HWND window = m_window.load()) {
+        PostMessageA(window, WM_CLOSE, 0, 0);
+    }
+}
+
+bool CViewThread::bringToFront() {
+    if (m_closing.load()) {
+        return false;
+    }
+    const HWND window = m_window.load();
+    if (!window) {
+        return true;  // being opened: a message that came meanwhile has led here
+    }
+    ShowWindowAsync(window, IsIconic(window) ? SW_RESTORE : SW_SHOW);
+    SetForegroundWindow(window);
+    return true;
+}
+
+bool CViewThread::ended() const {
+    return !m_thread || WaitForSingleObject(m_thread, 0) == WAIT_OBJECT_0;
+}
+
+void CViewThread::waitUntilGone() {
+    if (m_thread) {
+        waitAnswering({m_thread}, INFINITE);
+    }
+    if (m_state.thread() == this) {
+        m_state.end();  // the thread was ended from outside, without a word
+    }
+}
+
+void CViewThread::leaveForUnload() {
+    const DWORD start = GetTickCount();
+    while (!ended() && !m_left.load()) {
+        // Asked again and again: what the panel shows of its own, a question say, has nobody left to answer
+        // it.
+        requestClose();
+        waitAnswering({m_gone, m_thread}, kUnloadPollMs);
+        if (GetTickCount() - start > kUnloadPatienceMs) {
+            // The panel is in an operation that needs the loader's lock, which this thread holds: neither
+            // could ever go on. Ending the thread is the lesser evil, against a process that hangs for good.
+            TerminateThread(m_thread, 1);
+            WaitForSingleObject(m_thread, 1000);
+            break;
+        }
+    }
+    while (!ended() && !outsideModule(m_thread)) {
+        SwitchToThread();
+    }
+    if (m_state.thread() == this) {
+        m_state.end();
+    }
+}
+
+DWORD WINAPI CViewThread::threadMain(void* self) {
+    auto* const thread = static_cast<CViewThread*>(self);
+    thread->run();
+    freeThreadRuntime();
+    SetEvent(thread->m_gone);
+    thread->m_left.store(true);
+    ExitThread(0);
+}
+
+__attribute__((noinline)) void CViewThread::run() {
+    const HWND window = m_panel.create(moduleInstance(), m_number);
+    if (window) {
+        SetWindowSubclass(window, mainWindowProc, 1, reinterpret_cast<DWORD_PTR>(this));
+        m_window.store(window);
+        ShowWindow(window, SW_SHOWNORMAL);
+        UpdateWindow(window);
+        SetForegroundWindow(window);
+        PostMessageA(window, kLoadMessage, 0, 0);
+        SetEvent(m_opened);
+        if (m_closeRequested.load()) {
+            PostMessageA(window, WM_CLOSE, 0, 0);
+        }
+        messageLoop(window);
+    }
+    m_state.end();
+}
+
+void CViewThread::messageLoop(HWND window) {
+    MSG message;
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+        if (!IsDialogMessageA(window, &message)) {
+            TranslateMessage(&message);
+            DispatchMessageA(&message);
+        }
+    }
+}
+
+LRESULT CALLBACK CViewThread::mainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                             UINT_PTR id, DWORD_PTR data) {
+    auto* const self = reinterpret_cast<CViewThread*>(data);
+    switch (message) {
+        case WM_CLOSE:
+            if (self->m_closeRequested.load()) {
+                return self->forcedClose(window, wParam, lParam);
+            }
+            break;
+        case WM_TIMER:
+            if (wParam == kCloseTimer) {
+                KillTimer(window, kCloseTimer);
+                PostMessageA(window, WM_CLOSE, 0, 0);
+                return 0;
+            }
+            break;
+        case kLoadMessage:
+            if (!self->m_closeRequested.load()) {
+                self->m_panel.load();
+            }
+            return 0;
+        case WM_DESTROY:
+            self->m_closing.store(true);
+            break;
+        case WM_NCDESTROY: {
+            self->m_window.store(nullptr);
+            RemoveWindowSubclass(window, mainWindowProc, id);
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            PostQuitMessage(0);
+            return result;
+        }
+        default:
+            break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+// The host wants the panel gone. Dialogs that the panel has open are cancelled first, the innermost before
+// the others; then the panel closes as it would for the user, except that it can't refuse.
+LRESULT CViewThread::forcedClose(HWND window, WPARAM wParam, LPARAM lParam) {
+    if (cancelNestedDialog(window)) {
+        SetTimer(window, kCloseTimer, kCloseRetryMs, nullptr);
+        return 0;
+    }
+    SendMessageA(window, WM_CANCELMODE, 0, 0);  // ends an open menu or a drag
+    const LRESULT result = DefSubclassProc(window, WM_CLOSE, wParam, lParam);
+    if (IsWindow(window)) {
+        DestroyWindow(window);
+    }
+    return result;
+}
+
+// False when no other dialog of this thread is open.
+bool CViewThread::cancelNestedDialog(HWND window) {
+    struct Search {
+        HWND panel, found;
+    } search{window, nullptr};
+    // Top-level windows come in their order on the screen, so the first is the innermost.
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND candidate, LPARAM data) -> BOOL {
+            auto& s = *reinterpret_cast<Search*>(data);
+            char name[16] = "";
+            GetClassNameA(candidate, name, sizeof name);
+            const bool isDialog = lstrcmpA(name, "#32770") == 0 ||
+                                  (GetWindow(candidate, GW_OWNER) && !IsWindowEnabled(s.panel));
+            if (candidate != s.panel && isDialog && IsWindowVisible(candidate) &&
+                IsWindowEnabled(candidate)) {
+                s.found = candidate;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    if (!search.found) {
+        return false;
+    }
+    if (search.found != m_nested) {
+        m_nested = search.found;
+        PostMessageA(search.found, WM_CLOSE, 0, 0);
+    } else {
+        EndDialog(search.found, IDCANCEL);  // a Yes/No question has no close of its own
+        m_nested = nullptr;
+    }
+    return true;
+}
