@@ -7,12 +7,13 @@
 
 namespace zoka {
 
-// Writes questions to `out` and reads one line for each answer from `in`. An answer it doesn't understand is asked
-// for again; the end of the input is the answer of a closed box. With `assumeYes` nothing is read: questions answer
-// Yes or Ok, choosers give the preset name, or nothing without one. Neither stream is owned.
+// Writes questions to `out` and reads one line for each answer from `in`. An answer it doesn't understand is
+// asked for again; the end of the input is the answer of a closed box. With `assumeYes` nothing is read:
+// questions answer Yes or Ok, choosers give the preset name, or nothing without one. Neither stream is owned.
 class ConsolePrompt : public UserPrompt {
 public:
-    ConsolePrompt(std::istream& in, std::ostream& out, bool assumeYes) : m_in(in), m_out(out), m_yes(assumeYes) {}
+    ConsolePrompt(std::istream& in, std::ostream& out, bool assumeYes)
+        : m_in(in), m_out(out), m_yes(assumeYes) {}
 
     PromptAnswer ask(const std::string& text, const std::string& title, PromptButtons buttons,
                      PromptIcon icon) override;

@@ -21,8 +21,8 @@ struct OsEntry {
     std::uint64_t size = 0;
 };
 
-// A file open for writing, unbuffered. Its destructor closes it silently; whoever wants to know whether the bytes
-// arrived calls flush and close. False means the operation failed, and OsFiles::lastError says why.
+// A file open for writing, unbuffered. Its destructor closes it silently; whoever wants to know whether the
+// bytes arrived calls flush and close. False means the operation failed, and OsFiles::lastError says why.
 class OsOutFile {
 public:
     virtual ~OsOutFile() = default;
@@ -43,21 +43,21 @@ enum class OsOpen {
     Truncate,  // made when missing, emptied otherwise
 };
 
-// Every path is the suite's own text: 8-bit, backslashes (slashes are understood too), drive letters. On Linux it
-// becomes a native path here, at the last moment (see util/posix/NativePath.h). Operations may be called on every
-// thread and never throw for a failure of the disk.
+// Every path is the suite's own text: 8-bit, backslashes (slashes are understood too), drive letters. On
+// Linux it becomes a native path here, at the last moment (see util/posix/NativePath.h). Operations may be
+// called on every thread and never throw for a failure of the disk.
 class OsFiles {
 public:
     virtual ~OsFiles() = default;
 
-    // The first entry that a directory search for `path` finds; the last part may hold wildcards ('*', '?'). A path
-    // that ends with a separator finds nothing.
+    // The first entry that a directory search for `path` finds; the last part may hold wildcards ('*', '?').
+    // A path that ends with a separator finds nothing.
     virtual std::optional<OsEntry> search(const std::string& path) = 0;
     // All entries that match the wildcard in the pattern's last part, without "." and "..", sorted by name.
     virtual std::vector<OsEntry> list(const std::string& pattern) = 0;
 
-    // False when the file cannot be opened for reading; otherwise true, with the last-write time in `time`, which
-    // stays as it was in the rare case that the time of the open file can't be had. `time` may be null.
+    // False when the file cannot be opened for reading; otherwise true, with the last-write time in `time`,
+    // which stays as it was in the rare case that the time of the open file can't be had. `time` may be null.
     virtual bool readTime(const std::string& path, FileTime* time) = 0;
     // Sets creation, last-access and last-write time (Linux has no creation time to set). False when the file
     // cannot be opened for writing.
@@ -82,12 +82,12 @@ public:
     // Null when it can't be opened that way.
     virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;
 
-    // The file that a link leads to, as an absolute path; for anything else the absolute path itself. Nothing when
-    // the links run in a circle.
+    // The file that a link leads to, as an absolute path; for anything else the absolute path itself. Nothing
+    // when the links run in a circle.
     virtual std::optional<std::string> resolveLinks(const std::string& path) = 0;
-    // Puts `replacement` into the place of the existing file `target`, in one step that a crash can't cut: whoever
-    // looks sees the old or the new content. The target's mode, attributes and (on Windows) creation time stay.
-    // Both are absolute paths in the same folder. After a failure both files are as they were.
+    // Puts `replacement` into the place of the existing file `target`, in one step that a crash can't cut:
+    // whoever looks sees the old or the new content. The target's mode, attributes and (on Windows) creation
+    // time stay. Both are absolute paths in the same folder. After a failure both files are as they were.
     virtual bool replaceFile(const std::string& target, const std::string& replacement) = 0;
     // Renames a file; false when `to` exists.
     virtual bool renameNew(const std::string& from, const std::string& to) = 0;
@@ -100,8 +100,8 @@ public:
 
 // The running program's own disk.
 OsFiles& systemFiles();
-// The disk that the logic uses: systemFiles() until a test puts its fake in. Set while no other thread works; not
-// owned; null goes back to systemFiles().
+// The disk that the logic uses: systemFiles() until a test puts its fake in. Set while no other thread works;
+// not owned; null goes back to systemFiles().
 OsFiles& osFiles();
 void setOsFiles(OsFiles* files);
 

@@ -1,0 +1,110 @@
+#include "util/ConsolePrompt.h"
+
+#include <cstdlib>
+#include <istream>
+#include <ostream>
+#include <span>
+
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+struct Choice {
+    const char* word;
+    PromptAnswer answer;
+};
+
+constexpr Choice kOkCancel[] = {{"ok", PromptAnswer::Ok}, {"cancel", PromptAnswer::Cancel}};
+constexpr Choice kYesNo[] = {{"yes", PromptAnswer::Yes}, {"no", PromptAnswer::No}};
+constexpr Choice kYesNoCancel[] = {
+    {"yes", PromptAnswer::Yes}, {"no", PromptAnswer::No}, {"cancel", PromptAnswer::Cancel}};
+
+// The first choice is what --yes answers, the last what a closed box does.
+std::span<const Choice> choicesOf(PromptButtons buttons) {
+    switch (buttons) {
+        case PromptButtons::OkCancel:
+            return kOkCancel;
+        case PromptButtons::YesNo:
+            return kYesNo;
+        case PromptButtons::YesNoCancel:
+            return kYesNoCancel;
+        default:
+            return {};
+    }
+}
+
+std::string_view trimmed(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(" \t\r");
+    return first == std::string_view::npos ? ""
+                                           : line.substr(first, line.find_last_not_of(" \t\r") - first + 1);
+}
+
+}  // namespace
+
+PromptAnswer ConsolePrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
+                                PromptIcon) {
+    const auto choices = choicesOf(buttons);
+    m_out << title << ": " << text;
+    if (choices.empty()) {
+        m_out << std::endl;
+        return PromptAnswer::Ok;
+    }
+    std::string words;
+    for (const Choice& choice : choices) {
+        words.append(words.empty() ? "" : "/").append(choice.word);
+    }
+    if (m_yes) {
+        m_out << " [" << words << "] " << choices.front().word << std::endl;
+        return choices.front().answer;
+    }
+    std::string line;
+    while (m_out << " [" << words << "] " << std::flush && std::getline(m_in, line)) {
+        // A word or its beginning; every choice begins with a letter of its own.
+        const std::string_view answer = trimmed(line);
+        for (const Choice& choice : choices) {
+            if (!answer.empty() &&
+                equalNoCase(answer, std::string_view(choice.word).substr(0, answer.size()))) {
+                return choice.answer;
+            }
+        }
+    }
+    m_out << std::endl;
+    return choices.back().answer;
+}
+
+std::optional<std::string> ConsolePrompt::choose(const ChooserRequest& request, const char* what) {
+    const std::optional<std::string> preset =
+        request.fileName.empty() ? std::nullopt : std::optional(request.fileName);
+    m_out << request.title << " (" << what;
+    if (preset) {
+        m_out << ", empty for " << *preset;
+    }
+    m_out << "): " << std::flush;
+    std::string line;
+    if (m_yes) {
+        m_out << preset.value_or("") << std::endl;
+        return preset;
+    }
+    if (!std::getline(m_in, line)) {
+        m_out << std::endl;
+        return std::nullopt;
+    }
+    const std::string_view answer = trimmed(line);
+    return answer.empty() ? preset : std::string(answer);
+}
+
+std::optional<std::string> ConsolePrompt::chooseFile(const ChooserRequest& request) {
+    return choose(request, "file");
+}
+
+std::optional<std::string> ConsolePrompt::chooseFolder(const ChooserRequest& request) {
+    return choose(request, "folder");
+}
+
+void ConsolePrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
+    m_out << title << ": " << text << std::endl;
+    std::exit(exitStatus);
+}
+
+}  // namespace zoka

@@ -1,0 +1,18 @@
+// The suite's paths on a system with slashes and one root.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zoka {
+
+// A suite path as the native one that the system calls take. A drive letter is dropped: there is one root,
+// and it serves as every drive ("C:\a\b" is "/a/b", "C:a" is "a"). Backslashes become slashes. Where that
+// name does not exist, each part that isn't there is looked for without regard to case (the first match in
+// the order of bytes); parts that are found in no spelling stay as given, for what is yet to be made.
+std::string toNativePath(std::string_view path);
+
+// The other way: backslashes, and "C:" in front of a path from the root.
+std::string fromNativePath(std::string_view nativePath);
+
+}  // namespace zoka

@@ -1,0 +1,315 @@
+#include "util/OsFiles.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+#include "util/PathRules.h"
+#include "util/posix/NativePath.h"
+
+namespace zoka {
+namespace {
+
+constexpr std::uint64_t kTicksPerSecond = 10'000'000;
+constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+constexpr int kMostLinks = 40;
+
+FileTime toFileTime(const timespec& time) {
+    const std::int64_t seconds = time.tv_sec + kSecondsFrom1601To1970;
+    return FileTime::fromTicks(seconds < 0 ? 0
+                                           : static_cast<std::uint64_t>(seconds) * kTicksPerSecond +
+                                                 static_cast<std::uint64_t>(time.tv_nsec) / 100);
+}
+
+timespec toTimespec(FileTime time) {
+    const std::uint64_t ticks = time.ticks();
+    return {static_cast<time_t>(static_cast<std::int64_t>(ticks / kTicksPerSecond) - kSecondsFrom1601To1970),
+            static_cast<long>(ticks % kTicksPerSecond * 100)};
+}
+
+// A file descriptor that closes itself and leaves errno alone, so that a failure's reason outlives the
+// cleaning-up.
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { close(); }
+    int get() const { return m_fd; }
+    bool isOpen() const { return m_fd >= 0; }
+    bool close() {
+        const int before = errno;
+        const bool closed = m_fd >= 0 && ::close(m_fd) == 0;
+        m_fd = -1;
+        if (closed) {
+            errno = before;
+        }
+        return closed;
+    }
+
+private:
+    int m_fd;
+};
+
+class PosixOutFile : public OsOutFile {
+public:
+    explicit PosixOutFile(int fd) : m_file(fd) {}
+    bool write(std::string_view bytes) override {
+        while (!bytes.empty()) {
+            const ssize_t written = ::write(m_file.get(), bytes.data(), bytes.size());
+            if (written >= 0) {
+                bytes.remove_prefix(static_cast<std::size_t>(written));
+            } else if (errno != EINTR) {
+                return false;
+            }
+        }
+        return true;
+    }
+    bool rewind() override { return lseek(m_file.get(), 0, SEEK_SET) == 0; }
+    bool cutHere() override {
+        const off_t here = lseek(m_file.get(), 0, SEEK_CUR);
+        return here >= 0 && ftruncate(m_file.get(), here) == 0;
+    }
+    bool flush() override {
+        // What cannot be synchronised (a pipe, some network shares) is as safe as it gets.
+        return fsync(m_file.get()) == 0 || errno == EINVAL || errno == EROFS;
+    }
+    bool close() override { return m_file.close(); }
+
+private:
+    Descriptor m_file;
+};
+
+// Opens regular files and devices; folders, pipes and sockets fail. Never waits for another program.
+int openFile(const std::string& path, int flags) {
+    const std::string native = toNativePath(path);
+    struct stat info;
+    if (stat(native.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISCHR(info.st_mode)) {
+        errno = S_ISDIR(info.st_mode) ? EISDIR : EACCES;
+        return -1;
+    }
+    return open(native.c_str(), flags | O_CLOEXEC, 0666);
+}
+
+OsEntry describe(const std::string& name, const struct stat& info) {
+    return {name, S_ISDIR(info.st_mode), toFileTime(info.st_mtim), static_cast<std::uint64_t>(info.st_size)};
+}
+
+bool statEntry(const std::string& native, struct stat& info) {
+    return stat(native.c_str(), &info) == 0 || lstat(native.c_str(), &info) == 0;
+}
+
+class PosixFiles : public OsFiles {
+public:
+    std::optional<OsEntry> search(const std::string& path) override {
+        if (path.empty() || isSeparator(path.back())) {
+            return std::nullopt;
+        }
+        if (hasWildcard(fileNameOf(path))) {
+            const auto all = matches(path, true);
+            return all.empty() ? std::nullopt : std::optional(all.front());
+        }
+        const std::string native = toNativePath(path);
+        struct stat info;
+        if (native.empty() || !statEntry(native, info)) {
+            return std::nullopt;
+        }
+        return describe(native.substr(native.rfind('/') + 1), info);
+    }
+
+    std::vector<OsEntry> list(const std::string& pattern) override { return matches(pattern, false); }
+
+    bool readTime(const std::string& path, FileTime* time) override {
+        const Descriptor file(openFile(path, O_RDONLY));
+        struct stat info;
+        if (file.isOpen() && time && fstat(file.get(), &info) == 0) {
+            *time = toFileTime(info.st_mtim);
+        }
+        return file.isOpen();
+    }
+
+    bool setTimes(const std::string& path, FileTime time) override {
+        const Descriptor file(openFile(path, O_WRONLY));
+        if (!file.isOpen()) {
+            return false;
+        }
+        const timespec both[2] = {toTimespec(time), toTimespec(time)};
+        futimens(file.get(), both);
+        return true;
+    }
+
+    std::string currentFolder() override {
+        char native[PATH_MAX];
+        return getcwd(native, sizeof native) ? fromNativePath(native) : std::string();
+    }
+    bool setCurrentFolder(const std::string& path) override { return chdir(toNativePath(path).c_str()) == 0; }
+
+    std::string fullPath(const std::string& path) override {
+        if (isAbsolute(path)) {
+            return normalizePath(path);
+        }
+        const bool hasDrive = path.size() > 1 && path[1] == ':';
+        const std::string drive = hasDrive ? path.substr(0, 2) : "C:";
+        const std::string rest = hasDrive ? path.substr(2) : path;
+        if (!rest.empty() && isSeparator(rest.front())) {
+            return normalizePath(drive + rest);
+        }
+        return normalizePath(joinPath(drive + currentFolder().substr(2), rest));
+    }
+
+    bool makeFolder(const std::string& path) override { return mkdir(toNativePath(path).c_str(), 0777) == 0; }
+    bool deleteFile(const std::string& path) override { return unlink(toNativePath(path).c_str()) == 0; }
+    bool deleteFolder(const std::string& path) override { return rmdir(toNativePath(path).c_str()) == 0; }
+
+    std::FILE* openStream(const std::string& path, const char* mode) override {
+        const bool update = std::strchr(mode, '+');
+        int flags = update ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY;
+        flags |= mode[0] == 'w' ? O_CREAT | O_TRUNC : mode[0] == 'a' ? O_CREAT | O_APPEND : 0;
+        const int fd = openFile(path, flags);
+        std::FILE* stream = fd >= 0 ? fdopen(fd, mode) : nullptr;
+        if (fd >= 0 && !stream) {
+            ::close(fd);
+        }
+        return stream;
+    }
+
+    std::optional<std::string> readWhole(const std::string& path) override {
+        const Descriptor file(openFile(path, O_RDONLY));
+        if (!file.isOpen()) {
+            return std::nullopt;
+        }
+        std::string content;
+        struct stat info;
+        std::size_t used = 0;
+        content.resize(fstat(file.get(), &info) == 0 ? static_cast<std::size_t>(info.st_size) + 1 : 4096);
+        while (true) {
+            const ssize_t got = ::read(file.get(), content.data() + used, content.size() - used);
+            if (got < 0 && errno == EINTR) {
+                continue;
+            }
+            if (got < 0) {
+                return std::nullopt;
+            }
+            used += static_cast<std::size_t>(got);
+            if (got == 0) {
+                break;
+            }
+            if (used == content.size()) {
+                content.resize(used * 2);
+            }
+        }
+        content.resize(used);
+        return content;
+    }
+
+    std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) override {
+        const int flags = how == OsOpen::Existing ? 0
+                          : how == OsOpen::New    ? O_CREAT | O_EXCL
+                                                  : O_CREAT | O_TRUNC;
+        const int fd = openFile(path, O_WRONLY | flags);
+        return fd >= 0 ? std::make_unique<PosixOutFile>(fd) : nullptr;
+    }
+
+    std::optional<std::string> resolveLinks(const std::string& path) override {
+        std::string native = toNativePath(fullPath(path));
+        for (int i = 0; i < kMostLinks; ++i) {
+            char target[PATH_MAX];
+            const ssize_t size = readlink(native.c_str(), target, sizeof target);
+            if (size < 0) {
+                return fromNativePath(native);
+            }
+            const std::string_view link(target, static_cast<std::size_t>(size));
+            native = link.starts_with('/') ? std::string(link)
+                                           : native.substr(0, native.rfind('/') + 1).append(link);
+        }
+        errno = ELOOP;
+        return std::nullopt;
+    }
+
+    bool replaceFile(const std::string& target, const std::string& replacement) override {
+        const std::string to = toNativePath(target);
+        const std::string from = toNativePath(replacement);
+        struct stat info;
+        if (stat(to.c_str(), &info) != 0) {
+            return false;
+        }
+        // The owner first: changing it clears bits of the mode. Only the superuser may give files away.
+        if (lchown(from.c_str(), info.st_uid, info.st_gid) != 0 && errno != EPERM) {
+            return false;
+        }
+        if (chmod(from.c_str(), info.st_mode & 07777) != 0 || rename(from.c_str(), to.c_str()) != 0) {
+            return false;
+        }
+        syncFolder(to);
+        return true;
+    }
+
+    bool renameNew(const std::string& from, const std::string& to) override {
+        const std::string nativeFrom = toNativePath(from);
+        const std::string nativeTo = toNativePath(to);
+        // link refuses an existing name, rename would replace it; where links can't be made, look and rename.
+        if (link(nativeFrom.c_str(), nativeTo.c_str()) == 0) {
+            unlink(nativeFrom.c_str());
+        } else {
+            struct stat info;
+            if (errno == EEXIST || lstat(nativeTo.c_str(), &info) == 0) {
+                errno = EEXIST;
+                return false;
+            }
+            if (rename(nativeFrom.c_str(), nativeTo.c_str()) != 0) {
+                return false;
+            }
+        }
+        syncFolder(nativeTo);
+        return true;
+    }
+
+    std::string lastError() override { return std::strerror(errno); }
+
+private:
+    static std::vector<OsEntry> matches(const std::string& pattern, bool withDots) {
+        std::vector<OsEntry> found;
+        const std::string_view wildcard = fileNameOf(pattern);
+        std::string folder =
+            toNativePath(std::string_view(pattern).substr(0, pattern.size() - wildcard.size()));
+        if (folder.empty()) {
+            folder = "./";
+        }
+        const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.c_str()), closedir);
+        while (const dirent* entry = dir ? readdir(dir.get()) : nullptr) {
+            const std::string_view name = entry->d_name;
+            struct stat info;
+            if ((withDots || (name != "." && name != "..")) && matchesWildcard(wildcard, name) &&
+                statEntry(folder + entry->d_name, info)) {
+                found.push_back(describe(entry->d_name, info));
+            }
+        }
+        std::ranges::sort(found,
+                          [](const OsEntry& a, const OsEntry& b) { return lessNoCase(a.name, b.name); });
+        return found;
+    }
+
+    // Makes a rename last through a power cut. Where folders can't be synchronised there is nothing to do.
+    static void syncFolder(const std::string& native) {
+        const Descriptor folder(
+            open(native.substr(0, native.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY));
+        if (folder.isOpen()) {
+            fsync(folder.get());
+        }
+    }
+};
+
+}  // namespace
+
+OsFiles& systemFiles() {
+    static PosixFiles files;
+    return files;
+}
+
+}  // namespace zoka

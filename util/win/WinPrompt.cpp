@@ -1,0 +1,148 @@
+#include "util/win/WinPrompt.h"
+
+#include <windows.h>
+
+#include <commdlg.h>
+#include <ole2.h>
+#include <shlobj.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace zoka {
+namespace {
+
+BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) {
+    if (!IsWindowVisible(window)) {
+        return TRUE;
+    }
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
+HWND ownerWindow() {
+    HWND owner = GetActiveWindow();
+    if (!owner) {
+        EnumThreadWindows(GetCurrentThreadId(), takeFirstVisible, reinterpret_cast<LPARAM>(&owner));
+    }
+    return owner;
+}
+
+UINT buttonFlags(PromptButtons buttons) {
+    switch (buttons) {
+        case PromptButtons::OkCancel:
+            return MB_OKCANCEL;
+        case PromptButtons::YesNo:
+            return MB_YESNO;
+        case PromptButtons::YesNoCancel:
+            return MB_YESNOCANCEL;
+        default:
+            return MB_OK;
+    }
+}
+
+UINT iconFlags(PromptIcon icon) {
+    switch (icon) {
+        case PromptIcon::Information:
+            return MB_ICONINFORMATION;
+        case PromptIcon::Warning:
+            return MB_ICONWARNING;
+        case PromptIcon::Error:
+            return MB_ICONERROR;
+        default:
+            return 0;
+    }
+}
+
+// "KEZ scripts|*.kez|All|*.*" as the chooser wants it: every part 0-terminated, and one more 0.
+std::string chooserFilter(const std::string& filter) {
+    std::string parts = filter.empty() ? "All files|*.*" : filter;
+    std::ranges::replace(parts, '|', '\0');
+    return parts.append(2, '\0');
+}
+
+int CALLBACK openOnFolder(HWND dialog, UINT message, LPARAM, LPARAM folder) {
+    if (message == BFFM_INITIALIZED && folder) {
+        SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, folder);
+    }
+    return 0;
+}
+
+// The folder chooser's new style is a COM window.
+class ComScope {
+public:
+    ComScope() : m_ready(SUCCEEDED(OleInitialize(nullptr))) {}
+    ComScope(const ComScope&) = delete;
+    ComScope& operator=(const ComScope&) = delete;
+    ~ComScope() {
+        if (m_ready) {
+            OleUninitialize();
+        }
+    }
+
+private:
+    bool m_ready;
+};
+
+}  // namespace
+
+PromptAnswer WinPrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
+                            PromptIcon icon) {
+    switch (MessageBoxA(ownerWindow(), text.c_str(), title.c_str(), buttonFlags(buttons) | iconFlags(icon))) {
+        case IDYES:
+            return PromptAnswer::Yes;
+        case IDNO:
+            return PromptAnswer::No;
+        case IDOK:
+            return PromptAnswer::Ok;
+        default:  // closed, or no box could be shown
+            return buttons == PromptButtons::Ok      ? PromptAnswer::Ok
+                   : buttons == PromptButtons::YesNo ? PromptAnswer::No
+                                                     : PromptAnswer::Cancel;
+    }
+}
+
+std::optional<std::string> WinPrompt::chooseFile(const ChooserRequest& request) {
+    std::vector<char> path(4096);
+    std::memcpy(path.data(), request.fileName.data(), std::min(request.fileName.size(), path.size() - 1));
+    const std::string filter = chooserFilter(request.filter);
+    OPENFILENAMEA chooser = {};
+    chooser.lStructSize = sizeof chooser;
+    chooser.hwndOwner = ownerWindow();
+    chooser.lpstrFilter = filter.c_str();
+    chooser.lpstrFile = path.data();
+    chooser.nMaxFile = static_cast<DWORD>(path.size());
+    chooser.lpstrInitialDir = request.startFolder.empty() ? nullptr : request.startFolder.c_str();
+    chooser.lpstrTitle = request.title.empty() ? nullptr : request.title.c_str();
+    // The process is the editor's: its current folder must not follow the chooser.
+    chooser.Flags = OFN_EXPLORER | OFN_NOCHANGEDIR | OFN_HIDEREADONLY | OFN_PATHMUSTEXIST |
+                    (request.forSaving ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
+    const BOOL chosen = request.forSaving ? GetSaveFileNameA(&chooser) : GetOpenFileNameA(&chooser);
+    return chosen ? std::optional(std::string(path.data())) : std::nullopt;
+}
+
+std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request) {
+    const ComScope com;
+    char shown[MAX_PATH];
+    BROWSEINFOA chooser = {};
+    chooser.hwndOwner = ownerWindow();
+    chooser.pszDisplayName = shown;
+    chooser.lpszTitle = request.title.c_str();
+    chooser.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
+    chooser.lpfn = openOnFolder;
+    chooser.lParam = request.startFolder.empty() ? 0 : reinterpret_cast<LPARAM>(request.startFolder.c_str());
+    LPITEMIDLIST item = SHBrowseForFolderA(&chooser);
+    char path[MAX_PATH];
+    const bool chosen = item && SHGetPathFromIDListA(item, path);
+    CoTaskMemFree(item);
+    return chosen ? std::optional(std::string(path)) : std::nullopt;
+}
+
+void WinPrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
+    MessageBoxA(nullptr, text.c_str(), title.c_str(),
+                MB_OK | MB_ICONERROR | MB_TOPMOST | MB_SETFOREGROUND | MB_TASKMODAL);
+    ExitProcess(static_cast<UINT>(exitStatus));
+}
+
+}  // namespace zoka
