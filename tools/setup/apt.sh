@@ -37,7 +37,7 @@ update_package_lists() {
 
 # All packages of a call are installed in one step, so that one choice of versions fits all.
 install_missing() { # package...
-    local missing release from
+    local missing release pin back options
     command -v dpkg-query >/dev/null || die "this is not a Debian machine; install by hand what stands for: $*"
     missing=$(missing_packages "$@" | tr '\n' ' ')
     [ -n "$missing" ] || return 0
@@ -55,25 +55,44 @@ install_missing() { # package...
     say "bringing the package lists up to date"
     update_package_lists
     # A library installed for two architectures must be of one version for both. Where an
-    # update has reached only one of them so far, the release's own versions fit together.
+    # update has reached only one of them so far, the release's own versions fit together; the
+    # libraries among them that have the update already must then go back to those.
     release=$(. /etc/os-release && echo "${VERSION_CODENAME:-stable}")
+    pin=$root/build/setup.preferences
+    {
+        cat /etc/apt/preferences 2>/dev/null || true
+        printf '\nPackage: *\nPin: release n=%s\nPin-Priority: 1001\n' "$release"
+    } >"$pin"
+    back=(-o "Dir::Etc::preferences=$pin" --allow-downgrades)
     # shellcheck disable=SC2086 # a list of words
     if apt_install --simulate $missing; then
-        from=
+        options=()
     elif apt_install --simulate -t "$release" $missing; then
-        from="-t $release"
+        options=(-t "$release")
+    elif [[ $missing == *:i386* ]] && apt_install --simulate "${back[@]}" $missing; then
+        options=("${back[@]}")
+        say "an update has not reached the 32-bit libraries yet; going back to $release's own versions of:" \
+            "$(downgraded) (once it has, 'apt-get upgrade' brings them up again)"
     else
-        grep -v '^ ' "$log" | tail -n 5 >&2
+        grep -A 6 'unmet dependencies' "$log" | tail -n 7 >&2
         [[ $missing != *wine* ]] ||
             say "where 32-bit Wine can't be had, ZOKA_NO_WINE=1 runs the native half alone: make test ZOKA_NO_WINE=1"
         die "these packages can't be installed here (the whole story is in $log): $missing"
     fi
     say "installing $missing"
     # shellcheck disable=SC2086
-    apt_install $from $missing || {
+    apt_install "${options[@]}" $missing || {
         tail -n 15 "$log" >&2
         die "installing failed (the whole story is in $log)"
     }
+}
+
+# The packages that the simulation written to the log last would put back to an older version.
+downgraded() {
+    awk '/^The following packages will be DOWNGRADED/ { list = ""; on = 1; next }
+        !/^ / { on = 0 }
+        on { list = list $0 }
+        END { print list }' "$log" | xargs
 }
 
 apt_install() {
