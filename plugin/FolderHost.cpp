@@ -1,28 +1,18 @@
 #include "plugin/FolderHost.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
 
 namespace zoka {
 namespace {
 
-std::string joined(const std::string& folder, const std::string& name) {
-    const bool separated = !folder.empty() && (folder.back() == '\\' || folder.back() == '/');
-    return folder + (separated ? "" : "\\") + name;
-}
-
-bool sameText(const std::string& a, const std::string& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-    });
-}
-
 // The name of the only file that fits the wildcard.
 std::optional<std::string> onlyFile(const std::string& folder, const char* wildcard) {
     std::optional<std::string> found;
-    for (const OsEntry& entry : osFiles().list(joined(folder, wildcard))) {
+    for (const OsEntry& entry : osFiles().list(joinPath(folder, wildcard))) {
         if (!entry.isFolder) {
             if (found) {
                 return std::nullopt;
@@ -31,28 +21,6 @@ std::optional<std::string> onlyFile(const std::string& folder, const char* wildc
         }
     }
     return found;
-}
-
-// Puts the content in the place of the file at `path`, or makes it. A failure leaves what was there.
-bool putFile(const std::string& path, const std::string& content) {
-    OsFiles& files = osFiles();
-    const auto target = files.resolveLinks(path);
-    if (!target) {
-        return false;
-    }
-    const std::string sibling = *target + ".part";
-    const auto out = files.openForWriting(sibling, OsOpen::New);
-    if (!out) {
-        return false;
-    }
-    const bool written = out->write(content) && out->flush();
-    const bool closed = out->close();
-    if (written && closed &&
-        (files.exists(*target) ? files.replaceFile(*target, sibling) : files.renameNew(sibling, *target))) {
-        return true;
-    }
-    files.deleteFile(sibling);
-    return false;
 }
 
 using Substitutions = std::span<const std::pair<std::string, std::string>>;
@@ -81,13 +49,13 @@ std::optional<std::string> FolderHost::GetMainScriptPath() {
         return m_folders.mainScript;
     }
     if (const auto map = onlyFile(m_folders.project, "*.zlm")) {
-        const std::string script = joined(m_folders.project, map->substr(0, map->size() - 4) + ".kez");
+        const std::string script = joinPath(m_folders.project, map->substr(0, map->size() - 4) + ".kez");
         if (osFiles().exists(script)) {
             return script;
         }
     }
     const auto script = onlyFile(m_folders.project, "*.kez");
-    return script ? std::optional(joined(m_folders.project, *script)) : std::nullopt;
+    return script ? std::optional(joinPath(m_folders.project, *script)) : std::nullopt;
 }
 
 std::optional<std::string> FolderHost::GetListItemName(int index) {
@@ -102,17 +70,17 @@ std::optional<std::string> FolderHost::ChooseFile(const std::string&) {
 }
 
 bool FolderHost::CopyFileToFolder(const std::string& source, const std::string& folder) {
-    const std::string name = source.substr(source.find_last_of("\\/") + 1);
-    return !name.empty() && CopyFileWithSubstitutions(source, joined(folder, name), {});
+    const std::string_view name = fileNameOf(source);
+    return !name.empty() && CopyFileWithSubstitutions(source, joinPath(folder, name), {});
 }
 
 bool FolderHost::CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
                                            Substitutions substitutions) {
-    if (sameText(osFiles().fullPath(source), osFiles().fullPath(destination))) {
+    if (equalNoCase(osFiles().fullPath(source), osFiles().fullPath(destination))) {
         return false;
     }
     const auto content = osFiles().readWhole(source);
-    return content && putFile(destination, substituted(*content, substitutions));
+    return content && safeWrite(destination, substituted(*content, substitutions));
 }
 
 std::string FolderHost::QueryFolder(ZunCommandCode code) {

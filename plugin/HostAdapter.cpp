@@ -1,5 +1,6 @@
 #include "plugin/HostAdapter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <vector>
@@ -41,7 +42,11 @@ std::optional<std::string> answered(Word result, std::string text) {
 
 template <class Result, class... Args>
 Result HostAdapter::call(HostSlot slot, Args... args) {
+// The members belong to a class that we don't have, so they are called through plain pointers.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wattributes"
     using Operation = Result(ZOKA_HOST_MEMBER*)(void* self, Args...);
+#pragma GCC diagnostic pop
     void* const* const table = *static_cast<void* const* const*>(m_editor);
     return reinterpret_cast<Operation>(table[slot])(m_editor, args...);
 }

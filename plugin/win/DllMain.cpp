@@ -4,11 +4,14 @@
 #include "plugin/Procedures.h"
 #include "plugin/win/PanelWindow.h"
 #include "plugin/win/PluginWindows.h"
+#include "util/win/WinPrompt.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
+    static zoka::WinPrompt prompt;
     static zoka::PluginWindows windows;
     if (reason == DLL_PROCESS_ATTACH) {
         zoka::setModuleInstance(instance);
+        zoka::setUserPrompt(&prompt);
         zoka::setPluginSeams(&windows);
         return zoka::startLibrary(zoka::startWindowToolkit);
     }

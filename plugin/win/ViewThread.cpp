@@ -66,6 +66,26 @@ void freeThreadRuntime() {
     }
 }
 
+// The innermost open dialog of the panel's thread, besides the panel.
+struct DialogSearch {
+    HWND panel;
+    HWND found;
+};
+
+// Top-level windows come in their order on the screen, so the first dialog is the innermost.
+BOOL CALLBACK findDialog(HWND candidate, LPARAM data) {
+    auto& search = *reinterpret_cast<DialogSearch*>(data);
+    char name[16] = "";
+    GetClassNameA(candidate, name, sizeof name);
+    const bool isDialog = lstrcmpA(name, "#32770") == 0 ||
+                          (GetWindow(candidate, GW_OWNER) && !IsWindowEnabled(search.panel));
+    if (candidate == search.panel || !isDialog || !IsWindowVisible(candidate) || !IsWindowEnabled(candidate)) {
+        return TRUE;
+    }
+    search.found = candidate;
+    return FALSE;
+}
+
 }  // namespace
 
 CViewThread::~CViewThread() {
@@ -240,26 +260,8 @@ LRESULT CViewThread::forcedClose(HWND window, WPARAM wParam, LPARAM lParam) {
 
 // False when no other dialog of this thread is open.
 bool CViewThread::cancelNestedDialog(HWND window) {
-    struct Search {
-        HWND panel, found;
-    } search{window, nullptr};
-    // Top-level windows come in their order on the screen, so the first is the innermost.
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND candidate, LPARAM data) -> BOOL {
-            auto& s = *reinterpret_cast<Search*>(data);
-            char name[16] = "";
-            GetClassNameA(candidate, name, sizeof name);
-            const bool isDialog = lstrcmpA(name, "#32770") == 0 ||
-                                  (GetWindow(candidate, GW_OWNER) && !IsWindowEnabled(s.panel));
-            if (candidate != s.panel && isDialog && IsWindowVisible(candidate) &&
-                IsWindowEnabled(candidate)) {
-                s.found = candidate;
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    DialogSearch search{window, nullptr};
+    EnumThreadWindows(GetCurrentThreadId(), findDialog, reinterpret_cast<LPARAM>(&search));
     if (!search.found) {
         return false;
     }
