@@ -15,6 +15,7 @@ add_library(zoka_libs INTERFACE)
 target_include_directories(zoka_libs SYSTEM INTERFACE ${ZOKA_LIB_INCLUDE})
 
 # Google Test from the distribution's source package, with this build's own flags.
+set(CMAKE_POLICY_DEFAULT_CMP0077 NEW) # its options can be set like this
 set(INSTALL_GTEST OFF)
 set(gtest_force_shared_crt ON)
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/libs/googletest EXCLUDE_FROM_ALL SYSTEM)
