@@ -1,0 +1,53 @@
+// What the tool's command groups share. Each group is one file with one add...Commands function, which
+// main.cpp calls: it hangs its commands into the parser. A command's callback, called when its arguments have
+// been read, checks what the parser can't and leaves the work to be done in `chosen`; main runs it.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace CLI {
+class App;
+}
+
+namespace zoka::cli {
+
+// Scripts rely on these numbers.
+enum class ExitStatus : int {
+    Done = 0,
+    Findings = 1,  // the work was done and something is wrong with the content
+    Usage = 2,     // the arguments make no sense; nothing was done
+    Failed = 3,    // a file can't be read or written
+};
+
+// What a command that met both ends with.
+inline ExitStatus worse(ExitStatus a, ExitStatus b) {
+    return a > b ? a : b;
+}
+
+using Work = std::function<ExitStatus()>;
+
+void addXmlCommands(CLI::App& app, Work& chosen);
+
+// The end of a command's --help: an example line and the exit codes.
+void setExample(CLI::App& command, const std::string& line);
+
+// "-" in the place of a file's name: the standard input or output.
+inline bool isStandardStream(std::string_view path) {
+    return path == "-";
+}
+
+// The whole content of a file or of the standard input. Nothing when it can't be read; it has then said why.
+std::optional<std::string> readInput(const std::string& path);
+// Gives a file its new content (the old or the new one is left, whatever happens), or writes to the standard
+// output. False when it can't be written; it has then said why.
+bool writeOutput(const std::string& path, std::string_view bytes);
+// A line on the standard error stream.
+void complain(const std::string& text);
+
+// Makes the standard streams pass bytes on as they are.
+void makeStandardStreamsBinary();
+
+}  // namespace zoka::cli
