@@ -107,6 +107,11 @@ TEST(Lines, FormattedOnesAreTrimmedInFrontAndNeverEmptyOrComments) {
     CLex lex = lexOver(text);
     EXPECT_THAT(formatted(lex), ElementsAre("one ", "/ two\r", "\r", "three // kept"));
     EXPECT_EQ(lex.getNextLine(), nullptr);
+
+    CLex last("a\nb\r\r", 5);
+    EXPECT_THAT(formatted(last), ElementsAre("a", "b"));
+    CLex slash("//", 1);  // what follows the text is none of it
+    EXPECT_THAT(formatted(slash), ElementsAre("/"));
 }
 
 TEST(Lines, PositionsFollowTheWalk) {

@@ -91,7 +91,7 @@ TEST(Tokens, FirstOneCanBeMeasuredFoundAndCopied) {
 
     char* buffer = nullptr;
     int size = 0;
-    const char* rest = CLex::GetToken("ab longer,x\ny", buffer, size, ",");
+    const char* rest = CLex::GetToken("ab longer,x longest\ny", buffer, size, ",");
     EXPECT_STREQ(buffer, "ab");
     EXPECT_EQ(size, 3);
     rest = CLex::GetToken(rest, buffer, size, ",");
@@ -101,8 +101,11 @@ TEST(Tokens, FirstOneCanBeMeasuredFoundAndCopied) {
     rest = CLex::GetToken(rest, buffer, size, ",");
     EXPECT_STREQ(buffer, "x");
     EXPECT_EQ(buffer, kept);  // large enough: not replaced
+    rest = CLex::GetToken(rest, buffer, size, ",");
+    EXPECT_STREQ(buffer, "longest");
+    EXPECT_EQ(size, 8);  // seven bytes had no room for the 0
     EXPECT_EQ(CLex::GetToken(rest, buffer, size, ","), nullptr);
-    EXPECT_STREQ(buffer, "x");
+    EXPECT_STREQ(buffer, "longest");
     delete[] buffer;
 }
 
