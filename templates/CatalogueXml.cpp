@@ -1,0 +1,228 @@
+#include "templates/CatalogueXml.h"
+
+#include <utility>
+
+#include "util/SafeWrite.h"
+
+namespace zoka {
+
+namespace {
+
+std::string attribute(const XMLNode& node, const char* name) {
+    const char* const value = node.getAttribute(name);
+    return value ? value : "";
+}
+std::string firstText(const XMLNode& node) {
+    const char* const text = node.getText();
+    return text ? text : "";
+}
+std::string engineVersion(const XMLNode& node) {
+    return attribute(node.getChild("EngineReq"), "vers");
+}
+
+CScriptSection readSection(const XMLNode& node) {
+    CScriptSection section;
+    section.m_name = attribute(node, "name");
+    for (XMLNode child = node.firstChild("action"); !child.isEmpty(); child = child.nextSibling("action")) {
+        CScriptAction& action = section.m_actions.emplace_back();
+        action.m_name = attribute(child, "name");
+        action.m_filename = attribute(child, "filename");
+        action.m_engreq.vers = engineVersion(child);
+        action.m_desc = firstText(child);
+    }
+    return section;
+}
+
+class CatalogueText {
+public:
+    explicit CatalogueText(std::string& out) : m_out(out) {}
+
+    void line(const char* text) { m_out += text; }
+    // before="value"\n
+    void attribute(const char* before, const std::string& value) {
+        ((m_out += before) += withoutMarkup(value)) += "\"\n";
+    }
+    void element(const char* before, const std::string& value, const char* after) {
+        ((m_out += before) += withoutMarkup(value)) += after;
+    }
+    void value(const std::string& value) { m_out += withoutMarkup(value); }
+
+    // The blanks before '=' and after the quotes belong to the format.
+    void engineReq(const char* before, const CEngineReq& req, const char* after) {
+        if (req.IsEmpty()) return;
+        (m_out += before) += "<EngineReq ";
+        if (!req.vers.empty()) element("vers =\"", req.vers, "\" ");
+        if (!req.edition.empty()) element("edition =\"", req.edition, "\" ");
+        (m_out += "/>") += after;
+    }
+
+    void action(const CScriptAction& action) {
+        line("\t<action\n");
+        attribute("\t\tname=\"", action.m_name);
+        attribute("\t\tfilename=\"", action.m_filename);
+        line("\t\t>");
+        engineReq("\n\t\t", action.m_engreq, "");
+        line("\n");
+        value(action.m_desc);
+        line("\t</action>\n");
+    }
+
+    void section(const CScriptSection& section) {
+        line("\t<section\n");
+        attribute("\t\tname=\"", section.m_name);
+        if (!section.m_imgfile.empty()) attribute("\t\timgfile=\"", section.m_imgfile);
+        line("\t\t>\n");
+        // The text stands before and behind the actions; readers pass over both.
+        value(section.m_text);
+        for (const CScriptAction& each : section.m_actions) action(each);
+        line("\n");
+        value(section.m_text);
+        line("\t</section>\n");
+    }
+
+    void script(const CScriptElm& script) {
+        attribute("<Script\n\tid=\"", script.m_id);
+        attribute("\tprefix=\"", script.m_prefix);
+        attribute("\tdirectory=\"", script.m_directory);
+        attribute("\tfilename=\"", script.m_filename);
+        attribute("\tname=\"", script.m_name);
+        attribute("\ttype=\"", script.m_type);
+        attribute("\tvers=\"", script.m_vers);
+        attribute("\tdate=\"", script.m_date);
+        line(">\n");
+        engineReq("\t", script.m_engreq, "\n");
+        element("\t<class>", script.m_class, "</class>\n");
+        element("\t<desc>", script.m_desc, "</desc>\n");
+        if (!script.m_note.empty()) element("\t<note>", script.m_note, "</note>\n");
+        for (const std::string& need : script.m_needs) element("\t<need>", need, "</need>\n");
+        for (const CScriptSection& each : script.m_sections) section(each);
+        line("</Script>\n");
+    }
+
+private:
+    std::string& m_out;
+};
+
+}  // namespace
+
+std::string withoutMarkup(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (const char c : text) switch (c) {
+            case '"':
+                result += '\'';
+                break;
+            case '<':
+                result += '[';
+                break;
+            case '>':
+                result += ']';
+                break;
+            case '&':
+                result += "and";
+                break;
+            case '\0':
+                break;
+            default:
+                result += c;
+        }
+    return result;
+}
+
+std::string inTextMode(std::string_view text) {
+#ifdef _WIN32
+    constexpr std::string_view kLineEnd = "\r\n";
+#else
+    constexpr std::string_view kLineEnd = "\n";
+#endif
+    std::string result;
+    result.reserve(text.size() + text.size() / 16);
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        if (text[i] == '\n')
+            result += kLineEnd;
+        else
+            result += text[i];
+    }
+    return result;
+}
+
+std::string catalogueText(const CTemplateData& catalogue, const std::string& date) {
+    std::string out;
+    CatalogueText text(out);
+    text.line("<TavrixTemplate\n");
+    text.attribute("\tname=\"", catalogue.GetName());
+    text.attribute("\ttype=\"", catalogue.GetType());
+    text.attribute("\tversion=\"", catalogue.GetVers());
+    text.element("\tdate=\"", date, "\">\n");
+    text.line("\n");
+    text.engineReq("\t", catalogue.engineReq(), "\n");
+    for (const auto& [type, path] : catalogue.directories()) {
+        text.attribute("<Directory\n\ttype=\"", type);
+        text.attribute("\tpath=\"", path);
+        text.line("/>\n");
+    }
+    text.line("\n\n");
+    for (const CScriptElm& script : catalogue.scripts()) text.script(script);
+    text.line("\n\n</TavrixTemplate>");
+    return out;
+}
+
+bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults* results,
+                   JobProgress* progress) {
+    const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results);
+    return !root.isEmpty() && catalogue.LoadFromNode(root, progress);
+}
+
+}  // namespace zoka
+
+void CTemplateData::AddScript(const XMLNode& node) {
+    CScriptElm script;
+    script.m_name = zoka::attribute(node, "name");
+    script.m_id = zoka::attribute(node, "id");
+    script.m_directory = zoka::attribute(node, "directory");
+    script.m_filename = zoka::attribute(node, "filename");
+    script.m_type = zoka::attribute(node, "type");
+    script.m_vers = zoka::attribute(node, "vers");
+    script.m_date = zoka::attribute(node, "date");
+    script.m_engreq.vers = zoka::engineVersion(node);
+    script.m_class = zoka::firstText(node.getChild("class"));
+    script.m_desc = zoka::firstText(node.getChild("desc"));
+    for (XMLNode need = node.firstChild("need"); !need.isEmpty(); need = need.nextSibling("need"))
+        script.m_needs.push_back(zoka::firstText(need));
+    for (XMLNode section = node.firstChild("section"); !section.isEmpty();
+         section = section.nextSibling("section"))
+        script.m_sections.push_back(zoka::readSection(section));
+    AddScript(std::move(script));
+}
+
+bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progress) {
+    Empty();
+    m_name = zoka::attribute(root, "name");
+    m_type = zoka::attribute(root, "type");
+    m_version = zoka::attribute(root, "version");
+    m_date = zoka::attribute(root, "date");
+    m_engreq.vers = zoka::engineVersion(root);
+    for (XMLNode node = root.firstChild("Directory"); !node.isEmpty(); node = node.nextSibling("Directory"))
+        AddDirectory(zoka::attribute(node, "type"), zoka::attribute(node, "path"));
+    const auto total = static_cast<size_t>(root.childCount("Script"));
+    m_scripts.reserve(total);
+    for (XMLNode node = root.firstChild("Script"); !node.isEmpty(); node = node.nextSibling("Script")) {
+        // Often enough to keep a window alive, too seldom to be felt.
+        if (m_scripts.size() % 1024 == 0 && !zoka::goOn(progress, m_scripts.size(), total, m_name)) {
+            Empty();
+            return false;
+        }
+        AddScript(node);
+    }
+    return true;
+}
+
+bool CTemplateData::LoadFromXML(const std::string& path) {
+    return LoadFromNode(XMLNode::loadFileOrExit(path.c_str(), zoka::kCatalogueRoot));
+}
+
+bool CTemplateData::WriteXML(const std::string& path) const {
+    return static_cast<bool>(
+        zoka::safeWrite(path, zoka::inTextMode(zoka::catalogueText(*this, GetCurDate()))));
+}

@@ -1,0 +1,34 @@
+// The catalogue's file. Reading goes through the XML tree; writing is literal text, and deliberately not the
+// other direction of reading: prefix, note, section pictures and editions are written for people but not read
+// back, and characters that mean something in XML are replaced, not escaped. docs/catalogue.md describes the
+// format.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "templates/TemplateData.h"
+
+namespace zoka {
+
+inline constexpr const char* kCatalogueFile = "template_6.xml";
+inline constexpr const char* kCatalogueRoot = "TavrixTemplate";
+
+// What CTemplateData::LoadFromXML reads, for callers who survive a bad file: false, and the code and place in
+// `results`, when it can't be read or parsed; the catalogue is then as it was. False with code 0, and an
+// empty catalogue, when `progress` stopped it. `results` may be null.
+bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults* results,
+                   JobProgress* progress = nullptr);
+
+// The bytes of the catalogue file, with the line ends "\n". `date` is what stands as its date.
+std::string catalogueText(const CTemplateData& catalogue, const std::string& date);
+
+// Double quotes become single ones, '<' and '>' become '[' and ']', '&' becomes "and". Bytes of value 0,
+// which would end the file for its readers, are dropped.
+std::string withoutMarkup(std::string_view text);
+
+// The text as a file opened in text mode would hold it: each LF as the platform's line end, CR LF on Windows.
+// A CR LF in the text counts as one line end.
+std::string inTextMode(std::string_view text);
+
+}  // namespace zoka

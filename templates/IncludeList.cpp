@@ -1,0 +1,168 @@
+#include "templates/IncludeList.h"
+
+#include <algorithm>
+
+#include "templates/ScriptFacts.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
+
+namespace zoka {
+
+namespace {
+
+constexpr std::string_view kKeyword = "include";
+// A semicolon parts the name's token from what follows.
+constexpr std::string_view kDelims = ";";
+
+// The line that the lexer delivered last, whole: the lexer itself hands out a shortened copy of the last one.
+std::string_view currentLine(const CLex& lexer) {
+    const char* const start = lexer.getCurrLinePos();
+    if (lexer.getLineNum() < lexer.getLinesNumber()) return {start, static_cast<size_t>(lexer.getLineLen())};
+    return {start, static_cast<size_t>(lexer.getBuf() + lexer.getBufSize() - start)};
+}
+
+bool isComment(std::string_view line) {
+    return LineTokens(line, kDelims).next().starts_with("//");
+}
+
+// Calls `onName` for each name of the block; returns the insertion point.
+template <class OnName>
+long walkBlock(CLex& lexer, const OnName& onName) {
+    lexer.setPosAtLine(0);
+    long lastInclude = -1;
+    long firstCode = -1;
+    while (lexer.getNextUnformLine()) {
+        const std::string_view line = currentLine(lexer);
+        const long offset = static_cast<long>(line.data() - lexer.getBuf());
+        if (const auto name = includedName(line)) {
+            onName(*name);
+            lastInclude = offset;
+        } else if (lastInclude >= 0) {
+            return offset;
+        } else if (firstCode < 0 && !isComment(line)) {
+            firstCode = offset;
+        }
+    }
+    return lastInclude >= 0 ? lastInclude : std::max(firstCode, 0L);
+}
+
+}  // namespace
+
+std::string includeLine(std::string_view name) {
+    std::string line = "include <";
+    return (line += name) += ">;\r\n";
+}
+
+std::optional<std::string_view> includedName(std::string_view line) {
+    LineTokens tokens(line, kDelims);
+    const std::string_view keyword = tokens.next();
+    if (keyword.size() < kKeyword.size() || !equalNoCase(keyword.substr(0, kKeyword.size()), kKeyword))
+        return {};
+    std::string_view name = tokens.next();
+    if (!name.starts_with('<') || !name.ends_with('>')) return {};
+    name.remove_prefix(std::min(name.find_first_not_of("< "), name.size()));
+    return name.substr(0, name.find_last_not_of("> ") + 1);
+}
+
+bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names) {
+    const std::optional<std::string> text = osFiles().readWhole(mainScriptPath);
+    if (!text || text->empty()) return true;
+    CLex lexer(text->data(), static_cast<long>(text->size()));
+    ScanIncludeBlock(lexer, names);
+    return true;
+}
+
+long ScanIncludeBlock(CLex& lexer, std::vector<std::string>& names) {
+    return walkBlock(lexer, [&names](std::string_view name) { names.emplace_back(name); });
+}
+
+long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames) {
+    std::unordered_set<std::string> included;
+    const long position =
+        walkBlock(lexer, [&included](std::string_view name) { included.insert(lowered(name)); });
+    std::erase_if(pendingNames,
+                  [&included](const std::string& name) { return included.contains(lowered(name)); });
+    return position;
+}
+
+Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
+                        std::span<const std::string> scriptPaths, const LocateFile& locate,
+                        const std::function<ScriptFacts(const std::string&)>& read) {
+    std::unordered_set<std::string> included;
+    Insertion insertion;
+    insertion.position =
+        walkBlock(lexer, [&included](std::string_view name) { included.insert(lowered(name)); });
+    NeededScripts needed =
+        collectNeeds(scriptPaths, std::string(fileNameOf(mainScriptPath)), included, locate, read);
+    insertion.names = std::move(needed.names);
+    insertion.refused = std::move(needed.refused);
+    return insertion;
+}
+
+std::string applyInsertion(std::string_view text, const Insertion& insertion) {
+    const auto position = static_cast<size_t>(insertion.position);
+    std::string lines;
+    for (const std::string& name : insertion.names) lines += includeLine(name);
+    std::string result;
+    result.reserve(text.size() + lines.size());
+    (result += text.substr(0, position)) += lines;
+    return result += text.substr(position);
+}
+
+int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<const std::string> scriptPaths,
+                   const LocateFile& locate, std::string* error) {
+    if (lexer.getBufSize() == 0) return 0;
+    const Insertion insertion = planInsertion(lexer, mainScriptPath, scriptPaths, locate);
+    if (insertion.names.empty() || !insertion.refused.empty()) return 0;
+    const std::string_view text(lexer.getBuf(), static_cast<size_t>(lexer.getBufSize()));
+    const SafeWriteResult written = safeWrite(mainScriptPath, applyInsertion(text, insertion));
+    if (error) *error = written.error;
+    return 1;
+}
+
+int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,
+                   const LocateFile& locate, std::string* error) {
+    return InsertIncludes(lexer, mainScriptPath, std::span(&scriptPath, 1), locate, error);
+}
+
+std::optional<std::string> withoutInclude(std::string_view text, std::string_view name) {
+    if (text.empty()) throw EmptyScriptError();
+    CLex lexer(text.data(), static_cast<long>(text.size()));
+    while (lexer.getNextUnformLine()) {
+        const std::string_view line = currentLine(lexer);
+        const auto found = includedName(line);
+        if (!found || !equalNoCase(*found, name)) continue;
+        const auto start = static_cast<size_t>(line.data() - text.data());
+        std::string result;
+        result.reserve(text.size());
+        result += text.substr(0, start);
+        return result += text.substr(std::min(start + line.size() + 1, text.size()));
+    }
+    return {};
+}
+
+bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error) {
+    const std::optional<std::string> path = host.GetMainScriptPath();
+    if (!path) return false;
+    const std::optional<std::string> text = osFiles().readWhole(*path);
+    if (!text) {
+        if (error) *error = *path + ": " + osFiles().lastError();
+        return false;
+    }
+    const std::optional<std::string> rest = withoutInclude(*text, name);
+    if (!rest) return false;
+    const SafeWriteResult written = safeWrite(*path, *rest);
+    if (error) *error = written.error;
+    if (!written) return false;
+    host.MainScriptChanged();
+    return true;
+}
+
+bool IsInFolder(const std::string& folder, const std::string& path) {
+    const size_t end = path.rfind('\\');
+    if (end == std::string::npos || end > folder.size()) return false;
+    return equalNoCase(std::string_view(path).substr(0, end), std::string_view(folder).substr(0, end));
+}
+
+}  // namespace zoka

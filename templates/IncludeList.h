@@ -1,0 +1,80 @@
+// The include block of a project's main script: the run of lines "include <name>;" by which the project's
+// scripts reach the game. docs/include-block.md describes it. Everything outside the lines put in or taken
+// out stays byte for byte.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "plugin/ZunEditorInterface.h"
+#include "templates/ScriptNeeds.h"
+#include "util/Lex.h"
+
+namespace zoka {
+
+// A text without any line, where one is needed.
+inline constexpr int kEmptyTextCode = 3;
+class EmptyScriptError : public std::runtime_error {
+public:
+    EmptyScriptError() : std::runtime_error("The main script is empty") {}
+    int code() const { return kEmptyTextCode; }
+};
+
+// "include <" name ">;" CR LF.
+std::string includeLine(std::string_view name);
+// The name on an include line, or nothing when the line (without its LF) is another. The keyword is a token
+// of at least 7 characters that begins with "include" in any case; the token after it stands in angle
+// brackets.
+std::optional<std::string_view> includedName(std::string_view line);
+
+// Appends the names of the include block of the file to `names`, in file order; nothing when it can't be
+// opened. Always true.
+bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names);
+
+// Both look through all lines of `lexer`, from the first one, and return the insertion point, an offset in
+// its text: the start of the line that ends the block; where the block ends with the text, the start of its
+// last line; without a block, the start of the first line that is no "//" comment; else 0. The names are
+// appended to `names`; or those found in the block, in any case, are removed from `pendingNames`.
+long ScanIncludeBlock(CLex& lexer, std::vector<std::string>& names);
+long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames);
+
+// What has to be put into a main script.
+struct Insertion {
+    long position = 0;
+    std::vector<std::string> names;    // the new lines' names; none: nothing is to be done
+    std::vector<RefusedNeed> refused;  // where any need can't be included, nothing is done
+};
+// What including the scripts at `scriptPaths` means for a main script. Scripts already included are left out,
+// needs come before the script that needs them; their files are found with `locate`.
+Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
+                        std::span<const std::string> scriptPaths, const LocateFile& locate,
+                        const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);
+// The text with the new lines in it.
+std::string applyInsertion(std::string_view text, const Insertion& insertion);
+
+// Includes the scripts, their needs first, and rewrites the main script in one go. `lexer` holds its text. 1
+// when it was rewritten, or could not be (then it is as it was, and `error`, where not null, says why); 0
+// when nothing was to be done, the text is empty, or a need is refused.
+int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<const std::string> scriptPaths,
+                   const LocateFile& locate, std::string* error = nullptr);
+int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,
+                   const LocateFile& locate = {}, std::string* error = nullptr);
+
+// The text without the first include line of that name, wherever in the text it stands; nothing when there is
+// none. Throws EmptyScriptError for an empty text.
+std::optional<std::string> withoutInclude(std::string_view text, std::string_view name);
+
+// Removes the first include line of that name from the host's main script and tells the host. False when
+// there is no main script, no such line, or the file can't be written (`error`, where not null, says why).
+// Throws EmptyScriptError.
+bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error = nullptr);
+
+// Whether the folder part of `path` (before its last backslash) equals the beginning of `folder`, in any
+// case. So a path in a folder above `folder` counts too. False without a backslash.
+bool IsInFolder(const std::string& folder, const std::string& path);
+
+}  // namespace zoka

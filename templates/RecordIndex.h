@@ -1,0 +1,96 @@
+// Finds records by a text that they hold, without holding that text a second time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace zoka {
+
+// An open hash table of record numbers. Of records with equal texts the first one added is found. `Text`
+// gives the text of a record number; it must give the same text as long as the record is in the index.
+// `NoCase` compares without regard to the case of the letters A to Z.
+template <bool NoCase>
+class RecordIndex {
+public:
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    void clear() {
+        m_slots.clear();
+        m_used = 0;
+    }
+
+    template <class Text>
+    void reserve(std::size_t records, const Text& text) {
+        if (records * 2 > m_slots.size()) grow(records, text);
+    }
+
+    // False when an earlier record has the same text: the index then stays as it is.
+    template <class Text>
+    bool add(std::uint32_t record, const Text& text) {
+        if ((m_used + 1) * 2 > m_slots.size()) grow(m_used + 1, text);
+        const std::string_view key = text(record);
+        const std::uint32_t hash = hashOf(key);
+        Slot& slot = m_slots[place(key, hash, text)];
+        if (slot.record != kNone) return false;
+        slot = {hash, record};
+        ++m_used;
+        return true;
+    }
+
+    // The record's number, or kNone.
+    template <class Text>
+    std::uint32_t find(std::string_view key, const Text& text) const {
+        return m_slots.empty() ? kNone : m_slots[place(key, hashOf(key), text)].record;
+    }
+
+private:
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t record = kNone;
+    };
+
+    static char fold(char c) {
+        return NoCase && c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    }
+
+    static std::uint32_t hashOf(std::string_view key) {
+        std::uint32_t hash = 2166136261U;
+        for (const char c : key) hash = (hash ^ static_cast<unsigned char>(fold(c))) * 16777619U;
+        return hash ^ (hash >> 15);
+    }
+
+    static bool equal(std::string_view a, std::string_view b) {
+        if (!NoCase) return a == b;
+        if (a.size() != b.size()) return false;
+        for (std::size_t i = 0; i < a.size(); ++i)
+            if (fold(a[i]) != fold(b[i])) return false;
+        return true;
+    }
+
+    template <class Text>
+    std::size_t place(std::string_view key, std::uint32_t hash, const Text& text) const {
+        const std::size_t mask = m_slots.size() - 1;
+        std::size_t at = hash & mask;
+        while (m_slots[at].record != kNone &&
+               (m_slots[at].hash != hash || !equal(text(m_slots[at].record), key)))
+            at = (at + 1) & mask;
+        return at;
+    }
+
+    template <class Text>
+    void grow(std::size_t records, const Text& text) {
+        std::size_t size = 16;
+        while (size < records * 4) size *= 2;
+        std::vector<Slot> old(size);
+        old.swap(m_slots);
+        for (const Slot& slot : old)
+            if (slot.record != kNone) m_slots[place(text(slot.record), slot.hash, text)] = slot;
+    }
+
+    std::vector<Slot> m_slots;  // a power of two, at most half used
+    std::size_t m_used = 0;
+};
+
+}  // namespace zoka

@@ -1,0 +1,50 @@
+// Which scripts come along with a script.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "templates/ScriptFacts.h"
+
+namespace zoka {
+
+// Appends the names on the "needs" lines of the file at `scriptPath`, as they stand there and in that order;
+// returns how many. 0 when the file can't be read.
+int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names);
+
+// Letters A to Z in their small form, for sets of names that are compared without regard to case.
+std::string lowered(std::string_view text);
+
+// Whether a name can stand between the brackets of an include line and be found again there: a file name
+// without folder, drive, wildcard, blank, bracket, semicolon or control character, not "." or "..", at most
+// 255 bytes.
+bool isIncludableName(std::string_view name);
+
+// A name that a needs line holds but that can't be included.
+struct RefusedNeed {
+    std::string script;  // the file name of the script that needs it
+    std::string need;
+};
+
+struct NeededScripts {
+    std::vector<std::string> names;  // in the order in which they have to be included
+    std::vector<RefusedNeed> refused;
+};
+
+// The full path of a script by its file name; empty when it isn't found.
+using LocateFile = std::function<std::string(const std::string& fileName)>;
+
+// The scripts that have to be included for those at `scriptPaths`: each one's needs first, with their own
+// needs before them, then the script itself. Nothing comes twice, nothing of `included` (lowered names)
+// comes, and those aren't looked into either; nor does the main script, which never includes itself. Needs
+// that form a circle are each taken once. A need that isn't found is taken by its name alone. Each file is
+// read once; a depth of any size is fine.
+NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::string& mainScriptName,
+                           const std::unordered_set<std::string>& included, const LocateFile& locate,
+                           const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);
+
+}  // namespace zoka

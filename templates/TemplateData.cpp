@@ -1,0 +1,223 @@
+#include "templates/TemplateData.h"
+
+#include <algorithm>
+#include <ctime>
+#include <unordered_set>
+
+#include "util/PathRules.h"
+
+namespace {
+
+constexpr const char* kAllClasses = "<ALL>";
+
+bool isAllClasses(const std::string& className) {
+    return zoka::equalNoCase(className, kAllClasses);
+}
+
+std::string withoutLeadingDots(const std::string& text) {
+    return text.substr(std::min(text.find_first_not_of('.'), text.size()));
+}
+
+// The text of a record that an index asks for.
+auto nameIn(const std::vector<CScriptElm>& scripts) {
+    return [&scripts](std::uint32_t record) { return std::string_view(scripts[record].m_name); };
+}
+auto filenameIn(const std::vector<CScriptElm>& scripts) {
+    return [&scripts](std::uint32_t record) { return std::string_view(scripts[record].m_filename); };
+}
+auto typeIn(const std::vector<CTemplateData::Directory>& directories) {
+    return [&directories](std::uint32_t record) { return std::string_view(directories[record].first); };
+}
+
+using Records = std::vector<std::uint32_t>;
+
+const Records& recordsOf(const std::unordered_map<std::string, Records>& index, const std::string& key) {
+    static const Records kEmpty;
+    const auto found = index.find(key);
+    return found == index.end() ? kEmpty : found->second;
+}
+
+}  // namespace
+
+void CTemplateData::AddScript(CScriptElm script) {
+    const auto record = static_cast<std::uint32_t>(m_scripts.size());
+    m_scripts.push_back(std::move(script));
+    const CScriptElm& added = m_scripts.back();
+    m_byName.add(record, nameIn(m_scripts));
+    m_byFilename.add(record, filenameIn(m_scripts));
+    m_byFilenameNoCase.add(record, filenameIn(m_scripts));
+    m_byClass[added.m_class].push_back(record);
+    m_byType[added.m_type].push_back(record);
+}
+
+void CTemplateData::AddDirectory(const std::string& type, const std::string& path) {
+    m_directories.emplace_back(type, path);
+    m_byDirectoryType.add(static_cast<std::uint32_t>(m_directories.size() - 1), typeIn(m_directories));
+}
+
+void CTemplateData::Empty() {
+    std::string base = std::move(m_baseDirectory);
+    *this = CTemplateData();
+    m_baseDirectory = std::move(base);
+}
+
+bool CTemplateData::GetClassList(StringList& list) const {
+    list.assign(1, kAllClasses);
+    zoka::RecordIndex<true> seen;
+    const auto classOf = [this](std::uint32_t record) { return std::string_view(m_scripts[record].m_class); };
+    for (std::uint32_t record = 0; record < m_scripts.size(); ++record)
+        if (seen.add(record, classOf)) list.push_back(m_scripts[record].m_class);
+    return true;
+}
+
+bool CTemplateData::GetClassListOfType(StringList& list, const std::string& type) const {
+    list.assign(1, kAllClasses);
+    std::unordered_set<std::string_view> seen;
+    for (const std::uint32_t record : recordsOf(m_byType, type))
+        if (seen.insert(m_scripts[record].m_class).second) list.push_back(m_scripts[record].m_class);
+    return true;
+}
+
+bool CTemplateData::GetScriptList(StringList& list) const {
+    list.clear();
+    list.reserve(m_scripts.size());
+    for (const CScriptElm& script : m_scripts) list.push_back(script.m_name);
+    return true;
+}
+
+bool CTemplateData::GetScriptList(StringList& list, const std::string& className) const {
+    if (isAllClasses(className)) return GetScriptList(list);
+    list.clear();
+    for (const std::uint32_t record : recordsOf(m_byClass, className))
+        list.push_back(m_scripts[record].m_name);
+    return true;
+}
+
+bool CTemplateData::GetScriptListOfType(StringList& list, const std::string& type) const {
+    list.clear();
+    for (const std::uint32_t record : recordsOf(m_byType, type)) list.push_back(m_scripts[record].m_name);
+    return true;
+}
+
+bool CTemplateData::GetScriptListOfType(StringList& list, const std::string& type,
+                                        const std::string& className) const {
+    if (isAllClasses(className)) return GetScriptListOfType(list, type);
+    list.clear();
+    for (const std::uint32_t record : recordsOf(m_byType, type))
+        if (m_scripts[record].m_class == className) list.push_back(m_scripts[record].m_name);
+    return true;
+}
+
+bool CTemplateData::GetScriptActionNames(StringList& list, const std::string& name) const {
+    list.clear();
+    const CScriptElm* const script = findByName(name);
+    if (!script) return true;
+    for (const CScriptSection& section : script->m_sections)
+        for (const CScriptAction& action : section.m_actions) list.push_back(action.m_name);
+    return true;
+}
+
+bool CTemplateData::GetScriptActionDesc(std::string& desc, const std::string& name,
+                                        const std::string& action) const {
+    const CScriptElm* const script = findByName(name);
+    if (!script) return false;
+    for (const CScriptSection& section : script->m_sections)
+        for (const CScriptAction& candidate : section.m_actions)
+            if (candidate.m_name == action) {
+                desc = candidate.m_desc;
+                return true;
+            }
+    return false;
+}
+
+bool CTemplateData::GetScriptDesc(std::string& desc, const std::string& name) const {
+    const CScriptElm* const script = findByName(name);
+    if (script) desc = script->m_desc;
+    return script != nullptr;
+}
+
+bool CTemplateData::GetScriptDate(std::string& date, const std::string& name) const {
+    const CScriptElm* const script = findByName(name);
+    if (script) date = script->m_date;
+    return script != nullptr;
+}
+
+bool CTemplateData::GetScriptVers(std::string& version, const std::string& name) const {
+    const CScriptElm* const script = findByName(name);
+    if (script) version = script->m_vers;
+    return script != nullptr;
+}
+
+bool CTemplateData::GetScriptElmFromName(CScriptElm& script, const std::string& name) const {
+    const CScriptElm* const found = findByName(name);
+    if (found) script = *found;
+    return found != nullptr;
+}
+
+bool CTemplateData::GetScriptElmFromFilename(CScriptElm& script, const std::string& filename) const {
+    const CScriptElm* const found = findByFilename(filename);
+    if (found) script = *found;
+    return found != nullptr;
+}
+
+bool CTemplateData::GetScriptArrayOfType(std::vector<CScriptElm>& scripts, const std::string& type) const {
+    scripts.clear();
+    for (const std::uint32_t record : recordsOf(m_byType, type)) scripts.push_back(m_scripts[record]);
+    return true;
+}
+
+bool CTemplateData::GetScriptFilename(std::string& path, const std::string& name, bool withFolder) const {
+    const CScriptElm* const script = findByName(name);
+    if (!script) return false;
+    if (!withFolder) {
+        path = script->m_filename;
+        return true;
+    }
+    const Directory* const directory = findDirectory(script->m_directory);
+    if (!directory) return false;
+    path = m_baseDirectory + withoutLeadingDots(directory->second) + "\\" +
+           withoutLeadingDots(script->m_filename);
+    return true;
+}
+
+bool CTemplateData::GetNameFromFilename(std::string& name, const std::string& filename) const {
+    const CScriptElm* const script = findByFilename(filename);
+    if (script) name = script->m_name;
+    return script != nullptr;
+}
+
+bool CTemplateData::QTemplateScript(const std::string& filename) const {
+    return findByFilenameNoCase(filename) != nullptr;
+}
+
+std::string CTemplateData::GetCurDate() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+#ifdef _WIN32
+    local = *std::localtime(&now);  // one object for each thread there
+#else
+    localtime_r(&now, &local);
+#endif
+    char text[16];
+    return std::string(text, std::strftime(text, sizeof text, "%y%m%d", &local));
+}
+
+const CScriptElm* CTemplateData::findByName(std::string_view name) const {
+    const std::uint32_t record = m_byName.find(name, nameIn(m_scripts));
+    return record == m_byName.kNone ? nullptr : &m_scripts[record];
+}
+
+const CScriptElm* CTemplateData::findByFilename(std::string_view filename) const {
+    const std::uint32_t record = m_byFilename.find(filename, filenameIn(m_scripts));
+    return record == m_byFilename.kNone ? nullptr : &m_scripts[record];
+}
+
+const CScriptElm* CTemplateData::findByFilenameNoCase(std::string_view filename) const {
+    const std::uint32_t record = m_byFilenameNoCase.find(filename, filenameIn(m_scripts));
+    return record == m_byFilenameNoCase.kNone ? nullptr : &m_scripts[record];
+}
+
+const CTemplateData::Directory* CTemplateData::findDirectory(std::string_view type) const {
+    const std::uint32_t record = m_byDirectoryType.find(type, typeIn(m_directories));
+    return record == m_byDirectoryType.kNone ? nullptr : &m_directories[record];
+}
