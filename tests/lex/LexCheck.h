@@ -105,6 +105,27 @@ inline bool stringHelpersHold(std::string_view line) {
     return all && deleted && cropped == static_cast<int>(std::strlen(text.c_str()));
 }
 
+inline std::string folded(std::string_view line) {
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    std::string lower(line);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
+// A search for the beginning of line `wanted`, started at line `from`, must end where trying each line in
+// turn does.
+inline bool searchHolds(CLex& lex, const std::vector<std::string_view>& lines, size_t wanted, size_t from) {
+    const std::string part = folded(lines[wanted]).substr(0, 3);
+    size_t at = 0;
+    while (at < lines.size() && !folded(lines[(from + at) % lines.size()]).starts_with(part)) ++at;
+    lex.setPosAtLine(static_cast<int>(from));
+    const char* const found = lex.search_to_line(part.data(), static_cast<int>(part.size()));
+    if (at == lines.size()) return !found && lex.getLineNum() == static_cast<int>(from);
+    return found && lex.getCurrLine() == static_cast<int>((from + at) % lines.size()) &&
+           folded({found, static_cast<size_t>(lex.getLineLen())}).starts_with(part);
+}
+
 // Null when everything holds, else what does not. `firstLine` is where the walk begins: lines before it are
 // indexed only.
 inline const char* fault(std::string_view source, size_t firstLine = 0) {
@@ -132,6 +153,11 @@ inline const char* fault(std::string_view source, size_t firstLine = 0) {
         if (!stringHelpersHold(line)) return "string helpers";
     }
     if (lex.getNextUnformLine() || lex.getPos() != static_cast<long>(text.size())) return "end of the text";
+
+    std::vector<std::string_view> bare = lines;
+    for (int i = 0; i < 2 && bare.back().ends_with('\r'); ++i) bare.back().remove_suffix(1);
+    for (size_t i = firstLine; i < bare.size() && i < firstLine + 8; ++i)
+        if (!searchHolds(lex, bare, i, bare.size() - 1 - (i - firstLine))) return "search";
 
     lex.setPosAtLine(static_cast<int>(firstLine));
     for (int before = lex.getCurrLine(); const char* line = lex.getNextLine(); before = lex.getCurrLine()) {
