@@ -1,0 +1,195 @@
+#include "tools/editor/LevelMap.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace zoka {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view nextWord(std::string_view& line) {
+    const std::size_t start = line.find_first_not_of(kBlanks);
+    if (start == std::string_view::npos) {
+        line = {};
+        return {};
+    }
+    const std::size_t end = std::min(line.find_first_of(kBlanks, start), line.size());
+    const std::string_view word = line.substr(start, end - start);
+    line.remove_prefix(end);
+    return word;
+}
+
+template <typename Number>
+bool readNumber(std::string_view word, Number& number) {
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    return error == std::errc() && end == word.data() + word.size();
+}
+
+bool readFinite(std::string_view word, float& number) {
+    return readNumber(word, number) && std::isfinite(number);
+}
+
+// One line inside an entity's block. An empty text means that all is well.
+std::string readProperty(std::string_view keyword, std::string_view rest, LevelEntity& entity) {
+    if (keyword == "action") {
+        entity.script = nextWord(rest);
+        entity.action = nextWord(rest);
+        if (entity.action.empty()) return "action needs a script file and an action's name";
+    } else if (keyword == "position") {
+        for (float& axis : entity.position) {
+            if (!readFinite(nextWord(rest), axis)) return "position needs three numbers";
+        }
+    } else if (keyword == "skill") {
+        int number = 0;
+        float value = 0;
+        if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntitySkills ||
+            !readFinite(nextWord(rest), value))
+            return "skill needs a number from 1 to 20 and a value";
+        entity.skills[static_cast<std::size_t>(number - 1)] = value;
+    } else if (keyword == "flag") {
+        int number = 0;
+        if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntityFlags)
+            return "flag needs a number from 1 to 8";
+        entity.flags |= 1U << (number - 1);
+    } else {
+        return "unknown word \"" + std::string(keyword) + "\"";
+    }
+    if (!nextWord(rest).empty()) return "too many words after " + std::string(keyword);
+    return {};
+}
+
+void appendNumber(std::string& out, float value) {
+    char digits[32];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    out.append(" ").append(digits, end);
+}
+
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool equalFolded(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lower(x) == lower(y); });
+}
+
+bool isWordChar(char c) { return (lower(c) >= 'a' && lower(c) <= 'z') || (c >= '0' && c <= '9') || c == '_'; }
+
+// Past a comment or a quoted text that begins at `at`; `at` itself when neither does.
+std::size_t skipQuiet(std::string_view text, std::size_t at) {
+    const auto past = [&](std::string_view mark, std::size_t from) {
+        const std::size_t found = text.find(mark, from);
+        return found == std::string_view::npos ? text.size() : found + mark.size();
+    };
+    if (text.substr(at, 2) == "//") return past("\n", at);
+    if (text.substr(at, 2) == "/*") return past("*/", at + 2);
+    if (text[at] == '"') return past("\"", at + 1);
+    return at;
+}
+
+// The word that begins at `at`; empty when none does.
+std::string_view wordAt(std::string_view text, std::size_t at) {
+    std::size_t end = at;
+    while (end < text.size() && isWordChar(text[end])) ++end;
+    return text.substr(at, end - at);
+}
+
+std::size_t endOfBody(std::string_view text, std::size_t at) {
+    int depth = 0;
+    while (at < text.size()) {
+        if (const std::size_t past = skipQuiet(text, at); past != at) {
+            at = past;
+            continue;
+        }
+        if (text[at] == '{') ++depth;
+        if (text[at] == '}' && --depth <= 0) return at + 1;
+        ++at;
+    }
+    return text.size();
+}
+
+}  // namespace
+
+std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) {
+    LevelMap level;
+    bool sawHeader = false;
+    bool inEntity = false;
+    int lineNumber = 0;
+    const auto fault = [&](const std::string& what) {
+        error = "line " + std::to_string(lineNumber) + ": " + what;
+        return std::nullopt;
+    };
+    while (!text.empty()) {
+        ++lineNumber;
+        const std::size_t lineEnd = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, lineEnd);
+        text.remove_prefix(std::min(lineEnd + 1, text.size()));
+        const std::string_view keyword = nextWord(line);
+        if (keyword.empty() || keyword.substr(0, 2) == "//") continue;
+        if (!sawHeader) {
+            if (keyword != "level" || nextWord(line) != "1") return fault("a level begins with \"level 1\"");
+            sawHeader = true;
+        } else if (!inEntity) {
+            LevelEntity entity;
+            entity.name = nextWord(line);
+            if (keyword != "entity" || entity.name.empty() || !nextWord(line).empty())
+                return fault("expected \"entity NAME\"");
+            level.entities.push_back(std::move(entity));
+            inEntity = true;
+        } else if (keyword == "end") {
+            inEntity = false;
+        } else if (const std::string what = readProperty(keyword, line, level.entities.back()); !what.empty()) {
+            return fault(what);
+        }
+    }
+    if (!sawHeader) return fault("a level begins with \"level 1\"");
+    if (inEntity) return fault("the entity \"" + level.entities.back().name + "\" has no end");
+    return level;
+}
+
+std::string writeLevelMap(const LevelMap& level) {
+    std::string out = "level 1\r\n";
+    for (const LevelEntity& entity : level.entities) {
+        out += "\r\nentity " + entity.name + "\r\n";
+        if (!entity.script.empty()) out += "    action   " + entity.script + " " + entity.action + "\r\n";
+        out += "    position";
+        for (const float axis : entity.position) appendNumber(out, axis);
+        out += "\r\n";
+        for (std::size_t i = 0; i < entity.skills.size(); ++i) {
+            if (entity.skills[i] == 0) continue;
+            out += "    skill    " + std::to_string(i + 1);
+            appendNumber(out, entity.skills[i]);
+            out += "\r\n";
+        }
+        for (int flag = 1; flag <= kEntityFlags; ++flag) {
+            if (entity.flags >> (flag - 1) & 1U) out += "    flag     " + std::to_string(flag) + "\r\n";
+        }
+        out += "end\r\n";
+    }
+    return out;
+}
+
+std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action) {
+    std::size_t at = 0;
+    while (at < script.size()) {
+        if (const std::size_t past = skipQuiet(script, at); past != at) {
+            at = past;
+            continue;
+        }
+        const std::string_view word = wordAt(script, at);
+        if (word.empty()) {
+            ++at;
+            continue;
+        }
+        const std::size_t start = at;
+        at += word.size();
+        if (!equalFolded(word, "action")) continue;
+        const std::size_t name = std::min(script.find_first_not_of(" \t\r\n", at), script.size());
+        if (!equalFolded(wordAt(script, name), action)) continue;
+        return ActionBlock{start, endOfBody(script, name) - start};
+    }
+    return std::nullopt;
+}
+
+}  // namespace zoka

@@ -1,0 +1,56 @@
+// The stand-in editor's level file: a plain text with one block an entity, so that a sample level can be written by
+// hand and compared by eye. The real editor's maps are its own affair; nothing but this program reads this form.
+//
+//     level 1
+//     entity guard_north
+//         action   patrol.kez guard_patrol
+//         position 120 0 -64
+//         skill    1 2.5
+//         flag     3
+//     end
+//
+// A line whose first word begins with "//" is a comment. Names hold no blanks. What is not named is 0.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zoka {
+
+inline constexpr int kEntitySkills = 20;
+inline constexpr int kEntityFlags = 8;
+
+struct LevelEntity {
+    std::string name;
+    std::string script;  // file name in the project folder; empty when the entity has no behaviour
+    std::string action;  // the action's name in that script
+    std::array<float, 3> position{};
+    std::array<float, kEntitySkills> skills{};  // skill n at n - 1
+    std::uint32_t flags = 0;                    // flag n is bit n - 1
+};
+
+struct LevelMap {
+    std::vector<LevelEntity> entities;
+};
+
+// Reads a level. On the first fault nothing is returned and `error` says "line N: what is wrong".
+std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error);
+
+// The level as text, lines ended by CR LF; reads back equal.
+std::string writeLevelMap(const LevelMap& level);
+
+// Where an action's text stands in its script: from the word "action" to the brace that closes its body, or to the
+// end of the text when no brace does. Nothing when the script has no such action. Comments and quoted texts are
+// passed over; names are compared without regard to case.
+struct ActionBlock {
+    std::size_t start;
+    std::size_t length;
+};
+std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action);
+
+}  // namespace zoka

@@ -1,0 +1,153 @@
+// The drive script's commands that look at results, records, the log and what is left behind.
+#include <cstdio>
+
+#include "tools/editor/win/Driver.h"
+
+namespace zoka {
+
+namespace {
+
+constexpr const char* kResources[] = {"handles", "threads", "windows", "gdi", "user"};
+
+std::string resourceText(const ResourceCount& count) {
+    std::string text;
+    for (const char* const name : kResources)
+        text += (text.empty() ? "" : ", ") + std::to_string(resourceField(count, name)) + " " + name;
+    return text;
+}
+
+std::string recordField(const PluginProcDef& record, const std::string& field) {
+    if (field == "flags") return hexText(record.flags);
+    if (field == "kind") return hexText(record.kind);
+    if (field == "id") return hexText(record.id);
+    if (field == "name") return record.name ? record.name : "null";
+    if (field == "menu") return record.menuPath ? record.menuPath : "null";
+    if (field == "self") return record.self == &record ? "itself" : "another";
+    if (field == "execute") return record.execute ? "set" : "null";
+    if (field == "terminate") return record.terminate ? "set" : "null";
+    if (field == "reserved") {
+        const bool zero = !(record.reserved5 | record.reserved6 | record.reserved7 | record.reserved11 |
+                            record.reserved12);
+        return zero ? "0" : "not 0";
+    }
+    throw DriveFault("a record has no field \"" + field + "\"");
+}
+
+}  // namespace
+
+void Driver::addCheckCommands(std::map<std::string, Command>& table) {
+    table["result"] = {1, 1, &Driver::expectResult};
+    table["expect-record"] = {3, 3, &Driver::expectRecord};
+    table["expect-busy"] = {1, 1, &Driver::expectBusy};
+    table["expect-idle"] = {1, 1, &Driver::expectIdle};
+    table["expect-module"] = {2, 2, &Driver::expectModule};
+    table["expect-log"] = {1, 1, &Driver::expectLog};
+    table["expect-no-log"] = {1, 1, &Driver::expectNoLog};
+    table["clear-log"] = {0, 0, &Driver::clearLog};
+    table["mark"] = {0, 0, &Driver::mark};
+    table["expect-no-gain"] = {1, 10, &Driver::expectNoGain};
+    table["counts"] = {0, 0, &Driver::counts};
+    table["timeout"] = {1, 1, &Driver::timeout};
+    table["print"] = {1, 9, &Driver::print};
+    table["exit"] = {1, 1, &Driver::exit};
+}
+
+void Driver::expectResult(const Words& words) {
+    if (m_result != driveNumber(words[0]))
+        throw DriveFault("expected the result " + words[0] + "; saw " + std::to_string(m_result));
+}
+
+void Driver::expectRecord(const Words& words) {
+    const long index = driveNumber(words[0]);
+    std::string seen;
+    askEditor([&] {
+        const auto& records = m_editor.library().records();
+        if (index >= 0 && static_cast<std::size_t>(index) < records.size())
+            seen = recordField(*records[static_cast<std::size_t>(index)], words[1]);
+        else
+            seen = "no such record (" + std::to_string(records.size()) + " in all)";
+    });
+    if (seen != words[2])
+        throw DriveFault("expected " + words[1] + " of record " + words[0] + " \"" + words[2] + "\"; saw \"" + seen +
+                         "\"");
+}
+
+void Driver::expectBusy(const Words& words) {
+    ProcedureState* state = nullptr;
+    askEditor([&] { state = m_editor.procedure(words[0]); });
+    if (!state) throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
+    expect([&] { return state->isBusy(); }, words[0] + " to be busy", [] { return std::string("it is idle"); });
+}
+
+void Driver::expectIdle(const Words& words) {
+    ProcedureState* state = nullptr;
+    askEditor([&] { state = m_editor.procedure(words[0]); });
+    if (!state) throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
+    expect([&] { return !state->isBusy(); }, words[0] + " to be idle", [] { return std::string("it is busy"); });
+}
+
+void Driver::expectModule(const Words& words) {
+    if (words[1] != "loaded" && words[1] != "gone") throw DriveFault("a module is loaded or gone");
+    const bool loaded = GetModuleHandleA(words[0].c_str()) != nullptr;
+    if (loaded != (words[1] == "loaded"))
+        throw DriveFault("expected " + words[0] + " " + words[1] + "; saw it " + (loaded ? "loaded" : "gone"));
+}
+
+void Driver::expectLog(const Words& words) {
+    expect([&] { return m_editor.log().holds(words[0]); }, "the log to hold \"" + words[0] + "\"", [&] {
+        std::string text = "\n";
+        for (std::size_t i = 0; i < m_editor.log().size(); ++i) {
+            const CallLogLine line = m_editor.log().line(i);
+            text += "    " + line.thread + ": " + line.call + " -> " + line.answer + "\n";
+        }
+        return text;
+    });
+}
+
+void Driver::expectNoLog(const Words& words) {
+    if (m_editor.log().holds(words[0])) throw DriveFault("expected no \"" + words[0] + "\" in the log; it is there");
+}
+
+void Driver::clearLog(const Words&) { m_editor.log().clear(); }
+
+void Driver::mark(const Words&) { m_mark = countResources(); }
+
+void Driver::expectNoGain(const Words& words) {
+    // Words: kinds, each followed by the gain that is allowed where it is not 0.
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string kind = words[i];
+        const long before = resourceField(m_mark, kind);
+        if (before < 0) throw DriveFault("\"" + kind + "\" can't be counted");
+        long allowed = 0;
+        if (i + 1 < words.size() && resourceField(m_mark, words[i + 1]) < 0) allowed = driveNumber(words[++i]);
+        long now = before;
+        // Threads that are just ending hold their things a moment longer.
+        expect([&] { return (now = resourceField(countResources(), kind)) - before <= allowed; },
+               "at most " + std::to_string(allowed) + " " + kind + " more than " + std::to_string(before),
+               [&] { return std::to_string(now) + " (before: " + resourceText(m_mark) +
+                            "; now: " + resourceText(countResources()) + ")"; });
+    }
+}
+
+void Driver::counts(const Words&) { std::printf("%s\n", resourceText(countResources()).c_str()); }
+
+void Driver::timeout(const Words& words) { m_patience = static_cast<unsigned>(driveNumber(words[0])) * 1000; }
+
+void Driver::print(const Words& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    std::printf("%s\n", text.c_str());
+    std::fflush(stdout);
+}
+
+// The process ends as the editor's does: on the editor's thread, with whatever of the plug-in's is still open.
+void Driver::exit(const Words& words) {
+    const UINT status = static_cast<UINT>(driveNumber(words[0]));
+    m_editorWindow.post([status] {
+        std::fflush(stdout);
+        ExitProcess(status);
+    });
+    Sleep(INFINITE);
+}
+
+}  // namespace zoka

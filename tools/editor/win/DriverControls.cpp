@@ -1,0 +1,303 @@
+// The drive script's commands about the controls of the current window.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <cstdio>
+
+#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/Keyboard.h"
+#include "tools/editor/win/WindowSearch.h"
+
+namespace zoka {
+
+namespace {
+
+// How to reach the items of the controls that hold a list.
+struct ListMessages {
+    const char* className;
+    UINT count, length, text, select;
+    WORD selected;  // what the parent is told
+};
+constexpr ListMessages kLists[] = {
+    {"ComboBox", CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT, CB_SETCURSEL, CBN_SELCHANGE},
+    {"ListBox", LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, LB_SETCURSEL, LBN_SELCHANGE},
+};
+
+const ListMessages* listOf(HWND control) {
+    for (const ListMessages& list : kLists) {
+        if (lstrcmpiA(windowClass(control).c_str(), list.className) == 0) return &list;
+    }
+    return nullptr;
+}
+
+bool isClass(HWND control, const char* name) { return lstrcmpiA(windowClass(control).c_str(), name) == 0; }
+
+std::string listViewText(HWND control, int row, int column) {
+    char text[512] = {};
+    LVITEMA item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    ask(control, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+// The texts of a list's items (of the first column, where there are more).
+std::vector<std::string> itemsOf(HWND control) {
+    std::vector<std::string> items;
+    if (const ListMessages* const list = listOf(control)) {
+        const LRESULT count = ask(control, list->count);
+        for (LRESULT i = 0; i < count; ++i) {
+            const LRESULT length = ask(control, list->length, static_cast<WPARAM>(i));
+            std::string text(static_cast<std::size_t>(length > 0 ? length : 0) + 1, '\0');
+            ask(control, list->text, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text.data()));
+            text.pop_back();
+            items.push_back(text);
+        }
+    } else if (isClass(control, WC_LISTVIEWA)) {
+        const LRESULT count = ask(control, LVM_GETITEMCOUNT);
+        for (LRESULT i = 0; i < count; ++i) items.push_back(listViewText(control, static_cast<int>(i), 0));
+    } else if (isClass(control, WC_TABCONTROLA)) {
+        const LRESULT count = ask(control, TCM_GETITEMCOUNT);
+        for (LRESULT i = 0; i < count; ++i) {
+            char text[256] = {};
+            TCITEMA item{};
+            item.mask = TCIF_TEXT;
+            item.pszText = text;
+            item.cchTextMax = sizeof text;
+            ask(control, TCM_GETITEMA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+            items.emplace_back(text);
+        }
+    } else {
+        throw DriveFault(describe(control) + " holds no list");
+    }
+    return items;
+}
+
+std::string listed(const std::vector<std::string>& texts) {
+    std::string all;
+    for (const std::string& text : texts) all += (all.empty() ? "\"" : " \"") + text + "\"";
+    return all.empty() ? "nothing" : all;
+}
+
+void chooseTab(HWND control, int index) {
+    NMHDR header{control, static_cast<UINT_PTR>(GetDlgCtrlID(control)), static_cast<UINT>(TCN_SELCHANGING)};
+    const auto tell = [&] {
+        return ask(GetParent(control), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+    };
+    if (tell()) throw DriveFault("the window refuses to leave its page");
+    ask(control, TCM_SETCURSEL, static_cast<WPARAM>(index));
+    header.code = static_cast<UINT>(TCN_SELCHANGE);
+    tell();
+}
+
+void chooseRow(HWND control, int index) {
+    LVITEMA item{};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    item.state = item.stateMask;
+    ask(control, LVM_SETITEMSTATE, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+    ask(control, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
+}
+
+// What a user reads in a control: of a list that shows one item, that item.
+std::string valueOf(HWND control) {
+    if (isClass(control, TRACKBAR_CLASSA)) return std::to_string(ask(control, TBM_GETPOS));
+    if (isClass(control, "ListBox")) {
+        const LRESULT chosen = ask(control, LB_GETCURSEL);
+        const std::vector<std::string> items = itemsOf(control);
+        return chosen >= 0 && static_cast<std::size_t>(chosen) < items.size() ? items[static_cast<std::size_t>(chosen)]
+                                                                                : "";
+    }
+    if (isClass(control, WC_LISTVIEWA)) {
+        const LRESULT row = ask(control, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
+        return row >= 0 ? listViewText(control, static_cast<int>(row), 0) : "";
+    }
+    if (isClass(control, STATUSCLASSNAMEA)) {
+        char text[1024] = {};
+        ask(control, SB_GETTEXTA, SB_SIMPLEID, reinterpret_cast<LPARAM>(text));
+        if (!text[0]) ask(control, SB_GETTEXTA, 0, reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    return isClass(control, "Button") ? visibleText(control) : windowText(control);
+}
+
+bool isChecked(HWND control) { return ask(control, BM_GETCHECK) == BST_CHECKED; }
+
+// Whether a control is as a word says; a fault for a word that says nothing.
+bool hasState(HWND control, const std::string& state) {
+    if (state == "enabled") return IsWindowEnabled(control) != 0;
+    if (state == "disabled") return !IsWindowEnabled(control);
+    if (state == "checked") return isChecked(control);
+    if (state == "unchecked") return !isChecked(control);
+    if (state == "focused") return focusOf(control) == control;
+    throw DriveFault("a control can't be expected to be \"" + state + "\"");
+}
+
+std::string stateText(HWND control) {
+    std::string text = describe(control);
+    if (isClass(control, "Button")) text += isChecked(control) ? ", checked" : ", unchecked";
+    return text + ", value \"" + valueOf(control) + "\"; the keyboard is in " + describe(focusOf(control));
+}
+
+}  // namespace
+
+void Driver::addControlCommands(std::map<std::string, Command>& table) {
+    table["click"] = {1, 1, &Driver::click};
+    table["focus"] = {1, 1, &Driver::focus};
+    table["type"] = {1, 1, &Driver::type};
+    table["key"] = {1, 9, &Driver::key};
+    table["set"] = {2, 2, &Driver::set};
+    table["choose"] = {2, 2, &Driver::choose};
+    table["check"] = {1, 1, &Driver::check};
+    table["uncheck"] = {1, 1, &Driver::uncheck};
+    table["read"] = {1, 1, &Driver::read};
+    table["expect"] = {2, 3, &Driver::expectControl};
+    table["expect-items"] = {1, 99, &Driver::expectItems};
+    table["taborder"] = {0, 0, &Driver::tabOrderOf};
+    table["expect-taborder"] = {1, 99, &Driver::expectTabOrder};
+}
+
+HWND Driver::control(const std::string& name) const {
+    const HWND top = window();
+    HWND found = nullptr;
+    expect([&] { return (found = findControl(top, name)) != nullptr; }, "a control " + name + " in " + describe(top),
+           [&] { return listed([&] {
+                     std::vector<std::string> all;
+                     for (const HWND child : childWindows(top))
+                         if (IsWindowVisible(child)) all.push_back(describe(child));
+                     return all;
+                 }()); });
+    return found;
+}
+
+HWND Driver::usableControl(const std::string& name) const {
+    const HWND found = control(name);
+    expect([&] { return IsWindowEnabled(found) && IsWindowEnabled(GetAncestor(found, GA_ROOT)); },
+           describe(found) + " to be enabled", [] { return std::string("it is disabled"); });
+    return found;
+}
+
+void Driver::notifyParent(HWND control, WORD code) const {
+    PostMessageA(GetParent(control), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
+                 reinterpret_cast<LPARAM>(control));
+}
+
+void Driver::click(const Words& words) { PostMessageA(usableControl(words[0]), BM_CLICK, 0, 0); }
+
+void Driver::focus(const Words& words) {
+    const HWND found = usableControl(words[0]);
+    const HWND top = GetAncestor(found, GA_ROOT);
+    if (!bringToFront(top, m_patience)) throw DriveFault(describe(top) + " does not come to the front");
+    PostMessageA(top, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(found), TRUE);
+    expect([&] { return focusOf(found) == found; }, "the keyboard in " + describe(found),
+           [&] { return describe(focusOf(found)); });
+}
+
+void Driver::type(const Words& words) {
+    if (!bringToFront(window(), m_patience)) throw DriveFault(describe(window()) + " does not come to the front");
+    typeText(words[0]);
+}
+
+void Driver::key(const Words& words) {
+    if (!bringToFront(window(), m_patience)) throw DriveFault(describe(window()) + " does not come to the front");
+    for (const std::string& name : words) {
+        if (!pressKey(name)) throw DriveFault("there is no key \"" + name + "\"");
+    }
+}
+
+void Driver::set(const Words& words) {
+    const HWND found = usableControl(words[0]);
+    if (isClass(found, TRACKBAR_CLASSA)) {
+        ask(found, TBM_SETPOS, TRUE, driveNumber(words[1]));
+        PostMessageA(GetParent(found), WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(found));
+        return;
+    }
+    // The control itself tells its parent of a change that is made this way.
+    ask(found, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(words[1].c_str()));
+}
+
+void Driver::choose(const Words& words) {
+    const HWND found = usableControl(words[0]);
+    std::vector<std::string> items;
+    std::size_t index = 0;
+    expect(
+        [&] {
+            items = itemsOf(found);
+            for (index = 0; index < items.size(); ++index) {
+                if (items[index] == words[1]) return true;
+            }
+            return false;
+        },
+        "the item \"" + words[1] + "\" in " + describe(found), [&] { return listed(items); });
+    if (const ListMessages* const list = listOf(found)) {
+        ask(found, list->select, index);
+        notifyParent(found, list->selected);
+    } else if (isClass(found, WC_TABCONTROLA)) {
+        chooseTab(found, static_cast<int>(index));
+    } else {
+        chooseRow(found, static_cast<int>(index));
+    }
+}
+
+void Driver::check(const Words& words) { setCheck(words, true); }
+void Driver::uncheck(const Words& words) { setCheck(words, false); }
+
+void Driver::setCheck(const Words& words, bool on) {
+    const HWND found = usableControl(words[0]);
+    if (isChecked(found) == on) return;
+    PostMessageA(found, BM_CLICK, 0, 0);
+    expect([&] { return isChecked(found) == on; }, describe(found) + (on ? " checked" : " unchecked"),
+           [&] { return stateText(found); });
+}
+
+void Driver::read(const Words& words) {
+    const HWND found = control(words[0]);
+    std::printf("%s = %s\n", words[0].c_str(), valueOf(found).c_str());
+}
+
+void Driver::expectControl(const Words& words) {
+    const std::string& relation = words[1];
+    if (words.size() == 2 && (relation == "absent" || relation == "present")) {
+        const HWND top = window();
+        expect([&] { return (findControl(top, words[0]) != nullptr) == (relation == "present"); },
+               "the control " + words[0] + " to be " + relation, [&] { return "\n" + describeAll(); });
+        return;
+    }
+    const HWND found = control(words[0]);
+    const auto seen = [&] { return stateText(found); };
+    if (words.size() == 2)
+        return expect([&] { return hasState(found, relation); }, words[0] + " " + relation, seen);
+    if (relation != "equals" && relation != "contains")
+        throw DriveFault("a value is expected with equals or contains, not \"" + relation + "\"");
+    expect(
+        [&] {
+            const std::string value = valueOf(found);
+            return relation == "equals" ? value == words[2] : value.find(words[2]) != std::string::npos;
+        },
+        words[0] + " " + relation + " \"" + words[2] + "\"", seen);
+}
+
+void Driver::expectItems(const Words& words) {
+    const HWND found = control(words[0]);
+    const Words wanted(words.begin() + 1, words.end());
+    expect([&] { return itemsOf(found) == wanted; }, "the items " + listed(wanted),
+           [&] { return listed(itemsOf(found)); });
+}
+
+void Driver::tabOrderOf(const Words&) {
+    for (const HWND found : tabOrder(window())) std::printf("tab %s\n", describe(found).c_str());
+}
+
+void Driver::expectTabOrder(const Words& words) {
+    const HWND top = window();
+    std::vector<HWND> wanted;
+    for (const std::string& name : words) wanted.push_back(control(name));
+    expect([&] { return tabOrder(top) == wanted; }, "the Tab order " + listed(words), [&] {
+        std::vector<std::string> order;
+        for (const HWND found : tabOrder(top)) order.push_back(describe(found));
+        return listed(order);
+    });
+}
+
+}  // namespace zoka

@@ -1,0 +1,92 @@
+// The stand-in editor without its window: the open project and level, the plug-in, its procedures and whether they
+// run. The window shows it; the drive scripts steer it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "plugin/HostContext.h"
+#include "tools/editor/win/CallLog.h"
+#include "tools/editor/win/EditorHost.h"
+#include "tools/editor/win/HostTable.h"
+#include "tools/editor/win/OpenLevel.h"
+#include "tools/editor/win/PluginLibrary.h"
+
+namespace zoka {
+
+// What a procedure of the plug-in is given besides its record. Kept as long as the editor, so that a panel which
+// outlives its procedure never writes into freed memory.
+struct ProcedureState {
+    explicit ProcedureState(OpenLevel& level) : entity(level) {}
+
+    PluginProcDef* record = nullptr;  // null once the plug-in is unloaded
+    std::int32_t busy = 0;            // written by the plug-in on any thread: use isBusy()
+    HostContext context{};
+    EntityHandle entity;
+
+    bool isBusy() const;
+    std::string name() const { return record && record->name ? record->name : ""; }
+};
+
+// All operations: [editor thread].
+class Editor {
+public:
+    explicit Editor(CallLog& log);
+
+    // Opens a folder: its main.zlm, or the first level in it. False, with the reason in `error`, leaves the old
+    // project open.
+    bool openProject(const std::string& folder, std::string& error);
+    bool openLevel(const std::string& path, std::string& error);
+    const std::string& projectFolder() const { return m_projectFolder; }
+
+    // Loads, initialises, asks for the info words and the records: what the editor does at its start.
+    bool loadPlugin(const std::string& path, std::string& error);
+    // Terminates the procedures that run and frees the library.
+    void unloadPlugin();
+    // Frees the library at once; panels may be open.
+    void freePlugin();
+    // Reads the records into procedures().
+    void readProcedures();
+    const std::vector<ProcedureState*>& procedures() const { return m_procedures; }
+    ProcedureState* procedure(const std::string& name) const;
+
+    // Calls the procedure's execute for the selected entity (none selected: no context). Does not look at the busy
+    // word.
+    std::int32_t execute(ProcedureState& procedure);
+    // 1 without a call when the procedure has no terminate.
+    std::int32_t terminate(ProcedureState& procedure);
+
+    // The entity that procedures are run for; empty: none.
+    void selectEntity(const std::string& name) { m_selected = name; }
+    const std::string& selectedEntity() const { return m_selected; }
+
+    PluginLibrary& library() { return m_library; }
+    HostTable& hostTable() { return m_table; }
+    OpenLevel& level() { return m_level; }
+    EditorHost& host() { return m_host; }
+    CallLog& log() { return m_log; }
+
+    // Called after the project, the plug-in or its records changed.
+    std::function<void()> onChange;
+
+private:
+    void changed() {
+        if (onChange) onChange();
+    }
+    void forgetProcedures();
+
+    CallLog& m_log;
+    OpenLevel m_level;
+    EditorHost m_host;
+    HostTable m_table;
+    PluginLibrary m_library;
+    std::string m_projectFolder;
+    std::string m_selected;
+    std::vector<std::unique_ptr<ProcedureState>> m_states;  // grows to the longest table seen; never shrinks
+    std::vector<ProcedureState*> m_procedures;
+};
+
+}  // namespace zoka

@@ -1,0 +1,96 @@
+#include "tools/editor/win/EditorHost.h"
+
+#include <windows.h>
+
+#include <commdlg.h>
+
+#include <fstream>
+
+namespace zoka {
+
+namespace {
+
+bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+// The main script beside a level: its name with the extension of scripts.
+std::string mainScriptOf(const std::string& level) {
+    const std::size_t dot = level.find_last_of('.');
+    return dot == std::string::npos ? std::string() : level.substr(0, dot) + ".kez";
+}
+
+}  // namespace
+
+void EditorHost::setSuite(const std::string& folder, const std::string& templates) {
+    m_suiteFolder = folder;
+    m_templates = templates;
+}
+
+void EditorHost::CreateMainScript() {
+    const std::string path = mainScriptOf(m_level.path());
+    if (path.empty() || exists(path)) return;
+    std::ofstream(path, std::ios::binary) << "// main script\r\n";
+}
+
+std::optional<std::string> EditorHost::GetMainScriptPath() {
+    std::string path = mainScriptOf(m_level.path());
+    if (path.empty() || !exists(path)) return std::nullopt;
+    return path;
+}
+
+std::optional<std::string> EditorHost::GetListItemName(int index) {
+    const LevelMap map = m_level.map();
+    if (index < 0 || static_cast<std::size_t>(index) >= map.entities.size()) return std::nullopt;
+    return map.entities[static_cast<std::size_t>(index)].name.substr(0, kHostItemNameSize - 1);
+}
+
+std::optional<std::string> EditorHost::ChooseFile(const std::string& preset) {
+    char path[kHostPathSize] = {};
+    if (preset.size() < sizeof path) preset.copy(path, sizeof path - 1);
+    const std::string folder = QueryFolder(CmdGetSuiteFolder) + "\\" + m_templates;
+    OPENFILENAMEA chooser{};
+    chooser.lStructSize = sizeof chooser;
+    chooser.hwndOwner = GetActiveWindow();
+    chooser.lpstrFilter = "KEZ scripts (*.kez)\0*.kez\0All files\0*.*\0";
+    chooser.lpstrFile = path;
+    chooser.nMaxFile = sizeof path;
+    chooser.lpstrInitialDir = folder.c_str();
+    chooser.lpstrTitle = "Choose a template";
+    chooser.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER;
+    if (!GetOpenFileNameA(&chooser)) return std::nullopt;
+    return std::string(path);
+}
+
+bool EditorHost::CopyFileToFolder(const std::string& source, const std::string& folder) {
+    const std::string name = source.substr(source.find_last_of('\\') + 1);
+    return CopyFileA(source.c_str(), (folder + "\\" + name).c_str(), FALSE) != 0;
+}
+
+bool EditorHost::CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
+                                           std::span<const std::pair<std::string, std::string>> substitutions) {
+    std::optional<std::string> text = readWholeFile(source);
+    if (!text) return false;
+    for (const auto& [find, replacement] : substitutions) {
+        if (find.empty()) continue;
+        for (std::size_t at = 0; (at = text->find(find, at)) != std::string::npos; at += replacement.size())
+            text->replace(at, find.size(), replacement);
+    }
+    std::ofstream out(destination, std::ios::binary | std::ios::trunc);
+    out << *text;
+    out.close();
+    return !out.fail();
+}
+
+std::string EditorHost::QueryFolder(ZunCommandCode code) {
+    switch (code) {
+    case CmdGetSuiteFolder:
+        return m_suiteFolder.empty() ? m_level.folder() : m_suiteFolder;
+    case CmdGetTemplateSubfolder:
+        return m_templates;
+    case CmdQueryPath13:
+        return m_level.folder();
+    default:
+        return {};
+    }
+}
+
+}  // namespace zoka

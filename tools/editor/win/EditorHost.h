@@ -1,0 +1,44 @@
+// What stands behind the plug-in's calls in the stand-in editor: the open level's folder, and a suite folder with the
+// template scripts.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <string>
+
+#include "plugin/ZunEditorInterface.h"
+#include "tools/editor/win/OpenLevel.h"
+
+namespace zoka {
+
+// Works on every thread; the file chooser opens on the calling thread.
+class EditorHost : public ZunEditorInterface {
+public:
+    explicit EditorHost(OpenLevel& level) : m_level(level) {}
+
+    // The suite's folder and the name of the template folder in it. [editor thread], before a plug-in is loaded.
+    void setSuite(const std::string& folder, const std::string& templates);
+    // Opens a level on the editor's thread; false when it can't.
+    std::function<bool(const std::string& path)> onOpenMap;
+
+    void CreateMainScript() override;
+    std::optional<std::string> GetMainScriptPath() override;
+    void MainScriptChanged() override {}
+    std::optional<std::string> GetListItemName(int index) override;
+    void EndListUpdate() override {}
+    std::optional<std::string> ChooseFile(const std::string& preset) override;
+    std::string GetProjectFolder() override { return m_level.folder(); }
+    bool CopyFileToFolder(const std::string& source, const std::string& folder) override;
+    bool CopyFileWithSubstitutions(
+        const std::string& source, const std::string& destination,
+        std::span<const std::pair<std::string, std::string>> substitutions) override;
+    std::string QueryFolder(ZunCommandCode code) override;
+    bool OpenMap(const std::string& path) override { return onOpenMap && onOpenMap(path); }
+
+private:
+    OpenLevel& m_level;
+    std::string m_suiteFolder;
+    std::string m_templates = "templates";
+};
+
+}  // namespace zoka

@@ -1,0 +1,454 @@
+#include "tools/editor/win/EditorWindow.h"
+
+#include <commctrl.h>
+#include <commdlg.h>
+#include <shlobj.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace zoka {
+
+namespace {
+
+constexpr char kClassName[] = "ZunStandInEditor";
+constexpr char kTitle[] = "ZUN stand-in editor";
+constexpr UINT kMessageJobs = WM_APP + 1;
+constexpr UINT kMessageLog = WM_APP + 2;
+constexpr UINT_PTR kTimer = 1;
+constexpr UINT kTimerPeriod = 200;  // ms between looks at the busy words
+constexpr int kSplitter = 6;        // pixels between list and log
+constexpr int kLeast = 60;          // pixels that list and log keep at least
+enum : int { kIdEntities = 1, kIdLog, kIdStatus };
+
+std::string numbersText(const LevelEntity& entity) {
+    std::string text;
+    char part[48];
+    for (int i = 0; i < kEntitySkills; ++i) {
+        const float value = entity.skills[static_cast<std::size_t>(i)];
+        if (value == 0) continue;
+        std::snprintf(part, sizeof part, "%s%d = %g", text.empty() ? "" : ",  ", i + 1, static_cast<double>(value));
+        text += part;
+    }
+    return text;
+}
+
+std::string flagsText(const LevelEntity& entity) {
+    std::string text;
+    for (int i = 0; i < kEntityFlags; ++i) {
+        if (entity.flags >> i & 1U) text += (text.empty() ? "" : ", ") + std::to_string(i + 1);
+    }
+    return text;
+}
+
+std::string positionText(const LevelEntity& entity) {
+    char text[100];
+    std::snprintf(text, sizeof text, "%g,  %g,  %g", static_cast<double>(entity.position[0]),
+                  static_cast<double>(entity.position[1]), static_cast<double>(entity.position[2]));
+    return text;
+}
+
+void setCell(HWND list, int row, int column, const std::string& text) {
+    ListView_SetItemText(list, row, column, const_cast<char*>(text.c_str()));
+}
+
+}  // namespace
+
+EditorWindow::EditorWindow(Editor& editor) : m_editor(editor) {}
+
+EditorWindow::~EditorWindow() {
+    if (m_window) DestroyWindow(m_window);
+    if (m_font) DeleteObject(m_font);
+    if (m_keys) DestroyAcceleratorTable(m_keys);
+}
+
+bool EditorWindow::create(bool show) {
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
+    InitCommonControlsEx(&controls);
+    NONCLIENTMETRICSA metrics{};
+    metrics.cbSize = sizeof metrics;
+    if (SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0))
+        m_font = CreateFontIndirectA(&metrics.lfMessageFont);
+
+    WNDCLASSA windowClass{};
+    windowClass.lpfnWndProc = windowProc;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.hIcon = LoadIconA(nullptr, IDI_APPLICATION);
+    windowClass.hCursor = LoadCursorA(nullptr, IDC_SIZENS);  // shows between the two panes only
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    windowClass.lpszClassName = kClassName;
+    RegisterClassA(&windowClass);
+
+    ACCEL keys[] = {{FVIRTKEY | FCONTROL, 'O', kCommandOpen},
+                    {FVIRTKEY | FCONTROL, 'S', kCommandSave},
+                    {FVIRTKEY | FCONTROL, 'L', kCommandLoadPlugin},
+                    {FVIRTKEY, VK_F5, kCommandReload}};
+    m_keys = CreateAcceleratorTableA(keys, static_cast<int>(std::size(keys)));
+
+    CreateWindowExA(0, kClassName, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 60, 40, 900, 640, nullptr, nullptr,
+                    GetModuleHandleA(nullptr), this);
+    if (!m_window) return false;
+    m_editor.onChange = [this] { editorChanged(); };
+    m_editor.log().notify(m_window, kMessageLog);
+    editorChanged();
+    showLog();
+    if (show) ShowWindow(m_window, SW_SHOW);
+    UpdateWindow(m_window);
+    return true;
+}
+
+int EditorWindow::run() {
+    MSG message;
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+        if (TranslateAcceleratorA(m_window, m_keys, &message)) continue;
+        if (IsDialogMessageA(m_window, &message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    return static_cast<int>(message.wParam);
+}
+
+void EditorWindow::post(std::function<void()> job) {
+    {
+        const std::lock_guard lock(m_jobMutex);
+        m_jobs.push(std::move(job));
+    }
+    PostMessageA(m_window, kMessageJobs, 0, 0);
+}
+
+void EditorWindow::runJobs() {
+    for (;;) {
+        std::function<void()> job;
+        {
+            const std::lock_guard lock(m_jobMutex);
+            if (m_jobs.empty()) return;
+            job = std::move(m_jobs.front());
+            m_jobs.pop();
+        }
+        job();
+    }
+}
+
+LRESULT CALLBACK EditorWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* const self = static_cast<EditorWindow*>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams);
+        self->m_window = window;
+        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+    }
+    auto* const self = reinterpret_cast<EditorWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    return self ? self->handleMessage(message, wParam, lParam) : DefWindowProcA(window, message, wParam, lParam);
+}
+
+LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_CREATE:
+        onCreate();
+        return 0;
+    case WM_SIZE:
+        layOut();
+        return 0;
+    case WM_GETMINMAXINFO:
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {420, 300};
+        return 0;
+    case WM_COMMAND:
+        if (!lParam) onCommand(LOWORD(wParam));
+        return 0;
+    case WM_NOTIFY:
+        return onNotify(*reinterpret_cast<NMHDR*>(lParam));
+    case WM_INITMENUPOPUP:
+        m_menu.refresh(m_window, m_editor);
+        return 0;
+    case WM_TIMER:
+        showStatus();
+        if (m_editor.level().changes() != m_shownChanges) showEntities();
+        return 0;
+    case WM_SETFOCUS:
+        SetFocus(m_entities);
+        return 0;
+    case WM_LBUTTONDOWN:
+        m_dragging = true;
+        SetCapture(m_window);
+        return 0;
+    case WM_MOUSEMOVE:
+        if (m_dragging) dragSplitter(GET_Y_LPARAM(lParam));
+        return 0;
+    case WM_LBUTTONUP:
+        if (m_dragging) ReleaseCapture();
+        return 0;
+    case WM_CAPTURECHANGED:
+        m_dragging = false;
+        return 0;
+    case kMessageJobs:
+        runJobs();
+        return 0;
+    case kMessageLog:
+        showLog();
+        return 0;
+    case WM_CLOSE:
+        onClose();
+        return 0;
+    case WM_DESTROY:
+        m_editor.onChange = nullptr;
+        m_editor.log().notify(nullptr, 0);
+        PostQuitMessage(0);
+        return 0;
+    case WM_NCDESTROY:
+        SetWindowLongPtrA(m_window, GWLP_USERDATA, 0);
+        m_window = nullptr;
+        return 0;
+    default:
+        return DefWindowProcA(m_window, message, wParam, lParam);
+    }
+}
+
+void EditorWindow::addColumn(HWND list, int index, const char* title, int width, bool right) {
+    LVCOLUMNA column{};
+    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+    column.fmt = right ? LVCFMT_RIGHT : LVCFMT_LEFT;
+    column.pszText = const_cast<char*>(title);
+    column.cx = width;
+    SendMessageA(list, LVM_INSERTCOLUMNA, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
+}
+
+HWND EditorWindow::createList(int id, DWORD style) {
+    const HWND list = CreateWindowExA(
+        WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
+        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL | style, 0, 0, 0, 0,
+        m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr), nullptr);
+    ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
+    SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
+    return list;
+}
+
+void EditorWindow::onCreate() {
+    m_entities = createList(kIdEntities, 0);
+    addColumn(m_entities, 0, "Entity", 150, false);
+    addColumn(m_entities, 1, "Behavior", 210, false);
+    addColumn(m_entities, 2, "Position", 140, false);
+    addColumn(m_entities, 3, "Skills", 250, false);
+    addColumn(m_entities, 4, "Flags", 90, false);
+    m_log = createList(kIdLog, LVS_OWNERDATA | LVS_NOSORTHEADER);
+    addColumn(m_log, 0, "Thread", 90, false);
+    addColumn(m_log, 1, "Call", 430, false);
+    addColumn(m_log, 2, "Answer", 320, false);
+    m_status = CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, m_window,
+                               reinterpret_cast<HMENU>(static_cast<INT_PTR>(kIdStatus)), GetModuleHandleA(nullptr),
+                               nullptr);
+    SendMessageA(m_status, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
+    SetTimer(m_window, kTimer, kTimerPeriod, nullptr);
+}
+
+void EditorWindow::layOut() {
+    RECT client;
+    RECT status;
+    GetClientRect(m_window, &client);
+    SendMessageA(m_status, WM_SIZE, 0, 0);
+    GetWindowRect(m_status, &status);
+    const int height = std::max(0L, client.bottom - (status.bottom - status.top));
+    const int log = std::clamp(height * m_logShare / 100, kLeast, std::max(kLeast, height - kLeast - kSplitter));
+    const int list = std::max(0, height - log - kSplitter);
+    MoveWindow(m_entities, 0, 0, client.right, list, TRUE);
+    MoveWindow(m_log, 0, list + kSplitter, client.right, std::max(0, height - list - kSplitter), TRUE);
+}
+
+void EditorWindow::dragSplitter(int y) {
+    RECT client;
+    RECT status;
+    GetClientRect(m_window, &client);
+    GetWindowRect(m_status, &status);
+    const int height = static_cast<int>(client.bottom - (status.bottom - status.top));
+    if (height <= 0) return;
+    m_logShare = std::clamp(100 - y * 100 / height, 5, 95);
+    layOut();
+}
+
+LRESULT EditorWindow::onNotify(NMHDR& header) {
+    if (header.hwndFrom == m_log && header.code == LVN_GETDISPINFOA) {
+        LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
+        const CallLogLine line = m_editor.log().line(static_cast<std::size_t>(item.iItem));
+        const std::string& text = item.iSubItem == 0 ? line.thread : item.iSubItem == 1 ? line.call : line.answer;
+        if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0)
+            lstrcpynA(item.pszText, text.c_str(), item.cchTextMax);
+    } else if (header.hwndFrom == m_entities && header.code == LVN_ITEMCHANGED) {
+        const auto& change = reinterpret_cast<NMLISTVIEW&>(header);
+        if ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) {
+            char name[300] = {};
+            const int row = ListView_GetNextItem(m_entities, -1, LVNI_SELECTED);
+            if (row >= 0) ListView_GetItemText(m_entities, row, 0, name, sizeof name);
+            m_editor.selectEntity(name);
+            showStatus();
+        }
+    } else if (header.hwndFrom == m_entities && header.code == NM_DBLCLK) {
+        if (ProcedureState* const procedure = m_editor.procedure("Entity Behavior")) choose(*procedure);
+    }
+    return 0;
+}
+
+void EditorWindow::onCommand(UINT command) {
+    const auto& procedures = m_editor.procedures();
+    if (command >= kCommandTerminate && command - kCommandTerminate < procedures.size()) {
+        m_editor.terminate(*procedures[command - kCommandTerminate]);
+        return showStatus();
+    }
+    if (command >= kCommandProcedure && command - kCommandProcedure < procedures.size())
+        return choose(*procedures[command - kCommandProcedure]);
+    switch (command) {
+    case kCommandOpen:
+        return openProject();
+    case kCommandReload:
+        if (std::string error; !m_editor.openProject(m_editor.projectFolder(), error)) complain(error);
+        return;
+    case kCommandSave:
+        return saveLevel();
+    case kCommandExit:
+        PostMessageA(m_window, WM_CLOSE, 0, 0);
+        return;
+    case kCommandLoadPlugin:
+        return loadPlugin();
+    case kCommandUnloadPlugin:
+        m_editor.unloadPlugin();
+        return;
+    case kCommandHostNormal:
+    case kCommandHostFail:
+    case kCommandHostEmpty:
+    case kCommandHostFull:
+        m_editor.hostTable().setFault(static_cast<HostFault>(command - kCommandHostNormal));
+        return showStatus();
+    case kCommandClearLog:
+        m_editor.log().clear();
+        return;
+    case kCommandAbout:
+        return about();
+    default:
+        return;
+    }
+}
+
+void EditorWindow::choose(ProcedureState& procedure) {
+    if (!procedure.isBusy()) {
+        m_editor.execute(procedure);
+        return showStatus();
+    }
+    if (!procedure.record->terminate) return complain(procedure.name() + " is running and can't be terminated.");
+    const std::string question = procedure.name() + " is running.\n\nTerminate it?";
+    if (MessageBoxA(m_window, question.c_str(), kTitle, MB_YESNO | MB_ICONQUESTION) == IDYES && procedure.record)
+        m_editor.terminate(procedure);
+    showStatus();
+}
+
+void EditorWindow::editorChanged() {
+    m_menu.build(m_window, m_editor.procedures(), m_editor.library().loaded());
+    m_menu.refresh(m_window, m_editor);
+    const std::string& folder = m_editor.projectFolder();
+    const std::string name = folder.substr(folder.find_last_of('\\') + 1);
+    const std::string title = name.empty() ? kTitle : std::string(kTitle) + " - " + name;
+    SetWindowTextA(m_window, title.c_str());
+    showEntities();
+    showStatus();
+}
+
+void EditorWindow::showEntities() {
+    m_shownChanges = m_editor.level().changes();
+    const std::string selected = m_editor.selectedEntity();
+    const LevelMap map = m_editor.level().map();
+    SendMessageA(m_entities, WM_SETREDRAW, FALSE, 0);
+    ListView_DeleteAllItems(m_entities);
+    int row = 0;
+    for (const LevelEntity& entity : map.entities) {
+        LVITEMA item{};
+        item.mask = LVIF_TEXT;
+        item.iItem = row;
+        item.pszText = const_cast<char*>(entity.name.c_str());
+        SendMessageA(m_entities, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
+        setCell(m_entities, row, 1, entity.action + (entity.script.empty() ? "" : "  (" + entity.script + ")"));
+        setCell(m_entities, row, 2, positionText(entity));
+        setCell(m_entities, row, 3, numbersText(entity));
+        setCell(m_entities, row, 4, flagsText(entity));
+        if (entity.name == selected)
+            ListView_SetItemState(m_entities, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+        ++row;
+    }
+    m_editor.selectEntity(selected);
+    SendMessageA(m_entities, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(m_entities, nullptr, TRUE);
+}
+
+void EditorWindow::selectEntity(const std::string& name) {
+    m_editor.selectEntity(name);
+    showEntities();
+}
+
+void EditorWindow::showLog() {
+    const int count = static_cast<int>(m_editor.log().size());
+    ListView_SetItemCountEx(m_log, count, LVSICF_NOSCROLL);
+    if (count) ListView_EnsureVisible(m_log, count - 1, FALSE);
+}
+
+void EditorWindow::showStatus() {
+    std::string running;
+    for (const ProcedureState* const procedure : m_editor.procedures()) {
+        if (procedure->isBusy()) running += (running.empty() ? "" : ", ") + procedure->name();
+    }
+    std::string text = m_editor.projectFolder().empty() ? "No project open" : m_editor.level().path();
+    text += "    |    ";
+    text += m_editor.library().loaded() ? m_editor.library().path() : "no plug-in";
+    if (!running.empty()) text += "    |    running: " + running;
+    if (m_editor.hostTable().fault() != HostFault::None) text += "    |    host answers faultily";
+    if (text == m_shownStatus) return;
+    m_shownStatus = text;
+    SendMessageA(m_status, SB_SETTEXTA, SB_SIMPLEID, reinterpret_cast<LPARAM>(text.c_str()));
+    SendMessageA(m_status, SB_SIMPLE, TRUE, 0);
+}
+
+void EditorWindow::openProject() {
+    BROWSEINFOA browse{};
+    browse.hwndOwner = m_window;
+    browse.lpszTitle = "Choose a project folder (one that holds a level, main.zlm).";
+    browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_USENEWUI;
+    ITEMIDLIST* const chosen = SHBrowseForFolderA(&browse);
+    if (!chosen) return;
+    char folder[MAX_PATH] = {};
+    SHGetPathFromIDListA(chosen, folder);
+    CoTaskMemFree(chosen);
+    if (std::string error; !m_editor.openProject(folder, error)) complain(error);
+}
+
+void EditorWindow::loadPlugin() {
+    char path[MAX_PATH] = {};
+    OPENFILENAMEA chooser{};
+    chooser.lStructSize = sizeof chooser;
+    chooser.hwndOwner = m_window;
+    chooser.lpstrFilter = "Plug-ins (*.dll)\0*.dll\0All files\0*.*\0";
+    chooser.lpstrFile = path;
+    chooser.nMaxFile = sizeof path;
+    chooser.lpstrTitle = "Load plug-in";
+    chooser.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER;
+    if (!GetOpenFileNameA(&chooser)) return;
+    if (std::string error; !m_editor.loadPlugin(path, error)) complain(std::string(path) + "\n\n" + error);
+}
+
+void EditorWindow::saveLevel() {
+    std::string error;
+    if (m_editor.projectFolder().empty()) return;
+    if (!m_editor.level().save(error)) complain(error);
+}
+
+void EditorWindow::about() {
+    MessageBoxA(m_window,
+                "ZUN stand-in editor\nVersion " ZOKA_VERSION
+                "\n\nLoads a plug-in as the level editor does, serves it a plain project folder and shows every "
+                "call between the two.",
+                kTitle, MB_OK | MB_ICONINFORMATION);
+}
+
+void EditorWindow::complain(const std::string& text) {
+    MessageBoxA(m_window, text.c_str(), kTitle, MB_OK | MB_ICONWARNING);
+}
+
+void EditorWindow::onClose() {
+    m_editor.unloadPlugin();
+    DestroyWindow(m_window);
+}
+
+}  // namespace zoka

@@ -1,0 +1,82 @@
+// The stand-in editor's window: menu, the level's entities, the log of calls, a status bar.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <mutex>
+#include <queue>
+#include <string>
+
+#include "tools/editor/win/Editor.h"
+#include "tools/editor/win/EditorMenu.h"
+
+namespace zoka {
+
+class EditorWindow {
+public:
+    // [editor thread], like everything here but post(). `editor` must outlive the window.
+    explicit EditorWindow(Editor& editor);
+    ~EditorWindow();
+    EditorWindow(const EditorWindow&) = delete;
+    EditorWindow& operator=(const EditorWindow&) = delete;
+
+    // Creates and shows the window. False when the system refuses.
+    bool create(bool show);
+    HWND handle() const { return m_window; }
+    // Runs the message loop until the window is closed; the process's exit status.
+    int run();
+
+    // Has `job` run on the editor's thread as soon as that thread takes messages, be it inside a modal window of the
+    // plug-in's. Works on every thread.
+    void post(std::function<void()> job);
+
+    // What a choice of the user's in the menu does: runs a procedure, or, where it is busy, asks whether to
+    // terminate it.
+    void choose(ProcedureState& procedure);
+
+    // Marks the entity in the list; an empty name marks none.
+    void selectEntity(const std::string& name);
+
+private:
+    static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT onNotify(NMHDR& header);
+    void onCommand(UINT command);
+    void onCreate();
+    void onClose();
+    void runJobs();
+
+    void layOut();
+    void dragSplitter(int y);
+    void showEntities();
+    void showLog();
+    void showStatus();
+    void editorChanged();
+
+    void openProject();
+    void loadPlugin();
+    void saveLevel();
+    void about();
+    void complain(const std::string& text);
+    HWND createList(int id, DWORD style);
+    void addColumn(HWND list, int index, const char* title, int width, bool right);
+
+    Editor& m_editor;
+    EditorMenu m_menu;
+    HWND m_window = nullptr;
+    HWND m_entities = nullptr;
+    HWND m_log = nullptr;
+    HWND m_status = nullptr;
+    HFONT m_font = nullptr;
+    HACCEL m_keys = nullptr;
+    int m_logShare = 40;  // percent of the height that the log takes
+    bool m_dragging = false;
+    unsigned m_shownChanges = 0;
+    std::string m_shownStatus;
+
+    std::mutex m_jobMutex;
+    std::queue<std::function<void()>> m_jobs;
+};
+
+}  // namespace zoka

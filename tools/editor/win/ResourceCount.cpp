@@ -1,0 +1,115 @@
+#include "tools/editor/win/ResourceCount.h"
+
+#include <windows.h>
+
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "tools/editor/win/WindowSearch.h"
+
+namespace zoka {
+
+namespace {
+
+// The system's own list of all handles: a count, then one entry a handle. Asked for because GetProcessHandleCount
+// answers 0 on some systems.
+struct SystemHandle {
+    ULONG process;
+    BYTE type;
+    BYTE flags;
+    USHORT value;
+    void* object;
+    ULONG access;
+};
+
+long countHandles() {
+    DWORD direct = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &direct) && direct) return static_cast<long>(direct);
+    using Query = LONG(WINAPI*)(ULONG, void*, ULONG, ULONG*);
+    const FARPROC found = GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation");
+    Query query;
+    std::memcpy(&query, &found, sizeof query);
+    constexpr ULONG kSystemHandleInformation = 16;
+    std::vector<std::uint64_t> buffer(1U << 15);
+    constexpr LONG kTooSmall = static_cast<LONG>(0xC0000004);
+    LONG status;
+    while ((status = query(kSystemHandleInformation, buffer.data(),
+                           static_cast<ULONG>(buffer.size() * sizeof buffer[0]), nullptr)) == kTooSmall)
+        buffer.resize(buffer.size() * 2);
+    if (status < 0) return -1;
+    ULONG total;
+    std::memcpy(&total, buffer.data(), sizeof total);
+    const auto* const first = reinterpret_cast<const SystemHandle*>(reinterpret_cast<const char*>(buffer.data()) +
+                                                                    alignof(SystemHandle));
+    return static_cast<long>(std::count_if(first, first + total, [](const SystemHandle& handle) {
+        return handle.process == GetCurrentProcessId();
+    }));
+}
+
+long countThreads() {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) return -1;
+    long count = 0;
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+        count += entry.th32OwnerProcessID == GetCurrentProcessId();
+    CloseHandle(snapshot);
+    return count;
+}
+
+long countWindows() {
+    long count = 0;
+    for (const HWND window : topWindows(false)) count += 1 + static_cast<long>(childWindows(window).size());
+    return count;
+}
+
+// Object handles are places in a table, and a freed place is taken again before a new one: once enough objects are
+// made to fill every gap, the last place tells how many are in use.
+template <typename Make, typename Destroy>
+long countByPlace(int gaps, Make make, Destroy destroy) {
+    std::vector<decltype(make())> made;
+    long last = 0;
+    for (int i = 0; i < gaps; ++i) {
+        made.push_back(make());
+        last = std::max(last, static_cast<long>(reinterpret_cast<std::uintptr_t>(made.back()) & 0xFFFF));
+    }
+    for (const auto object : made) destroy(object);
+    return last - gaps;
+}
+
+long countGdi() {
+    const DWORD direct = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    if (direct) return static_cast<long>(direct);
+    return countByPlace(
+        2000, [] { return CreatePen(PS_SOLID, 1, RGB(1, 2, 3)); }, [](HPEN pen) { DeleteObject(pen); });
+}
+
+long countUser() {
+    const DWORD direct = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    if (direct) return static_cast<long>(direct);
+    // Places are counted in twos here.
+    constexpr int kGaps = 500;
+    return (countByPlace(kGaps, [] { return CreateMenu(); }, [](HMENU menu) { DestroyMenu(menu); }) - kGaps) / 2;
+}
+
+}  // namespace
+
+ResourceCount countResources() {
+    return {countHandles(), countThreads(), countWindows(), countGdi(), countUser()};
+}
+
+long resourceField(const ResourceCount& count, const std::string& name) {
+    if (name == "handles") return count.handles;
+    if (name == "threads") return count.threads;
+    if (name == "windows") return count.windows;
+    if (name == "gdi") return count.gdi;
+    if (name == "user") return count.user;
+    return -1;
+}
+
+}  // namespace zoka

@@ -1,0 +1,22 @@
+// How much of the system's things this process holds; for finding out whether something is left behind.
+#pragma once
+
+#include <string>
+
+namespace zoka {
+
+struct ResourceCount {
+    long handles = 0;  // kernel handles
+    long threads = 0;
+    long windows = 0;  // all of the process's, hidden ones and children too
+    long gdi = 0;      // pens, fonts, pictures, ...; exact but for a constant
+    long user = 0;     // menus, icons, windows, ... of the whole session, but for a constant
+};
+
+// [any thread]. Objects made by other threads meanwhile are counted as they happen to stand.
+ResourceCount countResources();
+
+// One field by its name ("handles", "threads", ...); -1 for any other word.
+long resourceField(const ResourceCount& count, const std::string& name);
+
+}  // namespace zoka

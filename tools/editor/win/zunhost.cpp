@@ -1,0 +1,124 @@
+// zunhost: the stand-in editor. Shows its window; with --drive a script steers it.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <thread>
+
+#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/EditorWindow.h"
+
+namespace {
+
+struct Options {
+    std::string project;
+    std::string plugin;
+    std::string suite;
+    std::string templates = "templates";
+    std::string logFile;
+    std::string fault = "normal";
+    std::string script;
+    std::vector<std::string> values;
+    std::string pictures = ".";
+    unsigned limit = 0;
+    bool hidden = false;
+};
+
+constexpr int kUsage = 2;
+constexpr int kCannot = 3;
+
+// Reports what keeps the program from starting: to the one who drives it, or to the user.
+int complain(const Options& options, const std::string& text) {
+    std::fprintf(stderr, "zunhost: %s\n", text.c_str());
+    if (options.script.empty()) MessageBoxA(nullptr, text.c_str(), "ZUN stand-in editor", MB_OK | MB_ICONERROR);
+    return kCannot;
+}
+
+bool readValues(const std::vector<std::string>& texts, std::map<std::string, std::string>& values) {
+    for (const std::string& text : texts) {
+        const std::size_t equals = text.find('=');
+        if (equals == std::string::npos || equals == 0) return false;
+        values[text.substr(0, equals)] = text.substr(equals + 1);
+    }
+    return true;
+}
+
+// Ends the process when a script takes too long, with the line it hangs at.
+void watch(const zoka::Driver& driver, const std::string& script, unsigned seconds) {
+    Sleep(seconds * 1000);
+    std::fprintf(stderr, "%s:%d: not done after %u s\n", script.c_str(), driver.currentLine(), seconds);
+    std::fflush(stderr);
+    TerminateProcess(GetCurrentProcess(), 1);
+}
+
+int runEditor(const Options& options) {
+    using namespace zoka;
+    CallLog log(GetCurrentThreadId());
+    if (!options.logFile.empty() && !log.openFile(options.logFile))
+        return complain(options, options.logFile + " can't be written");
+    HostFault fault = HostFault::None;
+    if (!readHostFault(options.fault, fault)) return complain(options, "--host is normal, fail, empty or full");
+
+    DriveScript script;
+    if (!options.script.empty()) {
+        std::map<std::string, std::string> values;
+        if (!readValues(options.values, values)) return complain(options, "--set takes NAME=VALUE");
+        const std::optional<std::string> text = readWholeFile(options.script);
+        if (!text) return complain(options, options.script + " can't be read");
+        std::string error;
+        if (!readDriveScript(*text, values, script, error)) {
+            std::fprintf(stderr, "%s:%s\n", options.script.c_str(), error.c_str());
+            return 1;
+        }
+    }
+
+    Editor editor(log);
+    editor.hostTable().setFault(fault);
+    editor.host().setSuite(options.suite, options.templates);
+    EditorWindow window(editor);
+    if (!window.create(!options.hidden)) return complain(options, "the window can't be created");
+    std::string error;
+    if (!options.project.empty() && !editor.openProject(options.project, error)) return complain(options, error);
+    if (!options.plugin.empty() && !editor.loadPlugin(options.plugin, error))
+        return complain(options, options.plugin + ": " + error);
+    if (options.script.empty()) return window.run();
+
+    Driver driver(editor, window, options.script, std::move(script), options.pictures);
+    if (options.limit) std::thread(watch, std::cref(driver), options.script, options.limit).detach();
+    std::thread([&driver] { driver.run(); }).detach();
+    const int status = window.run();
+    // The script closed the editor's window: that is an end of its own.
+    std::fflush(stdout);
+    ExitProcess(static_cast<UINT>(status));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App app("Stand-in for the ZUN editor: loads a plug-in, serves it a plain project folder, shows every call.",
+                 "zunhost");
+    app.add_option("project", options.project, "Folder of the project to open");
+    app.add_option("--plugin", options.plugin, "Plug-in (.dll) to load");
+    app.add_option("--suite", options.suite, "Folder that holds the template folder (default: the project's)");
+    app.add_option("--templates", options.templates, "Name of the template folder in it");
+    app.add_option("--log", options.logFile, "Write every call to this file");
+    app.add_option("--host", options.fault, "How the host answers: normal, fail, empty, full");
+    app.add_option("--drive", options.script, "Carry out the commands of this file, then end");
+    app.add_option("--set", options.values, "NAME=VALUE: what ${NAME} stands for in the script; may be repeated")
+        ->allow_extra_args(false);
+    app.add_option("--pictures", options.pictures, "Folder for the picture taken when a script fails");
+    app.add_option("--limit", options.limit, "End with status 1 when the script takes longer than these seconds");
+    app.add_flag("--hidden", options.hidden, "Do not show the editor's own window");
+    app.set_version_flag("--version", ZOKA_VERSION);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& fault) {
+        return app.exit(fault) == 0 ? 0 : kUsage;
+    }
+    return runEditor(options);
+}
