@@ -36,8 +36,9 @@ build() { # preset
     if (cmake --preset "$1" && cmake --build --preset "$1" -j "$jobs") >"$log" 2>&1; then
         echo "built $1 in $((SECONDS - start)) s"
     else
-        grep -E 'error|warning|FAILED|undefined reference' "$log" | head -n 40
-        tail -n 20 "$log"
+        # What failed, without the steps that went well; all of it is in the log.
+        awk '/^FAILED: |^CMake Error/ { on = 1 } /^\[[0-9]+\/[0-9]+\] / { on = 0 } on' "$log" | head -n 60
+        echo "the whole story is in build/logs/build-$1.log"
         add "build $1" 0 1
         return 1
     fi
@@ -81,6 +82,7 @@ if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
     check sources $here/sources.sh build/linux
 elif build windows; then
     check sources $here/sources.sh build/linux build/windows
+    check binaries $here/binaries.sh build/windows
     # The prefix is made ahead of the tests, so that its time is not counted as theirs.
     if tools/run/display.sh tools/run/wine.sh "$PWD/build/windows/wine" cmd /c exit; then
         run_ctest windows tools/run/display.sh

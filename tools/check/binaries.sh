@@ -1,0 +1,33 @@
+#!/bin/bash
+# Checks the Windows binaries as they would be shipped: binaries.sh WINDOWS_BUILD
+#
+# Each may import from libraries of the system only, can be moved in memory and keeps data
+# from being run. The plug-in's undecorated exports are its three entry points and no others.
+set -euo pipefail
+build=$1
+findings=0
+finding() {
+    echo "$*"
+    findings=1
+}
+system='kernel32|user32|gdi32|comctl32|comdlg32|shell32|shlwapi|ole32|oleaut32|advapi32|msvcrt|ntdll|version|psapi|dbghelp|ucrtbase'
+objdump=i686-w64-mingw32-objdump
+
+found=0
+while IFS= read -r binary; do
+    found=$((found + 1))
+    headers=$($objdump -p "$binary")
+    while IFS= read -r library; do
+        grep -qiE "^($system)\.dll$" <<<"$library" || finding "$binary: imports from $library"
+    done < <(sed -n 's/^\tDLL Name: //p' <<<"$headers")
+    grep -q DYNAMIC_BASE <<<"$headers" || finding "$binary: lacks --dynamicbase"
+    grep -q NX_COMPAT <<<"$headers" || finding "$binary: lacks --nxcompat"
+    grep -qE '^Entry 5 [0-9a-f]+ 0*[1-9a-f]' <<<"$headers" || finding "$binary: has no relocations, so it can't be moved"
+done < <(find "$build/plugin" "$build/tools" -name '*.dll' -o -name '*.exe' | sort)
+[ $found -gt 0 ] || finding "no binaries in $build"
+
+plain=$($objdump -p "$build/plugin/zoka.dll" |
+    sed -nE '/^\[Ordinal\/Name Pointer\] Table/,/^$/s/^\t\[ *[0-9]+\] (\+base\[ *[0-9]+\] +[0-9a-f]+ )?([^ ]+)$/\2/p' | grep -v '^_Z' | sort | tr '\n' ' ')
+[ "$plain" = "PIGetPIInfo PIGetProcDef PIInitialize " ] ||
+    finding "zoka.dll: its undecorated exports are: $plain"
+exit $findings
