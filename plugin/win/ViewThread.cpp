@@ -4,10 +4,9 @@
 
 #include <initializer_list>
 
-using zoka::moduleInstance;
+#include "plugin/win/ThreadRuntime.h"
 
-// The callbacks by which the compiler's runtime frees what it keeps for a thread.
-extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
+using zoka::moduleInstance;
 
 namespace {
 
@@ -57,15 +56,6 @@ bool outsideModule(HANDLE thread) {
     return known && at - base >= headers.OptionalHeader.SizeOfImage;
 }
 
-// Frees what the compiler's runtime keeps for this thread. At the thread's end the loader would do that, but
-// not for a library that is gone by then. The callbacks do nothing a second time.
-void freeThreadRuntime() {
-    for (auto callback = reinterpret_cast<PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
-         callback && *callback; ++callback) {
-        (*callback)(moduleInstance(), DLL_THREAD_DETACH, nullptr);
-    }
-}
-
 // The innermost open dialog of the panel's thread, besides the panel.
 struct DialogSearch {
     HWND panel;
@@ -77,9 +67,10 @@ BOOL CALLBACK findDialog(HWND candidate, LPARAM data) {
     auto& search = *reinterpret_cast<DialogSearch*>(data);
     char name[16] = "";
     GetClassNameA(candidate, name, sizeof name);
-    const bool isDialog = lstrcmpA(name, "#32770") == 0 ||
-                          (GetWindow(candidate, GW_OWNER) && !IsWindowEnabled(search.panel));
-    if (candidate == search.panel || !isDialog || !IsWindowVisible(candidate) || !IsWindowEnabled(candidate)) {
+    const bool isDialog =
+        lstrcmpA(name, "#32770") == 0 || (GetWindow(candidate, GW_OWNER) && !IsWindowEnabled(search.panel));
+    if (candidate == search.panel || !isDialog || !IsWindowVisible(candidate) ||
+        !IsWindowEnabled(candidate)) {
         return TRUE;
     }
     search.found = candidate;
@@ -172,7 +163,7 @@ void CViewThread::leaveForUnload() {
 DWORD WINAPI CViewThread::threadMain(void* self) {
     auto* const thread = static_cast<CViewThread*>(self);
     thread->run();
-    freeThreadRuntime();
+    zoka::freeThreadRuntime();
     SetEvent(thread->m_gone);
     thread->m_left.store(true);
     ExitThread(0);
