@@ -40,9 +40,10 @@ TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
         const char* arguments;
         const char* message;
     } rows[] = {
-        {"", "subcommand"},
-        {"xml", "subcommand"},
+        {"", "a command is missing"},
+        {"xml", "a command is missing"},
         {"frobnicate", "frobnicate"},
+        {"xml chekc a.xml", "chekc"},
         {"xml check", "FILE is required"},
         {"xml check --shiny a.xml", "--shiny"},
         {"xml format", "FILE is required"},

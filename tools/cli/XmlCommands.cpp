@@ -155,7 +155,6 @@ void addFormat(CLI::App& xml, Work& chosen) {
 
 void addXmlCommands(CLI::App& app, Work& chosen) {
     CLI::App* xml = app.add_subcommand("xml", "Check and format XML files");
-    xml->require_subcommand(1);
     setExample(*xml, "zoka xml check template_6.xml");
     addCheck(*xml, chosen);
     addFormat(*xml, chosen);

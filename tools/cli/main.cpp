@@ -10,6 +10,11 @@ using namespace zoka;
 
 namespace {
 
+cli::ExitStatus usageError(const std::string& text) {
+    cli::complain(text + "\nRun with --help for more information.");
+    return cli::ExitStatus::Usage;
+}
+
 cli::ExitStatus run(int argc, char** argv) {
     CLI::App app("Checks and edits the files of a ZUN project.", "zoka");
     cli::Work chosen;
@@ -17,7 +22,6 @@ cli::ExitStatus run(int argc, char** argv) {
     app.set_version_flag("--version", "zoka " ZOKA_VERSION, "Print the version and end");
     app.set_help_flag("-h,--help", "Print this help and end");
     app.add_flag("--yes", assumeYes, "Answer every question with yes");
-    app.require_subcommand(1);
     app.fallthrough();
     cli::setExample(app, "zoka xml check template_6.xml");
     cli::addXmlCommands(app, chosen);
@@ -27,9 +31,10 @@ cli::ExitStatus run(int argc, char** argv) {
         app.exit(asked);  // prints the help or the version
         return cli::ExitStatus::Done;
     } catch (const CLI::ParseError& error) {
-        cli::complain(std::string(error.what()) + "\nRun with --help for more information.");
-        return cli::ExitStatus::Usage;
+        return usageError(error.what());
     }
+    // Not left to the parser, which would say this of a misspelt command too.
+    if (!chosen) return usageError("a command is missing");
     ConsolePrompt prompt(std::cin, std::cerr, assumeYes);
     setUserPrompt(&prompt);
     const cli::ExitStatus status = chosen();
