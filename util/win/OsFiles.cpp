@@ -222,7 +222,7 @@ public:
         }
         const std::string found(target, size);
         if (found.starts_with("\\\\?\\UNC\\")) {
-            return "\\" + found.substr(7);
+            return std::string("\\").append(found, 7);
         }
         return found.starts_with("\\\\?\\") ? found.substr(4) : found;
     }

@@ -1,0 +1,115 @@
+// The real disk with faults: counts the operations and fails those that a rule names.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+
+#include "util/OsFiles.h"
+
+namespace zoka::test {
+
+// Installs itself as the disk for its lifetime. A failing write leaves half of its bytes, a failing close
+// closes.
+class FaultyOsFiles : public OsFiles {
+public:
+    // `n` counts all operations from 1; `op` is the operation's name ("write" and the like for open files).
+    using Rule = std::function<bool(int n, std::string_view op, const std::string& path)>;
+
+    explicit FaultyOsFiles(Rule fails) : m_fails(std::move(fails)) { setOsFiles(this); }
+    ~FaultyOsFiles() override { setOsFiles(nullptr); }
+
+    static Rule nth(int failing) {
+        return [failing](int n, std::string_view, const std::string&) { return n == failing; };
+    }
+    static Rule never() { return nth(0); }
+
+    int operations() const { return m_count; }
+
+    std::optional<OsEntry> search(const std::string& p) override {
+        return bad("search", p) ? std::nullopt : m_real.search(p);
+    }
+    std::vector<OsEntry> list(const std::string& p) override {
+        return bad("list", p) ? std::vector<OsEntry>() : m_real.list(p);
+    }
+    bool readTime(const std::string& p, FileTime* time) override {
+        return !bad("readTime", p) && m_real.readTime(p, time);
+    }
+    bool setTimes(const std::string& p, FileTime time) override {
+        return !bad("setTimes", p) && m_real.setTimes(p, time);
+    }
+    std::string currentFolder() override { return bad("currentFolder", "") ? "" : m_real.currentFolder(); }
+    bool setCurrentFolder(const std::string& p) override {
+        return !bad("setCurrentFolder", p) && m_real.setCurrentFolder(p);
+    }
+    std::string fullPath(const std::string& p) override { return m_real.fullPath(p); }
+    bool makeFolder(const std::string& p) override { return !bad("makeFolder", p) && m_real.makeFolder(p); }
+    bool deleteFile(const std::string& p) override { return !bad("deleteFile", p) && m_real.deleteFile(p); }
+    bool deleteFolder(const std::string& p) override {
+        return !bad("deleteFolder", p) && m_real.deleteFolder(p);
+    }
+    std::FILE* openStream(const std::string& p, const char* mode) override {
+        return bad("openStream", p) ? nullptr : m_real.openStream(p, mode);
+    }
+    std::optional<std::string> readWhole(const std::string& p) override {
+        return bad("readWhole", p) ? std::nullopt : m_real.readWhole(p);
+    }
+    std::unique_ptr<OsOutFile> openForWriting(const std::string& p, OsOpen how) override {
+        if (bad(how == OsOpen::New        ? "openNew"
+                : how == OsOpen::Existing ? "openExisting"
+                                          : "openTruncate",
+                p)) {
+            return nullptr;
+        }
+        auto file = m_real.openForWriting(p, how);
+        return file ? std::make_unique<OutFile>(*this, p, std::move(file)) : nullptr;
+    }
+    std::optional<std::string> resolveLinks(const std::string& p) override {
+        return bad("resolveLinks", p) ? std::nullopt : m_real.resolveLinks(p);
+    }
+    bool replaceFile(const std::string& target, const std::string& replacement) override {
+        return !bad("replaceFile", target) && m_real.replaceFile(target, replacement);
+    }
+    bool renameNew(const std::string& from, const std::string& to) override {
+        return !bad("renameNew", to) && m_real.renameNew(from, to);
+    }
+    std::string lastError() override { return m_injected ? "injected fault" : m_real.lastError(); }
+
+private:
+    class OutFile : public OsOutFile {
+    public:
+        OutFile(FaultyOsFiles& owner, std::string path, std::unique_ptr<OsOutFile> real)
+            : m_owner(owner), m_path(std::move(path)), m_file(std::move(real)) {}
+        bool write(std::string_view bytes) override {
+            if (m_owner.bad("write", m_path)) {
+                m_file->write(bytes.substr(0, bytes.size() / 2));
+                return false;
+            }
+            return m_file->write(bytes);
+        }
+        bool rewind() override { return !m_owner.bad("rewind", m_path) && m_file->rewind(); }
+        bool cutHere() override { return !m_owner.bad("cutHere", m_path) && m_file->cutHere(); }
+        bool flush() override { return !m_owner.bad("flush", m_path) && m_file->flush(); }
+        bool close() override {
+            const bool closed = m_file->close();
+            return !m_owner.bad("close", m_path) && closed;
+        }
+
+    private:
+        FaultyOsFiles& m_owner;
+        std::string m_path;
+        std::unique_ptr<OsOutFile> m_file;
+    };
+
+    bool bad(std::string_view op, const std::string& path) {
+        m_injected = m_fails(++m_count, op, path);
+        return m_injected;
+    }
+
+    OsFiles& m_real = systemFiles();
+    Rule m_fails;
+    int m_count = 0;
+    bool m_injected = false;
+};
+
+}  // namespace zoka::test

@@ -1,0 +1,120 @@
+// The disk seam keeps its promises on every system.
+#include "util/OsFiles.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using namespace zoka;
+using zoka::test::TempFolder;
+
+class OsFilesTest : public testing::Test {
+protected:
+    OsFiles& files = systemFiles();
+    const TempFolder folder;
+};
+
+TEST_F(OsFilesTest, SearchesAndLists) {
+    folder.write("One.kez", "123");
+    folder.write("two.txt", "");
+    ASSERT_TRUE(files.makeFolder(folder.path("sub")));
+    EXPECT_FALSE(files.makeFolder(folder.path("sub")));
+
+    const auto one = files.search(folder.path("one.KEZ"));
+    ASSERT_TRUE(one);
+    EXPECT_EQ(one->name, "One.kez") << "spelled as on the disk";
+    EXPECT_EQ(one->size, 3u);
+    EXPECT_FALSE(one->isFolder);
+    EXPECT_TRUE(files.search(folder.path("sub"))->isFolder);
+    EXPECT_EQ(files.search(folder.path("*"))->name, ".");
+    EXPECT_EQ(files.search(folder.path("t*"))->name, "two.txt");
+    EXPECT_FALSE(files.search(folder.path("sub\\")));
+    EXPECT_FALSE(files.search(folder.path("x*")));
+    EXPECT_FALSE(files.search(folder.path("none\\one.kez")));
+    EXPECT_FALSE(files.search(""));
+
+    std::vector<std::string> names;
+    for (const OsEntry& entry : files.list(folder.path("*"))) {
+        names.push_back(entry.name);
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"One.kez", "sub", "two.txt"}));
+    EXPECT_TRUE(files.list(folder.path("none\\*")).empty());
+    EXPECT_TRUE(files.deleteFolder(folder.path("sub")));
+    EXPECT_FALSE(files.deleteFolder(folder.path("sub")));
+}
+
+TEST_F(OsFilesTest, CurrentFolderAndFullPaths) {
+    const std::string before = files.currentFolder();
+    ASSERT_TRUE(files.setCurrentFolder(folder.path()));
+    const std::string current = files.currentFolder();
+    EXPECT_EQ(current.substr(1, 2), ":\\");
+    EXPECT_EQ(current.substr(3), folder.path().substr(3));
+    folder.write("here", "x");
+    EXPECT_TRUE(files.exists("here"));
+    EXPECT_TRUE(files.exists(".\\here"));
+    EXPECT_EQ(files.fullPath("here"), current + "\\here");
+    EXPECT_EQ(files.fullPath("a/../b"), current + "\\b");
+    EXPECT_EQ(files.fullPath(current + "\\a\\..\\b"), current + "\\b");
+    EXPECT_EQ(files.fullPath("\\x"), current.substr(0, 2) + "\\x");
+    EXPECT_FALSE(files.setCurrentFolder(folder.path("none")));
+    ASSERT_TRUE(files.setCurrentFolder(before));
+}
+
+TEST_F(OsFilesTest, WritesAndReadsWhole) {
+    const std::string path = folder.path("a");
+    EXPECT_EQ(files.openForWriting(path, OsOpen::Existing), nullptr);
+    EXPECT_FALSE(files.lastError().empty());
+    auto file = files.openForWriting(path, OsOpen::New);
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(file->write("0123456789") && file->flush() && file->close());
+    EXPECT_EQ(files.openForWriting(path, OsOpen::New), nullptr);
+
+    file = files.openForWriting(path, OsOpen::Existing);
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(file->write("abcdef") && file->rewind() && file->write("X") && file->close());
+    EXPECT_EQ(files.readWhole(path), "Xbcdef6789");
+    file = files.openForWriting(path, OsOpen::Existing);
+    EXPECT_TRUE(file->write("12") && file->cutHere() && file->close());
+    EXPECT_EQ(files.readWhole(path), "12");
+    file = files.openForWriting(path, OsOpen::Truncate);
+    EXPECT_TRUE(file->close());
+    EXPECT_EQ(files.readWhole(path), "");
+    const std::string big(300'000, '\0');
+    folder.write("big", big);
+    EXPECT_EQ(files.readWhole(folder.path("big")), big);
+    EXPECT_EQ(files.readWhole(folder.path("none")), std::nullopt);
+    EXPECT_EQ(files.readWhole(folder.path()), std::nullopt);
+    EXPECT_EQ(files.openForWriting(folder.path(), OsOpen::Existing), nullptr);
+    EXPECT_EQ(files.openStream(folder.path(), "rb"), nullptr);
+}
+
+TEST_F(OsFilesTest, RenamesAndReplaces) {
+    const std::string a = folder.write("a", "A"), b = folder.write("b", "B");
+    EXPECT_FALSE(files.renameNew(a, b)) << "never over an existing file";
+    EXPECT_EQ(folder.read("b"), "B");
+    EXPECT_TRUE(files.renameNew(a, folder.path("c")));
+    EXPECT_FALSE(files.replaceFile(folder.path("none"), b)) << "there must be a target";
+    EXPECT_FALSE(files.replaceFile(b, folder.path("none")));
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"b", "c"}));
+    EXPECT_TRUE(files.replaceFile(b, folder.path("c")));
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"b"});
+    EXPECT_EQ(folder.read("b"), "A");
+    EXPECT_TRUE(files.deleteFile(b));
+    EXPECT_FALSE(files.deleteFile(b));
+}
+
+TEST_F(OsFilesTest, AFakeTakesTheDisksPlace) {
+    {
+        const test::FaultyOsFiles fake(test::FaultyOsFiles::nth(2));
+        EXPECT_EQ(&osFiles(), static_cast<const OsFiles*>(&fake));
+        EXPECT_TRUE(osFiles().exists(folder.path()));
+        EXPECT_FALSE(osFiles().exists(folder.path()));
+        EXPECT_TRUE(osFiles().exists(folder.path()));
+    }
+    EXPECT_EQ(&osFiles(), &systemFiles());
+}
+
+}  // namespace
