@@ -1,0 +1,250 @@
+#include "xml/XMLConvert.h"
+
+#include "xml/PlatformCharset.h"
+#include "xml/XMLEncoding.h"
+
+namespace zoka {
+namespace {
+
+struct Range {
+    char32_t first, last;
+};
+
+bool inRanges(char32_t c, const Range* range, const Range* end) {
+    while (range != end && c > range->last) ++range;
+    return range != end && c >= range->first;
+}
+
+// Beyond ASCII, in ascending order.
+constexpr Range kNameStart[] = {
+    {0xc0, 0xd6},     {0xd8, 0xf6},     {0xf8, 0x2ff},    {0x370, 0x37d},
+    {0x37f, 0x1fff},  {0x200c, 0x200d}, {0x2070, 0x218f}, {0x2c00, 0x2fef},
+    {0x3001, 0xd7ff}, {0xf900, 0xfdcf}, {0xfdf0, 0xfffd}, {0x10000, 0xeffff},
+};
+constexpr Range kNameMore[] = {{0xb7, 0xb7}, {0x300, 0x36f}, {0x203f, 0x2040}};
+
+// Windows-1252 from 80 to 9F hex; the rest is as in Unicode. The five bytes without a character mean the
+// control characters of the same number, as they do on Windows.
+constexpr char16_t kWindows1252[32] = {
+    0x20ac, 0x0081, 0x201a, 0x0192, 0x201e, 0x2026, 0x2020, 0x2021, 0x02c6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008d, 0x017d, 0x008f, 0x0090, 0x2018, 0x2019, 0x201c, 0x201d, 0x2022,
+    0x2013, 0x2014, 0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0x009d, 0x017e, 0x0178,
+};
+
+std::string lower(std::string_view text) {
+    std::string result(text);
+    for (char& c : result)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    return result;
+}
+
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+// The encoding that the declaration at the start names, in lower case; empty without one. Whether the
+// declaration is right is the parser's affair.
+std::string declaredEncoding(std::string_view text) {
+    if (!text.starts_with("<?xml") || text.size() < 6 || !isBlank(text[5])) return {};
+    text = text.substr(0, text.find("?>"));
+    std::size_t at = text.find("encoding");
+    if (at == text.npos) return {};
+    at += 8;
+    while (at < text.size() && isBlank(text[at])) ++at;
+    if (at == text.size() || text[at] != '=') return {};
+    ++at;
+    while (at < text.size() && isBlank(text[at])) ++at;
+    if (at == text.size() || (text[at] != '"' && text[at] != '\'')) return {};
+    const std::size_t end = text.find(text[at], at + 1);
+    return end == text.npos ? std::string() : lower(text.substr(at + 1, end - at - 1));
+}
+
+// Appends characters to a text in the process's set.
+class Output {
+public:
+    explicit Output(XMLDecoded& result) : result_(result), utf8_(xmlCharset() == XMLCharset::Utf8) {
+        result_.converted = true;
+    }
+    void put(char32_t c) {
+        if (!result_.ok) return;
+        if (utf8_ || c < 0x80) {
+            appendUtf8(result_.text, c);
+            return;
+        }
+        std::u16string unit;
+        appendUtf16(unit, c);
+        if (!appendPlatform(result_.text, unit)) result_.ok = false;
+    }
+    void fail() { result_.ok = false; }
+
+private:
+    XMLDecoded& result_;
+    const bool utf8_;
+};
+
+XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian) {
+    XMLDecoded result;
+    Output out(result);
+    const auto unit = [&](std::size_t i) {
+        const auto a = static_cast<unsigned char>(bytes[i]), b = static_cast<unsigned char>(bytes[i + 1]);
+        return static_cast<char32_t>(bigEndian ? a << 8 | b : b << 8 | a);
+    };
+    std::size_t i = 2;
+    for (; result.ok && i + 1 < bytes.size(); i += 2) {
+        char32_t c = unit(i);
+        if (c >= 0xd800 && c < 0xe000) {
+            const char32_t low = c < 0xdc00 && i + 3 < bytes.size() ? unit(i + 2) : 0;
+            if (low < 0xdc00 || low > 0xdfff) {
+                out.fail();
+                return result;
+            }
+            c = 0x10000 + ((c - 0xd800) << 10) + (low - 0xdc00);
+            i += 2;
+        }
+        out.put(c);
+    }
+    if (result.ok && i != bytes.size()) out.fail();
+    const std::string declared = declaredEncoding(result.text);
+    if (result.ok && !declared.empty() && !declared.starts_with("utf-16") && !declared.starts_with("utf16") &&
+        !declared.starts_with("iso-10646-ucs-2") && !declared.starts_with("ucs-2")) {
+        out.fail();
+        result.text.clear();
+    }
+    return result;
+}
+
+XMLDecoded decodeUtf8(std::string_view bytes, std::size_t skip) {
+    XMLDecoded result;
+    Output out(result);
+    const char* p = bytes.data() + skip;
+    const char* const end = bytes.data() + bytes.size();
+    while (result.ok && p < end) {
+        char32_t c = 0;
+        const unsigned length = utf8Sequence(p, c);
+        if (length == 0)
+            out.fail();
+        else
+            out.put(c);
+        p += length;
+    }
+    return result;
+}
+
+XMLDecoded decodeLatin(std::string_view bytes, bool windows) {
+    XMLDecoded result;
+    Output out(result);
+    for (const char byte : bytes) {
+        const auto c = static_cast<unsigned char>(byte);
+        out.put(windows ? char32_t{windows1252(c)} : char32_t{c});
+    }
+    return result;
+}
+
+XMLDecoded refused() {
+    XMLDecoded result;
+    result.ok = false;
+    return result;
+}
+
+}  // namespace
+
+char16_t windows1252(unsigned char byte) {
+    return byte >= 0x80 && byte < 0xa0 ? kWindows1252[byte - 0x80] : char16_t{byte};
+}
+
+char* putUtf8(char* out, char32_t c) {
+    const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
+    if (c < 0x80) {
+        put(c);
+    } else if (c < 0x800) {
+        put(0xc0 | c >> 6);
+        put(0x80 | (c & 0x3f));
+    } else if (c < 0x10000) {
+        put(0xe0 | c >> 12);
+        put(0x80 | (c >> 6 & 0x3f));
+        put(0x80 | (c & 0x3f));
+    } else {
+        put(0xf0 | c >> 18);
+        put(0x80 | (c >> 12 & 0x3f));
+        put(0x80 | (c >> 6 & 0x3f));
+        put(0x80 | (c & 0x3f));
+    }
+    return out;
+}
+
+void appendUtf8(std::string& out, char32_t c) {
+    char bytes[4];
+    out.append(bytes, putUtf8(bytes, c));
+}
+
+void appendUtf16(std::u16string& out, char32_t c) {
+    if (c < 0x10000) {
+        out += static_cast<char16_t>(c);
+        return;
+    }
+    out += static_cast<char16_t>(0xd800 + ((c - 0x10000) >> 10));
+    out += static_cast<char16_t>(0xdc00 + (c & 0x3ff));
+}
+
+std::string utf8FromUtf16(std::u16string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t c = text[i];
+        if (c >= 0xd800 && c < 0xe000) {
+            const char32_t low = c < 0xdc00 && i + 1 < text.size() ? text[i + 1] : 0;
+            if (low >= 0xdc00 && low < 0xe000) {
+                c = 0x10000 + ((c - 0xd800) << 10) + (low - 0xdc00);
+                ++i;
+            } else {
+                c = 0xfffd;
+            }
+        }
+        appendUtf8(result, c);
+    }
+    return result;
+}
+
+bool isUtf8(const char* text) {
+    while (*text) {
+        char32_t c = 0;
+        const unsigned length = utf8Sequence(text, c);
+        if (length == 0) return false;
+        text += length;
+    }
+    return true;
+}
+
+bool isXmlNameStart(char32_t c) {
+    if (c < 0x80) return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+    return inRanges(c, std::begin(kNameStart), std::end(kNameStart));
+}
+
+bool isXmlNameChar(char32_t c) {
+    if (c < 0x80) return isXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    return isXmlNameStart(c) || inRanges(c, std::begin(kNameMore), std::end(kNameMore));
+}
+
+XMLDecoded decodeXmlFile(std::string_view bytes) {
+    const bool utf8 = xmlCharset() == XMLCharset::Utf8;
+    if (!xmlCharsetGuessing()) return {};
+    if (bytes.starts_with("\xff\xfe")) return decodeUtf16(bytes, false);
+    if (bytes.starts_with("\xfe\xff")) return decodeUtf16(bytes, true);
+    const std::size_t skip = bytes.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
+    const std::string declared = declaredEncoding(bytes.substr(skip));
+    const bool declaredUtf8 = declared.starts_with("utf-8") || declared.starts_with("utf8");
+    // Eight-bit bytes can't be UTF-16, nor bytes with the mark of UTF-8 anything else.
+    if (declared.starts_with("utf-16")) return refused();
+    if (skip && !declared.empty() && !declaredUtf8) return refused();
+    if (!utf8) {
+        if (skip || declaredUtf8) return decodeUtf8(bytes, skip);
+    } else if (declared == "iso-8859-1" || declared == "latin1") {
+        return decodeLatin(bytes, false);
+    } else if (declared == "windows-1252" || declared == "cp1252") {
+        return decodeLatin(bytes, true);
+    }
+    XMLDecoded result;
+    result.skip = skip;
+    return result;
+}
+
+}  // namespace zoka

@@ -1,0 +1,68 @@
+// Bytes and characters: UTF-8, UTF-16, the platform's set, and what a file's bytes become in memory. Internal
+// to this folder.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zoka {
+
+// Length of the UTF-8 sequence at `p`, 0 when it is malformed (cut off, overlong, a surrogate, above 10FFFF);
+// the character goes to `c`. The text must end with a 0.
+inline unsigned utf8Sequence(const char* p, char32_t& c) {
+    const auto byte = [p](int i) { return static_cast<unsigned char>(p[i]); };
+    const auto trail = [&byte](int i) { return (byte(i) & 0xc0) == 0x80; };
+    const auto bits = [&byte](int i) { return char32_t{byte(i)} & 0x3f; };
+    const char32_t lead = byte(0);
+    if (lead < 0x80) {
+        c = lead;
+        return 1;
+    }
+    if (lead < 0xc2 || lead > 0xf4 || !trail(1)) return 0;
+    if (lead < 0xe0) {
+        c = (lead & 0x1f) << 6 | bits(1);
+        return 2;
+    }
+    if (!trail(2)) return 0;
+    if (lead < 0xf0) {
+        c = (lead & 0x0f) << 12 | bits(1) << 6 | bits(2);
+        return c < 0x800 || (c >= 0xd800 && c < 0xe000) ? 0 : 3;
+    }
+    if (!trail(3)) return 0;
+    c = (lead & 0x07) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
+    return c < 0x10000 || c > 0x10ffff ? 0 : 4;
+}
+
+// Writes the character in UTF-8 at `out` (up to 4 bytes); gives the place behind it.
+char* putUtf8(char* out, char32_t c);
+void appendUtf8(std::string& out, char32_t c);
+void appendUtf16(std::u16string& out, char32_t c);
+// UTF-16 to UTF-8; lone surrogates become U+FFFD.
+std::string utf8FromUtf16(std::u16string_view text);
+bool isUtf8(const char* text);
+// The character of a byte of the Windows-1252 set.
+char16_t windows1252(unsigned char byte);
+
+// Whether XML 1.0 allows the character in a document at all.
+inline bool isXmlChar(char32_t c) {
+    if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
+    return c < 0xd800 || (c >= 0xe000 && c < 0xfffe) || (c >= 0x10000 && c <= 0x10ffff);
+}
+bool isXmlNameStart(char32_t c);
+bool isXmlNameChar(char32_t c);
+
+inline constexpr std::string_view kUtf8Mark = "\xef\xbb\xbf";
+
+// A file's bytes in the process's character set.
+struct XMLDecoded {
+    // False: cannot be converted; `text` holds what comes before the first character that can't.
+    bool ok = true;
+    // True: `text` is the file's text. False: the file's own bytes are, from `skip` on.
+    bool converted = false;
+    std::string text;
+    std::size_t skip = 0;
+};
+// `bytes` must be followed by a 0.
+XMLDecoded decodeXmlFile(std::string_view bytes);
+
+}  // namespace zoka

@@ -1,0 +1,78 @@
+#include "xml/XMLEncoding.h"
+
+#include <algorithm>
+
+#include "xml/PlatformCharset.h"
+#include "xml/XMLConvert.h"
+#include "xml/XMLNames.h"
+
+namespace zoka {
+namespace {
+
+constexpr std::size_t kGuessBytes = 200;
+constexpr std::size_t kFewestBytes = 25;
+
+XMLCharset theCharset = XMLCharset::Utf8;
+bool guessing = true;
+
+bool sequencesAreUtf8(std::string_view head) {
+    for (std::size_t i = 0; i < head.size();) {
+        const auto lead = static_cast<unsigned char>(head[i++]);
+        if (lead < 0x80) continue;
+        if (lead < 0xc0 || lead >= 0xf8) return false;
+        for (int trails = lead < 0xe0 ? 1 : lead < 0xf0 ? 2 : 3; trails > 0; --trails, ++i) {
+            // A sequence that the limit cuts is no violation.
+            if (i == head.size()) return i == kGuessBytes;
+            if ((static_cast<unsigned char>(head[i]) & 0xc0) != 0x80) return false;
+        }
+    }
+    return true;
+}
+
+bool startsWithFolded(std::string_view text, std::string_view lowerCase) {
+    if (text.size() < lowerCase.size()) return false;
+    return std::equal(lowerCase.begin(), lowerCase.end(), text.begin(),
+                      [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + 32 : b); });
+}
+
+}  // namespace
+
+XMLCharset xmlCharset() {
+    return theCharset;
+}
+void setXmlCharset(XMLCharset charset) {
+    theCharset = charset;
+}
+bool xmlCharsetGuessing() {
+    return guessing;
+}
+void setXmlCharsetGuessing(bool on) {
+    guessing = on;
+}
+
+const bool* xmlLeadBytes() {
+    return theCharset == XMLCharset::Utf8 ? nullptr : platformLeadBytes();
+}
+
+bool guessUtf8(std::string_view bytes) {
+    const std::string_view head = bytes.substr(0, kGuessBytes);
+    if (head.size() < kFewestBytes) return false;
+    if (head.starts_with("\xff\xfe") || head.starts_with("\xfe\xff") || head[0] == 0 || head[1] == 0)
+        return false;
+    if (head.starts_with(kUtf8Mark)) return true;
+    if (!sequencesAreUtf8(head)) return false;
+
+    std::size_t at = head.find("encoding");
+    if (at == head.npos) return true;
+    const auto skipBlanks = [&] { at = std::min(head.find_first_not_of(" \t\r\n", at), head.size()); };
+    at += 8;
+    skipBlanks();
+    if (at == head.size() || head[at] != '=') return true;
+    ++at;
+    skipBlanks();
+    if (at == head.size() || (head[at] != '"' && head[at] != '\'')) return true;
+    const std::string_view value = head.substr(at + 1);
+    return startsWithFolded(value, "utf-8") || startsWithFolded(value, "utf8");
+}
+
+}  // namespace zoka

@@ -1,0 +1,299 @@
+#include "xml/XMLNode.h"
+
+#include "xml/XMLTree.h"
+#include "xml/XMLWriter.h"
+
+using zoka::XMLCursor;
+using zoka::XMLCursorKind;
+using zoka::XMLCursors;
+using zoka::XMLDocument;
+using zoka::XMLElement;
+using zoka::XMLItem;
+using zoka::XMLItemKind;
+using zoka::XMLName;
+using zoka::XMLTextItem;
+
+namespace {
+
+// Calls `visit(item)` for the items from `first` round to the last one until it gives true; gives that item.
+template <class Visit>
+const XMLItem* findItem(const XMLElement* owner, const XMLItem* first, Visit visit) {
+    for (const XMLItem* item = first; item; item = item == owner->lastItem ? nullptr : item->next)
+        if (visit(item)) return item;
+    return nullptr;
+}
+
+bool isChild(const XMLItem* item, const XMLName* name) {
+    if (item->kind != XMLItemKind::Element) return false;
+    if (!name) return true;
+    const auto* element = static_cast<const XMLElement*>(item);
+    return name->matches(element->key, element->name);
+}
+
+bool isClear(const XMLItem* item) {
+    return item->kind != XMLItemKind::Element && item->kind != XMLItemKind::Text;
+}
+
+const XMLItem* after(const XMLElement* owner, const XMLItem* item) {
+    return item == owner->lastItem ? nullptr : item->next;
+}
+
+// Item number `index` of those that `counts` says count, starting from a remembered place where there is one.
+// `name`, where not null, is the name of every item that counts.
+template <class Counts>
+const XMLItem* itemAt(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index,
+                      Counts counts) {
+    if (index < 0) return nullptr;
+    XMLCursors& cursors = XMLDocument::of(owner)->cursors;
+    const XMLItem* item = owner->firstItem();
+    int left = index;
+    if (const XMLCursor* place = cursors.find(owner, kind, name, index)) {
+        item = place->item;
+        left -= place->index;
+    }
+    item = findItem(owner, item, [&](const XMLItem* one) { return counts(one) && left-- == 0; });
+    if (item) cursors.remember(owner, {item, index, kind}, name);
+    return item;
+}
+
+template <class Counts>
+int countItems(const XMLElement* owner, Counts counts) {
+    int count = 0;
+    findItem(owner, owner->firstItem(), [&](const XMLItem* item) {
+        count += counts(item);
+        return false;
+    });
+    return count;
+}
+
+XMLElement* elementOf(const XMLItem* item) {
+    return static_cast<XMLElement*>(const_cast<XMLItem*>(item));
+}
+
+}  // namespace
+
+const XMLNode& XMLNode::emptyNode() {
+    static const XMLNode empty;
+    return empty;
+}
+
+XMLNode& XMLNode::operator=(const XMLNode& other) {
+    if (this != &other) {
+        if (other.element_) other.retain();
+        if (element_) release();
+        element_ = other.element_;
+    }
+    return *this;
+}
+
+XMLNode& XMLNode::operator=(XMLNode&& other) noexcept {
+    if (this != &other) {
+        if (element_) release();
+        element_ = other.element_;
+        other.element_ = nullptr;
+    }
+    return *this;
+}
+
+void XMLNode::retain() const {
+    if (element_) ++XMLDocument::of(element_)->handles;
+}
+
+void XMLNode::release() const {
+    XMLDocument* document = XMLDocument::of(element_);
+    if (--document->handles == 0) delete document;
+}
+
+XMLNode XMLNode::createTop(const char* name, bool isDeclaration) {
+    auto document = std::make_unique<XMLDocument>();
+    XMLElement* element = document->newElement();
+    if (name) {
+        element->name = document->copyString(name);
+        element->key = zoka::xmlNameKey(name);
+    }
+    element->isDeclaration = isDeclaration;
+    XMLNode node(element);
+    (void)document.release();  // the node's now
+    return node;
+}
+
+XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
+    if (!element_ || !name) return {};
+    XMLDocument* document = XMLDocument::of(element_);
+    const char* ownName = document->copyString(name);
+    XMLElement* child = document->newElement();
+    child->name = ownName;
+    child->key = zoka::xmlNameKey(name);
+    child->isDeclaration = isDeclaration;
+    child->parent = element_;
+    XMLDocument::append(element_, child);
+    return XMLNode(child);
+}
+
+void XMLNode::addAttribute(const char* name, const char* value) {
+    if (element_ && name) XMLDocument::of(element_)->addAttribute(element_, name, value);
+}
+
+void XMLNode::addText(const char* text) {
+    if (element_ && text && *text) XMLDocument::of(element_)->addText(element_, text);
+}
+
+const char* XMLNode::getName() const {
+    return element_ ? element_->name : nullptr;
+}
+
+bool XMLNode::isDeclaration() const {
+    return element_ && element_->isDeclaration;
+}
+
+XMLNode XMLNode::getParent() const {
+    return XMLNode(element_ ? element_->parent : nullptr);
+}
+
+int XMLNode::childCount() const {
+    if (!element_) return 0;
+    return countItems(element_, [](const XMLItem* item) { return isChild(item, nullptr); });
+}
+
+int XMLNode::childCount(const char* tag) const {
+    if (!element_ || !tag) return 0;
+    const XMLName name(tag);
+    return countItems(element_, [&](const XMLItem* item) { return isChild(item, &name); });
+}
+
+XMLNode XMLNode::getChild(int index) const {
+    if (!element_) return {};
+    return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Any, nullptr, index,
+                                    [](const XMLItem* item) { return isChild(item, nullptr); })));
+}
+
+XMLNode XMLNode::getChild(const char* tag, int index) const {
+    if (!element_ || !tag) return {};
+    const XMLName name(tag);
+    return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Named, &name, index,
+                                    [&](const XMLItem* item) { return isChild(item, &name); })));
+}
+
+XMLNode XMLNode::getChild(const char* tag, int* position) const {
+    if (!element_ || !position || *position < 0) return {};
+    XMLCursors& cursors = XMLDocument::of(element_)->cursors;
+    const XMLName wanted(tag ? tag : "");
+    const XMLName* name = tag ? &wanted : nullptr;
+    const XMLCursorKind kind = tag ? XMLCursorKind::Position : XMLCursorKind::Any;
+    const XMLItem* item = element_->firstItem();
+    int at = 0;  // of `item`, counting children
+    // The place remembered is that of the child found last, one in front of *position.
+    if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
+        item = place->item;
+        at = place->index;
+    }
+    item = findItem(element_, item, [&](const XMLItem* one) {
+        if (!isChild(one, nullptr)) return false;
+        if (at >= *position && isChild(one, name)) return true;
+        ++at;
+        return false;
+    });
+    if (!item) return {};
+    cursors.remember(element_, {item, at, kind}, name);
+    *position = at + 1;
+    return XMLNode(elementOf(item));
+}
+
+XMLNode XMLNode::firstChild(const char* tag) const {
+    if (!element_) return {};
+    const XMLName wanted(tag ? tag : "");
+    const XMLName* name = tag ? &wanted : nullptr;
+    return XMLNode(elementOf(
+        findItem(element_, element_->firstItem(), [&](const XMLItem* item) { return isChild(item, name); })));
+}
+
+XMLNode XMLNode::nextSibling(const char* tag) const {
+    if (!element_ || !element_->parent) return {};
+    const XMLName wanted(tag ? tag : "");
+    const XMLName* name = tag ? &wanted : nullptr;
+    const XMLElement* parent = element_->parent;
+    return XMLNode(elementOf(
+        findItem(parent, after(parent, element_), [&](const XMLItem* item) { return isChild(item, name); })));
+}
+
+const char* XMLNode::getAttribute(const char* name, int* position) const {
+    if (!element_ || !name) return nullptr;
+    const XMLName wanted(name);
+    const int start = position ? *position : 0;
+    const auto count = static_cast<int>(element_->attributeCount);
+    for (int i = start < 0 ? count : start; i < count; ++i) {
+        const zoka::XMLAttribute& attribute = element_->attributes[i];
+        if (!wanted.matches(attribute.key, attribute.name)) continue;
+        if (position) *position = i + 1;
+        return attribute.value;
+    }
+    return nullptr;
+}
+
+bool XMLNode::hasAttribute(const char* name) const {
+    int position = 0;
+    getAttribute(name, &position);
+    return position > 0;
+}
+
+int XMLNode::attributeCount() const {
+    return element_ ? static_cast<int>(element_->attributeCount) : 0;
+}
+
+XMLAttributeView XMLNode::getAttributeAt(int index) const {
+    if (index < 0 || index >= attributeCount()) return {};
+    return {element_->attributes[index].name, element_->attributes[index].value};
+}
+
+const char* XMLNode::getText(int index) const {
+    if (!element_) return nullptr;
+    if (element_->text && index-- == 0) return element_->text;
+    const XMLItem* item = itemAt(element_, XMLCursorKind::Text, nullptr, index,
+                                 [](const XMLItem* one) { return one->kind == XMLItemKind::Text; });
+    return item ? static_cast<const XMLTextItem*>(item)->value : nullptr;
+}
+
+int XMLNode::textCount() const {
+    if (!element_) return 0;
+    const int listed =
+        countItems(element_, [](const XMLItem* item) { return item->kind == XMLItemKind::Text; });
+    return listed + (element_->text ? 1 : 0);
+}
+
+XMLClearView XMLNode::getClear(int index) const {
+    if (!element_) return {};
+    const XMLItem* item = itemAt(element_, XMLCursorKind::Clear, nullptr, index, isClear);
+    if (!item) return {};
+    const zoka::XMLClearTags tags = zoka::clearTags(item->kind);
+    return {static_cast<const XMLTextItem*>(item)->value, tags.open, tags.close};
+}
+
+int XMLNode::clearCount() const {
+    return element_ ? countItems(element_, isClear) : 0;
+}
+
+std::vector<int> XMLNode::order() const {
+    std::vector<int> entries;
+    if (!element_) return entries;
+    for (int i = 0; i < attributeCount(); ++i) entries.push_back(i * 4 + kXmlAttribute);
+    int children = 0, texts = 0, clears = 0;
+    if (element_->text) entries.push_back(texts++ * 4 + kXmlText);
+    findItem(element_, element_->firstItem(), [&](const XMLItem* item) {
+        if (item->kind == XMLItemKind::Element)
+            entries.push_back(children++ * 4 + kXmlChild);
+        else if (item->kind == XMLItemKind::Text)
+            entries.push_back(texts++ * 4 + kXmlText);
+        else
+            entries.push_back(clears++ * 4 + kXmlClear);
+        return false;
+    });
+    return entries;
+}
+
+char* XMLNode::toText(bool formatted, int* length) const {
+    if (length) *length = 0;
+    if (!element_) return nullptr;
+    zoka::XMLText text = zoka::writeXml(element_, formatted);
+    if (length) *length = static_cast<int>(text.length);
+    return text.bytes.release();
+}

@@ -1,0 +1,163 @@
+// The one growing buffer that a tree is written into. Internal to this folder.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string_view>
+
+#include "xml/XMLScan.h"
+#include "xml/XMLWriter.h"
+
+namespace zoka {
+
+// All of these throw std::bad_alloc. "Padded" strings are the tree's own, which may be read past their end.
+class XMLOutput {
+public:
+    void put(std::string_view text) {
+        make(text.size());
+        std::memcpy(at_, text.data(), text.size());
+        at_ += text.size();
+    }
+    void put(char c) {
+        make(1);
+        *at_++ = c;
+    }
+    void put(char c, std::size_t count) {
+        make(count);
+        std::memset(at_, c, count);
+        at_ += count;
+    }
+    // A padded name, or anything else that stands as it is.
+    void putRaw(const char* text) {
+        copy(text, [](auto v) { return stopsRaw(v); });
+    }
+    // An attribute's padded value, between its quotes.
+    void putValue(const char* text) {
+        for (;; ++text) {
+            text = copy(text, [](auto v) { return stopsValue(v); });
+            if (*text == 0) return;
+            putReference(*text);
+        }
+    }
+    // An element's padded text. White space at its ends is written as references, or readers would drop it.
+    void putText(const char* text) {
+        if (isXmlBlank(*text)) putReference(*text++);
+        const std::size_t start = size();
+        for (;; ++text) {
+            text = copy(text, [](auto v) { return stopsText(v); });
+            if (*text == 0) break;
+            putReference(*text);
+        }
+        if (size() > start && isXmlBlank(at_[-1])) putReference(*--at_);
+    }
+
+    std::size_t size() const { return static_cast<std::size_t>(at_ - buffer_.get()); }
+
+    // Ends the text and hands it out; without what was asked for in vain.
+    XMLText take() {
+        put('\0');
+        XMLText result;
+        result.length = size() - 1;
+        char* fitted = static_cast<char*>(std::realloc(buffer_.get(), size()));
+        if (!fitted) fitted = buffer_.get();
+        (void)buffer_.release();
+        result.bytes.reset(fitted);
+        at_ = limit_ = nullptr;
+        return result;
+    }
+
+private:
+    static constexpr std::size_t kFirst = 1024;
+
+#if defined(__SSE2__)
+    static __m128i stopsRaw(__m128i v) {
+        return scan::equal(v, 0);
+    }
+    static __m128i stopsValue(__m128i v) {
+        using namespace scan;
+        const __m128i controls = odd<false>(v);  // the end, and tab, LF and CR: the tree holds no other
+        return either(either(controls, equal(v, '"')), either(equal(v, '<'), equal(v, '&')));
+    }
+    static __m128i stopsText(__m128i v) {
+        using namespace scan;
+        const __m128i markup = either(either(equal(v, '<'), equal(v, '>')), equal(v, '&'));
+        return either(markup, either(equal(v, 0), equal(v, '\r')));
+    }
+    // Copies up to where `stops` says so; gives that place.
+    template <class Stops>
+    const char* copy(const char* text, Stops stops) {
+        for (;;) {
+            make(16);
+            const __m128i bytes = scan::load(text);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(at_), bytes);
+            const auto mask = static_cast<unsigned>(_mm_movemask_epi8(stops(bytes)));
+            const int length = mask ? std::countr_zero(mask) : 16;
+            at_ += length;
+            text += length;
+            if (mask) return text;
+        }
+    }
+#else
+    static bool stopsRaw(char c) {
+        return c == 0;
+    }
+    static bool stopsValue(char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '<' || c == '&';
+    }
+    static bool stopsText(char c) {
+        return c == 0 || c == '\r' || c == '<' || c == '>' || c == '&';
+    }
+    template <class Stops>
+    const char* copy(const char* text, Stops stops) {
+        const char* end = text;
+        while (!stops(*end)) ++end;
+        put({text, static_cast<std::size_t>(end - text)});
+        return end;
+    }
+#endif
+
+    void putReference(char c) {
+        switch (c) {
+            case '<':
+                return put("&lt;");
+            case '>':
+                return put("&gt;");
+            case '&':
+                return put("&amp;");
+            case '"':
+                return put("&quot;");
+            case '\t':
+                return put("&#9;");
+            case '\n':
+                return put("&#10;");
+            case '\r':
+                return put("&#13;");
+            default:
+                return put("&#32;");
+        }
+    }
+    void make(std::size_t bytes) {
+        if (static_cast<std::size_t>(limit_ - at_) < bytes) grow(bytes);
+    }
+    void grow(std::size_t bytes) {
+        const std::size_t used = size();
+        std::size_t room = static_cast<std::size_t>(limit_ - buffer_.get());
+        room = room ? room * 2 : kFirst;
+        if (room < used + bytes) room = used + bytes;
+        auto* larger = static_cast<char*>(std::realloc(buffer_.get(), room));
+        if (!larger) throw std::bad_alloc();
+        (void)buffer_.release();
+        buffer_.reset(larger);
+        at_ = larger + used;
+        limit_ = larger + room;
+    }
+
+    std::unique_ptr<char, XMLFree> buffer_;
+    char* at_ = nullptr;
+    char* limit_ = nullptr;
+};
+
+}  // namespace zoka

@@ -1,0 +1,528 @@
+#include "xml/XMLParser.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <unordered_set>
+
+#include "xml/XMLConvert.h"
+#include "xml/XMLNode.h"
+#include "xml/XMLPosition.h"
+#include "xml/XMLReferences.h"
+#include "xml/XMLScan.h"
+
+namespace zoka {
+namespace {
+
+// Every step takes the place where it starts and gives the one where it ended, or null after an error. Places
+// are handed on and not kept in the object, so that they stay in registers.
+template <bool Utf8>
+class Parser {
+public:
+    Parser(XMLDocument& document, XMLElement* root, char* text, std::size_t size)
+        : document_(document), root_(root), begin_(text), end_(text + size), position_(text, Utf8) {}
+
+    XMLElement* parse(const char* tag, XMLResults& results);
+
+private:
+    char* fail(XMLErrorCode code, const char* place) {
+        code_ = code;
+        place_ = place;
+        return nullptr;
+    }
+    // For what may not stand at `place`; at the end that the text is cut off there.
+    char* unexpected(char* place) {
+        if (place == end_ && current_ != root_) return fail(kXmlMissingEndTag, place);
+        if (place == end_) return fail(kXmlInvalidTag, place);
+        char32_t c = 0;
+        return fail(Utf8 && utf8Sequence(place, c) == 0 ? kXmlCannotConvert : kXmlUnexpectedToken, place);
+    }
+    // Past one character from 80 hex on, or a control character, which is an error.
+    char* oddCharacter(char* p) {
+        char32_t c = 0;
+        const unsigned length = hasClass(*p, kCharHigh) ? utf8Sequence(p, c) : 0;
+        return length && isXmlChar(c) ? p + length : unexpected(p);
+    }
+    // The end of the name at `p`; `p` itself when none starts there.
+    char* nameEnd(char* p);
+    // Past the reference at `p`.
+    char* reference(char* p);
+    // The place of `close` at or after `p`, when only allowed characters stand between. `opening` is blamed
+    // when there is none.
+    char* findClose(char* p, std::string_view close, char* opening);
+
+    char* declaration(char* p);
+    char* content(char* p);
+    char* text(char* p);
+    char* startTag(char* p);
+    char* value(char* p, char quote);
+    bool isDouble(const char* name, std::size_t length, std::uint64_t key);
+    char* endTag(char* p);
+    char* exclamation(char* p);
+    char* comment(char* p);
+    char* cdata(char* p);
+    char* doctype(char* p);
+    char* instruction(char* p);
+
+    XMLElement* newElement(char* name, std::size_t length) {
+        XMLElement* element = document_.newElement();
+        element->key = xmlNameKey(name, length);
+        element->name = name;
+        element->parent = current_;
+        XMLDocument::append(current_, element);
+        return element;
+    }
+    void newClear(const char* value, XMLItemKind kind) {
+        XMLDocument::append(current_, document_.newTextItem(kind, value));
+        if (kind == XMLItemKind::CData) current_->holdsText = true;
+    }
+    void keepAttributes(XMLElement* element) {
+        const std::size_t size = attributes_.size() * sizeof(XMLAttribute);
+        if (size == 0) return;
+        element->attributes =
+            static_cast<XMLAttribute*>(std::memcpy(document_.allocate(size), attributes_.data(), size));
+        element->attributeCount = static_cast<std::uint32_t>(attributes_.size());
+    }
+
+    XMLDocument& document_;
+    XMLElement* const root_;
+    char* const begin_;
+    char* const end_;
+    XMLElement* current_ = root_;
+    XMLElement* top_ = nullptr;
+    bool doctypeSeen_ = false;
+    XMLPosition position_;
+    XMLErrorCode code_ = kXmlNone;
+    const char* place_ = nullptr;
+    XMLPosition::Place topPlace_{0, 0};
+    // Of the tag being read.
+    std::vector<XMLAttribute> attributes_;
+    std::uint64_t seenKeys_ = 0;
+    std::unordered_set<std::string_view> seenNames_;
+};
+
+template <bool Utf8>
+XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
+    if (skipBlanks(begin_) == end_) {
+        fail(kXmlNoData, nullptr);
+    } else {
+        const bool declared =
+            std::strncmp(begin_, "<?xml", 5) == 0 && (isXmlBlank(begin_[5]) || begin_[5] == '?');
+        char* p = declared ? declaration(begin_) : begin_;
+        if (p && content(p) && !top_) fail(kXmlNoElements, end_);
+    }
+    XMLPosition::Place place{0, 0};
+    if (place_) place = position_.at(place_);
+    if (code_ == kXmlNone && tag && !XMLName(tag).matches(top_->key, top_->name)) {
+        code_ = kXmlFirstTagNotFound;
+        place = topPlace_;
+    }
+    results.code = code_;
+    results.line = place.line;
+    results.column = place.column;
+    return code_ == kXmlNone ? top_ : nullptr;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::nameEnd(char* p) {
+    constexpr unsigned high = Utf8 ? 0 : kCharHigh;
+    char32_t c = 0;
+    if (!hasClass(*p, kCharNameStart | high)) {
+        if (!Utf8 || !hasClass(*p, kCharHigh)) return p;
+        const unsigned length = utf8Sequence(p, c);
+        if (length == 0 || !isXmlNameStart(c)) return p;
+        p += length;
+    }
+    for (;;) {
+        while (hasClass(*p, kCharName | high)) ++p;
+        if (!Utf8 || !hasClass(*p, kCharHigh)) return p;
+        const unsigned length = utf8Sequence(p, c);
+        if (length == 0 || !isXmlNameChar(c)) return p;
+        p += length;
+    }
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::reference(char* p) {
+    char32_t c = 0;
+    char* end = xmlReference(p, c);
+    if (!end) return fail(kXmlUnknownEntity, p);
+    return Utf8 || xmlHasCharacter(c) ? end : fail(kXmlCannotConvert, p);
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::findClose(char* p, std::string_view close, char* opening) {
+    while (p) {
+        p = scanTo<Utf8>(p, close[0]);
+        if (*p == close[0]) {
+            if (std::strncmp(p, close.data(), close.size()) == 0) return p;
+            ++p;
+        } else if (p == end_) {
+            return fail(kXmlUnmatchedClear, opening);
+        } else {
+            p = oddCharacter(p);
+        }
+    }
+    return nullptr;
+}
+
+// <?xml version="1.0" encoding="..." standalone="..."?>, the last two optional.
+template <bool Utf8>
+char* Parser<Utf8>::declaration(char* p) {
+    constexpr std::string_view names[] = {"version", "encoding", "standalone"};
+    constexpr std::size_t all = 3;
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const auto allowed = [&](std::size_t which, std::string_view value) {
+        if (which == 2) return value == "yes" || value == "no";
+        if (which == 0) {
+            if (!value.starts_with("1.") || value.size() < 3) return false;
+            return std::all_of(value.begin() + 2, value.end(), isDigit);
+        }
+        return !value.empty() && hasClass(value[0], kCharNameStart) && value.find(':') == value.npos &&
+               value[0] != '_';
+    };
+
+    if (p[5] == '?') return fail(kXmlInvalidTag, p + 5);
+    position_.end(p + 5);
+    char* q = p + 6;
+    std::size_t next = 0;
+    for (;;) {
+        char* const name = skipBlanks(q);
+        if (name[0] == '?' && name[1] == '>') break;
+        if (name == q && next != 0) return fail(kXmlInvalidTag, q);
+        char* const nameEndsAt = nameEnd(name);
+        const std::string_view word(name, static_cast<std::size_t>(nameEndsAt - name));
+        std::size_t which = next;
+        while (which < all && names[which] != word) ++which;
+        if (which == all || (next == 0 && which != 0)) return fail(kXmlInvalidTag, name);
+        q = skipBlanks(nameEndsAt);
+        if (*q != '=') return fail(kXmlInvalidTag, q);
+        q = skipBlanks(q + 1);
+        const char quote = *q;
+        if (quote != '"' && quote != '\'') return fail(kXmlInvalidTag, q);
+        char* const start = q + 1;
+        for (q = start; hasClass(*q, kCharName);) ++q;
+        if (*q != quote) return q == end_ ? fail(kXmlUnmatchedQuote, start - 1) : fail(kXmlInvalidTag, q);
+        if (!allowed(which, {start, static_cast<std::size_t>(q - start)})) return fail(kXmlInvalidTag, start);
+        position_.end(nameEndsAt);
+        *q++ = 0;
+        attributes_.push_back({xmlNameKey(name, word.size()), name, start});
+        next = which + 1;
+    }
+    if (next == 0) return fail(kXmlInvalidTag, q);
+    XMLElement* element = newElement(p + 2, 3);
+    element->isDeclaration = true;
+    keepAttributes(element);
+    return skipBlanks(q) + 2;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::content(char* p) {
+    while (p) {
+        p = skipBlanks(p);
+        if (*p != '<') {
+            if (current_ != root_) {
+                p = text(p);
+                if (!p) break;
+            } else {
+                if (p == end_) return p;
+                return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
+            }
+        }
+        // A text's terminator may stand in the place of the '<'.
+        switch (p[1]) {
+            case '/':
+                p = endTag(p);
+                break;
+            case '!':
+                p = exclamation(p);
+                break;
+            case '?':
+                p = instruction(p);
+                break;
+            default:
+                p = startTag(p);
+        }
+    }
+    return nullptr;
+}
+
+// Gives the place of the markup behind the text.
+template <bool Utf8>
+char* Parser<Utf8>::text(char* p) {
+    char* const start = p;
+    bool decode = false;
+    for (; p;) {
+        p = scanText<Utf8>(p);
+        const char c = *p;
+        if (c == '<') break;
+        if (c == '&') {
+            p = reference(p);
+            decode = true;
+        } else if (c == '\r') {
+            ++p;
+            decode = true;
+        } else if (c == ']') {
+            if (p[1] == ']' && p[2] == '>') return fail(kXmlUnmatchedClear, p);
+            ++p;
+        } else {
+            p = oddCharacter(p);
+        }
+    }
+    if (!p) return nullptr;
+
+    char* end = p;
+    if (decode) {
+        position_.beforeEdit(start, p);
+        const XMLDecodedRange range = xmlDecode(start, p, false);
+        for (end = range.end; end > range.afterReference && isXmlBlank(end[-1]);) --end;
+        *end = 0;
+        position_.afterEdit(start, p);
+    } else {
+        while (isXmlBlank(end[-1])) --end;
+        position_.end(end);
+    }
+    current_->holdsText = true;
+    if (!current_->lastItem && !current_->text)
+        current_->text = start;
+    else
+        XMLDocument::append(current_, document_.newTextItem(XMLItemKind::Text, start));
+    return p;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::startTag(char* p) {
+    char* const name = p + 1;
+    char* q = nameEnd(name);
+    if (q == name) return name == end_ ? unexpected(name) : fail(kXmlMissingTagName, name);
+    if (current_ == root_ && top_) return fail(kXmlUnexpectedToken, p);
+    char c = *q;
+    if (c != '>' && c != '/' && !isXmlBlank(c)) return unexpected(q);
+    XMLElement* element = newElement(name, static_cast<std::size_t>(q - name));
+    if (current_ == root_) {
+        top_ = element;
+        topPlace_ = position_.at(p);
+    }
+    position_.end(q);
+    attributes_.clear();
+    for (;;) {
+        if (c == '>') {
+            current_ = element;
+            ++q;
+            break;
+        }
+        if (c == '/') {
+            if (q[1] != '>') return unexpected(q + 1);
+            q += 2;
+            break;
+        }
+        if (!isXmlBlank(c)) return unexpected(q);
+        q = skipBlanks(q + 1);
+        c = *q;
+        if (c == '>' || c == '/') continue;
+
+        char* const attribute = q;
+        char* const attributeEnd = nameEnd(attribute);
+        if (attributeEnd == attribute) return unexpected(attribute);
+        q = skipBlanks(attributeEnd);
+        if (*q != '=') return unexpected(q);
+        q = skipBlanks(q + 1);
+        const char quote = *q;
+        if (quote != '"' && quote != '\'') return unexpected(q);
+        const auto length = static_cast<std::size_t>(attributeEnd - attribute);
+        const std::uint64_t key = xmlNameKey(attribute, length);
+        if (isDouble(attribute, length, key)) return fail(kXmlInvalidTag, attribute);
+        position_.end(attributeEnd);
+        attributes_.push_back({key, attribute, q + 1});
+        q = value(q + 1, quote);
+        if (!q) return nullptr;
+        c = *++q;
+    }
+    keepAttributes(element);
+    return q;
+}
+
+// Ends the value and gives the place of its closing quote.
+template <bool Utf8>
+char* Parser<Utf8>::value(char* p, char quote) {
+    char* const start = p;
+    bool decode = false;
+    while (p) {
+        p = scanValue<Utf8>(p, quote);
+        const char c = *p;
+        if (c == quote) break;
+        if (c == '&') {
+            p = reference(p);
+            decode = true;
+        } else if (isXmlBlank(c)) {
+            ++p;
+            decode = true;
+        } else if (p == end_) {
+            return fail(kXmlUnmatchedQuote, start - 1);
+        } else if (c == '<') {
+            return fail(kXmlUnexpectedToken, p);
+        } else {
+            p = oddCharacter(p);
+        }
+    }
+    if (!p) return nullptr;
+    if (decode) {
+        position_.beforeEdit(start, p);
+        *xmlDecode(start, p, true).end = 0;
+        position_.afterEdit(start, p);
+    } else {
+        *p = 0;
+    }
+    return p;
+}
+
+// Whether the tag has an attribute of exactly that name already. Few names share a bit of the sieve, so that
+// the attributes in front are rarely looked at; of a great many the names are kept in a set.
+template <bool Utf8>
+bool Parser<Utf8>::isDouble(const char* name, std::size_t length, std::uint64_t key) {
+    constexpr std::size_t many = 32;
+    if (attributes_.empty()) {
+        seenKeys_ = 0;
+        seenNames_.clear();
+    }
+    if (attributes_.size() >= many) {
+        if (attributes_.size() == many)
+            for (const XMLAttribute& attribute : attributes_) seenNames_.emplace(attribute.name);
+        return !seenNames_.emplace(name, length).second;
+    }
+    const std::uint64_t bit = std::uint64_t{1} << (key * 0x9e3779b97f4a7c15u >> 58);
+    const bool maybe = (seenKeys_ & bit) != 0;
+    seenKeys_ |= bit;
+    if (!maybe) return false;
+    for (const XMLAttribute& attribute : attributes_)
+        if (attribute.key == key && std::strncmp(attribute.name, name, length) == 0 &&
+            attribute.name[length] == 0)
+            return true;
+    return false;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::endTag(char* p) {
+    if (current_ == root_) return fail(top_ ? kXmlUnmatchedEndTag : kXmlFirstNotStartTag, p);
+    char* const name = p + 2;
+    char* q = name;
+    for (const char* open = current_->name;; ++open, ++q) {
+        if (*open == 0 && !hasClass(*q, kCharName | kCharHigh)) break;
+        if (*open == *q) continue;
+        char* const end = nameEnd(name);
+        if (end == end_) return unexpected(end);
+        return end == name ? fail(kXmlMissingEndTagName, name) : fail(kXmlUnmatchedEndTag, p);
+    }
+    q = skipBlanks(q);
+    if (*q != '>') return unexpected(q);
+    current_ = current_->parent;
+    return q + 1;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::exclamation(char* p) {
+    const auto begins = [p](std::string_view text) { return std::strncmp(p, text.data(), text.size()) == 0; };
+    if (begins("<!--")) return comment(p);
+    if (begins("<![CDATA[")) return cdata(p);
+    if (begins("<!DOCTYPE")) return doctype(p);
+    return fail(kXmlInvalidTag, p);
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::comment(char* p) {
+    char* const start = p + 4;
+    char* const close = findClose(start, "--", p);
+    if (!close) return nullptr;
+    if (close[2] != '>') return fail(kXmlUnmatchedClear, close + 2 == end_ ? p : close);
+    *close = 0;
+    newClear(start, XMLItemKind::Comment);
+    return close + 3;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::cdata(char* p) {
+    if (current_ == root_) return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
+    char* const start = p + 9;
+    char* const close = findClose(start, "]]>", p);
+    if (!close) return nullptr;
+    *close = 0;
+    newClear(start, XMLItemKind::CData);
+    return close + 3;
+}
+
+// Kept, not understood: its end is where brackets and inner markup are balanced.
+template <bool Utf8>
+char* Parser<Utf8>::doctype(char* p) {
+    char* const start = p + 9;
+    char* const name = skipBlanks(start);
+    if (current_ != root_ || top_ || doctypeSeen_ || name == start) return fail(kXmlInvalidTag, p);
+    doctypeSeen_ = true;
+    char* q = nameEnd(name);
+    if (q == name) return q == end_ ? fail(kXmlUnmatchedClear, p) : unexpected(q);
+    bool inSubset = false;
+    int open = 0;
+    while (q) {
+        const char c = *q;
+        if (q == end_) return fail(kXmlUnmatchedClear, p);
+        if (c == '"' || c == '\'') {
+            q = findClose(q + 1, {&c, 1}, p);
+            if (q) ++q;
+        } else if (c == '<' && std::strncmp(q, "<!--", 4) == 0) {
+            q = findClose(q + 4, "-->", p);
+            if (q) q += 3;
+        } else if (c == '<' && q[1] == '?') {
+            q = findClose(q + 2, "?>", p);
+            if (q) q += 2;
+        } else if (c == '<') {
+            ++open;
+            ++q;
+        } else if (c == '>' && open > 0) {
+            --open;
+            ++q;
+        } else if (c == '>') {
+            if (inSubset) return unexpected(q);
+            *q = 0;
+            newClear(start, XMLItemKind::Doctype);
+            return q + 1;
+        } else if ((c == '[' || c == ']') && open == 0) {
+            if (inSubset != (c == ']')) return unexpected(q);
+            inSubset = c == '[';
+            ++q;
+        } else {
+            q = isXmlBlank(c) || !hasClass(c, kCharControl | (Utf8 ? kCharHigh : 0)) ? q + 1
+                                                                                     : oddCharacter(q);
+        }
+    }
+    return nullptr;
+}
+
+template <bool Utf8>
+char* Parser<Utf8>::instruction(char* p) {
+    char* const name = p + 2;
+    char* const end = nameEnd(name);
+    if (end == name) return name == end_ ? fail(kXmlUnmatchedClear, p) : fail(kXmlMissingTagName, name);
+    const auto length = static_cast<std::size_t>(end - name);
+    const auto fold = [name](int i) { return name[i] | 0x20; };
+    if (length == 3 && fold(0) == 'x' && fold(1) == 'm' && fold(2) == 'l') return fail(kXmlInvalidTag, p);
+    if (end == end_) return fail(kXmlUnmatchedClear, p);
+    if (!isXmlBlank(*end) && (end[0] != '?' || end[1] != '>')) return unexpected(end);
+    char* const data = skipBlanks(end);
+    char* const close = findClose(data, "?>", p);
+    if (!close) return nullptr;
+    XMLElement* element = newElement(name, length);
+    element->isDeclaration = true;
+    if (close > data) element->text = data;
+    position_.end(end);
+    *close = 0;
+    return close + 2;
+}
+
+}  // namespace
+
+XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, std::size_t size, const char* tag,
+                     XMLResults& results) {
+    if (xmlCharset() == XMLCharset::Utf8) return Parser<true>(document, root, text, size).parse(tag, results);
+    return Parser<false>(document, root, text, size).parse(tag, results);
+}
+
+}  // namespace zoka

@@ -1,0 +1,48 @@
+#include "xml/XMLPosition.h"
+
+namespace zoka {
+namespace {
+
+// Whether a line ends at `p`: LF, CR LF (at its LF) or a CR alone.
+bool endsLine(const char* p) {
+    return *p == '\n' || (*p == '\r' && p[1] != '\n');
+}
+
+int lineEnds(const char* first, const char* last) {
+    int count = 0;
+    for (; first < last; ++first) count += endsLine(first);
+    return count;
+}
+
+}  // namespace
+
+int XMLPosition::characters(const char* first, const char* last) const {
+    if (!utf8_) return static_cast<int>(last - first);
+    int count = 0;
+    for (; first < last; ++first) count += (static_cast<unsigned char>(*first) & 0xc0) != 0x80;
+    return count;
+}
+
+int XMLPosition::columnOf(const char* place) const {
+    const char* p = place;
+    while (p > anchor_)
+        if (endsLine(--p)) return characters(p + 1, place);
+    return anchorColumn_ + characters(anchor_, place);
+}
+
+void XMLPosition::beforeEdit(const char* first, const char* last) {
+    anchorColumn_ = columnOf(last);
+    anchor_ = last;
+    // The byte in front belongs to the line ends counted: a CR there may become one with a LF decoded here.
+    lost_ += lineEnds(first - 1, last);
+}
+
+void XMLPosition::afterEdit(const char* first, const char* last) {
+    lost_ -= lineEnds(first - 1, last);
+}
+
+XMLPosition::Place XMLPosition::at(const char* place) const {
+    return {1 + lost_ + lineEnds(begin_, place), 1 + columnOf(place)};
+}
+
+}  // namespace zoka

@@ -1,0 +1,50 @@
+// Line and column of an error in a text that was edited on the way there. Internal to this folder.
+//
+// Names, values and texts are ended and decoded in place, which destroys line ends and shifts characters.
+// Rather than counting lines while reading, the parser notes what an edit took away; lines are counted once,
+// when there is an error to report, from what is left. Places can be asked for at and behind the last edit
+// only.
+#pragma once
+
+#include <string_view>
+
+namespace zoka {
+
+class XMLPosition {
+public:
+    struct Place {
+        int line;
+        int column;
+    };
+
+    XMLPosition(const char* begin, bool utf8) : begin_(begin), anchor_(begin), utf8_(utf8) {}
+
+    // Puts a 0 at `at`.
+    void end(char* at) {
+        const char c = *at;
+        *at = 0;
+        if (c == '\n' || (c == '\r' && at[1] != '\n')) {
+            ++lost_;
+            anchor_ = at + 1;
+            anchorColumn_ = 0;
+        }
+    }
+    // To be called before and after the bytes from `first` to `last` are rewritten.
+    void beforeEdit(const char* first, const char* last);
+    void afterEdit(const char* first, const char* last);
+
+    Place at(const char* place) const;
+
+private:
+    int characters(const char* first, const char* last) const;
+    // Characters between the start of the line that `place` is on and `place`.
+    int columnOf(const char* place) const;
+
+    const char* begin_;
+    int lost_ = 0;          // line ends that edits took away
+    const char* anchor_;    // the end of the last edit that matters for columns
+    int anchorColumn_ = 0;  // characters in front of it on its line
+    const bool utf8_;
+};
+
+}  // namespace zoka

@@ -1,0 +1,145 @@
+#include "xml/XMLTree.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "xml/PlatformCharset.h"
+#include "xml/XMLConvert.h"
+#include "xml/XMLEncoding.h"
+#include "xml/XMLScan.h"
+
+namespace zoka {
+namespace {
+
+constexpr std::size_t kFirstArenaChunk = 4 * 1024;
+constexpr std::size_t kLargestArenaChunk = 1024 * 1024;
+constexpr std::size_t kLargestChunkBlocks = kLargestArenaChunk / XMLDocument::kBlockSize;
+// A little less than whole blocks is asked for, so that the allocator's own header fits in front of the next
+// chunk and chunks can lie one behind the other.
+constexpr std::size_t kAllocatorRoom = 64;
+// The fewest attributes that a run has room for once a program adds to it; it doubles from there.
+constexpr std::uint32_t kFirstRun = 4;
+
+constexpr char32_t kReplacement = 0xfffd;
+
+// Whether every character is one that any text may hold.
+bool isPlainAscii(const char* text) {
+    while (*text == '\r' || !hasClass(*text, kCharControl | kCharHigh)) ++text;
+    return *text == 0;
+}
+
+}  // namespace
+
+XMLDocument::~XMLDocument() {
+    for (void* chunk : blockChunks_) ::operator delete (chunk, std::align_val_t{kBlockSize});
+    for (void* chunk : arenaChunks_) std::free(chunk);
+    std::free(text_);
+}
+
+void XMLDocument::nextBlock() {
+    if (blocksLeft_ == 0) {
+        const std::size_t blocks = std::clamp<std::size_t>(chunkBlocks_ * 2, 1, kLargestChunkBlocks);
+        blockChunks_.push_back(nullptr);
+        nextBlock_ = static_cast<char*>(
+            ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize}));
+        blockChunks_.back() = nextBlock_;
+        chunkBlocks_ = blocks;
+        blocksLeft_ = blocks;
+    }
+    ::new (static_cast<void*>(nextBlock_)) BlockHeader{this};
+    nextElement_ = reinterpret_cast<XMLElement*>(nextBlock_ + kHeaderRoom);
+    nextBlock_ += kBlockSize;
+    --blocksLeft_;
+    elementsLeft_ = kElementsPerBlock;
+    if (blocksLeft_ == 0) elementsLeft_ -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
+}
+
+void* XMLDocument::allocateSlowly(std::size_t size) {
+    const std::size_t chunk = std::clamp(arenaChunk_ * 2, kFirstArenaChunk, kLargestArenaChunk);
+    // What would fill a good part of a chunk gets one of its own, and the open chunk stays open.
+    const bool own = size > chunk / 4;
+    const std::size_t bytes = own ? size : chunk - kAllocatorRoom;
+    arenaChunks_.push_back(nullptr);
+    auto* memory = static_cast<char*>(std::malloc(bytes + kXmlPadding));
+    if (!memory) throw std::bad_alloc();
+    arenaChunks_.back() = memory;
+    if (own) return memory;
+    arenaChunk_ = chunk;
+    arena_ = memory + size;
+    arenaLeft_ = bytes - size;
+    return memory;
+}
+
+const char* XMLDocument::copyString(const char* text) {
+    const std::size_t size = std::strlen(text) + 1;
+    return static_cast<const char*>(std::memcpy(allocate(size), text, size));
+}
+
+const char* XMLDocument::copyValue(const char* text) {
+    if (isPlainAscii(text)) return copyString(text);
+    std::string bytes(text);
+    if (xmlCharset() == XMLCharset::Utf8) {
+        if (!isUtf8(text)) {
+            std::u16string wide;
+            appendUtf16(wide, bytes);
+            bytes = utf8FromUtf16(wide);
+        }
+        std::string allowed;
+        for (const char* p = bytes.c_str(); *p;) {
+            char32_t c = 0;
+            p += utf8Sequence(p, c);
+            appendUtf8(allowed, isXmlChar(c) ? c : kReplacement);
+        }
+        bytes = allowed;
+    } else {
+        for (char& c : bytes)
+            if (hasClass(c, kCharControl) && c != '\r') c = '?';
+    }
+    return copyString(bytes.c_str());
+}
+
+char* XMLDocument::newText(std::size_t size) {
+    return growText(0, size);
+}
+
+char* XMLDocument::growText(std::size_t used, std::size_t size) {
+    if (size > SIZE_MAX - kXmlPadding) throw std::bad_alloc();
+    auto* text =
+        static_cast<char*>(used ? std::realloc(text_, size + kXmlPadding) : std::malloc(size + kXmlPadding));
+    if (!text) throw std::bad_alloc();
+    if (!used) std::free(text_);
+    text_ = text;
+    std::memset(text_ + size, 0, kXmlPadding);
+    return text_;
+}
+
+void XMLDocument::addAttribute(XMLElement* element, const char* name, const char* value) {
+    const std::uint32_t count = element->attributeCount;
+    const bool full = !element->grownRun || (count >= kFirstRun && std::has_single_bit(count));
+    if (full) {
+        const std::uint32_t room = std::max(kFirstRun, std::bit_ceil(count + 1));
+        auto* run = static_cast<XMLAttribute*>(allocate(room * sizeof(XMLAttribute)));
+        std::uninitialized_copy_n(element->attributes, count, run);
+        element->attributes = run;
+        element->grownRun = true;
+    }
+    const char* ownName = copyString(name);
+    ::new (static_cast<void*>(element->attributes + count))
+        XMLAttribute{xmlNameKey(ownName), ownName, value ? copyValue(value) : nullptr};
+    ++element->attributeCount;
+}
+
+void XMLDocument::addText(XMLElement* element, const char* text) {
+    const char* own = copyValue(text);
+    element->holdsText = true;
+    if (!element->lastItem && !element->text)
+        element->text = own;
+    else
+        append(element, newTextItem(XMLItemKind::Text, own));
+}
+
+}  // namespace zoka

@@ -1,0 +1,165 @@
+// How a document lies in memory. Internal to this folder.
+//
+// A document owns everything of its tree: elements in blocks of their own, everything else in an arena, and
+// the text that was parsed, in which names, values and texts are ended in place with a 0. Nothing is freed
+// singly; the document goes as a whole with the last handle. An element's block is aligned to its size, so
+// that a mask of the element's address finds the block's header and through it the document.
+//
+// Bytes are speed here: most of the time of reading goes into first touches of memory.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "xml/XMLCursors.h"
+
+namespace zoka {
+
+struct XMLElement;
+
+enum class XMLItemKind : std::uint8_t { Element, Text, Comment, CData, Doctype };
+
+// What stands in an element's list of content. The list is a ring: the owner points to the last item, the
+// last item to the first.
+struct XMLItem {
+    XMLItem* next = nullptr;
+    XMLItemKind kind = XMLItemKind::Element;
+    // Of elements only:
+    bool isDeclaration = false;  // written as <?name ...?>
+    bool holdsText = false;      // a text or CDATA section is among its own content
+    bool grownRun = false;       // its attributes' run has room for a power of two
+};
+
+struct XMLTextItem : XMLItem {
+    const char* value = nullptr;  // of a comment and the like: what stands between its tags
+};
+
+struct XMLClearTags {
+    const char* open;
+    const char* close;
+};
+inline XMLClearTags clearTags(XMLItemKind kind) {
+    switch (kind) {
+        case XMLItemKind::Comment:
+            return {"<!--", "-->"};
+        case XMLItemKind::CData:
+            return {"<![CDATA[", "]]>"};
+        default:
+            return {"<!DOCTYPE", ">"};
+    }
+}
+
+struct XMLAttribute {
+    std::uint64_t key = 0;
+    const char* name = nullptr;
+    const char* value = nullptr;  // may be null
+};
+
+struct XMLElement : XMLItem {
+    std::uint32_t attributeCount = 0;
+    std::uint64_t key = 0;       // of the name, see XMLNames.h
+    const char* name = nullptr;  // null: the document node
+    XMLElement* parent = nullptr;
+    XMLItem* lastItem = nullptr;
+    XMLAttribute* attributes = nullptr;  // in one run
+    // A text in front of all other content stands here and not in the list: most elements with a text have no
+    // other content. Of a declaration other than "xml": its data, kept as it is.
+    const char* text = nullptr;
+
+    XMLItem* firstItem() const { return lastItem ? lastItem->next : nullptr; }
+};
+static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 64 && sizeof(XMLAttribute) == 24));
+
+// Strings in a tree may be read up to this many bytes past their terminator (the scanning code works in
+// blocks).
+inline constexpr std::size_t kXmlPadding = 16;
+
+class XMLDocument {
+public:
+    static constexpr std::size_t kBlockSize = 16 * 1024;
+
+    XMLDocument() = default;
+    XMLDocument(const XMLDocument&) = delete;
+    XMLDocument& operator=(const XMLDocument&) = delete;
+    ~XMLDocument();
+
+    static XMLDocument* of(const XMLElement* element) {
+        const auto address = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kBlockSize - 1};
+        return reinterpret_cast<const BlockHeader*>(address)->document;
+    }
+
+    // All of these throw std::bad_alloc when memory runs out.
+
+    XMLElement* newElement() {
+        if (elementsLeft_ == 0) nextBlock();
+        --elementsLeft_;
+        return ::new (static_cast<void*>(nextElement_++)) XMLElement();
+    }
+    XMLTextItem* newTextItem(XMLItemKind kind, const char* value) {
+        auto* item = ::new (allocate(sizeof(XMLTextItem))) XMLTextItem();
+        item->kind = kind;
+        item->value = value;
+        return item;
+    }
+    // Memory for anything that lives as long as the document, aligned for pointers and keys.
+    void* allocate(std::size_t size) {
+        size = (size + 7) & ~std::size_t{7};
+        if (size > arenaLeft_) return allocateSlowly(size);
+        void* result = arena_;
+        arena_ += size;
+        arenaLeft_ -= size;
+        return result;
+    }
+    const char* copyString(const char* text);
+    // The same as the tree may hold it: characters that XML does not allow become U+FFFD ('?' in the
+    // platform's set), and what is no UTF-8 where it should be is taken as text in the platform's set.
+    const char* copyValue(const char* text);
+    // A buffer for the text to parse: `size` bytes and a zeroed padding behind. Owned by the document, which
+    // has one.
+    char* newText(std::size_t size);
+    // Makes room for `size` bytes where newText gave less; the first `used` bytes stay.
+    char* growText(std::size_t used, std::size_t size);
+
+    // Puts an item at the end of an element's content.
+    static void append(XMLElement* parent, XMLItem* item) {
+        if (parent->lastItem) {
+            item->next = parent->lastItem->next;
+            parent->lastItem->next = item;
+        } else {
+            item->next = item;
+        }
+        parent->lastItem = item;
+    }
+    void addAttribute(XMLElement* element, const char* name, const char* value);
+    void addText(XMLElement* element, const char* text);
+
+    XMLCursors cursors;
+    std::size_t handles = 0;
+
+private:
+    struct BlockHeader {
+        XMLDocument* document;
+    };
+    static constexpr std::size_t kHeaderRoom = 64;
+    static constexpr std::size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
+
+    void nextBlock();
+    void* allocateSlowly(std::size_t size);
+
+    XMLElement* nextElement_ = nullptr;
+    std::size_t elementsLeft_ = 0;
+    char* nextBlock_ = nullptr;  // the next unused block of the last chunk
+    std::size_t blocksLeft_ = 0;
+    std::size_t chunkBlocks_ = 0;
+
+    char* arena_ = nullptr;
+    std::size_t arenaLeft_ = 0;
+    std::size_t arenaChunk_ = 0;
+
+    char* text_ = nullptr;
+    std::vector<void*> blockChunks_;
+    std::vector<void*> arenaChunks_;
+};
+
+}  // namespace zoka
