@@ -7,7 +7,7 @@ packages_build="g++ cmake ninja-build g++-mingw-w64-i686-posix
     xz-utils"
 
 # Running the Windows programs: 32-bit Wine, a display without a screen, fonts for its windows.
-packages_wine="wine wine32:i386 xvfb fonts-liberation"
+packages_wine="wine wine32:i386 xvfb fonts-liberation fonts-wine"
 
 # The libraries that the benchmark compares us with.
 packages_bench="libbenchmark-dev libpugixml-dev libtinyxml2-dev"
