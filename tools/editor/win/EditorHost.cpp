@@ -60,24 +60,20 @@ std::optional<std::string> EditorHost::ChooseFile(const std::string& preset) {
     return std::string(path);
 }
 
+// A level is opened by procedures that run on the editor's thread; from a panel it is refused.
+bool EditorHost::OpenMap(const std::string& path) {
+    return GetCurrentThreadId() == m_editorThread && onOpenMap && onOpenMap(path);
+}
+
+FolderHost EditorHost::folders() const { return FolderHost({m_level.folder(), m_suiteFolder, m_templates}); }
+
 bool EditorHost::CopyFileToFolder(const std::string& source, const std::string& folder) {
-    const std::string name = source.substr(source.find_last_of('\\') + 1);
-    return CopyFileA(source.c_str(), (folder + "\\" + name).c_str(), FALSE) != 0;
+    return folders().CopyFileToFolder(source, folder);
 }
 
 bool EditorHost::CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
                                            std::span<const std::pair<std::string, std::string>> substitutions) {
-    std::optional<std::string> text = readWholeFile(source);
-    if (!text) return false;
-    for (const auto& [find, replacement] : substitutions) {
-        if (find.empty()) continue;
-        for (std::size_t at = 0; (at = text->find(find, at)) != std::string::npos; at += replacement.size())
-            text->replace(at, find.size(), replacement);
-    }
-    std::ofstream out(destination, std::ios::binary | std::ios::trunc);
-    out << *text;
-    out.close();
-    return !out.fail();
+    return folders().CopyFileWithSubstitutions(source, destination, substitutions);
 }
 
 std::string EditorHost::QueryFolder(ZunCommandCode code) {

@@ -1,12 +1,13 @@
-// What stands behind the plug-in's calls in the stand-in editor: the open level's folder, and a suite folder with the
-// template scripts.
+// What stands behind the plug-in's calls in the stand-in editor: the open level with its entities, its folder, and a
+// suite folder with the template scripts.
 #pragma once
 
+#include <windows.h>
+
 #include <functional>
-#include <mutex>
 #include <string>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/FolderHost.h"
 #include "tools/editor/win/OpenLevel.h"
 
 namespace zoka {
@@ -18,7 +19,7 @@ public:
 
     // The suite's folder and the name of the template folder in it. [editor thread], before a plug-in is loaded.
     void setSuite(const std::string& folder, const std::string& templates);
-    // Opens a level on the editor's thread; false when it can't.
+    // Opens a level; false when it can't. Called on the editor's thread only.
     std::function<bool(const std::string& path)> onOpenMap;
 
     void CreateMainScript() override;
@@ -33,10 +34,14 @@ public:
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) override;
     std::string QueryFolder(ZunCommandCode code) override;
-    bool OpenMap(const std::string& path) override { return onOpenMap && onOpenMap(path); }
+    bool OpenMap(const std::string& path) override;
 
 private:
+    // The operations that need no more than the folders.
+    FolderHost folders() const;
+
     OpenLevel& m_level;
+    DWORD m_editorThread = GetCurrentThreadId();
     std::string m_suiteFolder;
     std::string m_templates = "templates";
 };

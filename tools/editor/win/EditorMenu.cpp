@@ -85,7 +85,7 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
     append(plugins, kCommandLoadPlugin, "&Load plug-in...\tCtrl+L");
     append(plugins, kCommandUnloadPlugin, "&Unload plug-in");
     if (pluginLoaded) separate(plugins);
-    const HMENU host = appendMenu(m_bar, "&Host");
+    const HMENU host = appendMenu(m_bar, "H&ost");
     append(host, kCommandHostNormal, "&Answer as usual");
     append(host, kCommandHostFail, "&Fail every call");
     append(host, kCommandHostEmpty, "Answer &empty texts");
@@ -107,9 +107,10 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
                 append(terminate, kCommandTerminate + i, menuText(procedures[i]->name()).c_str());
         }
     }
-    if (const HMENU inFile = file; GetMenuItemCount(inFile) > 4) separate(inFile);
+    constexpr int kOwnFileItems = 4;  // with the line below them
+    if (GetMenuItemCount(file) > kOwnFileItems) separate(file);
     append(file, kCommandExit, "E&xit\tAlt+F4");
-    const HMENU help = appendMenu(m_bar, "Hel&p");
+    const HMENU help = appendMenu(m_bar, "&Help");
     append(help, kCommandAbout, "&About the stand-in editor");
 
     SetMenu(window, m_bar);

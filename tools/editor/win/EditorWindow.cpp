@@ -53,6 +53,14 @@ void setCell(HWND list, int row, int column, const std::string& text) {
     ListView_SetItemText(list, row, column, const_cast<char*>(text.c_str()));
 }
 
+// Widens a list's last column to the list's edge.
+void fillLastColumn(HWND list, int column, int width) {
+    constexpr int kLeastWidth = 60;
+    int others = 2 * GetSystemMetrics(SM_CXEDGE) + GetSystemMetrics(SM_CXVSCROLL);
+    for (int i = 0; i < column; ++i) others += ListView_GetColumnWidth(list, i);
+    ListView_SetColumnWidth(list, column, std::max(kLeastWidth, width - others));
+}
+
 }  // namespace
 
 EditorWindow::EditorWindow(Editor& editor) : m_editor(editor) {}
@@ -248,6 +256,8 @@ void EditorWindow::layOut() {
     const int height = std::max(0L, client.bottom - (status.bottom - status.top));
     const int log = std::clamp(height * m_logShare / 100, kLeast, std::max(kLeast, height - kLeast - kSplitter));
     const int list = std::max(0, height - log - kSplitter);
+    fillLastColumn(m_entities, 4, client.right);
+    fillLastColumn(m_log, 2, client.right);
     MoveWindow(m_entities, 0, 0, client.right, list, TRUE);
     MoveWindow(m_log, 0, list + kSplitter, client.right, std::max(0, height - list - kSplitter), TRUE);
 }

@@ -60,6 +60,8 @@ DWORD WINAPI runPanel(void* busyWord) {
     CreateWindowExA(0, "BUTTON", "Close", WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, 222, 60, 80, 26, panel,
                     reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDCANCEL)), nullptr, nullptr);
     SetWindowLongPtrA(panel, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(panelProc));
+    for (HWND control = GetWindow(panel, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
+        SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     ShowWindow(panel, SW_SHOW);
     g_panel = panel;
     MSG message;
