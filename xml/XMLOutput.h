@@ -17,6 +17,7 @@ namespace zoka {
 class XMLOutput {
 public:
     void put(std::string_view text) {
+        if (text.empty()) return;
         make(text.size());
         std::memcpy(at_, text.data(), text.size());
         at_ += text.size();
@@ -26,6 +27,7 @@ public:
         *at_++ = c;
     }
     void put(char c, std::size_t count) {
+        if (count == 0) return;  // there may be no buffer yet
         make(count);
         std::memset(at_, c, count);
         at_ += count;
