@@ -66,7 +66,7 @@ TEST(XmlCheck, GoesOnAfterEveryFileAndEndsWithTheWorst) {
     folder.write("bad2.xml", "<a></b>");
     ToolRun run = folder.run("xml check bad1.xml good.xml bad2.xml");
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.out, testing::MatchesRegex("bad1.xml:1:[0-9]+: .*\nbad2.xml:1:[0-9]+: .*\n"));
+    EXPECT_EQ(run.out, "bad1.xml:1:4: Warning: Unmatched end tag\nbad2.xml:1:4: Error: Unmatched end tag\n");
     run = folder.run("xml check missing.xml bad2.xml");
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.out, StartsWith("bad2.xml:1:"));
