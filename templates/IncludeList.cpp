@@ -96,6 +96,7 @@ Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
     NeededScripts needed =
         collectNeeds(scriptPaths, std::string(fileNameOf(mainScriptPath)), included, locate, read);
     insertion.names = std::move(needed.names);
+    insertion.present = std::move(needed.present);
     insertion.refused = std::move(needed.refused);
     return insertion;
 }
@@ -114,6 +115,7 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<con
                    const LocateFile& locate, std::string* error) {
     if (lexer.getBufSize() == 0) return 0;
     const Insertion insertion = planInsertion(lexer, mainScriptPath, scriptPaths, locate);
+    if (error) *error = describe(insertion.refused);
     if (insertion.names.empty() || !insertion.refused.empty()) return 0;
     const std::string_view text(lexer.getBuf(), static_cast<size_t>(lexer.getBufSize()));
     const SafeWriteResult written = safeWrite(mainScriptPath, applyInsertion(text, insertion));

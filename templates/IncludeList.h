@@ -46,6 +46,7 @@ long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames);
 struct Insertion {
     long position = 0;
     std::vector<std::string> names;    // the new lines' names; none: nothing is to be done
+    std::vector<std::string> present;  // asked for or needed, but included already
     std::vector<RefusedNeed> refused;  // where any need can't be included, nothing is done
 };
 // What including the scripts at `scriptPaths` means for a main script. Scripts already included are left out,
@@ -57,8 +58,8 @@ Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
 std::string applyInsertion(std::string_view text, const Insertion& insertion);
 
 // Includes the scripts, their needs first, and rewrites the main script in one go. `lexer` holds its text. 1
-// when it was rewritten, or could not be (then it is as it was, and `error`, where not null, says why); 0
-// when nothing was to be done, the text is empty, or a need is refused.
+// when it was rewritten, or could not be (it is then as it was); 0 when nothing was to be done, the text is
+// empty, or a need can't be included. `error`, where not null, then says what went wrong; else it is empty.
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<const std::string> scriptPaths,
                    const LocateFile& locate, std::string* error = nullptr);
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,

@@ -10,7 +10,8 @@ namespace zoka {
 namespace {
 
 constexpr size_t kLongestName = 255;
-constexpr std::string_view kForbidden = " \t;<>:\"/\\|?*";
+constexpr std::string_view kNotInFileNames = ":/\\*?\"|";
+constexpr std::string_view kNotInIncludes = " ;<>";
 
 // A script on the way down through the needs.
 struct Level {
@@ -33,11 +34,25 @@ std::string lowered(std::string_view text) {
     return result;
 }
 
-bool isIncludableName(std::string_view name) {
+bool isPlainFileName(std::string_view name) {
     if (name.empty() || name.size() > kLongestName || name == "." || name == "..") return false;
     return std::none_of(name.begin(), name.end(), [](char c) {
-        return static_cast<unsigned char>(c) < ' ' || kForbidden.find(c) != std::string_view::npos;
+        return static_cast<unsigned char>(c) < ' ' || kNotInFileNames.find(c) != std::string_view::npos;
     });
+}
+
+bool isIncludableName(std::string_view name) {
+    return isPlainFileName(name) && name.find_first_of(kNotInIncludes) == std::string_view::npos;
+}
+
+std::string describe(std::span<const RefusedNeed> refused) {
+    std::string text;
+    for (const auto& [script, need] : refused) {
+        if (!text.empty()) text += '\n';
+        if (script != need) text += script + " needs ";
+        text += "\"" + need + "\": this is not a file name that can be included.";
+    }
+    return text;
 }
 
 NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::string& mainScriptName,
@@ -46,9 +61,14 @@ NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::
     NeededScripts result;
     std::unordered_set<std::string> seen = included;
     seen.insert(lowered(mainScriptName));
+    std::unordered_set<std::string> listed;
     std::vector<Level> way;
     const auto enter = [&](const std::string& name, const std::string& path) {
-        if (!seen.insert(lowered(name)).second) return;
+        const std::string key = lowered(name);
+        if (!seen.insert(key).second) {
+            if (included.contains(key) && listed.insert(key).second) result.present.push_back(name);
+            return;
+        }
         way.push_back({name, path.empty() ? std::vector<std::string>() : read(path).needs, 0});
     };
     for (const std::string& path : scriptPaths) {

@@ -19,9 +19,12 @@ int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names);
 // Letters A to Z in their small form, for sets of names that are compared without regard to case.
 std::string lowered(std::string_view text);
 
-// Whether a name can stand between the brackets of an include line and be found again there: a file name
-// without folder, drive, wildcard, blank, bracket, semicolon or control character, not "." or "..", at most
-// 255 bytes.
+// Whether it names a file in a folder and nothing outside it: no separator, drive, wildcard or control
+// character, not
+// "." or "..", at most 255 bytes.
+bool isPlainFileName(std::string_view name);
+// Whether a name can stand between the brackets of an include line and be found again there: a plain file
+// name without blanks, brackets and semicolons.
 bool isIncludableName(std::string_view name);
 
 // A name that a needs line holds but that can't be included.
@@ -30,8 +33,12 @@ struct RefusedNeed {
     std::string need;
 };
 
+// In words for the user, a line for each; empty for none.
+std::string describe(std::span<const RefusedNeed> refused);
+
 struct NeededScripts {
-    std::vector<std::string> names;  // in the order in which they have to be included
+    std::vector<std::string> names;    // in the order in which they have to be included
+    std::vector<std::string> present;  // those asked for or needed that are in `included` already
     std::vector<RefusedNeed> refused;
 };
 

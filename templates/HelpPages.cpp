@@ -1,0 +1,293 @@
+#include "templates/HelpPages.h"
+
+#include <unordered_map>
+
+#include "templates/CatalogueXml.h"
+#include "templates/HelpStyle.h"
+#include "templates/ScriptNeeds.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
+
+namespace zoka {
+
+namespace {
+
+constexpr const char* kHead =
+    "<!-- saved from KEZ2XML -->\n<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 "
+    "Transitional//EN\">\n<html>\n<head>\n";
+constexpr const char* kAfterTitle =
+    "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=iso-8859-1\">\n"
+    "<link href=\"css.css\" rel=\"stylesheet\" type=\"text/css\">\n</head>\n<body>\n\n";
+constexpr const char* kFoot = "\n</body>\n</html>";
+constexpr const char* kDocumentedType = "USER";
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (const char c : text) switch (c) {
+            case '&':
+                result += "&amp;";
+                break;
+            case '<':
+                result += "&lt;";
+                break;
+            case '>':
+                result += "&gt;";
+                break;
+            case '"':
+                result += "&quot;";
+                break;
+            case '\0':
+                break;
+            default:
+                result += c;
+        }
+    return result;
+}
+
+// With "<br>" for each line end.
+std::string inLines(std::string_view text) {
+    std::string result;
+    for (const char c : escaped(text)) {
+        if (c == '\n')
+            result += "<br>";
+        else if (c != '\r')
+            result += c;
+    }
+    return result;
+}
+
+std::string page(const std::string& title, const std::string& body) {
+    return kHead + ("<title>" + escaped(title) + "</title>\n") + kAfterTitle + body + kFoot;
+}
+
+std::string link(const std::string& file, const std::string& text) {
+    std::string address;
+    for (const char c : file) {
+        constexpr const char* kDigits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte <= ' ' || byte >= 127 || c == '%' || c == '#' || c == '&' || c == '\'')
+            ((address += '%') += kDigits[byte >> 4]) += kDigits[byte & 15];
+        else
+            address += c;
+    }
+    return "<a href=\"" + address + "\">" + escaped(text) + "</a>";
+}
+
+std::string actionLine(const CScriptAction& action) {
+    std::string line = action.m_engreq.IsEmpty() ? std::string() : editionMarks(action.m_engreq.edition);
+    line += "<b>";
+    line +=
+        escaped(action.m_name.empty() ? action.m_filename : action.m_name + " (" + action.m_filename + ")");
+    return line + "</b> - " + inLines(action.m_desc) + "\n<br>\n";
+}
+
+std::string actionLines(const CScriptElm& script) {
+    std::string lines;
+    for (const CScriptSection& section : script.m_sections)
+        for (const CScriptAction& action : section.m_actions) lines += actionLine(action);
+    return lines;
+}
+
+std::string needsList(const CScriptElm& script) {
+    std::string list;
+    for (const std::string& need : script.m_needs) {
+        if (!list.empty()) list += ", ";
+        list += escaped(need);
+    }
+    return list;
+}
+
+// The pages of one catalogue: which scripts and classes have one, under which name, and who needs whom.
+class Help {
+public:
+    Help(const CTemplateData& catalogue, std::string folder, std::string* error)
+        : m_folder(std::move(folder)), m_error(error) {
+        std::unordered_map<std::string, size_t> classes;
+        unique(kIndexFile);
+        for (const CScriptElm& script : catalogue.scripts()) {
+            if (!equalNoCase(script.m_type, kDocumentedType)) continue;
+            const auto [found, added] = classes.try_emplace(lowered(script.m_class), m_classes.size());
+            if (added) m_classes.push_back({script.m_class, unique(classPageName(script.m_class)), {}});
+            m_classes[found->second].scripts.push_back(m_scripts.size());
+            m_scripts.push_back({&script, {}, found->second});
+        }
+        for (size_t i = 0; i < m_scripts.size(); ++i) {
+            m_scripts[i].page = unique(scriptPageName(*m_scripts[i].script));
+            m_byFile.try_emplace(lowered(m_scripts[i].script->m_filename), i);
+        }
+        for (size_t i = 0; i < m_scripts.size(); ++i)
+            for (const std::string& need : m_scripts[i].script->m_needs) {
+                std::vector<size_t>& users = m_neededBy[lowered(need)];
+                if (users.empty() || users.back() != i) users.push_back(i);
+            }
+    }
+
+    bool writeClasses() {
+        for (const Class& each : m_classes)
+            if (!write(each.page, classPage(each))) return false;
+        return true;
+    }
+    bool writeScripts() {
+        for (const Script& each : m_scripts)
+            if (!write(each.page, scriptPage(each))) return false;
+        return true;
+    }
+    bool writeStyle() { return write(kStyleFile, kHelpStyle); }
+    bool writeIndex(const CTemplateData& catalogue) {
+        std::string body = "<h1>" + escaped(catalogue.GetName()) + "</h1>\n\n";
+        const std::string req = catalogue.GetEngReq();
+        body += "<p>Version " + escaped(catalogue.GetVers()) + ", " + escaped(catalogue.GetDate()) +
+                (req.empty() ? "" : ", for engine " + escaped(req)) + "</p>\n";
+        for (const Class& each : m_classes) {
+            body +=
+                "\n<h2>" + link(each.page, each.name.empty() ? "(no class)" : each.name) + "</h2>\n<ul>\n";
+            for (const size_t i : each.scripts) {
+                const std::string desc = m_scripts[i].script->m_desc;
+                body += "<li>" + link(m_scripts[i].page, m_scripts[i].script->DisplayName()) +
+                        editionMarks(m_scripts[i].script->m_engreq.edition) + " - " +
+                        escaped(desc.substr(0, desc.find('\n'))) + "</li>\n";
+            }
+            body += "</ul>\n";
+        }
+        return write(kIndexFile, page(catalogue.GetName(), body));
+    }
+
+private:
+    struct Class {
+        std::string name;
+        std::string page;
+        std::vector<size_t> scripts;
+    };
+    struct Script {
+        const CScriptElm* script;
+        std::string page;
+        size_t classIndex;
+    };
+
+    // `m_taken` holds for each name (lowered) the number that its next namesake tries first.
+    std::string unique(const std::string& name) {
+        const auto [first, added] = m_taken.try_emplace(lowered(name), 2);
+        if (added) return name;
+        const std::string stem = name.substr(0, name.rfind('.'));
+        for (unsigned& number = first->second;;) {
+            const std::string next = stem + "_" + std::to_string(number++) + ".htm";
+            if (m_taken.try_emplace(lowered(next), 2).second) return next;
+        }
+    }
+
+    std::string classPage(const Class& each) const {
+        std::string body = "<h1>Template class: <b>" + escaped(each.name) + "</b></h1>\n\n";
+        for (const size_t i : each.scripts) {
+            const CScriptElm& script = *m_scripts[i].script;
+            const std::string actions = actionLines(script);
+            body += "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + inLines(script.m_desc);
+            body += "\n<h3>Actions:</h3>\n" + (actions.empty() ? "[none]" : actions);
+            body += "\n<h3>Needs:</h3>\n<b>" + needsList(script) + "</b>\n";
+            body += "<h3>Filename:</h3>\n<b>" + escaped(script.m_filename) + "</b>\n";
+            if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + inLines(script.m_note);
+            body += "<p>&nbsp;</p>\n<p>&nbsp;</p>\n";
+        }
+        return page("Template_" + each.name, body);
+    }
+
+    std::string scriptPage(const Script& each) const {
+        const CScriptElm& script = *each.script;
+        std::string body = "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + inLines(script.m_desc);
+        if (!script.m_sections.empty() && !script.m_sections.back().m_actions.empty())
+            body += "\n<h3>Actions:</h3>\n<br>\n" + actionLines(script);
+        body += "\n<h3>Needs:</h3>\n<b>" + needsList(script) + "</b>\n";
+        body += "<h3>Filename:</h3>\n<b>" + escaped(script.m_filename) + "</b>\n";
+        if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + inLines(script.m_note);
+        body += "<h3>See also:</h3>\n" + seeAlso(each);
+        return page("Template Script: " + script.DisplayName(), body);
+    }
+
+    // The class, the scripts that this one needs, and those that need it.
+    std::string seeAlso(const Script& each) const {
+        const auto item = [this](size_t i, const char* why) {
+            return "<li>" + link(m_scripts[i].page, m_scripts[i].script->DisplayName()) + " - " + why +
+                   "</li>\n";
+        };
+        const Class& ownClass = m_classes[each.classIndex];
+        std::string list = "<ul>\n<li>" + link(ownClass.page, "Template class: " + ownClass.name) + "</li>\n";
+        for (const std::string& need : each.script->m_needs) {
+            const auto found = m_byFile.find(lowered(need));
+            if (found != m_byFile.end() && m_scripts[found->second].script != each.script)
+                list += item(found->second, "needed by this script");
+        }
+        const auto users = m_neededBy.find(lowered(each.script->m_filename));
+        if (users != m_neededBy.end())
+            for (const size_t i : users->second)
+                if (m_scripts[i].script != each.script) list += item(i, "needs this script");
+        return list + "</ul>\n";
+    }
+
+    bool write(const std::string& name, const std::string& text) {
+        const SafeWriteResult result = safeWrite(m_folder + name, inTextMode(text));
+        if (!result && m_error) *m_error = result.error;
+        return static_cast<bool>(result);
+    }
+
+    std::string m_folder;
+    std::string* m_error;
+    std::unordered_map<std::string, unsigned> m_taken;
+    std::vector<Class> m_classes;   // in catalogue order
+    std::vector<Script> m_scripts;  // in catalogue order
+    std::unordered_map<std::string, size_t> m_byFile;
+    std::unordered_map<std::string, std::vector<size_t>> m_neededBy;  // file name -> scripts
+};
+
+// What no file system takes becomes "_".
+std::string asFileName(std::string name) {
+    for (char& c : name)
+        if (static_cast<unsigned char>(c) < ' ' ||
+            std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos)
+            c = '_';
+    return name;
+}
+
+}  // namespace
+
+std::string classPageName(const std::string& className) {
+    return asFileName("template_" + className + ".htm");
+}
+
+std::string scriptPageName(const CScriptElm& script) {
+    std::string name;
+    for (const char c : script.DisplayName())
+        if (std::string_view(" \\/\"'(),#%").find(c) == std::string_view::npos) name += c;
+    return asFileName(name + ".htm");
+}
+
+std::string editionMarks(const std::string& edition) {
+    const int code = editionCode(edition);
+    std::string marks;
+    if (code < 1) return marks;
+    constexpr const char* kLetters = "SECP";
+    for (int i = code; i <= 4; ++i)
+        marks += std::string("<span class=\"edition\">&nbsp;") + kLetters[i - 1] + "&nbsp;</span>";
+    return marks + "\n";
+}
+
+bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
+    return Help(catalogue, folder, error).writeClasses();
+}
+
+bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
+    return Help(catalogue, folder, error).writeScripts();
+}
+
+bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
+    Help help(catalogue, folder, error);
+    return help.writeStyle() && help.writeIndex(catalogue) && help.writeClasses() && help.writeScripts();
+}
+
+}  // namespace zoka
+
+bool CTemplateData::WriteHelpDocsByClass() const {
+    return zoka::writeClassPages(*this, zoka::kHelpFolder);
+}
+bool CTemplateData::WriteHelpDocsByScript() const {
+    return zoka::writeScriptPages(*this, zoka::kHelpFolder);
+}

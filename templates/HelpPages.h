@@ -1,0 +1,35 @@
+// HTML pages about the scripts of type "USER": one for each class, one for each script, with a style sheet
+// and an index.
+#pragma once
+
+#include <string>
+
+#include "templates/TemplateData.h"
+
+namespace zoka {
+
+// Where the catalogue's own operations put the pages, seen from the current folder.
+inline constexpr const char* kHelpFolder = "..\\docs\\";
+inline constexpr const char* kStyleFile = "css.css";
+inline constexpr const char* kIndexFile = "index.htm";
+
+// `folder` ends with a separator and exists. Each writes its pages in catalogue order, every page whole, in
+// text mode, and stops at the first that can't be written: false, with the reason in `error` where that is
+// not null. Texts of the catalogue are escaped for HTML.
+bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
+bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder,
+                      std::string* error = nullptr);
+// The style sheet, the index that links all classes and scripts, and both kinds of pages.
+bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
+
+// The page names: "template_" + class + ".htm"; the script's name, or its file name, without the characters
+// that don't go well into links, + ".htm". What no file name can hold is made "_". Names are unique without
+// regard to case: a second script whose name would give the same page has "_2" in front of its extension, and
+// so on.
+std::string classPageName(const std::string& className);
+std::string scriptPageName(const CScriptElm& script);
+
+// The marks of an edition and of every edition above it; nothing for an empty or unknown one.
+std::string editionMarks(const std::string& edition);
+
+}  // namespace zoka

@@ -1,0 +1,30 @@
+// What changed between two texts, line by line.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zoka {
+
+struct DiffLine {
+    char mark;         // ' ' in both, '-' in the first text alone, '+' in the second alone
+    std::string text;  // without its line end
+};
+// A run of changes with up to three lines around it. Lines count from 1; for an empty side, the line before.
+struct DiffHunk {
+    size_t oldStart = 0, oldCount = 0;
+    size_t newStart = 0, newCount = 0;
+    std::vector<DiffLine> lines;
+};
+
+// Empty when the texts are equal. Lines that differ in their line end alone are different; the text of such a
+// line then ends with a visible "\r". Where the texts differ in very many lines, all between the first and
+// the last difference counts as replaced, so that the time stays linear.
+std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view after);
+
+// The hunks in the unified format, lines ended with LF; empty when the texts are equal.
+std::string unifiedDifference(std::string_view before, std::string_view after, const std::string& oldName,
+                              const std::string& newName);
+
+}  // namespace zoka

@@ -1,0 +1,21 @@
+// The text of the notes page: the template set, and every script that the project includes.
+#pragma once
+
+#include <string>
+
+#include "plugin/ZunEditorInterface.h"
+#include "templates/TemplateData.h"
+
+namespace zoka {
+
+// The plug-in's version as the report names it.
+inline constexpr const char* kReportVersion = "2.1";
+
+// Builds the report, lines ended with CR LF. A script that is found nowhere is marked with "!", one that
+// isn't a template with "(USER)", one whose copy differs from the template with the template's version and
+// date. `mainScriptPath` is empty when the project has none; the report then says so and the result is false.
+// Each script file is read once.
+bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTemplateData& catalogue,
+                      const std::string& mainScriptPath);
+
+}  // namespace zoka

@@ -1,0 +1,85 @@
+#include "templates/ScriptFolders.h"
+
+#include "util/OsFiles.h"
+
+namespace zoka {
+
+namespace {
+
+std::unordered_set<std::string> filesOf(const std::string& folder) {
+    std::unordered_set<std::string> names;
+    for (const OsEntry& entry : osFiles().list(folder + "\\*"))
+        if (!entry.isFolder) names.insert(lowered(entry.name));
+    return names;
+}
+
+}  // namespace
+
+ScriptFolders::ScriptFolders(ZunEditorInterface& host)
+    : m_project(host.GetProjectFolder()), m_templates(host.TemplatePath("")) {}
+
+void ScriptFolders::listOnce() {
+    m_projectFiles = filesOf(m_project);
+    m_templateFiles = filesOf(m_templates.substr(0, m_templates.size() - 1));
+    m_listed = true;
+}
+
+bool ScriptFolders::isFile(const std::string& path, const std::string& fileName,
+                           const Listing& listing) const {
+    if (!isPlainFileName(fileName)) return false;
+    if (m_listed) return listing.contains(lowered(fileName));
+    const std::optional<OsEntry> entry = osFiles().search(path);
+    return entry && !entry->isFolder;
+}
+
+ScriptPlace ScriptFolders::LocateScript(const std::string& fileName) const {
+    if (isFile(projectPath(fileName), fileName, m_projectFiles)) return ScriptPlace::Project;
+    return inTemplates(fileName) ? ScriptPlace::Template : ScriptPlace::NotFound;
+}
+
+ScriptPlace ScriptFolders::LocateScript(const std::string& fileName, std::string& path) const {
+    const ScriptPlace place = LocateScript(fileName);
+    if (place == ScriptPlace::Project)
+        path = projectPath(fileName);
+    else if (place == ScriptPlace::Template)
+        path = templatePath(fileName);
+    return place;
+}
+
+bool ScriptFolders::inTemplates(const std::string& fileName) const {
+    return isFile(templatePath(fileName), fileName, m_templateFiles);
+}
+
+LocateFile ScriptFolders::locator() const {
+    return [this](const std::string& fileName) {
+        std::string path;
+        LocateScript(fileName, path);
+        return path;
+    };
+}
+
+bool ScriptFolders::DeleteProjectScript(const std::string& fileName) const {
+    const std::string path = projectPath(fileName);
+    const std::optional<OsEntry> entry =
+        isPlainFileName(fileName) ? osFiles().search(path) : std::optional<OsEntry>();
+    return entry && !entry->isFolder && osFiles().deleteFile(path);
+}
+
+bool ScriptFolders::ReadVersionAndDate(const std::string& fileName, std::string& version, std::string& date,
+                                       bool fromTemplate, ScriptFactsReader* reader) const {
+    ScriptFactsReader own;
+    ScriptFactsReader& facts = reader ? *reader : own;
+    static const ScriptFacts kNone;
+    const ScriptFacts* found = &kNone;
+    if (isPlainFileName(fileName)) {
+        if (!fromTemplate && LocateScript(fileName) == ScriptPlace::Project)
+            found = &facts.of(projectPath(fileName));
+        else
+            found = &facts.of(templatePath(fileName));
+    }
+    version = found->version;
+    date = found->date;
+    return found->readable;
+}
+
+}  // namespace zoka

@@ -1,0 +1,55 @@
+// The two folders that a project's scripts lie in: its own, and the suite's template folder.
+#pragma once
+
+#include <string>
+#include <unordered_set>
+
+#include "plugin/ZunEditorInterface.h"
+#include "templates/ScriptNeeds.h"
+
+namespace zoka {
+
+enum class ScriptPlace { NotFound = 0, Template = 1, Project = 2 };
+
+// Asks the host for its folders once, when it is made: made anew for each action of the user. Only plain file
+// names are ever looked for, so that no name leads out of the folders.
+class ScriptFolders {
+public:
+    explicit ScriptFolders(ZunEditorInterface& host);
+
+    // From now on every search is answered from one look into each folder, for jobs over many scripts.
+    void listOnce();
+
+    const std::string& project() const { return m_project; }
+    std::string projectPath(const std::string& fileName) const { return m_project + "\\" + fileName; }
+    std::string templatePath(const std::string& fileName) const { return m_templates + fileName; }
+
+    // Where the script lies; the project folder comes first. The second form gives its full path, and leaves
+    // `path` alone when it isn't found.
+    ScriptPlace LocateScript(const std::string& fileName) const;
+    ScriptPlace LocateScript(const std::string& fileName, std::string& path) const;
+    bool inTemplates(const std::string& fileName) const;
+    // For collectNeeds. The object must outlive it.
+    LocateFile locator() const;
+
+    // Deletes the project's copy; false when there is none or it can't be deleted.
+    bool DeleteProjectScript(const std::string& fileName) const;
+
+    // Version and date of the project's copy; of the template's with `fromTemplate` or where the project has
+    // none. False, and "-1" for both, when the file can't be read. With a reader, files read before aren't
+    // read again.
+    bool ReadVersionAndDate(const std::string& fileName, std::string& version, std::string& date,
+                            bool fromTemplate, ScriptFactsReader* reader = nullptr) const;
+
+private:
+    using Listing = std::unordered_set<std::string>;  // lowered names
+    bool isFile(const std::string& path, const std::string& fileName, const Listing& listing) const;
+
+    std::string m_project;
+    std::string m_templates;  // with its last backslash
+    bool m_listed = false;
+    Listing m_projectFiles;
+    Listing m_templateFiles;
+};
+
+}  // namespace zoka

@@ -1,0 +1,144 @@
+// The "Project Manager" dialog without its window: what each page shows, and what each button does, in which
+// order and with which texts. The window, or a test, or a tool, stands in front of it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "plugin/ZunEditorInterface.h"
+#include "templates/JobProgress.h"
+#include "templates/LineDiff.h"
+#include "templates/ScriptAdding.h"
+#include "templates/ScriptSearch.h"
+#include "templates/ScriptUpdate.h"
+#include "templates/TemplateData.h"
+#include "util/UserPrompt.h"
+
+namespace zoka {
+
+inline constexpr const char* kManagerTitle = "Project Manager";
+enum class ManagerPage { Add, Customize, Remove, Notes, Update };
+inline constexpr const char* kManagerPages[] = {"Add", "Customize", "Remove", "Notes", "Update"};
+
+// Ends a button's action without any change.
+class PageError : public std::runtime_error {
+public:
+    enum Code { CatalogueNotLoaded = 1, ScriptNotInCatalogue = 2 };
+    explicit PageError(Code code);
+    Code code() const { return m_code; }
+
+private:
+    Code m_code;
+};
+
+// A script of the include block, as the remove and customize pages list it.
+struct IncludedScript {
+    std::string text;  // the title; of a numbered copy with its file name; a script that is no template: its
+                       // file name
+    std::string fileName;
+    const CScriptElm* script =
+        nullptr;  // the catalogue's record, of a numbered copy that of its template; or null
+};
+
+// What the add page shows of the selected script.
+struct ScriptDetails {
+    std::string fileName, className, version, date, engineReq, description,
+        actions;  // lines ended with CR LF
+};
+
+// All on one thread. [editor thread]
+class ScriptManagerSession {
+public:
+    // Fills the catalogue from its file; false when that can't be done. Where a bad catalogue ends the
+    // process, it does not return.
+    using CatalogueLoader = std::function<bool(CTemplateData& catalogue, JobProgress* progress)>;
+    // None of the references is owned; all outlive the session. `catalogue` is loaded when it is empty.
+    ScriptManagerSession(ZunEditorInterface& host, CTemplateData& catalogue, CatalogueLoader loader,
+                         ScriptUpdater& updater, UserPrompt& prompt);
+
+    // Loads the catalogue if need be and reads the include block. False when the catalogue can't be loaded
+    // (the user has been told) or `progress` stopped it.
+    bool open(JobProgress* progress = nullptr);
+    // Reads the include block again, and the update list.
+    void refresh();
+    // A line for the window's foot about the last action: what it did, or why it did nothing. May be empty.
+    const std::string& status() const { return m_status; }
+    const CTemplateData& catalogue() const { return m_catalogue; }
+
+    // --- Add
+    // "<ALL>" first.
+    std::vector<std::string> classes() const;
+    // The catalogue's records to be listed, in its order, for a class and a search text (ScriptSearch::find).
+    const std::vector<std::uint32_t>& search(const std::string& className, const std::string& query);
+    // The title, marked when the script, or a copy of it, is included.
+    std::string rowText(std::uint32_t record) const;
+    bool isIncluded(std::uint32_t record) const;
+    ScriptDetails details(std::uint32_t record) const;
+    // What the button would do, before it is pressed.
+    AddPlan plan(std::span<const std::uint32_t> records);
+    AddPlan plan(std::uint32_t record) { return plan(std::span(&record, 1)); }
+    // The button; no record: nothing happens. True when the scripts were added or are there already.
+    bool add(std::optional<std::uint32_t> record);
+    bool add(std::span<const std::uint32_t> records);
+    // The title added last; "<none>" at first and after an add that failed.
+    const std::string& lastAdded() const { return m_lastAdded; }
+
+    // --- Remove, Customize
+    const std::vector<IncludedScript>& included() const { return m_included; }
+    // Whether an included script needs the one of that title, which is an entry's text or a catalogue title;
+    // `titles` is set to their entries' texts. Throws PageError.
+    bool FindDependents(const std::string& title, std::vector<std::string>& titles);
+    // "needed by Fog, Rain"; empty when nobody needs it.
+    std::string neededBy(size_t index) const;
+    // The button; -1: nothing happens. True when the script's include line was removed.
+    bool remove(int index);
+    // Full path of an included script, for the customization panel; nothing when it isn't found.
+    std::optional<std::string> pathOf(size_t index) const;
+
+    // --- Notes
+    // Read-only text, lines ended with CR LF.
+    std::string notes();
+
+    // --- Update
+    const std::vector<UpdateEntry>& updates() const { return m_update.entries(); }
+    // The difference between the project's copy and the template's of an entry; empty when there is none.
+    std::vector<DiffHunk> difference(size_t index) const;
+    // The buttons.
+    void updateSelected(int index);
+    void updateAll(JobProgress* progress = nullptr);
+    // Included template scripts with no copy in the project folder but one in the template folder.
+    std::vector<std::string> restorable() const;
+    bool restore(const std::string& fileName);
+    const ScriptUpdate& updateRun() const { return m_update; }
+
+private:
+    void needCatalogue(JobProgress* progress);
+    void readIncluded();
+    const CScriptElm* templateOf(const std::string& fileName) const;
+    std::vector<size_t> dependentsOf(const std::string& fileName, const IncludedScript* self) const;
+    bool pathsOf(std::span<const std::uint32_t> records, std::vector<std::string>& paths) const;
+    void tellUpdated();
+
+    ZunEditorInterface& m_host;
+    CTemplateData& m_catalogue;
+    CatalogueLoader m_loader;
+    UserPrompt& m_prompt;
+    ScriptUpdate m_update;
+    std::unique_ptr<ScriptSearch> m_search;
+    std::vector<IncludedScript> m_included;
+    std::unordered_map<std::string, size_t> m_byText;                // the first entry of that text
+    std::unordered_map<std::string, std::vector<size_t>> m_needers;  // file name -> entries that need it
+    std::unordered_set<const CScriptElm*> m_includedRecords;
+    std::string m_lastAdded = "<none>";
+    std::string m_status;
+};
+
+}  // namespace zoka
