@@ -421,10 +421,13 @@ char* Parser<Utf8>::endTag(char* p) {
 
 template <bool Utf8>
 char* Parser<Utf8>::exclamation(char* p) {
-    const auto begins = [p](std::string_view text) { return std::strncmp(p, text.data(), text.size()) == 0; };
-    if (begins("<!--")) return comment(p);
-    if (begins("<![CDATA[")) return cdata(p);
-    if (begins("<!DOCTYPE")) return doctype(p);
+    // Not looking at the '<', in whose place a text's terminator may stand.
+    const auto begins = [p](std::string_view text) {
+        return std::strncmp(p + 1, text.data(), text.size()) == 0;
+    };
+    if (begins("!--")) return comment(p);
+    if (begins("![CDATA[")) return cdata(p);
+    if (begins("!DOCTYPE")) return doctype(p);
     return fail(kXmlInvalidTag, p);
 }
 

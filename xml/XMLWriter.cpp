@@ -9,7 +9,7 @@ namespace zoka {
 namespace {
 
 // Deeper lines are not indented further: with a tab more a level, the text of a deep tree would be quadratic.
-constexpr std::size_t kDeepestIndent = 100;
+constexpr std::size_t kDeepestIndent = 32;
 
 class Writer {
 public:

@@ -1,0 +1,162 @@
+// Character sets: guessing, files with and without marks, the platform's set.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/TempFolder.h"
+#include "tests/xml/XmlText.h"
+
+using zoka::guessUtf8;
+using zoka::test::orNull;
+using zoka::test::TempFolder;
+using zoka::test::textOf;
+using zoka::test::WithCharset;
+
+namespace {
+
+constexpr char kMark[] = "\xEF\xBB\xBF";
+
+std::string utf16(const std::u16string& text, bool bigEndian) {
+    std::string bytes;
+    for (const char16_t unit : u"\xFEFF" + text) {
+        const char low = static_cast<char>(unit & 0xFF), high = static_cast<char>(unit >> 8);
+        bytes += bigEndian ? high : low;
+        bytes += bigEndian ? low : high;
+    }
+    return bytes;
+}
+
+std::string readBytes(std::string_view bytes) {
+    XMLResults results;
+    const XMLNode node = XMLNode::parseBytes(bytes, nullptr, &results);
+    if (results.code == 0) return orNull(node.getChild("a").getText());
+    return std::to_string(results.code) + " " + std::to_string(results.line) + ":" +
+           std::to_string(results.column);
+}
+
+TEST(Charset, GuessesUtf8) {
+    const std::string fill(30, ' ');
+    const std::string far(195, ' ');
+    const struct {
+        std::string bytes;
+        bool utf8;
+    } rows[] = {
+        {"<a/>", false},
+        {std::string(24, 'x'), false},
+        {std::string(25, 'x'), true},
+        {std::string(kMark) + "<a/>", false},
+        {kMark + fill, true},
+        {kMark + fill + "\xFF", true},
+        {"\xFF\xFE" + fill, false},
+        {"\xFE\xFF" + fill, false},
+        {std::string("<\0a\0", 4) + fill, false},
+        {fill + "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", true},
+        {fill + "\xE9 ", false},
+        {fill + "\xA9", false},
+        {fill + "\xE2\x82", false},
+        {fill + "\xFC\x80\x80\x80\x80\x80", false},
+        {far + "xxxx\xE2\x82\xAC", true},
+        {far + "xxxx\xE2zz", true},
+        {far + "xxxxx\xFF", true},
+        {"<?xml version='1.0' encoding='utf-8'?>", true},
+        {"<?xml version='1.0' encoding \t\r\n= \n\"UTF8-x'?>", true},
+        {"<?xml version='1.0' encoding='iso-8859-1'?>", false},
+        {"<?xml version='1.0' encoding=''?>     ", false},
+        {"<?xml version='1.0' encoding='utf", false},
+        {"<?xml version='1.0' encoding=utf-7 ?>", true},
+        {"<?xml version='1.0' encoding utf-7 ?>", true},
+        {"<?xml version='1.0' encoding      =   ", true},
+        {far + "encoding='x'", true},
+    };
+    for (const auto& row : rows) EXPECT_EQ(guessUtf8(row.bytes), row.utf8) << row.bytes;
+}
+
+TEST(Charset, FilesBecomeUtf8) {
+    const std::u16string wide = u"<a>\u00E9\u20AC\U0001F600</a>";
+    const std::string text = "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";
+    const struct {
+        std::string bytes;
+        std::string result;
+    } rows[] = {
+        {"<a>" + text + "</a>", text},
+        {kMark + ("<a>" + text + "</a>"), text},
+        {kMark + ("<?xml version='1.0' encoding='utf-8'?><a>" + text + "</a>"), text},
+        {utf16(wide, false), text},
+        {utf16(wide, true), text},
+        {utf16(u"<?xml version='1.0' encoding='UTF-16'?><a>x</a>", true), "x"},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9\x80</a>", "\xC3\xA9\xC2\x80"},
+        {"<?xml version='1.0' encoding='windows-1252'?><a>\xE9\x80</a>", "\xC3\xA9\xE2\x82\xAC"},
+        {"<?xml version='1.0' encoding='x-unknown'?><a>x</a>", "x"},
+        // what contradicts itself or can't be converted
+        {utf16(u"<a>\n<", false) + "x", "15 2:2"},
+        {utf16(u"<a>\xD800</a>", false), "15 1:4"},
+        {utf16(u"<a>x\xDC00</a>", true), "15 1:5"},
+        {utf16(u"<a>\xD800", true), "15 1:4"},
+        {utf16(u"<?xml version='1.0' encoding='utf-8'?><a/>", false), "15 1:1"},
+        {std::string(kMark) + "<?xml version='1.0' encoding='iso-8859-1'?><a/>", "15 1:1"},
+        {"<?xml version='1.0' encoding='UTF-16'?><a/>", "15 1:1"},
+        {"<?xml version='1.0' encoding='x-unknown'?><a>\n\xE9</a>", "15 2:1"},
+        {kMark, "2 0:0"},
+        {"\xFF\xFE", "2 0:0"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(readBytes(row.bytes), row.result) << row.bytes;
+    EXPECT_EQ(textOf(XMLNode::parseText("\xEF\xBB\xBF<a/>")), "<a/>");
+}
+
+TEST(Charset, WithoutGuessingBytesAreTakenAsTheyAre) {
+    zoka::setXmlCharsetGuessing(false);
+    EXPECT_EQ(readBytes(std::string(kMark) + "<a>x</a>"), "3 1:1");
+    EXPECT_EQ(readBytes(utf16(u"<a>x</a>", false)), "3 1:1");
+    EXPECT_EQ(readBytes("<a>x</a>"), "x");
+    zoka::setXmlCharsetGuessing(true);
+}
+
+TEST(Charset, InThePlatformsSetHighBytesAreCharacters) {
+    const WithCharset with(XMLCharset::Platform);
+    EXPECT_EQ(readBytes("<a>\xE9\x80\xFF</a>"), "\xE9\x80\xFF");
+    EXPECT_EQ(readBytes("<a>&#233;</a>"), "\xE9");
+    EXPECT_EQ(readBytes("<a>&#x20AC;</a>"), "\x80");
+    EXPECT_EQ(readBytes("<a>x &#x4E2D;</a>"), "15 1:6");
+    EXPECT_EQ(readBytes(utf16(u"<a>\u00E9\u20AC</a>", false)), "\xE9\x80");
+    EXPECT_EQ(readBytes(utf16(u"<a>\u00E9\u4E2D</a>", false)), "15 1:5");
+    EXPECT_EQ(readBytes(std::string(kMark) + "<a>\xC3\xA9</a>"), "\xE9");
+    EXPECT_EQ(readBytes("<?xml version='1.0' encoding='utf-8'?><a>\xC3\xA9</a>"), "\xE9");
+    EXPECT_EQ(readBytes("<?xml version='1.0' encoding='windows-1250'?><a>\xC3\xA9</a>"), "\xC3\xA9");
+    const XMLNode node = XMLNode::parseText("<\xE9l\xE9ve \xFC='1'>x</\xE9l\xE9ve>");
+    EXPECT_STREQ(node.getChild("\xE9L\xE9VE").getAttribute("\xFC"), "1");
+    EXPECT_EQ(zoka::test::verdict("<a>\xE9\x01</a>"), "9 1:5");
+}
+
+// What a file says of its encoding is true, whatever set the texts are in.
+TEST(Charset, FilesSayWhatTheyAre) {
+    TempFolder folder;
+    const std::string path = folder.path("out.xml");
+    const std::string declared = "<?xml version=\"1.0\" encoding=\"";
+    const auto written = [&](const char* text, const char* encoding) {
+        EXPECT_EQ(XMLNode::parseText(text).writeFile(path.c_str(), encoding, false), 0);
+        return folder.read("out.xml");
+    };
+    const std::string utf8 = kMark + declared + "utf-8\"?>\n";
+    EXPECT_EQ(written("<a/>", nullptr), utf8 + "<a/>");
+    EXPECT_EQ(written("<a/>", "windows-1252"), utf8 + "<a/>");
+    EXPECT_EQ(written("<?xml version='1.0'?><a/>", nullptr),
+              kMark + std::string("<?xml version=\"1.0\"?><a/>"));
+    EXPECT_EQ(written("<?xml version='1.0' encoding='UTF-8'?><a/>", "x"), kMark + declared + "UTF-8\"?><a/>");
+    EXPECT_EQ(written("<?xml version='1.0' encoding='utf-16'?><a/>", "x"),
+              kMark + declared + "utf-8\"?><a/>");
+    EXPECT_EQ(written("<?p encoding='x'?><a/>", nullptr), utf8 + "<?p encoding='x'?><a/>");
+
+    const WithCharset with(XMLCharset::Platform);
+    EXPECT_EQ(written("<a>\xE9</a>", "windows-1252"), declared + "windows-1252\"?>\n<a>\xE9</a>");
+    EXPECT_EQ(written("<a>\xE9\x80</a>", nullptr), utf8 + "<a>\xC3\xA9\xE2\x82\xAC</a>");
+    EXPECT_EQ(written("<a>\xE9</a>", "UTF-8"), declared + "UTF-8\"?>\n<a>\xC3\xA9</a>");
+    EXPECT_EQ(written("<?xml version='1.0' encoding='iso-8859-1'?><a>\xE9</a>", nullptr),
+              declared + "iso-8859-1\"?><a>\xE9</a>");
+    EXPECT_EQ(written("<?xml version='1.0' encoding='utf-8'?><a>\xE9</a>", nullptr),
+              declared + "utf-8\"?><a>\xC3\xA9</a>");
+    EXPECT_EQ(written("<?xml version='1.0' encoding='utf-16'?><a>\xE9</a>", nullptr),
+              declared + "utf-8\"?><a>\xC3\xA9</a>");
+    EXPECT_EQ(written("<?xml version='1.0'?><a>\xE9</a>", "x"), "<?xml version=\"1.0\"?><a>\xC3\xA9</a>");
+}
+
+}  // namespace

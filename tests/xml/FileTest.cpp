@@ -1,0 +1,136 @@
+// Trees from and to files.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/support/TempFolder.h"
+#include "tests/xml/XmlText.h"
+
+using namespace zoka::test;
+
+namespace {
+
+constexpr char kHead[] = "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+
+TEST(File, WritesAndReadsBack) {
+    TempFolder folder;
+    XMLNode top = XMLNode::createTop("Project");
+    top.addChild("Level").addAttribute("name", "\xC3\xA9 < 1");
+    const std::string path = folder.path("out.xml");
+    EXPECT_EQ(top.writeFile(path.c_str()), 0);
+    EXPECT_EQ(folder.read("out.xml"),
+              kHead + std::string("<Project>\n\t<Level name=\"\xC3\xA9 &lt; 1\"/>\n</Project>\n"));
+    EXPECT_EQ(top.writeFile(path.c_str(), nullptr, false), 0);
+    EXPECT_EQ(folder.read("out.xml"), kHead + textOf(top));
+    XMLResults results;
+    const XMLNode again = XMLNode::parseFile(path.c_str(), "project", &results);
+    EXPECT_EQ(results.code, 0);
+    EXPECT_EQ(textOf(again), textOf(top));
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"out.xml"});
+}
+
+TEST(File, LargeFilesAreReadWhole) {
+    TempFolder folder;
+    std::string text = "<a>";
+    while (text.size() < 3000000) text += "<b>some text &amp; more</b>\n";
+    text += "</a>";
+    const std::string path = folder.write("large.xml", text);
+    XMLResults results;
+    const XMLNode node = XMLNode::parseFile(path.c_str(), "a", &results);
+    EXPECT_EQ(results.code, 0);
+    EXPECT_EQ(node.childCount("b"), static_cast<int>((text.size() - 7) / 28));
+}
+
+TEST(File, WhatCannotBeReadIsCode12) {
+    TempFolder folder;
+    for (const std::string& path :
+         {folder.path("none.xml"), folder.path(), folder.path("no\\such\\folder.xml"), std::string()}) {
+        XMLResults results{1, 2, 3};
+        EXPECT_TRUE(XMLNode::parseFile(path.c_str(), nullptr, &results).isEmpty());
+        EXPECT_EQ(results.code, kXmlFileNotFound) << path;
+        EXPECT_EQ(results.line + results.column, 0);
+    }
+    EXPECT_TRUE(XMLNode::parseFile(nullptr).isEmpty());
+    EXPECT_STREQ(XMLNode::errorText(12), "Error: File not found");
+    XMLResults results;
+    XMLNode::parseFile(folder.write("empty.xml", "").c_str(), nullptr, &results);
+    EXPECT_EQ(results.code, kXmlNoData);
+}
+
+TEST(File, ErrorTexts) {
+    EXPECT_STREQ(XMLNode::errorText(0), "No error");
+    EXPECT_STREQ(XMLNode::errorText(7), "Error: Unmatched end tag");
+    EXPECT_STREQ(XMLNode::errorText(21), "Error: Base64 decode output buffer is too small");
+    EXPECT_STREQ(XMLNode::errorText(22), "Unknown");
+    EXPECT_STREQ(XMLNode::errorText(-1), "Unknown");
+}
+
+TEST(File, WhatCannotBeWrittenIsCode16Or17AndHarmsNothing) {
+    TempFolder folder;
+    const XMLNode top = XMLNode::parseText("<a>new</a>");
+    EXPECT_EQ(top.writeFile(folder.path("no\\such.xml").c_str()), kXmlCannotOpenForWriting);
+    EXPECT_EQ(top.writeFile(folder.path().c_str()), kXmlCannotOpenForWriting);
+    EXPECT_EQ(top.writeFile(nullptr), kXmlCannotOpenForWriting);
+
+    const std::string path = folder.write("old.xml", "old");
+    const auto failing = [](std::string_view wanted) {
+        return [wanted](int, std::string_view op, const std::string&) { return op == wanted; };
+    };
+    for (const char* op : {"write", "flush", "close"}) {
+        const FaultyOsFiles faulty(failing(op));
+        EXPECT_EQ(top.writeFile(path.c_str()), kXmlCannotWrite) << op;
+        EXPECT_EQ(top.writeFile(folder.path("fresh.xml").c_str()), kXmlCannotWrite) << op;
+    }
+    {
+        const FaultyOsFiles faulty(
+            [](int, std::string_view op, const std::string&) { return op.starts_with("open"); });
+        EXPECT_EQ(top.writeFile(path.c_str()), kXmlCannotOpenForWriting);
+        EXPECT_EQ(top.writeFile(folder.path("fresh.xml").c_str()), kXmlCannotOpenForWriting);
+    }
+    EXPECT_EQ(folder.read("old.xml"), "old");
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"old.xml"});
+    EXPECT_EQ(top.writeFile(path.c_str()), 0);
+    EXPECT_EQ(folder.read("old.xml"), kHead + std::string("<a>new</a>\n"));
+}
+
+TEST(File, TheFatalLoaderStopsWithTheWholeMessage) {
+    TempFolder folder;
+    ScriptedPrompt prompt;
+    const auto stop = [](const std::string& path) {
+        try {
+            XMLNode::loadFileOrExit(path.c_str(), "TavrixTemplate");
+        } catch (const FatalStop& fatal) {
+            EXPECT_EQ(fatal.title, "XML Parsing error");
+            EXPECT_EQ(fatal.exitStatus, 255);
+            return fatal.text;
+        }
+        return std::string("went on");
+    };
+    std::string path = folder.path("none.xml");
+    EXPECT_EQ(stop(path),
+              "XML Parsing error inside file '" + path + "'.\nError: File not found\nAt line 0, column 0.\n");
+    path = folder.write("bad.xml", "<TavrixTemplate>\n\t<Script>\n</TavrixTemplate>");
+    EXPECT_EQ(stop(path), "XML Parsing error inside file '" + path +
+                              "'.\nError: Unmatched end tag\nAt line 3, column 1.\n");
+    path = folder.write("other.xml", "<Wizard>                     </Wizard>");
+    EXPECT_EQ(stop(path), "XML Parsing error inside file '" + path +
+                              "'.\nError: First Tag not found\nAt line 1, column 1.\n"
+                              "First Tag should be 'TavrixTemplate'.\n");
+    EXPECT_EQ(stop(folder.write("good.xml", "<tavrixtemplate/>")), "went on");
+    EXPECT_TRUE(prompt.asked.empty());
+}
+
+TEST(File, TheFatalLoaderSetsTheCharacterSet) {
+    TempFolder folder;
+    const WithCharset with(XMLCharset::Utf8);
+    const std::string latin = folder.write("latin.xml", "<a>                         \xE9</a>");
+    EXPECT_STREQ(XMLNode::loadFileOrExit(latin.c_str(), "a").getText(), "\xE9");
+    EXPECT_EQ(zoka::xmlCharset(), XMLCharset::Platform);
+    const std::string utf8 = folder.write("utf8.xml", "<a>                         \xC3\xA9</a>");
+    EXPECT_STREQ(XMLNode::loadFileOrExit(utf8.c_str(), "a").getText(), "\xC3\xA9");
+    EXPECT_EQ(zoka::xmlCharset(), XMLCharset::Utf8);
+}
+
+}  // namespace

@@ -1,0 +1,247 @@
+// Trees in memory: what reading makes of a text, lookups, handles, trees made by a program.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/xml/XmlText.h"
+
+using zoka::test::orNull;
+using zoka::test::textOf;
+using zoka::test::verdict;
+
+namespace {
+
+TEST(Tree, ValuesAndTextsAreNormalised) {
+    const struct {
+        const char* text;
+        const char* value;  // of the attribute v
+        const char* content;
+    } rows[] = {
+        {"<a v=''></a>", "", "<null>"},
+        {"<a v='  x '>  x \n</a>", "  x ", "x"},
+        {"<a v='1\t2\n3\r\n4\r5'>1\t2\n3\r\n4\r5</a>", "1 2 3 4 5", "1\t2\n3\n4\n5"},
+        {"<a v='&#9;&#10;&#13;&#32;'>&#9;&#10;&#13;&#32;</a>", "\t\n\r ", "\t\n\r "},
+        {"<a v='&lt;&gt;&amp;&quot;&apos;'>&lt;&gt;&amp;&quot;&apos;</a>", "<>&\"'", "<>&\"'"},
+        {"<a v='&amp;lt;&#38;lt;'>&amp;lt;&#38;lt;</a>", "&lt;&lt;", "&lt;&lt;"},
+        {"<a v='&#233;&#x20AC;&#x1F600;'>&#233;&#x20AC;&#x1F600;</a>", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
+         "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+        {"<a v='\"'> \n &#32; x &#32;\n </a>", "\"", "  x  "},
+        {"<a v=\"'\"> \t\n</a>", "'", "<null>"},
+        {"<a v=''>x&amp;\r\n</a>", "", "x&"},
+    };
+    for (const auto& row : rows) {
+        const XMLNode node = XMLNode::parseText(row.text, "a");
+        EXPECT_EQ(orNull(node.getAttribute("v")), row.value) << row.text;
+        EXPECT_EQ(orNull(node.getText()), row.content) << row.text;
+    }
+}
+
+TEST(Tree, ContentInDocumentOrder) {
+    const XMLNode document = XMLNode::parseText(
+        "<?xml version='1.0' encoding='utf-8'?>\n<!-- one -->\n<!DOCTYPE a [<!ENTITY e 'x'>]>\n<?go for it ?>"
+        "<a x='1' y='2'> first <b/> second <!-- c --> third <![CDATA[ <raw> ]]><B/></a>");
+    ASSERT_FALSE(document.isEmpty());
+    EXPECT_EQ(document.getName(), nullptr);
+    const XMLNode declaration = document.getChild("xml");
+    EXPECT_TRUE(declaration.isDeclaration());
+    EXPECT_STREQ(declaration.getAttribute("version"), "1.0");
+    EXPECT_TRUE(document.getChild("go").isDeclaration());
+    EXPECT_STREQ(document.getChild("go").getText(), "for it ");
+    EXPECT_STREQ(document.getClear(1).openTag, "<!DOCTYPE");
+    EXPECT_STREQ(document.getClear(1).value, " a [<!ENTITY e 'x'>]");
+    EXPECT_STREQ(document.getClear(1).closeTag, ">");
+
+    const XMLNode a = document.getChild("A");
+    EXPECT_EQ(a.order(), (std::vector<int>{0 * 4 + kXmlAttribute, 1 * 4 + kXmlAttribute, 0 * 4 + kXmlText,
+                                           0 * 4 + kXmlChild, 1 * 4 + kXmlText, 0 * 4 + kXmlClear,
+                                           2 * 4 + kXmlText, 1 * 4 + kXmlClear, 1 * 4 + kXmlChild}));
+    EXPECT_EQ(a.textCount(), 3);
+    EXPECT_STREQ(a.getText(1), "second");
+    EXPECT_STREQ(a.getText(2), "third");
+    EXPECT_EQ(a.getText(3), nullptr);
+    EXPECT_EQ(a.clearCount(), 2);
+    EXPECT_STREQ(a.getClear(0).value, " c ");
+    EXPECT_STREQ(a.getClear(1).value, " <raw> ");
+    EXPECT_STREQ(a.getClear(1).openTag, "<![CDATA[");
+    EXPECT_EQ(a.getClear(2).value, nullptr);
+    EXPECT_EQ(a.attributeCount(), 2);
+    EXPECT_STREQ(a.getAttributeAt(1).name, "y");
+    EXPECT_EQ(a.getAttributeAt(2).name, nullptr);
+    EXPECT_EQ(a.getParent(), document);
+    EXPECT_TRUE(document.getParent().isEmpty());
+}
+
+TEST(Tree, NamesAreFoundWithoutRegardToCase) {
+    const XMLNode a = XMLNode::parseText(
+        "<a Name='1' DIRECTORY='2' directoryX='3'><Script n='0'/><Other/><SCRIPT n='1'/><Scripts/></a>", "A");
+    EXPECT_STREQ(a.getChild("script", 1).getAttribute("N"), "1");
+    EXPECT_TRUE(a.getChild("script", 2).isEmpty());
+    EXPECT_TRUE(a.getChild("script", -1).isEmpty());
+    EXPECT_EQ(a.childCount("sCRIPT"), 2);
+    EXPECT_EQ(a.childCount(), 4);
+    EXPECT_STREQ(a.getChild(3).getName(), "Scripts");
+    EXPECT_STREQ(a.getAttribute("name"), "1");
+    EXPECT_STREQ(a.getAttribute("Directory"), "2");
+    EXPECT_STREQ(a.getAttribute("DIRECTORYx"), "3");
+    EXPECT_EQ(a.getAttribute("directoryXY"), nullptr);
+    EXPECT_EQ(a.getAttribute("nam"), nullptr);
+    EXPECT_EQ(a.getAttribute(""), nullptr);
+    EXPECT_TRUE(a.hasAttribute("NAME"));
+    EXPECT_FALSE(a.hasAttribute("names"));
+    // Neighbours of the letters in the character table are no letters.
+    const XMLNode b = XMLNode::parseText("<b a_='1'/>", "b");
+    EXPECT_EQ(b.getAttribute("A\x7F"), nullptr);
+    EXPECT_TRUE(XMLNode::parseText("<\xC3\x84/>").getChild("\xC3\xA4").isEmpty());
+}
+
+TEST(Tree, IteratorsWalkOneNameOrAll) {
+    const XMLNode a = XMLNode::parseText("<a><x/>text<y/><X/><!-- c --><y/><x/></a>", "a");
+    const auto positions = [&](const char* tag) {
+        std::string found;
+        int at = 0;
+        while (!a.getChild(tag, &at).isEmpty()) found += std::to_string(at);
+        return found;
+    };
+    EXPECT_EQ(positions("x"), "135");
+    EXPECT_EQ(positions("Y"), "24");
+    EXPECT_EQ(positions("z"), "");
+    EXPECT_EQ(positions(nullptr), "12345");
+    std::string names;
+    for (XMLNode n = a.firstChild(); !n.isEmpty(); n = n.nextSibling()) names += n.getName();
+    EXPECT_EQ(names, "xyXyx");
+    int found = 0;
+    for (XMLNode n = a.firstChild("x"); !n.isEmpty(); n = n.nextSibling("x")) ++found;
+    EXPECT_EQ(found, 3);
+
+    XMLNode b = XMLNode::createTop("b");
+    for (const char* value : {"1", "2", "3"}) b.addAttribute("v", value);
+    b.addAttribute("w", nullptr);
+    int at = 0;
+    EXPECT_STREQ(b.getAttribute("V", &at), "1");
+    EXPECT_STREQ(b.getAttribute("V", &at), "2");
+    EXPECT_EQ(at, 2);
+    EXPECT_STREQ(b.getAttribute("V", &at), "3");
+    EXPECT_EQ(b.getAttribute("V", &at), nullptr);
+    EXPECT_EQ(at, 3);
+    EXPECT_EQ(b.getAttribute("w"), nullptr);
+    EXPECT_TRUE(b.hasAttribute("w"));
+}
+
+TEST(Tree, TheEmptyNodeAnswersEverything) {
+    XMLNode empty = XMLNode::emptyNode();
+    int at = 0;
+    EXPECT_TRUE(empty.isEmpty());
+    EXPECT_TRUE(empty.getChild("x").isEmpty());
+    EXPECT_TRUE(empty.getChild(0).isEmpty());
+    EXPECT_TRUE(empty.getChild("x", &at).isEmpty());
+    EXPECT_TRUE(empty.firstChild().isEmpty());
+    EXPECT_TRUE(empty.nextSibling().isEmpty());
+    EXPECT_TRUE(empty.getParent().isEmpty());
+    EXPECT_TRUE(empty.addChild("x").isEmpty());
+    empty.addText("x");
+    empty.addAttribute("x", "y");
+    EXPECT_EQ(empty.getName(), nullptr);
+    EXPECT_EQ(empty.getText(), nullptr);
+    EXPECT_EQ(empty.getAttribute("x"), nullptr);
+    EXPECT_FALSE(empty.hasAttribute("x"));
+    EXPECT_FALSE(empty.isDeclaration());
+    EXPECT_EQ(empty.childCount() + empty.childCount("x") + empty.textCount() + empty.clearCount(), 0);
+    EXPECT_EQ(empty.attributeCount(), 0);
+    EXPECT_TRUE(empty.order().empty());
+    EXPECT_EQ(empty.toText(), nullptr);
+    EXPECT_EQ(empty.writeFile("never.xml"), kXmlCannotOpenForWriting);
+    EXPECT_TRUE(XMLNode::emptyNode().isEmpty());
+    const XMLNode a = XMLNode::parseText("<a/>", "a");
+    EXPECT_TRUE(a.getChild(static_cast<const char*>(nullptr)).isEmpty());
+    EXPECT_EQ(a.getAttribute(nullptr), nullptr);
+}
+
+TEST(Tree, TheTopTagIsAskedFor) {
+    EXPECT_EQ(verdict("<Project/>", "project"), "0");
+    EXPECT_EQ(verdict("<?xml version='1.0'?>\n <!-- c -->  <Wizard\n/>", "Project"), "13 2:14");
+    EXPECT_EQ(verdict("<Wizard>", "Project"), "1 1:9");
+    EXPECT_STREQ(XMLNode::parseText("<?xml version='1.0'?><Project/>", "PROJECT").getName(), "Project");
+    EXPECT_TRUE(XMLNode::parseText(nullptr).isEmpty());
+}
+
+// Handles keep the whole tree; the address sanitizer watches.
+TEST(Tree, HandlesOnChildrenOutliveTheRoot) {
+    XMLNode child;
+    const char* text = nullptr;
+    {
+        const XMLNode root = XMLNode::parseText("<a><b v='1'><c>deep text</c></b></a>", "a");
+        child = root.getChild("b").getChild("c");
+        text = child.getText();
+    }
+    EXPECT_STREQ(text, "deep text");
+    EXPECT_STREQ(child.getParent().getAttribute("v"), "1");
+    XMLNode copy = child;
+    child = child.getParent().getParent();
+    EXPECT_STREQ(child.getName(), "a");
+    child = XMLNode();
+    EXPECT_STREQ(copy.getName(), "c");
+    XMLNode& same = copy;
+    copy = same;
+    EXPECT_STREQ(copy.getName(), "c");
+    XMLNode moved = std::move(copy);
+    copy = moved;
+    EXPECT_EQ(copy, moved);
+    copy = XMLNode::parseText("<z/>", "z");
+    EXPECT_STREQ(copy.getName(), "z");
+    EXPECT_STREQ(moved.getText(), "deep text");
+}
+
+TEST(Tree, GrowsAtEveryPlace) {
+    XMLNode root = XMLNode::parseText("<a x='1'>text<b/></a>", "a");
+    for (int i = 0; i < 100; ++i) {
+        const std::string n = std::to_string(i);
+        root.addAttribute(("n" + n).c_str(), n.c_str());
+        XMLNode child = root.addChild("child");
+        child.addText(n.c_str());
+        child.addText(nullptr);
+        child.addText("");
+    }
+    root.addText("end");
+    EXPECT_EQ(root.attributeCount(), 101);
+    EXPECT_STREQ(root.getAttribute("x"), "1");
+    EXPECT_STREQ(root.getAttribute("N99"), "99");
+    EXPECT_EQ(root.childCount("child"), 100);
+    EXPECT_STREQ(root.getChild("child", 57).getText(), "57");
+    EXPECT_EQ(root.getChild("child", 57).textCount(), 1);
+    EXPECT_STREQ(root.getText(1), "end");
+    EXPECT_EQ(root.order().back(), 1 * 4 + kXmlText);
+
+    const std::string large(300000, 'x');
+    XMLNode top = XMLNode::createTop("t");
+    top.addChild("c").addText(large.c_str());
+    top.addChild("d").addAttribute("v", large.c_str());
+    EXPECT_EQ(textOf(top), "<t><c>" + large + "</c><d v=\"" + large + "\"/></t>");
+}
+
+// Each of these would take minutes if every lookup started at the first item. Loops run inside one another
+// and over several names at once.
+TEST(Tree, LookupsByIndexInTurnAreLinear) {
+    constexpr int count = 60000;
+    std::string text = "<a>";
+    for (int i = 0; i < count; ++i) text += "<x><i/></x>t<!---->" + std::string(i % 2 ? "<y/>" : "");
+    const XMLNode a = XMLNode::parseText((text + "</a>").c_str(), "a");
+    int found = 0;
+    for (int i = 0; !a.getChild("x", i).isEmpty(); ++i) {
+        found += !a.getChild("x", i).getChild("i", 0).isEmpty();
+        found += !a.getChild("Y", i / 2).isEmpty();
+        found += a.getText(i) != nullptr;
+        found += a.getClear(i).value != nullptr;
+        found += !a.getChild(i).isEmpty();
+    }
+    EXPECT_EQ(found, 5 * count);
+    int x = 0, y = 0, steps = 0;
+    while (!a.getChild("x", &x).isEmpty()) steps += a.getChild("y", &y).isEmpty() ? 1 : 2;
+    EXPECT_EQ(steps, count + count / 2);
+    // Going back is right too, if not fast.
+    EXPECT_STREQ(a.getChild("x", count - 1).getChild(0).getName(), "i");
+    EXPECT_STREQ(a.getChild(2).getName(), "y");
+    EXPECT_STREQ(a.getChild(10).getName(), "x");
+}
+
+}  // namespace

@@ -1,0 +1,40 @@
+// Short forms for the XML tests.
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "xml/XMLNode.h"
+
+namespace zoka::test {
+
+inline std::string textOf(const XMLNode& node, bool formatted = false) {
+    struct Free {
+        void operator()(char* text) const { std::free(text); }
+    };
+    const std::unique_ptr<char, Free> text(node.toText(formatted));
+    return text ? text.get() : "<null>";
+}
+
+inline std::string orNull(const char* text) {
+    return text ? text : "<null>";
+}
+
+// Sets the process's character set for its lifetime.
+struct WithCharset {
+    explicit WithCharset(XMLCharset charset) { setXmlCharset(charset); }
+    ~WithCharset() { setXmlCharset(XMLCharset::Utf8); }
+};
+
+// "code line:column" of an error, "0" when the text is read.
+inline std::string verdict(const char* text, const char* tag = nullptr) {
+    XMLResults results;
+    const XMLNode node = XMLNode::parseText(text, tag, &results);
+    if (node.isEmpty() != (results.code != 0)) return "node and code don't agree";
+    if (results.code == 0) return "0";
+    return std::to_string(results.code) + " " + std::to_string(results.line) + ":" +
+           std::to_string(results.column);
+}
+
+}  // namespace zoka::test
