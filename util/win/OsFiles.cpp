@@ -228,6 +228,15 @@ public:
     }
 
     bool replaceFile(const std::string& target, const std::string& replacement) override {
+        // Merging the attributes is the system's part too, but not every one that runs us does it.
+        constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
+                                FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+        const DWORD attributes = GetFileAttributesA(target.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES) {
+            return false;
+        }
+        SetFileAttributesA(replacement.c_str(),
+                           (attributes & kKept) != 0 ? attributes & kKept : FILE_ATTRIBUTE_NORMAL);
         if (ReplaceFileA(target.c_str(), replacement.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                          nullptr, nullptr)) {
             return true;

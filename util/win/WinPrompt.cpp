@@ -140,8 +140,8 @@ std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request
 }
 
 void WinPrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
-    MessageBoxA(nullptr, text.c_str(), title.c_str(),
-                MB_OK | MB_ICONERROR | MB_TOPMOST | MB_SETFOREGROUND | MB_TASKMODAL);
+    MessageBoxA(ownerWindow(), text.c_str(), title.c_str(),
+                MB_OK | MB_ICONERROR | MB_SYSTEMMODAL | MB_SETFOREGROUND);  // system-modal boxes stay on top
     ExitProcess(static_cast<UINT>(exitStatus));
 }
 

@@ -57,7 +57,7 @@ TEST(SafeWrite, RefusesAFileThatAnotherProgramHolds) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
 }
 
-TEST(FileTimes, SetAllThree) {
+TEST(FileTimes, SetTheAccessTimeToo) {
     const TempFolder folder;
     const std::string path = folder.write("a", "x");
     const zoka::FileTime time = zoka::FileTime::fromTicks(130'000'000'000'000'000);

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <atomic>
+#include <cstdio>
 #include <thread>
+
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -13,19 +15,23 @@ using namespace zoka;
 
 constexpr DWORD kPatience = 20'000;  // ms
 
-// Waits for the box with this title and sends it a command; the style of its window.
-DWORD pressButton(const char* title, WPARAM command) {
+// Waits for the box with this title and sends it a command; tells the error stream of a box that stays on
+// top, which is all that remains of a process that the press ends.
+void pressButton(const char* title, WPARAM command) {
     const DWORD start = GetTickCount();
     while (GetTickCount() - start < kPatience) {
-        if (HWND box = FindWindowA(nullptr, title)) {
-            const auto style = static_cast<DWORD>(GetWindowLongA(box, GWL_EXSTYLE));
+        HWND box = FindWindowA(nullptr, title);
+        if (box && IsWindowVisible(box)) {  // by then it is where it stays
+            if (GetWindowLongA(box, GWL_EXSTYLE) & WS_EX_TOPMOST) {
+                std::fputs("a box on top", stderr);
+                std::fflush(stderr);
+            }
             PostMessageA(box, WM_COMMAND, command, 0);
-            return style;
+            return;
         }
         Sleep(10);
     }
     ADD_FAILURE() << "no box titled " << title;
-    return 0;
 }
 
 TEST(WinPrompt, AnswersAsTheUserDoes) {
@@ -50,18 +56,33 @@ TEST(WinPrompt, AnswersAsTheUserDoes) {
     }
 }
 
+TEST(WinPrompt, ChoosersGiveAPathOrNothing) {
+    const zoka::test::TempFolder folder;
+    const std::string path = folder.write("a.kez", "x");
+    char before[MAX_PATH], after[MAX_PATH];
+    GetCurrentDirectoryA(sizeof before, before);
+    ChooserRequest request;
+    request.title = "ZOKA chooser test 1";
+    request.fileName = path;
+    request.filter = "KEZ scripts|*.kez";
+    for (const WPARAM command : {IDOK, IDCANCEL}) {
+        std::thread user([&] { pressButton(request.title.c_str(), command); });
+        const auto chosen = WinPrompt().chooseFile(request);
+        user.join();
+        EXPECT_EQ(chosen, command == IDOK ? std::optional(path) : std::nullopt);
+        request.title = "ZOKA chooser test 2";
+    }
+    GetCurrentDirectoryA(sizeof after, after);
+    EXPECT_STREQ(before, after) << "the editor's current folder is not ours to move";
+}
+
 TEST(WinPromptDeathTest, FatalStopStaysOnTopAndEndsTheProcess) {
     EXPECT_EXIT(
         {
-            std::thread user([] {
-                const DWORD style = pressButton("ZOKA fatal test", IDOK);
-                if (!(style & WS_EX_TOPMOST)) {
-                    ExitProcess(99);
-                }
-            });
+            std::thread user([] { pressButton("ZOKA fatal test", IDOK); });
             WinPrompt().fatalStop("text", "ZOKA fatal test", 12);
         },
-        testing::ExitedWithCode(12), "");
+        testing::ExitedWithCode(12), "a box on top");
 }
 
 }  // namespace
