@@ -117,6 +117,7 @@ private:
     void read(const Words&);
     void expectControl(const Words&);
     void expectItems(const Words&);
+    void expectLayout(const Words&);
     void tabOrderOf(const Words&);
     void expectTabOrder(const Words&);
     // ... what is looked at besides

@@ -140,6 +140,36 @@ std::string stateText(HWND control) {
     return text + ", value \"" + valueOf(control) + "\"; the keyboard is in " + describe(focusOf(control));
 }
 
+bool isGroupBox(HWND control) {
+    return isClass(control, "Button") && (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+}
+
+// The visible controls of a window that reach over their parent's edge or lie over a neighbour (frames around groups
+// may); empty when all is well.
+std::string layoutFaults(HWND top) {
+    std::string faults;
+    std::vector<HWND> seen;
+    for (const HWND control : childWindows(top)) {
+        if (!IsWindowVisible(control) || isGroupBox(control)) continue;
+        RECT area;
+        RECT parent;
+        RECT common;
+        GetWindowRect(control, &area);
+        GetClientRect(GetParent(control), &parent);
+        MapWindowPoints(GetParent(control), nullptr, reinterpret_cast<POINT*>(&parent), 2);
+        if (IsRectEmpty(&area) || !IntersectRect(&common, &area, &parent) || !EqualRect(&common, &area))
+            faults += "\n    " + describe(control) + " is not wholly inside";
+        for (const HWND other : seen) {
+            RECT place;
+            GetWindowRect(other, &place);
+            if (GetParent(other) == GetParent(control) && IntersectRect(&common, &place, &area))
+                faults += "\n    " + describe(control) + " lies over " + describe(other);
+        }
+        seen.push_back(control);
+    }
+    return faults;
+}
+
 }  // namespace
 
 void Driver::addControlCommands(std::map<std::string, Command>& table) {
@@ -154,6 +184,7 @@ void Driver::addControlCommands(std::map<std::string, Command>& table) {
     table["read"] = {1, 1, &Driver::read};
     table["expect"] = {2, 3, &Driver::expectControl};
     table["expect-items"] = {1, 99, &Driver::expectItems};
+    table["expect-layout"] = {0, 0, &Driver::expectLayout};
     table["taborder"] = {0, 0, &Driver::tabOrderOf};
     table["expect-taborder"] = {1, 99, &Driver::expectTabOrder};
 }
@@ -283,6 +314,13 @@ void Driver::expectItems(const Words& words) {
     const Words wanted(words.begin() + 1, words.end());
     expect([&] { return itemsOf(found) == wanted; }, "the items " + listed(wanted),
            [&] { return listed(itemsOf(found)); });
+}
+
+void Driver::expectLayout(const Words&) {
+    const HWND top = window();
+    std::string faults;
+    expect([&] { return (faults = layoutFaults(top)).empty(); },
+           "every control inside its window and none over another", [&] { return faults; });
 }
 
 void Driver::tabOrderOf(const Words&) {

@@ -104,7 +104,8 @@ int main(int argc, char** argv) {
                  "zunhost");
     app.add_option("project", options.project, "Folder of the project to open");
     app.add_option("--plugin", options.plugin, "Plug-in (.dll) to load");
-    app.add_option("--suite", options.suite, "Folder that holds the template folder (default: the project's)");
+    app.add_option("--suite", options.suite, "Folder that holds the template folder (default: the project's)")
+        ->take_last();
     app.add_option("--templates", options.templates, "Name of the template folder in it");
     app.add_option("--log", options.logFile, "Write every call to this file");
     app.add_option("--host", options.fault, "How the host answers: normal, fail, empty, full");

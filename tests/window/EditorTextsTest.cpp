@@ -1,0 +1,130 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tools/editor/DriveScript.h"
+#include "tools/editor/LevelMap.h"
+
+namespace zoka {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(LevelMap, readsWhatIsNamedAndWritesItBackEqual) {
+    std::string error;
+    const auto level = readLevelMap(
+        "// a level\r\nlevel 1\r\nentity a\r\n action s.kez walk\r\n position 1 -2.5 3\r\n skill 1 0.1\r\n skill 20 7\n"
+        " flag 8\n flag 1\nend\nentity b\nend",
+        error);
+    ASSERT_TRUE(level) << error;
+    ASSERT_EQ(level->entities.size(), 2U);
+    const LevelEntity& a = level->entities[0];
+    EXPECT_EQ(a.script + " " + a.action, "s.kez walk");
+    EXPECT_THAT(a.position, ElementsAre(1.0F, -2.5F, 3.0F));
+    EXPECT_EQ(a.skills[0], 0.1F);
+    EXPECT_EQ(a.skills[19], 7.0F);
+    EXPECT_EQ(a.flags, 0x81U);
+    EXPECT_EQ(level->entities[1].flags, 0U);
+
+    const std::string written = writeLevelMap(*level);
+    const auto again = readLevelMap(written, error);
+    ASSERT_TRUE(again) << error;
+    EXPECT_EQ(again->entities[0].skills, a.skills);
+    EXPECT_EQ(writeLevelMap(*again), written);
+}
+
+TEST(LevelMap, saysWhatIsWrongAndWhere) {
+    const struct {
+        const char* text;
+        const char* error;
+    } rows[] = {
+        {"", "line 0: a level begins with \"level 1\""},
+        {"level 2", "line 1: a level begins with \"level 1\""},
+        {"level 1\nentity a b", "line 2: expected \"entity NAME\""},
+        {"level 1\nskill 1 2", "line 2: expected \"entity NAME\""},
+        {"level 1\nentity a\n", "line 2: the entity \"a\" has no end"},
+        {"level 1\nentity a\naction s.kez", "line 3: action needs a script file and an action's name"},
+        {"level 1\nentity a\nposition 1 2", "line 3: position needs three numbers"},
+        {"level 1\nentity a\nposition 1 2 nan", "line 3: position needs three numbers"},
+        {"level 1\nentity a\nskill 21 1", "line 3: skill needs a number from 1 to 20 and a value"},
+        {"level 1\nentity a\nskill 1 x", "line 3: skill needs a number from 1 to 20 and a value"},
+        {"level 1\nentity a\nflag 0", "line 3: flag needs a number from 1 to 8"},
+        {"level 1\nentity a\nflag 1 2", "line 3: too many words after flag"},
+        {"level 1\nentity a\nsize 3", "line 3: unknown word \"size\""},
+    };
+    for (const auto& row : rows) {
+        std::string error;
+        EXPECT_FALSE(readLevelMap(row.text, error)) << row.text;
+        EXPECT_EQ(error, row.error) << row.text;
+    }
+}
+
+TEST(LevelMap, findsAnActionsTextPastCommentsAndQuotes) {
+    const struct {
+        const char* script;
+        const char* action;
+        const char* block;  // null: none
+    } rows[] = {
+        {"action a { x; }\naction b { y; }", "b", "action b { y; }"},
+        {"ACTION A\r\n{ {1} {2} } rest", "a", "ACTION A\r\n{ {1} {2} }"},
+        {"action a { // }\n s = \"}\"; /* } */ }!", "a", "action a { // }\n s = \"}\"; /* } */ }"},
+        {"// action a { }\naction a { 1 }", "a", "action a { 1 }"},
+        {"action a { open", "a", "action a { open"},
+        {"action ab { }", "a", nullptr},
+        {"reaction a { }", "a", nullptr},
+        {"action", "a", nullptr},
+    };
+    for (const auto& row : rows) {
+        const std::string script = row.script;
+        const auto block = findActionBlock(script, row.action);
+        ASSERT_EQ(block.has_value(), row.block != nullptr) << script;
+        if (block) EXPECT_EQ(script.substr(block->start, block->length), row.block);
+    }
+}
+
+TEST(DriveScript, splitsWordsAndPutsInValues) {
+    DriveScript script;
+    std::string error;
+    ASSERT_TRUE(readDriveScript("# comment\n\n click \"a \"\"b\"\" c\"\tx#y\r\nopen ${DIR}\\s\nprint \"\"",
+                                {{"DIR", "C:\\a b"}}, script, error))
+        << error;
+    ASSERT_EQ(script.lines.size(), 3U);
+    EXPECT_EQ(script.lines[0].number, 3);
+    EXPECT_THAT(script.lines[0].words, ElementsAre("click", "a \"b\" c", "x#y"));
+    EXPECT_THAT(script.lines[1].words, ElementsAre("open", "C:\\a b\\s"));
+    EXPECT_THAT(script.lines[2].words, ElementsAre("print", ""));
+}
+
+TEST(DriveScript, pairsNestedRepeats) {
+    DriveScript script;
+    std::string error;
+    ASSERT_TRUE(readDriveScript("repeat 2\nrepeat 3\nclick a\nend\nend", {}, script, error)) << error;
+    EXPECT_EQ(script.lines[0].times, 2);
+    EXPECT_EQ(script.lines[0].partner, 4U);
+    EXPECT_EQ(script.lines[3].partner, 1U);
+    EXPECT_EQ(script.lines[4].partner, 0U);
+}
+
+TEST(DriveScript, saysWhatIsWrongAndWhere) {
+    const struct {
+        const char* text;
+        const char* error;
+    } rows[] = {
+        {"a\nclick \"b", "2: a quoted word has no end"},
+        {"open ${NO}", "1: no value for ${NO} (give it with --set NAME=VALUE)"},
+        {"open ${", "1: no value for ${ (give it with --set NAME=VALUE)"},
+        {"repeat", "1: repeat needs a count of 1 or more"},
+        {"repeat 0\nend", "1: repeat needs a count of 1 or more"},
+        {"repeat 2x\nend", "1: repeat needs a count of 1 or more"},
+        {"a\nrepeat 2\n", "2: repeat without end"},
+        {"end", "1: end without repeat"},
+    };
+    for (const auto& row : rows) {
+        DriveScript script;
+        std::string error;
+        EXPECT_FALSE(readDriveScript(row.text, {}, script, error)) << row.text;
+        EXPECT_EQ(error, row.error) << row.text;
+    }
+}
+
+}  // namespace
+}  // namespace zoka

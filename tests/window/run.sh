@@ -1,0 +1,106 @@
+#!/bin/bash
+# Runs the window tests: run.sh WINDOWS_BUILD [TEST...]
+#
+# Each *.drive file beside this script is one test: a script that the stand-in editor carries out in a process of its
+# own, in real windows, on one display for all. Comment lines at the head of a script may say
+#   #: status N      the exit status that the process must end with (0 when not said)
+#   #: says TEXT     a text that the process must write on its output; may be repeated
+#   #: options TEXT  further options of zunhost
+# Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
+# Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
+set -uo pipefail
+build=$(cd "$1" && pwd) || exit 1
+shift
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+watchdog=45 # seconds for one test
+tries=3     # where Wine itself does not come up
+if [ -z "${DISPLAY:-}" ]; then
+    exec "$root/tools/run/display.sh" "$0" "$build" "$@"
+fi
+
+windows_path() { echo "Z:${1//\//\\}"; }
+directives() { sed -nE "s/^#: $2 (.*)$/\1/p" "$1"; }
+
+# A test's folders: a project, one with a level but no scripts, one that has a project file beside its main script;
+# a suite with templates and one without.
+lay_out() { # folder
+    rm -rf "$1"
+    mkdir -p "$1"/{bare,suite,empty} || return 1
+    cp -r "$root/samples/project" "$1/project"
+    cp "$root/samples/project/main.zlm" "$1/bare/"
+    cp -r "$root/samples/project" "$1/j8"
+    [ -e "$1/j8/main.xml" ] || printf '<Project name="harbour"/>\r\n' >"$1/j8/main.xml"
+    cp -r "$root/samples/templates" "$1/suite/templates"
+    [ -e "$1/suite/templates/template_6.xml" ] || printf '<Templates/>\r\n' >"$1/suite/templates/template_6.xml"
+    chmod -R u+w "$1"
+}
+
+# Runs one script; its output is in output.txt.
+drive() { # script, folder
+    local project suite options fits try status=1
+    project=$(windows_path "$2/project")
+    suite=$(windows_path "$2/suite")
+    # Names of levels: folder, separator, name and extension make a path of 260 characters, and one more.
+    fits=$(head -c $((260 - 4 - ${#project} - 1)) /dev/zero | tr '\0' 'a')
+    options=$(directives "$1" options | tr '\n' ' ')
+    options=${options//'${EMPTY}'/$(windows_path "$2/empty")}
+    for ((try = 0; try < tries; try++)); do
+        rm -f "$2/calls.log"
+        # shellcheck disable=SC2086 # options are words
+        timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$build/wine" "$build/tools/editor/zunhost.exe" \
+            --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
+            --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
+            --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" \
+            --set "OUT=$(windows_path "$2")" --set "LEVEL_FITS=$fits" --set "LEVEL_TOO_LONG=${fits}a" \
+            --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
+            --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \
+            --set "LEAKY=$(windows_path "$build/tests/window/leaky_plugin.dll")" \
+            $options >"$2/output.txt" 2>&1 </dev/null
+        status=$?
+        # The log is the first thing that the program makes. Without it, it never ran.
+        [ -e "$2/calls.log" ] && break
+        echo "$(basename "$1"): Wine did not come up, status $status" >&2
+    done
+    return $status
+}
+
+passed=0
+failed=0
+scripts=()
+if [ $# -gt 0 ]; then
+    for name in "$@"; do scripts+=("$here/${name%.drive}.drive"); done
+else
+    scripts=("$here"/*.drive)
+fi
+for script in "${scripts[@]}"; do
+    name=$(basename "$script" .drive)
+    folder=$build/window/$name
+    start=$(date +%s%N)
+    wrong=
+    if lay_out "$folder"; then
+        drive "$script" "$folder"
+        status=$?
+        wanted=$(directives "$script" status)
+        [ $status = "${wanted:-0}" ] || wrong="ended with $status instead of ${wanted:-0}"
+        while IFS= read -r text; do
+            grep -qF -- "$text" "$folder/output.txt" || wrong="$wrong; did not say \"$text\""
+        done < <(directives "$script" says)
+    else
+        wrong="its folders can't be made"
+    fi
+    took=$((($(date +%s%N) - start) / 100000000))
+    if [ -z "$wrong" ]; then
+        passed=$((passed + 1))
+        echo "PASS $name ($((took / 10)).$((took % 10)) s)"
+    else
+        failed=$((failed + 1))
+        echo "FAIL $name ($((took / 10)).$((took % 10)) s): ${wrong#; }"
+        sed 's/^/    /' "$folder/output.txt" | tail -n 60
+        echo "    last calls:"
+        tail -n 15 "$folder/calls.log" 2>/dev/null | sed 's/^/      /'
+    fi
+done
+[ $((passed + failed)) -gt 0 ] || failed=1
+echo "window tests: $passed passed, $failed failed"
+[ $failed = 0 ]
