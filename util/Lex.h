@@ -34,9 +34,8 @@ public:
     CLex& operator=(const CLex&) = delete;
 
     // --- Lines
-    // -------------------------------------------------------------------------------------------------
-    // Returned lines stay valid until the next call that delivers a line (those inside the text, as long as
-    // it).
+
+    // Those returned stay valid until the next call that delivers one; those inside the text, as long as it.
 
     // The next line as it stands, or null after the last. Every line but the last is a pointer into the text,
     // not 0-terminated, getLineLen() bytes long without its LF but with its CR. The last line is a
@@ -65,8 +64,8 @@ public:
     int getLinesNumber() const { return lines; }
     int getLineLen() const { return linelen; }  // length of the line last delivered
     long getPos() const;  // offset of the line to be delivered next; the text's size after the last
-    const char* getCurrLinePos()
-        const;  // start, in the text, of the line last delivered; null before the first
+    // The start, in the text, of the line last delivered; null before the first.
+    const char* getCurrLinePos() const;
     const char* getBuf() const { return buf; }
     long getBufSize() const { return bufsize; }
     int GetMaxLineSize() const { return kMaxLine; }  // 1024
@@ -76,11 +75,11 @@ public:
     static void SetMessageProc(int (*proc)(int)) { message_box = proc; }
 
     // --- Tokens
-    // ------------------------------------------------------------------------------------------------ A
-    // token is a run of characters bounded by blanks, tabs, CR, LF, the end of the string (a 0 or the length
-    // given) or a character of `delims`, a 0-terminated list of further separators or null. A separator is
-    // never part of a token nor a token of its own. Tokens are returned as pointers into the text, neither
-    // copied nor terminated. A null text is a text without tokens.
+
+    // A token is a run of characters bounded by blanks, tabs, CR, LF, the end of the string (a 0 or the
+    // length given) or a character of `delims`, a 0-terminated list of further separators or null. A
+    // separator is never part of a token nor a token of its own. Tokens are returned as pointers into the
+    // text, neither copied nor terminated. A null text is a text without tokens.
 
     // Starts a walk over `len` bytes of `text` and returns its first token or null. `text` and `delims` are
     // kept, not copied: they must live as long as the walk.
@@ -92,9 +91,8 @@ public:
     // 0 ends them) is the text between the quotes, possibly empty; the walk goes on after the closing quote.
     // Without a closing quote it is an ordinary token, its quote included.
     static const char* GetNextTokenEx();
-    static int GetTokenLen() {
-        return gettoken_tokenlen;
-    }  // length of the token last returned, 0 after a null
+    // Length of the token last returned, 0 after a null.
+    static int GetTokenLen() { return gettoken_tokenlen; }
 
     // Number of characters of 0-terminated `text` before its first blank, tab, LF, CR or separator.
     static int GetFirstTokenSize(const char* text, const char* delims = nullptr);
@@ -104,10 +102,9 @@ public:
     static const char* GetTokenPos(const char* text, const char* delims = nullptr);
 
     // Copies the first token of 0-terminated `text`, 0-terminated, into `buffer` of `size` bytes. `buffer` is
-    // null
-    // (`size` 0) or was allocated with new[]; one that is too small is replaced by a larger one and `size`
-    // set anew. The caller frees it with delete[]. Returns the position after the token; null, with the
-    // buffer as it was, when the line has no token. `text` must not lie in `buffer`.
+    // null (`size` 0) or was allocated with new[]; one that is too small is replaced by a larger one and
+    // `size` set anew. The caller frees it with delete[]. Returns the position after the token; null, with
+    // the buffer as it was, when the line has no token. `text` must not lie in `buffer`.
     static const char* GetToken(const char* text, char*& buffer, int& size, const char* delims = nullptr);
 
     // The group of tokens between two brackets: when the first token of 0-terminated `text` begins with
@@ -141,10 +138,10 @@ public:
     static int DeleteChar(char* text, char c);
 
     // --- Numbers
-    // ----------------------------------------------------------------------------------------------- The
-    // Scan operations skip leading blanks and tabs of 0-terminated `text`, read an optional '-' and digits,
-    // and return the position after the number; null, with `value` as it was, when no digit follows. Digits
-    // are gathered in 32 bits on every system: what goes beyond wraps around.
+
+    // The Scan operations skip leading blanks and tabs of 0-terminated `text`, read an optional '-' and
+    // digits, and return the position after the number; null, with `value` as it was, when no digit follows.
+    // Digits are gathered in 32 bits on every system: what goes beyond wraps around.
 
     static const char* ScanIntValue(const char* text, int& value);
     // Integer digits, then optionally '.' and fraction digits; no exponent. The point is taken even where no
@@ -173,8 +170,7 @@ public:
     // The size of the block in braces that begins in `len` bytes of `text`: the offset of the LF that ends
     // the line on which the first '{' is closed, or `len` when that is the last line and has no LF. -1 when
     // `len` < 1 or the block does not close. Of each line, the first 1024 characters count, up to a "//"; all
-    // its '{' come before its '}'; a
-    // '}' with nothing open closes nothing.
+    // its '{' come before its '}'; a '}' with nothing open closes nothing.
     static long GetDefinitionBlockSize(const char* text, long len);
 
 private:

@@ -2,25 +2,24 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 // Makes a file that can't be opened for reading while this lives.
 class Unreadable {
 public:
     explicit Unreadable(const std::filesystem::path& path);
-    ~Unreadable();
     Unreadable(const Unreadable&) = delete;
     Unreadable& operator=(const Unreadable&) = delete;
 
 private:
-    void* m_handle = nullptr;
+    std::shared_ptr<void> m_open;
 };
 
 // Lets writing to an existing file of some kilobytes fail while this lives; it can still be read.
 class Unwritable {
 public:
     explicit Unwritable(const std::filesystem::path& path);
-    ~Unwritable();
     Unwritable(const Unwritable&) = delete;
     Unwritable& operator=(const Unwritable&) = delete;
 
@@ -28,5 +27,5 @@ public:
     std::string before() const;
 
 private:
-    void* m_handle = nullptr;
+    std::shared_ptr<void> m_open;
 };

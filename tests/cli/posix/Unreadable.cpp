@@ -4,10 +4,8 @@
 Unreadable::Unreadable(const std::filesystem::path& path) {
     std::filesystem::create_symlink(path.filename(), path);
 }
-Unreadable::~Unreadable() = default;
 
 Unwritable::Unwritable(const std::filesystem::path&) {}
-Unwritable::~Unwritable() = default;
 
 // No file may grow beyond 1024 bytes, as if the disk were full; enough for the program's own message.
 std::string Unwritable::before() const {

@@ -5,22 +5,21 @@
 #include <cstdio>
 #include <fstream>
 
-// The file is open here and not shared.
+namespace {
+
+std::shared_ptr<void> openUnshared(const std::filesystem::path& path, int share) {
+    return {_fsopen(path.string().c_str(), "rb", share),
+            [](void* file) { std::fclose(static_cast<std::FILE*>(file)); }};
+}
+
+}  // namespace
+
 Unreadable::Unreadable(const std::filesystem::path& path) {
     std::ofstream(path) << "<a/>";
-    m_handle = _fsopen(path.string().c_str(), "rb", _SH_DENYRW);
+    m_open = openUnshared(path, _SH_DENYRW);
 }
 
-Unreadable::~Unreadable() {
-    std::fclose(static_cast<std::FILE*>(m_handle));
-}
-
-Unwritable::Unwritable(const std::filesystem::path& path)
-    : m_handle(_fsopen(path.string().c_str(), "rb", _SH_DENYWR)) {}
-
-Unwritable::~Unwritable() {
-    std::fclose(static_cast<std::FILE*>(m_handle));
-}
+Unwritable::Unwritable(const std::filesystem::path& path) : m_open(openUnshared(path, _SH_DENYWR)) {}
 
 std::string Unwritable::before() const {
     return "";
