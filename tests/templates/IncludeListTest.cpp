@@ -15,7 +15,9 @@ std::string bytes(const char (&literal)[N]) {
     return std::string(literal, N - 1);
 }
 
-CLex lexerOf(const std::string& text) { return CLex(text.data(), static_cast<long>(text.size())); }
+CLex lexerOf(const std::string& text) {
+    return CLex(text.data(), static_cast<long>(text.size()));
+}
 
 struct Scan {
     Names names;
@@ -162,9 +164,10 @@ TEST(IncludeBlock, AnInsertedNameIsFoundAgain) {
     }
     const std::string tooLong(256, 'a');
     for (const std::string& name :
-         {std::string(), std::string("."), std::string(".."), std::string("a b.kez"), std::string("..\\a.kez"),
-          std::string("a/b.kez"), std::string("C:a.kez"), std::string("a;b"), std::string("<a"), std::string("a>"),
-          std::string("a\tb"), bytes("a\0b"), std::string("*.kez"), tooLong})
+         {std::string(), std::string("."), std::string(".."), std::string("a b.kez"),
+          std::string("..\\a.kez"), std::string("a/b.kez"), std::string("C:a.kez"), std::string("a;b"),
+          std::string("<a"), std::string("a>"), std::string("a\tb"), bytes("a\0b"), std::string("*.kez"),
+          tooLong})
         EXPECT_FALSE(isIncludableName(name)) << name;
 }
 
@@ -173,10 +176,11 @@ TEST(IsInFolder, ComparesTheFolderPartAlone) {
         const char *folder, *path;
         bool inside;
     };
-    for (const Row& row : {Row{"C:\\game", "c:\\GAME\\a.kez", true}, Row{"C:\\game", "C:\\a.kez", true},
-                           Row{"C:\\game", "C:\\game\\sub\\a.kez", false}, Row{"C:\\game", "a.kez", false},
-                           Row{"C:\\game\\", "C:\\game\\a.kez", true}, Row{"C:\\game", "C:\\gam\\a.kez", true},
-                           Row{"C:\\game", "D:\\game\\a.kez", false}, Row{"", "\\a", true}, Row{"", "", false}})
+    for (const Row& row :
+         {Row{"C:\\game", "c:\\GAME\\a.kez", true}, Row{"C:\\game", "C:\\a.kez", true},
+          Row{"C:\\game", "C:\\game\\sub\\a.kez", false}, Row{"C:\\game", "a.kez", false},
+          Row{"C:\\game\\", "C:\\game\\a.kez", true}, Row{"C:\\game", "C:\\gam\\a.kez", true},
+          Row{"C:\\game", "D:\\game\\a.kez", false}, Row{"", "\\a", true}, Row{"", "", false}})
         EXPECT_EQ(IsInFolder(row.folder, row.path), row.inside) << row.folder << " " << row.path;
 }
 
@@ -227,8 +231,8 @@ TEST(Needs, AChainOfAnyDepthIsFine) {
         return facts;
     };
     const Names first = {"0"};
-    const NeededScripts result =
-        collectNeeds(first, "main.kez", {}, [](const std::string& name) { return name; }, read);
+    const NeededScripts result = collectNeeds(
+        first, "main.kez", {}, [](const std::string& name) { return name; }, read);
     ASSERT_EQ(result.names.size(), kDepth + 1U);
     EXPECT_EQ(result.names.front(), std::to_string(kDepth));
     EXPECT_EQ(result.names.back(), "0");

@@ -129,17 +129,19 @@ TEST(ScriptHeader, WithoutCommentsListsWhatIsMissing) {
     }
     std::string report;
     EXPECT_FALSE(CScriptElm().CheckComplete(report));
-    EXPECT_EQ(report,
-              "***No ID\n***No Prefix\n***No Directory\n***No Filename\n***No Name\n***No Vers\n***No EngineReq\n"
-              "***No Date\n***No Desc\n***No Class\n***No Type\n");
+    EXPECT_EQ(
+        report,
+        "***No ID\n***No Prefix\n***No Directory\n***No Filename\n***No Name\n***No Vers\n***No EngineReq\n"
+        "***No Date\n***No Desc\n***No Class\n***No Type\n");
 }
 
 TEST(ScriptHeader, EngineRequirementIsTakenApart) {
     struct Row {
         const char *value, *vers, *edition;
     };
-    for (const Row& row : {Row{"6.1 STD", "6.1", "STD"}, Row{"Comm, 6", "6", "Comm"}, Row{"extra", "", "extra"},
-                           Row{"6.1 6.2 PRO STD", "6.1", "PRO"}, Row{"", "", ""}}) {
+    for (const Row& row :
+         {Row{"6.1 STD", "6.1", "STD"}, Row{"Comm, 6", "6", "Comm"}, Row{"extra", "", "extra"},
+          Row{"6.1 6.2 PRO STD", "6.1", "PRO"}, Row{"", "", ""}}) {
         CEngineReq req;
         req.SetFromText(row.value);
         EXPECT_EQ(req.vers, row.vers) << row.value;
@@ -208,8 +210,9 @@ TEST(ScriptHeader, AnUnfinishedActionIsReportedAndKept) {
 }
 
 TEST(ScriptHeader, CutAnywhereStillParses) {
-    const std::string text = std::string(kFullHeader) +
-                             "// section: A\n// text: b\n\n// action: c\n// help: d\naction c\n// function: f\nx\n";
+    const std::string text =
+        std::string(kFullHeader) +
+        "// section: A\n// text: b\n\n// action: c\n// help: d\naction c\n// function: f\nx\n";
     for (size_t length = 0; length <= text.size(); ++length) {
         const CScriptElm script = parse(text.substr(0, length));
         EXPECT_EQ(script.m_filename, "x.kez");

@@ -1,0 +1,232 @@
+// The catalogue's file: the exact bytes written, what is read back and what is lost on purpose.
+#include "templates/CatalogueXml.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/support/TempFolder.h"
+
+using namespace zoka;
+using zoka::test::TempFolder;
+
+namespace {
+
+CScriptElm fullScript() {
+    CScriptElm script;
+    script.m_id = "CAM01";
+    script.m_prefix = "cam_";
+    script.m_directory = "code";
+    script.m_filename = "chase.kez";
+    script.m_name = "Chase";
+    script.m_type = "USER";
+    script.m_vers = "3";
+    script.m_date = "260101";
+    script.m_engreq = {"6.1", "PRO"};
+    script.m_class = "Camera";
+    script.m_desc = "a & b <c> \"d\"";
+    script.m_note = "Mind the gap.";
+    script.m_needs = {"a.kez", "b.kez"};
+    script.m_sections = {
+        {"Picture", "How it looks.", "view.bmp", {{"chase", "chase.kez", {"6", ""}, "Runs.\n"}}},
+        {"", "", "", {{"", "", {}, ""}}}};
+    return script;
+}
+
+CTemplateData fullCatalogue() {
+    CTemplateData data;
+    data.SetName("Set \"A\"");
+    data.SetType("full");
+    data.SetVers("6.2");
+    data.SetDate("990101");
+    data.SetEngReq("6.1 STD");
+    data.AddDirectory("code", ".\\templates");
+    data.AddScript(fullScript());
+    return data;
+}
+
+const char* const kFullText =
+    "<TavrixTemplate\n\tname=\"Set 'A'\"\n\ttype=\"full\"\n\tversion=\"6.2\"\n\tdate=\"261121\">\n"
+    "\n"
+    "\t<EngineReq vers =\"6.1\" edition =\"STD\" />\n"
+    "<Directory\n\ttype=\"code\"\n\tpath=\".\\templates\"\n/>\n"
+    "\n\n"
+    "<Script\n\tid=\"CAM01\"\n\tprefix=\"cam_\"\n\tdirectory=\"code\"\n\tfilename=\"chase.kez\"\n\tname="
+    "\"Chase\"\n"
+    "\ttype=\"USER\"\n\tvers=\"3\"\n\tdate=\"260101\"\n>\n"
+    "\t<EngineReq vers =\"6.1\" edition =\"PRO\" />\n"
+    "\t<class>Camera</class>\n"
+    "\t<desc>a and b [c] 'd'</desc>\n"
+    "\t<note>Mind the gap.</note>\n"
+    "\t<need>a.kez</need>\n\t<need>b.kez</need>\n"
+    "\t<section\n\t\tname=\"Picture\"\n\t\timgfile=\"view.bmp\"\n\t\t>\n"
+    "How it looks."
+    "\t<action\n\t\tname=\"chase\"\n\t\tfilename=\"chase.kez\"\n\t\t>\n\t\t<EngineReq vers =\"6\" "
+    "/>\nRuns.\n\t</action>\n"
+    "\nHow it looks.\t</section>\n"
+    "\t<section\n\t\tname=\"\"\n\t\t>\n"
+    "\t<action\n\t\tname=\"\"\n\t\tfilename=\"\"\n\t\t>\n\t</action>\n"
+    "\n\t</section>\n"
+    "</Script>\n"
+    "\n\n</TavrixTemplate>";
+
+}  // namespace
+
+TEST(CatalogueXml, IsWrittenToTheLetter) {
+    EXPECT_EQ(catalogueText(fullCatalogue(), "261121"), kFullText);
+    EXPECT_EQ(catalogueText(CTemplateData(), "261121"),
+              "<TavrixTemplate\n\tname=\"\"\n\ttype=\"\"\n\tversion=\"\"\n\tdate=\"261121\">\n\n\n\n\n\n"
+              "</TavrixTemplate>");
+    EXPECT_EQ(withoutMarkup("\"<&>\"\"&amp;"), "'[and]''andamp;");
+}
+
+TEST(CatalogueXml, FileHasThePlatformsLineEndsAndTodaysDate) {
+#ifdef _WIN32
+    EXPECT_EQ(inTextMode("a\nb\r\n\rc"), "a\r\nb\r\n\rc");
+#else
+    EXPECT_EQ(inTextMode("a\nb\r\n\rc"), "a\nb\n\rc");
+#endif
+    const TempFolder folder;
+    ASSERT_TRUE(fullCatalogue().WriteXML(folder.path("template_6.xml")));
+    EXPECT_EQ(folder.read("template_6.xml"),
+              inTextMode(catalogueText(fullCatalogue(), CTemplateData::GetCurDate())));
+    EXPECT_FALSE(fullCatalogue().WriteXML(folder.path("none\\template_6.xml")));
+}
+
+TEST(CatalogueXml, ReadsBackWithoutWhatTheFormatLoses) {
+    const TempFolder folder;
+    fullCatalogue().WriteXML(folder.path("t.xml"));
+    CTemplateData data;
+    data.AddScript(CScriptElm());
+    EXPECT_TRUE(data.LoadFromXML(folder.path("t.xml")));
+    EXPECT_EQ(data.GetName(), "Set 'A'");
+    EXPECT_EQ(data.GetType(), "full");
+    EXPECT_EQ(data.GetVers(), "6.2");
+    EXPECT_EQ(data.GetDate(), CTemplateData::GetCurDate());
+    EXPECT_EQ(data.GetEngReq(), "6.1");
+    ASSERT_EQ(data.directories().size(), 1U);
+    EXPECT_EQ(data.directories()[0], (CTemplateData::Directory{"code", ".\\templates"}));
+    ASSERT_EQ(data.scripts().size(), 1U);
+    const CScriptElm& script = data.scripts()[0];
+    EXPECT_EQ(script.m_id, "CAM01");
+    EXPECT_EQ(script.m_directory, "code");
+    EXPECT_EQ(script.m_filename, "chase.kez");
+    EXPECT_EQ(script.m_name, "Chase");
+    EXPECT_EQ(script.m_type, "USER");
+    EXPECT_EQ(script.m_vers, "3");
+    EXPECT_EQ(script.m_date, "260101");
+    EXPECT_EQ(script.m_engreq.vers, "6.1");
+    EXPECT_EQ(script.m_class, "Camera");
+    EXPECT_EQ(script.m_desc, "a and b [c] 'd'");
+    EXPECT_EQ(script.m_needs, (std::vector<std::string>{"a.kez", "b.kez"}));
+    ASSERT_EQ(script.m_sections.size(), 2U);
+    EXPECT_EQ(script.m_sections[0].m_name, "Picture");
+    ASSERT_EQ(script.m_sections[0].m_actions.size(), 1U);
+    EXPECT_EQ(script.m_sections[0].m_actions[0].m_name, "chase");
+    EXPECT_EQ(script.m_sections[0].m_actions[0].m_filename, "chase.kez");
+    EXPECT_EQ(script.m_sections[0].m_actions[0].m_engreq.vers, "6");
+    EXPECT_EQ(script.m_sections[0].m_actions[0].m_desc, "Runs.");
+    // Lost on purpose.
+    EXPECT_EQ(script.m_prefix + script.m_note + script.m_engreq.edition + script.m_sections[0].m_imgfile, "");
+    EXPECT_EQ(data.engineReq().edition, "");
+}
+
+TEST(CatalogueXml, NamesAreMatchedInAnyCaseAndMissingOnesAreEmpty) {
+    const TempFolder folder;
+    folder.write(
+        "t.xml",
+        "<tavrixtemplate NAME='n'><script Name='one'/><other/><SCRIPT name='two'><Need>x</Need><CLASS/>"
+        "<Desc>first<b/>second</Desc></SCRIPT></tavrixtemplate>");
+    CTemplateData data;
+    XMLResults results;
+    ASSERT_TRUE(loadCatalogue(data, folder.path("t.xml"), &results));
+    EXPECT_EQ(data.GetName(), "n");
+    ASSERT_EQ(data.scripts().size(), 2U);
+    EXPECT_EQ(data.scripts()[1].m_name, "two");
+    EXPECT_EQ(data.scripts()[1].m_desc, "first");
+    EXPECT_EQ(data.scripts()[1].m_class, "");
+    EXPECT_EQ(data.scripts()[1].m_needs, std::vector<std::string>{"x"});
+}
+
+TEST(CatalogueXml, ABadFileIsFatalInOneWayAndTellsItsPlaceInTheOther) {
+    const TempFolder folder;
+    folder.write("bad.xml", "<TavrixTemplate>\n  <Script name='x'>\n</TavrixTemplate>");
+    folder.write("other.xml", "<Project/>");
+    CTemplateData data;
+    data.SetName("kept");
+    XMLResults results;
+    EXPECT_FALSE(loadCatalogue(data, folder.path("bad.xml"), &results));
+    EXPECT_NE(results.code, 0);
+    EXPECT_GT(results.line, 0);
+    EXPECT_FALSE(loadCatalogue(data, folder.path("other.xml"), &results));
+    EXPECT_EQ(results.code, 13);
+    EXPECT_FALSE(loadCatalogue(data, folder.path("missing.xml"), nullptr));
+    EXPECT_EQ(data.GetName(), "kept");
+
+    test::ScriptedPrompt prompt;
+    for (const char* name : {"bad.xml", "other.xml", "missing.xml"}) {
+        try {
+            data.LoadFromXML(folder.path(name));
+            ADD_FAILURE() << name;
+        } catch (const test::FatalStop& stop) {
+            EXPECT_EQ(stop.title, "XML Parsing error");
+            EXPECT_EQ(stop.exitStatus, 255);
+        }
+    }
+}
+
+TEST(CatalogueXml, WritingLeavesTheOldFileOrTheNewOne) {
+    const TempFolder folder;
+    for (int n = 1;; ++n) {
+        folder.write("t.xml", "old");
+        int operations = 0;
+        bool written = false;
+        {
+            const test::FaultyOsFiles disk(test::FaultyOsFiles::nth(n));
+            written = fullCatalogue().WriteXML(folder.path("t.xml"));
+            operations = disk.operations();
+        }
+        const std::string expected = inTextMode(catalogueText(fullCatalogue(), CTemplateData::GetCurDate()));
+        EXPECT_EQ(folder.read("t.xml"), written ? expected : "old") << n;
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"t.xml"}) << n;
+        if (n > operations) break;
+    }
+}
+
+TEST(CatalogueXml, LoadingCanBeStopped) {
+    struct Stop : JobProgress {
+        int steps = 0;
+        bool step(size_t, size_t total, const std::string&) override {
+            EXPECT_EQ(total, 3000U);
+            return ++steps < 2;
+        }
+    };
+    CTemplateData data;
+    for (int i = 0; i < 3000; ++i) data.AddScript(CScriptElm());
+    const TempFolder folder;
+    data.WriteXML(folder.path("t.xml"));
+    Stop stop;
+    XMLResults results;
+    EXPECT_FALSE(loadCatalogue(data, folder.path("t.xml"), &results, &stop));
+    EXPECT_EQ(results.code, 0);
+    EXPECT_TRUE(data.IsEmpty());
+    EXPECT_EQ(stop.steps, 2);
+}
+
+TEST(CatalogueXml, AScriptIsLoadedFromItsHeader) {
+    const TempFolder folder;
+    const std::string path = folder.write("x.kez", "// title: X\r\n// ver: 4 z\r\n");
+    CTemplateData data;
+    std::string errors = "before\n";
+    EXPECT_TRUE(data.LoadScriptFromKEZ(path, errors));
+    ASSERT_EQ(data.scripts().size(), 1U);
+    EXPECT_EQ(data.scripts()[0].m_filename, path);
+    EXPECT_EQ(data.scripts()[0].m_vers, "4");
+    EXPECT_TRUE(errors.starts_with("before\n***No ID\n")) << errors;
+    folder.write("empty.kez", "");
+    EXPECT_TRUE(data.LoadScriptFromKEZ(folder.path("empty.kez"), errors));
+    errors = "untouched";
+    EXPECT_FALSE(data.LoadScriptFromKEZ(folder.path("none.kez"), errors));
+    EXPECT_EQ(errors, "untouched");
+    EXPECT_EQ(data.scripts().size(), 2U);
+}
