@@ -1,6 +1,8 @@
 // Numbers of the dialog resources and their controls; read by the resource compiler too.
 #pragma once
 
+#define IDI_ZOKA 1
+
 #define IDD_PANEL 1001   // the panels: what the number given to a panel's thread selects
 #define IDD_STATUS 1002  // the modal windows that show a status
 #define IDD_NEW_PROJECT 1003

@@ -26,6 +26,19 @@ HFONT messageFont() {
     return CreateFontIndirectA(&metrics.lfMessageFont);
 }
 
+// Both sizes, shared, so nobody frees them. Without icons of its own the system looks for others each time
+// that it draws the caption, and needs the loader's lock for it: a panel that closes during an unload would
+// never get it.
+void setIcons(HWND window) {
+    const auto load = [](int width, int height) {
+        return reinterpret_cast<LPARAM>(LoadImageA(moduleInstance(), MAKEINTRESOURCEA(IDI_ZOKA), IMAGE_ICON,
+                                                   GetSystemMetrics(width), GetSystemMetrics(height),
+                                                   LR_SHARED));
+    };
+    SendMessageA(window, WM_SETICON, ICON_BIG, load(SM_CXICON, SM_CYICON));
+    SendMessageA(window, WM_SETICON, ICON_SMALL, load(SM_CXSMICON, SM_CYSMICON));
+}
+
 SIZE fontBase(HWND window, HFONT font) {
     static const char kLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     const HDC dc = GetDC(window);
@@ -111,6 +124,7 @@ INT_PTR CALLBACK StatusWindow::dialogProc(HWND window, UINT message, WPARAM wPar
 void StatusWindow::initialise(HWND window) {
     m_window = window;
     SetWindowTextA(window, m_title.c_str());
+    setIcons(window);
     m_font = messageFont();
     m_fontBase =
         fontBase(window, m_font ? m_font : reinterpret_cast<HFONT>(SendMessageA(window, WM_GETFONT, 0, 0)));

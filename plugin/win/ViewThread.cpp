@@ -77,6 +77,25 @@ BOOL CALLBACK findDialog(HWND candidate, LPARAM data) {
     return FALSE;
 }
 
+INT_PTR CALLBACK handleNothing(HWND, UINT, WPARAM, LPARAM) {
+    return FALSE;
+}
+
+// The system's controls load what they need for themes at their first use, the last of it when a window is
+// destroyed. A panel for which that comes while the library is being unloaded would wait for the loader's lock. So a
+// window like it is made and destroyed once before, unseen, on a thread that may load. [editor thread]
+void rehearse(int number) {
+    static bool done = false;
+    if (done) {
+        return;
+    }
+    done = true;
+    const HWND window = CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(number), nullptr, handleNothing, 0);
+    if (window) {
+        DestroyWindow(window);
+    }
+}
+
 }  // namespace
 
 CViewThread::~CViewThread() {
@@ -88,6 +107,7 @@ CViewThread::~CViewThread() {
 }
 
 bool CViewThread::start() {
+    rehearse(m_number);
     m_opened = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     m_gone = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     if (m_opened && m_gone) {

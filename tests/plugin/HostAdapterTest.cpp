@@ -1,0 +1,192 @@
+#include "plugin/HostAdapter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "plugin/PanelText.h"
+#include "tests/support/FakeEditor.h"
+
+// Members of a class that we don't have are called through plain pointers.
+#pragma GCC diagnostic ignored "-Wattributes"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace zoka::test {
+namespace {
+
+using Word = std::int32_t;
+
+// A host as the editor is one: an object whose first word points to a table of operations.
+struct RawHost {
+    void* const* table;
+    Word result = 1;
+    std::string answer = {};     // put into each buffer, with its terminator
+    bool fillsAll = false;  // instead: every byte of the buffer, without a terminator
+    Word recordResult = 1;  // left in a record's fourth word
+    std::vector<std::string> calls = {};
+
+    Word fill(char* buffer, Word size) {
+        EXPECT_EQ(std::count(buffer, buffer + size, '\0'), size) << "not cleared before the call";
+        if (fillsAll) {
+            std::memset(buffer, 'x', static_cast<std::size_t>(size));
+        } else {
+            std::memcpy(buffer, answer.c_str(), answer.size() + 1);
+        }
+        return result;
+    }
+};
+
+// What a byte result leaves in the rest of the register is anybody's guess.
+Word byteResult(Word result) {
+    return static_cast<Word>(0xabcdef00u | static_cast<unsigned>(result));
+}
+
+Word ZOKA_HOST_MEMBER createMainScript(RawHost* host) {
+    return host->calls.push_back("create"), 0;
+}
+Word ZOKA_HOST_MEMBER mainScriptPath(RawHost* host, char* buffer, Word size) {
+    host->calls.push_back("script " + std::to_string(size));
+    return host->fill(buffer, size);
+}
+Word ZOKA_HOST_MEMBER mainScriptChanged(RawHost* host) {
+    return host->calls.push_back("changed"), 0;
+}
+Word ZOKA_HOST_MEMBER listItemName(RawHost* host, Word index, char* buffer, Word size) {
+    host->calls.push_back("item " + std::to_string(index) + " " + std::to_string(size));
+    return host->fill(buffer, size);
+}
+Word ZOKA_HOST_MEMBER endListUpdate(RawHost* host) {
+    return host->calls.push_back("end list"), 0;
+}
+Word ZOKA_HOST_MEMBER chooseFile(RawHost* host, char* buffer, Word size, Word mode, const char* topic) {
+    host->calls.push_back("choose " + std::string(buffer) + " " + std::to_string(mode) + " " + topic);
+    std::memset(buffer, 0, static_cast<std::size_t>(size));
+    return host->fill(buffer, size);
+}
+Word ZOKA_HOST_MEMBER projectFolder(RawHost* host, char* buffer, Word size) {
+    host->calls.push_back("folder " + std::to_string(size));
+    return host->fill(buffer, size);
+}
+Word ZOKA_HOST_MEMBER copyToFolder(RawHost* host, const char* source, const char* folder, Word size) {
+    host->calls.push_back("copy " + std::string(source) + " " + folder + " " + std::to_string(size));
+    return byteResult(host->result);
+}
+Word ZOKA_HOST_MEMBER copyWithSubstitutions(RawHost* host, const char* source, const char* target,
+                                            const ZunSubstitution* list) {
+    std::string call = "substitute " + std::string(source) + " " + target;
+    for (; list && list->find; ++list) {
+        call += " " + std::string(list->find) + "=" + list->replacement;
+    }
+    host->calls.push_back(call + (list ? " end" : " null"));
+    return byteResult(host->result);
+}
+Word ZOKA_HOST_MEMBER executeCommand(RawHost* host, Word zero, Word command, void* data, Word size) {
+    const std::string call =
+        "command " + std::to_string(zero) + " " + std::to_string(command) + " " + std::to_string(size);
+    if (command == CmdOpenMap) {
+        host->calls.push_back(call + " " + static_cast<char*>(data));
+        return host->result;
+    }
+    auto& record = *static_cast<ZunCommandRecord*>(data);
+    host->calls.push_back(call + ": " + std::to_string(record.code) + " " + std::to_string(record.reserved) +
+                          " " + std::to_string(record.size));
+    host->fill(record.buffer, record.size);
+    record.size = host->recordResult;
+    return host->result;
+}
+
+class Adapter : public testing::Test {
+protected:
+    Adapter() {
+        table[1] = reinterpret_cast<void*>(createMainScript);
+        table[4] = reinterpret_cast<void*>(mainScriptPath);
+        table[5] = reinterpret_cast<void*>(mainScriptChanged);
+        table[13] = reinterpret_cast<void*>(listItemName);
+        table[14] = reinterpret_cast<void*>(endListUpdate);
+        table[15] = reinterpret_cast<void*>(chooseFile);
+        table[16] = reinterpret_cast<void*>(projectFolder);
+        table[17] = reinterpret_cast<void*>(copyToFolder);
+        table[18] = reinterpret_cast<void*>(copyWithSubstitutions);
+        table[22] = reinterpret_cast<void*>(executeCommand);
+    }
+    void* table[kHostSlotCount] = {};
+    RawHost host{table};
+    HostAdapter editor{&host};
+};
+
+TEST_F(Adapter, CallsEachOperationByItsSlot) {
+    host.answer = "C:\\p";
+    editor.CreateMainScript();
+    EXPECT_EQ(editor.GetMainScriptPath(), "C:\\p");
+    editor.MainScriptChanged();
+    EXPECT_EQ(editor.GetListItemName(3), "C:\\p");
+    editor.EndListUpdate();
+    EXPECT_EQ(editor.ChooseFile("C:\\t\\a.kez"), "C:\\p");
+    EXPECT_EQ(editor.GetProjectFolder(), "C:\\p");
+    EXPECT_TRUE(editor.CopyFileToFolder("C:\\a.kez", "C:\\p"));
+    const std::pair<std::string, std::string> pairs[] = {{"ONE", "TWO"}};
+    EXPECT_TRUE(editor.CopyFileWithSubstitutions("a", "b", pairs));
+    EXPECT_TRUE(editor.CopyFileWithSubstitutions("a", "b", {}));
+    EXPECT_EQ(editor.QueryFolder(CmdGetTemplateSubfolder), "C:\\p");
+    EXPECT_TRUE(editor.OpenMap("C:\\p\\map.zlm"));
+    EXPECT_THAT(host.calls,
+                ElementsAre("create", "script 260", "changed", "item 3 64", "end list",
+                            "choose C:\\t\\a.kez 2 template_6", "folder 260", "copy C:\\a.kez C:\\p 260",
+                            "substitute a b ONE=TWO end", "substitute a b null", "command 0 1 16: 12 0 260",
+                            "command 0 8 12 C:\\p\\map.zlm"));
+}
+
+TEST_F(Adapter, FailingHostMeansNothing) {
+    host.result = 0;
+    EXPECT_EQ(editor.GetMainScriptPath(), std::nullopt);
+    EXPECT_EQ(editor.GetListItemName(0), std::nullopt);
+    EXPECT_EQ(editor.ChooseFile(""), std::nullopt);
+    EXPECT_EQ(editor.GetProjectFolder(), "");
+    EXPECT_FALSE(editor.CopyFileToFolder("a", "b"));
+    EXPECT_FALSE(editor.CopyFileWithSubstitutions("a", "b", {}));
+    EXPECT_EQ(editor.QueryFolder(CmdGetSuiteFolder), "");
+    EXPECT_FALSE(editor.OpenMap("map.zlm"));
+    host.result = -1;
+    EXPECT_EQ(editor.GetListItemName(0), std::nullopt);
+    host.result = 1;
+    host.recordResult = 0;
+    host.answer = "C:\\p";
+    EXPECT_EQ(editor.QueryFolder(CmdGetSuiteFolder), "");
+}
+
+TEST_F(Adapter, EmptyAnswersAreNone) {
+    EXPECT_EQ(editor.GetMainScriptPath(), std::nullopt);
+    EXPECT_EQ(editor.ChooseFile(std::string(300, 'p')), std::nullopt);
+    EXPECT_EQ(editor.GetListItemName(0), "");
+    EXPECT_EQ(host.calls[1], "choose " + std::string(259, 'p') + " 2 template_6");
+}
+
+TEST_F(Adapter, UnterminatedAnswersAreCut) {
+    host.fillsAll = true;
+    const std::string path(259, 'x');
+    EXPECT_EQ(editor.GetMainScriptPath(), path);
+    EXPECT_EQ(editor.ChooseFile(""), path);
+    EXPECT_EQ(editor.GetProjectFolder(), path);
+    EXPECT_EQ(editor.QueryFolder(CmdGetSuiteFolder), path);
+    EXPECT_EQ(editor.GetListItemName(0), std::string(63, 'x'));
+}
+
+TEST(PanelText, SaysWhatIsLoaded) {
+    FakeEditor editor;
+    EXPECT_THAT(projectStatus(editor),
+                ElementsAre("Main script: C:\\project\\main.kez", "Project folder: C:\\project"));
+    EXPECT_EQ(behaviorStatus(editor, "Door17", std::nullopt)[1], "No Behavior Panel Defined.");
+    EXPECT_EQ(behaviorStatus(editor, "Door17", EntityDescriptor{"Door17", "Opens"})[1], "Behavior: Opens");
+    editor.failing = {"GetMainScriptPath", "GetProjectFolder"};
+    EXPECT_THAT(behaviorStatus(editor, "", std::nullopt),
+                ElementsAre("Entity: none", "No Behavior Panel Defined.", "Main script: none",
+                            "Project folder: none"));
+}
+
+}  // namespace
+}  // namespace zoka::test
