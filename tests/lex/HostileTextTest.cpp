@@ -43,14 +43,24 @@ TEST(HostileText, SeedsAndEarlierFindingsHold) {
             EXPECT_STREQ(zoka::lexcheck::fault(text), nullptr) << text;
 }
 
-// What stands before the last lines of a prefix was walked in the shorter ones.
+// The index is made of the whole prefix. Of the rest only its end is walked: what stands before was walked in
+// the shorter ones.
 TEST(HostileText, EveryPrefixOf64KHolds) {
     const std::string text = scriptText(64 * 1024);
-    size_t lines = 1;
+    size_t lines = 1, lastLine = 0;
     for (size_t size = 0; size <= text.size(); ++size) {
-        if (size > 0 && text[size - 1] == '\n') ++lines;
-        const std::string_view prefix(text.data(), size);
-        ASSERT_STREQ(zoka::lexcheck::fault(prefix, lines > 2 ? lines - 2 : 0), nullptr) << "cut at " << size;
+        if (size > 0 && text[size - 1] == '\n') {
+            ++lines;
+            lastLine = size;
+        }
+        const zoka::lexcheck::ExactCopy prefix(std::string_view(text).substr(0, size));
+        const zoka::LineIndex index(prefix.bytes.get(), size);
+        ASSERT_EQ(index.lines(), lines) << "cut at " << size;
+        ASSERT_EQ(index.at(lines - 1), prefix.bytes.get() + lastLine) << "cut at " << size;
+        const size_t from = size < 1500 ? 0 : size - 1500;
+        const std::string_view end = std::string_view(text).substr(from, size - from);
+        const auto whole = static_cast<size_t>(std::count(end.begin(), end.end(), '\n'));
+        ASSERT_STREQ(zoka::lexcheck::fault(end, whole > 1 ? whole - 1 : 0), nullptr) << "cut at " << size;
     }
 }
 
