@@ -14,9 +14,9 @@ constexpr std::size_t kNameChars = 255;
 constexpr std::size_t kConstructorNameChars = 256;
 constexpr std::size_t kCopyChunk = 1024;
 
-std::int32_t to32(long value) {
-    return static_cast<std::int32_t>(std::clamp<long long>(value, std::numeric_limits<std::int32_t>::min(),
-                                                           std::numeric_limits<std::int32_t>::max()));
+std::int32_t to32(std::int64_t value) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, std::numeric_limits<std::int32_t>::min(),
+                                                              std::numeric_limits<std::int32_t>::max()));
 }
 
 }  // namespace
@@ -91,8 +91,9 @@ void file_t::GetText(unsigned char** text, long& size) {
     if (!buffer) {
         return;
     }
-    // A file that shrank since it was opened gives what it still has.
-    const std::size_t got = std::fseek(fp, 0, SEEK_SET) == 0 ? std::fread(buffer, 1, bytes, fp) : 0;
+    // Through the virtual operations, so that a window gives its own part. A file that shrank since it was
+    // opened gives what it still has.
+    const std::size_t got = Seek(0, SEEK_SET) == 0 ? Read(buffer, 1, bytes) : 0;
     buffer[got] = 0;
     *text = buffer;
     size = static_cast<long>(got);
@@ -273,4 +274,9 @@ std::size_t partof_file_t::Read(void* buf, std::size_t size, std::size_t n) {
 
 bool partof_file_t::IsLodEntry() {
     return true;
+}
+
+file_t* partof_file_t::create_part(const char* partName, long partLen, long start) {
+    const std::int32_t inStream = to32(std::int64_t{offset} + start);
+    return new (std::nothrow) partof_file_t(partName, fp, partLen == -1 ? len : partLen, inStream);
 }

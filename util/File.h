@@ -61,7 +61,7 @@ public:
     virtual void SetFp(std::FILE* stream);
     // A view of `partLen` bytes (-1: this file's length) at `offset`, to be deleted by the caller and used
     // only while this file stays open and, for memory, isn't written to. A memory view outside the data is
-    // null; one of a stream isn't checked.
+    // null; one of a stream isn't checked. A view made from a view counts its offset from that one's start.
     virtual file_t* create_part(const char* partName, long partLen, long offset);
     // Copies `count` bytes (negative: the rest) from the current position; the bytes written.
     virtual long WriteToFile(file_t* dst, long count);
@@ -124,6 +124,7 @@ public:
     std::size_t Read(void* buf, std::size_t size, std::size_t n) override;
     std::size_t Write(const void* buf, std::size_t size, std::size_t n) override;
     bool IsLodEntry() override;
+    file_t* create_part(const char* partName, long partLen, long start) override;
 
 private:
     bool seekStream();

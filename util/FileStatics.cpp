@@ -1,4 +1,5 @@
 // The static helpers of file_t: paths, folders and times.
+#include <algorithm>
 #include <cstring>
 
 #include "util/File.h"

@@ -209,6 +209,16 @@ TEST(FileWindow, ReadsItsPartOfASharedStream) {
     EXPECT_EQ(window->WriteToFile(&copy, -1), 10);
     EXPECT_EQ(std::string(static_cast<char*>(copy.GetMemPtr()), 10), "one\nline t");
 
+    unsigned char* text;
+    long size;
+    window->GetText(&text, size);
+    const std::unique_ptr<unsigned char[]> owner(text);
+    EXPECT_EQ(size, 15);
+    EXPECT_STREQ(reinterpret_cast<char*>(text), "line one\nline t") << "its own part, not the stream's start";
+
+    const std::unique_ptr<file_t> inner(window->create_part("inner", 3, 5));
+    EXPECT_STREQ(inner->Gets(buffer, sizeof buffer), "one") << "counted from the window";
+
     window->Close();
     EXPECT_EQ(window->Getc(), -1);
     EXPECT_EQ(file.Seek(0, SEEK_SET), 0);
