@@ -34,12 +34,12 @@ test: setup ## build and run every test: native, with sanitizers, on Windows, in
 
 bench: ## build and run the benchmarks, our figures beside others'
 	@tools/setup/setup.sh build bench
-	@$(call BUILD,bench)
+	@$(call BUILD,bench) --target bench/all
 	@for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program"; done
 
 fuzz: ## fuzz one reader: make fuzz TARGET=xml SECONDS=60 (xml, lex, memfile)
 	@tools/setup/setup.sh build fuzz
-	@$(call BUILD,fuzz)
+	@$(call BUILD,fuzz) --target fuzz/all
 	@tools/check/fuzz.sh $(TARGET) $(SECONDS)
 
 dll: setup ## build the plug-in alone: build/zoka.dll
