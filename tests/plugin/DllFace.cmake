@@ -1,6 +1,7 @@
 # cmake -DOBJDUMP=... -DDLL=... -P DllFace.cmake
 # Checks the DLL as the editor and the system see it: three undecorated entry points and otherwise members of the
 # exported classes alone; system libraries alone imported; loadable anywhere, data not executable.
+cmake_policy(VERSION 3.25)
 execute_process(COMMAND ${OBJDUMP} -p ${DLL} OUTPUT_VARIABLE dump RESULT_VARIABLE failed)
 if(failed)
   message(FATAL_ERROR "${OBJDUMP} could not read ${DLL}")
@@ -14,9 +15,8 @@ set(entries "")
 set(classes "")
 foreach(line IN LISTS lines)
   string(REGEX REPLACE "\n\t\\[ *[0-9]+\\] " "" name "${line}")
-  if(name MATCHES "^_ZT[VIS]([0-9]+)([A-Za-z_].*)$" OR name MATCHES "^_ZNK?([0-9]+)([A-Za-z_].*)$"
-     OR name MATCHES "^_ZTh[0-9]+_NK?([0-9]+)([A-Za-z_].*)$")
-    string(SUBSTRING "${CMAKE_MATCH_2}" 0 ${CMAKE_MATCH_1} class)
+  if(name MATCHES "^_Z(T[VIS]|NK?|Th[0-9]+_NK?)([0-9]+)([A-Za-z_].*)$")
+    string(SUBSTRING "${CMAKE_MATCH_3}" 0 ${CMAKE_MATCH_2} class)
     list(APPEND classes ${class})
   else()
     list(APPEND entries ${name})
