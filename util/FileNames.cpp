@@ -21,6 +21,9 @@ bool dname_t::Exist() const {
     return file_t::DirExist(m_path.c_str());
 }
 
+// Here, and not in the class, so that the DLL has something of the class to export.
+CFName::CFName(const char* name) : m_name(name ? name : "") {}
+
 CFileFinder::CFileFinder(const char* pattern) {
     const std::string text = pattern ? pattern : "";
     m_folder = text.substr(0, text.size() - zoka::fileNameOf(text).size());

@@ -48,7 +48,7 @@ private:
 // A name that is compared without regard to case.
 class ZOKA_API CFName {
 public:
-    explicit CFName(const char* name) : m_name(name ? name : "") {}
+    explicit CFName(const char* name);
 
     const std::string& GetName() const { return m_name; }
     bool operator==(const CFName& other) const { return zoka::equalNoCase(m_name, other.m_name); }
