@@ -1,0 +1,56 @@
+// The value of one row: what was loaded, what it is now, which texts it takes.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "controls/EntryControl.h"
+#include "controls/EntrySpec.h"
+
+namespace zoka {
+
+// A row without a window: windows exist for the rows in sight alone and show what this holds. [panel thread]
+class EntryModel final : public EntryControl {
+public:
+    explicit EntryModel(EntrySpec spec);
+
+    // Values outside the limits are taken: an entity or a script may hold them.
+    bool SetValueFromText(const std::string& text) override;
+    std::string GetValueText() const override { return m_value; }
+    bool HasChanged() const override { return m_value != m_spec.value; }
+    int GetHeight() const override;
+
+    const EntrySpec& spec() const { return m_spec; }
+    const std::string& value() const { return m_value; }
+    const std::string& loadedValue() const { return m_spec.value; }
+
+    // What a user typed or chose, in the form in which it will be written: the loaded text where the number
+    // is the same, and ".0" where the number must keep its point. `typed` itself where it is no number.
+    std::string asWritten(const std::string& typed) const;
+    // Takes what a user typed or chose. False, with the value as it was, when it's refused; `why` (may be
+    // null) then tells the reason and the allowed range.
+    bool edit(const std::string& typed, std::string* why = nullptr);
+
+    bool isOn() const { return m_value != "0"; }  // of a switch
+
+    // Of numbers: the step of the spin buttons and the slider, never 0.
+    double step() const { return m_step; }
+    // The value after so many steps up (or down), held at the limits.
+    std::string stepped(int steps) const;
+
+    // Of a slider: its positions run from 0 to sliderRange().
+    int sliderRange() const;
+    // Where the value lies; values outside the limits lie at the end.
+    int sliderPosition() const;
+    std::string textAt(int position) const;
+
+private:
+    double number() const;
+    std::string numberAsText(double value) const;
+
+    EntrySpec m_spec;
+    std::string m_value;
+    double m_step = 1;
+};
+
+}  // namespace zoka

@@ -1,0 +1,31 @@
+// Which texts an entry takes as its value, and why not others.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "controls/EntrySpec.h"
+
+namespace zoka {
+
+// The number that is all of `text`: an optional sign, digits, at most one point. No exponent, no locale.
+std::optional<double> numberOf(std::string_view text);
+
+// Why writing `text` would break the script's definition, in words for the user; empty when it would not.
+std::string shapeRefusal(const EntrySpec& spec, std::string_view text);
+// The same of anything that speaks against `text` but the limits: also what the field can't hold.
+std::string fieldRefusal(const EntrySpec& spec, std::string_view text);
+// Why a user's entry of `text` is refused; empty when it isn't. What was loaded is always allowed.
+std::string entryRefusal(const EntrySpec& spec, std::string_view text);
+
+// "allowed: 0 to 100", "allowed: 0 or more"; empty without limits.
+std::string allowedRange(const EntrySpec& spec);
+
+// A number with at most `decimals` digits behind the point, without zeros at its end.
+std::string numberText(double value, int decimals);
+// Digits behind the point of a number in text, and those that `value` needs (at most 6).
+int decimalsOf(std::string_view text);
+int decimalsOf(double value);
+
+}  // namespace zoka

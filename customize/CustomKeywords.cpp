@@ -1,0 +1,137 @@
+#include "customize/CustomKeywords.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "util/LexChars.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+constexpr std::array<const char*, kKeywordCount> kNames = {"title",
+                                                           "image",
+                                                           "text",
+                                                           "section",
+                                                           "help",
+                                                           "entry_help",
+                                                           "id",
+                                                           "cntl",
+                                                           "enable",
+                                                           "action",
+                                                           "entry",
+                                                           "entry_numEdit",
+                                                           "entry_numEditF",
+                                                           "entry_chooseFile",
+                                                           "entry_strEdit",
+                                                           "entry_entity",
+                                                           "entry_path",
+                                                           "entry_drop",
+                                                           "entry_text",
+                                                           "ver",
+                                                           "date",
+                                                           "desc",
+                                                           "flag",
+                                                           "flag1",
+                                                           "flag2",
+                                                           "flag3",
+                                                           "flag4",
+                                                           "flag5",
+                                                           "flag6",
+                                                           "flag7",
+                                                           "flag8",
+                                                           "skill",
+                                                           "skill1",
+                                                           "skill2",
+                                                           "skill3",
+                                                           "skill4",
+                                                           "skill5",
+                                                           "skill6",
+                                                           "skill7",
+                                                           "skill8",
+                                                           "skill9",
+                                                           "skill10",
+                                                           "skill11",
+                                                           "skill12",
+                                                           "skill13",
+                                                           "skill14",
+                                                           "skill15",
+                                                           "skill16",
+                                                           "skill17",
+                                                           "skill18",
+                                                           "skill19",
+                                                           "skill20",
+                                                           "behavior",
+                                                           "cmp_edit"};
+
+// Of a script's header and of comments above functions: no markup, and no slips either.
+constexpr std::string_view kHeaderWords[] = {"class",  "data",  "enginereq", "endheader", "function",
+                                             "idcode", "needs", "note",      "prefix",    "type"};
+
+constexpr size_t kLongest = 16;
+
+constexpr uint8_t kFree = 0xFF;
+
+constexpr size_t slotOf(char first, char last, size_t length) {
+    return (static_cast<unsigned char>(first) * 7u + static_cast<unsigned char>(last) * 31u + length * 5u) &
+           127u;
+}
+
+// Places of the table by first and last letter and length; words that meet stand in the slots that follow.
+constexpr auto kSlots = [] {
+    std::array<uint8_t, 128> slots{};
+    slots.fill(kFree);
+    for (size_t i = 0; i < kNames.size(); ++i) {
+        const std::string_view name = kNames[i];
+        const auto low = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+        size_t slot = slotOf(low(name.front()), low(name.back()), name.size());
+        while (slots[slot] != kFree) slot = (slot + 1) & 127u;
+        slots[slot] = static_cast<uint8_t>(i);
+    }
+    return slots;
+}();
+
+// At most one edit apart, letters compared without their case.
+bool oneSlipApart(std::string_view a, std::string_view b) {
+    if (a.size() > b.size()) std::swap(a, b);
+    if (b.size() - a.size() > 1) return false;
+    size_t same = 0;
+    while (same < a.size() && lex::lower(a[same]) == lex::lower(b[same])) ++same;
+    a.remove_prefix(same);
+    b.remove_prefix(same);
+    if (a.size() < b.size()) return equalNoCase(a, b.substr(1));
+    if (a.empty()) return true;
+    if (equalNoCase(a.substr(1), b.substr(1))) return true;
+    return a.size() > 1 && lex::lower(a[0]) == lex::lower(b[1]) && lex::lower(a[1]) == lex::lower(b[0]) &&
+           equalNoCase(a.substr(2), b.substr(2));
+}
+
+}  // namespace
+
+int LookupCustomKeyword(const char* word, size_t length) {
+    if (length < 2 || length > kLongest) return kNoKeyword;
+    size_t slot = slotOf(lex::lower(word[0]), lex::lower(word[length - 1]), length);
+    for (; kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
+        const std::string_view name = kNames[kSlots[slot]];
+        if (name.size() == length && lex::equalsIgnoringCase(name.data(), word, length)) return kSlots[slot];
+    }
+    return kNoKeyword;
+}
+
+const char* customKeywordName(int keyword) {
+    return kNames[static_cast<size_t>(keyword)];
+}
+
+int nearCustomKeyword(std::string_view word) {
+    if (word.size() < 3 || word.size() > kLongest + 1 || LookupCustomKeyword(word) >= 0) return kNoKeyword;
+    for (const std::string_view known : kHeaderWords)
+        if (equalNoCase(word, known)) return kNoKeyword;
+    for (int i = 0; i < kKeywordCount; ++i) {
+        const std::string_view name = kNames[static_cast<size_t>(i)];
+        if (name.size() >= 3 && oneSlipApart(word, name)) return i;
+    }
+    return kNoKeyword;
+}
+
+}  // namespace zoka

@@ -1,0 +1,416 @@
+#include "customize/CustomMarkup.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "controls/EntryRules.h"
+#include "customize/DefinitionTokens.h"
+#include "util/LexChars.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+constexpr double kMinimumDefault = -999999.0;
+constexpr double kMaximumDefault = 999999.0;
+
+std::string_view trimmedLine(std::string_view text) {
+    while (!text.empty() && lex::isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && lex::isSpace(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+// The next token of `rest`, which moves behind it.
+std::string_view nextToken(std::string_view& rest) {
+    size_t start = 0;
+    while (start < rest.size() && lex::isBlank(rest[start])) ++start;
+    size_t end = start;
+    while (end < rest.size() && rest[end] && !lex::isSpace(rest[end])) ++end;
+    const std::string_view token = rest.substr(start, end - start);
+    rest.remove_prefix(end);
+    return token;
+}
+
+std::string inQuotes(std::string_view text) {
+    constexpr size_t kShown = 60;
+    return '"' + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "...\"" : "\"");
+}
+
+// A limit of a "cntl" line; false when it's no number (and then 0).
+bool readLimit(std::string_view token, double ifX, double& value) {
+    if (token.empty()) return true;
+    if (equalNoCase(token, "x")) {
+        value = ifX;
+        return true;
+    }
+    const auto number = numberOf(token);
+    if (number) {
+        value = *number;
+        return true;
+    }
+    // What a number's beginning is worth counts.
+    size_t length = token.size();
+    while (length > 0 && !numberOf(token.substr(0, length))) --length;
+    value = length > 0 ? *numberOf(token.substr(0, length)) : 0;
+    return false;
+}
+
+// "12, 800, Label": two numbers, each with a comma behind it. Both or none.
+std::string_view readTextNumbers(std::string_view text, int& first, int& second) {
+    std::string_view rest = text;
+    int numbers[2] = {0, 0};
+    for (int& number : numbers) {
+        size_t digits = 0;
+        while (digits < rest.size() && lex::isDecimal(rest[digits])) ++digits;
+        if (digits == 0 || digits == rest.size() || rest[digits] != ',') return text;
+        number = markupInteger(rest);
+        rest.remove_prefix(digits + 1);
+        while (!rest.empty() && lex::isBlank(rest.front())) rest.remove_prefix(1);
+    }
+    first = numbers[0];
+    second = numbers[1];
+    return rest;
+}
+
+class MarkupReader {
+public:
+    MarkupReader(CLex& lexer, CustomScript& script)
+        : m_lexer(lexer),
+          m_script(script),
+          m_text(lexer.getBuf() ? std::string_view(lexer.getBuf(), static_cast<size_t>(lexer.getBufSize()))
+                                : std::string_view()),
+          m_lastQuote(m_text.rfind('"')) {}
+
+    void run() {
+        while (m_lexer.getNextUnformLine()) {
+            const auto start = static_cast<size_t>(m_lexer.getCurrLinePos() - m_text.data());
+            readLine(start, m_text.substr(start, static_cast<size_t>(m_lexer.getPos()) - start));
+        }
+        drop("the script ends before it");
+    }
+
+private:
+    void readLine(size_t start, std::string_view line) {
+        size_t at = 0;
+        while (at < line.size() && lex::isBlank(line[at])) ++at;
+        if (at == line.size() || !line[at] || lex::isLineEnd(line[at])) {
+            if (m_entry.kind >= 0) drop("a blank line follows");
+            m_inAction = false;
+            return;
+        }
+        const bool comment = line[at] == '/' && at + 1 < line.size() && line[at + 1] == '/';
+        if (m_inAction) {
+            if (line.size() - at >= 6 && lex::equalsIgnoringCase(line.data() + at, "action", 6))
+                m_inAction = false;
+            else if (comment)
+                reportSlip(splitMarkupLine(line.substr(at)));
+        } else if (comment) {
+            readMarkup(start + at, splitMarkupLine(line.substr(at)));
+        } else if (m_entry.kind >= 0) {
+            readDefinition(start);
+        }
+    }
+
+    void readMarkup(size_t slashes, const MarkupLine& line) {
+        const int keyword = LookupCustomKeyword(line.keyword);
+        switch (keyword) {
+            case kTitle:
+            case kImage:
+            case kText:
+            case kSection:
+                begin(keyword, line.text);
+                complete();
+                break;
+            case kEnable:
+            case kEntry:
+            case kEntryEntity:
+            case kEntryPath:
+            case kEntryDrop:
+            case kEntryText:
+                begin(keyword, line.text);
+                break;
+            case kHelp:
+            case kEntryHelp:
+                if (m_entry.kind >= 0) {
+                    if (!m_entry.help.empty()) m_entry.help += "\r\n";
+                    m_entry.help += line.text;
+                }
+                break;
+            case kId:
+                if (refines(line)) readId(line.text);
+                break;
+            case kCntl:
+                if (refines(line)) readCntl(line.text);
+                break;
+            case kAction:
+                m_inAction = true;
+                break;
+            case kVer:
+                m_script.version = markupInteger(line.text);
+                break;
+            case kDate:
+                m_script.date = markupInteger(line.text);
+                break;
+            case kNoKeyword:
+                if (m_entry.kind == kEnable && !line.keyword.empty())
+                    completeSwitchedOff(slashes);
+                else
+                    reportSlip(line);
+                break;
+            default:  // the behaviour panel's words and the kinds that are no words
+                break;
+        }
+    }
+
+    void begin(int keyword, std::string_view text) {
+        if (m_entry.kind >= 0) drop("another entry begins");
+        m_entry.kind = keyword;
+        m_entry.line = lineNumber();
+        if (keyword == kEntryText) text = readTextNumbers(text, m_entry.textParam1, m_entry.textParam2);
+        m_entry.label.assign(text);
+    }
+
+    void complete() {
+        m_script.entries.push_back(std::move(m_entry));
+        m_entry = CustomEntry();
+        m_switchedLines = 0;
+    }
+
+    // The entry stays under construction: each further commented line is switched by it too.
+    void completeSwitchedOff(size_t slashes) {
+        if (m_switchedLines++ == 1)
+            report("the switch " + inQuotes(m_entry.label) +
+                   " stands above several commented lines: each got a switch of its own with the same id");
+        m_script.entries.push_back(m_entry);
+        CustomEntry& copy = m_script.entries.back();
+        copy.value = "0";
+        copy.valueStart = slashes;
+        copy.valueLength = 2;
+    }
+
+    // Ends the construction without an entry.
+    void drop(const char* why) {
+        if (m_entry.kind < 0) return;
+        // A switch whose commented lines were found has what it needs.
+        if (m_switchedLines == 0 && m_script.findings.wantsMore())
+            m_script.findings.add(m_entry.line, "the entry " + inQuotes(m_entry.label) +
+                                                    " found no value: " + why + "; it was left out");
+        m_entry = CustomEntry();
+        m_switchedLines = 0;
+    }
+
+    bool refines(const MarkupLine& line) {
+        if (m_entry.kind >= 0) return true;
+        if (line.colon) report(inQuotes(line.keyword) + " belongs to no entry; it was ignored");
+        return false;
+    }
+
+    void readId(std::string_view text) {
+        bool fits = true;
+        m_entry.id = markupInteger(text, &fits);
+        if (!fits) m_entry.id = -1;
+        if (m_entry.id < 1)
+            report("the id " + inQuotes(text) + " is no number from 1 to 2147483647: values of " +
+                   inQuotes(m_entry.label) + " are not kept in the value file");
+    }
+
+    void readCntl(std::string_view text) {
+        std::string fault;
+        if (!readControl(text, m_entry, &fault))
+            report("unknown control word in " + inQuotes(text) + "; it was ignored");
+        else if (!fault.empty())
+            report(fault);
+    }
+
+    void readDefinition(size_t start) {
+        if (m_entry.kind == kEnable) {
+            m_entry.value = "1";
+            m_entry.valueStart = start;
+            complete();
+            return;
+        }
+        const DefinitionValue found = findDefinitionValue(m_text, start, m_lastQuote);
+        using Found = DefinitionValue::Found;
+        if (found.found == Found::Yes) {
+            const int line = lineNumber();
+            skipLinesTo(found.end);
+            takeValue(found.token, line);
+            return;
+        }
+        switch (found.found) {
+            case Found::OpenBracket:
+                drop("its \"<\" has no \">\" on the same line");
+                skipLinesTo(found.end + 1);
+                break;
+            case Found::OpenQuote:
+                drop("its double quote is never closed");
+                skipLinesTo(found.end + 1);
+                break;
+            case Found::Interrupted:
+                drop("a comment or the script's end comes first");
+                if (found.end < m_text.size())
+                    lookAgainAt(found.end);
+                else
+                    skipLinesTo(found.end);
+                break;
+            case Found::NotThere:
+            case Found::Yes:
+                drop("the definition ends without one");
+                skipLinesTo(found.end);
+                break;
+        }
+    }
+
+    void takeValue(std::string_view token, int line) {
+        size_t start = static_cast<size_t>(token.data() - m_text.data());
+        const size_t end = start + token.size();
+        int kind = m_entry.kind;
+        const bool quoted = token.front() == '"';
+        if (quoted || (kind == kEntry && token.front() == '<')) {
+            token = token.substr(1, token.size() - 2);
+            ++start;
+            if (kind == kEntry) kind = quoted ? kEntryStrEdit : kEntryChooseFile;
+        } else if (kind == kEntry) {
+            const bool digits = token.find_first_not_of("0123456789") == token.npos;
+            if (!digits && !numberOf(token)) {
+                const std::string shown = inQuotes(token);
+                drop((shown + " is neither a number nor a text nor a file name").c_str());
+                return;
+            }
+            kind = digits ? kEntryNumEdit : kEntryNumEditF;
+        }
+        m_entry.valueStart = start;
+        m_entry.valueLength = token.size();
+        if (kind == kEntryChooseFile) token = trimmedLine(token);
+        if (token.empty()) {
+            drop("the value is empty");
+            return;
+        }
+        m_entry.value.assign(token);
+        m_entry.kind = kind;
+        reportWhatFollows(end, line);
+        complete();
+    }
+
+    // Behind a value comes the definition's end, and behind that nothing but a comment.
+    void reportWhatFollows(size_t end, int line) {
+        size_t at = end;
+        const auto skipBlanks = [&] {
+            while (at < m_text.size() && lex::isBlank(m_text[at])) ++at;
+            return at < m_text.size() && m_text[at] && !lex::isLineEnd(m_text[at]) && m_text[at] != '/';
+        };
+        if (!skipBlanks() || m_text[at] == ',') return;
+        if (m_text[at] == ';') {
+            ++at;
+            if (!skipBlanks()) return;
+        }
+        if (!m_script.findings.wantsMore()) return;
+        const std::string_view rest = m_text.substr(at, m_text.find_first_of("\r\n", at) - at);
+        m_script.findings.add(line, inQuotes(rest) + " follows the value of " + inQuotes(m_entry.label) +
+                                        "; only the value itself can be customized");
+    }
+
+    void reportSlip(const MarkupLine& line) {
+        if (!line.colon || line.keyword.size() < 3 || !m_script.findings.wantsMore()) return;
+        const int near = nearCustomKeyword(line.keyword);
+        if (near >= 0)
+            report(inQuotes(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
+                   "\" meant? The line was taken as a comment");
+    }
+
+    void report(std::string what) { m_script.findings.add(lineNumber(), std::move(what)); }
+    int lineNumber() const { return m_lexer.getCurrLine() + 1; }
+
+    // The lexer's next line is then the first that begins at `end` or later.
+    void skipLinesTo(size_t end) {
+        while (static_cast<size_t>(m_lexer.getPos()) < end && m_lexer.getNextUnformLine()) {
+        }
+    }
+    // The lexer's next line is then the one that holds `place`, unless that's the current one.
+    void lookAgainAt(size_t place) {
+        const int current = m_lexer.getCurrLine();
+        skipLinesTo(place + 1);
+        if (m_lexer.getCurrLine() > current) m_lexer.setPosAtLine(m_lexer.getCurrLine());
+    }
+
+    CLex& m_lexer;
+    CustomScript& m_script;
+    std::string_view m_text;
+    size_t m_lastQuote;
+    CustomEntry m_entry;  // under construction while its kind is one
+    bool m_inAction = false;
+    int m_switchedLines = 0;  // commented lines that the "enable" under construction has found
+};
+
+}  // namespace
+
+void ParseCustomMarkup(CLex& lexer, CustomScript& script) {
+    MarkupReader(lexer, script).run();
+}
+
+MarkupLine splitMarkupLine(std::string_view line) {
+    size_t at = 2;
+    const auto skip = [&] {
+        while (at < line.size() && (lex::isBlank(line[at]) || line[at] == ':')) ++at;
+        return at < line.size() && line[at] && !lex::isLineEnd(line[at]);
+    };
+    MarkupLine parts;
+    if (!skip()) return parts;
+    const size_t word = at;
+    while (at < line.size() && line[at] && line[at] != ':' && !lex::isSpace(line[at])) ++at;
+    parts.keyword = line.substr(word, at - word);
+    while (at < line.size() && lex::isBlank(line[at])) ++at;
+    parts.colon = at < line.size() && line[at] == ':';
+    if (skip()) parts.text = trimmedLine(line.substr(at));
+    return parts;
+}
+
+bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) {
+    const std::string_view word = nextToken(text);
+    const auto complain = [&](std::string what) {
+        if (fault && fault->empty()) *fault = std::move(what);
+    };
+    if (equalNoCase(word, "drop_list") || equalNoCase(word, "drop")) {
+        entry.controlKind = kDropList;
+        entry.options.clear();
+        for (std::string_view option = nextToken(text); !option.empty(); option = nextToken(text))
+            entry.options.emplace_back(option);
+        if (entry.options.empty()) complain("the list of choices of " + inQuotes(entry.label) + " is empty");
+        return true;
+    }
+    if (equalNoCase(word, "drop_pair")) {
+        entry.controlKind = kDropPair;
+        return true;
+    }
+    const bool slider = equalNoCase(word, "slider");
+    if (!slider && !equalNoCase(word, "spin")) return false;
+    entry.controlKind = slider ? kSliderControl : kSpin;
+    entry.minimum = kMinimumDefault;
+    entry.maximum = kMaximumDefault;
+    entry.step = 0;
+    for (const auto& [value, ifX] :
+         {std::pair(&entry.minimum, kMinimumDefault), std::pair(&entry.maximum, kMaximumDefault),
+          std::pair(&entry.step, slider ? 1.0 : 0.0)}) {
+        const std::string_view token = nextToken(text);
+        if (!readLimit(token, ifX, *value))
+            complain(inQuotes(token) + " in the limits of " + inQuotes(entry.label) + " is no number; " +
+                     numberText(*value, 6) + " was taken");
+    }
+    if (entry.minimum > entry.maximum)
+        complain("the minimum of " + inQuotes(entry.label) + " is above its maximum; no value is inside");
+    if (entry.step < 0) complain("the step of " + inQuotes(entry.label) + " is below 0; it was ignored");
+    return true;
+}
+
+int markupInteger(std::string_view text, bool* fits) {
+    while (!text.empty() && lex::isBlank(text.front())) text.remove_prefix(1);
+    if (text.starts_with('+') && text.size() > 1 && lex::isDecimal(text[1])) text.remove_prefix(1);
+    int value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc::result_out_of_range) return value;
+    if (fits) *fits = false;
+    return text.front() == '-' ? INT32_MIN : INT32_MAX;
+}
+
+}  // namespace zoka

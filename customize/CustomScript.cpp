@@ -1,0 +1,205 @@
+#include "customize/CustomScript.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+#include <utility>
+
+#include "controls/EntryRules.h"
+#include "customize/CustomMarkup.h"
+#include "util/Lex.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+std::string inQuotes(const std::string& text) {
+    return '"' + text + '"';
+}
+
+bool isNumberKind(int kind) {
+    return kind == kEntryNumEdit || kind == kEntryNumEditF;
+}
+bool isLimited(const CustomEntry& entry) {
+    return entry.controlKind == kSpin || entry.controlKind == kSliderControl;
+}
+bool hasFraction(double value) {
+    return decimalsOf(value) > 0;
+}
+
+void checkIds(CustomScript& script) {
+    const std::vector<CustomEntry>& entries = script.entries;
+    std::vector<size_t> order;
+    bool rising = true;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        if (entries[i].id < 1) continue;
+        rising = rising && (order.empty() || entries[order.back()].id < entries[i].id);
+        order.push_back(i);
+    }
+    if (rising) return;  // as they nearly always are
+    std::stable_sort(order.begin(), order.end(),
+                     [&](size_t a, size_t b) { return entries[a].id < entries[b].id; });
+    for (size_t i = 1, first = 0; i < order.size(); ++i) {
+        const CustomEntry &one = entries[order[first]], &other = entries[order[i]];
+        if (one.id != other.id)
+            first = i;
+        else if (one.line != other.line)  // lines under one switch share its id; that has been reported
+            script.findings.add(other.line, "the id " + std::to_string(other.id) + " of " +
+                                                inQuotes(other.label) + " is that of " + inQuotes(one.label) +
+                                                " in line " + std::to_string(one.line) +
+                                                " too; kept values reach the first one only");
+    }
+}
+
+void checkValue(CustomScript& script, const CustomEntry& entry) {
+    if (isNumberKind(entry.kind) && isLimited(entry) && entry.minimum <= entry.maximum) {
+        const double value = numberOf(entry.value).value_or(0);
+        if (value < entry.minimum || value > entry.maximum)
+            script.findings.add(entry.line, "the value " + entry.value + " of " + inQuotes(entry.label) +
+                                                " lies outside its limits (" +
+                                                allowedRange(specOf(script, entry)) +
+                                                "); it was left as it is");
+    } else if (entry.kind == kEntryDrop && entry.controlKind == kDropList && !entry.options.empty() &&
+               std::find(entry.options.begin(), entry.options.end(), entry.value) == entry.options.end()) {
+        script.findings.add(entry.line, "the value " + inQuotes(entry.value) + " of " +
+                                            inQuotes(entry.label) +
+                                            " is not among its choices; it was left as it is");
+    } else if (entry.kind == kEnable && entry.value == "1") {
+        // Commented out, the line would be markup.
+        size_t end = script.text.find('\n', entry.valueStart);
+        std::string_view line =
+            std::string_view(script.text).substr(entry.valueStart, end - entry.valueStart);
+        const std::string commented = "//" + std::string(line.substr(0, 80));
+        const std::string_view word = splitMarkupLine(commented).keyword;
+        if (LookupCustomKeyword(word) >= 0)
+            script.findings.add(entry.line, "the line below the switch " + inQuotes(entry.label) +
+                                                " begins with the keyword " + inQuotes(std::string(word)) +
+                                                ": once switched off it can't be switched on again");
+    }
+}
+
+}  // namespace
+
+void MarkupFindings::sortByLine() {
+    std::stable_sort(m_kept.begin(), m_kept.end(),
+                     [](const MarkupFinding& a, const MarkupFinding& b) { return a.line < b.line; });
+}
+
+bool LoadCustomScript(const std::string& fileName, CustomScript& script) {
+    const std::string path = fileName.substr(0, kMaxScriptPath);
+    if (path.empty()) return false;
+    auto text = osFiles().readWhole(path);
+    if (!text || text->size() > INT32_MAX - 2) return false;
+    script.scriptPath = path;
+    takeCustomText(std::move(*text), script);
+    return true;
+}
+
+void takeCustomText(std::string fileText, CustomScript& script) {
+    script.text = std::move(fileText);
+    script.fileLength = script.text.size();
+    if (!script.text.ends_with("\r\n")) script.text += "\r\n";
+    script.entries.clear();
+    script.version = script.date = 0;
+    script.findings = {};
+    CLex lexer(script.text.data(), static_cast<long>(script.text.size()));
+    ParseCustomMarkup(lexer, script);
+    checkCustomEntries(script);
+}
+
+void checkCustomEntries(CustomScript& script) {
+    checkIds(script);
+    for (const CustomEntry& entry : script.entries) checkValue(script, entry);
+    script.findings.sortByLine();
+}
+
+EntrySpec specOf(const CustomScript& script, const CustomEntry& entry,
+                 const std::vector<std::string>& hostNames) {
+    EntrySpec spec;
+    spec.label = entry.label;
+    spec.help = entry.help;
+    spec.value = entry.value;
+    if (entry.kind > kEnable && entry.valueStart > 0) {
+        const char before = script.text[entry.valueStart - 1];
+        // The span of a bare value begins behind a blank, "=" or a line end.
+        spec.shape = before == '"'   ? ValueShape::Quoted
+                     : before == '<' ? ValueShape::Bracketed
+                                     : ValueShape::Bare;
+    }
+    switch (entry.kind) {
+        case kTitle:
+            spec.field = EntryField::Caption;
+            break;
+        case kImage:
+            spec.field = EntryField::Picture;
+            break;
+        case kSection:
+            spec.field = EntryField::Heading;
+            break;
+        case kEnable:
+            spec.field = EntryField::Switch;
+            spec.shape = ValueShape::Switch;
+            break;
+        case kEntryNumEdit:
+        case kEntryNumEditF:
+            spec.limited = isLimited(entry);
+            if (spec.limited) {
+                spec.minimum = entry.minimum;
+                spec.maximum = entry.maximum;
+                spec.step = std::max(0.0, entry.step);
+            }
+            // A whole number whose limits or step have fractions is one that happens to be whole.
+            spec.decimal = hasFraction(spec.minimum) || hasFraction(spec.maximum) || hasFraction(spec.step);
+            spec.keepPoint = entry.kind == kEntryNumEditF && !spec.decimal;
+            spec.decimal = spec.decimal || entry.kind == kEntryNumEditF;
+            spec.field = entry.controlKind == kSliderControl ? EntryField::Slider
+                         : spec.decimal                      ? EntryField::FloatField
+                                                             : EntryField::IntField;
+            break;
+        case kEntryChooseFile:
+            spec.field = EntryField::FileField;
+            break;
+        case kEntryStrEdit:
+            spec.field = EntryField::StringField;
+            break;
+        case kEntryEntity:
+        case kEntryPath:
+        case kEntryDrop:
+            spec.field = EntryField::DropList;
+            spec.options = entry.controlKind == kDropPair ? dropPairOf(entry.value) : entry.options;
+            if (entry.kind != kEntryDrop)
+                spec.options.insert(spec.options.end(), hostNames.begin(), hostNames.end());
+            break;
+        case kEntryText:
+            spec.field = EntryField::StringField;
+            spec.lines = entry.textParam1;
+            spec.maxChars = entry.textParam2;
+            // However many lines are asked for, those that the value has are shown.
+            if (spec.lines < 2 && entry.value.find('\n') != entry.value.npos) spec.lines = 2;
+            break;
+        default:
+            spec.field = EntryField::Text;
+            break;
+    }
+    return spec;
+}
+
+std::vector<std::string> dropPairOf(std::string_view value) {
+    constexpr std::string_view pairs[][2] = {{"yes", "no"}, {"on", "off"}, {"true", "false"}, {"1", "0"}};
+    const std::string_view(*pair)[2] = &pairs[1];
+    for (const auto& candidate : pairs)
+        if (equalNoCase(value, candidate[0]) || equalNoCase(value, candidate[1])) pair = &candidate;
+    const auto isUpper = [&](size_t i) { return i < value.size() && value[i] >= 'A' && value[i] <= 'Z'; };
+    std::vector<std::string> made;
+    for (const std::string_view word : *pair) {
+        std::string text(word);
+        for (size_t i = 0; i < text.size(); ++i)
+            if (isUpper(0) && (i == 0 || isUpper(1)) && text[i] >= 'a')
+                text[i] = static_cast<char>(text[i] - ('a' - 'A'));
+        made.push_back(text);
+    }
+    return made;
+}
+
+}  // namespace zoka

@@ -1,0 +1,79 @@
+// A script loaded for customization, and the items in it that a user may change.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/EntryControl.h"
+#include "controls/EntrySpec.h"
+#include "customize/CustomKeywords.h"
+#include "customize/MarkupFindings.h"
+
+namespace zoka {
+
+// Values of CustomEntry::controlKind.
+enum ControlKind : int {
+    kNoControl = -1,
+    kSpin = 0,
+    kDropList = 1,
+    kDropPair = 2,
+    kSliderControl = 3,
+};
+
+struct CustomEntry {
+    int kind = kNoKeyword;
+    int id = -1;            // 1 or more: kept in the value file
+    int line = 0;           // of its keyword in the script, from 1
+    std::string label;      // of a picture its file's name
+    std::string help;       // lines parted by CR LF
+    std::string value;      // without quotes or brackets
+    size_t valueStart = 0;  // the value's span in the script's text: what saving replaces
+    size_t valueLength = 0;
+    int controlKind = kNoControl;
+    int textParam1 = 0;  // of entry_text: lines shown
+    int textParam2 = 0;  // of entry_text: most characters
+    double minimum = 0, maximum = 0, step = 0;
+    std::vector<std::string> options;
+    EntryControl* control = nullptr;  // not owned; null while it has none
+
+    bool hasValue() const { return kind == kEnable || (kind >= kEntryNumEdit && kind <= kEntryText); }
+};
+
+// The text stays as it was loaded while the entries' spans are in use. Movable; entries hold no pointers into
+// the text.
+struct CustomScript {
+    std::string scriptPath;            // at most 259 characters
+    std::string text;                  // for reading it always ends with CR LF
+    size_t fileLength = 0;             // how much of the text the file held: what is written back
+    std::vector<CustomEntry> entries;  // in the order in which they were completed
+    int version = 0;
+    int date = 0;
+    MarkupFindings findings;
+
+    std::string_view fileText() const { return std::string_view(text).substr(0, fileLength); }
+};
+
+// A path's longest form; longer names are cut.
+inline constexpr size_t kMaxScriptPath = 259;
+
+// Reads and parses the script. False, with `script` as it was, when the name is empty or the file can't be
+// read or is 2 GiB or larger; no message.
+bool LoadCustomScript(const std::string& fileName, CustomScript& script);
+// The same of a text at hand, which is what the file holds.
+void takeCustomText(std::string fileText, CustomScript& script);
+
+// Findings that need the whole list: an id used twice, values outside their limits, lists without the current
+// value. Part of loading.
+void checkCustomEntries(CustomScript& script);
+
+// The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
+EntrySpec specOf(const CustomScript& script, const CustomEntry& entry,
+                 const std::vector<std::string>& hostNames = {});
+
+// The two choices of a "drop_pair": of yes/no, on/off, true/false and 1/0 the pair that `value` belongs to,
+// written as the value is ("No" gives Yes and No); on/off for any other value.
+std::vector<std::string> dropPairOf(std::string_view value);
+
+}  // namespace zoka

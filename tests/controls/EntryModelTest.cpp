@@ -1,0 +1,209 @@
+#include "controls/EntryModel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "controls/EditHistory.h"
+#include "controls/EntryRules.h"
+
+using namespace zoka;
+using testing::HasSubstr;
+
+namespace {
+
+EntrySpec number(const char* value, double low, double high, double step, bool decimal) {
+    EntrySpec spec;
+    spec.field = decimal ? EntryField::FloatField : EntryField::IntField;
+    spec.shape = ValueShape::Bare;
+    spec.value = value;
+    spec.limited = true;
+    spec.minimum = low;
+    spec.maximum = high;
+    spec.step = step;
+    spec.decimal = decimal;
+    return spec;
+}
+
+EntrySpec text(EntryField field, ValueShape shape, const char* value, int lines = 0, int maxChars = 0) {
+    EntrySpec spec;
+    spec.field = field;
+    spec.shape = shape;
+    spec.value = value;
+    spec.lines = lines;
+    spec.maxChars = maxChars;
+    return spec;
+}
+
+TEST(EntryRules, NumbersHaveNoExponentAndNoLocale) {
+    const struct {
+        const char* text;
+        double value;
+    } good[] = {{"0", 0}, {"007", 7}, {"-5", -5}, {"+2.5", 2.5}, {".5", .5}, {"5.", 5}, {"-", 0}, {"", 0}};
+    for (const auto& row : good) EXPECT_EQ(numberOf(row.text), row.value) << row.text;
+    for (const char* bad : {"1e5", "1.2.3", "--1", "1,5", " 1", "1 ", "0x1", "inf", "nan", "5-"})
+        EXPECT_FALSE(numberOf(bad)) << bad;
+    EXPECT_GT(*numberOf(std::string(400, '9')), 1e300);
+}
+
+TEST(EntryRules, RefusalsNameTheReason) {
+    const EntrySpec whole = number("5", 0, 100, 1, false), decimal = number("0.5", 0, 4, 0.1, true),
+                    low = number("5", 1, 999999, 1, false);
+    const EntrySpec bare = text(EntryField::DropList, ValueShape::Bare, "shut"),
+                    quoted = text(EntryField::StringField, ValueShape::Quoted, "w", 0, 5),
+                    lines = text(EntryField::StringField, ValueShape::Quoted, "w", 3),
+                    file = text(EntryField::FileField, ValueShape::Bracketed, "a.wav"),
+                    onOff = text(EntryField::Switch, ValueShape::Switch, "1"),
+                    heading = text(EntryField::Heading, ValueShape::None, "");
+    const struct {
+        const EntrySpec& spec;
+        std::string text;
+        const char* reason;  // null: allowed
+    } rows[] = {
+        {whole, "0", nullptr},
+        {whole, "100", nullptr},
+        {whole, "101", "101 is too large (allowed: 0 to 100)."},
+        {whole, "-1", "-1 is too small (allowed: 0 to 100)."},
+        {whole, "2.5", "Only a whole number"},
+        {whole, "abc", "(allowed: 0 to 100)"},
+        {whole, "", "A value must stand here"},
+        {whole, "-", "Only a whole number"},
+        {low, "0", "(allowed: 1 or more)"},
+        {decimal, "2.5", nullptr},
+        {decimal, "4.01", "too large (allowed: 0 to 4)"},
+        {decimal, "1e1", "Only a number"},
+        {decimal, "0,5", "\",\" is not allowed here"},
+        {bare, "open", nullptr},
+        {bare, "two words", "A blank"},
+        {bare, "a;b", "\";\" is not allowed"},
+        {bare, "a=b", "\"=\""},
+        {bare, "a:b", "\":\""},
+        {bare, "\"a\"", "can't begin with"},
+        {bare, "<a>", "can't begin with"},
+        {bare, "a//b", "comment"},
+        {bare, "/a", "comment"},
+        {bare, "", "A value must stand here"},
+        {bare, "a\nb", "A line end"},
+        {quoted, "", nullptr},
+        {quoted, "a; b", nullptr},
+        {quoted, "a\"b", "A double quote"},
+        {quoted, "a\r\nb", "A line end"},
+        {quoted, std::string("a\0b", 3), "value 0"},
+        {quoted, "123456", "At most 5 characters fit here; these are 6."},
+        {lines, "a\r\nb", nullptr},
+        {file, "b c.wav", nullptr},
+        {file, "a>b", "\">\" can't stand in a file name."},
+        {file, " a", "blank"},
+        {file, "a\n", "A line end"},
+        {onOff, "0", nullptr},
+        {onOff, "2", "A switch"},
+        {heading, "x", "Nothing can be entered"},
+    };
+    for (const auto& row : rows) {
+        if (row.reason)
+            EXPECT_THAT(entryRefusal(row.spec, row.text), HasSubstr(row.reason)) << row.text;
+        else
+            EXPECT_EQ(entryRefusal(row.spec, row.text), "") << row.text;
+    }
+}
+
+TEST(EntryModel, KeepsItsValueWhenAnEditIsRefused) {
+    EntryModel model(number("5", 0, 10, 1, false));
+    std::string why;
+    EXPECT_FALSE(model.edit("11", &why));
+    EXPECT_THAT(why, HasSubstr("allowed: 0 to 10"));
+    EXPECT_EQ(model.GetValueText(), "5");
+    EXPECT_FALSE(model.HasChanged());
+    EXPECT_TRUE(model.edit("7"));
+    EXPECT_TRUE(model.HasChanged());
+    // The same number as the one loaded is that one, however it was typed.
+    EXPECT_TRUE(model.edit("05"));
+    EXPECT_EQ(model.GetValueText(), "5");
+    EXPECT_FALSE(model.HasChanged());
+}
+
+TEST(EntryModel, TakesStoredValuesOutsideTheLimitsButNoneThatBreakTheDefinition) {
+    EntryModel model(number("5", 0, 10, 1, false));
+    EXPECT_TRUE(model.SetValueFromText("150\r"));
+    EXPECT_EQ(model.GetValueText(), "150");
+    EXPECT_FALSE(model.SetValueFromText("loud"));
+    EXPECT_EQ(model.GetValueText(), "150");
+    // What was loaded comes back, whatever it is.
+    EntryModel odd(number("200", 0, 10, 1, false));
+    EXPECT_TRUE(odd.edit("3"));
+    EXPECT_TRUE(odd.edit("200"));
+}
+
+TEST(EntryModel, AWholeNumberInADecimalFieldKeepsItsPoint) {
+    EntrySpec spec = number("0.5", 0, 10, 1, true);
+    spec.keepPoint = true;
+    EntryModel model(spec);
+    EXPECT_TRUE(model.edit("3"));
+    EXPECT_EQ(model.GetValueText(), "3.0");
+    EXPECT_TRUE(model.SetValueFromText("3"));  // stored texts stay as they are
+    EXPECT_EQ(model.GetValueText(), "3");
+}
+
+TEST(EntryModel, StepsStayInsideTheLimitsAndWithoutRoundingTails) {
+    const struct {
+        EntrySpec spec;
+        int steps;
+        const char* value;
+    } rows[] = {
+        {number("5", 0, 10, 2, false), 1, "7"},     {number("5", 0, 10, 2, false), 9, "10"},
+        {number("5", 0, 10, 2, false), -9, "0"},    {number("0.1", 0, 4, 0.1, true), 2, "0.3"},
+        {number("0.25", 0, 4, 0, true), 1, "0.26"}, {number("7", 0, 100, 0, false), 1, "8"},
+        {number("7", 0, 0, 0.4, false), 1, "0"},    {number("-0.1", -1, 1, 0.1, true), 1, "0"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(EntryModel(row.spec).stepped(row.steps), row.value) << row.spec.value;
+}
+
+TEST(EntryModel, SliderPositionsAndValuesAgree) {
+    EntrySpec spec = number("0.5", 0, 4, 0.1, true);
+    spec.field = EntryField::Slider;
+    EntryModel model(spec);
+    EXPECT_EQ(model.sliderRange(), 40);
+    EXPECT_EQ(model.sliderPosition(), 5);
+    for (int i = 0; i <= model.sliderRange(); ++i) {
+        ASSERT_TRUE(model.edit(model.textAt(i))) << i;
+        ASSERT_EQ(model.sliderPosition(), i);
+    }
+    EXPECT_EQ(model.textAt(3), "0.3");
+    EXPECT_EQ(model.textAt(999), "4");
+    EXPECT_TRUE(model.SetValueFromText("77"));
+    EXPECT_EQ(model.sliderPosition(), 40);
+    // A range of more steps than a slider has positions.
+    EntrySpec wide = number("0", -999999, 999999, 0.001, true);
+    wide.field = EntryField::Slider;
+    EntryModel fine(wide);
+    EXPECT_EQ(fine.textAt(0), "-999999");
+    EXPECT_EQ(fine.textAt(fine.sliderRange()), "999999");
+    // No range at all.
+    EntryModel none(number("5", 3, 1, 1, false));
+    EXPECT_EQ(none.sliderRange(), 0);
+    EXPECT_EQ(none.sliderPosition(), 0);
+}
+
+TEST(EditHistory, JoinsKeystrokesOfOneFieldOnly) {
+    EditHistory history;
+    history.add({{3, "", "a"}}, true);
+    history.add({{3, "a", "ab"}}, true);
+    history.add({{4, "x", "y"}}, true);
+    history.endJoining();
+    history.add({{4, "y", "z"}}, true);
+    history.add({});
+    ASSERT_TRUE(history.canUndo());
+    EXPECT_EQ(history.undo()[0].before, "y");
+    EXPECT_EQ(history.undo()[0].before, "x");
+    const EditHistory::Step& joined = history.undo();
+    EXPECT_EQ(joined[0].before, "");
+    EXPECT_EQ(joined[0].after, "ab");
+    EXPECT_FALSE(history.canUndo());
+    EXPECT_EQ(history.redo()[0].after, "ab");
+    history.add({{9, "1", "2"}});
+    EXPECT_FALSE(history.canRedo());
+    EXPECT_EQ(history.undo()[0].entry, 9u);
+    EXPECT_EQ(history.undo()[0].entry, 3u);
+}
+
+}  // namespace

@@ -1,0 +1,266 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "customize/CustomMarkup.h"
+#include "customize/CustomScript.h"
+#include "customize/DefinitionTokens.h"
+
+using namespace zoka;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+CustomScript parsed(const std::string& text) {
+    CustomScript script;
+    takeCustomText(text, script);
+    return script;
+}
+
+// "kind value" of each entry, with the span where it isn't the value itself.
+std::string entriesOf(const CustomScript& script) {
+    std::string all;
+    for (const CustomEntry& entry : script.entries) {
+        const std::string span = script.text.substr(entry.valueStart, entry.valueLength);
+        all += (all.empty() ? "" : "|") + std::to_string(entry.kind);
+        if (entry.hasValue()) all += ' ' + entry.value;
+        if (entry.hasValue() && span != entry.value) all += " [" + span + "]";
+    }
+    return all;
+}
+
+TEST(Keywords, AreWholeWordsInAnyCase) {
+    EXPECT_EQ(LookupCustomKeyword("title"), 0);
+    EXPECT_EQ(LookupCustomKeyword("ENTRY_NUMEDITF"), 12);
+    EXPECT_EQ(LookupCustomKeyword("Skill20"), 51);
+    EXPECT_EQ(LookupCustomKeyword("cmp_edit"), 53);
+    for (int i = 0; i < kKeywordCount; ++i) EXPECT_EQ(LookupCustomKeyword(customKeywordName(i)), i);
+    for (const char* word :
+         {"", "t", "titl", "titles", "skill21", "skill0", "flag9", "entry_", "entry_numEditFF"})
+        EXPECT_EQ(LookupCustomKeyword(word), -1) << word;
+}
+
+TEST(Keywords, SlipsAreOneEditAwayAndNoHeaderWords) {
+    const struct {
+        const char* word;
+        int keyword;
+    } rows[] = {{"titel", kTitle},     {"entri", kEntry}, {"entrys", kEntry}, {"enabel", kEnable},
+                {"sectoin", kSection}, {"hlep", kHelp},   {"CNTRL", kCntl},   {"entry", -1},
+                {"data", -1},          {"note", -1},      {"type", -1},       {"tx", -1},
+                {"sections2", -1},     {"idd", -1}};
+    for (const auto& row : rows) EXPECT_EQ(nearCustomKeyword(row.word), row.keyword) << row.word;
+}
+
+TEST(Definition, TakesTheValueBehindEqualsOrTheFirstText) {
+    using Found = DefinitionValue::Found;
+    const struct {
+        const char* text;
+        Found found;
+        const char* token;
+    } rows[] = {
+        {"var speed = 5;", Found::Yes, "5"},
+        {"var speed=5;", Found::Yes, "5"},
+        {"string s = \"a b\";", Found::Yes, "\"a b\""},
+        {"string s \"a;b\";", Found::Yes, "\"a;b\""},
+        {"bmap p = < x.bmp >;", Found::Yes, "< x.bmp >"},
+        {"var v\n = \r\n\t-1.5 ;", Found::Yes, "-1.5"},
+        {"s = \"one\r\ntwo\";", Found::Yes, "\"one\r\ntwo\""},
+        {"x = 5//c", Found::Yes, "5//c"},
+        {"a : b , c = d;", Found::Yes, "d"},
+        {"= 5;", Found::NotThere, ""},
+        {"var x; y = 5;", Found::NotThere, ""},
+        {"var x = ;", Found::NotThere, ""},
+        {"var x == 5;", Found::NotThere, ""},
+        {"var x", Found::Interrupted, ""},
+        {"", Found::Interrupted, ""},
+        {"/x = 5;", Found::Interrupted, ""},
+        {"var x // = 5;", Found::Interrupted, ""},
+        {"p = <a\nb>;", Found::OpenBracket, ""},
+        {"s = \"a", Found::OpenQuote, ""},
+    };
+    for (const auto& row : rows) {
+        const std::string_view text = row.text;
+        const DefinitionValue value = findDefinitionValue(text, 0, text.rfind('"'));
+        EXPECT_EQ(value.found, row.found) << row.text;
+        EXPECT_EQ(value.token, row.token) << row.text;
+    }
+}
+
+TEST(Markup, KindsComeFromTheValue) {
+    const struct {
+        const char* text;
+        const char* entries;
+    } rows[] = {
+        {"// entry: A\nvar count = 10;", "11 10"},
+        {"// entry: A\nvar gain = 0.5;", "12 0.5"},
+        {"// entry: A\nvar dir = -1;", "12 -1"},
+        {"// entry: A\nvar dir = -;", "12 -"},
+        {"// entry: A\nstring s = \"a b\";", "14 a b"},
+        {"// entry: A\nbmap p = < x.bmp >;", "13 x.bmp [ x.bmp ]"},
+        {"// entry: A\nvar x = y;", ""},
+        {"// entry: A\nvar x = 1.2.3;", ""},
+        {"// entry: A\nvar x = \"\";", ""},
+        {"// entry: A\nvar x = < >;", ""},
+        {"// entry_drop: A\nvar x = off;", "17 off"},
+        {"// entry_path: A\nstring s = \"p 1\";", "16 p 1"},
+        {"// entry_entity: A\nx = <e>;", "15 <e>"},
+        {"// entry_text: A\nx = \"\";", ""},
+        {"// title: T\n// image: a.bmp\n// text: x\n// section: S\n", "0|1|2|3"},
+        {"//ENTRY:A\nvar x = 1;", "11 1"},
+        {"//entry A\nvar x = 1;", "11 1"},
+        {"// entry : A\nvar x = 1;", "11 1"},
+        {"//: entry: A\nvar x = 1;", "11 1"},
+        {"/ / entry: A\nvar x = 1;", ""},
+        {"// entries: A\nvar x = 1;", ""},
+        {"// entry_numEdit: A\nvar x = 1;", ""},
+        // What stands between an entry and its definition.
+        {"// entry: A\n\nvar x = 1;", ""},
+        {"// entry: A\n// help: h\n// note\n// ver: 3\nvar x = 1;", "11 1"},
+        {"// entry: A\n// entry: B\nvar x = 1;\nvar y = 2;", "11 1"},
+        {"// entry: A\n// section: B\nvar x = 1;", "3"},
+        {"// help: h\nvar x = 1;", ""},
+        // A definition that stops at a comment leaves the comment to be read.
+        {"// entry: A\nvar x\n// entry: B\nvar y = 2;", "11 2"},
+        {"// entry: A\ns = \"open\n// entry: B\nvar y = 2;", "11 2"},
+        {"// entry: A\ns = <open\n// entry: B\nvar y = 2;", "11 2"},
+        {"// entry: A\ns = \"one\n// entry: no\nvar y = 3;\ntwo\";\n// entry: B\nvar y = 2;",
+         "14 one\n// entry: no\nvar y = 3;\ntwo|11 2"},
+        // Actions are skipped up to their own line or a blank one.
+        {"// action: a\n// entry: A\nvar x = 1;\naction a\n// entry: B\nvar y = 2;", "11 2"},
+        {"// action: a\n// entry: A\nvar x = 1;\n\n// entry: B\nvar y = 2;", "11 2"},
+        {"// action: a\nACTIONS\n// entry: B\nvar y = 2;", "11 2"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(entriesOf(parsed(row.text)), row.entries) << row.text;
+}
+
+TEST(Markup, SwitchesPointAtTheSlashesOrTheLine) {
+    const struct {
+        const char* text;
+        const char* entries;
+        size_t firstStart;
+    } rows[] = {
+        {"// enable: A\n  define X;", "8 1 []", 13},
+        {"// enable: A\n  //define X;", "8 0 [//]", 15},
+        {"// enable: A\n// define X;\n//define Y;\ndefine Z;", "8 0 [//]|8 0 [//]|8 1 []", 13},
+        {"// enable: A\n//X;\n\n//Y;", "8 0 [//]", 13},
+        {"// enable: A\n// skill: x\ndefine Z;", "8 1 []", 25},
+        {"// enable: A\n//\ndefine Z;", "8 1 []", 16},
+    };
+    for (const auto& row : rows) {
+        const CustomScript script = parsed(row.text);
+        EXPECT_EQ(entriesOf(script), row.entries) << row.text;
+        ASSERT_FALSE(script.entries.empty());
+        EXPECT_EQ(script.entries[0].valueStart, row.firstStart) << row.text;
+    }
+}
+
+TEST(Markup, LabelsHelpIdsAndNumbers) {
+    const CustomScript script = parsed(
+        "// ver: 12\n// date: 260801\n"
+        "// entry_text: 3, 180, Words: all\n// help: one\n// entry_help:two\n// id: 7\r\n \tstring s = "
+        "\"x\";\n"
+        "// entry_text: 3, Words\nstring s = \"x\";\n"
+        "// entry: \t Lone \t\r\n// id: 2147483648\nvar x = 1;");
+    EXPECT_EQ(script.version, 12);
+    EXPECT_EQ(script.date, 260801);
+    ASSERT_EQ(script.entries.size(), 3u);
+    const CustomEntry& first = script.entries[0];
+    EXPECT_EQ(first.label, "Words: all");
+    EXPECT_EQ(first.help, "one\r\ntwo");
+    EXPECT_EQ(first.id, 7);
+    EXPECT_EQ(first.textParam1, 3);
+    EXPECT_EQ(first.textParam2, 180);
+    EXPECT_EQ(first.line, 3);
+    EXPECT_EQ(script.entries[1].label, "3, Words");
+    EXPECT_EQ(script.entries[1].textParam1, 0);
+    EXPECT_EQ(script.entries[1].id, -1);
+    EXPECT_EQ(script.entries[2].label, "Lone");
+    EXPECT_LT(script.entries[2].id, 1);
+}
+
+TEST(Markup, ControlsAndTheirLimits) {
+    const struct {
+        const char* text;
+        int kind;
+        double low, high, step;
+    } rows[] = {
+        {"spin 0 10 0.5", 0, 0, 10, 0.5},  {"SPIN x 5", 0, -999999, 5, 0}, {"slider 1 X x", 3, 1, 999999, 1},
+        {"slider", 3, -999999, 999999, 0}, {"spin 1e3", 0, 1, 999999, 0},  {"drop_pair", 2, 0, 0, 0},
+        {"drop a b", 1, 0, 0, 0},          {"slide 1 2 3", -1, 0, 0, 0},   {"", -1, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        CustomEntry entry;
+        EXPECT_EQ(readControl(row.text, entry, nullptr), row.kind >= 0) << row.text;
+        EXPECT_EQ(entry.controlKind, row.kind) << row.text;
+        EXPECT_EQ(entry.minimum, row.low) << row.text;
+        EXPECT_EQ(entry.maximum, row.high) << row.text;
+        EXPECT_EQ(entry.step, row.step) << row.text;
+    }
+    CustomEntry list;
+    readControl("drop_list a b", list, nullptr);
+    readControl("drop c\t d", list, nullptr);
+    EXPECT_THAT(list.options, ElementsAre("c", "d"));
+}
+
+TEST(Markup, APairBelongsToItsValueAndIsWrittenLikeIt) {
+    const struct {
+        const char* value;
+        std::vector<std::string> pair;
+    } rows[] = {{"no", {"yes", "no"}}, {"On", {"On", "Off"}}, {"FALSE", {"TRUE", "FALSE"}},
+                {"1", {"1", "0"}},     {"0", {"1", "0"}},     {"other", {"on", "off"}},
+                {"", {"on", "off"}}};
+    for (const auto& row : rows) EXPECT_EQ(dropPairOf(row.value), row.pair) << row.value;
+}
+
+TEST(Markup, CompletesTheLastLineInMemoryOnly) {
+    for (const char* end : {"", "\n", "\r", "\r\n"}) {
+        const std::string text = std::string("// entry: A\r\nvar x = 5") + end;
+        const CustomScript script = parsed(text);
+        EXPECT_EQ(entriesOf(script), "11 5");
+        EXPECT_TRUE(script.text.ends_with("\r\n"));
+        EXPECT_EQ(script.fileText(), text);
+    }
+}
+
+TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
+    const struct {
+        const char* text;
+        int line;
+        const char* what;
+    } rows[] = {
+        {"\n// entry: A\n\nvar x = 1;", 2, "\"A\" found no value: a blank line follows; it was left out"},
+        {"// entry: A\nvar x;", 1, "the definition ends without one"},
+        {"// entry: A\nvar x = y;", 1, "\"y\" is neither a number"},
+        {"// entry: A\n// id: 1\nvar x = 1;\n// entry: B\n// id: 1\nvar y = 1;", 4,
+         "is that of \"A\" in line 1"},
+        {"// entry: A\n// cntl: spin 0 10 1\nvar x = 11;", 1, "lies outside its limits (allowed: 0 to 10)"},
+        {"// entry: A\n// cntl: spinn 0 10 1\nvar x = 11;", 2, "unknown control word"},
+        {"// entri: A\nvar x = 11;", 1, "is \"entry\" meant?"},
+        {"// action: a\n// skil1: A\naction a", 2, "is \"skill\" meant?"},
+        {"// entry_drop: A\n// cntl: drop a b\nvar x = c;", 1, "is not among its choices"},
+        {"// entry: A\nvar x = 5; var y = 6; // z", 2, "\"var y = 6; // z\" follows the value of \"A\""},
+        {"// entry: A\nvar x = 5 + 3;", 2, "\"+ 3;\" follows"},
+        {"// entry: A\n// id: 0\nvar x = 5;", 2, "is no number from 1"},
+        {"// id: 4\nvar x = 5;", 1, "\"id\" belongs to no entry"},
+        {"// enable: A\n//x;\n//y;\n", 3, "several commented lines"},
+        {"// enable: A\ntext = 5;\n", 1, "begins with the keyword \"text\""},
+        {"// entry: A\n// cntl: slider 0 ten 1\nvar x = 0;", 2, "\"ten\" in the limits"},
+        {"// entry: A\n// cntl: slider 9 1 1\nvar x = 5;", 2, "above its maximum"},
+        {"// entry: A\ns = \"open;\n", 1, "never closed"},
+    };
+    for (const auto& row : rows) {
+        const CustomScript script = parsed(row.text);
+        ASSERT_EQ(script.findings.count(), 1u) << row.text;
+        EXPECT_EQ(script.findings.kept()[0].line, row.line) << row.text;
+        EXPECT_THAT(script.findings.kept()[0].what, HasSubstr(row.what)) << row.text;
+    }
+    for (const char* good :
+         {"// data: weather.kez", "// test of things", "// date: 1", "// enable: A\n//x;\n\n",
+          "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;"})
+        EXPECT_THAT(parsed(good).findings.kept(), IsEmpty()) << good;
+}
+
+}  // namespace
