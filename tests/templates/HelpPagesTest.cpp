@@ -1,0 +1,163 @@
+// The help pages, byte for byte, and their names and links.
+#include "templates/HelpPages.h"
+
+#include <gtest/gtest.h>
+
+#include "templates/CatalogueXml.h"
+#include "tests/support/TempFolder.h"
+#include "util/OsFiles.h"
+
+using namespace zoka;
+using test::TempFolder;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+CScriptElm script(const std::string& name, const std::string& file, const std::string& className,
+                  const std::string& type = "USER") {
+    CScriptElm elm;
+    elm.m_name = name;
+    elm.m_filename = file;
+    elm.m_class = className;
+    elm.m_type = type;
+    return elm;
+}
+
+const std::string kStart =
+    "<!-- saved from KEZ2XML -->\n<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 "
+    "Transitional//EN\">\n<html>\n<head>\n";
+const std::string kMiddle =
+    "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=iso-8859-1\">\n<link href=\"css.css\" "
+    "rel=\"stylesheet\" type=\"text/css\">\n</head>\n<body>\n\n";
+const std::string kEnd = "\n</body>\n</html>";
+
+CTemplateData catalogue() {
+    CTemplateData data;
+    CScriptElm chase = script("Chase", "chase.kez", "Camera", "user");
+    chase.m_desc = "Follows.\nSmoothly & <far>.";
+    chase.m_note = "Mind.";
+    chase.m_needs = {"orbit.kez", "lib.kez"};
+    chase.m_sections = {{"A", "", "", {{"first", "chase.kez", {"6", "COMM"}, "One\nTwo"}}},
+                        {"B", "", "", {{"", "chase.kez", {"6", ""}, "Three"}, {"x", "y.kez", {}, ""}}}};
+    data.AddScript(chase);
+    data.AddScript(script("Lib", "lib.kez", "Library", "INTERNAL"));
+    data.AddScript(script("", "orbit.kez", "CAMERA"));
+    return data;
+}
+
+}  // namespace
+
+TEST(HelpPages, EditionMarks) {
+    const std::string s = "<span class=\"edition\">&nbsp;S&nbsp;</span>",
+                      e = "<span class=\"edition\">&nbsp;E&nbsp;</span>";
+    const std::string c = "<span class=\"edition\">&nbsp;C&nbsp;</span>",
+                      p = "<span class=\"edition\">&nbsp;P&nbsp;</span>\n";
+    EXPECT_EQ(editionMarks("std"), s + e + c + p);
+    EXPECT_EQ(editionMarks("Extra"), e + c + p);
+    EXPECT_EQ(editionMarks("COMM"), c + p);
+    EXPECT_EQ(editionMarks("PRO"), p);
+    EXPECT_EQ(editionMarks("") + editionMarks("PROF"), "");
+}
+
+TEST(HelpPages, ByClass) {
+    const TempFolder folder;
+    ASSERT_TRUE(writeClassPages(catalogue(), folder.path() + "\\"));
+    EXPECT_EQ(folder.names(), Names{"template_Camera.htm"});
+    EXPECT_EQ(
+        folder.read("template_Camera.htm"),
+        inTextMode(kStart + "<title>Template_Camera</title>\n" + kMiddle +
+                   "<h1>Template class: <b>Camera</b></h1>\n\n"
+                   "<h2>Chase</h2>\nFollows.<br>Smoothly &amp; &lt;far&gt;."
+                   "\n<h3>Actions:</h3>\n" +
+                   editionMarks("COMM") +
+                   "<b>first (chase.kez)</b> - One<br>Two\n<br>\n<b>chase.kez</b> - Three\n<br>\n<b>x "
+                   "(y.kez)</b> - \n<br>\n"
+                   "\n<h3>Needs:</h3>\n<b>orbit.kez, lib.kez</b>\n<h3>Filename:</h3>\n<b>chase.kez</b>\n"
+                   "<h3>Remarks:</h3>\nMind.<p>&nbsp;</p>\n<p>&nbsp;</p>\n"
+                   "<h2>orbit.kez</h2>\n\n<h3>Actions:</h3>\n[none]\n<h3>Needs:</h3>\n<b></b>\n"
+                   "<h3>Filename:</h3>\n<b>orbit.kez</b>\n<p>&nbsp;</p>\n<p>&nbsp;</p>\n" +
+                   kEnd));
+}
+
+TEST(HelpPages, ByScript) {
+    const TempFolder folder;
+    ASSERT_TRUE(writeScriptPages(catalogue(), folder.path() + "\\"));
+    EXPECT_EQ(folder.names(), (Names{"Chase.htm", "orbit.kez.htm"}));
+    EXPECT_EQ(
+        folder.read("orbit.kez.htm"),
+        inTextMode(
+            kStart + "<title>Template Script: orbit.kez</title>\n" + kMiddle +
+            "<h2>orbit.kez</h2>\n\n<h3>Needs:</h3>\n<b></b>\n<h3>Filename:</h3>\n<b>orbit.kez</b>\n"
+            "<h3>See also:</h3>\n<ul>\n<li><a href=\"template_Camera.htm\">Template class: Camera</a></li>\n"
+            "<li><a href=\"Chase.htm\">Chase</a> - needs this script</li>\n</ul>\n" +
+            kEnd));
+    const std::string chase = folder.read("Chase.htm");
+    EXPECT_NE(chase.find(inTextMode("far&gt;.\n<h3>Actions:</h3>\n<br>\n<span")), std::string::npos) << chase;
+    EXPECT_NE(chase.find("<a href=\"orbit.kez.htm\">orbit.kez</a> - needed by this script"),
+              std::string::npos);
+    EXPECT_EQ(chase.find("Lib.htm"), std::string::npos) << "internal scripts have no page";
+}
+
+TEST(HelpPages, AScriptWhoseLastSectionHasNoActionsListsNone) {
+    CTemplateData data = catalogue();
+    CScriptElm doors = script("Doors", "doors.kez", "Doors");
+    doors.m_sections = {{"A", "", "", {{"door", "doors.kez", {}, ""}}}, {"B", "", "", {}}};
+    data.AddScript(doors);
+    const TempFolder folder;
+    ASSERT_TRUE(writeHelp(data, folder.path() + "\\"));
+    EXPECT_EQ(folder.read("Doors.htm").find("Actions"), std::string::npos);
+    EXPECT_NE(folder.read("template_Doors.htm").find("<b>door (doors.kez)</b>"), std::string::npos);
+    EXPECT_EQ(folder.names(), (Names{"Chase.htm", "Doors.htm", "css.css", "index.htm", "orbit.kez.htm",
+                                     "template_Camera.htm", "template_Doors.htm"}));
+    const std::string index = folder.read("index.htm");
+    for (const char* target :
+         {"Chase.htm", "Doors.htm", "orbit.kez.htm", "template_Camera.htm", "template_Doors.htm"})
+        EXPECT_NE(index.find("href=\"" + std::string(target) + "\""), std::string::npos) << target;
+}
+
+TEST(HelpPages, NamesAreFileNamesAndUnique) {
+    EXPECT_EQ(scriptPageName(script("My Cam (blue)", "", "")), "MyCamblue.htm");
+    EXPECT_EQ(scriptPageName(script("a\\/\"'(),#% b", "", "")), "ab.htm");
+    EXPECT_EQ(scriptPageName(script("", "x.kez", "")), "x.kez.htm");
+    EXPECT_EQ(scriptPageName(script("a:b*c", "", "")), "a_b_c.htm");
+    EXPECT_EQ(classPageName("..\\..\\evil"), "template_.._.._evil.htm");
+    CTemplateData data;
+    for (const char* name : {"My Cam", "MyCam", "mycam", "MyCam_2", "index", "..\\x"})
+        data.AddScript(script(name, "f", "C"));
+    const TempFolder folder;
+    ASSERT_TRUE(writeScriptPages(data, folder.path() + "\\"));
+    EXPECT_EQ(folder.names(),
+              (Names{"..x.htm", "MyCam.htm", "MyCam_2.htm", "MyCam_2_2.htm", "index_2.htm", "mycam_3.htm"}));
+}
+
+TEST(HelpPages, StopAtThePageThatCannotBeWritten) {
+    CTemplateData data;
+    EXPECT_TRUE(writeHelp(CTemplateData(), TempFolder().path() + "\\none\\") == false);
+    for (const char* name : {"a", "b", "c"}) data.AddScript(script(name, "f.kez", name));
+    const TempFolder folder;
+    std::filesystem::create_directory(folder.native("b.htm"));
+    std::string error;
+    EXPECT_FALSE(writeScriptPages(data, folder.path() + "\\", &error));
+    EXPECT_FALSE(error.empty());
+    EXPECT_EQ(folder.names(), (Names{"a.htm", "b.htm"}));
+    data.Empty();
+    data.AddScript(script("x", "x.kez", "C", "INTERNAL"));
+    const TempFolder none;
+    EXPECT_TRUE(writeClassPages(data, none.path() + "\\") && writeScriptPages(data, none.path() + "\\"));
+    EXPECT_TRUE(none.names().empty());
+}
+
+TEST(HelpPages, TheCataloguesOwnOperationsWriteBesideTheCurrentFolder) {
+    const TempFolder folder;
+    std::filesystem::create_directory(folder.native("work"));
+    const std::string before = osFiles().currentFolder();
+    ASSERT_TRUE(osFiles().setCurrentFolder(folder.path("work")));
+    EXPECT_FALSE(catalogue().WriteHelpDocsByClass()) << "there is no docs folder";
+    std::filesystem::create_directory(folder.native("docs"));
+    EXPECT_TRUE(catalogue().WriteHelpDocsByClass());
+    EXPECT_TRUE(catalogue().WriteHelpDocsByScript());
+    osFiles().setCurrentFolder(before);
+    EXPECT_TRUE(std::filesystem::exists(folder.native("docs/template_Camera.htm")));
+    EXPECT_TRUE(std::filesystem::exists(folder.native("docs/Chase.htm")));
+}

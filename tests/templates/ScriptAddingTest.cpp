@@ -1,0 +1,283 @@
+// Finding, copying, adding and removing scripts in a project, with the disk failing at every step.
+#include "templates/ScriptAdding.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/templates/Project.h"
+
+using namespace zoka;
+using test::Project;
+using test::ScriptedPrompt;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+const char* const kRest = "// main\r\n\r\nfunction main()\r\n{\r\n}\r\n";
+
+// The main script of the fixture with these includes in it.
+std::string mainWith(const Names& names) {
+    std::string lines;
+    for (const std::string& name : names) lines += includeLine(name);
+    return "// main\r\n" + lines + "\r\nfunction main()\r\n{\r\n}\r\n";
+}
+
+}  // namespace
+
+TEST(ScriptFolders, LocatesInTheProjectFirst) {
+    Project project;
+    project.folder.write("both.kez", "// ver: 1\n");
+    project.addTemplate("both.kez", "// ver: 2\n// date: 5\n");
+    project.addTemplate("fog.kez", "// ver: 3\n");
+    project.suite.write("outside.kez", "x");
+    std::filesystem::create_directory(project.folder.native("dir.kez"));
+    for (const bool listed : {false, true}) {
+        ScriptFolders folders(project.host);
+        if (listed) folders.listOnce();
+        std::string path = "untouched";
+        EXPECT_EQ(folders.LocateScript("BOTH.kez", path), ScriptPlace::Project);
+        EXPECT_EQ(path, project.folder.path("BOTH.kez"));
+        EXPECT_EQ(folders.LocateScript("fog.kez", path), ScriptPlace::Template);
+        EXPECT_EQ(path, project.templatePath("fog.kez"));
+        path = "untouched";
+        for (const char* name :
+             {"none.kez", "dir.kez", "..\\outside.kez", "../outside.kez", "", ".", "*.kez"})
+            EXPECT_EQ(folders.LocateScript(name, path), ScriptPlace::NotFound) << name;
+        EXPECT_EQ(path, "untouched");
+
+        std::string version, date;
+        EXPECT_TRUE(folders.ReadVersionAndDate("both.kez", version, date, false));
+        EXPECT_EQ(version + " " + date, "1 -1");
+        EXPECT_TRUE(folders.ReadVersionAndDate("both.kez", version, date, true));
+        EXPECT_EQ(version + " " + date, "2 5");
+        EXPECT_TRUE(folders.ReadVersionAndDate("fog.kez", version, date, false))
+            << "falls back to the template";
+        EXPECT_EQ(version, "3");
+        EXPECT_FALSE(folders.ReadVersionAndDate("none.kez", version, date, false));
+        EXPECT_EQ(version + date, "-1-1");
+        EXPECT_FALSE(folders.ReadVersionAndDate("..\\outside.kez", version, date, true));
+    }
+    const ScriptFolders folders(project.host);
+    EXPECT_FALSE(folders.DeleteProjectScript("fog.kez"));
+    EXPECT_FALSE(folders.DeleteProjectScript("dir.kez"));
+    EXPECT_FALSE(folders.DeleteProjectScript("..\\x.kez"));
+    EXPECT_TRUE(folders.DeleteProjectScript("both.kez"));
+    EXPECT_EQ(project.folder.read("both.kez"), "<missing>");
+}
+
+TEST(ScriptAdding, KnowsNumberedTemplates) {
+    for (const char* path : {"camera_.kez", "C:\\x\\_.KEZ"}) EXPECT_TRUE(IsNumberedTemplate(path)) << path;
+    for (const char* path :
+         {"camera.kez", "camera_.txt", "camera_", "camera_0.kez", "x_\\a.kez", "", "camera_.kez.kez"})
+        EXPECT_FALSE(IsNumberedTemplate(path)) << path;
+}
+
+TEST(ScriptAdding, ANumberedTemplateThreeTimes) {
+    Project project;
+    project.addTemplate("camera_.kez", "// needs: base.kez\r\nvar speed%_% = 1; // %_%%_%\r\n");
+    ScriptedPrompt prompt;
+    ScriptAdding adding(project.host, prompt);
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(adding.AddScriptToProject(project.templatePath("camera_.kez")));
+    EXPECT_EQ(project.folder.names(), (Names{"camera_0.kez", "camera_1.kez", "camera_2.kez", "main.kez"}));
+    for (int i = 0; i < 3; ++i) {
+        const std::string mark = "_" + std::to_string(i);
+        EXPECT_EQ(project.folder.read("camera" + mark + ".kez"),
+                  "// needs: base.kez\r\nvar speed" + mark + " = 1; // " + mark + mark + "\r\n");
+    }
+    EXPECT_EQ(project.main(), mainWith({"base.kez", "camera_0.kez", "camera_1.kez", "camera_2.kez"}));
+    EXPECT_EQ(project.host.calls,
+              (Names{"copy %_%=_0", "changed", "copy %_%=_1", "changed", "copy %_%=_2", "changed"}));
+    EXPECT_TRUE(prompt.asked.empty());
+}
+
+TEST(ScriptAdding, NeedsComeFirstAndOnlyWhatIsMissing) {
+    Project project;
+    project.addTemplate("fog.kez", "// needs: weather.kez, noise.kez\r\n");
+    project.addTemplate("weather.kez", "// needs: base.kez\r\n");
+    project.addTemplate("base.kez", "// needs: maths.kez fog.kez\r\n");
+    project.addTemplate("maths.kez", "x");
+    project.addTemplate("rain.kez", "// needs: WEATHER.kez\r\n");
+    ScriptedPrompt prompt;
+    ScriptAdding adding(project.host, prompt);
+
+    const std::string fog = project.templatePath("fog.kez");
+    const AddPlan plan = adding.plan(std::span(&fog, 1));
+    EXPECT_EQ(plan.summary(), "adds fog.kez; needs maths.kez, base.kez, weather.kez, noise.kez (not found)");
+    EXPECT_EQ(plan.before, kRest);
+    EXPECT_EQ(project.main(), kRest) << "a plan changes nothing";
+
+    EXPECT_TRUE(adding.AddScriptToProject(fog));
+    const Names names = {"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez"};
+    EXPECT_EQ(project.main(), mainWith(names));
+    EXPECT_EQ(plan.after, project.main());
+
+    project.host.calls.clear();
+    EXPECT_TRUE(adding.AddScriptToProject(fog)) << "also when nothing has to change";
+    EXPECT_FALSE(adding.changed());
+    EXPECT_TRUE(project.host.calls.empty());
+    EXPECT_TRUE(adding.AddScriptToProject(project.templatePath("rain.kez")));
+    EXPECT_EQ(project.main(),
+              mainWith({"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez", "rain.kez"}));
+    EXPECT_EQ(adding.plan(std::span(&fog, 1)).summary(), "adds fog.kez (already included)");
+    EXPECT_EQ(project.folder.names(), Names{"main.kez"}) << "scripts without number are not copied";
+}
+
+TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
+    Project project;
+    project.addTemplate("a.kez", "// needs: c.kez\n");
+    project.addTemplate("b.kez", "// needs: c.kez a.kez\n");
+    project.addTemplate("n_.kez", "// needs: n%_%.lib\n%_%");
+    const Names paths = {project.templatePath("n_.kez"), project.templatePath("b.kez"),
+                         project.templatePath("a.kez"), project.templatePath("n_.kez")};
+    ScriptedPrompt prompt;
+    ScriptAdding adding(project.host, prompt);
+    const AddPlan plan = adding.plan(paths);
+    EXPECT_TRUE(adding.AddScriptsToProject(paths));
+    EXPECT_EQ(project.host.calls, (Names{"copy %_%=_0", "copy %_%=_1", "changed"}));
+    EXPECT_EQ(project.main(),
+              mainWith({"n_0.lib", "n_0.kez", "c.kez", "a.kez", "b.kez", "n_1.lib", "n_1.kez"}));
+    EXPECT_EQ(plan.after, project.main());
+    EXPECT_EQ(plan.summary(),
+              "adds n_0.kez, a.kez, b.kez, n_1.kez; needs n_0.lib (not found), c.kez (not found), n_1.lib "
+              "(not found); "
+              "copies n_.kez as n_0.kez, n_.kez as n_1.kez");
+}
+
+TEST(ScriptAdding, ANeedThatLeavesTheFolderIsRefused) {
+    for (const std::string& need :
+         {std::string("..\\x.kez"), std::string("lib/x.kez"), std::string(300, 'x')}) {
+        Project project;
+        project.addTemplate("bad_.kez", "// needs: good.kez, " + need + "\n");
+        ScriptedPrompt prompt;
+        ScriptAdding adding(project.host, prompt);
+        EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("bad_.kez")));
+        ASSERT_EQ(prompt.asked.size(), 1U);
+        EXPECT_EQ(prompt.asked[0].text,
+                  "bad_0.kez needs \"" + need +
+                      "\": this is not a file name that can be included.\nFile not added.");
+        EXPECT_EQ(project.main(), kRest);
+        EXPECT_EQ(project.folder.names(), Names{"main.kez"}) << "the copy is gone again";
+    }
+}
+
+TEST(ScriptAdding, TheMainScriptItself) {
+    struct Row {
+        const char *what, *main;
+        bool added;
+        const char* expected;
+    };
+    for (const Row& row :
+         {Row{"empty: stays so", "", true, ""}, Row{"one byte", "x", true, "include <a.kez>;\r\nx"},
+          Row{"LF alone", "// c\n\nx\n", true, "// c\ninclude <a.kez>;\r\n\nx\n"},
+          Row{"includes alone", "include <z>;", true, "include <a.kez>;\r\ninclude <z>;"}}) {
+        Project project(row.main);
+        project.addTemplate("a.kez", "x");
+        ScriptedPrompt prompt;
+        ScriptAdding adding(project.host, prompt);
+        EXPECT_EQ(adding.AddScriptToProject(project.templatePath("a.kez")), row.added) << row.what;
+        EXPECT_EQ(project.main(), row.expected) << row.what;
+        EXPECT_TRUE(adding.AddScriptToProject(project.folder.path("main.kez"))) << row.what;
+        EXPECT_EQ(project.main(), row.expected) << "never includes itself";
+    }
+}
+
+TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
+    Project project;
+    const std::string outside = project.suite.write("level.kez", "// level\r\n\r\n");
+    project.addTemplate("a.kez", "x");
+    Project::Host host(
+        FolderHost::Folders{project.folder.path(), project.suite.path(), "template_6", outside});
+    ScriptedPrompt prompt;
+    ScriptAdding adding(host, prompt);
+    EXPECT_TRUE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    EXPECT_EQ(project.folder.read("level.kez"), "// level\r\ninclude <a.kez>;\r\n\r\n");
+    EXPECT_EQ(project.suite.read("level.kez"), "// level\r\n\r\n");
+
+    // Now it exists: the user is asked, and may decline.
+    prompt.answers = {PromptAnswer::Cancel};
+    EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    ASSERT_EQ(prompt.asked.size(), 1U);
+    EXPECT_EQ(prompt.asked[0].text, project.folder.path("level.kez") + "\nFile exist! Overwrite?");
+    EXPECT_EQ(prompt.asked[0].buttons, PromptButtons::OkCancel);
+    host.failCopies = true;
+    prompt.answers = {PromptAnswer::Ok};
+    EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
+}
+
+TEST(ScriptAdding, WithoutMainScriptTheEditorIsAskedToMakeOne) {
+    Project project;
+    project.addTemplate("a.kez", "x");
+    std::filesystem::remove(project.folder.native("main.kez"));
+    Project::Host none(FolderHost::Folders{project.folder.path(), project.suite.path(), "template_6"});
+    ScriptedPrompt prompt;
+    ScriptAdding adding(none, prompt);
+    EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    EXPECT_EQ(none.calls, Names{"create"});
+    none.mainScriptMade = project.folder.write("made.txt", "x");
+    EXPECT_TRUE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    EXPECT_EQ(none.calls, (Names{"create", "create", "changed"}));
+    EXPECT_EQ(project.folder.read("made.txt"), "include <a.kez>;\r\nx");
+}
+
+TEST(ScriptAdding, ATooLongPathIsRefusedAndTheResultNeverOverruns) {
+    Project project;
+    project.addTemplate("a_.kez", "x");
+    ScriptedPrompt prompt;
+    ScriptAdding adding(project.host, prompt);
+    std::string dest = "untouched";
+    EXPECT_FALSE(adding.CopyTemplateScript(project.templatePath("a_.kez"), dest, 260, std::string(253, 'd')));
+    EXPECT_FALSE(
+        adding.CopyTemplateScript(project.templatePath("none.kez"), dest, 260, project.folder.path()));
+    EXPECT_EQ(dest, "untouched");
+    EXPECT_TRUE(adding.CopyTemplateScript(project.templatePath("a_.kez"), dest, 6, project.folder.path()));
+    EXPECT_EQ(dest, project.folder.path().substr(0, 5)) << "the caller's buffer is never overrun";
+    EXPECT_EQ(project.folder.read("a_0.kez"), "x");
+}
+
+TEST(ScriptAdding, EveryFailureOfTheDiskLeavesWholeFiles) {
+    for (int n = 1;; ++n) {
+        Project project;
+        project.addTemplate("camera_.kez", "// needs: base.kez\r\nvar x%_%;");
+        project.addTemplate("base.kez", "x");
+        ScriptedPrompt prompt;
+        int operations = 0;
+        {
+            const test::FaultyOsFiles disk(test::FaultyOsFiles::nth(n));
+            ScriptAdding adding(project.host, prompt);
+            const bool added = adding.AddScriptToProject(project.templatePath("camera_.kez"));
+            operations = disk.operations();
+            const std::string text = project.main();
+            if (added && adding.changed()) {
+                EXPECT_TRUE(text.find("include <camera_0.kez>;\r\n") != std::string::npos) << n;
+            } else {
+                EXPECT_EQ(text, kRest) << n;
+                EXPECT_FALSE(adding.error().empty()) << n;
+            }
+        }
+        for (const std::string& name : project.folder.names())
+            EXPECT_TRUE(name == "main.kez" || name == "camera_0.kez") << n << " " << name;
+        if (n > operations) break;
+    }
+}
+
+TEST(ScriptAdding, RemovingAnIncludeTellsTheEditor) {
+    Project project(mainWith({"a.kez", "b.kez", "A.kez"}));
+    EXPECT_TRUE(RemoveInclude(project.host, "A.KEZ"));
+    EXPECT_EQ(project.main(), mainWith({"b.kez", "A.kez"}));
+    EXPECT_FALSE(RemoveInclude(project.host, "none.kez"));
+    EXPECT_EQ(project.host.calls, Names{"changed"});
+    Project empty("");
+    EXPECT_THROW(RemoveInclude(empty.host, "a.kez"), EmptyScriptError);
+    for (int n = 1;; ++n) {
+        Project broken(mainWith({"a.kez", "b.kez"}));
+        const test::FaultyOsFiles disk(test::FaultyOsFiles::nth(n));
+        std::string error;
+        const bool removed = RemoveInclude(broken.host, "a.kez", &error);
+        const int operations = disk.operations();
+        EXPECT_EQ(broken.main(), mainWith(removed ? Names{"b.kez"} : Names{"a.kez", "b.kez"})) << n;
+        EXPECT_EQ(broken.folder.names(), Names{"main.kez"}) << n;
+        if (n > operations) break;
+    }
+}

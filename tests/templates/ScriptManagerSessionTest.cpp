@@ -1,0 +1,184 @@
+// The Project Manager dialog without its window: what the pages show and what the buttons do.
+#include "templates/ScriptManagerSession.h"
+
+#include <gtest/gtest.h>
+
+#include "templates/CatalogueXml.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/templates/Project.h"
+
+using namespace zoka;
+using test::Project;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+CScriptElm script(const std::string& title, const std::string& file, const Names& needs = {}) {
+    CScriptElm elm;
+    elm.m_name = title;
+    elm.m_filename = file;
+    elm.m_class = "Weather";
+    elm.m_desc = "First.\nSecond.\n";
+    elm.m_engreq = {"6.1", ""};
+    elm.m_needs = needs;
+    elm.m_sections = {{"S", "", "", {{"act", file, {}, "Does.\nThings."}, {"bare", file, {}, ""}}}};
+    return elm;
+}
+
+struct Fixture {
+    Fixture() {
+        catalogue.AddScript(script("Fog", "fog.kez", {"noise.kez"}));         // 0
+        catalogue.AddScript(script("Noise", "noise.kez"));                    // 1
+        catalogue.AddScript(script("Camera", "camera_.kez", {"noise.kez"}));  // 2
+        catalogue.AddScript(script("Fog", "fog2.kez"));                       // 3: the title of another
+        catalogue.AddScript(script("Lost", "lost.kez"));                      // 4: no file anywhere
+        catalogue.AddScript(script("Nameless", ""));                          // 5
+        project.addTemplate("fog.kez", "// needs: noise.kez\r\n// ver: 2\r\n");
+        project.addTemplate("noise.kez", "x");
+        project.addTemplate("camera_.kez", "// needs: noise.kez\r\n%_%");
+        project.addTemplate("fog2.kez", "x");
+        session.open();
+    }
+    Names included() const {
+        Names texts;
+        for (const IncludedScript& entry : session.included()) texts.push_back(entry.text);
+        return texts;
+    }
+    Project project;
+    CTemplateData catalogue;
+    test::FakeUpdater updater;
+    test::ScriptedPrompt prompt;
+    ScriptManagerSession session{project.host, catalogue, [](CTemplateData&, JobProgress*) { return false; },
+                                 updater, prompt};
+};
+
+}  // namespace
+
+TEST(ScriptManagerSession, AddPageShowsAndAdds) {
+    Fixture f;
+    EXPECT_EQ(f.session.classes(), (Names{"<ALL>", "Weather"}));
+    EXPECT_EQ(f.session.search("<ALL>", "fog").size(), 2U);
+    EXPECT_EQ(f.session.lastAdded(), "<none>");
+    EXPECT_EQ(f.session.rowText(0), "Fog");
+    const ScriptDetails details = f.session.details(0);
+    EXPECT_EQ(details.engineReq, "6.1");
+    EXPECT_EQ(details.description, "First.\r\nSecond.\r\n");
+    EXPECT_EQ(details.actions, "act - Does.\r\nThings.\r\nbare");
+    EXPECT_EQ(f.session.plan(0).summary(), "adds fog.kez; needs noise.kez");
+
+    EXPECT_FALSE(f.session.add(std::nullopt));
+    EXPECT_TRUE(f.session.add(0));
+    EXPECT_EQ(f.session.lastAdded(), "Fog");
+    EXPECT_EQ(f.session.status(), "Added: Fog");
+    EXPECT_EQ(f.included(), (Names{"Noise", "Fog"}));
+    EXPECT_EQ(f.session.rowText(0), "Fog  (included)");
+    EXPECT_FALSE(f.session.isIncluded(2));
+    EXPECT_TRUE(f.session.add(2));
+    EXPECT_TRUE(f.session.isIncluded(2)) << "through its copy";
+    EXPECT_EQ(f.session.plan(2).summary(),
+              "adds camera_1.kez; needs noise.kez (already included); copies camera_.kez as camera_1.kez");
+    EXPECT_TRUE(f.session.add(0));
+    EXPECT_EQ(f.session.status(), "Nothing to add: Fog is included already");
+    EXPECT_TRUE(f.prompt.asked.empty());
+
+    for (const std::uint32_t record : {4U, 5U}) {
+        EXPECT_FALSE(f.session.plan(record).problem.empty());
+        EXPECT_FALSE(f.session.add(record));
+        EXPECT_EQ(f.prompt.texts().back(), "Can't find script file (1129).\nFile not added.");
+        EXPECT_EQ(f.session.lastAdded(), "<none>");
+    }
+    f.project.host.failCopies = true;
+    EXPECT_FALSE(f.session.add(2));
+    EXPECT_TRUE(f.session.status().starts_with("Not added: ")) << f.session.status();
+}
+
+TEST(ScriptManagerSession, RemovePageRefusesWhatIsNeeded) {
+    Fixture f;
+    f.project.folder.write("main.kez",
+                           "include <mine.kez>;\r\ninclude <noise.kez>;\r\ninclude <fog.kez>;\r\n"
+                           "include <camera_4.kez>;\r\ninclude <fog2.kez>;\r\ninclude <odd_x.kez>;\r\n");
+    f.session.refresh();
+    EXPECT_EQ(f.included(),
+              (Names{"mine.kez", "Noise", "Fog", "Camera (camera_4.kez)", "Fog (fog2.kez)", "odd_x.kez"}));
+    EXPECT_EQ(f.session.neededBy(1), "needed by Fog, Camera (camera_4.kez)");
+    EXPECT_EQ(f.session.neededBy(2), "");
+    const std::string before = f.project.main();
+
+    EXPECT_FALSE(f.session.remove(-1));
+    EXPECT_FALSE(f.session.remove(99));
+    EXPECT_TRUE(f.prompt.asked.empty());
+    EXPECT_FALSE(f.session.remove(1));
+    ASSERT_EQ(f.prompt.asked.size(), 1U);
+    EXPECT_EQ(f.prompt.asked[0].title, "Can't Remove Script");
+    EXPECT_EQ(f.prompt.asked[0].icon, PromptIcon::Error);
+    EXPECT_EQ(f.prompt.asked[0].text,
+              "The following scripts must be removed first: \n\nFog\n\nCamera (camera_4.kez)");
+    EXPECT_FALSE(f.session.remove(0));
+    EXPECT_EQ(f.prompt.texts().back(), "The script is not in the template catalogue (page error 2).");
+    EXPECT_EQ(f.project.main(), before);
+
+    // The second script of one title, the copy, then the first: each is the one that the entry stands for.
+    EXPECT_TRUE(f.session.remove(4));
+    EXPECT_TRUE(f.session.remove(3));
+    EXPECT_TRUE(f.session.remove(2));
+    EXPECT_TRUE(f.session.remove(1));
+    EXPECT_EQ(f.project.main(), "include <mine.kez>;\r\ninclude <odd_x.kez>;\r\n");
+    EXPECT_EQ(f.session.status(), "Removed: Noise");
+}
+
+TEST(ScriptManagerSession, DependentsByTitle) {
+    Fixture f;
+    f.project.folder.write("main.kez", "include <noise.kez>;\r\ninclude <fog.kez>;\r\n");
+    f.session.refresh();
+    Names titles;
+    EXPECT_TRUE(f.session.FindDependents("Noise", titles));
+    EXPECT_EQ(titles, Names{"Fog"});
+    EXPECT_FALSE(f.session.FindDependents("Fog", titles));
+    EXPECT_TRUE(titles.empty());
+    EXPECT_FALSE(f.session.FindDependents("Camera", titles)) << "in the catalogue, not included";
+    try {
+        f.session.FindDependents("none", titles);
+        ADD_FAILURE();
+    } catch (const PageError& error) {
+        EXPECT_EQ(error.code(), PageError::ScriptNotInCatalogue);
+    }
+}
+
+TEST(ScriptManagerSession, ACatalogueThatCannotBeLoadedIsPageErrorOne) {
+    Fixture f;
+    CTemplateData none;
+    int loads = 0;
+    ScriptManagerSession session(
+        f.project.host, none, [&loads](CTemplateData&, JobProgress*) { return ++loads, false; }, f.updater,
+        f.prompt);
+    EXPECT_FALSE(session.open());
+    EXPECT_EQ(f.prompt.texts().back(), "The template catalogue can't be loaded (page error 1).");
+    EXPECT_EQ(session.notes(), "Project Manager: 2.1\r\n");
+    Names titles;
+    EXPECT_THROW(session.FindDependents("Fog", titles), PageError);
+    EXPECT_EQ(loads, 3) << "tried again each time";
+}
+
+TEST(ScriptManagerSession, UpdatePageShowsDifferencesAndRestores) {
+    Fixture f;
+    f.project.folder.write("fog.kez", "// needs: noise.kez\r\n// ver: 1\r\n");
+    f.project.folder.write("main.kez", "include <noise.kez>;\r\ninclude <fog.kez>;\r\n");
+    f.session.refresh();
+    ASSERT_EQ(f.session.updates().size(), 1U);
+    const auto hunks = f.session.difference(0);
+    ASSERT_EQ(hunks.size(), 1U);
+    EXPECT_EQ(hunks[0].lines[1].text, "// ver: 1");
+    EXPECT_EQ(hunks[0].lines[2].text, "// ver: 2");
+    EXPECT_EQ(f.session.restorable(), Names{"noise.kez"});
+    f.session.updateSelected(0);
+    EXPECT_EQ(f.session.status(), "Updated: fog.kez");
+    EXPECT_TRUE(f.session.updates().empty());
+    EXPECT_TRUE(f.session.restore("noise.kez"));
+    EXPECT_TRUE(f.session.restorable().empty());
+    f.prompt.answers = {PromptAnswer::Yes};
+    f.updater.projectCopies.clear();
+    f.session.updateAll();
+    EXPECT_EQ(f.updater.projectCopies.size(), 2U) << "the button offers every script of the project folder";
+    EXPECT_TRUE(f.session.updates().empty());
+}

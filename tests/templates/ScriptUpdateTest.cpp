@@ -1,0 +1,235 @@
+// The update list, updating, restoring and the notes report, with every text to the letter.
+#include "templates/ScriptUpdate.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "templates/IncludeList.h"
+#include "templates/NotesReport.h"
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/templates/Project.h"
+
+using namespace zoka;
+using test::FakeUpdater;
+using test::Project;
+using test::ScriptedPrompt;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+std::string includes(const Names& names) {
+    std::string text;
+    for (const std::string& name : names) text += includeLine(name);
+    return text + "\r\n";
+}
+
+CScriptElm script(const std::string& title, const std::string& file, const Names& needs = {}) {
+    CScriptElm elm;
+    elm.m_name = title;
+    elm.m_filename = file;
+    elm.m_needs = needs;
+    return elm;
+}
+
+struct Fixture {
+    explicit Fixture(const Names& included) : project(includes(included)) {
+        catalogue.AddScript(script("Fog", "fog.kez", {"noise.kez", "Weather.kez"}));
+        catalogue.AddScript(script("Weather", "weather.kez"));
+        catalogue.AddScript(script("Old", "old.kez"));
+        catalogue.AddScript(script("Plain", "plain.kez"));
+        project.addTemplate("fog.kez", "// ver: 3\r\n// date: 260101\r\n");
+        project.addTemplate("weather.kez", "// ver: 1\r\n");
+        project.addTemplate("old.kez", "// ver: 2, new\r\n");
+        project.addTemplate("plain.kez", "var x;");
+        project.folder.write("fog.kez", "// ver: 3\r\n// date: 260101\r\n");
+        project.folder.write("old.kez", "// ver: 1\r\n// date: 250101\r\n");
+        project.folder.write("plain.kez", "var y;");
+        project.folder.write("mine.kez", "// ver: 9\r\n");
+    }
+    Names lines() const {
+        Names all;
+        for (const UpdateEntry& entry : update.entries()) all.push_back(entry.line);
+        return all;
+    }
+    Project project;
+    CTemplateData catalogue;
+    FakeUpdater updater;
+    ScriptedPrompt prompt;
+    ScriptUpdate update{project.host, catalogue, updater, prompt};
+};
+
+const std::string kFogNeeds = "Fog--Is missing the following Needs: \nnoise.kez \nWeather.kez";
+const std::string kOldDiffers = "Old--[Local ver: 1 date: 250101 --> Template ver: 2 date: -1]\n";
+
+struct StopAfter : JobProgress {
+    explicit StopAfter(size_t pieces) : m_pieces(pieces) {}
+    bool step(size_t done, size_t, const std::string&) override { return done < m_pieces; }
+
+private:
+    size_t m_pieces;
+};
+
+}  // namespace
+
+TEST(ScriptUpdate, ListsWhatDiffersAndWhatIsMissing) {
+    Fixture f({"fog.kez", "OLD.kez", "plain.kez", "mine.kez", "none.kez"});
+    EXPECT_EQ(f.update.FillUpdateList(false), 1);
+    EXPECT_EQ(f.lines(), (Names{kFogNeeds, kOldDiffers}));
+    EXPECT_EQ(f.update.entries()[1].fileName, "OLD.kez");
+    EXPECT_EQ(f.update.FillUpdateList(true), 1);
+    EXPECT_EQ(f.lines(), (Names{kFogNeeds, "Fog", "Old", "Plain"}));
+
+    // A script can be there twice: for its needs and for its version.
+    f.project.folder.write("fog.kez", "// ver: 2\r\n// data: x\r\n");
+    f.project.folder.write("main.kez", includes({"fog.kez", "noise.kez"}));
+    f.update.FillUpdateList(false);
+    EXPECT_EQ(f.lines(), (Names{"Fog--Is missing the following Needs: \nWeather.kez",
+                                "Fog--[Local ver: 2 date: x --> Template ver: 3 date: 260101]\n"}));
+    Fixture none({});
+    EXPECT_EQ(none.update.FillUpdateList(false), 1);
+    EXPECT_TRUE(none.update.entries().empty());
+}
+
+TEST(ScriptUpdate, ReadsEachFileOnce) {
+    Fixture f({"fog.kez", "old.kez", "plain.kez", "weather.kez", "old.kez"});
+    std::map<std::string, int> reads;
+    const test::FaultyOsFiles disk([&reads](int, std::string_view op, const std::string& path) {
+        if (op == "readWhole") ++reads[path];
+        return false;
+    });
+    f.update.FillUpdateList(false);
+    EXPECT_EQ(reads.size(), 7U) << "the main script, three copies and their templates";
+    for (const auto& [path, count] : reads) EXPECT_EQ(count, 1) << path;
+    EXPECT_LE(disk.operations(), 12) << "folders are looked into once";
+}
+
+TEST(ScriptUpdate, AllWithAnEmptyListSaysSo) {
+    Fixture f({"plain.kez"});
+    f.update.FillUpdateList(false);
+    f.update.UpdateAll();
+    ASSERT_EQ(f.prompt.asked.size(), 1U);
+    EXPECT_EQ(f.prompt.asked[0].text, "Everything Up-to-Date.");
+    EXPECT_EQ(f.prompt.asked[0].title, "Can't Update");
+}
+
+TEST(ScriptUpdate, AllAsksThenUpdatesEachOnce) {
+    Fixture f({"fog.kez", "old.kez", "weather.kez"});
+    f.update.FillUpdateList(false);
+    f.prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    f.update.UpdateAll();
+    EXPECT_TRUE(f.updater.projectCopies.empty());
+    f.update.UpdateAll();
+    EXPECT_EQ(f.prompt.texts(), (Names{"Update All Scripts Listed?", "Update All Scripts Listed?"}));
+    EXPECT_EQ(f.prompt.asked[0].buttons, PromptButtons::YesNo);
+    EXPECT_EQ(f.updater.projectCopies,
+              (Names{f.project.folder.path("fog.kez"), f.project.folder.path("old.kez")}));
+    EXPECT_EQ(f.updater.templateCopies,
+              (Names{f.project.templatePath("fog.kez"), f.project.templatePath("old.kez")}));
+    EXPECT_EQ(f.project.folder.read("old.kez"), "// ver: 2, new\r\n");
+    // The need that was missing came in.
+    EXPECT_EQ(f.project.main(),
+              "include <fog.kez>;\r\ninclude <old.kez>;\r\ninclude <weather.kez>;\r\n"
+              "include <noise.kez>;\r\n\r\n");
+    EXPECT_EQ(f.update.included(), Names{"noise.kez"});
+    EXPECT_EQ(f.project.host.calls, Names{"changed"});
+    EXPECT_TRUE(f.update.entries().empty()) << "the list is rebuilt";
+}
+
+TEST(ScriptUpdate, SelectedUpdatesOneWithoutAsking) {
+    Fixture f({"old.kez", "plain.kez"});
+    f.update.FillUpdateList(true);
+    f.update.UpdateSelected(-1);
+    f.update.UpdateSelected(2);
+    EXPECT_TRUE(f.updater.projectCopies.empty());
+    f.update.UpdateSelected(0);
+    EXPECT_EQ(f.updater.projectCopies, Names{f.project.folder.path("old.kez")});
+    EXPECT_TRUE(f.prompt.asked.empty());
+}
+
+TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
+    Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
+    f.project.folder.write("weather.kez", "// ver: 0\r\n");
+    f.updater.failure = "no way";
+    f.update.FillUpdateList(false);
+    f.prompt.answers = {PromptAnswer::Yes};
+    f.update.UpdateAll();
+    EXPECT_EQ(f.prompt.texts().back(), "Not updated:\nweather.kez: no way\nold.kez: no way");
+    EXPECT_EQ(f.update.entries().size(), 2U);
+
+    NoUpdater none;
+    ScriptUpdate update(f.project.host, f.catalogue, none, f.prompt);
+    update.FillUpdateList(false);
+    update.UpdateSelected(0);
+    EXPECT_EQ(f.prompt.texts().back(),
+              "Not updated:\nweather.kez: updating with the values kept is not available here");
+    EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 0\r\n");
+}
+
+TEST(ScriptUpdate, CanBeStoppedBetweenTwoScripts) {
+    Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
+    f.project.folder.write("weather.kez", "// ver: 0\r\n");
+    f.update.FillUpdateList(false);
+    f.prompt.answers = {PromptAnswer::Yes};
+    StopAfter one(1);
+    f.update.UpdateAll(&one);
+    EXPECT_EQ(f.update.updated(), Names{"weather.kez"});
+    ASSERT_EQ(f.update.entries().size(), 1U);
+    EXPECT_EQ(f.update.entries()[0].fileName, "old.kez");
+}
+
+TEST(ScriptUpdate, Restore) {
+    struct Row {
+        const char *file, *text, *title;  // null text: works
+    };
+    Fixture f({});
+    const Row rows[] = {
+        {"fog.kez", "Original file still there.", "Can't Update Script"},
+        {"none.kez", "Can't find the original in template folder.", "Can't Update Script"},
+        {"..\\main.kez", "Can't find the original in template folder.", "Can't Update Script"},
+        {"weather.kez", nullptr, nullptr},
+        {"weather.kez", "Original file still there.", "Can't Update Script"},
+    };
+    for (const Row& row : rows) {
+        f.prompt.asked.clear();
+        EXPECT_EQ(RestoreFromTemplate(f.project.host, row.file), row.text == nullptr) << row.file;
+        ASSERT_EQ(f.prompt.asked.size(), row.text ? 1U : 0U) << row.file;
+        if (!row.text) continue;
+        EXPECT_EQ(f.prompt.asked[0].text, row.text);
+        EXPECT_EQ(f.prompt.asked[0].title, row.title);
+        EXPECT_EQ(f.prompt.asked[0].icon, PromptIcon::Error);
+    }
+    EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 1\r\n");
+    std::filesystem::remove(f.project.folder.native("weather.kez"));
+    f.project.host.failCopies = true;
+    EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
+    EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.");
+}
+
+TEST(NotesReport, ListsEveryInclude) {
+    Fixture f({"fog.kez", "old.kez", "mine.kez", "gone.kez", "weather.kez", "lost.kez"});
+    f.catalogue.AddScript(script("Lost", "lost.kez"));
+    f.catalogue.SetName("Set");
+    f.catalogue.SetType("full");
+    f.catalogue.SetDate("260101");
+    f.catalogue.SetVers("6.2");
+    f.catalogue.SetEngReq("6.1 PRO");
+    const std::string head =
+        "Project Manager: 2.1\r\nTemplate: Set\r\n\tType: full\r\n\tDate: 260101\r\n\tVers: 6.2\r\n\tReq: "
+        "6.1 PRO\r\n\r\n";
+    std::string text = "left over";
+    EXPECT_FALSE(BuildNotesReport(text, f.project.host, f.catalogue, ""));
+    EXPECT_EQ(text, head + "No Main Script Attached to this Project\r\n");
+    const std::string mainPath = f.project.folder.path("main.kez");
+    EXPECT_TRUE(BuildNotesReport(text, f.project.host, f.catalogue, mainPath));
+    EXPECT_EQ(text, head + "Main Script: " + mainPath +
+                        "\r\n\r\n"
+                        "fog.kez  (3) (260101)\r\n"
+                        "old.kez  (1) (250101) --> **(2) (-1)**\r\n"
+                        "mine.kez  (USER)\r\n"
+                        "!gone.kez  (USER)\r\n"
+                        "weather.kez  (1) (-1)\r\n"
+                        "!lost.kez  (-1) (-1)\r\n");
+}
