@@ -57,9 +57,13 @@ bool PluginLibrary::load(const std::string& path, std::string& error) {
         return false;
     }
     const char* missing = nullptr;
-    if (!findEntry(m_module, "PIInitialize", m_initialize)) missing = "PIInitialize";
-    if (!findEntry(m_module, "PIGetPIInfo", m_info)) missing = "PIGetPIInfo";
-    if (!findEntry(m_module, "PIGetProcDef", m_procDef)) missing = "PIGetProcDef";
+    if (!findEntry(m_module, "PIInitialize", m_initialize)) {
+        missing = "PIInitialize";
+    } else if (!findEntry(m_module, "PIGetPIInfo", m_info)) {
+        missing = "PIGetPIInfo";
+    } else if (!findEntry(m_module, "PIGetProcDef", m_procDef)) {
+        missing = "PIGetProcDef";
+    }
     if (missing) {
         error = std::string("no plug-in: it does not export ") + missing;
         FreeLibrary(m_module);
