@@ -7,12 +7,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "xml/XMLNames.h"
+#include "xml/XMLItems.h"
 
 namespace zoka {
-
-struct XMLElement;
-struct XMLItem;
 
 enum class XMLCursorKind : std::uint8_t {
     Named,     // the index counts children of the item's name
@@ -30,19 +27,51 @@ struct XMLCursor {
 
 class XMLCursors {
 public:
-    // Below this index a walk from the first item is as good.
-    static constexpr int kFrom = 8;
-
-    // The remembered place for that element, kind and (Named and Position) name at or before `index`; null
-    // when there is none.
-    const XMLCursor* find(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index) const;
-    void remember(const XMLElement* owner, const XMLCursor& cursor, const XMLName* name);
+    // The remembered place for that element, kind and (Named and Position) name at or before `index`, valid
+    // until the next call; null when there is none.
+    const XMLCursor* find(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index) const {
+        const Place& recent = recent_[slotOf(owner, kind)];
+        if (recent.owner == owner && fits(recent.cursor, kind, name))
+            return recent.cursor.index <= index ? &recent.cursor : nullptr;
+        return index < kFrom ? nullptr : findOld(owner, kind, name, index);
+    }
+    void remember(const XMLElement* owner, const XMLCursor& cursor, const XMLName* name) {
+        Place& recent = recent_[slotOf(owner, cursor.kind)];
+        // A place near the start is not worth keeping once others come in between.
+        if (recent.owner && recent.cursor.index >= kFrom &&
+            (recent.owner != owner || !fits(recent.cursor, cursor.kind, name)))
+            keep(recent);
+        recent = {owner, cursor};
+    }
 
 private:
+    struct Place {
+        const XMLElement* owner = nullptr;
+        XMLCursor cursor{};
+    };
+    // Below this index a walk from the first item is as good.
+    static constexpr int kFrom = 8;
     // Loops over that many names of one element at once keep their places; with more the oldest is forgotten.
     static constexpr std::size_t kPerElement = 8;
+    static constexpr std::size_t kRecent = 16;
 
-    std::unordered_map<const XMLElement*, std::vector<XMLCursor>> places_;
+    static std::size_t slotOf(const XMLElement* owner, XMLCursorKind kind) {
+        const auto address = reinterpret_cast<std::uintptr_t>(owner);
+        return (address / 64 + address / 1024 + static_cast<std::size_t>(kind)) % kRecent;
+    }
+    static bool fits(const XMLCursor& cursor, XMLCursorKind kind, const XMLName* name) {
+        if (cursor.kind != kind) return false;
+        if (!name) return true;
+        const auto* element = static_cast<const XMLElement*>(cursor.item);
+        return name->matches(element->key, element->name);
+    }
+    const XMLCursor* findOld(const XMLElement* owner, XMLCursorKind kind, const XMLName* name,
+                             int index) const;
+    void keep(const Place& place);
+
+    // The latest places, one a slot; what loses its slot goes to the map.
+    Place recent_[kRecent];
+    std::unordered_map<const XMLElement*, std::vector<XMLCursor>> old_;
 };
 
 }  // namespace zoka

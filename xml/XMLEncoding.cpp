@@ -50,10 +50,6 @@ void setXmlCharsetGuessing(bool on) {
     guessing = on;
 }
 
-const bool* xmlLeadBytes() {
-    return theCharset == XMLCharset::Utf8 ? nullptr : platformLeadBytes();
-}
-
 bool guessUtf8(std::string_view bytes) {
     const std::string_view head = bytes.substr(0, kGuessBytes);
     if (head.size() < kFewestBytes) return false;

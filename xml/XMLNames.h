@@ -13,14 +13,46 @@
 
 namespace zoka {
 
-// Bytes that begin a two-byte character in the process's character set: the trail byte is never folded. Null
-// where the set has none.
-const bool* xmlLeadBytes();
+// 256 flags, by byte: whether it begins a two-byte character in the process's character set; the byte behind
+// it is never folded. Null where the set has none. Changed by setXmlCharset alone.
+extern const bool* xmlLeadBytes;
+
+// The forms for sets with two-byte characters; `length` as below.
+std::uint64_t xmlNameKeyWithLeads(const char* name, std::size_t length);
+
+// A to Z in the eight bytes folded to lower case.
+inline std::uint64_t foldNameBytes(std::uint64_t bytes) {
+    // The high bit of each byte of `upper`: whether that byte is a letter A to Z.
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    const std::uint64_t low = bytes & (0x7f * ones);
+    const std::uint64_t upper =
+        (low + (0x80 - 'A') * ones) & ~(low + (0x7f - 'Z') * ones) & ~bytes & (0x80 * ones);
+    return bytes | (upper >> 2);
+}
 
 // The key of a 0-terminated name.
-std::uint64_t xmlNameKey(const char* name);
+inline std::uint64_t xmlNameKey(const char* name) {
+    if (xmlLeadBytes) return xmlNameKeyWithLeads(name, SIZE_MAX);
+    std::uint64_t bytes = 0;
+    for (unsigned i = 0; i < 64 && *name; i += 8)
+        bytes |= std::uint64_t{static_cast<unsigned char>(*name++)} << i;
+    return foldNameBytes(bytes);
+}
+
 // The same of a name of `length` bytes in a text that may be read eight bytes from its start.
-std::uint64_t xmlNameKey(const char* name, std::size_t length);
+inline std::uint64_t xmlNameKey(const char* name, std::size_t length) {
+    if (xmlLeadBytes) return xmlNameKeyWithLeads(name, length);
+    std::uint64_t bytes = 0;
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(&bytes, name, 8);
+    } else {
+        for (unsigned i = 0; i < 8; ++i)
+            bytes |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
+    }
+    if (length < 8) bytes &= (std::uint64_t{1} << (8 * length)) - 1;
+    return foldNameBytes(bytes);
+}
+
 // Whether two names are equal behind their first eight bytes, which are.
 bool xmlSameTail(const char* a, const char* b);
 

@@ -77,31 +77,8 @@ const XMLNode& XMLNode::emptyNode() {
     return empty;
 }
 
-XMLNode& XMLNode::operator=(const XMLNode& other) {
-    if (this != &other) {
-        if (other.element_) other.retain();
-        if (element_) release();
-        element_ = other.element_;
-    }
-    return *this;
-}
-
-XMLNode& XMLNode::operator=(XMLNode&& other) noexcept {
-    if (this != &other) {
-        if (element_) release();
-        element_ = other.element_;
-        other.element_ = nullptr;
-    }
-    return *this;
-}
-
-void XMLNode::retain() const {
-    if (element_) ++XMLDocument::of(element_)->handles;
-}
-
-void XMLNode::release() const {
-    XMLDocument* document = XMLDocument::of(element_);
-    if (--document->handles == 0) delete document;
+void XMLNode::freeTree(const XMLElement* element) {
+    delete XMLDocument::of(element);
 }
 
 XMLNode XMLNode::createTop(const char* name, bool isDeclaration) {
@@ -176,27 +153,32 @@ XMLNode XMLNode::getChild(const char* tag, int index) const {
 
 XMLNode XMLNode::getChild(const char* tag, int* position) const {
     if (!element_ || !position || *position < 0) return {};
-    XMLCursors& cursors = XMLDocument::of(element_)->cursors;
     const XMLName wanted(tag ? tag : "");
     const XMLName* name = tag ? &wanted : nullptr;
     const XMLCursorKind kind = tag ? XMLCursorKind::Position : XMLCursorKind::Any;
+    XMLCursors& cursors = XMLDocument::of(element_)->cursors;
     const XMLItem* item = element_->firstItem();
     int at = 0;  // of `item`, counting children
     // The place remembered is that of the child found last, one in front of *position.
-    if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
-        item = place->item;
-        at = place->index;
-    }
-    item = findItem(element_, item, [&](const XMLItem* one) {
-        if (!isChild(one, nullptr)) return false;
-        if (at >= *position && isChild(one, name)) return true;
+    if (*position > 0)
+        if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
+            item = place->item;
+            at = place->index;
+            if (at < *position) {
+                item = after(element_, item);
+                ++at;
+            }
+        }
+    for (; item; item = after(element_, item)) {
+        if (item->kind != XMLItemKind::Element) continue;
+        if (at >= *position && isChild(item, name)) {
+            cursors.remember(element_, {item, at, kind}, name);
+            *position = at + 1;
+            return XMLNode(elementOf(item));
+        }
         ++at;
-        return false;
-    });
-    if (!item) return {};
-    cursors.remember(element_, {item, at, kind}, name);
-    *position = at + 1;
-    return XMLNode(elementOf(item));
+    }
+    return {};
 }
 
 XMLNode XMLNode::firstChild(const char* tag) const {

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -27,7 +28,15 @@
 
 namespace zoka {
 struct XMLElement;
+
+// Elements lie in blocks aligned to their size, which begin with the address of their document's count of
+// handles.
+inline constexpr std::size_t kXmlBlockSize = 16 * 1024;
+inline std::size_t& xmlHandles(const XMLElement* element) {
+    const auto block = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kXmlBlockSize - 1};
+    return **reinterpret_cast<std::size_t**>(block);
 }
+}  // namespace zoka
 
 // What parsing found. Lines and columns count from 1, columns in characters (a tab is one); both are 0 where
 // no place can be named (codes 0, 2, 12). For what is never closed they name the place where it was opened.
@@ -152,18 +161,33 @@ public:
     XMLNode() = default;
     XMLNode(const XMLNode& other) : element_(other.element_) { retain(); }
     XMLNode(XMLNode&& other) noexcept : element_(other.element_) { other.element_ = nullptr; }
-    XMLNode& operator=(const XMLNode& other);
-    XMLNode& operator=(XMLNode&& other) noexcept;
-    ~XMLNode() {
-        if (element_) release();
+    XMLNode& operator=(const XMLNode& other) {
+        other.retain();
+        release();
+        element_ = other.element_;
+        return *this;
     }
+    XMLNode& operator=(XMLNode&& other) noexcept {
+        if (this != &other) {
+            release();
+            element_ = other.element_;
+            other.element_ = nullptr;
+        }
+        return *this;
+    }
+    ~XMLNode() { release(); }
     // Whether both are handles on the same node.
     bool operator==(const XMLNode& other) const { return element_ == other.element_; }
 
 private:
     explicit XMLNode(zoka::XMLElement* element) : element_(element) { retain(); }
-    void retain() const;
-    void release() const;
+    void retain() const {
+        if (element_) ++zoka::xmlHandles(element_);
+    }
+    void release() const {
+        if (element_ && --zoka::xmlHandles(element_) == 0) freeTree(element_);
+    }
+    static void freeTree(const zoka::XMLElement* element);
 
     zoka::XMLElement* element_ = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <unordered_set>
 
@@ -41,10 +42,17 @@ private:
     char* oddCharacter(char* p) {
         char32_t c = 0;
         const unsigned length = hasClass(*p, kCharHigh) ? utf8Sequence(p, c) : 0;
+        shifts_ = true;
         return length && isXmlChar(c) ? p + length : unexpected(p);
     }
     // The end of the name at `p`; `p` itself when none starts there.
-    char* nameEnd(char* p);
+    char* nameEnd(char* p) {
+        if (!hasClass(*p, kCharNameStart | kCharHigh)) return p;
+        char* const end = scanName(p);
+        return hasClass(*end, kCharHigh) ? unusualNameEnd(p, end) : end;
+    }
+    // The same of a name at `start` that has other than ASCII characters from `p` on.
+    char* unusualNameEnd(char* start, char* p);
     // Past the reference at `p`.
     char* reference(char* p);
     // The place of `close` at or after `p`, when only allowed characters stand between. `opening` is blamed
@@ -58,6 +66,13 @@ private:
     char* value(char* p, char quote);
     bool isDouble(const char* name, std::size_t length, std::uint64_t key);
     char* endTag(char* p);
+    // The end of the name at `p` when it is that of the open element, else null.
+    char* sameNameEnd(char* p) {
+        for (const char* open = current_->name;; ++open, ++p) {
+            if (*open == 0) return hasClass(*p, kCharName | kCharHigh) ? nullptr : p;
+            if (*open != *p) return nullptr;
+        }
+    }
     char* exclamation(char* p);
     char* comment(char* p);
     char* cdata(char* p);
@@ -76,12 +91,19 @@ private:
         XMLDocument::append(current_, document_.newTextItem(kind, value));
         if (kind == XMLItemKind::CData) current_->holdsText = true;
     }
-    void keepAttributes(XMLElement* element) {
-        const std::size_t size = attributes_.size() * sizeof(XMLAttribute);
-        if (size == 0) return;
-        element->attributes =
-            static_cast<XMLAttribute*>(std::memcpy(document_.allocate(size), attributes_.data(), size));
-        element->attributeCount = static_cast<std::uint32_t>(attributes_.size());
+    void openRun() {
+        run_ = document_.openRun(runRoom_);
+        runCount_ = 0;
+    }
+    void addToRun(const XMLAttribute& attribute) {
+        if (runCount_ == runRoom_) run_ = document_.growRun(run_, runRoom_);
+        ::new (static_cast<void*>(run_ + runCount_++)) XMLAttribute(attribute);
+    }
+    void closeRun(XMLElement* element) {
+        if (runCount_ == 0) return;
+        document_.closeRun(run_, runCount_);
+        element->attributes = run_;
+        element->attributeCount = static_cast<std::uint32_t>(runCount_);
     }
 
     XMLDocument& document_;
@@ -92,11 +114,16 @@ private:
     XMLElement* top_ = nullptr;
     bool doctypeSeen_ = false;
     XMLPosition position_;
+    // Whether the text or value being read has characters that must be accounted for when it is decoded: line
+    // ends or such as are not ASCII, be it by a reference.
+    bool shifts_ = false;
     XMLErrorCode code_ = kXmlNone;
     const char* place_ = nullptr;
     XMLPosition::Place topPlace_{0, 0};
     // Of the tag being read.
-    std::vector<XMLAttribute> attributes_;
+    XMLAttribute* run_ = nullptr;
+    std::size_t runCount_ = 0;
+    std::size_t runRoom_ = 0;
     std::uint64_t seenKeys_ = 0;
     std::unordered_set<std::string_view> seenNames_;
 };
@@ -124,20 +151,13 @@ XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
 }
 
 template <bool Utf8>
-char* Parser<Utf8>::nameEnd(char* p) {
-    constexpr unsigned high = Utf8 ? 0 : kCharHigh;
-    char32_t c = 0;
-    if (!hasClass(*p, kCharNameStart | high)) {
-        if (!Utf8 || !hasClass(*p, kCharHigh)) return p;
-        const unsigned length = utf8Sequence(p, c);
-        if (length == 0 || !isXmlNameStart(c)) return p;
-        p += length;
-    }
-    for (;;) {
-        while (hasClass(*p, kCharName | high)) ++p;
-        if (!Utf8 || !hasClass(*p, kCharHigh)) return p;
-        const unsigned length = utf8Sequence(p, c);
-        if (length == 0 || !isXmlNameChar(c)) return p;
+char* Parser<Utf8>::unusualNameEnd(char* start, char* p) {
+    for (;; p = scanName(p)) {
+        if (!hasClass(*p, kCharHigh)) return p;
+        char32_t c = 0;
+        const unsigned length = Utf8 ? utf8Sequence(p, c) : 1;
+        if (length == 0) return p;
+        if (Utf8 && !(p == start ? isXmlNameStart(c) : isXmlNameChar(c))) return p;
         p += length;
     }
 }
@@ -147,6 +167,7 @@ char* Parser<Utf8>::reference(char* p) {
     char32_t c = 0;
     char* end = xmlReference(p, c);
     if (!end) return fail(kXmlUnknownEntity, p);
+    shifts_ |= c >= 0x80 || c == '\n' || c == '\r';
     return Utf8 || xmlHasCharacter(c) ? end : fail(kXmlCannotConvert, p);
 }
 
@@ -183,6 +204,7 @@ char* Parser<Utf8>::declaration(char* p) {
     };
 
     if (p[5] == '?') return fail(kXmlInvalidTag, p + 5);
+    openRun();
     position_.end(p + 5);
     char* q = p + 6;
     std::size_t next = 0;
@@ -206,13 +228,13 @@ char* Parser<Utf8>::declaration(char* p) {
         if (!allowed(which, {start, static_cast<std::size_t>(q - start)})) return fail(kXmlInvalidTag, start);
         position_.end(nameEndsAt);
         *q++ = 0;
-        attributes_.push_back({xmlNameKey(name, word.size()), name, start});
+        addToRun({xmlNameKey(name, word.size()), name, start});
         next = which + 1;
     }
     if (next == 0) return fail(kXmlInvalidTag, q);
     XMLElement* element = newElement(p + 2, 3);
     element->isDeclaration = true;
-    keepAttributes(element);
+    closeRun(element);
     return skipBlanks(q) + 2;
 }
 
@@ -251,17 +273,18 @@ char* Parser<Utf8>::content(char* p) {
 template <bool Utf8>
 char* Parser<Utf8>::text(char* p) {
     char* const start = p;
-    bool decode = false;
+    bool edits = false;
+    shifts_ = false;
     for (; p;) {
         p = scanText<Utf8>(p);
         const char c = *p;
         if (c == '<') break;
         if (c == '&') {
             p = reference(p);
-            decode = true;
+            edits = true;
         } else if (c == '\r') {
             ++p;
-            decode = true;
+            edits = shifts_ = true;
         } else if (c == ']') {
             if (p[1] == ']' && p[2] == '>') return fail(kXmlUnmatchedClear, p);
             ++p;
@@ -272,12 +295,13 @@ char* Parser<Utf8>::text(char* p) {
     if (!p) return nullptr;
 
     char* end = p;
-    if (decode) {
-        position_.beforeEdit(start, p);
+    if (edits) {
+        const bool shifts = shifts_ || std::memchr(start, '\n', static_cast<std::size_t>(p - start));
+        if (shifts) position_.beforeEdit(start, p);
         const XMLDecodedRange range = xmlDecode(start, p, false);
         for (end = range.end; end > range.afterReference && isXmlBlank(end[-1]);) --end;
         *end = 0;
-        position_.afterEdit(start, p);
+        if (shifts) position_.afterEdit(start, p);
     } else {
         while (isXmlBlank(end[-1])) --end;
         position_.end(end);
@@ -304,7 +328,7 @@ char* Parser<Utf8>::startTag(char* p) {
         topPlace_ = position_.at(p);
     }
     position_.end(q);
-    attributes_.clear();
+    openRun();
     for (;;) {
         if (c == '>') {
             current_ = element;
@@ -333,12 +357,12 @@ char* Parser<Utf8>::startTag(char* p) {
         const std::uint64_t key = xmlNameKey(attribute, length);
         if (isDouble(attribute, length, key)) return fail(kXmlInvalidTag, attribute);
         position_.end(attributeEnd);
-        attributes_.push_back({key, attribute, q + 1});
+        addToRun({key, attribute, q + 1});
         q = value(q + 1, quote);
         if (!q) return nullptr;
         c = *++q;
     }
-    keepAttributes(element);
+    closeRun(element);
     return q;
 }
 
@@ -346,17 +370,19 @@ char* Parser<Utf8>::startTag(char* p) {
 template <bool Utf8>
 char* Parser<Utf8>::value(char* p, char quote) {
     char* const start = p;
-    bool decode = false;
+    bool edits = false;
+    shifts_ = false;
     while (p) {
         p = scanValue<Utf8>(p, quote);
         const char c = *p;
         if (c == quote) break;
         if (c == '&') {
             p = reference(p);
-            decode = true;
+            edits = true;
         } else if (isXmlBlank(c)) {
             ++p;
-            decode = true;
+            edits = true;
+            shifts_ |= c != '\t';
         } else if (p == end_) {
             return fail(kXmlUnmatchedQuote, start - 1);
         } else if (c == '<') {
@@ -366,10 +392,10 @@ char* Parser<Utf8>::value(char* p, char quote) {
         }
     }
     if (!p) return nullptr;
-    if (decode) {
-        position_.beforeEdit(start, p);
+    if (edits) {
+        if (shifts_) position_.beforeEdit(start, p);
         *xmlDecode(start, p, true).end = 0;
-        position_.afterEdit(start, p);
+        if (shifts_) position_.afterEdit(start, p);
     } else {
         *p = 0;
     }
@@ -381,23 +407,23 @@ char* Parser<Utf8>::value(char* p, char quote) {
 template <bool Utf8>
 bool Parser<Utf8>::isDouble(const char* name, std::size_t length, std::uint64_t key) {
     constexpr std::size_t many = 32;
-    if (attributes_.empty()) {
-        seenKeys_ = 0;
-        seenNames_.clear();
-    }
-    if (attributes_.size() >= many) {
-        if (attributes_.size() == many)
-            for (const XMLAttribute& attribute : attributes_) seenNames_.emplace(attribute.name);
+    if (runCount_ == 0) seenKeys_ = 0;
+    if (runCount_ >= many) {
+        if (runCount_ == many) {
+            seenNames_.clear();
+            for (std::size_t i = 0; i < many; ++i) seenNames_.emplace(run_[i].name);
+        }
         return !seenNames_.emplace(name, length).second;
     }
     const std::uint64_t bit = std::uint64_t{1} << (key * 0x9e3779b97f4a7c15u >> 58);
     const bool maybe = (seenKeys_ & bit) != 0;
     seenKeys_ |= bit;
     if (!maybe) return false;
-    for (const XMLAttribute& attribute : attributes_)
-        if (attribute.key == key && std::strncmp(attribute.name, name, length) == 0 &&
-            attribute.name[length] == 0)
+    for (std::size_t i = 0; i < runCount_; ++i) {
+        const XMLAttribute& other = run_[i];
+        if (other.key == key && std::strncmp(other.name, name, length) == 0 && other.name[length] == 0)
             return true;
+    }
     return false;
 }
 
@@ -405,10 +431,8 @@ template <bool Utf8>
 char* Parser<Utf8>::endTag(char* p) {
     if (current_ == root_) return fail(top_ ? kXmlUnmatchedEndTag : kXmlFirstNotStartTag, p);
     char* const name = p + 2;
-    char* q = name;
-    for (const char* open = current_->name;; ++open, ++q) {
-        if (*open == 0 && !hasClass(*q, kCharName | kCharHigh)) break;
-        if (*open == *q) continue;
+    char* q = sameNameEnd(name);
+    if (!q) {
         char* const end = nameEnd(name);
         if (end == end_) return unexpected(end);
         return end == name ? fail(kXmlMissingEndTagName, name) : fail(kXmlUnmatchedEndTag, p);

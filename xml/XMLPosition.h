@@ -29,7 +29,8 @@ public:
             anchorColumn_ = 0;
         }
     }
-    // To be called before and after the bytes from `first` to `last` are rewritten.
+    // To be called before and after the bytes from `first` to `last` are rewritten. Needless where there are
+    // ASCII characters and no line ends, before and after: that many characters still stand there.
     void beforeEdit(const char* first, const char* last);
     void afterEdit(const char* first, const char* last);
 

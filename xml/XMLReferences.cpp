@@ -2,22 +2,15 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLEncoding.h"
+#include "xml/XMLScan.h"
 
 namespace zoka {
 namespace {
-
-struct Entity {
-    const char* text;
-    std::size_t length;
-    char32_t character;
-};
-constexpr Entity kEntities[] = {
-    {"amp;", 4, '&'}, {"lt;", 3, '<'}, {"gt;", 3, '>'}, {"quot;", 5, '"'}, {"apos;", 5, '\''},
-};
 
 int digit(char c, bool hexadecimal) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -40,13 +33,24 @@ char* put(char* out, char32_t c) {
 
 char* xmlReference(char* p, char32_t& c) {
     ++p;
-    if (*p != '#') {
-        for (const Entity& entity : kEntities)
-            if (std::strncmp(p, entity.text, entity.length) == 0) {
-                c = entity.character;
-                return p + entity.length;
-            }
-        return nullptr;
+    const auto is = [&](std::string_view text, char32_t character) -> char* {
+        if (std::strncmp(p, text.data(), text.size()) != 0) return nullptr;
+        c = character;
+        return p + text.size();
+    };
+    switch (*p) {
+        case 'l':
+            return is("lt;", '<');
+        case 'g':
+            return is("gt;", '>');
+        case 'q':
+            return is("quot;", '"');
+        case 'a':
+            return p[1] == 'm' ? is("amp;", '&') : is("apos;", '\'');
+        case '#':
+            break;
+        default:
+            return nullptr;
     }
     ++p;
     const bool hexadecimal = *p == 'x';
@@ -70,22 +74,24 @@ bool xmlHasCharacter(char32_t c) {
 XMLDecodedRange xmlDecode(char* first, char* last, bool isValue) {
     char* out = first;
     char* afterReference = first;
-    for (char* p = first; p < last;) {
-        const char c = *p;
-        if (c == '&') {
+    const char stop = *last;
+    for (char* p = first;;) {
+        char* const next = scanEdits(p, stop, isValue);
+        const auto length = static_cast<std::size_t>(next - p);
+        if (out != p) std::memmove(out, p, length);
+        out += length;
+        p = next;
+        if (p == last) return {out, afterReference};
+        if (*p == '&') {
             char32_t character = 0;
             p = xmlReference(p, character);
             out = afterReference = put(out, character);
-            continue;
-        }
-        ++p;
-        if (c == '\r' && *p == '\n') ++p;
-        if (c == '\r')
+        } else {
+            if (p[0] == '\r' && p[1] == '\n') ++p;
+            ++p;
             *out++ = isValue ? ' ' : '\n';
-        else
-            *out++ = isValue && (c == '\n' || c == '\t') ? ' ' : c;
+        }
     }
-    return {out, afterReference};
 }
 
 }  // namespace zoka

@@ -55,6 +55,12 @@ Char* skipBlanks(Char* p) {
     return p;
 }
 
+// Stops at what is no ASCII character of a name.
+inline char* scanName(char* p) {
+    while (hasClass(*p, kCharName)) ++p;
+    return p;
+}
+
 #if defined(__SSE2__)
 namespace scan {
 
@@ -109,7 +115,20 @@ char* scanTo(char* p, char stop) {
         return either(_mm_andnot_si128(fine, odd<Utf8>(v)), equal(v, stop));
     });
 }
+// Stops at `stop`, '&' and CR; in values also at tab and LF.
+inline char* scanEdits(char* p, char stop, bool isValue) {
+    using namespace scan;
+    const char tab = isValue ? '\t' : '\r', lf = isValue ? '\n' : '\r';
+    return run(p, [=](__m128i v) {
+        const __m128i blanks = either(either(equal(v, tab), equal(v, lf)), equal(v, '\r'));
+        return either(blanks, either(equal(v, stop), equal(v, '&')));
+    });
+}
 #else
+inline char* scanEdits(char* p, char stop, bool isValue) {
+    while (*p != stop && *p != '&' && *p != '\r' && !(isValue && (*p == '\t' || *p == '\n'))) ++p;
+    return p;
+}
 template <bool Utf8>
 char* scanText(char* p) {
     while (!hasClass(*p, kCharControl | (Utf8 ? kCharHigh : 0)) && *p != '<' && *p != '&' && *p != ']') ++p;

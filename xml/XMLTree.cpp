@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -50,7 +51,7 @@ void XMLDocument::nextBlock() {
         chunkBlocks_ = blocks;
         blocksLeft_ = blocks;
     }
-    ::new (static_cast<void*>(nextBlock_)) BlockHeader{this};
+    ::new (static_cast<void*>(nextBlock_)) BlockHeader{&handles, this};
     nextElement_ = reinterpret_cast<XMLElement*>(nextBlock_ + kHeaderRoom);
     nextBlock_ += kBlockSize;
     --blocksLeft_;
@@ -72,6 +73,14 @@ void* XMLDocument::allocateSlowly(std::size_t size) {
     arena_ = memory + size;
     arenaLeft_ = bytes - size;
     return memory;
+}
+
+XMLAttribute* XMLDocument::growRun(const XMLAttribute* run, std::size_t& room) {
+    const std::size_t count = room;
+    room = std::max<std::size_t>(2 * count, kFirstRun);
+    auto* wider = static_cast<XMLAttribute*>(allocate(room * sizeof(XMLAttribute)));
+    std::uninitialized_copy_n(run, count, wider);
+    return wider;
 }
 
 const char* XMLDocument::copyString(const char* text) {

@@ -13,63 +13,9 @@
 #include <vector>
 
 #include "xml/XMLCursors.h"
+#include "xml/XMLNode.h"
 
 namespace zoka {
-
-struct XMLElement;
-
-enum class XMLItemKind : std::uint8_t { Element, Text, Comment, CData, Doctype };
-
-// What stands in an element's list of content. The list is a ring: the owner points to the last item, the
-// last item to the first.
-struct XMLItem {
-    XMLItem* next = nullptr;
-    XMLItemKind kind = XMLItemKind::Element;
-    // Of elements only:
-    bool isDeclaration = false;  // written as <?name ...?>
-    bool holdsText = false;      // a text or CDATA section is among its own content
-    bool grownRun = false;       // its attributes' run has room for a power of two
-};
-
-struct XMLTextItem : XMLItem {
-    const char* value = nullptr;  // of a comment and the like: what stands between its tags
-};
-
-struct XMLClearTags {
-    const char* open;
-    const char* close;
-};
-inline XMLClearTags clearTags(XMLItemKind kind) {
-    switch (kind) {
-        case XMLItemKind::Comment:
-            return {"<!--", "-->"};
-        case XMLItemKind::CData:
-            return {"<![CDATA[", "]]>"};
-        default:
-            return {"<!DOCTYPE", ">"};
-    }
-}
-
-struct XMLAttribute {
-    std::uint64_t key = 0;
-    const char* name = nullptr;
-    const char* value = nullptr;  // may be null
-};
-
-struct XMLElement : XMLItem {
-    std::uint32_t attributeCount = 0;
-    std::uint64_t key = 0;       // of the name, see XMLNames.h
-    const char* name = nullptr;  // null: the document node
-    XMLElement* parent = nullptr;
-    XMLItem* lastItem = nullptr;
-    XMLAttribute* attributes = nullptr;  // in one run
-    // A text in front of all other content stands here and not in the list: most elements with a text have no
-    // other content. Of a declaration other than "xml": its data, kept as it is.
-    const char* text = nullptr;
-
-    XMLItem* firstItem() const { return lastItem ? lastItem->next : nullptr; }
-};
-static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 64 && sizeof(XMLAttribute) == 24));
 
 // Strings in a tree may be read up to this many bytes past their terminator (the scanning code works in
 // blocks).
@@ -77,7 +23,7 @@ inline constexpr std::size_t kXmlPadding = 16;
 
 class XMLDocument {
 public:
-    static constexpr std::size_t kBlockSize = 16 * 1024;
+    static constexpr std::size_t kBlockSize = kXmlBlockSize;
 
     XMLDocument() = default;
     XMLDocument(const XMLDocument&) = delete;
@@ -111,6 +57,17 @@ public:
         arenaLeft_ -= size;
         return result;
     }
+    // An element's attributes are read into the free end of the arena: openRun gives it, `room` attributes
+    // wide; growRun gives a wider place for a run that fills its own; closeRun keeps the run. Nothing else
+    // may be allocated in between but elements.
+    XMLAttribute* openRun(std::size_t& room) {
+        room = arenaLeft_ / sizeof(XMLAttribute);
+        return reinterpret_cast<XMLAttribute*>(arena_);
+    }
+    XMLAttribute* growRun(const XMLAttribute* run, std::size_t& room);
+    void closeRun(const XMLAttribute* run, std::size_t count) {
+        if (reinterpret_cast<const char*>(run) == arena_) allocate(count * sizeof(XMLAttribute));
+    }
     const char* copyString(const char* text);
     // The same as the tree may hold it: characters that XML does not allow become U+FFFD ('?' in the
     // platform's set), and what is no UTF-8 where it should be is taken as text in the platform's set.
@@ -139,6 +96,7 @@ public:
 
 private:
     struct BlockHeader {
+        std::size_t* handles;  // see xmlHandles
         XMLDocument* document;
     };
     static constexpr std::size_t kHeaderRoom = 64;
