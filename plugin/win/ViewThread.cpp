@@ -196,7 +196,11 @@ __attribute__((noinline)) void CViewThread::run() {
         m_window.store(window);
         ShowWindow(window, SW_SHOWNORMAL);
         UpdateWindow(window);
-        SetForegroundWindow(window);
+        // Made while the editor was in front, the frame is drawn as that of a window behind; the system may not
+        // notice, because for this thread the window is the active one all the time.
+        if (SetForegroundWindow(window)) {
+            SendMessageA(window, WM_NCACTIVATE, TRUE, 0);
+        }
         PostMessageA(window, kLoadMessage, 0, 0);
         SetEvent(m_opened);
         if (m_closeRequested.load()) {
