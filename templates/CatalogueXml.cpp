@@ -1,12 +1,18 @@
 #include "templates/CatalogueXml.h"
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
+#include "util/OsFiles.h"
 #include "util/SafeWrite.h"
+#include "xml/XMLEncoding.h"
 
 namespace zoka {
 
 namespace {
+
+constexpr size_t kGuessedBytes = 200;
 
 std::string attribute(const XMLNode& node, const char* name) {
     const char* const value = node.getAttribute(name);
@@ -168,9 +174,30 @@ std::string catalogueText(const CTemplateData& catalogue, const std::string& dat
     return out;
 }
 
+namespace {
+
+// The catalogue's writer leaves the platform's 8-bit characters as they are and declares nothing, so a file
+// can look like UTF-8 at its start and not be. The process's XML character set is then set right.
+XMLNode parseCatalogue(const std::string& path, XMLResults* results) {
+    const std::optional<std::string> bytes = osFiles().readWhole(path);
+    if (!bytes) return XMLNode::parseFile(path.c_str(), kCatalogueRoot, results);
+    const bool utf8 = guessUtf8(std::string_view(*bytes).substr(0, kGuessedBytes));
+    setXmlCharset(utf8 ? XMLCharset::Utf8 : XMLCharset::Platform);
+    const XMLNode root = XMLNode::parseBytes(*bytes, kCatalogueRoot, results);
+    const bool eightBit = std::any_of(bytes->begin(), bytes->end(), [](char c) { return (c & 0x80) != 0; });
+    if (!root.isEmpty() || !utf8 || !eightBit) return root;
+    setXmlCharset(XMLCharset::Platform);
+    XMLNode again = XMLNode::parseBytes(*bytes, kCatalogueRoot);
+    if (again.isEmpty()) setXmlCharset(XMLCharset::Utf8);
+    if (!again.isEmpty() && results) *results = {};
+    return again;
+}
+
+}  // namespace
+
 bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults* results,
                    JobProgress* progress) {
-    const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results);
+    const XMLNode root = parseCatalogue(path, results);
     return !root.isEmpty() && catalogue.LoadFromNode(root, progress);
 }
 
@@ -219,7 +246,8 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
 }
 
 bool CTemplateData::LoadFromXML(const std::string& path) {
-    return LoadFromNode(XMLNode::loadFileOrExit(path.c_str(), zoka::kCatalogueRoot));
+    const XMLNode root = zoka::parseCatalogue(path, nullptr);
+    return LoadFromNode(root.isEmpty() ? XMLNode::loadFileOrExit(path.c_str(), zoka::kCatalogueRoot) : root);
 }
 
 bool CTemplateData::WriteXML(const std::string& path) const {

@@ -148,6 +148,19 @@ TEST(CatalogueXml, NamesAreMatchedInAnyCaseAndMissingOnesAreEmpty) {
     EXPECT_EQ(data.scripts()[1].m_needs, std::vector<std::string>{"x"});
 }
 
+TEST(CatalogueXml, EightBitCharactersFarDownAreReadBack) {
+    CTemplateData data = fullCatalogue();
+    CScriptElm script = fullScript();
+    script.m_desc = "Caf\xE9 at 20\xB0, \xA9 \x80";
+    data.AddScript(script);
+    const TempFolder folder;
+    data.WriteXML(folder.path("t.xml"));
+    CTemplateData read;
+    EXPECT_TRUE(read.LoadFromXML(folder.path("t.xml")));
+    ASSERT_EQ(read.scripts().size(), 2U);
+    EXPECT_EQ(read.scripts()[1].m_desc, script.m_desc);
+}
+
 TEST(CatalogueXml, ABadFileIsFatalInOneWayAndTellsItsPlaceInTheOther) {
     const TempFolder folder;
     folder.write("bad.xml", "<TavrixTemplate>\n  <Script name='x'>\n</TavrixTemplate>");

@@ -1,0 +1,58 @@
+#include "templates/win/ManagerPage.h"
+
+namespace zoka {
+
+bool ManagerPage::create(HWND dialog) {
+    return makeDialog(dialog, WS_CHILD | DS_CONTROL | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, dialogProc,
+                      reinterpret_cast<LPARAM>(this)) != nullptr;
+}
+
+HWND ManagerPage::label(const char* text) {
+    return makeControl(m_window, "STATIC", text, SS_LEFTNOWORDWRAP, 0, -1, fonts().text());
+}
+
+HWND ManagerPage::button(const char* text, int id, bool isMain) {
+    return makeControl(m_window, "BUTTON", text,
+                       WS_TABSTOP | static_cast<DWORD>(isMain ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON), 0, id,
+                       fonts().text());
+}
+
+INT_PTR CALLBACK ManagerPage::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrA(window, DWLP_USER, static_cast<LONG_PTR>(lParam));
+        auto* const page = reinterpret_cast<ManagerPage*>(lParam);
+        page->m_window = window;
+        page->createControls();
+        return FALSE;
+    }
+    auto* const self = reinterpret_cast<ManagerPage*>(GetWindowLongPtrA(window, DWLP_USER));
+    if (!self) return FALSE;
+    switch (message) {
+        case WM_SIZE:
+            self->layout(LOWORD(lParam), HIWORD(lParam));
+            return TRUE;
+        case WM_COMMAND:
+            // Enter and Escape are the dialog's.
+            if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
+                SendMessageA(GetParent(window), message, wParam, lParam);
+            else
+                self->command(LOWORD(wParam), HIWORD(wParam));
+            return TRUE;
+        case WM_NOTIFY:
+            SetWindowLongPtrA(window, DWLP_MSGRESULT, self->notified(*reinterpret_cast<NMHDR*>(lParam)));
+            return TRUE;
+        case WM_TIMER:
+            self->timer(wParam);
+            return TRUE;
+        case WM_MEASUREITEM:
+            self->measure(*reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
+            return TRUE;
+        case WM_DRAWITEM:
+            self->draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            return TRUE;
+        default:
+            return FALSE;
+    }
+}
+
+}  // namespace zoka

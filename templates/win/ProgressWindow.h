@@ -1,0 +1,51 @@
+// Keeps a window alive during a long job: how far it is, and a button that stops it.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "templates/JobProgress.h"
+#include "util/win/WindowKit.h"
+
+namespace zoka {
+
+// Lives as long as one job. The owner takes no input meanwhile; a job that is done within a moment shows nothing.
+// All on the owner's thread, but for what runOnThread runs.
+class ProgressWindow : public JobProgress {
+public:
+    // `owner` may be null. `fonts` outlives the object.
+    ProgressWindow(HWND owner, const WindowFonts& fonts, std::string title);
+    ~ProgressWindow() override;
+    ProgressWindow(const ProgressWindow&) = delete;
+    ProgressWindow& operator=(const ProgressWindow&) = delete;
+
+    // For jobs on this thread: shows messages now and then. False once the user has cancelled.
+    bool step(std::size_t done, std::size_t total, const std::string& what) override;
+    // For jobs that can't be cut into short pieces: runs the job on a thread of its own and returns when that
+    // thread has ended. What the job throws is thrown here. Only the job's own data may be used in it.
+    void runOnThread(const std::function<void(JobProgress&)>& job);
+
+    bool cancelled() const { return m_cancelled; }
+    // Out of the way while the user is asked something.
+    void hide();
+
+private:
+    static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void createControls(HWND window);
+    void show(std::size_t done, std::size_t total, const std::string& what);
+    void pumpMessages();
+    void cancel();
+
+    HWND m_owner;
+    const WindowFonts& m_fonts;
+    std::string m_title;
+    HWND m_window = nullptr, m_text = nullptr, m_bar = nullptr, m_button = nullptr;
+    HWND m_focus;
+    bool m_ownerWasEnabled;
+    bool m_cancelled = false;
+    DWORD m_start, m_lastPump;
+};
+
+}  // namespace zoka
