@@ -10,60 +10,60 @@
 namespace zoka {
 namespace {
 
-constexpr std::array<const char*, kKeywordCount> kNames = {"title",
-                                                           "image",
-                                                           "text",
-                                                           "section",
-                                                           "help",
-                                                           "entry_help",
-                                                           "id",
-                                                           "cntl",
-                                                           "enable",
-                                                           "action",
-                                                           "entry",
-                                                           "entry_numEdit",
-                                                           "entry_numEditF",
-                                                           "entry_chooseFile",
-                                                           "entry_strEdit",
-                                                           "entry_entity",
-                                                           "entry_path",
-                                                           "entry_drop",
-                                                           "entry_text",
-                                                           "ver",
-                                                           "date",
-                                                           "desc",
-                                                           "flag",
-                                                           "flag1",
-                                                           "flag2",
-                                                           "flag3",
-                                                           "flag4",
-                                                           "flag5",
-                                                           "flag6",
-                                                           "flag7",
-                                                           "flag8",
-                                                           "skill",
-                                                           "skill1",
-                                                           "skill2",
-                                                           "skill3",
-                                                           "skill4",
-                                                           "skill5",
-                                                           "skill6",
-                                                           "skill7",
-                                                           "skill8",
-                                                           "skill9",
-                                                           "skill10",
-                                                           "skill11",
-                                                           "skill12",
-                                                           "skill13",
-                                                           "skill14",
-                                                           "skill15",
-                                                           "skill16",
-                                                           "skill17",
-                                                           "skill18",
-                                                           "skill19",
-                                                           "skill20",
-                                                           "behavior",
-                                                           "cmp_edit"};
+constexpr std::array<std::string_view, kKeywordCount> kNames = {"title",
+                                                                "image",
+                                                                "text",
+                                                                "section",
+                                                                "help",
+                                                                "entry_help",
+                                                                "id",
+                                                                "cntl",
+                                                                "enable",
+                                                                "action",
+                                                                "entry",
+                                                                "entry_numEdit",
+                                                                "entry_numEditF",
+                                                                "entry_chooseFile",
+                                                                "entry_strEdit",
+                                                                "entry_entity",
+                                                                "entry_path",
+                                                                "entry_drop",
+                                                                "entry_text",
+                                                                "ver",
+                                                                "date",
+                                                                "desc",
+                                                                "flag",
+                                                                "flag1",
+                                                                "flag2",
+                                                                "flag3",
+                                                                "flag4",
+                                                                "flag5",
+                                                                "flag6",
+                                                                "flag7",
+                                                                "flag8",
+                                                                "skill",
+                                                                "skill1",
+                                                                "skill2",
+                                                                "skill3",
+                                                                "skill4",
+                                                                "skill5",
+                                                                "skill6",
+                                                                "skill7",
+                                                                "skill8",
+                                                                "skill9",
+                                                                "skill10",
+                                                                "skill11",
+                                                                "skill12",
+                                                                "skill13",
+                                                                "skill14",
+                                                                "skill15",
+                                                                "skill16",
+                                                                "skill17",
+                                                                "skill18",
+                                                                "skill19",
+                                                                "skill20",
+                                                                "behavior",
+                                                                "cmp_edit"};
 
 // Of a script's header and of comments above functions: no markup, and no slips either.
 constexpr std::string_view kHeaderWords[] = {"class",  "data",  "enginereq", "endheader", "function",
@@ -111,16 +111,18 @@ bool oneSlipApart(std::string_view a, std::string_view b) {
 
 int LookupCustomKeyword(const char* word, size_t length) {
     if (length < 2 || length > kLongest) return kNoKeyword;
-    size_t slot = slotOf(lex::lower(word[0]), lex::lower(word[length - 1]), length);
+    const char first = lex::lower(word[0]);
+    size_t slot = slotOf(first, lex::lower(word[length - 1]), length);
     for (; kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
         const std::string_view name = kNames[kSlots[slot]];
-        if (name.size() == length && lex::equalsIgnoringCase(name.data(), word, length)) return kSlots[slot];
+        if (name.size() == length && name[0] == first && lex::equalsIgnoringCase(name.data(), word, length))
+            return kSlots[slot];
     }
     return kNoKeyword;
 }
 
 const char* customKeywordName(int keyword) {
-    return kNames[static_cast<size_t>(keyword)];
+    return kNames[static_cast<size_t>(keyword)].data();
 }
 
 int nearCustomKeyword(std::string_view word) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "controls/EntryRules.h"
@@ -12,6 +14,8 @@
 namespace zoka {
 namespace {
 
+constexpr size_t kBytesPerEntry = 160;
+constexpr size_t kEntriesForeseen = 8192;
 constexpr double kMinimumDefault = -999999.0;
 constexpr double kMaximumDefault = 999999.0;
 
@@ -75,17 +79,15 @@ std::string_view readTextNumbers(std::string_view text, int& first, int& second)
 
 class MarkupReader {
 public:
-    MarkupReader(CLex& lexer, CustomScript& script)
-        : m_lexer(lexer),
-          m_script(script),
-          m_text(lexer.getBuf() ? std::string_view(lexer.getBuf(), static_cast<size_t>(lexer.getBufSize()))
-                                : std::string_view()),
-          m_lastQuote(m_text.rfind('"')) {}
+    MarkupReader(std::string_view text, CustomScript& script)
+        : m_script(script), m_text(text), m_lastQuote(m_text.rfind('"')) {}
 
     void run() {
-        while (m_lexer.getNextUnformLine()) {
-            const auto start = static_cast<size_t>(m_lexer.getCurrLinePos() - m_text.data());
-            readLine(start, m_text.substr(start, static_cast<size_t>(m_lexer.getPos()) - start));
+        // Moving entries about while their number grows would cost more than reading them.
+        m_script.entries.reserve(std::min<size_t>(m_text.size() / kBytesPerEntry, kEntriesForeseen));
+        while (m_next < m_text.size()) {
+            const size_t start = nextLine();
+            readLine(start, m_text.substr(start, m_next - start));
         }
         drop("the script ends before it");
     }
@@ -173,7 +175,21 @@ private:
 
     void complete() {
         m_script.entries.push_back(std::move(m_entry));
-        m_entry = CustomEntry();
+        forget();
+    }
+
+    // Field by field, because a new entry in its place would take longer than reading one.
+    void forget() {
+        m_entry.kind = kNoKeyword;
+        m_entry.id = -1;
+        m_entry.label.clear();
+        m_entry.help.clear();
+        m_entry.value.clear();
+        m_entry.valueStart = m_entry.valueLength = 0;
+        m_entry.controlKind = kNoControl;
+        m_entry.textParam1 = m_entry.textParam2 = 0;
+        m_entry.minimum = m_entry.maximum = m_entry.step = 0;
+        m_entry.options.clear();
         m_switchedLines = 0;
     }
 
@@ -196,8 +212,7 @@ private:
         if (m_switchedLines == 0 && m_script.findings.wantsMore())
             m_script.findings.add(m_entry.line, "the entry " + inQuotes(m_entry.label) +
                                                     " found no value: " + why + "; it was left out");
-        m_entry = CustomEntry();
-        m_switchedLines = 0;
+        forget();
     }
 
     bool refines(const MarkupLine& line) {
@@ -320,24 +335,35 @@ private:
     }
 
     void report(std::string what) { m_script.findings.add(lineNumber(), std::move(what)); }
-    int lineNumber() const { return m_lexer.getCurrLine() + 1; }
+    int lineNumber() const { return m_line; }
 
-    // The lexer's next line is then the first that begins at `end` or later.
+    // Steps over the next line, which begins where it returns.
+    size_t nextLine() {
+        const size_t start = m_next;
+        const void* end = std::memchr(m_text.data() + start, '\n', m_text.size() - start);
+        m_next = end ? static_cast<size_t>(static_cast<const char*>(end) - m_text.data()) + 1 : m_text.size();
+        ++m_line;
+        return start;
+    }
+
+    // The next line is then the first that begins at `end` or later.
     void skipLinesTo(size_t end) {
-        while (static_cast<size_t>(m_lexer.getPos()) < end && m_lexer.getNextUnformLine()) {
-        }
+        while (m_next < end) nextLine();
     }
-    // The lexer's next line is then the one that holds `place`, unless that's the current one.
+    // The next line is then the one that holds `place`, unless that's the current one.
     void lookAgainAt(size_t place) {
-        const int current = m_lexer.getCurrLine();
-        skipLinesTo(place + 1);
-        if (m_lexer.getCurrLine() > current) m_lexer.setPosAtLine(m_lexer.getCurrLine());
+        if (place < m_next) return;
+        size_t start = m_next;
+        while (m_next <= place) start = nextLine();
+        m_next = start;
+        --m_line;
     }
 
-    CLex& m_lexer;
     CustomScript& m_script;
     std::string_view m_text;
     size_t m_lastQuote;
+    size_t m_next = 0;    // where the next line begins
+    int m_line = 0;       // the current line's number
     CustomEntry m_entry;  // under construction while its kind is one
     bool m_inAction = false;
     int m_switchedLines = 0;  // commented lines that the "enable" under construction has found
@@ -345,8 +371,8 @@ private:
 
 }  // namespace
 
-void ParseCustomMarkup(CLex& lexer, CustomScript& script) {
-    MarkupReader(lexer, script).run();
+void ParseCustomMarkup(std::string_view text, CustomScript& script) {
+    MarkupReader(text, script).run();
 }
 
 MarkupLine splitMarkupLine(std::string_view line) {

@@ -4,14 +4,14 @@
 #include <string_view>
 
 #include "customize/CustomScript.h"
-#include "util/Lex.h"
 
 namespace zoka {
 
-// Walks the lexer's lines from the current one to the end and fills the script's entries, version, date and
-// findings, which it doesn't empty before. Spans are offsets into the lexer's text. One pass; uses none of
-// the lexer's shared token state, so it may run on any thread.
-void ParseCustomMarkup(CLex& lexer, CustomScript& script);
+// Walks the lines of `text` and fills the script's entries, version, date and findings, which it doesn't
+// empty before. Spans are offsets into `text`, which must end with a line end where its last line is to
+// count. One pass. Lines and tokens are those of CLex, whose shared token state it leaves alone, so that it
+// may run on any thread.
+void ParseCustomMarkup(std::string_view text, CustomScript& script);
 
 // The parts of a comment's line with which the behaviour panel's markup agrees too.
 struct MarkupLine {

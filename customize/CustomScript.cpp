@@ -7,7 +7,6 @@
 
 #include "controls/EntryRules.h"
 #include "customize/CustomMarkup.h"
-#include "util/Lex.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -103,8 +102,7 @@ void takeCustomText(std::string fileText, CustomScript& script) {
     script.entries.clear();
     script.version = script.date = 0;
     script.findings = {};
-    CLex lexer(script.text.data(), static_cast<long>(script.text.size()));
-    ParseCustomMarkup(lexer, script);
+    ParseCustomMarkup(script.text, script);
     checkCustomEntries(script);
 }
 

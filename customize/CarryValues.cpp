@@ -1,0 +1,170 @@
+#include "customize/CarryValues.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "controls/EntryRules.h"
+#include "customize/ValueFile.h"
+#include "util/OsFiles.h"
+#include "util/SafeWrite.h"
+
+namespace zoka {
+namespace {
+
+std::string keyOf(int id, const std::string& label) {
+    return id >= 1 ? '#' + std::to_string(id) : '=' + label;
+}
+
+// The entries with a value by id or label, in their order; each is given out once.
+class Places {
+public:
+    explicit Places(const CustomScript& script) {
+        for (size_t i = 0; i < script.entries.size(); ++i) {
+            const CustomEntry& entry = script.entries[i];
+            if (entry.hasValue()) m_places[keyOf(entry.id, entry.label)].rows.push_back(i);
+        }
+    }
+    // The next row for it, or -1.
+    ptrdiff_t next(int id, const std::string& label) {
+        const auto found = m_places.find(keyOf(id, label));
+        if (found == m_places.end() || found->second.given == found->second.rows.size()) return -1;
+        return static_cast<ptrdiff_t>(found->second.rows[found->second.given++]);
+    }
+
+private:
+    struct Place {
+        std::vector<size_t> rows;
+        size_t given = 0;
+    };
+    std::unordered_map<std::string, Place> m_places;
+};
+
+std::string onOneLine(const std::string& text) {
+    std::string made;
+    for (const char c : text) {
+        if (c == '\n')
+            made += "\\n";
+        else if (c != '\r')
+            made += c;
+    }
+    return made;
+}
+
+}  // namespace
+
+std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomScript& to) {
+    Places places(to);
+    std::vector<std::ptrdiff_t> found;
+    found.reserve(from.entries.size());
+    for (const CustomEntry& entry : from.entries)
+        found.push_back(entry.hasValue() ? places.next(entry.id, entry.label) : -1);
+    return found;
+}
+
+std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly) {
+    std::vector<KeptValue> values;
+    for (size_t i = 0; i < panel.size(); ++i) {
+        const CustomEntry& entry = panel.script.entries[i];
+        if (entry.hasValue() && (changedOnly ? panel.row(i).HasChanged() : entry.id >= 1))
+            values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value()});
+    }
+    return values;
+}
+
+std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptPanel& panel) {
+    std::vector<UnplacedValue> unplaced;
+    Places places(panel.script);
+    for (const KeptValue& kept : values) {
+        const ptrdiff_t row = places.next(kept.id, kept.label);
+        if (row < 0) {
+            unplaced.push_back({kept, "the script has no entry for it"});
+            continue;
+        }
+        EntryModel& model = panel.row(static_cast<size_t>(row));
+        std::string why = entryRefusal(model.spec(), kept.value);
+        if (why.empty())
+            model.SetValueFromText(kept.value);
+        else
+            unplaced.push_back({kept, std::move(why)});
+    }
+    return unplaced;
+}
+
+std::vector<UnplacedValue> lostWithoutId(const ScriptPanel& before, const ScriptPanel& after) {
+    std::vector<UnplacedValue> lost;
+    const std::vector<std::ptrdiff_t> places = matchEntries(before.script, after.script);
+    for (size_t i = 0; i < before.size(); ++i) {
+        const CustomEntry& entry = before.script.entries[i];
+        if (!entry.hasValue() || entry.id >= 1) continue;
+        const std::string& value = before.row(i).value();
+        if (places[i] < 0 || after.row(static_cast<size_t>(places[i])).value() != value)
+            lost.push_back(
+                {{entry.id, entry.kind, entry.label, value}, "entries without an id are not kept"});
+    }
+    return lost;
+}
+
+std::string unplacedText(const std::vector<UnplacedValue>& values) {
+    std::string text;
+    for (const UnplacedValue& one : values) {
+        text += one.kept.label;
+        if (one.kept.id >= 1) text += " (id " + std::to_string(one.kept.id) + ")";
+        text += ": " + onOneLine(one.kept.value) + " - " + one.reason + "\r\n";
+    }
+    return text;
+}
+
+std::string oldValuesText(const std::string& earlier, const CustomScript& script,
+                          const std::vector<UnplacedValue>& values) {
+    std::unordered_set<int> newIds;
+    std::unordered_set<std::string> newLabels;
+    std::string records, labelled;
+    for (const UnplacedValue& one : values) {
+        const std::string value = onOneLine(one.kept.value);
+        if (one.kept.id >= 1) {
+            newIds.insert(one.kept.id);
+            appendValueRecord(records, {one.kept.id, one.kept.kind, value});
+        } else {
+            // An id of 0 makes readers pass over the line behind it.
+            const std::string label = onOneLine(one.kept.label);
+            newLabels.insert(label);
+            labelled += "0\n" + label + '\t' + value + '\n';
+        }
+    }
+    // The earlier file is in our own form: whole records, then pairs of lines that begin with "0".
+    std::vector<std::string_view> lines;
+    for (size_t at = 0; at < earlier.size();) {
+        const size_t end = std::min(earlier.find('\n', at), earlier.size());
+        lines.push_back(std::string_view(earlier).substr(at, end - at));
+        at = end + 1;
+    }
+    for (size_t i = 4; i + 1 < lines.size();) {
+        if (lines[i] == "0") {
+            if (!newLabels.contains(std::string(lines[i + 1].substr(0, lines[i + 1].find('\t')))))
+                labelled += "0\n" + std::string(lines[i + 1]) + '\n';
+            i += 2;
+        } else if (i + 2 < lines.size()) {
+            const int id = std::atoi(std::string(lines[i]).c_str());
+            if (!newIds.contains(id))
+                records += std::string(lines[i]) + '\n' + std::string(lines[i + 1]) + '\n' +
+                           std::string(lines[i + 2]) + "\n\n";
+            i += 4;
+        } else {
+            break;
+        }
+    }
+    return "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n" + records +
+           labelled;
+}
+
+bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values, std::string& why) {
+    if (values.empty()) return true;
+    const std::string path = script.scriptPath + kOldValuesEnding;
+    const auto earlier = osFiles().readWhole(path);
+    const SafeWriteResult written = safeWrite(path, oldValuesText(earlier.value_or(""), script, values));
+    why = written.error;
+    return static_cast<bool>(written);
+}
+
+}  // namespace zoka

@@ -1,0 +1,54 @@
+// Moves a user's values from one version of a script into another, and keeps those that find no place there.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "customize/ScriptPanel.h"
+
+namespace zoka {
+
+struct KeptValue {
+    int id = -1;
+    int kind = -1;
+    std::string label;
+    std::string value;
+};
+
+struct UnplacedValue {
+    KeptValue kept;
+    std::string reason;
+};
+
+// For each entry of `from` with a value its counterpart in `to`, by id or, without one, by label; those that
+// share it in their order. -1 where there is none. Linear.
+std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomScript& to);
+
+// The current values of the rows, of all that have an id (`changedOnly` false: the value file's rule) or of
+// all that have changed.
+std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly);
+
+// Puts each value into the entry with its id, values of an id that stands there several times in their order;
+// without an id into the entry of the same label. Values that the new entry refuses, its limits included, and
+// those without an entry are handed back. Linear.
+std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptPanel& panel);
+
+// Values without an id that the user gave to `before` and that `after` doesn't have: no value file keeps
+// them.
+std::vector<UnplacedValue> lostWithoutId(const ScriptPanel& before, const ScriptPanel& after);
+
+// One line a value: "Range (id 4): 150 - the reason".
+std::string unplacedText(const std::vector<UnplacedValue>& values);
+
+// Ending of the file with the values that found no place; beside the script, added to the script's full name.
+inline constexpr const char* kOldValuesEnding = ".zoka.old";
+// Its content: `earlier` is what the file held so far (or empty), whose records stay unless a newer one has
+// their id. Values without an id stand at the end, in a form that readers of value files pass over.
+std::string oldValuesText(const std::string& earlier, const CustomScript& script,
+                          const std::vector<UnplacedValue>& values);
+// Adds the values to the file beside the script; nothing is written when there are none. False with the
+// reason in `why`.
+bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values, std::string& why);
+
+}  // namespace zoka

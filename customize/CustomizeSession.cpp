@@ -1,0 +1,272 @@
+#include "customize/CustomizeSession.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "controls/EntryRules.h"
+#include "customize/ValueFile.h"
+#include "customize/ValueUpdate.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+constexpr int kMostHostNames = 10000;  // a host that never ends its list doesn't hang the panel
+
+}  // namespace
+
+CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view)
+    : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView) {}
+
+bool CustomizeSession::open(const std::string& fileName) {
+    if (!load(fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName)) return false;
+    m_unplaced.clear();
+    filter.unfoldAll();
+    show(false);
+    return true;
+}
+
+bool CustomizeSession::switchTo(const std::string& fileName) {
+    return mayDropChanges() && open(fileName);
+}
+
+bool CustomizeSession::load(const std::string& fileName) {
+    ScriptPanel loaded;
+    if (!LoadCustomScript(fileName, loaded.script)) {
+        m_problem = fileName.empty() ? "There is no script."
+                                     : "Can't read '" + fileName + "': " + osFiles().lastError();
+        return false;
+    }
+    m_panel = std::move(loaded);
+    m_problem.clear();
+    return true;
+}
+
+// Makes the rows of a script just loaded.
+void CustomizeSession::show(bool keepHistory) {
+    m_panel.makeRows(hostNames());
+    m_defaults.reset();
+    if (!keepHistory) m_history.clear();
+    m_view->rowsReplaced();
+}
+
+std::vector<std::string> CustomizeSession::hostNames() {
+    const std::vector<CustomEntry>& entries = m_panel.script.entries;
+    if (std::none_of(entries.begin(), entries.end(),
+                     [](const CustomEntry& e) { return e.kind == kEntryEntity || e.kind == kEntryPath; }))
+        return {};
+    std::vector<std::string> names;
+    std::unordered_set<std::string> seen;
+    for (int i = 0; i < kMostHostNames; ++i) {
+        const auto name = m_host.GetListItemName(i);
+        if (!name) break;
+        if (!name->empty() && seen.insert(*name).second) names.push_back(*name);
+    }
+    m_host.EndListUpdate();
+    return names;
+}
+
+bool CustomizeSession::question(const std::string& text) {
+    return m_prompt.ask(text, "ZOKA", PromptButtons::YesNo, PromptIcon::None) == PromptAnswer::Yes;
+}
+
+bool CustomizeSession::mayDropChanges() {
+    if (changedCount() == 0) return true;
+    switch (m_prompt.ask("Save Changes?", "ZOKA", PromptButtons::YesNoCancel, PromptIcon::None)) {
+        case PromptAnswer::Yes: {
+            // Closing after a failure would lose what was to be saved.
+            const SaveResult result = save();
+            return result == SaveResult::Saved || result == SaveResult::NothingToSave;
+        }
+        case PromptAnswer::No:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool CustomizeSession::close() {
+    return mayDropChanges();
+}
+
+bool CustomizeSession::fetchTemplateCopy() {
+    m_problem.clear();
+    const std::string& path = m_panel.script.scriptPath;
+    const auto chosen = m_host.ChooseFile(m_host.TemplatePath(std::string(fileNameOf(path))));
+    m_view->raiseOnce();
+    if (!chosen) return false;
+    const auto refuse = [&](const char* text) {
+        m_prompt.tell(text);
+        return false;
+    };
+    if (equalNoCase(*chosen, path)) return refuse("Same File!\nNo Update.");
+    const size_t from = chosen->rfind('\\'), to = path.rfind('\\');
+    if (from == chosen->npos || to == path.npos) return refuse("Org. filename error (1127).\nNo Update.");
+    if (!equalNoCase(chosen->substr(from), path.substr(to)))
+        return refuse("Script name are not the same.\nNo Update.");
+    if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) return refuse("Copy error (1128).\nNo Update.");
+    return true;
+}
+
+bool CustomizeSession::restore() {
+    if (!question("Restore values to default??") || !fetchTemplateCopy()) return false;
+    const bool loaded = load(std::string(m_panel.script.scriptPath));
+    if (loaded) {
+        m_unplaced.clear();
+        show(false);
+    } else {
+        m_prompt.tell(m_problem);
+    }
+    m_view->bringToFront();
+    return loaded;
+}
+
+bool CustomizeSession::update() {
+    if (!question("Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
+                  "(Some values may be lost or overwriten)"))
+        return false;
+    m_problem.clear();
+    // Without the value file the values would have no place but this memory once the script is replaced.
+    if (!WriteValueFile(m_panel.script, true, m_prompt, &m_problem)) return false;
+    const std::vector<KeptValue> values = valuesToKeep(m_panel, false);
+    const bool byFile = valueFileCarriesAll(m_panel.script, true);
+    if (!fetchTemplateCopy()) return false;
+    ScriptPanel before = std::move(m_panel);
+    m_panel = {};
+    if (!load(before.script.scriptPath)) {
+        m_panel = std::move(before);
+        m_prompt.tell(m_problem);
+        return false;
+    }
+    m_unplaced.clear();
+    show(false);
+    m_view->bringToFront();
+    if (byFile)
+        carryFromValueFile(values);
+    else
+        carryFromMemory(values);
+    for (UnplacedValue& lost : lostWithoutId(before, m_panel)) m_unplaced.push_back(std::move(lost));
+    keepUnplaced();
+    EditHistory::Step step;
+    for (size_t i = 0; i < size(); ++i)
+        if (row(i).HasChanged()) step.push_back({i, row(i).loadedValue(), row(i).value()});
+    m_history.add(std::move(step));
+    m_view->valuesChanged();
+    return true;
+}
+
+void CustomizeSession::carryFromMemory(const std::vector<KeptValue>& values) {
+    std::unordered_set<int> ids;
+    for (const CustomEntry& one : m_panel.script.entries) ids.insert(one.id);
+    for (const KeptValue& kept : values)
+        if (!ids.contains(kept.id)) m_prompt.tell("Warning: No match found for value");
+    m_unplaced = carryValues(values, m_panel);
+}
+
+void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) {
+    std::unordered_map<int, const KeptValue*> keptOf;
+    for (const KeptValue& kept : values) keptOf.emplace(kept.id, &kept);
+    const auto place = [&](const ValueRecord& record, CustomEntry* entry) {
+        const auto found = keptOf.find(record.id);
+        UnplacedValue lost{
+            {record.id, record.kind, found == keptOf.end() ? "" : found->second->label, record.value},
+            "the script has no entry for it"};
+        if (entry) {
+            const auto& model = static_cast<const EntryModel&>(*entry->control);
+            lost.reason = entryRefusal(model.spec(), record.value);
+            if (lost.reason.empty()) entry->control->SetValueFromText(record.value);
+        }
+        if (!lost.reason.empty()) m_unplaced.push_back(std::move(lost));
+    };
+    if (ReadValueFile(m_panel.script, m_prompt, place)) return;
+    // The user has been told; the values are still at hand.
+    m_panel.makeRows(hostNames());
+    m_unplaced = carryValues(values, m_panel);
+}
+
+void CustomizeSession::keepUnplaced() {
+    std::string why;
+    if (!keepOldValues(m_panel.script, m_unplaced, why)) {
+        m_problem = why;
+        m_prompt.tell(
+            "These values found no place in the script, and could not be written into a file either:\n\n" +
+            unplacedText(m_unplaced));
+    }
+}
+
+bool CustomizeSession::setValue(size_t i, const std::string& text, std::string* why, bool typing) {
+    EntryModel& model = m_panel.row(i);
+    const std::string before = model.value();
+    if (!model.edit(text, why)) return false;
+    if (model.value() != before) {
+        m_history.add({{i, before, model.value()}}, typing);
+        m_view->valuesChanged();
+    }
+    return true;
+}
+
+void CustomizeSession::apply(size_t i, const std::string& value) {
+    m_panel.row(i).SetValueFromText(value);
+}
+
+std::optional<size_t> CustomizeSession::undo() {
+    if (!canUndo()) return std::nullopt;
+    const EditHistory::Step& step = m_history.undo();
+    for (auto change = step.rbegin(); change != step.rend(); ++change) apply(change->entry, change->before);
+    m_view->valuesChanged();
+    return step.front().entry;
+}
+
+std::optional<size_t> CustomizeSession::redo() {
+    if (!canRedo()) return std::nullopt;
+    const EditHistory::Step& step = m_history.redo();
+    for (const EditChange& change : step) apply(change.entry, change.after);
+    m_view->valuesChanged();
+    return step.front().entry;
+}
+
+size_t CustomizeSession::resetSection(size_t heading, ResetTo to) {
+    size_t last = heading + 1;
+    while (last < size() && row(last).spec().field != EntryField::Heading) ++last;
+    return reset(heading, last, to);
+}
+
+size_t CustomizeSession::reset(size_t first, size_t last, ResetTo to) {
+    EditHistory::Step step;
+    for (size_t i = first; i < last; ++i) {
+        EntryModel& model = m_panel.row(i);
+        if (!hasValue(model.spec().field)) continue;
+        const auto value = to == ResetTo::Loaded ? std::optional(model.loadedValue()) : defaultOf(i);
+        if (!value || *value == model.value()) continue;
+        EditChange change{i, model.value(), *value};
+        if (model.SetValueFromText(*value)) step.push_back(std::move(change));
+    }
+    const size_t changed = step.size();
+    m_history.add(std::move(step));
+    if (changed > 0) m_view->valuesChanged();
+    return changed;
+}
+
+std::optional<std::string> CustomizeSession::defaultOf(size_t i) {
+    if (!m_defaults) {
+        // Once a load: the template's values matched as an update would match them.
+        m_defaults.emplace(size());
+        const std::string& path = m_panel.script.scriptPath;
+        auto text = templateTextFor(path, m_host.TemplatePath(std::string(fileNameOf(path))));
+        if (const std::string name = numberedTemplateOf(path); !text && !name.empty())
+            text = templateTextFor(path, m_host.TemplatePath(name));
+        if (text) {
+            ScriptPanel original;
+            takeCustomText(std::move(*text), original.script);
+            const std::vector<std::ptrdiff_t> places = matchEntries(m_panel.script, original.script);
+            for (size_t row = 0; row < places.size(); ++row)
+                if (places[row] >= 0)
+                    (*m_defaults)[row] = original.script.entries[static_cast<size_t>(places[row])].value;
+        }
+    }
+    return (*m_defaults)[i];
+}
+
+}  // namespace zoka

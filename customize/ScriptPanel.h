@@ -1,0 +1,31 @@
+// A loaded script with the rows that show it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "controls/EntryModel.h"
+#include "customize/CustomScript.h"
+
+namespace zoka {
+
+// Row i shows entry i, whose control it is. Movable, not copied. [panel thread]
+class ScriptPanel {
+public:
+    ScriptPanel() = default;
+    ScriptPanel(ScriptPanel&&) = default;
+    ScriptPanel& operator=(ScriptPanel&&) = default;
+
+    CustomScript script;
+
+    // `hostNames` are offered for entities and paths.
+    void makeRows(const std::vector<std::string>& hostNames = {});
+    size_t size() const { return m_rows.size(); }
+    EntryModel& row(size_t i) { return m_rows[i]; }
+    const EntryModel& row(size_t i) const { return m_rows[i]; }
+
+private:
+    std::vector<EntryModel> m_rows;
+};
+
+}  // namespace zoka

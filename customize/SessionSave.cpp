@@ -1,0 +1,146 @@
+// Save: the one way in which a script's file changes by the user's edits.
+#include <utility>
+
+#include "customize/CustomizeSession.h"
+#include "customize/ValueFile.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
+
+namespace zoka {
+namespace {
+
+bool sameFolder(const std::string& a, const std::string& b) {
+    const auto plain = [](const std::string& path) {
+        std::string full = osFiles().fullPath(path);
+        while (full.size() > 1 && isSeparator(full.back())) full.pop_back();
+        return full;
+    };
+    return !a.empty() && !b.empty() && equalNoCase(plain(a), plain(b));
+}
+
+// Whether undo may go on: the rows mean the same as before.
+bool sameRows(const CustomScript& a, const CustomScript& b) {
+    if (a.entries.size() != b.entries.size()) return false;
+    for (size_t i = 0; i < a.entries.size(); ++i) {
+        const CustomEntry &one = a.entries[i], &other = b.entries[i];
+        if (one.id != other.id || one.label != other.label || one.hasValue() != other.hasValue())
+            return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+SaveResult CustomizeSession::fail(const std::string& message, const std::string& problem) {
+    m_problem = problem.empty() ? message : problem;
+    m_prompt.tell(message);
+    return SaveResult::Failed;
+}
+
+// Nothing when saving can go on.
+std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
+    // The whole content is compared: times are too coarse for two programs that write at once. A file that
+    // is gone is simply written again.
+    const auto now = osFiles().readWhole(m_panel.script.scriptPath);
+    if (!now || *now == m_panel.script.fileText()) return std::nullopt;
+    const PromptAnswer answer = m_prompt.ask(
+        "The script was changed by another program since it was loaded.\n\n"
+        "Yes: load it again, keep my values and save them.\n"
+        "No: overwrite it, the other changes are lost.\n"
+        "Cancel: don't save.",
+        "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
+    if (answer == PromptAnswer::No) return std::nullopt;
+    if (answer != PromptAnswer::Yes) return SaveResult::Cancelled;
+    const std::vector<KeptValue> values = valuesToKeep(m_panel, true);
+    if (!load(std::string(m_panel.script.scriptPath))) return fail(m_problem);
+    show(false);
+    m_unplaced = carryValues(values, m_panel);
+    EditHistory::Step step;
+    for (size_t i = 0; i < size(); ++i)
+        if (row(i).HasChanged()) step.push_back({i, row(i).loadedValue(), row(i).value()});
+    m_history.add(std::move(step));
+    m_view->valuesChanged();
+    if (m_unplaced.empty())
+        return changedCount() > 0 ? std::nullopt : std::optional(SaveResult::NothingToSave);
+    keepUnplaced();
+    return fail("These values found no place in the script as it is now; nothing was saved yet:\n\n" +
+                unplacedText(m_unplaced));
+}
+
+bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
+    const std::vector<size_t> lost = notReadBack(m_panel.script, saved);
+    if (lost.empty()) return true;
+    constexpr size_t kListed = 10;
+    std::string labels;
+    for (size_t i = 0; i < lost.size() && i < kListed; ++i) {
+        const CustomEntry& one = m_panel.script.entries[lost[i]];
+        labels += '"' + one.label + "\" (line " + std::to_string(one.line) + ")\n";
+    }
+    if (lost.size() > kListed) labels += "and " + std::to_string(lost.size() - kListed) + " more\n";
+    return question(
+        "With these values the script would save, but the following could not be customized again "
+        "(an emptied field, for instance, is not found any more):\n\n" +
+        labels + "\nSave all the same?");
+}
+
+// A script straight from the template folder is never overwritten: the project's copy of it takes its place.
+bool CustomizeSession::takeIntoProject(bool& copied) {
+    const std::string project = m_host.GetProjectFolder();
+    const std::string path = m_panel.script.scriptPath;
+    if (sameFolder(std::string(folderOf(path)), project)) return true;
+    if (project.empty()) {
+        fail("The project folder is not known; the script was not saved.");
+        return false;
+    }
+    const std::string target = joinPath(project, fileNameOf(path));
+    if (target.size() > kMaxScriptPath) {
+        fail("The name of the script in the project folder would be too long; it was not saved.");
+        return false;
+    }
+    const auto there = osFiles().readWhole(target);
+    if (there && *there != m_panel.script.fileText() &&
+        !question("\"" + std::string(fileNameOf(path)) +
+                  "\" is in the project folder already, with other content.\n\nOverwrite it?"))
+        return false;
+    if (!m_host.CopyFileToFolder(path, project)) {
+        fail("The script could not be copied into the project folder; it was not saved.");
+        return false;
+    }
+    m_panel.script.scriptPath = target;
+    copied = true;
+    return true;
+}
+
+SaveResult CustomizeSession::save() {
+    m_problem.clear();
+    if (m_panel.script.fileLength > 0) {
+        if (changedCount() == 0) return SaveResult::NothingToSave;
+        if (const auto settled = settleChangesFromOutside()) return *settled;
+        const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
+        if (const std::string fault = editFault(m_panel.script, edits); !fault.empty())
+            return fail(fault + "\nThe script was not saved.");
+        ScriptPanel saved;
+        takeCustomText(editedText(m_panel.script.fileText(), edits), saved.script);
+        if (!confirmLostEntries(saved.script)) return SaveResult::Cancelled;
+        bool copied = false;
+        if (!takeIntoProject(copied)) return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
+        const std::string path = m_panel.script.scriptPath;
+        if (const SafeWriteResult written = safeWrite(path, saved.script.fileText()); !written) {
+            const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
+            return fail(opens ? written.error : "Error open file to write", written.error);
+        }
+        if (copied) m_host.MainScriptChanged();
+        const bool recorded = WriteValueFile(m_panel.script, true, m_prompt, &m_problem);
+        // The file's bytes are those that were just read: the spans of the next save are right.
+        saved.script.scriptPath = path;
+        const bool keepHistory = sameRows(m_panel.script, saved.script);
+        m_panel = std::move(saved);
+        show(keepHistory);
+        return recorded ? SaveResult::Saved : SaveResult::Failed;
+    }
+    return WriteValueFile(m_panel.script, true, m_prompt, &m_problem) ? SaveResult::Saved
+                                                                      : SaveResult::Failed;
+}
+
+}  // namespace zoka

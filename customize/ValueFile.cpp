@@ -1,0 +1,134 @@
+#include "customize/ValueFile.h"
+
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "customize/CustomMarkup.h"
+#include "util/LexChars.h"
+#include "util/OsFiles.h"
+#include "util/SafeWrite.h"
+
+namespace zoka {
+namespace {
+
+class LineReader {
+public:
+    explicit LineReader(std::string_view bytes) : m_rest(bytes) {}
+
+    // With its LF; nothing at the end of the file.
+    std::optional<std::string_view> next() {
+        if (m_rest.empty()) return std::nullopt;
+        const std::string_view head = m_rest.substr(0, kValueFileLine);
+        const size_t end = head.find('\n');
+        const std::string_view line = head.substr(0, end == head.npos ? head.size() : end + 1);
+        m_rest.remove_prefix(line.size());
+        return line;
+    }
+
+private:
+    std::string_view m_rest;
+};
+
+int integerOf(std::string_view line) {
+    while (!line.empty() && lex::isSpace(line.front())) line.remove_prefix(1);
+    return markupInteger(line);
+}
+
+std::string valueOf(const CustomEntry& entry, bool useControlValues) {
+    return useControlValues && entry.control ? entry.control->GetValueText() : entry.value;
+}
+
+}  // namespace
+
+ValueRecords parseValueFile(std::string_view bytes) {
+    LineReader lines(bytes);
+    ValueRecords result;
+    for (const char* missing : {"Error reading file.\n(Code 2802)", "Error reading file.\n(Code 2803)",
+                                "Error reading file.\n(Code 2804)"}) {
+        if (!lines.next()) {
+            result.error = missing;
+            return result;
+        }
+    }
+    lines.next();  // the empty line
+    while (const auto idLine = lines.next()) {
+        ValueRecord record;
+        record.id = integerOf(*idLine);
+        if (record.id <= 0) {
+            lines.next();  // one line alone, not a whole record
+            continue;
+        }
+        const auto kindLine = lines.next();
+        if (!kindLine) {
+            result.error = "Error reading file (no type).\n(Code 2807)";
+            break;
+        }
+        record.kind = integerOf(*kindLine);
+        const auto valueLine = lines.next();
+        if (!valueLine) {
+            result.error = "Error reading file (no type).\n(Code 2808)";
+            break;
+        }
+        record.value = valueLine->substr(0, valueLine->find('\n'));
+        result.records.push_back(std::move(record));
+        lines.next();  // the empty line
+    }
+    return result;
+}
+
+void appendValueRecord(std::string& text, const ValueRecord& record) {
+    text += std::to_string(record.id) + '\n' + std::to_string(record.kind) + '\n' + record.value + "\n\n";
+}
+
+std::string valueFileText(const CustomScript& script, bool useControlValues) {
+    std::string text = "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n";
+    for (const CustomEntry& entry : script.entries)
+        if (entry.id >= 1) appendValueRecord(text, {entry.id, entry.kind, valueOf(entry, useControlValues)});
+    return text;
+}
+
+bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt, std::string* why) {
+    const SafeWriteResult written =
+        safeWrite(script.scriptPath + kValueFileEnding, valueFileText(script, useControlValues));
+    if (written) return true;
+    if (why) *why = written.error;
+    prompt.tell("Error open file to write\n(Code 2701)");
+    return false;
+}
+
+bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& sink) {
+    const auto bytes = osFiles().readWhole(script.scriptPath + kValueFileEnding);
+    if (!bytes) {
+        prompt.tell("Error open file to read\n(Code 2801)");
+        return false;
+    }
+    std::unordered_map<int, CustomEntry*> firstOf;
+    for (CustomEntry& entry : script.entries)
+        if (entry.id >= 1) firstOf.try_emplace(entry.id, &entry);
+    const ValueRecords stored = parseValueFile(*bytes);
+    for (const ValueRecord& record : stored.records) {
+        const auto found = firstOf.find(record.id);
+        CustomEntry* const entry = found == firstOf.end() ? nullptr : found->second;
+        if (!entry) prompt.tell("Warning: No match found for value");
+        if (sink)
+            sink(record, entry);
+        else if (entry && entry->control)
+            entry->control->SetValueFromText(record.value);
+    }
+    if (stored.error) prompt.tell(stored.error);
+    return !stored.error;
+}
+
+bool valueFileCarriesAll(const CustomScript& script, bool useControlValues) {
+    std::unordered_set<int> ids;
+    for (const CustomEntry& entry : script.entries) {
+        if (entry.id < 1) continue;
+        if (!ids.insert(entry.id).second) return false;
+        const std::string value = valueOf(entry, useControlValues);
+        if (value.size() >= kValueFileLine || value.find_first_of("\r\n") != value.npos) return false;
+    }
+    return true;
+}
+
+}  // namespace zoka

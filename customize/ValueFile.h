@@ -1,0 +1,53 @@
+// The file beside a script that remembers a user's values by id. docs/value-file.md describes its format.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "customize/CustomScript.h"
+#include "util/UserPrompt.h"
+
+namespace zoka {
+
+// The script's full name with this appended.
+inline constexpr const char* kValueFileEnding = ".zoka";
+// A line longer than this is read as several.
+inline constexpr size_t kValueFileLine = 511;
+
+struct ValueRecord {
+    int id = 0;
+    int kind = 0;
+    std::string value;
+};
+
+struct ValueRecords {
+    std::vector<ValueRecord> records;  // those before the error too
+    const char* error = nullptr;       // what to tell the user, or null
+};
+ValueRecords parseValueFile(std::string_view bytes);
+
+// The file's bytes. With `useControlValues` the values are those of the entries' controls (of entries that
+// have one), otherwise those found in the script.
+std::string valueFileText(const CustomScript& script, bool useControlValues);
+// One record as it stands in the file.
+void appendValueRecord(std::string& text, const ValueRecord& record);
+
+// False after a message when the file can't be written; the old one then stays. `why` (may be null) is set to
+// the system's reason.
+bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt,
+                    std::string* why = nullptr);
+
+// Told of each record in the file's order: with the first entry of its id, or null when the script has none.
+using ValueSink = std::function<void(const ValueRecord& record, CustomEntry* entry)>;
+// Hands each stored value to the control of the first entry with its id; a record without one gives a
+// warning. False after a message when the file can't be read or ends too soon; values handed out before stay.
+// With a sink, values are handed to it in the place of the controls.
+bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& sink = {});
+
+// Whether reading back what valueFileText writes gives every value to its own entry: no id twice, no line end
+// in a value, none longer than a line.
+bool valueFileCarriesAll(const CustomScript& script, bool useControlValues);
+
+}  // namespace zoka
