@@ -30,17 +30,16 @@ public:
     // The remembered place for that element, kind and (Named and Position) name at or before `index`, valid
     // until the next call; null when there is none.
     const XMLCursor* find(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index) const {
+        if (index < kFrom) return nullptr;
         const Place& recent = recent_[slotOf(owner, kind)];
-        if (recent.owner == owner && fits(recent.cursor, kind, name))
-            return recent.cursor.index <= index ? &recent.cursor : nullptr;
-        return index < kFrom ? nullptr : findOld(owner, kind, name, index);
+        if (recent.owner != owner || !fits(recent.cursor, kind, name))
+            return findOld(owner, kind, name, index);
+        return recent.cursor.index <= index ? &recent.cursor : nullptr;
     }
     void remember(const XMLElement* owner, const XMLCursor& cursor, const XMLName* name) {
+        if (cursor.index < kFrom) return;
         Place& recent = recent_[slotOf(owner, cursor.kind)];
-        // A place near the start is not worth keeping once others come in between.
-        if (recent.owner && recent.cursor.index >= kFrom &&
-            (recent.owner != owner || !fits(recent.cursor, cursor.kind, name)))
-            keep(recent);
+        if (recent.owner && (recent.owner != owner || !fits(recent.cursor, cursor.kind, name))) keep(recent);
         recent = {owner, cursor};
     }
 

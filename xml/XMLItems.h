@@ -11,6 +11,10 @@ struct XMLElement;
 
 enum class XMLItemKind : std::uint8_t { Element, Text, Comment, CData, Doctype };
 
+// Texts and CDATA sections among an element's own content. A text that is all the content stands in the
+// element itself and is no item: most elements with a text have nothing else.
+enum class XMLTextUse : std::uint8_t { None, AmongItems, Alone };
+
 // What stands in an element's list of content. The list is a ring: the owner points to the last item, the
 // last item to the first.
 struct XMLItem {
@@ -18,8 +22,8 @@ struct XMLItem {
     XMLItemKind kind = XMLItemKind::Element;
     // Of elements only:
     bool isDeclaration = false;  // written as <?name ...?>
-    bool holdsText = false;      // a text or CDATA section is among its own content
-    bool grownRun = false;       // its attributes' run has room for a power of two
+    XMLTextUse textUse = XMLTextUse::None;
+    bool grownRun = false;  // its attributes' run has room for a power of two
 };
 
 struct XMLTextItem : XMLItem {
@@ -52,14 +56,40 @@ struct XMLElement : XMLItem {
     std::uint64_t key = 0;       // of the name, see XMLNames.h
     const char* name = nullptr;  // null: the document node
     XMLElement* parent = nullptr;
-    XMLItem* lastItem = nullptr;
     XMLAttribute* attributes = nullptr;  // in one run
-    // A text in front of all other content stands here and not in the list: most elements with a text have no
-    // other content. Of a declaration other than "xml": its data, kept as it is.
-    const char* text = nullptr;
 
-    XMLItem* firstItem() const { return lastItem ? lastItem->next : nullptr; }
+    XMLItem* lastItem() const { return textUse == XMLTextUse::Alone ? nullptr : last_; }
+    XMLItem* firstItem() const {
+        XMLItem* last = lastItem();
+        return last ? last->next : nullptr;
+    }
+    // The one behind `item`; null behind the last.
+    XMLItem* itemAfter(const XMLItem* item) const { return item == last_ ? nullptr : item->next; }
+    // The text that is all the content, or null. Of a declaration other than "xml": its data, kept as it is.
+    const char* textAlone() const { return textUse == XMLTextUse::Alone ? text_ : nullptr; }
+    bool isBare() const { return textUse == XMLTextUse::None && !last_; }
+
+    void setTextAlone(const char* text) {
+        text_ = text;
+        textUse = XMLTextUse::Alone;
+    }
+    // Only while no text stands alone; see XMLDocument::append.
+    void appendItem(XMLItem* item) {
+        item->next = last_ ? last_->next : item;
+        if (last_) last_->next = item;
+        last_ = item;
+    }
+    void clearContent() {
+        last_ = nullptr;
+        textUse = XMLTextUse::None;
+    }
+
+private:
+    union {
+        XMLItem* last_ = nullptr;
+        const char* text_;
+    };
 };
-static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 64 && sizeof(XMLAttribute) == 24));
+static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 56 && sizeof(XMLAttribute) == 24));
 
 }  // namespace zoka

@@ -18,7 +18,7 @@ namespace {
 // Calls `visit(item)` for the items from `first` round to the last one until it gives true; gives that item.
 template <class Visit>
 const XMLItem* findItem(const XMLElement* owner, const XMLItem* first, Visit visit) {
-    for (const XMLItem* item = first; item; item = item == owner->lastItem ? nullptr : item->next)
+    for (const XMLItem* item = first; item; item = owner->itemAfter(item))
         if (visit(item)) return item;
     return nullptr;
 }
@@ -32,10 +32,6 @@ bool isChild(const XMLItem* item, const XMLName* name) {
 
 bool isClear(const XMLItem* item) {
     return item->kind != XMLItemKind::Element && item->kind != XMLItemKind::Text;
-}
-
-const XMLItem* after(const XMLElement* owner, const XMLItem* item) {
-    return item == owner->lastItem ? nullptr : item->next;
 }
 
 // Item number `index` of those that `counts` says count, starting from a remembered place where there is one.
@@ -103,7 +99,7 @@ XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
     child->key = zoka::xmlNameKey(name);
     child->isDeclaration = isDeclaration;
     child->parent = element_;
-    XMLDocument::append(element_, child);
+    document->append(element_, child);
     return XMLNode(child);
 }
 
@@ -165,11 +161,11 @@ XMLNode XMLNode::getChild(const char* tag, int* position) const {
             item = place->item;
             at = place->index;
             if (at < *position) {
-                item = after(element_, item);
+                item = element_->itemAfter(item);
                 ++at;
             }
         }
-    for (; item; item = after(element_, item)) {
+    for (; item; item = element_->itemAfter(item)) {
         if (item->kind != XMLItemKind::Element) continue;
         if (at >= *position && isChild(item, name)) {
             cursors.remember(element_, {item, at, kind}, name);
@@ -194,8 +190,8 @@ XMLNode XMLNode::nextSibling(const char* tag) const {
     const XMLName wanted(tag ? tag : "");
     const XMLName* name = tag ? &wanted : nullptr;
     const XMLElement* parent = element_->parent;
-    return XMLNode(elementOf(
-        findItem(parent, after(parent, element_), [&](const XMLItem* item) { return isChild(item, name); })));
+    return XMLNode(elementOf(findItem(parent, parent->itemAfter(element_),
+                                      [&](const XMLItem* item) { return isChild(item, name); })));
 }
 
 const char* XMLNode::getAttribute(const char* name, int* position) const {
@@ -229,7 +225,7 @@ XMLAttributeView XMLNode::getAttributeAt(int index) const {
 
 const char* XMLNode::getText(int index) const {
     if (!element_) return nullptr;
-    if (element_->text && index-- == 0) return element_->text;
+    if (const char* alone = element_->textAlone()) return index == 0 ? alone : nullptr;
     const XMLItem* item = itemAt(element_, XMLCursorKind::Text, nullptr, index,
                                  [](const XMLItem* one) { return one->kind == XMLItemKind::Text; });
     return item ? static_cast<const XMLTextItem*>(item)->value : nullptr;
@@ -237,9 +233,8 @@ const char* XMLNode::getText(int index) const {
 
 int XMLNode::textCount() const {
     if (!element_) return 0;
-    const int listed =
-        countItems(element_, [](const XMLItem* item) { return item->kind == XMLItemKind::Text; });
-    return listed + (element_->text ? 1 : 0);
+    if (element_->textAlone()) return 1;
+    return countItems(element_, [](const XMLItem* item) { return item->kind == XMLItemKind::Text; });
 }
 
 XMLClearView XMLNode::getClear(int index) const {
@@ -259,7 +254,7 @@ std::vector<int> XMLNode::order() const {
     if (!element_) return entries;
     for (int i = 0; i < attributeCount(); ++i) entries.push_back(i * 4 + kXmlAttribute);
     int children = 0, texts = 0, clears = 0;
-    if (element_->text) entries.push_back(texts++ * 4 + kXmlText);
+    if (element_->textAlone()) entries.push_back(texts++ * 4 + kXmlText);
     findItem(element_, element_->firstItem(), [&](const XMLItem* item) {
         if (item->kind == XMLItemKind::Element)
             entries.push_back(children++ * 4 + kXmlChild);

@@ -84,12 +84,12 @@ private:
         element->key = xmlNameKey(name, length);
         element->name = name;
         element->parent = current_;
-        XMLDocument::append(current_, element);
+        document_.append(current_, element);
         return element;
     }
     void newClear(const char* value, XMLItemKind kind) {
-        XMLDocument::append(current_, document_.newTextItem(kind, value));
-        if (kind == XMLItemKind::CData) current_->holdsText = true;
+        document_.append(current_, document_.newTextItem(kind, value));
+        if (kind == XMLItemKind::CData) current_->textUse = XMLTextUse::AmongItems;
     }
     void openRun() {
         run_ = document_.openRun(runRoom_);
@@ -306,11 +306,7 @@ char* Parser<Utf8>::text(char* p) {
         while (isXmlBlank(end[-1])) --end;
         position_.end(end);
     }
-    current_->holdsText = true;
-    if (!current_->lastItem && !current_->text)
-        current_->text = start;
-    else
-        XMLDocument::append(current_, document_.newTextItem(XMLItemKind::Text, start));
+    document_.appendText(current_, start);
     return p;
 }
 
@@ -538,7 +534,7 @@ char* Parser<Utf8>::instruction(char* p) {
     if (!close) return nullptr;
     XMLElement* element = newElement(name, length);
     element->isDeclaration = true;
-    if (close > data) element->text = data;
+    if (close > data) element->setTextAlone(data);
     position_.end(end);
     *close = 0;
     return close + 2;

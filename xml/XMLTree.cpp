@@ -143,12 +143,14 @@ void XMLDocument::addAttribute(XMLElement* element, const char* name, const char
 }
 
 void XMLDocument::addText(XMLElement* element, const char* text) {
-    const char* own = copyValue(text);
-    element->holdsText = true;
-    if (!element->lastItem && !element->text)
-        element->text = own;
-    else
-        append(element, newTextItem(XMLItemKind::Text, own));
+    appendText(element, copyValue(text));
+}
+
+void XMLDocument::listTextAlone(XMLElement* element) {
+    XMLItem* item = newTextItem(XMLItemKind::Text, element->textAlone());
+    element->clearContent();
+    element->appendItem(item);
+    element->textUse = XMLTextUse::AmongItems;
 }
 
 }  // namespace zoka

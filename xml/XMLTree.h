@@ -79,14 +79,15 @@ public:
     char* growText(std::size_t used, std::size_t size);
 
     // Puts an item at the end of an element's content.
-    static void append(XMLElement* parent, XMLItem* item) {
-        if (parent->lastItem) {
-            item->next = parent->lastItem->next;
-            parent->lastItem->next = item;
-        } else {
-            item->next = item;
-        }
-        parent->lastItem = item;
+    void append(XMLElement* element, XMLItem* item) {
+        if (element->textUse == XMLTextUse::Alone) listTextAlone(element);
+        element->appendItem(item);
+    }
+    // The same with a text that lives as long as the document.
+    void appendText(XMLElement* element, const char* text) {
+        if (element->isBare()) return element->setTextAlone(text);
+        append(element, newTextItem(XMLItemKind::Text, text));
+        element->textUse = XMLTextUse::AmongItems;
     }
     void addAttribute(XMLElement* element, const char* name, const char* value);
     void addText(XMLElement* element, const char* text);
@@ -102,6 +103,7 @@ private:
     static constexpr std::size_t kHeaderRoom = 64;
     static constexpr std::size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
 
+    void listTextAlone(XMLElement* element);
     void nextBlock();
     void* allocateSlowly(std::size_t size);
 

@@ -30,7 +30,7 @@ public:
                     continue;
                 }
             }
-            while (item != top && item == parent->lastItem) {
+            while (item != top && item == parent->lastItem()) {
                 close(*parent);
                 item = parent;
                 parent = parent->parent;
@@ -67,16 +67,17 @@ private:
         out_.put('<');
         out_.putRaw(element.name);
         attributes(element, nullptr);
-        if (!element.lastItem && !element.text) {
+        if (element.isBare()) {
             out_.put("/>");
             return endLine();
         }
         out_.put('>');
-        if (element.holdsText && !plain_) plain_ = &element;
+        if (element.textUse != XMLTextUse::None && !plain_) plain_ = &element;
         endLine();
         ++depth_;
-        if (element.text) out_.putText(element.text);
-        if (!element.lastItem) close(element);
+        if (element.lastItem()) return;
+        out_.putText(element.textAlone());
+        close(element);
     }
 
     void close(const XMLElement& element) {
@@ -95,9 +96,9 @@ private:
         out_.put("<?");
         out_.putRaw(element.name);
         attributes(element, encoding_);
-        if (element.text) {
+        if (const char* data = element.textAlone()) {
             out_.put(' ');
-            out_.putRaw(element.text);
+            out_.putRaw(data);
         }
         out_.put("?>");
         endLine();
