@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <memory>
 
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
@@ -20,19 +22,47 @@ void setExample(CLI::App& command, const std::string& line) {
                    "  3  could not do it: a file can't be read or written");
 }
 
-std::optional<std::string> readInput(const std::string& path) {
-    if (!isStandardStream(path)) {
-        std::optional<std::string> bytes = osFiles().readWhole(path);
-        if (!bytes) complain("cannot read " + path + ": " + osFiles().lastError());
-        return bytes;
-    }
+namespace {
+
+// Where this much came, the end never will.
+constexpr size_t kMostBytes = 0x7fffffff;
+
+// All that comes from a stream, which `name` stands for in a complaint.
+std::optional<std::string> readStream(std::FILE* stream, const std::string& name) {
     std::string bytes;
     std::array<char, 65536> block;
-    while (const size_t got = std::fread(block.data(), 1, block.size(), stdin))
+    while (const size_t got = std::fread(block.data(), 1, block.size(), stream)) {
         bytes.append(block.data(), got);
-    if (!std::ferror(stdin)) return bytes;
-    complain(std::string("cannot read the standard input: ") + std::strerror(errno));
+        if (bytes.size() > kMostBytes) {
+            complain("cannot read " + name + ": more than 2 GiB came");
+            return std::nullopt;
+        }
+    }
+    if (!std::ferror(stream)) return bytes;
+    complain("cannot read " + name + ": " + std::strerror(errno));
     return std::nullopt;
+}
+
+// A named pipe, such as the shell's <(...) is one.
+bool isPipe(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::is_fifo(path, ignored);
+}
+
+}  // namespace
+
+std::optional<std::string> readInput(const std::string& path) {
+    if (isStandardStream(path)) return readStream(stdin, "the standard input");
+    if (isPipe(path)) {
+        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(std::fopen(path.c_str(), "rb"),
+                                                                   std::fclose);
+        if (pipe) return readStream(pipe.get(), path);
+        complain("cannot read " + path + ": " + std::strerror(errno));
+        return std::nullopt;
+    }
+    std::optional<std::string> bytes = osFiles().readWhole(path);
+    if (!bytes) complain("cannot read " + path + ": " + osFiles().lastError());
+    return bytes;
 }
 
 bool writeOutput(const std::string& path, std::string_view bytes) {
@@ -41,8 +71,12 @@ bool writeOutput(const std::string& path, std::string_view bytes) {
         if (!result) complain(result.error);
         return static_cast<bool>(result);
     }
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0)
-        return true;
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    return flushOutput();
+}
+
+bool flushOutput() {
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return true;
     complain(std::string("cannot write the standard output: ") + std::strerror(errno));
     return false;
 }

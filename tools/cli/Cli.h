@@ -30,6 +30,8 @@ inline ExitStatus worse(ExitStatus a, ExitStatus b) {
 using Work = std::function<ExitStatus()>;
 
 void addXmlCommands(CLI::App& app, Work& chosen);
+void addCatalogueCommands(CLI::App& app, Work& chosen);  // zoka help-pages too
+void addScriptCommands(CLI::App& app, Work& chosen);
 
 // The end of a command's --help: an example line and the exit codes.
 void setExample(CLI::App& command, const std::string& line);
@@ -39,11 +41,15 @@ inline bool isStandardStream(std::string_view path) {
     return path == "-";
 }
 
-// The whole content of a file or of the standard input. Nothing when it can't be read; it has then said why.
+// The whole content of a file, a pipe or the standard input. Nothing when it can't be read; it has then said
+// why. What is neither a file nor a pipe (a device, which may never end) is not read.
 std::optional<std::string> readInput(const std::string& path);
 // Gives a file its new content (the old or the new one is left, whatever happens), or writes to the standard
 // output. False when it can't be written; it has then said why.
 bool writeOutput(const std::string& path, std::string_view bytes);
+// Sends on what was written to the standard output so far. False when not all of it
+// arrived; it has then said so.
+bool flushOutput();
 // A line on the standard error stream.
 void complain(const std::string& text);
 

@@ -58,8 +58,8 @@ std::string utf16From(const std::string& text, bool bigEndian) {
     return bytes;
 }
 
-// The document in `bytes`, in the form `form`. On an error it tells where on `findings`, and the node is
-// empty.
+// The document in `bytes`, in the form `form`. On an error it tells where on
+// `findings`, and the node is empty.
 XMLNode parse(const std::string& path, std::string_view bytes, const FileForm& form, std::FILE* findings) {
     setXmlCharset(form.platformBytes ? XMLCharset::Platform : XMLCharset::Utf8);
     XMLResults results;

@@ -25,11 +25,14 @@ cli::ExitStatus run(int argc, char** argv) {
     app.fallthrough();
     cli::setExample(app, "zoka xml check template_6.xml");
     cli::addXmlCommands(app, chosen);
+    cli::addCatalogueCommands(app, chosen);
+    cli::addScriptCommands(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {
         app.exit(asked);  // prints the help or the version
-        return cli::ExitStatus::Done;
+        std::cout.flush();
+        return cli::flushOutput() ? cli::ExitStatus::Done : cli::ExitStatus::Failed;
     } catch (const CLI::ParseError& error) {
         return usageError(error.what());
     }
@@ -39,7 +42,8 @@ cli::ExitStatus run(int argc, char** argv) {
     setUserPrompt(&prompt);
     const cli::ExitStatus status = chosen();
     setUserPrompt(nullptr);
-    return status;
+    if (status == cli::ExitStatus::Failed) return status;  // why was said already
+    return cli::flushOutput() ? status : cli::ExitStatus::Failed;
 }
 
 }  // namespace

@@ -1,31 +1,31 @@
-#include "templates/win/ManagerPage.h"
+#include "templates/win/PageWindow.h"
 
 namespace zoka {
 
-bool ManagerPage::create(HWND dialog) {
+bool PageWindow::create(HWND dialog) {
     return makeDialog(dialog, WS_CHILD | DS_CONTROL | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, dialogProc,
                       reinterpret_cast<LPARAM>(this)) != nullptr;
 }
 
-HWND ManagerPage::label(const char* text) {
+HWND PageWindow::label(const char* text) {
     return makeControl(m_window, "STATIC", text, SS_LEFTNOWORDWRAP, 0, -1, fonts().text());
 }
 
-HWND ManagerPage::button(const char* text, int id, bool isMain) {
+HWND PageWindow::button(const char* text, int id, bool isMain) {
     return makeControl(m_window, "BUTTON", text,
                        WS_TABSTOP | static_cast<DWORD>(isMain ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON), 0, id,
                        fonts().text());
 }
 
-INT_PTR CALLBACK ManagerPage::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK PageWindow::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrA(window, DWLP_USER, static_cast<LONG_PTR>(lParam));
-        auto* const page = reinterpret_cast<ManagerPage*>(lParam);
+        auto* const page = reinterpret_cast<PageWindow*>(lParam);
         page->m_window = window;
         page->createControls();
         return FALSE;
     }
-    auto* const self = reinterpret_cast<ManagerPage*>(GetWindowLongPtrA(window, DWLP_USER));
+    auto* const self = reinterpret_cast<PageWindow*>(GetWindowLongPtrA(window, DWLP_USER));
     if (!self) return FALSE;
     switch (message) {
         case WM_SIZE:

@@ -30,12 +30,12 @@ public:
 };
 
 // A window without frame inside the dialog. Its controls are made when the page is first shown.
-class ManagerPage {
+class PageWindow {
 public:
-    explicit ManagerPage(ManagerFrame& frame) : m_frame(frame) {}
-    virtual ~ManagerPage() = default;
-    ManagerPage(const ManagerPage&) = delete;
-    ManagerPage& operator=(const ManagerPage&) = delete;
+    explicit PageWindow(ManagerFrame& frame) : m_frame(frame) {}
+    virtual ~PageWindow() = default;
+    PageWindow(const PageWindow&) = delete;
+    PageWindow& operator=(const PageWindow&) = delete;
 
     // Makes the window with its controls, not visible; false on failure. Its window goes with the dialog.
     bool create(HWND dialog);

@@ -1,0 +1,148 @@
+#include "templates/CatalogueCheck.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "templates/ScriptHeader.h"
+#include "templates/ScriptNeeds.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+
+namespace {
+
+void addLines(std::vector<CatalogueFinding>& findings, const std::string& script, const std::string& report) {
+    for (size_t at = 0; at < report.size();) {
+        const size_t end = std::min(report.find('\n', at), report.size());
+        findings.push_back({script, report.substr(at, end - at)});
+        at = end + 1;
+    }
+}
+
+class Checker {
+public:
+    Checker(const CTemplateData& catalogue, const std::string& folder)
+        : m_scripts(catalogue.scripts()), m_catalogue(catalogue), m_folder(folder) {
+        for (size_t i = 0; i < m_scripts.size(); ++i)
+            m_byFile.try_emplace(lowered(m_scripts[i].m_filename), i);
+    }
+
+    std::vector<CatalogueFinding> run() {
+        if (m_scripts.empty()) m_findings.push_back({"", "the catalogue holds no script"});
+        std::unordered_map<std::string, size_t> titles;
+        for (size_t i = 0; i < m_scripts.size(); ++i) {
+            const CScriptElm& script = m_scripts[i];
+            CScriptElm complete = script;
+            complete.m_prefix = "-";  // never read back
+            std::string report;
+            complete.CheckComplete(report);
+            addLines(m_findings, nameOf(i), report);
+            const auto [title, newTitle] = titles.try_emplace(script.m_name, i);
+            if (!newTitle && !script.m_name.empty())
+                find(i, "the title \"" + script.m_name + "\" is that of " + nameOf(title->second) + " too");
+            if (!script.m_filename.empty() && m_byFile.at(lowered(script.m_filename)) != i)
+                find(i, "an earlier script has this file name");
+            if (!script.m_directory.empty() && !m_catalogue.findDirectory(script.m_directory))
+                find(i, "the catalogue has no directory \"" + script.m_directory + "\"");
+            checkNeeds(i);
+            if (!m_folder.empty()) checkFile(i);
+        }
+        findCircles();
+        return std::move(m_findings);
+    }
+
+private:
+    std::string nameOf(size_t i) const {
+        return m_scripts[i].m_filename.empty() ? m_scripts[i].m_name : m_scripts[i].m_filename;
+    }
+    void find(size_t i, std::string text) { m_findings.push_back({nameOf(i), std::move(text)}); }
+
+    void checkNeeds(size_t i) {
+        for (const std::string& need : m_scripts[i].m_needs) {
+            if (!isIncludableName(need))
+                find(i, "needs \"" + need + "\", which is not a file name that can be included");
+            else if (equalNoCase(need, m_scripts[i].m_filename))
+                find(i, "needs itself");
+            else if (!m_byFile.contains(lowered(need)))
+                find(i, "needs " + need + ", which is not in the catalogue");
+        }
+    }
+
+    void checkFile(size_t i) {
+        const CScriptElm& script = m_scripts[i];
+        if (!isPlainFileName(script.m_filename)) return;
+        CScriptElm file;
+        std::string ignored;
+        if (!loadScriptHeader(joinPath(m_folder, script.m_filename), script.m_filename, file, ignored))
+            find(i, "the file is missing in the template folder");
+        else if (file.m_vers != script.m_vers)
+            find(i, "the file is of version " + file.m_vers + ", the catalogue says " + script.m_vers);
+        else if (file.m_date != script.m_date)
+            find(i, "the file is of " + file.m_date + ", the catalogue says " + script.m_date);
+    }
+
+    // Depth first, without recursion: a need that is on the way already closes a circle.
+    void findCircles() {
+        enum class State : char { New, OnTheWay, Done };
+        std::vector<State> states(m_scripts.size(), State::New);
+        struct Step {
+            size_t script;
+            size_t next;
+        };
+        std::vector<Step> way;
+        for (size_t start = 0; start < m_scripts.size(); ++start) {
+            if (states[start] != State::New) continue;
+            states[start] = State::OnTheWay;
+            way.push_back({start, 0});
+            while (!way.empty()) {
+                const size_t script = way.back().script;
+                if (way.back().next == m_scripts[script].m_needs.size()) {
+                    states[script] = State::Done;
+                    way.pop_back();
+                    continue;
+                }
+                const auto need = m_byFile.find(lowered(m_scripts[script].m_needs[way.back().next++]));
+                if (need == m_byFile.end() || need->second == script) continue;
+                if (states[need->second] == State::OnTheWay)
+                    find(script, "its need " + nameOf(need->second) + " needs this script, directly or not");
+                if (states[need->second] != State::New) continue;
+                states[need->second] = State::OnTheWay;
+                way.push_back({need->second, 0});
+            }
+        }
+    }
+
+    const std::vector<CScriptElm>& m_scripts;
+    const CTemplateData& m_catalogue;
+    const std::string& m_folder;
+    std::unordered_map<std::string, size_t> m_byFile;
+    std::vector<CatalogueFinding> m_findings;
+};
+
+}  // namespace
+
+std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
+                                             const std::string& templateFolder) {
+    return Checker(catalogue, templateFolder).run();
+}
+
+bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
+                    std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable) {
+    bool any = false;
+    for (const OsEntry& entry : osFiles().list(joinPath(templateFolder, "*.kez"))) {
+        if (entry.isFolder) continue;
+        any = true;
+        CScriptElm script;
+        std::string report;
+        if (!loadScriptHeader(joinPath(templateFolder, entry.name), entry.name, script, report)) {
+            unreadable.push_back(entry.name);
+            continue;
+        }
+        addLines(findings, entry.name, report);
+        catalogue.AddScript(std::move(script));
+    }
+    return any;
+}
+
+}  // namespace zoka

@@ -1,0 +1,29 @@
+// What is wrong with a catalogue, beyond what its parser says.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "templates/TemplateData.h"
+
+namespace zoka {
+
+struct CatalogueFinding {
+    std::string script;  // the file name, or the title where there is none; empty: the catalogue itself
+    std::string text;
+};
+
+// Missing fields (but for those that the file format loses), titles and file names that several scripts
+// share, a directory that the catalogue doesn't have, needs that name themselves, no script of the catalogue
+// or nothing that can be included, and needs in a circle. With a folder of templates (empty: none), also
+// files that are missing there and versions or dates other than the file's. In catalogue order; linear in
+// scripts and needs.
+std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
+                                             const std::string& templateFolder);
+
+// Makes a catalogue of all KEZ files of a folder, sorted by name, and appends to `findings` what their
+// headers lack. False when there is none; `unreadable` gets the names of those that can't be read.
+bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
+                    std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable);
+
+}  // namespace zoka

@@ -1,0 +1,245 @@
+#include "templates/win/AddPage.h"
+
+#include <algorithm>
+
+namespace zoka {
+
+namespace {
+
+enum { kClass = 1101, kSearch, kList, kTitles, kAdd, kPlan, kDetails };
+enum : UINT_PTR { kFillTimer = 1, kPlanTimer };
+constexpr UINT kFillEvery = 10;      // milliseconds
+constexpr size_t kFillAtOnce = 500;  // titles
+constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't read files at each row
+
+enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
+constexpr ListColumn kColumns[] = {{"Script", 90},  {"Class", 62},  {"Version", 36},
+                                   {"Date", 40},    {"Engine", 50}, {"In project", 44}};
+// Dialog units.
+constexpr int kClassLabelWidth = 26, kClassWidth = 96, kSearchLabelWidth = 32, kTitleLabelWidth = 52;
+constexpr int kPlanHeight = 30;
+
+}  // namespace
+
+void AddPage::createControls() {
+    const HFONT font = fonts().text();
+    const DWORD dropList = CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP;
+    m_classLabel = label("&Class:");
+    m_class = makeControl(window(), "COMBOBOX", "", dropList, 0, kClass, font);
+    m_searchLabel = label("S&earch:");
+    m_search = makeControl(window(), "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE, kSearch, font);
+    SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_found = label("");
+    m_list.create(window(), kList, fonts(), font, kColumns,
+                  [this](int row, int column) { return cell(row, column); });
+    m_titleLabel = label("Sc&ript to add:");
+    m_titles = makeControl(window(), "COMBOBOX", "", dropList, 0, kTitles, font);
+    m_add = button("&Add", kAdd, true);
+    m_planLabel = label("&What adding it will do:");
+    m_plan = makeReadOnlyText(window(), kPlan, font);
+    m_detailsLabel = label("&Details:");
+    m_details = makeReadOnlyText(window(), kDetails, font);
+
+    for (const std::string& name : session().classes())
+        SendMessageA(m_class, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    SendMessageA(m_class, CB_SETCURSEL, 0, 0);
+    // The titles follow while the user looks at the list already.
+    SendMessageA(m_titles, CB_INITSTORAGE, session().catalogue().scripts().size(), 0);
+    SetTimer(window(), kFillTimer, kFillEvery, nullptr);
+    filter();
+}
+
+void AddPage::layout(int width, int height) {
+    const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits);
+    const int labelHeight = fonts().y(kLabelHeightUnits), field = fonts().y(kFieldHeightUnits);
+    const int labelDrop = (field - labelHeight) / 2;  // brings a label to the height of the text beside it
+
+    int x = 0, y = 0;
+    place(m_classLabel, x, y + labelDrop, fonts().x(kClassLabelWidth), labelHeight);
+    x += fonts().x(kClassLabelWidth);
+    placeDropList(m_class, x, y, fonts().x(kClassWidth), field);
+    x += fonts().x(kClassWidth) + 2 * gapX;
+    place(m_searchLabel, x, y + labelDrop, fonts().x(kSearchLabelWidth), labelHeight);
+    x += fonts().x(kSearchLabelWidth);
+    place(m_search, x, y, width - x, field);
+    y += field + gapY;
+
+    // What the fixed rows leave is shared by the list and the details.
+    const int plan = fonts().y(kPlanHeight);
+    const int shared = height - y - 3 * labelHeight - 2 * gapY - field - gapY - plan - gapY;
+    const int listHeight = shared * 3 / 5;
+    place(m_found, 0, y, width, labelHeight);
+    y += labelHeight;
+    m_list.place(0, y, width, listHeight);
+    y += listHeight + gapY;
+
+    const int button = fonts().x(kButtonWidthUnits), titleLabel = fonts().x(kTitleLabelWidth);
+    place(m_titleLabel, 0, y + labelDrop, titleLabel, labelHeight);
+    placeDropList(m_titles, titleLabel, y, width - titleLabel - gapX - button, field);
+    place(m_add, width - button, y, button, field);
+    y += field + gapY;
+
+    place(m_planLabel, 0, y, width, labelHeight);
+    y += labelHeight;
+    place(m_plan, 0, y, width, plan);
+    y += plan + gapY;
+    place(m_detailsLabel, 0, y, width, labelHeight);
+    y += labelHeight;
+    place(m_details, 0, y, width, height - y);
+}
+
+std::string AddPage::cell(int row, int column) {
+    if (!m_rows || row < 0 || static_cast<size_t>(row) >= m_rows->size()) return {};
+    const std::uint32_t record = (*m_rows)[static_cast<size_t>(row)];
+    const CScriptElm& script = session().catalogue().scripts()[record];
+    switch (column) {
+        case kTitle:
+            return script.DisplayName();
+        case kClassName:
+            return script.m_class;
+        case kVersion:
+            return script.m_vers;
+        case kDate:
+            return script.m_date;
+        case kEngine:
+            return script.m_engreq.AsText();
+        default:
+            return session().isIncluded(record) ? "included" : "";
+    }
+}
+
+void AddPage::filter() {
+    const std::string query = textOf(m_search);
+    m_settling = true;
+    m_rows = &session().search(chosenItem(m_class), query);
+    m_list.setCount(static_cast<int>(m_rows->size()));
+    m_settling = false;
+    const size_t all = session().catalogue().scripts().size();
+    setText(m_found, "&Scripts: " + std::to_string(m_rows->size()) +
+                         (m_rows->size() == all ? "" : " of " + std::to_string(all)));
+    if (m_record && !std::ranges::binary_search(*m_rows, *m_record)) m_record.reset();
+    // Whoever types is looking for one script: the first find is at hand for Enter.
+    if (!m_record && !query.empty() && !m_rows->empty()) m_record = m_rows->front();
+    selectRecord(m_record);
+}
+
+// Brings the list, the drop list and what stands below in step.
+void AddPage::selectRecord(std::optional<std::uint32_t> record) {
+    m_record = record;
+    m_settling = true;
+    int row = -1;
+    if (record)
+        if (const auto at = std::ranges::lower_bound(*m_rows, *record); at != m_rows->end() && *at == *record)
+            row = static_cast<int>(at - m_rows->begin());
+    if (m_list.selected() != row) m_list.select(row);
+    m_settling = false;
+    showSelection();
+}
+
+void AddPage::showSelection() {
+    // A title that the drop list hasn't got yet is selected when it has come.
+    const WPARAM title = m_record && *m_record < m_titlesFilled ? *m_record : static_cast<WPARAM>(-1);
+    if (SendMessageA(m_titles, CB_GETCURSEL, 0, 0) != static_cast<LRESULT>(title))
+        SendMessageA(m_titles, CB_SETCURSEL, title, 0);
+    enable(m_add, m_record.has_value());
+    std::string text;
+    if (m_record) {
+        const ScriptDetails details = session().details(*m_record);
+        text = details.fileName;
+        if (!details.description.empty()) text += "\r\n" + details.description;
+        if (!details.actions.empty()) text += "\r\n\r\nActions:\r\n" + details.actions;
+    }
+    setText(m_details, text);
+    SetTimer(window(), kPlanTimer, kPlanAfter, nullptr);
+}
+
+void AddPage::showPlan() {
+    if (!m_record) {
+        setText(m_plan, "");
+        return;
+    }
+    const AddPlan plan = session().plan(*m_record);
+    setText(m_plan, plan.problem.empty() ? plan.summary() : plan.problem);
+}
+
+void AddPage::fillTitles(size_t atMost) {
+    const std::vector<CScriptElm>& scripts = session().catalogue().scripts();
+    const size_t end = std::min(scripts.size(), m_titlesFilled + atMost);
+    for (; m_titlesFilled < end; ++m_titlesFilled)
+        SendMessageA(m_titles, CB_ADDSTRING, 0,
+                     reinterpret_cast<LPARAM>(scripts[m_titlesFilled].DisplayName().c_str()));
+    if (m_titlesFilled == scripts.size()) KillTimer(window(), kFillTimer);
+    if (m_record && *m_record < m_titlesFilled && SendMessageA(m_titles, CB_GETCURSEL, 0, 0) < 0)
+        SendMessageA(m_titles, CB_SETCURSEL, *m_record, 0);
+}
+
+void AddPage::chooseTitle() {
+    const LRESULT chosen = SendMessageA(m_titles, CB_GETCURSEL, 0, 0);
+    if (chosen < 0) return;
+    m_record = static_cast<std::uint32_t>(chosen);
+    if (!std::ranges::binary_search(*m_rows, *m_record)) {
+        m_settling = true;
+        SendMessageA(m_class, CB_SETCURSEL, 0, 0);
+        SetWindowTextA(m_search, "");
+        m_settling = false;
+        filter();
+        return;
+    }
+    selectRecord(m_record);
+}
+
+void AddPage::refresh() {
+    m_list.redraw();
+    showPlan();
+}
+
+void AddPage::mainAction() {
+    if (!m_record) return;
+    session().add(m_record);
+    m_frame.sessionChanged();
+}
+
+void AddPage::command(int id, int code) {
+    if (m_settling) return;
+    if ((id == kClass && code == CBN_SELCHANGE) || (id == kSearch && code == EN_CHANGE))
+        filter();
+    else if (id == kTitles && code == CBN_DROPDOWN)
+        fillTitles(session().catalogue().scripts().size());
+    else if (id == kTitles && code == CBN_SELCHANGE)
+        chooseTitle();
+    else if (id == kAdd && code == BN_CLICKED)
+        mainAction();
+}
+
+LRESULT AddPage::notified(NMHDR& header) {
+    if (header.idFrom != kList) return 0;
+    if (!m_settling && RowList::selectionMayHaveChanged(header)) {
+        const int row = m_list.selected();
+        m_record.reset();
+        if (row >= 0 && static_cast<size_t>(row) < m_rows->size()) m_record = (*m_rows)[static_cast<size_t>(row)];
+        showSelection();
+    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
+        mainAction();
+    }
+    return m_list.notified(header);
+}
+
+void AddPage::timer(UINT_PTR id) {
+    if (id == kFillTimer) {
+        fillTitles(kFillAtOnce);
+    } else if (id == kPlanTimer) {
+        KillTimer(window(), kPlanTimer);
+        showPlan();
+    }
+}
+
+// The list is at hand while the keyboard is in the search field.
+LRESULT CALLBACK AddPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                     DWORD_PTR self) {
+    if (message == WM_KEYDOWN && (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT))
+        return SendMessageA(reinterpret_cast<AddPage*>(self)->m_list.window(), message, wParam, lParam);
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, searchProc, id);
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+}  // namespace zoka

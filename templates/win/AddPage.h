@@ -1,0 +1,48 @@
+// The page that finds a script in the catalogue, shows what it is and what adding it will do, and adds it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "templates/win/PageWindow.h"
+#include "templates/win/RowList.h"
+
+namespace zoka {
+
+class AddPage : public PageWindow {
+public:
+    using PageWindow::PageWindow;
+    void refresh() override;
+    void mainAction() override;
+    HWND firstField() const override { return m_search; }
+    void command(int id, int code) override;
+
+protected:
+    void createControls() override;
+    void layout(int width, int height) override;
+    LRESULT notified(NMHDR& header) override;
+    void timer(UINT_PTR id) override;
+
+private:
+    static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                       DWORD_PTR self);
+    std::string cell(int row, int column);
+    void filter();
+    void selectRecord(std::optional<std::uint32_t> record);
+    void showSelection();
+    void showPlan();
+    void fillTitles(size_t atMost);
+    void chooseTitle();
+
+    HWND m_classLabel = nullptr, m_class = nullptr, m_searchLabel = nullptr, m_search = nullptr;
+    HWND m_found = nullptr, m_titleLabel = nullptr, m_titles = nullptr, m_add = nullptr;
+    HWND m_planLabel = nullptr, m_plan = nullptr, m_detailsLabel = nullptr, m_details = nullptr;
+    RowList m_list;
+    const std::vector<std::uint32_t>* m_rows = nullptr;  // records, ascending; the session's
+    std::optional<std::uint32_t> m_record;               // the selected one
+    size_t m_titlesFilled = 0;                           // records that the drop list of titles holds so far
+    bool m_settling = false;                             // changes are our own, not the user's
+};
+
+}  // namespace zoka

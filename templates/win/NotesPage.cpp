@@ -1,0 +1,41 @@
+#include "templates/win/NotesPage.h"
+
+namespace zoka {
+
+namespace {
+
+enum { kNotes = 1401, kCopy };
+constexpr UINT kTabUnits = 16;  // dialog units between the report's tab stops
+
+}  // namespace
+
+void NotesPage::createControls() {
+    m_label = label("&Notes on the project's scripts:");
+    m_notes = makeReadOnlyText(window(), kNotes, fonts().fixed(), ES_AUTOHSCROLL | WS_HSCROLL);
+    SendMessageA(m_notes, EM_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&kTabUnits));
+    m_copy = button("C&opy", kCopy, true);
+}
+
+void NotesPage::layout(int width, int height) {
+    const int gap = fonts().y(kGapUnits), labelHeight = fonts().y(kLabelHeightUnits);
+    const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
+    place(m_label, 0, 0, width, labelHeight);
+    place(m_notes, 0, labelHeight, width, height - labelHeight - gap - field);
+    place(m_copy, width - button, height - field, button, field);
+}
+
+void NotesPage::refresh() {
+    setText(m_notes, session().notes());
+}
+
+void NotesPage::mainAction() {
+    m_frame.setStatus(copyToClipboard(m_frame.window(), textOf(m_notes))
+                          ? "The notes are on the clipboard"
+                          : "Not copied: another program uses the clipboard");
+}
+
+void NotesPage::command(int id, int code) {
+    if (id == kCopy && code == BN_CLICKED) mainAction();
+}
+
+}  // namespace zoka

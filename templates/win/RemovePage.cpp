@@ -1,0 +1,72 @@
+#include "templates/win/RemovePage.h"
+
+#include <algorithm>
+
+namespace zoka {
+
+namespace {
+
+enum { kList = 1301, kNote, kRemove };
+constexpr ListColumn kColumns[] = {{"Script", 110}, {"File", 90}, {"Needed by", 150}};
+
+}  // namespace
+
+void RemovePage::createControls() {
+    m_label = label("");
+    m_list.create(window(), kList, fonts(), fonts().text(), kColumns, [this](int row, int column) -> std::string {
+        const auto& included = session().included();
+        const auto index = static_cast<size_t>(row);
+        if (row < 0 || index >= included.size()) return {};
+        return column == 0   ? included[index].text
+               : column == 1 ? included[index].fileName
+                             : session().neededBy(index);
+    });
+    m_note = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kNote, fonts().text());
+    m_remove = button("&Remove", kRemove, true);
+}
+
+void RemovePage::layout(int width, int height) {
+    const int gap = fonts().y(kGapUnits), labelHeight = fonts().y(kLabelHeightUnits);
+    const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
+    place(m_label, 0, 0, width, labelHeight);
+    m_list.place(0, labelHeight, width, height - labelHeight - gap - field);
+    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits), labelHeight);
+    place(m_remove, width - button, height - field, button, field);
+}
+
+void RemovePage::refresh() {
+    const int selected = m_list.selected();
+    const int count = static_cast<int>(session().included().size());
+    setText(m_label, "&Included scripts: " + std::to_string(count));
+    m_list.setCount(count);
+    // After a removal the next script is at hand.
+    m_list.select(std::min(std::max(selected, 0), count - 1));
+    showSelection();
+}
+
+void RemovePage::showSelection() {
+    const int row = m_list.selected();
+    enable(m_remove, row >= 0);
+    setText(m_note, row < 0 ? "The main script includes no scripts."
+                            : "Takes the include line out. The script file stays in the project folder.");
+}
+
+void RemovePage::mainAction() {
+    if (m_list.selected() < 0) return;
+    session().remove(m_list.selected());
+    m_frame.sessionChanged();
+}
+
+void RemovePage::command(int id, int code) {
+    if (id == kRemove && code == BN_CLICKED) mainAction();
+}
+
+LRESULT RemovePage::notified(NMHDR& header) {
+    if (header.idFrom != kList) return 0;
+    if (RowList::selectionMayHaveChanged(header)) showSelection();
+    if (header.code == static_cast<UINT>(LVN_KEYDOWN) && reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE)
+        mainAction();
+    return m_list.notified(header);
+}
+
+}  // namespace zoka

@@ -1,0 +1,115 @@
+#include "templates/win/RowList.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zoka {
+
+void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
+                     std::span<const ListColumn> columns, CellText text) {
+    m_text = std::move(text);
+    const bool header = columns.front().title != nullptr;
+    m_window = makeControl(parent, WC_LISTVIEWA, "",
+                           LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_TABSTOP |
+                               static_cast<DWORD>(header ? LVS_NOSORTHEADER : LVS_NOCOLUMNHEADER),
+                           WS_EX_CLIENTEDGE, id, font);
+    SendMessageA(m_window, LVM_SETEXTENDEDLISTVIEWSTYLE, 0,
+                 LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP | LVS_EX_DOUBLEBUFFER);
+    m_leastFirst = fonts.x(columns.front().units);
+    for (size_t i = 0; i < columns.size(); ++i) {
+        std::string title = columns[i].title ? columns[i].title : "";
+        LVCOLUMNA column{};
+        column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+        column.pszText = title.data();
+        column.cx = fonts.x(columns[i].units);
+        column.iSubItem = static_cast<int>(i);
+        SendMessageA(m_window, LVM_INSERTCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
+        if (i > 0) m_otherColumns += column.cx;
+    }
+}
+
+void RowList::place(int x, int y, int width, int height) {
+    zoka::place(m_window, x, y, width, height);
+    if (m_scrollsSideways) return;
+    // Room for the scroll bar in any case, so that it never brings a second one.
+    const int inner = width - 2 * GetSystemMetrics(SM_CXEDGE) - GetSystemMetrics(SM_CXVSCROLL);
+    SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0,
+                 MAKELPARAM(std::max(inner - m_otherColumns, m_leastFirst), 0));
+}
+
+void RowList::setFirstWidth(int width) {
+    m_scrollsSideways = true;
+    SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(width, 0));
+}
+
+void RowList::setCount(int rows) {
+    select(-1);
+    SendMessageA(m_window, LVM_SETITEMCOUNT, static_cast<WPARAM>(rows), 0);
+    redraw();
+}
+
+int RowList::count() const {
+    return static_cast<int>(SendMessageA(m_window, LVM_GETITEMCOUNT, 0, 0));
+}
+
+int RowList::selected() const {
+    return static_cast<int>(
+        SendMessageA(m_window, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), MAKELPARAM(LVNI_SELECTED, 0)));
+}
+
+void RowList::select(int row) {
+    LVITEMA item{};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    if (selected() >= 0 && selected() != row)
+        SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+    if (row < 0) return;
+    item.state = item.stateMask;
+    SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    SendMessageA(m_window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
+bool RowList::selectionMayHaveChanged(const NMHDR& header) {
+    if (header.code == static_cast<UINT>(LVN_ODSTATECHANGED)) return true;
+    if (header.code != static_cast<UINT>(LVN_ITEMCHANGED)) return false;
+    const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
+    return (change.uChanged & LVIF_STATE) != 0 && ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) != 0;
+}
+
+LRESULT RowList::notified(NMHDR& header) const {
+    switch (header.code) {
+        case static_cast<UINT>(LVN_GETDISPINFOA): {
+            LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
+            if ((item.mask & LVIF_TEXT) != 0 && item.cchTextMax > 0) {
+                const std::string text = m_text(item.iItem, item.iSubItem);
+                const size_t length = std::min(text.size(), static_cast<size_t>(item.cchTextMax) - 1);
+                std::memcpy(item.pszText, text.data(), length);
+                item.pszText[length] = 0;
+            }
+            return 0;
+        }
+        case static_cast<UINT>(LVN_ODFINDITEMA):
+            return find(reinterpret_cast<const NMLVFINDITEMA&>(header));
+        default:
+            return 0;
+    }
+}
+
+// The typed beginning of a row's first text, from a row on and around the end.
+int RowList::find(const NMLVFINDITEMA& search) const {
+    if ((search.lvfi.flags & LVFI_STRING) == 0 || !search.lvfi.psz) return -1;
+    const int rows = count();
+    const int length = static_cast<int>(std::strlen(search.lvfi.psz));
+    const bool partial = (search.lvfi.flags & (LVFI_PARTIAL | LVFI_SUBSTRING)) != 0;
+    for (int i = 0; i < rows; ++i) {
+        const int row = (std::max(search.iStart, 0) + i) % rows;
+        const std::string text = m_text(row, 0);
+        const int compared = partial ? std::min(length, static_cast<int>(text.size())) : static_cast<int>(text.size());
+        if (compared >= (partial ? length : 0) &&
+            CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(), compared, search.lvfi.psz, length) ==
+                CSTR_EQUAL)
+            return row;
+    }
+    return -1;
+}
+
+}  // namespace zoka

@@ -1,0 +1,57 @@
+// A list of rows and columns that holds no texts itself: the system asks for what is in sight, so 100,000 rows
+// cost what ten do.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <functional>
+#include <span>
+#include <string>
+
+#include "util/win/WindowKit.h"
+
+namespace zoka {
+
+struct ListColumn {
+    const char* title;
+    int units;  // width in dialog units; that of the first column is its least one, it takes what is left
+};
+
+class RowList {
+public:
+    using CellText = std::function<std::string(int row, int column)>;
+
+    // The control is its parent's, which passes its notifications on. No column with a title: no header.
+    void create(HWND parent, int id, const WindowFonts& fonts, HFONT font, std::span<const ListColumn> columns,
+                CellText text);
+    HWND window() const { return m_window; }
+    void place(int x, int y, int width, int height);
+
+    // The rows are other ones now; none is selected.
+    void setCount(int rows);
+    int count() const;
+    // -1: none.
+    int selected() const;
+    // Selects one row alone and brings it into sight; -1: none.
+    void select(int row);
+    void redraw() const { InvalidateRect(m_window, nullptr, FALSE); }
+    // Width of the first column in pixels, for lists that scroll sideways.
+    void setFirstWidth(int width);
+
+    LRESULT notified(NMHDR& header) const;
+    // Whether the notification may mean that another row is selected now.
+    static bool selectionMayHaveChanged(const NMHDR& header);
+
+private:
+    int find(const NMLVFINDITEMA& search) const;
+
+    HWND m_window = nullptr;
+    CellText m_text;
+    int m_otherColumns = 0;  // width of all but the first, in pixels
+    int m_leastFirst = 0;
+    bool m_scrollsSideways = false;
+};
+
+}  // namespace zoka

@@ -1,0 +1,245 @@
+#include "templates/win/UpdatePage.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+
+namespace zoka {
+
+namespace {
+
+enum { kList = 1501, kUpdate, kUpdateAll, kChanges, kMissing, kRestore };
+constexpr ListColumn kChangeColumns[] = {{nullptr, 200}};
+constexpr size_t kLongestRow = 259;  // characters that a row shows
+constexpr int kTabWidth = 4;
+constexpr int kRowPadding = 1;          // dialog units above and below
+constexpr int kHighestItem = 255;       // pixels, the most that the list box takes
+constexpr int kRestoreLabelWidth = 92;  // dialog units
+
+constexpr COLORREF kOnlyLocal = RGB(255, 235, 233), kOnlyTemplate = RGB(230, 250, 232), kHeading = RGB(232, 238, 247);
+constexpr COLORREF kInk = RGB(0, 0, 0), kHeadingInk = RGB(60, 80, 120);
+
+// The lines that an entry of the list takes.
+std::vector<std::string> linesOf(const std::string& entry) {
+    std::vector<std::string> lines{""};
+    for (const char c : entry) {
+        if (c == '\n')
+            lines.emplace_back();
+        else
+            lines.back() += c;
+    }
+    if (lines.size() > 1 && lines.back().empty()) lines.pop_back();
+    return lines;
+}
+
+std::string shown(const DiffLine& line) {
+    if (line.mark == '@' || line.mark == '.') return line.text;
+    std::string text(1, line.mark);
+    text += ' ';
+    for (const char c : line.text) {
+        if (text.size() >= kLongestRow) break;
+        if (c == '\t')
+            text.append(kTabWidth - (text.size() - 2) % kTabWidth, ' ');
+        else
+            text += c;
+    }
+    return text;
+}
+
+}  // namespace
+
+void UpdatePage::createControls() {
+    const HFONT font = fonts().text();
+    m_label = label("");
+    m_list = makeControl(window(), "LISTBOX", "",
+                         LBS_NOTIFY | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL |
+                             WS_TABSTOP,
+                         WS_EX_CLIENTEDGE, kList, font);
+    m_changesLabel = makeControl(window(), "STATIC", "", SS_LEFTNOWORDWRAP, 0, -1, font);
+    m_changes.create(window(), kChanges, fonts(), fonts().fixed(), kChangeColumns, [this](int row, int) {
+        return row >= 0 && static_cast<size_t>(row) < m_lines.size() ? shown(m_lines[static_cast<size_t>(row)]) : "";
+    });
+    m_update = button("&Update", kUpdate, true);
+    m_updateAll = button("Update a&ll", kUpdateAll);
+    m_restoreLabel = label("Without a copy in the &project:");
+    m_missing = makeControl(window(), "COMBOBOX", "", CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0,
+                            kMissing, font);
+    m_restore = button("Res&tore", kRestore);
+}
+
+void UpdatePage::layout(int width, int height) {
+    const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits);
+    const int labelHeight = fonts().y(kLabelHeightUnits), field = fonts().y(kButtonHeightUnits);
+    const int button = fonts().x(kButtonWidthUnits);
+    // What the fixed rows leave is shared by the two lists.
+    const int shared = height - 2 * labelHeight - 2 * (field + gapY) - 2 * gapY;
+    const int listHeight = shared * 2 / 5;
+    int y = 0;
+    place(m_label, 0, y, width, labelHeight);
+    y += labelHeight;
+    place(m_list, 0, y, width, listHeight);
+    y += listHeight + gapY;
+    place(m_changesLabel, 0, y, width, labelHeight);
+    y += labelHeight;
+    m_changes.place(0, y, width, shared - listHeight);
+    y += shared - listHeight + gapY;
+    place(m_update, width - 2 * button - gapX, y, button, field);
+    place(m_updateAll, width - button, y, button, field);
+    y = height - field;
+    const int restoreLabel = fonts().x(kRestoreLabelWidth);
+    place(m_restoreLabel, 0, y + (field - labelHeight) / 2, restoreLabel, labelHeight);
+    placeDropList(m_missing, restoreLabel, y, width - restoreLabel - gapX - button, field);
+    place(m_restore, width - button, y, button, field);
+    InvalidateRect(m_list, nullptr, TRUE);  // its texts are cut to the new width
+}
+
+int UpdatePage::chosen() const {
+    return static_cast<int>(SendMessageA(m_list, LB_GETCURSEL, 0, 0));
+}
+
+void UpdatePage::showEntries() {
+    const std::vector<UpdateEntry>& entries = session().updates();
+    setText(m_label, "&Scripts that differ from the template folder: " + std::to_string(entries.size()));
+    SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
+    SendMessageA(m_list, LB_RESETCONTENT, 0, 0);
+    for (const UpdateEntry& entry : entries)
+        SendMessageA(m_list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.line.c_str()));
+    SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(m_list, nullptr, TRUE);
+}
+
+void UpdatePage::refresh() {
+    const int selected = std::max(chosen(), 0);
+    showEntries();
+    const int count = static_cast<int>(session().updates().size());
+    SendMessageA(m_list, LB_SETCURSEL, static_cast<WPARAM>(std::min(selected, count - 1)), 0);
+
+    const std::string missing = chosenItem(m_missing);
+    SendMessageA(m_missing, CB_RESETCONTENT, 0, 0);
+    for (const std::string& name : session().restorable())
+        SendMessageA(m_missing, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    const LRESULT again = SendMessageA(m_missing, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                                       reinterpret_cast<LPARAM>(missing.c_str()));
+    SendMessageA(m_missing, CB_SETCURSEL, static_cast<WPARAM>(std::max<LRESULT>(again, 0)), 0);
+    const bool any = SendMessageA(m_missing, CB_GETCOUNT, 0, 0) > 0;
+    enable(m_missing, any);
+    enable(m_restore, any);
+    showDifference();
+}
+
+void UpdatePage::showDifference() {
+    m_lines.clear();
+    const int index = chosen();
+    enable(m_update, index >= 0);
+    std::string heading = "&Changes:";
+    if (index < 0) {
+        m_lines.push_back({'.', "Every script in the project folder is as the template folder has it."});
+    } else {
+        const UpdateEntry& entry = session().updates()[static_cast<size_t>(index)];
+        heading = "&Changes that the update brings to " + entry.fileName + ":";
+        if (!entry.missingNeeds.empty()) {
+            m_lines.push_back({'@', "The main script will include what is missing:"});
+            for (const std::string& need : entry.missingNeeds) m_lines.push_back({'+', "include <" + need + ">;"});
+        }
+        const std::vector<DiffHunk> hunks = session().difference(static_cast<size_t>(index));
+        for (const DiffHunk& hunk : hunks) {
+            m_lines.push_back({'@', "Line " + std::to_string(hunk.oldStart) + ", in the template line " +
+                                        std::to_string(hunk.newStart) + ":"});
+            m_lines.insert(m_lines.end(), hunk.lines.begin(), hunk.lines.end());
+        }
+        if (hunks.empty() && entry.missingNeeds.empty())
+            m_lines.push_back({'.', "The two copies are equal, or one of them can't be read."});
+    }
+    setText(m_changesLabel, heading);
+    size_t longest = 0;
+    for (const DiffLine& line : m_lines) longest = std::max(longest, shown(line).size());
+    m_changes.setCount(static_cast<int>(m_lines.size()));
+    m_changes.setFirstWidth((static_cast<int>(longest) + 2) * fonts().fixedWidth());
+}
+
+void UpdatePage::mainAction() {
+    if (chosen() < 0) return;
+    session().updateSelected(chosen());
+    m_frame.sessionChanged();
+}
+
+void UpdatePage::command(int id, int code) {
+    if (id == kList && code == LBN_SELCHANGE) {
+        showDifference();
+    } else if (id == kList && code == LBN_DBLCLK) {
+        mainAction();
+    } else if (code == BN_CLICKED && id == kUpdate) {
+        mainAction();
+    } else if (code == BN_CLICKED && id == kUpdateAll) {
+        m_frame.runJob("Updating scripts", [this](JobProgress& progress) { session().updateAll(&progress); });
+        m_frame.sessionChanged();
+    } else if (code == BN_CLICKED && id == kRestore) {
+        const std::string name = chosenItem(m_missing);
+        if (name.empty()) return;
+        session().restore(name);
+        m_frame.sessionChanged();
+    }
+}
+
+LRESULT UpdatePage::notified(NMHDR& header) {
+    if (header.idFrom != kChanges) return 0;
+    if (header.code == static_cast<UINT>(NM_CUSTOMDRAW))
+        return paintDifference(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+    return m_changes.notified(header);
+}
+
+LRESULT UpdatePage::paintDifference(NMLVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    const size_t row = draw.nmcd.dwItemSpec;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || row >= m_lines.size()) return CDRF_DODEFAULT;
+    // Ink and paper are always set together, so that the text is readable whatever the system's colours.
+    switch (m_lines[row].mark) {
+        case '-':
+            draw.clrText = kInk;
+            draw.clrTextBk = kOnlyLocal;
+            break;
+        case '+':
+            draw.clrText = kInk;
+            draw.clrTextBk = kOnlyTemplate;
+            break;
+        case '@':
+            draw.clrText = kHeadingInk;
+            draw.clrTextBk = kHeading;
+            break;
+        default:
+            break;
+    }
+    return CDRF_DODEFAULT;
+}
+
+void UpdatePage::measure(MEASUREITEMSTRUCT& item) {
+    if (item.CtlID != kList) return;
+    const std::vector<UpdateEntry>& entries = session().updates();
+    const size_t lines = item.itemID < entries.size() ? linesOf(entries[item.itemID].line).size() : 1;
+    const int height = static_cast<int>(lines) * fonts().lineHeight() + 2 * fonts().y(kRowPadding);
+    item.itemHeight = static_cast<UINT>(std::min(height, kHighestItem));
+}
+
+void UpdatePage::draw(const DRAWITEMSTRUCT& item) {
+    if (item.CtlID != kList) return;
+    const bool selected = (item.itemState & ODS_SELECTED) != 0;
+    FillRect(item.hDC, &item.rcItem, GetSysColorBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+    const std::vector<UpdateEntry>& entries = session().updates();
+    if (item.itemID < entries.size()) {
+        SetTextColor(item.hDC, GetSysColor(selected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
+        SetBkMode(item.hDC, TRANSPARENT);
+        RECT line = item.rcItem;
+        line.left += fonts().x(2);
+        line.top += fonts().y(kRowPadding);
+        for (const std::string& text : linesOf(entries[item.itemID].line)) {
+            line.bottom = line.top + fonts().lineHeight();
+            DrawTextA(item.hDC, text.data(), static_cast<int>(text.size()), &line,
+                      DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
+            line.top = line.bottom;
+            line.left = item.rcItem.left + fonts().x(10);  // what is missing stands under its script
+        }
+    }
+    if ((item.itemState & ODS_FOCUS) != 0) DrawFocusRect(item.hDC, &item.rcItem);
+}
+
+}  // namespace zoka

@@ -1,0 +1,248 @@
+// zoka catalogue, zoka help-pages: make, check and show a template catalogue.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "templates/CatalogueCheck.h"
+#include "templates/CatalogueXml.h"
+#include "templates/HelpPages.h"
+#include "templates/LineDiff.h"
+#include "templates/ScriptSearch.h"
+#include "tools/cli/Cli.h"
+#include "tools/cli/Json.h"
+#include "tools/cli/SuitePath.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
+
+namespace zoka::cli {
+
+ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& path) {
+    XMLResults results;
+    if (loadCatalogue(catalogue, suitePath(path), &results)) return ExitStatus::Done;
+    if (results.code == kXmlFileNotFound) {
+        complain("cannot read " + path + ": " + XMLNode::errorText(results.code));
+        return ExitStatus::Failed;
+    }
+    std::printf("%s:%d:%d: %s\n", path.c_str(), results.line > 0 ? results.line : 1,
+                results.column > 0 ? results.column : 1, XMLNode::errorText(results.code));
+    return ExitStatus::Findings;
+}
+
+namespace {
+
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>& findings, bool json) {
+    if (json) {
+        nlohmann::ordered_json list = nlohmann::ordered_json::array();
+        for (const CatalogueFinding& finding : findings)
+            list.push_back({{"script", jsonText(finding.script)}, {"text", jsonText(finding.text)}});
+        printJson({{"findings", list}});
+    } else {
+        for (const CatalogueFinding& finding : findings)
+            print(where + ": " + (finding.script.empty() ? "" : finding.script + ": ") + finding.text + "\n");
+    }
+    return findings.empty() ? ExitStatus::Done : ExitStatus::Findings;
+}
+
+struct BuildOptions {
+    std::string folder, output, name = "Templates", type = "full", version = "1", engineReq;
+    bool dryRun = false;
+};
+
+ExitStatus build(const BuildOptions& options) {
+    const std::string folder = suitePath(options.folder);
+    CTemplateData catalogue;
+    catalogue.SetName(options.name);
+    catalogue.SetType(options.type);
+    catalogue.SetVers(options.version);
+    catalogue.SetEngReq(options.engineReq);
+    catalogue.AddDirectory("code", ".\\" + std::string(fileNameOf(folder)));
+    std::vector<CatalogueFinding> findings;
+    std::vector<std::string> unreadable;
+    if (!buildCatalogue(catalogue, folder, findings, unreadable)) {
+        complain("there is no KEZ script in " + options.folder);
+        return ExitStatus::Failed;
+    }
+    for (const std::string& name : unreadable) complain("cannot read " + name);
+    if (!unreadable.empty()) return ExitStatus::Failed;
+    const std::string output =
+        options.output.empty() ? joinPath(folder, kCatalogueFile) : suitePath(options.output);
+    const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
+    const ExitStatus status = report(options.folder, findings, false);
+    if (options.dryRun) {
+        print(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
+        return status;
+    }
+    return writeOutput(output, text) ? status : ExitStatus::Failed;
+}
+
+nlohmann::ordered_json asJson(const CScriptElm& script) {
+    nlohmann::ordered_json json = {
+        {"id", jsonText(script.m_id)},
+        {"filename", jsonText(script.m_filename)},
+        {"name", jsonText(script.m_name)},
+        {"class", jsonText(script.m_class)},
+        {"type", jsonText(script.m_type)},
+        {"version", jsonText(script.m_vers)},
+        {"date", jsonText(script.m_date)},
+        {"engine", jsonText(script.m_engreq.AsText())},
+        {"directory", jsonText(script.m_directory)},
+        {"description", jsonText(script.m_desc)},
+        {"needs", jsonTexts(script.m_needs)},
+    };
+    nlohmann::ordered_json actions = nlohmann::ordered_json::array();
+    for (const CScriptSection& section : script.m_sections)
+        for (const CScriptAction& action : section.m_actions)
+            actions.push_back({{"name", jsonText(action.m_name)},
+                               {"filename", jsonText(action.m_filename)},
+                               {"description", jsonText(action.m_desc)}});
+    json["actions"] = actions;
+    return json;
+}
+
+struct ListOptions {
+    std::string file, className = "<ALL>", type, query;
+    bool json = false;
+};
+
+ExitStatus list(const ListOptions& options) {
+    CTemplateData catalogue;
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, options.file);
+    if (loaded != ExitStatus::Done) return loaded;
+    nlohmann::ordered_json scripts = nlohmann::ordered_json::array();
+    ScriptSearch search(catalogue);
+    for (const std::uint32_t record : search.find(options.className, options.query)) {
+        const CScriptElm& script = catalogue.scripts()[record];
+        if (!options.type.empty() && !equalNoCase(script.m_type, options.type)) continue;
+        if (options.json)
+            scripts.push_back(asJson(script));
+        else
+            print(script.m_filename + "\t" + script.m_vers + "\t" + script.m_date + "\t" + script.m_class +
+                  "\t" + script.m_name + "\n");
+    }
+    if (options.json) printJson({{"scripts", scripts}});
+    return ExitStatus::Done;
+}
+
+ExitStatus show(const std::string& file, const std::string& name, bool json) {
+    CTemplateData catalogue;
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
+    if (loaded != ExitStatus::Done) return loaded;
+    const CScriptElm* script = catalogue.findByName(name);
+    if (!script) script = catalogue.findByFilenameNoCase(name);
+    if (!script) {
+        complain("the catalogue has no script " + name);
+        return ExitStatus::Usage;
+    }
+    if (json) {
+        printJson(asJson(*script));
+        return ExitStatus::Done;
+    }
+    std::string needs;
+    for (const std::string& need : script->m_needs) needs += (needs.empty() ? "" : ", ") + need;
+    print("Name:     " + script->m_name + "\nFile:     " + script->m_filename + "\nClass:    " +
+          script->m_class + "\nType:     " + script->m_type + "\nVersion:  " + script->m_vers +
+          "\nDate:     " + script->m_date + "\nEngine:   " + script->m_engreq.AsText() +
+          "\nNeeds:    " + needs + "\n\n" + script->m_desc + "\n");
+    for (const CScriptSection& section : script->m_sections)
+        for (const CScriptAction& action : section.m_actions)
+            print("\naction " + action.m_name + "\n" + action.m_desc + "\n");
+    return ExitStatus::Done;
+}
+
+ExitStatus check(const std::string& file, const std::string& templates, bool json) {
+    CTemplateData catalogue;
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
+    if (loaded != ExitStatus::Done) return loaded;
+    return report(file, checkCatalogue(catalogue, templates.empty() ? templates : suitePath(templates)),
+                  json);
+}
+
+ExitStatus writePages(const std::string& file, const std::string& output) {
+    CTemplateData catalogue;
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
+    if (loaded != ExitStatus::Done) return loaded;
+    const std::string folder = suitePath(output);
+    if (!osFiles().exists(folder)) osFiles().makeFolder(folder);
+    std::string error;
+    if (writeHelp(catalogue, folder + "\\", &error)) return ExitStatus::Done;
+    complain(error);
+    return ExitStatus::Failed;
+}
+
+void addBuild(CLI::App& catalogue, Work& chosen) {
+    CLI::App* command =
+        catalogue.add_subcommand("build", "Make the catalogue of a folder from its scripts' headers");
+    const auto options = std::make_shared<BuildOptions>();
+    command->add_option("FOLDER", options->folder, "The template folder")->required();
+    command->add_option("-o,--output", options->output, "The catalogue file [FOLDER/template_6.xml]");
+    command->add_option("--name", options->name, "The template set's name")->capture_default_str();
+    command->add_option("--type", options->type, "Its type")->capture_default_str();
+    command->add_option("--vers", options->version, "Its version")->capture_default_str();
+    command->add_option("--enginereq", options->engineReq, "The engine it needs, as in \"6.1 PRO\"");
+    command->add_flag("--dry-run", options->dryRun, "Write nothing; print the line difference");
+    setExample(*command, "zoka catalogue build templates --name \"Harbour Lights\" --vers 6.2");
+    command->callback([=, &chosen] { chosen = [=] { return build(*options); }; });
+}
+
+void addCheck(CLI::App& catalogue, Work& chosen) {
+    CLI::App* command = catalogue.add_subcommand("check", "Tell what is wrong with a catalogue, and where");
+    const auto file = std::make_shared<std::string>(), templates = std::make_shared<std::string>();
+    const auto json = std::make_shared<bool>(false);
+    command->add_option("FILE", *file, "The catalogue file")->required();
+    command->add_option("--templates", *templates, "Compare it with the scripts of this folder");
+    command->add_flag("--json", *json, "Print the findings as JSON");
+    setExample(*command, "zoka catalogue check templates/template_6.xml --templates templates");
+    command->callback([=, &chosen] { chosen = [=] { return check(*file, *templates, *json); }; });
+}
+
+void addList(CLI::App& catalogue, Work& chosen) {
+    CLI::App* command = catalogue.add_subcommand("list", "List a catalogue's scripts");
+    const auto options = std::make_shared<ListOptions>();
+    command->add_option("FILE", options->file, "The catalogue file")->required();
+    command->add_option("--class", options->className, "Only this class")->capture_default_str();
+    command->add_option("--type", options->type, "Only this type");
+    command->add_option("--search", options->query, "Only scripts that hold all these words");
+    command->add_flag("--json", options->json, "Print them as JSON, with all that is known");
+    setExample(*command, "zoka catalogue list templates/template_6.xml --class Camera --search \"fov\"");
+    command->callback([=, &chosen] { chosen = [=] { return list(*options); }; });
+}
+
+void addShow(CLI::App& catalogue, Work& chosen) {
+    CLI::App* command = catalogue.add_subcommand("show", "Show one script of a catalogue");
+    const auto file = std::make_shared<std::string>(), name = std::make_shared<std::string>();
+    const auto json = std::make_shared<bool>(false);
+    command->add_option("FILE", *file, "The catalogue file")->required();
+    command->add_option("NAME", *name, "The script's title or file name")->required();
+    command->add_flag("--json", *json, "Print it as JSON");
+    setExample(*command, "zoka catalogue show templates/template_6.xml fog.kez");
+    command->callback([=, &chosen] { chosen = [=] { return show(*file, *name, *json); }; });
+}
+
+}  // namespace
+
+void addCatalogueCommands(CLI::App& app, Work& chosen) {
+    CLI::App* catalogue = app.add_subcommand("catalogue", "Make, check and show template catalogues");
+    catalogue->require_subcommand(1);
+    setExample(*catalogue, "zoka catalogue list templates/template_6.xml");
+    addBuild(*catalogue, chosen);
+    addCheck(*catalogue, chosen);
+    addList(*catalogue, chosen);
+    addShow(*catalogue, chosen);
+
+    CLI::App* pages = app.add_subcommand("help-pages", "Write HTML help about a catalogue's scripts");
+    const auto file = std::make_shared<std::string>();
+    const auto output = std::make_shared<std::string>("docs");
+    pages->add_option("FILE", *file, "The catalogue file")->required();
+    pages->add_option("-o,--output", *output, "The folder for the pages")->capture_default_str();
+    setExample(*pages, "zoka help-pages templates/template_6.xml -o docs");
+    pages->callback([=, &chosen] { chosen = [=] { return writePages(*file, *output); }; });
+}
+
+}  // namespace zoka::cli

@@ -1,0 +1,28 @@
+#include "tools/cli/Json.h"
+
+#include <cstdio>
+
+#include "xml/XMLConvert.h"
+
+namespace zoka::cli {
+
+std::string jsonText(const std::string& text) {
+    if (isUtf8(text.c_str())) return text;
+    std::string result;
+    for (const char c : text) appendUtf8(result, windows1252(static_cast<unsigned char>(c)));
+    return result;
+}
+
+nlohmann::ordered_json jsonTexts(const std::vector<std::string>& texts) {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (const std::string& text : texts) list.push_back(jsonText(text));
+    return list;
+}
+
+void printJson(const nlohmann::ordered_json& json) {
+    const std::string text =
+        json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+}  // namespace zoka::cli
