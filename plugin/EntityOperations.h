@@ -7,9 +7,9 @@
 #include <cstdint>
 
 struct HostEntityOperations {
-    // Where the entity's behaviour stands: full path of the script (zero-terminated, at most `size` bytes),
-    // and the action's block in it in bytes. 0 when the entity has no behaviour or its script has no such
-    // action.
+    // Where the entity's behaviour stands: full path of the script (zero-terminated, at most `size`
+    // bytes), and the action's block in it in bytes. 0 when the entity has no behaviour or its
+    // script has no such action.
     std::int32_t (*getActionBlock)(HostEntityOperations* self, char* path, std::int32_t size,
                                    std::int32_t* start, std::int32_t* length);
     // Skills are numbered 1 to 20, flags 1 to 8 (a flag is 0 or 1).

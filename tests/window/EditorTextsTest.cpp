@@ -12,7 +12,8 @@ using testing::ElementsAre;
 TEST(LevelMap, readsWhatIsNamedAndWritesItBackEqual) {
     std::string error;
     const auto level = readLevelMap(
-        "// a level\r\nlevel 1\r\nentity a\r\n action s.kez walk\r\n position 1 -2.5 3\r\n skill 1 0.1\r\n skill 20 7\n"
+        "// a level\r\nlevel 1\r\nentity a\r\n action s.kez walk\r\n position 1 -2.5 3\r\n skill 1 0.1\r\n "
+        "skill 20 7\n"
         " flag 8\n flag 1\nend\nentity b\nend",
         error);
     ASSERT_TRUE(level) << error;
@@ -77,7 +78,9 @@ TEST(LevelMap, findsAnActionsTextPastCommentsAndQuotes) {
         const std::string script = row.script;
         const auto block = findActionBlock(script, row.action);
         ASSERT_EQ(block.has_value(), row.block != nullptr) << script;
-        if (block) EXPECT_EQ(script.substr(block->start, block->length), row.block);
+        if (block) {
+            EXPECT_EQ(script.substr(block->start, block->length), row.block);
+        }
     }
 }
 

@@ -1,7 +1,7 @@
-// The text of a drive script: one command a line, its words separated by blanks. A word in double quotes may hold
-// blanks; a quote inside it is written twice. A backslash is an ordinary character (paths, menu paths). A line whose
-// first word begins with '#' is a comment. ${NAME} in any word stands for a value given on the command line.
-// "repeat N" ... "end" encloses lines that run N times; repeats may be nested.
+// The text of a drive script: one command a line, its words separated by blanks. A word in double quotes may
+// hold blanks; a quote inside it is written twice. A backslash is an ordinary character (paths, menu paths).
+// A line whose first word begins with '#' is a comment. ${NAME} in any word stands for a value given on the
+// command line. "repeat N" ... "end" encloses lines that run N times; repeats may be nested.
 #pragma once
 
 #include <map>
@@ -22,8 +22,8 @@ struct DriveScript {
     std::vector<DriveLine> lines;
 };
 
-// Reads a whole script. On a fault the result is false and `error` says "LINE: what is wrong" (to be put behind the
-// file's name and a colon).
+// Reads a whole script. On a fault the result is false and `error` says "LINE: what is wrong" (to be put
+// behind the file's name and a colon).
 bool readDriveScript(std::string_view text, const std::map<std::string, std::string>& values,
                      DriveScript& script, std::string& error);
 

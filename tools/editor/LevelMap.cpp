@@ -67,14 +67,18 @@ void appendNumber(std::string& out, float value) {
     out.append(" ").append(digits, end);
 }
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 bool equalFolded(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return lower(x) == lower(y); });
 }
 
-bool isWordChar(char c) { return (lower(c) >= 'a' && lower(c) <= 'z') || (c >= '0' && c <= '9') || c == '_'; }
+bool isWordChar(char c) {
+    return (lower(c) >= 'a' && lower(c) <= 'z') || (c >= '0' && c <= '9') || c == '_';
+}
 
 // Past a comment or a quoted text that begins at `at`; `at` itself when neither does.
 std::size_t skipQuiet(std::string_view text, std::size_t at) {
@@ -139,7 +143,8 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
             inEntity = true;
         } else if (keyword == "end") {
             inEntity = false;
-        } else if (const std::string what = readProperty(keyword, line, level.entities.back()); !what.empty()) {
+        } else if (const std::string what = readProperty(keyword, line, level.entities.back());
+                   !what.empty()) {
             return fault(what);
         }
     }

@@ -1,5 +1,6 @@
-// The stand-in editor's level file: a plain text with one block an entity, so that a sample level can be written by
-// hand and compared by eye. The real editor's maps are its own affair; nothing but this program reads this form.
+// The stand-in editor's level file: a plain text with one block an entity, so that a sample level can be
+// written by hand and compared by eye. The real editor's maps are its own affair; nothing but this program
+// reads this form.
 //
 //     level 1
 //     entity guard_north
@@ -44,9 +45,9 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error);
 // The level as text, lines ended by CR LF; reads back equal.
 std::string writeLevelMap(const LevelMap& level);
 
-// Where an action's text stands in its script: from the word "action" to the brace that closes its body, or to the
-// end of the text when no brace does. Nothing when the script has no such action. Comments and quoted texts are
-// passed over; names are compared without regard to case.
+// Where an action's text stands in its script: from the word "action" to the brace that closes its body, or
+// to the end of the text when no brace does. Nothing when the script has no such action. Comments and quoted
+// texts are passed over; names are compared without regard to case.
 struct ActionBlock {
     std::size_t start;
     std::size_t length;

@@ -1,5 +1,5 @@
-// A plug-in that does wrong on purpose: each procedure leaves something behind, so that the tests know that the
-// editor's counts would notice.
+// A plug-in that does wrong on purpose: each procedure leaves something behind, so that the tests know that
+// the editor's counts would notice.
 #include <windows.h>
 
 #include "plugin/EntryPoints.h"
@@ -12,9 +12,12 @@ std::int32_t leakHandle(PluginProcDef*, HostContext*, std::int32_t*) {
 std::int32_t leakGdi(PluginProcDef*, HostContext*, std::int32_t*) {
     return CreateSolidBrush(RGB(9, 8, 7)) != nullptr;
 }
-std::int32_t leakUser(PluginProcDef*, HostContext*, std::int32_t*) { return CreatePopupMenu() != nullptr; }
+std::int32_t leakUser(PluginProcDef*, HostContext*, std::int32_t*) {
+    return CreatePopupMenu() != nullptr;
+}
 std::int32_t leakWindow(PluginProcDef*, HostContext*, std::int32_t*) {
-    return CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr) != nullptr;
+    return CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr) !=
+           nullptr;
 }
 DWORD WINAPI sleepForEver(void*) {
     Sleep(INFINITE);
@@ -29,17 +32,24 @@ std::int32_t hang(PluginProcDef*, HostContext*, std::int32_t*) {
     return 0;
 }
 
-#define RECORD(index, name, function) {0, 1, index, name, nullptr, 0, 0, 0, &g_records[index], function, nullptr, 0, 0}
+#define RECORD(index, name, function) \
+    { 0, 1, index, name, nullptr, 0, 0, 0, &g_records[index], function, nullptr, 0, 0 }
 PluginProcDef g_records[] = {
-    RECORD(0, "Leak handles", leakHandle), RECORD(1, "Leak gdi", leakGdi),         RECORD(2, "Leak user", leakUser),
-    RECORD(3, "Leak windows", leakWindow), RECORD(4, "Leak threads", leakThread), RECORD(5, "Hang", hang),
+    RECORD(0, "Leak handles", leakHandle), RECORD(1, "Leak gdi", leakGdi),
+    RECORD(2, "Leak user", leakUser),      RECORD(3, "Leak windows", leakWindow),
+    RECORD(4, "Leak threads", leakThread), RECORD(5, "Hang", hang),
 };
 
 }  // namespace
 
-std::int32_t PIInitialize(AppInterface*) { return 1; }
-std::int32_t PIGetPIInfo(std::uint32_t*, std::uint32_t*, std::uint32_t*) { return 0; }
+std::int32_t PIInitialize(AppInterface*) {
+    return 1;
+}
+std::int32_t PIGetPIInfo(std::uint32_t*, std::uint32_t*, std::uint32_t*) {
+    return 0;
+}
 PluginProcDef* PIGetProcDef(std::int32_t index) {
-    return index >= 0 && index < static_cast<std::int32_t>(sizeof g_records / sizeof g_records[0]) ? &g_records[index]
-                                                                                                    : nullptr;
+    return index >= 0 && index < static_cast<std::int32_t>(sizeof g_records / sizeof g_records[0])
+               ? &g_records[index]
+               : nullptr;
 }

@@ -4,7 +4,9 @@ namespace zoka {
 
 namespace {
 
-std::string flat(const CallLogLine& line) { return line.thread + ": " + line.call + " -> " + line.answer; }
+std::string flat(const CallLogLine& line) {
+    return line.thread + ": " + line.call + " -> " + line.answer;
+}
 
 }  // namespace
 

@@ -1,5 +1,6 @@
-// The record of everything that passes between the editor and the plug-in: what the editor calls, what the plug-in
-// calls, and what came of it. Kept in memory for the log pane and the drive scripts, and written to a file as it comes.
+// The record of everything that passes between the editor and the plug-in: what the editor calls, what the
+// plug-in calls, and what came of it. Kept in memory for the log pane and the drive scripts, and written to a
+// file as it comes.
 #pragma once
 
 #include <windows.h>
@@ -24,9 +25,11 @@ public:
     explicit CallLog(DWORD editorThread) : m_editorThread(editorThread) {}
     ~CallLog();
 
-    // Also writes every line from now on to `path`, each as "thread: call -> answer". False when it can't be opened.
+    // Also writes every line from now on to `path`, each as "thread: call -> answer". False when it can't be
+    // opened.
     bool openFile(const std::string& path);
-    // The window that is sent `message` (posted) once for any number of new lines, until it has asked for size().
+    // The window that is sent `message` (posted) once for any number of new lines, until it has asked for
+    // size().
     void notify(HWND window, UINT message);
 
     // Keeps a line; on standard output too when echo is on.

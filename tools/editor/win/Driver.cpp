@@ -50,7 +50,8 @@ long driveNumber(const std::string& word) {
     return number;
 }
 
-Driver::Driver(Editor& editor, EditorWindow& window, std::string file, DriveScript script, std::string pictures)
+Driver::Driver(Editor& editor, EditorWindow& window, std::string file, DriveScript script,
+               std::string pictures)
     : m_editor(editor),
       m_editorWindow(window),
       m_file(std::move(file)),
@@ -152,7 +153,8 @@ void Driver::onEditor(std::function<std::int32_t()> work) {
 void Driver::awaitJob() {
     if (!m_job) throw DriveFault("nothing was started");
     const std::shared_ptr<Job> job = m_job;
-    expect([&] { return job->done.load(); }, "the call to return", [] { return std::string("it still runs"); });
+    expect([&] { return job->done.load(); }, "the call to return",
+           [] { return std::string("it still runs"); });
     m_job.reset();
     if (!job->fault.empty()) throw DriveFault(job->fault);
     m_result = job->result;

@@ -1,5 +1,5 @@
-// Runs a drive script against the editor's window, on a thread of its own, so that it goes on while modal windows of
-// the plug-in's hold the editor's thread. The commands are described in docs/editor.md.
+// Runs a drive script against the editor's window, on a thread of its own, so that it goes on while modal
+// windows of the plug-in's hold the editor's thread. The commands are described in docs/editor.md.
 #pragma once
 
 #include <windows.h>
@@ -24,11 +24,12 @@ struct DriveFault : std::runtime_error {
 
 class Driver {
 public:
-    // `window` and `editor` must outlive the driver. `pictures`: folder for the picture that is taken on a failure.
+    // `window` and `editor` must outlive the driver. `pictures`: folder for the picture that is taken on a
+    // failure.
     Driver(Editor& editor, EditorWindow& window, std::string file, DriveScript script, std::string pictures);
 
-    // Carries out the script and ends the process: with 0 at its end, with N at "exit N", with 1 after a failure
-    // (said on the standard error stream as "file:line: ..."). [driver's thread]
+    // Carries out the script and ends the process: with 0 at its end, with N at "exit N", with 1 after a
+    // failure (said on the standard error stream as "file:line: ..."). [driver's thread]
     void run();
 
     // The line that is being carried out, for a watchdog's message. Works on every thread.
@@ -55,8 +56,8 @@ private:
     // Like until(), but a failure is a fault that says what was expected and, asked for then, what was seen.
     void expect(const std::function<bool()>& condition, const std::string& expected,
                 const std::function<std::string()>& seen) const;
-    // Runs `work` on the editor's thread; its result becomes m_result. Waits for it unless the command stands behind
-    // "start".
+    // Runs `work` on the editor's thread; its result becomes m_result. Waits for it unless the command stands
+    // behind "start".
     void onEditor(std::function<std::int32_t()> work);
     void awaitJob();
     // Like onEditor(), but always waits, and the result goes nowhere.

@@ -26,8 +26,8 @@ std::string recordField(const PluginProcDef& record, const std::string& field) {
     if (field == "execute") return record.execute ? "set" : "null";
     if (field == "terminate") return record.terminate ? "set" : "null";
     if (field == "reserved") {
-        const bool zero = !(record.reserved5 | record.reserved6 | record.reserved7 | record.reserved11 |
-                            record.reserved12);
+        const bool zero =
+            !(record.reserved5 | record.reserved6 | record.reserved7 | record.reserved11 | record.reserved12);
         return zero ? "0" : "not 0";
     }
     throw DriveFault("a record has no field \"" + field + "\"");
@@ -68,49 +68,57 @@ void Driver::expectRecord(const Words& words) {
             seen = "no such record (" + std::to_string(records.size()) + " in all)";
     });
     if (seen != words[2])
-        throw DriveFault("expected " + words[1] + " of record " + words[0] + " \"" + words[2] + "\"; saw \"" + seen +
-                         "\"");
+        throw DriveFault("expected " + words[1] + " of record " + words[0] + " \"" + words[2] + "\"; saw \"" +
+                         seen + "\"");
 }
 
 void Driver::expectBusy(const Words& words) {
     ProcedureState* state = nullptr;
     askEditor([&] { state = m_editor.procedure(words[0]); });
     if (!state) throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
-    expect([&] { return state->isBusy(); }, words[0] + " to be busy", [] { return std::string("it is idle"); });
+    expect([&] { return state->isBusy(); }, words[0] + " to be busy",
+           [] { return std::string("it is idle"); });
 }
 
 void Driver::expectIdle(const Words& words) {
     ProcedureState* state = nullptr;
     askEditor([&] { state = m_editor.procedure(words[0]); });
     if (!state) throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
-    expect([&] { return !state->isBusy(); }, words[0] + " to be idle", [] { return std::string("it is busy"); });
+    expect([&] { return !state->isBusy(); }, words[0] + " to be idle",
+           [] { return std::string("it is busy"); });
 }
 
 void Driver::expectModule(const Words& words) {
     if (words[1] != "loaded" && words[1] != "gone") throw DriveFault("a module is loaded or gone");
-    const bool loaded = GetModuleHandleA(words[0].c_str()) != nullptr;
-    if (loaded != (words[1] == "loaded"))
-        throw DriveFault("expected " + words[0] + " " + words[1] + "; saw it " + (loaded ? "loaded" : "gone"));
+    const bool loaded = words[1] == "loaded";
+    expect([&] { return (GetModuleHandleA(words[0].c_str()) != nullptr) == loaded; },
+           words[0] + " " + words[1], [&] { return loaded ? "it is not" : "it is still loaded"; });
 }
 
 void Driver::expectLog(const Words& words) {
-    expect([&] { return m_editor.log().holds(words[0]); }, "the log to hold \"" + words[0] + "\"", [&] {
-        std::string text = "\n";
-        for (std::size_t i = 0; i < m_editor.log().size(); ++i) {
-            const CallLogLine line = m_editor.log().line(i);
-            text += "    " + line.thread + ": " + line.call + " -> " + line.answer + "\n";
-        }
-        return text;
-    });
+    expect([&] { return m_editor.log().holds(words[0]); }, "the log to hold \"" + words[0] + "\"",
+           [&] {
+               std::string text = "\n";
+               for (std::size_t i = 0; i < m_editor.log().size(); ++i) {
+                   const CallLogLine line = m_editor.log().line(i);
+                   text += "    " + line.thread + ": " + line.call + " -> " + line.answer + "\n";
+               }
+               return text;
+           });
 }
 
 void Driver::expectNoLog(const Words& words) {
-    if (m_editor.log().holds(words[0])) throw DriveFault("expected no \"" + words[0] + "\" in the log; it is there");
+    if (m_editor.log().holds(words[0]))
+        throw DriveFault("expected no \"" + words[0] + "\" in the log; it is there");
 }
 
-void Driver::clearLog(const Words&) { m_editor.log().clear(); }
+void Driver::clearLog(const Words&) {
+    m_editor.log().clear();
+}
 
-void Driver::mark(const Words&) { m_mark = countResources(); }
+void Driver::mark(const Words&) {
+    m_mark = countResources();
+}
 
 void Driver::expectNoGain(const Words& words) {
     // Words: kinds, each followed by the gain that is allowed where it is not 0.
@@ -119,19 +127,26 @@ void Driver::expectNoGain(const Words& words) {
         const long before = resourceField(m_mark, kind);
         if (before < 0) throw DriveFault("\"" + kind + "\" can't be counted");
         long allowed = 0;
-        if (i + 1 < words.size() && resourceField(m_mark, words[i + 1]) < 0) allowed = driveNumber(words[++i]);
+        if (i + 1 < words.size() && resourceField(m_mark, words[i + 1]) < 0)
+            allowed = driveNumber(words[++i]);
         long now = before;
         // Threads that are just ending hold their things a moment longer.
         expect([&] { return (now = resourceField(countResources(), kind)) - before <= allowed; },
                "at most " + std::to_string(allowed) + " " + kind + " more than " + std::to_string(before),
-               [&] { return std::to_string(now) + " (before: " + resourceText(m_mark) +
-                            "; now: " + resourceText(countResources()) + ")"; });
+               [&] {
+                   return std::to_string(now) + " (before: " + resourceText(m_mark) +
+                          "; now: " + resourceText(countResources()) + ")";
+               });
     }
 }
 
-void Driver::counts(const Words&) { std::printf("%s\n", resourceText(countResources()).c_str()); }
+void Driver::counts(const Words&) {
+    std::printf("%s\n", resourceText(countResources()).c_str());
+}
 
-void Driver::timeout(const Words& words) { m_patience = static_cast<unsigned>(driveNumber(words[0])) * 1000; }
+void Driver::timeout(const Words& words) {
+    m_patience = static_cast<unsigned>(driveNumber(words[0])) * 1000;
+}
 
 void Driver::print(const Words& words) {
     std::string text;
@@ -140,7 +155,8 @@ void Driver::print(const Words& words) {
     std::fflush(stdout);
 }
 
-// The process ends as the editor's does: on the editor's thread, with whatever of the plug-in's is still open.
+// The process ends as the editor's does: on the editor's thread, with whatever of the plug-in's is still
+// open.
 void Driver::exit(const Words& words) {
     const UINT status = static_cast<UINT>(driveNumber(words[0]));
     m_editorWindow.post([status] {

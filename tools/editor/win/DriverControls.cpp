@@ -31,7 +31,9 @@ const ListMessages* listOf(HWND control) {
     return nullptr;
 }
 
-bool isClass(HWND control, const char* name) { return lstrcmpiA(windowClass(control).c_str(), name) == 0; }
+bool isClass(HWND control, const char* name) {
+    return lstrcmpiA(windowClass(control).c_str(), name) == 0;
+}
 
 std::string listViewText(HWND control, int row, int column) {
     char text[512] = {};
@@ -106,8 +108,9 @@ std::string valueOf(HWND control) {
     if (isClass(control, "ListBox")) {
         const LRESULT chosen = ask(control, LB_GETCURSEL);
         const std::vector<std::string> items = itemsOf(control);
-        return chosen >= 0 && static_cast<std::size_t>(chosen) < items.size() ? items[static_cast<std::size_t>(chosen)]
-                                                                                : "";
+        return chosen >= 0 && static_cast<std::size_t>(chosen) < items.size()
+                   ? items[static_cast<std::size_t>(chosen)]
+                   : "";
     }
     if (isClass(control, WC_LISTVIEWA)) {
         const LRESULT row = ask(control, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
@@ -122,7 +125,9 @@ std::string valueOf(HWND control) {
     return isClass(control, "Button") ? visibleText(control) : windowText(control);
 }
 
-bool isChecked(HWND control) { return ask(control, BM_GETCHECK) == BST_CHECKED; }
+bool isChecked(HWND control) {
+    return ask(control, BM_GETCHECK) == BST_CHECKED;
+}
 
 // Whether a control is as a word says; a fault for a word that says nothing.
 bool hasState(HWND control, const std::string& state) {
@@ -144,8 +149,8 @@ bool isGroupBox(HWND control) {
     return isClass(control, "Button") && (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
 }
 
-// The visible controls of a window that reach over their parent's edge or lie over a neighbour (frames around groups
-// may); empty when all is well.
+// The visible controls of a window that reach over their parent's edge or lie over a neighbour (frames around
+// groups may); empty when all is well.
 std::string layoutFaults(HWND top) {
     std::string faults;
     std::vector<HWND> seen;
@@ -192,13 +197,16 @@ void Driver::addControlCommands(std::map<std::string, Command>& table) {
 HWND Driver::control(const std::string& name) const {
     const HWND top = window();
     HWND found = nullptr;
-    expect([&] { return (found = findControl(top, name)) != nullptr; }, "a control " + name + " in " + describe(top),
-           [&] { return listed([&] {
-                     std::vector<std::string> all;
-                     for (const HWND child : childWindows(top))
-                         if (IsWindowVisible(child)) all.push_back(describe(child));
-                     return all;
-                 }()); });
+    expect([&] { return (found = findControl(top, name)) != nullptr; },
+           "a control " + name + " in " + describe(top),
+           [&] {
+               return listed([&] {
+                   std::vector<std::string> all;
+                   for (const HWND child : childWindows(top))
+                       if (IsWindowVisible(child)) all.push_back(describe(child));
+                   return all;
+               }());
+           });
     return found;
 }
 
@@ -214,7 +222,9 @@ void Driver::notifyParent(HWND control, WORD code) const {
                  reinterpret_cast<LPARAM>(control));
 }
 
-void Driver::click(const Words& words) { PostMessageA(usableControl(words[0]), BM_CLICK, 0, 0); }
+void Driver::click(const Words& words) {
+    PostMessageA(usableControl(words[0]), BM_CLICK, 0, 0);
+}
 
 void Driver::focus(const Words& words) {
     const HWND found = usableControl(words[0]);
@@ -226,12 +236,14 @@ void Driver::focus(const Words& words) {
 }
 
 void Driver::type(const Words& words) {
-    if (!bringToFront(window(), m_patience)) throw DriveFault(describe(window()) + " does not come to the front");
+    if (!bringToFront(window(), m_patience))
+        throw DriveFault(describe(window()) + " does not come to the front");
     typeText(words[0]);
 }
 
 void Driver::key(const Words& words) {
-    if (!bringToFront(window(), m_patience)) throw DriveFault(describe(window()) + " does not come to the front");
+    if (!bringToFront(window(), m_patience))
+        throw DriveFault(describe(window()) + " does not come to the front");
     for (const std::string& name : words) {
         if (!pressKey(name)) throw DriveFault("there is no key \"" + name + "\"");
     }
@@ -271,8 +283,12 @@ void Driver::choose(const Words& words) {
     }
 }
 
-void Driver::check(const Words& words) { setCheck(words, true); }
-void Driver::uncheck(const Words& words) { setCheck(words, false); }
+void Driver::check(const Words& words) {
+    setCheck(words, true);
+}
+void Driver::uncheck(const Words& words) {
+    setCheck(words, false);
+}
 
 void Driver::setCheck(const Words& words, bool on) {
     const HWND found = usableControl(words[0]);
@@ -331,11 +347,12 @@ void Driver::expectTabOrder(const Words& words) {
     const HWND top = window();
     std::vector<HWND> wanted;
     for (const std::string& name : words) wanted.push_back(control(name));
-    expect([&] { return tabOrder(top) == wanted; }, "the Tab order " + listed(words), [&] {
-        std::vector<std::string> order;
-        for (const HWND found : tabOrder(top)) order.push_back(describe(found));
-        return listed(order);
-    });
+    expect([&] { return tabOrder(top) == wanted; }, "the Tab order " + listed(words),
+           [&] {
+               std::vector<std::string> order;
+               for (const HWND found : tabOrder(top)) order.push_back(describe(found));
+               return listed(order);
+           });
 }
 
 }  // namespace zoka

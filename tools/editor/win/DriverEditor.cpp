@@ -32,7 +32,9 @@ void Driver::start(const Words& words) {
     m_start = false;
 }
 
-void Driver::finish(const Words&) { awaitJob(); }
+void Driver::finish(const Words&) {
+    awaitJob();
+}
 
 void Driver::open(const Words& words) {
     onEditor([this, folder = words[0]] {
@@ -109,7 +111,8 @@ void Driver::execute(const Words& words) {
 
 void Driver::executeStale(const Words& words) {
     const bool noFlags = words.size() > 1;
-    if (noFlags && words[1] != "no-flags") throw DriveFault("execute-stale takes a name and, if at all, no-flags");
+    if (noFlags && words[1] != "no-flags")
+        throw DriveFault("execute-stale takes a name and, if at all, no-flags");
     onEditor([this, name = words[0], noFlags] {
         static std::int32_t busy;
         busy = 0;
@@ -123,7 +126,8 @@ void Driver::terminate(const Words& words) {
 
 void Driver::select(const Words& words) {
     onEditor([this, name = words[0]] {
-        const bool there = name.empty() || m_editor.level().withEntity(name, [](LevelEntity&) { return true; });
+        const bool there =
+            name.empty() || m_editor.level().withEntity(name, [](LevelEntity&) { return true; });
         if (!there) throw DriveFault("the level has no entity \"" + name + "\"");
         m_editorWindow.selectEntity(name);
         return 1;

@@ -64,8 +64,8 @@ void Driver::waitGone(const Words& words) {
 
 void Driver::waitBox(const Words& words) {
     HWND found = nullptr;
-    expect([&] { return (found = findMessageBox(words[0])) != nullptr; }, "a message box \"" + words[0] + "\"",
-           boxTexts);
+    expect([&] { return (found = findMessageBox(words[0])) != nullptr; },
+           "a message box \"" + words[0] + "\"", boxTexts);
     m_window = found;
 }
 
@@ -83,7 +83,9 @@ void Driver::expectNoWindow(const Words& words) {
         throw DriveFault("expected no window \"" + words[0] + "\"; saw " + describe(found));
 }
 
-void Driver::closeWindow(const Words&) { PostMessageA(window(), WM_CLOSE, 0, 0); }
+void Driver::closeWindow(const Words&) {
+    PostMessageA(window(), WM_CLOSE, 0, 0);
+}
 
 void Driver::sizeWindow(const Words& words) {
     SetWindowPos(window(), nullptr, 0, 0, static_cast<int>(driveNumber(words[0])),
@@ -91,8 +93,8 @@ void Driver::sizeWindow(const Words& words) {
 }
 
 void Driver::moveWindow(const Words& words) {
-    SetWindowPos(window(), nullptr, static_cast<int>(driveNumber(words[0])), static_cast<int>(driveNumber(words[1])),
-                 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(window(), nullptr, static_cast<int>(driveNumber(words[0])),
+                 static_cast<int>(driveNumber(words[1])), 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Driver::menu(const Words& words) {
@@ -160,7 +162,8 @@ void Driver::expectMenu(const Words& words) {
     };
     for (std::size_t i = 1; i < words.size(); ++i) {
         if (words[i] != "checked" && words[i] != "unchecked" && words[i] != "grayed" && words[i] != "enabled")
-            throw DriveFault("a menu item is checked, unchecked, grayed or enabled, not \"" + words[i] + "\"");
+            throw DriveFault("a menu item is checked, unchecked, grayed or enabled, not \"" + words[i] +
+                             "\"");
     }
     expect(matches, "the menu item " + listed(words), [&] { return seen; });
 }
@@ -194,6 +197,8 @@ void Driver::screenshot(const Words& words) {
     picture(words[0], area);
 }
 
-void Driver::printWindows(const Words&) { std::fputs(describeAll().c_str(), stdout); }
+void Driver::printWindows(const Words&) {
+    std::fputs(describeAll().c_str(), stdout);
+}
 
 }  // namespace zoka

@@ -1,5 +1,5 @@
-// The stand-in editor without its window: the open project and level, the plug-in, its procedures and whether they
-// run. The window shows it; the drive scripts steer it.
+// The stand-in editor without its window: the open project and level, the plug-in, its procedures and whether
+// they run. The window shows it; the drive scripts steer it.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@
 
 namespace zoka {
 
-// What a procedure of the plug-in is given besides its record. Kept as long as the editor, so that a panel which
-// outlives its procedure never writes into freed memory.
+// What a procedure of the plug-in is given besides its record. Kept as long as the editor, so that a panel
+// which outlives its procedure never writes into freed memory.
 struct ProcedureState {
     explicit ProcedureState(OpenLevel& level) : entity(level) {}
 
@@ -36,8 +36,8 @@ class Editor {
 public:
     explicit Editor(CallLog& log);
 
-    // Opens a folder: its main.zlm, or the first level in it. False, with the reason in `error`, leaves the old
-    // project open.
+    // Opens a folder: its main.zlm, or the first level in it. False, with the reason in `error`, leaves the
+    // old project open.
     bool openProject(const std::string& folder, std::string& error);
     bool openLevel(const std::string& path, std::string& error);
     const std::string& projectFolder() const { return m_projectFolder; }
@@ -53,8 +53,8 @@ public:
     const std::vector<ProcedureState*>& procedures() const { return m_procedures; }
     ProcedureState* procedure(const std::string& name) const;
 
-    // Calls the procedure's execute for the selected entity (none selected: no context). Does not look at the busy
-    // word.
+    // Calls the procedure's execute for the selected entity (none selected: no context). Does not look at the
+    // busy word.
     std::int32_t execute(ProcedureState& procedure);
     // 1 without a call when the procedure has no terminate.
     std::int32_t terminate(ProcedureState& procedure);

@@ -10,7 +10,9 @@ namespace zoka {
 
 namespace {
 
-bool exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+bool exists(const std::string& path) {
+    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
 
 // The main script beside a level: its name with the extension of scripts.
 std::string mainScriptOf(const std::string& level) {
@@ -65,27 +67,30 @@ bool EditorHost::OpenMap(const std::string& path) {
     return GetCurrentThreadId() == m_editorThread && onOpenMap && onOpenMap(path);
 }
 
-FolderHost EditorHost::folders() const { return FolderHost({m_level.folder(), m_suiteFolder, m_templates}); }
+FolderHost EditorHost::folders() const {
+    return FolderHost({m_level.folder(), m_suiteFolder, m_templates});
+}
 
 bool EditorHost::CopyFileToFolder(const std::string& source, const std::string& folder) {
     return folders().CopyFileToFolder(source, folder);
 }
 
-bool EditorHost::CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
-                                           std::span<const std::pair<std::string, std::string>> substitutions) {
+bool EditorHost::CopyFileWithSubstitutions(
+    const std::string& source, const std::string& destination,
+    std::span<const std::pair<std::string, std::string>> substitutions) {
     return folders().CopyFileWithSubstitutions(source, destination, substitutions);
 }
 
 std::string EditorHost::QueryFolder(ZunCommandCode code) {
     switch (code) {
-    case CmdGetSuiteFolder:
-        return m_suiteFolder.empty() ? m_level.folder() : m_suiteFolder;
-    case CmdGetTemplateSubfolder:
-        return m_templates;
-    case CmdQueryPath13:
-        return m_level.folder();
-    default:
-        return {};
+        case CmdGetSuiteFolder:
+            return m_suiteFolder.empty() ? m_level.folder() : m_suiteFolder;
+        case CmdGetTemplateSubfolder:
+            return m_templates;
+        case CmdQueryPath13:
+            return m_level.folder();
+        default:
+            return {};
     }
 }
 

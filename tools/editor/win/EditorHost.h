@@ -1,5 +1,5 @@
-// What stands behind the plug-in's calls in the stand-in editor: the open level with its entities, its folder, and a
-// suite folder with the template scripts.
+// What stands behind the plug-in's calls in the stand-in editor: the open level with its entities, its
+// folder, and a suite folder with the template scripts.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +17,8 @@ class EditorHost : public ZunEditorInterface {
 public:
     explicit EditorHost(OpenLevel& level) : m_level(level) {}
 
-    // The suite's folder and the name of the template folder in it. [editor thread], before a plug-in is loaded.
+    // The suite's folder and the name of the template folder in it. [editor thread], before a plug-in is
+    // loaded.
     void setSuite(const std::string& folder, const std::string& templates);
     // Opens a level; false when it can't. Called on the editor's thread only.
     std::function<bool(const std::string& path)> onOpenMap;

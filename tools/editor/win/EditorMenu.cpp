@@ -48,8 +48,12 @@ std::string menuText(std::string text) {
     return text;
 }
 
-void append(HMENU menu, UINT command, const char* text) { AppendMenuA(menu, MF_STRING, command, text); }
-void separate(HMENU menu) { AppendMenuA(menu, MF_SEPARATOR, 0, nullptr); }
+void append(HMENU menu, UINT command, const char* text) {
+    AppendMenuA(menu, MF_STRING, command, text);
+}
+void separate(HMENU menu) {
+    AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
+}
 HMENU appendMenu(HMENU bar, const char* text) {
     const HMENU menu = CreatePopupMenu();
     AppendMenuA(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), text);
@@ -69,7 +73,9 @@ void collectPaths(HMENU menu, const std::string& above, std::vector<std::string>
 void check(HMENU menu, UINT command, bool on) {
     CheckMenuItem(menu, command, on ? MF_CHECKED : MF_UNCHECKED);
 }
-void enable(HMENU menu, UINT command, bool on) { EnableMenuItem(menu, command, on ? MF_ENABLED : MF_GRAYED); }
+void enable(HMENU menu, UINT command, bool on) {
+    EnableMenuItem(menu, command, on ? MF_ENABLED : MF_GRAYED);
+}
 
 }  // namespace
 

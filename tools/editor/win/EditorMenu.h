@@ -1,5 +1,5 @@
-// The editor's menu bar, with the plug-in's procedures where their records want them: a record with a menu path
-// stands at that path (menus on the way are made), the others in the menu "Plug-ins".
+// The editor's menu bar, with the plug-in's procedures where their records want them: a record with a menu
+// path stands at that path (menus on the way are made), the others in the menu "Plug-ins".
 #pragma once
 
 #include <windows.h>
@@ -43,7 +43,8 @@ private:
     HMENU m_bar = nullptr;
 };
 
-// Finds an item by its visible texts, backslashes between the levels ("File\Open project..."); the marks for keys
+// Finds an item by its visible texts, backslashes between the levels ("File\Open project..."); the marks for
+// keys
 // ("&" and whatever follows a tab) do not count. False when there is none. A submenu's command is 0.
 bool findMenuItem(HMENU bar, const std::string& path, UINT& command, UINT& state);
 // The paths of all items, in order; for messages.

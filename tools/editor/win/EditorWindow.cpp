@@ -28,7 +28,8 @@ std::string numbersText(const LevelEntity& entity) {
     for (int i = 0; i < kEntitySkills; ++i) {
         const float value = entity.skills[static_cast<std::size_t>(i)];
         if (value == 0) continue;
-        std::snprintf(part, sizeof part, "%s%d = %g", text.empty() ? "" : ",  ", i + 1, static_cast<double>(value));
+        std::snprintf(part, sizeof part, "%s%d = %g", text.empty() ? "" : ",  ", i + 1,
+                      static_cast<double>(value));
         text += part;
     }
     return text;
@@ -72,7 +73,8 @@ EditorWindow::~EditorWindow() {
 }
 
 bool EditorWindow::create(bool show) {
-    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
+    const INITCOMMONCONTROLSEX controls{sizeof controls,
+                                        ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
     NONCLIENTMETRICSA metrics{};
     metrics.cbSize = sizeof metrics;
@@ -94,8 +96,8 @@ bool EditorWindow::create(bool show) {
                     {FVIRTKEY, VK_F5, kCommandReload}};
     m_keys = CreateAcceleratorTableA(keys, static_cast<int>(std::size(keys)));
 
-    CreateWindowExA(0, kClassName, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 60, 40, 900, 640, nullptr, nullptr,
-                    GetModuleHandleA(nullptr), this);
+    CreateWindowExA(0, kClassName, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 60, 40, 900, 640, nullptr,
+                    nullptr, GetModuleHandleA(nullptr), this);
     if (!m_window) return false;
     m_editor.onChange = [this] { editorChanged(); };
     m_editor.log().notify(m_window, kMessageLog);
@@ -140,73 +142,75 @@ void EditorWindow::runJobs() {
 
 LRESULT CALLBACK EditorWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NCCREATE) {
-        auto* const self = static_cast<EditorWindow*>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams);
+        auto* const self =
+            static_cast<EditorWindow*>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams);
         self->m_window = window;
         SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
     }
     auto* const self = reinterpret_cast<EditorWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-    return self ? self->handleMessage(message, wParam, lParam) : DefWindowProcA(window, message, wParam, lParam);
+    return self ? self->handleMessage(message, wParam, lParam)
+                : DefWindowProcA(window, message, wParam, lParam);
 }
 
 LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-    case WM_CREATE:
-        onCreate();
-        return 0;
-    case WM_SIZE:
-        layOut();
-        return 0;
-    case WM_GETMINMAXINFO:
-        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {420, 300};
-        return 0;
-    case WM_COMMAND:
-        if (!lParam) onCommand(LOWORD(wParam));
-        return 0;
-    case WM_NOTIFY:
-        return onNotify(*reinterpret_cast<NMHDR*>(lParam));
-    case WM_INITMENUPOPUP:
-        m_menu.refresh(m_window, m_editor);
-        return 0;
-    case WM_TIMER:
-        showStatus();
-        if (m_editor.level().changes() != m_shownChanges) showEntities();
-        return 0;
-    case WM_SETFOCUS:
-        SetFocus(m_entities);
-        return 0;
-    case WM_LBUTTONDOWN:
-        m_dragging = true;
-        SetCapture(m_window);
-        return 0;
-    case WM_MOUSEMOVE:
-        if (m_dragging) dragSplitter(GET_Y_LPARAM(lParam));
-        return 0;
-    case WM_LBUTTONUP:
-        if (m_dragging) ReleaseCapture();
-        return 0;
-    case WM_CAPTURECHANGED:
-        m_dragging = false;
-        return 0;
-    case kMessageJobs:
-        runJobs();
-        return 0;
-    case kMessageLog:
-        showLog();
-        return 0;
-    case WM_CLOSE:
-        onClose();
-        return 0;
-    case WM_DESTROY:
-        m_editor.onChange = nullptr;
-        m_editor.log().notify(nullptr, 0);
-        PostQuitMessage(0);
-        return 0;
-    case WM_NCDESTROY:
-        SetWindowLongPtrA(m_window, GWLP_USERDATA, 0);
-        m_window = nullptr;
-        return 0;
-    default:
-        return DefWindowProcA(m_window, message, wParam, lParam);
+        case WM_CREATE:
+            onCreate();
+            return 0;
+        case WM_SIZE:
+            layOut();
+            return 0;
+        case WM_GETMINMAXINFO:
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {420, 300};
+            return 0;
+        case WM_COMMAND:
+            if (!lParam) onCommand(LOWORD(wParam));
+            return 0;
+        case WM_NOTIFY:
+            return onNotify(*reinterpret_cast<NMHDR*>(lParam));
+        case WM_INITMENUPOPUP:
+            m_menu.refresh(m_window, m_editor);
+            return 0;
+        case WM_TIMER:
+            showStatus();
+            if (m_editor.level().changes() != m_shownChanges) showEntities();
+            return 0;
+        case WM_SETFOCUS:
+            SetFocus(m_entities);
+            return 0;
+        case WM_LBUTTONDOWN:
+            m_dragging = true;
+            SetCapture(m_window);
+            return 0;
+        case WM_MOUSEMOVE:
+            if (m_dragging) dragSplitter(GET_Y_LPARAM(lParam));
+            return 0;
+        case WM_LBUTTONUP:
+            if (m_dragging) ReleaseCapture();
+            return 0;
+        case WM_CAPTURECHANGED:
+            m_dragging = false;
+            return 0;
+        case kMessageJobs:
+            runJobs();
+            return 0;
+        case kMessageLog:
+            showLog();
+            return 0;
+        case WM_CLOSE:
+            onClose();
+            return 0;
+        case WM_DESTROY:
+            m_editor.onChange = nullptr;
+            m_editor.log().notify(nullptr, 0);
+            PostQuitMessage(0);
+            return 0;
+        case WM_NCDESTROY:
+            SetWindowLongPtrA(m_window, GWLP_USERDATA, 0);
+            m_window = nullptr;
+            return 0;
+        default:
+            return DefWindowProcA(m_window, message, wParam, lParam);
     }
 }
 
@@ -222,8 +226,8 @@ void EditorWindow::addColumn(HWND list, int index, const char* title, int width,
 HWND EditorWindow::createList(int id, DWORD style) {
     const HWND list = CreateWindowExA(
         WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
-        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL | style, 0, 0, 0, 0,
-        m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr), nullptr);
+        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL | style, 0, 0, 0,
+        0, m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr), nullptr);
     ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
     return list;
@@ -240,9 +244,9 @@ void EditorWindow::onCreate() {
     addColumn(m_log, 0, "Thread", 90, false);
     addColumn(m_log, 1, "Call", 430, false);
     addColumn(m_log, 2, "Answer", 320, false);
-    m_status = CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, m_window,
-                               reinterpret_cast<HMENU>(static_cast<INT_PTR>(kIdStatus)), GetModuleHandleA(nullptr),
-                               nullptr);
+    m_status = CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
+                               m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(kIdStatus)),
+                               GetModuleHandleA(nullptr), nullptr);
     SendMessageA(m_status, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
     SetTimer(m_window, kTimer, kTimerPeriod, nullptr);
 }
@@ -254,7 +258,8 @@ void EditorWindow::layOut() {
     SendMessageA(m_status, WM_SIZE, 0, 0);
     GetWindowRect(m_status, &status);
     const int height = std::max(0L, client.bottom - (status.bottom - status.top));
-    const int log = std::clamp(height * m_logShare / 100, kLeast, std::max(kLeast, height - kLeast - kSplitter));
+    const int log =
+        std::clamp(height * m_logShare / 100, kLeast, std::max(kLeast, height - kLeast - kSplitter));
     const int list = std::max(0, height - log - kSplitter);
     fillLastColumn(m_entities, 4, client.right);
     fillLastColumn(m_log, 2, client.right);
@@ -277,7 +282,9 @@ LRESULT EditorWindow::onNotify(NMHDR& header) {
     if (header.hwndFrom == m_log && header.code == LVN_GETDISPINFOA) {
         LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
         const CallLogLine line = m_editor.log().line(static_cast<std::size_t>(item.iItem));
-        const std::string& text = item.iSubItem == 0 ? line.thread : item.iSubItem == 1 ? line.call : line.answer;
+        const std::string& text = item.iSubItem == 0   ? line.thread
+                                  : item.iSubItem == 1 ? line.call
+                                                       : line.answer;
         if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0)
             lstrcpynA(item.pszText, text.c_str(), item.cchTextMax);
     } else if (header.hwndFrom == m_entities && header.code == LVN_ITEMCHANGED) {
@@ -304,34 +311,34 @@ void EditorWindow::onCommand(UINT command) {
     if (command >= kCommandProcedure && command - kCommandProcedure < procedures.size())
         return choose(*procedures[command - kCommandProcedure]);
     switch (command) {
-    case kCommandOpen:
-        return openProject();
-    case kCommandReload:
-        if (std::string error; !m_editor.openProject(m_editor.projectFolder(), error)) complain(error);
-        return;
-    case kCommandSave:
-        return saveLevel();
-    case kCommandExit:
-        PostMessageA(m_window, WM_CLOSE, 0, 0);
-        return;
-    case kCommandLoadPlugin:
-        return loadPlugin();
-    case kCommandUnloadPlugin:
-        m_editor.unloadPlugin();
-        return;
-    case kCommandHostNormal:
-    case kCommandHostFail:
-    case kCommandHostEmpty:
-    case kCommandHostFull:
-        m_editor.hostTable().setFault(static_cast<HostFault>(command - kCommandHostNormal));
-        return showStatus();
-    case kCommandClearLog:
-        m_editor.log().clear();
-        return;
-    case kCommandAbout:
-        return about();
-    default:
-        return;
+        case kCommandOpen:
+            return openProject();
+        case kCommandReload:
+            if (std::string error; !m_editor.openProject(m_editor.projectFolder(), error)) complain(error);
+            return;
+        case kCommandSave:
+            return saveLevel();
+        case kCommandExit:
+            PostMessageA(m_window, WM_CLOSE, 0, 0);
+            return;
+        case kCommandLoadPlugin:
+            return loadPlugin();
+        case kCommandUnloadPlugin:
+            m_editor.unloadPlugin();
+            return;
+        case kCommandHostNormal:
+        case kCommandHostFail:
+        case kCommandHostEmpty:
+        case kCommandHostFull:
+            m_editor.hostTable().setFault(static_cast<HostFault>(command - kCommandHostNormal));
+            return showStatus();
+        case kCommandClearLog:
+            m_editor.log().clear();
+            return;
+        case kCommandAbout:
+            return about();
+        default:
+            return;
     }
 }
 
@@ -340,9 +347,11 @@ void EditorWindow::choose(ProcedureState& procedure) {
         m_editor.execute(procedure);
         return showStatus();
     }
-    if (!procedure.record->terminate) return complain(procedure.name() + " is running and can't be terminated.");
+    if (!procedure.record->terminate)
+        return complain(procedure.name() + " is running and can't be terminated.");
     const std::string question = procedure.name() + " is running.\n\nTerminate it?";
-    if (MessageBoxA(m_window, question.c_str(), kTitle, MB_YESNO | MB_ICONQUESTION) == IDYES && procedure.record)
+    if (MessageBoxA(m_window, question.c_str(), kTitle, MB_YESNO | MB_ICONQUESTION) == IDYES &&
+        procedure.record)
         m_editor.terminate(procedure);
     showStatus();
 }
@@ -371,12 +380,14 @@ void EditorWindow::showEntities() {
         item.iItem = row;
         item.pszText = const_cast<char*>(entity.name.c_str());
         SendMessageA(m_entities, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-        setCell(m_entities, row, 1, entity.action + (entity.script.empty() ? "" : "  (" + entity.script + ")"));
+        setCell(m_entities, row, 1,
+                entity.action + (entity.script.empty() ? "" : "  (" + entity.script + ")"));
         setCell(m_entities, row, 2, positionText(entity));
         setCell(m_entities, row, 3, numbersText(entity));
         setCell(m_entities, row, 4, flagsText(entity));
         if (entity.name == selected)
-            ListView_SetItemState(m_entities, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+            ListView_SetItemState(m_entities, row, LVIS_SELECTED | LVIS_FOCUSED,
+                                  LVIS_SELECTED | LVIS_FOCUSED);
         ++row;
     }
     m_editor.selectEntity(selected);
@@ -445,11 +456,12 @@ void EditorWindow::saveLevel() {
 }
 
 void EditorWindow::about() {
-    MessageBoxA(m_window,
-                "ZUN stand-in editor\nVersion " ZOKA_VERSION
-                "\n\nLoads a plug-in as the level editor does, serves it a plain project folder and shows every "
-                "call between the two.",
-                kTitle, MB_OK | MB_ICONINFORMATION);
+    MessageBoxA(
+        m_window,
+        "ZUN stand-in editor\nVersion " ZOKA_VERSION
+        "\n\nLoads a plug-in as the level editor does, serves it a plain project folder and shows every "
+        "call between the two.",
+        kTitle, MB_OK | MB_ICONINFORMATION);
 }
 
 void EditorWindow::complain(const std::string& text) {

@@ -27,8 +27,8 @@ public:
     // Runs the message loop until the window is closed; the process's exit status.
     int run();
 
-    // Has `job` run on the editor's thread as soon as that thread takes messages, be it inside a modal window of the
-    // plug-in's. Works on every thread.
+    // Has `job` run on the editor's thread as soon as that thread takes messages, be it inside a modal window
+    // of the plug-in's. Works on every thread.
     void post(std::function<void()> job);
 
     // What a choice of the user's in the menu does: runs a procedure, or, where it is busy, asks whether to

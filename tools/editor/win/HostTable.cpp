@@ -19,7 +19,9 @@ constexpr int kFaultyListItems = 1000;
 // "Byte" results leave the rest of the register as it happens to be.
 constexpr std::int32_t kByteResidue = 0x5A5A5A00;
 
-std::string number(std::int32_t value) { return std::to_string(value); }
+std::string number(std::int32_t value) {
+    return std::to_string(value);
+}
 
 std::string callText(const char* name, std::initializer_list<std::string> arguments) {
     std::string text = std::string(name) + "(";
@@ -67,9 +69,10 @@ struct HostTable::Slots {
                                                          std::int32_t size) {
         const auto name = self->owner->m_behind.GetListItemName(index);
         const bool faulty = self->owner->m_fault != HostFault::None;
-        if (faulty && index >= kFaultyListItems) return self->owner->answerWord("GetListItemName past the end", false);
-        return self->owner->answerText(callText("GetListItemName", {number(index), number(size)}), buffer, size,
-                                       name.has_value(), name.value_or(""));
+        if (faulty && index >= kFaultyListItems)
+            return self->owner->answerWord("GetListItemName past the end", false);
+        return self->owner->answerText(callText("GetListItemName", {number(index), number(size)}), buffer,
+                                       size, name.has_value(), name.value_or(""));
     }
     static std::int32_t ZOKA_HOST_MEMBER endListUpdate(RawEditor* self) {
         if (self->owner->m_fault == HostFault::None) self->owner->m_behind.EndListUpdate();
@@ -89,8 +92,8 @@ struct HostTable::Slots {
         return self->owner->answerText(callText("GetProjectFolder", {number(size)}), buffer, size,
                                        !folder.empty(), folder);
     }
-    static std::int32_t ZOKA_HOST_MEMBER copyFileToFolder(RawEditor* self, const char* source, const char* folder,
-                                                          std::int32_t size) {
+    static std::int32_t ZOKA_HOST_MEMBER copyFileToFolder(RawEditor* self, const char* source,
+                                                          const char* folder, std::int32_t size) {
         bool done = false;
         if (self->owner->m_fault == HostFault::None && source && folder)
             done = self->owner->m_behind.CopyFileToFolder(source, folder);
@@ -112,10 +115,11 @@ struct HostTable::Slots {
             substitutions += " " + quoted(find.c_str()) + "=" + quoted(replacement.c_str());
         return kByteResidue |
                self->owner->answerWord(
-                   callText("CopyFileWithSubstitutions", {quoted(source), quoted(target), substitutions}), done);
+                   callText("CopyFileWithSubstitutions", {quoted(source), quoted(target), substitutions}),
+                   done);
     }
-    static std::int32_t ZOKA_HOST_MEMBER executeCommand(RawEditor* self, std::int32_t zero, std::int32_t command,
-                                                        void* data, std::int32_t size) {
+    static std::int32_t ZOKA_HOST_MEMBER executeCommand(RawEditor* self, std::int32_t zero,
+                                                        std::int32_t command, void* data, std::int32_t size) {
         HostTable& owner = *self->owner;
         if (command == CmdOpenMap && data && size >= 0) {
             const std::string path(static_cast<const char*>(data), static_cast<std::size_t>(size));
@@ -126,7 +130,8 @@ struct HostTable::Slots {
         }
         if (command != kRecordCommand || !data || size != kRecordSize)
             return owner.answerWord(
-                callText("ExecuteCommand not understood", {number(zero), number(command), number(size)}), false);
+                callText("ExecuteCommand not understood", {number(zero), number(command), number(size)}),
+                false);
         auto& record = *static_cast<ZunCommandRecord*>(data);
         std::string text;
         if (record.code == CmdGetSuiteFolder || record.code == CmdGetTemplateSubfolder ||
@@ -168,28 +173,31 @@ struct HostTable::Slots {
 #pragma GCC diagnostic pop
 
 HostTable::HostTable(ZunEditorInterface& behind, CallLog& log) : m_behind(behind), m_log(log) {
-    static const std::array<const void*, kTableSize> table = Slots::make(std::make_index_sequence<kTableSize>());
+    static const std::array<const void*, kTableSize> table =
+        Slots::make(std::make_index_sequence<kTableSize>());
     m_editor = {table.data(), this};
     setEditorPresent(true);
 }
 
-void HostTable::setEditorPresent(bool present) { m_application.editor = present ? &m_editor : nullptr; }
+void HostTable::setEditorPresent(bool present) {
+    m_application.editor = present ? &m_editor : nullptr;
+}
 
 std::int32_t HostTable::answerText(const std::string& call, char* buffer, std::int32_t size, bool have,
                                    const std::string& text) {
     const auto room = static_cast<std::size_t>(size > 0 ? size : 0);
     if (!buffer || room == 0 || m_fault == HostFault::Fail) return answerWord(call, false);
     switch (m_fault) {
-    case HostFault::Empty:
-        buffer[0] = 0;
-        m_log.add(call, "1 \"\" (fault: empty)");
-        return 1;
-    case HostFault::Full:
-        std::memset(buffer, 'x', room);
-        m_log.add(call, "1, all bytes filled (fault: full)");
-        return 1;
-    default:
-        break;
+        case HostFault::Empty:
+            buffer[0] = 0;
+            m_log.add(call, "1 \"\" (fault: empty)");
+            return 1;
+        case HostFault::Full:
+            std::memset(buffer, 'x', room);
+            m_log.add(call, "1, all bytes filled (fault: full)");
+            return 1;
+        default:
+            break;
     }
     if (!have || text.size() >= room) return answerWord(call, false);
     std::memcpy(buffer, text.c_str(), text.size() + 1);

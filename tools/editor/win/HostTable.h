@@ -1,6 +1,6 @@
-// The editor as a plug-in sees it in memory: the application object and, behind its eleventh word, an object whose
-// first word points to a table of member functions called by slot. Every call is logged and handed on to a
-// ZunEditorInterface. Slots that no plug-in is known to call answer 0.
+// The editor as a plug-in sees it in memory: the application object and, behind its eleventh word, an object
+// whose first word points to a table of member functions called by slot. Every call is logged and handed on
+// to a ZunEditorInterface. Slots that no plug-in is known to call answer 0.
 #pragma once
 
 #include <atomic>

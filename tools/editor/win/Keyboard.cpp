@@ -14,10 +14,11 @@ struct NamedKey {
 };
 
 constexpr NamedKey kKeys[] = {
-    {"TAB", VK_TAB},     {"ENTER", VK_RETURN}, {"ESC", VK_ESCAPE},   {"SPACE", VK_SPACE},   {"UP", VK_UP},
-    {"DOWN", VK_DOWN},   {"LEFT", VK_LEFT},    {"RIGHT", VK_RIGHT},  {"HOME", VK_HOME},     {"END", VK_END},
-    {"PAGEUP", VK_PRIOR}, {"PAGEDOWN", VK_NEXT}, {"DELETE", VK_DELETE}, {"BACKSPACE", VK_BACK},
-    {"INSERT", VK_INSERT}, {"CTRL", VK_CONTROL}, {"SHIFT", VK_SHIFT}, {"ALT", VK_MENU},
+    {"TAB", VK_TAB},       {"ENTER", VK_RETURN},   {"ESC", VK_ESCAPE},    {"SPACE", VK_SPACE},
+    {"UP", VK_UP},         {"DOWN", VK_DOWN},      {"LEFT", VK_LEFT},     {"RIGHT", VK_RIGHT},
+    {"HOME", VK_HOME},     {"END", VK_END},        {"PAGEUP", VK_PRIOR},  {"PAGEDOWN", VK_NEXT},
+    {"DELETE", VK_DELETE}, {"BACKSPACE", VK_BACK}, {"INSERT", VK_INSERT}, {"CTRL", VK_CONTROL},
+    {"SHIFT", VK_SHIFT},   {"ALT", VK_MENU},
 };
 
 // 0 for a name it does not know.
@@ -26,7 +27,8 @@ WORD keyCode(std::string name) {
     for (const NamedKey& key : kKeys) {
         if (name == key.name) return key.code;
     }
-    if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0]))) return static_cast<WORD>(name[0]);
+    if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
+        return static_cast<WORD>(name[0]);
     if (name.size() > 1 && name[0] == 'F') {
         const int number = std::atoi(name.c_str() + 1);
         if (number >= 1 && number <= 12) return static_cast<WORD>(VK_F1 + number - 1);
@@ -65,8 +67,8 @@ bool bringToFront(HWND window, unsigned patience) {
 
 void typeText(const std::string& text) {
     std::wstring wide(text.size() + 1, L'\0');
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                                             wide.data(), static_cast<int>(wide.size()))));
+    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(
+        CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(), static_cast<int>(wide.size()))));
     std::vector<INPUT> inputs;
     for (const wchar_t c : wide) {
         inputs.push_back(keyInput(0, static_cast<WORD>(c), KEYEVENTF_UNICODE));

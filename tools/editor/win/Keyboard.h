@@ -13,8 +13,8 @@ bool bringToFront(HWND window, unsigned patience);
 // Types a text, character by character.
 void typeText(const std::string& text);
 
-// Presses one key, with those held that stand before it: "TAB", "Shift+TAB", "Alt+F", "Ctrl+Home", "F5". False for a
-// name it does not know.
+// Presses one key, with those held that stand before it: "TAB", "Shift+TAB", "Alt+F", "Ctrl+Home", "F5".
+// False for a name it does not know.
 bool pressKey(const std::string& name);
 
 }  // namespace zoka

@@ -9,7 +9,9 @@ namespace zoka {
 
 namespace {
 
-bool inRange(std::int32_t number, int last) { return number >= 1 && number <= last; }
+bool inRange(std::int32_t number, int last) {
+    return number >= 1 && number <= last;
+}
 
 std::string floatText(float value) {
     char text[32];
@@ -104,10 +106,11 @@ EntityHandle::EntityHandle(OpenLevel& level) : HostEntityOperations{}, m_level(l
 }
 
 std::int32_t EntityHandle::readSkill(std::int32_t number, float* value) {
-    const bool done = inRange(number, kEntitySkills) && value && m_level.withEntity(m_entity, [&](LevelEntity& e) {
-        *value = e.skills[static_cast<std::size_t>(number - 1)];
-        return true;
-    });
+    const bool done =
+        inRange(number, kEntitySkills) && value && m_level.withEntity(m_entity, [&](LevelEntity& e) {
+            *value = e.skills[static_cast<std::size_t>(number - 1)];
+            return true;
+        });
     m_level.log().add("entity " + m_entity + ": getSkill(" + std::to_string(number) + ")",
                       done ? floatText(*value) : "0");
     return done;
@@ -126,10 +129,11 @@ std::int32_t EntityHandle::writeSkill(std::int32_t number, float value) {
 }
 
 std::int32_t EntityHandle::readFlag(std::int32_t number, std::int32_t* value) {
-    const bool done = inRange(number, kEntityFlags) && value && m_level.withEntity(m_entity, [&](LevelEntity& e) {
-        *value = static_cast<std::int32_t>(e.flags >> (number - 1) & 1U);
-        return true;
-    });
+    const bool done =
+        inRange(number, kEntityFlags) && value && m_level.withEntity(m_entity, [&](LevelEntity& e) {
+            *value = static_cast<std::int32_t>(e.flags >> (number - 1) & 1U);
+            return true;
+        });
     m_level.log().add("entity " + m_entity + ": getFlag(" + std::to_string(number) + ")",
                       done ? std::to_string(*value) : "0");
     return done;
@@ -148,7 +152,8 @@ std::int32_t EntityHandle::writeFlag(std::int32_t number, std::int32_t value) {
     return done;
 }
 
-std::int32_t EntityHandle::actionBlock(char* path, std::int32_t size, std::int32_t* start, std::int32_t* length) {
+std::int32_t EntityHandle::actionBlock(char* path, std::int32_t size, std::int32_t* start,
+                                       std::int32_t* length) {
     std::string script;
     std::string action;
     m_level.withEntity(m_entity, [&](LevelEntity& e) {
@@ -159,15 +164,17 @@ std::int32_t EntityHandle::actionBlock(char* path, std::int32_t size, std::int32
     const std::string file = m_level.folder() + "\\" + script;
     std::optional<ActionBlock> block;
     if (!script.empty() && path && start && length && size > static_cast<std::int32_t>(file.size())) {
-        if (const std::optional<std::string> text = readWholeFile(file)) block = findActionBlock(*text, action);
+        if (const std::optional<std::string> text = readWholeFile(file))
+            block = findActionBlock(*text, action);
     }
     if (block) {
         std::memcpy(path, file.c_str(), file.size() + 1);
         *start = static_cast<std::int32_t>(block->start);
         *length = static_cast<std::int32_t>(block->length);
     }
-    m_level.log().add("entity " + m_entity + ": getActionBlock(" + std::to_string(size) + ")",
-                      block ? quoted(path) + " " + std::to_string(*start) + "+" + std::to_string(*length) : "0");
+    m_level.log().add(
+        "entity " + m_entity + ": getActionBlock(" + std::to_string(size) + ")",
+        block ? quoted(path) + " " + std::to_string(*start) + "+" + std::to_string(*length) : "0");
     return block.has_value();
 }
 

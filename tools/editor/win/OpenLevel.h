@@ -48,8 +48,8 @@ private:
     unsigned m_changes = 0;
 };
 
-// The operations on one entity as they are handed to a plug-in. Must outlive the panel that was given it; made anew
-// for another entity with select().
+// The operations on one entity as they are handed to a plug-in. Must outlive the panel that was given it;
+// made anew for another entity with select().
 class EntityHandle : public HostEntityOperations {
 public:
     explicit EntityHandle(OpenLevel& level);

@@ -26,7 +26,9 @@ std::uintptr_t addressOf(Function function) {
     return address;
 }
 
-std::string nameOf(const PluginProcDef* record) { return record->name ? record->name : ""; }
+std::string nameOf(const PluginProcDef* record) {
+    return record->name ? record->name : "";
+}
 
 }  // namespace
 
@@ -39,8 +41,8 @@ std::string hexText(std::uintptr_t value) {
 std::string lastErrorText() {
     const DWORD code = GetLastError();
     char text[512];
-    DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                                  text, sizeof text, nullptr);
+    DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code,
+                                  0, text, sizeof text, nullptr);
     while (length && static_cast<unsigned char>(text[length - 1]) <= ' ') --length;
     return "error " + std::to_string(code) + (length ? ": " + std::string(text, length) : "");
 }

@@ -1,5 +1,5 @@
-// A plug-in as the editor holds it: a library loaded by its path, three entry points found by name, the records it
-// answers. Nothing of a plug-in is linked.
+// A plug-in as the editor holds it: a library loaded by its path, three entry points found by name, the
+// records it answers. Nothing of a plug-in is linked.
 #pragma once
 
 #include <windows.h>
@@ -21,8 +21,8 @@ public:
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-    // Loads the library and finds its entry points. False, with the reason in `error`, when either fails; then
-    // nothing stays loaded.
+    // Loads the library and finds its entry points. False, with the reason in `error`, when either fails;
+    // then nothing stays loaded.
     bool load(const std::string& path, std::string& error);
     // Frees the library at once, whatever it is doing.
     void free();
@@ -42,8 +42,8 @@ public:
     std::int32_t execute(PluginProcDef* record, HostContext* context, std::int32_t* busy);
     std::int32_t terminate(PluginProcDef* record);
 
-    // Places of the execute functions in the library, kept over free(): a host that remembers them can call them in a
-    // freshly loaded library that was never initialised.
+    // Places of the execute functions in the library, kept over free(): a host that remembers them can call
+    // them in a freshly loaded library that was never initialised.
     std::int32_t executeRemembered(const std::string& name, std::int32_t* busy);
 
 private:

@@ -15,8 +15,8 @@ namespace zoka {
 
 namespace {
 
-// The system's own list of all handles: a count, then one entry a handle. Asked for because GetProcessHandleCount
-// answers 0 on some systems.
+// The system's own list of all handles: a count, then one entry a handle. Asked for because
+// GetProcessHandleCount answers 0 on some systems.
 struct SystemHandle {
     ULONG process;
     BYTE type;
@@ -43,8 +43,8 @@ long countHandles() {
     if (status < 0) return -1;
     ULONG total;
     std::memcpy(&total, buffer.data(), sizeof total);
-    const auto* const first = reinterpret_cast<const SystemHandle*>(reinterpret_cast<const char*>(buffer.data()) +
-                                                                    alignof(SystemHandle));
+    const auto* const first = reinterpret_cast<const SystemHandle*>(
+        reinterpret_cast<const char*>(buffer.data()) + alignof(SystemHandle));
     return static_cast<long>(std::count_if(first, first + total, [](const SystemHandle& handle) {
         return handle.process == GetCurrentProcessId();
     }));
@@ -68,8 +68,8 @@ long countWindows() {
     return count;
 }
 
-// Object handles are places in a table, and a freed place is taken again before a new one: once enough objects are
-// made to fill every gap, the last place tells how many are in use.
+// Object handles are places in a table, and a freed place is taken again before a new one: once enough
+// objects are made to fill every gap, the last place tells how many are in use.
 template <typename Make, typename Destroy>
 long countByPlace(int gaps, Make make, Destroy destroy) {
     std::vector<decltype(make())> made;
@@ -94,7 +94,10 @@ long countUser() {
     if (direct) return static_cast<long>(direct);
     // Places are counted in twos here.
     constexpr int kGaps = 500;
-    return (countByPlace(kGaps, [] { return CreateMenu(); }, [](HMENU menu) { DestroyMenu(menu); }) - kGaps) / 2;
+    return (countByPlace(
+                kGaps, [] { return CreateMenu(); }, [](HMENU menu) { DestroyMenu(menu); }) -
+            kGaps) /
+           2;
 }
 
 }  // namespace

@@ -56,7 +56,9 @@ void writeBytes(void* out, void* bytes, int size) {
 
 }  // namespace
 
-RECT screenArea() { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
+RECT screenArea() {
+    return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+}
 
 RECT windowsArea() {
     RECT all{};

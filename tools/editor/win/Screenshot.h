@@ -11,8 +11,8 @@ namespace zoka {
 RECT windowsArea();
 RECT screenArea();
 
-// Writes that part of the screen as a PNG, once two looks at it in a row are the same (that is: once everything is
-// drawn), or after `patience` ms. False, with the reason in `error`, when that fails.
+// Writes that part of the screen as a PNG, once two looks at it in a row are the same (that is: once
+// everything is drawn), or after `patience` ms. False, with the reason in `error`, when that fails.
 bool takePicture(const RECT& area, const std::string& path, unsigned patience, std::string& error);
 
 }  // namespace zoka

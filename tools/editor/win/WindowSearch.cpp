@@ -7,14 +7,18 @@ namespace zoka {
 
 namespace {
 
-bool equalNoCase(const std::string& a, const std::string& b) { return lstrcmpiA(a.c_str(), b.c_str()) == 0; }
+bool equalNoCase(const std::string& a, const std::string& b) {
+    return lstrcmpiA(a.c_str(), b.c_str()) == 0;
+}
 
 BOOL CALLBACK collect(HWND window, LPARAM list) {
     reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
     return TRUE;
 }
 
-bool isMessageBox(HWND window) { return windowClass(window) == "#32770"; }
+bool isMessageBox(HWND window) {
+    return windowClass(window) == "#32770";
+}
 
 void appendControls(HWND window, std::string& out) {
     for (const HWND child : childWindows(window)) {
@@ -26,7 +30,8 @@ void appendControls(HWND window, std::string& out) {
 
 LRESULT ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     DWORD_PTR result = 0;
-    if (!SendMessageTimeoutA(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kAnswerTime, &result)) return 0;
+    if (!SendMessageTimeoutA(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kAnswerTime, &result))
+        return 0;
     return static_cast<LRESULT>(result);
 }
 
@@ -76,7 +81,8 @@ HWND findTopWindow(const std::string& title, const std::string& className) {
     const bool open = !title.empty() && title.back() == '*';
     for (const HWND window : topWindows()) {
         const std::string text = windowText(window);
-        const bool same = open ? text.compare(0, title.size() - 1, title, 0, title.size() - 1) == 0 : text == title;
+        const bool same =
+            open ? text.compare(0, title.size() - 1, title, 0, title.size() - 1) == 0 : text == title;
         if (same && (className.empty() || equalNoCase(windowClass(window), className))) return window;
     }
     return nullptr;
@@ -114,17 +120,17 @@ HWND findControl(HWND window, const std::string& name) {
         if (!IsWindowVisible(child)) continue;
         if (afterLabel && !equalNoCase(windowClass(child), "Static")) return child;
         switch (kind) {
-        case '#':
-            if (GetDlgCtrlID(child) == std::atoi(rest.c_str())) return child;
-            break;
-        case '@':
-            if (equalNoCase(windowClass(child), rest.substr(0, colon)) && --wanted == 0) return child;
-            break;
-        case '>':
-            if (visibleText(child) == rest) afterLabel = true;
-            break;
-        default:
-            if (visibleText(child) == name) return child;
+            case '#':
+                if (GetDlgCtrlID(child) == std::atoi(rest.c_str())) return child;
+                break;
+            case '@':
+                if (equalNoCase(windowClass(child), rest.substr(0, colon)) && --wanted == 0) return child;
+                break;
+            case '>':
+                if (visibleText(child) == rest) afterLabel = true;
+                break;
+            default:
+                if (visibleText(child) == name) return child;
         }
     }
     return nullptr;
@@ -150,7 +156,8 @@ std::string describe(HWND window) {
     if (!window) return "nothing";
     std::string text = visibleText(window);
     if (text.size() > 200) text = text.substr(0, 200) + "...";
-    std::replace_if(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     std::string line = windowClass(window) + " \"" + text + "\"";
     if (GetWindowLongA(window, GWL_STYLE) & WS_CHILD) line += " #" + std::to_string(GetDlgCtrlID(window));
     if (!IsWindowEnabled(window)) line += " (disabled)";
@@ -160,7 +167,7 @@ std::string describe(HWND window) {
 std::string describeAll() {
     std::string out;
     for (const HWND window : topWindows()) {
-        out += "    " + describe(window) + "\n";
+        out += "    " + describe(window) + (window == GetForegroundWindow() ? ", in front" : "") + "\n";
         appendControls(window, out);
     }
     return out.empty() ? "    no window is open\n" : out;

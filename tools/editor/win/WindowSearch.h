@@ -1,5 +1,5 @@
-// Finding this process's windows and controls by what a user sees of them. Everything works on every thread, also
-// while the windows' own threads are busy: nothing waits longer than kAnswerTime for an answer.
+// Finding this process's windows and controls by what a user sees of them. Everything works on every thread,
+// also while the windows' own threads are busy: nothing waits longer than kAnswerTime for an answer.
 #pragma once
 
 #include <windows.h>
@@ -24,7 +24,8 @@ std::vector<HWND> topWindows(bool visibleOnly = true);
 // All windows below `window`, front to back within each parent (which is the order of creation and of Tab).
 std::vector<HWND> childWindows(HWND window);
 
-// A visible top-level window by its title (a "*" at the end stands for any rest) and, unless empty, its class.
+// A visible top-level window by its title (a "*" at the end stands for any rest) and, unless empty, its
+// class.
 HWND findTopWindow(const std::string& title, const std::string& className = {});
 // A message box by its whole text.
 HWND findMessageBox(const std::string& text);

@@ -34,7 +34,8 @@ constexpr int kCannot = 3;
 // Reports what keeps the program from starting: to the one who drives it, or to the user.
 int complain(const Options& options, const std::string& text) {
     std::fprintf(stderr, "zunhost: %s\n", text.c_str());
-    if (options.script.empty()) MessageBoxA(nullptr, text.c_str(), "ZUN stand-in editor", MB_OK | MB_ICONERROR);
+    if (options.script.empty())
+        MessageBoxA(nullptr, text.c_str(), "ZUN stand-in editor", MB_OK | MB_ICONERROR);
     return kCannot;
 }
 
@@ -61,7 +62,8 @@ int runEditor(const Options& options) {
     if (!options.logFile.empty() && !log.openFile(options.logFile))
         return complain(options, options.logFile + " can't be written");
     HostFault fault = HostFault::None;
-    if (!readHostFault(options.fault, fault)) return complain(options, "--host is normal, fail, empty or full");
+    if (!readHostFault(options.fault, fault))
+        return complain(options, "--host is normal, fail, empty or full");
 
     DriveScript script;
     if (!options.script.empty()) {
@@ -82,7 +84,8 @@ int runEditor(const Options& options) {
     EditorWindow window(editor);
     if (!window.create(!options.hidden)) return complain(options, "the window can't be created");
     std::string error;
-    if (!options.project.empty() && !editor.openProject(options.project, error)) return complain(options, error);
+    if (!options.project.empty() && !editor.openProject(options.project, error))
+        return complain(options, error);
     if (!options.plugin.empty() && !editor.loadPlugin(options.plugin, error))
         return complain(options, options.plugin + ": " + error);
     if (options.script.empty()) return window.run();
@@ -100,8 +103,9 @@ int runEditor(const Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Stand-in for the ZUN editor: loads a plug-in, serves it a plain project folder, shows every call.",
-                 "zunhost");
+    CLI::App app(
+        "Stand-in for the ZUN editor: loads a plug-in, serves it a plain project folder, shows every call.",
+        "zunhost");
     app.add_option("project", options.project, "Folder of the project to open");
     app.add_option("--plugin", options.plugin, "Plug-in (.dll) to load");
     app.add_option("--suite", options.suite, "Folder that holds the template folder (default: the project's)")
@@ -110,10 +114,12 @@ int main(int argc, char** argv) {
     app.add_option("--log", options.logFile, "Write every call to this file");
     app.add_option("--host", options.fault, "How the host answers: normal, fail, empty, full");
     app.add_option("--drive", options.script, "Carry out the commands of this file, then end");
-    app.add_option("--set", options.values, "NAME=VALUE: what ${NAME} stands for in the script; may be repeated")
+    app.add_option("--set", options.values,
+                   "NAME=VALUE: what ${NAME} stands for in the script; may be repeated")
         ->allow_extra_args(false);
     app.add_option("--pictures", options.pictures, "Folder for the picture taken when a script fails");
-    app.add_option("--limit", options.limit, "End with status 1 when the script takes longer than these seconds");
+    app.add_option("--limit", options.limit,
+                   "End with status 1 when the script takes longer than these seconds");
     app.add_flag("--hidden", options.hidden, "Do not show the editor's own window");
     app.set_version_flag("--version", ZOKA_VERSION);
     try {

@@ -1,5 +1,6 @@
-// The smallest plug-in worth the name: one procedure that says where the project is, and one with a panel of its own
-// that stays open beside the editor and can be terminated. A starting point for plug-ins of one's own.
+// The smallest plug-in worth the name: one procedure that says where the project is, and one with a panel of
+// its own that stays open beside the editor and can be terminated. A starting point for plug-ins of one's
+// own.
 #include <windows.h>
 
 #include <atomic>
@@ -46,19 +47,21 @@ std::int32_t showFolder(PluginProcDef*, HostContext*, std::int32_t* busy) {
 }
 
 INT_PTR CALLBACK panelProc(HWND panel, UINT message, WPARAM wParam, LPARAM) {
-    if (message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)) return DestroyWindow(panel);
+    if (message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL))
+        return DestroyWindow(panel);
     return FALSE;
 }
 
 // The panel: an ordinary dialog window with its own message loop. It ends with its window.
 DWORD WINAPI runPanel(void* busyWord) {
-    const HWND panel = CreateWindowExA(0, "#32770", "Example Panel", WS_POPUP | WS_CAPTION | WS_SYSMENU, 200, 200, 320,
-                                       130, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND panel = CreateWindowExA(0, "#32770", "Example Panel", WS_POPUP | WS_CAPTION | WS_SYSMENU, 200,
+                                       200, 320, 130, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
     char folder[zoka::kHostPathSize];
     projectFolder(folder);
-    CreateWindowExA(0, "STATIC", folder, WS_CHILD | WS_VISIBLE, 12, 12, 290, 20, panel, nullptr, nullptr, nullptr);
-    CreateWindowExA(0, "BUTTON", "Close", WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, 222, 60, 80, 26, panel,
-                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDCANCEL)), nullptr, nullptr);
+    CreateWindowExA(0, "STATIC", folder, WS_CHILD | WS_VISIBLE, 12, 12, 290, 20, panel, nullptr, nullptr,
+                    nullptr);
+    CreateWindowExA(0, "BUTTON", "Close", WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, 222, 60, 80,
+                    26, panel, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDCANCEL)), nullptr, nullptr);
     SetWindowLongPtrA(panel, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(panelProc));
     for (HWND control = GetWindow(panel, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
         SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
@@ -97,7 +100,8 @@ std::int32_t openPanel(PluginProcDef*, HostContext*, std::int32_t* busy) {
 }
 
 PluginProcDef g_records[] = {
-    {0, 1, 0x100, "Show Folder", "Tools\\Example\\Show Folder", 0, 0, 0, &g_records[0], showFolder, nullptr, 0, 0},
+    {0, 1, 0x100, "Show Folder", "Tools\\Example\\Show Folder", 0, 0, 0, &g_records[0], showFolder, nullptr,
+     0, 0},
     {0, 2, 0x101, "Example Panel", nullptr, 0, 0, 0, &g_records[1], openPanel, endPanel, 0, 0},
 };
 constexpr std::int32_t kRecordCount = 2;
