@@ -41,7 +41,14 @@ public:
         Place& recent = recent_[slotOf(owner, cursor.kind)];
         if (recent.owner && (recent.owner != owner || !fits(recent.cursor, cursor.kind, name))) keep(recent);
         recent = {owner, cursor};
+        // A long list is most likely being walked: what lies behind is wanted next.
+        __builtin_prefetch(cursor.item->next);
     }
+
+    // The child that a walk by position found last, whatever its name; most walks go on from there.
+    const XMLElement* walked = nullptr;  // its owner
+    const XMLItem* walkedItem = nullptr;
+    int walkedIndex = 0;
 
 private:
     struct Place {

@@ -62,7 +62,11 @@ struct XMLName {
     // `otherName` is null for the document node, which no name matches.
     bool matches(std::uint64_t otherKey, const char* otherName) const {
         if (otherKey != key || !otherName) return false;
-        return key >> 56 == 0 || xmlSameTail(otherName, name);
+        if (key >> 56 == 0) return true;
+        // Mostly the case is the same too.
+        for (const char *a = otherName + 8, *b = name + 8; *a == *b; ++a, ++b)
+            if (*a == 0) return true;
+        return xmlSameTail(otherName, name);
     }
     std::uint64_t key;
     const char* name;

@@ -149,26 +149,32 @@ XMLNode XMLNode::getChild(const char* tag, int index) const {
 
 XMLNode XMLNode::getChild(const char* tag, int* position) const {
     if (!element_ || !position || *position < 0) return {};
-    const XMLName wanted(tag ? tag : "");
-    const XMLName* name = tag ? &wanted : nullptr;
-    const XMLCursorKind kind = tag ? XMLCursorKind::Position : XMLCursorKind::Any;
+    if (!tag) return childFrom(position, nullptr);
+    const XMLName name(tag);
+    return childFrom(position, &name);
+}
+
+inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
+    const XMLCursorKind kind = name ? XMLCursorKind::Position : XMLCursorKind::Any;
     XMLCursors& cursors = XMLDocument::of(element_)->cursors;
     const XMLItem* item = element_->firstItem();
     int at = 0;  // of `item`, counting children
     // The place remembered is that of the child found last, one in front of *position.
-    if (*position > 0)
-        if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
-            item = place->item;
-            at = place->index;
-            if (at < *position) {
-                item = element_->itemAfter(item);
-                ++at;
-            }
-        }
+    if (cursors.walked == element_ && cursors.walkedIndex + 1 == *position) {
+        item = element_->itemAfter(cursors.walkedItem);
+        at = *position;
+    } else if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
+        item = place->item;
+        at = place->index;
+    }
+    for (; item && at < *position; item = element_->itemAfter(item)) at += item->kind == XMLItemKind::Element;
     for (; item; item = element_->itemAfter(item)) {
         if (item->kind != XMLItemKind::Element) continue;
-        if (at >= *position && isChild(item, name)) {
+        if (isChild(item, name)) {
             cursors.remember(element_, {item, at, kind}, name);
+            cursors.walked = element_;
+            cursors.walkedItem = item;
+            cursors.walkedIndex = at;
             *position = at + 1;
             return XMLNode(elementOf(item));
         }

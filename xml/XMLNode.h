@@ -28,6 +28,7 @@
 
 namespace zoka {
 struct XMLElement;
+struct XMLName;
 
 // Elements lie in blocks aligned to their size, which begin with the address of their document's count of
 // handles.
@@ -187,6 +188,7 @@ private:
     void release() const {
         if (element_ && --zoka::xmlHandles(element_) == 0) freeTree(element_);
     }
+    XMLNode childFrom(int* position, const zoka::XMLName* name) const;
     static void freeTree(const zoka::XMLElement* element);
 
     zoka::XMLElement* element_ = nullptr;
