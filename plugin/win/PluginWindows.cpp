@@ -9,6 +9,7 @@
 #include "plugin/win/Resources.h"
 #include "plugin/win/StatusWindow.h"
 #include "plugin/win/ViewThread.h"
+#include "templates/win/ManagerDialog.h"
 
 namespace zoka {
 
@@ -66,12 +67,10 @@ void PluginWindows::runProjectManager(ZunEditorInterface& editor, const std::str
     }).runModal(g_module, IDD_STATUS);
 }
 
-void PluginWindows::runScriptManager(ZunEditorInterface&, const std::string& mainScript,
-                                     const std::string& projectFolder, const std::string& catalogue) {
-    StatusWindow("Project Manager", [&] {
-        return StatusLines{"Main script: " + mainScript, "Project folder: " + projectFolder,
-                           "Template catalogue: " + catalogue};
-    }).runModal(g_module, IDD_STATUS);
+void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::string&, const std::string&,
+                                     const std::string& catalogue) {
+    NoUpdater updater;
+    runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, {}});
 }
 
 std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface& editor) {

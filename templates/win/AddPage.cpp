@@ -13,8 +13,8 @@ constexpr size_t kFillAtOnce = 500;  // titles
 constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't read files at each row
 
 enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
-constexpr ListColumn kColumns[] = {{"Script", 90},  {"Class", 62},  {"Version", 36},
-                                   {"Date", 40},    {"Engine", 50}, {"In project", 44}};
+constexpr ListColumn kColumns[] = {{"Script", 90}, {"Class", 62},  {"Version", 36},
+                                   {"Date", 40},   {"Engine", 50}, {"In project", 44}};
 // Dialog units.
 constexpr int kClassLabelWidth = 26, kClassWidth = 96, kSearchLabelWidth = 32, kTitleLabelWidth = 52;
 constexpr int kPlanHeight = 30;
@@ -27,7 +27,8 @@ void AddPage::createControls() {
     m_classLabel = label("&Class:");
     m_class = makeControl(window(), "COMBOBOX", "", dropList, 0, kClass, font);
     m_searchLabel = label("S&earch:");
-    m_search = makeControl(window(), "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE, kSearch, font);
+    m_search =
+        makeControl(window(), "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE, kSearch, font);
     SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
     m_found = label("");
     m_list.create(window(), kList, fonts(), font, kColumns,
@@ -216,7 +217,8 @@ LRESULT AddPage::notified(NMHDR& header) {
     if (!m_settling && RowList::selectionMayHaveChanged(header)) {
         const int row = m_list.selected();
         m_record.reset();
-        if (row >= 0 && static_cast<size_t>(row) < m_rows->size()) m_record = (*m_rows)[static_cast<size_t>(row)];
+        if (row >= 0 && static_cast<size_t>(row) < m_rows->size())
+            m_record = (*m_rows)[static_cast<size_t>(row)];
         showSelection();
     } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
         mainAction();
@@ -236,7 +238,8 @@ void AddPage::timer(UINT_PTR id) {
 // The list is at hand while the keyboard is in the search field.
 LRESULT CALLBACK AddPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                      DWORD_PTR self) {
-    if (message == WM_KEYDOWN && (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT))
+    if (message == WM_KEYDOWN &&
+        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT))
         return SendMessageA(reinterpret_cast<AddPage*>(self)->m_list.window(), message, wParam, lParam);
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, searchProc, id);
     return DefSubclassProc(window, message, wParam, lParam);

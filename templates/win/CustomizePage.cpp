@@ -13,15 +13,16 @@ constexpr ListColumn kColumns[] = {{"Script", 110}, {"File", 90}, {"Class", 150}
 
 void CustomizePage::createControls() {
     m_label = label("");
-    m_list.create(window(), kList, fonts(), fonts().text(), kColumns, [this](int row, int column) -> std::string {
-        const auto& included = session().included();
-        if (row < 0 || static_cast<size_t>(row) >= included.size()) return {};
-        const IncludedScript& entry = included[static_cast<size_t>(row)];
-        return column == 0 ? entry.text
-               : column == 1 ? entry.fileName
-               : entry.script ? entry.script->m_class
-                              : "";
-    });
+    m_list.create(window(), kList, fonts(), fonts().text(), kColumns,
+                  [this](int row, int column) -> std::string {
+                      const auto& included = session().included();
+                      if (row < 0 || static_cast<size_t>(row) >= included.size()) return {};
+                      const IncludedScript& entry = included[static_cast<size_t>(row)];
+                      return column == 0    ? entry.text
+                             : column == 1  ? entry.fileName
+                             : entry.script ? entry.script->m_class
+                                            : "";
+                  });
     m_note = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kNote, fonts().text());
     m_customize = button("Cu&stomize...", kCustomize, true);
 }
@@ -31,7 +32,8 @@ void CustomizePage::layout(int width, int height) {
     const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
     place(m_label, 0, 0, width, labelHeight);
     m_list.place(0, labelHeight, width, height - labelHeight - gap - field);
-    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits), labelHeight);
+    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits),
+          labelHeight);
     place(m_customize, width - button, height - field, button, field);
 }
 
@@ -48,10 +50,11 @@ void CustomizePage::showSelection() {
     const int row = m_list.selected();
     const bool found = row >= 0 && session().pathOf(static_cast<size_t>(row));
     enable(m_customize, m_frame.canCustomize() && found);
-    setText(m_note, row < 0                      ? "The main script includes no scripts."
-                    : !found                     ? "The script file is in neither the project nor the template folder."
-                    : !m_frame.canCustomize()    ? "This version of the plug-in has no panel that changes a script's values."
-                                                 : "Opens the panel that changes the script's values.");
+    setText(m_note, row < 0  ? "The main script includes no scripts."
+                    : !found ? "The script file is in neither the project nor the template folder."
+                    : !m_frame.canCustomize()
+                        ? "This version of the plug-in has no panel that changes a script's values."
+                        : "Opens the panel that changes the script's values.");
 }
 
 void CustomizePage::mainAction() {

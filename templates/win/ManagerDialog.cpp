@@ -52,8 +52,10 @@ public:
     explicit ManagerDialog(const ManagerSetup& setup)
         : m_setup(setup),
           m_owner(GetActiveWindow()),
-          m_session(setup.editor, m_catalogue,
-                    [this](CTemplateData& catalogue, JobProgress*) { return load(catalogue); }, setup.updater, *this) {}
+          m_session(
+              setup.editor, m_catalogue,
+              [this](CTemplateData& catalogue, JobProgress*) { return load(catalogue); }, setup.updater,
+              *this) {}
 
     void run();
 
@@ -91,6 +93,7 @@ private:
     }
     [[noreturn]] void fatalStop(const std::string& text, const std::string& title, int exitStatus) override {
         userPrompt().fatalStop(text, title, exitStatus);
+        ExitProcess(static_cast<UINT>(exitStatus));
     }
 
     const ManagerSetup& m_setup;
@@ -99,7 +102,7 @@ private:
     CTemplateData m_catalogue;
     ScriptManagerSession m_session;
     std::unique_ptr<PageWindow> m_pages[kPageCount];  // null until first shown
-    bool m_stale[kPageCount] = {};                     // shows an older state of the session
+    bool m_stale[kPageCount] = {};                    // shows an older state of the session
     HWND m_window = nullptr, m_tabs = nullptr, m_status = nullptr, m_close = nullptr;
     ProgressWindow* m_progress = nullptr;  // of the job under way
     int m_current = 0;
@@ -109,12 +112,12 @@ private:
 bool ManagerDialog::load(CTemplateData& catalogue) {
     ProgressWindow progress(m_owner, m_fonts, kManagerTitle);
     bool loaded = false;
-    progress.runOnThread([&](JobProgress& steps) {
-        loaded = loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps);
-    });
+    progress.runOnThread(
+        [&](JobProgress& steps) { loaded = loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps); });
     if (loaded) return true;
     if (progress.cancelled()) throw LoadingCancelled();
-    return catalogue.LoadFromXML(m_setup.catalogue);  // says what is wrong with the file, and ends the process
+    return catalogue.LoadFromXML(
+        m_setup.catalogue);  // says what is wrong with the file, and ends the process
 }
 
 void ManagerDialog::run() {
@@ -150,15 +153,16 @@ void ManagerDialog::createControls() {
     SetWindowTextA(m_window, kManagerTitle);
     const auto setIcon = [this](WPARAM kind, int width, int height) {
         SendMessageA(m_window, WM_SETICON, kind,
-                     reinterpret_cast<LPARAM>(LoadImageA(m_setup.module, MAKEINTRESOURCEA(m_setup.icon), IMAGE_ICON,
-                                                         GetSystemMetrics(width), GetSystemMetrics(height),
-                                                         LR_SHARED)));
+                     reinterpret_cast<LPARAM>(LoadImageA(m_setup.module, MAKEINTRESOURCEA(m_setup.icon),
+                                                         IMAGE_ICON, GetSystemMetrics(width),
+                                                         GetSystemMetrics(height), LR_SHARED)));
     };
     setIcon(ICON_BIG, SM_CXICON, SM_CYICON);
     setIcon(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
 
     // A strip of tabs; the pages stand under it, so that no window lies over another.
-    m_tabs = makeControl(m_window, WC_TABCONTROLA, "", TCS_FOCUSONBUTTONDOWN | WS_TABSTOP, 0, kTabs, m_fonts.text());
+    m_tabs = makeControl(m_window, WC_TABCONTROLA, "", TCS_FOCUSONBUTTONDOWN | WS_TABSTOP, 0, kTabs,
+                         m_fonts.text());
     for (int i = 0; i < kPageCount; ++i) {
         std::string title = kManagerPages[i];
         TCITEMA item{};
@@ -167,7 +171,8 @@ void ManagerDialog::createControls() {
         SendMessageA(m_tabs, TCM_INSERTITEMA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
     }
     m_status = makeControl(m_window, "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kStatus, m_fonts.text());
-    m_close = makeControl(m_window, "BUTTON", "Close", BS_PUSHBUTTON | WS_TABSTOP, 0, IDCANCEL, m_fonts.text());
+    m_close =
+        makeControl(m_window, "BUTTON", "Close", BS_PUSHBUTTON | WS_TABSTOP, 0, IDCANCEL, m_fonts.text());
 
     const SIZE usual = outerSize(m_window, m_fonts.x(kWidth), m_fonts.y(kHeight));
     const bool known = g_remembered.width > 0;
@@ -223,11 +228,12 @@ void ManagerDialog::layout() {
     place(m_tabs, x, m_fonts.y(kMarginUnits), width, m_fonts.y(kTabsHeight));
     const int button = m_fonts.x(kButtonWidthUnits), field = m_fonts.y(kButtonHeightUnits);
     const int foot = static_cast<int>(area.bottom) + m_fonts.y(kMarginUnits);
-    place(m_status, x, foot + (field - m_fonts.y(kLabelHeightUnits)) / 2, width - button - m_fonts.x(kGapUnits),
-          m_fonts.y(kLabelHeightUnits));
+    place(m_status, x, foot + (field - m_fonts.y(kLabelHeightUnits)) / 2,
+          width - button - m_fonts.x(kGapUnits), m_fonts.y(kLabelHeightUnits));
     place(m_close, static_cast<int>(area.right) - button, foot, button, field);
     if (page())
-        place(page()->window(), x, static_cast<int>(area.top), width, static_cast<int>(area.bottom - area.top));
+        place(page()->window(), x, static_cast<int>(area.top), width,
+              static_cast<int>(area.bottom - area.top));
 }
 
 void ManagerDialog::showPage(int index) {
@@ -311,8 +317,7 @@ INT_PTR CALLBACK ManagerDialog::dialogProc(HWND window, UINT message, WPARAM wPa
             if (wParam != SIZE_MINIMIZED) self->layout();
             return TRUE;
         case WM_GETMINMAXINFO: {
-            const SIZE least =
-                outerSize(window, self->m_fonts.x(kLeastWidth), self->m_fonts.y(kLeastHeight));
+            const SIZE least = outerSize(window, self->m_fonts.x(kLeastWidth), self->m_fonts.y(kLeastHeight));
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least.cx, least.cy};
             return TRUE;
         }

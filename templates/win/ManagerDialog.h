@@ -1,4 +1,5 @@
-// The "Project Manager" window: a frame with a page each for adding, customizing, removing, notes and updating.
+// The "Project Manager" window: a frame with a page each for adding, customizing, removing, notes and
+// updating.
 #pragma once
 
 #include <windows.h>
@@ -21,8 +22,8 @@ struct ManagerSetup {
     std::function<void(HWND owner, const std::string& scriptPath)> customize;
 };
 
-// [editor thread] Shows the window over the thread's active window and returns when the user has closed it. Size and
-// page are those of the last time. A catalogue that can't be read ends the process.
+// [editor thread] Shows the window over the thread's active window and returns when the user has closed it.
+// Size and page are those of the last time. A catalogue that can't be read ends the process.
 void runManagerDialog(const ManagerSetup& setup);
 
 }  // namespace zoka

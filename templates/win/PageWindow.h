@@ -22,7 +22,8 @@ public:
     // After an action: every page shows the session's new state, the foot its status.
     virtual void sessionChanged() = 0;
     virtual void setStatus(const std::string& text) = 0;
-    // Runs a job of the session that may take long; the window takes no input meanwhile, and the user can cancel.
+    // Runs a job of the session that may take long; the window takes no input meanwhile, and the user can
+    // cancel.
     virtual void runJob(const std::string& title, const std::function<void(JobProgress&)>& job) = 0;
     // Opens the customization panel for a script; false where there is none.
     virtual bool canCustomize() const = 0;

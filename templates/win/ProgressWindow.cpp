@@ -115,8 +115,8 @@ void ProgressWindow::hide() {
 void ProgressWindow::show(std::size_t done, std::size_t total, const std::string& what) {
     if (GetTickCount() - m_start < kShownAfter) return;
     if (!m_window) {
-        m_window = makeDialog(m_owner, WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_CLIPCHILDREN, 0,
-                              dialogProc, reinterpret_cast<LPARAM>(this));
+        m_window = makeDialog(m_owner, WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_CLIPCHILDREN,
+                              0, dialogProc, reinterpret_cast<LPARAM>(this));
         if (!m_window) return;
     }
     if (!m_cancelled) setText(m_text, what);
@@ -155,7 +155,8 @@ void ProgressWindow::createControls(HWND window) {
     SetWindowTextA(window, m_title.c_str());
     m_text = makeControl(window, "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kText, m_fonts.text());
     m_bar = makeControl(window, PROGRESS_CLASSA, "", 0, 0, kBar, m_fonts.text());
-    m_button = makeControl(window, "BUTTON", "Cancel", BS_DEFPUSHBUTTON | WS_TABSTOP, 0, IDCANCEL, m_fonts.text());
+    m_button =
+        makeControl(window, "BUTTON", "Cancel", BS_DEFPUSHBUTTON | WS_TABSTOP, 0, IDCANCEL, m_fonts.text());
     SendMessageA(m_bar, PBM_SETRANGE32, 0, kBarSteps);
 
     const int x = m_fonts.x(kMarginUnits), width = m_fonts.x(kWidth), gap = m_fonts.y(kGapUnits);

@@ -11,8 +11,8 @@
 
 namespace zoka {
 
-// Lives as long as one job. The owner takes no input meanwhile; a job that is done within a moment shows nothing.
-// All on the owner's thread, but for what runOnThread runs.
+// Lives as long as one job. The owner takes no input meanwhile; a job that is done within a moment shows
+// nothing. All on the owner's thread, but for what runOnThread runs.
 class ProgressWindow : public JobProgress {
 public:
     // `owner` may be null. `fonts` outlives the object.

@@ -13,14 +13,15 @@ constexpr ListColumn kColumns[] = {{"Script", 110}, {"File", 90}, {"Needed by", 
 
 void RemovePage::createControls() {
     m_label = label("");
-    m_list.create(window(), kList, fonts(), fonts().text(), kColumns, [this](int row, int column) -> std::string {
-        const auto& included = session().included();
-        const auto index = static_cast<size_t>(row);
-        if (row < 0 || index >= included.size()) return {};
-        return column == 0   ? included[index].text
-               : column == 1 ? included[index].fileName
-                             : session().neededBy(index);
-    });
+    m_list.create(window(), kList, fonts(), fonts().text(), kColumns,
+                  [this](int row, int column) -> std::string {
+                      const auto& included = session().included();
+                      const auto index = static_cast<size_t>(row);
+                      if (row < 0 || index >= included.size()) return {};
+                      return column == 0   ? included[index].text
+                             : column == 1 ? included[index].fileName
+                                           : session().neededBy(index);
+                  });
     m_note = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kNote, fonts().text());
     m_remove = button("&Remove", kRemove, true);
 }
@@ -30,7 +31,8 @@ void RemovePage::layout(int width, int height) {
     const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
     place(m_label, 0, 0, width, labelHeight);
     m_list.place(0, labelHeight, width, height - labelHeight - gap - field);
-    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits), labelHeight);
+    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits),
+          labelHeight);
     place(m_remove, width - button, height - field, button, field);
 }
 
@@ -64,7 +66,8 @@ void RemovePage::command(int id, int code) {
 LRESULT RemovePage::notified(NMHDR& header) {
     if (header.idFrom != kList) return 0;
     if (RowList::selectionMayHaveChanged(header)) showSelection();
-    if (header.code == static_cast<UINT>(LVN_KEYDOWN) && reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE)
+    if (header.code == static_cast<UINT>(LVN_KEYDOWN) &&
+        reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE)
         mainAction();
     return m_list.notified(header);
 }

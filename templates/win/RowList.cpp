@@ -72,7 +72,8 @@ bool RowList::selectionMayHaveChanged(const NMHDR& header) {
     if (header.code == static_cast<UINT>(LVN_ODSTATECHANGED)) return true;
     if (header.code != static_cast<UINT>(LVN_ITEMCHANGED)) return false;
     const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
-    return (change.uChanged & LVIF_STATE) != 0 && ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) != 0;
+    return (change.uChanged & LVIF_STATE) != 0 &&
+           ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) != 0;
 }
 
 LRESULT RowList::notified(NMHDR& header) const {
@@ -99,14 +100,15 @@ int RowList::find(const NMLVFINDITEMA& search) const {
     if ((search.lvfi.flags & LVFI_STRING) == 0 || !search.lvfi.psz) return -1;
     const int rows = count();
     const int length = static_cast<int>(std::strlen(search.lvfi.psz));
-    const bool partial = (search.lvfi.flags & (LVFI_PARTIAL | LVFI_SUBSTRING)) != 0;
+    const bool partial = (search.lvfi.flags & LVFI_PARTIAL) != 0;
     for (int i = 0; i < rows; ++i) {
         const int row = (std::max(search.iStart, 0) + i) % rows;
         const std::string text = m_text(row, 0);
-        const int compared = partial ? std::min(length, static_cast<int>(text.size())) : static_cast<int>(text.size());
+        const int compared =
+            partial ? std::min(length, static_cast<int>(text.size())) : static_cast<int>(text.size());
         if (compared >= (partial ? length : 0) &&
-            CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(), compared, search.lvfi.psz, length) ==
-                CSTR_EQUAL)
+            CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(), compared, search.lvfi.psz,
+                           length) == CSTR_EQUAL)
             return row;
     }
     return -1;

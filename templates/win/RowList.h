@@ -1,5 +1,5 @@
-// A list of rows and columns that holds no texts itself: the system asks for what is in sight, so 100,000 rows
-// cost what ten do.
+// A list of rows and columns that holds no texts itself: the system asks for what is in sight, so 100,000
+// rows cost what ten do.
 #pragma once
 
 #include <windows.h>
@@ -24,8 +24,8 @@ public:
     using CellText = std::function<std::string(int row, int column)>;
 
     // The control is its parent's, which passes its notifications on. No column with a title: no header.
-    void create(HWND parent, int id, const WindowFonts& fonts, HFONT font, std::span<const ListColumn> columns,
-                CellText text);
+    void create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
+                std::span<const ListColumn> columns, CellText text);
     HWND window() const { return m_window; }
     void place(int x, int y, int width, int height);
 

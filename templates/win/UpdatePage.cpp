@@ -16,7 +16,8 @@ constexpr int kRowPadding = 1;          // dialog units above and below
 constexpr int kHighestItem = 255;       // pixels, the most that the list box takes
 constexpr int kRestoreLabelWidth = 92;  // dialog units
 
-constexpr COLORREF kOnlyLocal = RGB(255, 235, 233), kOnlyTemplate = RGB(230, 250, 232), kHeading = RGB(232, 238, 247);
+constexpr COLORREF kOnlyLocal = RGB(255, 235, 233), kOnlyTemplate = RGB(230, 250, 232),
+                   kHeading = RGB(232, 238, 247);
 constexpr COLORREF kInk = RGB(0, 0, 0), kHeadingInk = RGB(60, 80, 120);
 
 // The lines that an entry of the list takes.
@@ -51,19 +52,21 @@ std::string shown(const DiffLine& line) {
 void UpdatePage::createControls() {
     const HFONT font = fonts().text();
     m_label = label("");
-    m_list = makeControl(window(), "LISTBOX", "",
-                         LBS_NOTIFY | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL |
-                             WS_TABSTOP,
-                         WS_EX_CLIENTEDGE, kList, font);
+    m_list = makeControl(
+        window(), "LISTBOX", "",
+        LBS_NOTIFY | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_TABSTOP,
+        WS_EX_CLIENTEDGE, kList, font);
     m_changesLabel = makeControl(window(), "STATIC", "", SS_LEFTNOWORDWRAP, 0, -1, font);
     m_changes.create(window(), kChanges, fonts(), fonts().fixed(), kChangeColumns, [this](int row, int) {
-        return row >= 0 && static_cast<size_t>(row) < m_lines.size() ? shown(m_lines[static_cast<size_t>(row)]) : "";
+        return row >= 0 && static_cast<size_t>(row) < m_lines.size()
+                   ? shown(m_lines[static_cast<size_t>(row)])
+                   : "";
     });
     m_update = button("&Update", kUpdate, true);
     m_updateAll = button("Update a&ll", kUpdateAll);
     m_restoreLabel = label("Without a copy in the &project:");
-    m_missing = makeControl(window(), "COMBOBOX", "", CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0,
-                            kMissing, font);
+    m_missing = makeControl(window(), "COMBOBOX", "",
+                            CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0, kMissing, font);
     m_restore = button("Res&tore", kRestore);
 }
 
@@ -139,7 +142,8 @@ void UpdatePage::showDifference() {
         heading = "&Changes that the update brings to " + entry.fileName + ":";
         if (!entry.missingNeeds.empty()) {
             m_lines.push_back({'@', "The main script will include what is missing:"});
-            for (const std::string& need : entry.missingNeeds) m_lines.push_back({'+', "include <" + need + ">;"});
+            for (const std::string& need : entry.missingNeeds)
+                m_lines.push_back({'+', "include <" + need + ">;"});
         }
         const std::vector<DiffHunk> hunks = session().difference(static_cast<size_t>(index));
         for (const DiffHunk& hunk : hunks) {
