@@ -11,6 +11,7 @@
 #include "templates/LineDiff.h"
 #include "templates/NotesReport.h"
 #include "templates/ScriptManagerSession.h"
+#include "templates/ValueKeepingUpdater.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
@@ -36,7 +37,7 @@ public:
     explicit Manager(const ScriptOptions& options) : m_host(foldersOf(options)), m_folders(m_host) {
         const std::string templates = suitePath(options.templates);
         const std::string file =
-            options.catalogue.empty() ? joinPath(templates, kCatalogueFile) : suitePath(options.catalogue);
+            options.catalogue.empty() ? joinPath(templates, kCatalogueFile) : options.catalogue;
         m_mainScript = m_host.GetMainScriptPath().value_or("");
         if (m_mainScript.empty() || !osFiles().exists(m_mainScript)) {
             complain("the project has no main script: name it with --main");
@@ -91,7 +92,7 @@ private:
     FolderHost m_host;
     ScriptFolders m_folders;
     CTemplateData m_catalogue;
-    NoUpdater m_updater;
+    ValueKeepingUpdater m_updater;
     std::string m_mainScript;
     ExitStatus m_status = ExitStatus::Done;
     std::unique_ptr<ScriptManagerSession> m_session;

@@ -1,0 +1,192 @@
+// zoka catalogue, zoka help-pages and zoka scripts, as a build script would call them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/Tool.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+const std::string kOptions = " -p game -t suite/templates -m game/main.kez ";
+
+// A project, and a template set of four scripts with its catalogue.
+struct Suite : ToolFolder {
+    Suite() {
+        for (const char* folder : {"game", "suite", "suite/templates"})
+            std::filesystem::create_directory(path(folder));
+        addTemplate("fog", "needs: weather.kez\r\n");
+        addTemplate("weather", "needs: noise.kez\r\n");
+        addTemplate("noise", "note: caf\xE9\r\n");
+        addTemplate("camera_", "needs: noise.kez\r\n// image: x%_%.bmp\r\n");
+        write("game/main.kez", main({}));
+        EXPECT_EQ(run("catalogue build suite/templates").status, 0);
+    }
+    void addTemplate(const std::string& name, const std::string& more) {
+        write("suite/templates/" + name + ".kez",
+              "// title: The " + name +
+                  "\r\n// idcode: X\r\n// prefix: x\r\n// type: USER\r\n// class: C\r\n// ver: 2\r\n"
+                  "// date: 260101\r\n// enginereq: 6\r\n// desc: About " +
+                  name + " \xE9.\r\n// " + more + "// ENDHEADER\r\n");
+    }
+    static std::string main(const std::vector<std::string>& names) {
+        std::string text = "// main\r\n";
+        for (const std::string& name : names) text += "include <" + name + ">;\r\n";
+        return text + "\r\nfunction main() {}";
+    }
+};
+
+}  // namespace
+
+TEST(Catalogue, BuildTellsWhatHeadersLack) {
+    Suite suite;
+    EXPECT_EQ(suite.run("catalogue check suite/templates/template_6.xml --templates suite/templates").out,
+              "");
+    suite.write("suite/templates/odd.kez",
+                "// ver: 3\r\n// needs: none.kez, ..\\x.kez, odd.kez\r\n// action: open\r\n");
+    const ToolRun built = suite.run("catalogue build suite/templates");
+    EXPECT_EQ(built.status, 1);
+    EXPECT_THAT(built.out, HasSubstr("odd.kez: ***No ID\n"));
+    EXPECT_THAT(built.out, HasSubstr("odd.kez: **Action not complete: open\n"));
+    suite.write("suite/templates/fog.kez", "// ver: 9\r\n");
+    std::filesystem::remove(suite.path("suite/templates/noise.kez"));
+    const ToolRun checked =
+        suite.run("catalogue check suite/templates/template_6.xml --templates suite/templates");
+    EXPECT_EQ(checked.status, 1);
+    for (const char* finding : {"odd.kez: needs none.kez, which is not in the catalogue",
+                                "which is not a file name that can be included", "odd.kez: needs itself",
+                                "fog.kez: the file is of version 9, the catalogue says 2",
+                                "noise.kez: the file is missing in the template folder"})
+        EXPECT_THAT(checked.out, HasSubstr(finding));
+    const json findings = json::parse(suite.run("catalogue check suite/templates/template_6.xml --json").out);
+    EXPECT_GT(findings["findings"].size(), 5U);
+}
+
+TEST(Catalogue, ADamagedOneIsReportedWithItsPlace) {
+    Suite suite;
+    suite.write("bad.xml", "<TavrixTemplate>\n  <Script name=\"x>\n</TavrixTemplate>");
+    for (const char* command :
+         {"catalogue check bad.xml", "catalogue list bad.xml", "catalogue show bad.xml x",
+          "help-pages bad.xml", "scripts list -p game -t suite/templates -c bad.xml"}) {
+        const ToolRun run = suite.run(command);
+        EXPECT_EQ(run.status, 1) << command;
+        EXPECT_THAT(run.out, StartsWith("bad.xml:")) << command;
+        EXPECT_THAT(run.out, HasSubstr(":3:1: Error: Unexpected token found\n")) << command;
+    }
+    EXPECT_EQ(suite.run("catalogue check none.xml").status, 3);
+    EXPECT_EQ(suite.run("catalogue build game/none").status, 3);
+    EXPECT_EQ(suite.run("catalogue show suite/templates/template_6.xml none").status, 2);
+}
+
+TEST(Catalogue, CirclesOfNeedsAreFound) {
+    Suite suite;
+    suite.addTemplate("noise", "needs: fog.kez\r\n");
+    suite.run("catalogue build suite/templates");
+    EXPECT_THAT(suite.run("catalogue check suite/templates/template_6.xml").out,
+                HasSubstr("directly or not"));
+    EXPECT_EQ(suite.run("scripts add" + kOptions + "fog.kez").status, 0);
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main({"noise.kez", "weather.kez", "fog.kez"}));
+}
+
+TEST(Catalogue, ListAndShowAsJson) {
+    Suite suite;
+    const json all = json::parse(suite.run("catalogue list suite/templates/template_6.xml --json").out);
+    ASSERT_EQ(all["scripts"].size(), 4U);
+    EXPECT_EQ(all["scripts"][0]["filename"], "camera_.kez");
+    EXPECT_EQ(all["scripts"][0]["description"], "About camera_ \xC3\xA9.");
+    EXPECT_THAT(suite.run("catalogue list suite/templates/template_6.xml --search \"about FOG\"").out,
+                StartsWith("fog.kez\t2\t260101\tC\tThe fog\n"));
+    EXPECT_EQ(json::parse(
+                  suite.run("catalogue show suite/templates/template_6.xml fog.kez --json").out)["needs"][0],
+              "weather.kez");
+}
+
+TEST(Catalogue, HelpPagesAreWrittenIntoANewFolder) {
+    Suite suite;
+    EXPECT_EQ(suite.run("help-pages suite/templates/template_6.xml -o pages").status, 0);
+    for (const char* page : {"index.htm", "css.css", "template_C.htm", "Thefog.htm"})
+        EXPECT_TRUE(std::filesystem::exists(suite.path("pages") / page)) << page;
+}
+
+TEST(Scripts, AddRemoveAndWhy) {
+    Suite suite;
+    const ToolRun dry = suite.run("scripts add" + kOptions + "--dry-run \"The fog\" camera_.kez");
+    EXPECT_EQ(dry.status, 0);
+    EXPECT_THAT(dry.out, StartsWith("adds fog.kez, camera_0.kez; needs noise.kez, weather.kez; "
+                                    "copies camera_.kez as camera_0.kez\ncopy "));
+    EXPECT_THAT(dry.out,
+                HasSubstr("\n // main\n+include <noise.kez>;\n+include <weather.kez>;\n+include <fog.kez>;\n"
+                          "+include <camera_0.kez>;\n"));
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main({}));
+
+    EXPECT_EQ(suite.run("scripts add" + kOptions + "fog.kez camera_.kez").status, 0);
+    EXPECT_EQ(suite.run("scripts add" + kOptions + "camera_.kez").status, 0);
+    const std::vector<std::string> all = {"noise.kez", "weather.kez", "fog.kez", "camera_0.kez",
+                                          "camera_1.kez"};
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main(all));
+    EXPECT_THAT(suite.read("game/camera_1.kez"), HasSubstr("// image: x_1.bmp\r\n"));
+    EXPECT_EQ(suite.run("scripts why" + kOptions + "noise.kez").out,
+              "noise.kez <- weather.kez\nnoise.kez <- camera_0.kez\nnoise.kez <- camera_1.kez\n"
+              "noise.kez <- weather.kez <- fog.kez\n");
+
+    const ToolRun refused = suite.run("scripts remove" + kOptions + "weather.kez");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err, HasSubstr("The following scripts must be removed first: \n\nThe fog"));
+    EXPECT_EQ(suite.run("scripts remove" + kOptions + "--dry-run fog.kez").status, 0);
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main(all));
+    EXPECT_EQ(suite.run("scripts remove" + kOptions + "fog.kez weather.kez camera_0.kez").status, 0);
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main({"noise.kez", "camera_1.kez"}));
+    EXPECT_EQ(suite.run("scripts remove" + kOptions + "fog.kez").status, 2);
+    EXPECT_EQ(suite.run("scripts add" + kOptions + "none.kez").status, 2);
+    EXPECT_EQ(suite.run("scripts add -p game -t suite/templates -m game/none.kez fog.kez").status, 2);
+}
+
+TEST(Scripts, ListNotesUpdateAndRestore) {
+    Suite suite;
+    suite.write("game/main.kez", suite.main({"mine.kez", "noise.kez", "fog.kez", "camera_7.kez"}));
+    suite.write("game/fog.kez", "// ver: 1\r\n");
+    suite.write("game/mine.kez", "x");
+    EXPECT_EQ(suite.run("scripts list" + kOptions).out,
+              "mine.kez\tproject\t-1\t-1\t(USER)\n"
+              "noise.kez\ttemplate\t2\t260101\tThe noise\tneeded by The camera_ (camera_7.kez)\n"
+              "fog.kez\tproject\t1\t-1\tThe fog\n"
+              "camera_7.kez\tmissing\t-1\t-1\tThe camera_ (camera_7.kez)\n");
+    EXPECT_EQ(json::parse(suite.run("scripts list" + kOptions + "--json").out)["scripts"].size(), 4U);
+    EXPECT_THAT(suite.run("scripts notes" + kOptions).out,
+                HasSubstr("fog.kez  (1) (-1) --> **(2) (260101)**\r\n"));
+
+    const ToolRun dry = suite.run("scripts update" + kOptions + "--dry-run");
+    EXPECT_EQ(dry.status, 1);
+    EXPECT_THAT(dry.out,
+                StartsWith("The fog--Is missing the following Needs: \nweather.kez\n"
+                           "The fog--[Local ver: 1 date: -1 --> Template ver: 2 date: 260101]\n--- "));
+    EXPECT_THAT(dry.out, HasSubstr("\n-// ver: 1\n"));
+    EXPECT_EQ(json::parse(suite.run("scripts update" + kOptions + "--json").out)["updates"].size(), 2U);
+
+    EXPECT_EQ(suite.run("--yes scripts update" + kOptions).status, 0);
+    EXPECT_THAT(suite.read("game/fog.kez"), HasSubstr("// ver: 2\r\n"));
+    EXPECT_THAT(suite.read("game/main.kez"), HasSubstr("include <weather.kez>;\r\n"));
+    EXPECT_EQ(suite.run("scripts update" + kOptions + "--dry-run").status, 0);
+
+    EXPECT_EQ(suite.run("scripts restore" + kOptions + "noise.kez").status, 0);
+    EXPECT_TRUE(std::filesystem::exists(suite.path("game/noise.kez")));
+    const ToolRun again = suite.run("scripts restore" + kOptions + "noise.kez");
+    EXPECT_EQ(again.status, 1);
+    EXPECT_THAT(again.err, HasSubstr("Original file still there."));
+}
+
+TEST(Scripts, EveryCommandHasAnExampleAndTheExitCodes) {
+    for (const char* command :
+         {"catalogue", "catalogue build", "catalogue check", "catalogue list", "catalogue show", "help-pages",
+          "scripts", "scripts list", "scripts add", "scripts remove", "scripts update", "scripts restore",
+          "scripts notes", "scripts why"}) {
+        const ToolRun run = ToolFolder().run(std::string(command) + " --help");
+        EXPECT_EQ(run.status, 0) << command;
+        EXPECT_THAT(run.out, HasSubstr("Example:\n  zoka " + std::string(command))) << command;
+        EXPECT_THAT(run.out, HasSubstr("Exit codes:")) << command;
+    }
+}
