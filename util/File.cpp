@@ -157,7 +157,7 @@ long file_t::WriteToFile(file_t* dst, long count) {
         if (got == 0) {
             break;
         }
-        pos = at + static_cast<std::int32_t>(got);
+        pos = to32(std::int64_t{at} + static_cast<std::int64_t>(got));
         const std::size_t written = dst->Write(chunk, 1, got);
         total += static_cast<long>(written);
         remaining -= static_cast<long>(got);
@@ -227,7 +227,7 @@ bool partof_file_t::seekStream() {
 }
 
 void partof_file_t::takePosition() {
-    pos = to32(std::ftell(fp) - offset);
+    pos = to32(std::int64_t{std::ftell(fp)} - offset);
 }
 
 int partof_file_t::Putc(int) {

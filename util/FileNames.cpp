@@ -11,7 +11,7 @@ void fname_t::SplitPath(const char* path) {
 }
 
 void fname_t::SetExt(const char* ext) {
-    m_ext = ext;
+    m_ext = ext ? ext : "";
     if (!m_ext.empty() && m_ext[0] != '.') {
         m_ext.insert(0, 1, '.');
     }

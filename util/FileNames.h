@@ -8,7 +8,9 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
-// A file's path in its four parts, each of which can be replaced.
+// A null text is an empty one in all of these.
+
+// A file's path in its four parts; name and extension can be replaced.
 class ZOKA_API fname_t {
 public:
     fname_t() = default;
@@ -23,7 +25,7 @@ public:
     std::string GetFileName() const { return m_name + m_ext; }
     std::string GetPath() const { return m_drive + m_dir + m_name + m_ext; }
 
-    void SetName(const char* name) { m_name = name; }
+    void SetName(const char* name) { m_name = name ? name : ""; }
     void SetExt(const char* ext);  // with or without its dot
 
 private:
@@ -36,8 +38,9 @@ public:
     dname_t() = default;
     explicit dname_t(const char* path) : m_path(path ? path : "") {}
 
-    void Append(const char* part) { m_path = zoka::joinPath(m_path, part); }
-    std::string GetFile(const char* name) const { return zoka::joinPath(m_path, name); }
+    // Both put a "\" in between unless the path ends with a separator.
+    void Append(const char* part) { m_path = GetFile(part); }
+    std::string GetFile(const char* name) const { return zoka::joinPath(m_path, name ? name : ""); }
     const std::string& GetPath() const { return m_path; }
     bool Exist() const;
 
@@ -58,8 +61,8 @@ private:
     std::string m_name;
 };
 
-// The files and folders that match a wildcard ("C:\a\*.kez"), sorted by name, as they were when the search
-// began.
+// The files and folders that match a wildcard ("C:\a\*.kez"), sorted by name, as they
+// were when the search began.
 //     CFileFinder finder("C:\\a\\*.kez");
 //     while (finder.FindNext()) use(finder.GetPath());
 class ZOKA_API CFileFinder {

@@ -57,7 +57,10 @@ std::string file_t::AbsPath(const char* fileName) {
         return path;
     }
     std::string folder = zoka::osFiles().currentFolder().substr(0, 259);
-    if (!folder.empty() && folder.back() == '\\') {
+    if (folder.empty()) {
+        return path;
+    }
+    if (folder.back() == '\\') {
         folder.pop_back();
     }
     if (path.starts_with('\\')) {

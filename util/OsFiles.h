@@ -63,10 +63,12 @@ public:
     // cannot be opened for writing.
     virtual bool setTimes(const std::string& path, FileTime time) = 0;
 
-    // The process's current folder, with its drive and without a trailing backslash (but "C:\" for a root).
+    // The process's current folder, with its drive and without a trailing backslash (but "C:\" for a root);
+    // empty when it was removed.
     virtual std::string currentFolder() = 0;
     virtual bool setCurrentFolder(const std::string& path) = 0;
-    // The absolute form with "." and ".." resolved by text; the entry need not exist.
+    // The absolute form with "." and ".." resolved by text; the entry need not exist. A relative path stays
+    // as it is when there is no current folder any more.
     virtual std::string fullPath(const std::string& path) = 0;
 
     // False when the folder could not be made, also when it exists already.
@@ -75,9 +77,10 @@ public:
     // Removes an empty folder.
     virtual bool deleteFolder(const std::string& path) = 0;
 
-    // fopen with the suite's path; folders, pipes and sockets cannot be opened. The caller closes the stream.
+    // fopen with the suite's path. Folders, pipes and sockets can't be opened, nor devices on Linux. The
+    // caller closes the stream.
     virtual std::FILE* openStream(const std::string& path, const char* mode) = 0;
-    // The whole content; nothing when the file can't be read.
+    // The whole content of a regular file; nothing when it can't be read or has 2 GiB or more.
     virtual std::optional<std::string> readWhole(const std::string& path) = 0;
     // Null when it can't be opened that way.
     virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;

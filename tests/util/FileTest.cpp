@@ -240,6 +240,11 @@ TEST(FileWindow, OutOfRangeIsEmptyRatherThanWrong) {
         EXPECT_EQ(window->Read(buffer, 1, 4), 0u);
         EXPECT_EQ(window->Gets(buffer, sizeof buffer), nullptr);
     }
+    // Starts before the stream, but is read from where the stream begins.
+    const std::unique_ptr<file_t> early(file.create_part("w", 10, -2));
+    ASSERT_EQ(early->Seek(2, SEEK_SET), 0);
+    EXPECT_EQ(early->Getc(), 'a');
+    EXPECT_EQ(early->Tell(), 3);
     const std::unique_ptr<file_t> empty(file.create_part("w", 0, 0));
     EXPECT_EQ(empty->Eof(), 0) << "an empty window never reports its end";
 }

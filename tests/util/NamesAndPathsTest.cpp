@@ -114,12 +114,16 @@ TEST(FileNames, PartsAreReplaced) {
     name.SetExt("");
     EXPECT_EQ(name.GetPath(), "C:\\p\\other");
     EXPECT_EQ(name.GetFileName(), "other");
+    name.SetName(nullptr);
+    name.SetExt(nullptr);
+    EXPECT_EQ(name.GetPath(), "C:\\p\\") << "null is an empty text";
     name.SplitPath(nullptr);
     EXPECT_EQ(name.GetPath(), "");
 
     dname_t folder("C:\\p");
     folder.Append("q");
     EXPECT_EQ(folder.GetFile("a"), "C:\\p\\q\\a");
+    EXPECT_EQ(dname_t("C:\\p").GetFile(nullptr), "C:\\p\\");
     EXPECT_TRUE(CFName("Main.kez") == CFName("MAIN.KEZ"));
     EXPECT_TRUE(CFName("a") < CFName("B"));
 }

@@ -18,13 +18,17 @@ namespace {
 
 constexpr std::uint64_t kTicksPerSecond = 10'000'000;
 constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+constexpr std::int64_t kLastSecond =  // counted from 1970
+    static_cast<std::int64_t>(~std::uint64_t{0} / kTicksPerSecond) - 1 - kSecondsFrom1601To1970;
+constexpr std::size_t kMostBytes = 0x7fffffff;  // that a file read whole may have
 constexpr int kMostLinks = 40;
 
+// A file system may hold times that the suite can't count: those become its first or last second.
 FileTime toFileTime(const timespec& time) {
-    const std::int64_t seconds = time.tv_sec + kSecondsFrom1601To1970;
-    return FileTime::fromTicks(seconds < 0 ? 0
-                                           : static_cast<std::uint64_t>(seconds) * kTicksPerSecond +
-                                                 static_cast<std::uint64_t>(time.tv_nsec) / 100);
+    const std::int64_t seconds =
+        std::clamp<std::int64_t>(time.tv_sec, -kSecondsFrom1601To1970, kLastSecond) + kSecondsFrom1601To1970;
+    return FileTime::fromTicks(static_cast<std::uint64_t>(seconds) * kTicksPerSecond +
+                               static_cast<std::uint64_t>(time.tv_nsec) / 100);
 }
 
 timespec toTimespec(FileTime time) {
@@ -33,8 +37,8 @@ timespec toTimespec(FileTime time) {
             static_cast<long>(ticks % kTicksPerSecond * 100)};
 }
 
-// A file descriptor that closes itself and leaves errno alone, so that a failure's reason outlives the
-// cleaning-up.
+// A file descriptor that closes itself and leaves errno alone, so that a failure's
+// reason outlives the cleaning-up.
 class Descriptor {
 public:
     explicit Descriptor(int fd) : m_fd(fd) {}
@@ -63,9 +67,9 @@ public:
     bool write(std::string_view bytes) override {
         while (!bytes.empty()) {
             const ssize_t written = ::write(m_file.get(), bytes.data(), bytes.size());
-            if (written >= 0) {
+            if (written > 0) {
                 bytes.remove_prefix(static_cast<std::size_t>(written));
-            } else if (errno != EINTR) {
+            } else if (written == 0 || errno != EINTR) {
                 return false;
             }
         }
@@ -86,12 +90,13 @@ private:
     Descriptor m_file;
 };
 
-// Opens regular files and devices; folders, pipes and sockets fail. Never waits for another program.
+// Opens regular files alone. A pipe would wait for another program, a device may never end, and neither can
+// be saved: a new file would take its place.
 int openFile(const std::string& path, int flags) {
     const std::string native = toNativePath(path);
     struct stat info;
-    if (stat(native.c_str(), &info) == 0 && !S_ISREG(info.st_mode) && !S_ISCHR(info.st_mode)) {
-        errno = S_ISDIR(info.st_mode) ? EISDIR : EACCES;
+    if (stat(native.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        errno = S_ISDIR(info.st_mode) ? EISDIR : ENOTSUP;
         return -1;
     }
     return open(native.c_str(), flags | O_CLOEXEC, 0666);
@@ -160,7 +165,9 @@ public:
         if (!rest.empty() && isSeparator(rest.front())) {
             return normalizePath(drive + rest);
         }
-        return normalizePath(joinPath(drive + currentFolder().substr(2), rest));
+        const std::string folder = currentFolder();
+        // Empty when the current folder was removed: nothing in it can be named then.
+        return folder.empty() ? path : normalizePath(joinPath(drive + folder.substr(2), rest));
     }
 
     bool makeFolder(const std::string& path) override { return mkdir(toNativePath(path).c_str(), 0777) == 0; }
@@ -184,10 +191,18 @@ public:
         if (!file.isOpen()) {
             return std::nullopt;
         }
-        std::string content;
         struct stat info;
+        if (fstat(file.get(), &info) != 0) {
+            return std::nullopt;
+        }
+        if (static_cast<std::size_t>(info.st_size) > kMostBytes) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
+        std::string content;
         std::size_t used = 0;
-        content.resize(fstat(file.get(), &info) == 0 ? static_cast<std::size_t>(info.st_size) + 1 : 4096);
+        // One byte more than it should have, so that the end is met without growing.
+        content.resize(static_cast<std::size_t>(info.st_size) + 1);
         while (true) {
             const ssize_t got = ::read(file.get(), content.data() + used, content.size() - used);
             if (got < 0 && errno == EINTR) {
@@ -200,8 +215,12 @@ public:
             if (got == 0) {
                 break;
             }
+            if (used > kMostBytes) {
+                errno = EFBIG;
+                return std::nullopt;
+            }
             if (used == content.size()) {
-                content.resize(used * 2);
+                content.resize(std::min(used * 2, kMostBytes + 1));
             }
         }
         content.resize(used);

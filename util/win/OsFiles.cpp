@@ -14,8 +14,8 @@ FileTime fromSystem(const FILETIME& time) {
     return {time.dwLowDateTime, time.dwHighDateTime};
 }
 
-// Closes itself and leaves the thread's last error alone, so that a failure's reason outlives the
-// cleaning-up.
+// Closes itself and leaves the thread's last error alone, so that a failure's
+// reason outlives the cleaning-up.
 class Handle {
 public:
     explicit Handle(HANDLE handle) : m_handle(handle) {}
@@ -71,7 +71,7 @@ public:
         while (!bytes.empty()) {
             const auto size = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 30));
             DWORD written = 0;
-            if (!WriteFile(m_file.get(), bytes.data(), size, &written, nullptr)) {
+            if (!WriteFile(m_file.get(), bytes.data(), size, &written, nullptr) || written == 0) {
                 return false;
             }
             bytes.remove_prefix(written);

@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <limits>
+
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/TempFolder.h"
 #include "util/File.h"
@@ -56,6 +58,61 @@ TEST(DiskFile, RefusesWhatWouldWait) {
     file_t file;
     EXPECT_FALSE(file.OpenRead(folder.path("pipe").c_str()));
     EXPECT_FALSE(file.OpenWrite(folder.path("pipe").c_str()));
+}
+
+// A device may never end, and saving would put a file into its place.
+TEST(OsFiles, DevicesAreNoFiles) {
+    file_t file;
+    EXPECT_FALSE(file.OpenRead("\\dev\\zero"));
+    EXPECT_EQ(systemFiles().readWhole("\\dev\\zero"), std::nullopt);
+    EXPECT_EQ(systemFiles().lastError(), "Operation not supported");
+    // Takes no sibling: /dev keeps what it holds even if this fails.
+    const FaultyOsFiles disk([](int, std::string_view op, const std::string&) { return op == "openNew"; });
+    const std::string error = safeWrite("\\dev\\null", "x").error;
+    EXPECT_TRUE(error.ends_with("Operation not supported")) << error;
+}
+
+TEST(OsFiles, ReadsNothingOfWhatIsTooLarge) {
+    const TempFolder folder;
+    const std::string path = folder.write("sparse", "x");
+    fs::resize_file(folder.native("sparse"), 0x80000000u);
+    EXPECT_EQ(systemFiles().readWhole(path), std::nullopt);
+    EXPECT_EQ(systemFiles().lastError(), "File too large");
+    EXPECT_FALSE(file_t().OpenRead(path.c_str()));
+}
+
+TEST(OsFiles, ARemovedCurrentFolderNamesNothing) {
+    const TempFolder folder;
+    OsFiles& files = systemFiles();
+    const std::string before = files.currentFolder();
+    fs::create_directory(folder.native("gone"));
+    ASSERT_TRUE(files.setCurrentFolder(folder.path("gone")));
+    fs::remove(folder.native("gone"));
+    EXPECT_EQ(files.fullPath("a.kez"), "a.kez") << "not a file of the root's";
+    EXPECT_EQ(file_t::AbsPath("a.kez"), "a.kez");
+    EXPECT_FALSE(safeWrite("a.kez", "x"));
+    ASSERT_TRUE(files.setCurrentFolder(before));
+}
+
+TEST(FileTimes, BeyondWhatIsCountedAreTheFirstOrTheLast) {
+    const TempFolder folder;
+    const std::string path = folder.write("a", "x");
+    for (const time_t seconds : {time_t{-12'000'000'000}, std::numeric_limits<time_t>::max()}) {
+        const timespec times[2] = {{seconds, 0}, {seconds, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, folder.native("a").c_str(), times, 0), 0);
+        struct stat kept;  // file systems cut what they can't hold
+        ASSERT_EQ(stat(folder.native("a").c_str(), &kept), 0);
+        FileTime time;
+        ASSERT_TRUE(file_t::get_file_time(path.c_str(), &time));
+        if (kept.st_mtim.tv_sec < -11'644'473'600) {
+            EXPECT_EQ(time.ticks(), 0u);
+        } else if (kept.st_mtim.tv_sec > 2'000'000'000'000) {
+            EXPECT_GT(time.ticks(), ~0ull - 20'000'000);
+        } else {
+            EXPECT_EQ(time.ticks() / 10'000'000,
+                      static_cast<std::uint64_t>(kept.st_mtim.tv_sec + 11'644'473'600));
+        }
+    }
 }
 
 TEST(SafeWrite, KeepsTheModeAndTheLink) {
