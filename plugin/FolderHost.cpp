@@ -90,11 +90,11 @@ std::string FolderHost::QueryFolder(ZunCommandCode code) {
 }
 
 bool FolderHost::OpenMap(const std::string& path) {
-    const std::size_t separator = path.find_last_of("\\/");
-    if (separator == std::string::npos || !osFiles().exists(path)) {
+    const std::string_view folder = folderOf(path);
+    if (folder.empty() || !osFiles().exists(path)) {
         return false;
     }
-    m_folders.project = path.substr(0, separator);
+    m_folders.project = folder;
     m_folders.mainScript.clear();
     return true;
 }

@@ -15,20 +15,27 @@ using Byte = unsigned char;
 template <std::size_t Size>
 class HostBuffer {
 public:
+    HostBuffer() = default;
+    // Holds `text` for the host to read, or to change; what doesn't fit is cut off.
+    explicit HostBuffer(const std::string& text) {
+        std::memcpy(data(), text.data(), std::min(text.size(), Size - 1));
+    }
     char* data() { return m_bytes.data(); }
     static constexpr Word size() { return static_cast<Word>(Size); }
     std::string text() {
         m_bytes[Size - 1] = '\0';
         return m_bytes.data();
     }
-    void preset(const std::string& text) {
-        std::memcpy(data(), text.data(), std::min(text.size(), Size - 1));
-    }
 
 private:
     std::array<char, Size> m_bytes{};
 };
 using PathBuffer = HostBuffer<kHostPathSize>;
+
+// The host takes paths in buffers of one size. A file named by a path that was cut would be another file.
+bool fits(const std::string& path) {
+    return path.size() < kHostPathSize;
+}
 
 // A path that the host answered with success; an empty one is none.
 std::optional<std::string> answered(Word result, std::string text) {
@@ -79,8 +86,7 @@ void HostAdapter::EndListUpdate() {
 }
 
 std::optional<std::string> HostAdapter::ChooseFile(const std::string& preset) {
-    PathBuffer path;
-    path.preset(preset);
+    PathBuffer path(preset);
     const Word result = call<Word>(kSlotChooseFile, path.data(), path.size(), kChooserMode, kChooserTopic);
     return answered(result, path.text());
 }
@@ -92,19 +98,27 @@ std::string HostAdapter::GetProjectFolder() {
 }
 
 bool HostAdapter::CopyFileToFolder(const std::string& source, const std::string& folder) {
-    return call<Byte>(kSlotCopyFileToFolder, source.c_str(), folder.c_str(), PathBuffer::size()) != 0;
+    if (!fits(source) || !fits(folder)) {
+        return false;
+    }
+    PathBuffer from(source), to(folder);
+    return call<Byte>(kSlotCopyFileToFolder, from.data(), to.data(), to.size()) != 0;
 }
 
 bool HostAdapter::CopyFileWithSubstitutions(
     const std::string& source, const std::string& destination,
     std::span<const std::pair<std::string, std::string>> substitutions) {
+    if (!fits(source) || !fits(destination)) {
+        return false;
+    }
+    PathBuffer from(source), to(destination);
     std::vector<ZunSubstitution> pairs;
     for (const auto& [find, replacement] : substitutions) {
         pairs.push_back({find.c_str(), replacement.c_str()});
     }
     pairs.push_back({nullptr, nullptr});
     const ZunSubstitution* const list = substitutions.empty() ? nullptr : pairs.data();
-    return call<Byte>(kSlotCopyFileWithSubstitutions, source.c_str(), destination.c_str(), list) != 0;
+    return call<Byte>(kSlotCopyFileWithSubstitutions, from.data(), to.data(), list) != 0;
 }
 
 std::string HostAdapter::QueryFolder(ZunCommandCode code) {

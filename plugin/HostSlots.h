@@ -17,7 +17,8 @@
 namespace zoka {
 
 // Position in the editor interface's table of operations, 0 the first. The object's first word points to the
-// table. "Word" results are 32-bit; "byte" results fill the low byte of the register alone.
+// table. "Word" results are 32-bit; "byte" results fill the low byte of the register alone. Paths lie in
+// buffers of 260 bytes, also those that the host only reads.
 enum HostSlot : unsigned {
     kSlotCreateMainScript = 1,   // word ()
     kSlotGetMainScriptPath = 4,  // word (char* buffer, int 260)
@@ -27,8 +28,8 @@ enum HostSlot : unsigned {
     kSlotChooseFile = 15,        // word (char* buffer, int 260, int 2, const char* "template_6")
     kSlotGetProjectFolder = 16,  // word (char* buffer, int 260)
     kSlotCopyFileToFolder = 17,  // byte (const char* source, const char* folder, int 260)
-    kSlotCopyFileWithSubstitutions =
-        18,                    // byte (const char* source, const char* target, const ZunSubstitution*)
+    // byte (const char* source, const char* target, const ZunSubstitution*)
+    kSlotCopyFileWithSubstitutions = 18,
     kSlotExecuteCommand = 22,  // word (int 0, int command, void* data, int size)
 };
 // Operations of a table that ends with the last one called.

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 
+#include "util/DebugLog.h"
 #include "util/OsFiles.h"
 #include "util/UserPrompt.h"
 
@@ -20,6 +21,7 @@ struct PanelRun {
 struct Panel {
     PanelState state;
     PanelRun run;
+    bool opening = false;  // messages that re-enter the procedure must not open a second panel
 };
 
 // Made at the first use and freed by shutDownPlugin, never by the process's end: a static's destructor would
@@ -42,17 +44,23 @@ Panels& panels() {
 bool g_inAddScript = false;
 bool g_inWizard = false;
 
-// Marks a procedure as running, in the host's word (which may be missing) and in our own.
+// True as long as it lives.
+class Marked {
+public:
+    explicit Marked(bool& mark) : m_mark(mark) { m_mark = true; }
+    ~Marked() { m_mark = false; }
+    Marked(const Marked&) = delete;
+    Marked& operator=(const Marked&) = delete;
+
+private:
+    bool& m_mark;
+};
+
+// Marks a modal procedure as running, in the host's word (which may be missing) and in our own.
 class ModalRun {
 public:
-    ModalRun(bool& running, std::int32_t* busy) : m_running(running), m_busy(busy) {
-        m_running = true;
-        set(1);
-    }
-    ~ModalRun() {
-        set(0);
-        m_running = false;
-    }
+    ModalRun(bool& running, std::int32_t* busy) : m_running(running), m_busy(busy) { set(1); }
+    ~ModalRun() { set(0); }
     ModalRun(const ModalRun&) = delete;
     ModalRun& operator=(const ModalRun&) = delete;
 
@@ -62,7 +70,7 @@ private:
             std::atomic_ref<std::int32_t>(*m_busy).store(value);
         }
     }
-    bool& m_running;
+    const Marked m_running;
     std::int32_t* m_busy;
 };
 
@@ -134,9 +142,10 @@ std::int32_t executeCustomize(PluginProcDef*, HostContext* context, std::int32_t
         return 0;
     }
     Panel& panel = panels().customize;
-    if (showOpenPanel(panel, executeFlags)) {
+    if (showOpenPanel(panel, executeFlags) || panel.opening) {
         return 0;
     }
+    const Marked opening(panel.opening);
     finish(panel);
     auto editor = g_seams->makeEditor(g_appInterface->editor);
     panels().customizeDialog = g_seams->makeCustomizePanel(*editor, entityName(context));
@@ -170,9 +179,10 @@ std::int32_t executeBehavior(PluginProcDef*, HostContext* context, std::int32_t*
         return 0;
     }
     Panel& panel = panels().behavior;
-    if (showOpenPanel(panel, executeFlags)) {
+    if (showOpenPanel(panel, executeFlags) || panel.opening) {
         return 0;
     }
+    const Marked opening(panel.opening);
     finish(panel);
     freeBehaviorDialog();
     auto editor = g_seams->makeEditor(g_appInterface->editor);
@@ -283,6 +293,7 @@ void shutDownPlugin() {
         g_panels = nullptr;
     }
     g_appInterface = nullptr;
+    closeDebugLog();
 }
 
 std::optional<std::string> projectFileOf(const std::string& mainScript) {

@@ -29,8 +29,8 @@ void setPluginSeams(PluginSeams* seams);
 bool startLibrary(bool (*startToolkit)());
 
 // [the unloading thread, with the loader's lock held] Closes both panels, waits until no thread runs code of
-// this library and brings every process-wide value back to where it started. Not for a process that ends: the
-// panels' threads are gone by then and nothing may wait for them.
+// this library, closes the debug log and brings every process-wide value back to where it started. Not for a
+// process that ends: the panels' threads are gone by then and nothing may wait for them.
 void shutDownPlugin();
 
 // The project file that belongs to a main script: the four characters from the last "." on become ".xml".

@@ -28,15 +28,16 @@ public:
     // list is ended with EndListUpdate.
     virtual std::optional<std::string> GetListItemName(int index) = 0;
     virtual void EndListUpdate() = 0;
-    // The editor's own file chooser over the template files; nothing when cancelled. `preset` is the path it
-    // opens on.
+    // The editor's own file chooser over the template files; nothing when cancelled. `preset`
+    // is the path it opens on.
     virtual std::optional<std::string> ChooseFile(const std::string& preset) = 0;
     // Folder of the open project, without a trailing separator as far as the host leaves it so; empty when
     // the host fails.
     virtual std::string GetProjectFolder() = 0;
-    // Copies a file into a folder under its own name. False on failure.
+    // Copies a file into a folder under its own name. False on failure, and for a path
+    // longer than the host takes.
     virtual bool CopyFileToFolder(const std::string& source, const std::string& folder) = 0;
-    // Copies a text file, replacing each pair's first text by its second. False on failure.
+    // Copies a text file, replacing each pair's first text by its second. False as above.
     virtual bool CopyFileWithSubstitutions(
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) = 0;

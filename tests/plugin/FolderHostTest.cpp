@@ -112,6 +112,17 @@ TEST(FolderHost, AnswersWhatItWasGiven) {
     EXPECT_EQ(host.GetProjectFolder(), "C:\\nowhere");
     EXPECT_TRUE(host.OpenMap(map));
     EXPECT_EQ(host.GetProjectFolder(), folder.path());
+
+    // A map in a drive's root.
+    struct EmptyDisk : FaultyOsFiles {
+        EmptyDisk() : FaultyOsFiles(never()) {}
+        std::optional<OsEntry> search(const std::string&) override {
+            return OsEntry{"cave.zlm", false, {}, 0};
+        }
+    } const disk;
+    EXPECT_TRUE(host.OpenMap("D:\\cave.zlm"));
+    EXPECT_EQ(host.GetProjectFolder(), "D:\\");
+    EXPECT_FALSE(host.OpenMap("cave.zlm"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -25,9 +26,9 @@ using Word = std::int32_t;
 struct RawHost {
     void* const* table;
     Word result = 1;
-    std::string answer = {};     // put into each buffer, with its terminator
-    bool fillsAll = false;  // instead: every byte of the buffer, without a terminator
-    Word recordResult = 1;  // left in a record's fourth word
+    std::string answer = {};  // put into each buffer, with its terminator
+    bool fillsAll = false;    // instead: every byte of the buffer, without a terminator
+    Word recordResult = 1;    // left in a record's fourth word
     std::vector<std::string> calls = {};
 
     Word fill(char* buffer, Word size) {
@@ -72,12 +73,22 @@ Word ZOKA_HOST_MEMBER projectFolder(RawHost* host, char* buffer, Word size) {
     host->calls.push_back("folder " + std::to_string(size));
     return host->fill(buffer, size);
 }
+// All of a path buffer may be read.
+void expectBuffer(const char* path) {
+    const std::size_t length = std::strlen(path);
+    EXPECT_EQ(std::count(path + length, path + kHostPathSize, '\0'),
+              static_cast<std::ptrdiff_t>(kHostPathSize - length));
+}
 Word ZOKA_HOST_MEMBER copyToFolder(RawHost* host, const char* source, const char* folder, Word size) {
+    expectBuffer(source);
+    expectBuffer(folder);
     host->calls.push_back("copy " + std::string(source) + " " + folder + " " + std::to_string(size));
     return byteResult(host->result);
 }
 Word ZOKA_HOST_MEMBER copyWithSubstitutions(RawHost* host, const char* source, const char* target,
                                             const ZunSubstitution* list) {
+    expectBuffer(source);
+    expectBuffer(target);
     std::string call = "substitute " + std::string(source) + " " + target;
     for (; list && list->find; ++list) {
         call += " " + std::string(list->find) + "=" + list->replacement;
@@ -174,6 +185,18 @@ TEST_F(Adapter, UnterminatedAnswersAreCut) {
     EXPECT_EQ(editor.GetProjectFolder(), path);
     EXPECT_EQ(editor.QueryFolder(CmdGetSuiteFolder), path);
     EXPECT_EQ(editor.GetListItemName(0), std::string(63, 'x'));
+}
+
+TEST_F(Adapter, PathsThatTheHostCannotTakeAreNotCut) {
+    const std::string longest(259, 'p'), tooLong(260, 'p');
+    EXPECT_TRUE(editor.CopyFileToFolder(longest, longest));
+    EXPECT_TRUE(editor.CopyFileWithSubstitutions(longest, longest, {}));
+    host.calls.clear();
+    EXPECT_FALSE(editor.CopyFileToFolder(tooLong, "a"));
+    EXPECT_FALSE(editor.CopyFileToFolder("a", tooLong));
+    EXPECT_FALSE(editor.CopyFileWithSubstitutions(tooLong, "a", {}));
+    EXPECT_FALSE(editor.CopyFileWithSubstitutions("a", tooLong, {}));
+    EXPECT_THAT(host.calls, IsEmpty());
 }
 
 TEST(PanelText, SaysWhatIsLoaded) {

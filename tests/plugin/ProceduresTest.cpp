@@ -6,9 +6,12 @@
 #include "tests/plugin/FakeSeams.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"
+#include "util/DebugLog.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using zoka::g_procDefs;
 
 namespace zoka::test {
@@ -296,6 +299,36 @@ TEST_F(Procedures, ShutdownClosesBothPanelsAndForgetsTheHost) {
                             "free plain ", "free customize"));
     EXPECT_EQ(PIGetProcDef(0), nullptr);
     EXPECT_EQ(PIInitialize(&app), 1);
+}
+
+// A host that handles messages while the plug-in asks it something can get back into the procedure.
+TEST_F(Procedures, ReentryWhileAPanelOpensMakesNoSecondOne) {
+    ASSERT_EQ(PIInitialize(&app), 1);
+    for (const int index : {kCustomize, kBehavior}) {
+        int deep = 0;
+        seams.prepareEditor = [&](FakeEditor&) {
+            ++deep;
+            EXPECT_EQ(run(index), 0);
+        };
+        run(index);
+        EXPECT_EQ(deep, 1);
+        EXPECT_EQ(busy, 1);
+        terminate(index);
+        EXPECT_EQ(busy, 0);
+    }
+    EXPECT_THAT(seams.log.take(), ElementsAre("start customize 1001", "closed customize 1001",
+                                              "start plain  1001", "closed plain  1001", "free plain "));
+}
+
+TEST_F(Procedures, ShutdownClosesTheDebugLog) {
+    const TempFolder folder;
+    debugLogFileName() = folder.path("log.xml");
+    debugLog("a", 1, "f", "first", 1);
+    shutDownPlugin();
+    debugLog("a", 1, "f", "second", 1);
+    EXPECT_THAT(folder.read("log.xml"), Not(HasSubstr("first"))) << "a new start is a new log";
+    closeDebugLog();
+    debugLogFileName() = "debugLogOut.xml";
 }
 
 TEST_F(Procedures, LibraryRefusesToLoadWithoutItsToolkit) {
