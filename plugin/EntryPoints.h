@@ -1,5 +1,5 @@
-// The three functions by which the host learns what the plug-in offers. Exported undecorated, cdecl. [editor
-// thread]
+// The three functions by which the host learns what the plug-in offers. Exported
+// undecorated, cdecl. [editor thread]
 #pragma once
 
 #include <cstdint>

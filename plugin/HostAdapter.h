@@ -1,5 +1,5 @@
-// The editor's raw object behind the plug-in's interface: operations called by slot as C++ members of the
-// host's.
+// The editor's raw object behind the plug-in's interface: operations called by slot as
+// C++ members of the host's.
 #pragma once
 
 #include "plugin/HostSlots.h"

@@ -22,8 +22,8 @@ enum ZunCommandCode : std::int32_t {
 inline constexpr std::int32_t kRecordCommand = 1;
 inline constexpr std::int32_t kRecordSize = 16;
 
-// A pair of texts for the substituting copy: `find` is replaced by `replacement`. An array of them ends with
-// two nulls.
+// A pair of texts for the substituting copy: `find` is replaced by `replacement`. An array of
+// them ends with two nulls.
 struct ZunSubstitution {
     const char* find;
     const char* replacement;

@@ -32,8 +32,8 @@ public:
         m_thread.store(nullptr);
     }
 
-    // [any thread] Null when no panel runs. What it points to lives until the editor's thread has waited for
-    // its end.
+    // [any thread] Null when no panel runs. What it points to lives until the editor's
+    // thread has waited for its end.
     PanelThread* thread() const { return m_thread.load(); }
     bool running() const { return m_running.load() != 0; }
     // [any thread] The host's word of the run under way, for comparing alone; null without one.

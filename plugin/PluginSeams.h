@@ -1,5 +1,5 @@
-// Where the procedures meet windows, threads and the raw host. The DLL puts the real things in, the tests
-// their own.
+// Where the procedures meet windows, threads and the raw host. The DLL puts the real things
+// in, the tests their own.
 #pragma once
 
 #include <memory>
@@ -22,16 +22,16 @@ public:
     virtual ~PanelDialog() = default;
 };
 
-// The thread that carries one panel's window and message loop. Freed only after waitUntilGone or
-// leaveForUnload.
+// The thread that carries one panel's window and message loop. Freed only
+// after waitUntilGone or leaveForUnload.
 class PanelThread {
 public:
     virtual ~PanelThread() = default;
 
-    // [editor thread] Starts the thread and returns when its window stands. False when the thread or the
-    // window could not be made; then the run is ended already. Returning earlier would leave a moment in
-    // which the library can't be unloaded, because a thread's start and a window's creation need the loader's
-    // lock.
+    // [editor thread] Starts the thread and returns when its window stands. False when the thread or
+    // the window could not be made; then the run is ended already. Returning earlier would leave a
+    // moment in which the library can't be unloaded, because a thread's start and a window's
+    // creation need the loader's lock.
     virtual bool start() = 0;
     // [editor thread] Posts the close request; it is never lost, whatever the panel is doing at that moment.
     virtual void requestClose() = 0;
@@ -40,9 +40,9 @@ public:
     // [editor thread, without the loader's lock] Returns when the thread has ended, however long that takes.
     // Messages that the panel sends to this thread are answered meanwhile.
     virtual void waitUntilGone() = 0;
-    // [the unloading thread, with the loader's lock held] Closes the panel and returns when the thread runs
-    // no code of this library and never will again. It can't have ended by then: a thread's end needs the
-    // loader's lock.
+    // [the unloading thread, with the loader's lock held] Closes the panel and returns when the thread
+    // runs no code of this library and never will again. It can't have ended by then: a thread's end
+    // needs the loader's lock.
     virtual void leaveForUnload() = 0;
 };
 

@@ -6,14 +6,14 @@
 
 namespace zoka {
 
-// The log's file, "debugLogOut.xml" until changed: relative to the process's current folder at the first
-// entry.
+// The log's file, "debugLogOut.xml" until changed: relative to the process's current
+// folder at the first entry.
 std::string& debugLogFileName();
 
-// Writes one entry: `file`, `line` and `func` name the place in our own source, `level` is 1 for "Error", 2
-// for "Warning", anything else for "Note". Texts are written as they are, null as an empty one. The first
-// entry makes the file anew. Whatever fails is swallowed. There is no lock: entries come from one thread at a
-// time.
+// Writes one entry: `file`, `line` and `func` name the place in our own source, `level` is 1 for
+// "Error", 2 for "Warning", anything else for "Note". Texts are written as they are, null as an empty
+// one. The first entry makes the file anew. Whatever fails is swallowed. There is no lock: entries come
+// from one thread at a time.
 void debugLog(const char* file, int line, const char* func, const char* message, int level) noexcept;
 void debugLog(const std::string& file, int line, const std::string& func, const std::string& message,
               int level) noexcept;

@@ -75,10 +75,9 @@ public:
     const zoka::FileTime* GetDatum() const { return &datum; }
 
     // Paths: backslashes and drive letters, on every system.
-    // "x:..." as it is; "\x" gets the current drive; anything else the current folder in front. For each
-    // leading
-    // "..\" that folder loses a part, while the name keeps them all; with no part left the name comes back
-    // unchanged.
+    // "x:..." as it is; "\x" gets the current drive; anything else the current folder in front. For
+    // each leading "..\" that folder loses a part, while the name keeps them all; with no part left the
+    // name comes back unchanged.
     static std::string AbsPath(const char* name);
     // Finds a folder by search, so neither "." nor a path that ends with a separator is one.
     static bool DirExist(const char* path);
@@ -90,8 +89,8 @@ public:
     static bool get_file_time(const char* name, zoka::FileTime* time);
     // Sets creation, last-access and last-write time. False when the file can't be opened for writing.
     static bool set_file_time(const char* name, const zoka::FileTime* time);
-    // "dd.mm.yyyy  hh:mm", of the time as it is (UTC). Times outside 1980..2107 give the first moment of
-    // 1980.
+    // "dd.mm.yyyy  hh:mm" (two blanks), of the time as it is (UTC). Times outside 1980..2107 give the
+    // first moment of 1980.
     static std::string ConvertFileTime(const zoka::FileTime* time);
 
 protected:
@@ -133,8 +132,8 @@ private:
     std::int32_t offset;
 };
 
-// A memory buffer that grows on writing. OpenRead reads a whole, non-empty disk file into it; OpenWrite
-// fails.
+// A memory buffer that grows on writing. OpenRead reads a whole, non-empty disk file
+// into it; OpenWrite fails.
 class ZOKA_API dmemfile_t : public file_t {
 public:
     dmemfile_t();
@@ -165,9 +164,9 @@ protected:
     void releaseMemory(bool owned);
 
     unsigned char* mem;
-    // The size by the growth steps (1024 for small writes, the rounded write for large ones). The block
-    // behind `mem` is larger, always blockSize(alloc) bytes in a file that grows, so that many small writes
-    // stay linear.
+    // The size by the growth steps (1024 for small writes, the rounded write for large ones). The
+    // block behind `mem` is larger, always blockSize(alloc) bytes in a file that grows, so that many
+    // small writes stay linear.
     std::int32_t alloc;
 
 private:
@@ -175,8 +174,8 @@ private:
     friend struct dmemfile_peek;  // tests
     dmemfile_t(unsigned char* mem, std::int32_t size);
     static std::size_t blockSize(std::int32_t alloc);
-    // Raises `alloc` by `step` and stores `bytes` at `pos`; false, with nothing changed, when there's no
-    // memory.
+    // Raises `alloc` by `step` and stores `bytes` at `pos`; false, with nothing
+    // changed, when there's no memory.
     bool append(const void* bytes, std::int32_t count, std::int32_t step);
 };
 

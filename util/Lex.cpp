@@ -47,8 +47,8 @@ const char* CLex::getNextUnformLine() {
         linelen = span.len;
         return span.text;
     }
-    // The last line is cut before its end is looked at, so that of a longer one the first 1024 bytes are
-    // left.
+    // The last line is cut before its end is looked at, so that of a longer one the
+    // first 1024 bytes are left.
     const char* start = starts.at(static_cast<size_t>(index));
     deliverCopy({start, static_cast<int>(std::min<long>(buf + bufsize - start, kMaxLine))});
     for (int i = 0; i < 2 && linelen > 0 && (line[linelen - 1] == '\r' || line[linelen - 1] == '\n'); ++i)

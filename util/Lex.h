@@ -25,9 +25,9 @@ enum CLEXERR {
 // in this class and raises std::out_of_range.
 class ZOKA_API CLex {
 public:
-    // Indexes the lines of `size` bytes at `text`. A null text has no lines; a size below 0 counts as 0; an
-    // empty text has one empty line. Sizes are kept in 32 bits: a text of 2 GiB is cut at 2,147,483,646
-    // bytes.
+    // Indexes the lines of `size` bytes at `text`. A null text has no lines; a size below 0
+    // counts as 0; an empty text has one empty line. Sizes are kept in 32 bits: a text of 2 GiB
+    // is cut at 2,147,483,646 bytes.
     CLex(const char* text, long size);
     ~CLex();  // the text stays
     CLex(const CLex&) = delete;
@@ -84,8 +84,8 @@ public:
     // Starts a walk over `len` bytes of `text` and returns its first token or null. `text` and `delims` are
     // kept, not copied: they must live as long as the walk.
     static const char* GetFirstToken(const char* text, long len, const char* delims = nullptr);
-    // The next token of the walk, or null at the end of the line (0, CR, LF or the length given), which ends
-    // the walk.
+    // The next token of the walk, or null at the end of the line (0, CR, LF or the length
+    // given), which ends the walk.
     static const char* GetNextToken();
     // The same, but a token that begins with a double quote whose closing quote follows in the bytes left (a
     // 0 ends them) is the text between the quotes, possibly empty; the walk goes on after the closing quote.
@@ -97,8 +97,8 @@ public:
     // Number of characters of 0-terminated `text` before its first blank, tab, LF, CR or separator.
     static int GetFirstTokenSize(const char* text, const char* delims = nullptr);
 
-    // The start of the first token of 0-terminated `text`, or null when its line (up to CR, LF or 0) has
-    // none.
+    // The start of the first token of 0-terminated `text`, or null when its line (up
+    // to CR, LF or 0) has none.
     static const char* GetTokenPos(const char* text, const char* delims = nullptr);
 
     // Copies the first token of 0-terminated `text`, 0-terminated, into `buffer` of `size` bytes. `buffer` is
@@ -116,9 +116,9 @@ public:
     // after the opening quote and sets `len` to the bytes between the quotes; null and 0 when no pair of
     // quotes is on the line.
     static const char* GetString(const char* text, int& len);
-    // This form copies it, 0-terminated and cut to what fits, into `buffer` of `size` bytes (at least 1) and
-    // returns the position after the closing quote; null, with an empty text in the buffer, when there is
-    // none.
+    // This form copies it, 0-terminated and cut to what fits, into `buffer` of `size` bytes (at
+    // least 1) and returns the position after the closing quote; null, with an empty text in the
+    // buffer, when there is none.
     static const char* GetString(const char* text, char* buffer, int size);
 
     // The first `c` in the 0-terminated `text`, or null. A 0 is never found.
@@ -128,11 +128,11 @@ public:
     // The first place before the line's end where all of `part` stands, case regarded, or null. An empty
     // `part` stands at the start.
     static const char* LineStrStr(const char* text, const char* part);
-    // The first character that is neither blank nor tab: at the end of the line its CR, LF or 0. Null for
-    // null.
+    // The first character that is neither blank nor tab: at the end of the line its
+    // CR, LF or 0. Null for null.
     static const char* NextChar(const char* text);
-    // Replaces every `from` of the 0-terminated `text` by `to`; returns how many there were. A 0 is not
-    // replaced.
+    // Replaces every `from` of the 0-terminated `text` by `to`; returns how many there
+    // were. A 0 is not replaced.
     static int ReplaceChar(char* text, char from, char to);
     // Removes every `c` from the 0-terminated `text`, in place; returns the new length.
     static int DeleteChar(char* text, char c);

@@ -1,5 +1,5 @@
-// The character classes on which the lexer's lines, tokens and numbers agree. ASCII alone, whatever the
-// locale.
+// The character classes on which the lexer's lines, tokens and numbers agree. ASCII
+// alone, whatever the locale.
 #pragma once
 
 #include <climits>

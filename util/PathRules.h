@@ -1,5 +1,5 @@
-// Rules of the suite's paths, as text alone: 8-bit, backslashes, drive letters. A slash is read as a
-// separator too.
+// Rules of the suite's paths, as text alone: 8-bit, backslashes, drive letters. A slash is
+// read as a separator too.
 #pragma once
 
 #include <string>
@@ -23,8 +23,8 @@ struct PathParts {
 };
 PathParts splitPath(std::string_view path);
 
-// Name with extension, and everything before its separator ("a\b.c": "a", "\b.c": "\", "C:\b.c": "C:\",
-// "b.c": "").
+// Name with extension, and everything before its separator ("a\b.c": "a", "\b.c": "\",
+// "C:\b.c": "C:\", "b.c": "").
 std::string_view fileNameOf(std::string_view path);
 std::string_view folderOf(std::string_view path);
 
@@ -35,8 +35,8 @@ bool isAbsolute(std::string_view path);
 // except the two of a server name. A separator at the end stays.
 std::string normalizePath(std::string_view path);
 
-// Comparison without regard to case, of the letters A-Z alone, so that no locale changes what names are
-// equal.
+// Comparison without regard to case, of the letters A-Z alone, so that no locale
+// changes what names are equal.
 bool equalNoCase(std::string_view a, std::string_view b);
 // Orders without regard to case; names that differ in case alone by their bytes.
 bool lessNoCase(std::string_view a, std::string_view b);

@@ -1,5 +1,5 @@
-// The user, as the logic sees them: asked and told through this interface, so that the
-// same code runs under the editor, in a terminal and in a test.
+// The user, as the logic sees them: asked and told through this interface, so that the same code runs under
+// the editor, in a terminal and in a test.
 #pragma once
 
 #include <optional>
@@ -38,14 +38,15 @@ public:
     virtual std::optional<std::string> chooseFile(const ChooserRequest& request) = 0;
     virtual std::optional<std::string> chooseFolder(const ChooserRequest& request) = 0;
 
-    // Shows an error that stays on top and ends the process with `exitStatus`. A test's prompt throws instead;
-    // callers need not be ready for a return.
-    [[noreturn]] virtual void fatalStop(const std::string& text, const std::string& title, int exitStatus) = 0;
+    // Shows an error that stays on top and ends the process with `exitStatus`. A test's prompt throws
+    // instead; callers need not be ready for a return.
+    [[noreturn]] virtual void fatalStop(const std::string& text, const std::string& title,
+                                        int exitStatus) = 0;
 };
 
-// The prompt of the running program: message boxes in the DLL, the terminal in the tool, a script of answers in a
-// test. Never null: until one is set, a prompt that writes to the standard error stream and answers Cancel serves.
-// Set once at start, before other threads exist; not owned.
+// The prompt of the running program: message boxes in the DLL, the terminal in the tool, a script of answers
+// in a test. Never null: until one is set, a prompt that writes to the standard error stream and answers
+// Cancel serves. Set once at start, before other threads exist; not owned.
 UserPrompt& userPrompt();
 void setUserPrompt(UserPrompt* prompt);
 

@@ -53,8 +53,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processE
         zoka::setPluginSeams(&g_windows);
         return zoka::startLibrary(zoka::startWindowToolkit);
     }
-    // When the process ends, the panels' threads are gone already, whatever they were doing: nothing may
-    // wait.
+    // When the process ends, the panels' threads are gone already, whatever they were
+    // doing: nothing may wait.
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         g_prompt.silence();
         zoka::shutDownPlugin();

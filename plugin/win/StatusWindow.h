@@ -1,5 +1,5 @@
-// A plain window: a title, what is loaded, a line each, and a button row. It serves as a panel and as a modal
-// dialog.
+// A plain window: a title, what is loaded, a line each, and a button row. It serves as a
+// panel and as a modal dialog.
 #pragma once
 
 #include <functional>

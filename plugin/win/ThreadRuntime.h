@@ -1,5 +1,5 @@
-// What the compiler's runtime, linked into the library, keeps for threads, and how to get rid of it at an
-// unload.
+// What the compiler's runtime, linked into the library, keeps for threads, and how to
+// get rid of it at an unload.
 #pragma once
 
 namespace zoka {

@@ -81,9 +81,10 @@ INT_PTR CALLBACK handleNothing(HWND, UINT, WPARAM, LPARAM) {
     return FALSE;
 }
 
-// The system's controls load what they need for themes at their first use, the last of it when a window is
-// destroyed. A panel for which that comes while the library is being unloaded would wait for the loader's lock. So a
-// window like it is made and destroyed once before, unseen, on a thread that may load. [editor thread]
+// The system's controls load what they need for themes at their first use, the last of it when a
+// window is destroyed. A panel for which that comes while the library is being unloaded would wait for
+// the loader's lock. So a window like it is made and destroyed once before, unseen, on a thread that
+// may load. [editor thread]
 void rehearse(int number) {
     static bool done = false;
     if (done) {
@@ -160,8 +161,8 @@ void CViewThread::waitUntilGone() {
 void CViewThread::leaveForUnload() {
     const DWORD start = GetTickCount();
     while (!ended() && !m_left.load()) {
-        // Asked again and again: what the panel shows of its own, a question say, has nobody left to answer
-        // it.
+        // Asked again and again: what the panel shows of its own, a question say, has
+        // nobody left to answer it.
         requestClose();
         waitAnswering({m_gone, m_thread}, kUnloadPollMs);
         if (GetTickCount() - start > kUnloadPatienceMs) {
@@ -196,8 +197,8 @@ __attribute__((noinline)) void CViewThread::run() {
         m_window.store(window);
         ShowWindow(window, SW_SHOWNORMAL);
         UpdateWindow(window);
-        // Made while the editor was in front, the frame is drawn as that of a window behind; the system may not
-        // notice, because for this thread the window is the active one all the time.
+        // Made while the editor was in front, the frame is drawn as that of a window behind; the system may
+        // not notice, because for this thread the window is the active one all the time.
         if (SetForegroundWindow(window)) {
             SendMessageA(window, WM_NCACTIVATE, TRUE, 0);
         }

@@ -1,5 +1,5 @@
-// The thread of one panel: its window, its message loop, and an end that leaves no code of this library
-// running.
+// The thread of one panel: its window, its message loop, and an end that leaves no code
+// of this library running.
 #pragma once
 
 #include <atomic>
@@ -10,10 +10,9 @@
 // from that:
 // - waitUntilGone (terminate): waits for the thread itself.
 // - leaveForUnload (the library is being unmapped; the loader's lock is held): the thread can't end before
-// the lock is
-//   released, since a thread's end needs it. It is waited for until it has left this library's code for good:
-//   it says so in a word as its last act before ExitThread, and then its instruction pointer lies outside the
-//   module.
+//   that lock is released, since its end needs the lock. It is waited for until it has left this library's
+//   code for good: it says so in a word as its last act before ExitThread, and then its instruction pointer
+//   lies outside the module.
 class CViewThread : public zoka::PanelThread {
 public:
     // Both references must live until the thread has ended or left.

@@ -113,8 +113,8 @@ inline std::string folded(std::string_view line) {
     return lower;
 }
 
-// A search for the beginning of line `wanted`, started at line `from`, must end where trying each line in
-// turn does.
+// A search for the beginning of line `wanted`, started at line `from`, must end where
+// trying each line in turn does.
 inline bool searchHolds(CLex& lex, const std::vector<std::string_view>& lines, size_t wanted, size_t from) {
     const std::string part = folded(lines[wanted]).substr(0, 3);
     size_t at = 0;
@@ -126,8 +126,8 @@ inline bool searchHolds(CLex& lex, const std::vector<std::string_view>& lines, s
            folded({found, static_cast<size_t>(lex.getLineLen())}).starts_with(part);
 }
 
-// Null when everything holds, else what does not. `firstLine` is where the walk begins: lines before it are
-// indexed only.
+// Null when everything holds, else what does not. `firstLine` is where the walk begins: lines
+// before it are indexed only.
 inline const char* fault(std::string_view source, size_t firstLine = 0) {
     const ExactCopy copy(source);
     const std::string_view text(copy.bytes.get(), copy.size);

@@ -104,8 +104,8 @@ TEST(SafeWrite, SaysWhatIsWrong) {
         EXPECT_EQ(folder.read("a.kez"), "old");
         EXPECT_EQ(folder.names(), Names{"a.kez"});
     }
-    // Written in place on a disk that takes no byte any more: half of the new content is there, and it says
-    // so.
+    // Written in place on a disk that takes no byte any more: half of the new content
+    // is there, and it says so.
     const FaultyOsFiles disk(
         [](int, std::string_view op, const std::string&) { return noSibling(op) || op == "cutHere"; });
     EXPECT_NE(safeWrite(path, "new").error.find("could not be put back"), std::string::npos);
