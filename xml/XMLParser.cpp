@@ -133,8 +133,7 @@ XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
     if (skipBlanks(begin_) == end_) {
         fail(kXmlNoData, nullptr);
     } else {
-        const bool declared =
-            std::strncmp(begin_, "<?xml", 5) == 0 && (isXmlBlank(begin_[5]) || begin_[5] == '?');
+        const bool declared = startsWith(begin_, "<?xml") && (isXmlBlank(begin_[5]) || begin_[5] == '?');
         char* p = declared ? declaration(begin_) : begin_;
         if (p && content(p) && !top_) fail(kXmlNoElements, end_);
     }
@@ -441,13 +440,10 @@ char* Parser<Utf8>::endTag(char* p) {
 
 template <bool Utf8>
 char* Parser<Utf8>::exclamation(char* p) {
-    // Not looking at the '<', in whose place a text's terminator may stand.
-    const auto begins = [p](std::string_view text) {
-        return std::strncmp(p + 1, text.data(), text.size()) == 0;
-    };
-    if (begins("!--")) return comment(p);
-    if (begins("![CDATA[")) return cdata(p);
-    if (begins("!DOCTYPE")) return doctype(p);
+    // The '<' is not looked at: a text's terminator may stand in its place.
+    if (startsWith(p + 1, "!--")) return comment(p);
+    if (startsWith(p + 1, "![CDATA[")) return cdata(p);
+    if (startsWith(p + 1, "!DOCTYPE")) return doctype(p);
     return fail(kXmlInvalidTag, p);
 }
 
@@ -490,7 +486,7 @@ char* Parser<Utf8>::doctype(char* p) {
         if (c == '"' || c == '\'') {
             q = findClose(q + 1, {&c, 1}, p);
             if (q) ++q;
-        } else if (c == '<' && std::strncmp(q, "<!--", 4) == 0) {
+        } else if (c == '<' && startsWith(q, "<!--")) {
             q = findClose(q + 4, "-->", p);
             if (q) q += 3;
         } else if (c == '<' && q[1] == '?') {

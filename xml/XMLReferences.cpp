@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <string>
-#include <string_view>
 
 #include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
@@ -33,20 +32,20 @@ char* put(char* out, char32_t c) {
 
 char* xmlReference(char* p, char32_t& c) {
     ++p;
-    const auto is = [&](std::string_view text, char32_t character) -> char* {
-        if (std::strncmp(p, text.data(), text.size()) != 0) return nullptr;
+    const auto found = [&](int length, char32_t character) {
         c = character;
-        return p + text.size();
+        return p + length;
     };
     switch (*p) {
         case 'l':
-            return is("lt;", '<');
+            return startsWith(p, "lt;") ? found(3, '<') : nullptr;
         case 'g':
-            return is("gt;", '>');
+            return startsWith(p, "gt;") ? found(3, '>') : nullptr;
         case 'q':
-            return is("quot;", '"');
+            return startsWith(p, "quot;") ? found(5, '"') : nullptr;
         case 'a':
-            return p[1] == 'm' ? is("amp;", '&') : is("apos;", '\'');
+            if (startsWith(p, "amp;")) return found(4, '&');
+            return startsWith(p, "apos;") ? found(5, '\'') : nullptr;
         case '#':
             break;
         default:

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -59,6 +60,14 @@ Char* skipBlanks(Char* p) {
 inline char* scanName(char* p) {
     while (hasClass(*p, kCharName)) ++p;
     return p;
+}
+
+// Whether the text at `p` begins so; not read past the first difference.
+template <std::size_t N>
+bool startsWith(const char* p, const char (&text)[N]) {
+    for (std::size_t i = 0; i + 1 < N; ++i)
+        if (p[i] != text[i]) return false;
+    return true;
 }
 
 #if defined(__SSE2__)
