@@ -29,6 +29,10 @@ std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomS
 // all that have changed.
 std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly);
 
+// Why an entry of a new version doesn't take a kept value: its field or its limits refuse it, or it means
+// something else now (a switch that became a list). Empty when it does.
+std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntrySpec& spec);
+
 // Puts each value into the entry with its id, values of an id that stands there several times in their order;
 // without an id into the entry of the same label. Values that the new entry refuses, its limits included, and
 // those without an entry are handed back. Linear.

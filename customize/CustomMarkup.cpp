@@ -98,7 +98,7 @@ private:
         while (at < line.size() && lex::isBlank(line[at])) ++at;
         if (at == line.size() || !line[at] || lex::isLineEnd(line[at])) {
             if (m_entry.kind >= 0) drop("a blank line follows");
-            m_inAction = false;
+            m_inAction = m_inBehavior = false;
             return;
         }
         const bool comment = line[at] == '/' && at + 1 < line.size() && line[at + 1] == '/';
@@ -161,6 +161,7 @@ private:
                     reportSlip(line);
                 break;
             default:  // the behaviour panel's words and the kinds that are no words
+                m_inBehavior = keyword >= kDesc;
                 break;
         }
     }
@@ -217,7 +218,9 @@ private:
 
     bool refines(const MarkupLine& line) {
         if (m_entry.kind >= 0) return true;
-        if (line.colon) report(inQuotes(line.keyword) + " belongs to no entry; it was ignored");
+        // Below a skill or a flag it's the behaviour panel's.
+        if (line.colon && !m_inBehavior)
+            report(inQuotes(line.keyword) + " belongs to no entry; it was ignored");
         return false;
     }
 
@@ -366,7 +369,8 @@ private:
     int m_line = 0;       // the current line's number
     CustomEntry m_entry;  // under construction while its kind is one
     bool m_inAction = false;
-    int m_switchedLines = 0;  // commented lines that the "enable" under construction has found
+    bool m_inBehavior = false;  // below a skill, a flag or the like
+    int m_switchedLines = 0;    // commented lines that the "enable" under construction has found
 };
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "controls/EntryRules.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
 #include "util/OsFiles.h"
@@ -175,7 +174,7 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
             "the script has no entry for it"};
         if (entry) {
             const auto& model = static_cast<const EntryModel&>(*entry->control);
-            lost.reason = entryRefusal(model.spec(), record.value);
+            lost.reason = carryRefusal(lost.kept, *entry, model.spec());
             if (lost.reason.empty()) entry->control->SetValueFromText(record.value);
         }
         if (!lost.reason.empty()) m_unplaced.push_back(std::move(lost));

@@ -24,8 +24,9 @@ std::string controlText(const CustomEntry& entry) {
     switch (entry.controlKind) {
         case kSpin:
         case kSliderControl:
-            return std::string(entry.controlKind == kSpin ? "spin " : "slider ") + numberText(entry.minimum, 6) + ' ' +
-                   numberText(entry.maximum, 6) + ' ' + numberText(entry.step, 6);
+            return std::string(entry.controlKind == kSpin ? "spin " : "slider ") +
+                   numberText(entry.minimum, 6) + ' ' + numberText(entry.maximum, 6) + ' ' +
+                   numberText(entry.step, 6);
         case kDropPair:
             return "drop_pair";
         case kDropList: {
@@ -42,15 +43,16 @@ std::string entriesText(const CustomScript& script) {
     std::string text =
         "version " + std::to_string(script.version) + ", date " + std::to_string(script.date) + '\n';
     for (const CustomEntry& entry : script.entries) {
-        text += std::to_string(entry.line) + ' ' + customKeywordName(entry.kind) + " \"" + shown(entry.label) + '"';
+        text += std::to_string(entry.line) + ' ' + customKeywordName(entry.kind) + " \"" +
+                shown(entry.label) + '"';
         if (entry.id != -1) text += " id " + std::to_string(entry.id);
         if (entry.hasValue())
-            text += " @" + std::to_string(entry.valueStart) + '+' + std::to_string(entry.valueLength) + " = " +
-                    shown(entry.value);
+            text += " @" + std::to_string(entry.valueStart) + '+' + std::to_string(entry.valueLength) +
+                    " = " + shown(entry.value);
         text += '\n';
         if (entry.textParam1 || entry.textParam2)
-            text += "    " + std::to_string(entry.textParam1) + " lines, " + std::to_string(entry.textParam2) +
-                    " characters\n";
+            text += "    " + std::to_string(entry.textParam1) + " lines, " +
+                    std::to_string(entry.textParam2) + " characters\n";
         if (const std::string control = controlText(entry); !control.empty()) text += "    " + control + '\n';
         if (!entry.help.empty()) text += "    help: " + shown(entry.help) + '\n';
     }

@@ -259,7 +259,8 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
     }
     for (const char* good :
          {"// data: weather.kez", "// test of things", "// date: 1", "// enable: A\n//x;\n\n",
-          "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;"})
+          "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;",
+          "// skill1: Speed 3\n// cntl: spin 1 2 1\n// help: h\naction a"})
         EXPECT_THAT(parsed(good).findings.kept(), IsEmpty()) << good;
 }
 

@@ -32,6 +32,7 @@ using Work = std::function<ExitStatus()>;
 void addXmlCommands(CLI::App& app, Work& chosen);
 void addCatalogueCommands(CLI::App& app, Work& chosen);  // zoka help-pages too
 void addScriptCommands(CLI::App& app, Work& chosen);
+void addCustomizeCommands(CLI::App& app, Work& chosen);
 
 // The end of a command's --help: an example line and the exit codes.
 void setExample(CLI::App& command, const std::string& line);

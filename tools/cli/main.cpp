@@ -27,6 +27,7 @@ cli::ExitStatus run(int argc, char** argv) {
     cli::addXmlCommands(app, chosen);
     cli::addCatalogueCommands(app, chosen);
     cli::addScriptCommands(app, chosen);
+    cli::addCustomizeCommands(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {

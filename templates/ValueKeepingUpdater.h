@@ -1,0 +1,24 @@
+// The update of the customization panel for the script-management pages.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "customize/ValueUpdate.h"
+#include "templates/ScriptUpdate.h"
+
+namespace zoka {
+
+class ValueKeepingUpdater : public ScriptUpdater {
+public:
+    bool update(const std::string& projectCopy, const std::string& templateCopy, std::string& why) override {
+        return updateKeepingValues(projectCopy, templateCopy, why, &m_unplaced);
+    }
+    // Values that the last update had no place for; they are in the file of old values too.
+    const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
+
+private:
+    std::vector<UnplacedValue> m_unplaced;
+};
+
+}  // namespace zoka

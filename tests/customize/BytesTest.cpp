@@ -1,0 +1,174 @@
+// Saving changes the values' spans and not one byte else: on every sample, in every form, and on random text.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "customize/EntriesText.h"
+#include "customize/ScriptPanel.h"
+#include "customize/WriteBack.h"
+#include "tests/customize/Edits.h"
+#include "tests/customize/Samples.h"
+
+using namespace zoka;
+using namespace zoka::test;
+
+namespace {
+
+ScriptPanel panelOf(const std::string& text) {
+    ScriptPanel panel;
+    takeCustomText(text, panel.script);
+    panel.makeRows();
+    return panel;
+}
+
+std::string savedText(const ScriptPanel& panel) {
+    const std::vector<ScriptEdit> edits = editsOf(panel.script);
+    EXPECT_EQ(editFault(panel.script, edits), "");
+    return editedText(panel.script.fileText(), edits);
+}
+
+// The text without the spans of its values: what saving may not touch. Switched lines lose their slashes.
+std::string frameOf(const CustomScript& script) {
+    std::string frame;
+    size_t cursor = 0;
+    for (const CustomEntry& entry : script.entries) {
+        if (!entry.hasValue()) continue;
+        frame.append(script.fileText().substr(cursor, entry.valueStart - cursor)) += '|';
+        cursor = entry.valueStart + entry.valueLength;
+    }
+    return frame.append(script.fileText().substr(cursor));
+}
+
+TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
+    const auto samples = sampleScripts();
+    ASSERT_GE(samples.size(), 60u);
+    std::mt19937 random(7);
+    size_t edited = 0;
+    for (const auto& [name, bytes] : samples) {
+        for (const std::string& form : formsOf(bytes)) {
+            SCOPED_TRACE(name);
+            ScriptPanel first = panelOf(form);
+            EXPECT_TRUE(editsOf(first.script).empty());
+            EXPECT_EQ(savedText(first), form);
+            std::vector<std::string> values;
+            for (size_t i = 0; i < first.size(); ++i) {
+                EntryModel& row = first.row(i);
+                std::string why;
+                if (first.script.entries[i].hasValue() && random() % 4 != 0) {
+                    EXPECT_TRUE(row.edit(otherValue(row, random), &why)) << why;
+                    edited += row.HasChanged();
+                }
+                values.push_back(row.value());
+            }
+            const std::string saved = savedText(first);
+            ScriptPanel second = panelOf(saved);
+            ASSERT_EQ(frameOf(second.script), frameOf(first.script));
+            ASSERT_TRUE(notReadBack(first.script, second.script).empty());
+            ASSERT_EQ(second.size(), values.size());
+            for (size_t i = 0; i < values.size(); ++i) {
+                ASSERT_EQ(second.row(i).value(), values[i]);
+                ASSERT_TRUE(second.row(i).SetValueFromText(first.row(i).loadedValue()));
+            }
+            ASSERT_EQ(savedText(second), form);
+        }
+    }
+    EXPECT_GT(edited, 2000u);
+}
+
+// Whatever a script holds, what is found in it lies inside, in order, and saving without changes is the
+// identity.
+void checkAnyText(const std::string& text, std::mt19937& random) {
+    ScriptPanel panel = panelOf(text);
+    ASSERT_EQ(panel.script.fileText(), text);
+    size_t cursor = 0;
+    for (const CustomEntry& entry : panel.script.entries) {
+        if (!entry.hasValue()) continue;
+        ASSERT_GE(entry.valueStart, cursor);
+        cursor = entry.valueStart + entry.valueLength;
+        ASSERT_LE(cursor, panel.script.fileLength);
+    }
+    ASSERT_EQ(savedText(panel), text);
+    for (size_t i = 0; i < panel.size(); ++i)
+        if (panel.script.entries[i].hasValue()) panel.row(i).edit(otherValue(panel.row(i), random));
+    const std::string saved = savedText(panel);
+    CustomScript again;
+    takeCustomText(saved, again);
+    // Lines switched in odd places may become something else; values may not.
+    for (const size_t i : notReadBack(panel.script, again)) {
+        bool switched = false;
+        for (const CustomEntry& entry : panel.script.entries)
+            switched = switched || (entry.kind == kEnable && entry.control->HasChanged());
+        ASSERT_TRUE(switched) << "the value of \"" << panel.script.entries[i].label << "\" is lost";
+    }
+}
+
+TEST(Bytes, EveryPrefixAndRandomByteChangesOfTheSamplesAreTaken) {
+    std::mt19937 random(11);
+    for (const auto& [name, bytes] : sampleScripts()) {
+        SCOPED_TRACE(name);
+        for (size_t length = 0; length < bytes.size(); length += 1 + random() % 40)
+            checkAnyText(bytes.substr(0, length), random);
+        for (int i = 0; i < 60; ++i) {
+            std::string changed = bytes;
+            changed[random() % changed.size()] = "\0\"<>;=/\n\r :,0x\xFF"[random() % 16];
+            checkAnyText(changed, random);
+        }
+    }
+}
+
+TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
+    const struct {
+        const char* before;
+        const char* after;
+    } rows[] = {
+        {"// enable: A\r\n  define X;", "// enable: A\r\n//  define X;"},
+        {"// enable: A\n  //define X;\n", "// enable: A\n  define X;\n"},
+        {"// enable: A\n// define X;\n//Y;\n", "// enable: A\n define X;\nY;\n"},
+    };
+    for (const auto& row : rows) {
+        ScriptPanel panel = panelOf(row.before);
+        for (size_t i = 0; i < panel.size(); ++i) panel.row(i).edit(panel.row(i).isOn() ? "0" : "1");
+        EXPECT_EQ(savedText(panel), row.after);
+    }
+}
+
+TEST(WriteBack, OverlappingAndBackwardSpansAreRefused) {
+    ScriptPanel panel = panelOf("// entry: A\nvar x = 10;\n// entry: B\nvar y = 20;\n");
+    panel.row(0).edit("1");
+    panel.row(1).edit("2");
+    panel.script.entries[1].valueStart = panel.script.entries[0].valueStart + 1;
+    EXPECT_EQ(editFault(panel.script, editsOf(panel.script)),
+              "The value of \"B\" (line 3) lies within what another change replaces.");
+    panel.script.entries[1].valueStart = panel.script.fileLength - 1;
+    EXPECT_EQ(editFault(panel.script, editsOf(panel.script)),
+              "The value of \"B\" (line 3) lies behind the script's end.");
+}
+
+TEST(WriteBack, LineChangesShowWholeLinesOnce) {
+    ScriptPanel panel = panelOf(
+        "// entry: A\r\nvar x = 1; // one\r\n// enable: B\r\n//define B;\r\n// entry_text: 3, 90, C\r\ns = "
+        "\"a\r\nb\";\r\n"
+        "// entry: D\r\nvar d = 4;");
+    panel.row(0).edit("2");
+    panel.row(1).edit("1");
+    panel.row(2).edit("c");
+    panel.row(3).edit("5");
+    std::string text;
+    for (const LineChange& one : lineChanges(panel.script.fileText(), editsOf(panel.script)))
+        text += std::to_string(one.line) + '{' + one.before + "}{" + one.after + '}';
+    EXPECT_EQ(text,
+              "2{var x = 1; // one}{var x = 2; // one}4{//define B;}{define B;}6{s = \"a\r\nb\";}{s = \"c\";}"
+              "9{var d = 4;}{var d = 5;}");
+}
+
+TEST(Golden, TheEntriesOfEverySampleAreThoseApproved) {
+    for (const auto& [name, bytes] : sampleScripts()) {
+        CustomScript script;
+        takeCustomText(bytes, script);
+        const auto path =
+            std::filesystem::path(ZOKA_SOURCE_DIR) / "tests/customize/golden" / (name + ".golden");
+        EXPECT_EQ(entriesText(script), readNative(path))
+            << "docs/customize-markup.md tells how to approve a change";
+    }
+}
+
+}  // namespace

@@ -1,0 +1,427 @@
+// zoka customize: the values that scripts offer for editing, without the panel.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "controls/EntryRules.h"
+#include "customize/CustomizeSession.h"
+#include "customize/EntriesText.h"
+#include "customize/ValueFile.h"
+#include "customize/ValueUpdate.h"
+#include "plugin/FolderHost.h"
+#include "templates/LineDiff.h"
+#include "tools/cli/Cli.h"
+#include "tools/cli/Json.h"
+#include "tools/cli/SuitePath.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct CustomizeOptions {
+    std::string file, other;
+    std::vector<std::string> words;  // files, names of entries, or name=value
+    bool json = false, dryRun = false, full = false;
+};
+
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+std::string oneLine(const std::string& text) {
+    std::string made;
+    for (const char c : text) {
+        if (c == '\n')
+            made += "\\n";
+        else if (c != '\r')
+            made += c;
+    }
+    return made;
+}
+
+// A script opened as the panel opens it. Its own folder is the project's, so saving stays there.
+class OpenScript {
+public:
+    explicit OpenScript(const std::string& file)
+        : m_path(osFiles().fullPath(suitePath(file))),
+          m_host({.project = std::string(folderOf(m_path)), .suite = std::string(folderOf(m_path))}),
+          m_session(m_host, userPrompt()) {
+        m_open = m_session.open(m_path);
+        if (!m_open) complain("cannot read " + file + ": " + osFiles().lastError());
+    }
+
+    bool isOpen() const { return m_open; }
+    const std::string& path() const { return m_path; }
+    CustomizeSession& session() { return m_session; }
+
+    // The entry of an id or, where it's no id, of a label; -1 after a complaint.
+    int find(const std::string& name) {
+        const bool number = !name.empty() && name.find_first_not_of("0123456789") == name.npos;
+        int found = -1, matches = 0;
+        for (const bool byId : {true, false}) {
+            for (size_t i = 0; i < m_session.size() && matches < 2; ++i) {
+                const CustomEntry& entry = m_session.entry(i);
+                if (!entry.hasValue()) continue;
+                if (byId ? number && entry.id >= 1 && std::to_string(entry.id) == name
+                         : equalNoCase(entry.label, name)) {
+                    found = matches++ == 0 ? static_cast<int>(i) : found;
+                }
+            }
+            if (matches > 0) break;
+        }
+        if (matches == 1) return found;
+        complain(matches == 0 ? "no entry has the id or label \"" + name + "\""
+                              : "several entries are called \"" + name + "\"; name it by its id");
+        return -1;
+    }
+
+    // Saves, or with a dry run prints the lines that saving would change.
+    ExitStatus finish(bool dryRun) {
+        if (dryRun) {
+            const std::vector<ScriptEdit> edits = editsOf(m_session.script());
+            print(unifiedDifference(m_session.script().fileText(),
+                                    editedText(m_session.script().fileText(), edits), m_path, m_path));
+            return ExitStatus::Done;
+        }
+        switch (m_session.save()) {
+            case SaveResult::Saved:
+            case SaveResult::NothingToSave:
+                return ExitStatus::Done;
+            case SaveResult::Cancelled:
+                complain("not saved");
+                return ExitStatus::Findings;
+            case SaveResult::Failed:
+                break;
+        }
+        complain(m_session.problem());
+        return ExitStatus::Failed;
+    }
+
+private:
+    std::string m_path;
+    FolderHost m_host;
+    CustomizeSession m_session;
+    bool m_open = false;
+};
+
+// The template of a script, from its own file name or the folder that it lies in.
+std::string templateFile(const std::string& script, const std::string& given) {
+    const std::string path = osFiles().fullPath(suitePath(given));
+    const auto entry = osFiles().search(path);
+    if (!entry || !entry->isFolder) return path;
+    const std::string same = joinPath(path, fileNameOf(script)), numbered = numberedTemplateOf(script);
+    return osFiles().exists(same) || numbered.empty() ? same : joinPath(path, numbered);
+}
+
+Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
+    Json one;
+    one["line"] = entry.line;
+    one["kind"] = customKeywordName(entry.kind);
+    one["label"] = jsonText(entry.label);
+    if (!entry.help.empty()) one["help"] = jsonText(entry.help);
+    if (!entry.hasValue()) return one;
+    if (entry.id >= 1) one["id"] = entry.id;
+    one["value"] = jsonText(entry.value);
+    const EntrySpec spec = specOf(script, entry);
+    if (isNumber(spec.field) && spec.limited) {
+        one["minimum"] = spec.minimum;
+        one["maximum"] = spec.maximum;
+        one["step"] = EntryModel(spec).step();
+    }
+    if (!spec.options.empty()) one["options"] = jsonTexts(spec.options);
+    return one;
+}
+
+ExitStatus list(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    const CustomScript& script = open.session().script();
+    if (options.json) {
+        Json all;
+        all["script"] = jsonText(options.file);
+        all["version"] = script.version;
+        all["date"] = script.date;
+        all["entries"] = Json::array();
+        for (const CustomEntry& entry : script.entries) all["entries"].push_back(jsonOf(script, entry));
+        printJson(all);
+    } else if (options.full) {
+        print(entriesText(script));
+    } else {
+        for (size_t i = 0; i < script.entries.size(); ++i) {
+            const CustomEntry& entry = script.entries[i];
+            if (entry.kind == kSection) print("\n" + oneLine(entry.label) + "\n");
+            if (!entry.hasValue()) continue;
+            const std::string range = allowedRange(open.session().row(i).spec());
+            print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
+                  oneLine(entry.label) + " = " + oneLine(entry.value) +
+                  (range.empty() ? "" : "\t(" + range + ")") + "\n");
+        }
+    }
+    return ExitStatus::Done;
+}
+
+ExitStatus get(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    std::vector<int> found;
+    for (const std::string& name : options.words)
+        if (found.push_back(open.find(name)); found.back() < 0) return ExitStatus::Usage;
+    Json all = Json::array();
+    for (const int i : found) {
+        const CustomEntry& entry = open.session().entry(static_cast<size_t>(i));
+        if (options.json)
+            all.push_back(jsonOf(open.session().script(), entry));
+        else
+            print(entry.value + "\n");
+    }
+    if (options.json) printJson(all);
+    return ExitStatus::Done;
+}
+
+ExitStatus set(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    for (const std::string& word : options.words) {
+        const size_t equals = word.find('=');
+        if (equals == word.npos) {
+            complain("\"" + word + "\" is not of the form name=value");
+            return ExitStatus::Usage;
+        }
+        const int i = open.find(word.substr(0, equals));
+        if (i < 0) return ExitStatus::Usage;
+        std::string why;
+        if (!open.session().setValue(static_cast<size_t>(i), word.substr(equals + 1), &why)) {
+            complain("\"" + open.session().entry(static_cast<size_t>(i)).label + "\": " + why +
+                     " Nothing was changed.");
+            return ExitStatus::Findings;
+        }
+    }
+    return open.finish(options.dryRun);
+}
+
+// The value in the template of each entry that has one there.
+std::optional<std::vector<std::optional<std::string>>> templateValues(OpenScript& open,
+                                                                      const std::string& given) {
+    const std::string path = templateFile(open.path(), given);
+    auto text = templateTextFor(open.path(), path);
+    if (!text) {
+        complain("cannot read " + path + ": " + osFiles().lastError());
+        return std::nullopt;
+    }
+    CustomScript original;
+    takeCustomText(std::move(*text), original);
+    std::vector<std::optional<std::string>> values;
+    for (const std::ptrdiff_t place : matchEntries(open.session().script(), original))
+        values.push_back(place < 0 ? std::nullopt
+                                   : std::optional(original.entries[static_cast<size_t>(place)].value));
+    return values;
+}
+
+ExitStatus reset(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    const auto values = templateValues(open, options.other);
+    if (!values) return ExitStatus::Failed;
+    std::vector<bool> chosen(values->size(), options.words.empty());
+    for (const std::string& name : options.words) {
+        const int i = open.find(name);
+        if (i < 0) return ExitStatus::Usage;
+        chosen[static_cast<size_t>(i)] = true;
+    }
+    ExitStatus status = ExitStatus::Done;
+    for (size_t i = 0; i < values->size(); ++i) {
+        const auto& value = (*values)[i];
+        const CustomEntry& entry = open.session().entry(i);
+        if (!chosen[i] || !entry.hasValue()) continue;
+        std::string why = "the template has no such entry.";
+        if (value && open.session().setValue(i, *value, &why)) continue;
+        complain("\"" + entry.label + "\": " + why);
+        status = ExitStatus::Findings;
+    }
+    return worse(status, open.finish(options.dryRun));
+}
+
+ExitStatus diff(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    const auto values = templateValues(open, options.other);
+    if (!values) return ExitStatus::Failed;
+    Json all = Json::array();
+    for (size_t i = 0; i < values->size(); ++i) {
+        const CustomEntry& entry = open.session().entry(i);
+        const auto& other = (*values)[i];
+        if (!entry.hasValue() || (other && *other == entry.value)) continue;
+        Json one{{"label", jsonText(entry.label)}, {"value", jsonText(entry.value)}};
+        if (entry.id >= 1) one["id"] = entry.id;
+        if (other) one["other"] = jsonText(*other);
+        all.push_back(one);
+        if (!options.json)
+            print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
+                  oneLine(entry.label) + ": " + oneLine(entry.value) +
+                  (other ? " (there " + oneLine(*other) + ")" : " (missing there)") + "\n");
+    }
+    if (options.json) printJson(all);
+    return all.empty() ? ExitStatus::Done : ExitStatus::Findings;
+}
+
+ExitStatus update(const CustomizeOptions& options) {
+    const std::string path = osFiles().fullPath(suitePath(options.file));
+    const std::string original = templateFile(path, options.other);
+    std::string why;
+    auto plan = planValueUpdate(path, original, why);
+    if (!plan) {
+        complain(why);
+        return ExitStatus::Failed;
+    }
+    if (options.dryRun)
+        print(unifiedDifference(plan->before, plan->after, path, path));
+    else if (equalNoCase(path, original) || !updateKeepingValues(path, original, why, &plan->unplaced)) {
+        complain(why.empty() ? "the script is its own template; not updated" : why + "; not updated");
+        return ExitStatus::Failed;
+    }
+    for (const UnplacedValue& lost : plan->unplaced)
+        complain("no place for " + oneLine(unplacedText({lost})).substr(0, 300));
+    return plan->unplaced.empty() ? ExitStatus::Done : ExitStatus::Findings;
+}
+
+ExitStatus exportValues(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    const std::string target = options.other.empty()             ? open.path() + kValueFileEnding
+                               : isStandardStream(options.other) ? options.other
+                                                                 : suitePath(options.other);
+    return writeOutput(target, valueFileText(open.session().script(), false)) ? ExitStatus::Done
+                                                                              : ExitStatus::Failed;
+}
+
+ExitStatus import(const CustomizeOptions& options) {
+    OpenScript open(options.file);
+    if (!open.isOpen()) return ExitStatus::Failed;
+    const auto bytes = readInput(options.other.empty()             ? open.path() + kValueFileEnding
+                                 : isStandardStream(options.other) ? options.other
+                                                                   : suitePath(options.other));
+    if (!bytes) return ExitStatus::Failed;
+    const ValueRecords stored = parseValueFile(*bytes);
+    ExitStatus status = ExitStatus::Done;
+    if (stored.error) {
+        complain("the value file ends too soon; nothing was changed");
+        return ExitStatus::Findings;
+    }
+    CustomizeSession& session = open.session();
+    std::unordered_map<int, size_t> firstOf;
+    for (size_t i = 0; i < session.size(); ++i)
+        if (session.entry(i).hasValue()) firstOf.try_emplace(session.entry(i).id, i);
+    for (const ValueRecord& record : stored.records) {
+        const auto found = firstOf.find(record.id);
+        std::string value = record.value, why = "the script has no such entry.";
+        if (value.ends_with('\r')) value.pop_back();
+        if (found != firstOf.end() && session.setValue(found->second, value, &why)) continue;
+        complain("id " + std::to_string(record.id) + " (" + value + "): " + why);
+        status = ExitStatus::Findings;
+    }
+    return worse(status, open.finish(options.dryRun));
+}
+
+ExitStatus checkFile(const std::string& path, Json* json) {
+    CustomScript script;
+    if (!LoadCustomScript(path, script)) {
+        complain("cannot read " + path + ": " + osFiles().lastError());
+        return ExitStatus::Failed;
+    }
+    for (const MarkupFinding& finding : script.findings.kept()) {
+        if (json)
+            json->push_back(
+                {{"file", jsonText(path)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
+        else
+            print(path + ':' + std::to_string(finding.line) + ": " + oneLine(finding.what) + "\n");
+    }
+    const size_t left = script.findings.count() - script.findings.kept().size();
+    if (left > 0) complain(path + ": " + std::to_string(left) + " more findings are not listed");
+    return script.findings.count() > 0 ? ExitStatus::Findings : ExitStatus::Done;
+}
+
+ExitStatus check(const CustomizeOptions& options) {
+    ExitStatus status = ExitStatus::Done;
+    Json all = Json::array();
+    Json* const json = options.json ? &all : nullptr;
+    for (const std::string& word : options.words) {
+        const std::string path = suitePath(word);
+        const auto entry = osFiles().search(path);
+        if (!entry || !entry->isFolder) {
+            status = worse(status, checkFile(path, json));
+            continue;
+        }
+        for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez")))
+            if (!file.isFolder) status = worse(status, checkFile(joinPath(path, file.name), json));
+    }
+    if (json) printJson(all);
+    return status;
+}
+
+}  // namespace
+
+void addCustomizeCommands(CLI::App& app, Work& chosen) {
+    CLI::App* group = app.add_subcommand("customize", "The values that scripts offer for editing");
+    setExample(*group, "zoka customize list fog.kez");
+    const auto add = [&](const char* name, const char* what, const char* example,
+                         ExitStatus (*work)(const CustomizeOptions&), auto&&... more) {
+        CLI::App* command = group->add_subcommand(name, what);
+        const auto options = std::make_shared<CustomizeOptions>();
+        (more(*command, *options), ...);
+        setExample(*command, std::string("zoka customize ") + name + ' ' + example);
+        command->callback([=, &chosen] { chosen = [=] { return work(*options); }; });
+    };
+    const auto file = [](CLI::App& command, CustomizeOptions& options) {
+        command.add_option("FILE", options.file, "The script")->required();
+    };
+    const auto json = [](CLI::App& command, CustomizeOptions& options) {
+        command.add_flag("--json", options.json, "Print JSON");
+    };
+    const auto dryRun = [](CLI::App& command, CustomizeOptions& options) {
+        command.add_flag("-n,--dry-run", options.dryRun, "Write nothing; print the lines that would change");
+    };
+    const auto original = [](CLI::App& command, CustomizeOptions& options) {
+        command.add_option("-t,--template", options.other, "The template, or the folder that it lies in")
+            ->required();
+    };
+    const auto words = [](const char* name, const char* what, bool required) {
+        return [=](CLI::App& command, CustomizeOptions& options) {
+            command.add_option(name, options.words, what)->required(required);
+        };
+    };
+    const auto values = [](const char* option, const char* what) {
+        return [=](CLI::App& command, CustomizeOptions& options) {
+            command.add_option(option, options.other, what);
+        };
+    };
+    add("list", "List a script's values", "fog.kez", list, file, json,
+        [](CLI::App& command, CustomizeOptions& options) {
+            command.add_flag("--full", options.full, "Everything that was read from the markup");
+        });
+    add("get", "Print values by id or label", "fog.kez 4 \"Far end\"", get, file,
+        words("NAME", "Ids or labels of entries", true), json);
+    add("set", "Change values by id or label", "fog.kez 4=12 \"Far end=300\"", set, file,
+        words("NAME=VALUE", "What to change", true), dryRun);
+    add("reset", "Set values back to those of the template", "fog.kez 4 -t templates", reset, file,
+        words("NAME", "Ids or labels of entries; none: all", false), original, dryRun);
+    add("diff", "List the values that differ from the template's", "fog.kez -t templates", diff, file,
+        original, json);
+    add("update", "Replace a script by its template and keep its values", "fog.kez -t templates", update,
+        file, original, dryRun);
+    add("export", "Write a script's values into a value file", "fog.kez", exportValues, file,
+        values("-o,--output",
+               "The value file; without it the one beside the script; - is the standard output"));
+    add("import", "Take the values of a value file into a script", "fog.kez", import, file,
+        values("-i,--input", "The value file; without it the one beside the script; - is the standard input"),
+        dryRun);
+    add("check", "Tell what can't be right in the markup of scripts", "templates fog.kez", check,
+        words("PATH", "Scripts, or folders of scripts", true), json);
+}
+
+}  // namespace zoka::cli
