@@ -4,6 +4,9 @@
 
 #include <pthread.h>
 
+#include <ios>
+#include <new>
+
 #include "plugin/win/PanelWindow.h"
 
 // The callbacks through which the loader tells the runtime of threads that come and go.
@@ -41,6 +44,14 @@ void findRuntimeSlot() {
     }
 }
 
+// Where any of our libraries brings in the standard streams, the last one to leave them flushes them at the unload.
+// That makes the thread library set up its keys, whose two semaphores are never closed. Nothing here writes to those
+// streams, so one user of them is made that never leaves.
+void leaveStreamsUnflushed() {
+    alignas(std::ios_base::Init) static unsigned char user[sizeof(std::ios_base::Init)];
+    new (user) std::ios_base::Init;
+}
+
 }  // namespace
 }  // namespace zoka
 
@@ -51,6 +62,9 @@ extern "C" BOOL WINAPI ZokaEntry(HINSTANCE instance, DWORD reason, LPVOID proces
         zoka::findRuntimeSlot();
     }
     const BOOL result = DllMainCRTStartup(instance, reason, processEnds);
+    if (reason == DLL_PROCESS_ATTACH && result) {
+        zoka::leaveStreamsUnflushed();
+    }
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         zoka::freeThreadRuntime();
         if (zoka::g_runtimeSlot != TLS_OUT_OF_INDEXES) {
