@@ -34,6 +34,40 @@ TEST(SafeWrite, KeepsAttributes) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
 }
 
+bool operator==(const FILETIME& a, const FILETIME& b) {
+    return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
+}
+
+TEST(SafeWrite, KeepsTheCreationTime) {
+    const TempFolder folder;
+    const std::string path = folder.write("a.kez", "old");
+    constexpr FILETIME creation = {0, 0x01c00000};  // in 2000
+    {
+        HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_TRUE(SetFileTime(file, &creation, nullptr, nullptr));
+        CloseHandle(file);
+    }
+    if (!(timesOf(path).creation == creation)) {
+        GTEST_SKIP() << "this system keeps no creation times";
+    }
+    EXPECT_EQ(safeWrite(path, "new").error, "");
+    EXPECT_TRUE(timesOf(path).creation == creation);
+}
+
+TEST(SafeWrite, WritesWhatALinkLeadsTo) {
+    const TempFolder folder;
+    const std::string target = folder.write("target.kez", "old"), link = folder.path("link.kez");
+    constexpr DWORD kForEveryUser = 2;  // where the system is set up for developers
+    CreateSymbolicLinkA(link.c_str(), target.c_str(), kForEveryUser);
+    const DWORD attributes = GetFileAttributesA(link.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
+        GTEST_SKIP() << "this system makes no links";
+    }
+    EXPECT_EQ(safeWrite(link, "new").error, "");
+    EXPECT_EQ(folder.read("target.kez"), "new");
+    EXPECT_TRUE(GetFileAttributesA(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT);
+}
+
 TEST(SafeWrite, RefusesAReadOnlyFile) {
     const TempFolder folder;
     const std::string path = folder.write("a.kez", "old");
@@ -57,15 +91,16 @@ TEST(SafeWrite, RefusesAFileThatAnotherProgramHolds) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
 }
 
-TEST(FileTimes, SetTheAccessTimeToo) {
+TEST(FileTimes, SetAllThree) {
     const TempFolder folder;
     const std::string path = folder.write("a", "x");
     const zoka::FileTime time = zoka::FileTime::fromTicks(130'000'000'000'000'000);
     ASSERT_TRUE(file_t::set_file_time(path.c_str(), &time));
     const Times times = timesOf(path);
-    EXPECT_EQ(times.write.dwLowDateTime, time.dwLowDateTime);
-    EXPECT_EQ(times.write.dwHighDateTime, time.dwHighDateTime);
-    EXPECT_EQ(times.access.dwLowDateTime, time.dwLowDateTime);
+    const FILETIME expected = {time.dwLowDateTime, time.dwHighDateTime};
+    EXPECT_TRUE(times.write == expected);
+    EXPECT_TRUE(times.access == expected);
+    EXPECT_TRUE(times.creation == expected);
 }
 
 }  // namespace

@@ -15,12 +15,24 @@ using namespace zoka;
 
 constexpr DWORD kPatience = 20'000;  // ms
 
-// Waits for the box with this title and sends it a command; tells the error stream of a box that stays on
-// top, which is all that remains of a process that the press ends.
+// The folder chooser has a title of the system's own, but it is the only dialog of this process.
+HWND findOwnDialog() {
+    for (HWND box = nullptr; (box = FindWindowExA(nullptr, box, "#32770", nullptr));) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(box, &process);
+        if (process == GetCurrentProcessId()) {
+            return box;
+        }
+    }
+    return nullptr;
+}
+
+// Waits for the box with this title, or with any for null, and sends it a command; tells the error stream of
+// a box that stays on top, which is all that remains of a process that the press ends.
 void pressButton(const char* title, WPARAM command) {
     const DWORD start = GetTickCount();
     while (GetTickCount() - start < kPatience) {
-        HWND box = FindWindowA(nullptr, title);
+        HWND box = title ? FindWindowA(nullptr, title) : findOwnDialog();
         if (box && IsWindowVisible(box)) {  // by then it is where it stays
             if (GetWindowLongA(box, GWL_EXSTYLE) & WS_EX_TOPMOST) {
                 std::fputs("a box on top", stderr);
@@ -31,7 +43,7 @@ void pressButton(const char* title, WPARAM command) {
         }
         Sleep(10);
     }
-    ADD_FAILURE() << "no box titled " << title;
+    ADD_FAILURE() << "no box titled " << (title ? title : "anything");
 }
 
 TEST(WinPrompt, AnswersAsTheUserDoes) {
@@ -71,6 +83,14 @@ TEST(WinPrompt, ChoosersGiveAPathOrNothing) {
         user.join();
         EXPECT_EQ(chosen, command == IDOK ? std::optional(path) : std::nullopt);
         request.title = "ZOKA chooser test 2";
+    }
+    request.startFolder = folder.path();
+    request.title = "The project's folder:";
+    for (const WPARAM command : {IDOK, IDCANCEL}) {
+        std::thread user([&] { pressButton(nullptr, command); });
+        const auto chosen = WinPrompt().chooseFolder(request);
+        user.join();
+        EXPECT_EQ(chosen, command == IDOK ? std::optional(folder.path()) : std::nullopt);
     }
     GetCurrentDirectoryA(sizeof after, after);
     EXPECT_STREQ(before, after) << "the editor's current folder is not ours to move";
