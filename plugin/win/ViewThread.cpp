@@ -91,7 +91,8 @@ void rehearse(int number) {
         return;
     }
     done = true;
-    const HWND window = CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(number), nullptr, handleNothing, 0);
+    const HWND window =
+        CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(number), nullptr, handleNothing, 0);
     if (window) {
         DestroyWindow(window);
     }
