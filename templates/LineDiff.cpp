@@ -86,6 +86,14 @@ std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view a
         showCr |= edits[i - 1].mark != ' ' && edits[i].mark != ' ' && edits[i - 1].mark != edits[i].mark &&
                   edits[i - 1].line != edits[i].line && body(edits[i - 1].line) == body(edits[i].line);
 
+    // In each run of changes, what goes stands before what comes.
+    for (auto from = edits.begin(); from != edits.end();) {
+        from = std::find_if(from, edits.end(), [](const Edit& edit) { return edit.mark != ' '; });
+        const auto to = std::find_if(from, edits.end(), [](const Edit& edit) { return edit.mark == ' '; });
+        std::stable_partition(from, to, [](const Edit& edit) { return edit.mark == '-'; });
+        from = to;
+    }
+
     std::vector<DiffHunk> hunks;
     size_t oldLine = first, newLine = first;  // lines passed
     size_t keepUntil = 0;                     // edits up to here belong to the open hunk

@@ -9,6 +9,7 @@
 #include "plugin/win/Resources.h"
 #include "plugin/win/StatusWindow.h"
 #include "plugin/win/ViewThread.h"
+#include "templates/ValueKeepingUpdater.h"
 #include "templates/win/ManagerDialog.h"
 
 namespace zoka {
@@ -69,7 +70,7 @@ void PluginWindows::runProjectManager(ZunEditorInterface& editor, const std::str
 
 void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::string&, const std::string&,
                                      const std::string& catalogue) {
-    NoUpdater updater;
+    ValueKeepingUpdater updater;
     runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, {}});
 }
 

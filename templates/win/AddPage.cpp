@@ -15,8 +15,11 @@ constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't 
 enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
 constexpr ListColumn kColumns[] = {{"Script", 90}, {"Class", 62},  {"Version", 36},
                                    {"Date", 40},   {"Engine", 50}, {"In project", 44}};
+constexpr const char* kClassLabel = "&Class:";
+constexpr const char* kSearchLabel = "S&earch:";
+constexpr const char* kTitleLabel = "Sc&ript to add:";
 // Dialog units.
-constexpr int kClassLabelWidth = 26, kClassWidth = 96, kSearchLabelWidth = 32, kTitleLabelWidth = 52;
+constexpr int kClassWidth = 96;
 constexpr int kPlanHeight = 30;
 
 }  // namespace
@@ -24,16 +27,16 @@ constexpr int kPlanHeight = 30;
 void AddPage::createControls() {
     const HFONT font = fonts().text();
     const DWORD dropList = CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP;
-    m_classLabel = label("&Class:");
+    m_classLabel = label(kClassLabel);
     m_class = makeControl(window(), "COMBOBOX", "", dropList, 0, kClass, font);
-    m_searchLabel = label("S&earch:");
+    m_searchLabel = label(kSearchLabel);
     m_search =
         makeControl(window(), "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE, kSearch, font);
     SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
     m_found = label("");
     m_list.create(window(), kList, fonts(), font, kColumns,
                   [this](int row, int column) { return cell(row, column); });
-    m_titleLabel = label("Sc&ript to add:");
+    m_titleLabel = label(kTitleLabel);
     m_titles = makeControl(window(), "COMBOBOX", "", dropList, 0, kTitles, font);
     m_add = button("&Add", kAdd, true);
     m_planLabel = label("&What adding it will do:");
@@ -56,12 +59,15 @@ void AddPage::layout(int width, int height) {
     const int labelDrop = (field - labelHeight) / 2;  // brings a label to the height of the text beside it
 
     int x = 0, y = 0;
-    place(m_classLabel, x, y + labelDrop, fonts().x(kClassLabelWidth), labelHeight);
-    x += fonts().x(kClassLabelWidth);
+    const auto placeLabel = [&](HWND label, const char* text) {
+        const int labelWidth = fonts().labelWidth(text);
+        place(label, x, y + labelDrop, labelWidth, labelHeight);
+        x += labelWidth + gapX;
+    };
+    placeLabel(m_classLabel, kClassLabel);
     placeDropList(m_class, x, y, fonts().x(kClassWidth), field);
     x += fonts().x(kClassWidth) + 2 * gapX;
-    place(m_searchLabel, x, y + labelDrop, fonts().x(kSearchLabelWidth), labelHeight);
-    x += fonts().x(kSearchLabelWidth);
+    placeLabel(m_searchLabel, kSearchLabel);
     place(m_search, x, y, width - x, field);
     y += field + gapY;
 
@@ -74,9 +80,10 @@ void AddPage::layout(int width, int height) {
     m_list.place(0, y, width, listHeight);
     y += listHeight + gapY;
 
-    const int button = fonts().x(kButtonWidthUnits), titleLabel = fonts().x(kTitleLabelWidth);
-    place(m_titleLabel, 0, y + labelDrop, titleLabel, labelHeight);
-    placeDropList(m_titles, titleLabel, y, width - titleLabel - gapX - button, field);
+    const int button = fonts().x(kButtonWidthUnits);
+    x = 0;
+    placeLabel(m_titleLabel, kTitleLabel);
+    placeDropList(m_titles, x, y, width - x - gapX - button, field);
     place(m_add, width - button, y, button, field);
     y += field + gapY;
 
@@ -156,7 +163,7 @@ void AddPage::showSelection() {
 
 void AddPage::showPlan() {
     if (!m_record) {
-        setText(m_plan, "");
+        setText(m_plan, "Choose a script to see what adding it will do.");
         return;
     }
     const AddPlan plan = session().plan(*m_record);

@@ -225,7 +225,12 @@ RECT ManagerDialog::pageArea() const {
 void ManagerDialog::layout() {
     const RECT area = pageArea();
     const int width = static_cast<int>(area.right - area.left), x = static_cast<int>(area.left);
-    place(m_tabs, x, m_fonts.y(kMarginUnits), width, m_fonts.y(kTabsHeight));
+    // Cut so that of the frame that a tab control draws around its pages only the line under the tabs is
+    // seen.
+    RECT tab{};
+    SendMessageA(m_tabs, TCM_GETITEMRECT, static_cast<WPARAM>(m_current), reinterpret_cast<LPARAM>(&tab));
+    place(m_tabs, x, m_fonts.y(kMarginUnits), width,
+          static_cast<int>(tab.bottom) + GetSystemMetrics(SM_CYBORDER));
     const int button = m_fonts.x(kButtonWidthUnits), field = m_fonts.y(kButtonHeightUnits);
     const int foot = static_cast<int>(area.bottom) + m_fonts.y(kMarginUnits);
     place(m_status, x, foot + (field - m_fonts.y(kLabelHeightUnits)) / 2,

@@ -11,7 +11,7 @@ constexpr UINT kTabUnits = 16;  // dialog units between the report's tab stops
 
 void NotesPage::createControls() {
     m_label = label("&Notes on the project's scripts:");
-    m_notes = makeReadOnlyText(window(), kNotes, fonts().fixed(), ES_AUTOHSCROLL | WS_HSCROLL);
+    m_notes = makeReadOnlyText(window(), kNotes, fonts().fixed());
     SendMessageA(m_notes, EM_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&kTabUnits));
     m_copy = button("C&opy", kCopy, true);
 }

@@ -9,6 +9,12 @@ namespace {
 enum { kList = 1301, kNote, kRemove };
 constexpr ListColumn kColumns[] = {{"Script", 110}, {"File", 90}, {"Needed by", 150}};
 
+// The column's title says "Needed by" already.
+std::string withoutPrefix(const std::string& text) {
+    constexpr std::string_view kPrefix = "needed by ";
+    return text.starts_with(kPrefix) ? text.substr(kPrefix.size()) : text;
+}
+
 }  // namespace
 
 void RemovePage::createControls() {
@@ -20,7 +26,7 @@ void RemovePage::createControls() {
                       if (row < 0 || index >= included.size()) return {};
                       return column == 0   ? included[index].text
                              : column == 1 ? included[index].fileName
-                                           : session().neededBy(index);
+                                           : withoutPrefix(session().neededBy(index));
                   });
     m_note = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kNote, fonts().text());
     m_remove = button("&Remove", kRemove, true);
@@ -49,8 +55,10 @@ void RemovePage::refresh() {
 void RemovePage::showSelection() {
     const int row = m_list.selected();
     enable(m_remove, row >= 0);
-    setText(m_note, row < 0 ? "The main script includes no scripts."
-                            : "Takes the include line out. The script file stays in the project folder.");
+    const std::string needed = row < 0 ? "" : session().neededBy(static_cast<size_t>(row));
+    setText(m_note, row < 0           ? "The main script includes no scripts."
+                    : !needed.empty() ? "Can't go yet: " + needed
+                                      : "Takes the include line out. The script file stays where it is.");
 }
 
 void RemovePage::mainAction() {

@@ -30,11 +30,16 @@ void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
 
 void RowList::place(int x, int y, int width, int height) {
     zoka::place(m_window, x, y, width, height);
+    fitFirstColumn();
+}
+
+// The first column takes what the others leave. The scroll bar, where there is one, is no part of the inside.
+void RowList::fitFirstColumn() const {
     if (m_scrollsSideways) return;
-    // Room for the scroll bar in any case, so that it never brings a second one.
-    const int inner = width - 2 * GetSystemMetrics(SM_CXEDGE) - GetSystemMetrics(SM_CXVSCROLL);
+    RECT inside;
+    GetClientRect(m_window, &inside);
     SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0,
-                 MAKELPARAM(std::max(inner - m_otherColumns, m_leastFirst), 0));
+                 MAKELPARAM(std::max(static_cast<int>(inside.right) - m_otherColumns, m_leastFirst), 0));
 }
 
 void RowList::setFirstWidth(int width) {
@@ -45,6 +50,7 @@ void RowList::setFirstWidth(int width) {
 void RowList::setCount(int rows) {
     select(-1);
     SendMessageA(m_window, LVM_SETITEMCOUNT, static_cast<WPARAM>(rows), 0);
+    fitFirstColumn();
     redraw();
 }
 

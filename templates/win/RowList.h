@@ -46,6 +46,7 @@ public:
 
 private:
     int find(const NMLVFINDITEMA& search) const;
+    void fitFirstColumn() const;
 
     HWND m_window = nullptr;
     CellText m_text;

@@ -12,9 +12,9 @@ enum { kList = 1501, kUpdate, kUpdateAll, kChanges, kMissing, kRestore };
 constexpr ListColumn kChangeColumns[] = {{nullptr, 200}};
 constexpr size_t kLongestRow = 259;  // characters that a row shows
 constexpr int kTabWidth = 4;
-constexpr int kRowPadding = 1;          // dialog units above and below
-constexpr int kHighestItem = 255;       // pixels, the most that the list box takes
-constexpr int kRestoreLabelWidth = 92;  // dialog units
+constexpr int kRowPadding = 1;     // dialog units above and below
+constexpr int kHighestItem = 255;  // pixels, the most that the list box takes
+constexpr const char* kRestoreLabel = "Without a copy in the &project:";
 
 constexpr COLORREF kOnlyLocal = RGB(255, 235, 233), kOnlyTemplate = RGB(230, 250, 232),
                    kHeading = RGB(232, 238, 247);
@@ -64,7 +64,7 @@ void UpdatePage::createControls() {
     });
     m_update = button("&Update", kUpdate, true);
     m_updateAll = button("Update a&ll", kUpdateAll);
-    m_restoreLabel = label("Without a copy in the &project:");
+    m_restoreLabel = label(kRestoreLabel);
     m_missing = makeControl(window(), "COMBOBOX", "",
                             CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0, kMissing, font);
     m_restore = button("Res&tore", kRestore);
@@ -89,7 +89,7 @@ void UpdatePage::layout(int width, int height) {
     place(m_update, width - 2 * button - gapX, y, button, field);
     place(m_updateAll, width - button, y, button, field);
     y = height - field;
-    const int restoreLabel = fonts().x(kRestoreLabelWidth);
+    const int restoreLabel = fonts().labelWidth(kRestoreLabel) + gapX;
     place(m_restoreLabel, 0, y + (field - labelHeight) / 2, restoreLabel, labelHeight);
     placeDropList(m_missing, restoreLabel, y, width - restoreLabel - gapX - button, field);
     place(m_restore, width - button, y, button, field);
@@ -134,12 +134,12 @@ void UpdatePage::showDifference() {
     m_lines.clear();
     const int index = chosen();
     enable(m_update, index >= 0);
-    std::string heading = "&Changes:";
+    std::string heading = "&Differences:";
     if (index < 0) {
         m_lines.push_back({'.', "Every script in the project folder is as the template folder has it."});
     } else {
         const UpdateEntry& entry = session().updates()[static_cast<size_t>(index)];
-        heading = "&Changes that the update brings to " + entry.fileName + ":";
+        heading = "&Differences of the template from the project's " + entry.fileName + ":";
         if (!entry.missingNeeds.empty()) {
             m_lines.push_back({'@', "The main script will include what is missing:"});
             for (const std::string& need : entry.missingNeeds)

@@ -18,6 +18,22 @@ SIZE averageCharacter(HDC dc, HFONT font) {
     return {(size.cx / 26 + 1) / 2, size.cy};
 }
 
+void showScrollBarAsNeeded(HWND text) {
+    RECT area;
+    TEXTMETRICA metrics;
+    const HDC dc = GetDC(text);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(text, WM_GETFONT, 0, 0)));
+    GetTextMetricsA(dc, &metrics);
+    SelectObject(dc, old);
+    ReleaseDC(text, dc);
+    SendMessageA(text, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&area));
+    const LRESULT lines = SendMessageA(text, EM_GETLINECOUNT, 0, 0);
+    const bool needed = lines * metrics.tmHeight > area.bottom - area.top;
+    const bool shown = (GetWindowLongPtrA(text, GWL_STYLE) & WS_VSCROLL) != 0;
+    // Showing it makes the lines shorter and so never fewer: this comes to rest.
+    if (needed != shown) ShowScrollBar(text, SB_VERT, needed);
+}
+
 LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                   DWORD_PTR) {
     switch (message) {
@@ -31,6 +47,12 @@ LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPAR
                 return 0;
             }
             break;
+        case WM_SETTEXT:
+        case WM_SIZE: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            showScrollBarAsNeeded(window);
+            return result;
+        }
         case WM_NCDESTROY:
             RemoveWindowSubclass(window, readOnlyTextProc, id);
             break;
@@ -66,6 +88,16 @@ WindowFonts::~WindowFonts() {
     DeleteObject(m_fixed);
 }
 
+int WindowFonts::labelWidth(const std::string& text) const {
+    RECT area{};
+    const HDC dc = GetDC(nullptr);
+    const HGDIOBJ old = SelectObject(dc, m_text);
+    DrawTextA(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_SINGLELINE);
+    SelectObject(dc, old);
+    ReleaseDC(nullptr, dc);
+    return static_cast<int>(area.right);
+}
+
 HWND makeControl(HWND parent, const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                  HFONT font) {
     const HWND control = CreateWindowExA(exStyle, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0,
@@ -75,10 +107,9 @@ HWND makeControl(HWND parent, const char* className, const char* text, DWORD sty
     return control;
 }
 
-HWND makeReadOnlyText(HWND parent, int id, HFONT font, DWORD moreStyles) {
+HWND makeReadOnlyText(HWND parent, int id, HFONT font) {
     const HWND text =
-        makeControl(parent, "EDIT", "",
-                    ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_VSCROLL | WS_TABSTOP | moreStyles,
+        makeControl(parent, "EDIT", "", ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_TABSTOP,
                     WS_EX_CLIENTEDGE, id, font);
     SendMessageA(text, EM_LIMITTEXT, 0, 0);
     SetWindowSubclass(text, readOnlyTextProc, 1, 0);
@@ -91,13 +122,17 @@ void place(HWND control, int x, int y, int width, int height) {
 
 void placeDropList(HWND control, int x, int y, int width, int height) {
     // The height given to a drop list is that of the open one; the closed one follows from its items.
-    RECT frame{};
     place(control, x, y, width, height * 16);
-    GetWindowRect(control, &frame);
-    const int missing = height - static_cast<int>(frame.bottom - frame.top);
-    if (missing != 0) {
-        const LRESULT item = SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
-        SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item + missing);
+    const auto missing = [control, height] {
+        RECT frame{};
+        GetWindowRect(control, &frame);
+        return height - static_cast<int>(frame.bottom - frame.top);
+    };
+    LRESULT item = SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
+    // Some systems make the field a little higher than they are told: the second time allows for that.
+    for (int i = 0; i < 2 && missing() != 0; ++i) {
+        item += missing();
+        SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item);
     }
 }
 

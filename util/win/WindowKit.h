@@ -26,6 +26,8 @@ public:
     int y(int units) const { return MulDiv(units, m_base.cy, 8); }
     int lineHeight() const { return m_base.cy; }
     int fixedWidth() const { return m_fixedWidth; }
+    // Width of a label's text in pixels; its '&' is not shown.
+    int labelWidth(const std::string& text) const;
 
 private:
     HFONT m_text = nullptr;
@@ -46,7 +48,8 @@ inline constexpr int kLabelHeightUnits = 9;
 HWND makeControl(HWND parent, const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                  HFONT font);
 // A field of several lines to read and copy from: Tab, Enter and Escape are the dialog's, Ctrl+A selects all.
-HWND makeReadOnlyText(HWND parent, int id, HFONT font, DWORD moreStyles = 0);
+// Its scroll bar is there when it is needed.
+HWND makeReadOnlyText(HWND parent, int id, HFONT font);
 // `x`, `y`, `width`, `height` in pixels of the parent.
 void place(HWND control, int x, int y, int width, int height);
 // For a drop list: `height` is the closed one; it opens for up to 16 items.
