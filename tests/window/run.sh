@@ -32,7 +32,7 @@ lay_out() { # folder
     cp -r "$root/samples/project" "$1/j8"
     [ -e "$1/j8/main.xml" ] || printf '<Project name="harbour"/>\r\n' >"$1/j8/main.xml"
     cp -r "$root/samples/templates" "$1/suite/templates"
-    [ -e "$1/suite/templates/template_6.xml" ] || printf '<Templates/>\r\n' >"$1/suite/templates/template_6.xml"
+    [ -e "$1/suite/templates/template_6.xml" ] || printf '<TavrixTemplate name="samples"/>\r\n' >"$1/suite/templates/template_6.xml"
     chmod -R u+w "$1"
 }
 
