@@ -92,11 +92,13 @@ void checkAnyText(const std::string& text, std::mt19937& random) {
     const std::string saved = savedText(panel);
     CustomScript again;
     takeCustomText(saved, again);
-    // Lines switched in odd places may become something else; values may not.
+    // Lines switched in odd places may become something else, and what replaces a name in brackets may run on
+    // into what follows the bracket: saving asks about those. Nothing else may be lost.
     for (const size_t i : notReadBack(panel.script, again)) {
         bool switched = false;
         for (const CustomEntry& entry : panel.script.entries)
-            switched = switched || (entry.kind == kEnable && entry.control->HasChanged());
+            switched = switched || (entry.kind == kEnable && entry.control->HasChanged()) ||
+                       (entry.kind >= kEntryEntity && entry.value.starts_with('<'));
         ASSERT_TRUE(switched) << "the value of \"" << panel.script.entries[i].label << "\" is lost";
     }
 }
