@@ -307,8 +307,9 @@ TEST_F(Procedures, ReentryWhileAPanelOpensMakesNoSecondOne) {
     for (const int index : {kCustomize, kBehavior}) {
         int deep = 0;
         seams.prepareEditor = [&](FakeEditor&) {
-            ++deep;
-            EXPECT_EQ(run(index), 0);
+            if (++deep == 1) {
+                EXPECT_EQ(run(index), 0);
+            }
         };
         run(index);
         EXPECT_EQ(deep, 1);
