@@ -66,7 +66,7 @@ bool ScriptManagerSession::open(JobProgress* progress) {
 
 void ScriptManagerSession::refresh() {
     readIncluded();
-    m_update.FillUpdateList(false);
+    m_updatesListed = false;
 }
 
 const CScriptElm* ScriptManagerSession::templateOf(const std::string& fileName) const {
@@ -289,9 +289,15 @@ std::string ScriptManagerSession::notes() {
 
 // --- Update
 
-std::vector<DiffHunk> ScriptManagerSession::difference(size_t index) const {
+const std::vector<UpdateEntry>& ScriptManagerSession::updates() {
+    if (!m_updatesListed) m_update.FillUpdateList(false);
+    m_updatesListed = true;
+    return m_update.entries();
+}
+
+std::vector<DiffHunk> ScriptManagerSession::difference(size_t index) {
     const ScriptFolders folders(m_host);
-    const std::string& name = m_update.entries()[index].fileName;
+    const std::string& name = updates()[index].fileName;
     if (folders.LocateScript(name) != ScriptPlace::Project || !folders.inTemplates(name)) return {};
     return lineDifference(osFiles().readWhole(folders.projectPath(name)).value_or(""),
                           osFiles().readWhole(folders.templatePath(name)).value_or(""));
@@ -305,11 +311,13 @@ void ScriptManagerSession::tellUpdated() {
 }
 
 void ScriptManagerSession::updateSelected(int index) {
+    updates();
     m_update.UpdateSelected(index);
     tellUpdated();
 }
 
 void ScriptManagerSession::updateAll(JobProgress* progress) {
+    m_updatesListed = true;  // all of them, while the user is asked
     m_update.FillUpdateList(true);
     m_update.UpdateAll(progress);
     m_update.FillUpdateList(false);

@@ -67,7 +67,7 @@ public:
     // Loads the catalogue if need be and reads the include block. False when the catalogue can't be loaded
     // (the user has been told) or `progress` stopped it.
     bool open(JobProgress* progress = nullptr);
-    // Reads the include block again, and the update list.
+    // Reads the include block again. The update list, which reads every script, follows when it is asked for.
     void refresh();
     // A line for the window's foot about the last action: what it did, or why it did nothing. May be empty.
     const std::string& status() const { return m_status; }
@@ -108,9 +108,9 @@ public:
     std::string notes();
 
     // --- Update
-    const std::vector<UpdateEntry>& updates() const { return m_update.entries(); }
+    const std::vector<UpdateEntry>& updates();
     // The difference between the project's copy and the template's of an entry; empty when there is none.
-    std::vector<DiffHunk> difference(size_t index) const;
+    std::vector<DiffHunk> difference(size_t index);
     // The buttons.
     void updateSelected(int index);
     void updateAll(JobProgress* progress = nullptr);
@@ -132,6 +132,7 @@ private:
     CatalogueLoader m_loader;
     UserPrompt& m_prompt;
     ScriptUpdate m_update;
+    bool m_updatesListed = false;
     std::unique_ptr<ScriptSearch> m_search;
     std::vector<IncludedScript> m_included;
     std::unordered_map<std::string, size_t> m_byText;                // the first entry of that text

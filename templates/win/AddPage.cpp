@@ -13,8 +13,8 @@ constexpr size_t kFillAtOnce = 500;  // titles
 constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't read files at each row
 
 enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
-constexpr ListColumn kColumns[] = {{"Script", 90}, {"Class", 62},  {"Version", 36},
-                                   {"Date", 40},   {"Engine", 50}, {"In project", 44}};
+constexpr ListColumn kColumns[] = {{"Script", 80, true}, {"Class", 54, true}, {"Version", 32},
+                                   {"Date", 36},         {"Engine", 40},      {"In project", 44}};
 constexpr const char* kClassLabel = "&Class:";
 constexpr const char* kSearchLabel = "S&earch:";
 constexpr const char* kTitleLabel = "Sc&ript to add:";

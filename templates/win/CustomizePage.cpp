@@ -7,7 +7,7 @@ namespace zoka {
 namespace {
 
 enum { kList = 1201, kNote, kCustomize };
-constexpr ListColumn kColumns[] = {{"Script", 110}, {"File", 90}, {"Class", 150}};
+constexpr ListColumn kColumns[] = {{"Script", 100, true}, {"File", 80, true}, {"Class", 100, true}};
 
 }  // namespace
 

@@ -7,7 +7,7 @@ namespace zoka {
 namespace {
 
 enum { kList = 1301, kNote, kRemove };
-constexpr ListColumn kColumns[] = {{"Script", 110}, {"File", 90}, {"Needed by", 150}};
+constexpr ListColumn kColumns[] = {{"Script", 100, true}, {"File", 80, true}, {"Needed by", 100, true}};
 
 // The column's title says "Needed by" already.
 std::string withoutPrefix(const std::string& text) {

@@ -15,7 +15,8 @@ void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
                            WS_EX_CLIENTEDGE, id, font);
     SendMessageA(m_window, LVM_SETEXTENDEDLISTVIEWSTYLE, 0,
                  LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP | LVS_EX_DOUBLEBUFFER);
-    m_leastFirst = fonts.x(columns.front().units);
+    m_columns = columns;
+    m_fonts = &fonts;
     for (size_t i = 0; i < columns.size(); ++i) {
         std::string title = columns[i].title ? columns[i].title : "";
         LVCOLUMNA column{};
@@ -24,33 +25,46 @@ void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
         column.cx = fonts.x(columns[i].units);
         column.iSubItem = static_cast<int>(i);
         SendMessageA(m_window, LVM_INSERTCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
-        if (i > 0) m_otherColumns += column.cx;
     }
 }
 
 void RowList::place(int x, int y, int width, int height) {
     zoka::place(m_window, x, y, width, height);
-    fitFirstColumn();
+    fitColumns();
 }
 
-// The first column takes what the others leave. The scroll bar, where there is one, is no part of the inside.
-void RowList::fitFirstColumn() const {
-    if (m_scrollsSideways) return;
+// The scroll bar, where there is one, is no part of the inside.
+void RowList::fitColumns() const {
+    if (!m_columns.front().title) return;
     RECT inside;
     GetClientRect(m_window, &inside);
-    SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0,
-                 MAKELPARAM(std::max(static_cast<int>(inside.right) - m_otherColumns, m_leastFirst), 0));
+    int left = static_cast<int>(inside.right), growing = 0;
+    for (const ListColumn& column : m_columns) {
+        left -= m_fonts->x(column.units);
+        if (column.grows) growing += column.units;
+    }
+    for (size_t i = 0; i < m_columns.size(); ++i) {
+        const ListColumn& column = m_columns[i];
+        int width = m_fonts->x(column.units);
+        if (column.grows && left > 0) {
+            // What is left is shared out to the last pixel.
+            const int share = left * column.units / growing;
+            width += share;
+            left -= share;
+            growing -= column.units;
+        }
+        SendMessageA(m_window, LVM_SETCOLUMNWIDTH, i, MAKELPARAM(width, 0));
+    }
 }
 
-void RowList::setFirstWidth(int width) {
-    m_scrollsSideways = true;
+void RowList::setTextWidth(int width) {
     SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(width, 0));
 }
 
 void RowList::setCount(int rows) {
     select(-1);
     SendMessageA(m_window, LVM_SETITEMCOUNT, static_cast<WPARAM>(rows), 0);
-    fitFirstColumn();
+    fitColumns();
     redraw();
 }
 

@@ -16,14 +16,16 @@ namespace zoka {
 
 struct ListColumn {
     const char* title;
-    int units;  // width in dialog units; that of the first column is its least one, it takes what is left
+    int units;           // the least width, in dialog units
+    bool grows = false;  // takes a share of the room that is left
 };
 
 class RowList {
 public:
     using CellText = std::function<std::string(int row, int column)>;
 
-    // The control is its parent's, which passes its notifications on. No column with a title: no header.
+    // The control is its parent's, which passes its notifications on. `columns` and `fonts` outlive the list. A single
+    // column without a title: no header, and the list scrolls sideways.
     void create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
                 std::span<const ListColumn> columns, CellText text);
     HWND window() const { return m_window; }
@@ -37,8 +39,8 @@ public:
     // Selects one row alone and brings it into sight; -1: none.
     void select(int row);
     void redraw() const { InvalidateRect(m_window, nullptr, FALSE); }
-    // Width of the first column in pixels, for lists that scroll sideways.
-    void setFirstWidth(int width);
+    // Width of the only column in pixels, for lists that scroll sideways.
+    void setTextWidth(int width);
 
     LRESULT notified(NMHDR& header) const;
     // Whether the notification may mean that another row is selected now.
@@ -46,13 +48,12 @@ public:
 
 private:
     int find(const NMLVFINDITEMA& search) const;
-    void fitFirstColumn() const;
+    void fitColumns() const;
 
     HWND m_window = nullptr;
     CellText m_text;
-    int m_otherColumns = 0;  // width of all but the first, in pixels
-    int m_leastFirst = 0;
-    bool m_scrollsSideways = false;
+    std::span<const ListColumn> m_columns;
+    const WindowFonts* m_fonts = nullptr;
 };
 
 }  // namespace zoka

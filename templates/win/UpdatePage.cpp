@@ -158,7 +158,7 @@ void UpdatePage::showDifference() {
     size_t longest = 0;
     for (const DiffLine& line : m_lines) longest = std::max(longest, shown(line).size());
     m_changes.setCount(static_cast<int>(m_lines.size()));
-    m_changes.setFirstWidth((static_cast<int>(longest) + 2) * fonts().fixedWidth());
+    m_changes.setTextWidth((static_cast<int>(longest) + 2) * fonts().fixedWidth());
 }
 
 void UpdatePage::mainAction() {

@@ -117,7 +117,9 @@ HWND makeReadOnlyText(HWND parent, int id, HFONT font) {
 }
 
 void place(HWND control, int x, int y, int width, int height) {
-    MoveWindow(control, x, y, std::max(width, 0), std::max(height, 0), TRUE);
+    // Nothing is copied to the new place: neighbours that are moved one after the other would copy each other.
+    SetWindowPos(control, nullptr, x, y, std::max(width, 0), std::max(height, 0),
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 void placeDropList(HWND control, int x, int y, int width, int height) {
