@@ -1,0 +1,157 @@
+// Reading the markup of scripts and saving them, against a plain walk over the lines and a plain copy.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "customize/CustomMarkup.h"
+#include "customize/CustomScript.h"
+#include "customize/CustomizeSession.h"
+#include "plugin/FolderHost.h"
+#include "util/OsFiles.h"
+#include "util/SafeWrite.h"
+#include "util/UserPrompt.h"
+
+namespace {
+
+// About 200 bytes an entry: 1 MB holds some 5,000.
+std::string scriptText(int entries) {
+    std::string text = "// title: Measured\r\n// ver: 3\r\n// date: 260801\r\n\r\n";
+    for (int i = 1; i <= entries; ++i) {
+        const std::string n = std::to_string(i);
+        if (i % 25 == 1) text += "// section: Part " + n + "\r\n";
+        switch (i % 5) {
+            case 0:
+                text +=
+                    "// enable: Show the lamp of the harbour\r\n// help: Off while nobody is near.\r\n// "
+                    "id: " +
+                    n + "\r\n" + (i % 2 ? "//" : "") + "define LAMP_" + n + ";\r\n";
+                break;
+            case 1:
+                text += "// entry: Distance (m)\r\n// help: From the lamp to the wall.\r\n// id: " + n +
+                        "\r\n// cntl: slider 0 100 0.5\r\nvar lamp_distance_" + n + " = 12.5;\r\n";
+                break;
+            case 2:
+                text += "// entry: Sound\r\n// id: " + n + "\r\nsound lamp_sound_" + n + " = <hum.wav>;\r\n";
+                break;
+            case 3:
+                text += "// entry_drop: Colour\r\n// id: " + n +
+                        "\r\n// cntl: drop_list red green blue\r\nstring colour_" + n + " = \"green\";\r\n";
+                break;
+            default:
+                text += "// entry: Count\r\n// id: " + n + "\r\nvar count_" + n + " = 4;\r\n";
+        }
+        text += "\r\nfunction lamp_" + n + "()\r\n{\r\n    count_" + n + " = max(1, count_" + n +
+                ");\r\n    wait(1);\r\n}\r\n\r\n";
+    }
+    return text;
+}
+
+const std::string& text1MB() {
+    static const std::string text = scriptText(5000);
+    return text;
+}
+
+void bytes(benchmark::State& state, size_t size) {
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(size));
+}
+
+void memchrLines(benchmark::State& state) {
+    const std::string& text = text1MB();
+    for (auto _ : state) {
+        size_t lines = 0;
+        const char* const end = text.data() + text.size();
+        for (const char* p = text.data(); p < end; ++lines) {
+            p = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(end - p)));
+            if (!p) break;
+            ++p;
+        }
+        benchmark::DoNotOptimize(lines);
+    }
+    bytes(state, text.size());
+}
+BENCHMARK(memchrLines);
+
+void parseMarkup(benchmark::State& state) {
+    const std::string& text = text1MB();
+    for (auto _ : state) {
+        zoka::CustomScript script;
+        zoka::ParseCustomMarkup(text, script);
+        if (script.entries.size() < 5000) std::abort();
+    }
+    bytes(state, text.size());
+}
+BENCHMARK(parseMarkup);
+
+void parseMarkup100MB(benchmark::State& state) {
+    const std::string text = scriptText(570'000);
+    for (auto _ : state) {
+        zoka::CustomScript script;
+        zoka::ParseCustomMarkup(text, script);
+        if (script.entries.size() < 570'000) std::abort();
+    }
+    bytes(state, text.size());
+}
+BENCHMARK(parseMarkup100MB)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// The script with its rows, as opening the panel needs it.
+void loadRows(benchmark::State& state) {
+    const std::string& text = text1MB();
+    for (auto _ : state) {
+        zoka::ScriptPanel panel;
+        zoka::takeCustomText(text, panel.script);
+        panel.makeRows();
+    }
+    bytes(state, text.size());
+}
+BENCHMARK(loadRows);
+
+// Saving, against copies of the same file: one that only hands the bytes to the system, and one that waits,
+// as saving does, until they are on the disk.
+struct SaveFixture {
+    std::string folder = zoka::systemFiles().currentFolder();
+    std::string path = folder + "\\bench_customize.kez", copy = folder + "\\bench_customize.copy";
+    SaveFixture() { zoka::safeWrite(path, text1MB()); }
+    ~SaveFixture() {
+        for (const std::string& file : {path, copy, path + ".zoka"}) zoka::systemFiles().deleteFile(file);
+    }
+    void copyFile(bool flush) {
+        const auto text = zoka::systemFiles().readWhole(path);
+        const auto out = zoka::systemFiles().openForWriting(copy, zoka::OsOpen::Truncate);
+        if (!text || !out || !out->write(*text) || (flush && !out->flush()) || !out->close()) std::abort();
+    }
+};
+
+void copyOnly(benchmark::State& state) {
+    SaveFixture files;
+    for (auto _ : state) files.copyFile(false);
+}
+BENCHMARK(copyOnly)->UseRealTime();
+
+void copyToDisk(benchmark::State& state) {
+    SaveFixture files;
+    for (auto _ : state) files.copyFile(true);
+}
+BENCHMARK(copyToDisk)->UseRealTime();
+
+// Script and value file.
+void save(benchmark::State& state) {
+    SaveFixture files;
+    zoka::FolderHost host({.project = files.folder, .suite = files.folder});
+    zoka::CustomizeSession session(host, zoka::userPrompt());
+    if (!session.open(files.path)) std::abort();
+    int n = 0;
+    for (auto _ : state) {
+        for (size_t i = 0; i < session.size(); i += 50)
+            if (session.entry(i).kind == zoka::kEntryNumEdit)
+                session.setValue(i, std::to_string(++n % 1000 + 5));
+        if (session.save() != zoka::SaveResult::Saved) std::abort();
+    }
+}
+BENCHMARK(save)->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();
