@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "util/OsFiles.h"
+#include "util/PathRules.h"
 #include "util/SafeWrite.h"
 #include "xml/XMLEncoding.h"
 
@@ -14,20 +15,19 @@ namespace {
 
 constexpr size_t kGuessedBytes = 200;
 
-std::string attribute(const XMLNode& node, const char* name) {
+const char* attribute(const XMLNode& node, const char* name) {
     const char* const value = node.getAttribute(name);
     return value ? value : "";
 }
-std::string firstText(const XMLNode& node) {
+const char* firstText(const XMLNode& node) {
     const char* const text = node.getText();
     return text ? text : "";
 }
-std::string engineVersion(const XMLNode& node) {
+const char* engineVersion(const XMLNode& node) {
     return attribute(node.getChild("EngineReq"), "vers");
 }
 
-CScriptSection readSection(const XMLNode& node) {
-    CScriptSection section;
+void readSection(const XMLNode& node, CScriptSection& section) {
     section.m_name = attribute(node, "name");
     for (XMLNode child = node.firstChild("action"); !child.isEmpty(); child = child.nextSibling("action")) {
         CScriptAction& action = section.m_actions.emplace_back();
@@ -36,7 +36,6 @@ CScriptSection readSection(const XMLNode& node) {
         action.m_engreq.vers = engineVersion(child);
         action.m_desc = firstText(child);
     }
-    return section;
 }
 
 class CatalogueText {
@@ -204,7 +203,8 @@ bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults
 }  // namespace zoka
 
 void CTemplateData::AddScript(const XMLNode& node) {
-    CScriptElm script;
+    // Filled in its place: a catalogue can hold very many.
+    CScriptElm& script = m_scripts.emplace_back();
     script.m_name = zoka::attribute(node, "name");
     script.m_id = zoka::attribute(node, "id");
     script.m_directory = zoka::attribute(node, "directory");
@@ -212,15 +212,23 @@ void CTemplateData::AddScript(const XMLNode& node) {
     script.m_type = zoka::attribute(node, "type");
     script.m_vers = zoka::attribute(node, "vers");
     script.m_date = zoka::attribute(node, "date");
-    script.m_engreq.vers = zoka::engineVersion(node);
-    script.m_class = zoka::firstText(node.getChild("class"));
-    script.m_desc = zoka::firstText(node.getChild("desc"));
-    for (XMLNode need = node.firstChild("need"); !need.isEmpty(); need = need.nextSibling("need"))
-        script.m_needs.push_back(zoka::firstText(need));
-    for (XMLNode section = node.firstChild("section"); !section.isEmpty();
-         section = section.nextSibling("section"))
-        script.m_sections.push_back(zoka::readSection(section));
-    AddScript(std::move(script));
+    // One walk over the children, whatever their number.
+    bool hasReq = false, hasClass = false, hasDesc = false;
+    const auto first = [](bool& had) { return !std::exchange(had, true); };
+    for (XMLNode child = node.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
+        const std::string_view name = child.getName() ? child.getName() : "";
+        if (zoka::equalNoCase(name, "need"))
+            script.m_needs.emplace_back(zoka::firstText(child));
+        else if (zoka::equalNoCase(name, "section"))
+            zoka::readSection(child, script.m_sections.emplace_back());
+        else if (zoka::equalNoCase(name, "class") && first(hasClass))
+            script.m_class = zoka::firstText(child);
+        else if (zoka::equalNoCase(name, "desc") && first(hasDesc))
+            script.m_desc = zoka::firstText(child);
+        else if (zoka::equalNoCase(name, "EngineReq") && first(hasReq))
+            script.m_engreq.vers = zoka::attribute(child, "vers");
+    }
+    indexLastScript();
 }
 
 bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progress) {
@@ -233,7 +241,7 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
     for (XMLNode node = root.firstChild("Directory"); !node.isEmpty(); node = node.nextSibling("Directory"))
         AddDirectory(zoka::attribute(node, "type"), zoka::attribute(node, "path"));
     const auto total = static_cast<size_t>(root.childCount("Script"));
-    m_scripts.reserve(total);
+    reserveScripts(total);
     for (XMLNode node = root.firstChild("Script"); !node.isEmpty(); node = node.nextSibling("Script")) {
         // Often enough to keep a window alive, too seldom to be felt.
         if (m_scripts.size() % 1024 == 0 && !zoka::goOn(progress, m_scripts.size(), total, m_name)) {

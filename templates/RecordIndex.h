@@ -21,15 +21,14 @@ public:
         m_used = 0;
     }
 
-    template <class Text>
-    void reserve(std::size_t records, const Text& text) {
-        if (records * 2 > m_slots.size()) grow(records, text);
+    void reserve(std::size_t records) {
+        if (records * 2 > m_slots.size()) grow(records);
     }
 
     // False when an earlier record has the same text: the index then stays as it is.
     template <class Text>
     bool add(std::uint32_t record, const Text& text) {
-        if ((m_used + 1) * 2 > m_slots.size()) grow(m_used + 1, text);
+        if ((m_used + 1) * 2 > m_slots.size()) grow(m_used + 1);
         const std::string_view key = text(record);
         const std::uint32_t hash = hashOf(key);
         Slot& slot = m_slots[place(key, hash, text)];
@@ -79,14 +78,18 @@ private:
         return at;
     }
 
-    template <class Text>
-    void grow(std::size_t records, const Text& text) {
+    void grow(std::size_t records) {
         std::size_t size = 16;
-        while (size < records * 4) size *= 2;
+        while (size < records * 2) size *= 2;
         std::vector<Slot> old(size);
         old.swap(m_slots);
-        for (const Slot& slot : old)
-            if (slot.record != kNone) m_slots[place(text(slot.record), slot.hash, text)] = slot;
+        // The texts of the records in the index all differ, so any free slot is the right one.
+        for (const Slot& slot : old) {
+            if (slot.record == kNone) continue;
+            std::size_t at = slot.hash & (size - 1);
+            while (m_slots[at].record != kNone) at = (at + 1) & (size - 1);
+            m_slots[at] = slot;
+        }
     }
 
     std::vector<Slot> m_slots;  // a power of two, at most half used

@@ -40,8 +40,19 @@ const Records& recordsOf(const std::unordered_map<std::string, Records>& index, 
 }  // namespace
 
 void CTemplateData::AddScript(CScriptElm script) {
-    const auto record = static_cast<std::uint32_t>(m_scripts.size());
     m_scripts.push_back(std::move(script));
+    indexLastScript();
+}
+
+void CTemplateData::reserveScripts(std::size_t scripts) {
+    m_scripts.reserve(scripts);
+    m_byName.reserve(scripts);
+    m_byFilename.reserve(scripts);
+    m_byFilenameNoCase.reserve(scripts);
+}
+
+void CTemplateData::indexLastScript() {
+    const auto record = static_cast<std::uint32_t>(m_scripts.size() - 1);
     const CScriptElm& added = m_scripts.back();
     m_byName.add(record, nameIn(m_scripts));
     m_byFilename.add(record, filenameIn(m_scripts));

@@ -120,6 +120,10 @@ public:
     bool LoadFromNode(const XMLNode& root, zoka::JobProgress* progress = nullptr);
 
 private:
+    // Room for that many scripts, and a place for the last one in the indexes.
+    void reserveScripts(std::size_t scripts);
+    void indexLastScript();
+
     using Records = std::vector<std::uint32_t>;
 
     std::string m_name;
