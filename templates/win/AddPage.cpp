@@ -13,7 +13,7 @@ constexpr size_t kFillAtOnce = 500;  // titles
 constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't read files at each row
 
 enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
-constexpr ListColumn kColumns[] = {{"Script", 80, true}, {"Class", 54, true}, {"Version", 32},
+constexpr ListColumn kColumns[] = {{"Script", 80, true}, {"Class", 54, true}, {"Version", 37},
                                    {"Date", 36},         {"Engine", 40},      {"In project", 44}};
 constexpr const char* kClassLabel = "&Class:";
 constexpr const char* kSearchLabel = "S&earch:";

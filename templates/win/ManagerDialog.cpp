@@ -319,7 +319,11 @@ INT_PTR CALLBACK ManagerDialog::dialogProc(HWND window, UINT message, WPARAM wPa
     if (!self) return FALSE;
     switch (message) {
         case WM_SIZE:
-            if (wParam != SIZE_MINIMIZED) self->layout();
+            if (wParam == SIZE_MINIMIZED) return TRUE;
+            self->layout();
+            // Painted at once, so that nothing of the old places is seen while the frame is drawn larger.
+            RedrawWindow(window, nullptr, nullptr,
+                         RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
             return TRUE;
         case WM_GETMINMAXINFO: {
             const SIZE least = outerSize(window, self->m_fonts.x(kLeastWidth), self->m_fonts.y(kLeastHeight));

@@ -30,7 +30,6 @@ INT_PTR CALLBACK PageWindow::dialogProc(HWND window, UINT message, WPARAM wParam
     switch (message) {
         case WM_SIZE:
             self->layout(LOWORD(lParam), HIWORD(lParam));
-            RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
             return TRUE;
         case WM_COMMAND:
             // Enter and Escape are the dialog's.

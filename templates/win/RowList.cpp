@@ -35,9 +35,13 @@ void RowList::place(int x, int y, int width, int height) {
 
 // The scroll bar, where there is one, is no part of the inside.
 void RowList::fitColumns() const {
-    if (!m_columns.front().title) return;
     RECT inside;
     GetClientRect(m_window, &inside);
+    if (!m_columns.front().title) {
+        const int width = std::max(m_textWidth, static_cast<int>(inside.right));
+        SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(width, 0));
+        return;
+    }
     int left = static_cast<int>(inside.right), growing = 0;
     for (const ListColumn& column : m_columns) {
         left -= m_fonts->x(column.units);
@@ -58,7 +62,8 @@ void RowList::fitColumns() const {
 }
 
 void RowList::setTextWidth(int width) {
-    SendMessageA(m_window, LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(width, 0));
+    m_textWidth = width;
+    fitColumns();
 }
 
 void RowList::setCount(int rows) {

@@ -39,7 +39,7 @@ public:
     // Selects one row alone and brings it into sight; -1: none.
     void select(int row);
     void redraw() const { InvalidateRect(m_window, nullptr, FALSE); }
-    // Width of the only column in pixels, for lists that scroll sideways.
+    // What the texts of the only column take, in pixels, for a list that scrolls sideways.
     void setTextWidth(int width);
 
     LRESULT notified(NMHDR& header) const;
@@ -54,6 +54,7 @@ private:
     CellText m_text;
     std::span<const ListColumn> m_columns;
     const WindowFonts* m_fonts = nullptr;
+    int m_textWidth = 0;
 };
 
 }  // namespace zoka
