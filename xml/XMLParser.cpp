@@ -79,10 +79,25 @@ private:
     char* doctype(char* p);
     char* instruction(char* p);
 
+    // The same name where it stood before, if it is found, else the name itself. Lookups compare what a key doesn't
+    // hold of a long name, and find it in the cache when the elements of a name share it. (An attribute's name stands
+    // beside its value, which is wanted next.)
+    const char* sharedName(const char* name, std::size_t length, std::uint64_t key) {
+        if (length < sizeof key) return name;
+        const char*& place = longNames_[slotOf(key)];
+        // The one before ends in front of this one, so that it may be read that far.
+        if (!place || std::memcmp(place, name, length) != 0 || place[length] != 0) place = name;
+        return place;
+    }
+    // One of 64, by the key.
+    static unsigned slotOf(std::uint64_t key) {
+        return static_cast<unsigned>(key * 0x9e3779b97f4a7c15u >> 58);
+    }
+
     XMLElement* newElement(char* name, std::size_t length) {
         XMLElement* element = document_.newElement();
         element->key = xmlNameKey(name, length);
-        element->name = name;
+        element->name = sharedName(name, length, element->key);
         element->parent = current_;
         document_.append(current_, element);
         return element;
@@ -124,6 +139,7 @@ private:
     XMLAttribute* run_ = nullptr;
     std::size_t runCount_ = 0;
     std::size_t runRoom_ = 0;
+    const char* longNames_[64] = {};
     std::uint64_t seenKeys_ = 0;
     std::unordered_set<std::string_view> seenNames_;
 };
@@ -410,7 +426,7 @@ bool Parser<Utf8>::isDouble(const char* name, std::size_t length, std::uint64_t 
         }
         return !seenNames_.emplace(name, length).second;
     }
-    const std::uint64_t bit = std::uint64_t{1} << (key * 0x9e3779b97f4a7c15u >> 58);
+    const std::uint64_t bit = std::uint64_t{1} << slotOf(key);
     const bool maybe = (seenKeys_ & bit) != 0;
     seenKeys_ |= bit;
     if (!maybe) return false;
