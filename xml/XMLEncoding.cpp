@@ -9,7 +9,6 @@
 namespace zoka {
 namespace {
 
-constexpr std::size_t kGuessBytes = 200;
 constexpr std::size_t kFewestBytes = 25;
 
 XMLCharset theCharset = XMLCharset::Utf8;
@@ -22,7 +21,7 @@ bool sequencesAreUtf8(std::string_view head) {
         if (lead < 0xc0 || lead >= 0xf8) return false;
         for (int trails = lead < 0xe0 ? 1 : lead < 0xf0 ? 2 : 3; trails > 0; --trails, ++i) {
             // A sequence that the limit cuts is no violation.
-            if (i == head.size()) return i == kGuessBytes;
+            if (i == head.size()) return i == kXmlGuessBytes;
             if ((static_cast<unsigned char>(head[i]) & 0xc0) != 0x80) return false;
         }
     }
@@ -51,7 +50,7 @@ void setXmlCharsetGuessing(bool on) {
 }
 
 bool guessUtf8(std::string_view bytes) {
-    const std::string_view head = bytes.substr(0, kGuessBytes);
+    const std::string_view head = bytes.substr(0, kXmlGuessBytes);
     if (head.size() < kFewestBytes) return false;
     if (head.starts_with("\xff\xfe") || head.starts_with("\xfe\xff") || head[0] == 0 || head[1] == 0)
         return false;

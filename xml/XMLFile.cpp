@@ -1,5 +1,5 @@
 // Trees from and to texts and files.
-#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -22,7 +22,6 @@ namespace zoka {
 namespace {
 
 constexpr int kFatalStatus = 255;
-constexpr std::size_t kGuessBytes = 200;
 constexpr std::size_t kReadBlock = 64 * 1024;
 
 struct CloseFile {
@@ -43,6 +42,7 @@ bool readAll(std::FILE* file, XMLDocument& document, char*& text, std::size_t& s
     for (;;) {
         size += std::fread(text + size, 1, room - size, file);
         if (size < room) break;
+        if (room > SIZE_MAX / 2) throw std::bad_alloc();
         room *= 2;
         text = document.growText(size, room);
     }
@@ -55,7 +55,7 @@ bool readAll(std::FILE* file, XMLDocument& document, char*& text, std::size_t& s
 std::string headOf(const char* path) {
     const File file(osFiles().openStream(path, "rb"));
     if (!file) return {};
-    std::string head(kGuessBytes, '\0');
+    std::string head(kXmlGuessBytes, '\0');
     head.resize(std::fread(head.data(), 1, head.size(), file.get()));
     return head;
 }
@@ -174,6 +174,7 @@ XMLNode XMLNode::parseText(const char* text, const char* tag, XMLResults* result
 }
 
 XMLNode XMLNode::loadFileOrExit(const char* path, const char* tag) {
+    if (!path) path = "";
     zoka::setXmlCharset(zoka::guessUtf8(zoka::headOf(path)) ? XMLCharset::Utf8 : XMLCharset::Platform);
     XMLResults results;
     XMLNode node = parseFile(path, tag, &results);

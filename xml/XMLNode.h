@@ -68,11 +68,11 @@ enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear 
 
 class XMLNode {
 public:
-    // --- reading
-    // ------------------------------------------------------------------------------------------------- Each
-    // gives the top element when `tag` is given (code 13 if it has another name), else the document node,
-    // whose children are the declaration, other processing instructions and the top element. On any error the
-    // empty node. `results`, where not null, is always filled.
+    // --- reading ---
+
+    // Each gives the top element when `tag` is given (code 13 if it has another name), else the document node, whose
+    // children are the declaration, other processing instructions and the top element. On any error, running out of
+    // memory included (code 2), the empty node. `results`, where not null, is always filled.
 
     // Reads a file. `path` as in all file operations (util/). With guessing on (zoka::setXmlCharsetGuessing,
     // the default) UTF-16 with a byte-order mark is converted and a UTF-8 mark is skipped.
@@ -88,20 +88,23 @@ public:
     // "XML Parsing error", exit status 255).
     static XMLNode loadFileOrExit(const char* path, const char* tag);
 
-    // --- making
-    // -------------------------------------------------------------------------------------------------- A
-    // tree of its own with one element at its top. With a null name an empty document node, to which a
-    // declaration and a top element can be added. The names are the caller's care: they are not checked.
+    // --- making ---
+    // The names are the caller's care: they are not checked. All texts given are copied. In values and texts,
+    // characters that XML can't hold (most control characters) become U+FFFD, or '?' in the platform's set; what is
+    // no UTF-8 where it should be is taken as text in the platform's set. These throw std::bad_alloc.
+
+    // A tree of its own with one element at its top. With a null name an empty document node, to which a declaration
+    // and a top element can be added.
     static XMLNode createTop(const char* name, bool isDeclaration = false);
-    // The new element, at the end of this one's content. All texts given to these are copied.
+    // The new element, at the end of this one's content. What is added to a declaration is written behind it.
     XMLNode addChild(const char* name, bool isDeclaration = false);
     void addAttribute(const char* name, const char* value);
     // Appends a text; an empty or null one adds nothing. Two texts with nothing between them are one after
     // writing and reading.
     void addText(const char* text);
 
-    // --- looking
-    // -------------------------------------------------------------------------------------------------
+    // --- looking ---
+
     bool isEmpty() const { return element_ == nullptr; }
     // Null for the document node and the empty node.
     const char* getName() const;
@@ -141,9 +144,9 @@ public:
     // getAttributeAt, getText and getClear. Attributes come first. Made anew at each call.
     std::vector<int> order() const;
 
-    // --- writing
-    // ------------------------------------------------------------------------------------------------- The
-    // subtree as text. Formatted: a line for each element, indented with tabs, but no blank inside an element
+    // --- writing ---
+
+    // The subtree as text. Formatted: a line for each element, indented with tabs, but no blank inside an element
     // that holds text. The caller frees the text with std::free; its length without the terminator goes to
     // *length when that is not null. Null for the empty node, or when memory runs out.
     char* toText(bool formatted = true, int* length = nullptr) const;
@@ -153,8 +156,8 @@ public:
     // opened, 17 when writing fails.
     int writeFile(const char* path, const char* encoding = nullptr, bool formatted = true) const;
 
-    // --- the rest
-    // ------------------------------------------------------------------------------------------------
+    // --- the rest ---
+
     static const char* errorText(int code) { return xmlErrorText(code); }
     // The one empty node for places that need a reference.
     static const XMLNode& emptyNode();
