@@ -47,7 +47,6 @@ TEST_F(Customize, SetsValuesAllOrNone) {
     } refused[] = {
         {"4=11 5=2", 1, "\"Lamp\": A switch is either"},
         {"4=101", 1, "101 is too large (allowed: 0 to 100)."},
-        {"\"Name=a\\\"b\"", 1, "A double quote"},
         {"4=11 nothing=1", 2, "no entry has the id or label \"nothing\""},
         {"4=11 5", 2, "not of the form name=value"},
     };
