@@ -172,10 +172,11 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
         UnplacedValue lost{
             {record.id, record.kind, found == keptOf.end() ? "" : found->second->label, record.value},
             "the script has no entry for it"};
+        if (lost.kept.value.ends_with('\r')) lost.kept.value.pop_back();
         if (entry) {
             const auto& model = static_cast<const EntryModel&>(*entry->control);
             lost.reason = carryRefusal(lost.kept, *entry, model.spec());
-            if (lost.reason.empty()) entry->control->SetValueFromText(record.value);
+            if (lost.reason.empty()) entry->control->SetValueFromText(lost.kept.value);
         }
         if (!lost.reason.empty()) m_unplaced.push_back(std::move(lost));
     };
