@@ -118,10 +118,8 @@ std::string AddPage::cell(int row, int column) {
 
 void AddPage::filter() {
     const std::string query = textOf(m_search);
-    m_settling = true;
     m_rows = &session().search(chosenItem(m_class), query);
     m_list.setCount(static_cast<int>(m_rows->size()));
-    m_settling = false;
     const size_t all = session().catalogue().scripts().size();
     setText(m_found, "&Scripts: " + std::to_string(m_rows->size()) +
                          (m_rows->size() == all ? "" : " of " + std::to_string(all)));
@@ -134,13 +132,11 @@ void AddPage::filter() {
 // Brings the list, the drop list and what stands below in step.
 void AddPage::selectRecord(std::optional<std::uint32_t> record) {
     m_record = record;
-    m_settling = true;
     int row = -1;
     if (record)
         if (const auto at = std::ranges::lower_bound(*m_rows, *record); at != m_rows->end() && *at == *record)
             row = static_cast<int>(at - m_rows->begin());
     if (m_list.selected() != row) m_list.select(row);
-    m_settling = false;
     showSelection();
 }
 
@@ -221,16 +217,18 @@ void AddPage::command(int id, int code) {
 
 LRESULT AddPage::notified(NMHDR& header) {
     if (header.idFrom != kList) return 0;
-    if (!m_settling && RowList::selectionMayHaveChanged(header)) {
-        const int row = m_list.selected();
-        m_record.reset();
-        if (row >= 0 && static_cast<size_t>(row) < m_rows->size())
-            m_record = (*m_rows)[static_cast<size_t>(row)];
-        showSelection();
-    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
+    if (m_list.userMayHaveSelected(header))
+        settleSoon();
+    else if (header.code == static_cast<UINT>(NM_DBLCLK))
         mainAction();
-    }
     return m_list.notified(header);
+}
+
+void AddPage::settled() {
+    const int row = m_list.selected();
+    m_record.reset();
+    if (row >= 0 && static_cast<size_t>(row) < m_rows->size()) m_record = (*m_rows)[static_cast<size_t>(row)];
+    showSelection();
 }
 
 void AddPage::timer(UINT_PTR id) {

@@ -22,6 +22,7 @@ protected:
     void createControls() override;
     void layout(int width, int height) override;
     LRESULT notified(NMHDR& header) override;
+    void settled() override;
     void timer(UINT_PTR id) override;
 
 private:
@@ -42,7 +43,7 @@ private:
     const std::vector<std::uint32_t>* m_rows = nullptr;  // records, ascending; the session's
     std::optional<std::uint32_t> m_record;               // the selected one
     size_t m_titlesFilled = 0;                           // records that the drop list of titles holds so far
-    bool m_settling = false;                             // changes are our own, not the user's
+    bool m_settling = false;                             // the filter is changed by the program
 };
 
 }  // namespace zoka

@@ -72,7 +72,7 @@ void CustomizePage::command(int id, int code) {
 
 LRESULT CustomizePage::notified(NMHDR& header) {
     if (header.idFrom != kList) return 0;
-    if (RowList::selectionMayHaveChanged(header)) showSelection();
+    if (m_list.userMayHaveSelected(header)) settleSoon();
     if (header.code == static_cast<UINT>(NM_DBLCLK)) mainAction();
     return m_list.notified(header);
 }

@@ -18,6 +18,7 @@ protected:
     void createControls() override;
     void layout(int width, int height) override;
     LRESULT notified(NMHDR& header) override;
+    void settled() override { showSelection(); }
 
 private:
     void showSelection();

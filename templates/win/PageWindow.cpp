@@ -2,6 +2,12 @@
 
 namespace zoka {
 
+namespace {
+
+constexpr UINT kSettle = WM_APP + 1;
+
+}  // namespace
+
 bool PageWindow::create(HWND dialog) {
     return makeDialog(dialog, WS_CHILD | DS_CONTROL | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, dialogProc,
                       reinterpret_cast<LPARAM>(this)) != nullptr;
@@ -15,6 +21,10 @@ HWND PageWindow::button(const char* text, int id, bool isMain) {
     return makeControl(m_window, "BUTTON", text,
                        WS_TABSTOP | static_cast<DWORD>(isMain ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON), 0, id,
                        fonts().text());
+}
+
+void PageWindow::settleSoon() {
+    if (!m_settlesSoon) m_settlesSoon = PostMessageA(m_window, kSettle, 0, 0);
 }
 
 INT_PTR CALLBACK PageWindow::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -40,6 +50,10 @@ INT_PTR CALLBACK PageWindow::dialogProc(HWND window, UINT message, WPARAM wParam
             return TRUE;
         case WM_NOTIFY:
             SetWindowLongPtrA(window, DWLP_MSGRESULT, self->notified(*reinterpret_cast<NMHDR*>(lParam)));
+            return TRUE;
+        case kSettle:
+            self->m_settlesSoon = false;
+            self->settled();
             return TRUE;
         case WM_TIMER:
             self->timer(wParam);

@@ -58,6 +58,10 @@ protected:
     // The answer goes back to the control.
     virtual LRESULT notified(NMHDR&) { return 0; }
     virtual void timer(UINT_PTR) {}
+    // Has settled() called before the next input. A list drops its selection before it takes another one: what hangs
+    // on it is shown when both are done.
+    void settleSoon();
+    virtual void settled() {}
     // Of owner-drawn lists.
     virtual void measure(MEASUREITEMSTRUCT&) {}
     virtual void draw(const DRAWITEMSTRUCT&) {}
@@ -73,6 +77,7 @@ private:
     static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     HWND m_window = nullptr;
+    bool m_settlesSoon = false;
 };
 
 }  // namespace zoka

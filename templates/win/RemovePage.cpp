@@ -73,7 +73,7 @@ void RemovePage::command(int id, int code) {
 
 LRESULT RemovePage::notified(NMHDR& header) {
     if (header.idFrom != kList) return 0;
-    if (RowList::selectionMayHaveChanged(header)) showSelection();
+    if (m_list.userMayHaveSelected(header)) settleSoon();
     if (header.code == static_cast<UINT>(LVN_KEYDOWN) &&
         reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE)
         mainAction();

@@ -85,15 +85,19 @@ int RowList::selected() const {
 void RowList::select(int row) {
     LVITEMA item{};
     item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    m_settling = true;
     if (selected() >= 0 && selected() != row)
         SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
-    if (row < 0) return;
-    item.state = item.stateMask;
-    SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    SendMessageA(m_window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    if (row >= 0) {
+        item.state = item.stateMask;
+        SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        SendMessageA(m_window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    }
+    m_settling = false;
 }
 
-bool RowList::selectionMayHaveChanged(const NMHDR& header) {
+bool RowList::userMayHaveSelected(const NMHDR& header) const {
+    if (m_settling) return false;
     if (header.code == static_cast<UINT>(LVN_ODSTATECHANGED)) return true;
     if (header.code != static_cast<UINT>(LVN_ITEMCHANGED)) return false;
     const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);

@@ -43,8 +43,8 @@ public:
     void setTextWidth(int width);
 
     LRESULT notified(NMHDR& header) const;
-    // Whether the notification may mean that another row is selected now.
-    static bool selectionMayHaveChanged(const NMHDR& header);
+    // Whether the notification may mean that the user has selected another row.
+    bool userMayHaveSelected(const NMHDR& header) const;
 
 private:
     int find(const NMLVFINDITEMA& search) const;
@@ -55,6 +55,7 @@ private:
     std::span<const ListColumn> m_columns;
     const WindowFonts* m_fonts = nullptr;
     int m_textWidth = 0;
+    bool m_settling = false;  // the selection is changed by the program
 };
 
 }  // namespace zoka

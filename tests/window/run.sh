@@ -32,6 +32,7 @@ lay_out() { # folder
     cp -r "$root/samples/project" "$1/j8"
     [ -e "$1/j8/main.xml" ] || printf '<Project name="harbour"/>\r\n' >"$1/j8/main.xml"
     cp -r "$root/samples/templates" "$1/suite/templates"
+    cp -r "$root/samples/templates-newer" "$1/suite/templates-newer"
     [ -e "$1/suite/templates/template_6.xml" ] || printf '<TavrixTemplate name="samples"/>\r\n' >"$1/suite/templates/template_6.xml"
     chmod -R u+w "$1"
 }
@@ -52,7 +53,7 @@ drive() { # script, folder
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
             --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" \
-            --set "OUT=$(windows_path "$2")" --set "LEVEL_FITS=$fits" --set "LEVEL_TOO_LONG=${fits}a" \
+            --set LF=$'\n' --set "OUT=$(windows_path "$2")" --set "LEVEL_FITS=$fits" --set "LEVEL_TOO_LONG=${fits}a" \
             --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
             --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \
             --set "LEAKY=$(windows_path "$build/tests/window/leaky_plugin.dll")" \

@@ -149,7 +149,11 @@ void setText(HWND window, const std::string& text) {
 }
 
 void enable(HWND control, bool enabled) {
-    if ((IsWindowEnabled(control) != 0) != enabled) EnableWindow(control, enabled);
+    if ((IsWindowEnabled(control) != 0) == enabled) return;
+    // The keyboard would be lost in a control that takes no input.
+    if (!enabled && GetFocus() == control)
+        SendMessageA(GetAncestor(control, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
+    EnableWindow(control, enabled);
 }
 
 std::string chosenItem(HWND dropList) {

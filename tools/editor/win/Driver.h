@@ -45,6 +45,7 @@ private:
     static void addEditorCommands(std::map<std::string, Command>& table);
     static void addWindowCommands(std::map<std::string, Command>& table);
     static void addControlCommands(std::map<std::string, Command>& table);
+    static void addFileCommands(std::map<std::string, Command>& table);
     static void addCheckCommands(std::map<std::string, Command>& table);
 
     void carryOut(const Words& words);
@@ -121,6 +122,11 @@ private:
     void expectLayout(const Words&);
     void tabOrderOf(const Words&);
     void expectTabOrder(const Words&);
+    // ... files
+    void copyFile(const Words&);
+    void expectLines(const Words&);
+    void expectNoLines(const Words&);
+    void expectSameFile(const Words&);
     // ... what is looked at besides
     void expectResult(const Words&);
     void expectRecord(const Words&);

@@ -1,0 +1,54 @@
+// The drive script's commands about files.
+#include <windows.h>
+
+#include "tools/editor/win/Driver.h"
+#include "util/OsFiles.h"
+
+namespace zoka {
+
+namespace {
+
+std::string contentOf(const std::string& path) {
+    return osFiles().readWhole(path).value_or("");
+}
+
+}  // namespace
+
+void Driver::addFileCommands(std::map<std::string, Command>& table) {
+    table["copy-file"] = {2, 2, &Driver::copyFile};
+    table["expect-lines"] = {2, 40, &Driver::expectLines};
+    table["expect-no-lines"] = {2, 40, &Driver::expectNoLines};
+    table["expect-same-file"] = {2, 2, &Driver::expectSameFile};
+}
+
+void Driver::copyFile(const Words& words) {
+    if (!CopyFileA(words[0].c_str(), words[1].c_str(), FALSE))
+        throw DriveFault(words[0] + " can't be copied to " + words[1]);
+}
+
+static std::string linesFrom(const std::vector<std::string>& words) {
+    std::string lines;
+    for (std::size_t i = 1; i < words.size(); ++i) lines += words[i] + "\r\n";
+    return lines;
+}
+
+void Driver::expectLines(const Words& words) {
+    const std::string lines = linesFrom(words);
+    expect([&] { return ("\n" + contentOf(words[0])).find("\n" + lines) != std::string::npos; },
+           words[0] + " to hold\n" + lines, [&] { return "\n" + contentOf(words[0]); });
+}
+
+void Driver::expectNoLines(const Words& words) {
+    if (("\n" + contentOf(words[0])).find("\n" + linesFrom(words)) != std::string::npos)
+        throw DriveFault("expected no such lines in " + words[0] + "; they are there");
+}
+
+void Driver::expectSameFile(const Words& words) {
+    const auto same = [&] {
+        const auto first = osFiles().readWhole(words[0]), second = osFiles().readWhole(words[1]);
+        return first && second && *first == *second;
+    };
+    expect(same, words[0] + " to equal " + words[1], [] { return std::string("another content"); });
+}
+
+}  // namespace zoka
