@@ -2,7 +2,8 @@
 # Shows the plug-in at work: run.sh [WINDOWS_BUILD]. Wants the Windows build (build/windows) and what set-up installs.
 #
 # The stand-in editor loads the real library in real windows on a display that no screen shows, opens the sample
-# project and both panels. Pictures of it and the log of all calls are left in build/demo.
+# project and both panels, and adds, removes and updates scripts. Pictures of it, the logs of all calls and the main
+# script after each step are left in build/demo.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
@@ -12,20 +13,29 @@ fi
 build=$(realpath "${1:-build/windows}")
 demo=$PWD/build/demo
 rm -rf "$demo"
-mkdir -p "$demo/suite"
+mkdir -p "$demo/suite" "$demo/steps"
 cp -r samples/project "$demo/harbour"
 cp -r samples/templates "$demo/suite/templates"
-cp "$build/plugin/zoka.dll" tools/demo/demo.drive "$demo/"
+# The next release of the template set, with its catalogue.
+cp -r samples/templates "$demo/newer"
+cp samples/templates-newer/*.kez "$demo/newer/"
+cp "$build/plugin/zoka.dll" tools/demo/*.drive "$demo/"
 
 # Under Wine the demo's folder is a drive of its own, so that its paths are short and the same everywhere.
 show() {
     tools/run/wine.sh "$build/wine" cmd /c exit
     ln -sfn "$demo" "$build/wine/dosdevices/p:"
-    timeout -k 2 90 tools/run/wine.sh "$build/wine" "$build/tools/editor/zunhost.exe" --drive 'P:\demo.drive' \
-        --limit 60 --log 'P:\calls.log' --pictures 'P:' --suite 'P:\suite' \
+    tools/run/wine.sh "$build/wine" "$build/tools/cli/zoka.exe" catalogue build 'P:\newer' --name "Harbour Lights" \
+        --vers 6.3 --enginereq "6.2 PRO"
+    drive demo calls
+    drive scripts calls-scripts
+}
+drive() { # script, log
+    timeout -k 2 90 tools/run/wine.sh "$build/wine" "$build/tools/editor/zunhost.exe" --drive "P:\\$1.drive" \
+        --limit 60 --log "P:\\$2.log" --pictures 'P:' --suite 'P:\suite' \
         --set 'PROJECT=P:\harbour' --set 'DLL=P:\zoka.dll' --set 'OUT=P:'
 }
-export -f show
+export -f show drive
 export build demo
 
 echo "running the plug-in in the stand-in editor"
@@ -40,5 +50,18 @@ if [ $status != 0 ]; then
     echo "the demo ended with $status" >&2
     exit 1
 fi
+echo "the main script, step by step (build/demo/steps):"
+before=
+for step in "$demo"/steps/[0-9]*.kez; do
+    if [ -n "$before" ]; then
+        name=$(basename "$step" .kez)
+        echo "  $name"
+        diff -u --label before --label after "$before" "$step" | tr -d '\r' | sed 's/^/    /' || true
+    fi
+    before=$step
+done
+echo "  the updated fog.kez"
+diff -u --label before --label after "$demo/steps/fog.kez before its update" "$demo/harbour/fog.kez" | tr -d '\r' |
+    iconv -f WINDOWS-1252 -t UTF-8 | sed 's/^/    /' || true
 echo "pictures:"
 for picture in "$demo"/*.png; do echo "    build/demo/$(basename "$picture")"; done
