@@ -110,7 +110,7 @@ private:
 };
 
 bool ManagerDialog::load(CTemplateData& catalogue) {
-    ProgressWindow progress(m_owner, m_fonts, kManagerTitle);
+    ProgressWindow progress(m_owner, m_fonts, "Loading the template catalogue");
     bool loaded = false;
     progress.runOnThread(
         [&](JobProgress& steps) { loaded = loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps); });
