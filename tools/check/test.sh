@@ -45,7 +45,7 @@ build() { # preset
 }
 
 run_ctest() { # preset, command to run it with...
-    local folder=$PWD/build/$1 log=$logs/test-$1.log preset=$1 counts
+    local folder=$PWD/build/$1 log=$logs/test-$1.log preset=$1 counts start=$SECONDS
     shift
     # Results of an earlier run must not be taken for this one's.
     find "$folder/tests" -name '*_tests.xml' -delete
@@ -54,14 +54,20 @@ run_ctest() { # preset, command to run it with...
         --output-junit "$folder/junit.xml" >"$log" 2>&1 || cat "$log"
     counts=$($here/count.sh "$folder")
     # shellcheck disable=SC2086 # two numbers
-    add "tests $preset" $counts
+    add "tests $preset ($((SECONDS - start)) s)" $counts
 }
 
-run_window_tests() {
-    local log=$logs/test-window.log line status
-    # Shown as it runs: a test in real windows takes its time.
-    tools/run/display.sh timeout 1800 tests/window/run.sh build/windows 2>&1 | tee "$log"
-    status=${PIPESTATUS[0]}
+# The window tests mostly wait for windows, so they run beside the native tests.
+start_window_tests() {
+    timeout 1800 tools/run/display.sh tests/window/run.sh build/windows >"$logs/test-window.log" 2>&1 &
+    window_tests=$!
+    trap 'kill "$window_tests"; exit 130' INT TERM
+}
+
+end_window_tests() {
+    local log=$logs/test-window.log line status=0
+    wait "$window_tests" || status=$?
+    grep -v '^window tests: ' "$log"
     line=$(sed -nE 's/^window tests: ([0-9]+) passed, ([0-9]+) failed$/\1 \2/p' "$log" | tail -n 1)
     if [ -z "$line" ] || { [ "$status" != 0 ] && [ "${line#* }" = 0 ]; }; then
         echo "the runner of the window tests ended with $status"
@@ -75,21 +81,29 @@ run_window_tests() {
 check includes $here/includes.sh
 check lineends $here/lineends.sh
 check checks tests/check/run.sh
-if build linux; then run_ctest linux; fi
-if build linux-asan; then run_ctest linux-asan; fi
+
+linux= asan= windows=
+build linux && linux=built
+build linux-asan && asan=built
 if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
     echo "the Windows half is left out, because ZOKA_NO_WINE=1 is set"
-    check sources $here/sources.sh build/linux
+    [ -z "$linux" ] || check sources $here/sources.sh build/linux
 elif build windows; then
-    check sources $here/sources.sh build/linux build/windows
+    [ -z "$linux" ] || check sources $here/sources.sh build/linux build/windows
     check binaries $here/binaries.sh build/windows
     # The prefix is made ahead of the tests, so that its time is not counted as theirs.
     if tools/run/display.sh tools/run/wine.sh "$PWD/build/windows/wine" cmd /c exit; then
-        run_ctest windows tools/run/display.sh
-        run_window_tests
+        windows=built
+        start_window_tests
     else
         add "wine" 0 1
     fi
+fi
+[ -z "$linux" ] || run_ctest linux
+[ -z "$asan" ] || run_ctest linux-asan
+if [ -n "$windows" ]; then
+    end_window_tests
+    run_ctest windows tools/run/display.sh
 fi
 
 [ $((passed + failed)) -gt 0 ] || failed=1
