@@ -41,6 +41,7 @@ XMLCharset xmlCharset() {
 }
 void setXmlCharset(XMLCharset charset) {
     theCharset = charset;
+    xmlLeadBytes = charset == XMLCharset::Platform ? platformLeadBytes() : nullptr;
 }
 bool xmlCharsetGuessing() {
     return guessing;

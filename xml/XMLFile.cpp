@@ -205,6 +205,7 @@ int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) c
         head = std::string(zoka::kUtf8Mark) + "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
     } else {
         writesUtf8 = zoka::namesUtf(encoding);
+        if (writesUtf8 && !zoka::namesUtf8(encoding)) encoding = "utf-8";  // UTF-16 is never written
         head = "<?xml version=\"1.0\" encoding=\"" + std::string(encoding) + "\"?>\n";
     }
     const zoka::XMLText text = zoka::writeXml(element_, formatted, instead);

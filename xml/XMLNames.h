@@ -14,8 +14,13 @@
 namespace zoka {
 
 // 256 flags, by byte: whether it begins a two-byte character in the process's character set; the byte behind
-// it is never folded. Null where the set has none. Changed by setXmlCharset alone.
+// it belongs to it, whatever it looks like. Null where the set has none. Changed by setXmlCharset alone.
 extern const bool* xmlLeadBytes;
+
+// Length of the character at `p`, which is not the terminator, in the platform's set.
+inline unsigned platformCharacter(const char* p) {
+    return xmlLeadBytes && xmlLeadBytes[static_cast<unsigned char>(*p)] && p[1] ? 2 : 1;
+}
 
 // The forms for sets with two-byte characters; `length` as below.
 std::uint64_t xmlNameKeyWithLeads(const char* name, std::size_t length);

@@ -69,7 +69,6 @@ enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear 
 class XMLNode {
 public:
     // --- reading ---
-
     // Each gives the top element when `tag` is given (code 13 if it has another name), else the document node, whose
     // children are the declaration, other processing instructions and the top element. On any error, running out of
     // memory included (code 2), the empty node. `results`, where not null, is always filled.
@@ -113,7 +112,7 @@ public:
     // The empty node for the top.
     XMLNode getParent() const;
 
-    // Child elements: of any name, of a name. Declarations count as children.
+    // Child elements: of any name, of a name. Declarations count as children. Counted at each call.
     int childCount() const;
     int childCount(const char* tag) const;
     // The index-th child of any name, or of that name, counting from 0. Asking for 0, 1, 2, ... in turn takes
@@ -152,8 +151,8 @@ public:
     char* toText(bool formatted = true, int* length = nullptr) const;
     // Writes the subtree to a file with the declaration in front (none if the tree brings its own).
     // `encoding` names the character set in that declaration and counts only while the process's set is the
-    // platform's; null or with UTF-8 set, the file is UTF-8 with a mark. 0, or 16 when the file can't be
-    // opened, 17 when writing fails.
+    // platform's; null or with UTF-8 set, the file is UTF-8 with a mark. UTF-16 is not written: UTF-8 takes its
+    // place. 0, or 16 when the file can't be opened, 17 when writing fails.
     int writeFile(const char* path, const char* encoding = nullptr, bool formatted = true) const;
 
     // --- the rest ---

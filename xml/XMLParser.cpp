@@ -38,6 +38,8 @@ private:
         char32_t c = 0;
         return fail(Utf8 && utf8Sequence(place, c) == 0 ? kXmlCannotConvert : kXmlUnexpectedToken, place);
     }
+    // Whether the text may hold characters of two bytes that pass as two ASCII ones to the scanning code.
+    static bool hasPairs() { return !Utf8 && xmlLeadBytes; }
     // Past one character from 80 hex on, or a control character, which is an error.
     char* oddCharacter(char* p) {
         char32_t c = 0;
@@ -170,7 +172,7 @@ char* Parser<Utf8>::unusualNameEnd(char* start, char* p) {
     for (;; p = scanName(p)) {
         if (!hasClass(*p, kCharHigh)) return p;
         char32_t c = 0;
-        const unsigned length = Utf8 ? utf8Sequence(p, c) : 1;
+        const unsigned length = Utf8 ? utf8Sequence(p, c) : platformCharacter(p);
         if (length == 0) return p;
         if (Utf8 && !(p == start ? isXmlNameStart(c) : isXmlNameChar(c))) return p;
         p += length;
@@ -289,7 +291,7 @@ template <bool Utf8>
 char* Parser<Utf8>::text(char* p) {
     char* const start = p;
     bool edits = false;
-    shifts_ = false;
+    shifts_ = hasPairs();
     for (; p;) {
         p = scanText<Utf8>(p);
         const char c = *p;
@@ -382,7 +384,7 @@ template <bool Utf8>
 char* Parser<Utf8>::value(char* p, char quote) {
     char* const start = p;
     bool edits = false;
-    shifts_ = false;
+    shifts_ = hasPairs();
     while (p) {
         p = scanValue<Utf8>(p, quote);
         const char c = *p;

@@ -1,5 +1,7 @@
 #include "xml/XMLPosition.h"
 
+#include "xml/XMLNames.h"
+
 namespace zoka {
 namespace {
 
@@ -17,8 +19,13 @@ int lineEnds(const char* first, const char* last) {
 }  // namespace
 
 int XMLPosition::characters(const char* first, const char* last) const {
-    if (!utf8_) return static_cast<int>(last - first);
     int count = 0;
+    if (!utf8_) {
+        if (!xmlLeadBytes) return static_cast<int>(last - first);
+        // A terminator counts, too: names and values are ended in place.
+        for (; first < last; first += platformCharacter(first)) ++count;
+        return count;
+    }
     for (; first < last; ++first) count += (static_cast<unsigned char>(*first) & 0xc0) != 0x80;
     return count;
 }

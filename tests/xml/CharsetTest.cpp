@@ -1,10 +1,12 @@
 // Character sets: guessing, files with and without marks, the platform's set.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include "tests/support/TempFolder.h"
 #include "tests/xml/XmlText.h"
+#include "xml/XMLNames.h"
 
 using zoka::guessUtf8;
 using zoka::test::orNull;
@@ -127,6 +129,33 @@ TEST(Charset, InThePlatformsSetHighBytesAreCharacters) {
     EXPECT_EQ(zoka::test::verdict("<a>\xE9\x01</a>"), "9 1:5");
 }
 
+// In a set with two-byte characters the second byte may look like a letter or a bracket; it is neither.
+TEST(Charset, TwoByteCharactersAreWhole) {
+    const WithCharset with(XMLCharset::Platform);
+    static const std::array<bool, 256> leads = [] {
+        std::array<bool, 256> flags{};
+        for (int byte = 0x81; byte < 0xA0; ++byte) flags[static_cast<std::size_t>(byte)] = true;
+        return flags;
+    }();
+    zoka::xmlLeadBytes = leads.data();
+    const std::string text = "<\x83[x\x83K><b \x83K=\"1\" \x83k=\"2\"/></\x83[x\x83K>";
+    const XMLNode document = XMLNode::parseText(text.c_str());
+    EXPECT_EQ(textOf(document), text);
+    EXPECT_FALSE(document.getChild("\x83[X\x83K").isEmpty());
+    EXPECT_TRUE(document.getChild("\x83[x\x83k").isEmpty());
+    EXPECT_STREQ(document.getChild(0).getChild("B").getAttribute("\x83k"), "2");
+    // Behind the first eight bytes, too; a lead byte may be the eighth.
+    const XMLNode tails = XMLNode::parseText("<a><n234567\x83K/><n23456789\x83K/></a>", "a");
+    EXPECT_FALSE(tails.getChild("N234567\x83K").isEmpty());
+    EXPECT_TRUE(tails.getChild("n234567\x83k").isEmpty());
+    EXPECT_FALSE(tails.getChild("N23456789\x83K").isEmpty());
+    EXPECT_TRUE(tails.getChild("n23456789\x83k").isEmpty());
+    // Columns count characters, also behind what was decoded in place.
+    EXPECT_EQ(zoka::test::verdict("<a \x83K='\x83[&amp;\x83]'>\x83K&lt;\x83K</b>"), "7 1:22");
+    // A lead byte without a second one is a character of its own.
+    EXPECT_EQ(zoka::test::verdict("<a\x83"), "10 1:4");
+}
+
 // What a file says of its encoding is true, whatever set the texts are in.
 TEST(Charset, FilesSayWhatTheyAre) {
     TempFolder folder;
@@ -150,6 +179,7 @@ TEST(Charset, FilesSayWhatTheyAre) {
     EXPECT_EQ(written("<a>\xE9</a>", "windows-1252"), declared + "windows-1252\"?>\n<a>\xE9</a>");
     EXPECT_EQ(written("<a>\xE9\x80</a>", nullptr), utf8 + "<a>\xC3\xA9\xE2\x82\xAC</a>");
     EXPECT_EQ(written("<a>\xE9</a>", "UTF-8"), declared + "UTF-8\"?>\n<a>\xC3\xA9</a>");
+    EXPECT_EQ(written("<a>\xE9</a>", "utf-16"), declared + "utf-8\"?>\n<a>\xC3\xA9</a>");
     EXPECT_EQ(written("<?xml version='1.0' encoding='iso-8859-1'?><a>\xE9</a>", nullptr),
               declared + "iso-8859-1\"?><a>\xE9</a>");
     EXPECT_EQ(written("<?xml version='1.0' encoding='utf-8'?><a>\xE9</a>", nullptr),
