@@ -63,8 +63,7 @@ struct Data {
     bool isCatalogue;
 };
 
-// --- the walks, the same for every engine; what they give must be equal
-// ------------------------------------------
+// --- the walks, the same for every engine; what they give must be equal ---
 
 template <class Engine>
 long walkChildren(const typename Engine::Document& document, bool isCatalogue) {
@@ -109,8 +108,7 @@ long walkAttributes(const typename Engine::Document& document, bool isCatalogue)
     return sum;
 }
 
-// --- fresh processes: this program calls itself
-// ------------------------------------------------------------------
+// --- fresh processes: this program calls itself ---
 
 struct Fresh {
     double parse = 0, free = 0;  // seconds
@@ -180,8 +178,7 @@ int childMain(char** argv) {
     return childRun<Tiny>(argv[1], argv[2]);
 }
 
-// --- running
-// -----------------------------------------------------------------------------------------------------
+// --- running ---
 
 std::map<std::string, double> best;  // "row/engine": the least figure
 
