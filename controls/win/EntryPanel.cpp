@@ -1,0 +1,282 @@
+#include "controls/win/EntryPanel.h"
+
+#include <algorithm>
+
+#include "controls/win/ControlClasses.h"
+
+namespace zoka {
+namespace {
+
+constexpr size_t kMeasuredLabels = 500;  // wide enough for these is wide enough
+constexpr int kSpacing = 2, kMargin = 6;
+constexpr size_t kSearchedForField = 200;  // rows without a field are passed over by Tab, but not without end
+
+}  // namespace
+
+EntryPanel::EntryPanel(EntryHost& host) : m_host(host), m_layout(kMargin, kMargin, kSpacing) {}
+
+EntryPanel::~EntryPanel() {
+    freeFonts();
+}
+
+HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
+    m_fonts = &fonts;
+    makeFonts();
+    CreateWindowExA(WS_EX_CONTROLPARENT | WS_EX_CLIENTEDGE, kEntryPanelClass, "",
+                    WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_CLIPCHILDREN, 0, 0, 0, 0, parent,
+                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), this);
+    if (!m_window) return nullptr;
+    const auto tip = [&] {
+        const HWND made =
+            CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, "", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0,
+                            0, 0, m_window, nullptr, ControlClasses::instance(), nullptr);
+        SendMessageA(made, TTM_SETMAXTIPWIDTH, 0, m_fonts->x(240));
+        return made;
+    };
+    m_tooltip = tip();
+    SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
+    m_balloon = tip();
+    TTTOOLINFOA tool{};
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
+    tool.hwnd = m_window;
+    tool.lpszText = const_cast<char*>("");
+    SendMessageA(m_balloon, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    return m_window;
+}
+
+void EntryPanel::makeFonts() {
+    freeFonts();
+    LOGFONTA font{};
+    GetObjectA(m_fonts->text(), sizeof font, &font);
+    font.lfWeight = FW_BOLD;
+    m_bold = CreateFontIndirectA(&font);
+    font.lfHeight = font.lfHeight * 4 / 3;
+    m_title = CreateFontIndirectA(&font);
+}
+
+void EntryPanel::freeFonts() {
+    for (HFONT* const font : {&m_bold, &m_title}) {
+        if (*font) DeleteObject(*font);
+        *font = nullptr;
+    }
+}
+
+// The fonts grow with the screen's resolution; heights follow them.
+int EntryPanel::scaled(int pixels) const {
+    return std::max(MulDiv(pixels, m_fonts->lineHeight(), 15), pixels);
+}
+
+const PictureStore::Bitmap& EntryPanel::picture(size_t row) {
+    return m_pictures.get(m_host.picturePath(m_host.rowModel(row).spec().label));
+}
+
+SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) const {
+    // Doubled where the screen's resolution is, never beyond the row.
+    double by = std::max(1, m_fonts->lineHeight() / 15);
+    by = std::min({by, static_cast<double>(std::max(width, 1)) / picture.width,
+                   static_cast<double>(scaled(240)) / picture.height});
+    return {std::max(1, static_cast<int>(picture.width * by)),
+            std::max(1, static_cast<int>(picture.height * by))};
+}
+
+int EntryPanel::heightOf(size_t row, int width) {
+    const EntryModel& model = m_host.rowModel(row);
+    const EntrySpec& spec = model.spec();
+    if (spec.field == EntryField::Picture) {
+        const PictureStore::Bitmap& shown = picture(row);
+        return shown.handle ? static_cast<int>(pictureSize(shown, width - m_fonts->x(4)).cy) + scaled(4)
+                            : m_fonts->lineHeight() + scaled(6);
+    }
+    if (spec.field == EntryField::Text) {
+        const int room = width - m_fonts->x(4), line = m_fonts->lineHeight();
+        if (static_cast<int>(std::min<size_t>(spec.label.size(), 100000)) * m_fonts->x(4) / 2 > room) {
+            RECT area{0, 0, std::max(room, 20), 0};
+            const HDC dc = GetDC(m_window);
+            const HGDIOBJ old = SelectObject(dc, m_fonts->text());
+            DrawTextA(dc, spec.label.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+            SelectObject(dc, old);
+            ReleaseDC(m_window, dc);
+            return std::min(static_cast<int>(area.bottom), line * 20) + scaled(4);
+        }
+        return line + scaled(4);
+    }
+    if (spec.field == EntryField::StringField && spec.lines > 1)
+        return m_fonts->lineHeight() * std::min(spec.lines, 12) + scaled(14);
+    return std::max(scaled(model.GetHeight()), m_fonts->y(kFieldHeightUnits) + 4);
+}
+
+int EntryPanel::labelWidth(int width) const {
+    return std::clamp(m_widestLabel + m_fonts->x(6), width / 4, std::max(width * 9 / 20, width / 4));
+}
+
+void EntryPanel::rowsReplaced() {
+    // A window that goes away with the keyboard has nothing to say about its row any more.
+    m_live.clear();
+    m_pictures.clear();
+    hideRefusal();
+    m_refused.reset();
+    m_top = 0;
+    m_widestLabel = 0;
+    if (!m_window) return;
+    const HDC dc = GetDC(m_window);
+    const HGDIOBJ old = SelectObject(dc, m_bold);
+    for (size_t row = 0; row < std::min(m_host.rowCount(), kMeasuredLabels); ++row) {
+        const EntrySpec& spec = m_host.rowModel(row).spec();
+        SIZE size{};
+        if (hasValue(spec.field) && spec.field != EntryField::Switch &&
+            GetTextExtentPoint32A(dc, spec.label.c_str(), static_cast<int>(spec.label.size()), &size))
+            m_widestLabel = std::max(m_widestLabel, static_cast<int>(size.cx));
+    }
+    SelectObject(dc, old);
+    ReleaseDC(m_window, dc);
+    layout();
+    InvalidateRect(m_window, nullptr, TRUE);
+}
+
+void EntryPanel::showValues() {
+    for (const auto& [row, window] : m_live) window->showValue();
+}
+
+void EntryPanel::layoutSoon() {
+    if (m_window && !m_laidOutSoon) m_laidOutSoon = PostMessageA(m_window, kLayoutRows, 0, 0) != 0;
+}
+
+void EntryPanel::layout() {
+    if (!m_window || m_placing) return;
+    RECT area;
+    GetClientRect(m_window, &area);
+    const int width = static_cast<int>(area.right) - 2 * kMargin;
+    std::vector<PanelItem> items(m_host.rowCount());
+    const std::vector<bool> shown = m_host.rowsShown();
+    for (size_t row = 0; row < items.size(); ++row) {
+        items[row].visible = shown[row];
+        if (!shown[row]) continue;
+        items[row].height = heightOf(row, width);
+        items[row].gapAfter = m_host.rowModel(row).spec().field != EntryField::Text;
+    }
+    m_layout.stack(items);
+    scrollTo(m_top);
+}
+
+void EntryPanel::scrollTo(int top) {
+    if (!m_window) return;
+    RECT area;
+    GetClientRect(m_window, &area);
+    m_top = m_layout.clampScroll(top, static_cast<int>(area.bottom));
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    // Always there, so that the rows keep their width while they are filtered.
+    info.fMask = SIF_ALL | SIF_DISABLENOSCROLL;
+    info.nMax = std::max(m_layout.contentHeight() + kMargin - 1, 0);
+    info.nPage = static_cast<UINT>(std::max(static_cast<int>(area.bottom), 1));
+    info.nPos = m_top;
+    SetScrollInfo(m_window, SB_VERT, &info, TRUE);
+    placeRows();
+}
+
+// The next row with a field; the row itself when there is none near.
+size_t EntryPanel::nextField(size_t row, int step) const {
+    const std::vector<size_t>& rows = m_layout.rows();
+    size_t at = row;
+    for (size_t i = 0; i < kSearchedForField; ++i) {
+        if (step < 0 ? at == 0 : at + 1 >= rows.size()) break;
+        at = step < 0 ? at - 1 : at + 1;
+        if (m_host.rowModel(rows[at]).spec().field >= EntryField::Heading) return at;
+    }
+    return row;
+}
+
+void EntryPanel::placeRows() {
+    m_placing = true;
+    RECT area;
+    GetClientRect(m_window, &area);
+    const std::vector<size_t>& rows = m_layout.rows();
+    std::vector<size_t> wanted;  // places in `rows`
+    const PanelLayout::Range seen = m_layout.rowsWithin(m_top, static_cast<int>(area.bottom));
+    for (size_t i = seen.first; i < seen.last; ++i) wanted.push_back(i);
+    const auto withNeighbours = [&](size_t first, size_t last) {
+        for (const size_t i : {first, nextField(first, -1), last, nextField(last, 1)}) wanted.push_back(i);
+    };
+    if (seen.first < seen.last) withNeighbours(seen.first, seen.last - 1);
+    if (const EntryWindow* const focus = focused()) {
+        const size_t i = m_layout.rowOfItem(focus->row());
+        if (i < rows.size()) withNeighbours(i, i);
+    }
+    std::sort(wanted.begin(), wanted.end());
+    wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
+
+    std::map<size_t, std::unique_ptr<EntryWindow>> kept;
+    const int width = static_cast<int>(area.right);
+    for (const size_t i : wanted) {
+        const auto old = m_live.find(rows[i]);
+        if (old != m_live.end()) kept[rows[i]] = std::move(old->second);
+    }
+    m_live.erase(m_live.begin(), m_live.end());
+    m_live = std::move(kept);
+    HWND after = HWND_TOP;
+    for (const size_t i : wanted) {
+        auto& window = m_live[rows[i]];
+        const PanelRect at = m_layout.rectOfRow(i, width);
+        if (!window) window = std::make_unique<EntryWindow>(*this, rows[i], labelWidth(at.width));
+        if (!window->window()) continue;
+        const int y = std::clamp(at.y - m_top, -30000, 30000);
+        SetWindowPos(window->window(), after, at.x, y, at.width, at.height, SWP_NOACTIVATE);
+        after = window->window();
+    }
+    m_placing = false;
+    if (rows.empty()) InvalidateRect(m_window, nullptr, TRUE);
+}
+
+EntryWindow* EntryPanel::windowOf(HWND control) {
+    for (const auto& [row, window] : m_live)
+        if (window && window->window() && (window->window() == control || IsChild(window->window(), control)))
+            return window.get();
+    return nullptr;
+}
+
+EntryWindow* EntryPanel::focused() {
+    const HWND focus = GetFocus();
+    return focus && m_window && IsChild(m_window, focus) ? windowOf(focus) : nullptr;
+}
+
+void EntryPanel::fieldFocused(size_t row) {
+    m_refused.reset();
+    PostMessageA(m_window, kFocused, row, 0);
+}
+
+bool EntryPanel::commit() {
+    if (EntryWindow* const window = focused()) return window->commit();
+    if (!m_refused) return true;
+    const size_t row = *m_refused;
+    m_refused.reset();
+    const std::string why = m_refusal;
+    focusRow(row);
+    const auto live = m_live.find(row);
+    if (live != m_live.end()) showRefusal(live->second->field(), why);
+    return false;
+}
+
+bool EntryPanel::revert() {
+    EntryWindow* const window = focused();
+    return window && window->revert();
+}
+
+void EntryPanel::focusRow(size_t row) {
+    const size_t place = m_layout.rowOfItem(row);
+    if (!m_window || place >= m_layout.rows().size()) return;
+    RECT area;
+    GetClientRect(m_window, &area);
+    scrollTo(m_layout.scrollToShow(place, m_top, static_cast<int>(area.bottom)));
+    const auto live = m_live.find(row);
+    if (live != m_live.end() && live->second->field())
+        SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL,
+                     reinterpret_cast<WPARAM>(live->second->field()), TRUE);
+}
+
+void EntryPanel::focusFirst() {
+    for (const size_t row : m_layout.rows())
+        if (hasValue(m_host.rowModel(row).spec().field)) return focusRow(row);
+}
+
+}  // namespace zoka

@@ -1,0 +1,110 @@
+// The rows of a panel below one another, with a scroll bar.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controls/PanelLayout.h"
+#include "controls/win/EntryHost.h"
+#include "controls/win/EntryWindow.h"
+#include "controls/win/PictureStore.h"
+#include "util/win/WindowKit.h"
+
+namespace zoka {
+
+// Rows have windows while they are in sight, so that tens of thousands of rows open at once. The row with the
+// keyboard and the next ones to reach by Tab have windows too, wherever they are. The host and the object
+// outlive the window. [panel thread]
+class EntryPanel {
+public:
+    explicit EntryPanel(EntryHost& host);
+    ~EntryPanel();
+    EntryPanel(const EntryPanel&) = delete;
+    EntryPanel& operator=(const EntryPanel&) = delete;
+
+    // A child of `parent`, without a size yet; null on failure. `fonts` outlive it.
+    HWND create(HWND parent, int id, const WindowFonts& fonts);
+
+    // All rows are others than before.
+    void rowsReplaced();
+    // Values have changed, of whichever rows.
+    void showValues();
+    // Which rows are shown has changed.
+    void layoutSoon();
+
+    // Takes what is typed in the field with the keyboard, or was in the one that has just lost it. False when
+    // that was refused: the field has the keyboard again then, with the reason below it.
+    bool commit();
+    // Gives up what is typed in the field with the keyboard; false when there is nothing to give up.
+    bool revert();
+    // Scrolls the row into view and gives it the keyboard; the first one with a field.
+    void focusRow(size_t row);
+    void focusFirst();
+
+    // --- For the rows' windows.
+    HWND window() const { return m_window; }
+    EntryHost& host() { return m_host; }
+    const WindowFonts& fonts() const { return *m_fonts; }
+    HFONT boldFont() const { return m_bold; }
+    HFONT titleFont() const { return m_title; }
+    const PictureStore::Bitmap& picture(size_t row);
+    // As large as it's drawn in a row of that width.
+    SIZE pictureSize(const PictureStore::Bitmap& picture, int width) const;
+    void addTooltip(HWND control);
+    void showRefusal(HWND field, const std::string& text);
+    void hideRefusal();
+    void fieldFocused(size_t row);
+    void refusedOnLeaving(size_t row) { m_refused = row; }
+    // Both open a window with a loop of its own, so they are left for later.
+    void browseSoon(size_t row);
+    void menuSoon(size_t row, HWND field, LPARAM at);
+
+    static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+private:
+    static constexpr UINT kLayoutRows = WM_APP + 1, kBrowseRow = WM_APP + 2, kMenuRow = WM_APP + 3,
+                          kFocused = WM_APP + 4;
+
+    LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
+    void makeFonts();
+    void freeFonts();
+    int scaled(int pixels) const;
+    int heightOf(size_t row, int width);
+    int labelWidth(int width) const;
+    void layout();
+    void placeRows();
+    void scrollTo(int top);
+    void scroll(WORD code);
+    void wheel(int delta);
+    void browse(size_t row);
+    void paintEmpty();
+    void tooltipText(NMTTDISPINFOA& info);
+    EntryWindow* windowOf(HWND control);
+    EntryWindow* focused();
+    size_t nextField(size_t row, int step) const;
+
+    EntryHost& m_host;
+    HWND m_window = nullptr, m_tooltip = nullptr, m_balloon = nullptr;
+    const WindowFonts* m_fonts = nullptr;
+    HFONT m_bold = nullptr, m_title = nullptr;
+    PanelLayout m_layout;
+    std::map<size_t, std::unique_ptr<EntryWindow>> m_live;  // by row
+    PictureStore m_pictures;
+    int m_top = 0;          // of the view in the content
+    int m_wheel = 0;        // what is left of turns smaller than a notch
+    int m_widestLabel = 0;  // of the rows measured
+    std::string m_tip;      // what the tooltip shows
+    std::string m_refusal;  // and what stands below a field
+    std::optional<size_t> m_refused;
+    HWND m_menuField = nullptr;
+    bool m_laidOutSoon = false, m_placing = false;
+};
+
+}  // namespace zoka

@@ -1,0 +1,222 @@
+// What the panel's window answers to: scrolling, tooltips, what its rows left for later.
+
+#include <algorithm>
+
+#include "controls/FileFilter.h"
+#include "controls/win/EntryPanel.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/UserPrompt.h"
+
+namespace zoka {
+namespace {
+
+constexpr UINT_PTR kHideTimer = 1;
+constexpr UINT kRefusalMs = 6000;
+
+TTTOOLINFOA toolOf(HWND panel) {
+    TTTOOLINFOA tool{};
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    tool.hwnd = panel;
+    return tool;
+}
+
+}  // namespace
+
+void EntryPanel::addTooltip(HWND control) {
+    TTTOOLINFOA tool = toolOf(m_window);
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    SendMessageA(m_tooltip, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
+    const EntryWindow* const window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
+    m_tip = window ? m_host.rowTooltip(window->row()) : std::string();
+    info.lpszText = m_tip.data();
+}
+
+void EntryPanel::showRefusal(HWND field, const std::string& text) {
+    if (!m_window || text.empty()) return;
+    m_refusal = text;
+    TTTOOLINFOA tool = toolOf(m_window);
+    tool.lpszText = m_refusal.data();
+    SendMessageA(m_balloon, TTM_UPDATETIPTEXTA, 0, reinterpret_cast<LPARAM>(&tool));
+    RECT area;
+    GetWindowRect(field, &area);
+    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.bottom + 2));
+    SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+    SetTimer(m_window, kHideTimer, kRefusalMs, nullptr);
+}
+
+void EntryPanel::hideRefusal() {
+    if (!m_window) return;
+    KillTimer(m_window, kHideTimer);
+    TTTOOLINFOA tool = toolOf(m_window);
+    SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
+}
+
+void EntryPanel::browseSoon(size_t row) {
+    PostMessageA(m_window, kBrowseRow, row, 0);
+}
+
+void EntryPanel::menuSoon(size_t row, HWND field, LPARAM at) {
+    m_menuField = field;
+    PostMessageA(m_window, kMenuRow, row, at);
+}
+
+void EntryPanel::browse(size_t row) {
+    if (row >= m_host.rowCount()) return;
+    ChooserRequest request;
+    const std::string before = m_host.rowModel(row).value();
+    request.title = m_host.rowModel(row).spec().label;
+    request.startFolder = osFiles().currentFolder();
+    request.filter = fileFilterFor(before);
+    while (request.filter.ends_with('|')) request.filter.pop_back();
+    const auto chosen = userPrompt().chooseFile(request);
+    // The window may be gone, or show another script.
+    if (!chosen || !m_window || row >= m_host.rowCount()) return;
+    std::string why;
+    if (m_host.editRow(row, std::string(fileNameOf(*chosen)), &why, false)) return;
+    const auto live = m_live.find(row);
+    if (live != m_live.end()) showRefusal(live->second->field(), why);
+}
+
+void EntryPanel::scroll(WORD code) {
+    RECT area;
+    GetClientRect(m_window, &area);
+    const int page = std::max(static_cast<int>(area.bottom) - scaled(30), 1), line = scaled(16);
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(m_window, SB_VERT, &info);
+    switch (code) {
+        case SB_LINEUP:
+            return scrollTo(m_top - line);
+        case SB_LINEDOWN:
+            return scrollTo(m_top + line);
+        case SB_PAGEUP:
+            return scrollTo(m_top - page);
+        case SB_PAGEDOWN:
+            return scrollTo(m_top + page);
+        case SB_TOP:
+            return scrollTo(0);
+        case SB_BOTTOM:
+            return scrollTo(m_layout.contentHeight());
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION:
+            return scrollTo(info.nTrackPos);
+        default:
+            return;
+    }
+}
+
+void EntryPanel::wheel(int delta) {
+    UINT lines = 3;
+    SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
+    lines = std::clamp(lines, 1u, 20u);
+    m_wheel += delta * static_cast<int>(lines) * scaled(16);
+    const int pixels = m_wheel / WHEEL_DELTA;
+    m_wheel -= pixels * WHEEL_DELTA;
+    scrollTo(m_top - pixels);
+}
+
+void EntryPanel::paintEmpty() {
+    PAINTSTRUCT painting;
+    const HDC dc = BeginPaint(m_window, &painting);
+    if (m_layout.rows().empty()) {
+        RECT area;
+        GetClientRect(m_window, &area);
+        InflateRect(&area, -m_fonts->x(kMarginUnits), -m_fonts->y(kMarginUnits));
+        const HGDIOBJ old = SelectObject(dc, m_fonts->text());
+        SetBkMode(dc, TRANSPARENT);
+        SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+        const std::string text = m_host.emptyText();
+        DrawTextA(dc, text.c_str(), -1, &area, DT_WORDBREAK | DT_NOPREFIX);
+        SelectObject(dc, old);
+    }
+    EndPaint(m_window, &painting);
+}
+
+LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* const made =
+            static_cast<EntryPanel*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
+        if (!made) return FALSE;
+        made->m_window = window;
+        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+    }
+    auto* const self = reinterpret_cast<EntryPanel*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    if (!self) return DefWindowProcA(window, message, wParam, lParam);
+    if (message == WM_NCDESTROY) {
+        self->m_window = nullptr;
+        self->m_live.clear();
+        self->m_pictures.clear();
+        SetWindowLongPtrA(window, GWLP_USERDATA, 0);
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    return self->message(message, wParam, lParam);
+}
+
+LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_SIZE:
+            hideRefusal();
+            layout();
+            return 0;
+        case WM_VSCROLL:
+            hideRefusal();
+            scroll(LOWORD(wParam));
+            return 0;
+        case WM_MOUSEWHEEL:
+            hideRefusal();
+            wheel(static_cast<short>(HIWORD(wParam)));
+            return 0;
+        case WM_PAINT:
+            paintEmpty();
+            return 0;
+        case WM_TIMER:
+            if (wParam == kHideTimer) hideRefusal();
+            return 0;
+        case WM_NOTIFY: {
+            auto* const header = reinterpret_cast<NMHDR*>(lParam);
+            if (header && header->hwndFrom == m_tooltip &&
+                header->code == static_cast<UINT>(TTN_GETDISPINFOA))
+                tooltipText(*reinterpret_cast<NMTTDISPINFOA*>(lParam));
+            return 0;
+        }
+        case kLayoutRows:
+            m_laidOutSoon = false;
+            layout();
+            return 0;
+        case kFocused:
+            if (const EntryWindow* const window = focused(); window && window->row() == wParam) {
+                const size_t place = m_layout.rowOfItem(wParam);
+                RECT area;
+                GetClientRect(m_window, &area);
+                if (place < m_layout.rows().size())
+                    scrollTo(m_layout.scrollToShow(place, m_top, static_cast<int>(area.bottom)));
+                m_host.rowFocused(wParam);
+            }
+            return 0;
+        case kBrowseRow:
+            browse(wParam);
+            return 0;
+        case kMenuRow: {
+            if (wParam >= m_host.rowCount()) return 0;
+            POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+            const auto live = m_live.find(wParam);
+            if (lParam == -1 && live != m_live.end()) {  // by the keyboard
+                at = {0, 0};
+                ClientToScreen(live->second->window(), &at);
+            }
+            m_host.rowMenu(wParam, m_menuField, at);
+            return 0;
+        }
+        default:
+            return DefWindowProcA(m_window, message, wParam, lParam);
+    }
+}
+
+}  // namespace zoka

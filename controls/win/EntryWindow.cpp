@@ -1,0 +1,389 @@
+#include "controls/win/EntryWindow.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "controls/EntryRules.h"
+#include "controls/win/ControlClasses.h"
+#include "controls/win/EntryPanel.h"
+#include "controls/win/SliderField.h"
+#include "util/win/WindowKit.h"
+
+namespace zoka {
+namespace {
+
+enum { kLabel = 1, kField, kBrowse, kSpin };
+
+std::string withCrLf(const std::string& text) {
+    std::string made;
+    for (const char c : text) {
+        if (c == '\n' && (made.empty() || made.back() != '\r')) made += '\r';
+        made += c;
+    }
+    return made;
+}
+
+}  // namespace
+
+EntryWindow::EntryWindow(EntryPanel& panel, size_t row, int labelWidth)
+    : m_panel(panel), m_row(row), m_labelWidth(labelWidth) {
+    CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 0, 0,
+                    panel.window(), nullptr, ControlClasses::instance(), this);
+    if (!m_window) return;
+    makeControls();
+    showValue();
+}
+
+EntryWindow::~EntryWindow() {
+    m_updating = true;
+    if (m_window) DestroyWindow(m_window);
+}
+
+const EntryModel& EntryWindow::model() const {
+    return m_panel.host().rowModel(m_row);
+}
+
+bool EntryWindow::isEdit() const {
+    const EntryField field = spec().field;
+    return isNumber(field) || field == EntryField::StringField || field == EntryField::FileField;
+}
+
+HWND EntryWindow::child(HWND control) {
+    SetWindowSubclass(control, fieldProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_panel.addTooltip(control);
+    return control;
+}
+
+HWND EntryWindow::makeEdit(const char* className, DWORD style) {
+    const HWND edit = CreateWindowExA(WS_EX_CLIENTEDGE, className, "",
+                                      WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL | style, 0, 0, 0, 0,
+                                      m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(kField)),
+                                      ControlClasses::instance(), nullptr);
+    SendMessageA(edit, WM_SETFONT, reinterpret_cast<WPARAM>(m_panel.fonts().text()), FALSE);
+    return child(edit);
+}
+
+void EntryWindow::makeControls() {
+    const EntrySpec& is = spec();
+    const HFONT text = m_panel.fonts().text();
+    m_panel.addTooltip(m_window);
+    const auto label = [&](HFONT font, DWORD style, const std::string& shown) {
+        m_label = makeControl(m_window, "STATIC", shown.c_str(), SS_NOPREFIX | style, 0, kLabel, font);
+    };
+    switch (is.field) {
+        case EntryField::Caption:
+            return label(m_panel.titleFont(), SS_ENDELLIPSIS, is.label);
+        case EntryField::Text:
+            return label(text, SS_LEFT, is.label);
+        case EntryField::Picture:
+            if (!m_panel.picture(m_row).handle) label(text, SS_ENDELLIPSIS, "[" + is.label + "]");
+            return;
+        case EntryField::Heading:
+            m_field = child(makeControl(m_window, "BUTTON", is.label.c_str(), BS_OWNERDRAW | WS_TABSTOP, 0,
+                                        kField, m_panel.boldFont()));
+            return;
+        case EntryField::Switch: {
+            std::string shown;
+            for (const char c : is.label) shown.append(c == '&' ? "&&" : std::string(1, c));
+            m_field = child(makeControl(m_window, "BUTTON", shown.c_str(), BS_AUTOCHECKBOX | WS_TABSTOP, 0,
+                                        kField, text));
+            return;
+        }
+        default:
+            break;
+    }
+    label(text, SS_ENDELLIPSIS, is.label);
+    switch (is.field) {
+        case EntryField::Slider:
+            m_slider = makeSliderField(m_window, kField, text, is.decimal, m_panel.fonts().x(44));
+            m_track = child(GetDlgItem(m_slider, kSliderTrack));
+            m_field = child(GetDlgItem(m_slider, kSliderNumber));
+            SendMessageA(m_track, TBM_SETRANGEMIN, FALSE, 0);
+            SendMessageA(m_track, TBM_SETRANGEMAX, FALSE, model().sliderRange());
+            SendMessageA(m_track, TBM_SETPAGESIZE, 0, std::max(1, model().sliderRange() / 10));
+            break;
+        case EntryField::IntField:
+        case EntryField::FloatField: {
+            m_field = makeEdit(is.field == EntryField::IntField ? kIntEditClass : kFloatEditClass, 0);
+            m_spin = makeControl(m_window, UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr);
+            SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
+            UDACCEL faster[] = {{0, 1}, {2, 5}, {4, 20}};
+            SendMessageA(m_spin, UDM_SETACCEL, 3, reinterpret_cast<LPARAM>(faster));
+            break;
+        }
+        case EntryField::DropList:
+            m_field = child(makeControl(m_window, "COMBOBOX", "", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP,
+                                        0, kField, text));
+            fillDropList();
+            break;
+        case EntryField::FileField:
+            m_field = makeEdit("EDIT", 0);
+            m_browse = child(
+                makeControl(m_window, "BUTTON", "Browse...", BS_PUSHBUTTON | WS_TABSTOP, 0, kBrowse, text));
+            break;
+        default:
+            m_field = makeEdit("EDIT", isMultiLine() ? ES_MULTILINE | ES_WANTRETURN | WS_VSCROLL : 0);
+            break;
+    }
+    if (isEdit())
+        SendMessageA(m_field, EM_LIMITTEXT, is.maxChars > 0 ? static_cast<WPARAM>(is.maxChars) : 0, 0);
+}
+
+void EntryWindow::fillDropList() {
+    for (const std::string& option : spec().options)
+        SendMessageA(m_field, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(option.c_str()));
+}
+
+std::string EntryWindow::fieldText() const {
+    std::string text = textOf(m_field);
+    // The field's line ends are the system's, the value's those of its script.
+    const std::string& loaded = model().loadedValue();
+    if (loaded.find('\n') != loaded.npos && loaded.find("\r\n") == loaded.npos) std::erase(text, '\r');
+    return text;
+}
+
+void EntryWindow::setFieldText(const std::string& value) {
+    const std::string shown = isMultiLine() ? withCrLf(value) : value;
+    if (textOf(m_field) == shown) return;
+    m_updating = true;
+    SetWindowTextA(m_field, shown.c_str());
+    if (GetFocus() == m_field) SendMessageA(m_field, EM_SETSEL, 0, -1);
+    m_updating = false;
+}
+
+void EntryWindow::showValue() {
+    if (!m_window || !hasValue(spec().field)) return;
+    const std::string& value = model().value();
+    if (spec().field == EntryField::Switch) {
+        SendMessageA(m_field, BM_SETCHECK, model().isOn() ? BST_CHECKED : BST_UNCHECKED, 0);
+    } else if (spec().field == EntryField::DropList) {
+        // A value that is no choice is shown as one, and stays one.
+        LRESULT place = SendMessageA(m_field, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                                     reinterpret_cast<LPARAM>(value.c_str()));
+        if (place < 0)
+            place = SendMessageA(m_field, CB_INSERTSTRING, 0, reinterpret_cast<LPARAM>(value.c_str()));
+        SendMessageA(m_field, CB_SETCURSEL, static_cast<WPARAM>(place), 0);
+    } else if (!m_typing) {
+        setFieldText(value);
+        m_why.clear();
+    }
+    if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition())
+        SendMessageA(m_track, TBM_SETPOS, TRUE, model().sliderPosition());
+    if (m_marked != model().HasChanged()) {
+        m_marked = model().HasChanged();
+        const HFONT font = m_marked ? m_panel.boldFont() : m_panel.fonts().text();
+        SendMessageA(m_label ? m_label : m_field, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+        InvalidateRect(m_window, nullptr, TRUE);
+    }
+}
+
+void EntryWindow::refused(const std::string& why) {
+    m_panel.showRefusal(m_field, why);
+}
+
+void EntryWindow::typed() {
+    const std::string text = fieldText();
+    if (GetFocus() != m_field) {  // set by another program
+        std::string why;
+        if (!m_panel.host().editRow(m_row, text, &why, false)) refused(why);
+        return showValue();
+    }
+    m_typing = true;
+    m_why.clear();
+    if (m_panel.host().editRow(m_row, text, &m_why, true)) {
+        m_panel.hideRefusal();
+    } else {
+        // "150" begins with "15": what was taken on the way to a refused text is given back.
+        m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
+        if (!isNumber(spec().field)) refused(m_why);
+    }
+    m_typing = false;
+}
+
+bool EntryWindow::commit() {
+    if (!isEdit() || m_updating) return true;
+    const std::string why = m_why;
+    if (!why.empty()) refused(why);
+    showValue();
+    m_atFocus = model().value();
+    return why.empty();
+}
+
+bool EntryWindow::revert() {
+    if (!isEdit() || (m_why.empty() && model().value() == m_atFocus)) return false;
+    m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
+    m_panel.hideRefusal();
+    showValue();
+    return true;
+}
+
+void EntryWindow::step(int steps) {
+    const std::string next = model().stepped(steps);
+    std::string why;
+    if (next == model().value()) return refused(allowedRange(spec()));
+    if (!m_panel.host().editRow(m_row, next, &why, true)) refused(why);
+    showValue();
+}
+
+void EntryWindow::slid(WORD code) {
+    const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
+    std::string why;
+    if (position != model().sliderPosition() &&
+        !m_panel.host().editRow(m_row, model().textAt(position), &why, true))
+        refused(why);
+    showValue();
+    if (code == TB_ENDTRACK) m_panel.host().rowLeft(m_row);
+}
+
+void EntryWindow::command(WORD code, HWND control) {
+    if (m_updating) return;
+    if (code == kFieldRefused) {
+        const std::string range = allowedRange(spec());
+        return refused((spec().decimal ? "Only numbers" : "Only whole numbers") +
+                       (range.empty() ? "" : "; " + range));
+    }
+    if (control == m_browse && code == BN_CLICKED) return m_panel.browseSoon(m_row);
+    if (control != m_field) return;
+    if (spec().field == EntryField::Heading && code == BN_CLICKED) {
+        m_panel.host().fold(m_row, !m_panel.host().isFolded(m_row));
+        InvalidateRect(m_field, nullptr, TRUE);
+    } else if (spec().field == EntryField::Switch && code == BN_CLICKED) {
+        const bool on = SendMessageA(m_field, BM_GETCHECK, 0, 0) == BST_CHECKED;
+        m_panel.host().editRow(m_row, on ? "1" : "0", nullptr, false);
+    } else if (spec().field == EntryField::DropList && code == CBN_SELCHANGE) {
+        std::string why;
+        if (!m_panel.host().editRow(m_row, chosenItem(m_field), &why, false)) {
+            refused(why);
+            showValue();
+        }
+    } else if (isEdit() && code == EN_CHANGE) {
+        typed();
+    }
+}
+
+bool EntryWindow::keyDown(HWND control, WPARAM key) {
+    if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
+        if (key == 'A' && control == m_field && isEdit()) {
+            SendMessageA(m_field, EM_SETSEL, 0, -1);
+            return true;
+        }
+        return m_panel.host().shortcut(key);
+    }
+    if (control == m_field && isNumber(spec().field) && (key == VK_UP || key == VK_DOWN)) {
+        step(key == VK_UP ? 1 : -1);
+        return true;
+    }
+    if ((key == VK_PRIOR || key == VK_NEXT) && control != m_track && !isMultiLine() &&
+        spec().field != EntryField::DropList) {
+        PostMessageA(m_panel.window(), WM_VSCROLL, key == VK_PRIOR ? SB_PAGEUP : SB_PAGEDOWN, 0);
+        return true;
+    }
+    return false;
+}
+
+LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                        DWORD_PTR data) {
+    auto* const self = reinterpret_cast<EntryWindow*>(data);
+    switch (message) {
+        case WM_SETFOCUS:
+            self->m_atFocus = self->model().value();
+            self->m_panel.fieldFocused(self->m_row);
+            break;
+        case WM_KILLFOCUS:
+            if (window == self->m_field && !self->m_updating) {
+                if (!self->commit()) self->m_panel.refusedOnLeaving(self->m_row);
+                self->m_panel.host().rowLeft(self->m_row);
+            }
+            break;
+        case WM_MOUSEWHEEL:
+            if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == self->m_field &&
+                self->spec().field == EntryField::DropList)
+                break;
+            PostMessageA(self->m_panel.window(), WM_MOUSEWHEEL, wParam, lParam);
+            return 0;
+        case WM_KEYDOWN:
+            if (self->keyDown(window, wParam)) return 0;
+            break;
+        case WM_CHAR:
+            // The letters of Ctrl+Z and the like, whose keys were seen already.
+            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 && wParam != 3 && wParam != 22 && wParam != 24)
+                return 0;
+            break;
+        case WM_CONTEXTMENU:
+            self->m_panel.menuSoon(self->m_row, window, lParam);
+            return 0;
+        case WM_GETDLGCODE:
+            if (window == self->m_field && self->isMultiLine()) {
+                const auto* const pressed = reinterpret_cast<const MSG*>(lParam);
+                const bool enter = pressed && pressed->message == WM_KEYDOWN && pressed->wParam == VK_RETURN;
+                return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL | (enter ? DLGC_WANTMESSAGE : 0);
+            }
+            break;
+        case WM_NCDESTROY:
+            RemoveWindowSubclass(window, fieldProc, id);
+            break;
+        default:
+            break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* const made =
+            static_cast<EntryWindow*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
+        if (!made) return FALSE;
+        made->m_window = window;
+        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+    }
+    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    if (!self) return DefWindowProcA(window, message, wParam, lParam);
+    if (message == WM_NCDESTROY) {
+        self->m_window = nullptr;
+        SetWindowLongPtrA(window, GWLP_USERDATA, 0);
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    return self->message(message, wParam, lParam);
+}
+
+LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_SIZE:
+            layout(LOWORD(lParam), HIWORD(lParam));
+            return 0;
+        case WM_PAINT:
+            paint();
+            return 0;
+        case WM_COMMAND:
+            command(HIWORD(wParam), reinterpret_cast<HWND>(lParam));
+            return 0;
+        case WM_HSCROLL:
+            if (m_track) slid(LOWORD(wParam));
+            return 0;
+        case WM_NOTIFY: {
+            const auto* const header = reinterpret_cast<const NMHDR*>(lParam);
+            if (header && m_spin && header->hwndFrom == m_spin &&
+                header->code == static_cast<UINT>(UDN_DELTAPOS)) {
+                if (GetFocus() != m_field) SetFocus(m_field);
+                step(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta);
+                return TRUE;
+            }
+            return 0;
+        }
+        case WM_DRAWITEM:
+            if (lParam && spec().field == EntryField::Heading)
+                drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            return TRUE;
+        case WM_LBUTTONDOWN:
+            if (m_field) SetFocus(m_field);
+            return 0;
+        case WM_CONTEXTMENU:
+            m_panel.menuSoon(m_row, m_field, lParam);
+            return 0;
+        default:
+            return DefWindowProcA(m_window, message, wParam, lParam);
+    }
+}
+
+}  // namespace zoka

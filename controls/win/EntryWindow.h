@@ -1,0 +1,77 @@
+// The window of one row: its label and the field that its value is changed in.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <string>
+
+#include "controls/EntryModel.h"
+
+namespace zoka {
+
+class EntryPanel;
+
+// Made for rows in sight and freed when they leave it: the value stands in the model. None of its procedures
+// runs a loop of its own (a menu, a box), so that it's never freed while one is at work. [panel thread]
+class EntryWindow {
+public:
+    // `labelWidth` in pixels.
+    EntryWindow(EntryPanel& panel, size_t row, int labelWidth);
+    ~EntryWindow();
+    EntryWindow(const EntryWindow&) = delete;
+    EntryWindow& operator=(const EntryWindow&) = delete;
+
+    HWND window() const { return m_window; }
+    size_t row() const { return m_row; }
+    // The control that takes the keyboard; null for rows without one.
+    HWND field() const { return m_field; }
+    // Shows the model's value, except in a field that is being typed in.
+    void showValue();
+    // Takes what stands in the field. False when it's refused: the field then shows its value again, and the
+    // reason stands below it.
+    bool commit();
+    // Back to the value that the field had when it got the keyboard; false when it has that already.
+    bool revert();
+    // Shows in a number field which numbers it takes.
+    void step(int steps);
+
+    static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+private:
+    static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                      DWORD_PTR self);
+    void makeControls();
+    HWND child(HWND control);
+    HWND makeEdit(const char* className, DWORD style);
+    void fillDropList();
+    void layout(int width, int height);
+    void paint();
+    void drawHeading(const DRAWITEMSTRUCT& item) const;
+
+    LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
+    void command(WORD code, HWND control);
+    void typed();
+    void slid(WORD code);
+    bool keyDown(HWND control, WPARAM key);
+    std::string fieldText() const;
+    void setFieldText(const std::string& value);
+    void refused(const std::string& why);
+
+    const EntryModel& model() const;
+    const EntrySpec& spec() const { return model().spec(); }
+    bool isMultiLine() const { return spec().field == EntryField::StringField && spec().lines > 1; }
+    bool isEdit() const;
+
+    EntryPanel& m_panel;
+    const size_t m_row;
+    const int m_labelWidth;
+    HWND m_window = nullptr;
+    HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;
+    HWND m_browse = nullptr;
+    std::string m_atFocus;  // the value when the field got the keyboard
+    std::string m_why;      // what speaks against the text typed; empty when nothing does
+    bool m_updating = false, m_typing = false, m_marked = false;
+};
+
+}  // namespace zoka

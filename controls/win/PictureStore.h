@@ -1,0 +1,31 @@
+// The pictures of a panel, loaded at their first use.
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <string>
+
+namespace zoka {
+
+class PictureStore {
+public:
+    struct Bitmap {
+        HBITMAP handle = nullptr;  // null: missing or damaged
+        int width = 0, height = 0;
+    };
+
+    PictureStore() = default;
+    ~PictureStore() { clear(); }
+    PictureStore(const PictureStore&) = delete;
+    PictureStore& operator=(const PictureStore&) = delete;
+
+    // The first hundred are kept; others count as missing, so that a hostile script doesn't fill the memory.
+    const Bitmap& get(const std::string& path);
+    void clear();
+
+private:
+    std::map<std::string, Bitmap> m_pictures;
+};
+
+}  // namespace zoka

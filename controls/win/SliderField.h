@@ -1,0 +1,17 @@
+// A slider with its number field.
+#pragma once
+
+#include <windows.h>
+
+namespace zoka {
+
+// The controls within a "ZT_SliderV" window, which its parent fills and reads. The window places them in its
+// size and hands their WM_COMMAND and WM_HSCROLL on to its parent.
+inline constexpr int kSliderTrack = 1, kSliderNumber = 2;
+
+// `numberWidth` in pixels; `decimal` selects the kind of number field. Null on failure.
+HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWidth);
+
+LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+}  // namespace zoka

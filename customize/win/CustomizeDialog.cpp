@@ -1,0 +1,200 @@
+#include "customize/win/CustomizeDialog.h"
+
+#include <algorithm>
+
+#include "customize/win/CustomizeControls.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+// Where the panel was last in this run of the editor. One panel is open at a time.
+RECT g_lastPlace{};
+bool g_lastMaximized = false;
+
+void setIcons(HWND window, HINSTANCE module, int icon) {
+    const auto load = [&](int width, int height) {
+        return reinterpret_cast<LPARAM>(LoadImageA(module, MAKEINTRESOURCEA(icon), IMAGE_ICON,
+                                                   GetSystemMetrics(width), GetSystemMetrics(height),
+                                                   LR_SHARED));
+    };
+    // Without icons of its own the system looks for others when it draws the caption, and needs the loader's
+    // lock for it.
+    SendMessageA(window, WM_SETICON, ICON_BIG, load(SM_CXICON, SM_CYICON));
+    SendMessageA(window, WM_SETICON, ICON_SMALL, load(SM_CXSMICON, SM_CYSMICON));
+}
+
+bool onScreen(const RECT& place) {
+    const POINT caption{(place.left + place.right) / 2, place.top + 10};
+    return place.right > place.left && MonitorFromPoint(caption, MONITOR_DEFAULTTONULL);
+}
+
+}  // namespace
+
+CustomizeDialog::CustomizeDialog(Setup setup)
+    : m_setup(std::move(setup)), m_session(m_setup.editor, userPrompt(), this), m_panel(*this) {}
+
+CustomizeDialog::~CustomizeDialog() = default;
+
+HWND CustomizeDialog::create(HINSTANCE instance, int number) {
+    return CreateDialogParamA(instance, MAKEINTRESOURCEA(number), nullptr, dialogProc,
+                              reinterpret_cast<LPARAM>(this));
+}
+
+void CustomizeDialog::initialise(HWND window) {
+    m_window = window;
+    m_fonts = std::make_unique<WindowFonts>();
+    // The resource is shared with the other panel; this one's controls are made here.
+    while (const HWND other = GetWindow(window, GW_CHILD)) DestroyWindow(other);
+    setIcons(window, m_setup.module, m_setup.icon);
+    makeControls();
+    showState();
+    if (onScreen(g_lastPlace)) {
+        SetWindowPos(window, nullptr, g_lastPlace.left, g_lastPlace.top, g_lastPlace.right - g_lastPlace.left,
+                     g_lastPlace.bottom - g_lastPlace.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        if (g_lastMaximized) ShowWindow(window, SW_MAXIMIZE);
+    } else {
+        const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(300));
+        centreOver(window, nullptr, size.cx, size.cy);
+    }
+    layout();
+    SetFocus(GetDlgItem(window, IDCANCEL));
+}
+
+void CustomizeDialog::load() {
+    if (m_setup.choices) m_session.scriptChoices = m_setup.choices();
+    m_loaded = true;
+    if (!m_session.open(m_setup.scriptPath)) rowsReplaced();
+    fillScriptChoices();
+    layout();
+    m_panel.focusFirst();
+}
+
+void CustomizeDialog::bringToFront() {
+    if (m_window) SetForegroundWindow(m_window);
+}
+
+void CustomizeDialog::raiseOnce() {
+    if (!m_window) return;
+    constexpr UINT kHow = SWP_NOMOVE | SWP_NOSIZE;
+    SetWindowPos(m_window, HWND_TOPMOST, 0, 0, 0, 0, kHow);
+    SetWindowPos(m_window, HWND_NOTOPMOST, 0, 0, 0, 0, kHow);
+}
+
+void CustomizeDialog::rowsReplaced() {
+    m_panel.rowsReplaced();
+    if (!m_window) return;
+    setText(m_help, "No Help");
+    fillScriptChoices();
+    showState();
+}
+
+void CustomizeDialog::valuesChanged() {
+    if (!m_window) return;
+    m_panel.showValues();
+    if (m_session.filter.changedOnly) m_panel.layoutSoon();
+    showState();
+}
+
+// The title names the script, with a mark while it has changes; buttons tell what they would do.
+void CustomizeDialog::showState() {
+    const std::string& path = m_session.script().scriptPath;
+    const size_t changed = m_loaded ? m_session.changedCount() : 0;
+    std::string title = kCustomizeTitle;
+    if (!path.empty()) title += " - " + std::string(fileNameOf(path)) + (changed > 0 ? " *" : "");
+    setText(m_window, title);
+    const bool open = !path.empty();
+    enable(GetDlgItem(m_window, kSave), changed > 0);
+    enable(GetDlgItem(m_window, kRestore), open);
+    enable(GetDlgItem(m_window, kUpdate), open);
+    enable(GetDlgItem(m_window, kShowChanges), changed > 0);
+    const size_t findings = m_session.script().findings.count();
+    setText(GetDlgItem(m_window, kShowFindings), "Problems (" + std::to_string(findings) + ")...");
+    enable(GetDlgItem(m_window, kShowFindings), findings > 0);
+    setText(GetDlgItem(m_window, kChangedOnly),
+            changed > 0 ? "Changed &only (" + std::to_string(changed) + ")" : "Changed &only");
+}
+
+void CustomizeDialog::rowFocused(size_t row) {
+    if (row < m_session.size()) setText(m_help, m_session.helpText(row));
+}
+
+void CustomizeDialog::fold(size_t heading, bool folded) {
+    m_session.filter.setFolded(heading, folded);
+    m_panel.layoutSoon();
+}
+
+std::string CustomizeDialog::picturePath(const std::string& name) const {
+    const std::string own = joinPath(folderOf(m_session.script().scriptPath), name);
+    if (osFiles().search(own)) return own;
+    return m_setup.editor.TemplatePath(name);
+}
+
+std::string CustomizeDialog::emptyText() const {
+    if (!m_loaded) return {};
+    if (m_session.script().scriptPath.empty())
+        return m_session.problem().empty() ? "There is no script." : m_session.problem();
+    return m_session.size() == 0 ? "This script has nothing to customize." : "No entry matches.";
+}
+
+// The window asks about changes first. It is destroyed by the thread all the same when the editor wants it
+// gone: then nothing here may touch it any more.
+void CustomizeDialog::closeWindow() {
+    if (m_busy) return;
+    m_busy = true;
+    const bool kept = m_panel.commit();
+    const bool mayClose = kept && m_session.close();
+    m_busy = false;
+    if (mayClose && m_window) DestroyWindow(m_window);
+}
+
+INT_PTR CALLBACK CustomizeDialog::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrA(window, DWLP_USER, lParam);
+        reinterpret_cast<CustomizeDialog*>(lParam)->initialise(window);
+        return FALSE;
+    }
+    auto* const self = reinterpret_cast<CustomizeDialog*>(GetWindowLongPtrA(window, DWLP_USER));
+    return self && self->m_window ? self->message(message, wParam, lParam) : FALSE;
+}
+
+INT_PTR CustomizeDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_SIZE:
+            layout();
+            return TRUE;
+        case WM_GETMINMAXINFO: {
+            const SIZE least = leastSize();
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least.cx, least.cy};
+            return TRUE;
+        }
+        case WM_COMMAND:
+            command(LOWORD(wParam), HIWORD(wParam));
+            return TRUE;
+        case WM_MOUSEWHEEL:
+            PostMessageA(m_panel.window(), message, wParam, lParam);
+            return TRUE;
+        case WM_CLOSE:
+            closeWindow();
+            return TRUE;
+        case WM_DESTROY: {
+            WINDOWPLACEMENT where{};
+            where.length = sizeof where;
+            if (GetWindowPlacement(m_window, &where)) {
+                g_lastPlace = where.rcNormalPosition;
+                g_lastMaximized = where.showCmd == SW_SHOWMAXIMIZED;
+            }
+            return FALSE;
+        }
+        case WM_NCDESTROY:
+            m_window = nullptr;
+            m_help = nullptr;
+            m_fonts.reset();
+            return FALSE;
+        default:
+            return FALSE;
+    }
+}
+
+}  // namespace zoka
