@@ -23,7 +23,9 @@ void addLines(std::vector<CatalogueFinding>& findings, const std::string& script
 class Checker {
 public:
     Checker(const CTemplateData& catalogue, const std::string& folder)
-        : m_scripts(catalogue.scripts()), m_catalogue(catalogue), m_folder(folder) {
+        : m_catalogue(catalogue), m_folder(folder) {
+        m_scripts.reserve(catalogue.rows().size());
+        for (CScriptElm script : catalogue.scripts()) m_scripts.push_back(std::move(script));
         for (size_t i = 0; i < m_scripts.size(); ++i)
             m_byFile.try_emplace(lowered(m_scripts[i].m_filename), i);
     }
@@ -113,7 +115,7 @@ private:
         }
     }
 
-    const std::vector<CScriptElm>& m_scripts;
+    std::vector<CScriptElm> m_scripts;  // made once: each is looked at often
     const CTemplateData& m_catalogue;
     const std::string& m_folder;
     std::unordered_map<std::string, size_t> m_byFile;

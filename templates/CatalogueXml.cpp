@@ -1,6 +1,8 @@
 #include "templates/CatalogueXml.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -12,8 +14,6 @@
 namespace zoka {
 
 namespace {
-
-constexpr size_t kGuessedBytes = 200;
 
 const char* attribute(const XMLNode& node, const char* name) {
     const char* const value = node.getAttribute(name);
@@ -36,6 +36,40 @@ void readSection(const XMLNode& node, CScriptSection& section) {
         action.m_engreq.vers = engineVersion(child);
         action.m_desc = firstText(child);
     }
+}
+
+CScriptElm readScript(const XMLNode& node) {
+    CScriptElm script;
+    script.m_name = attribute(node, "name");
+    script.m_id = attribute(node, "id");
+    script.m_directory = attribute(node, "directory");
+    script.m_filename = attribute(node, "filename");
+    script.m_type = attribute(node, "type");
+    script.m_vers = attribute(node, "vers");
+    script.m_date = attribute(node, "date");
+    // One walk over the children, whatever their number.
+    bool hasReq = false, hasClass = false, hasDesc = false;
+    const auto first = [](bool& had) { return !std::exchange(had, true); };
+    for (XMLNode child = node.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
+        const std::string_view name = child.getName() ? child.getName() : "";
+        if (equalNoCase(name, "need"))
+            script.m_needs.emplace_back(firstText(child));
+        else if (equalNoCase(name, "section"))
+            readSection(child, script.m_sections.emplace_back());
+        else if (equalNoCase(name, "class") && first(hasClass))
+            script.m_class = firstText(child);
+        else if (equalNoCase(name, "desc") && first(hasDesc))
+            script.m_desc = firstText(child);
+        else if (equalNoCase(name, "EngineReq") && first(hasReq))
+            script.m_engreq.vers = attribute(child, "vers");
+    }
+    return script;
+}
+
+// The same fields of the same element, without making its record.
+CTemplateData::Row readRow(const XMLNode& node) {
+    return {attribute(node, "name"), attribute(node, "filename"), firstText(node.firstChild("class")),
+            attribute(node, "type")};
 }
 
 class CatalogueText {
@@ -175,16 +209,25 @@ std::string catalogueText(const CTemplateData& catalogue, const std::string& dat
 
 namespace {
 
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
 // The catalogue's writer leaves the platform's 8-bit characters as they are and declares nothing, so a file
 // can look like UTF-8 at its start and not be. The process's XML character set is then set right.
 XMLNode parseCatalogue(const std::string& path, XMLResults* results) {
+    bool utf8 = false;
+    if (const File file{osFiles().openStream(path, "rb")}) {
+        char head[kXmlGuessBytes];
+        utf8 = guessUtf8(std::string_view(head, std::fread(head, 1, sizeof head, file.get())));
+        setXmlCharset(utf8 ? XMLCharset::Utf8 : XMLCharset::Platform);
+    }
+    const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results);
+    if (!root.isEmpty() || !utf8) return root;
     const std::optional<std::string> bytes = osFiles().readWhole(path);
-    if (!bytes) return XMLNode::parseFile(path.c_str(), kCatalogueRoot, results);
-    const bool utf8 = guessUtf8(std::string_view(*bytes).substr(0, kGuessedBytes));
-    setXmlCharset(utf8 ? XMLCharset::Utf8 : XMLCharset::Platform);
-    const XMLNode root = XMLNode::parseBytes(*bytes, kCatalogueRoot, results);
-    const bool eightBit = std::any_of(bytes->begin(), bytes->end(), [](char c) { return (c & 0x80) != 0; });
-    if (!root.isEmpty() || !utf8 || !eightBit) return root;
+    const auto isEightBit = [](char c) { return (c & 0x80) != 0; };
+    if (!bytes || std::none_of(bytes->begin(), bytes->end(), isEightBit)) return root;
     setXmlCharset(XMLCharset::Platform);
     XMLNode again = XMLNode::parseBytes(*bytes, kCatalogueRoot);
     if (again.isEmpty()) setXmlCharset(XMLCharset::Utf8);
@@ -203,32 +246,13 @@ bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults
 }  // namespace zoka
 
 void CTemplateData::AddScript(const XMLNode& node) {
-    // Filled in its place: a catalogue can hold very many.
-    CScriptElm& script = m_scripts.emplace_back();
-    script.m_name = zoka::attribute(node, "name");
-    script.m_id = zoka::attribute(node, "id");
-    script.m_directory = zoka::attribute(node, "directory");
-    script.m_filename = zoka::attribute(node, "filename");
-    script.m_type = zoka::attribute(node, "type");
-    script.m_vers = zoka::attribute(node, "vers");
-    script.m_date = zoka::attribute(node, "date");
-    // One walk over the children, whatever their number.
-    bool hasReq = false, hasClass = false, hasDesc = false;
-    const auto first = [](bool& had) { return !std::exchange(had, true); };
-    for (XMLNode child = node.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
-        const std::string_view name = child.getName() ? child.getName() : "";
-        if (zoka::equalNoCase(name, "need"))
-            script.m_needs.emplace_back(zoka::firstText(child));
-        else if (zoka::equalNoCase(name, "section"))
-            zoka::readSection(child, script.m_sections.emplace_back());
-        else if (zoka::equalNoCase(name, "class") && first(hasClass))
-            script.m_class = zoka::firstText(child);
-        else if (zoka::equalNoCase(name, "desc") && first(hasDesc))
-            script.m_desc = zoka::firstText(child);
-        else if (zoka::equalNoCase(name, "EngineReq") && first(hasReq))
-            script.m_engreq.vers = zoka::attribute(child, "vers");
-    }
-    indexLastScript();
+    AddScript(zoka::readScript(node));
+}
+
+CScriptElm CTemplateData::script(std::size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::readScript(*node) : *std::get<std::shared_ptr<const CScriptElm>>(source);
 }
 
 bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progress) {
@@ -244,11 +268,11 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
     reserveScripts(total);
     for (XMLNode node = root.firstChild("Script"); !node.isEmpty(); node = node.nextSibling("Script")) {
         // Often enough to keep a window alive, too seldom to be felt.
-        if (m_scripts.size() % 1024 == 0 && !zoka::goOn(progress, m_scripts.size(), total, m_name)) {
+        if (m_rows.size() % 1024 == 0 && !zoka::goOn(progress, m_rows.size(), total, m_name)) {
             Empty();
             return false;
         }
-        AddScript(node);
+        append(zoka::readRow(node), node);
     }
     return true;
 }

@@ -110,14 +110,14 @@ public:
             const auto [found, added] = classes.try_emplace(lowered(script.m_class), m_classes.size());
             if (added) m_classes.push_back({script.m_class, unique(classPageName(script.m_class)), {}});
             m_classes[found->second].scripts.push_back(m_scripts.size());
-            m_scripts.push_back({&script, {}, found->second});
+            m_scripts.push_back({script, {}, found->second});
         }
         for (size_t i = 0; i < m_scripts.size(); ++i) {
-            m_scripts[i].page = unique(scriptPageName(*m_scripts[i].script));
-            m_byFile.try_emplace(lowered(m_scripts[i].script->m_filename), i);
+            m_scripts[i].page = unique(scriptPageName(m_scripts[i].script));
+            m_byFile.try_emplace(lowered(m_scripts[i].script.m_filename), i);
         }
         for (size_t i = 0; i < m_scripts.size(); ++i)
-            for (const std::string& need : m_scripts[i].script->m_needs) {
+            for (const std::string& need : m_scripts[i].script.m_needs) {
                 std::vector<size_t>& users = m_neededBy[lowered(need)];
                 if (users.empty() || users.back() != i) users.push_back(i);
             }
@@ -143,9 +143,9 @@ public:
             body +=
                 "\n<h2>" + link(each.page, each.name.empty() ? "(no class)" : each.name) + "</h2>\n<ul>\n";
             for (const size_t i : each.scripts) {
-                const std::string desc = m_scripts[i].script->m_desc;
-                body += "<li>" + link(m_scripts[i].page, m_scripts[i].script->DisplayName()) +
-                        editionMarks(m_scripts[i].script->m_engreq.edition) + " - " +
+                const std::string desc = m_scripts[i].script.m_desc;
+                body += "<li>" + link(m_scripts[i].page, m_scripts[i].script.DisplayName()) +
+                        editionMarks(m_scripts[i].script.m_engreq.edition) + " - " +
                         escaped(desc.substr(0, desc.find('\n'))) + "</li>\n";
             }
             body += "</ul>\n";
@@ -160,7 +160,7 @@ private:
         std::vector<size_t> scripts;
     };
     struct Script {
-        const CScriptElm* script;
+        CScriptElm script;
         std::string page;
         size_t classIndex;
     };
@@ -179,7 +179,7 @@ private:
     std::string classPage(const Class& each) const {
         std::string body = "<h1>Template class: <b>" + escaped(each.name) + "</b></h1>\n\n";
         for (const size_t i : each.scripts) {
-            const CScriptElm& script = *m_scripts[i].script;
+            const CScriptElm& script = m_scripts[i].script;
             const std::string actions = actionLines(script);
             body += "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + inLines(script.m_desc);
             body += "\n<h3>Actions:</h3>\n" + (actions.empty() ? "[none]" : actions);
@@ -192,7 +192,7 @@ private:
     }
 
     std::string scriptPage(const Script& each) const {
-        const CScriptElm& script = *each.script;
+        const CScriptElm& script = each.script;
         std::string body = "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + inLines(script.m_desc);
         if (!script.m_sections.empty() && !script.m_sections.back().m_actions.empty())
             body += "\n<h3>Actions:</h3>\n<br>\n" + actionLines(script);
@@ -206,20 +206,20 @@ private:
     // The class, the scripts that this one needs, and those that need it.
     std::string seeAlso(const Script& each) const {
         const auto item = [this](size_t i, const char* why) {
-            return "<li>" + link(m_scripts[i].page, m_scripts[i].script->DisplayName()) + " - " + why +
+            return "<li>" + link(m_scripts[i].page, m_scripts[i].script.DisplayName()) + " - " + why +
                    "</li>\n";
         };
         const Class& ownClass = m_classes[each.classIndex];
         std::string list = "<ul>\n<li>" + link(ownClass.page, "Template class: " + ownClass.name) + "</li>\n";
-        for (const std::string& need : each.script->m_needs) {
+        for (const std::string& need : each.script.m_needs) {
             const auto found = m_byFile.find(lowered(need));
-            if (found != m_byFile.end() && m_scripts[found->second].script != each.script)
+            if (found != m_byFile.end() && &m_scripts[found->second] != &each)
                 list += item(found->second, "needed by this script");
         }
-        const auto users = m_neededBy.find(lowered(each.script->m_filename));
+        const auto users = m_neededBy.find(lowered(each.script.m_filename));
         if (users != m_neededBy.end())
             for (const size_t i : users->second)
-                if (m_scripts[i].script != each.script) list += item(i, "needs this script");
+                if (&m_scripts[i] != &each) list += item(i, "needs this script");
         return list + "</ul>\n";
     }
 

@@ -54,7 +54,7 @@ public:
     std::vector<CScriptSection> m_sections;
 
     // The title, or the file name of a script that has none.
-    const std::string& DisplayName() const { return m_name.empty() ? m_filename : m_name; }
+    std::string DisplayName() const { return m_name.empty() ? m_filename : m_name; }
 
     // Appends to `report` one line for each field that is empty, "***No ID\n" and so on, then one for each
     // section and each action without a name. True when nothing is missing.

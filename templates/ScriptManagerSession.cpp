@@ -69,15 +69,15 @@ void ScriptManagerSession::refresh() {
     m_updatesListed = false;
 }
 
-const CScriptElm* ScriptManagerSession::templateOf(const std::string& fileName) const {
-    if (const CScriptElm* const script = m_catalogue.findByFilenameNoCase(fileName)) return script;
+std::optional<std::uint32_t> ScriptManagerSession::templateOf(const std::string& fileName) const {
+    if (const auto record = m_catalogue.recordByFilenameNoCase(fileName)) return record;
     // A numbered copy: "camera_12.kez" is one of "camera_.kez".
     const PathParts parts = splitPath(fileName);
     const size_t end = parts.name.find_last_not_of("0123456789");
     if (end == std::string_view::npos || parts.name[end] != '_' || end + 1 == parts.name.size())
-        return nullptr;
+        return std::nullopt;
     const std::string original = std::string(parts.name.substr(0, end + 1)) + std::string(parts.ext);
-    return IsNumberedTemplate(original) ? m_catalogue.findByFilenameNoCase(original) : nullptr;
+    return IsNumberedTemplate(original) ? m_catalogue.recordByFilenameNoCase(original) : std::nullopt;
 }
 
 void ScriptManagerSession::readIncluded() {
@@ -88,13 +88,14 @@ void ScriptManagerSession::readIncluded() {
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) ReadIncludeList(*mainPath, names);
     for (std::string& name : names) {
-        IncludedScript entry{name, name, templateOf(name)};
-        if (entry.script) {
+        IncludedScript entry{name, name, {}};
+        if (const auto record = templateOf(name)) {
+            entry.script = m_catalogue.script(*record);
             entry.text = entry.script->DisplayName();
             // A title stands for one file: where it would mean another, the file name makes it plain.
-            const CScriptElm* const named = m_catalogue.findByName(entry.text);
+            const auto named = m_catalogue.findByName(entry.text);
             if (!named || !equalNoCase(named->m_filename, name)) entry.text += " (" + name + ")";
-            m_includedRecords.insert(entry.script);
+            m_includedRecords.insert(*record);
         }
         const size_t index = m_included.size();
         m_byText.try_emplace(entry.text, index);
@@ -122,19 +123,18 @@ const std::vector<std::uint32_t>& ScriptManagerSession::search(const std::string
 }
 
 bool ScriptManagerSession::isIncluded(std::uint32_t record) const {
-    const CScriptElm& script = m_catalogue.scripts()[record];
-    if (m_includedRecords.contains(&script)) return true;
     // Of records with one file name the include list knows the first.
-    return m_includedRecords.contains(m_catalogue.findByFilenameNoCase(script.m_filename));
+    const auto first = m_catalogue.recordByFilenameNoCase(m_catalogue.rows()[record].filename);
+    return first && m_includedRecords.contains(*first);
 }
 
 std::string ScriptManagerSession::rowText(std::uint32_t record) const {
-    const std::string& title = m_catalogue.scripts()[record].DisplayName();
+    const std::string title(m_catalogue.rows()[record].displayName());
     return isIncluded(record) ? title + "  (included)" : title;
 }
 
 ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
-    const CScriptElm& script = m_catalogue.scripts()[record];
+    const CScriptElm script = m_catalogue.script(record);
     ScriptDetails details{script.m_filename,
                           script.m_class,
                           script.m_vers,
@@ -156,7 +156,8 @@ bool ScriptManagerSession::pathsOf(std::span<const std::uint32_t> records,
     const ScriptFolders folders(m_host);
     for (const std::uint32_t record : records) {
         std::string path;
-        if (folders.LocateScript(m_catalogue.scripts()[record].m_filename, path) == ScriptPlace::NotFound)
+        if (folders.LocateScript(std::string(m_catalogue.rows()[record].filename), path) ==
+            ScriptPlace::NotFound)
             return false;
         paths.push_back(std::move(path));
     }
@@ -191,7 +192,7 @@ bool ScriptManagerSession::add(std::span<const std::uint32_t> records) {
     }
     ScriptAdding adding(m_host, m_prompt);
     const bool added = adding.AddScriptsToProject(paths) && adding.error().empty();
-    m_lastAdded = added ? m_catalogue.scripts()[records.back()].DisplayName() : kNothingAdded;
+    m_lastAdded = added ? std::string(m_catalogue.rows()[records.back()].displayName()) : kNothingAdded;
     if (!added)
         m_status = "Not added: " + adding.error();
     else

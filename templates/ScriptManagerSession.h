@@ -44,8 +44,7 @@ struct IncludedScript {
     std::string text;  // the title; of a numbered copy with its file name; a script that is no template: its
                        // file name
     std::string fileName;
-    const CScriptElm* script =
-        nullptr;  // the catalogue's record, of a numbered copy that of its template; or null
+    std::optional<CScriptElm> script;  // as the catalogue has it; of a numbered copy its template
 };
 
 // What the add page shows of the selected script.
@@ -122,7 +121,7 @@ public:
 private:
     void needCatalogue(JobProgress* progress);
     void readIncluded();
-    const CScriptElm* templateOf(const std::string& fileName) const;
+    std::optional<std::uint32_t> templateOf(const std::string& fileName) const;
     std::vector<size_t> dependentsOf(const std::string& fileName, const IncludedScript* self) const;
     bool pathsOf(std::span<const std::uint32_t> records, std::vector<std::string>& paths) const;
     void tellUpdated();
@@ -137,7 +136,7 @@ private:
     std::vector<IncludedScript> m_included;
     std::unordered_map<std::string, size_t> m_byText;                // the first entry of that text
     std::unordered_map<std::string, std::vector<size_t>> m_needers;  // file name -> entries that need it
-    std::unordered_set<const CScriptElm*> m_includedRecords;
+    std::unordered_set<std::uint32_t> m_includedRecords;
     std::string m_lastAdded = "<none>";
     std::string m_status;
 };

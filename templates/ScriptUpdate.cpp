@@ -17,7 +17,7 @@ int ScriptUpdate::FillUpdateList(bool showAll) {
     folders.listOnce();
     ScriptFactsReader facts;
     for (const std::string& name : names) {
-        const CScriptElm* const script = m_catalogue.findByFilenameNoCase(name);
+        const std::optional<CScriptElm> script = m_catalogue.findByFilenameNoCase(name);
         if (!script) continue;
         addEntryOfNeeds(*script, name, included);
         if (folders.LocateScript(name) != ScriptPlace::Project) continue;

@@ -19,11 +19,11 @@ std::string withoutLeadingDots(const std::string& text) {
 }
 
 // The text of a record that an index asks for.
-auto nameIn(const std::vector<CScriptElm>& scripts) {
-    return [&scripts](std::uint32_t record) { return std::string_view(scripts[record].m_name); };
+auto nameIn(const std::vector<CTemplateData::Row>& rows) {
+    return [&rows](std::uint32_t record) { return rows[record].name; };
 }
-auto filenameIn(const std::vector<CScriptElm>& scripts) {
-    return [&scripts](std::uint32_t record) { return std::string_view(scripts[record].m_filename); };
+auto filenameIn(const std::vector<CTemplateData::Row>& rows) {
+    return [&rows](std::uint32_t record) { return rows[record].filename; };
 }
 auto typeIn(const std::vector<CTemplateData::Directory>& directories) {
     return [&directories](std::uint32_t record) { return std::string_view(directories[record].first); };
@@ -31,7 +31,7 @@ auto typeIn(const std::vector<CTemplateData::Directory>& directories) {
 
 using Records = std::vector<std::uint32_t>;
 
-const Records& recordsOf(const std::unordered_map<std::string, Records>& index, const std::string& key) {
+const Records& recordsOf(const std::unordered_map<std::string_view, Records>& index, const std::string& key) {
     static const Records kEmpty;
     const auto found = index.find(key);
     return found == index.end() ? kEmpty : found->second;
@@ -40,25 +40,27 @@ const Records& recordsOf(const std::unordered_map<std::string, Records>& index, 
 }  // namespace
 
 void CTemplateData::AddScript(CScriptElm script) {
-    m_scripts.push_back(std::move(script));
-    indexLastScript();
+    const auto own = std::make_shared<const CScriptElm>(std::move(script));
+    append({own->m_name, own->m_filename, own->m_class, own->m_type}, own);
 }
 
 void CTemplateData::reserveScripts(std::size_t scripts) {
-    m_scripts.reserve(scripts);
+    m_rows.reserve(scripts);
+    m_sources.reserve(scripts);
     m_byName.reserve(scripts);
     m_byFilename.reserve(scripts);
     m_byFilenameNoCase.reserve(scripts);
 }
 
-void CTemplateData::indexLastScript() {
-    const auto record = static_cast<std::uint32_t>(m_scripts.size() - 1);
-    const CScriptElm& added = m_scripts.back();
-    m_byName.add(record, nameIn(m_scripts));
-    m_byFilename.add(record, filenameIn(m_scripts));
-    m_byFilenameNoCase.add(record, filenameIn(m_scripts));
-    m_byClass[added.m_class].push_back(record);
-    m_byType[added.m_type].push_back(record);
+void CTemplateData::append(const Row& row, Source source) {
+    const auto record = static_cast<std::uint32_t>(m_rows.size());
+    m_rows.push_back(row);
+    m_sources.push_back(std::move(source));
+    m_byName.add(record, nameIn(m_rows));
+    m_byFilename.add(record, filenameIn(m_rows));
+    m_byFilenameNoCase.add(record, filenameIn(m_rows));
+    m_byClass[row.className].push_back(record);
+    m_byType[row.type].push_back(record);
 }
 
 void CTemplateData::AddDirectory(const std::string& type, const std::string& path) {
@@ -75,9 +77,9 @@ void CTemplateData::Empty() {
 bool CTemplateData::GetClassList(StringList& list) const {
     list.assign(1, kAllClasses);
     zoka::RecordIndex<true> seen;
-    const auto classOf = [this](std::uint32_t record) { return std::string_view(m_scripts[record].m_class); };
-    for (std::uint32_t record = 0; record < m_scripts.size(); ++record)
-        if (seen.add(record, classOf)) list.push_back(m_scripts[record].m_class);
+    const auto classOf = [this](std::uint32_t record) { return m_rows[record].className; };
+    for (std::uint32_t record = 0; record < m_rows.size(); ++record)
+        if (seen.add(record, classOf)) list.emplace_back(m_rows[record].className);
     return true;
 }
 
@@ -85,28 +87,27 @@ bool CTemplateData::GetClassListOfType(StringList& list, const std::string& type
     list.assign(1, kAllClasses);
     std::unordered_set<std::string_view> seen;
     for (const std::uint32_t record : recordsOf(m_byType, type))
-        if (seen.insert(m_scripts[record].m_class).second) list.push_back(m_scripts[record].m_class);
+        if (seen.insert(m_rows[record].className).second) list.emplace_back(m_rows[record].className);
     return true;
 }
 
 bool CTemplateData::GetScriptList(StringList& list) const {
     list.clear();
-    list.reserve(m_scripts.size());
-    for (const CScriptElm& script : m_scripts) list.push_back(script.m_name);
+    list.reserve(m_rows.size());
+    for (const Row& row : m_rows) list.emplace_back(row.name);
     return true;
 }
 
 bool CTemplateData::GetScriptList(StringList& list, const std::string& className) const {
     if (isAllClasses(className)) return GetScriptList(list);
     list.clear();
-    for (const std::uint32_t record : recordsOf(m_byClass, className))
-        list.push_back(m_scripts[record].m_name);
+    for (const std::uint32_t record : recordsOf(m_byClass, className)) list.emplace_back(m_rows[record].name);
     return true;
 }
 
 bool CTemplateData::GetScriptListOfType(StringList& list, const std::string& type) const {
     list.clear();
-    for (const std::uint32_t record : recordsOf(m_byType, type)) list.push_back(m_scripts[record].m_name);
+    for (const std::uint32_t record : recordsOf(m_byType, type)) list.emplace_back(m_rows[record].name);
     return true;
 }
 
@@ -115,13 +116,13 @@ bool CTemplateData::GetScriptListOfType(StringList& list, const std::string& typ
     if (isAllClasses(className)) return GetScriptListOfType(list, type);
     list.clear();
     for (const std::uint32_t record : recordsOf(m_byType, type))
-        if (m_scripts[record].m_class == className) list.push_back(m_scripts[record].m_name);
+        if (m_rows[record].className == className) list.emplace_back(m_rows[record].name);
     return true;
 }
 
 bool CTemplateData::GetScriptActionNames(StringList& list, const std::string& name) const {
     list.clear();
-    const CScriptElm* const script = findByName(name);
+    const std::optional<CScriptElm> script = findByName(name);
     if (!script) return true;
     for (const CScriptSection& section : script->m_sections)
         for (const CScriptAction& action : section.m_actions) list.push_back(action.m_name);
@@ -130,7 +131,7 @@ bool CTemplateData::GetScriptActionNames(StringList& list, const std::string& na
 
 bool CTemplateData::GetScriptActionDesc(std::string& desc, const std::string& name,
                                         const std::string& action) const {
-    const CScriptElm* const script = findByName(name);
+    const std::optional<CScriptElm> script = findByName(name);
     if (!script) return false;
     for (const CScriptSection& section : script->m_sections)
         for (const CScriptAction& candidate : section.m_actions)
@@ -142,43 +143,43 @@ bool CTemplateData::GetScriptActionDesc(std::string& desc, const std::string& na
 }
 
 bool CTemplateData::GetScriptDesc(std::string& desc, const std::string& name) const {
-    const CScriptElm* const script = findByName(name);
+    const std::optional<CScriptElm> script = findByName(name);
     if (script) desc = script->m_desc;
-    return script != nullptr;
+    return script.has_value();
 }
 
 bool CTemplateData::GetScriptDate(std::string& date, const std::string& name) const {
-    const CScriptElm* const script = findByName(name);
+    const std::optional<CScriptElm> script = findByName(name);
     if (script) date = script->m_date;
-    return script != nullptr;
+    return script.has_value();
 }
 
 bool CTemplateData::GetScriptVers(std::string& version, const std::string& name) const {
-    const CScriptElm* const script = findByName(name);
+    const std::optional<CScriptElm> script = findByName(name);
     if (script) version = script->m_vers;
-    return script != nullptr;
+    return script.has_value();
 }
 
 bool CTemplateData::GetScriptElmFromName(CScriptElm& script, const std::string& name) const {
-    const CScriptElm* const found = findByName(name);
-    if (found) script = *found;
-    return found != nullptr;
+    std::optional<CScriptElm> found = findByName(name);
+    if (found) script = std::move(*found);
+    return found.has_value();
 }
 
 bool CTemplateData::GetScriptElmFromFilename(CScriptElm& script, const std::string& filename) const {
-    const CScriptElm* const found = findByFilename(filename);
-    if (found) script = *found;
-    return found != nullptr;
+    std::optional<CScriptElm> found = findByFilename(filename);
+    if (found) script = std::move(*found);
+    return found.has_value();
 }
 
 bool CTemplateData::GetScriptArrayOfType(std::vector<CScriptElm>& scripts, const std::string& type) const {
     scripts.clear();
-    for (const std::uint32_t record : recordsOf(m_byType, type)) scripts.push_back(m_scripts[record]);
+    for (const std::uint32_t record : recordsOf(m_byType, type)) scripts.push_back(script(record));
     return true;
 }
 
 bool CTemplateData::GetScriptFilename(std::string& path, const std::string& name, bool withFolder) const {
-    const CScriptElm* const script = findByName(name);
+    const std::optional<CScriptElm> script = findByName(name);
     if (!script) return false;
     if (!withFolder) {
         path = script->m_filename;
@@ -192,13 +193,13 @@ bool CTemplateData::GetScriptFilename(std::string& path, const std::string& name
 }
 
 bool CTemplateData::GetNameFromFilename(std::string& name, const std::string& filename) const {
-    const CScriptElm* const script = findByFilename(filename);
+    const std::optional<CScriptElm> script = findByFilename(filename);
     if (script) name = script->m_name;
-    return script != nullptr;
+    return script.has_value();
 }
 
 bool CTemplateData::QTemplateScript(const std::string& filename) const {
-    return findByFilenameNoCase(filename) != nullptr;
+    return recordByFilenameNoCase(filename).has_value();
 }
 
 std::string CTemplateData::GetCurDate() {
@@ -213,19 +214,24 @@ std::string CTemplateData::GetCurDate() {
     return std::string(text, std::strftime(text, sizeof text, "%y%m%d", &local));
 }
 
-const CScriptElm* CTemplateData::findByName(std::string_view name) const {
-    const std::uint32_t record = m_byName.find(name, nameIn(m_scripts));
-    return record == m_byName.kNone ? nullptr : &m_scripts[record];
+std::optional<CScriptElm> CTemplateData::findByName(std::string_view name) const {
+    const std::uint32_t record = m_byName.find(name, nameIn(m_rows));
+    return record == m_byName.kNone ? std::nullopt : std::optional(script(record));
 }
 
-const CScriptElm* CTemplateData::findByFilename(std::string_view filename) const {
-    const std::uint32_t record = m_byFilename.find(filename, filenameIn(m_scripts));
-    return record == m_byFilename.kNone ? nullptr : &m_scripts[record];
+std::optional<CScriptElm> CTemplateData::findByFilename(std::string_view filename) const {
+    const std::uint32_t record = m_byFilename.find(filename, filenameIn(m_rows));
+    return record == m_byFilename.kNone ? std::nullopt : std::optional(script(record));
 }
 
-const CScriptElm* CTemplateData::findByFilenameNoCase(std::string_view filename) const {
-    const std::uint32_t record = m_byFilenameNoCase.find(filename, filenameIn(m_scripts));
-    return record == m_byFilenameNoCase.kNone ? nullptr : &m_scripts[record];
+std::optional<CScriptElm> CTemplateData::findByFilenameNoCase(std::string_view filename) const {
+    const std::optional<std::uint32_t> record = recordByFilenameNoCase(filename);
+    return record ? std::optional(script(*record)) : std::nullopt;
+}
+
+std::optional<std::uint32_t> CTemplateData::recordByFilenameNoCase(std::string_view filename) const {
+    const std::uint32_t record = m_byFilenameNoCase.find(filename, filenameIn(m_rows));
+    return record == m_byFilenameNoCase.kNone ? std::nullopt : std::optional(record);
 }
 
 const CTemplateData::Directory* CTemplateData::findDirectory(std::string_view type) const {

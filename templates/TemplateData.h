@@ -3,10 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "templates/JobProgress.h"
@@ -23,7 +26,11 @@
 // Queries for one value return false, and leave it alone, when there is no such script. Texts are in the
 // process's 8-bit character set and belong to the caller once copied out.
 //
-// Threads: one catalogue may be read on several threads at once while nobody changes it.
+// A catalogue loaded from a file keeps the file's document, and makes a script's record from it when somebody
+// asks for one: loading takes little more than parsing, however many fields the scripts have. A copy of the
+// catalogue shares the document.
+//
+// Threads: one at a time for a catalogue and all its copies, for reading too, as for every XML tree.
 class ZOKA_API CTemplateData {
 public:
     using StringList = std::vector<std::string>;
@@ -56,7 +63,7 @@ public:
     // Removes everything but the base directory.
     void Empty();
     // True when it holds no script.
-    bool IsEmpty() const { return m_scripts.empty(); }
+    bool IsEmpty() const { return m_rows.empty(); }
 
     // --- queries
     // "<ALL>", then each script's class once; classes that differ in case alone count as one, spelled as the
@@ -106,25 +113,68 @@ public:
     // Today's local date as "%y%m%d".
     static std::string GetCurDate();
 
-    // --- for code of this library: without copies. References are valid until the catalogue changes.
+    // --- for code of this library. References and texts are valid until the catalogue changes. A script is
+    // known by its record, its number in catalogue order.
     using Directory = std::pair<std::string, std::string>;  // type, path
-    const std::vector<CScriptElm>& scripts() const { return m_scripts; }
+    // What lists and lookups need of a script.
+    struct Row {
+        std::string_view name;
+        std::string_view filename;
+        std::string_view className;
+        std::string_view type;
+
+        std::string_view displayName() const { return name.empty() ? filename : name; }
+    };
+    // All records, for loops and by number; each is made when it is looked at.
+    class Scripts {
+    public:
+        class Iterator {
+        public:
+            Iterator(const CTemplateData& catalogue, std::size_t at) : m_catalogue(&catalogue), m_at(at) {}
+            CScriptElm operator*() const { return m_catalogue->script(m_at); }
+            Iterator& operator++() {
+                ++m_at;
+                return *this;
+            }
+            bool operator==(const Iterator&) const = default;
+
+        private:
+            const CTemplateData* m_catalogue;
+            std::size_t m_at;
+        };
+
+        explicit Scripts(const CTemplateData& catalogue) : m_catalogue(&catalogue) {}
+        std::size_t size() const { return m_catalogue->rows().size(); }
+        bool empty() const { return size() == 0; }
+        CScriptElm operator[](std::size_t record) const { return m_catalogue->script(record); }
+        Iterator begin() const { return {*m_catalogue, 0}; }
+        Iterator end() const { return {*m_catalogue, size()}; }
+
+    private:
+        const CTemplateData* m_catalogue;
+    };
+    Scripts scripts() const { return Scripts(*this); }
+    CScriptElm script(std::size_t record) const;
+    const std::vector<Row>& rows() const { return m_rows; }
     const std::vector<Directory>& directories() const { return m_directories; }
     const CEngineReq& engineReq() const { return m_engreq; }
-    const CScriptElm* findByName(std::string_view name) const;
-    const CScriptElm* findByFilename(std::string_view filename) const;
-    const CScriptElm* findByFilenameNoCase(std::string_view filename) const;
+    std::optional<CScriptElm> findByName(std::string_view name) const;
+    std::optional<CScriptElm> findByFilename(std::string_view filename) const;
+    std::optional<CScriptElm> findByFilenameNoCase(std::string_view filename) const;
+    std::optional<std::uint32_t> recordByFilenameNoCase(std::string_view filename) const;
     const Directory* findDirectory(std::string_view type) const;
-    // Replaces the content by that of a parsed catalogue. False when `progress` stopped it; the catalogue is
+    // Replaces the content by that of a parsed catalogue, which nobody may change afterwards. False when `progress` stopped it; the catalogue is
     // then empty.
     bool LoadFromNode(const XMLNode& root, zoka::JobProgress* progress = nullptr);
 
 private:
-    // Room for that many scripts, and a place for the last one in the indexes.
-    void reserveScripts(std::size_t scripts);
-    void indexLastScript();
-
+    // Where a record comes from: a Script element of the document loaded, or the script that was added.
+    // Either stays where it is when the catalogue is copied or moved, so rows may point into it.
+    using Source = std::variant<XMLNode, std::shared_ptr<const CScriptElm>>;
     using Records = std::vector<std::uint32_t>;
+
+    void reserveScripts(std::size_t scripts);
+    void append(const Row& row, Source source);
 
     std::string m_name;
     std::string m_type;
@@ -133,12 +183,13 @@ private:
     CEngineReq m_engreq;
     std::string m_baseDirectory;
     std::vector<Directory> m_directories;
-    std::vector<CScriptElm> m_scripts;
+    std::vector<Row> m_rows;
+    std::vector<Source> m_sources;  // of each row
 
     zoka::RecordIndex<false> m_byName;
     zoka::RecordIndex<false> m_byFilename;
     zoka::RecordIndex<true> m_byFilenameNoCase;
     zoka::RecordIndex<false> m_byDirectoryType;
-    std::unordered_map<std::string, Records> m_byClass;
-    std::unordered_map<std::string, Records> m_byType;
+    std::unordered_map<std::string_view, Records> m_byClass;
+    std::unordered_map<std::string_view, Records> m_byType;
 };

@@ -167,12 +167,12 @@ void AddPage::showPlan() {
 }
 
 void AddPage::fillTitles(size_t atMost) {
-    const std::vector<CScriptElm>& scripts = session().catalogue().scripts();
-    const size_t end = std::min(scripts.size(), m_titlesFilled + atMost);
+    const std::vector<CTemplateData::Row>& rows = session().catalogue().rows();
+    const size_t end = std::min(rows.size(), m_titlesFilled + atMost);
     for (; m_titlesFilled < end; ++m_titlesFilled)
         SendMessageA(m_titles, CB_ADDSTRING, 0,
-                     reinterpret_cast<LPARAM>(scripts[m_titlesFilled].DisplayName().c_str()));
-    if (m_titlesFilled == scripts.size()) KillTimer(window(), kFillTimer);
+                     reinterpret_cast<LPARAM>(std::string(rows[m_titlesFilled].displayName()).c_str()));
+    if (m_titlesFilled == rows.size()) KillTimer(window(), kFillTimer);
     if (m_record && *m_record < m_titlesFilled && SendMessageA(m_titles, CB_GETCURSEL, 0, 0) < 0)
         SendMessageA(m_titles, CB_SETCURSEL, *m_record, 0);
 }

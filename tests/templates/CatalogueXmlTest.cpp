@@ -243,3 +243,29 @@ TEST(CatalogueXml, AScriptIsLoadedFromItsHeader) {
     EXPECT_EQ(errors, "untouched");
     EXPECT_EQ(data.scripts().size(), 2U);
 }
+
+TEST(CatalogueXml, WhatWasLoadedOutlivesItsSourceAndMixesWithWhatIsAdded) {
+    const TempFolder folder;
+    ASSERT_TRUE(fullCatalogue().WriteXML(folder.path("t.xml")));
+    CTemplateData copy;
+    {
+        CTemplateData loaded;
+        ASSERT_TRUE(loadCatalogue(loaded, folder.path("t.xml"), nullptr));
+        CScriptElm added = fullScript();
+        added.m_filename = "added.kez";
+        added.m_name = "Added";
+        loaded.AddScript(added);
+        loaded.AddScript(loaded.script(0));  // a second of the same name: the first still counts
+        copy = loaded;
+        loaded.Empty();
+        EXPECT_EQ(copy.rows().size(), loaded.rows().size() + 3);
+    }
+    CTemplateData::StringList list;
+    copy.GetScriptList(list, "Camera");
+    EXPECT_EQ(list, (CTemplateData::StringList{"Chase", "Added", "Chase"}));
+    EXPECT_EQ(copy.recordByFilenameNoCase("CHASE.kez"), 0U);
+    EXPECT_EQ(copy.findByName("Chase")->m_note, "");  // read back
+    EXPECT_EQ(copy.findByName("Added")->m_note, "Mind the gap.");
+    EXPECT_EQ(copy.findByFilename("chase.kez")->m_needs, (std::vector<std::string>{"a.kez", "b.kez"}));
+    for (const CScriptElm& script : copy.scripts()) EXPECT_EQ(script.m_class, "Camera") << script.m_name;
+}

@@ -162,10 +162,10 @@ TEST(TemplateData, EmptyKeepsTheBaseDirectoryAlone) {
     EXPECT_EQ(data.GetName(), "");
     EXPECT_EQ(data.GetBaseDirectory(), "C:\\b\\");
     EXPECT_EQ(data.findDirectory("code"), nullptr);
-    EXPECT_EQ(data.findByName("Chase"), nullptr);
+    EXPECT_FALSE(data.findByName("Chase"));
     EXPECT_FALSE(data.QTemplateScript("gun.kez"));
     data.AddScript(script("New", "new.kez", "", ""));
-    ASSERT_NE(data.findByName("New"), nullptr);
+    ASSERT_TRUE(data.findByName("New"));
 }
 
 TEST(TemplateData, CurrentDateHasTwoDigitsEach) {

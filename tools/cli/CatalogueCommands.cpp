@@ -134,7 +134,7 @@ ExitStatus show(const std::string& file, const std::string& name, bool json) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
     if (loaded != ExitStatus::Done) return loaded;
-    const CScriptElm* script = catalogue.findByName(name);
+    std::optional<CScriptElm> script = catalogue.findByName(name);
     if (!script) script = catalogue.findByFilenameNoCase(name);
     if (!script) {
         complain("the catalogue has no script " + name);

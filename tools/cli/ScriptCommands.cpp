@@ -63,8 +63,8 @@ public:
 
     // The file of a script named by its title or its file name; nothing, and a complaint, when it is unknown.
     std::optional<std::string> fileOf(const std::string& name) const {
-        if (const CScriptElm* const titled = m_catalogue.findByName(name)) return titled->m_filename;
-        if (const CScriptElm* const filed = m_catalogue.findByFilenameNoCase(name)) return filed->m_filename;
+        if (const auto titled = m_catalogue.findByName(name)) return titled->m_filename;
+        if (const auto filed = m_catalogue.findByFilenameNoCase(name)) return filed->m_filename;
         for (const IncludedScript& entry : m_session->included())
             if (equalNoCase(entry.fileName, name) || entry.text == name) return entry.fileName;
         if (m_folders.LocateScript(name) != ScriptPlace::NotFound) return name;
@@ -116,7 +116,7 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
         if (options.json)
             scripts.push_back({{"filename", jsonText(entry.fileName)},
                                {"title", entry.script ? jsonText(entry.script->m_name) : ""},
-                               {"template", entry.script != nullptr},
+                               {"template", entry.script.has_value()},
                                {"place", place},
                                {"version", jsonText(version)},
                                {"date", jsonText(date)},
