@@ -36,6 +36,14 @@ bench: ## build and run the benchmarks, our figures beside others'
 	@tools/setup/setup.sh build bench
 	@$(call BUILD,bench) --target bench/all
 	@for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program"; done
+ifeq (1,$(ZOKA_NO_WINE))
+	@echo "bench_window (the Project Manager's window): left out, because ZOKA_NO_WINE=1"
+else
+	@tools/setup/setup.sh build wine
+	@$(call BUILD,windows) --target zoka bench_window
+	@tools/run/display.sh tools/run/wine.sh build/windows/wine build/windows/bench/win/bench_window.exe \
+		'build\windows\plugin\zoka.dll'
+endif
 
 fuzz: ## fuzz one reader: make fuzz TARGET=xml SECONDS=60 (xml, lex, memfile)
 	@tools/setup/setup.sh build fuzz

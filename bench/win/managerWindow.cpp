@@ -1,0 +1,304 @@
+// The Project Manager on 10,000 scripts: what opening its window and each key in its search field cost, against a
+// bare list control that is filled with the same rows. The window is the DLL's own, opened through the plug-in's
+// procedure. bench_window DLL; prints each figure, what it is measured against, the ratio and the ratio wanted.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "templates/CatalogueXml.h"
+#include "templates/ScriptSearch.h"
+#include "tests/support/TempFolder.h"
+#include "tools/editor/win/Editor.h"
+
+namespace zoka::bench {
+namespace {
+
+constexpr int kScripts = 10000;
+constexpr int kRounds = 7;
+constexpr double kWanted = 1.5;
+constexpr const char* kTyped = "number 99 class";
+// Controls of the manager's first page.
+constexpr int kSearchField = 1102, kTitles = 1104;
+constexpr UINT kOpened = WM_APP + 1;
+
+[[noreturn]] void stop(const std::string& why) {
+    std::fprintf(stderr, "bench_window: %s\n", why.c_str());
+    std::exit(1);
+}
+
+double millisecondsOf(const std::function<void()>& work) {
+    LARGE_INTEGER frequency, start, end;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&start);
+    work();
+    QueryPerformanceCounter(&end);
+    return static_cast<double>(end.QuadPart - start.QuadPart) * 1000.0 /
+           static_cast<double>(frequency.QuadPart);
+}
+
+void paint(HWND window) {
+    RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
+CTemplateData catalogue() {
+    CTemplateData data;
+    data.SetName("Benchmark");
+    data.AddDirectory("code", ".\\templates");
+    for (int i = 0; i < kScripts; ++i) {
+        const std::string number = std::to_string(i);
+        CScriptElm script;
+        script.m_id = "ID" + number;
+        script.m_directory = "code";
+        script.m_filename = "script_" + number + ".kez";
+        script.m_name = "Template script number " + number;
+        script.m_type = "USER";
+        script.m_vers = "3";
+        script.m_date = "260101";
+        script.m_engreq = {"6.1", ""};
+        script.m_class = "Class " + std::to_string(i % 40);
+        script.m_desc = "What script " + number + " does for the level, and how it is used best.";
+        script.m_needs = {"script_" + std::to_string((i + 1) % kScripts) + ".kez"};
+        script.m_sections = {
+            {"Use", "", "", {{"act_" + number, script.m_filename, {}, "Opens and closes."}}}};
+        data.AddScript(std::move(script));
+    }
+    return data;
+}
+
+// The bare control with the manager's columns.
+class BareList {
+public:
+    explicit BareList(const CTemplateData& data) {
+        for (const CScriptElm& script : data.scripts())
+            m_rows.push_back(
+                {script.m_name, script.m_class, script.m_vers, script.m_date, script.m_engreq.AsText(), ""});
+    }
+    ~BareList() {
+        if (m_window) DestroyWindow(m_window);
+    }
+
+    void open() {
+        if (m_window) DestroyWindow(m_window);
+        m_window = CreateWindowExA(0, WC_LISTVIEWA, "", WS_OVERLAPPEDWINDOW | LVS_REPORT | LVS_SINGLESEL, 100,
+                                   100, 700, 300, nullptr, nullptr, nullptr, nullptr);
+        if (!m_window) stop("the bare list can't be made");
+        for (int i = 0; i < static_cast<int>(m_rows.front().size()); ++i) {
+            char title[] = "Column";
+            LVCOLUMNA column{};
+            column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+            column.pszText = title;
+            column.cx = 100;
+            column.iSubItem = i;
+            SendMessageA(m_window, LVM_INSERTCOLUMNA, static_cast<WPARAM>(i),
+                         reinterpret_cast<LPARAM>(&column));
+        }
+        std::vector<std::uint32_t> all(m_rows.size());
+        for (std::uint32_t i = 0; i < all.size(); ++i) all[i] = i;
+        fill(all);
+        ShowWindow(m_window, SW_SHOW);
+        paint(m_window);
+    }
+    void fill(const std::vector<std::uint32_t>& records) {
+        SendMessageA(m_window, WM_SETREDRAW, FALSE, 0);
+        SendMessageA(m_window, LVM_DELETEALLITEMS, 0, 0);
+        SendMessageA(m_window, LVM_SETITEMCOUNT, records.size(), 0);
+        int at = 0;
+        for (const std::uint32_t record : records) {
+            LVITEMA item{};
+            item.mask = LVIF_TEXT;
+            item.iItem = at++;
+            for (std::string& text : m_rows[record]) {
+                item.pszText = text.data();
+                SendMessageA(m_window, item.iSubItem == 0 ? LVM_INSERTITEMA : LVM_SETITEMA, 0,
+                             reinterpret_cast<LPARAM>(&item));
+                ++item.iSubItem;
+            }
+        }
+        SendMessageA(m_window, WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(m_window, nullptr, TRUE);
+        paint(m_window);
+    }
+
+private:
+    std::vector<std::vector<std::string>> m_rows;
+    HWND m_window = nullptr;
+};
+
+struct WantedChild {
+    const char* className;
+    int id;  // 0: any
+    HWND found;
+};
+
+BOOL CALLBACK isWanted(HWND child, LPARAM parameter) {
+    WantedChild& wanted = *reinterpret_cast<WantedChild*>(parameter);
+    char name[64] = {};
+    GetClassNameA(child, name, sizeof name);
+    if (lstrcmpiA(name, wanted.className) == 0 && (wanted.id == 0 || GetDlgCtrlID(child) == wanted.id))
+        wanted.found = child;
+    return wanted.found == nullptr;
+}
+
+HWND descendant(HWND window, const char* className, int id) {
+    WantedChild wanted{className, id, nullptr};
+    EnumChildWindows(window, isWanted, reinterpret_cast<LPARAM>(&wanted));
+    if (!wanted.found) stop(std::string("the manager has no ") + className);
+    return wanted.found;
+}
+
+struct Figures {
+    double opening = 1e9;
+    std::vector<double> keys;  // of each character of kTyped
+    double titles = 1e9;       // the drop list's items, which come while the window is used already
+};
+
+// Opens the manager through the procedure and types into it as soon as it is painted. One at a time.
+class ManagerRun {
+public:
+    // `found`: for each character typed, the number of rows to be listed then.
+    ManagerRun(Editor& editor, const std::vector<size_t>& found, Figures& best)
+        : m_found(found), m_best(best) {
+        s_current = this;
+        WNDCLASSA definition{};
+        definition.lpszClassName = "ZokaBenchOpened";
+        definition.lpfnWndProc = helperProc;
+        RegisterClassA(&definition);
+        m_helper = CreateWindowExA(0, definition.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                   nullptr, nullptr);
+        const HHOOK hook = SetWindowsHookExA(WH_CBT, hookProc, nullptr, GetCurrentThreadId());
+        if (!m_helper || !hook) stop("the system refuses a window or a hook");
+        ProcedureState* const procedure = editor.procedure("Add Script");
+        if (!procedure) stop("the plug-in has no procedure Add Script");
+        QueryPerformanceCounter(&m_start);
+        editor.execute(*procedure);
+        UnhookWindowsHookEx(hook);
+        DestroyWindow(m_helper);
+        if (!m_done) stop("the manager's window did not open");
+    }
+
+private:
+    // The window is about to be shown: once it takes messages, it is there.
+    static LRESULT CALLBACK hookProc(int code, WPARAM wParam, LPARAM lParam) {
+        if (code == HCBT_ACTIVATE) {
+            const HWND window = reinterpret_cast<HWND>(wParam);
+            char title[64] = {};
+            GetWindowTextA(window, title, sizeof title);
+            if (lstrcmpA(title, "Project Manager") == 0)
+                PostMessageA(s_current->m_helper, kOpened, wParam, 0);
+        }
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+    static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != kOpened) return DefWindowProcA(window, message, wParam, lParam);
+        if (!s_current->m_done) s_current->opened(reinterpret_cast<HWND>(wParam));
+        return 0;
+    }
+
+    void opened(HWND manager) {
+        m_done = true;
+        paint(manager);
+        LARGE_INTEGER frequency, end;
+        QueryPerformanceFrequency(&frequency);
+        QueryPerformanceCounter(&end);
+        m_best.opening = std::min(m_best.opening, static_cast<double>(end.QuadPart - m_start.QuadPart) *
+                                                      1000.0 / static_cast<double>(frequency.QuadPart));
+        const HWND search = descendant(manager, "EDIT", kSearchField);
+        const HWND list = descendant(manager, WC_LISTVIEWA, 0);
+        m_best.keys.resize(m_found.size(), 1e9);
+        for (size_t i = 0; i < m_found.size(); ++i) {
+            const double took = millisecondsOf([&] {
+                SendMessageA(search, WM_CHAR, static_cast<WPARAM>(kTyped[i]), 1);
+                paint(manager);
+            });
+            if (static_cast<size_t>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) != m_found[i])
+                stop("the manager lists other rows than the search finds");
+            m_best.keys[i] = std::min(m_best.keys[i], took);
+        }
+        const HWND titles = descendant(manager, "COMBOBOX", kTitles);
+        m_best.titles =
+            std::min(m_best.titles, millisecondsOf([&] {
+                         SendMessageA(GetParent(titles), WM_COMMAND, MAKEWPARAM(kTitles, CBN_DROPDOWN),
+                                      reinterpret_cast<LPARAM>(titles));
+                     }));
+        if (SendMessageA(titles, CB_GETCOUNT, 0, 0) != kScripts) stop("the drop list is not full");
+        PostMessageA(manager, WM_CLOSE, 0, 0);
+    }
+
+    static ManagerRun* s_current;
+    const std::vector<size_t>& m_found;
+    Figures& m_best;
+    HWND m_helper = nullptr;
+    LARGE_INTEGER m_start{};
+    bool m_done = false;
+};
+ManagerRun* ManagerRun::s_current = nullptr;
+
+bool row(const std::string& what, double ours, double bare, const std::string& against) {
+    const double ratio = ours / bare;
+    std::printf("%-44s %9.2f ms  %-24s %9.2f ms  ratio %5.2f  wanted <= %.2f  %s\n", what.c_str(), ours,
+                against.c_str(), bare, ratio, kWanted, ratio <= kWanted ? "ok" : "MISSED");
+    return ratio <= kWanted;
+}
+
+int run(const std::string& dll) {
+    const test::TempFolder folder;
+    std::filesystem::create_directory(folder.native("templates"));
+    const CTemplateData data = catalogue();
+    if (!data.WriteXML(folder.path("templates\\template_6.xml"))) stop("the catalogue can't be written");
+    folder.write("main.zlm", "level 1\r\n");
+    folder.write("main.kez", "// main\r\n\r\n");
+
+    CallLog log(GetCurrentThreadId());
+    Editor editor(log);
+    editor.host().setSuite(folder.path(), "templates");
+    std::string error;
+    if (!editor.openProject(folder.path(), error) || !editor.loadPlugin(dll, error)) stop(error);
+
+    std::vector<std::vector<std::uint32_t>> found;
+    std::vector<size_t> counts;
+    ScriptSearch search(data);
+    for (size_t length = 1; length <= std::string(kTyped).size(); ++length) {
+        found.push_back(search.find("<ALL>", std::string(kTyped).substr(0, length)));
+        counts.push_back(found.back().size());
+    }
+
+    Figures best;
+    BareList bare(data);
+    double bareOpening = 1e9;
+    std::vector<double> bareKeys(found.size(), 1e9);
+    for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
+        const ManagerRun manager(editor, counts, best);
+        bareOpening = std::min(bareOpening, millisecondsOf([&] { bare.open(); }));
+        for (size_t i = 0; i < found.size(); ++i)
+            bareKeys[i] = std::min(bareKeys[i], millisecondsOf([&] { bare.fill(found[i]); }));
+    }
+    editor.unloadPlugin();
+
+    bool met = row("open the manager on 10,000 scripts", best.opening, bareOpening, "bare list filled");
+    for (size_t i = 0; i < found.size(); ++i)
+        met = row(std::string("key '") + kTyped[i] + "', " + std::to_string(counts[i]) + " found",
+                  best.keys[i], bareKeys[i], "bare list filled") &&
+              met;
+    std::printf("%-44s %9.2f ms (in pieces, while the window is used already)\n",
+                "  the drop list of all titles", best.titles);
+    return met ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace zoka::bench
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "bench_window DLL\n");
+        return 2;
+    }
+    return zoka::bench::run(argv[1]);
+}
