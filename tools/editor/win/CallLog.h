@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/editor/win/SlimLock.h"
+
 namespace zoka {
 
 struct CallLogLine {
@@ -43,7 +45,7 @@ public:
     bool holds(const std::string& text, std::size_t first = 0);
 
 private:
-    std::mutex m_mutex;
+    SlimLock m_mutex;
     std::vector<CallLogLine> m_lines;
     DWORD m_editorThread;
     std::FILE* m_file = nullptr;

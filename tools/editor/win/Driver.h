@@ -158,6 +158,7 @@ private:
     std::int32_t m_result = 0;
     HWND m_window = nullptr;
     ResourceCount m_mark;
+    std::vector<HeldHandle> m_markHandles;  // held at the mark
     std::size_t m_logMark = 0;
 };
 

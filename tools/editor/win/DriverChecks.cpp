@@ -1,4 +1,5 @@
 // The drive script's commands that look at results, records, the log and what is left behind.
+#include <algorithm>
 #include <cstdio>
 
 #include "tools/editor/win/Driver.h"
@@ -13,6 +14,18 @@ std::string resourceText(const ResourceCount& count) {
     std::string text;
     for (const char* const name : kResources)
         text += (text.empty() ? "" : ", ") + std::to_string(resourceField(count, name)) + " " + name;
+    return text;
+}
+
+// Those of `now` that `before` doesn't have.
+std::string handlesGained(const std::vector<HeldHandle>& before, const std::vector<HeldHandle>& now) {
+    std::string text;
+    for (const HeldHandle& handle : now) {
+        const bool held = std::any_of(before.begin(), before.end(), [&](const HeldHandle& other) {
+            return other.value == handle.value && other.kind == handle.kind;
+        });
+        if (!held) text += (text.empty() ? "" : ", ") + hexText(handle.value) + " " + handle.kind;
+    }
     return text;
 }
 
@@ -118,6 +131,7 @@ void Driver::clearLog(const Words&) {
 
 void Driver::mark(const Words&) {
     m_mark = countResources();
+    m_markHandles = heldHandles();
 }
 
 void Driver::expectNoGain(const Words& words) {
@@ -135,13 +149,17 @@ void Driver::expectNoGain(const Words& words) {
                "at most " + std::to_string(allowed) + " " + kind + " more than " + std::to_string(before),
                [&] {
                    return std::to_string(now) + " (before: " + resourceText(m_mark) +
-                          "; now: " + resourceText(countResources()) + ")";
+                          "; now: " + resourceText(countResources()) +
+                          "; handles that were not there: " + handlesGained(m_markHandles, heldHandles()) +
+                          ")";
                });
     }
 }
 
 void Driver::counts(const Words&) {
     std::printf("%s\n", resourceText(countResources()).c_str());
+    const std::string gained = handlesGained(m_markHandles, heldHandles());
+    if (!gained.empty()) std::printf("handles that were not there at the mark: %s\n", gained.c_str());
 }
 
 void Driver::timeout(const Words& words) {

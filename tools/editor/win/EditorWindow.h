@@ -10,6 +10,7 @@
 
 #include "tools/editor/win/Editor.h"
 #include "tools/editor/win/EditorMenu.h"
+#include "tools/editor/win/SlimLock.h"
 
 namespace zoka {
 
@@ -75,7 +76,7 @@ private:
     unsigned m_shownChanges = 0;
     std::string m_shownStatus;
 
-    std::mutex m_jobMutex;
+    SlimLock m_jobMutex;
     std::queue<std::function<void()>> m_jobs;
 };
 

@@ -8,6 +8,7 @@
 #include "plugin/EntityOperations.h"
 #include "tools/editor/LevelMap.h"
 #include "tools/editor/win/CallLog.h"
+#include "tools/editor/win/SlimLock.h"
 
 namespace zoka {
 
@@ -42,7 +43,7 @@ public:
 
 private:
     CallLog& m_log;
-    mutable std::mutex m_mutex;
+    mutable SlimLock m_mutex;
     std::string m_path;
     LevelMap m_map;
     unsigned m_changes = 0;

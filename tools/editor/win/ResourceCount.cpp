@@ -26,13 +26,19 @@ struct SystemHandle {
     ULONG access;
 };
 
-long countHandles() {
-    DWORD direct = 0;
-    if (GetProcessHandleCount(GetCurrentProcess(), &direct) && direct) return static_cast<long>(direct);
+// A function of the system's own library.
+template <typename Function>
+Function systemFunction(const char* name) {
+    const FARPROC found = GetProcAddress(GetModuleHandleA("ntdll.dll"), name);
+    Function function;
+    std::memcpy(&function, &found, sizeof function);
+    return function;
+}
+
+// The values of this process's handles; false where the system doesn't tell.
+bool listHandles(std::vector<unsigned>& values) {
     using Query = LONG(WINAPI*)(ULONG, void*, ULONG, ULONG*);
-    const FARPROC found = GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation");
-    Query query;
-    std::memcpy(&query, &found, sizeof query);
+    const auto query = systemFunction<Query>("NtQuerySystemInformation");
     constexpr ULONG kSystemHandleInformation = 16;
     std::vector<std::uint64_t> buffer(1U << 15);
     constexpr LONG kTooSmall = static_cast<LONG>(0xC0000004);
@@ -40,14 +46,37 @@ long countHandles() {
     while ((status = query(kSystemHandleInformation, buffer.data(),
                            static_cast<ULONG>(buffer.size() * sizeof buffer[0]), nullptr)) == kTooSmall)
         buffer.resize(buffer.size() * 2);
-    if (status < 0) return -1;
+    if (status < 0) return false;
     ULONG total;
     std::memcpy(&total, buffer.data(), sizeof total);
     const auto* const first = reinterpret_cast<const SystemHandle*>(
         reinterpret_cast<const char*>(buffer.data()) + alignof(SystemHandle));
-    return static_cast<long>(std::count_if(first, first + total, [](const SystemHandle& handle) {
-        return handle.process == GetCurrentProcessId();
-    }));
+    for (const SystemHandle* handle = first; handle != first + total; ++handle)
+        if (handle->process == GetCurrentProcessId()) values.push_back(handle->value);
+    return true;
+}
+
+long countHandles() {
+    DWORD direct = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &direct) && direct) return static_cast<long>(direct);
+    std::vector<unsigned> values;
+    return listHandles(values) ? static_cast<long>(values.size()) : -1;
+}
+
+// What the system says of a handle's object, as text: `question` 1 asks for its name, 2 for its kind.
+std::string objectText(unsigned value, ULONG question) {
+    using Query = LONG(WINAPI*)(HANDLE, ULONG, void*, ULONG, ULONG*);
+    static const auto query = systemFunction<Query>("NtQueryObject");
+    struct {
+        USHORT bytes, room;
+        wchar_t* text;
+        wchar_t space[512];
+    } answer{};
+    const HANDLE handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(value));
+    if (query(handle, question, &answer, sizeof answer, nullptr) < 0 || !answer.text) return {};
+    std::string text;
+    for (USHORT i = 0; i < answer.bytes / sizeof(wchar_t); ++i) text += static_cast<char>(answer.text[i]);
+    return text;
 }
 
 long countThreads() {
@@ -104,6 +133,20 @@ long countUser() {
 
 ResourceCount countResources() {
     return {countHandles(), countThreads(), countWindows(), countGdi(), countUser()};
+}
+
+std::vector<HeldHandle> heldHandles() {
+    std::vector<unsigned> values;
+    listHandles(values);
+    std::sort(values.begin(), values.end());
+    std::vector<HeldHandle> held;
+    for (const unsigned value : values) {
+        std::string kind = objectText(value, 2);
+        // The question for the name of a pipe can wait for whoever reads from it.
+        const std::string name = kind == "File" ? "" : objectText(value, 1);
+        held.push_back({value, kind + (name.empty() ? "" : " " + name)});
+    }
+    return held;
 }
 
 long resourceField(const ResourceCount& count, const std::string& name) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace zoka {
 
@@ -15,6 +16,15 @@ struct ResourceCount {
 
 // [any thread]. Objects made by other threads meanwhile are counted as they happen to stand.
 ResourceCount countResources();
+
+// A kernel handle of this process.
+struct HeldHandle {
+    unsigned value = 0;
+    std::string kind;  // "Event", "Thread", "File", ..., and behind it the object's name if it has one
+};
+
+// All kernel handles of this process, in ascending order; empty where the system doesn't tell. [any thread]
+std::vector<HeldHandle> heldHandles();
 
 // One field by its name ("handles", "threads", ...); -1 for any other word.
 long resourceField(const ResourceCount& count, const std::string& name);
