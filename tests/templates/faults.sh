@@ -1,0 +1,98 @@
+#!/bin/sh
+# Kills `zoka scripts add`, `remove` and `update` at every system call that changes a file, and lets every such
+# call fail once. Afterwards each file of the project must be the old or the new one, whole. Temporary files may
+# stay behind after a kill alone, and what failed must have said so.
+# usage: faults.sh PATH-OF-ZOKA TEMPLATE-FOLDER. Status 77 where nothing can be traced.
+set -u
+zoka=$1
+suite=$2
+export ASAN_OPTIONS=detect_leaks=0 # the leak check can't work in a process that is traced
+strace -o /dev/null true 2>/dev/null || {
+    echo "strace can't trace here"
+    exit 77
+}
+work=$(mktemp -d) && cd "$work" || exit 1
+trap 'rm -rf "$work"' EXIT
+runs=0
+
+fail() {
+    echo "FAILED: $*"
+    ls project
+    cat output
+    exit 1
+}
+
+# Whether every file of the project is one of before/ or after/, and none is lost.
+check() { # stray-allowed what
+    for path in project/*; do
+        name=${path#project/}
+        case $name in
+        '~zk'*.tmp)
+            [ "$1" = yes ] || fail "$2: left $name behind"
+            ;;
+        *.zoka) # first written with the old script's version, before the script is touched
+            sed 2s/.*/0/ "after/$name" | cmp -s "$path" || cmp -s "$path" "after/$name" ||
+                fail "$2: $name is neither the values of the old nor of the new script"
+            ;;
+        *)
+            cmp -s "$path" "before/$name" || cmp -s "$path" "after/$name" ||
+                fail "$2: $name is neither the old nor the new one"
+            ;;
+        esac
+    done
+    for path in before/*; do
+        name=${path#before/}
+        [ -e "project/$name" ] || [ ! -e "after/$name" ] || fail "$2: $name is lost"
+    done
+    [ -e project/main.kez ] || fail "$2: the main script is lost"
+}
+
+# Runs the command once for each call of `$1` that it makes, with `$2` injected there.
+inject() { # call fault stray-allowed arguments...
+    call=$1 fault=$2 stray=$3
+    shift 3
+    count=0
+    while :; do
+        count=$((count + 1))
+        rm -rf project
+        cp -R before project
+        strace -f -o trace -e trace="$call" -e inject="$call:$fault:when=$count" \
+            "$zoka" scripts "$@" -p project -t "$suite" -m project/main.kez >output 2>&1
+        status=$?
+        grep -q 'INJECTED\|killed by SIGKILL' trace || break
+        runs=$((runs + 1))
+        check "$stray" "$* with $call number $count, $fault"
+        [ $status -eq 137 ] || [ $status -eq 0 ] || [ -s output ] || fail "$*: failed without a word"
+    done
+    [ $status -eq 0 ] && diff -r project after >/dev/null || fail "$*: not the same without a fault"
+    [ "$count" -gt 1 ] || [ "$call" != rename ] || fail "$*: makes no call of $call"
+}
+
+faults() { # arguments...
+    rm -rf after project
+    cp -R before project # value files name the folder, so both runs are in one of that name
+    "$zoka" scripts "$@" -p project -t "$suite" -m project/main.kez >output 2>&1 || fail "$* without a fault"
+    mv project after
+    cmp -s before/main.kez after/main.kez && diff -r before after >/dev/null && fail "$* changed nothing"
+    for call in write rename renameat2 fsync ftruncate pwrite64 unlink; do
+        inject "$call" signal=KILL yes "$@"
+    done
+    for call in write rename renameat2 fsync; do
+        inject "$call" error=ENOSPC no "$@"
+    done
+}
+
+mkdir before
+printf '// main\r\n\r\nfunction main()\r\n{\r\n}' >before/main.kez
+faults add turret.kez camera_.kez camera_.kez
+rm -rf before
+cp -R after before
+faults remove turret.kez
+rm -rf before
+mkdir before
+printf '// main\r\ninclude <fog.kez>;\r\ninclude <door_slide.kez>;\r\n' >before/main.kez
+for name in fog.kez door_slide.kez; do
+    sed 's/^\/\/ *ver:.*/\/\/ ver: 0\r/' "$suite/$name" >"before/$name"
+done
+faults update --yes
+echo "$runs runs with a fault, no file damaged"
