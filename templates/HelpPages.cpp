@@ -1,5 +1,6 @@
 #include "templates/HelpPages.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "templates/CatalogueXml.h"
@@ -98,6 +99,13 @@ std::string needsList(const CScriptElm& script) {
     return list;
 }
 
+// Descriptions are broken into lines anywhere; a line alone would often end in mid-sentence.
+std::string firstSentence(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    const size_t end = text.find(". ");
+    return end == std::string::npos ? text : text.substr(0, end + 1);
+}
+
 // The pages of one catalogue: which scripts and classes have one, under which name, and who needs whom.
 class Help {
 public:
@@ -143,10 +151,9 @@ public:
             body +=
                 "\n<h2>" + link(each.page, each.name.empty() ? "(no class)" : each.name) + "</h2>\n<ul>\n";
             for (const size_t i : each.scripts) {
-                const std::string desc = m_scripts[i].script.m_desc;
                 body += "<li>" + link(m_scripts[i].page, m_scripts[i].script.DisplayName()) +
                         editionMarks(m_scripts[i].script.m_engreq.edition) + " - " +
-                        escaped(desc.substr(0, desc.find('\n'))) + "</li>\n";
+                        escaped(firstSentence(m_scripts[i].script.m_desc)) + "</li>\n";
             }
             body += "</ul>\n";
         }

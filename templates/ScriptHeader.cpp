@@ -181,7 +181,7 @@ private:
         } else if (code == HeaderCode::Help) {
             // The help of a skill or flag stands behind its name, on the same line.
             if (m_afterLabel)
-                appendWords(*m_text, value);
+                appendWords(*m_text += ':', value);
             else
                 appendLine(*m_text, value);
             m_afterLabel = false;
@@ -195,7 +195,7 @@ private:
             // "skill2: Range 8" names the value in its first word; blanks are written as underscores there.
             std::string label(firstHeaderToken(value));
             std::replace(label.begin(), label.end(), '_', ' ');
-            appendLine(*m_text, std::string(keyword) + " " + label + ":");
+            appendLine(*m_text, std::string(keyword) + " " + label);
             m_afterLabel = true;
         }
     }

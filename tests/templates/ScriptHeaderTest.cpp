@@ -190,7 +190,7 @@ TEST(ScriptHeader, ReadsSectionsAndActions) {
     EXPECT_EQ(first.m_actions[0].m_name, "cutscene_zone");
     EXPECT_EQ(first.m_actions[0].m_filename, "x.kez");
     EXPECT_EQ(first.m_actions[0].m_desc,
-              "Cutscene zone\nPlays the scene. Once.\nskill1 Play radius: Metres.\nflag1 Only once:");
+              "Cutscene zone\nPlays the scene. Once.\nskill1 Play radius: Metres.\nflag1 Only once");
     ASSERT_EQ(script.m_sections[1].m_actions.size(), 1U);
     const CScriptAction& second = script.m_sections[1].m_actions[0];
     EXPECT_EQ(second.m_name, "plain{");
