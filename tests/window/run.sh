@@ -14,6 +14,7 @@ shift
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 watchdog=45 # seconds for one test
+fault='zunhost: unhandled exception'
 tries=3     # where Wine itself does not come up
 if [ -z "${DISPLAY:-}" ]; then
     exec "$root/tools/run/display.sh" "$0" "$build" "$@"
@@ -87,6 +88,10 @@ for script in "${scripts[@]}"; do
         while IFS= read -r text; do
             grep -qF -- "$text" "$folder/output.txt" || wrong="$wrong; did not say \"$text\""
         done < <(directives "$script" says)
+        # A fault as the process ends leaves its status alone. (The system's own programs may have faults, too.)
+        if grep -qF "$fault" "$folder/output.txt" && ! directives "$script" says | grep -qF "$fault"; then
+            wrong="$wrong; $(grep -m1 -F "$fault" "$folder/output.txt")"
+        fi
     else
         wrong="its folders can't be made"
     fi

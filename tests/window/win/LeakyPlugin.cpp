@@ -31,6 +31,16 @@ std::int32_t hang(PluginProcDef*, HostContext*, std::int32_t*) {
     Sleep(INFINITE);
     return 0;
 }
+std::int32_t crash(PluginProcDef*, HostContext*, std::int32_t*) {
+    __builtin_trap();
+}
+std::int32_t throwCaught(PluginProcDef*, HostContext*, std::int32_t*) {
+    try {
+        throw 1;
+    } catch (int value) {
+        return value;
+    }
+}
 
 #define RECORD(index, name, function) \
     { 0, 1, index, name, nullptr, 0, 0, 0, &g_records[index], function, nullptr, 0, 0 }
@@ -38,6 +48,7 @@ PluginProcDef g_records[] = {
     RECORD(0, "Leak handles", leakHandle), RECORD(1, "Leak gdi", leakGdi),
     RECORD(2, "Leak user", leakUser),      RECORD(3, "Leak windows", leakWindow),
     RECORD(4, "Leak threads", leakThread), RECORD(5, "Hang", hang),
+    RECORD(6, "Crash", crash),             RECORD(7, "Throw", throwCaught),
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <memory>
 #include <thread>
 
+#include "tools/editor/win/CrashReport.h"
 #include "tools/editor/win/Driver.h"
 #include "tools/editor/win/EditorWindow.h"
 
@@ -102,6 +103,7 @@ int runEditor(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    zoka::reportCrashes();
     Options options;
     CLI::App app(
         "Stand-in for the ZUN editor: loads a plug-in, serves it a plain project folder, shows every call.",
