@@ -68,7 +68,8 @@ int EntryPanel::scaled(int pixels) const {
 }
 
 const PictureStore::Bitmap& EntryPanel::picture(size_t row) {
-    return m_pictures.get(m_host.picturePath(m_host.rowModel(row).spec().label));
+    const std::string& name = m_host.rowModel(row).spec().label;
+    return m_pictures.get(name, [&] { return m_host.picturePath(name); });
 }
 
 SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) const {
@@ -156,6 +157,7 @@ void EntryPanel::layout() {
         items[row].gapAfter = m_host.rowModel(row).spec().field != EntryField::Text;
     }
     m_layout.stack(items);
+    setText(m_window, m_layout.rows().empty() ? m_host.emptyText() : "");
     scrollTo(m_top);
 }
 

@@ -132,7 +132,7 @@ void EntryPanel::paintEmpty() {
         const HGDIOBJ old = SelectObject(dc, m_fonts->text());
         SetBkMode(dc, TRANSPARENT);
         SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-        const std::string text = m_host.emptyText();
+        const std::string text = textOf(m_window);
         DrawTextA(dc, text.c_str(), -1, &area, DT_WORDBREAK | DT_NOPREFIX);
         SelectObject(dc, old);
     }

@@ -238,11 +238,7 @@ void EntryWindow::slid(WORD code) {
 
 void EntryWindow::command(WORD code, HWND control) {
     if (m_updating) return;
-    if (code == kFieldRefused) {
-        const std::string range = allowedRange(spec());
-        return refused((spec().decimal ? "Only numbers" : "Only whole numbers") +
-                       (range.empty() ? "" : "; " + range));
-    }
+    if (code == kFieldRefused) return refused(fieldRefusal(spec(), "x"));
     if (control == m_browse && code == BN_CLICKED) return m_panel.browseSoon(m_row);
     if (control != m_field) return;
     if (spec().field == EntryField::Heading && code == BN_CLICKED) {

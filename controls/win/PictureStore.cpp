@@ -34,20 +34,21 @@ PictureStore::Bitmap bitmapOf(const Picture& picture) {
 
 }  // namespace
 
-const PictureStore::Bitmap& PictureStore::get(const std::string& path) {
+const PictureStore::Bitmap& PictureStore::get(const std::string& name,
+                                              const std::function<std::string()>& pathOf) {
     static const Bitmap kNone;
-    const auto known = m_pictures.find(path);
+    const auto known = m_pictures.find(name);
     if (known != m_pictures.end()) return known->second;
     if (m_pictures.size() >= kMostPictures) return kNone;
     Bitmap made;
-    if (const auto bytes = osFiles().readWhole(path)) {
+    if (const auto bytes = osFiles().readWhole(pathOf())) {
         if (const auto picture = decodePicture(*bytes)) made = bitmapOf(*picture);
     }
-    return m_pictures.emplace(path, made).first->second;
+    return m_pictures.emplace(name, made).first->second;
 }
 
 void PictureStore::clear() {
-    for (const auto& [path, bitmap] : m_pictures)
+    for (const auto& [name, bitmap] : m_pictures)
         if (bitmap.handle) DeleteObject(bitmap.handle);
     m_pictures.clear();
 }

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -21,7 +22,8 @@ public:
     PictureStore& operator=(const PictureStore&) = delete;
 
     // The first hundred are kept; others count as missing, so that a hostile script doesn't fill the memory.
-    const Bitmap& get(const std::string& path);
+    // `pathOf` gives the full path of the file of that name.
+    const Bitmap& get(const std::string& name, const std::function<std::string()>& pathOf);
     void clear();
 
 private:

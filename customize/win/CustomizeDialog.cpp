@@ -163,6 +163,9 @@ INT_PTR CustomizeDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:
             layout();
+            // At once: a window that follows the mouse would show its old picture meanwhile.
+            RedrawWindow(m_window, nullptr, nullptr,
+                         RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
             return TRUE;
         case WM_GETMINMAXINFO: {
             const SIZE least = leastSize();

@@ -6,6 +6,7 @@
 
 #include "plugin/HostAdapter.h"
 #include "plugin/PanelText.h"
+#include "plugin/win/CustomizePanel.h"
 #include "plugin/win/Resources.h"
 #include "plugin/win/StatusWindow.h"
 #include "plugin/win/ViewThread.h"
@@ -40,7 +41,7 @@ std::unique_ptr<ZunEditorInterface> PluginWindows::makeEditor(void* rawEditor) {
 
 std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterface& editor,
                                                                const std::string&) {
-    return std::make_unique<StatusWindow>("KEZ Customize", [&editor] { return projectStatus(editor); });
+    return std::make_unique<CustomizePanel>(editor);
 }
 
 // No project's behaviours are read yet, so none defines a panel.
