@@ -4,9 +4,6 @@
 
 #include <pthread.h>
 
-#include <ios>
-#include <new>
-
 #include "plugin/win/PanelWindow.h"
 
 // The callbacks through which the loader tells the runtime of threads that come and go.
@@ -44,29 +41,62 @@ void findRuntimeSlot() {
     }
 }
 
-// Where any of our libraries brings in the standard streams, the last one to leave them flushes them at the unload.
-// That makes the thread library set up its keys, whose two semaphores are never closed. Nothing here writes to those
-// streams, so one user of them is made that never leaves.
-void leaveStreamsUnflushed() {
-    alignas(std::ios_base::Init) static unsigned char user[sizeof(std::ios_base::Init)];
-    new (user) std::ios_base::Init;
+// At the first exception, the first thread-local object of its kind and the flush of the standard streams, whichever
+// comes first, the thread library sets up its keys, whose lock has two semaphores that it never closes. So it is made
+// to do that at the start, where it can be seen which ones they are, and they are closed at the end.
+constexpr int kKeySemaphores = 2;
+HANDLE g_semaphores[kKeySemaphores] = {};
+int g_semaphoresMade = 0;
+bool g_settingUpKeys = false;
+
+HANDLE WINAPI createSemaphore(SECURITY_ATTRIBUTES* security, LONG initial, LONG most, const char*) {
+    const HANDLE made = CreateSemaphoreW(security, initial, most, nullptr);
+    if (g_settingUpKeys && made && g_semaphoresMade < kKeySemaphores) {
+        g_semaphores[g_semaphoresMade++] = made;
+    }
+    return made;
+}
+
+void setUpKeys() {
+    g_settingUpKeys = true;
+    pthread_key_t key;
+    if (pthread_key_create(&key, nullptr) == 0) {
+        pthread_key_delete(key);
+    }
+    g_settingUpKeys = false;
+}
+
+void closeKeySemaphores() {
+    while (g_semaphoresMade > 0) {
+        CloseHandle(g_semaphores[--g_semaphoresMade]);
+    }
 }
 
 }  // namespace
 }  // namespace zoka
+
+// Stands in for the import through which the thread library makes its semaphores, none of which has a name.
+#ifdef _WIN64
+#define ZOKA_SEMAPHORE_IMPORT "__imp_CreateSemaphoreA"
+#else
+#define ZOKA_SEMAPHORE_IMPORT "__imp__CreateSemaphoreA@16"
+#endif
+extern "C" {
+extern decltype(&zoka::createSemaphore) zokaSemaphoreImport __asm__(ZOKA_SEMAPHORE_IMPORT);
+decltype(&zoka::createSemaphore) zokaSemaphoreImport = zoka::createSemaphore;
+}
 
 // The library's entry point: it stands around the runtime's own start and end, before its first and after its
 // last use of threads. The loader's lock is held.
 extern "C" BOOL WINAPI ZokaEntry(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) {
         zoka::findRuntimeSlot();
+        zoka::setUpKeys();
     }
     const BOOL result = DllMainCRTStartup(instance, reason, processEnds);
-    if (reason == DLL_PROCESS_ATTACH && result) {
-        zoka::leaveStreamsUnflushed();
-    }
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         zoka::freeThreadRuntime();
+        zoka::closeKeySemaphores();
         if (zoka::g_runtimeSlot != TLS_OUT_OF_INDEXES) {
             TlsFree(zoka::g_runtimeSlot);
         }

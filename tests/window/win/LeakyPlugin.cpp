@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "plugin/EntryPoints.h"
+#include "plugin/win/PanelWindow.h"
 
 namespace {
 
@@ -45,13 +46,22 @@ std::int32_t throwCaught(PluginProcDef*, HostContext*, std::int32_t*) {
 #define RECORD(index, name, function) \
     { 0, 1, index, name, nullptr, 0, 0, 0, &g_records[index], function, nullptr, 0, 0 }
 PluginProcDef g_records[] = {
-    RECORD(0, "Leak handles", leakHandle), RECORD(1, "Leak gdi", leakGdi),
-    RECORD(2, "Leak user", leakUser),      RECORD(3, "Leak windows", leakWindow),
-    RECORD(4, "Leak threads", leakThread), RECORD(5, "Hang", hang),
-    RECORD(6, "Crash", crash),             RECORD(7, "Throw", throwCaught),
+    RECORD(0, "Leak handles", leakHandle),
+    RECORD(1, "Leak gdi", leakGdi),
+    RECORD(2, "Leak user", leakUser),
+    RECORD(3, "Leak windows", leakWindow),
+    RECORD(4, "Leak threads", leakThread),
+    RECORD(5, "Hang", hang),
+    RECORD(6, "Crash", crash),
+    RECORD(7, "Throw", throwCaught),
 };
 
 }  // namespace
+
+extern "C" const IMAGE_DOS_HEADER __ImageBase;
+HINSTANCE zoka::moduleInstance() {
+    return reinterpret_cast<HINSTANCE>(const_cast<IMAGE_DOS_HEADER*>(&__ImageBase));
+}
 
 std::int32_t PIInitialize(AppInterface*) {
     return 1;
