@@ -249,6 +249,13 @@ void CTemplateData::AddScript(const XMLNode& node) {
     AddScript(zoka::readScript(node));
 }
 
+std::string_view CTemplateData::description(std::size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::firstText(node->firstChild("desc"))
+                : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_desc);
+}
+
 CScriptElm CTemplateData::script(std::size_t record) const {
     const Source& source = m_sources[record];
     const XMLNode* const node = std::get_if<XMLNode>(&source);

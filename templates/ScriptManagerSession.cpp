@@ -59,9 +59,14 @@ bool ScriptManagerSession::open(JobProgress* progress) {
         m_prompt.tell(error.what());
         return false;
     }
-    m_search = std::make_unique<ScriptSearch>(m_catalogue);
+    if (!m_search && !prepareSearch(progress)) return false;
     refresh();
     return true;
+}
+
+bool ScriptManagerSession::prepareSearch(JobProgress* progress) {
+    m_search = ScriptSearch::make(m_catalogue, progress);
+    return m_search != nullptr;
 }
 
 void ScriptManagerSession::refresh() {
@@ -118,7 +123,7 @@ std::vector<std::string> ScriptManagerSession::classes() const {
 
 const std::vector<std::uint32_t>& ScriptManagerSession::search(const std::string& className,
                                                                const std::string& query) {
-    if (!m_search) m_search = std::make_unique<ScriptSearch>(m_catalogue);
+    if (!m_search) prepareSearch(nullptr);
     return m_search->find(className, query);
 }
 
@@ -126,11 +131,6 @@ bool ScriptManagerSession::isIncluded(std::uint32_t record) const {
     // Of records with one file name the include list knows the first.
     const auto first = m_catalogue.recordByFilenameNoCase(m_catalogue.rows()[record].filename);
     return first && m_includedRecords.contains(*first);
-}
-
-std::string ScriptManagerSession::rowText(std::uint32_t record) const {
-    const std::string title(m_catalogue.rows()[record].displayName());
-    return isIncluded(record) ? title + "  (included)" : title;
 }
 
 ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
@@ -308,6 +308,7 @@ void ScriptManagerSession::tellUpdated() {
     m_status = m_update.updated().empty() ? "" : "Updated: " + joined(m_update.updated());
     if (!m_update.included().empty())
         m_status += (m_status.empty() ? "" : "; ") + ("Included: " + joined(m_update.included()));
+    if (!m_update.unplaced().empty()) m_status += "; some values found no place";
     readIncluded();
 }
 

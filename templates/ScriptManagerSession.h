@@ -66,6 +66,9 @@ public:
     // Loads the catalogue if need be and reads the include block. False when the catalogue can't be loaded
     // (the user has been told) or `progress` stopped it.
     bool open(JobProgress* progress = nullptr);
+    // The part of open() that takes long besides loading, for a loader to do in its own job: false when
+    // `progress` stopped it. Otherwise open() does it.
+    bool prepareSearch(JobProgress* progress);
     // Reads the include block again. The update list, which reads every script, follows when it is asked for.
     void refresh();
     // A line for the window's foot about the last action: what it did, or why it did nothing. May be empty.
@@ -77,8 +80,7 @@ public:
     std::vector<std::string> classes() const;
     // The catalogue's records to be listed, in its order, for a class and a search text (ScriptSearch::find).
     const std::vector<std::uint32_t>& search(const std::string& className, const std::string& query);
-    // The title, marked when the script, or a copy of it, is included.
-    std::string rowText(std::uint32_t record) const;
+    // Whether the script, or a copy of it, is included.
     bool isIncluded(std::uint32_t record) const;
     ScriptDetails details(std::uint32_t record) const;
     // What the button would do, before it is pressed.

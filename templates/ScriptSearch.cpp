@@ -6,6 +6,9 @@ namespace zoka {
 
 namespace {
 
+// Records between two looks at the progress: often enough to keep a window alive, too seldom to be felt.
+constexpr std::uint32_t kStep = 1024;
+
 std::vector<std::string> wordsOf(const std::string& query) {
     std::vector<std::string> words;
     std::string word;
@@ -22,17 +25,29 @@ std::vector<std::string> wordsOf(const std::string& query) {
 
 }  // namespace
 
-ScriptSearch::ScriptSearch(const CTemplateData& catalogue) {
-    m_texts.reserve(catalogue.scripts().size());
-    m_classes.reserve(catalogue.scripts().size());
-    for (const CScriptElm& script : catalogue.scripts()) {
-        m_classes.push_back(lowered(script.m_class));
-        std::string text =
-            script.m_name + "\n" + script.m_class + "\n" + script.m_filename + "\n" + script.m_desc;
+std::unique_ptr<ScriptSearch> ScriptSearch::make(const CTemplateData& catalogue, JobProgress* progress) {
+    std::unique_ptr<ScriptSearch> search(new ScriptSearch);
+    if (!search->take(catalogue, progress)) search.reset();
+    return search;
+}
+
+bool ScriptSearch::take(const CTemplateData& catalogue, JobProgress* progress) {
+    const std::vector<CTemplateData::Row>& rows = catalogue.rows();
+    m_texts.reserve(rows.size());
+    m_classes.reserve(rows.size());
+    m_found.reserve(rows.size());
+    for (std::uint32_t record = 0; record < rows.size(); ++record) {
+        const CTemplateData::Row& row = rows[record];
+        if (record % kStep == 0 && !goOn(progress, record, rows.size(), std::string(row.displayName())))
+            return false;
+        m_classes.push_back(lowered(row.className));
+        std::string text(row.name);
+        ((text += '\n') += row.className) += '\n';
+        ((text += row.filename) += '\n') += catalogue.description(record);
         m_texts.push_back(lowered(text));
-        m_found.push_back(static_cast<std::uint32_t>(m_found.size()));
+        m_found.push_back(record);
     }
-    m_className = "<all>";
+    return true;
 }
 
 const std::vector<std::uint32_t>& ScriptSearch::find(const std::string& className, const std::string& query) {

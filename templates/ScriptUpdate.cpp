@@ -48,7 +48,15 @@ void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& 
     if (!entry.missingNeeds.empty()) m_entries.push_back(std::move(entry));
 }
 
+void ScriptUpdate::forgetLastRun() {
+    m_problems.clear();
+    m_updated.clear();
+    m_included.clear();
+    m_unplaced.clear();
+}
+
 void ScriptUpdate::UpdateAll(JobProgress* progress) {
+    forgetLastRun();
     if (m_entries.empty()) {
         m_prompt.ask("Everything Up-to-Date.", "Can't Update", PromptButtons::Ok, PromptIcon::Information);
         return;
@@ -60,14 +68,12 @@ void ScriptUpdate::UpdateAll(JobProgress* progress) {
 }
 
 void ScriptUpdate::UpdateSelected(int index) {
+    forgetLastRun();
     if (index < 0 || static_cast<size_t>(index) >= m_entries.size()) return;
     update({m_entries[static_cast<size_t>(index)]}, nullptr);
 }
 
 void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* progress) {
-    m_problems.clear();
-    m_updated.clear();
-    m_included.clear();
     includeMissing(entries);
     ScriptFolders folders(m_host);
     folders.listOnce();
@@ -85,7 +91,7 @@ void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* 
         else if (!folders.inTemplates(fileName))
             m_problems.push_back(fileName + ": the template folder has no such script");
         else if (m_updater.update(path, folders.templatePath(fileName), why))
-            m_updated.push_back(fileName);
+            noteUpdated(fileName);
         else
             m_problems.push_back(why.empty() ? fileName : fileName + ": " + why);
     }
@@ -94,6 +100,14 @@ void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* 
     std::string text = "Not updated:";
     for (const std::string& problem : m_problems) text += "\n" + problem;
     m_prompt.tell(text);
+}
+
+void ScriptUpdate::noteUpdated(const std::string& fileName) {
+    m_updated.push_back(fileName);
+    const std::string unplaced = m_updater.unplaced();
+    if (unplaced.empty()) return;
+    if (!m_unplaced.empty()) m_unplaced += "\r\n";
+    m_unplaced += fileName + "\r\n" + unplaced;
 }
 
 void ScriptUpdate::includeMissing(const std::vector<UpdateEntry>& entries) {

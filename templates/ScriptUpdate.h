@@ -20,6 +20,9 @@ public:
     // `why` then says so in words.
     virtual bool update(const std::string& projectCopy, const std::string& templateCopy,
                         std::string& why) = 0;
+    // The values that the last update found no place for, a line for each, ended with CR LF; empty when there
+    // are none.
+    virtual std::string unplaced() const { return {}; }
 };
 
 // Where the customization of scripts is not at hand: changes nothing and says so.
@@ -62,11 +65,16 @@ public:
     // The scripts that it updated, and those it included as missing needs.
     const std::vector<std::string>& updated() const { return m_updated; }
     const std::vector<std::string>& included() const { return m_included; }
+    // The user's values that found no place in the new versions: for each script that had any its file name and
+    // below it a line for each value. Lines end in CR LF; empty when there are none.
+    const std::string& unplaced() const { return m_unplaced; }
 
 private:
     void addEntryOfNeeds(const CScriptElm& script, const std::string& fileName,
                          const std::unordered_set<std::string>& included);
     void update(const std::vector<UpdateEntry>& entries, JobProgress* progress);
+    void forgetLastRun();
+    void noteUpdated(const std::string& fileName);
     void includeMissing(const std::vector<UpdateEntry>& entries);
 
     ZunEditorInterface& m_host;
@@ -75,6 +83,7 @@ private:
     UserPrompt& m_prompt;
     std::vector<UpdateEntry> m_entries;
     std::vector<std::string> m_problems, m_updated, m_included;
+    std::string m_unplaced;
 };
 
 // Copies the template file into the project folder through the host. False, after a message, when the project

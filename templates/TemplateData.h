@@ -155,6 +155,7 @@ public:
     };
     Scripts scripts() const { return Scripts(*this); }
     CScriptElm script(std::size_t record) const;
+    std::string_view description(std::size_t record) const;
     const std::vector<Row>& rows() const { return m_rows; }
     const std::vector<Directory>& directories() const { return m_directories; }
     const CEngineReq& engineReq() const { return m_engreq; }

@@ -12,10 +12,11 @@ namespace zoka {
 class ValueKeepingUpdater : public ScriptUpdater {
 public:
     bool update(const std::string& projectCopy, const std::string& templateCopy, std::string& why) override {
+        m_unplaced.clear();
         return updateKeepingValues(projectCopy, templateCopy, why, &m_unplaced);
     }
-    // Values that the last update had no place for; they are in the file of old values too.
-    const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
+    // They are in the file of old values too.
+    std::string unplaced() const override { return unplacedText(m_unplaced); }
 
 private:
     std::vector<UnplacedValue> m_unplaced;

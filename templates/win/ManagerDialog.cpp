@@ -11,6 +11,7 @@
 #include "templates/win/NotesPage.h"
 #include "templates/win/ProgressWindow.h"
 #include "templates/win/RemovePage.h"
+#include "templates/win/TextWindow.h"
 #include "templates/win/UpdatePage.h"
 
 namespace zoka {
@@ -65,6 +66,9 @@ public:
     void sessionChanged() override;
     void setStatus(const std::string& text) override { setText(m_status, text); }
     void runJob(const std::string& title, const std::function<void(JobProgress&)>& job) override;
+    void showText(const std::string& title, const std::string& heading, const std::string& text) override {
+        TextWindow(m_window, m_fonts).show(title, heading, text);
+    }
     bool canCustomize() const override { return static_cast<bool>(m_setup.customize); }
     void customize(const std::string& scriptPath) override { m_setup.customize(m_window, scriptPath); }
 
@@ -112,8 +116,10 @@ private:
 bool ManagerDialog::load(CTemplateData& catalogue) {
     ProgressWindow progress(m_owner, m_fonts, "Loading the template catalogue");
     bool loaded = false;
-    progress.runOnThread(
-        [&](JobProgress& steps) { loaded = loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps); });
+    progress.runOnThread([&](JobProgress& steps) {
+        loaded =
+            loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps) && m_session.prepareSearch(&steps);
+    });
     if (loaded) return true;
     if (progress.cancelled()) throw LoadingCancelled();
     return catalogue.LoadFromXML(

@@ -25,6 +25,8 @@ public:
     // Runs a job of the session that may take long; the window takes no input meanwhile, and the user can
     // cancel.
     virtual void runJob(const std::string& title, const std::function<void(JobProgress&)>& job) = 0;
+    // Shows a text that the user reads and may copy, and returns when its window is closed.
+    virtual void showText(const std::string& title, const std::string& heading, const std::string& text) = 0;
     // Opens the customization panel for a script; false where there is none.
     virtual bool canCustomize() const = 0;
     virtual void customize(const std::string& scriptPath) = 0;

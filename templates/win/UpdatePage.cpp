@@ -165,6 +165,16 @@ void UpdatePage::mainAction() {
     if (chosen() < 0) return;
     session().updateSelected(chosen());
     m_frame.sessionChanged();
+    showUnplaced();
+}
+
+void UpdatePage::showUnplaced() {
+    const std::string& unplaced = session().updateRun().unplaced();
+    if (unplaced.empty()) return;
+    m_frame.showText("Values without a place",
+                     "The new versions have no place for these values. They are kept beside each script, in the file "
+                     "whose name ends in .zoka.old:",
+                     unplaced);
 }
 
 void UpdatePage::command(int id, int code) {
@@ -177,6 +187,7 @@ void UpdatePage::command(int id, int code) {
     } else if (code == BN_CLICKED && id == kUpdateAll) {
         m_frame.runJob("Updating scripts", [this](JobProgress& progress) { session().updateAll(&progress); });
         m_frame.sessionChanged();
+        showUnplaced();
     } else if (code == BN_CLICKED && id == kRestore) {
         const std::string name = chosenItem(m_missing);
         if (name.empty()) return;

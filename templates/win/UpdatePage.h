@@ -28,6 +28,7 @@ private:
     int chosen() const;
     void showEntries();
     void showDifference();
+    void showUnplaced();
     LRESULT paintDifference(NMLVCUSTOMDRAW& draw) const;
 
     HWND m_label = nullptr, m_list = nullptr, m_update = nullptr, m_updateAll = nullptr;

@@ -66,6 +66,7 @@ class FakeUpdater : public ScriptUpdater {
 public:
     std::vector<std::string> projectCopies, templateCopies;
     std::string failure;  // of every update; empty: they work
+    std::string lost;     // what each update finds no place for
 
     bool update(const std::string& projectCopy, const std::string& templateCopy, std::string& why) override {
         projectCopies.push_back(projectCopy);
@@ -74,6 +75,7 @@ public:
         const std::optional<std::string> text = osFiles().readWhole(templateCopy);
         return failure.empty() && text && safeWrite(projectCopy, *text);
     }
+    std::string unplaced() const override { return lost; }
 };
 
 }  // namespace zoka::test

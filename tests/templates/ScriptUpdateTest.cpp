@@ -149,6 +149,26 @@ TEST(ScriptUpdate, SelectedUpdatesOneWithoutAsking) {
     EXPECT_TRUE(f.prompt.asked.empty());
 }
 
+TEST(ScriptUpdate, ValuesWithoutAPlaceAreNamedByScript) {
+    Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
+    f.project.folder.write("weather.kez", "// ver: 0\r\n");
+    f.updater.lost = "Range: 5 - gone\r\nColour: 7 - gone\r\n";
+    f.update.FillUpdateList(false);
+    f.prompt.answers = {PromptAnswer::Yes};
+    f.update.UpdateAll();
+    EXPECT_EQ(f.update.unplaced(), "weather.kez\r\n" + f.updater.lost + "\r\nold.kez\r\n" + f.updater.lost);
+    // Of a run that the user declines nothing is told, nor of a script that was not updated.
+    f.prompt.answers = {PromptAnswer::No};
+    f.project.folder.write("old.kez", "// ver: 0\r\n");
+    f.update.FillUpdateList(false);
+    f.update.UpdateAll();
+    EXPECT_EQ(f.update.unplaced(), "");
+    EXPECT_TRUE(f.update.updated().empty());
+    f.updater.failure = "no way";
+    f.update.UpdateSelected(0);
+    EXPECT_EQ(f.update.unplaced(), "");
+}
+
 TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
     Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
     f.project.folder.write("weather.kez", "// ver: 0\r\n");
