@@ -6,6 +6,7 @@
 #   #: status N      the exit status that the process must end with (0 when not said)
 #   #: says TEXT     a text that the process must write on its output; may be repeated
 #   #: options TEXT  further options of zunhost
+#   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
 # Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
 # Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
 set -uo pipefail
@@ -36,6 +37,22 @@ lay_out() { # folder
     cp -r "$root/samples/templates-newer" "$1/suite/templates-newer"
     [ -e "$1/suite/templates/template_6.xml" ] || printf '<TavrixTemplate name="samples"/>\r\n' >"$1/suite/templates/template_6.xml"
     chmod -R u+w "$1"
+}
+
+# A catalogue of that many scripts.
+large_catalogue() { # scripts
+    awk -v scripts="$1" 'BEGIN {
+        print "<TavrixTemplate name=\"large\" type=\"full\" version=\"1\" date=\"260101\">"
+        for (i = 0; i < scripts; i++) {
+            printf "<Script id=\"ID%d\" directory=\"code\" filename=\"script_%d.kez\" name=\"Script %d\"", i, i, i
+            printf " type=\"USER\" vers=\"3\" date=\"260101\">\n<class>Class %d</class>\n", i % 40
+            printf "<desc>What script %d does.</desc>\n", i
+            for (n = 1; n <= 3; n++) printf "<need>script_%d.kez</need>\n", (i + n) % scripts
+            printf "<section name=\"Use\"><action name=\"act_%d\" filename=\"script_%d.kez\">", i, i
+            print "Opens and closes.</action></section>\n</Script>"
+        }
+        print "</TavrixTemplate>"
+    }'
 }
 
 # Runs one script; its output is in output.txt.
@@ -81,6 +98,8 @@ for script in "${scripts[@]}"; do
     start=$(date +%s%N)
     wrong=
     if lay_out "$folder"; then
+        large=$(directives "$script" catalogue)
+        [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
         drive "$script" "$folder"
         status=$?
         wanted=$(directives "$script" status)
