@@ -1,6 +1,7 @@
 #include "customize/win/CustomizeDialog.h"
 
 #include <algorithm>
+#include <mutex>
 
 #include "customize/win/CustomizeControls.h"
 #include "util/OsFiles.h"
@@ -9,7 +10,8 @@
 namespace zoka {
 namespace {
 
-// Where the panel was last in this run of the editor. One panel is open at a time.
+// Where the panel was last in this run of the editor. It may be open on two threads, in the Project Manager too.
+std::mutex g_lastLock;
 RECT g_lastPlace{};
 bool g_lastMaximized = false;
 
@@ -42,6 +44,30 @@ HWND CustomizeDialog::create(HINSTANCE instance, int number) {
                               reinterpret_cast<LPARAM>(this));
 }
 
+void CustomizeDialog::runModal(HINSTANCE instance, int number, HWND owner) {
+    const HWND window = CreateDialogParamA(instance, MAKEINTRESOURCEA(number), owner, dialogProc,
+                                           reinterpret_cast<LPARAM>(this));
+    if (!window) return;
+    const bool enabled = owner && !EnableWindow(owner, FALSE);
+    ShowWindow(window, SW_SHOWNORMAL);
+    load();
+    MSG message;
+    while (m_window) {
+        const BOOL got = GetMessageA(&message, nullptr, 0, 0);
+        if (got <= 0) {
+            if (got == 0) PostQuitMessage(static_cast<int>(message.wParam));
+            if (m_window) DestroyWindow(m_window);
+            break;
+        }
+        if (!m_window || !IsDialogMessageA(m_window, &message)) {
+            TranslateMessage(&message);
+            DispatchMessageA(&message);
+        }
+    }
+    if (enabled) EnableWindow(owner, TRUE);
+    if (owner) SetActiveWindow(owner);
+}
+
 void CustomizeDialog::initialise(HWND window) {
     m_window = window;
     m_fonts = std::make_unique<WindowFonts>();
@@ -50,10 +76,17 @@ void CustomizeDialog::initialise(HWND window) {
     setIcons(window, m_setup.module, m_setup.icon);
     makeControls();
     showState();
-    if (onScreen(g_lastPlace)) {
-        SetWindowPos(window, nullptr, g_lastPlace.left, g_lastPlace.top, g_lastPlace.right - g_lastPlace.left,
-                     g_lastPlace.bottom - g_lastPlace.top, SWP_NOZORDER | SWP_NOACTIVATE);
-        if (g_lastMaximized) ShowWindow(window, SW_MAXIMIZE);
+    RECT last;
+    bool maximized = false;
+    {
+        const std::lock_guard lock(g_lastLock);
+        last = g_lastPlace;
+        maximized = g_lastMaximized;
+    }
+    if (onScreen(last)) {
+        SetWindowPos(window, nullptr, last.left, last.top, last.right - last.left, last.bottom - last.top,
+                     SWP_NOZORDER | SWP_NOACTIVATE);
+        if (maximized) ShowWindow(window, SW_MAXIMIZE);
     } else {
         const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(300));
         centreOver(window, nullptr, size.cx, size.cy);
@@ -146,7 +179,10 @@ void CustomizeDialog::closeWindow() {
     const bool kept = m_panel.commit();
     const bool mayClose = kept && m_session.close();
     m_busy = false;
-    if (mayClose && m_window) DestroyWindow(m_window);
+    if (!mayClose || !m_window) return;
+    // Enabled before this window goes, or the system would bring another program's window to the front.
+    if (const HWND owner = GetWindow(m_window, GW_OWNER)) EnableWindow(owner, TRUE);
+    DestroyWindow(m_window);
 }
 
 INT_PTR CALLBACK CustomizeDialog::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -185,6 +221,7 @@ INT_PTR CustomizeDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
             WINDOWPLACEMENT where{};
             where.length = sizeof where;
             if (GetWindowPlacement(m_window, &where)) {
+                const std::lock_guard lock(g_lastLock);
                 g_lastPlace = where.rcNormalPosition;
                 g_lastMaximized = where.showCmd == SW_SHOWMAXIMIZED;
             }

@@ -34,6 +34,8 @@ public:
     // Makes the modeless window from the dialog resource `number`, not shown yet; null on failure. On WM_CLOSE
     // it asks about changes and destroys itself.
     HWND create(HINSTANCE instance, int number);
+    // Makes the window over `owner`, which takes no input meanwhile, and returns when it is gone.
+    void runModal(HINSTANCE instance, int number, HWND owner);
     // Reads the script; once the window is on the screen.
     void load();
 

@@ -72,7 +72,10 @@ void PluginWindows::runProjectManager(ZunEditorInterface& editor, const std::str
 void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::string&, const std::string&,
                                      const std::string& catalogue) {
     ValueKeepingUpdater updater;
-    runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, {}});
+    const auto customize = [&editor](HWND owner, const std::string& script) {
+        CustomizeDialog({editor, script, {}, g_module, IDI_ZOKA}).runModal(g_module, IDD_PANEL, owner);
+    };
+    runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, customize});
 }
 
 std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface& editor) {
