@@ -16,6 +16,10 @@ rm -rf "$demo"
 mkdir -p "$demo/suite" "$demo/steps"
 cp -r samples/project "$demo/harbour"
 cp -r samples/templates "$demo/suite/templates"
+# A second project, with a script that has every kind of value to customize.
+cp -r samples/project "$demo/bay"
+cp samples/templates/weather*.* "$demo/bay/"
+sed -i 's/^include <lantern.kez>;\r$/&\ninclude <weather.kez>;\r/' "$demo/bay/main.kez"
 # The next release of the template set, with its catalogue.
 cp -r samples/templates "$demo/newer"
 cp samples/templates-newer/*.kez "$demo/newer/"
@@ -28,6 +32,7 @@ show() {
     tools/run/wine.sh "$build/wine" "$build/tools/cli/zoka.exe" catalogue build 'P:\newer' --name "Harbour Lights" \
         --vers 6.3 --enginereq "6.2 PRO"
     drive demo calls
+    drive customize calls-customize
     drive scripts calls-scripts
 }
 drive() { # script, log
@@ -62,6 +67,12 @@ for step in "$demo"/steps/[0-9]*.kez; do
 done
 echo "  the updated fog.kez"
 diff -u --label before --label after "$demo/steps/fog.kez before its update" "$demo/harbour/fog.kez" | tr -d '\r' |
+    iconv -f WINDOWS-1252 -t UTF-8 | sed 's/^/    /' || true
+echo "  weather.kez, customized and saved"
+diff -u --label before --label after samples/templates/weather.kez "$demo/steps/weather.kez saved" | tr -d '\r' |
+    iconv -f WINDOWS-1252 -t UTF-8 | sed 's/^/    /' || true
+echo "  weather.kez, updated with these values kept, and saved"
+diff -u --label before --label after "$demo/steps/weather.kez saved" "$demo/bay/weather.kez" | tr -d '\r' |
     iconv -f WINDOWS-1252 -t UTF-8 | sed 's/^/    /' || true
 echo "pictures:"
 for picture in "$demo"/*.png; do echo "    build/demo/$(basename "$picture")"; done
