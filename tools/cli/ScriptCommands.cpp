@@ -244,8 +244,10 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
         if (options.json) printJson({{"updates", list}});
         return session.updates().empty() ? ExitStatus::Done : ExitStatus::Findings;
     }
+    std::string unplaced;
     if (options.names.empty()) {
         session.updateAll();
+        unplaced = session.updateRun().unplaced();
     } else {
         for (const std::string& name : options.names) {
             const std::optional<std::string> file = manager.fileOf(name);
@@ -253,13 +255,18 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
             for (size_t i = 0; i < session.updates().size(); ++i)
                 if (equalNoCase(session.updates()[i].fileName, *file)) {
                     session.updateSelected(static_cast<int>(i));
+                    unplaced += session.updateRun().unplaced();
                     break;
                 }
             if (!session.updateRun().problems().empty()) break;
         }
     }
     if (!session.status().empty()) print(session.status() + "\n");
-    return session.updateRun().problems().empty() ? ExitStatus::Done : ExitStatus::Failed;
+    if (!session.updateRun().problems().empty()) return ExitStatus::Failed;
+    if (unplaced.empty()) return ExitStatus::Done;
+    std::erase(unplaced, '\r');
+    complain("no place for these values, which are kept beside each script (.zoka.old):\n" + unplaced);
+    return ExitStatus::Findings;
 }
 
 ExitStatus restore(Manager& manager, const ScriptOptions& options) {
