@@ -111,13 +111,17 @@ int EntryPanel::labelWidth(int width) const {
     return std::clamp(m_widestLabel + m_fonts->x(6), width / 4, std::max(width * 9 / 20, width / 4));
 }
 
-void EntryPanel::rowsReplaced() {
+void EntryPanel::rowsReplaced(bool samePlaces) {
+    const bool hadFocus = focused() != nullptr;
+    if (!samePlaces) {
+        m_lastFocused.reset();
+        m_top = 0;
+    }
     // A window that goes away with the keyboard has nothing to say about its row any more.
     m_live.clear();
     m_pictures.clear();
     hideRefusal();
     m_refused.reset();
-    m_top = 0;
     m_widestLabel = 0;
     if (!m_window) return;
     const HDC dc = GetDC(m_window);
@@ -132,7 +136,8 @@ void EntryPanel::rowsReplaced() {
     SelectObject(dc, old);
     ReleaseDC(m_window, dc);
     layout();
-    InvalidateRect(m_window, nullptr, TRUE);
+    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    if (hadFocus) focusLast();
 }
 
 void EntryPanel::showValues() {
@@ -244,6 +249,7 @@ EntryWindow* EntryPanel::focused() {
 
 void EntryPanel::fieldFocused(size_t row) {
     m_refused.reset();
+    m_lastFocused = row;
     PostMessageA(m_window, kFocused, row, 0);
 }
 
@@ -274,6 +280,12 @@ void EntryPanel::focusRow(size_t row) {
     if (live != m_live.end() && live->second->field())
         SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL,
                      reinterpret_cast<WPARAM>(live->second->field()), TRUE);
+}
+
+void EntryPanel::focusLast() {
+    if (m_lastFocused && m_layout.rowOfItem(*m_lastFocused) < m_layout.rows().size())
+        return focusRow(*m_lastFocused);
+    focusFirst();
 }
 
 void EntryPanel::focusFirst() {

@@ -32,8 +32,9 @@ public:
     // A child of `parent`, without a size yet; null on failure. `fonts` outlive it.
     HWND create(HWND parent, int id, const WindowFonts& fonts);
 
-    // All rows are others than before.
-    void rowsReplaced();
+    // All rows are others than before. With `samePlaces` they stand where the old ones stood, so the view and
+    // the keyboard stay.
+    void rowsReplaced(bool samePlaces);
     // Values have changed, of whichever rows.
     void showValues();
     // Which rows are shown has changed.
@@ -47,6 +48,8 @@ public:
     // Scrolls the row into view and gives it the keyboard; the first one with a field.
     void focusRow(size_t row);
     void focusFirst();
+    // The row that had the keyboard last, or the first one.
+    void focusLast();
 
     // --- For the rows' windows.
     HWND window() const { return m_window; }
@@ -102,7 +105,7 @@ private:
     int m_widestLabel = 0;  // of the rows measured
     std::string m_tip;      // what the tooltip shows
     std::string m_refusal;  // and what stands below a field
-    std::optional<size_t> m_refused;
+    std::optional<size_t> m_refused, m_lastFocused;
     HWND m_menuField = nullptr;
     bool m_laidOutSoon = false, m_placing = false;
 };

@@ -66,7 +66,10 @@ void CustomizeDialog::command(int id, int code) {
 
 void CustomizeDialog::save() {
     const bool hadUnplaced = !m_session.unplaced().empty();
+    // The button can't keep the keyboard once there is nothing to save, and its neighbour must not get it.
+    const bool byButton = GetFocus() == GetDlgItem(m_window, kSave);
     m_session.save();
+    if (m_window && byButton && !IsWindowEnabled(GetDlgItem(m_window, kSave))) m_panel.focusLast();
     if (!hadUnplaced) showUnplaced();
     if (m_window && !m_session.unplaced().empty()) showState();
 }
@@ -134,10 +137,8 @@ void CustomizeDialog::showUnplaced() {
     if (!m_window || m_session.unplaced().empty()) return;
     std::string text;
     for (const char c : unplacedText(m_session.unplaced())) text += c == '\n' ? "\r\n" : std::string(1, c);
-    showTextList(
-        m_window, "Values without a place",
-        "The script has no place for these values; the file beside it that ends in .zoka.old keeps them.",
-        text);
+    showTextList(m_window, "Values without a place",
+                 "Kept in the file beside the script that ends in .zoka.old:", text);
 }
 
 bool CustomizeDialog::shortcut(WPARAM key) {

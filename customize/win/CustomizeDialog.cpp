@@ -116,9 +116,13 @@ void CustomizeDialog::raiseOnce() {
 }
 
 void CustomizeDialog::rowsReplaced() {
-    m_panel.rowsReplaced();
+    const std::string& path = m_session.script().scriptPath;
+    const bool samePlaces = path == m_shownPath && m_session.size() == m_shownRows;
+    m_shownPath = path;
+    m_shownRows = m_session.size();
+    m_panel.rowsReplaced(samePlaces);
     if (!m_window) return;
-    setText(m_help, "No Help");
+    if (!samePlaces) setText(m_help, "No Help");
     fillScriptChoices();
     showState();
 }

@@ -91,6 +91,8 @@ private:
     std::unique_ptr<WindowFonts> m_fonts;
     HWND m_window = nullptr;
     HWND m_help = nullptr;
+    std::string m_shownPath;  // of the rows in the panel, and how many they are
+    size_t m_shownRows = 0;
     std::vector<std::string> m_choices;  // what the script list shows, by item
     bool m_loaded = false, m_busy = false, m_filling = false;
 };

@@ -30,6 +30,12 @@ private:
     void initialise(HWND window) {
         m_window = window;
         SetWindowTextA(window, m_title.c_str());
+        // Without an icon of its own the system looks for another when it draws the caption, and needs the
+        // loader's lock for it.
+        const HWND owner = GetWindow(window, GW_OWNER);
+        for (const int size : {ICON_SMALL, ICON_BIG})
+            SendMessageA(window, WM_SETICON, static_cast<WPARAM>(size),
+                         SendMessageA(owner, WM_GETICON, static_cast<WPARAM>(size), 0));
         makeControl(window, "STATIC", m_intro.c_str(), SS_NOPREFIX, 0, kIntro, m_fonts.text());
         const HWND list = makeReadOnlyText(window, kText, m_fonts.fixed());
         SetWindowTextA(list, m_text.c_str());
