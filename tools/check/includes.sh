@@ -29,7 +29,7 @@ BEGIN {
     may("templates", "customize xml util")
     may("plugin", product)
     may("tools", product)
-    may("bench", product " tests")
+    may("bench", product " tests tools")
     may("fuzz", product " tests")
     may("tests", product " tools")
     # The pure interface of the host is all that these may see of the plug-in.

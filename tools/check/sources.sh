@@ -24,11 +24,11 @@ in_windows=
 is_in() { grep -qxF -- "$2" <<<"$1"; }
 
 while IFS= read -r source; do
-    folder=${source%/*}
     case $source in
     bench/* | fuzz/*)
-        grep -qF -- "${source##*/}" "$folder/CMakeLists.txt" || grep -qF -- "$(basename "$source" .cpp)" "$folder/CMakeLists.txt" ||
-            finding "$source: not named in $folder/CMakeLists.txt"
+        list=${source%%/*}/CMakeLists.txt
+        name=$(basename "$source" .cpp)
+        grep -qwF -- "$name" "$list" || finding "$source: not named in $list"
         continue
         ;;
     */win/* | tools/editor/* | tests/window/*) for_linux=no for_windows=yes ;;
