@@ -26,9 +26,8 @@ is_in() { grep -qxF -- "$2" <<<"$1"; }
 while IFS= read -r source; do
     case $source in
     bench/* | fuzz/*)
-        list=${source%%/*}/CMakeLists.txt
-        name=$(basename "$source" .cpp)
-        grep -qwF -- "$name" "$list" || finding "$source: not named in $list"
+        list=${source%/*}/CMakeLists.txt # of its own folder
+        grep -qwFs -- "$(basename "$source" .cpp)" "$list" || finding "$source: not named in $list"
         continue
         ;;
     */win/* | tools/editor/* | tests/window/*) for_linux=no for_windows=yes ;;
