@@ -7,7 +7,7 @@
 #include "util/Export.h"
 
 // What a script, an action or the catalogue asks of the engine. Either part may be empty.
-struct CEngineReq {
+struct ZOKA_API CEngineReq {
     std::string vers;
     std::string edition;  // "STD", "EXTRA", "COMM" or "PRO"
 

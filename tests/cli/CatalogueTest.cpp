@@ -165,9 +165,13 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
                 StartsWith("The fog--Is missing the following Needs: \nweather.kez\n"
                            "The fog--[Local ver: 1 date: -1 --> Template ver: 2 date: 260101]\n--- "));
     EXPECT_THAT(dry.out, HasSubstr("\n-// ver: 1\n"));
-    EXPECT_EQ(json::parse(suite.run("scripts update" + kOptions + "--json").out)["updates"].size(), 2U);
+    EXPECT_EQ(json::parse(suite.run("scripts update" + kOptions + "--dry-run --json").out)["updates"].size(), 2U);
+    EXPECT_EQ(suite.run("scripts update" + kOptions + "--dry-run mine.kez").out, "");
+    EXPECT_THAT(suite.read("game/fog.kez"), HasSubstr("// ver: 1\r\n"));
 
-    EXPECT_EQ(suite.run("--yes scripts update" + kOptions).status, 0);
+    const ToolRun done = suite.run("--yes scripts update" + kOptions + "--json");
+    EXPECT_EQ(done.status, 0);
+    EXPECT_EQ(json::parse(done.out)["updates"].size(), 2U);
     EXPECT_THAT(suite.read("game/fog.kez"), HasSubstr("// ver: 2\r\n"));
     EXPECT_THAT(suite.read("game/main.kez"), HasSubstr("include <weather.kez>;\r\n"));
     EXPECT_EQ(suite.run("scripts update" + kOptions + "--dry-run").status, 0);

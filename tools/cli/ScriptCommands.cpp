@@ -1,5 +1,6 @@
 // zoka scripts: a project's scripts, managed as the Project Manager window does it.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -223,26 +224,41 @@ std::string withoutLineEnd(std::string line) {
     return line;
 }
 
+// What `zoka scripts update` is about to do: the list's entries, of the files named or of all.
+void reportUpdates(Manager& manager, const ScriptOptions& options, const std::vector<UpdateEntry>& entries) {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (const UpdateEntry& entry : entries) {
+        list.push_back({{"filename", jsonText(entry.fileName)},
+                        {"line", jsonText(withoutLineEnd(entry.line))},
+                        {"missingNeeds", jsonTexts(entry.missingNeeds)}});
+        if (options.json) continue;
+        print(withoutLineEnd(entry.line) + "\n");
+        if (entry.missingNeeds.empty())
+            print(unifiedDifference(
+                osFiles().readWhole(manager.folders().projectPath(entry.fileName)).value_or(""),
+                osFiles().readWhole(manager.folders().templatePath(entry.fileName)).value_or(""),
+                manager.folders().projectPath(entry.fileName),
+                manager.folders().templatePath(entry.fileName)));
+    }
+    if (options.json) printJson({{"updates", list}});
+}
+
 ExitStatus update(Manager& manager, const ScriptOptions& options) {
     ScriptManagerSession& session = manager.session();
     if (options.json || options.dryRun) {
-        nlohmann::ordered_json list = nlohmann::ordered_json::array();
-        for (size_t i = 0; i < session.updates().size(); ++i) {
-            const UpdateEntry& entry = session.updates()[i];
-            list.push_back({{"filename", jsonText(entry.fileName)},
-                            {"line", jsonText(withoutLineEnd(entry.line))},
-                            {"missingNeeds", jsonTexts(entry.missingNeeds)}});
-            if (options.json) continue;
-            print(withoutLineEnd(entry.line) + "\n");
-            if (entry.missingNeeds.empty())
-                print(unifiedDifference(
-                    osFiles().readWhole(manager.folders().projectPath(entry.fileName)).value_or(""),
-                    osFiles().readWhole(manager.folders().templatePath(entry.fileName)).value_or(""),
-                    manager.folders().projectPath(entry.fileName),
-                    manager.folders().templatePath(entry.fileName)));
+        std::vector<std::string> files;
+        for (const std::string& name : options.names) {
+            const std::optional<std::string> file = manager.fileOf(name);
+            if (!file) return ExitStatus::Usage;
+            files.push_back(*file);
         }
-        if (options.json) printJson({{"updates", list}});
-        return session.updates().empty() ? ExitStatus::Done : ExitStatus::Findings;
+        std::vector<UpdateEntry> entries;
+        for (const UpdateEntry& entry : session.updates()) {
+            const auto named = [&](const std::string& file) { return equalNoCase(file, entry.fileName); };
+            if (files.empty() || std::any_of(files.begin(), files.end(), named)) entries.push_back(entry);
+        }
+        reportUpdates(manager, options, entries);
+        if (options.dryRun) return entries.empty() ? ExitStatus::Done : ExitStatus::Findings;
     }
     std::string unplaced;
     if (options.names.empty()) {
@@ -261,7 +277,7 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
             if (!session.updateRun().problems().empty()) break;
         }
     }
-    if (!session.status().empty()) print(session.status() + "\n");
+    if (!session.status().empty() && !options.json) print(session.status() + "\n");
     if (!session.updateRun().problems().empty()) return ExitStatus::Failed;
     if (unplaced.empty()) return ExitStatus::Done;
     std::erase(unplaced, '\r');
