@@ -69,8 +69,10 @@ public:
     }
     bool bringToFront() override {
         const std::lock_guard lock(m_mutex);
-        m_log.add((m_closing ? "closing " : "front ") + m_name);
-        return !m_closing;
+        // A closing panel is not noted: whether it is asked before or after it has closed is a matter of luck.
+        if (m_closing) return false;
+        m_log.add("front " + m_name);
+        return true;
     }
     void waitUntilGone() override {
         if (m_thread.joinable()) {

@@ -162,9 +162,9 @@ TEST_F(Procedures, PanelClosedByTheUserCanBeOpenedAgain) {
         terminate(index);
     }
     EXPECT_THAT(seams.log.take(),
-                ElementsAre("start customize 1001", "closing customize 1001", "closed customize 1001",
-                            "free customize", "start customize 1001", "closed customize 1001",  //
-                            "start plain  1001", "closing plain  1001", "closed plain  1001", "free plain ",
+                ElementsAre("start customize 1001", "closed customize 1001", "free customize",
+                            "start customize 1001", "closed customize 1001",  //
+                            "start plain  1001", "closed plain  1001", "free plain ",
                             "start plain  1001", "closed plain  1001", "free plain "));
 }
 
