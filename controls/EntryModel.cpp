@@ -13,12 +13,12 @@ constexpr int kSliderPositions = 1'000'000;  // at most; a slider's window count
 
 // A step that suits a number for which none was given: whole numbers by 1; others by the last digit of the
 // value loaded, or by about a hundredth of their range.
-double fallbackStep(const EntrySpec& spec) {
-    if (!spec.decimal) return 1;
-    const int decimals = std::min(decimalsOf(spec.value), 6);
+double fallbackStep(const EntryFacts& facts) {
+    if (!facts.decimal) return 1;
+    const int decimals = std::min(decimalsOf(facts.value), 6);
     const double byValue = std::pow(10.0, -std::max(decimals, 1));
-    const double range = spec.maximum - spec.minimum;
-    if (!spec.limited || !(range > 0) || range > 100000) return byValue;
+    const double range = facts.maximum - facts.minimum;
+    if (!facts.limited || !(range > 0) || range > 100000) return byValue;
     return std::min(byValue, std::pow(10.0, std::floor(std::log10(range / 100))));
 }
 
@@ -29,22 +29,22 @@ double nearest(double value) {
 
 }  // namespace
 
-EntryModel::EntryModel(EntrySpec spec) : m_spec(std::move(spec)), m_value(m_spec.value) {
-    if (isNumber(m_spec.field)) {
-        m_step = m_spec.step > 0 ? m_spec.step : fallbackStep(m_spec);
-        if (!m_spec.decimal) m_step = std::max(1.0, nearest(m_step));
+EntryModel::EntryModel(EntryFacts facts) : m_facts(std::move(facts)), m_value(m_facts.value) {
+    if (isNumber(m_facts.field)) {
+        m_step = m_facts.step > 0 ? m_facts.step : fallbackStep(m_facts);
+        if (!m_facts.decimal) m_step = std::max(1.0, nearest(m_step));
     }
 }
 
 bool EntryModel::SetValueFromText(const std::string& text) {
     std::string value = text.ends_with('\r') ? text.substr(0, text.size() - 1) : text;
-    if (value != m_spec.value && !fieldRefusal(m_spec, value).empty()) return false;
+    if (value != m_facts.value && !fieldRefusal(m_facts, value).empty()) return false;
     m_value = std::move(value);
     return true;
 }
 
 int EntryModel::GetHeight() const {
-    switch (m_spec.field) {
+    switch (m_facts.field) {
         case EntryField::Caption:
             return 28;
         case EntryField::Heading:
@@ -54,7 +54,7 @@ int EntryModel::GetHeight() const {
         case EntryField::Text:
             return 20;
         case EntryField::StringField:
-            return m_spec.lines > 1 ? 30 + 16 * (std::min(m_spec.lines, 12) - 1) : 30;
+            return m_facts.lines > 1 ? 30 + 16 * (std::min(m_facts.lines, 12) - 1) : 30;
         case EntryField::Slider:
             return 34;
         case EntryField::Switch:
@@ -68,17 +68,17 @@ int EntryModel::GetHeight() const {
 }
 
 std::string EntryModel::asWritten(const std::string& typed) const {
-    if (!isNumber(m_spec.field)) return typed;
+    if (!isNumber(m_facts.field)) return typed;
     const auto value = numberOf(typed);
-    if (!value || !fieldRefusal(m_spec, typed).empty()) return typed;
-    if (const auto loaded = numberOf(m_spec.value); loaded && *loaded == *value) return m_spec.value;
+    if (!value || !fieldRefusal(m_facts, typed).empty()) return typed;
+    if (const auto loaded = numberOf(m_facts.value); loaded && *loaded == *value) return m_facts.value;
     const bool digitsOnly = typed.find_first_not_of("0123456789") == typed.npos;
-    return m_spec.keepPoint && digitsOnly ? typed + ".0" : typed;
+    return m_facts.keepPoint && digitsOnly ? typed + ".0" : typed;
 }
 
 bool EntryModel::edit(const std::string& typed, std::string* why) {
     std::string value = asWritten(typed);
-    std::string refusal = entryRefusal(m_spec, value);
+    std::string refusal = entryRefusal(m_facts, value);
     if (refusal.empty()) {
         m_value = std::move(value);
         return true;
@@ -92,10 +92,10 @@ double EntryModel::number() const {
 }
 
 std::string EntryModel::numberAsText(double value) const {
-    if (m_spec.limited && m_spec.minimum <= m_spec.maximum)
-        value = std::clamp(value, m_spec.minimum, m_spec.maximum);
+    if (m_facts.limited && m_facts.minimum <= m_facts.maximum)
+        value = std::clamp(value, m_facts.minimum, m_facts.maximum);
     const int decimals =
-        m_spec.decimal ? std::max({decimalsOf(m_step), decimalsOf(m_value), decimalsOf(m_spec.minimum)}) : 0;
+        m_facts.decimal ? std::max({decimalsOf(m_step), decimalsOf(m_value), decimalsOf(m_facts.minimum)}) : 0;
     return asWritten(numberText(value, decimals));
 }
 
@@ -104,25 +104,25 @@ std::string EntryModel::stepped(int steps) const {
 }
 
 int EntryModel::sliderRange() const {
-    const double range = (m_spec.maximum - m_spec.minimum) / m_step;
-    return m_spec.limited && range > 0
+    const double range = (m_facts.maximum - m_facts.minimum) / m_step;
+    return m_facts.limited && range > 0
                ? static_cast<int>(std::min<double>(std::ceil(range - 1e-6), kSliderPositions))
                : 0;
 }
 
 int EntryModel::sliderPosition() const {
-    const double range = m_spec.maximum - m_spec.minimum;
+    const double range = m_facts.maximum - m_facts.minimum;
     if (sliderRange() == 0) return 0;
     // Positions are steps, unless there are more of them than a slider has.
     const double unit = range / m_step > kSliderPositions ? range / kSliderPositions : m_step;
     return static_cast<int>(
-        std::clamp(nearest((number() - m_spec.minimum) / unit), 0.0, double(sliderRange())));
+        std::clamp(nearest((number() - m_facts.minimum) / unit), 0.0, double(sliderRange())));
 }
 
 std::string EntryModel::textAt(int position) const {
-    const double range = m_spec.maximum - m_spec.minimum;
+    const double range = m_facts.maximum - m_facts.minimum;
     const double unit = range / m_step > kSliderPositions ? range / kSliderPositions : m_step;
-    return numberAsText(m_spec.minimum + std::clamp(position, 0, sliderRange()) * unit);
+    return numberAsText(m_facts.minimum + std::clamp(position, 0, sliderRange()) * unit);
 }
 
 }  // namespace zoka

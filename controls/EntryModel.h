@@ -5,24 +5,24 @@
 #include <string>
 
 #include "controls/EntryControl.h"
-#include "controls/EntrySpec.h"
+#include "controls/EntryFacts.h"
 
 namespace zoka {
 
 // A row without a window: windows exist for the rows in sight alone and show what this holds. [panel thread]
 class EntryModel final : public EntryControl {
 public:
-    explicit EntryModel(EntrySpec spec);
+    explicit EntryModel(EntryFacts facts);
 
     // Values outside the limits are taken: an entity or a script may hold them.
     bool SetValueFromText(const std::string& text) override;
     std::string GetValueText() const override { return m_value; }
-    bool HasChanged() const override { return m_value != m_spec.value; }
+    bool HasChanged() const override { return m_value != m_facts.value; }
     int GetHeight() const override;
 
-    const EntrySpec& spec() const { return m_spec; }
+    const EntryFacts& facts() const { return m_facts; }
     const std::string& value() const { return m_value; }
-    const std::string& loadedValue() const { return m_spec.value; }
+    const std::string& loadedValue() const { return m_facts.value; }
 
     // What a user typed or chose, in the form in which it will be written: the loaded text where the number
     // is the same, and ".0" where the number must keep its point. `typed` itself where it is no number.
@@ -48,7 +48,7 @@ private:
     double number() const;
     std::string numberAsText(double value) const;
 
-    EntrySpec m_spec;
+    EntryFacts m_facts;
     std::string m_value;
     double m_step = 1;
 };

@@ -35,14 +35,14 @@ std::string refusalOfBracketed(std::string_view text) {
     return {};
 }
 
-std::string refusalOfNumber(const EntrySpec& spec, std::string_view text) {
+std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
     if (text.empty()) return std::string(kEmptyBare);
-    const std::string range = allowedRange(spec).empty() ? "" : " (" + allowedRange(spec) + ")";
+    const std::string range = allowedRange(facts).empty() ? "" : " (" + allowedRange(facts) + ")";
     if (!numberOf(text) || text.find_first_of("0123456789") == text.npos)
-        return (spec.decimal ? "Only a number fits here: digits, one point, a sign in front"
+        return (facts.decimal ? "Only a number fits here: digits, one point, a sign in front"
                              : "Only a whole number fits here") +
                range + ".";
-    if (!spec.decimal && (text.find('.') != text.npos || text.front() == '+'))
+    if (!facts.decimal && (text.find('.') != text.npos || text.front() == '+'))
         return "Only a whole number fits here" + range + ".";
     return {};
 }
@@ -66,11 +66,11 @@ std::optional<double> numberOf(std::string_view text) {
     return negative ? -value : value;  // a lone sign or point is 0
 }
 
-std::string shapeRefusal(const EntrySpec& spec, std::string_view text) {
+std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {
     if (text.find('\0') != text.npos) return "A character of value 0 can't be written.";
-    const bool severalLines = spec.shape == ValueShape::Quoted && spec.lines > 1;
+    const bool severalLines = facts.shape == ValueShape::Quoted && facts.lines > 1;
     if (!severalLines && text.find_first_of("\r\n") != text.npos) return "A line end is not allowed here.";
-    switch (spec.shape) {
+    switch (facts.shape) {
         case ValueShape::Bare:
             return refusalOfBare(text);
         case ValueShape::Bracketed:
@@ -86,37 +86,37 @@ std::string shapeRefusal(const EntrySpec& spec, std::string_view text) {
     return {};
 }
 
-std::string fieldRefusal(const EntrySpec& spec, std::string_view text) {
-    if (!hasValue(spec.field)) return "Nothing can be entered here.";
-    if (std::string why = shapeRefusal(spec, text); !why.empty()) return why;
-    if (spec.field == EntryField::Switch && text != "0" && text != "1")
+std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
+    if (!hasValue(facts.field)) return "Nothing can be entered here.";
+    if (std::string why = shapeRefusal(facts, text); !why.empty()) return why;
+    if (facts.field == EntryField::Switch && text != "0" && text != "1")
         return "A switch is either 1 (on) or 0 (off).";
-    if (isNumber(spec.field)) return refusalOfNumber(spec, text);
+    if (isNumber(facts.field)) return refusalOfNumber(facts, text);
     return {};
 }
 
-std::string entryRefusal(const EntrySpec& spec, std::string_view text) {
-    if (hasValue(spec.field) && text == spec.value) return {};
-    if (std::string why = fieldRefusal(spec, text); !why.empty()) return why;
-    if (isNumber(spec.field) && spec.limited) {
+std::string entryRefusal(const EntryFacts& facts, std::string_view text) {
+    if (hasValue(facts.field) && text == facts.value) return {};
+    if (std::string why = fieldRefusal(facts, text); !why.empty()) return why;
+    if (isNumber(facts.field) && facts.limited) {
         const double value = *numberOf(text);
-        if (value < spec.minimum || value > spec.maximum)
-            return std::string(text) + " is too " + (value < spec.minimum ? "small" : "large") + " (" +
-                   allowedRange(spec) + ").";
+        if (value < facts.minimum || value > facts.maximum)
+            return std::string(text) + " is too " + (value < facts.minimum ? "small" : "large") + " (" +
+                   allowedRange(facts) + ").";
     }
-    if (spec.maxChars > 0 && text.size() > static_cast<size_t>(spec.maxChars))
-        return "At most " + std::to_string(spec.maxChars) + " characters fit here; these are " +
+    if (facts.maxChars > 0 && text.size() > static_cast<size_t>(facts.maxChars))
+        return "At most " + std::to_string(facts.maxChars) + " characters fit here; these are " +
                std::to_string(text.size()) + ".";
     return {};
 }
 
-std::string allowedRange(const EntrySpec& spec) {
-    if (!isNumber(spec.field) || !spec.limited) return {};
-    const bool low = spec.minimum > -kNoLimit, high = spec.maximum < kNoLimit;
+std::string allowedRange(const EntryFacts& facts) {
+    if (!isNumber(facts.field) || !facts.limited) return {};
+    const bool low = facts.minimum > -kNoLimit, high = facts.maximum < kNoLimit;
     const auto text = [](double value) { return numberText(value, decimalsOf(value)); };
-    if (low && high) return "allowed: " + text(spec.minimum) + " to " + text(spec.maximum);
-    if (low) return "allowed: " + text(spec.minimum) + " or more";
-    if (high) return "allowed: " + text(spec.maximum) + " or less";
+    if (low && high) return "allowed: " + text(facts.minimum) + " to " + text(facts.maximum);
+    if (low) return "allowed: " + text(facts.minimum) + " or more";
+    if (high) return "allowed: " + text(facts.maximum) + " or less";
     return {};
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "controls/EntrySpec.h"
+#include "controls/EntryFacts.h"
 
 namespace zoka {
 
@@ -13,14 +13,14 @@ namespace zoka {
 std::optional<double> numberOf(std::string_view text);
 
 // Why writing `text` would break the script's definition, in words for the user; empty when it would not.
-std::string shapeRefusal(const EntrySpec& spec, std::string_view text);
+std::string shapeRefusal(const EntryFacts& facts, std::string_view text);
 // The same of anything that speaks against `text` but the limits: also what the field can't hold.
-std::string fieldRefusal(const EntrySpec& spec, std::string_view text);
+std::string fieldRefusal(const EntryFacts& facts, std::string_view text);
 // Why a user's entry of `text` is refused; empty when it isn't. What was loaded is always allowed.
-std::string entryRefusal(const EntrySpec& spec, std::string_view text);
+std::string entryRefusal(const EntryFacts& facts, std::string_view text);
 
 // "allowed: 0 to 100", "allowed: 0 or more"; empty without limits.
-std::string allowedRange(const EntrySpec& spec);
+std::string allowedRange(const EntryFacts& facts);
 
 // A number with at most `decimals` digits behind the point, without zeros at its end.
 std::string numberText(double value, int decimals);

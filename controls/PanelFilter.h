@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/EntrySpec.h"
+#include "controls/EntryFacts.h"
 
 namespace zoka {
 

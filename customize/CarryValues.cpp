@@ -72,11 +72,11 @@ std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly) 
     return values;
 }
 
-std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntrySpec& spec) {
-    if (std::string why = entryRefusal(spec, kept.value); !why.empty()) return why;
+std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntryFacts& facts) {
+    if (std::string why = entryRefusal(facts, kept.value); !why.empty()) return why;
     if (kept.kind == entry.kind || kept.value == entry.value) return {};
-    const bool listed = std::find(spec.options.begin(), spec.options.end(), kept.value) != spec.options.end();
-    if (spec.field == EntryField::DropList && !spec.options.empty() && !listed)
+    const bool listed = std::find(facts.options.begin(), facts.options.end(), kept.value) != facts.options.end();
+    if (facts.field == EntryField::DropList && !facts.options.empty() && !listed)
         return "the entry is a list now, and the value is not one of its choices";
     if ((kept.kind == kEnable || entry.kind == kEnable) && !listed)
         return kept.kind == kEnable ? "the entry is no switch any more" : "the entry is a switch now";
@@ -93,7 +93,7 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
             continue;
         }
         EntryModel& model = panel.row(static_cast<size_t>(row));
-        std::string why = carryRefusal(kept, panel.script.entries[static_cast<size_t>(row)], model.spec());
+        std::string why = carryRefusal(kept, panel.script.entries[static_cast<size_t>(row)], model.facts());
         if (why.empty())
             model.SetValueFromText(kept.value);
         else

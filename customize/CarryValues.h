@@ -31,7 +31,7 @@ std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly);
 
 // Why an entry of a new version doesn't take a kept value: its field or its limits refuse it, or it means
 // something else now (a switch that became a list). Empty when it does.
-std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntrySpec& spec);
+std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntryFacts& facts);
 
 // Puts each value into the entry with its id, values of an id that stands there several times in their order;
 // without an id into the entry of the same label. Values that the new entry refuses, its limits included, and

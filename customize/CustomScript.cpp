@@ -112,75 +112,75 @@ void checkCustomEntries(CustomScript& script) {
     script.findings.sortByLine();
 }
 
-EntrySpec specOf(const CustomScript& script, const CustomEntry& entry,
+EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
                  const std::vector<std::string>& hostNames) {
-    EntrySpec spec;
-    spec.label = entry.label;
-    spec.help = entry.help;
-    spec.value = entry.value;
+    EntryFacts facts;
+    facts.label = entry.label;
+    facts.help = entry.help;
+    facts.value = entry.value;
     if (entry.kind > kEnable && entry.valueStart > 0) {
         const char before = script.text[entry.valueStart - 1];
         // The span of a bare value begins behind a blank, "=" or a line end.
-        spec.shape = before == '"'   ? ValueShape::Quoted
+        facts.shape = before == '"'   ? ValueShape::Quoted
                      : before == '<' ? ValueShape::Bracketed
                                      : ValueShape::Bare;
     }
     switch (entry.kind) {
         case kTitle:
-            spec.field = EntryField::Caption;
+            facts.field = EntryField::Caption;
             break;
         case kImage:
-            spec.field = EntryField::Picture;
+            facts.field = EntryField::Picture;
             break;
         case kSection:
-            spec.field = EntryField::Heading;
+            facts.field = EntryField::Heading;
             break;
         case kEnable:
-            spec.field = EntryField::Switch;
-            spec.shape = ValueShape::Switch;
+            facts.field = EntryField::Switch;
+            facts.shape = ValueShape::Switch;
             break;
         case kEntryNumEdit:
         case kEntryNumEditF:
-            spec.limited = isLimited(entry);
-            if (spec.limited) {
-                spec.minimum = entry.minimum;
-                spec.maximum = entry.maximum;
-                spec.step = std::max(0.0, entry.step);
+            facts.limited = isLimited(entry);
+            if (facts.limited) {
+                facts.minimum = entry.minimum;
+                facts.maximum = entry.maximum;
+                facts.step = std::max(0.0, entry.step);
             }
             // A whole number whose limits or step have fractions is one that happens to be whole.
-            spec.decimal = hasFraction(spec.minimum) || hasFraction(spec.maximum) || hasFraction(spec.step);
-            spec.keepPoint = entry.kind == kEntryNumEditF && !spec.decimal;
-            spec.decimal = spec.decimal || entry.kind == kEntryNumEditF;
-            spec.field = entry.controlKind == kSliderControl ? EntryField::Slider
-                         : spec.decimal                      ? EntryField::FloatField
+            facts.decimal = hasFraction(facts.minimum) || hasFraction(facts.maximum) || hasFraction(facts.step);
+            facts.keepPoint = entry.kind == kEntryNumEditF && !facts.decimal;
+            facts.decimal = facts.decimal || entry.kind == kEntryNumEditF;
+            facts.field = entry.controlKind == kSliderControl ? EntryField::Slider
+                         : facts.decimal                      ? EntryField::FloatField
                                                              : EntryField::IntField;
             break;
         case kEntryChooseFile:
-            spec.field = EntryField::FileField;
+            facts.field = EntryField::FileField;
             break;
         case kEntryStrEdit:
-            spec.field = EntryField::StringField;
+            facts.field = EntryField::StringField;
             break;
         case kEntryEntity:
         case kEntryPath:
         case kEntryDrop:
-            spec.field = EntryField::DropList;
-            spec.options = entry.controlKind == kDropPair ? dropPairOf(entry.value) : entry.options;
+            facts.field = EntryField::DropList;
+            facts.options = entry.controlKind == kDropPair ? dropPairOf(entry.value) : entry.options;
             if (entry.kind != kEntryDrop)
-                spec.options.insert(spec.options.end(), hostNames.begin(), hostNames.end());
+                facts.options.insert(facts.options.end(), hostNames.begin(), hostNames.end());
             break;
         case kEntryText:
-            spec.field = EntryField::StringField;
-            spec.lines = entry.textParam1;
-            spec.maxChars = entry.textParam2;
+            facts.field = EntryField::StringField;
+            facts.lines = entry.textParam1;
+            facts.maxChars = entry.textParam2;
             // However many lines are asked for, those that the value has are shown.
-            if (spec.lines < 2 && entry.value.find('\n') != entry.value.npos) spec.lines = 2;
+            if (facts.lines < 2 && entry.value.find('\n') != entry.value.npos) facts.lines = 2;
             break;
         default:
-            spec.field = EntryField::Text;
+            facts.field = EntryField::Text;
             break;
     }
-    return spec;
+    return facts;
 }
 
 std::vector<std::string> dropPairOf(std::string_view value) {

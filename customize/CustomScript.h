@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "controls/EntryControl.h"
-#include "controls/EntrySpec.h"
+#include "controls/EntryFacts.h"
 #include "customize/CustomKeywords.h"
 #include "customize/MarkupFindings.h"
 
@@ -69,7 +69,7 @@ void takeCustomText(std::string fileText, CustomScript& script);
 void checkCustomEntries(CustomScript& script);
 
 // The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
-EntrySpec specOf(const CustomScript& script, const CustomEntry& entry,
+EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
                  const std::vector<std::string>& hostNames = {});
 
 // The two choices of a "drop_pair": of yes/no, on/off, true/false and 1/0 the pair that `value` belongs to,

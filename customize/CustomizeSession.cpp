@@ -175,7 +175,7 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
         if (lost.kept.value.ends_with('\r')) lost.kept.value.pop_back();
         if (entry) {
             const auto& model = static_cast<const EntryModel&>(*entry->control);
-            lost.reason = carryRefusal(lost.kept, *entry, model.spec());
+            lost.reason = carryRefusal(lost.kept, *entry, model.facts());
             if (lost.reason.empty()) entry->control->SetValueFromText(lost.kept.value);
         }
         if (!lost.reason.empty()) m_unplaced.push_back(std::move(lost));
@@ -229,7 +229,7 @@ std::optional<size_t> CustomizeSession::redo() {
 
 size_t CustomizeSession::resetSection(size_t heading, ResetTo to) {
     size_t last = heading + 1;
-    while (last < size() && row(last).spec().field != EntryField::Heading) ++last;
+    while (last < size() && row(last).facts().field != EntryField::Heading) ++last;
     return reset(heading, last, to);
 }
 
@@ -237,7 +237,7 @@ size_t CustomizeSession::reset(size_t first, size_t last, ResetTo to) {
     EditHistory::Step step;
     for (size_t i = first; i < last; ++i) {
         EntryModel& model = m_panel.row(i);
-        if (!hasValue(model.spec().field)) continue;
+        if (!hasValue(model.facts().field)) continue;
         const auto value = to == ResetTo::Loaded ? std::optional(model.loadedValue()) : defaultOf(i);
         if (!value || *value == model.value()) continue;
         EditChange change{i, model.value(), *value};

@@ -22,19 +22,19 @@ std::vector<bool> CustomizeSession::visibleRows() const {
     std::vector<FilterItem> items;
     items.reserve(size());
     for (size_t i = 0; i < size(); ++i)
-        items.push_back({row(i).spec().field, entry(i).label, entry(i).help, row(i).HasChanged()});
+        items.push_back({row(i).facts().field, entry(i).label, entry(i).help, row(i).HasChanged()});
     return filter.visible(items);
 }
 
 std::string CustomizeSession::tooltip(size_t i) {
-    const EntrySpec& spec = row(i).spec();
-    std::string text = spec.label;
+    const EntryFacts& facts = row(i).facts();
+    std::string text = facts.label;
     const auto line = [&](const std::string& one) { text += "\r\n" + one; };
-    if (hasValue(spec.field)) {
+    if (hasValue(facts.field)) {
         if (const auto value = defaultOf(i)) line("default: " + onOneLine(*value));
         if (row(i).HasChanged()) line("loaded: " + onOneLine(row(i).loadedValue()));
-        if (const std::string range = allowedRange(spec); !range.empty()) line(range);
-        if (spec.maxChars > 0) line("at most " + std::to_string(spec.maxChars) + " characters");
+        if (const std::string range = allowedRange(facts); !range.empty()) line(range);
+        if (facts.maxChars > 0) line("at most " + std::to_string(facts.maxChars) + " characters");
         line(entry(i).id >= 1 ? "id " + std::to_string(entry(i).id)
                               : "no id: an update does not keep the value");
     }

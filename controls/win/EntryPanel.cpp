@@ -68,7 +68,7 @@ int EntryPanel::scaled(int pixels) const {
 }
 
 const PictureStore::Bitmap& EntryPanel::picture(size_t row) {
-    const std::string& name = m_host.rowModel(row).spec().label;
+    const std::string& name = m_host.rowModel(row).facts().label;
     return m_pictures.get(name, [&] { return m_host.picturePath(name); });
 }
 
@@ -83,27 +83,27 @@ SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) con
 
 int EntryPanel::heightOf(size_t row, int width) {
     const EntryModel& model = m_host.rowModel(row);
-    const EntrySpec& spec = model.spec();
-    if (spec.field == EntryField::Picture) {
+    const EntryFacts& facts = model.facts();
+    if (facts.field == EntryField::Picture) {
         const PictureStore::Bitmap& shown = picture(row);
         return shown.handle ? static_cast<int>(pictureSize(shown, width - m_fonts->x(4)).cy) + scaled(4)
                             : m_fonts->lineHeight() + scaled(6);
     }
-    if (spec.field == EntryField::Text) {
+    if (facts.field == EntryField::Text) {
         const int room = width - m_fonts->x(4), line = m_fonts->lineHeight();
-        if (static_cast<int>(std::min<size_t>(spec.label.size(), 100000)) * m_fonts->x(4) / 2 > room) {
+        if (static_cast<int>(std::min<size_t>(facts.label.size(), 100000)) * m_fonts->x(4) / 2 > room) {
             RECT area{0, 0, std::max(room, 20), 0};
             const HDC dc = GetDC(m_window);
             const HGDIOBJ old = SelectObject(dc, m_fonts->text());
-            DrawTextA(dc, spec.label.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+            DrawTextA(dc, facts.label.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
             SelectObject(dc, old);
             ReleaseDC(m_window, dc);
             return std::min(static_cast<int>(area.bottom), line * 20) + scaled(4);
         }
         return line + scaled(4);
     }
-    if (spec.field == EntryField::StringField && spec.lines > 1)
-        return m_fonts->lineHeight() * std::min(spec.lines, 12) + scaled(14);
+    if (facts.field == EntryField::StringField && facts.lines > 1)
+        return m_fonts->lineHeight() * std::min(facts.lines, 12) + scaled(14);
     return std::max(scaled(model.GetHeight()), m_fonts->y(kFieldHeightUnits) + 4);
 }
 
@@ -127,10 +127,10 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     const HDC dc = GetDC(m_window);
     const HGDIOBJ old = SelectObject(dc, m_bold);
     for (size_t row = 0; row < std::min(m_host.rowCount(), kMeasuredLabels); ++row) {
-        const EntrySpec& spec = m_host.rowModel(row).spec();
+        const EntryFacts& facts = m_host.rowModel(row).facts();
         SIZE size{};
-        if (hasValue(spec.field) && spec.field != EntryField::Switch &&
-            GetTextExtentPoint32A(dc, spec.label.c_str(), static_cast<int>(spec.label.size()), &size))
+        if (hasValue(facts.field) && facts.field != EntryField::Switch &&
+            GetTextExtentPoint32A(dc, facts.label.c_str(), static_cast<int>(facts.label.size()), &size))
             m_widestLabel = std::max(m_widestLabel, static_cast<int>(size.cx));
     }
     SelectObject(dc, old);
@@ -159,7 +159,7 @@ void EntryPanel::layout() {
         items[row].visible = shown[row];
         if (!shown[row]) continue;
         items[row].height = heightOf(row, width);
-        items[row].gapAfter = m_host.rowModel(row).spec().field != EntryField::Text;
+        items[row].gapAfter = m_host.rowModel(row).facts().field != EntryField::Text;
     }
     m_layout.stack(items);
     setText(m_window, m_layout.rows().empty() ? m_host.emptyText() : "");
@@ -189,7 +189,7 @@ size_t EntryPanel::nextField(size_t row, int step) const {
     for (size_t i = 0; i < kSearchedForField; ++i) {
         if (step < 0 ? at == 0 : at + 1 >= rows.size()) break;
         at = step < 0 ? at - 1 : at + 1;
-        if (m_host.rowModel(rows[at]).spec().field >= EntryField::Heading) return at;
+        if (m_host.rowModel(rows[at]).facts().field >= EntryField::Heading) return at;
     }
     return row;
 }
@@ -290,7 +290,7 @@ void EntryPanel::focusLast() {
 
 void EntryPanel::focusFirst() {
     for (const size_t row : m_layout.rows())
-        if (hasValue(m_host.rowModel(row).spec().field)) return focusRow(row);
+        if (hasValue(m_host.rowModel(row).facts().field)) return focusRow(row);
 }
 
 }  // namespace zoka

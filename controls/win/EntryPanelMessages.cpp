@@ -70,7 +70,7 @@ void EntryPanel::browse(size_t row) {
     if (row >= m_host.rowCount()) return;
     ChooserRequest request;
     const std::string before = m_host.rowModel(row).value();
-    request.title = m_host.rowModel(row).spec().label;
+    request.title = m_host.rowModel(row).facts().label;
     request.startFolder = osFiles().currentFolder();
     request.filter = fileFilterFor(before);
     while (request.filter.ends_with('|')) request.filter.pop_back();

@@ -45,7 +45,7 @@ const EntryModel& EntryWindow::model() const {
 }
 
 bool EntryWindow::isEdit() const {
-    const EntryField field = spec().field;
+    const EntryField field = facts().field;
     return isNumber(field) || field == EntryField::StringField || field == EntryField::FileField;
 }
 
@@ -65,7 +65,7 @@ HWND EntryWindow::makeEdit(const char* className, DWORD style) {
 }
 
 void EntryWindow::makeControls() {
-    const EntrySpec& is = spec();
+    const EntryFacts& is = facts();
     const HFONT text = m_panel.fonts().text();
     m_panel.addTooltip(m_window);
     const auto label = [&](HFONT font, DWORD style, const std::string& shown) {
@@ -131,7 +131,7 @@ void EntryWindow::makeControls() {
 }
 
 void EntryWindow::fillDropList() {
-    for (const std::string& option : spec().options)
+    for (const std::string& option : facts().options)
         SendMessageA(m_field, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(option.c_str()));
 }
 
@@ -153,11 +153,11 @@ void EntryWindow::setFieldText(const std::string& value) {
 }
 
 void EntryWindow::showValue() {
-    if (!m_window || !hasValue(spec().field)) return;
+    if (!m_window || !hasValue(facts().field)) return;
     const std::string& value = model().value();
-    if (spec().field == EntryField::Switch) {
+    if (facts().field == EntryField::Switch) {
         SendMessageA(m_field, BM_SETCHECK, model().isOn() ? BST_CHECKED : BST_UNCHECKED, 0);
-    } else if (spec().field == EntryField::DropList) {
+    } else if (facts().field == EntryField::DropList) {
         // A value that is no choice is shown as one, and stays one.
         LRESULT place = SendMessageA(m_field, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
                                      reinterpret_cast<LPARAM>(value.c_str()));
@@ -196,7 +196,7 @@ void EntryWindow::typed() {
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
         m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
-        if (!isNumber(spec().field)) refused(m_why);
+        if (!isNumber(facts().field)) refused(m_why);
     }
     m_typing = false;
 }
@@ -221,7 +221,7 @@ bool EntryWindow::revert() {
 void EntryWindow::step(int steps) {
     const std::string next = model().stepped(steps);
     std::string why;
-    if (next == model().value()) return refused(allowedRange(spec()));
+    if (next == model().value()) return refused(allowedRange(facts()));
     if (!m_panel.host().editRow(m_row, next, &why, true)) refused(why);
     showValue();
 }
@@ -238,16 +238,16 @@ void EntryWindow::slid(WORD code) {
 
 void EntryWindow::command(WORD code, HWND control) {
     if (m_updating) return;
-    if (code == kFieldRefused) return refused(fieldRefusal(spec(), "x"));
+    if (code == kFieldRefused) return refused(fieldRefusal(facts(), "x"));
     if (control == m_browse && code == BN_CLICKED) return m_panel.browseSoon(m_row);
     if (control != m_field) return;
-    if (spec().field == EntryField::Heading && code == BN_CLICKED) {
+    if (facts().field == EntryField::Heading && code == BN_CLICKED) {
         m_panel.host().fold(m_row, !m_panel.host().isFolded(m_row));
         InvalidateRect(m_field, nullptr, TRUE);
-    } else if (spec().field == EntryField::Switch && code == BN_CLICKED) {
+    } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
         const bool on = SendMessageA(m_field, BM_GETCHECK, 0, 0) == BST_CHECKED;
         m_panel.host().editRow(m_row, on ? "1" : "0", nullptr, false);
-    } else if (spec().field == EntryField::DropList && code == CBN_SELCHANGE) {
+    } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
         std::string why;
         if (!m_panel.host().editRow(m_row, chosenItem(m_field), &why, false)) {
             refused(why);
@@ -266,12 +266,12 @@ bool EntryWindow::keyDown(HWND control, WPARAM key) {
         }
         return m_panel.host().shortcut(key);
     }
-    if (control == m_field && isNumber(spec().field) && (key == VK_UP || key == VK_DOWN)) {
+    if (control == m_field && isNumber(facts().field) && (key == VK_UP || key == VK_DOWN)) {
         step(key == VK_UP ? 1 : -1);
         return true;
     }
     if ((key == VK_PRIOR || key == VK_NEXT) && control != m_track && !isMultiLine() &&
-        spec().field != EntryField::DropList) {
+        facts().field != EntryField::DropList) {
         PostMessageA(m_panel.window(), WM_VSCROLL, key == VK_PRIOR ? SB_PAGEUP : SB_PAGEDOWN, 0);
         return true;
     }
@@ -294,7 +294,7 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
             break;
         case WM_MOUSEWHEEL:
             if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == self->m_field &&
-                self->spec().field == EntryField::DropList)
+                self->facts().field == EntryField::DropList)
                 break;
             PostMessageA(self->m_panel.window(), WM_MOUSEWHEEL, wParam, lParam);
             return 0;
@@ -368,7 +368,7 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_DRAWITEM:
-            if (lParam && spec().field == EntryField::Heading)
+            if (lParam && facts().field == EntryField::Heading)
                 drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
             return TRUE;
         case WM_LBUTTONDOWN:

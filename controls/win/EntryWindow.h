@@ -59,8 +59,8 @@ private:
     void refused(const std::string& why);
 
     const EntryModel& model() const;
-    const EntrySpec& spec() const { return model().spec(); }
-    bool isMultiLine() const { return spec().field == EntryField::StringField && spec().lines > 1; }
+    const EntryFacts& facts() const { return model().facts(); }
+    bool isMultiLine() const { return facts().field == EntryField::StringField && facts().lines > 1; }
     bool isEdit() const;
 
     EntryPanel& m_panel;

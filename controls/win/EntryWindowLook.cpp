@@ -17,7 +17,7 @@ void EntryWindow::layout(int width, int height) {
     const int left = fonts.x(4), gap = fonts.x(kGapUnits);
     const int fieldHeight = std::min(fonts.y(kFieldHeightUnits), height);
     const int lineHeight = std::min(fonts.lineHeight() + 1, height);
-    const EntryField field = spec().field;
+    const EntryField field = facts().field;
     if (field == EntryField::Text || field == EntryField::Caption) {
         return place(m_label, left, 0, width - left, height);
     }
@@ -57,7 +57,7 @@ void EntryWindow::paint() {
         RECT bar{0, 2, kMarkWidth, area.bottom - 2};
         FillRect(dc, &bar, GetSysColorBrush(COLOR_HIGHLIGHT));
     }
-    if (spec().field == EntryField::Picture) {
+    if (facts().field == EntryField::Picture) {
         const PictureStore::Bitmap picture = m_panel.picture(m_row);
         if (picture.handle && area.right > 0 && area.bottom > 0) {
             const int left = m_panel.fonts().x(4);
@@ -98,7 +98,7 @@ void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
     SetTextColor(item.hDC, GetSysColor(COLOR_BTNTEXT));
     RECT text{left + size + left, area.top, area.right, area.bottom};
     RECT extent = text;
-    const std::string& label = spec().label;
+    const std::string& label = facts().label;
     constexpr UINT kHow = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
     DrawTextA(item.hDC, label.c_str(), -1, &extent, kHow | DT_CALCRECT);
     DrawTextA(item.hDC, label.c_str(), -1, &text, kHow);

@@ -167,7 +167,7 @@ bool CustomizeDialog::shortcut(WPARAM key) {
 void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
     if (m_busy || !m_window) return;
     const EntryModel& model = m_session.row(row);
-    const EntryField kind = model.spec().field;
+    const EntryField kind = model.facts().field;
     const HMENU menu = CreatePopupMenu();
     const auto item = [&](int id, const char* text, bool enabled = true) {
         AppendMenuA(menu, MF_STRING | (enabled ? MF_ENABLED : MF_GRAYED), static_cast<UINT_PTR>(id), text);
@@ -235,7 +235,7 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
         case kFoldAll:
         case kUnfoldAll:
             for (size_t i = 0; i < m_session.size(); ++i)
-                if (m_session.row(i).spec().field == EntryField::Heading)
+                if (m_session.row(i).facts().field == EntryField::Heading)
                     m_session.filter.setFolded(i, chosen == kFoldAll);
             m_panel.layoutSoon();
             break;

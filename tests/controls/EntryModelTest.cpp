@@ -11,27 +11,27 @@ using testing::HasSubstr;
 
 namespace {
 
-EntrySpec number(const char* value, double low, double high, double step, bool decimal) {
-    EntrySpec spec;
-    spec.field = decimal ? EntryField::FloatField : EntryField::IntField;
-    spec.shape = ValueShape::Bare;
-    spec.value = value;
-    spec.limited = true;
-    spec.minimum = low;
-    spec.maximum = high;
-    spec.step = step;
-    spec.decimal = decimal;
-    return spec;
+EntryFacts number(const char* value, double low, double high, double step, bool decimal) {
+    EntryFacts facts;
+    facts.field = decimal ? EntryField::FloatField : EntryField::IntField;
+    facts.shape = ValueShape::Bare;
+    facts.value = value;
+    facts.limited = true;
+    facts.minimum = low;
+    facts.maximum = high;
+    facts.step = step;
+    facts.decimal = decimal;
+    return facts;
 }
 
-EntrySpec text(EntryField field, ValueShape shape, const char* value, int lines = 0, int maxChars = 0) {
-    EntrySpec spec;
-    spec.field = field;
-    spec.shape = shape;
-    spec.value = value;
-    spec.lines = lines;
-    spec.maxChars = maxChars;
-    return spec;
+EntryFacts text(EntryField field, ValueShape shape, const char* value, int lines = 0, int maxChars = 0) {
+    EntryFacts facts;
+    facts.field = field;
+    facts.shape = shape;
+    facts.value = value;
+    facts.lines = lines;
+    facts.maxChars = maxChars;
+    return facts;
 }
 
 TEST(EntryRules, NumbersHaveNoExponentAndNoLocale) {
@@ -46,16 +46,16 @@ TEST(EntryRules, NumbersHaveNoExponentAndNoLocale) {
 }
 
 TEST(EntryRules, RefusalsNameTheReason) {
-    const EntrySpec whole = number("5", 0, 100, 1, false), decimal = number("0.5", 0, 4, 0.1, true),
+    const EntryFacts whole = number("5", 0, 100, 1, false), decimal = number("0.5", 0, 4, 0.1, true),
                     low = number("5", 1, 999999, 1, false);
-    const EntrySpec bare = text(EntryField::DropList, ValueShape::Bare, "shut"),
+    const EntryFacts bare = text(EntryField::DropList, ValueShape::Bare, "shut"),
                     quoted = text(EntryField::StringField, ValueShape::Quoted, "w", 0, 5),
                     lines = text(EntryField::StringField, ValueShape::Quoted, "w", 3),
                     file = text(EntryField::FileField, ValueShape::Bracketed, "a.wav"),
                     onOff = text(EntryField::Switch, ValueShape::Switch, "1"),
                     heading = text(EntryField::Heading, ValueShape::None, "");
     const struct {
-        const EntrySpec& spec;
+        const EntryFacts& facts;
         std::string text;
         const char* reason;  // null: allowed
     } rows[] = {
@@ -100,9 +100,9 @@ TEST(EntryRules, RefusalsNameTheReason) {
     };
     for (const auto& row : rows) {
         if (row.reason)
-            EXPECT_THAT(entryRefusal(row.spec, row.text), HasSubstr(row.reason)) << row.text;
+            EXPECT_THAT(entryRefusal(row.facts, row.text), HasSubstr(row.reason)) << row.text;
         else
-            EXPECT_EQ(entryRefusal(row.spec, row.text), "") << row.text;
+            EXPECT_EQ(entryRefusal(row.facts, row.text), "") << row.text;
     }
 }
 
@@ -134,9 +134,9 @@ TEST(EntryModel, TakesStoredValuesOutsideTheLimitsButNoneThatBreakTheDefinition)
 }
 
 TEST(EntryModel, AWholeNumberInADecimalFieldKeepsItsPoint) {
-    EntrySpec spec = number("0.5", 0, 10, 1, true);
-    spec.keepPoint = true;
-    EntryModel model(spec);
+    EntryFacts facts = number("0.5", 0, 10, 1, true);
+    facts.keepPoint = true;
+    EntryModel model(facts);
     EXPECT_TRUE(model.edit("3"));
     EXPECT_EQ(model.GetValueText(), "3.0");
     EXPECT_TRUE(model.SetValueFromText("3"));  // stored texts stay as they are
@@ -145,7 +145,7 @@ TEST(EntryModel, AWholeNumberInADecimalFieldKeepsItsPoint) {
 
 TEST(EntryModel, StepsStayInsideTheLimitsAndWithoutRoundingTails) {
     const struct {
-        EntrySpec spec;
+        EntryFacts facts;
         int steps;
         const char* value;
     } rows[] = {
@@ -155,13 +155,13 @@ TEST(EntryModel, StepsStayInsideTheLimitsAndWithoutRoundingTails) {
         {number("7", 0, 0, 0.4, false), 1, "0"},    {number("-0.1", -1, 1, 0.1, true), 1, "0"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(EntryModel(row.spec).stepped(row.steps), row.value) << row.spec.value;
+        EXPECT_EQ(EntryModel(row.facts).stepped(row.steps), row.value) << row.facts.value;
 }
 
 TEST(EntryModel, SliderPositionsAndValuesAgree) {
-    EntrySpec spec = number("0.5", 0, 4, 0.1, true);
-    spec.field = EntryField::Slider;
-    EntryModel model(spec);
+    EntryFacts facts = number("0.5", 0, 4, 0.1, true);
+    facts.field = EntryField::Slider;
+    EntryModel model(facts);
     EXPECT_EQ(model.sliderRange(), 40);
     EXPECT_EQ(model.sliderPosition(), 5);
     for (int i = 0; i <= model.sliderRange(); ++i) {
@@ -173,7 +173,7 @@ TEST(EntryModel, SliderPositionsAndValuesAgree) {
     EXPECT_TRUE(model.SetValueFromText("77"));
     EXPECT_EQ(model.sliderPosition(), 40);
     // A range of more steps than a slider has positions.
-    EntrySpec wide = number("0", -999999, 999999, 0.001, true);
+    EntryFacts wide = number("0", -999999, 999999, 0.001, true);
     wide.field = EntryField::Slider;
     EntryModel fine(wide);
     EXPECT_EQ(fine.textAt(0), "-999999");

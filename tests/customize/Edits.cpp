@@ -15,10 +15,10 @@ std::string letters(std::mt19937& random, const char* set, size_t most) {
 }  // namespace
 
 std::string otherValue(const EntryModel& row, std::mt19937& random) {
-    const EntrySpec& spec = row.spec();
+    const EntryFacts& facts = row.facts();
     for (int tries = 0; tries < 20; ++tries) {
         std::string value;
-        switch (spec.field) {
+        switch (facts.field) {
             case EntryField::Switch:
                 return row.isOn() ? "0" : "1";
             case EntryField::Slider:
@@ -34,20 +34,20 @@ std::string otherValue(const EntryModel& row, std::mt19937& random) {
                 break;
             case EntryField::StringField:
                 value = letters(random, "ab \t;<>='/\\:,\xC4%_\x80", 40) + letters(random, "x;/", 600);
-                if (spec.lines > 1) value += "\r\n// entry: no\nlast";
-                if (spec.maxChars > 0)
-                    value.resize(std::min(value.size(), static_cast<size_t>(spec.maxChars)));
+                if (facts.lines > 1) value += "\r\n// entry: no\nlast";
+                if (facts.maxChars > 0)
+                    value.resize(std::min(value.size(), static_cast<size_t>(facts.maxChars)));
                 break;
             case EntryField::DropList:
-                value = spec.options.empty() || random() % 3 == 0
+                value = facts.options.empty() || random() % 3 == 0
                             ? letters(random, "abcXYZ019._", 12)
-                            : spec.options[random() % spec.options.size()];
+                            : facts.options[random() % facts.options.size()];
                 break;
             default:
                 return row.value();
         }
         value = row.asWritten(value);
-        if (value != row.value() && entryRefusal(spec, value).empty()) return value;
+        if (value != row.value() && entryRefusal(facts, value).empty()) return value;
     }
     return row.value();
 }

@@ -128,13 +128,13 @@ Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
     if (!entry.hasValue()) return one;
     if (entry.id >= 1) one["id"] = entry.id;
     one["value"] = jsonText(entry.value);
-    const EntrySpec spec = specOf(script, entry);
-    if (isNumber(spec.field) && spec.limited) {
-        one["minimum"] = spec.minimum;
-        one["maximum"] = spec.maximum;
-        one["step"] = EntryModel(spec).step();
+    const EntryFacts facts = specOf(script, entry);
+    if (isNumber(facts.field) && facts.limited) {
+        one["minimum"] = facts.minimum;
+        one["maximum"] = facts.maximum;
+        one["step"] = EntryModel(facts).step();
     }
-    if (!spec.options.empty()) one["options"] = jsonTexts(spec.options);
+    if (!facts.options.empty()) one["options"] = jsonTexts(facts.options);
     return one;
 }
 
@@ -157,7 +157,7 @@ ExitStatus list(const CustomizeOptions& options) {
             const CustomEntry& entry = script.entries[i];
             if (entry.kind == kSection) print("\n" + oneLine(entry.label) + "\n");
             if (!entry.hasValue()) continue;
-            const std::string range = allowedRange(open.session().row(i).spec());
+            const std::string range = allowedRange(open.session().row(i).facts());
             print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
                   oneLine(entry.label) + " = " + oneLine(entry.value) +
                   (range.empty() ? "" : "\t(" + range + ")") + "\n");

@@ -1,0 +1,58 @@
+// What a row of a panel shows and which values it takes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zoka {
+
+enum class EntryField {
+    Caption,
+    Picture,
+    Text,
+    Heading,
+    Switch,  // "1" on, "0" off
+    Slider,  // with its number field
+    IntField,
+    FloatField,
+    FileField,
+    StringField,
+    DropList,
+};
+
+// How a value stands in its script, which decides what it may not hold.
+enum class ValueShape {
+    None,       // no value in a script
+    Switch,     // a line commented out or not
+    Bare,       // ends at a blank, ':', ';', '=' or ','
+    Quoted,     // between double quotes
+    Bracketed,  // between '<' and '>'
+};
+
+struct EntryFacts {
+    EntryField field = EntryField::Text;
+    ValueShape shape = ValueShape::None;
+    std::string label = {};  // of a picture its file's name
+    std::string help = {};
+    std::string value = {};  // as loaded
+
+    // Of number fields and sliders. Without limits any number is taken.
+    bool limited = false;
+    double minimum = 0, maximum = 0;
+    double step = 0;         // 0: the control finds one
+    bool decimal = false;    // takes numbers with a point
+    bool keepPoint = false;  // a whole number is written with ".0", so that it's read as a decimal one again
+
+    std::vector<std::string> options = {};  // of a drop list; a value that is none of them is fine
+    int lines = 0;                          // of a text field: lines shown, 0 and 1 alike are one
+    int maxChars = 0;                       // 0: as many as one likes
+};
+
+inline bool hasValue(EntryField field) {
+    return field >= EntryField::Switch;
+}
+inline bool isNumber(EntryField field) {
+    return field == EntryField::Slider || field == EntryField::IntField || field == EntryField::FloatField;
+}
+
+}  // namespace zoka
