@@ -222,17 +222,23 @@ void EntryPanel::placeRows() {
     m_live.erase(m_live.begin(), m_live.end());
     m_live = std::move(kept);
     HWND after = HWND_TOP;
+    bool moved = false;
     for (const size_t i : wanted) {
         auto& window = m_live[rows[i]];
         const PanelRect at = m_layout.rectOfRow(i, width);
         if (!window) window = std::make_unique<EntryWindow>(*this, rows[i], labelWidth(at.width));
         if (!window->window()) continue;
         const int y = std::clamp(at.y - m_top, -30000, 30000);
-        SetWindowPos(window->window(), after, at.x, y, at.width, at.height, SWP_NOACTIVATE);
+        moved = moved || window->y() != y;
+        window->setPlace(after, at.x, y, at.width, at.height);
         after = window->window();
     }
     m_placing = false;
-    if (rows.empty()) InvalidateRect(m_window, nullptr, TRUE);
+    // Rows that change places one after the other would copy each other's pictures; so all are drawn anew, at
+    // once, before anybody sees the old ones in their new places.
+    if (moved || rows.empty())
+        RedrawWindow(m_window, nullptr, nullptr,
+                     RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | (rows.empty() ? 0u : RDW_UPDATENOW));
 }
 
 EntryWindow* EntryPanel::windowOf(HWND control) {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <climits>
 #include <cstddef>
 #include <string>
 
@@ -26,6 +27,9 @@ public:
     size_t row() const { return m_row; }
     // The control that takes the keyboard; null for rows without one.
     HWND field() const { return m_field; }
+    // In pixels of the panel; `after` is the window in front of it, and before it in the order of Tab.
+    void setPlace(HWND after, int x, int y, int width, int height);
+    int y() const { return m_y; }
     // Shows the model's value, except in a field that is being typed in.
     void showValue();
     // Takes what stands in the field. False when it's refused: the field then shows its value again, and the
@@ -66,6 +70,7 @@ private:
     EntryPanel& m_panel;
     const size_t m_row;
     const int m_labelWidth;
+    int m_y = INT_MIN;  // not placed yet
     HWND m_window = nullptr;
     HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;
     HWND m_browse = nullptr;

@@ -12,6 +12,11 @@ constexpr int kMarkWidth = 3;  // of the bar in front of changed rows
 
 }  // namespace
 
+void EntryWindow::setPlace(HWND after, int x, int y, int width, int height) {
+    m_y = y;
+    SetWindowPos(m_window, after, x, y, width, height, SWP_NOACTIVATE | SWP_NOCOPYBITS);
+}
+
 void EntryWindow::layout(int width, int height) {
     const WindowFonts& fonts = m_panel.fonts();
     const int left = fonts.x(4), gap = fonts.x(kGapUnits);
