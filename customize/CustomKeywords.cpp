@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 #include "util/LexChars.h"
 #include "util/PathRules.h"
@@ -115,7 +116,9 @@ int LookupCustomKeyword(const char* word, size_t length) {
     size_t slot = slotOf(first, lex::lower(word[length - 1]), length);
     for (; kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
         const std::string_view name = kNames[kSlots[slot]];
-        if (name.size() == length && name[0] == first && lex::equalsIgnoringCase(name.data(), word, length))
+        if (name.size() != length || name[0] != first) continue;
+        // Nearly all are written as here.
+        if (std::memcmp(name.data(), word, length) == 0 || lex::equalsIgnoringCase(name.data(), word, length))
             return kSlots[slot];
     }
     return kNoKeyword;

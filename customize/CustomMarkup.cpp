@@ -15,7 +15,8 @@ namespace zoka {
 namespace {
 
 constexpr size_t kBytesPerEntry = 160;
-constexpr size_t kEntriesForeseen = 8192;
+constexpr size_t kEntriesForeseen = 32768;
+constexpr double kMostGrowth = 15;  // a text may begin with many entries and then have none
 constexpr double kMinimumDefault = -999999.0;
 constexpr double kMaximumDefault = 999999.0;
 
@@ -175,8 +176,20 @@ private:
     }
 
     void complete() {
+        makeRoom();
         m_script.entries.push_back(std::move(m_entry));
         forget();
+    }
+
+    // What was read so far tells how many entries the rest will have. Doubling the room again and again would
+    // move all of them through ever new memory.
+    void makeRoom() {
+        const size_t count = m_script.entries.size();
+        if (count < m_script.entries.capacity()) return;
+        const double left = static_cast<double>(m_text.size() - m_next) / static_cast<double>(m_next);
+        const auto foreseen =
+            static_cast<size_t>(std::min(left * 1.05, kMostGrowth) * static_cast<double>(count));
+        m_script.entries.reserve(count + std::max(foreseen, count / 4 + 1));
     }
 
     // Field by field, because a new entry in its place would take longer than reading one.
@@ -199,6 +212,7 @@ private:
         if (m_switchedLines++ == 1)
             report("the switch " + inQuotes(m_entry.label) +
                    " stands above several commented lines: each got a switch of its own with the same id");
+        makeRoom();
         m_script.entries.push_back(m_entry);
         CustomEntry& copy = m_script.entries.back();
         copy.value = "0";
