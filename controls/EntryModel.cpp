@@ -54,9 +54,9 @@ int EntryModel::GetHeight() const {
         case EntryField::Text:
             return 20;
         case EntryField::StringField:
-            return m_facts.lines > 1 ? 30 + 16 * (std::min(m_facts.lines, 12) - 1) : 30;
+            return m_facts.lines > 1 ? 26 + 16 * (std::min(m_facts.lines, 12) - 1) : 26;
         case EntryField::Slider:
-            return 34;
+            return 28;
         case EntryField::Switch:
         case EntryField::IntField:
         case EntryField::FloatField:
@@ -64,7 +64,7 @@ int EntryModel::GetHeight() const {
         case EntryField::DropList:
             break;
     }
-    return 30;
+    return 26;
 }
 
 std::string EntryModel::asWritten(const std::string& typed) const {

@@ -7,13 +7,13 @@
 namespace zoka {
 namespace {
 
-constexpr size_t kMeasuredLabels = 500;  // wide enough for these is wide enough
-constexpr int kSpacing = 2, kMargin = 6;
+constexpr size_t kMeasuredLabels = 500;    // wide enough for these is wide enough
+constexpr int kSpacing = 3, kMargin = 6;   // in pixels at 96 dpi
 constexpr size_t kSearchedForField = 200;  // rows without a field are passed over by Tab, but not without end
 
 }  // namespace
 
-EntryPanel::EntryPanel(EntryHost& host) : m_host(host), m_layout(kMargin, kMargin, kSpacing) {}
+EntryPanel::EntryPanel(EntryHost& host) : m_host(host), m_layout(0, 0, 0) {}
 
 EntryPanel::~EntryPanel() {
     freeFonts();
@@ -21,6 +21,7 @@ EntryPanel::~EntryPanel() {
 
 HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     m_fonts = &fonts;
+    m_layout = PanelLayout(fonts.px(kMargin), fonts.px(kMargin), fonts.px(kSpacing));
     makeFonts();
     CreateWindowExA(WS_EX_CONTROLPARENT | WS_EX_CLIENTEDGE, kEntryPanelClass, "",
                     WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_CLIPCHILDREN, 0, 0, 0, 0, parent,
@@ -62,21 +63,16 @@ void EntryPanel::freeFonts() {
     }
 }
 
-// The fonts grow with the screen's resolution; heights follow them.
-int EntryPanel::scaled(int pixels) const {
-    return std::max(MulDiv(pixels, m_fonts->lineHeight(), 15), pixels);
-}
-
 const PictureStore::Bitmap& EntryPanel::picture(size_t row) {
     const std::string& name = m_host.rowModel(row).facts().label;
     return m_pictures.get(name, [&] { return m_host.picturePath(name); });
 }
 
 SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) const {
-    // Doubled where the screen's resolution is, never beyond the row.
-    double by = std::max(1, m_fonts->lineHeight() / 15);
-    by = std::min({by, static_cast<double>(std::max(width, 1)) / picture.width,
-                   static_cast<double>(scaled(240)) / picture.height});
+    // As large on every screen, never beyond the row.
+    const double by =
+        std::min({m_fonts->dpi() / 96.0, static_cast<double>(std::max(width, 1)) / picture.width,
+                  static_cast<double>(m_fonts->px(240)) / picture.height});
     return {std::max(1, static_cast<int>(picture.width * by)),
             std::max(1, static_cast<int>(picture.height * by))};
 }
@@ -86,11 +82,11 @@ int EntryPanel::heightOf(size_t row, int width) {
     const EntryFacts& facts = model.facts();
     if (facts.field == EntryField::Picture) {
         const PictureStore::Bitmap& shown = picture(row);
-        return shown.handle ? static_cast<int>(pictureSize(shown, width - m_fonts->x(4)).cy) + scaled(4)
-                            : m_fonts->lineHeight() + scaled(6);
+        return shown.handle ? static_cast<int>(pictureSize(shown, width - m_fonts->x(5)).cy) + m_fonts->px(4)
+                            : m_fonts->lineHeight() + m_fonts->px(6);
     }
     if (facts.field == EntryField::Text) {
-        const int room = width - m_fonts->x(4), line = m_fonts->lineHeight();
+        const int room = width - m_fonts->x(5), line = m_fonts->lineHeight();
         if (static_cast<int>(std::min<size_t>(facts.label.size(), 100000)) * m_fonts->x(4) / 2 > room) {
             RECT area{0, 0, std::max(room, 20), 0};
             const HDC dc = GetDC(m_window);
@@ -98,13 +94,13 @@ int EntryPanel::heightOf(size_t row, int width) {
             DrawTextA(dc, facts.label.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
             SelectObject(dc, old);
             ReleaseDC(m_window, dc);
-            return std::min(static_cast<int>(area.bottom), line * 20) + scaled(4);
+            return std::min(static_cast<int>(area.bottom), line * 20) + m_fonts->px(4);
         }
-        return line + scaled(4);
+        return line + m_fonts->px(4);
     }
     if (facts.field == EntryField::StringField && facts.lines > 1)
-        return m_fonts->lineHeight() * std::min(facts.lines, 12) + scaled(14);
-    return std::max(scaled(model.GetHeight()), m_fonts->y(kFieldHeightUnits) + 4);
+        return m_fonts->lineHeight() * std::min(facts.lines, 12) + m_fonts->px(14);
+    return std::max(m_fonts->px(model.GetHeight()), m_fonts->y(kFieldHeightUnits) + m_fonts->px(4));
 }
 
 int EntryPanel::labelWidth(int width) const {
@@ -152,7 +148,7 @@ void EntryPanel::layout() {
     if (!m_window || m_placing) return;
     RECT area;
     GetClientRect(m_window, &area);
-    const int width = static_cast<int>(area.right) - 2 * kMargin;
+    const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
     std::vector<PanelItem> items(m_host.rowCount());
     const std::vector<bool> shown = m_host.rowsShown();
     for (size_t row = 0; row < items.size(); ++row) {
@@ -175,7 +171,7 @@ void EntryPanel::scrollTo(int top) {
     info.cbSize = sizeof info;
     // Always there, so that the rows keep their width while they are filtered.
     info.fMask = SIF_ALL | SIF_DISABLENOSCROLL;
-    info.nMax = std::max(m_layout.contentHeight() + kMargin - 1, 0);
+    info.nMax = std::max(m_layout.contentHeight() + m_fonts->px(kMargin) - 1, 0);
     info.nPage = static_cast<UINT>(std::max(static_cast<int>(area.bottom), 1));
     info.nPos = m_top;
     SetScrollInfo(m_window, SB_VERT, &info, TRUE);
@@ -226,11 +222,11 @@ void EntryPanel::placeRows() {
     for (const size_t i : wanted) {
         auto& window = m_live[rows[i]];
         const PanelRect at = m_layout.rectOfRow(i, width);
-        if (!window) window = std::make_unique<EntryWindow>(*this, rows[i], labelWidth(at.width));
+        if (!window) window = std::make_unique<EntryWindow>(*this, rows[i]);
         if (!window->window()) continue;
         const int y = std::clamp(at.y - m_top, -30000, 30000);
         moved = moved || window->y() != y;
-        window->setPlace(after, at.x, y, at.width, at.height);
+        window->setPlace(after, y, at, labelWidth(at.width));
         after = window->window();
     }
     m_placing = false;

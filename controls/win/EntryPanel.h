@@ -78,7 +78,6 @@ private:
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void makeFonts();
     void freeFonts();
-    int scaled(int pixels) const;
     int heightOf(size_t row, int width);
     int labelWidth(int width) const;
     void layout();

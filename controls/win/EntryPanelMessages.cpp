@@ -86,7 +86,7 @@ void EntryPanel::browse(size_t row) {
 void EntryPanel::scroll(WORD code) {
     RECT area;
     GetClientRect(m_window, &area);
-    const int page = std::max(static_cast<int>(area.bottom) - scaled(30), 1), line = scaled(16);
+    const int page = std::max(static_cast<int>(area.bottom) - m_fonts->px(30), 1), line = m_fonts->px(16);
     SCROLLINFO info{};
     info.cbSize = sizeof info;
     info.fMask = SIF_TRACKPOS;
@@ -116,7 +116,7 @@ void EntryPanel::wheel(int delta) {
     UINT lines = 3;
     SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
     lines = std::clamp(lines, 1u, 20u);
-    m_wheel += delta * static_cast<int>(lines) * scaled(16);
+    m_wheel += delta * static_cast<int>(lines) * m_fonts->px(16);
     const int pixels = m_wheel / WHEEL_DELTA;
     m_wheel -= pixels * WHEEL_DELTA;
     scrollTo(m_top - pixels);

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "controls/EntryModel.h"
+#include "controls/PanelLayout.h"
 
 namespace zoka {
 
@@ -17,8 +18,7 @@ class EntryPanel;
 // runs a loop of its own (a menu, a box), so that it's never freed while one is at work. [panel thread]
 class EntryWindow {
 public:
-    // `labelWidth` in pixels.
-    EntryWindow(EntryPanel& panel, size_t row, int labelWidth);
+    EntryWindow(EntryPanel& panel, size_t row);
     ~EntryWindow();
     EntryWindow(const EntryWindow&) = delete;
     EntryWindow& operator=(const EntryWindow&) = delete;
@@ -27,8 +27,8 @@ public:
     size_t row() const { return m_row; }
     // The control that takes the keyboard; null for rows without one.
     HWND field() const { return m_field; }
-    // In pixels of the panel; `after` is the window in front of it, and before it in the order of Tab.
-    void setPlace(HWND after, int x, int y, int width, int height);
+    // In pixels of the panel, `y` of its view; `after` is the window in front of it, and before it in the order of Tab.
+    void setPlace(HWND after, int y, const PanelRect& place, int labelWidth);
     int y() const { return m_y; }
     // Shows the model's value, except in a field that is being typed in.
     void showValue();
@@ -69,7 +69,7 @@ private:
 
     EntryPanel& m_panel;
     const size_t m_row;
-    const int m_labelWidth;
+    int m_labelWidth = 0;
     int m_y = INT_MIN;  // not placed yet
     HWND m_window = nullptr;
     HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;

@@ -8,18 +8,19 @@
 namespace zoka {
 namespace {
 
-constexpr int kMarkWidth = 3;  // of the bar in front of changed rows
+constexpr int kMarkWidth = 3;  // of the bar in front of changed rows, in pixels at 96 dpi
 
 }  // namespace
 
-void EntryWindow::setPlace(HWND after, int x, int y, int width, int height) {
+void EntryWindow::setPlace(HWND after, int y, const PanelRect& place, int labelWidth) {
     m_y = y;
-    SetWindowPos(m_window, after, x, y, width, height, SWP_NOACTIVATE | SWP_NOCOPYBITS);
+    m_labelWidth = labelWidth;  // follows the width, so the row is laid out when it changes
+    SetWindowPos(m_window, after, place.x, y, place.width, place.height, SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 void EntryWindow::layout(int width, int height) {
     const WindowFonts& fonts = m_panel.fonts();
-    const int left = fonts.x(4), gap = fonts.x(kGapUnits);
+    const int left = fonts.x(5), gap = fonts.x(kGapUnits);
     const int fieldHeight = std::min(fonts.y(kFieldHeightUnits), height);
     const int lineHeight = std::min(fonts.lineHeight() + 1, height);
     const EntryField field = facts().field;
@@ -34,7 +35,7 @@ void EntryWindow::layout(int width, int height) {
     if (field == EntryField::Switch)
         return place(m_field, left, (height - fieldHeight) / 2, width - left, fieldHeight);
     const int x = left + m_labelWidth + gap, room = std::max(width - x, 0);
-    const int top = isMultiLine() ? 2 : (height - fieldHeight) / 2;
+    const int top = isMultiLine() ? fonts.px(2) : (height - fieldHeight) / 2;
     place(m_label, left, top + (fieldHeight - lineHeight) / 2, m_labelWidth, lineHeight);
     if (m_slider) {
         place(m_slider, x, top, room, fieldHeight);
@@ -49,7 +50,7 @@ void EntryWindow::layout(int width, int height) {
     } else if (field == EntryField::DropList) {
         placeDropList(m_field, x, top, room, fieldHeight);
     } else {
-        place(m_field, x, top, room, isMultiLine() ? height - 4 : fieldHeight);
+        place(m_field, x, top, room, isMultiLine() ? height - fonts.px(4) : fieldHeight);
     }
 }
 
@@ -59,13 +60,14 @@ void EntryWindow::paint() {
     RECT area;
     GetClientRect(m_window, &area);
     if (m_marked) {
-        RECT bar{0, 2, kMarkWidth, area.bottom - 2};
+        const WindowFonts& fonts = m_panel.fonts();
+        RECT bar{0, fonts.px(2), fonts.px(kMarkWidth), area.bottom - fonts.px(2)};
         FillRect(dc, &bar, GetSysColorBrush(COLOR_HIGHLIGHT));
     }
     if (facts().field == EntryField::Picture) {
         const PictureStore::Bitmap picture = m_panel.picture(m_row);
         if (picture.handle && area.right > 0 && area.bottom > 0) {
-            const int left = m_panel.fonts().x(4);
+            const int left = m_panel.fonts().x(5);
             const SIZE size = m_panel.pictureSize(picture, static_cast<int>(area.right) - left);
             const HDC from = CreateCompatibleDC(dc);
             const HGDIOBJ old = SelectObject(from, picture.handle);
@@ -81,7 +83,7 @@ void EntryWindow::paint() {
 void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
     RECT area = item.rcItem;
     FillRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNFACE));
-    const int size = m_panel.fonts().lineHeight() / 2, left = m_panel.fonts().x(4);
+    const int size = m_panel.fonts().lineHeight() / 2, left = m_panel.fonts().x(5);
     const int middle = static_cast<int>(area.top + area.bottom) / 2;
     POINT mark[3];
     if (m_panel.host().isFolded(m_row)) {

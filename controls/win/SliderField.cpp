@@ -32,7 +32,8 @@ LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARA
             const int width = LOWORD(lParam), height = HIWORD(lParam);
             const int number =
                 std::min(static_cast<int>(GetWindowLongPtrA(window, GWLP_USERDATA)), width / 2);
-            MoveWindow(GetDlgItem(window, kSliderTrack), 0, 0, std::max(width - number - 4, 0), height, TRUE);
+            MoveWindow(GetDlgItem(window, kSliderTrack), 0, 0, std::max(width - number - height / 5, 0),
+                       height, TRUE);
             MoveWindow(GetDlgItem(window, kSliderNumber), width - number, 0, number, height, TRUE);
             return 0;
         }

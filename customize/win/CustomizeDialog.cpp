@@ -27,6 +27,20 @@ void setIcons(HWND window, HINSTANCE module, int icon) {
     SendMessageA(window, WM_SETICON, ICON_SMALL, load(SM_CXSMICON, SM_CYSMICON));
 }
 
+// From the middle of the screen towards its right, where it covers less of the level, and leaves the middle to
+// the other panel.
+void moveAside(HWND window) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    RECT place{};
+    if (!GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor) ||
+        !GetWindowRect(window, &place))
+        return;
+    const LONG room = monitor.rcWork.right - place.right;
+    SetWindowPos(window, nullptr, static_cast<int>(place.left + room * 3 / 4), static_cast<int>(place.top), 0,
+                 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 bool onScreen(const RECT& place) {
     const POINT caption{(place.left + place.right) / 2, place.top + 10};
     return place.right > place.left && MonitorFromPoint(caption, MONITOR_DEFAULTTONULL);
@@ -88,8 +102,10 @@ void CustomizeDialog::initialise(HWND window) {
                      SWP_NOZORDER | SWP_NOACTIVATE);
         if (maximized) ShowWindow(window, SW_MAXIMIZE);
     } else {
-        const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(300));
-        centreOver(window, nullptr, size.cx, size.cy);
+        const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(380));
+        const HWND owner = GetWindow(window, GW_OWNER);
+        centreOver(window, owner, size.cx, size.cy);
+        if (!owner) moveAside(window);
     }
     layout();
     SetFocus(GetDlgItem(window, IDCANCEL));

@@ -8,7 +8,7 @@ namespace zoka {
 namespace {
 
 constexpr int kHelpLines = 4;
-constexpr int kWideButton = 62;  // in dialog units: "Problems (1000)..."
+constexpr int kWideButton = 70;  // in dialog units: "Problems (1000)..."
 constexpr int kShortestPanel = 60;
 
 }  // namespace
@@ -116,7 +116,7 @@ void CustomizeDialog::layout() {
         place(item(id), x - narrow, bottom, narrow, button);
         x -= narrow + gapX;
     }
-    const int help = kHelpLines * f.lineHeight() + 6;
+    const int help = kHelpLines * f.lineHeight() + f.px(8);
     bottom -= gapY + help;
     place(m_help, left, bottom, width, help);
     place(m_panel.window(), left, y, width, bottom - gapY - y);

@@ -80,6 +80,7 @@ WindowFonts::WindowFonts() {
     const HDC dc = GetDC(nullptr);
     m_base = averageCharacter(dc, m_text);
     m_fixedWidth = averageCharacter(dc, m_fixed).cx;
+    m_dpi = std::max(GetDeviceCaps(dc, LOGPIXELSY), 96);
     ReleaseDC(nullptr, dc);
 }
 

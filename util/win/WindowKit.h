@@ -24,6 +24,9 @@ public:
     // Pixels of dialog units.
     int x(int units) const { return MulDiv(units, m_base.cx, 4); }
     int y(int units) const { return MulDiv(units, m_base.cy, 8); }
+    // Pixels of those that a screen of 96 dots an inch would have: for what does not grow with the font.
+    int px(int pixels) const { return MulDiv(pixels, m_dpi, 96); }
+    int dpi() const { return m_dpi; }
     int lineHeight() const { return m_base.cy; }
     int fixedWidth() const { return m_fixedWidth; }
     // Width of a label's text in pixels; its '&' is not shown.
@@ -34,6 +37,7 @@ private:
     HFONT m_fixed = nullptr;
     SIZE m_base{};
     int m_fixedWidth = 0;
+    int m_dpi = 96;
 };
 
 // Distances in dialog units, as the system's own dialogs keep them.
@@ -41,7 +45,7 @@ inline constexpr int kMarginUnits = 7;
 inline constexpr int kGapUnits = 4;
 inline constexpr int kButtonWidthUnits = 52;
 inline constexpr int kButtonHeightUnits = 14;
-inline constexpr int kFieldHeightUnits = 14;
+inline constexpr int kFieldHeightUnits = 12;
 inline constexpr int kLabelHeightUnits = 9;
 
 // A visible child without a size yet; null when it can't be made.
