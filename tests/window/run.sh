@@ -1,8 +1,10 @@
 #!/bin/bash
-# Runs the window tests: run.sh WINDOWS_BUILD [TEST...]
+# Runs the window tests: run.sh [-j LANES] WINDOWS_BUILD [TEST...]
 #
 # Each *.drive file beside this script is one test: a script that the stand-in editor carries out in a process of its
-# own, in real windows, on one display for all. Comment lines at the head of a script may say
+# own, in real windows. With -j the tests are shared out to that many lanes (1), each with a display and a Wine session
+# of its own; within a lane they follow one another, because a session's tests share its keyboard focus and its count
+# of objects. Comment lines at the head of a script may say
 #   #: status N      the exit status that the process must end with (0 when not said)
 #   #: says TEXT     a text that the process must write on its output; may be repeated
 #   #: options TEXT  further options of zunhost
@@ -10,6 +12,11 @@
 # Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
 # Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
 set -uo pipefail
+lanes=1
+if [ "${1:-}" = -j ]; then
+    lanes=$2
+    shift 2
+fi
 build=$(cd "$1" && pwd) || exit 1
 shift
 here=$(cd "$(dirname "$0")" && pwd)
@@ -17,9 +24,6 @@ root=$(cd "$here/../.." && pwd)
 watchdog=45 # seconds for one test
 fault='zunhost: unhandled exception'
 tries=3     # where Wine itself does not come up
-if [ -z "${DISPLAY:-}" ]; then
-    exec "$root/tools/run/display.sh" "$0" "$build" "$@"
-fi
 
 windows_path() { echo "Z:${1//\//\\}"; }
 directives() { sed -nE "s/^#: $2 (.*)$/\1/p" "$1"; }
@@ -67,7 +71,7 @@ drive() { # script, folder
     for ((try = 0; try < tries; try++)); do
         rm -f "$2/calls.log"
         # shellcheck disable=SC2086 # options are words
-        timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$build/wine" "$build/tools/editor/zunhost.exe" \
+        timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$prefix" "$build/tools/editor/zunhost.exe" \
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
             --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" \
@@ -84,48 +88,69 @@ drive() { # script, folder
     return $status
 }
 
-passed=0
-failed=0
-scripts=()
-if [ $# -gt 0 ]; then
-    for name in "$@"; do scripts+=("$here/${name%.drive}.drive"); done
-else
-    scripts=("$here"/*.drive)
-fi
-for script in "${scripts[@]}"; do
-    name=$(basename "$script" .drive)
+# Prints a PASS or FAIL line for one script.
+run_test() { # script
+    local name folder start wrong='' large status wanted text took
+    name=$(basename "$1" .drive)
     folder=$build/window/$name
     start=$(date +%s%N)
-    wrong=
     if lay_out "$folder"; then
-        large=$(directives "$script" catalogue)
+        large=$(directives "$1" catalogue)
         [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
-        drive "$script" "$folder"
+        drive "$1" "$folder"
         status=$?
-        wanted=$(directives "$script" status)
+        wanted=$(directives "$1" status)
         [ $status = "${wanted:-0}" ] || wrong="ended with $status instead of ${wanted:-0}"
         while IFS= read -r text; do
             grep -qF -- "$text" "$folder/output.txt" || wrong="$wrong; did not say \"$text\""
-        done < <(directives "$script" says)
+        done < <(directives "$1" says)
         # A fault as the process ends leaves its status alone. (The system's own programs may have faults, too.)
-        if grep -qF "$fault" "$folder/output.txt" && ! directives "$script" says | grep -qF "$fault"; then
+        if grep -qF "$fault" "$folder/output.txt" && ! directives "$1" says | grep -qF "$fault"; then
             wrong="$wrong; $(grep -m1 -F "$fault" "$folder/output.txt")"
         fi
     else
         wrong="its folders can't be made"
     fi
     took=$((($(date +%s%N) - start) / 100000000))
+    took="$((took / 10)).$((took % 10)) s"
     if [ -z "$wrong" ]; then
-        passed=$((passed + 1))
-        echo "PASS $name ($((took / 10)).$((took % 10)) s)"
+        echo "PASS $name ($took)"
     else
-        failed=$((failed + 1))
-        echo "FAIL $name ($((took / 10)).$((took % 10)) s): ${wrong#; }"
+        echo "FAIL $name ($took): ${wrong#; }"
         sed 's/^/    /' "$folder/output.txt" | tail -n 60
         echo "    last calls:"
         tail -n 15 "$folder/calls.log" 2>/dev/null | sed 's/^/      /'
     fi
+}
+
+# One lane: takes one script after another that no lane has taken yet.
+if [ "${1:-}" = --lane ]; then
+    prefix=$2
+    taken=$3
+    shift 3
+    for script in "$@"; do
+        mkdir "$taken/$(basename "$script")" 2>/dev/null || continue
+        outcome=$(run_test "$script")
+        echo "$outcome" # in one piece: the lanes write into one log
+    done
+    exit 0
+fi
+
+scripts=()
+if [ $# -gt 0 ]; then
+    for name in "$@"; do scripts+=("$here/${name%.drive}.drive"); done
+else
+    scripts=("$here"/*.drive)
+fi
+taken=$(mktemp -d) || exit 1
+outcomes=$taken/outcomes
+trap 'kill $(jobs -p) 2>/dev/null; rm -rf "$taken"' EXIT
+trap 'exit 130' INT TERM
+for ((lane = 1; lane <= lanes; lane++)); do
+    "$root/tools/run/display.sh" "$0" "$build" --lane "$build/wine-lane-$lane" "$taken" "${scripts[@]}" | tee -a "$outcomes" &
 done
-[ $((passed + failed)) -gt 0 ] || failed=1
+wait
+passed=$(grep -c '^PASS ' "$outcomes")
+failed=$((${#scripts[@]} - passed)) # one that has no outcome has failed, too
 echo "window tests: $passed passed, $failed failed"
-[ $failed = 0 ]
+[ $failed = 0 ] && [ $passed -gt 0 ]

@@ -57,9 +57,9 @@ run_ctest() { # preset, command to run it with...
     add "tests $preset ($((SECONDS - start)) s)" $counts
 }
 
-# The window tests mostly wait for windows, so they run beside the native tests.
+# The window tests mostly wait for windows, so they run beside the others.
 start_window_tests() {
-    timeout 1800 tools/run/display.sh tests/window/run.sh build/windows >"$logs/test-window.log" 2>&1 &
+    timeout 1800 tests/window/run.sh -j "$jobs" build/windows >"$logs/test-window.log" 2>&1 &
     window_tests=$!
     trap 'kill "$window_tests"; exit 130' INT TERM
 }
@@ -67,7 +67,7 @@ start_window_tests() {
 end_window_tests() {
     local log=$logs/test-window.log line status=0
     wait "$window_tests" || status=$?
-    grep -v '^window tests: ' "$log"
+    grep -av '^window tests: ' "$log"
     line=$(sed -nE 's/^window tests: ([0-9]+) passed, ([0-9]+) failed$/\1 \2/p' "$log" | tail -n 1)
     if [ -z "$line" ] || { [ "$status" != 0 ] && [ "${line#* }" = 0 ]; }; then
         echo "the runner of the window tests ended with $status"
@@ -102,8 +102,8 @@ fi
 [ -z "$linux" ] || run_ctest linux
 [ -z "$asan" ] || run_ctest linux-asan
 if [ -n "$windows" ]; then
-    end_window_tests
     run_ctest windows tools/run/display.sh
+    end_window_tests
 fi
 
 [ $((passed + failed)) -gt 0 ] || failed=1

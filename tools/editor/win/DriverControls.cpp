@@ -162,6 +162,12 @@ std::string layoutFaults(HWND top) {
         GetWindowRect(control, &area);
         GetClientRect(GetParent(control), &parent);
         MapWindowPoints(GetParent(control), nullptr, reinterpret_cast<POINT*>(&parent), 2);
+        // What is scrolled may reach over the upper and the lower edge.
+        if (GetWindowLongA(GetParent(control), GWL_STYLE) & WS_VSCROLL) {
+            if (area.bottom <= parent.top || area.top >= parent.bottom) continue;
+            parent.top = std::min(parent.top, area.top);
+            parent.bottom = std::max(parent.bottom, area.bottom);
+        }
         if (IsRectEmpty(&area) || !IntersectRect(&common, &area, &parent) || !EqualRect(&common, &area))
             faults += "\n    " + describe(control) + " is not wholly inside";
         for (const HWND other : seen) {

@@ -9,9 +9,11 @@
 #include <memory>
 #include <thread>
 
+#include "tools/editor/win/ChildEditor.h"
 #include "tools/editor/win/CrashReport.h"
 #include "tools/editor/win/Driver.h"
 #include "tools/editor/win/EditorWindow.h"
+#include "tools/editor/win/SystemLook.h"
 
 namespace {
 
@@ -26,11 +28,14 @@ struct Options {
     std::vector<std::string> values;
     std::string pictures = ".";
     unsigned limit = 0;
+    int dpi = 0;
+    std::string font;
     bool hidden = false;
 };
 
 constexpr int kUsage = 2;
 constexpr int kCannot = 3;
+constexpr unsigned kMoreSeconds = 2;
 
 // Reports what keeps the program from starting: to the one who drives it, or to the user.
 int complain(const Options& options, const std::string& text) {
@@ -122,12 +127,23 @@ int main(int argc, char** argv) {
     app.add_option("--pictures", options.pictures, "Folder for the picture taken when a script fails");
     app.add_option("--limit", options.limit,
                    "End with status 1 when the script takes longer than these seconds");
+    app.add_option("--dpi", options.dpi, "Dots an inch of the screen that a driven editor finds (under Wine)")
+        ->check(CLI::Range(96, 480));
+    app.add_option("--font", options.font, "Face of the system's message font that it finds (under Wine)");
     app.add_flag("--hidden", options.hidden, "Do not show the editor's own window");
     app.set_version_flag("--version", ZOKA_VERSION);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& fault) {
         return app.exit(fault) == 0 ? 0 : kUsage;
+    }
+    if (!options.script.empty() && !zoka::isChildEditor()) {
+        const zoka::SystemLook look(options.dpi, options.font);
+        // Its own watch names the line that it hangs at; this one is for a process that does not end.
+        int status = 0;
+        if (!zoka::runInChild(options.limit ? options.limit + kMoreSeconds : 0, status))
+            return complain(options, "the driven editor can't be started");
+        return status;
     }
     return runEditor(options);
 }
