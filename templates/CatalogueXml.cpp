@@ -268,12 +268,20 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
     m_type = zoka::attribute(root, "type");
     m_version = zoka::attribute(root, "version");
     m_date = zoka::attribute(root, "date");
-    m_engreq.vers = zoka::engineVersion(root);
-    for (XMLNode node = root.firstChild("Directory"); !node.isEmpty(); node = node.nextSibling("Directory"))
-        AddDirectory(zoka::attribute(node, "type"), zoka::attribute(node, "path"));
-    const auto total = static_cast<size_t>(root.childCount("Script"));
+    // One walk over the children: the elements of a large file are far apart in memory, and each visit is felt.
+    const auto total = static_cast<size_t>(root.childCount());
     reserveScripts(total);
-    for (XMLNode node = root.firstChild("Script"); !node.isEmpty(); node = node.nextSibling("Script")) {
+    bool hasReq = false;
+    for (XMLNode node = root.firstChild(); !node.isEmpty(); node = node.nextSibling()) {
+        node.nextSibling().prefetch();
+        const char* const name = node.getName();
+        if (!zoka::equalNoCase(name, "Script")) {
+            if (zoka::equalNoCase(name, "Directory"))
+                AddDirectory(zoka::attribute(node, "type"), zoka::attribute(node, "path"));
+            else if (zoka::equalNoCase(name, "EngineReq") && !std::exchange(hasReq, true))
+                m_engreq.vers = zoka::attribute(node, "vers");
+            continue;
+        }
         // Often enough to keep a window alive, too seldom to be felt.
         if (m_rows.size() % 1024 == 0 && !zoka::goOn(progress, m_rows.size(), total, m_name)) {
             Empty();

@@ -48,19 +48,20 @@ void CTemplateData::reserveScripts(std::size_t scripts) {
     m_rows.reserve(scripts);
     m_sources.reserve(scripts);
     m_byName.reserve(scripts);
-    m_byFilename.reserve(scripts);
     m_byFilenameNoCase.reserve(scripts);
 }
 
 void CTemplateData::append(const Row& row, Source source) {
     const auto record = static_cast<std::uint32_t>(m_rows.size());
+    const std::uint32_t nameHash = m_byName.approach(row.name);
+    const std::uint32_t filenameHash = m_byFilenameNoCase.approach(row.filename);
     m_rows.push_back(row);
     m_sources.push_back(std::move(source));
-    m_byName.add(record, nameIn(m_rows));
-    m_byFilename.add(record, filenameIn(m_rows));
-    m_byFilenameNoCase.add(record, filenameIn(m_rows));
     m_byClass[row.className].push_back(record);
     m_byType[row.type].push_back(record);
+    m_byName.add(record, nameHash, nameIn(m_rows));
+    if (!m_byFilenameNoCase.add(record, filenameHash, filenameIn(m_rows)))
+        m_laterByFilename.add(record, filenameIn(m_rows));
 }
 
 void CTemplateData::AddDirectory(const std::string& type, const std::string& path) {
@@ -220,8 +221,11 @@ std::optional<CScriptElm> CTemplateData::findByName(std::string_view name) const
 }
 
 std::optional<CScriptElm> CTemplateData::findByFilename(std::string_view filename) const {
-    const std::uint32_t record = m_byFilename.find(filename, filenameIn(m_rows));
-    return record == m_byFilename.kNone ? std::nullopt : std::optional(script(record));
+    const std::optional<std::uint32_t> first = recordByFilenameNoCase(filename);
+    if (!first || m_rows[*first].filename == filename)
+        return first ? std::optional(script(*first)) : std::nullopt;
+    const std::uint32_t later = m_laterByFilename.find(filename, filenameIn(m_rows));
+    return later == m_laterByFilename.kNone ? std::nullopt : std::optional(script(later));
 }
 
 std::optional<CScriptElm> CTemplateData::findByFilenameNoCase(std::string_view filename) const {

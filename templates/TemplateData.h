@@ -164,8 +164,8 @@ public:
     std::optional<CScriptElm> findByFilenameNoCase(std::string_view filename) const;
     std::optional<std::uint32_t> recordByFilenameNoCase(std::string_view filename) const;
     const Directory* findDirectory(std::string_view type) const;
-    // Replaces the content by that of a parsed catalogue, which nobody may change afterwards. False when `progress` stopped it; the catalogue is
-    // then empty.
+    // Replaces the content by that of a parsed catalogue, which nobody may change afterwards. False when `progress`
+    // stopped it; the catalogue is then empty.
     bool LoadFromNode(const XMLNode& root, zoka::JobProgress* progress = nullptr);
 
 private:
@@ -188,8 +188,9 @@ private:
     std::vector<Source> m_sources;  // of each row
 
     zoka::RecordIndex<false> m_byName;
-    zoka::RecordIndex<false> m_byFilename;
     zoka::RecordIndex<true> m_byFilenameNoCase;
+    // Those left out of the former, where an earlier one's name differs in case at most.
+    zoka::RecordIndex<false> m_laterByFilename;
     zoka::RecordIndex<false> m_byDirectoryType;
     std::unordered_map<std::string_view, Records> m_byClass;
     std::unordered_map<std::string_view, Records> m_byType;

@@ -126,6 +126,21 @@ TEST(TemplateData, ValueQueriesTakeTheFirstMatch) {
     EXPECT_FALSE(data.QTemplateScript("math"));
 }
 
+TEST(TemplateData, OfFileNamesThatDifferInCaseEachFindsItsFirst) {
+    CTemplateData data;
+    data.AddScript(script("Lower", "gun.kez", "", ""));
+    data.AddScript(script("Upper", "GUN.KEZ", "", ""));
+    data.AddScript(script("Second lower", "gun.kez", "", ""));
+    data.AddScript(script("Second upper", "GUN.KEZ", "", ""));
+    std::string name;
+    EXPECT_TRUE(data.GetNameFromFilename(name, "gun.kez"));
+    EXPECT_EQ(name, "Lower");
+    EXPECT_TRUE(data.GetNameFromFilename(name, "GUN.KEZ"));
+    EXPECT_EQ(name, "Upper");
+    EXPECT_FALSE(data.GetNameFromFilename(name, "Gun.kez"));
+    EXPECT_EQ(data.findByFilenameNoCase("Gun.kez")->m_name, "Lower");
+}
+
 TEST(TemplateData, FilenameIsJoinedWithoutNormalisation) {
     struct Row {
         const char *base, *directory, *filename, *path;
