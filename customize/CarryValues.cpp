@@ -75,7 +75,8 @@ std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly) 
 std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntryFacts& facts) {
     if (std::string why = entryRefusal(facts, kept.value); !why.empty()) return why;
     if (kept.kind == entry.kind || kept.value == entry.value) return {};
-    const bool listed = std::find(facts.options.begin(), facts.options.end(), kept.value) != facts.options.end();
+    const bool listed =
+        std::find(facts.options.begin(), facts.options.end(), kept.value) != facts.options.end();
     if (facts.field == EntryField::DropList && !facts.options.empty() && !listed)
         return "the entry is a list now, and the value is not one of its choices";
     if ((kept.kind == kEnable || entry.kind == kEnable) && !listed)
@@ -135,7 +136,7 @@ std::string oldValuesText(const std::string& earlier, const CustomScript& script
         const std::string value = onOneLine(one.kept.value);
         if (one.kept.id >= 1) {
             newIds.insert(one.kept.id);
-            appendValueRecord(records, {one.kept.id, one.kept.kind, value});
+            appendValueRecord(records, one.kept.id, one.kept.kind, value);
         } else {
             // An id of 0 makes readers pass over the line behind it.
             const std::string label = onOneLine(one.kept.label);

@@ -55,15 +55,17 @@ void checkValue(CustomScript& script, const CustomEntry& entry) {
     if (isNumberKind(entry.kind) && isLimited(entry) && entry.minimum <= entry.maximum) {
         const double value = numberOf(entry.value).value_or(0);
         if (value < entry.minimum || value > entry.maximum)
-            script.findings.add(entry.line, "the value " + entry.value + " of " + inQuotes(entry.label) +
-                                                " lies outside its limits (" +
-                                                allowedRange(specOf(script, entry)) +
-                                                "); it was left as it is");
+            script.findings.add(entry.line,
+                                "the value " + entry.value + " of " + inQuotes(entry.label) +
+                                    " lies outside its limits (" + allowedRange(specOf(script, entry)) +
+                                    "); it was left as it is",
+                                true);
     } else if (entry.kind == kEntryDrop && entry.controlKind == kDropList && !entry.options.empty() &&
                std::find(entry.options.begin(), entry.options.end(), entry.value) == entry.options.end()) {
-        script.findings.add(entry.line, "the value " + inQuotes(entry.value) + " of " +
-                                            inQuotes(entry.label) +
-                                            " is not among its choices; it was left as it is");
+        script.findings.add(entry.line,
+                            "the value " + inQuotes(entry.value) + " of " + inQuotes(entry.label) +
+                                " is not among its choices; it was left as it is",
+                            true);
     } else if (entry.kind == kEnable && entry.value == "1") {
         // Commented out, the line would be markup.
         size_t end = script.text.find('\n', entry.valueStart);
@@ -72,9 +74,11 @@ void checkValue(CustomScript& script, const CustomEntry& entry) {
         const std::string commented = "//" + std::string(line.substr(0, 80));
         const std::string_view word = splitMarkupLine(commented).keyword;
         if (LookupCustomKeyword(word) >= 0)
-            script.findings.add(entry.line, "the line below the switch " + inQuotes(entry.label) +
-                                                " begins with the keyword " + inQuotes(std::string(word)) +
-                                                ": once switched off it can't be switched on again");
+            script.findings.add(entry.line,
+                                "the line below the switch " + inQuotes(entry.label) +
+                                    " begins with the keyword " + inQuotes(std::string(word)) +
+                                    ": once switched off it can't be switched on again",
+                                true);
     }
 }
 
@@ -108,12 +112,16 @@ void takeCustomText(std::string fileText, CustomScript& script) {
 
 void checkCustomEntries(CustomScript& script) {
     checkIds(script);
+    checkCustomValues(script);
+}
+
+void checkCustomValues(CustomScript& script) {
     for (const CustomEntry& entry : script.entries) checkValue(script, entry);
     script.findings.sortByLine();
 }
 
 EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
-                 const std::vector<std::string>& hostNames) {
+                  const std::vector<std::string>& hostNames) {
     EntryFacts facts;
     facts.label = entry.label;
     facts.help = entry.help;
@@ -122,8 +130,8 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
         const char before = script.text[entry.valueStart - 1];
         // The span of a bare value begins behind a blank, "=" or a line end.
         facts.shape = before == '"'   ? ValueShape::Quoted
-                     : before == '<' ? ValueShape::Bracketed
-                                     : ValueShape::Bare;
+                      : before == '<' ? ValueShape::Bracketed
+                                      : ValueShape::Bare;
     }
     switch (entry.kind) {
         case kTitle:
@@ -148,12 +156,13 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
                 facts.step = std::max(0.0, entry.step);
             }
             // A whole number whose limits or step have fractions is one that happens to be whole.
-            facts.decimal = hasFraction(facts.minimum) || hasFraction(facts.maximum) || hasFraction(facts.step);
+            facts.decimal =
+                hasFraction(facts.minimum) || hasFraction(facts.maximum) || hasFraction(facts.step);
             facts.keepPoint = entry.kind == kEntryNumEditF && !facts.decimal;
             facts.decimal = facts.decimal || entry.kind == kEntryNumEditF;
             facts.field = entry.controlKind == kSliderControl ? EntryField::Slider
-                         : facts.decimal                      ? EntryField::FloatField
-                                                             : EntryField::IntField;
+                          : facts.decimal                     ? EntryField::FloatField
+                                                              : EntryField::IntField;
             break;
         case kEntryChooseFile:
             facts.field = EntryField::FileField;

@@ -67,10 +67,12 @@ void takeCustomText(std::string fileText, CustomScript& script);
 // Findings that need the whole list: an id used twice, values outside their limits, lists without the current
 // value. Part of loading.
 void checkCustomEntries(CustomScript& script);
+// Those of them that are about values alone.
+void checkCustomValues(CustomScript& script);
 
 // The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
 EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
-                 const std::vector<std::string>& hostNames = {});
+                  const std::vector<std::string>& hostNames = {});
 
 // The two choices of a "drop_pair": of yes/no, on/off, true/false and 1/0 the pair that `value` belongs to,
 // written as the value is ("No" gives Yes and No); on/off for any other value.

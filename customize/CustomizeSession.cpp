@@ -23,7 +23,7 @@ bool CustomizeSession::open(const std::string& fileName) {
     if (!load(fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName)) return false;
     m_unplaced.clear();
     filter.unfoldAll();
-    show(false);
+    show();
     return true;
 }
 
@@ -44,8 +44,12 @@ bool CustomizeSession::load(const std::string& fileName) {
 }
 
 // Makes the rows of a script just loaded.
-void CustomizeSession::show(bool keepHistory) {
+void CustomizeSession::show() {
     m_panel.makeRows(hostNames());
+    showRows(false);
+}
+
+void CustomizeSession::showRows(bool keepHistory) {
     m_defaults.reset();
     if (!keepHistory) m_history.clear();
     m_view->rowsReplaced();
@@ -114,7 +118,7 @@ bool CustomizeSession::restore() {
     const bool loaded = load(std::string(m_panel.script.scriptPath));
     if (loaded) {
         m_unplaced.clear();
-        show(false);
+        show();
     } else {
         m_prompt.tell(m_problem);
     }
@@ -140,7 +144,7 @@ bool CustomizeSession::update() {
         return false;
     }
     m_unplaced.clear();
-    show(false);
+    show();
     m_view->bringToFront();
     if (byFile)
         carryFromValueFile(values);

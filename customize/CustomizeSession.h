@@ -105,7 +105,8 @@ public:
 
 private:
     bool load(const std::string& fileName);
-    void show(bool keepHistory);
+    void show();
+    void showRows(bool keepHistory);
     bool fetchTemplateCopy();
     bool mayDropChanges();
     size_t reset(size_t first, size_t last, ResetTo to);

@@ -11,4 +11,12 @@ void ScriptPanel::makeRows(const std::vector<std::string>& hostNames) {
     }
 }
 
+void ScriptPanel::settleRows(const std::vector<std::string>& hostNames) {
+    for (size_t i = 0; i < m_rows.size(); ++i) {
+        const CustomEntry& entry = script.entries[i];
+        if (m_rows[i].HasChanged() || entry.kind == kEntryEntity || entry.kind == kEntryPath)
+            m_rows[i] = EntryModel(specOf(script, entry, hostNames));
+    }
+}
+
 }  // namespace zoka

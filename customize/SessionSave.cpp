@@ -54,7 +54,7 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
     if (answer != PromptAnswer::Yes) return SaveResult::Cancelled;
     const std::vector<KeptValue> values = valuesToKeep(m_panel, true);
     if (!load(std::string(m_panel.script.scriptPath))) return fail(m_problem);
-    show(false);
+    show();
     m_unplaced = carryValues(values, m_panel);
     EditHistory::Step step;
     for (size_t i = 0; i < size(); ++i)
@@ -120,24 +120,38 @@ SaveResult CustomizeSession::save() {
         const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
         if (const std::string fault = editFault(m_panel.script, edits); !fault.empty())
             return fail(fault + "\nThe script was not saved.");
+        std::string text = editedText(m_panel.script.fileText(), edits);
+        // Nearly every edit leaves the other entries where they are; only those that may not are read again.
+        const bool kept = keepsEntries(m_panel.script, edits);
         ScriptPanel saved;
-        takeCustomText(editedText(m_panel.script.fileText(), edits), saved.script);
-        if (!confirmLostEntries(saved.script)) return SaveResult::Cancelled;
+        if (!kept) {
+            takeCustomText(text, saved.script);
+            if (!confirmLostEntries(saved.script)) return SaveResult::Cancelled;
+        }
         bool copied = false;
         if (!takeIntoProject(copied)) return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
         const std::string path = m_panel.script.scriptPath;
-        if (const SafeWriteResult written = safeWrite(path, saved.script.fileText()); !written) {
+        const std::string values = valueFileText(m_panel.script, true);
+        const FileContent files[] = {{path, text}, {path + kValueFileEnding, values}};
+        const SafeWriteResult result = safeWrite(files);
+        if (result.written == 0) {
             const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
-            return fail(opens ? written.error : "Error open file to write", written.error);
+            return fail(opens ? result.error : "Error open file to write", result.error);
         }
         if (copied) m_host.MainScriptChanged();
-        const bool recorded = WriteValueFile(m_panel.script, true, m_prompt, &m_problem);
-        // The file's bytes are those that were just read: the spans of the next save are right.
-        saved.script.scriptPath = path;
-        const bool keepHistory = sameRows(m_panel.script, saved.script);
-        m_panel = std::move(saved);
-        show(keepHistory);
-        return recorded ? SaveResult::Saved : SaveResult::Failed;
+        // The script becomes what the file holds now: the spans of the next save are right.
+        if (kept) {
+            applyEdits(m_panel.script, edits, std::move(text));
+            m_panel.settleRows(hostNames());
+            showRows(true);
+        } else {
+            saved.script.scriptPath = path;
+            const bool keepHistory = sameRows(m_panel.script, saved.script);
+            m_panel = std::move(saved);
+            m_panel.makeRows(hostNames());
+            showRows(keepHistory);
+        }
+        return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.error);
     }
     return WriteValueFile(m_panel.script, true, m_prompt, &m_problem) ? SaveResult::Saved
                                                                       : SaveResult::Failed;

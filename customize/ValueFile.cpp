@@ -1,5 +1,6 @@
 #include "customize/ValueFile.h"
 
+#include <charconv>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -77,14 +78,20 @@ ValueRecords parseValueFile(std::string_view bytes) {
     return result;
 }
 
-void appendValueRecord(std::string& text, const ValueRecord& record) {
-    text += std::to_string(record.id) + '\n' + std::to_string(record.kind) + '\n' + record.value + "\n\n";
+void appendValueRecord(std::string& text, int id, int kind, std::string_view value) {
+    for (const int number : {id, kind}) {
+        char digits[12];
+        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        *end = '\n';
+        text.append(digits, end + 1);
+    }
+    text.append(value).append("\n\n");
 }
 
 std::string valueFileText(const CustomScript& script, bool useControlValues) {
     std::string text = "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n";
     for (const CustomEntry& entry : script.entries)
-        if (entry.id >= 1) appendValueRecord(text, {entry.id, entry.kind, valueOf(entry, useControlValues)});
+        if (entry.id >= 1) appendValueRecord(text, entry.id, entry.kind, valueOf(entry, useControlValues));
     return text;
 }
 
@@ -93,7 +100,7 @@ bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPromp
         safeWrite(script.scriptPath + kValueFileEnding, valueFileText(script, useControlValues));
     if (written) return true;
     if (why) *why = written.error;
-    prompt.tell("Error open file to write\n(Code 2701)");
+    prompt.tell(kValueFileNotWritten);
     return false;
 }
 

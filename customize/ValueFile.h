@@ -13,6 +13,7 @@ namespace zoka {
 
 // The script's full name with this appended.
 inline constexpr const char* kValueFileEnding = ".zoka";
+inline constexpr const char* kValueFileNotWritten = "Error open file to write\n(Code 2701)";
 // A line longer than this is read as several.
 inline constexpr size_t kValueFileLine = 511;
 
@@ -32,7 +33,7 @@ ValueRecords parseValueFile(std::string_view bytes);
 // have one), otherwise those found in the script.
 std::string valueFileText(const CustomScript& script, bool useControlValues);
 // One record as it stands in the file.
-void appendValueRecord(std::string& text, const ValueRecord& record);
+void appendValueRecord(std::string& text, int id, int kind, std::string_view value);
 
 // False after a message when the file can't be written; the old one then stays. `why` (may be null) is set to
 // the system's reason.

@@ -1,6 +1,10 @@
 #include "customize/WriteBack.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "controls/EntryRules.h"
+#include "util/LexChars.h"
 
 namespace zoka {
 namespace {
@@ -9,6 +13,37 @@ std::string_view withoutLineEnd(std::string_view text) {
     if (text.ends_with('\n')) text.remove_suffix(1);
     if (text.ends_with('\r')) text.remove_suffix(1);
     return text;
+}
+
+bool isDigits(std::string_view text) {
+    return text.find_first_not_of("0123456789") == text.npos;
+}
+
+bool isPlainWord(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return lex::isDecimal(c) || (lex::lower(c) >= 'a' && lex::lower(c) <= 'z') || c == '_' || c == '.' ||
+               lex::isSign(c);
+    });
+}
+
+bool keepsEntry(const CustomScript& script, const ScriptEdit& edit) {
+    const CustomEntry& entry = script.entries[edit.entry];
+    const std::string_view before = std::string_view(script.text).substr(edit.start, edit.length);
+    if (entry.kind == kEnable || edit.text.empty() || before.find_first_of("\"\r\n") != before.npos)
+        return false;
+    switch (script.text[edit.start - 1]) {  // a definition begins with the word that declares
+        case '"':
+            return edit.text.find_first_of("\"\r\n") == edit.text.npos;
+        case '<':
+            return entry.kind == kEntryChooseFile && edit.text.find_first_of("<>\"\r\n") == edit.text.npos &&
+                   !lex::isSpace(edit.text.front()) && !lex::isSpace(edit.text.back());
+        default:
+            break;
+    }
+    const char behind = script.text[edit.start + edit.length];
+    if (!isPlainWord(edit.text) || !(lex::isSpace(behind) || behind == ';' || behind == ',')) return false;
+    if (entry.kind == kEntryNumEdit) return isDigits(edit.text);
+    return entry.kind != kEntryNumEditF || (!isDigits(edit.text) && numberOf(edit.text));
 }
 
 }  // namespace
@@ -88,6 +123,33 @@ std::vector<LineChange> lineChanges(std::string_view fileText, const std::vector
                            std::string(withoutLineEnd(after))});
     }
     return changes;
+}
+
+bool keepsEntries(const CustomScript& script, const std::vector<ScriptEdit>& edits) {
+    // Findings that could move up into those kept are not at hand.
+    return script.findings.count() + edits.size() < MarkupFindings::kKept &&
+           std::all_of(edits.begin(), edits.end(),
+                       [&](const ScriptEdit& edit) { return keepsEntry(script, edit); });
+}
+
+void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std::string newText) {
+    script.text = std::move(newText);
+    script.fileLength = script.text.size();
+    if (!script.text.ends_with("\r\n")) script.text += "\r\n";
+    size_t moved = 0;  // by which the spans lie further behind; modulo the size's range where it's in front
+    auto edit = edits.begin();
+    for (size_t i = 0; i < script.entries.size(); ++i) {
+        CustomEntry& entry = script.entries[i];
+        if (!entry.hasValue()) continue;
+        entry.valueStart += moved;
+        if (edit == edits.end() || edit->entry != i) continue;
+        entry.value = edit->text;
+        entry.valueLength = edit->text.size();
+        moved += edit->text.size() - edit->length;
+        ++edit;
+    }
+    script.findings.forgetThoseOfValues();
+    checkCustomValues(script);
 }
 
 std::vector<size_t> notReadBack(const CustomScript& script, const CustomScript& saved) {

@@ -36,6 +36,12 @@ struct LineChange {
 };
 std::vector<LineChange> lineChanges(std::string_view fileText, const std::vector<ScriptEdit>& edits);
 
+// Whether the edited text, read again, has the same entries with the new values and nothing else has changed.
+// False when that isn't certain, as with switched lines, emptied values and line ends.
+bool keepsEntries(const CustomScript& script, const std::vector<ScriptEdit>& edits);
+// For edits that keep the entries: makes the script what reading `newText`, the edited text, would make it.
+void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std::string newText);
+
 // The entries with a value that `saved`, read from the edited text, no longer has or has with another value
 // than the control's: their places in `script`.
 std::vector<size_t> notReadBack(const CustomScript& script, const CustomScript& saved);

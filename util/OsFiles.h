@@ -94,6 +94,9 @@ public:
     virtual bool replaceFile(const std::string& target, const std::string& replacement) = 0;
     // Renames a file; false when `to` exists.
     virtual bool renameNew(const std::string& from, const std::string& to) = 0;
+    // Returns when what was renamed in the folder would outlast a power cut. Where a system can't be told to,
+    // or does so by itself, there is nothing to do.
+    virtual void flushFolder(const std::string& path) = 0;
 
     // Why this thread's last operation that failed did so, in the system's words ("Permission denied").
     virtual std::string lastError() = 0;

@@ -5,7 +5,7 @@
 namespace zoka::test {
 namespace {
 
-std::string letters(std::mt19937& random, const char* set, size_t most) {
+std::string letters(std::minstd_rand& random, const char* set, size_t most) {
     const std::string all = set;
     std::string made(1 + random() % most, ' ');
     for (char& c : made) c = all[random() % all.size()];
@@ -14,7 +14,7 @@ std::string letters(std::mt19937& random, const char* set, size_t most) {
 
 }  // namespace
 
-std::string otherValue(const EntryModel& row, std::mt19937& random) {
+std::string otherValue(const EntryModel& row, std::minstd_rand& random) {
     const EntryFacts& facts = row.facts();
     for (int tries = 0; tries < 20; ++tries) {
         std::string value;

@@ -9,6 +9,6 @@
 namespace zoka::test {
 
 // A value that the row takes and that differs from its own where it has more than one.
-std::string otherValue(const EntryModel& row, std::mt19937& random);
+std::string otherValue(const EntryModel& row, std::minstd_rand& random);
 
 }  // namespace zoka::test

@@ -425,7 +425,7 @@ TEST_F(Session, SearchAndChangesDecideWhatIsShown) {
 }
 
 TEST_F(Session, RandomEditsThroughThePanelSaveReadBackAndReverse) {
-    std::mt19937 random(3);
+    std::minstd_rand random(3);
     for (const auto& [name, bytes] : sampleScripts()) {
         SCOPED_TRACE(name);
         open(bytes);

@@ -73,6 +73,9 @@ public:
     bool renameNew(const std::string& from, const std::string& to) override {
         return !bad("renameNew", to) && m_real.renameNew(from, to);
     }
+    void flushFolder(const std::string& p) override {
+        if (!bad("flushFolder", p)) m_real.flushFolder(p);
+    }
     std::string lastError() override { return m_injected ? "injected fault" : m_real.lastError(); }
 
 private:

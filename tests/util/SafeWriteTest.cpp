@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/TempFolder.h"
 
@@ -66,6 +68,38 @@ TEST(SafeWrite, SurvivesAnySingleFault) {
             EXPECT_EQ(folder.names(), row.exists || result ? Names{"a.kez"} : Names{}) << failing;
         }
         EXPECT_GE(faults, row.fewestFaults) << "too few operations had their turn";
+    }
+}
+
+// Of several files the first ones have their new content and all others the old one, whatever fails.
+TEST(SafeWrite, SeveralFilesEndAtTheFirstThatFails) {
+    const std::string old(5000, 'o'), fresh(7000, 'n');
+    for (const bool inPlace : {false, true}) {
+        std::set<std::size_t> counts;
+        bool failed = true;
+        for (int failing = 1; failed; ++failing) {
+            const TempFolder folder;
+            const zoka::FileContent files[] = {{folder.write("a", old), fresh},
+                                               {folder.path("b"), inPlace ? old : fresh},
+                                               {folder.write("c", old), fresh}};
+            if (inPlace) {
+                folder.write("b", old);
+            }
+            FaultyOsFiles disk([&](int n, std::string_view op, const std::string&) {
+                return n == failing || (inPlace && noSibling(op));
+            });
+            const SafeWriteResult result = safeWrite(files);
+            failed = failing <= disk.operations();
+            counts.insert(result.written);
+            EXPECT_EQ(result.error.empty(), result.written == 3) << failing << ": " << result.error;
+            EXPECT_EQ(folder.read("a"), result.written >= 1 ? fresh : old) << failing;
+            EXPECT_EQ(folder.read("b"), inPlace ? old : result.written >= 2 ? fresh : "<missing>") << failing;
+            EXPECT_EQ(folder.read("c"), result.written >= 3 ? fresh : old) << failing;
+            for (const std::string& name : folder.names()) {
+                EXPECT_EQ(name.size(), 1u) << name;
+            }
+        }
+        EXPECT_EQ(counts, (std::set<std::size_t>{0, 1, 2, 3}));
     }
 }
 

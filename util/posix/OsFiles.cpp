@@ -262,11 +262,7 @@ public:
         if (lchown(from.c_str(), info.st_uid, info.st_gid) != 0 && errno != EPERM) {
             return false;
         }
-        if (chmod(from.c_str(), info.st_mode & 07777) != 0 || rename(from.c_str(), to.c_str()) != 0) {
-            return false;
-        }
-        syncFolder(to);
-        return true;
+        return chmod(from.c_str(), info.st_mode & 07777) == 0 && rename(from.c_str(), to.c_str()) == 0;
     }
 
     bool renameNew(const std::string& from, const std::string& to) override {
@@ -281,12 +277,16 @@ public:
                 errno = EEXIST;
                 return false;
             }
-            if (rename(nativeFrom.c_str(), nativeTo.c_str()) != 0) {
-                return false;
-            }
+            return rename(nativeFrom.c_str(), nativeTo.c_str()) == 0;
         }
-        syncFolder(nativeTo);
         return true;
+    }
+
+    void flushFolder(const std::string& path) override {
+        const Descriptor folder(open(toNativePath(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (folder.isOpen()) {
+            fsync(folder.get());
+        }
     }
 
     std::string lastError() override { return std::strerror(errno); }
@@ -312,15 +312,6 @@ private:
         std::ranges::sort(found,
                           [](const OsEntry& a, const OsEntry& b) { return lessNoCase(a.name, b.name); });
         return found;
-    }
-
-    // Makes a rename last through a power cut. Where folders can't be synchronised there is nothing to do.
-    static void syncFolder(const std::string& native) {
-        const Descriptor folder(
-            open(native.substr(0, native.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY));
-        if (folder.isOpen()) {
-            fsync(folder.get());
-        }
     }
 };
 

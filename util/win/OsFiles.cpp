@@ -249,6 +249,7 @@ public:
     bool renameNew(const std::string& from, const std::string& to) override {
         return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
     }
+    void flushFolder(const std::string&) override {}  // the file system's own log keeps the order
 
     std::string lastError() override {
         char text[512];

@@ -198,32 +198,40 @@ TEST(SafeWrite, SurvivesADiskWithoutRoom) {
     signal(SIGXFSZ, handler);
 }
 
-// The process dies in the middle of every operation.
+// The process dies before every operation, of one file and of two at once.
 TEST(SafeWrite, SurvivesACrash) {
     const TempFolder folder;
     const std::string old(5000, 'o'), fresh(7000, 'n');
-    const std::string path = folder.path("a");
-    int crashes = 0;
-    for (bool finished = false; !finished; ++crashes) {
-        folder.write("a", old);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            const FaultyOsFiles disk([crashes](int n, std::string_view, const std::string&) {
-                if (n > crashes) {
-                    _exit(1);
-                }
-                return false;
-            });
-            _exit(safeWrite(path, fresh) ? 0 : 2);
+    for (const bool both : {false, true}) {
+        const zoka::FileContent files[] = {{folder.path("a"), fresh}, {folder.path("b"), fresh}};
+        const std::span<const zoka::FileContent> written(files, both ? 2 : 1);
+        int crashes = 0;
+        for (bool finished = false; !finished; ++crashes) {
+            folder.write("a", old);
+            folder.write("b", old);
+            const pid_t child = fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                const FaultyOsFiles disk([crashes](int n, std::string_view, const std::string&) {
+                    if (n > crashes) {
+                        _exit(1);
+                    }
+                    return false;
+                });
+                _exit(safeWrite(written) ? 0 : 2);
+            }
+            int status = 0;
+            ASSERT_EQ(waitpid(child, &status, 0), child);
+            ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 2);
+            finished = WEXITSTATUS(status) == 0;
+            const bool newA = folder.read("a") == fresh, newB = folder.read("b") == fresh;
+            EXPECT_TRUE(newA || folder.read("a") == old) << "after " << crashes << " operations";
+            EXPECT_TRUE(newB || folder.read("b") == old) << "after " << crashes << " operations";
+            EXPECT_GE(newA, newB) << "the first one comes first";
+            EXPECT_TRUE(!finished || (newA && newB == both));
         }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 2);
-        finished = WEXITSTATUS(status) == 0;
-        EXPECT_EQ(folder.read("a"), finished ? fresh : old) << "after " << crashes << " operations";
+        EXPECT_GE(crashes, both ? 14 : 8);
     }
-    EXPECT_GE(crashes, 7);
 }
 
 }  // namespace
