@@ -174,6 +174,10 @@ bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>&
     if (values.empty()) return true;
     const std::string path = script.scriptPath + kOldValuesEnding;
     const auto earlier = osFiles().readWhole(path);
+    if (!earlier) {
+        why = "Can't read '" + path + "': " + osFiles().lastError();
+        if (osFiles().exists(path)) return false;  // what it keeps must not be overwritten
+    }
     const SafeWriteResult written = safeWrite(path, oldValuesText(earlier.value_or(""), script, values));
     why = written.error;
     return static_cast<bool>(written);

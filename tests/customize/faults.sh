@@ -1,0 +1,90 @@
+#!/bin/sh
+# Kills `zoka customize` at every system call that changes a file, and lets every such call, and every opening of
+# a file of the project, fail once: a full disk, a broken one, a file that may not be written. Afterwards the script
+# and each file beside it must be the old or the new one, whole; what failed must have said so; and the same
+# command must do its work when it's given once more.
+# usage: faults.sh PATH-OF-ZOKA SAMPLES-FOLDER. Status 77 where nothing can be traced.
+set -u
+zoka=$1
+samples=$2
+strace -o /dev/null true 2>/dev/null || {
+    echo "strace can't trace here"
+    exit 77
+}
+work=$(mktemp -d) && cd "$work" || exit 1
+trap 'rm -rf "$work"' EXIT
+runs=0
+
+fail() {
+    echo "FAILED: $*"
+    ls project
+    cat output
+    exit 1
+}
+
+# Whether each file is that of before/ or of after/. An update first writes the old script's values.
+check() { # what
+    for path in project/*; do
+        name=${path#project/}
+        case $name in
+        '~zk'*.tmp) [ $status -eq 137 ] || fail "$1: left $name behind" ;;
+        *)
+            cmp -s "$path" "before/$name" || cmp -s "$path" "after/$name" || cmp -s "$path" "between/$name" ||
+                fail "$1: $name is neither the old nor the new one"
+            ;;
+        esac
+    done
+    for path in before/*; do [ -e "project/${path#before/}" ] || fail "$1: ${path#before/} is lost"; done
+}
+
+# Runs the command once for each call of `$1` that it makes in the project, with `$2` injected there.
+inject() { # call fault arguments...
+    call=$1 fault=$2
+    shift 2
+    count=0
+    while :; do
+        count=$((count + 1))
+        rm -rf project
+        cp -R before project
+        where=
+        [ "$call" != openat ] || where="-P project -P project/fog.kez -P project/fog.kez.zoka -P project/fog.kez.zoka.old"
+        # shellcheck disable=SC2086
+        strace -f -o trace $where -e trace="$call" -e inject="$call:$fault:when=$count" \
+            "$zoka" customize "$@" >output 2>&1
+        status=$?
+        grep -q 'INJECTED\|killed by SIGKILL' trace || break
+        runs=$((runs + 1))
+        check "$* with $call number $count, $fault"
+        [ $status -eq 137 ] || [ $status -eq "$expected" ] || [ -s output ] || fail "$*: failed without a word"
+        "$zoka" customize "$@" >output 2>&1
+        cmp -s project/fog.kez after/fog.kez || fail "$*: the second try after $call number $count, $fault"
+    done
+    [ "$count" -gt 1 ] || [ "$call" = renameat2 ] || [ "$call" = unlink ] || [ "$call" = link ] ||
+        fail "$*: makes no call of $call"
+    diff -r project after >/dev/null || fail "$*: not the same without a fault"
+}
+
+faults() { # arguments...
+    rm -rf after project
+    cp -R before project
+    "$zoka" customize "$@" >output 2>&1
+    expected=$?
+    [ $expected -le 1 ] || fail "$* without a fault"
+    cp -R project after
+    cmp -s before/fog.kez after/fog.kez && fail "$* changed nothing"
+    for call in write rename renameat2 link fsync unlink openat; do inject "$call" signal=KILL "$@"; done
+    for call in write rename fsync; do inject "$call" error=ENOSPC "$@"; done
+    inject fsync error=EIO "$@"
+    inject openat error=EACCES "$@"
+}
+
+mkdir before between
+cp "$samples/templates/fog.kez" before
+faults set project/fog.kez 1=45 7=1 "8=other.tga" # the value file is new
+rm -rf before
+cp -R after before
+faults set project/fog.kez 1=50
+faults reset project/fog.kez -t "$samples/templates"
+"$zoka" customize export before/fog.kez -o - >between/fog.kez.zoka
+faults update project/fog.kez -t "$samples/templates-newer"
+echo "$runs runs with a fault, no file damaged"
