@@ -27,6 +27,15 @@ bool hasFraction(double value) {
     return decimalsOf(value) > 0;
 }
 
+void checkEncoding(CustomScript& script) {
+    if (script.text.starts_with("\xFF\xFE") || script.text.starts_with("\xFE\xFF"))
+        script.findings.add(
+            1, "the script is UTF-16 text, in which no markup is found; save it with 8-bit characters");
+    else if (script.text.starts_with("\xEF\xBB\xBF"))
+        script.findings.add(
+            1, "a byte order mark stands in front of the first line, which is not read as markup");
+}
+
 void checkIds(CustomScript& script) {
     const std::vector<CustomEntry>& entries = script.entries;
     std::vector<size_t> order;
@@ -106,6 +115,7 @@ void takeCustomText(std::string fileText, CustomScript& script) {
     script.entries.clear();
     script.version = script.date = 0;
     script.findings = {};
+    checkEncoding(script);
     ParseCustomMarkup(script.text, script);
     checkCustomEntries(script);
 }

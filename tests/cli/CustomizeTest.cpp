@@ -69,35 +69,46 @@ TEST_F(Customize, SetsValuesAllOrNone) {
 }
 
 TEST_F(Customize, ComparesResetsAndUpdatesByTheTemplate) {
-    folder.write("t.kez", with("= 10", "= 20"));
-    ToolRun run = folder.run("customize diff s.kez -t t.kez");
+    std::filesystem::create_directory(folder.path("t"));
+    folder.write("t/s.kez", with("= 10", "= 20"));
+    ToolRun run = folder.run("customize diff s.kez -t t");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "4\tFar end: 10 (there 20)\n");
     EXPECT_EQ(folder.run("customize diff s.kez -t s.kez").status, 0);
-    run = folder.run("customize update s.kez -t t.kez");
+    run = folder.run("customize update s.kez -t t");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(folder.read("s.kez"), kScript);  // the value was kept
-    run = folder.run("customize reset s.kez 4 -t t.kez");
+    run = folder.run("customize reset s.kez 4 -t t");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 20"));
-    folder.write("t.kez", with("// id: 4", "// id: 6"));
-    run = folder.run("customize update s.kez -t t.kez");
+    folder.write("t/s.kez", with("// id: 4", "// id: 6"));
+    run = folder.run("customize update s.kez -t t");
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.err, HasSubstr("Far end (id 4): 20"));
+    EXPECT_THAT(run.err, HasSubstr("Far end (id 4): 20 - the script has no entry for it\n"));
     EXPECT_EQ(folder.read("s.kez"), with("// id: 4", "// id: 6"));
     EXPECT_THAT(folder.read("s.kez.zoka.old"), HasSubstr("\n4\n11\n20\n"));
-    EXPECT_EQ(folder.run("customize update s.kez -t none.kez").status, 3);
-    EXPECT_EQ(folder.run("customize update s.kez -t s.kez").status, 3);
+    folder.write("t.kez", kScript);
+    for (const auto& [original, status] :
+         {std::pair("none", 2), {"t.kez", 2}, {"none/s.kez", 3}, {"s.kez", 3}}) {
+        run = folder.run(std::string("customize update s.kez -t ") + original);
+        EXPECT_EQ(run.status, status) << original;
+        EXPECT_EQ(folder.read("s.kez"), with("// id: 4", "// id: 6")) << original;
+    }
 }
 
 TEST_F(Customize, ExportsAndImportsValueFiles) {
     ToolRun run = folder.run("customize export s.kez -o -");
     EXPECT_EQ(run.out, "1\n2\n0\n\n4\n11\n10\n\n5\n8\n0\n\n");
+    EXPECT_EQ(folder.run("customize export s.kez -o ./S.KEZ").status, 2);
+    EXPECT_EQ(folder.read("s.kez"), kScript);
     run = folder.run("customize import s.kez -i -", "1\n2\n0\n\n4\n11\n33\n\n9\n8\n0\n\n");
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.err, HasSubstr("id 9"));
     EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 33"));
-    EXPECT_EQ(folder.run("customize import s.kez -i -", "1\n2\n").status, 1);
+    for (const char* broken : {"1\n2\n", "", kScript}) {
+        EXPECT_EQ(folder.run("customize import s.kez -i -", broken).status, 1) << broken;
+        EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 33"));
+    }
     EXPECT_EQ(folder.run("customize import none.kez").status, 3);
 }
 

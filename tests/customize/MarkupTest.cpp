@@ -250,6 +250,8 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
         {"// entry: A\n// cntl: slider 0 ten 1\nvar x = 0;", 2, "\"ten\" in the limits"},
         {"// entry: A\n// cntl: slider 9 1 1\nvar x = 5;", 2, "above its maximum"},
         {"// entry: A\ns = \"open;\n", 1, "never closed"},
+        {"\xEF\xBB\xBF// entry: A\nvar x = 5;\n", 1, "byte order mark"},
+        {"\xFF\xFE/", 1, "UTF-16"},
     };
     for (const auto& row : rows) {
         const CustomScript script = parsed(row.text);

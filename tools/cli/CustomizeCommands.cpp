@@ -1,5 +1,6 @@
 // zoka customize: the values that scripts offer for editing, without the panel.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -273,6 +274,15 @@ ExitStatus diff(const CustomizeOptions& options) {
 ExitStatus update(const CustomizeOptions& options) {
     const std::string path = osFiles().fullPath(suitePath(options.file));
     const std::string original = templateFile(path, options.other);
+    if (equalNoCase(path, original)) {
+        complain("the script is its own template; not updated");
+        return ExitStatus::Failed;
+    }
+    if (!equalNoCase(fileNameOf(path), fileNameOf(original)) &&
+        !equalNoCase(numberedTemplateOf(path), fileNameOf(original))) {
+        complain(original + " is another script's template: the names differ; not updated");
+        return ExitStatus::Usage;
+    }
     std::string why;
     auto plan = planValueUpdate(path, original, why);
     if (!plan) {
@@ -281,12 +291,14 @@ ExitStatus update(const CustomizeOptions& options) {
     }
     if (options.dryRun)
         print(unifiedDifference(plan->before, plan->after, path, path));
-    else if (equalNoCase(path, original) || !updateKeepingValues(path, original, why, &plan->unplaced)) {
-        complain(why.empty() ? "the script is its own template; not updated" : why + "; not updated");
+    else if (!updateKeepingValues(path, original, why, &plan->unplaced)) {
+        complain(why + "; not updated");
         return ExitStatus::Failed;
     }
-    for (const UnplacedValue& lost : plan->unplaced)
-        complain("no place for " + oneLine(unplacedText({lost})).substr(0, 300));
+    for (const UnplacedValue& lost : plan->unplaced) {
+        const std::string line = unplacedText({lost});
+        complain("no place for " + line.substr(0, std::min<size_t>(line.find('\r'), 300)));
+    }
     return plan->unplaced.empty() ? ExitStatus::Done : ExitStatus::Findings;
 }
 
@@ -296,6 +308,10 @@ ExitStatus exportValues(const CustomizeOptions& options) {
     const std::string target = options.other.empty()             ? open.path() + kValueFileEnding
                                : isStandardStream(options.other) ? options.other
                                                                  : suitePath(options.other);
+    if (!isStandardStream(target) && equalNoCase(osFiles().fullPath(target), open.path())) {
+        complain("the value file would overwrite the script; nothing was written");
+        return ExitStatus::Usage;
+    }
     return writeOutput(target, valueFileText(open.session().script(), false)) ? ExitStatus::Done
                                                                               : ExitStatus::Failed;
 }
@@ -309,8 +325,9 @@ ExitStatus import(const CustomizeOptions& options) {
     if (!bytes) return ExitStatus::Failed;
     const ValueRecords stored = parseValueFile(*bytes);
     ExitStatus status = ExitStatus::Done;
-    if (stored.error) {
-        complain("the value file ends too soon; nothing was changed");
+    if (stored.error || !bytes->starts_with('1')) {
+        complain(stored.error ? "the value file ends too soon; nothing was changed"
+                              : "that is no value file; nothing was changed");
         return ExitStatus::Findings;
     }
     CustomizeSession& session = open.session();
