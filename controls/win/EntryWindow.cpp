@@ -238,8 +238,8 @@ void EntryWindow::slid(WORD code) {
 void EntryWindow::command(WORD code, HWND control) {
     if (m_updating) return;
     if (code == kFieldRefused) return refused(fieldRefusal(facts(), "x"));
-    if (control == m_browse && code == BN_CLICKED) return m_panel.browseSoon(m_row);
-    if (control != m_field) return;
+    if (m_browse && control == m_browse && code == BN_CLICKED) return m_panel.browseSoon(m_row);
+    if (!control || control != m_field) return;
     if (facts().field == EntryField::Heading && code == BN_CLICKED) {
         m_panel.host().fold(m_row, !m_panel.host().isFolded(m_row));
         InvalidateRect(m_field, nullptr, TRUE);
