@@ -1,10 +1,12 @@
 #include "customize/CarryValues.h"
 
 #include <algorithm>
+#include <deque>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "controls/EntryRules.h"
+#include "customize/CustomMarkup.h"
 #include "customize/ValueFile.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
@@ -50,6 +52,31 @@ std::string onOneLine(const std::string& text) {
     }
     return made;
 }
+
+constexpr size_t kLabelKept = 200;
+constexpr size_t kPiece = 250;  // with its label less than a line of a value file
+
+// The two parts of the file of old values.
+struct OldValues {
+    std::string records;
+    std::string labelled;  // an id of 0 makes readers pass over the line behind it
+    std::deque<std::string> labels;
+
+    // Long values in pieces, each behind its label. Returns the label.
+    std::string_view addLabelled(std::string label, std::string_view value) {
+        do {
+            labelled.append("0\n").append(label).append("\t").append(value.substr(0, kPiece)).append("\n");
+            value.remove_prefix(std::min(kPiece, value.size()));
+        } while (!value.empty());
+        return labels.emplace_back(std::move(label));
+    }
+    void addLine(std::string_view line) {
+        do {
+            labelled.append("0\n").append(line.substr(0, kValueFileLine - 1)).append("\n");
+            line.remove_prefix(std::min(kValueFileLine - 1, line.size()));
+        } while (!line.empty());
+    }
+};
 
 }  // namespace
 
@@ -129,45 +156,48 @@ std::string unplacedText(const std::vector<UnplacedValue>& values) {
 
 std::string oldValuesText(const std::string& earlier, const CustomScript& script,
                           const std::vector<UnplacedValue>& values) {
+    OldValues all;
     std::unordered_set<int> newIds;
-    std::unordered_set<std::string> newLabels;
-    std::string records, labelled;
+    std::unordered_set<std::string_view> newLabels;
     for (const UnplacedValue& one : values) {
         const std::string value = onOneLine(one.kept.value);
-        if (one.kept.id >= 1) {
-            newIds.insert(one.kept.id);
-            appendValueRecord(records, one.kept.id, one.kept.kind, value);
-        } else {
-            // An id of 0 makes readers pass over the line behind it.
-            const std::string label = onOneLine(one.kept.label);
-            newLabels.insert(label);
-            labelled += "0\n" + label + '\t' + value + '\n';
-        }
+        std::string label = onOneLine(one.kept.label).substr(0, kLabelKept);
+        std::replace(label.begin(), label.end(), '\t', ' ');
+        if (one.kept.id >= 1) newIds.insert(one.kept.id);
+        if (one.kept.id < 1)
+            newLabels.insert(all.addLabelled(label, value));
+        else if (value.size() < kValueFileLine)
+            appendValueRecord(all.records, one.kept.id, one.kept.kind, value);
+        else
+            newLabels.insert(all.addLabelled(label + " (id " + std::to_string(one.kept.id) + ')', value));
     }
-    // The earlier file is in our own form: whole records, then pairs of lines that begin with "0".
+    // The earlier file is in our own form: whole records, then pairs of lines that begin with "0". What a
+    // user wrote there besides is passed over by readers too.
     std::vector<std::string_view> lines;
     for (size_t at = 0; at < earlier.size();) {
         const size_t end = std::min(earlier.find('\n', at), earlier.size());
         lines.push_back(std::string_view(earlier).substr(at, end - at));
         at = end + 1;
     }
-    for (size_t i = 4; i + 1 < lines.size();) {
-        if (lines[i] == "0") {
-            if (!newLabels.contains(std::string(lines[i + 1].substr(0, lines[i + 1].find('\t')))))
-                labelled += "0\n" + std::string(lines[i + 1]) + '\n';
+    const auto isShort = [](std::string_view line) { return line.size() < kValueFileLine; };
+    for (size_t i = 4; i < lines.size();) {
+        const int id = markupInteger(lines[i]);
+        if (lines[i] == "0" && i + 1 < lines.size()) {
+            const size_t tab = std::min(lines[i + 1].find('\t'), lines[i + 1].size());
+            if (!newLabels.contains(lines[i + 1].substr(0, tab))) all.addLine(lines[i + 1]);
             i += 2;
-        } else if (i + 2 < lines.size()) {
-            const int id = std::atoi(std::string(lines[i]).c_str());
+        } else if (id > 0 && i + 2 < lines.size() && isShort(lines[i]) && isShort(lines[i + 1]) &&
+                   isShort(lines[i + 2])) {
             if (!newIds.contains(id))
-                records += std::string(lines[i]) + '\n' + std::string(lines[i + 1]) + '\n' +
-                           std::string(lines[i + 2]) + "\n\n";
+                appendValueRecord(all.records, id, markupInteger(lines[i + 1]), lines[i + 2]);
             i += 4;
         } else {
-            break;
+            if (!lines[i].empty()) all.addLine(lines[i]);
+            ++i;
         }
     }
-    return "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n" + records +
-           labelled;
+    return "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n" +
+           all.records + all.labelled;
 }
 
 bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values, std::string& why) {

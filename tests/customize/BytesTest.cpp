@@ -121,6 +121,23 @@ TEST(Bytes, EveryPrefixAndEveryByteChangedOfTheSamplesIsTaken) {
     }
 }
 
+TEST(Bytes, SeedsAndFindingsOfTheFuzzerHold) {
+    size_t files = 0;
+    for (const char* folder : {"seeds", "regressions"}) {
+        for (const bool script : {true, false}) {
+            const auto path =
+                std::filesystem::path(ZOKA_SOURCE_DIR) / "fuzz" / folder / (script ? "markup" : "valuefile");
+            if (!std::filesystem::exists(path)) continue;
+            for (const auto& file : std::filesystem::directory_iterator(path)) {
+                const std::string bytes = readNative(file.path());
+                EXPECT_EQ(script ? scriptFault(bytes, 1) : valueFileFault(bytes), "") << file.path();
+                ++files;
+            }
+        }
+    }
+    EXPECT_GT(files, 5u);
+}
+
 TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
     const struct {
         const char* before;

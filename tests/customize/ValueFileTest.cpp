@@ -159,6 +159,22 @@ TEST_F(ValueFile, OldValuesAddUpAndReadersPassOverThoseWithoutAnId) {
     EXPECT_EQ(records.error, nullptr);
     ASSERT_EQ(records.records.size(), 3u);
     EXPECT_EQ(records.records[2].value, "3");
+    // Long values, and what a user wrote there, keep readers in step.
+    const std::string letters = std::string(250, 'a') + std::string(250, 'b') + std::string(100, 'c');
+    folder.write("s.kez.zoka.old", "1\n3\n0\n\n4\n11\n" + std::string(520, '7') + "\n\nmine\n9\n11\n2\n\n");
+    ASSERT_TRUE(keepOldValues(panel.script, {old(7, "Words", letters.c_str())}, why));
+    ASSERT_TRUE(keepOldValues(panel.script, {old(7, "Words", letters.c_str())}, why));
+    EXPECT_EQ(folder.read("s.kez.zoka.old"),
+              "1\n3\n260801\n\n9\n11\n2\n\n0\nWords (id 7)\t" + std::string(250, 'a') +
+                  "\n0\nWords (id 7)\t" + std::string(250, 'b') + "\n0\nWords (id 7)\t" +
+                  std::string(100, 'c') + "\n0\n4\n0\n11\n0\n" + std::string(510, '7') + "\n0\n" +
+                  std::string(10, '7') + "\n0\nmine\n");
+    // A file that can't be read is not written over.
+    {
+        FaultyOsFiles disk([](int, std::string_view op, const std::string&) { return op == "readWhole"; });
+        EXPECT_FALSE(keepOldValues(panel.script, {old(5, "O", "4")}, why));
+    }
+    EXPECT_THAT(folder.read("s.kez.zoka.old"), testing::HasSubstr("mine"));
 }
 
 }  // namespace
