@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "templates/CatalogueXml.h"
 #include "templates/HelpStyle.h"
@@ -192,7 +193,7 @@ private:
             body += "\n<h3>Actions:</h3>\n" + (actions.empty() ? "[none]" : actions);
             body += "\n<h3>Needs:</h3>\n<b>" + needsList(script) + "</b>\n";
             body += "<h3>Filename:</h3>\n<b>" + escaped(script.m_filename) + "</b>\n";
-            if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + inLines(script.m_note);
+            if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + escaped(script.m_note);
             body += "<p>&nbsp;</p>\n<p>&nbsp;</p>\n";
         }
         return page("Template_" + each.name, body);
@@ -200,12 +201,13 @@ private:
 
     std::string scriptPage(const Script& each) const {
         const CScriptElm& script = each.script;
-        std::string body = "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + inLines(script.m_desc);
+        // The description flows: where its lines end says nothing.
+        std::string body = "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + escaped(script.m_desc);
         if (!script.m_sections.empty() && !script.m_sections.back().m_actions.empty())
             body += "\n<h3>Actions:</h3>\n<br>\n" + actionLines(script);
         body += "\n<h3>Needs:</h3>\n<b>" + needsList(script) + "</b>\n";
         body += "<h3>Filename:</h3>\n<b>" + escaped(script.m_filename) + "</b>\n";
-        if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + inLines(script.m_note);
+        if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + escaped(script.m_note);
         body += "<h3>See also:</h3>\n" + seeAlso(each);
         return page("Template Script: " + script.DisplayName(), body);
     }
@@ -218,9 +220,11 @@ private:
         };
         const Class& ownClass = m_classes[each.classIndex];
         std::string list = "<ul>\n<li>" + link(ownClass.page, "Template class: " + ownClass.name) + "</li>\n";
+        std::unordered_set<size_t> listed;
         for (const std::string& need : each.script.m_needs) {
             const auto found = m_byFile.find(lowered(need));
-            if (found != m_byFile.end() && &m_scripts[found->second] != &each)
+            if (found != m_byFile.end() && &m_scripts[found->second] != &each &&
+                listed.insert(found->second).second)
                 list += item(found->second, "needed by this script");
         }
         const auto users = m_neededBy.find(lowered(each.script.m_filename));

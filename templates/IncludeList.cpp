@@ -1,6 +1,7 @@
 #include "templates/IncludeList.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "templates/ScriptFacts.h"
 #include "util/OsFiles.h"
@@ -128,23 +129,29 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::st
     return InsertIncludes(lexer, mainScriptPath, std::span(&scriptPath, 1), locate, error);
 }
 
-std::optional<std::string> withoutInclude(std::string_view text, std::string_view name) {
+std::optional<std::string> withoutIncludes(std::string_view text, std::span<const std::string> names) {
     if (text.empty()) throw EmptyScriptError();
+    std::unordered_multiset<std::string> wanted;
+    for (const std::string& name : names) wanted.insert(lowered(name));
     CLex lexer(text.data(), static_cast<long>(text.size()));
-    while (lexer.getNextUnformLine()) {
+    std::string result;
+    result.reserve(text.size());
+    size_t copied = 0;
+    while (!wanted.empty() && lexer.getNextUnformLine()) {
         const std::string_view line = currentLine(lexer);
-        const auto found = includedName(line);
-        if (!found || !equalNoCase(*found, name)) continue;
+        const auto name = includedName(line);
+        const auto found = name ? wanted.find(lowered(*name)) : wanted.end();
+        if (found == wanted.end()) continue;
+        wanted.erase(found);
         const auto start = static_cast<size_t>(line.data() - text.data());
-        std::string result;
-        result.reserve(text.size());
-        result += text.substr(0, start);
-        return result += text.substr(std::min(start + line.size() + 1, text.size()));
+        result += text.substr(copied, start - copied);
+        copied = std::min(start + line.size() + 1, text.size());
     }
-    return {};
+    if (!wanted.empty()) return {};
+    return result += text.substr(copied);
 }
 
-bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error) {
+bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names, std::string* error) {
     const std::optional<std::string> path = host.GetMainScriptPath();
     if (!path) return false;
     const std::optional<std::string> text = osFiles().readWhole(*path);
@@ -152,7 +159,7 @@ bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::strin
         if (error) *error = *path + ": " + osFiles().lastError();
         return false;
     }
-    const std::optional<std::string> rest = withoutInclude(*text, name);
+    const std::optional<std::string> rest = withoutIncludes(*text, names);
     if (!rest) return false;
     const SafeWriteResult written = safeWrite(*path, *rest);
     if (error) *error = written.error;

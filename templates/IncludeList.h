@@ -65,14 +65,18 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<con
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,
                    const LocateFile& locate = {}, std::string* error = nullptr);
 
-// The text without the first include line of that name, wherever in the text it stands; nothing when there is
-// none. Throws EmptyScriptError for an empty text.
-std::optional<std::string> withoutInclude(std::string_view text, std::string_view name);
+// The text without the first include line of each name, wherever in the text it stands; nothing when a name has
+// none. A name that is given twice takes two lines. Throws EmptyScriptError for an empty text.
+std::optional<std::string> withoutIncludes(std::string_view text, std::span<const std::string> names);
 
-// Removes the first include line of that name from the host's main script and tells the host. False when
-// there is no main script, no such line, or the file can't be written (`error`, where not null, says why).
-// Throws EmptyScriptError.
-bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error = nullptr);
+// Removes the first include line of each name from the host's main script, in one rewrite, and tells the host.
+// False, with nothing changed, when there is no main script, a name has no such line, or the file can't be read or
+// written (`error`, where not null, says why). Throws EmptyScriptError.
+bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names,
+                    std::string* error = nullptr);
+inline bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error = nullptr) {
+    return RemoveIncludes(host, std::span(&name, 1), error);
+}
 
 // Whether the folder part of `path` (before its last backslash) equals the beginning of `folder`, in any
 // case. So a path in a folder above `folder` counts too. False without a backslash.

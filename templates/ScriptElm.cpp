@@ -32,11 +32,6 @@ bool CScriptElm::CheckComplete(std::string& report) const {
     require(!m_desc.empty(), "***No Desc\n");
     require(!m_class.empty(), "***No Class\n");
     require(!m_type.empty(), "***No Type\n");
-    for (const CScriptSection& section : m_sections) {
-        require(!section.m_name.empty(), "***No Section Name\n");
-        for (const CScriptAction& action : section.m_actions)
-            require(!action.m_name.empty(), "***No Action Name\n");
-    }
     return report.size() == before;
 }
 

@@ -56,8 +56,8 @@ public:
     // The title, or the file name of a script that has none.
     std::string DisplayName() const { return m_name.empty() ? m_filename : m_name; }
 
-    // Appends to `report` one line for each field that is empty, "***No ID\n" and so on, then one for each
-    // section and each action without a name. True when nothing is missing.
+    // Appends to `report` one line for each field that is empty, "***No ID\n" and so on. True when nothing is
+    // missing. Needs, note and sections may all be empty.
     bool CheckComplete(std::string& report) const;
 };
 

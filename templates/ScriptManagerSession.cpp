@@ -232,13 +232,22 @@ bool ScriptManagerSession::FindDependents(const std::string& title, std::vector<
     return !titles.empty();
 }
 
-std::string ScriptManagerSession::neededBy(size_t index) const {
+std::vector<size_t> ScriptManagerSession::dependents(size_t index) const {
     const IncludedScript& entry = m_included[index];
     const bool own = entry.script && equalNoCase(entry.script->m_filename, entry.fileName);
+    return dependentsOf(own ? entry.script->m_filename : entry.fileName, &entry);
+}
+
+std::string ScriptManagerSession::neededBy(size_t index) const {
     std::vector<std::string> titles;
-    for (const size_t dependent : dependentsOf(own ? entry.script->m_filename : entry.fileName, &entry))
-        titles.push_back(m_included[dependent].text);
+    for (const size_t dependent : dependents(index)) titles.push_back(m_included[dependent].text);
     return titles.empty() ? std::string() : "needed by " + joined(titles);
+}
+
+void ScriptManagerSession::refuseRemoval(const std::vector<std::string>& dependents) {
+    std::string text = "The following scripts must be removed first: ";
+    for (const std::string& title : dependents) text += "\n\n" + title;
+    m_prompt.ask(text, "Can't Remove Script", PromptButtons::Ok, PromptIcon::Error);
 }
 
 bool ScriptManagerSession::remove(int index) {
@@ -249,9 +258,7 @@ bool ScriptManagerSession::remove(int index) {
     try {
         std::vector<std::string> titles;
         if (FindDependents(entry.text, titles)) {
-            std::string text = "The following scripts must be removed first: ";
-            for (const std::string& title : titles) text += "\n\n" + title;
-            m_prompt.ask(text, "Can't Remove Script", PromptButtons::Ok, PromptIcon::Error);
+            refuseRemoval(titles);
             return false;
         }
         std::string error;

@@ -97,10 +97,14 @@ public:
     // Whether an included script needs the one of that title, which is an entry's text or a catalogue title;
     // `titles` is set to their entries' texts. Throws PageError.
     bool FindDependents(const std::string& title, std::vector<std::string>& titles);
+    // The entries that need that one.
+    std::vector<size_t> dependents(size_t index) const;
     // "needed by Fog, Rain"; empty when nobody needs it.
     std::string neededBy(size_t index) const;
     // The button; -1: nothing happens. True when the script's include line was removed.
     bool remove(int index);
+    // Tells the user which scripts, by their entries' texts, stand in the way.
+    void refuseRemoval(const std::vector<std::string>& dependents);
     // Full path of an included script, for the customization panel; nothing when it isn't found.
     std::optional<std::string> pathOf(size_t index) const;
 

@@ -138,7 +138,11 @@ TEST(Scripts, AddRemoveAndWhy) {
     EXPECT_THAT(refused.err, HasSubstr("The following scripts must be removed first: \n\nThe fog"));
     EXPECT_EQ(suite.run("scripts remove" + kOptions + "--dry-run fog.kez").status, 0);
     EXPECT_EQ(suite.read("game/main.kez"), suite.main(all));
-    EXPECT_EQ(suite.run("scripts remove" + kOptions + "fog.kez weather.kez camera_0.kez").status, 0);
+    // All or none; what needs each other goes together, in any order.
+    EXPECT_EQ(suite.run("scripts remove" + kOptions + "fog.kez noise.kez").status, 1);
+    EXPECT_EQ(suite.run("scripts remove" + kOptions + "fog.kez none.kez").status, 2);
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main(all));
+    EXPECT_EQ(suite.run("scripts remove" + kOptions + "weather.kez fog.kez camera_0.kez fog.kez").status, 0);
     EXPECT_EQ(suite.read("game/main.kez"), suite.main({"noise.kez", "camera_1.kez"}));
     EXPECT_EQ(suite.run("scripts remove" + kOptions + "fog.kez").status, 2);
     EXPECT_EQ(suite.run("scripts add" + kOptions + "none.kez").status, 2);
@@ -165,7 +169,8 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
                 StartsWith("The fog--Is missing the following Needs: \nweather.kez\n"
                            "The fog--[Local ver: 1 date: -1 --> Template ver: 2 date: 260101]\n--- "));
     EXPECT_THAT(dry.out, HasSubstr("\n-// ver: 1\n"));
-    EXPECT_EQ(json::parse(suite.run("scripts update" + kOptions + "--dry-run --json").out)["updates"].size(), 2U);
+    EXPECT_EQ(json::parse(suite.run("scripts update" + kOptions + "--dry-run --json").out)["updates"].size(),
+              2U);
     EXPECT_EQ(suite.run("scripts update" + kOptions + "--dry-run mine.kez").out, "");
     EXPECT_THAT(suite.read("game/fog.kez"), HasSubstr("// ver: 1\r\n"));
 
@@ -181,6 +186,21 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
     const ToolRun again = suite.run("scripts restore" + kOptions + "noise.kez");
     EXPECT_EQ(again.status, 1);
     EXPECT_THAT(again.err, HasSubstr("Original file still there."));
+}
+
+TEST(Scripts, ValuesWithoutAPlaceAreNamedWithExitCode1) {
+    Suite suite;
+    const std::string own =
+        "// ver: 1\r\n\r\n// section: Depth\r\n// entry: Depth\r\n// id: 1\r\nvar depth = 77;\r\n";
+    suite.write("game/main.kez", suite.main({"noise.kez", "weather.kez", "fog.kez"}));
+    suite.write("game/fog.kez", own);
+    const ToolRun run = suite.run("--yes scripts update" + kOptions);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("no place for these values"));
+    EXPECT_THAT(run.err, HasSubstr("fog.kez\n"));
+    EXPECT_THAT(run.err, HasSubstr("77"));
+    EXPECT_THAT(suite.read("game/fog.kez"), HasSubstr("// ver: 2\r\n"));
+    EXPECT_EQ(suite.run("--yes scripts update" + kOptions).status, 0) << "told once";
 }
 
 TEST(Scripts, EveryCommandHasAnExampleAndTheExitCodes) {

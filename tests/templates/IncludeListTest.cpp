@@ -134,23 +134,27 @@ TEST(IncludeBlock, InsertionKeepsEveryOtherByte) {
     }
 }
 
-TEST(IncludeBlock, RemovesTheFirstMatchingLineAlone) {
+TEST(IncludeBlock, RemovesTheFirstMatchingLineOfEachName) {
     struct Row {
-        std::string text, name;
+        std::string text;
+        std::vector<std::string> names;
         std::optional<std::string> rest;
     };
     const Row rows[] = {
-        {"include <a>;\r\ninclude <b>;\r\ninclude <a>;\r\n", "A", "include <b>;\r\ninclude <a>;\r\n"},
-        {"include <a>;\n\nx\n  include <b>; // c\ny", "b", "include <a>;\n\nx\ny"},
-        {"x\ninclude <a>;", "a", "x\n"},
-        {"include <a>;", "a", ""},
-        {"// include <a>;\r\n", "a", std::nullopt},
-        {"include <ab>;\r\n", "a", std::nullopt},
-        {bytes("a\0b\ninclude <a>;\r\n\0"), "a", bytes("a\0b\n\0")},
+        {"include <a>;\r\ninclude <b>;\r\ninclude <a>;\r\n", {"A"}, "include <b>;\r\ninclude <a>;\r\n"},
+        {"include <a>;\n\nx\n  include <b>; // c\ny", {"b"}, "include <a>;\n\nx\ny"},
+        {"x\ninclude <a>;", {"a"}, "x\n"},
+        {"include <a>;", {"a"}, ""},
+        {"// include <a>;\r\n", {"a"}, std::nullopt},
+        {"include <ab>;\r\n", {"a"}, std::nullopt},
+        {bytes("a\0b\ninclude <a>;\r\n\0"), {"a"}, bytes("a\0b\n\0")},
+        {"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"B", "a"}, "x\ninclude <A>;\ny"},
+        {"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"a", "a"}, "x\ninclude <b>;\ny"},
+        {"include <a>;\ninclude <b>;\n", {"b", "c", "a"}, std::nullopt},
     };
-    for (const Row& row : rows) EXPECT_EQ(withoutInclude(row.text, row.name), row.rest) << row.text;
+    for (const Row& row : rows) EXPECT_EQ(withoutIncludes(row.text, row.names), row.rest) << row.text;
     try {
-        withoutInclude("", "a");
+        withoutIncludes("", {});
         FAIL();
     } catch (const EmptyScriptError& e) {
         EXPECT_EQ(e.code(), 3);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -179,10 +180,12 @@ ExitStatus add(Manager& manager, const ScriptOptions& options) {
     return ExitStatus::Failed;
 }
 
+// All of them in one rewrite, or none: those that need each other go together. The user's own scripts too, which
+// the window leaves to their owner.
 ExitStatus remove(Manager& manager, const ScriptOptions& options) {
-    const std::string before = manager.mainText();
-    std::string after = before;
-    ExitStatus status = ExitStatus::Done;
+    ScriptManagerSession& session = manager.session();
+    std::set<size_t> chosen;
+    std::vector<std::string> files;
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
         const std::optional<int> index = file ? manager.includedIndex(*file) : std::nullopt;
@@ -190,33 +193,28 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
             if (file) complain("the main script doesn't include " + *file);
             return ExitStatus::Usage;
         }
-        const IncludedScript entry = manager.session().included()[static_cast<size_t>(*index)];
-        const std::string neededBy = manager.session().neededBy(static_cast<size_t>(*index));
-        if (options.dryRun) {
-            if (!neededBy.empty()) {
-                complain(entry.fileName + " is " + neededBy);
-                status = ExitStatus::Findings;
-            } else if (const auto rest = withoutInclude(after, entry.fileName)) {
-                after = *rest;
-            }
-        } else if (!entry.script && neededBy.empty()) {
-            // A script of the user's own, which the window leaves to its owner.
-            std::string error;
-            if (!RemoveInclude(manager.host(), entry.fileName, &error)) {
-                complain(error);
-                return ExitStatus::Failed;
-            }
-            manager.session().refresh();
-        } else if (!manager.session().remove(*index)) {
-            if (!manager.session().status().empty()) {
-                complain(manager.session().status());
-                return ExitStatus::Failed;
-            }
-            status = ExitStatus::Findings;
-        }
+        const auto entry = static_cast<size_t>(*index);
+        if (chosen.insert(entry).second) files.push_back(session.included()[entry].fileName);
     }
-    if (options.dryRun) manager.printDifference(before, after);
-    return status;
+    std::set<size_t> needing;
+    for (const size_t entry : chosen)
+        for (const size_t dependent : session.dependents(entry))
+            if (!chosen.contains(dependent)) needing.insert(dependent);
+    if (!needing.empty()) {
+        std::vector<std::string> titles;
+        for (const size_t dependent : needing) titles.push_back(session.included()[dependent].text);
+        session.refuseRemoval(titles);
+        return ExitStatus::Findings;
+    }
+    if (options.dryRun) {
+        const std::string before = manager.mainText();
+        manager.printDifference(before, withoutIncludes(before, files).value_or(before));
+        return ExitStatus::Done;
+    }
+    std::string error;
+    if (RemoveIncludes(manager.host(), files, &error)) return ExitStatus::Done;
+    complain(error.empty() ? "the main script doesn't include them any more" : error);
+    return ExitStatus::Failed;
 }
 
 std::string withoutLineEnd(std::string line) {
