@@ -60,6 +60,10 @@ void checkIds(CustomScript& script) {
     }
 }
 
+bool lacks(const std::vector<std::string>& choices, const std::string& value) {
+    return std::find(choices.begin(), choices.end(), value) == choices.end();
+}
+
 void checkValue(CustomScript& script, const CustomEntry& entry) {
     if (isNumberKind(entry.kind) && isLimited(entry) && entry.minimum <= entry.maximum) {
         const double value = numberOf(entry.value).value_or(0);
@@ -69,8 +73,10 @@ void checkValue(CustomScript& script, const CustomEntry& entry) {
                                     " lies outside its limits (" + allowedRange(specOf(script, entry)) +
                                     "); it was left as it is",
                                 true);
-    } else if (entry.kind == kEntryDrop && entry.controlKind == kDropList && !entry.options.empty() &&
-               std::find(entry.options.begin(), entry.options.end(), entry.value) == entry.options.end()) {
+    } else if (entry.kind == kEntryDrop &&
+               (entry.controlKind == kDropPair
+                    ? lacks(dropPairOf(entry.value), entry.value)
+                    : !entry.options.empty() && lacks(entry.options, entry.value))) {
         script.findings.add(entry.line,
                             "the value " + inQuotes(entry.value) + " of " + inQuotes(entry.label) +
                                 " is not among its choices; it was left as it is",

@@ -241,6 +241,7 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
         {"// entri: A\nvar x = 11;", 1, "is \"entry\" meant?"},
         {"// action: a\n// skil1: A\naction a", 2, "is \"skill\" meant?"},
         {"// entry_drop: A\n// cntl: drop a b\nvar x = c;", 1, "is not among its choices"},
+        {"// entry_drop: A\n// cntl: drop_pair\nvar x = maybe;", 1, "is not among its choices"},
         {"// entry: A\nvar x = 5; var y = 6; // z", 2, "\"var y = 6; // z\" follows the value of \"A\""},
         {"// entry: A\nvar x = 5 + 3;", 2, "\"+ 3;\" follows"},
         {"// entry: A\n// id: 0\nvar x = 5;", 2, "is no number from 1"},
