@@ -267,7 +267,17 @@ LRESULT CViewThread::forcedClose(HWND window, WPARAM wParam, LPARAM lParam) {
         SetTimer(window, kCloseTimer, kCloseRetryMs, nullptr);
         return 0;
     }
-    SendMessageA(window, WM_CANCELMODE, 0, 0);  // ends an open menu or a drag
+    // An open menu or a drag is ended first: a panel in the middle of one could not ask about its changes.
+    GUITHREADINFO state{};
+    state.cbSize = sizeof state;
+    const bool inLoop = GetGUIThreadInfo(GetCurrentThreadId(), &state) &&
+                        (state.flags & (GUI_INMENUMODE | GUI_POPUPMENUMODE | GUI_INMOVESIZE));
+    SendMessageA(window, WM_CANCELMODE, 0, 0);
+    if (inLoop && !m_cancelled) {
+        m_cancelled = true;
+        SetTimer(window, kCloseTimer, kCloseRetryMs, nullptr);
+        return 0;
+    }
     const LRESULT result = DefSubclassProc(window, WM_CLOSE, wParam, lParam);
     if (IsWindow(window)) {
         DestroyWindow(window);

@@ -52,4 +52,5 @@ private:
     std::atomic<bool> m_closing{false};  // the window is being destroyed, or a close request is under way
     std::atomic<bool> m_left{false};     // nothing but the call of ExitThread follows
     HWND m_nested = nullptr;             // the dialog that was last asked to close [panel thread]
+    bool m_cancelled = false;            // a menu or a drag was ended for the close [panel thread]
 };

@@ -130,7 +130,12 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
         std::string_view line = text.substr(0, lineEnd);
         text.remove_prefix(std::min(lineEnd + 1, text.size()));
         const std::string_view keyword = nextWord(line);
-        if (keyword.empty() || keyword.substr(0, 2) == "//") continue;
+        if (keyword.empty()) continue;
+        if (keyword.starts_with("//")) {
+            std::string& comments = inEntity ? level.entities.back().comments : level.comments;
+            comments.append(keyword).append(line.substr(0, line.find_last_not_of(kBlanks) + 1)).append("\r\n");
+            continue;
+        }
         if (!sawHeader) {
             if (keyword != "level" || nextWord(line) != "1") return fault("a level begins with \"level 1\"");
             sawHeader = true;
@@ -139,6 +144,7 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
             entity.name = nextWord(line);
             if (keyword != "entity" || entity.name.empty() || !nextWord(line).empty())
                 return fault("expected \"entity NAME\"");
+            entity.comments.swap(level.comments);
             level.entities.push_back(std::move(entity));
             inEntity = true;
         } else if (keyword == "end") {
@@ -156,7 +162,7 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
 std::string writeLevelMap(const LevelMap& level) {
     std::string out = "level 1\r\n";
     for (const LevelEntity& entity : level.entities) {
-        out += "\r\nentity " + entity.name + "\r\n";
+        out += "\r\n" + entity.comments + "entity " + entity.name + "\r\n";
         if (!entity.script.empty()) out += "    action   " + entity.script + " " + entity.action + "\r\n";
         out += "    position";
         for (const float axis : entity.position) appendNumber(out, axis);
@@ -172,6 +178,7 @@ std::string writeLevelMap(const LevelMap& level) {
         }
         out += "end\r\n";
     }
+    if (!level.comments.empty()) out += "\r\n" + level.comments;
     return out;
 }
 

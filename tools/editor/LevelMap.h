@@ -33,16 +33,18 @@ struct LevelEntity {
     std::array<float, 3> position{};
     std::array<float, kEntitySkills> skills{};  // skill n at n - 1
     std::uint32_t flags = 0;                    // flag n is bit n - 1
+    std::string comments = {};                  // the comment lines in front of it and in it, CR LF after each
 };
 
 struct LevelMap {
     std::vector<LevelEntity> entities;
+    std::string comments = {};  // those behind the last entity
 };
 
 // Reads a level. On the first fault nothing is returned and `error` says "line N: what is wrong".
 std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error);
 
-// The level as text, lines ended by CR LF; reads back equal.
+// The level as text, lines ended by CR LF; reads back equal. An entity's comments stand in front of it.
 std::string writeLevelMap(const LevelMap& level);
 
 // Where an action's text stands in its script: from the word "action" to the brace that closes its body, or

@@ -65,6 +65,7 @@ const std::map<std::string, Driver::Command>& Driver::commands() {
         addEditorCommands(all);
         addWindowCommands(all);
         addControlCommands(all);
+        addInputCommands(all);
         addFileCommands(all);
         addCheckCommands(all);
         return all;

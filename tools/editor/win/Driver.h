@@ -45,6 +45,7 @@ private:
     static void addEditorCommands(std::map<std::string, Command>& table);
     static void addWindowCommands(std::map<std::string, Command>& table);
     static void addControlCommands(std::map<std::string, Command>& table);
+    static void addInputCommands(std::map<std::string, Command>& table);
     static void addFileCommands(std::map<std::string, Command>& table);
     static void addCheckCommands(std::map<std::string, Command>& table);
 
@@ -122,6 +123,10 @@ private:
     void expectLayout(const Words&);
     void tabOrderOf(const Words&);
     void expectTabOrder(const Words&);
+    // ... the mouse wheel, menus at controls, messages at random
+    void wheel(const Words&);
+    void contextMenu(const Words&);
+    void randomMessages(const Words&);
     // ... files
     void copyFile(const Words&);
     void expectLines(const Words&);

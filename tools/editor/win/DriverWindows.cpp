@@ -33,7 +33,7 @@ std::string listed(const std::vector<std::string>& texts) {
 void Driver::addWindowCommands(std::map<std::string, Command>& table) {
     table["wait-window"] = {1, 2, &Driver::waitWindow};
     table["wait-gone"] = {1, 2, &Driver::waitGone};
-    table["wait-box"] = {1, 1, &Driver::waitBox};
+    table["wait-box"] = {1, 2, &Driver::waitBox};
     table["expect-box"] = {1, 2, &Driver::expectBox};
     table["expect-no-window"] = {1, 2, &Driver::expectNoWindow};
     table["close"] = {0, 0, &Driver::closeWindow};
@@ -63,15 +63,16 @@ void Driver::waitGone(const Words& words) {
 }
 
 void Driver::waitBox(const Words& words) {
+    const HWND before = words.size() > 1 ? m_window : nullptr;
     HWND found = nullptr;
-    expect([&] { return (found = findMessageBox(words[0])) != nullptr; },
+    expect([&] { return (found = findMessageBox(words[0])) != nullptr && found != before; },
            "a message box \"" + words[0] + "\"", boxTexts);
     m_window = found;
 }
 
 void Driver::expectBox(const Words& words) {
     const HWND before = m_window;
-    waitBox(words);
+    waitBox({words[0]});
     const HWND box = m_window;
     click({words.size() > 1 ? words[1] : "OK"});
     expect([&] { return !IsWindow(box); }, "the message box to close", boxTexts);

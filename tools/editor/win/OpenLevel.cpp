@@ -5,6 +5,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "util/SafeWrite.h"
+
 namespace zoka {
 
 namespace {
@@ -47,12 +49,8 @@ bool OpenLevel::open(const std::string& path, std::string& error) {
 }
 
 bool OpenLevel::save(std::string& error) {
-    const std::string target = path();
-    std::ofstream out(target, std::ios::binary | std::ios::trunc);
-    out << writeLevelMap(map());
-    out.close();
-    if (!out) error = target + " can't be written";
-    return !out.fail();
+    error = safeWrite(path(), writeLevelMap(map())).error;
+    return error.empty();
 }
 
 void OpenLevel::close() {

@@ -1,0 +1,265 @@
+// The drive script's commands for the mouse wheel, for menus at a control, and for messages at random.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <random>
+
+#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/WindowSearch.h"
+
+namespace zoka {
+
+namespace {
+
+constexpr UINT kMenuHandle = 0x01E1;  // MN_GETHMENU
+constexpr int kMostItems = 60;
+constexpr unsigned kSeldom = 20;
+constexpr int kBatch = 200;
+
+HWND openPopUp() {
+    return findTopWindow("*", "#32768");
+}
+
+std::string itemText(HMENU menu, int position) {
+    char text[200] = {};
+    GetMenuStringA(menu, static_cast<UINT>(position), text, sizeof text, MF_BYPOSITION);
+    std::string plain = text;
+    plain.erase(std::min(plain.find('\t'), plain.size()));
+    std::erase(plain, '&');
+    return plain;
+}
+
+// Whether a thread still takes messages: a mark is posted to one of its windows, and a hook sees it taken out,
+// also by the loop of a menu or a dialog. One at a time.
+class QueueProbe {
+public:
+    explicit QueueProbe(DWORD thread) : m_taken(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
+        s_taken = m_taken;
+        m_hook = SetWindowsHookExA(WH_GETMESSAGE, see, nullptr, thread);
+    }
+    ~QueueProbe() {
+        UnhookWindowsHookEx(m_hook);
+        CloseHandle(m_taken);
+    }
+    QueueProbe(const QueueProbe&) = delete;
+    QueueProbe& operator=(const QueueProbe&) = delete;
+
+    // False when nothing was taken for so long, or the window is gone.
+    bool emptied(HWND window, DWORD patience) {
+        ResetEvent(m_taken);
+        if (!PostMessageA(window, mark(), 0, 0)) return false;
+        for (const ULONGLONG end = GetTickCount64() + patience; GetTickCount64() < end && IsWindow(window);)
+            if (WaitForSingleObject(m_taken, 20) == WAIT_OBJECT_0) return true;
+        return false;
+    }
+
+private:
+    static UINT mark() { return RegisterWindowMessageA("ZunHostQueueMark"); }
+    static LRESULT CALLBACK see(int code, WPARAM wParam, LPARAM lParam) {
+        if (code == HC_ACTION && wParam == PM_REMOVE &&
+            reinterpret_cast<const MSG*>(lParam)->message == mark())
+            SetEvent(s_taken);
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static HANDLE s_taken;
+    HANDLE m_taken;
+    HHOOK m_hook = nullptr;
+};
+HANDLE QueueProbe::s_taken = nullptr;
+
+// A message as a user, the system or another program could send it, without pointers: these a program that
+// sends them would have to get right.
+MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windows) {
+    const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
+    const HWND window = windows[below(static_cast<unsigned>(windows.size()))];
+    const LPARAM point = MAKELPARAM(below(700), below(700));
+    static constexpr std::array kKeys{VK_TAB,    VK_UP,     VK_DOWN, VK_LEFT,  VK_RIGHT, VK_PRIOR,
+                                      VK_NEXT,   VK_HOME,   VK_END,  VK_SPACE, VK_BACK,  VK_DELETE,
+                                      VK_RETURN, VK_ESCAPE, VK_APPS, VK_F4};
+    static constexpr std::array<UINT, 18> kPlain{
+        WM_PASTE,      WM_COPY,     WM_CUT,          WM_CLEAR,          WM_UNDO,
+        WM_CANCELMODE, WM_SETFOCUS, WM_KILLFOCUS,    WM_CAPTURECHANGED, WM_SYSCOLORCHANGE,
+        WM_FONTCHANGE, WM_PAINT,    WM_MOUSELEAVE,   WM_CHILDACTIVATE,  WM_THEMECHANGED,
+        WM_ENABLE,     WM_NCPAINT,  WM_DISPLAYCHANGE};
+    static constexpr std::array<UINT, 13> kOfControls{
+        EM_SETSEL,   EM_UNDO,    EM_LINESCROLL, EM_SCROLL,     CB_SETCURSEL,       CB_SHOWDROPDOWN, BM_CLICK,
+        BM_SETCHECK, TBM_SETPOS, UDM_SETPOS32,  WM_NEXTDLGCTL, EM_EMPTYUNDOBUFFER, CB_GETLBTEXTLEN};
+    MSG made{};
+    made.hwnd = window;
+    switch (below(16)) {
+        case 0:
+        case 1:
+            made.message = WM_KEYDOWN;
+            made.wParam = static_cast<WPARAM>(kKeys[below(kKeys.size())]);
+            // Seldom, as all that closes the window or opens another: most messages should meet a busy one.
+            if ((made.wParam == VK_RETURN || made.wParam == VK_ESCAPE) && below(kSeldom))
+                made.wParam = VK_TAB;
+            break;
+        case 2:
+        case 3:
+            made.message = WM_CHAR;
+            made.wParam = below(4) ? 32 + below(224) : below(32);
+            break;
+        case 4:
+            made.message = WM_LBUTTONDOWN;
+            made.lParam = point;
+            break;
+        case 5:
+            made.message = WM_LBUTTONUP;
+            made.lParam = point;
+            break;
+        case 6:
+            made.message = below(8) ? WM_MOUSEMOVE : WM_RBUTTONUP;
+            made.lParam = point;
+            break;
+        case 7:
+            made.message = WM_MOUSEWHEEL;
+            made.wParam = MAKEWPARAM(0, below(2000));
+            made.lParam = point;
+            break;
+        case 8:
+            made.message = below(2) ? WM_VSCROLL : WM_HSCROLL;
+            made.wParam = MAKEWPARAM(below(10), below(40000));
+            break;
+        case 9:  // a control's notice or a menu's choice
+            made.hwnd = below(3) ? top : window;
+            made.message = WM_COMMAND;
+            made.wParam = below(kSeldom) ? MAKEWPARAM(below(2000), 1 + below(0x800))
+                                         : MAKEWPARAM(below(2) ? 1090 + below(50) : below(12), 0);
+            break;
+        case 10:
+            // What stands behind a timer's number is a procedure.
+            made.message = below(4 * kSeldom) ? WM_TIMER : WM_CONTEXTMENU;
+            made.wParam = below(8);
+            if (made.message == WM_CONTEXTMENU) made.lParam = below(2) ? point : -1;
+            break;
+        case 11:
+            made.message = WM_SIZE;
+            made.lParam = point;
+            break;
+        case 12:
+        case 13:
+            made.message = kPlain[below(kPlain.size())];
+            made.wParam = made.message == WM_ENABLE ? 1 : 0;
+            break;
+        default:
+            made.message = kOfControls[below(kOfControls.size())];
+            if (made.message == BM_CLICK && below(kSeldom)) made.message = BM_SETCHECK;
+            made.wParam = below(8) ? below(40) : random();
+            if (made.message == WM_NEXTDLGCTL)
+                made.wParam = below(2);
+            else
+                made.lParam = static_cast<LPARAM>(below(200)) - 50;
+            break;
+    }
+    return made;
+}
+
+}  // namespace
+
+void Driver::addInputCommands(std::map<std::string, Command>& table) {
+    table["wheel"] = {2, 2, &Driver::wheel};
+    table["context-menu"] = {1, 2, &Driver::contextMenu};
+    table["random-messages"] = {3, 3, &Driver::randomMessages};
+}
+
+void Driver::wheel(const Words& words) {
+    const HWND found = usableControl(words[0]);
+    RECT area;
+    GetWindowRect(found, &area);
+    const auto notches = static_cast<short>(driveNumber(words[1]) * WHEEL_DELTA);
+    PostMessageA(found, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(notches)),
+                 MAKELPARAM(area.left + 2, area.top + 2));
+}
+
+void Driver::contextMenu(const Words& words) {
+    PostMessageA(usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
+    expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
+           [] { return std::string("none"); });
+    if (words.size() < 2) return;
+    const HMENU menu = reinterpret_cast<HMENU>(ask(openPopUp(), kMenuHandle));
+    int wanted = -1;
+    std::string all;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        if (itemText(menu, i) == words[1]) wanted = i;
+        all += "\n    " + itemText(menu, i);
+    }
+    if (wanted < 0) throw DriveFault("the menu has no item \"" + words[1] + "\", only" + all);
+    if (GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED))
+        throw DriveFault("the menu item \"" + words[1] + "\" is greyed");
+    const HWND owner = window();
+    const auto chosen = [&] {
+        return GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & MF_HILITE;
+    };
+    // A key is posted once the one before has moved the mark.
+    for (int i = 0; i < kMostItems && !chosen(); ++i) {
+        const auto marked = [&] {
+            for (int at = 0; at < GetMenuItemCount(menu); ++at)
+                if (GetMenuState(menu, static_cast<UINT>(at), MF_BYPOSITION) & MF_HILITE) return at;
+            return -1;
+        };
+        const int before = marked();
+        PostMessageA(owner, WM_KEYDOWN, VK_DOWN, 0);
+        expect([&] { return marked() != before; }, "the next item of the menu", [&] { return all; });
+    }
+    PostMessageA(owner, WM_KEYDOWN, VK_RETURN, 0);
+    expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
+}
+
+// random-messages SEED COUNT PROCEDURE: to the window of a procedure, its controls and its own dialogs. The
+// system's boxes and choosers that they open are cancelled, and the procedure is run again when they close it.
+void Driver::randomMessages(const Words& words) {
+    std::mt19937 random(static_cast<std::mt19937::result_type>(driveNumber(words[0])));
+    const long count = driveNumber(words[1]);
+    const std::string title = words[2] + "*";
+    std::printf("random messages, seed %s: %ld\n", words[0].c_str(), count);
+    std::fflush(stdout);
+    long boxes = 0, runs = 0;
+    HWND top = nullptr;
+    std::unique_ptr<QueueProbe> probe;
+    for (long sent = 0; sent < count;) {
+        if (!IsWindow(top)) {
+            probe.reset();
+            execute({words[2]});
+            expect([&] { return (top = findTopWindow(title)) != nullptr; }, title,
+                   [] { return std::string("no such window"); });
+            probe = std::make_unique<QueueProbe>(GetWindowThreadProcessId(top, nullptr));
+            ++runs;
+        }
+        if (!probe->emptied(top, m_patience) && IsWindow(top))
+            throw DriveFault("the window takes no messages after " + std::to_string(sent) +
+                             " at random, seed " + words[0]);
+        // The innermost dialog stands first.
+        const DWORD thread = GetWindowThreadProcessId(top, nullptr);
+        HWND target = nullptr;
+        for (const HWND one : topWindows())
+            if (!target && thread && GetWindowThreadProcessId(one, nullptr) == thread &&
+                IsWindowEnabled(one) && (windowClass(one) == "#32770" || one == top))
+                target = one;
+        if (!target) continue;
+        if (target != top && !findControl(target, "#1302")) {  // not one of the panel's own
+            ++boxes;
+            PostMessageA(target, WM_COMMAND, random() % 2 ? IDCANCEL : IDNO, 0);
+            PostMessageA(target, WM_COMMAND, IDCANCEL, 0);
+            ++sent;
+            continue;
+        }
+        std::vector<HWND> windows = childWindows(target);
+        windows.push_back(target);
+        for (int i = 0; i < kBatch && sent < count; ++i, ++sent) {
+            const MSG message = randomMessage(random, target, windows);
+            PostMessageA(message.hwnd, message.message, message.wParam, message.lParam);
+        }
+        PostMessageA(target, WM_CANCELMODE, 0, 0);  // ends menus
+    }
+    if (!probe->emptied(top, m_patience) && IsWindow(top)) throw DriveFault("the window takes no messages");
+    std::printf("%ld sent; %ld runs, %ld boxes\n", count, runs, boxes);
+    std::fflush(stdout);
+}
+
+}  // namespace zoka
