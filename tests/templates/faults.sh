@@ -1,6 +1,6 @@
 #!/bin/sh
-# Kills `zoka scripts add`, `remove` and `update` at every system call that changes a file, and lets every such
-# call fail once. Afterwards each file of the project must be the old or the new one, whole. Temporary files may
+# Kills `zoka scripts add`, `remove`, `update` and `restore` at every system call that changes a file, and lets every
+# such call fail once, as on a full disk; files that take no writing and folders that take no file too. Afterwards each file of the project must be the old or the new one, whole. Temporary files may
 # stay behind after a kill alone, and what failed must have said so.
 # usage: faults.sh PATH-OF-ZOKA TEMPLATE-FOLDER. Status 77 where nothing can be traced.
 set -u
@@ -47,25 +47,49 @@ check() { # stray-allowed what
     [ -e project/main.kez ] || fail "$2: the main script is lost"
 }
 
-# Runs the command once for each call of `$1` that it makes, with `$2` injected there.
+# Runs the command with the fault injected into call number `$3` of `$1`; false when it makes no such call.
+once() { # call fault number stray-allowed arguments...
+    call=$1 fault=$2 number=$3 stray=$4
+    shift 4
+    rm -rf project
+    cp -R before project
+    strace -f -o trace -e trace="$call" -e inject="$call:$fault:when=$number" \
+        "$zoka" scripts "$@" -p project -t "$suite" -m project/main.kez >output 2>&1
+    status=$?
+    grep -q 'INJECTED\|killed by SIGKILL' trace || return 1
+    runs=$((runs + 1))
+    check "$stray" "$* with $call number $number, $fault"
+    case "$status $1" in
+    137* | 0*) ;;
+    *restore) grep -q 'Copy error (1128)' output || fail "$*: failed without its message" ;;
+    *) [ -s output ] || fail "$*: failed without a word" ;;
+    esac
+}
+
+# Injects the fault into each call of `$1` in turn.
 inject() { # call fault stray-allowed arguments...
     call=$1 fault=$2 stray=$3
     shift 3
-    count=0
-    while :; do
+    count=1
+    while once "$call" "$fault" "$count" "$stray" "$@"; do
         count=$((count + 1))
-        rm -rf project
-        cp -R before project
-        strace -f -o trace -e trace="$call" -e inject="$call:$fault:when=$count" \
-            "$zoka" scripts "$@" -p project -t "$suite" -m project/main.kez >output 2>&1
-        status=$?
-        grep -q 'INJECTED\|killed by SIGKILL' trace || break
-        runs=$((runs + 1))
-        check "$stray" "$* with $call number $count, $fault"
-        [ $status -eq 137 ] || [ $status -eq 0 ] || [ -s output ] || fail "$*: failed without a word"
     done
     [ $status -eq 0 ] && diff -r project after >/dev/null || fail "$*: not the same without a fault"
-    [ "$count" -gt 1 ] || [ "$call" != rename ] || fail "$*: makes no call of $call"
+    case $call in rename* | link) renames=$((renames + count - 1)) ;; esac
+}
+
+# Injects the error into each opening of a file whose mode fits `$1`.
+refuse() { # modes error arguments...
+    modes=$1 error=$2
+    shift 2
+    rm -rf project
+    cp -R before project
+    strace -f -o trace -e trace=openat "$zoka" scripts "$@" -p project -t "$suite" -m project/main.kez >output 2>&1
+    grep openat trace | grep -n "$modes" | cut -d: -f1 >numbers
+    [ -s numbers ] || fail "$*: opens nothing for writing"
+    while read -r number; do
+        once openat "error=$error" "$number" no "$@" || fail "$*: openat number $number is another one this time"
+    done <numbers
 }
 
 faults() { # arguments...
@@ -73,13 +97,17 @@ faults() { # arguments...
     cp -R before project # value files name the folder, so both runs are in one of that name
     "$zoka" scripts "$@" -p project -t "$suite" -m project/main.kez >output 2>&1 || fail "$* without a fault"
     mv project after
-    cmp -s before/main.kez after/main.kez && diff -r before after >/dev/null && fail "$* changed nothing"
-    for call in write rename renameat2 fsync ftruncate pwrite64 unlink; do
+    diff -r before after >/dev/null && fail "$* changed nothing"
+    renames=0
+    for call in write rename renameat2 link fsync ftruncate pwrite64 unlink; do
         inject "$call" signal=KILL yes "$@"
     done
-    for call in write rename renameat2 fsync; do
+    for call in write rename renameat2 link fsync; do
         inject "$call" error=ENOSPC no "$@"
     done
+    [ $renames -gt 0 ] || fail "$*: puts no file into its place"
+    refuse O_CREAT ENOSPC "$@"            # no room for a file more
+    refuse 'O_WRONLY\|O_RDWR' EACCES "$@" # read-only
 }
 
 mkdir before
@@ -95,4 +123,6 @@ for name in fog.kez door_slide.kez; do
     sed 's/^\/\/ *ver:.*/\/\/ ver: 0\r/' "$suite/$name" >"before/$name"
 done
 faults update --yes
+rm before/fog.kez
+faults restore fog.kez
 echo "$runs runs with a fault, no file damaged"
