@@ -45,7 +45,7 @@ else
 		'build\windows\plugin\zoka.dll'
 endif
 
-fuzz: ## fuzz one reader: make fuzz TARGET=xml SECONDS=60 (xml, lex, memfile)
+fuzz: ## fuzz one reader (fuzz/TARGET.cpp): make fuzz TARGET=xml SECONDS=60
 	@tools/setup/setup.sh build fuzz
 	@$(call BUILD,fuzz) --target fuzz/all
 	@tools/check/fuzz.sh $(TARGET) $(SECONDS)

@@ -22,12 +22,13 @@ CLex::CLex(const char* text, long size)
 
 CLex::~CLex() = default;
 
-// The line without its end: the LF of every line but the last, up to two CR or LF of the last.
-CLex::Span CLex::lineAt(int index) const {
+// The line without its end: the LF of every line but the last, up to two CR or LF of the last. The last is cut
+// to `most` bytes before its end is looked at.
+CLex::Span CLex::lineAt(int index, long most) const {
     const char* start = starts.at(static_cast<size_t>(index));
     if (const char* next = starts.at(static_cast<size_t>(index) + 1))
         return {start, static_cast<int>(next - start - 1)};
-    int len = static_cast<int>(buf + bufsize - start);
+    int len = static_cast<int>(std::min<long>(buf + bufsize - start, most));
     for (int i = 0; i < 2 && len > 0 && (start[len - 1] == '\r' || start[len - 1] == '\n'); ++i) --len;
     return {start, len};
 }
@@ -41,19 +42,10 @@ const char* CLex::deliverCopy(Span span) {
 
 const char* CLex::getNextUnformLine() {
     if (curr >= lines) return nullptr;
-    const int index = curr++;
-    if (curr < lines) {
-        const Span span = lineAt(index);
-        linelen = span.len;
-        return span.text;
-    }
-    // The last line is cut before its end is looked at, so that of a longer one the
-    // first 1024 bytes are left.
-    const char* start = starts.at(static_cast<size_t>(index));
-    deliverCopy({start, static_cast<int>(std::min<long>(buf + bufsize - start, kMaxLine))});
-    for (int i = 0; i < 2 && linelen > 0 && (line[linelen - 1] == '\r' || line[linelen - 1] == '\n'); ++i)
-        line[--linelen] = 0;
-    return line;
+    const Span span = lineAt(curr++, kMaxLine);
+    if (curr == lines) return deliverCopy(span);
+    linelen = span.len;
+    return span.text;
 }
 
 namespace {
@@ -68,7 +60,7 @@ Span withoutIndent(Span span) {
 
 const char* CLex::getNextLine() {
     while (curr < lines) {
-        const Span span = withoutIndent(lineAt(curr++));
+        const Span span = withoutIndent(lineAt(curr++, kMaxLine));
         const bool comment = span.len >= 2 && span.text[0] == '/' && span.text[1] == '/';
         if (span.len > 0 && !comment) return deliverCopy(span);
     }
@@ -80,7 +72,7 @@ const char* CLex::search(const char* text, int n, bool wholeWord) {
     for (int step = 0; step < lines; ++step) {
         const int rest = lines - curr;
         const int index = step < rest ? curr + step : step - rest;
-        const Span span = withoutIndent(lineAt(index));
+        const Span span = withoutIndent(lineAt(index, bufsize));
         if (span.len < n || !equalsIgnoringCase(span.text, text, static_cast<size_t>(n))) continue;
         if (wholeWord && span.len > n && !isSpace(span.text[n])) continue;
         curr = index + 1;

@@ -44,7 +44,8 @@ public:
 
     // The next line with something on it, from its first character that is neither blank nor tab: empty lines
     // and those that begin with "//" are passed over. A 0-terminated copy of at most 1024 bytes (getLineLen()
-    // is the copy's length), or null at the end of the text. A line that holds just a CR is not empty.
+    // is the copy's length), or null at the end of the text. A line that holds just a CR is not empty. Of a last
+    // line that is longer than that, the first 1024 bytes count, its leading blanks among them.
     const char* getNextLine();
 
     // Finds the next line, from the current one on, that begins with the `n` characters of `text` once its
@@ -180,7 +181,7 @@ private:
         const char* text;
         int len;
     };
-    Span lineAt(int index) const;
+    Span lineAt(int index, long most) const;
     const char* deliverCopy(Span span);
     const char* search(const char* text, int n, bool wholeWord);
 

@@ -8,8 +8,10 @@
 namespace zoka {
 namespace {
 
-// Deeper lines are not indented further: with a tab more a level, the text of a deep tree would be quadratic.
-constexpr std::size_t kDeepestIndent = 32;
+// With a tab more a level, the text of a very deep tree would be quadratic. So deeper lines are indented in
+// full only while the tabs spent on them are few, and no further than this afterwards.
+constexpr std::size_t kDeepLevel = 32;
+constexpr std::size_t kMostDeepTabs = 16 * 1024 * 1024;
 
 class Writer {
 public:
@@ -43,7 +45,13 @@ public:
 private:
     bool laysOut() const { return formatted_ && !plain_; }
     void indent() {
-        if (laysOut()) out_.put('\t', std::min(depth_, kDeepestIndent));
+        if (!laysOut()) return;
+        std::size_t tabs = depth_;
+        if (tabs > kDeepLevel) {
+            if (deepTabs_ + tabs > kMostDeepTabs) tabs = kDeepLevel;
+            deepTabs_ += tabs;
+        }
+        out_.put('\t', tabs);
     }
     void endLine() {
         if (laysOut()) out_.put('\n');
@@ -123,6 +131,7 @@ private:
     const bool formatted_;
     const char* const encoding_;
     std::size_t depth_ = 0;
+    std::size_t deepTabs_ = 0;           // spent on deep lines
     const XMLElement* plain_ = nullptr;  // the outermost open element that holds text: no white space inside
 };
 

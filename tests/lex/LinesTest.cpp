@@ -100,6 +100,14 @@ TEST(Lines, LongerThanTheBufferAreWholeInTheTextAndCutInCopies) {
     lex.setPosAtLine(0);
     EXPECT_EQ(lex.searchToLine("xx"), std::string(1024, 'x'));
     EXPECT_EQ(lex.getLineLen(), 1024);
+
+    // The last line is cut first, and its leading blanks go afterwards, except where it is searched for.
+    const std::string indented = "   " + std::string(3000, 'z'), blank = std::string(1024, ' ') + "z";
+    CLex last = lexOver(indented), cutAway = lexOver(blank);
+    EXPECT_EQ(last.getNextLine(), std::string(1021, 'z'));
+    last.setPosAtLine(0);
+    EXPECT_EQ(last.searchToLine("z"), std::string(1024, 'z'));
+    EXPECT_EQ(cutAway.getNextLine(), nullptr);
 }
 
 TEST(Lines, FormattedOnesAreTrimmedInFrontAndNeverEmptyOrComments) {

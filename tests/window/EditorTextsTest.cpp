@@ -8,13 +8,16 @@ namespace zoka {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
+using testing::StartsWith;
 
 TEST(LevelMap, readsWhatIsNamedAndWritesItBackEqual) {
     std::string error;
     const auto level = readLevelMap(
-        "// a level\r\nlevel 1\r\nentity a\r\n action s.kez walk\r\n position 1 -2.5 3\r\n skill 1 0.1\r\n "
+        "// a level\r\nlevel 1\r\nentity a\r\n  //the  first \r\n action s.kez walk\r\n position 1 -2.5 "
+        "3\r\n skill 1 0.1\r\n "
         "skill 20 7\n"
-        " flag 8\n flag 1\nend\nentity b\nend",
+        " flag 8\n flag 1\nend\n// then\nentity b\nend\n//",
         error);
     ASSERT_TRUE(level) << error;
     ASSERT_EQ(level->entities.size(), 2U);
@@ -30,6 +33,9 @@ TEST(LevelMap, readsWhatIsNamedAndWritesItBackEqual) {
     const auto again = readLevelMap(written, error);
     ASSERT_TRUE(again) << error;
     EXPECT_EQ(again->entities[0].skills, a.skills);
+    EXPECT_THAT(written, StartsWith("level 1\r\n\r\n// a level\r\n//the  first\r\nentity a\r\n"));
+    EXPECT_THAT(written,
+                EndsWith("end\r\n\r\n// then\r\nentity b\r\n    position 0 0 0\r\nend\r\n\r\n//\r\n"));
     EXPECT_EQ(writeLevelMap(*again), written);
 }
 

@@ -44,6 +44,20 @@ TEST(Write, FormattedAndNot) {
     }
 }
 
+TEST(Write, EveryLevelIsATabMore) {
+    constexpr std::size_t depth = 200;
+    const XMLNode top = XMLNode::createTop("a");
+    XMLNode node = top;
+    std::string opened = "<a>\n", closed = "</a>\n";
+    for (std::size_t level = 1; level < depth; ++level) {
+        node = node.addChild("a");
+        opened += std::string(level, '\t') + "<a>\n";
+        closed.insert(0, std::string(level, '\t') + "</a>\n");
+    }
+    node.addChild("a");
+    EXPECT_EQ(textOf(top, true), opened + std::string(depth, '\t') + "<a/>\n" + closed);
+}
+
 TEST(Write, ASubtreeAndItsLength) {
     const XMLNode node = XMLNode::parseText("<a><b><c/>\xC3\xA9</b><d/></a>").getChild("a").getChild("b");
     int length = 0;

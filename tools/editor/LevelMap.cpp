@@ -133,7 +133,9 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
         if (keyword.empty()) continue;
         if (keyword.starts_with("//")) {
             std::string& comments = inEntity ? level.entities.back().comments : level.comments;
-            comments.append(keyword).append(line.substr(0, line.find_last_not_of(kBlanks) + 1)).append("\r\n");
+            comments.append(keyword)
+                .append(line.substr(0, line.find_last_not_of(kBlanks) + 1))
+                .append("\r\n");
             continue;
         }
         if (!sawHeader) {

@@ -33,7 +33,7 @@ struct LevelEntity {
     std::array<float, 3> position{};
     std::array<float, kEntitySkills> skills{};  // skill n at n - 1
     std::uint32_t flags = 0;                    // flag n is bit n - 1
-    std::string comments = {};                  // the comment lines in front of it and in it, CR LF after each
+    std::string comments = {};  // the comment lines in front of it and in it, CR LF after each
 };
 
 struct LevelMap {
