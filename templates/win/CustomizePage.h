@@ -1,30 +1,21 @@
 // The page that opens the customization panel for an included script.
 #pragma once
 
-#include "templates/win/PageWindow.h"
-#include "templates/win/RowList.h"
+#include "templates/win/IncludedPage.h"
 
 namespace zoka {
 
-class CustomizePage : public PageWindow {
+class CustomizePage : public IncludedPage {
 public:
-    using PageWindow::PageWindow;
-    void refresh() override;
+    using IncludedPage::IncludedPage;
     void mainAction() override;
-    HWND firstField() const override { return m_list.window(); }
-    void command(int id, int code) override;
 
 protected:
-    void createControls() override;
-    void layout(int width, int height) override;
+    const Look& look() const override;
+    std::string lastColumn(size_t index) const override;
+    std::string note(size_t index) const override;
+    bool canDo(size_t index) const override;
     LRESULT notified(NMHDR& header) override;
-    void settled() override { showSelection(); }
-
-private:
-    void showSelection();
-
-    HWND m_label = nullptr, m_note = nullptr, m_customize = nullptr;
-    RowList m_list;
 };
 
 }  // namespace zoka

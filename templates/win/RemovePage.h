@@ -1,30 +1,21 @@
 // The page that takes included scripts out of the main script.
 #pragma once
 
-#include "templates/win/PageWindow.h"
-#include "templates/win/RowList.h"
+#include "templates/win/IncludedPage.h"
 
 namespace zoka {
 
-class RemovePage : public PageWindow {
+class RemovePage : public IncludedPage {
 public:
-    using PageWindow::PageWindow;
-    void refresh() override;
+    using IncludedPage::IncludedPage;
     void mainAction() override;
-    HWND firstField() const override { return m_list.window(); }
-    void command(int id, int code) override;
 
 protected:
-    void createControls() override;
-    void layout(int width, int height) override;
+    const Look& look() const override;
+    std::string lastColumn(size_t index) const override;
+    std::string note(size_t index) const override;
+    bool canDo(size_t) const override { return true; }  // the refusal says who needs the script
     LRESULT notified(NMHDR& header) override;
-    void settled() override { showSelection(); }
-
-private:
-    void showSelection();
-
-    HWND m_label = nullptr, m_note = nullptr, m_remove = nullptr;
-    RowList m_list;
 };
 
 }  // namespace zoka

@@ -1,0 +1,60 @@
+#include "templates/win/IncludedPage.h"
+
+#include <algorithm>
+
+namespace zoka {
+
+void IncludedPage::createControls() {
+    m_label = label("");
+    m_list.create(window(), look().list, fonts(), fonts().text(), look().columns,
+                  [this](int row, int column) -> std::string {
+                      const auto& included = session().included();
+                      const auto index = static_cast<size_t>(row);
+                      if (row < 0 || index >= included.size()) return {};
+                      return column == 0   ? included[index].text
+                             : column == 1 ? included[index].fileName
+                                           : lastColumn(index);
+                  });
+    m_note =
+        makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, look().note, fonts().text());
+    m_button = button(look().buttonText, look().button, true);
+}
+
+void IncludedPage::layout(int width, int height) {
+    const int gap = fonts().y(kGapUnits), labelHeight = fonts().y(kLabelHeightUnits);
+    const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
+    place(m_label, 0, 0, width, labelHeight);
+    m_list.place(0, labelHeight, width, height - labelHeight - gap - field);
+    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits),
+          labelHeight);
+    place(m_button, width - button, height - field, button, field);
+}
+
+void IncludedPage::refresh() {
+    const int selected = m_list.selected();
+    const int count = static_cast<int>(session().included().size());
+    setText(m_label, "&Included scripts: " + std::to_string(count));
+    m_list.setCount(count);
+    // Where the selected script is gone, the next one is at hand.
+    m_list.select(std::min(std::max(selected, 0), count - 1));
+    showSelection();
+}
+
+void IncludedPage::showSelection() {
+    const int row = m_list.selected();
+    const auto index = static_cast<size_t>(row);
+    enable(m_button, row >= 0 && canDo(index));
+    setText(m_note, row < 0 ? "The main script includes no scripts." : note(index));
+}
+
+void IncludedPage::command(int id, int code) {
+    if (id == look().button && code == BN_CLICKED) mainAction();
+}
+
+LRESULT IncludedPage::notified(NMHDR& header) {
+    if (static_cast<int>(header.idFrom) != look().list) return 0;
+    if (m_list.userMayHaveSelected(header)) settleSoon();
+    return m_list.notified(header);
+}
+
+}  // namespace zoka
