@@ -82,7 +82,7 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
 
 // All of it takes the better part of an hour. A run takes one part of kParts, which ZOKA_PART chooses (from 0
 // on; "all" takes every one).
-constexpr size_t kParts = 500;
+constexpr size_t kParts = 1000;
 
 bool isTaken(size_t number) {
     static const char* const chosen = std::getenv("ZOKA_PART");
@@ -96,7 +96,7 @@ void breakEveryByte(const std::string& whole,
                     const std::function<std::string(const std::string&, unsigned)>& fault) {
     size_t number = 0;
     for (size_t length = 0; length < whole.size(); ++length) {
-        if (!isTaken(number += 10)) continue;
+        if (!isTaken(number += 20)) continue;
         ASSERT_EQ(fault(whole.substr(0, length), static_cast<unsigned>(length)), "") << length;
     }
     std::string changed = whole;
