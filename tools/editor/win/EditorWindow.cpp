@@ -314,7 +314,9 @@ void EditorWindow::onCommand(UINT command) {
         case kCommandOpen:
             return openProject();
         case kCommandReload:
-            if (std::string error; !m_editor.openProject(m_editor.projectFolder(), error)) complain(error);
+            if (std::string error, path = m_editor.level().path();
+                !path.empty() && !m_editor.openLevel(path, error))
+                complain(error);
             return;
         case kCommandSave:
             return saveLevel();
