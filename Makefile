@@ -37,12 +37,14 @@ bench: ## build and run the benchmarks, our figures beside others'
 	@$(call BUILD,bench) --target bench/all
 	@for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program"; done
 ifeq (1,$(ZOKA_NO_WINE))
-	@echo "bench_window (the Project Manager's window): left out, because ZOKA_NO_WINE=1"
+	@echo "bench_window and bench_panel (the windows): left out, because ZOKA_NO_WINE=1"
 else
 	@tools/setup/setup.sh build wine
-	@$(call BUILD,windows) --target zoka bench_window
-	@tools/run/display.sh tools/run/wine.sh build/windows/wine build/windows/bench/win/bench_window.exe \
-		'build\windows\plugin\zoka.dll'
+	@$(call BUILD,windows) --target zoka bench_window bench_panel
+	@for program in bench_window bench_panel; do \
+		tools/run/display.sh tools/run/wine.sh build/windows/wine build/windows/bench/win/$$program.exe \
+			'build\windows\plugin\zoka.dll'; \
+	done
 endif
 
 fuzz: ## fuzz one reader (fuzz/TARGET.cpp): make fuzz TARGET=xml SECONDS=60

@@ -225,7 +225,7 @@ void EntryPanel::placeRows() {
         if (!window) window = std::make_unique<EntryWindow>(*this, rows[i]);
         if (!window->window()) continue;
         const int y = std::clamp(at.y - m_top, -30000, 30000);
-        moved = moved || window->y() != y;
+        moved = moved || (window->isPlaced() && window->y() != y);
         window->setPlace(after, y, at, labelWidth(at.width));
         after = window->window();
     }

@@ -30,6 +30,7 @@ public:
     // In pixels of the panel, `y` of its view; `after` is the window in front of it, and before it in the order of Tab.
     void setPlace(HWND after, int y, const PanelRect& place, int labelWidth);
     int y() const { return m_y; }
+    bool isPlaced() const { return m_y != INT_MIN; }
     // Shows the model's value, except in a field that is being typed in.
     void showValue();
     // Takes what stands in the field. False when it's refused: the field then shows its value again, and the

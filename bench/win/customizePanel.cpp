@@ -1,0 +1,249 @@
+// KEZ Customize on 1,000 and 20,000 entries: what opening the panel costs against bare child windows, and what
+// scrolling and searching cost as entries get more. bench_panel DLL (whose dialog resource is used); prints each
+// figure, what it is measured against, the ratio and the ratio wanted.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "customize/win/CustomizeControls.h"
+#include "customize/win/CustomizeDialog.h"
+#include "plugin/win/Resources.h"
+#include "tests/support/FakeEditor.h"
+#include "tests/support/TempFolder.h"
+
+namespace zoka::bench {
+namespace {
+
+constexpr int kRounds = 7;
+constexpr int kFew = 1000, kMany = 20000;
+constexpr const char* kSearched = "Speed 99";
+
+[[noreturn]] void stop(const std::string& why) {
+    std::fprintf(stderr, "bench_panel: %s\n", why.c_str());
+    std::exit(1);
+}
+
+double millisecondsOf(const std::function<void()>& work) {
+    LARGE_INTEGER frequency, start, end;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&start);
+    work();
+    QueryPerformanceCounter(&end);
+    return static_cast<double>(end.QuadPart - start.QuadPart) * 1000.0 /
+           static_cast<double>(frequency.QuadPart);
+}
+
+// Everything that is waiting to be done and painted.
+void settle(HWND window) {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
+        if (!IsDialogMessageA(window, &message)) DispatchMessageA(&message);
+    RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
+std::string script(int entries) {
+    static const char* const kKinds[] = {
+        "// entry: Speed %d\r\n// id: %d\r\n// cntl: spin 0 500 1\r\nvar v%d = 40;\r\n\r\n",
+        "// entry: Share %d\r\n// id: %d\r\n// cntl: slider 0 100 1\r\nvar v%d = 7;\r\n\r\n",
+        "// entry: Words %d\r\n// id: %d\r\nstring v%d = \"Good morning\";\r\n\r\n",
+        "// entry_drop: Weather %d\r\n// id: %d\r\n// cntl: drop_list clear rain storm\r\nstring v%d = "
+        "\"rain\";\r\n\r\n",
+        "// entry: Picture %d\r\n// id: %d\r\nbmap v%d = <sky.bmp>;\r\n\r\n"};
+    std::string text;
+    char one[200];
+    for (int i = 1; i <= entries; ++i) {
+        std::snprintf(one, sizeof one, kKinds[i % 5], i, i, i);
+        text += one;
+    }
+    return text;
+}
+
+class Panel {
+public:
+    Panel(ZunEditorInterface& editor, const std::string& path, HINSTANCE dll)
+        : m_dialog({editor, path, {}, dll, IDI_ZOKA}), m_dll(dll) {}
+    ~Panel() {
+        if (m_window) DestroyWindow(m_window);
+    }
+    void open() {
+        m_window = m_dialog.create(m_dll, IDD_PANEL);
+        if (!m_window) stop("the panel can't be made");
+        ShowWindow(m_window, SW_SHOWNORMAL);
+        UpdateWindow(m_window);
+        m_dialog.load();
+        settle(m_window);
+    }
+    void page() {
+        SendMessageA(rows(), WM_VSCROLL, SB_PAGEDOWN, 0);
+        settle(m_window);
+    }
+    void search(const std::string& text) {
+        SetDlgItemTextA(m_window, kSearch, text.c_str());
+        settle(m_window);
+    }
+    HWND window() const { return m_window; }
+    HWND rows() const { return GetDlgItem(m_window, kRows); }
+
+private:
+    CustomizeDialog m_dialog;
+    HINSTANCE m_dll;
+    HWND m_window = nullptr;
+};
+
+// The windows of a panel, to be made again without anything behind them: of the system's classes, in the same
+// places, with the same texts and fonts.
+class BareWindows {
+public:
+    explicit BareWindows(HWND panel) { add(panel, -1); }
+    ~BareWindows() {
+        if (!m_made.empty()) DestroyWindow(m_made[0]);
+    }
+    size_t count() const { return m_plan.size(); }
+    // As many rows as there are entries, each like one that is there, below one another.
+    void growTo(size_t entries) {
+        std::vector<size_t> rows;
+        for (size_t i = 0; i < m_plan.size(); ++i)
+            if (m_plan[i].isRow) rows.push_back(i);
+        if (rows.empty()) stop("the panel shows no rows");
+        const std::vector<Plan> plan = m_plan;
+        for (size_t made = rows.size(); made < entries; ++made) {
+            const size_t row = rows[made % rows.size()];
+            std::map<int, int> places;
+            for (size_t i = row; i < plan.size() && (i == row || !plan[i].isRow); ++i) {
+                if (i != row && !places.contains(plan[i].parent)) break;  // the row ends
+                Plan copy = plan[i];
+                if (i != row) copy.parent = places[copy.parent];
+                places[static_cast<int>(i)] = static_cast<int>(m_plan.size());
+                if (i == row) copy.area.y += static_cast<int>(made) * 30;
+                m_plan.push_back(copy);
+            }
+        }
+    }
+    void open() {
+        if (!m_made.empty()) DestroyWindow(m_made[0]);
+        m_made.clear();
+        for (const Plan& one : m_plan) {
+            const HWND made =
+                CreateWindowExA(one.exStyle, one.className.c_str(), one.text.c_str(), one.style, one.area.x,
+                                one.area.y, one.area.width, one.area.height,
+                                one.parent < 0 ? nullptr : m_made[static_cast<size_t>(one.parent)], nullptr,
+                                GetModuleHandleA(nullptr), nullptr);
+            if (!made) stop("a bare window of class " + one.className + " can't be made");
+            if (one.font) SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(one.font), FALSE);
+            m_made.push_back(made);
+        }
+        ShowWindow(m_made[0], SW_SHOWNORMAL);
+        settle(m_made[0]);
+    }
+
+private:
+    struct Plan {
+        std::string className, text;
+        DWORD style, exStyle;
+        PanelRect area;
+        int parent;
+        HFONT font;
+        bool isRow;
+    };
+
+    static std::string systemClass(const std::string& name) {
+        if (name == kIntEditClass || name == kFloatEditClass) return "Edit";
+        return name == kEntryClass || name == kSliderClass || name == kEntryPanelClass || name == "#32770"
+                   ? "Static"
+                   : name;
+    }
+    void add(HWND window, int parent) {
+        char name[64] = {};
+        GetClassNameA(window, name, sizeof name);
+        RECT area{};
+        GetWindowRect(window, &area);
+        if (parent >= 0) MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+        auto style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+        if (systemClass(name) != name && systemClass(name) == "Static") style &= 0xFFFF0000;
+        if (parent < 0) style &= ~static_cast<DWORD>(WS_VISIBLE);
+        m_plan.push_back(
+            {systemClass(name),
+             textOf(window),
+             style,
+             static_cast<DWORD>(GetWindowLongA(window, GWL_EXSTYLE)),
+             {static_cast<int>(area.left), static_cast<int>(area.top),
+              static_cast<int>(area.right - area.left), static_cast<int>(area.bottom - area.top)},
+             parent,
+             parent < 0 ? nullptr : reinterpret_cast<HFONT>(SendMessageA(window, WM_GETFONT, 0, 0)),
+             std::string(name) == kEntryClass});
+        const int own = static_cast<int>(m_plan.size()) - 1;
+        for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+            add(child, own);
+    }
+
+    std::vector<Plan> m_plan;
+    std::vector<HWND> m_made;
+};
+
+bool row(const std::string& what, double ours, const std::string& against, double theirs, double wanted) {
+    const double ratio = ours / theirs;
+    std::printf("%-44s %9.2f ms  %-32s %9.2f ms  ratio %5.2f  wanted <= %.2f  %s\n", what.c_str(), ours,
+                against.c_str(), theirs, ratio, wanted, ratio <= wanted ? "ok" : "MISSED");
+    return ratio <= wanted;
+}
+
+int run(const std::string& dllPath) {
+    const HINSTANCE dll = LoadLibraryExA(dllPath.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    if (!dll) stop(dllPath + " can't be read");
+    const test::TempFolder folder;
+    folder.write("few.kez", script(kFew));
+    folder.write("many.kez", script(kMany));
+    test::FakeEditor editor;
+    editor.projectFolder = folder.path();
+
+    double few = 1e9, many = 1e9, bare = 1e9, seen = 1e9;
+    std::map<int, double> paged, searched;
+    std::unique_ptr<BareWindows> all, visible;
+    size_t windows = 0;
+    const auto best = [](double& figure, double now) { figure = figure == 0 ? now : std::min(figure, now); };
+    for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets all
+        for (const int entries : {kFew, kMany}) {
+            Panel panel(editor, folder.path(entries == kFew ? "few.kez" : "many.kez"), dll);
+            best(entries == kFew ? few : many, millisecondsOf([&] { panel.open(); }));
+            if (!all) {
+                all = std::make_unique<BareWindows>(panel.window());
+                visible = std::make_unique<BareWindows>(panel.window());
+                all->growTo(kFew);
+                windows = all->count();
+            }
+            for (int i = 0; i < 5; ++i) best(paged[entries], millisecondsOf([&] { panel.page(); }));
+            best(searched[entries], millisecondsOf([&] { panel.search(kSearched); }));
+        }
+        best(seen, millisecondsOf([&] { visible->open(); }));
+        best(bare, millisecondsOf([&] { all->open(); }));
+    }
+    const std::string those = "bare, " + std::to_string(windows) + " windows";
+    bool met = row("open the panel on 1,000 entries", few, those, bare, 1.3);
+    met = row("open the panel on 20,000 entries", many, "1,000 entries", few, 1.5) && met;
+    met = row("a page down, 20,000 entries", paged[kMany], "1,000 entries", paged[kFew], 1.5) && met;
+    met = row("a page down, 20,000 entries", paged[kMany], "bare windows in sight", seen, 1.3) && met;
+    met = row("a search, 20,000 entries", searched[kMany], "opening 1,000 entries", few, 1.0) && met;
+    std::printf("%-44s %9.2f times the bare windows in sight\n",
+                "  (opening reads and lays out the script too)", few / seen);
+    FreeLibrary(dll);
+    return met ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace zoka::bench
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "bench_panel DLL\n");
+        return 2;
+    }
+    return zoka::bench::run(argv[1]);
+}
