@@ -136,10 +136,8 @@ void copyToDisk(benchmark::State& state) {
 }
 BENCHMARK(copyToDisk)->UseRealTime();
 
-// Script and value file, both on the disk at the end. With a switch among the changes the text is read again
-// before it is written, because a switched line may be anything.
+// Script and value file, both on the disk at the end.
 void save(benchmark::State& state) {
-    const bool withSwitch = state.range(0) != 0;
     SaveFixture files;
     zoka::FolderHost host({.project = files.folder, .suite = files.folder});
     zoka::CustomizeSession session(host, zoka::userPrompt());
@@ -150,12 +148,12 @@ void save(benchmark::State& state) {
         for (size_t i = 0; i < session.size(); i += 50) {
             const int kind = session.entry(i).kind;
             if (kind == zoka::kEntryNumEdit) session.setValue(i, std::to_string(n % 1000 + 5));
-            if (kind == zoka::kEnable && withSwitch) session.setValue(i, session.row(i).isOn() ? "0" : "1");
+            if (kind == zoka::kEnable) session.setValue(i, session.row(i).isOn() ? "0" : "1");
         }
         if (session.save() != zoka::SaveResult::Saved) std::abort();
     }
 }
-BENCHMARK(save)->ArgName("switch")->Arg(0)->Arg(1)->UseRealTime();
+BENCHMARK(save)->UseRealTime();
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "controls/EntryRules.h"
+#include "customize/CustomMarkup.h"
 #include "util/LexChars.h"
 
 namespace zoka {
@@ -26,11 +27,42 @@ bool isPlainWord(std::string_view text) {
     });
 }
 
+size_t lineStartOf(std::string_view text, size_t place) {
+    const size_t before = place == 0 ? text.npos : text.rfind('\n', place - 1);
+    return before == text.npos ? 0 : before + 1;
+}
+
+// What the line at `place` begins with behind its blanks; empty when it's a blank one.
+std::string_view beginningAt(std::string_view text, size_t place) {
+    while (place < text.size() && lex::isBlank(text[place])) ++place;
+    text.remove_prefix(place);
+    return text.empty() || !text[0] || lex::isLineEnd(text[0]) ? std::string_view() : text;
+}
+
+// A switch of one line with a blank line below it, whose new form is what a switch is looked for in.
+bool keepsSwitch(const CustomScript& script, const ScriptEdit& edit) {
+    const std::string_view text = script.text;
+    const size_t i = edit.entry;
+    const auto sameSwitch = [&](size_t other) {
+        return script.entries[other].line == script.entries[i].line;
+    };
+    if ((i > 0 && sameSwitch(i - 1)) || (i + 1 < script.entries.size() && sameSwitch(i + 1))) return false;
+    const size_t end = text.find('\n', edit.start);  // the text always ends with one
+    if (!beginningAt(text, end + 1).empty()) return false;
+    if (edit.length > 0) {
+        const std::string_view line = beginningAt(text, edit.start + edit.length);
+        return !line.empty() && !line.starts_with("//");
+    }
+    const std::string line = "//" + std::string(text.substr(edit.start, end - edit.start));
+    const std::string_view word = splitMarkupLine(line).keyword;
+    return !word.empty() && LookupCustomKeyword(word) < 0;
+}
+
 bool keepsEntry(const CustomScript& script, const ScriptEdit& edit) {
     const CustomEntry& entry = script.entries[edit.entry];
     const std::string_view before = std::string_view(script.text).substr(edit.start, edit.length);
-    if (entry.kind == kEnable || edit.text.empty() || before.find_first_of("\"\r\n") != before.npos)
-        return false;
+    if (entry.kind == kEnable) return keepsSwitch(script, edit);
+    if (edit.text.empty() || before.find_first_of("\"\r\n") != before.npos) return false;
     switch (script.text[edit.start - 1]) {  // a definition begins with the word that declares
         case '"':
             return edit.text.find_first_of("\"\r\n") == edit.text.npos;
@@ -103,8 +135,7 @@ std::vector<LineChange> lineChanges(std::string_view fileText, const std::vector
     size_t counted = 0;  // up to here the lines are counted
     int line = 1;
     for (size_t i = 0; i < edits.size();) {
-        const size_t before = edits[i].start == 0 ? fileText.npos : fileText.rfind('\n', edits[i].start - 1);
-        const size_t start = before == fileText.npos ? 0 : before + 1;
+        const size_t start = lineStartOf(fileText, edits[i].start);
         size_t end = start;
         std::string after;
         size_t cursor = start;
@@ -143,7 +174,12 @@ void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std:
         if (!entry.hasValue()) continue;
         entry.valueStart += moved;
         if (edit == edits.end() || edit->entry != i) continue;
-        entry.value = edit->text;
+        if (entry.kind == kEnable) {
+            entry.value = edit->text.empty() ? "1" : "0";
+            if (edit->text.empty()) entry.valueStart = lineStartOf(script.text, entry.valueStart);
+        } else {
+            entry.value = edit->text;
+        }
         entry.valueLength = edit->text.size();
         moved += edit->text.size() - edit->length;
         ++edit;

@@ -37,7 +37,7 @@ struct LineChange {
 std::vector<LineChange> lineChanges(std::string_view fileText, const std::vector<ScriptEdit>& edits);
 
 // Whether the edited text, read again, has the same entries with the new values and nothing else has changed.
-// False when that isn't certain, as with switched lines, emptied values and line ends.
+// False when that isn't certain, as with emptied values, line ends and switches of several lines.
 bool keepsEntries(const CustomScript& script, const std::vector<ScriptEdit>& edits);
 // For edits that keep the entries: makes the script what reading `newText`, the edited text, would make it.
 void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std::string newText);

@@ -47,7 +47,7 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
     const auto samples = sampleScripts();
     ASSERT_GE(samples.size(), 60u);
     std::minstd_rand random(7);
-    size_t edited = 0;
+    size_t edited = 0, certain[2] = {0, 0};
     for (const auto& [name, bytes] : samples) {
         for (const std::string& form : formsOf(bytes)) {
             SCOPED_TRACE(name);
@@ -65,6 +65,9 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
                 values.push_back(row.value());
             }
             ASSERT_EQ(scriptFault(form, static_cast<unsigned>(edited)), "");
+            for (const ScriptEdit& edit : editsOf(first.script))
+                if (keepsEntries(first.script, {edit}))
+                    ++certain[first.script.entries[edit.entry].kind == kEnable];
             const std::string saved = savedText(first);
             ScriptPanel second = panelOf(saved);
             ASSERT_EQ(frameOf(second.script), frameOf(first.script));
@@ -78,6 +81,9 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
         }
     }
     EXPECT_GT(edited, 2000u);
+    // Most edits need no second reading, switches among them; scriptFault has compared the two.
+    EXPECT_GT(certain[0], edited / 2);
+    EXPECT_GT(certain[1], 100u);
 }
 
 // All of it takes the better part of an hour. A run takes one part of kParts, which ZOKA_PART chooses (from 0
