@@ -1,7 +1,9 @@
 #include "plugin/Procedures.h"
 
 #include <atomic>
+#include <exception>
 #include <memory>
+#include <new>
 
 #include "util/DebugLog.h"
 #include "util/OsFiles.h"
@@ -105,8 +107,8 @@ bool showOpenPanel(Panel& panel, std::int32_t* executeFlags) {
 
 void startPanel(Panel& panel, PanelDialog& dialog, std::unique_ptr<ZunEditorInterface> editor,
                 std::int32_t* executeFlags) {
-    const std::shared_ptr<PanelThread> thread = g_seams->makeThread(panel.state, dialog, kPanelDialog);
     panel.run.editor = std::move(editor);
+    const std::shared_ptr<PanelThread> thread = g_seams->makeThread(panel.state, dialog, kPanelDialog);
     panel.run.thread = thread;
     panel.state.begin(thread.get(), executeFlags);
     if (!thread->start()) {
@@ -254,19 +256,32 @@ std::int32_t executeWizard(PluginProcDef*, HostContext*, std::int32_t* executeFl
     return 1;
 }
 
+// The host can't catch what is thrown through it: that would end its process.
+template <PluginExecute Execute>
+std::int32_t guarded(PluginProcDef* record, HostContext* context, std::int32_t* executeFlags) {
+    try {
+        return Execute(record, context, executeFlags);
+    } catch (const std::bad_alloc&) {
+        userPrompt().tell("There is not enough memory for this.");
+    } catch (const std::exception& fault) {
+        userPrompt().tell(fault.what());
+    }
+    return 0;
+}
+
 }  // namespace
 
 AppInterface* g_appInterface = nullptr;
 PanelDialog* g_behaviorDialog = nullptr;
 
 PluginProcDef g_procDefs[kProcCount] = {
-    {0, 2, 0x84, "KEZ Customize", nullptr, 0, 0, 0, &g_procDefs[0], executeCustomize, terminateCustomize, 0,
-     0},
-    {0, 1, 0x85, "Add Script", nullptr, 0, 0, 0, &g_procDefs[1], executeAddScript, nullptr, 0, 0},
-    {0, 2, 0x8b, "Entity Behavior", nullptr, 0, 0, 0, &g_procDefs[2], executeBehavior, terminateBehavior, 0,
-     0},
-    {0x80000, 5, 0, "Project Wizard", "File\\Project Wizard", 0, 0, 0, &g_procDefs[3], executeWizard, nullptr,
-     0, 0},
+    {0, 2, 0x84, "KEZ Customize", nullptr, 0, 0, 0, &g_procDefs[0], guarded<executeCustomize>,
+     terminateCustomize, 0, 0},
+    {0, 1, 0x85, "Add Script", nullptr, 0, 0, 0, &g_procDefs[1], guarded<executeAddScript>, nullptr, 0, 0},
+    {0, 2, 0x8b, "Entity Behavior", nullptr, 0, 0, 0, &g_procDefs[2], guarded<executeBehavior>,
+     terminateBehavior, 0, 0},
+    {0x80000, 5, 0, "Project Wizard", "File\\Project Wizard", 0, 0, 0, &g_procDefs[3], guarded<executeWizard>,
+     nullptr, 0, 0},
 };
 
 void setPluginSeams(PluginSeams* seams) {

@@ -301,6 +301,24 @@ TEST_F(Procedures, ShutdownClosesBothPanelsAndForgetsTheHost) {
     EXPECT_EQ(PIInitialize(&app), 1);
 }
 
+TEST_F(Procedures, NothingIsThrownThroughTheHost) {
+    ASSERT_EQ(PIInitialize(&app), 1);
+    for (const int index : {kCustomize, kAddScript, kBehavior, kWizard}) {
+        SCOPED_TRACE(g_procDefs[index].name);
+        prompt.asked.clear();
+        busy = 0;
+        seams.prepareEditor = [](FakeEditor&) { throw std::bad_alloc(); };
+        EXPECT_EQ(run(index), 0);
+        EXPECT_EQ(busy, 0);
+        EXPECT_THAT(prompt.texts(), ElementsAre("There is not enough memory for this."));
+        // Nothing stays marked as running.
+        bool asked = false;
+        seams.prepareEditor = [&](FakeEditor&) { asked = true; };
+        run(index);
+        EXPECT_TRUE(asked);
+    }
+}
+
 // A host that handles messages while the plug-in asks it something can get back into the procedure.
 TEST_F(Procedures, ReentryWhileAPanelOpensMakesNoSecondOne) {
     ASSERT_EQ(PIInitialize(&app), 1);
