@@ -35,17 +35,24 @@ show() {
     drive customize calls-customize
     drive scripts calls-scripts
 }
-drive() { # script, log
+# The panel at its usual size and on a screen of twice the resolution.
+show_sizes() {
+    for dpi in 96 192; do
+        drive customize-look calls-customize-look --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
+    done
+}
+drive() { # script, log, further options
     timeout -k 2 90 tools/run/wine.sh "$build/wine" "$build/tools/editor/zunhost.exe" --drive "P:\\$1.drive" \
         --limit 60 --log "P:\\$2.log" --pictures 'P:' --suite 'P:\suite' \
-        --set 'PROJECT=P:\harbour' --set 'DLL=P:\zoka.dll' --set 'OUT=P:'
+        --set 'PROJECT=P:\harbour' --set 'DLL=P:\zoka.dll' --set 'OUT=P:' "${@:3}"
 }
-export -f show drive
+export -f show show_sizes drive
 export build demo
 
 echo "running the plug-in in the stand-in editor"
 status=0
 tools/run/display.sh bash -euc show >"$demo/output.txt" 2>&1 || status=$?
+[ $status != 0 ] || ZOKA_SCREEN=2560x2048 tools/run/display.sh bash -euc show_sizes >>"$demo/output.txt" 2>&1 || status=$?
 if [ -e "$demo/calls.log" ]; then
     echo "every call between the editor and the plug-in (build/demo/calls.log):"
     sed 's/^/    /' "$demo/calls.log"

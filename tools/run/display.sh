@@ -1,9 +1,9 @@
 #!/bin/bash
 # Runs a command with a display of its own that no screen shows: display.sh COMMAND...
-# Where a display without a screen can't start, the command is not run and 1 is returned.
+# The screen has ZOKA_SCREEN pixels (1280x1024). Where a display without a screen can't start, the command is not run and 1 is returned.
 set -euo pipefail
 number=$(mktemp)
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$number" >/dev/null 2>&1 </dev/null &
+Xvfb -displayfd 3 -screen 0 "${ZOKA_SCREEN:-1280x1024}x24" -nolisten tcp 3>"$number" >/dev/null 2>&1 </dev/null &
 server=$!
 trap 'kill "$server" 2>/dev/null; wait "$server" 2>/dev/null; rm -f "$number"' EXIT
 for ((i = 0; i < 300; i++)); do # the server writes its number when it is ready

@@ -71,7 +71,13 @@ RECT windowsArea() {
     return IntersectRect(&area, &all, &screen) ? area : screen;
 }
 
-bool takePicture(const RECT& area, const std::string& path, unsigned patience, std::string& error) {
+bool takePicture(const RECT& wanted, const std::string& path, unsigned patience, std::string& error) {
+    const RECT screen = screenArea();
+    RECT area{};
+    if (!IntersectRect(&area, &wanted, &screen)) {  // beyond it there is nothing to be read
+        error = "it is not on the screen";
+        return false;
+    }
     for (const HWND window : topWindows()) ask(window, WM_NULL);
     std::vector<std::uint8_t> picture = look(area);
     const ULONGLONG end = GetTickCount64() + patience;
