@@ -64,7 +64,36 @@ bool lacks(const std::vector<std::string>& choices, const std::string& value) {
     return std::find(choices.begin(), choices.end(), value) == choices.end();
 }
 
-void checkValue(CustomScript& script, const CustomEntry& entry) {
+}  // namespace
+
+void MarkupFindings::sortByLine() {
+    std::stable_sort(m_kept.begin(), m_kept.end(),
+                     [](const MarkupFinding& a, const MarkupFinding& b) { return a.line < b.line; });
+}
+
+bool LoadCustomScript(const std::string& fileName, CustomScript& script) {
+    const std::string path = fileName.substr(0, kMaxScriptPath);
+    if (path.empty()) return false;
+    auto text = osFiles().readWhole(path);
+    if (!text || text->size() > INT32_MAX - 2) return false;
+    script.scriptPath = path;
+    takeCustomText(std::move(*text), script);
+    return true;
+}
+
+void takeCustomText(std::string fileText, CustomScript& script) {
+    script.text = std::move(fileText);
+    script.fileLength = script.text.size();
+    if (!script.text.ends_with("\r\n")) script.text += "\r\n";
+    script.entries.clear();
+    script.version = script.date = 0;
+    script.findings = {};
+    checkEncoding(script);
+    ParseCustomMarkup(script.text, script);
+    checkCustomEntries(script);
+}
+
+void checkCustomValue(CustomScript& script, const CustomEntry& entry) {
     if (isNumberKind(entry.kind) && isLimited(entry) && entry.minimum <= entry.maximum) {
         const double value = numberOf(entry.value).value_or(0);
         if (value < entry.minimum || value > entry.maximum)
@@ -97,42 +126,9 @@ void checkValue(CustomScript& script, const CustomEntry& entry) {
     }
 }
 
-}  // namespace
-
-void MarkupFindings::sortByLine() {
-    std::stable_sort(m_kept.begin(), m_kept.end(),
-                     [](const MarkupFinding& a, const MarkupFinding& b) { return a.line < b.line; });
-}
-
-bool LoadCustomScript(const std::string& fileName, CustomScript& script) {
-    const std::string path = fileName.substr(0, kMaxScriptPath);
-    if (path.empty()) return false;
-    auto text = osFiles().readWhole(path);
-    if (!text || text->size() > INT32_MAX - 2) return false;
-    script.scriptPath = path;
-    takeCustomText(std::move(*text), script);
-    return true;
-}
-
-void takeCustomText(std::string fileText, CustomScript& script) {
-    script.text = std::move(fileText);
-    script.fileLength = script.text.size();
-    if (!script.text.ends_with("\r\n")) script.text += "\r\n";
-    script.entries.clear();
-    script.version = script.date = 0;
-    script.findings = {};
-    checkEncoding(script);
-    ParseCustomMarkup(script.text, script);
-    checkCustomEntries(script);
-}
-
 void checkCustomEntries(CustomScript& script) {
     checkIds(script);
-    checkCustomValues(script);
-}
-
-void checkCustomValues(CustomScript& script) {
-    for (const CustomEntry& entry : script.entries) checkValue(script, entry);
+    for (const CustomEntry& entry : script.entries) checkCustomValue(script, entry);
     script.findings.sortByLine();
 }
 

@@ -67,8 +67,8 @@ void takeCustomText(std::string fileText, CustomScript& script);
 // Findings that need the whole list: an id used twice, values outside their limits, lists without the current
 // value. Part of loading.
 void checkCustomEntries(CustomScript& script);
-// Those of them that are about values alone.
-void checkCustomValues(CustomScript& script);
+// Those of them that are about one entry's value. They stand at the findings' end.
+void checkCustomValue(CustomScript& script, const CustomEntry& entry);
 
 // The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
 EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,

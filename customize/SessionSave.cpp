@@ -62,7 +62,7 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
     m_history.add(std::move(step));
     m_view->valuesChanged();
     if (m_unplaced.empty())
-        return changedCount() > 0 ? std::nullopt : std::optional(SaveResult::NothingToSave);
+        return hasChanges(m_panel.script) ? std::nullopt : std::optional(SaveResult::NothingToSave);
     keepUnplaced();
     return fail("These values found no place in the script as it is now; nothing was saved yet:\n\n" +
                 unplacedText(m_unplaced));
@@ -115,7 +115,7 @@ bool CustomizeSession::takeIntoProject(bool& copied) {
 SaveResult CustomizeSession::save() {
     m_problem.clear();
     if (m_panel.script.fileLength > 0) {
-        if (changedCount() == 0) return SaveResult::NothingToSave;
+        if (!hasChanges(m_panel.script)) return SaveResult::NothingToSave;
         if (const auto settled = settleChangesFromOutside()) return *settled;
         const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
         if (const std::string fault = editFault(m_panel.script, edits); !fault.empty())

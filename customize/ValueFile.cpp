@@ -89,7 +89,9 @@ void appendValueRecord(std::string& text, int id, int kind, std::string_view val
 }
 
 std::string valueFileText(const CustomScript& script, bool useControlValues) {
+    constexpr size_t kUsualRecord = 16;
     std::string text = "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n";
+    text.reserve(text.size() + script.entries.size() * kUsualRecord);
     for (const CustomEntry& entry : script.entries)
         if (entry.id >= 1) appendValueRecord(text, entry.id, entry.kind, valueOf(entry, useControlValues));
     return text;

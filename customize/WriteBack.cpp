@@ -80,6 +80,11 @@ bool keepsEntry(const CustomScript& script, const ScriptEdit& edit) {
 
 }  // namespace
 
+bool hasChanges(const CustomScript& script) {
+    return std::any_of(script.entries.begin(), script.entries.end(),
+                       [](const CustomEntry& entry) { return entry.control && entry.control->HasChanged(); });
+}
+
 size_t countChanges(const CustomScript& script) {
     return static_cast<size_t>(
         std::count_if(script.entries.begin(), script.entries.end(),
@@ -184,8 +189,13 @@ void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std:
         moved += edit->text.size() - edit->length;
         ++edit;
     }
-    script.findings.forgetThoseOfValues();
-    checkCustomValues(script);
+    if (script.findings.count() == 0) {
+        for (const ScriptEdit& one : edits) checkCustomValue(script, script.entries[one.entry]);
+    } else {
+        script.findings.forgetThoseOfValues();
+        for (const CustomEntry& entry : script.entries) checkCustomValue(script, entry);
+    }
+    script.findings.sortByLine();
 }
 
 std::vector<size_t> notReadBack(const CustomScript& script, const CustomScript& saved) {

@@ -19,6 +19,7 @@ struct ScriptEdit {
 
 // How many of the entries' controls hold a changed value.
 size_t countChanges(const CustomScript& script);
+bool hasChanges(const CustomScript& script);
 // The edits of the entries whose controls have changed, in the entries' order. Switched off, a line gets "//"
 // in front; switched on, it loses its two slashes.
 std::vector<ScriptEdit> editsOf(const CustomScript& script);
