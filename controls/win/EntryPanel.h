@@ -73,7 +73,7 @@ public:
 
 private:
     static constexpr UINT kLayoutRows = WM_APP + 1, kBrowseRow = WM_APP + 2, kMenuRow = WM_APP + 3,
-                          kFocused = WM_APP + 4;
+                          kFocused = WM_APP + 4, kShowRefusal = WM_APP + 5;
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void makeFonts();
@@ -107,6 +107,7 @@ private:
     std::optional<size_t> m_refused, m_lastFocused;
     HWND m_menuField = nullptr;
     bool m_laidOutSoon = false, m_placing = false;
+    bool m_refusing = false;  // a refusal is shown, or will be
 };
 
 }  // namespace zoka

@@ -46,13 +46,16 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
     RECT area;
     GetWindowRect(field, &area);
     SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.bottom + 2));
-    SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+    // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
+    // it can stay below the panel.
+    m_refusing = PostMessageA(m_window, kShowRefusal, 0, 0) != 0;
     SetTimer(m_window, kHideTimer, kRefusalMs, nullptr);
 }
 
 void EntryPanel::hideRefusal() {
     if (!m_window) return;
     KillTimer(m_window, kHideTimer);
+    m_refusing = false;
     TTTOOLINFOA tool = toolOf(m_window);
     SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
 }
@@ -200,6 +203,13 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
                 m_host.rowFocused(wParam);
             }
             return 0;
+        case kShowRefusal: {
+            if (!m_refusing) return 0;
+            TTTOOLINFOA tool = toolOf(m_window);
+            SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+            SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+            return 0;
+        }
         case kBrowseRow:
             browse(wParam);
             return 0;

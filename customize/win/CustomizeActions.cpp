@@ -174,7 +174,7 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
     };
     const auto line = [&] { AppendMenuA(menu, MF_SEPARATOR, 0, nullptr); };
     item(kUndo, "&Undo\tCtrl+Z", m_session.canUndo());
-    item(kRedo, "R&edo\tCtrl+Y", m_session.canRedo());
+    item(kRedo, "&Redo\tCtrl+Y", m_session.canRedo());
     line();
     const bool text = field && IsWindow(field) && (SendMessageA(field, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL);
     if (text) {
@@ -189,16 +189,16 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
         item(kResetDefault, "Reset to the template's &default", original && *original != model.value());
     }
     if (kind == EntryField::Heading) {
-        item(kResetSectionLoaded, "Reset the section to the loaded values");
-        item(kResetSectionDefault, "Reset the section to the template's defaults");
+        item(kResetSectionLoaded, "Reset the section to the load&ed values");
+        item(kResetSectionDefault, "Reset the section to the template's de&faults");
     }
     item(kResetAllLoaded, "Reset &all to the loaded values", m_session.changedCount() > 0);
-    item(kResetAllDefault, "Reset all to the template's defaults");
+    item(kResetAllDefault, "Re&set all to the template's defaults");
     line();
-    item(kFoldAll, "&Fold all sections");
-    item(kUnfoldAll, "Unfo&ld all sections");
+    item(kFoldAll, "F&old all sections");
+    item(kUnfoldAll, "U&nfold all sections");
     line();
-    item(kCopyPlace, "Copy the file and the &line");
+    item(kCopyPlace, "Copy the file and the l&ine");
     m_busy = true;
     const int chosen = static_cast<int>(
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, m_window, nullptr));
