@@ -146,6 +146,7 @@ void EntryPanel::layoutSoon() {
 
 void EntryPanel::layout() {
     if (!m_window || m_placing) return;
+    const bool hadFocus = focused() != nullptr;
     RECT area;
     GetClientRect(m_window, &area);
     const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
@@ -160,6 +161,11 @@ void EntryPanel::layout() {
     m_layout.stack(items);
     setText(m_window, m_layout.rows().empty() ? m_host.emptyText() : "");
     scrollTo(m_top);
+    // A row that is shown no more takes the keyboard with it: the first field in sight gets it.
+    if (!hadFocus || focused()) return;
+    const PanelLayout::Range seen = m_layout.rowsWithin(m_top, static_cast<int>(area.bottom));
+    for (size_t i = seen.first; i < seen.last && !focused(); ++i) focusRow(m_layout.rows()[i]);
+    if (!GetFocus()) SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
 }
 
 void EntryPanel::scrollTo(int top) {
