@@ -27,7 +27,7 @@ std::string withCrLf(const std::string& text) {
 }  // namespace
 
 EntryWindow::EntryWindow(EntryPanel& panel, size_t row) : m_panel(panel), m_row(row) {
-    CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 0, 0,
+    CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0, 0,
                     panel.window(), nullptr, ControlClasses::instance(), this);
     if (!m_window) return;
     makeControls();
