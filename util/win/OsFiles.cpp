@@ -89,6 +89,24 @@ private:
     Handle m_file;
 };
 
+// Both do what the system allows: neither is worth a refusal.
+void setCreationTime(const std::string& path, const FILETIME& time) {
+    const Handle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_EXISTING, 0, nullptr));
+    if (file.isOpen()) {
+        SetFileTime(file.get(), &time, nullptr, nullptr);
+    }
+}
+
+void copyAccessRights(const std::string& from, const std::string& to) {
+    DWORD size = 0;
+    GetFileSecurityA(from.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<std::uint64_t> rights(size / sizeof(std::uint64_t) + 1);  // aligned as the system wants it
+    if (size > 0 && GetFileSecurityA(from.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size)) {
+        SetFileSecurityA(to.c_str(), DACL_SECURITY_INFORMATION, rights.data());
+    }
+}
+
 class WinFiles : public OsFiles {
 public:
     std::optional<OsEntry> search(const std::string& path) override {
@@ -227,23 +245,25 @@ public:
         return found.starts_with("\\\\?\\") ? found.substr(4) : found;
     }
 
+    // Moved over, in one step. ReplaceFile would carry over by itself what belongs to the target, but there can
+    // be a moment in which the target is gone, and a process that ends then leaves none.
     bool replaceFile(const std::string& target, const std::string& replacement) override {
-        // Merging the attributes is the system's part too, but not every one that runs us does it.
         constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                                 FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
-        const DWORD attributes = GetFileAttributesA(target.c_str());
-        if (attributes == INVALID_FILE_ATTRIBUTES) {
+        WIN32_FILE_ATTRIBUTE_DATA old;
+        if (!GetFileAttributesExA(target.c_str(), GetFileExInfoStandard, &old)) {
             return false;
         }
-        SetFileAttributesA(replacement.c_str(),
-                           (attributes & kKept) != 0 ? attributes & kKept : FILE_ATTRIBUTE_NORMAL);
-        if (ReplaceFileA(target.c_str(), replacement.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                         nullptr, nullptr)) {
-            return true;
+        if (old.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {  // which not every system that runs us minds
+            SetLastError(ERROR_ACCESS_DENIED);
+            return false;
         }
-        // Here, and only here, the target is gone and the replacement still has its own name.
-        return GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT &&
-               MoveFileExA(replacement.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
+        copyAccessRights(target, replacement);
+        setCreationTime(replacement, old.ftCreationTime);
+        const DWORD attributes = old.dwFileAttributes & kKept;
+        SetFileAttributesA(replacement.c_str(), attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL);
+        return MoveFileExA(replacement.c_str(), target.c_str(),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     }
 
     bool renameNew(const std::string& from, const std::string& to) override {
