@@ -9,6 +9,7 @@
 #   #: says TEXT     a text that the process must write on its output; may be repeated
 #   #: options TEXT  further options of zunhost
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
+#   #: long          runs when it is named, and with all others only where ZOKA_LONG=1 is set
 # Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
 # Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
 set -uo pipefail
@@ -140,7 +141,9 @@ scripts=()
 if [ $# -gt 0 ]; then
     for name in "$@"; do scripts+=("$here/${name%.drive}.drive"); done
 else
-    scripts=("$here"/*.drive)
+    for script in "$here"/*.drive; do
+        [ "${ZOKA_LONG:-}" != 1 ] && grep -q '^#: long$' "$script" || scripts+=("$script")
+    done
 fi
 taken=$(mktemp -d) || exit 1
 outcomes=$taken/outcomes
