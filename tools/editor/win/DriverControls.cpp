@@ -317,15 +317,21 @@ void Driver::expectControl(const Words& words) {
                "the control " + words[0] + " to be " + relation, [&] { return "\n" + describeAll(); });
         return;
     }
-    const HWND found = control(words[0]);
+    // Looked up anew each time: a tab page that is just being left may have one of that name, too.
+    const HWND top = window();
+    HWND found = control(words[0]);
+    const auto again = [&] {
+        if (const HWND now = findControl(top, words[0])) found = now;
+        return found;
+    };
     const auto seen = [&] { return stateText(found); };
     if (words.size() == 2)
-        return expect([&] { return hasState(found, relation); }, words[0] + " " + relation, seen);
+        return expect([&] { return hasState(again(), relation); }, words[0] + " " + relation, seen);
     if (relation != "equals" && relation != "contains")
         throw DriveFault("a value is expected with equals or contains, not \"" + relation + "\"");
     expect(
         [&] {
-            const std::string value = valueOf(found);
+            const std::string value = valueOf(again());
             return relation == "equals" ? value == words[2] : value.find(words[2]) != std::string::npos;
         },
         words[0] + " " + relation + " \"" + words[2] + "\"", seen);
