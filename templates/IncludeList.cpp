@@ -16,11 +16,29 @@ constexpr std::string_view kKeyword = "include";
 // A semicolon parts the name's token from what follows.
 constexpr std::string_view kDelims = ";";
 
+// What an editor may put in front of a UTF-8 text; it belongs to no line.
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+size_t markLength(std::string_view text) {
+    return text.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
+}
+// Of two bytes a character: lines of one byte a character would break it.
+bool isUtf16(std::string_view text) {
+    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
+}
+
+std::string_view textOf(const CLex& lexer) {
+    return {lexer.getBuf(), static_cast<size_t>(lexer.getBufSize())};
+}
+
 // The line that the lexer delivered last, whole: the lexer itself hands out a shortened copy of the last one.
+// The mark in front of the text is left out.
 std::string_view currentLine(const CLex& lexer) {
     const char* const start = lexer.getCurrLinePos();
-    if (lexer.getLineNum() < lexer.getLinesNumber()) return {start, static_cast<size_t>(lexer.getLineLen())};
-    return {start, static_cast<size_t>(lexer.getBuf() + lexer.getBufSize() - start)};
+    const std::string_view line = lexer.getLineNum() < lexer.getLinesNumber()
+                                      ? std::string_view(start, static_cast<size_t>(lexer.getLineLen()))
+                                      : textOf(lexer).substr(static_cast<size_t>(start - lexer.getBuf()));
+    return start == lexer.getBuf() ? line.substr(markLength(line)) : line;
 }
 
 bool isComment(std::string_view line) {
@@ -45,7 +63,8 @@ long walkBlock(CLex& lexer, const OnName& onName) {
             firstCode = offset;
         }
     }
-    return lastInclude >= 0 ? lastInclude : std::max(firstCode, 0L);
+    if (lastInclude >= 0) return lastInclude;
+    return firstCode >= 0 ? firstCode : static_cast<long>(markLength(textOf(lexer)));
 }
 
 }  // namespace
@@ -98,7 +117,9 @@ Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
         collectNeeds(scriptPaths, std::string(fileNameOf(mainScriptPath)), included, locate, read);
     insertion.names = std::move(needed.names);
     insertion.present = std::move(needed.present);
-    insertion.refused = std::move(needed.refused);
+    insertion.problem = isUtf16(textOf(lexer))
+                            ? mainScriptPath + " is a UTF-16 file: include lines would damage it."
+                            : describe(needed.refused);
     return insertion;
 }
 
@@ -116,10 +137,9 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<con
                    const LocateFile& locate, std::string* error) {
     if (lexer.getBufSize() == 0) return 0;
     const Insertion insertion = planInsertion(lexer, mainScriptPath, scriptPaths, locate);
-    if (error) *error = describe(insertion.refused);
-    if (insertion.names.empty() || !insertion.refused.empty()) return 0;
-    const std::string_view text(lexer.getBuf(), static_cast<size_t>(lexer.getBufSize()));
-    const SafeWriteResult written = safeWrite(mainScriptPath, applyInsertion(text, insertion));
+    if (error) *error = insertion.problem;
+    if (insertion.names.empty() || !insertion.problem.empty()) return 0;
+    const SafeWriteResult written = safeWrite(mainScriptPath, applyInsertion(textOf(lexer), insertion));
     if (error) *error = written.error;
     return 1;
 }

@@ -37,8 +37,8 @@ bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>
 
 // Both look through all lines of `lexer`, from the first one, and return the insertion point, an offset in
 // its text: the start of the line that ends the block; where the block ends with the text, the start of its
-// last line; without a block, the start of the first line that is no "//" comment; else 0. The names are
-// appended to `names`; or those found in the block, in any case, are removed from `pendingNames`.
+// last line; without a block, the start of the first line that is no "//" comment; else the start of the text.
+// The text starts behind the byte order mark of a UTF-8 file, which stays in front. The names are appended to `names`; or those found in the block, in any case, are removed from `pendingNames`.
 long ScanIncludeBlock(CLex& lexer, std::vector<std::string>& names);
 long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames);
 
@@ -47,7 +47,7 @@ struct Insertion {
     long position = 0;
     std::vector<std::string> names;    // the new lines' names; none: nothing is to be done
     std::vector<std::string> present;  // asked for or needed, but included already
-    std::vector<RefusedNeed> refused;  // where any need can't be included, nothing is done
+    std::string problem;               // why nothing may be done, in words; else empty
 };
 // What including the scripts at `scriptPaths` means for a main script. Scripts already included are left out,
 // needs come before the script that needs them; their files are found with `locate`.

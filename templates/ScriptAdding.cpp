@@ -158,14 +158,17 @@ bool ScriptAdding::insertInto(const std::string& mainPath, const std::vector<std
         m_error = mainPath + ": " + osFiles().lastError();
         return false;
     }
-    if (text->empty()) return true;
+    if (text->empty()) {
+        m_error = mainPath + " is empty: nothing can be included";
+        return true;
+    }
     CLex lexer(text->data(), static_cast<long>(text->size()));
     const ScriptFolders folders(m_host);
     if (InsertIncludes(lexer, mainPath, paths, folders.locator(), &m_error) == 1) {
         m_changed = m_error.empty();
         m_host.MainScriptChanged();
     } else if (!m_error.empty()) {
-        // A need that can't be included is the template's fault, which nobody would see otherwise.
+        // A need that can't be included, or a file of another kind: nobody would see it otherwise.
         m_prompt.tell(m_error + "\nFile not added.");
         return false;
     }
@@ -210,7 +213,7 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
     };
     CLex lexer(plan.before.data(), static_cast<long>(plan.before.size()));
     const Insertion insertion = planInsertion(lexer, plan.mainScript, paths, folders.locator(), read);
-    plan.problem = describe(insertion.refused);
+    plan.problem = insertion.problem;
 
     std::unordered_set<std::string> asked;
     for (const std::string& path : paths) asked.insert(lowered(fileNameOf(path)));

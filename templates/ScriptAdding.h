@@ -57,10 +57,10 @@ public:
                             const std::string& destFolder);
 
     // Adds scripts by their full paths, in one rewrite of the main script. True when done, also when nothing
-    // had to change or the main script is empty; false when a copy failed or was declined, when a need can't
-    // be included (the user is told), or when there is no main script. When the main script could not be
-    // written, the result is true as the file is whole, and error() tells; the copies made are then deleted
-    // again.
+    // had to change; false when a copy failed or was declined, when a need can't be included or the main
+    // script is UTF-16 (the user is told), or when there is no main script. When the main script is empty,
+    // which it stays, or could not be written, the result is true as the file is whole, and error() tells. The
+    // copies made are deleted again when nothing was included.
     bool AddScriptsToProject(std::span<const std::string> scriptPaths);
     bool AddScriptToProject(const std::string& scriptPath) {
         return AddScriptsToProject(std::span(&scriptPath, 1));

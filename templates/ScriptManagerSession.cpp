@@ -328,6 +328,11 @@ void ScriptManagerSession::updateSelected(int index) {
 void ScriptManagerSession::updateAll(JobProgress* progress) {
     m_updatesListed = true;  // all of them, while the user is asked
     m_update.FillUpdateList(true);
+    updateListed(progress);
+}
+
+void ScriptManagerSession::updateListed(JobProgress* progress) {
+    updates();
     m_update.UpdateAll(progress);
     m_update.FillUpdateList(false);
     tellUpdated();

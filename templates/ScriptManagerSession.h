@@ -118,7 +118,9 @@ public:
     std::vector<DiffHunk> difference(size_t index);
     // The buttons.
     void updateSelected(int index);
-    void updateAll(JobProgress* progress = nullptr);
+    void updateAll(JobProgress* progress = nullptr);  // every script of the project folder
+    // Only those that updates() lists.
+    void updateListed(JobProgress* progress = nullptr);
     // Included template scripts with no copy in the project folder but one in the template folder.
     std::vector<std::string> restorable() const;
     bool restore(const std::string& fileName);

@@ -110,8 +110,8 @@ void ScriptUpdate::noteUpdated(const std::string& fileName) {
     m_unplaced += fileName + "\r\n" + unplaced;
 }
 
-void ScriptUpdate::includeMissing(const std::vector<UpdateEntry>& entries) {
-    const ScriptFolders folders(m_host);
+std::vector<std::string> missingNeedsOf(const std::vector<UpdateEntry>& entries,
+                                        const ScriptFolders& folders) {
     std::vector<std::string> paths;
     for (const UpdateEntry& entry : entries)
         for (const std::string& need : entry.missingNeeds) {
@@ -119,6 +119,12 @@ void ScriptUpdate::includeMissing(const std::vector<UpdateEntry>& entries) {
             folders.LocateScript(need, path);
             paths.push_back(std::move(path));
         }
+    return paths;
+}
+
+void ScriptUpdate::includeMissing(const std::vector<UpdateEntry>& entries) {
+    const ScriptFolders folders(m_host);
+    const std::vector<std::string> paths = missingNeedsOf(entries, folders);
     if (paths.empty()) return;
     const auto mainPath = m_host.GetMainScriptPath();
     const auto text = mainPath ? osFiles().readWhole(*mainPath) : std::nullopt;
@@ -137,22 +143,32 @@ void ScriptUpdate::includeMissing(const std::vector<UpdateEntry>& entries) {
     m_host.MainScriptChanged();
 }
 
-bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt) {
-    const auto fail = [&prompt](const char* text, const char* title) {
-        prompt.ask(text, title, PromptButtons::Ok, PromptIcon::Error);
-        return false;
-    };
+namespace {
+
+bool refuse(UserPrompt& prompt, const char* text, const char* title) {
+    prompt.ask(text, title, PromptButtons::Ok, PromptIcon::Error);
+    return false;
+}
+
+}  // namespace
+
+bool canRestore(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt) {
     const ScriptFolders folders(editor);
     const std::string project = folders.projectPath(fileName);
-    const std::string original = folders.templatePath(fileName);
     if (isPlainFileName(fileName) && osFiles().exists(project))
-        return fail("Original file still there.", "Can't Update Script");
+        return refuse(prompt, "Original file still there.", "Can't Update Script");
     if (!folders.inTemplates(fileName))
-        return fail("Can't find the original in template folder.", "Can't Update Script");
-    if (equalNoCase(project, original)) return fail("Same File!\nNo Update.", "ZOKA");
-    if (!editor.CopyFileToFolder(original, folders.project()))
-        return fail("Copy error (1128).\nNo Update.", "ZOKA");
+        return refuse(prompt, "Can't find the original in template folder.", "Can't Update Script");
+    if (equalNoCase(project, folders.templatePath(fileName)))
+        return refuse(prompt, "Same File!\nNo Update.", "ZOKA");
     return true;
+}
+
+bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt) {
+    if (!canRestore(editor, fileName, prompt)) return false;
+    const ScriptFolders folders(editor);
+    return editor.CopyFileToFolder(folders.templatePath(fileName), folders.project()) ||
+           refuse(prompt, "Copy error (1128).\nNo Update.", "ZOKA");
 }
 
 }  // namespace zoka

@@ -40,6 +40,10 @@ struct UpdateEntry {
     std::vector<std::string> missingNeeds;  // of an entry that stands for needs, else empty
 };
 
+// What updating these entries includes: their missing needs, with their full paths where they are found.
+std::vector<std::string> missingNeedsOf(const std::vector<UpdateEntry>& entries,
+                                        const ScriptFolders& folders);
+
 // The update page's list and its buttons. References given must outlive the object. [editor thread]
 class ScriptUpdate {
 public:
@@ -86,8 +90,11 @@ private:
     std::string m_unplaced;
 };
 
-// Copies the template file into the project folder through the host. False, after a message, when the project
-// has a copy, the template folder has none, both folders are one, or copying fails.
+// Whether RestoreFromTemplate would copy. False, after a message, when the project has a copy, the template
+// folder has none, or both folders are one.
+bool canRestore(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt = userPrompt());
+// Copies the template file into the project folder through the host. False, after a message, when it can't be
+// restored or copying fails.
 bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName,
                          UserPrompt& prompt = userPrompt());
 

@@ -18,6 +18,8 @@ std::string RemovePage::lastColumn(size_t index) const {
 
 std::string RemovePage::note(size_t index) const {
     const std::string needed = session().neededBy(index);
+    if (needed.empty() && !session().included()[index].script)
+        return "Not a template script: take its include line out by hand.";
     return needed.empty() ? "Takes the include line out. The script file stays where it is."
                           : "Can't go yet: " + needed;
 }

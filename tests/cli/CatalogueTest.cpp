@@ -169,6 +169,7 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
                 StartsWith("The fog--Is missing the following Needs: \nweather.kez\n"
                            "The fog--[Local ver: 1 date: -1 --> Template ver: 2 date: 260101]\n--- "));
     EXPECT_THAT(dry.out, HasSubstr("\n-// ver: 1\n"));
+    EXPECT_THAT(dry.out, HasSubstr("\n+include <weather.kez>;\n"));
     EXPECT_EQ(json::parse(suite.run("scripts update" + kOptions + "--dry-run --json").out)["updates"].size(),
               2U);
     EXPECT_EQ(suite.run("scripts update" + kOptions + "--dry-run mine.kez").out, "");
@@ -183,9 +184,17 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
 
     EXPECT_EQ(suite.run("scripts restore" + kOptions + "noise.kez").status, 0);
     EXPECT_TRUE(std::filesystem::exists(suite.path("game/noise.kez")));
-    const ToolRun again = suite.run("scripts restore" + kOptions + "noise.kez");
-    EXPECT_EQ(again.status, 1);
-    EXPECT_THAT(again.err, HasSubstr("Original file still there."));
+    for (const char* how : {"", "--dry-run "}) {
+        const ToolRun again = suite.run("scripts restore" + kOptions + how + "noise.kez");
+        EXPECT_EQ(again.status, 1);
+        EXPECT_THAT(again.err, HasSubstr("Original file still there."));
+        EXPECT_EQ(again.out, "");
+    }
+    // What the dry run doesn't list is left alone.
+    const std::string edited = suite.read("game/noise.kez") + "// mine\r\n";
+    suite.write("game/noise.kez", edited);
+    EXPECT_THAT(suite.run("--yes scripts update" + kOptions).err, HasSubstr("Everything Up-to-Date."));
+    EXPECT_EQ(suite.read("game/noise.kez"), edited);
 }
 
 TEST(Scripts, ValuesWithoutAPlaceAreNamedWithExitCode1) {

@@ -9,6 +9,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+const std::string kMark = "\xEF\xBB\xBF";
+
 // A literal with zeros in it.
 template <size_t N>
 std::string bytes(const char (&literal)[N]) {
@@ -94,6 +96,9 @@ TEST(IncludeBlock, NamesAndInsertionPoint) {
         {"// c\r\nvar x;\r\n" + a + "\r\n" + a, {"a"}, 28},
         {a + "// c\r\n" + "include <b>;\r\n", {"a"}, 14},
         {a + "short\n", {"a"}, 14},
+        {kMark + a + "x", {"a"}, 17},
+        {kMark + "// c\r\nx", {}, 9},
+        {kMark + "// c", {}, 3},
     };
     for (const Row& row : rows) {
         const Scan result = scan(row.text);
@@ -145,6 +150,7 @@ TEST(IncludeBlock, RemovesTheFirstMatchingLineOfEachName) {
         {"include <a>;\n\nx\n  include <b>; // c\ny", {"b"}, "include <a>;\n\nx\ny"},
         {"x\ninclude <a>;", {"a"}, "x\n"},
         {"include <a>;", {"a"}, ""},
+        {kMark + "include <a>;\nx", {"a"}, kMark + "x"},
         {"// include <a>;\r\n", {"a"}, std::nullopt},
         {"include <ab>;\r\n", {"a"}, std::nullopt},
         {bytes("a\0b\ninclude <a>;\r\n\0"), {"a"}, bytes("a\0b\n\0")},

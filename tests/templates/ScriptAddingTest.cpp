@@ -170,6 +170,7 @@ TEST(ScriptAdding, TheMainScriptItself) {
     };
     for (const Row& row :
          {Row{"empty: stays so", "", true, ""}, Row{"one byte", "x", true, "include <a.kez>;\r\nx"},
+          Row{"UTF-16", "\xFF\xFEx", false, "\xFF\xFEx"},
           Row{"LF alone", "// c\n\nx\n", true, "// c\ninclude <a.kez>;\r\n\nx\n"},
           Row{"includes alone", "include <z>;", true, "include <a.kez>;\r\ninclude <z>;"}}) {
         Project project(row.main);
@@ -178,9 +179,15 @@ TEST(ScriptAdding, TheMainScriptItself) {
         ScriptAdding adding(project.host, prompt);
         EXPECT_EQ(adding.AddScriptToProject(project.templatePath("a.kez")), row.added) << row.what;
         EXPECT_EQ(project.main(), row.expected) << row.what;
-        EXPECT_TRUE(adding.AddScriptToProject(project.folder.path("main.kez"))) << row.what;
+        EXPECT_EQ(adding.error().empty(), project.main() != row.main) << row.what;
+        EXPECT_EQ(adding.AddScriptToProject(project.folder.path("main.kez")), row.added) << row.what;
         EXPECT_EQ(project.main(), row.expected) << "never includes itself";
     }
+    Project empty("");
+    empty.addTemplate("a_.kez", "x");
+    ScriptedPrompt prompt;
+    EXPECT_TRUE(ScriptAdding(empty.host, prompt).AddScriptToProject(empty.templatePath("a_.kez")));
+    EXPECT_EQ(empty.folder.names(), Names{"main.kez"}) << "a copy that nothing includes";
 }
 
 TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {

@@ -225,20 +225,34 @@ std::string withoutLineEnd(std::string line) {
 // What `zoka scripts update` is about to do: the list's entries, of the files named or of all.
 void reportUpdates(Manager& manager, const ScriptOptions& options, const std::vector<UpdateEntry>& entries) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    const ScriptFolders& folders = manager.folders();
     for (const UpdateEntry& entry : entries) {
         list.push_back({{"filename", jsonText(entry.fileName)},
                         {"line", jsonText(withoutLineEnd(entry.line))},
                         {"missingNeeds", jsonTexts(entry.missingNeeds)}});
         if (options.json) continue;
         print(withoutLineEnd(entry.line) + "\n");
-        if (entry.missingNeeds.empty())
-            print(unifiedDifference(
-                osFiles().readWhole(manager.folders().projectPath(entry.fileName)).value_or(""),
-                osFiles().readWhole(manager.folders().templatePath(entry.fileName)).value_or(""),
-                manager.folders().projectPath(entry.fileName),
-                manager.folders().templatePath(entry.fileName)));
+        // One of two entries of a script, for its needs and for its version, shows its lines.
+        const bool isLast = &entry == &entries.back() || (&entry)[1].fileName != entry.fileName;
+        if (isLast && folders.LocateScript(entry.fileName) == ScriptPlace::Project &&
+            folders.inTemplates(entry.fileName))
+            print(unifiedDifference(osFiles().readWhole(folders.projectPath(entry.fileName)).value_or(""),
+                                    osFiles().readWhole(folders.templatePath(entry.fileName)).value_or(""),
+                                    folders.projectPath(entry.fileName),
+                                    folders.templatePath(entry.fileName)));
     }
-    if (options.json) printJson({{"updates", list}});
+    if (options.json) {
+        printJson({{"updates", list}});
+        return;
+    }
+    const std::string before = manager.mainText();
+    CLex lexer(before.data(), static_cast<long>(before.size()));
+    const Insertion missing =
+        planInsertion(lexer, manager.mainScript(), missingNeedsOf(entries, folders), folders.locator());
+    if (missing.problem.empty())
+        manager.printDifference(before, applyInsertion(before, missing));
+    else
+        complain(missing.problem);
 }
 
 ExitStatus update(Manager& manager, const ScriptOptions& options) {
@@ -260,7 +274,7 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
     }
     std::string unplaced;
     if (options.names.empty()) {
-        session.updateAll();
+        session.updateListed();
         unplaced = session.updateRun().unplaced();
     } else {
         for (const std::string& name : options.names) {
@@ -287,11 +301,11 @@ ExitStatus restore(Manager& manager, const ScriptOptions& options) {
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
         if (!file) return ExitStatus::Usage;
+        if (!(options.dryRun ? canRestore(manager.host(), *file) : manager.session().restore(*file)))
+            return ExitStatus::Findings;
         if (options.dryRun)
             print("copy " + manager.folders().templatePath(*file) + " -> " +
                   manager.folders().projectPath(*file) + "\n");
-        else if (!manager.session().restore(*file))
-            return ExitStatus::Findings;
     }
     return ExitStatus::Done;
 }
