@@ -110,8 +110,7 @@ std::string firstSentence(std::string text) {
 // The pages of one catalogue: which scripts and classes have one, under which name, and who needs whom.
 class Help {
 public:
-    Help(const CTemplateData& catalogue, std::string folder, std::string* error)
-        : m_folder(std::move(folder)), m_error(error) {
+    Help(const CTemplateData& catalogue, PageTaker take) : m_take(std::move(take)) {
         std::unordered_map<std::string, size_t> classes;
         unique(kIndexFile);
         for (const CScriptElm& script : catalogue.scripts()) {
@@ -234,20 +233,23 @@ private:
         return list + "</ul>\n";
     }
 
-    bool write(const std::string& name, const std::string& text) {
-        const SafeWriteResult result = safeWrite(m_folder + name, inTextMode(text));
-        if (!result && m_error) *m_error = result.error;
-        return static_cast<bool>(result);
-    }
+    bool write(const std::string& name, const std::string& text) { return m_take(name, inTextMode(text)); }
 
-    std::string m_folder;
-    std::string* m_error;
+    PageTaker m_take;
     std::unordered_map<std::string, unsigned> m_taken;
     std::vector<Class> m_classes;   // in catalogue order
     std::vector<Script> m_scripts;  // in catalogue order
     std::unordered_map<std::string, size_t> m_byFile;
     std::unordered_map<std::string, std::vector<size_t>> m_neededBy;  // file name -> scripts
 };
+
+PageTaker intoFolder(const std::string& folder, std::string* error) {
+    return [folder, error](const std::string& name, const std::string& text) {
+        const SafeWriteResult result = safeWrite(folder + name, text);
+        if (!result && error) *error = result.error;
+        return static_cast<bool>(result);
+    };
+}
 
 // What no file system takes becomes "_".
 std::string asFileName(std::string name) {
@@ -282,15 +284,19 @@ std::string editionMarks(const std::string& edition) {
 }
 
 bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    return Help(catalogue, folder, error).writeClasses();
+    return Help(catalogue, intoFolder(folder, error)).writeClasses();
 }
 
 bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    return Help(catalogue, folder, error).writeScripts();
+    return Help(catalogue, intoFolder(folder, error)).writeScripts();
 }
 
 bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    Help help(catalogue, folder, error);
+    return makeHelp(catalogue, intoFolder(folder, error));
+}
+
+bool makeHelp(const CTemplateData& catalogue, const PageTaker& take) {
+    Help help(catalogue, take);
     return help.writeStyle() && help.writeIndex(catalogue) && help.writeClasses() && help.writeScripts();
 }
 

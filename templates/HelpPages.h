@@ -2,6 +2,7 @@
 // and an index.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "templates/TemplateData.h"
@@ -21,6 +22,9 @@ bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder,
                       std::string* error = nullptr);
 // The style sheet, the index that links all classes and scripts, and both kinds of pages.
 bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
+// The same for any taker of the files; false as soon as it returns false.
+using PageTaker = std::function<bool(const std::string& name, const std::string& text)>;
+bool makeHelp(const CTemplateData& catalogue, const PageTaker& take);
 
 // The page names: "template_" + class + ".htm"; the script's name, or its file name, without the characters
 // that don't go well into links, + ".htm". What no file name can hold is made "_". Names are unique without

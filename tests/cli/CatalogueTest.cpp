@@ -48,6 +48,8 @@ TEST(Catalogue, BuildTellsWhatHeadersLack) {
               "");
     suite.write("suite/templates/odd.kez",
                 "// ver: 3\r\n// needs: none.kez, ..\\x.kez, odd.kez\r\n// action: open\r\n");
+    const json dry = json::parse(suite.run("catalogue build suite/templates --dry-run --json").out);
+    EXPECT_EQ(dry["findings"][0]["script"], "odd.kez");
     const ToolRun built = suite.run("catalogue build suite/templates");
     EXPECT_EQ(built.status, 1);
     EXPECT_THAT(built.out, HasSubstr("odd.kez: ***No ID\n"));
@@ -107,7 +109,11 @@ TEST(Catalogue, ListAndShowAsJson) {
 
 TEST(Catalogue, HelpPagesAreWrittenIntoANewFolder) {
     Suite suite;
-    EXPECT_EQ(suite.run("help-pages suite/templates/template_6.xml -o pages").status, 0);
+    const std::string command = "help-pages suite/templates/template_6.xml -o pages";
+    EXPECT_THAT(suite.run(command + " --dry-run").out, HasSubstr("\n+<h2>The fog</h2>\n"));
+    EXPECT_FALSE(std::filesystem::exists(suite.path("pages")));
+    EXPECT_EQ(suite.run(command).status, 0);
+    EXPECT_EQ(suite.run(command + " --dry-run").out, "");
     for (const char* page : {"index.htm", "css.css", "template_C.htm", "Thefog.htm"})
         EXPECT_TRUE(std::filesystem::exists(suite.path("pages") / page)) << page;
 }

@@ -52,7 +52,7 @@ ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>&
 
 struct BuildOptions {
     std::string folder, output, name = "Templates", type = "full", version = "1", engineReq;
-    bool dryRun = false;
+    bool dryRun = false, json = false;
 };
 
 ExitStatus build(const BuildOptions& options) {
@@ -74,9 +74,10 @@ ExitStatus build(const BuildOptions& options) {
     const std::string output =
         options.output.empty() ? joinPath(folder, kCatalogueFile) : suitePath(options.output);
     const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
-    const ExitStatus status = report(options.folder, findings, false);
+    const ExitStatus status = report(options.folder, findings, options.json);
     if (options.dryRun) {
-        print(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
+        if (!options.json)
+            print(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
         return status;
     }
     return writeOutput(output, text) ? status : ExitStatus::Failed;
@@ -164,11 +165,19 @@ ExitStatus check(const std::string& file, const std::string& templates, bool jso
                   json);
 }
 
-ExitStatus writePages(const std::string& file, const std::string& output) {
+ExitStatus writePages(const std::string& file, const std::string& output, bool dryRun) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
     if (loaded != ExitStatus::Done) return loaded;
     const std::string folder = suitePath(output);
+    if (dryRun) {
+        makeHelp(catalogue, [&folder](const std::string& name, const std::string& text) {
+            const std::string path = joinPath(folder, name);
+            print(unifiedDifference(osFiles().readWhole(path).value_or(""), text, path, path));
+            return true;
+        });
+        return ExitStatus::Done;
+    }
     if (!osFiles().exists(folder)) osFiles().makeFolder(folder);
     std::string error;
     if (writeHelp(catalogue, folder + "\\", &error)) return ExitStatus::Done;
@@ -187,6 +196,7 @@ void addBuild(CLI::App& catalogue, Work& chosen) {
     command->add_option("--vers", options->version, "Its version")->capture_default_str();
     command->add_option("--enginereq", options->engineReq, "The engine it needs, as in \"6.1 PRO\"");
     command->add_flag("--dry-run", options->dryRun, "Write nothing; print the line difference");
+    command->add_flag("--json", options->json, "Print the findings as JSON, without the difference");
     setExample(*command, "zoka catalogue build templates --name \"Harbour Lights\" --vers 6.2");
     command->callback([=, &chosen] { chosen = [=] { return build(*options); }; });
 }
@@ -241,8 +251,10 @@ void addCatalogueCommands(CLI::App& app, Work& chosen) {
     const auto output = std::make_shared<std::string>("docs");
     pages->add_option("FILE", *file, "The catalogue file")->required();
     pages->add_option("-o,--output", *output, "The folder for the pages")->capture_default_str();
+    const auto dryRun = std::make_shared<bool>(false);
+    pages->add_flag("--dry-run", *dryRun, "Write nothing; print the line differences");
     setExample(*pages, "zoka help-pages templates/template_6.xml -o docs");
-    pages->callback([=, &chosen] { chosen = [=] { return writePages(*file, *output); }; });
+    pages->callback([=, &chosen] { chosen = [=] { return writePages(*file, *output, *dryRun); }; });
 }
 
 }  // namespace zoka::cli
