@@ -3,8 +3,8 @@
 
 #include "customize/win/CustomizeControls.h"
 #include "customize/win/CustomizeDialog.h"
-#include "customize/win/TextListWindow.h"
 #include "util/PathRules.h"
+#include "util/win/TextWindow.h"
 
 namespace zoka {
 
@@ -122,23 +122,23 @@ void CustomizeDialog::chooseScript() {
 
 void CustomizeDialog::showChanges() {
     const size_t count = m_session.changes().size();
-    showTextList(
+    showTextWindow(
         m_window, "Changes",
         count == 1 ? "Save will change 1 place:" : "Save will change " + std::to_string(count) + " places:",
-        m_session.changesText());
+        m_session.changesText(), TextLook::FixedWidth);
 }
 
 void CustomizeDialog::showFindings() {
-    showTextList(m_window, "Problems in the script's markup",
-                 "File, line, and what was done:", m_session.findingsText());
+    showTextWindow(m_window, "Problems in the script's markup",
+                   "File, line, and what was done:", m_session.findingsText(), TextLook::FixedWidth);
 }
 
 void CustomizeDialog::showUnplaced() {
     if (!m_window || m_session.unplaced().empty()) return;
     std::string text;
     for (const char c : unplacedText(m_session.unplaced())) text += c == '\n' ? "\r\n" : std::string(1, c);
-    showTextList(m_window, "Values without a place",
-                 "Kept in the file beside the script that ends in .zoka.old:", text);
+    showTextWindow(m_window, "Values without a place",
+                   "Kept in the file beside the script that ends in .zoka.old:", text, TextLook::FixedWidth);
 }
 
 bool CustomizeDialog::shortcut(WPARAM key) {
@@ -198,7 +198,7 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
     item(kFoldAll, "F&old all sections");
     item(kUnfoldAll, "U&nfold all sections");
     line();
-    item(kCopyPlace, "Copy the file and the l&ine");
+    item(kCopyPlace, "Show &in script (copies file and line)");
     m_busy = true;
     const int chosen = static_cast<int>(
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, m_window, nullptr));

@@ -11,8 +11,8 @@
 #include "templates/win/NotesPage.h"
 #include "templates/win/ProgressWindow.h"
 #include "templates/win/RemovePage.h"
-#include "templates/win/TextWindow.h"
 #include "templates/win/UpdatePage.h"
+#include "util/win/TextWindow.h"
 
 namespace zoka {
 
@@ -67,7 +67,7 @@ public:
     void setStatus(const std::string& text) override { setText(m_status, text); }
     void runJob(const std::string& title, const std::function<void(JobProgress&)>& job) override;
     void showText(const std::string& title, const std::string& heading, const std::string& text) override {
-        TextWindow(m_window, m_fonts).show(title, heading, text);
+        showTextWindow(m_window, title, heading, text);
     }
     bool canCustomize() const override { return static_cast<bool>(m_setup.customize); }
     void customize(const std::string& scriptPath) override { m_setup.customize(m_window, scriptPath); }

@@ -62,6 +62,12 @@ LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPAR
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
+// Without a menu, a class or a title of its own.
+struct EmptyDialog {
+    DLGTEMPLATE dialog;
+    WORD menu, className, title;
+};
+
 }  // namespace
 
 WindowFonts::WindowFonts() {
@@ -167,12 +173,13 @@ std::string chosenItem(HWND dropList) {
     return text;
 }
 
+void runDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter) {
+    const EmptyDialog form{{style, exStyle, 0, 0, 0, 0, 0}, 0, 0, 0};
+    DialogBoxIndirectParamA(GetModuleHandleA(nullptr), &form.dialog, owner, procedure, parameter);
+}
+
 HWND makeDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter) {
-    // Without a menu, a class or a title of its own.
-    struct {
-        DLGTEMPLATE dialog;
-        WORD menu, className, title;
-    } const form{{style, exStyle, 0, 0, 0, 0, 0}, 0, 0, 0};
+    const EmptyDialog form{{style, exStyle, 0, 0, 0, 0, 0}, 0, 0, 0};
     return CreateDialogIndirectParamA(GetModuleHandleA(nullptr), &form.dialog, owner, procedure, parameter);
 }
 

@@ -66,6 +66,8 @@ void enable(HWND control, bool enabled);
 // The chosen item of a drop list; empty when none is.
 std::string chosenItem(HWND dropList);
 
+// Runs a modal dialog made from its styles alone, without controls and without a size, until its procedure ends it.
+void runDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter);
 // Makes a dialog from its styles alone, without controls, not visible and without a size; null on failure.
 HWND makeDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter);
 // Sizes a window and centres it over its owner, or on the screen without one, inside the screen's work area.
