@@ -1,6 +1,7 @@
 // What a row of a panel shows and which values it takes.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -43,9 +44,14 @@ struct EntryFacts {
     bool decimal = false;    // takes numbers with a point
     bool keepPoint = false;  // a whole number is written with ".0", so that it's read as a decimal one again
 
-    std::vector<std::string> options = {};  // of a drop list; a value that is none of them is fine
-    int lines = 0;                          // of a text field: lines shown, 0 and 1 alike are one
-    int maxChars = 0;                       // 0: as many as one likes
+    // Of a drop list; a value that is none of them is fine. Names of the host stand behind its own options, in
+    // one list for all rows (null: none).
+    std::vector<std::string> options = {};
+    std::shared_ptr<const std::vector<std::string>> hostNames = {};
+
+    int lines = 0;           // of a text field: lines shown, 0 and 1 alike are one
+    bool bareFeeds = false;  // its lines end in LF, not in CR LF
+    int maxChars = 0;        // 0: as many as one likes
 };
 
 inline bool hasValue(EntryField field) {

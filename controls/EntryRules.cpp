@@ -40,7 +40,7 @@ std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
     const std::string range = allowedRange(facts).empty() ? "" : " (" + allowedRange(facts) + ")";
     if (!numberOf(text) || text.find_first_of("0123456789") == text.npos)
         return (facts.decimal ? "Only a number fits here: digits, one point, a sign in front"
-                             : "Only a whole number fits here") +
+                              : "Only a whole number fits here") +
                range + ".";
     if (!facts.decimal && (text.find('.') != text.npos || text.front() == '+'))
         return "Only a whole number fits here" + range + ".";
@@ -118,6 +118,17 @@ std::string allowedRange(const EntryFacts& facts) {
     if (low) return "allowed: " + text(facts.minimum) + " or more";
     if (high) return "allowed: " + text(facts.maximum) + " or less";
     return {};
+}
+
+bool hasChoices(const EntryFacts& facts) {
+    return !facts.options.empty() || (facts.hostNames && !facts.hostNames->empty());
+}
+
+bool isChoice(const EntryFacts& facts, std::string_view text) {
+    const auto in = [&](const std::vector<std::string>& list) {
+        return std::find(list.begin(), list.end(), text) != list.end();
+    };
+    return in(facts.options) || (facts.hostNames && in(*facts.hostNames));
 }
 
 std::string numberText(double value, int decimals) {

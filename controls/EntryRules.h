@@ -22,6 +22,10 @@ std::string entryRefusal(const EntryFacts& facts, std::string_view text);
 // "allowed: 0 to 100", "allowed: 0 or more"; empty without limits.
 std::string allowedRange(const EntryFacts& facts);
 
+// Whether a drop list has choices at all, and whether `text` is one of them, to the letter.
+bool hasChoices(const EntryFacts& facts);
+bool isChoice(const EntryFacts& facts, std::string_view text);
+
 // A number with at most `decimals` digits behind the point, without zeros at its end.
 std::string numberText(double value, int decimals);
 // Digits behind the point of a number in text, and those that `value` needs (at most 6).

@@ -102,9 +102,8 @@ std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly) 
 std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntryFacts& facts) {
     if (std::string why = entryRefusal(facts, kept.value); !why.empty()) return why;
     if (kept.kind == entry.kind || kept.value == entry.value) return {};
-    const bool listed =
-        std::find(facts.options.begin(), facts.options.end(), kept.value) != facts.options.end();
-    if (facts.field == EntryField::DropList && !facts.options.empty() && !listed)
+    const bool listed = isChoice(facts, kept.value);
+    if (facts.field == EntryField::DropList && hasChoices(facts) && !listed)
         return "the entry is a list now, and the value is not one of its choices";
     if ((kept.kind == kEnable || entry.kind == kEnable) && !listed)
         return kept.kind == kEnable ? "the entry is no switch any more" : "the entry is a switch now";

@@ -60,6 +60,14 @@ void checkIds(CustomScript& script) {
     }
 }
 
+// How the value ends its lines; without one of its own as the line in front of its definition does.
+bool endsLinesInLf(const CustomScript& script, const CustomEntry& entry) {
+    const size_t own = entry.value.find('\n');
+    if (own != entry.value.npos) return own == 0 || entry.value[own - 1] != '\r';
+    const size_t before = script.text.rfind('\n', entry.valueStart);
+    return before != script.text.npos && (before == 0 || script.text[before - 1] != '\r');
+}
+
 bool lacks(const std::vector<std::string>& choices, const std::string& value) {
     return std::find(choices.begin(), choices.end(), value) == choices.end();
 }
@@ -132,8 +140,7 @@ void checkCustomEntries(CustomScript& script) {
     script.findings.sortByLine();
 }
 
-EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
-                  const std::vector<std::string>& hostNames) {
+EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames) {
     EntryFacts facts;
     facts.label = entry.label;
     facts.help = entry.help;
@@ -179,23 +186,21 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
         case kEntryChooseFile:
             facts.field = EntryField::FileField;
             break;
-        case kEntryStrEdit:
-            facts.field = EntryField::StringField;
-            break;
         case kEntryEntity:
         case kEntryPath:
         case kEntryDrop:
             facts.field = EntryField::DropList;
             facts.options = entry.controlKind == kDropPair ? dropPairOf(entry.value) : entry.options;
-            if (entry.kind != kEntryDrop)
-                facts.options.insert(facts.options.end(), hostNames.begin(), hostNames.end());
+            if (entry.kind != kEntryDrop) facts.hostNames = hostNames;
             break;
+        case kEntryStrEdit:
         case kEntryText:
             facts.field = EntryField::StringField;
             facts.lines = entry.textParam1;
             facts.maxChars = entry.textParam2;
             // However many lines are asked for, those that the value has are shown.
             if (facts.lines < 2 && entry.value.find('\n') != entry.value.npos) facts.lines = 2;
+            facts.bareFeeds = facts.lines > 1 && endsLinesInLf(script, entry);
             break;
         default:
             facts.field = EntryField::Text;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,9 +71,11 @@ void checkCustomEntries(CustomScript& script);
 // Those of them that are about one entry's value. They stand at the findings' end.
 void checkCustomValue(CustomScript& script, const CustomEntry& entry);
 
+// The host's names, in one list that all rows share; null when there are none.
+using HostNames = std::shared_ptr<const std::vector<std::string>>;
+
 // The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
-EntryFacts specOf(const CustomScript& script, const CustomEntry& entry,
-                  const std::vector<std::string>& hostNames = {});
+EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames = {});
 
 // The two choices of a "drop_pair": of yes/no, on/off, true/false and 1/0 the pair that `value` belongs to,
 // written as the value is ("No" gives Yes and No); on/off for any other value.

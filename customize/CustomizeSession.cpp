@@ -55,11 +55,11 @@ void CustomizeSession::showRows(bool keepHistory) {
     m_view->rowsReplaced();
 }
 
-std::vector<std::string> CustomizeSession::hostNames() {
+HostNames CustomizeSession::hostNames() {
     const std::vector<CustomEntry>& entries = m_panel.script.entries;
     if (std::none_of(entries.begin(), entries.end(),
                      [](const CustomEntry& e) { return e.kind == kEntryEntity || e.kind == kEntryPath; }))
-        return {};
+        return nullptr;
     std::vector<std::string> names;
     std::unordered_set<std::string> seen;
     for (int i = 0; i < kMostHostNames; ++i) {
@@ -68,7 +68,7 @@ std::vector<std::string> CustomizeSession::hostNames() {
         if (!name->empty() && seen.insert(*name).second) names.push_back(*name);
     }
     m_host.EndListUpdate();
-    return names;
+    return std::make_shared<const std::vector<std::string>>(std::move(names));
 }
 
 bool CustomizeSession::question(const std::string& text) {

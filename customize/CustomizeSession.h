@@ -122,7 +122,7 @@ private:
     void carryFromMemory(const std::vector<KeptValue>& values);
     void carryFromValueFile(const std::vector<KeptValue>& values);
     void keepUnplaced();
-    std::vector<std::string> hostNames();
+    HostNames hostNames();
 
     ZunEditorInterface& m_host;
     UserPrompt& m_prompt;

@@ -2,7 +2,7 @@
 
 namespace zoka {
 
-void ScriptPanel::makeRows(const std::vector<std::string>& hostNames) {
+void ScriptPanel::makeRows(const HostNames& hostNames) {
     m_rows.clear();
     m_rows.reserve(script.entries.size());
     for (CustomEntry& entry : script.entries) {
@@ -11,7 +11,7 @@ void ScriptPanel::makeRows(const std::vector<std::string>& hostNames) {
     }
 }
 
-void ScriptPanel::settleRows(const std::vector<std::string>& hostNames) {
+void ScriptPanel::settleRows(const HostNames& hostNames) {
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
         if (m_rows[i].HasChanged() || entry.kind == kEntryEntity || entry.kind == kEntryPath)

@@ -19,10 +19,10 @@ public:
     CustomScript script;
 
     // `hostNames` are offered for entities and paths.
-    void makeRows(const std::vector<std::string>& hostNames = {});
+    void makeRows(const HostNames& hostNames = {});
     // After saving: the values of the rows that have changed are those loaded, and every row is given the host's
     // names anew. The script holds the new values already, and has the same entries.
-    void settleRows(const std::vector<std::string>& hostNames);
+    void settleRows(const HostNames& hostNames);
     size_t size() const { return m_rows.size(); }
     EntryModel& row(size_t i) { return m_rows[i]; }
     const EntryModel& row(size_t i) const { return m_rows[i]; }

@@ -61,6 +61,7 @@ public:
     // As large as it's drawn in a row of that width.
     SIZE pictureSize(const PictureStore::Bitmap& picture, int width) const;
     void addTooltip(HWND control);
+    void removeTooltip(HWND control);  // before the control goes
     void showRefusal(HWND field, const std::string& text);
     void hideRefusal();
     void fieldFocused(size_t row);

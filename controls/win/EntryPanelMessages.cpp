@@ -31,6 +31,12 @@ void EntryPanel::addTooltip(HWND control) {
     SendMessageA(m_tooltip, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
+void EntryPanel::removeTooltip(HWND control) {
+    TTTOOLINFOA tool = toolOf(m_window);
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    SendMessageA(m_tooltip, TTM_DELTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
 void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
     const EntryWindow* const window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
     m_tip = window ? m_host.rowTooltip(window->row()) : std::string();

@@ -36,7 +36,10 @@ EntryWindow::EntryWindow(EntryPanel& panel, size_t row) : m_panel(panel), m_row(
 
 EntryWindow::~EntryWindow() {
     m_updating = true;
-    if (m_window) DestroyWindow(m_window);
+    if (!m_window) return;
+    for (const HWND control : {m_window, m_field, m_track, m_spin, m_browse})
+        if (control) m_panel.removeTooltip(control);
+    DestroyWindow(m_window);
 }
 
 const EntryModel& EntryWindow::model() const {
@@ -106,6 +109,7 @@ void EntryWindow::makeControls() {
         case EntryField::FloatField: {
             m_field = makeEdit(is.field == EntryField::IntField ? kIntEditClass : kFloatEditClass, 0);
             m_spin = makeControl(m_window, UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr);
+            m_panel.addTooltip(m_spin);
             SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
             UDACCEL faster[] = {{0, 1}, {2, 5}, {4, 20}};
             SendMessageA(m_spin, UDM_SETACCEL, 3, reinterpret_cast<LPARAM>(faster));
@@ -130,15 +134,39 @@ void EntryWindow::makeControls() {
 }
 
 void EntryWindow::fillDropList() {
-    for (const std::string& option : facts().options)
-        SendMessageA(m_field, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(option.c_str()));
+    const auto add = [&](const std::vector<std::string>& list) {
+        for (const std::string& option : list)
+            SendMessageA(m_field, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(option.c_str()));
+    };
+    add(facts().options);
+    if (facts().hostNames) add(*facts().hostNames);
+}
+
+// A value that is no choice is shown as one, in front of them, and stays one. Compared to the letter, which the
+// list's own search doesn't do.
+void EntryWindow::showChoice(const std::string& value) {
+    const auto find = [&](const std::vector<std::string>& list) {
+        return static_cast<size_t>(std::find(list.begin(), list.end(), value) - list.begin());
+    };
+    const size_t own = facts().options.size();
+    const size_t named = facts().hostNames ? facts().hostNames->size() : 0;
+    size_t place = find(facts().options);
+    if (place == own && named > 0) place += find(*facts().hostNames);
+    if (place < own + named) {
+        place += m_foreign ? 1 : 0;
+    } else {
+        if (m_foreign) SendMessageA(m_field, CB_DELETESTRING, 0, 0);
+        SendMessageA(m_field, CB_INSERTSTRING, 0, reinterpret_cast<LPARAM>(value.c_str()));
+        m_foreign = true;
+        place = 0;
+    }
+    SendMessageA(m_field, CB_SETCURSEL, place, 0);
 }
 
 std::string EntryWindow::fieldText() const {
     std::string text = textOf(m_field);
     // The field's line ends are the system's, the value's those of its script.
-    const std::string& loaded = model().loadedValue();
-    if (loaded.find('\n') != loaded.npos && loaded.find("\r\n") == loaded.npos) std::erase(text, '\r');
+    if (facts().bareFeeds) std::erase(text, '\r');
     return text;
 }
 
@@ -157,12 +185,7 @@ void EntryWindow::showValue() {
     if (facts().field == EntryField::Switch) {
         SendMessageA(m_field, BM_SETCHECK, model().isOn() ? BST_CHECKED : BST_UNCHECKED, 0);
     } else if (facts().field == EntryField::DropList) {
-        // A value that is no choice is shown as one, and stays one.
-        LRESULT place = SendMessageA(m_field, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                     reinterpret_cast<LPARAM>(value.c_str()));
-        if (place < 0)
-            place = SendMessageA(m_field, CB_INSERTSTRING, 0, reinterpret_cast<LPARAM>(value.c_str()));
-        SendMessageA(m_field, CB_SETCURSEL, static_cast<WPARAM>(place), 0);
+        showChoice(value);
     } else if (!m_typing) {
         setFieldText(value);
         m_why.clear();

@@ -38,7 +38,7 @@ public:
     bool commit();
     // Back to the value that the field had when it got the keyboard; false when it has that already.
     bool revert();
-    // Shows in a number field which numbers it takes.
+    // Changes a number by so many steps; at a limit it says which numbers the field takes.
     void step(int steps);
 
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -50,6 +50,7 @@ private:
     HWND child(HWND control);
     HWND makeEdit(const char* className, DWORD style);
     void fillDropList();
+    void showChoice(const std::string& value);
     void layout(int width, int height);
     void paint();
     void drawHeading(const DRAWITEMSTRUCT& item) const;
@@ -78,6 +79,7 @@ private:
     std::string m_atFocus;  // the value when the field got the keyboard
     std::string m_why;      // what speaks against the text typed; empty when nothing does
     bool m_updating = false, m_typing = false, m_marked = false;
+    bool m_foreign = false;  // the drop list begins with a value that is no choice
 };
 
 }  // namespace zoka

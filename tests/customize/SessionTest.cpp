@@ -101,7 +101,9 @@ TEST_F(Session, OpensTheMainScriptWithoutAName) {
     ASSERT_TRUE(session.open());
     EXPECT_EQ(session.script().scriptPath, project.path("main.kez"));
     EXPECT_EQ(host.calls, "endlist ");
-    EXPECT_THAT(session.row(rowOf("Who")).facts().options, ElementsAre("me", "lamp_1", "lamp_2"));
+    const EntryFacts& who = session.row(rowOf("Who")).facts();
+    ASSERT_TRUE(who.hostNames);
+    EXPECT_THAT(*who.hostNames, ElementsAre("me", "lamp_1", "lamp_2"));
     EXPECT_THAT(prompt.texts(), IsEmpty());
 }
 
