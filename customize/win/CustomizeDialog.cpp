@@ -63,7 +63,7 @@ void CustomizeDialog::runModal(HINSTANCE instance, int number, HWND owner) {
                                            reinterpret_cast<LPARAM>(this));
     if (!window) return;
     const bool enabled = owner && !EnableWindow(owner, FALSE);
-    ShowWindow(window, SW_SHOWNORMAL);
+    ShowWindow(window, SW_SHOW);  // it may be maximized
     load();
     MSG message;
     while (m_window) {
@@ -98,8 +98,12 @@ void CustomizeDialog::initialise(HWND window) {
         maximized = g_lastMaximized;
     }
     if (onScreen(last)) {
-        SetWindowPos(window, nullptr, last.left, last.top, last.right - last.left, last.bottom - last.top,
-                     SWP_NOZORDER | SWP_NOACTIVATE);
+        // Where it stands unless maximized counts from the work area, not from the screen.
+        WINDOWPLACEMENT where{};
+        where.length = sizeof where;
+        where.showCmd = SW_HIDE;
+        where.rcNormalPosition = last;
+        SetWindowPlacement(window, &where);
         if (maximized) ShowWindow(window, SW_MAXIMIZE);
     } else {
         const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(380));

@@ -196,7 +196,7 @@ __attribute__((noinline)) void CViewThread::run() {
     if (window) {
         SetWindowSubclass(window, mainWindowProc, 1, reinterpret_cast<DWORD_PTR>(this));
         m_window.store(window);
-        ShowWindow(window, SW_SHOWNORMAL);
+        ShowWindow(window, SW_SHOW);  // it may be maximized
         UpdateWindow(window);
         // Made while the editor was in front, the frame is drawn as that of a window behind; the system may
         // not notice, because for this thread the window is the active one all the time.
