@@ -216,20 +216,28 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 // The catalogue's writer leaves the platform's 8-bit characters as they are and declares nothing, so a file
 // can look like UTF-8 at its start and not be. The process's XML character set is then set right.
-XMLNode parseCatalogue(const std::string& path, XMLResults* results) {
+XMLNode parseCatalogue(const std::string& path, XMLResults* results, JobProgress* progress = nullptr) {
+    XMLWatch watch;
+    bool stopped = false;
+    if (progress)
+        watch = [&, what = std::string(fileNameOf(path))](std::size_t done, std::size_t total) {
+            stopped = !progress->step(done, total, what);
+            return !stopped;
+        };
     bool utf8 = false;
     if (const File file{osFiles().openStream(path, "rb")}) {
         char head[kXmlGuessBytes];
         utf8 = guessUtf8(std::string_view(head, std::fread(head, 1, sizeof head, file.get())));
         setXmlCharset(utf8 ? XMLCharset::Utf8 : XMLCharset::Platform);
     }
-    const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results);
-    if (!root.isEmpty() || !utf8) return root;
+    const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results, watch);
+    if (!root.isEmpty() || stopped || !utf8) return root;
     const std::optional<std::string> bytes = osFiles().readWhole(path);
     const auto isEightBit = [](char c) { return (c & 0x80) != 0; };
     if (!bytes || std::none_of(bytes->begin(), bytes->end(), isEightBit)) return root;
     setXmlCharset(XMLCharset::Platform);
-    XMLNode again = XMLNode::parseBytes(*bytes, kCatalogueRoot);
+    XMLNode again = XMLNode::parseBytes(*bytes, kCatalogueRoot, nullptr, watch);
+    if (stopped && results) *results = {};
     if (again.isEmpty()) setXmlCharset(XMLCharset::Utf8);
     if (!again.isEmpty() && results) *results = {};
     return again;
@@ -239,7 +247,10 @@ XMLNode parseCatalogue(const std::string& path, XMLResults* results) {
 
 bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults* results,
                    JobProgress* progress) {
-    const XMLNode root = parseCatalogue(path, results);
+    XMLResults own;
+    XMLResults& found = results ? *results : own;
+    const XMLNode root = parseCatalogue(path, &found, progress);
+    if (root.isEmpty() && found.code == kXmlNone) catalogue.Empty();  // stopped
     return !root.isEmpty() && catalogue.LoadFromNode(root, progress);
 }
 

@@ -62,14 +62,14 @@ std::string headOf(const char* path) {
 
 // `text` has `size` bytes in the process's character set, behind which stand a 0 and the padding.
 XMLElement* parseOwned(XMLDocument& document, XMLElement* root, char* text, std::size_t size, const char* tag,
-                       XMLResults& results) {
-    XMLElement* top = parseXml(document, root, text, size, tag, results);
+                       XMLResults& results, const XMLWatch& watch = {}) {
+    XMLElement* top = parseXml(document, root, text, size, tag, results, watch);
     return top && !tag ? root : top;
 }
 
 // The same with the bytes of a file.
 XMLElement* parseFileBytes(XMLDocument& document, XMLElement* root, char* bytes, std::size_t size,
-                           const char* tag, XMLResults& results) {
+                           const char* tag, XMLResults& results, const XMLWatch& watch) {
     const XMLDecoded decoded = decodeXmlFile({bytes, size});
     if (!decoded.ok) {
         const XMLPosition position(decoded.text.c_str(), xmlCharset() == XMLCharset::Utf8);
@@ -78,10 +78,10 @@ XMLElement* parseFileBytes(XMLDocument& document, XMLElement* root, char* bytes,
         return nullptr;
     }
     if (!decoded.converted)
-        return parseOwned(document, root, bytes + decoded.skip, size - decoded.skip, tag, results);
+        return parseOwned(document, root, bytes + decoded.skip, size - decoded.skip, tag, results, watch);
     char* text = document.newText(decoded.text.size());
     std::memcpy(text, decoded.text.data(), decoded.text.size());
-    return parseOwned(document, root, text, decoded.text.size(), tag, results);
+    return parseOwned(document, root, text, decoded.text.size(), tag, results, watch);
 }
 
 // Whether a file of that name could be written. Called after writing failed, to tell why.
@@ -141,7 +141,7 @@ XMLElement* parsed(XMLResults* results, Parse parse) {
 
 }  // namespace
 
-XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* results) {
+XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* results, const XMLWatch& watch) {
     return XMLNode(
         parsed(results, [&](XMLDocument& document, XMLElement* root, XMLResults& found) -> XMLElement* {
             found.code = kXmlFileNotFound;
@@ -150,15 +150,16 @@ XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* result
             char* bytes = nullptr;
             std::size_t size = 0;
             if (!file || !zoka::readAll(file.get(), document, bytes, size)) return nullptr;
-            return zoka::parseFileBytes(document, root, bytes, size, tag, found);
+            return zoka::parseFileBytes(document, root, bytes, size, tag, found, watch);
         }));
 }
 
-XMLNode XMLNode::parseBytes(std::string_view bytes, const char* tag, XMLResults* results) {
+XMLNode XMLNode::parseBytes(std::string_view bytes, const char* tag, XMLResults* results,
+                            const XMLWatch& watch) {
     return XMLNode(parsed(results, [&](XMLDocument& document, XMLElement* root, XMLResults& found) {
         char* text = document.newText(bytes.size());
         if (!bytes.empty()) std::memcpy(text, bytes.data(), bytes.size());
-        return zoka::parseFileBytes(document, root, text, bytes.size(), tag, found);
+        return zoka::parseFileBytes(document, root, text, bytes.size(), tag, found, watch);
     }));
 }
 

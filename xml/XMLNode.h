@@ -20,6 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -66,22 +67,27 @@ struct XMLClearView {
 // Kinds of content in an entry of XMLNode::order(): entry = index * 4 + kind.
 enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear = 3 };
 
+// Told now and then, on the thread that parses, how many bytes of how many are parsed. False stops the parsing.
+using XMLWatch = std::function<bool(std::size_t done, std::size_t total)>;
+
 class XMLNode {
 public:
     // --- reading ---
     // Each gives the top element when `tag` is given (code 13 if it has another name), else the document node, whose
     // children are the declaration, other processing instructions and the top element. On any error, running out of
-    // memory included (code 2), the empty node. `results`, where not null, is always filled.
+    // memory included (code 2), the empty node. `results`, where not null, is always filled. Stopped by `watch`: the
+    // empty node with code 0.
 
     // Reads a file. `path` as in all file operations (util/). With guessing on (zoka::setXmlCharsetGuessing,
     // the default) UTF-16 with a byte-order mark is converted and a UTF-8 mark is skipped.
-    static XMLNode parseFile(const char* path, const char* tag = nullptr, XMLResults* results = nullptr);
+    static XMLNode parseFile(const char* path, const char* tag = nullptr, XMLResults* results = nullptr,
+                             const XMLWatch& watch = {});
     // Parses a text, which is copied. A null text gives code 2.
     static XMLNode parseText(const char* text, const char* tag = nullptr, XMLResults* results = nullptr);
     // Parses bytes as a file would hold them, marks and conversion included (what parseFile does after
     // reading).
     static XMLNode parseBytes(std::string_view bytes, const char* tag = nullptr,
-                              XMLResults* results = nullptr);
+                              XMLResults* results = nullptr, const XMLWatch& watch = {});
     // Like parseFile, for files the program can't go on without: sets the process's XML character set to what
     // guessUtf8 says of the file, and an error shows its message through zoka::userPrompt().fatalStop (title
     // "XML Parsing error", exit status 255).

@@ -17,11 +17,19 @@ namespace {
 
 // Every step takes the place where it starts and gives the one where it ended, or null after an error. Places
 // are handed on and not kept in the object, so that they stay in registers.
+constexpr std::size_t kWatchEvery = std::size_t{1} << 18;  // bytes
+
 template <bool Utf8>
 class Parser {
 public:
-    Parser(XMLDocument& document, XMLElement* root, char* text, std::size_t size)
-        : document_(document), root_(root), begin_(text), end_(text + size), position_(text, Utf8) {}
+    Parser(XMLDocument& document, XMLElement* root, char* text, std::size_t size, const XMLWatch& watch)
+        : document_(document),
+          root_(root),
+          begin_(text),
+          end_(text + size),
+          watch_(watch),
+          nextWatch_(watch ? text : end_),
+          position_(text, Utf8) {}
 
     XMLElement* parse(const char* tag, XMLResults& results);
 
@@ -30,6 +38,13 @@ private:
         code_ = code;
         place_ = place;
         return nullptr;
+    }
+    // Tells the watch that the text is parsed up to `p`; `p` again, or null when it stops.
+    char* tellWatch(char* p) {
+        if (!watch_) return p;
+        nextWatch_ = p + std::min(kWatchEvery, static_cast<std::size_t>(end_ - p));
+        stopped_ = !watch_(static_cast<std::size_t>(p - begin_), static_cast<std::size_t>(end_ - begin_));
+        return stopped_ ? nullptr : p;
     }
     // For what may not stand at `place`; at the end that the text is cut off there.
     char* unexpected(char* place) {
@@ -127,6 +142,9 @@ private:
     XMLElement* const root_;
     char* const begin_;
     char* const end_;
+    const XMLWatch& watch_;
+    char* nextWatch_;
+    bool stopped_ = false;
     XMLElement* current_ = root_;
     XMLElement* top_ = nullptr;
     bool doctypeSeen_ = false;
@@ -157,14 +175,14 @@ XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
     }
     XMLPosition::Place place{0, 0};
     if (place_) place = position_.at(place_);
-    if (code_ == kXmlNone && tag && !XMLName(tag).matches(top_->key, top_->name)) {
+    if (code_ == kXmlNone && !stopped_ && tag && !XMLName(tag).matches(top_->key, top_->name)) {
         code_ = kXmlFirstTagNotFound;
         place = topPlace_;
     }
     results.code = code_;
     results.line = place.line;
     results.column = place.column;
-    return code_ == kXmlNone ? top_ : nullptr;
+    return code_ == kXmlNone && !stopped_ ? top_ : nullptr;
 }
 
 template <bool Utf8>
@@ -280,6 +298,7 @@ char* Parser<Utf8>::content(char* p) {
                 p = instruction(p);
                 break;
             default:
+                if (p >= nextWatch_ && !tellWatch(p)) return nullptr;
                 p = startTag(p);
         }
     }
@@ -557,9 +576,10 @@ char* Parser<Utf8>::instruction(char* p) {
 }  // namespace
 
 XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, std::size_t size, const char* tag,
-                     XMLResults& results) {
-    if (xmlCharset() == XMLCharset::Utf8) return Parser<true>(document, root, text, size).parse(tag, results);
-    return Parser<false>(document, root, text, size).parse(tag, results);
+                     XMLResults& results, const XMLWatch& watch) {
+    if (xmlCharset() == XMLCharset::Utf8)
+        return Parser<true>(document, root, text, size, watch).parse(tag, results);
+    return Parser<false>(document, root, text, size, watch).parse(tag, results);
 }
 
 }  // namespace zoka

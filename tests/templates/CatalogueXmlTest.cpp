@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"
@@ -208,22 +210,34 @@ TEST(CatalogueXml, WritingLeavesTheOldFileOrTheNewOne) {
 
 TEST(CatalogueXml, LoadingCanBeStopped) {
     struct Stop : JobProgress {
-        int steps = 0;
-        bool step(size_t, size_t total, const std::string&) override {
-            EXPECT_EQ(total, 3000U);
-            return ++steps < 2;
+        explicit Stop(int at) : last(at) {}
+        int last, steps = 0;
+        std::set<size_t> totals;
+        bool step(size_t done, size_t total, const std::string&) override {
+            EXPECT_LE(done, total);
+            totals.insert(total);
+            return ++steps < last;
         }
     };
-    CTemplateData data;
-    for (int i = 0; i < 3000; ++i) data.AddScript(CScriptElm());
+    CTemplateData full;
+    for (int i = 0; i < 3000; ++i) full.AddScript(CScriptElm());
     const TempFolder folder;
-    data.WriteXML(folder.path("t.xml"));
-    Stop stop;
-    XMLResults results;
-    EXPECT_FALSE(loadCatalogue(data, folder.path("t.xml"), &results, &stop));
-    EXPECT_EQ(results.code, 0);
-    EXPECT_TRUE(data.IsEmpty());
-    EXPECT_EQ(stop.steps, 2);
+    full.WriteXML(folder.path("t.xml"));
+    for (int at = 1;; ++at) {
+        CTemplateData data = full;
+        Stop stop(at);
+        XMLResults results;
+        const bool loaded = loadCatalogue(data, folder.path("t.xml"), &results, &stop);
+        EXPECT_EQ(results.code, 0);
+        EXPECT_EQ(data.scripts().size(), loaded ? 3000U : 0U) << at;
+        if (loaded) {
+            // While the file is parsed, in bytes, then while the scripts are taken.
+            EXPECT_EQ(stop.totals, (std::set<size_t>{3000U, folder.read("t.xml").size()}));
+            EXPECT_GT(stop.steps, 4);
+            break;
+        }
+        EXPECT_EQ(stop.steps, at);
+    }
 }
 
 TEST(CatalogueXml, AScriptIsLoadedFromItsHeader) {
