@@ -325,6 +325,11 @@ void ScriptManagerSession::updateSelected(int index) {
     tellUpdated();
 }
 
+void ScriptManagerSession::updateEntries(const std::vector<UpdateEntry>& entries) {
+    m_update.UpdateEntries(entries);
+    tellUpdated();
+}
+
 void ScriptManagerSession::updateAll(JobProgress* progress) {
     m_updatesListed = true;  // all of them, while the user is asked
     m_update.FillUpdateList(true);

@@ -118,7 +118,8 @@ public:
     std::vector<DiffHunk> difference(size_t index);
     // The buttons.
     void updateSelected(int index);
-    void updateAll(JobProgress* progress = nullptr);  // every script of the project folder
+    void updateEntries(const std::vector<UpdateEntry>& entries);  // some of updates()
+    void updateAll(JobProgress* progress = nullptr);              // every script of the project folder
     // Only those that updates() lists.
     void updateListed(JobProgress* progress = nullptr);
     // Included template scripts with no copy in the project folder but one in the template folder.

@@ -73,6 +73,11 @@ void ScriptUpdate::UpdateSelected(int index) {
     update({m_entries[static_cast<size_t>(index)]}, nullptr);
 }
 
+void ScriptUpdate::UpdateEntries(const std::vector<UpdateEntry>& entries) {
+    forgetLastRun();
+    update(entries, nullptr);
+}
+
 void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* progress) {
     includeMissing(entries);
     ScriptFolders folders(m_host);

@@ -63,6 +63,8 @@ public:
     void UpdateAll(JobProgress* progress = nullptr);
     // The same for one entry, without the question. Nothing happens for an index outside the list.
     void UpdateSelected(int index);
+    // The same for several, their missing needs in one rewrite of the main script.
+    void UpdateEntries(const std::vector<UpdateEntry>& entries);
 
     // What the last run could not do, a line for each script; the user has been told.
     const std::vector<std::string>& problems() const { return m_problems; }

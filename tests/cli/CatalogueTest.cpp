@@ -201,6 +201,11 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
     suite.write("game/noise.kez", edited);
     EXPECT_THAT(suite.run("--yes scripts update" + kOptions).err, HasSubstr("Everything Up-to-Date."));
     EXPECT_EQ(suite.read("game/noise.kez"), edited);
+    suite.write("game/noise.kez", "// ver: 1\r\n");
+    suite.write("game/weather.kez", "// ver: 1\r\n");
+    EXPECT_EQ(suite.run("scripts update" + kOptions + "\"The noise\" FOG.kez weather.kez").out,
+              "fog.kez: nothing to update\nUpdated: noise.kez, weather.kez\n");
+    EXPECT_EQ(suite.run("scripts update" + kOptions + "--dry-run").status, 0);
 }
 
 TEST(Scripts, ValuesWithoutAPlaceAreNamedWithExitCode1) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "plugin/FolderHost.h"
@@ -257,40 +258,32 @@ void reportUpdates(Manager& manager, const ScriptOptions& options, const std::ve
 
 ExitStatus update(Manager& manager, const ScriptOptions& options) {
     ScriptManagerSession& session = manager.session();
-    if (options.json || options.dryRun) {
-        std::vector<std::string> files;
-        for (const std::string& name : options.names) {
-            const std::optional<std::string> file = manager.fileOf(name);
-            if (!file) return ExitStatus::Usage;
-            files.push_back(*file);
-        }
-        std::vector<UpdateEntry> entries;
-        for (const UpdateEntry& entry : session.updates()) {
-            const auto named = [&](const std::string& file) { return equalNoCase(file, entry.fileName); };
-            if (files.empty() || std::any_of(files.begin(), files.end(), named)) entries.push_back(entry);
-        }
-        reportUpdates(manager, options, entries);
-        if (options.dryRun) return entries.empty() ? ExitStatus::Done : ExitStatus::Findings;
+    std::set<std::string> files, listed;  // lowered names
+    for (const std::string& name : options.names) {
+        const std::optional<std::string> file = manager.fileOf(name);
+        if (!file) return ExitStatus::Usage;
+        files.insert(lowered(*file));
     }
-    std::string unplaced;
-    if (options.names.empty()) {
+    std::vector<UpdateEntry> entries;
+    for (const UpdateEntry& entry : session.updates()) {
+        const std::string key = lowered(entry.fileName);
+        if (!files.empty() && !files.contains(key)) continue;
+        entries.push_back(entry);
+        listed.insert(key);
+    }
+    if (options.json || options.dryRun) reportUpdates(manager, options, entries);
+    if (options.dryRun) return entries.empty() ? ExitStatus::Done : ExitStatus::Findings;
+    if (files.empty())
         session.updateListed();
-        unplaced = session.updateRun().unplaced();
-    } else {
-        for (const std::string& name : options.names) {
-            const std::optional<std::string> file = manager.fileOf(name);
-            if (!file) return ExitStatus::Usage;
-            for (size_t i = 0; i < session.updates().size(); ++i)
-                if (equalNoCase(session.updates()[i].fileName, *file)) {
-                    session.updateSelected(static_cast<int>(i));
-                    unplaced += session.updateRun().unplaced();
-                    break;
-                }
-            if (!session.updateRun().problems().empty()) break;
-        }
+    else if (!entries.empty())
+        session.updateEntries(entries);
+    if (!options.json) {
+        for (const std::string& file : files)
+            if (!listed.contains(file)) print(file + ": nothing to update\n");
+        if (!session.status().empty()) print(session.status() + "\n");
     }
-    if (!session.status().empty() && !options.json) print(session.status() + "\n");
     if (!session.updateRun().problems().empty()) return ExitStatus::Failed;
+    std::string unplaced = session.updateRun().unplaced();
     if (unplaced.empty()) return ExitStatus::Done;
     std::erase(unplaced, '\r');
     complain("no place for these values, which are kept beside each script (.zoka.old):\n" + unplaced);
