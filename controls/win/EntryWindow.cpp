@@ -108,11 +108,8 @@ void EntryWindow::makeControls() {
         case EntryField::IntField:
         case EntryField::FloatField: {
             m_field = makeEdit(is.field == EntryField::IntField ? kIntEditClass : kFloatEditClass, 0);
-            m_spin = makeControl(m_window, UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr);
-            m_panel.addTooltip(m_spin);
+            m_spin = child(makeControl(m_window, UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr));
             SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
-            UDACCEL faster[] = {{0, 1}, {2, 5}, {4, 20}};
-            SendMessageA(m_spin, UDM_SETACCEL, 3, reinterpret_cast<LPARAM>(faster));
             break;
         }
         case EntryField::DropList:
@@ -248,6 +245,13 @@ void EntryWindow::step(int steps) {
     showValue();
 }
 
+// The longer the button is held, the faster; counted here, because systems differ in how they take a table of speeds.
+void EntryWindow::spun(bool up) {
+    const DWORD held = GetTickCount() - m_spinPressed;
+    const int steps = held < 2000 ? 1 : held < 4000 ? 5 : 20;
+    step(up ? steps : -steps);
+}
+
 void EntryWindow::slid(WORD code) {
     const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
     std::string why;
@@ -313,6 +317,10 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
                 if (!self->commit()) self->m_panel.refusedOnLeaving(self->m_row);
                 self->m_panel.host().rowLeft(self->m_row);
             }
+            break;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            if (window == self->m_spin) self->m_spinPressed = GetTickCount();
             break;
         case WM_MOUSEWHEEL:
             if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == self->m_field &&
@@ -384,7 +392,7 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             if (header && m_spin && header->hwndFrom == m_spin &&
                 header->code == static_cast<UINT>(UDN_DELTAPOS)) {
                 if (GetFocus() != m_field) SetFocus(m_field);
-                step(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta);
+                spun(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta > 0);
                 return TRUE;
             }
             return 0;

@@ -59,6 +59,7 @@ private:
     void command(WORD code, HWND control);
     void typed();
     void slid(WORD code);
+    void spun(bool up);
     bool keyDown(HWND control, WPARAM key);
     std::string fieldText() const;
     void setFieldText(const std::string& value);
@@ -76,6 +77,7 @@ private:
     HWND m_window = nullptr;
     HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;
     HWND m_browse = nullptr;
+    DWORD m_spinPressed = 0;  // ticks
     std::string m_atFocus;  // the value when the field got the keyboard
     std::string m_why;      // what speaks against the text typed; empty when nothing does
     bool m_updating = false, m_typing = false, m_marked = false;
