@@ -135,10 +135,9 @@ void CustomizeDialog::showFindings() {
 
 void CustomizeDialog::showUnplaced() {
     if (!m_window || m_session.unplaced().empty()) return;
-    std::string text;
-    for (const char c : unplacedText(m_session.unplaced())) text += c == '\n' ? "\r\n" : std::string(1, c);
     showTextWindow(m_window, "Values without a place",
-                   "Kept in the file beside the script that ends in .zoka.old:", text, TextLook::FixedWidth);
+                   "Kept in the file beside the script that ends in .zoka.old:",
+                   unplacedText(m_session.unplaced()), TextLook::FixedWidth);
 }
 
 bool CustomizeDialog::shortcut(WPARAM key) {

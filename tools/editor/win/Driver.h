@@ -100,6 +100,7 @@ private:
     void closeWindow(const Words&);
     void sizeWindow(const Words&);
     void moveWindow(const Words&);
+    void expectPlace(const Words&);
     void menu(const Words&);
     void openMenu(const Words&);
     void expectMenu(const Words&);
@@ -125,10 +126,12 @@ private:
     void expectTabOrder(const Words&);
     // ... the mouse wheel, menus at controls, messages at random
     void wheel(const Words&);
+    void hold(const Words&);
     void contextMenu(const Words&);
     void randomMessages(const Words&);
     // ... files
     void copyFile(const Words&);
+    void addLines(const Words&);
     void expectLines(const Words&);
     void expectNoLines(const Words&);
     void expectSameFile(const Words&);

@@ -16,6 +16,7 @@ std::string contentOf(const std::string& path) {
 
 void Driver::addFileCommands(std::map<std::string, Command>& table) {
     table["copy-file"] = {2, 2, &Driver::copyFile};
+    table["add-lines"] = {2, 40, &Driver::addLines};
     table["expect-lines"] = {2, 40, &Driver::expectLines};
     table["expect-no-lines"] = {2, 40, &Driver::expectNoLines};
     table["expect-same-file"] = {2, 2, &Driver::expectSameFile};
@@ -30,6 +31,13 @@ static std::string linesFrom(const std::vector<std::string>& words) {
     std::string lines;
     for (std::size_t i = 1; i < words.size(); ++i) lines += words[i] + "\r\n";
     return lines;
+}
+
+// At the end of a file, which is made when there is none.
+void Driver::addLines(const Words& words) {
+    const std::string text = contentOf(words[0]) + linesFrom(words);
+    const auto file = osFiles().openForWriting(words[0], OsOpen::Truncate);
+    if (!file || !file->write(text)) throw DriveFault(words[0] + " can't be written");
 }
 
 void Driver::expectLines(const Words& words) {

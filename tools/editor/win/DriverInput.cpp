@@ -164,6 +164,7 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
 
 void Driver::addInputCommands(std::map<std::string, Command>& table) {
     table["wheel"] = {2, 2, &Driver::wheel};
+    table["hold"] = {3, 3, &Driver::hold};
     table["context-menu"] = {1, 2, &Driver::contextMenu};
     table["random-messages"] = {3, 3, &Driver::randomMessages};
 }
@@ -175,6 +176,22 @@ void Driver::wheel(const Words& words) {
     const auto notches = static_cast<short>(driveNumber(words[1]) * WHEEL_DELTA);
     PostMessageA(found, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(notches)),
                  MAKELPARAM(area.left + 2, area.top + 2));
+}
+
+// hold CONTROL up|down TEXT: presses spin buttons with the mouse until the field beside them shows TEXT.
+void Driver::hold(const Words& words) {
+    const HWND found = usableControl(words[0]);
+    const HWND field = GetWindow(found, GW_HWNDPREV);
+    if (!field || (words[1] != "up" && words[1] != "down")) throw DriveFault("can't hold " + describe(found));
+    RECT area;
+    GetClientRect(found, &area);
+    const LPARAM at = MAKELPARAM(area.right / 2, words[1] == "up" ? 2 : area.bottom - 3);
+    PostMessageA(found, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    const bool reached = until([&] { return windowText(field) == words[2]; });
+    PostMessageA(found, WM_LBUTTONUP, 0, at);
+    if (!reached)
+        throw DriveFault("expected " + describe(field) + " to come to " + words[2] + "; saw " +
+                         windowText(field));
 }
 
 void Driver::contextMenu(const Words& words) {
@@ -205,8 +222,11 @@ void Driver::contextMenu(const Words& words) {
         };
         const int before = marked();
         PostMessageA(owner, WM_KEYDOWN, VK_DOWN, 0);
-        expect([&] { return marked() != before; }, "the next item of the menu", [&] { return all; });
+        // The mark is nowhere for a moment on its way to the next item.
+        expect([&] { return marked() >= 0 && marked() != before; }, "the next item of the menu",
+               [&] { return all; });
     }
+    if (!chosen()) throw DriveFault("the menu's mark does not come to \"" + words[1] + "\"");
     PostMessageA(owner, WM_KEYDOWN, VK_RETURN, 0);
     expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
 }

@@ -39,6 +39,7 @@ void Driver::addWindowCommands(std::map<std::string, Command>& table) {
     table["close"] = {0, 0, &Driver::closeWindow};
     table["size"] = {2, 2, &Driver::sizeWindow};
     table["move"] = {2, 2, &Driver::moveWindow};
+    table["expect-place"] = {4, 4, &Driver::expectPlace};
     table["menu"] = {1, 1, &Driver::menu};
     table["open-menu"] = {1, 1, &Driver::openMenu};
     table["expect-menu"] = {1, 9, &Driver::expectMenu};
@@ -96,6 +97,19 @@ void Driver::sizeWindow(const Words& words) {
 void Driver::moveWindow(const Words& words) {
     SetWindowPos(window(), nullptr, static_cast<int>(driveNumber(words[0])),
                  static_cast<int>(driveNumber(words[1])), 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Driver::expectPlace(const Words& words) {
+    const auto place = [&] {
+        RECT area{};
+        GetWindowRect(window(), &area);
+        std::string text;
+        for (const LONG one : {area.left, area.top, area.right - area.left, area.bottom - area.top})
+            text += (text.empty() ? "" : " ") + std::to_string(one);
+        return text;
+    };
+    const std::string wanted = words[0] + ' ' + words[1] + ' ' + words[2] + ' ' + words[3];
+    expect([&] { return place() == wanted; }, "the window at " + wanted, place);
 }
 
 void Driver::menu(const Words& words) {
