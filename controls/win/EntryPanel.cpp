@@ -7,7 +7,8 @@
 namespace zoka {
 namespace {
 
-constexpr size_t kMeasuredLabels = 500;    // wide enough for these is wide enough
+constexpr size_t kMeasuredLabels = 500;  // wide enough for these is wide enough
+constexpr int kLeastLabelUnits = 60;
 constexpr int kSpacing = 3, kMargin = 6;   // in pixels at 96 dpi
 constexpr size_t kSearchedForField = 200;  // rows without a field are passed over by Tab, but not without end
 
@@ -104,7 +105,9 @@ int EntryPanel::heightOf(size_t row, int width) {
 }
 
 int EntryPanel::labelWidth(int width) const {
-    return std::clamp(m_widestLabel + m_fonts->x(6), width / 4, std::max(width * 9 / 20, width / 4));
+    // Neither far from its field in a wide panel, nor without room for it in a narrow one.
+    return std::clamp(m_widestLabel + m_fonts->x(6), std::min(width / 4, m_fonts->x(kLeastLabelUnits)),
+                      std::max(width * 9 / 20, 0));
 }
 
 void EntryPanel::rowsReplaced(bool samePlaces) {

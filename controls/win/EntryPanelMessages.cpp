@@ -223,9 +223,12 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             if (wParam >= m_host.rowCount()) return 0;
             POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
             const auto live = m_live.find(wParam);
-            if (lParam == -1 && live != m_live.end()) {  // by the keyboard
-                at = {0, 0};
-                ClientToScreen(live->second->window(), &at);
+            if (lParam == -1 &&
+                live != m_live.end()) {  // by the keyboard: below the field, which stays in sight
+                const HWND field = live->second->field();
+                RECT area;
+                GetWindowRect(field ? field : live->second->window(), &area);
+                at = {area.left, area.bottom};
             }
             m_host.rowMenu(wParam, m_menuField, at);
             return 0;
