@@ -195,6 +195,8 @@ void Driver::hold(const Words& words) {
 }
 
 void Driver::contextMenu(const Words& words) {
+    // A menu that opens below the pointer would mark what lies there.
+    SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);
     PostMessageA(usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
     expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
            [] { return std::string("none"); });
