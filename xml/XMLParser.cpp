@@ -15,10 +15,10 @@
 namespace zoka {
 namespace {
 
-// Every step takes the place where it starts and gives the one where it ended, or null after an error. Places
-// are handed on and not kept in the object, so that they stay in registers.
 constexpr std::size_t kWatchEvery = std::size_t{1} << 18;  // bytes
 
+// Every step takes the place where it starts and gives the one where it ended, or null after an error. Places
+// are handed on and not kept in the object, so that they stay in registers.
 template <bool Utf8>
 class Parser {
 public:
