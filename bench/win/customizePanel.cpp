@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/win/Measure.h"
 #include "customize/win/CustomizeControls.h"
 #include "customize/win/CustomizeDialog.h"
 #include "plugin/win/Resources.h"
@@ -26,27 +27,12 @@ constexpr int kRounds = 7;
 constexpr int kFew = 1000, kMany = 20000;
 constexpr const char* kSearched = "Speed 99";
 
-[[noreturn]] void stop(const std::string& why) {
-    std::fprintf(stderr, "bench_panel: %s\n", why.c_str());
-    std::exit(1);
-}
-
-double millisecondsOf(const std::function<void()>& work) {
-    LARGE_INTEGER frequency, start, end;
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&start);
-    work();
-    QueryPerformanceCounter(&end);
-    return static_cast<double>(end.QuadPart - start.QuadPart) * 1000.0 /
-           static_cast<double>(frequency.QuadPart);
-}
-
 // Everything that is waiting to be done and painted.
 void settle(HWND window) {
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
         if (!IsDialogMessageA(window, &message)) DispatchMessageA(&message);
-    RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+    paint(window);
 }
 
 std::string script(int entries) {
@@ -187,13 +173,6 @@ private:
     std::vector<Plan> m_plan;
     std::vector<HWND> m_made;
 };
-
-bool row(const std::string& what, double ours, const std::string& against, double theirs, double wanted) {
-    const double ratio = ours / theirs;
-    std::printf("%-44s %9.2f ms  %-32s %9.2f ms  ratio %5.2f  wanted <= %.2f  %s\n", what.c_str(), ours,
-                against.c_str(), theirs, ratio, wanted, ratio <= wanted ? "ok" : "MISSED");
-    return ratio <= wanted;
-}
 
 int run(const std::string& dllPath) {
     const HINSTANCE dll = LoadLibraryExA(dllPath.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);

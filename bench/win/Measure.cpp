@@ -1,0 +1,35 @@
+#include "bench/win/Measure.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace zoka::bench {
+
+void stop(const std::string& why) {
+    std::fprintf(stderr, "bench: %s\n", why.c_str());
+    std::exit(1);
+}
+
+double millisecondsOf(const std::function<void()>& work) {
+    LARGE_INTEGER frequency, start, end;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&start);
+    work();
+    QueryPerformanceCounter(&end);
+    return static_cast<double>(end.QuadPart - start.QuadPart) * 1000.0 /
+           static_cast<double>(frequency.QuadPart);
+}
+
+void paint(HWND window) {
+    RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
+bool row(const std::string& what, double ours, const std::string& against, double theirs, double wanted) {
+    const double ratio = ours / theirs;
+    std::printf("%-44s %9.2f ms  %-32s %9.2f ms  ratio %5.2f  wanted <= %.2f  %s\n", what.c_str(), ours,
+                against.c_str(), theirs, ratio, wanted, ratio <= wanted ? "ok" : "MISSED");
+    std::fflush(stdout);
+    return ratio <= wanted;
+}
+
+}  // namespace zoka::bench

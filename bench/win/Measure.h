@@ -1,0 +1,23 @@
+// What the benchmarks of the windows share.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+namespace zoka::bench {
+
+// Ends the program with `why` and status 1.
+[[noreturn]] void stop(const std::string& why);
+
+double millisecondsOf(const std::function<void()>& work);
+
+// All that waits to be drawn in the window.
+void paint(HWND window);
+
+// Prints one line: a figure and what it is measured against, both in milliseconds, their ratio and the largest one
+// wanted. Whether that was met.
+bool row(const std::string& what, double ours, const std::string& against, double theirs, double wanted);
+
+}  // namespace zoka::bench
