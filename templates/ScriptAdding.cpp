@@ -74,7 +74,7 @@ std::string AddPlan::summary() const {
     part("adds ", adds);
     part("needs ", needs);
     part("copies ", copied);
-    return result;
+    return result.empty() ? "nothing: the main script never includes itself" : result;
 }
 
 bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string& destPath,

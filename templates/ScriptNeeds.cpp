@@ -12,6 +12,7 @@ namespace {
 constexpr size_t kLongestName = 255;
 constexpr std::string_view kNotInFileNames = ":/\\*?\"|";
 constexpr std::string_view kNotInIncludes = " ;<>";
+constexpr const char* kDevices[] = {"con", "prn", "aux", "nul"};
 
 // A script on the way down through the needs.
 struct Level {
@@ -19,6 +20,15 @@ struct Level {
     std::vector<std::string> needs;
     size_t next = 0;
 };
+
+// Whether the system takes the name for a device in any folder, whatever extension it has: "con", "aux.kez".
+bool isDeviceName(std::string_view name) {
+    std::string_view stem = name.substr(0, name.find('.'));
+    stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
+    if (stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9')
+        return equalNoCase(stem.substr(0, 3), "com") || equalNoCase(stem.substr(0, 3), "lpt");
+    return std::ranges::any_of(kDevices, [stem](const char* device) { return equalNoCase(stem, device); });
+}
 
 }  // namespace
 
@@ -35,7 +45,8 @@ std::string lowered(std::string_view text) {
 }
 
 bool isPlainFileName(std::string_view name) {
-    if (name.empty() || name.size() > kLongestName || name == "." || name == "..") return false;
+    if (name.empty() || name.size() > kLongestName || name == "." || name == ".." || isDeviceName(name))
+        return false;
     return std::none_of(name.begin(), name.end(), [](char c) {
         return static_cast<unsigned char>(c) < ' ' || kNotInFileNames.find(c) != std::string_view::npos;
     });

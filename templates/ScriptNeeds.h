@@ -20,8 +20,8 @@ int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names);
 std::string lowered(std::string_view text);
 
 // Whether it names a file in a folder and nothing outside it: no separator, drive, wildcard or control
-// character, not
-// "." or "..", at most 255 bytes.
+// character, not "." or "..", no device such as "con" (which might wait for a key when it is read), at most
+// 255 bytes.
 bool isPlainFileName(std::string_view name);
 // Whether a name can stand between the brackets of an include line and be found again there: a plain file
 // name without blanks, brackets and semicolons.

@@ -168,7 +168,8 @@ TEST(IncludeBlock, RemovesTheFirstMatchingLineOfEachName) {
 }
 
 TEST(IncludeBlock, AnInsertedNameIsFoundAgain) {
-    for (const char* name : {"a.kez", "A_b-c(1).kez", "caf\xE9.kez", "x", ".kez", "a,b.kez"}) {
+    for (const char* name : {"a.kez", "A_b-c(1).kez", "caf\xE9.kez", "x", ".kez", "a,b.kez", "console.kez",
+                             "com.kez", "com10"}) {
         ASSERT_TRUE(isIncludableName(name)) << name;
         EXPECT_EQ(includedName(includeLine(name)), name);
     }
@@ -177,7 +178,7 @@ TEST(IncludeBlock, AnInsertedNameIsFoundAgain) {
          {std::string(), std::string("."), std::string(".."), std::string("a b.kez"),
           std::string("..\\a.kez"), std::string("a/b.kez"), std::string("C:a.kez"), std::string("a;b"),
           std::string("<a"), std::string("a>"), std::string("a\tb"), bytes("a\0b"), std::string("*.kez"),
-          tooLong})
+          std::string("CON"), std::string("nul .kez"), std::string("lpt1.a.kez"), tooLong})
         EXPECT_FALSE(isIncludableName(name)) << name;
 }
 

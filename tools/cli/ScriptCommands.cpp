@@ -38,6 +38,7 @@ void print(const std::string& text) {
 class Manager {
 public:
     explicit Manager(const ScriptOptions& options) : m_host(foldersOf(options)), m_folders(m_host) {
+        m_folders.listOnce();
         const std::string templates = suitePath(options.templates);
         const std::string file =
             options.catalogue.empty() ? joinPath(templates, kCatalogueFile) : options.catalogue;
@@ -57,7 +58,7 @@ public:
     ExitStatus status() const { return m_status; }  // Done: the session stands
     ScriptManagerSession& session() { return *m_session; }
     FolderHost& host() { return m_host; }
-    const ScriptFolders& folders() const { return m_folders; }
+    const ScriptFolders& folders() const { return m_folders; }  // as they were at first
     const std::string& mainScript() const { return m_mainScript; }
     std::string mainText() const { return osFiles().readWhole(m_mainScript).value_or(""); }
     void printDifference(const std::string& before, const std::string& after) const {
@@ -291,16 +292,21 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
 }
 
 ExitStatus restore(Manager& manager, const ScriptOptions& options) {
+    std::vector<std::string> files;
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
         if (!file) return ExitStatus::Usage;
-        if (!(options.dryRun ? canRestore(manager.host(), *file) : manager.session().restore(*file)))
-            return ExitStatus::Findings;
-        if (options.dryRun)
-            print("copy " + manager.folders().templatePath(*file) + " -> " +
-                  manager.folders().projectPath(*file) + "\n");
+        files.push_back(*file);
     }
-    return ExitStatus::Done;
+    ExitStatus status = ExitStatus::Done;
+    for (const std::string& file : files) {
+        if (!(options.dryRun ? canRestore(manager.host(), file) : manager.session().restore(file)))
+            status = ExitStatus::Findings;
+        else if (options.dryRun)
+            print("copy " + manager.folders().templatePath(file) + " -> " +
+                  manager.folders().projectPath(file) + "\n");
+    }
+    return status;
 }
 
 ExitStatus notes(Manager& manager, const ScriptOptions& options) {
