@@ -9,7 +9,9 @@
 #   #: says TEXT     a text that the process must write on its output; may be repeated
 #   #: options TEXT  further options of zunhost
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
-#   #: long          runs when it is named, and with all others only where ZOKA_LONG=1 is set
+#   #: parts N       runs N times, each a test of its own (NAME-1 and so on), because all of it would take too long for
+#                    one; ${PART} is the part's number
+#   #: parts-long N  the same where ZOKA_LONG=1 is set or the test is named; otherwise there is one part
 # Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
 # Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
 set -uo pipefail
@@ -61,7 +63,7 @@ large_catalogue() { # scripts
 }
 
 # Runs one script; its output is in output.txt.
-drive() { # script, folder
+drive() { # script, folder, part
     local project suite options fits try status=1
     project=$(windows_path "$2/project")
     suite=$(windows_path "$2/suite")
@@ -76,7 +78,7 @@ drive() { # script, folder
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
             --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" \
-            --set LF=$'\n' --set "OUT=$(windows_path "$2")" --set "LEVEL_FITS=$fits" --set "LEVEL_TOO_LONG=${fits}a" \
+            --set "PART=${3:-1}" --set LF=$'\n' --set "OUT=$(windows_path "$2")" --set "LEVEL_FITS=$fits" --set "LEVEL_TOO_LONG=${fits}a" \
             --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
             --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \
             --set "LEAKY=$(windows_path "$build/tests/window/leaky_plugin.dll")" \
@@ -89,24 +91,24 @@ drive() { # script, folder
     return $status
 }
 
-# Prints a PASS or FAIL line for one script.
-run_test() { # script
-    local name folder start wrong='' large status wanted text took
-    name=$(basename "$1" .drive)
+# Prints a PASS or FAIL line for one test.
+run_test() { # script[@part]
+    local script=${1%.drive*}.drive part=${1##*.drive} name folder start wrong='' large status wanted text took
+    name=$(basename "$script" .drive)${part/@/-}
     folder=$build/window/$name
     start=$(date +%s%N)
     if lay_out "$folder"; then
-        large=$(directives "$1" catalogue)
+        large=$(directives "$script" catalogue)
         [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
-        drive "$1" "$folder"
+        drive "$script" "$folder" "${part#@}"
         status=$?
-        wanted=$(directives "$1" status)
+        wanted=$(directives "$script" status)
         [ $status = "${wanted:-0}" ] || wrong="ended with $status instead of ${wanted:-0}"
         while IFS= read -r text; do
             grep -qF -- "$text" "$folder/output.txt" || wrong="$wrong; did not say \"$text\""
-        done < <(directives "$1" says)
+        done < <(directives "$script" says)
         # A fault as the process ends leaves its status alone. (The system's own programs may have faults, too.)
-        if grep -qF "$fault" "$folder/output.txt" && ! directives "$1" says | grep -qF "$fault"; then
+        if grep -qF "$fault" "$folder/output.txt" && ! directives "$script" says | grep -qF "$fault"; then
             wrong="$wrong; $(grep -m1 -F "$fault" "$folder/output.txt")"
         fi
     else
@@ -138,12 +140,17 @@ if [ "${1:-}" = --lane ]; then
 fi
 
 scripts=()
+add() { # script, whether all of its parts are wanted
+    local parts part
+    parts=$(directives "$1" parts)
+    [ -n "$parts" ] || [ "$2" != 1 ] || parts=$(directives "$1" parts-long)
+    [ -n "$parts" ] || scripts+=("$1")
+    for ((part = 1; part <= ${parts:-0}; part++)); do scripts+=("$1@$part"); done
+}
 if [ $# -gt 0 ]; then
-    for name in "$@"; do scripts+=("$here/${name%.drive}.drive"); done
+    for name in "$@"; do add "$here/${name%.drive}.drive" 1; done
 else
-    for script in "$here"/*.drive; do
-        [ "${ZOKA_LONG:-}" != 1 ] && grep -q '^#: long$' "$script" || scripts+=("$script")
-    done
+    for script in "$here"/*.drive; do add "$script" "${ZOKA_LONG:-0}"; done
 fi
 taken=$(mktemp -d) || exit 1
 outcomes=$taken/outcomes
