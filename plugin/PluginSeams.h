@@ -66,8 +66,7 @@ public:
     virtual std::unique_ptr<ZunEditorInterface> makeEditor(void* rawEditor) = 0;
 
     // Both panels: `editor` lives until the dialog is freed; the dialog calls it on the panel's thread.
-    virtual std::unique_ptr<PanelDialog> makeCustomizePanel(ZunEditorInterface& editor,
-                                                            const std::string& entity) = 0;
+    virtual std::unique_ptr<PanelDialog> makeCustomizePanel(ZunEditorInterface& editor) = 0;
     // True when the project of `projectFile` (which exists) defines a behaviour panel for the entity; fills
     // the descriptor then.
     virtual bool behaviorPanelDefined(const std::string& projectFile, const std::string& entity,

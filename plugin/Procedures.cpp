@@ -130,7 +130,8 @@ void freeBehaviorDialog() {
     g_behaviorDialog = nullptr;
 }
 
-std::int32_t executeCustomize(PluginProcDef*, HostContext* context, std::int32_t* executeFlags) {
+// It edits a script, whichever entity is selected: the context is the other panel's.
+std::int32_t executeCustomize(PluginProcDef*, HostContext*, std::int32_t* executeFlags) {
     if (!executeFlags) {
         userPrompt().tell("Execute Flags (ec12-1)");
         return 0;
@@ -150,7 +151,7 @@ std::int32_t executeCustomize(PluginProcDef*, HostContext* context, std::int32_t
     const Marked opening(panel.opening);
     finish(panel);
     auto editor = g_seams->makeEditor(g_appInterface->editor);
-    panels().customizeDialog = g_seams->makeCustomizePanel(*editor, entityName(context));
+    panels().customizeDialog = g_seams->makeCustomizePanel(*editor);
     startPanel(panel, *panels().customizeDialog, std::move(editor), executeFlags);
     return 0;
 }

@@ -39,8 +39,7 @@ std::unique_ptr<ZunEditorInterface> PluginWindows::makeEditor(void* rawEditor) {
     return std::make_unique<HostAdapter>(rawEditor);
 }
 
-std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterface& editor,
-                                                               const std::string&) {
+std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterface& editor) {
     return std::make_unique<CustomizePanel>(editor);
 }
 

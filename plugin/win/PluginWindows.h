@@ -8,8 +8,7 @@ namespace zoka {
 class PluginWindows : public PluginSeams {
 public:
     std::unique_ptr<ZunEditorInterface> makeEditor(void* rawEditor) override;
-    std::unique_ptr<PanelDialog> makeCustomizePanel(ZunEditorInterface& editor,
-                                                    const std::string& entity) override;
+    std::unique_ptr<PanelDialog> makeCustomizePanel(ZunEditorInterface& editor) override;
     bool behaviorPanelDefined(const std::string& projectFile, const std::string& entity,
                               EntityDescriptor& descriptor) override;
     std::unique_ptr<PanelDialog> makeBehaviorPanel(

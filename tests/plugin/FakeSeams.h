@@ -120,8 +120,8 @@ public:
         prepareEditor(*editor);
         return editor;
     }
-    std::unique_ptr<PanelDialog> makeCustomizePanel(ZunEditorInterface&, const std::string& entity) override {
-        return std::make_unique<FakeDialog>(log, "customize" + entity);
+    std::unique_ptr<PanelDialog> makeCustomizePanel(ZunEditorInterface&) override {
+        return std::make_unique<FakeDialog>(log, "customize");
     }
     bool behaviorPanelDefined(const std::string&, const std::string& entity,
                               EntityDescriptor& descriptor) override {
