@@ -28,7 +28,10 @@ bool CustomizeSession::open(const std::string& fileName) {
 }
 
 bool CustomizeSession::switchTo(const std::string& fileName) {
-    return mayDropChanges() && open(fileName);
+    if (!mayDropChanges()) return false;
+    const bool opened = open(fileName);
+    if (!opened) m_prompt.tell(m_problem);
+    return opened;
 }
 
 bool CustomizeSession::load(const std::string& fileName) {
@@ -114,7 +117,7 @@ bool CustomizeSession::fetchTemplateCopy() {
 }
 
 bool CustomizeSession::restore() {
-    if (!question("Restore values to default??") || !fetchTemplateCopy()) return false;
+    if (!isOpen() || !question("Restore values to default??") || !fetchTemplateCopy()) return false;
     const bool loaded = load(std::string(m_panel.script.scriptPath));
     if (loaded) {
         m_unplaced.clear();
@@ -127,7 +130,8 @@ bool CustomizeSession::restore() {
 }
 
 bool CustomizeSession::update() {
-    if (!question("Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
+    if (!isOpen() ||
+        !question("Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
                   "(Some values may be lost or overwriten)"))
         return false;
     m_problem.clear();
@@ -164,7 +168,7 @@ void CustomizeSession::carryFromMemory(const std::vector<KeptValue>& values) {
     std::unordered_set<int> ids;
     for (const CustomEntry& one : m_panel.script.entries) ids.insert(one.id);
     for (const KeptValue& kept : values)
-        if (!ids.contains(kept.id)) m_prompt.tell("Warning: No match found for value");
+        if (!ids.contains(kept.id)) warnNoMatch(m_prompt);
     m_unplaced = carryValues(values, m_panel);
 }
 

@@ -49,12 +49,13 @@ public:
     // Loads a script; without a name the level's main script. False, with the rows as they were, when there
     // is none or it can't be read; no message.
     bool open(const std::string& fileName = {});
-    // The same from the panel, for another script: asks about changes first, as closing does.
+    // The same from the panel, for another script: asks about changes first, as closing does, and tells why it
+    // can't be read.
     bool switchTo(const std::string& fileName);
     // The scripts that the panel offers to switch to; filled by whoever makes the session.
     std::vector<std::string> scriptChoices;
 
-    // --- The buttons. All messages go through the prompt.
+    // --- The buttons. All messages go through the prompt. Without a script they do nothing.
     SaveResult save();
     // True when the panel may close.
     bool close();
@@ -104,6 +105,7 @@ public:
     const std::string& problem() const { return m_problem; }
 
 private:
+    bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
     bool load(const std::string& fileName);
     void show();
     void showRows(bool keepHistory);

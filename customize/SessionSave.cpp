@@ -113,6 +113,7 @@ bool CustomizeSession::takeIntoProject(bool& copied) {
 }
 
 SaveResult CustomizeSession::save() {
+    if (!isOpen()) return SaveResult::NothingToSave;
     m_problem.clear();
     if (m_panel.script.fileLength > 0) {
         if (!hasChanges(m_panel.script)) return SaveResult::NothingToSave;

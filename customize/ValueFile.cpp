@@ -119,7 +119,7 @@ bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& si
     for (const ValueRecord& record : stored.records) {
         const auto found = firstOf.find(record.id);
         CustomEntry* const entry = found == firstOf.end() ? nullptr : found->second;
-        if (!entry) prompt.tell("Warning: No match found for value");
+        if (!entry) warnNoMatch(prompt);
         if (sink)
             sink(record, entry);
         else if (entry && entry->control)

@@ -14,6 +14,10 @@ namespace zoka {
 // The script's full name with this appended.
 inline constexpr const char* kValueFileEnding = ".zoka";
 inline constexpr const char* kValueFileNotWritten = "Error open file to write\n(Code 2701)";
+// Of a stored value whose id the script doesn't have.
+inline void warnNoMatch(UserPrompt& prompt) {
+    prompt.ask("Warning: No match found for value", "ZOKA", PromptButtons::Ok, PromptIcon::Warning);
+}
 // A line longer than this is read as several.
 inline constexpr size_t kValueFileLine = 511;
 

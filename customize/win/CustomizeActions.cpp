@@ -114,8 +114,7 @@ void CustomizeDialog::chooseScript() {
     const std::string path = m_choices[static_cast<size_t>(chosen)];
     if (equalNoCase(path, m_session.script().scriptPath)) return;
     m_busy = true;
-    if (m_panel.commit() && !m_session.switchTo(path) && m_window && !m_session.problem().empty())
-        userPrompt().tell(m_session.problem());
+    if (m_panel.commit()) m_session.switchTo(path);
     m_busy = false;
     fillScriptChoices();
 }

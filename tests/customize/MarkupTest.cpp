@@ -5,7 +5,6 @@
 
 #include "customize/CustomMarkup.h"
 #include "customize/CustomScript.h"
-#include "customize/DefinitionTokens.h"
 
 using namespace zoka;
 using testing::ElementsAre;
@@ -54,41 +53,6 @@ TEST(Keywords, SlipsAreOneEditAwayAndNoHeaderWords) {
     for (const auto& row : rows) EXPECT_EQ(nearCustomKeyword(row.word), row.keyword) << row.word;
 }
 
-TEST(Definition, TakesTheValueBehindEqualsOrTheFirstText) {
-    using Found = DefinitionValue::Found;
-    const struct {
-        const char* text;
-        Found found;
-        const char* token;
-    } rows[] = {
-        {"var speed = 5;", Found::Yes, "5"},
-        {"var speed=5;", Found::Yes, "5"},
-        {"string s = \"a b\";", Found::Yes, "\"a b\""},
-        {"string s \"a;b\";", Found::Yes, "\"a;b\""},
-        {"bmap p = < x.bmp >;", Found::Yes, "< x.bmp >"},
-        {"var v\n = \r\n\t-1.5 ;", Found::Yes, "-1.5"},
-        {"s = \"one\r\ntwo\";", Found::Yes, "\"one\r\ntwo\""},
-        {"x = 5//c", Found::Yes, "5//c"},
-        {"a : b , c = d;", Found::Yes, "d"},
-        {"= 5;", Found::NotThere, ""},
-        {"var x; y = 5;", Found::NotThere, ""},
-        {"var x = ;", Found::NotThere, ""},
-        {"var x == 5;", Found::NotThere, ""},
-        {"var x", Found::Interrupted, ""},
-        {"", Found::Interrupted, ""},
-        {"/x = 5;", Found::Interrupted, ""},
-        {"var x // = 5;", Found::Interrupted, ""},
-        {"p = <a\nb>;", Found::OpenBracket, ""},
-        {"s = \"a", Found::OpenQuote, ""},
-    };
-    for (const auto& row : rows) {
-        const std::string_view text = row.text;
-        const DefinitionValue value = findDefinitionValue(text, 0, text.rfind('"'));
-        EXPECT_EQ(value.found, row.found) << row.text;
-        EXPECT_EQ(value.token, row.token) << row.text;
-    }
-}
-
 TEST(Markup, KindsComeFromTheValue) {
     const struct {
         const char* text;
@@ -116,6 +80,21 @@ TEST(Markup, KindsComeFromTheValue) {
         {"/ / entry: A\nvar x = 1;", ""},
         {"// entries: A\nvar x = 1;", ""},
         {"// entry_numEdit: A\nvar x = 1;", ""},
+        // Where a definition's value is looked for.
+        {"// entry: A\nvar x=5;", "11 5"},
+        {"// entry: A\nstring s \"a;b\";", "14 a;b"},
+        {"// entry: A\nvar v\n = \r\n\t-1.5 ;", "12 -1.5"},
+        {"// entry: A\ns = \"one\r\ntwo\";", "14 one\r\ntwo"},
+        {"// entry_drop: A\nx = 5//c", "17 5//c"},
+        {"// entry_drop: A\na : b , c = d;", "17 d"},
+        {"// entry_drop: A\n= 5;", ""},
+        {"// entry_drop: A\nvar x; y = 5;", ""},
+        {"// entry_drop: A\nvar x = ;", ""},
+        {"// entry_drop: A\nvar x == 5;", ""},
+        {"// entry_drop: A\nvar x", ""},
+        {"// entry_drop: A\n/x = 5;", ""},
+        {"// entry_drop: A\nvar x // = 5;", ""},
+        {"// entry_drop: A\nx = <a\nb>;", ""},
         // What stands between an entry and its definition.
         {"// entry: A\n\nvar x = 1;", ""},
         {"// entry: A\n// help: h\n// note\n// ver: 3\nvar x = 1;", "11 1"},
@@ -245,6 +224,8 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
         {"// entry: A\nvar x = 5; var y = 6; // z", 2, "\"var y = 6; // z\" follows the value of \"A\""},
         {"// entry: A\nvar x = 5 + 3;", 2, "\"+ 3;\" follows"},
         {"// entry: A\n// id: 0\nvar x = 5;", 2, "is no number from 1"},
+        {"// entry: A\n// id: -7\nvar x = 5;", 2, "is no number from 1"},
+        {"// entry: A\n// id: 2147483648\nvar x = 5;", 2, "is no number from 1"},
         {"// id: 4\nvar x = 5;", 1, "\"id\" belongs to no entry"},
         {"// enable: A\n//x;\n//y;\n", 3, "several commented lines"},
         {"// enable: A\ntext = 5;\n", 1, "begins with the keyword \"text\""},

@@ -89,6 +89,8 @@ TEST_F(ValueFile, ReadingFollowsTheLines) {
         if (*row.values) {
             EXPECT_EQ(values(), row.values) << row.bytes;
             EXPECT_EQ(prompt.texts(), row.messages) << row.bytes;
+            for (const auto& box : prompt.asked)
+                EXPECT_EQ(box.icon, box.text == warning ? PromptIcon::Warning : PromptIcon::Error);
         } else {
             EXPECT_EQ(panel.row(1).value(), longValue.substr(0, 511));
         }
@@ -110,31 +112,21 @@ TEST_F(ValueFile, MissingAndUnwritableFilesHaveTheirMessages) {
                 ElementsAre("Error open file to read\n(Code 2801)", "Error open file to write\n(Code 2701)"));
 }
 
-TEST_F(ValueFile, EveryPrefixOfAFileIsTakenAndNeverInventsAValue) {
-    load(kScript);
-    const std::string whole = valueFileText(panel.script, true);
-    for (size_t length = 0; length <= whole.size(); ++length) {
-        folder.write("s.kez.zoka", whole.substr(0, length));
-        load(kScript);
-        ReadValueFile(panel.script, prompt);
-        for (size_t i = 0; i < panel.size(); ++i) {
-            const std::string& value = panel.row(i).value();
-            ASSERT_TRUE(value == panel.row(i).loadedValue() || value == "6" || value.empty()) << length;
-        }
-    }
-}
-
 TEST_F(ValueFile, KnowsWhatItCannotCarry) {
-    load("// entry: A\n// id: 1\nvar a = 5;\n");
-    EXPECT_TRUE(valueFileCarriesAll(panel.script, true));
-    load(kScript);
-    EXPECT_FALSE(valueFileCarriesAll(panel.script, true));  // an id twice
-    load("// entry_text: 3, 900, A\n// id: 1\ns = \"a\nb\";\n");
-    EXPECT_FALSE(valueFileCarriesAll(panel.script, true));
-    load("// entry: A\n// id: 1\ns = \"" + std::string(511, 'x') + "\";\n");
-    EXPECT_FALSE(valueFileCarriesAll(panel.script, true));
-    load("// entry: A\n// id: 1\ns = \"" + std::string(510, 'x') + "\";\n");
-    EXPECT_TRUE(valueFileCarriesAll(panel.script, true));
+    const auto text = [](size_t length) {
+        return "// entry: A\n// id: 1\ns = \"" + std::string(length, 'x') + "\";\n";
+    };
+    const struct {
+        std::string script;
+        bool carried;
+    } rows[] = {{kScript, false},  // an id twice
+                {"// entry_text: 3, 900, A\n// id: 1\ns = \"a\nb\";\n", false},
+                {text(511), false},
+                {text(510), true}};
+    for (const auto& row : rows) {
+        load(row.script);
+        EXPECT_EQ(valueFileCarriesAll(panel.script, true), row.carried) << row.script;
+    }
     folder.write("s.kez.zoka", valueFileText(panel.script, true));
     load("// entry: A\n// id: 1\ns = \"y\";\n");
     EXPECT_TRUE(ReadValueFile(panel.script, prompt));

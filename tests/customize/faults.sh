@@ -4,23 +4,9 @@
 # and each file beside it must be the old or the new one, whole; what failed must have said so; and the same
 # command must do its work when it's given once more.
 # usage: faults.sh PATH-OF-ZOKA SAMPLES-FOLDER. Status 77 where nothing can be traced.
-set -u
 zoka=$1
 samples=$2
-strace -o /dev/null true 2>/dev/null || {
-    echo "strace can't trace here"
-    exit 77
-}
-work=$(mktemp -d) && cd "$work" || exit 1
-trap 'rm -rf "$work"' EXIT
-runs=0
-
-fail() {
-    echo "FAILED: $*"
-    ls project
-    cat output
-    exit 1
-}
+. "${0%/*}/../support/faults.sh"
 
 # Whether each file is that of before/ or of after/. An update first writes the old script's values.
 check() { # what

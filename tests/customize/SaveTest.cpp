@@ -1,0 +1,141 @@
+#include "tests/customize/Edits.h"
+#include "tests/customize/Samples.h"
+#include "tests/customize/SessionFixture.h"
+
+using namespace zoka;
+using namespace zoka::test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+TEST_F(Session, SaveWithoutChangesWritesNothing) {
+    open();
+    FaultyOsFiles disk(FaultyOsFiles::never());
+    EXPECT_EQ(session.save(), SaveResult::NothingToSave);
+    EXPECT_EQ(disk.operations(), 0);
+    set("Range", "11");
+    set("Range", "10");
+    EXPECT_EQ(session.save(), SaveResult::NothingToSave);
+    EXPECT_THAT(project.names(), ElementsAre("s.kez"));
+    EXPECT_EQ(host.calls, "");
+    open("");  // an empty script has its value file alone
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_EQ(project.read("s.kez"), "");
+    EXPECT_EQ(project.read("s.kez.zoka"), "1\n0\n0\n\n");
+}
+
+TEST_F(Session, SaveWritesTheSpansThenTheValueFileAndReadsTheScriptAgain) {
+    open();
+    set("Range", "123");
+    set("Lamp", "1");
+    EXPECT_EQ(session.changesText(),
+              "line 6\r\n- var range = 10;\r\n+ var range = 123;\r\nline 10\r\n- //define LAMP;\r\n+ define "
+              "LAMP;\r\n");
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    std::string expected = kOld;
+    expected.replace(expected.find("10;"), 2, "123");
+    expected.erase(expected.find("//define"), 2);
+    EXPECT_EQ(project.read("s.kez"), expected);
+    EXPECT_EQ(project.read("s.kez.zoka"), "1\n1\n0\n\n1\n11\n123\n\n2\n8\n1\n\n3\n14\na\n\n5\n15\nme\n\n");
+    EXPECT_EQ(session.changedCount(), 0u);
+    EXPECT_TRUE(session.close());
+    // The spans are those of the new text, and what was done before saving can still be undone.
+    ASSERT_TRUE(session.undo());
+    ASSERT_TRUE(session.undo());
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_EQ(project.read("s.kez"), kOld);
+    EXPECT_THAT(prompt.texts(), IsEmpty());
+    EXPECT_EQ(host.calls.find("changed"), std::string::npos);
+}
+
+TEST_F(Session, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
+    const std::string path = suite.write("templates/t.kez", kOld);
+    ASSERT_TRUE(session.open(path));
+    set("Range", "11");
+    host.calls.clear();
+    host.refuses = true;
+    EXPECT_EQ(session.save(), SaveResult::Failed);
+    host.refuses = false;
+    EXPECT_EQ(session.script().scriptPath, path);
+    host.calls.clear();
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_EQ(host.calls, "copy changed endlist ");
+    EXPECT_EQ(suite.read("templates/t.kez"), kOld);
+    EXPECT_THAT(project.read("t.kez"), HasSubstr("range = 11;"));
+    EXPECT_THAT(project.names(), ElementsAre("t.kez", "t.kez.zoka"));
+    EXPECT_EQ(session.script().scriptPath, project.path("t.kez"));
+    // Another script of that name in the project is not overwritten unasked.
+    ASSERT_TRUE(session.open(path));
+    set("Range", "12");
+    prompt.answers = {PromptAnswer::No};
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_THAT(project.read("t.kez"), HasSubstr("range = 11;"));
+}
+
+TEST_F(Session, ChangesFromOutsideAreSettledBeforeSaving) {
+    std::string other = kOld;
+    other.replace(other.find("string gone = \"a\""), 17, "string gone = \"theirs\"");
+    open();
+    set("Range", "11");
+    project.write("s.kez", other);
+    prompt.answers = {PromptAnswer::Cancel, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_EQ(project.read("s.kez"), other);
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 11;"));
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("\"theirs\""));
+    // Overwriting leaves the script as it was loaded, with the changes.
+    set("Range", "12");
+    project.write("s.kez", "other");
+    prompt.answers = {PromptAnswer::No};
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 12;"));
+    // A value without a place in the new text stops the saving.
+    set("Range", "13");
+    project.write("s.kez", "// entry: Other\nvar x = 1;\n");
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Failed);
+    ASSERT_EQ(session.unplaced().size(), 1u);
+    EXPECT_EQ(session.unplaced()[0].kept.value, "13");
+    EXPECT_EQ(project.read("s.kez"), "// entry: Other\nvar x = 1;\n");
+    EXPECT_THAT(project.read("s.kez.zoka.old"), HasSubstr("\n1\n11\n13\n\n"));
+}
+
+TEST_F(Session, AnEmptiedValueIsSavedOnlyAfterAQuestion) {
+    open();
+    set("Gone", "");
+    prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_THAT(prompt.asked[0].text, HasSubstr("\"Gone\" (line 13)"));
+    EXPECT_EQ(project.read("s.kez"), kOld);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("gone = \"\";"));
+    EXPECT_FALSE(session.canUndo());  // the rows are others now
+}
+
+TEST_F(Session, RandomEditsThroughThePanelSaveReadBackAndReverse) {
+    std::minstd_rand random(3);
+    for (const auto& [name, bytes] : sampleScripts()) {
+        SCOPED_TRACE(name);
+        open(bytes);
+        for (size_t i = 0; i < session.size(); ++i)
+            if (session.entry(i).hasValue()) session.setValue(i, otherValue(session.row(i), random));
+        if (session.changedCount() == 0) continue;
+        std::vector<std::string> values;
+        for (size_t i = 0; i < session.size(); ++i) values.push_back(session.row(i).value());
+        ASSERT_EQ(session.save(), SaveResult::Saved);
+        CustomizeSession other(host, prompt);
+        ASSERT_TRUE(other.open(project.path("s.kez")));
+        ASSERT_EQ(other.size(), values.size());
+        for (size_t i = 0; i < values.size(); ++i) ASSERT_EQ(other.row(i).value(), values[i]);
+        while (session.undo()) {
+        }
+        ASSERT_EQ(session.save(), SaveResult::Saved);
+        ASSERT_EQ(project.read("s.kez"), bytes);
+    }
+    EXPECT_THAT(prompt.texts(), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,146 @@
+#include "customize/ValueUpdate.h"
+#include "tests/customize/Samples.h"
+#include "tests/customize/SessionFixture.h"
+
+using namespace zoka;
+using namespace zoka::test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+TEST_F(Session, RestoreLoadsTheTemplatesCopy) {
+    open();
+    set("Range", "11");
+    makeTemplate(kNew);
+    prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    EXPECT_FALSE(session.restore());
+    EXPECT_EQ(project.read("s.kez"), kOld);
+    EXPECT_TRUE(session.restore());
+    EXPECT_EQ(project.read("s.kez"), kNew);
+    EXPECT_EQ(value("Range"), "20");
+    EXPECT_EQ(session.changedCount(), 0u);
+    EXPECT_THAT(prompt.texts(), ElementsAre("Restore values to default??", "Restore values to default??"));
+    EXPECT_EQ(view.calls, "raise rows front ");
+    EXPECT_THAT(project.names(), ElementsAre("s.kez"));
+}
+
+TEST_F(Session, FetchingACopyRefusesWhatIsNoCopyOfTheScript) {
+    open();
+    makeTemplate(kNew);
+    const struct {
+        std::string chosen;
+        bool refuses;
+        const char* message;  // null: none
+    } rows[] = {
+        {"", false, nullptr},
+        {project.path("S.KEZ"), false, "Same File!\nNo Update."},
+        {"s.kez", false, "Org. filename error (1127).\nNo Update."},
+        {suite.path("templates\\other.kez"), false, "Script name are not the same.\nNo Update."},
+        {suite.path("templates\\s.kez"), true, "Copy error (1128).\nNo Update."},
+    };
+    for (const auto& row : rows) {
+        host.setChosenFile(row.chosen);
+        host.refuses = row.refuses;
+        prompt.asked.clear();
+        prompt.answers = {PromptAnswer::Yes};
+        EXPECT_FALSE(session.restore());
+        EXPECT_EQ(prompt.asked.size(), row.message ? 2u : 1u);
+        if (row.message) {
+            EXPECT_EQ(prompt.asked.back().text, row.message);
+        }
+        EXPECT_EQ(project.read("s.kez"), kOld);
+        EXPECT_EQ(value("Range"), "10");
+    }
+}
+
+TEST_F(Session, UpdateMovesTheValuesIntoTheNewVersion) {
+    open();
+    set("Range", "150");
+    set("Lamp", "0");
+    set("Gone", "mine");
+    set("Free", "7");
+    set("Who", "lamp_2");
+    makeTemplate(kNew);
+    prompt.answers = {PromptAnswer::Yes};
+    ASSERT_TRUE(session.update());
+    EXPECT_THAT(
+        prompt.texts(),
+        ElementsAre(
+            "Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
+            "(Some values may be lost or overwriten)",
+            "Warning: No match found for value"));
+    EXPECT_EQ(project.read("s.kez"), kNew);  // the values are in the controls alone
+    EXPECT_EQ(value("Who"), "lamp_2");
+    EXPECT_EQ(value("Lamp"), "0");
+    EXPECT_EQ(value("Range"), "20");
+    EXPECT_EQ(session.changedCount(), 2u);
+    EXPECT_EQ(unplacedText(session.unplaced()),
+              "Range (id 1): 150 - 150 is too large (allowed: 0 to 100).\r\n"
+              "Gone (id 3): mine - the script has no entry for it\r\n"
+              "Free: 7 - entries without an id are not kept\r\n");
+    EXPECT_EQ(project.read("s.kez.zoka.old"), "1\n2\n0\n\n1\n11\n150\n\n3\n14\nmine\n\n0\nFree\t7\n");
+    EXPECT_EQ(view.calls, "raise rows front ");
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    std::string expected = kNew;
+    expected.replace(expected.find("you"), 3, "lamp_2").insert(expected.find("define"), "//");
+    EXPECT_EQ(project.read("s.kez"), expected);
+}
+
+TEST_F(Session, UpdateCarriesWhatTheValueFileCannot) {
+    const std::string lines =
+        "// entry_text: 3, 900, Words\n// id: 1\nstring words = \"one\ntwo\";\n// enable: Parts\n// id: "
+        "2\n//A;\n//B;\n\n"
+        "// entry: Count\n// id: 14\nvar count = 5;\n";
+    open(lines);
+    set("Words", "first\r\nsecond");
+    ASSERT_TRUE(session.setValue(2, "1"));
+    set("Count", "6");
+    makeTemplate("// ver: 9\n" + lines);
+    prompt.answers = {PromptAnswer::Yes};
+    ASSERT_TRUE(session.update());
+    EXPECT_EQ(value("Words"), "first\r\nsecond");
+    EXPECT_EQ(session.row(1).value(), "0");
+    EXPECT_EQ(session.row(2).value(), "1");
+    EXPECT_EQ(value("Count"), "6");
+    EXPECT_THAT(session.unplaced(), IsEmpty());
+    EXPECT_EQ(prompt.asked.size(), 1u);
+}
+
+TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
+    std::string mine = kOld;
+    mine.replace(mine.find("10;"), 2, "55");
+    const std::string original = suite.write("templates/s.kez", kNew);
+    std::string expected = kNew;
+    expected.replace(expected.find("20;"), 2, "55").insert(expected.find("define"), "//");
+    expected.replace(expected.find("you"), 3, "me");
+    bool done = false;
+    for (int failing = 1; !done; ++failing) {
+        ASSERT_LT(failing, 100);
+        for (const std::string& name : project.names()) std::filesystem::remove(project.native(name));
+        const std::string path = project.write("s.kez", mine);
+        std::string why;
+        FaultyOsFiles disk(FaultyOsFiles::nth(failing));
+        const bool updated = updateKeepingValues(path, original, why);
+        done = disk.operations() < failing;
+        EXPECT_EQ(project.read("s.kez"), updated ? expected : mine) << failing;
+        EXPECT_EQ(why.empty(), updated) << why;
+    }
+    EXPECT_EQ(project.read("s.kez.zoka"), "1\n2\n0\n\n1\n11\n55\n\n2\n8\n0\n\n5\n15\nme\n\n");
+    EXPECT_THAT(project.read("s.kez.zoka.old"), HasSubstr("\n3\n14\na\n\n"));
+}
+
+TEST_F(Session, ASwitchThatBecameAListGivesItsValueBack) {
+    const auto samples = sampleScripts();
+    std::string why;
+    const std::string path = project.write("weapon_pistol.kez", samples.at("weapon_pistol"));
+    std::vector<UnplacedValue> unplaced;
+    ASSERT_TRUE(updateKeepingValues(path, suite.write("weapon_pistol.kez", samples.at("newer/weapon_pistol")),
+                                    why, &unplaced));
+    ASSERT_EQ(unplaced.size(), 1u);
+    EXPECT_EQ(unplaced[0].kept.id, 9);
+    EXPECT_THAT(unplaced[0].reason, HasSubstr("not one of its choices"));
+}
+
+}  // namespace
