@@ -1,26 +1,12 @@
 #!/bin/sh
 # Kills `zoka scripts add`, `remove`, `update` and `restore` at every system call that changes a file, and lets every
-# such call fail once, as on a full disk; files that take no writing and folders that take no file too. Afterwards each file of the project must be the old or the new one, whole. Temporary files may
-# stay behind after a kill alone, and what failed must have said so.
+# such call fail once, as on a full disk; files that take no writing and folders that take no file too. Afterwards
+# each file of the project must be the old or the new one, whole. Temporary files may stay behind after a kill alone,
+# and what failed must have said so.
 # usage: faults.sh PATH-OF-ZOKA TEMPLATE-FOLDER. Status 77 where nothing can be traced.
-set -u
 zoka=$1
 suite=$2
-export ASAN_OPTIONS=detect_leaks=0 # the leak check can't work in a process that is traced
-strace -o /dev/null true 2>/dev/null || {
-    echo "strace can't trace here"
-    exit 77
-}
-work=$(mktemp -d) && cd "$work" || exit 1
-trap 'rm -rf "$work"' EXIT
-runs=0
-
-fail() {
-    echo "FAILED: $*"
-    ls project
-    cat output
-    exit 1
-}
+. "${0%/*}/../support/faults.sh"
 
 # Whether every file of the project is one of before/ or after/, and none is lost.
 check() { # stray-allowed what
