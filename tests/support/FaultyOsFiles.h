@@ -14,47 +14,45 @@ namespace zoka::test {
 class FaultyOsFiles : public OsFiles {
 public:
     // `n` counts all operations from 1; `op` is the operation's name ("write" and the like for open files).
-    using Rule = std::function<bool(int n, std::string_view op, const std::string& path)>;
+    using Path = const std::string&;
+    using Rule = std::function<bool(int n, std::string_view op, Path path)>;
 
     explicit FaultyOsFiles(Rule fails) : m_fails(std::move(fails)) { setOsFiles(this); }
     ~FaultyOsFiles() override { setOsFiles(nullptr); }
 
     static Rule nth(int failing) {
-        return [failing](int n, std::string_view, const std::string&) { return n == failing; };
+        return [failing](int n, std::string_view, Path) { return n == failing; };
     }
     static Rule never() { return nth(0); }
+    static Rule every(std::string_view failing) {
+        return [failing](int, std::string_view op, Path) { return op == failing; };
+    }
 
     int operations() const { return m_count; }
 
-    std::optional<OsEntry> search(const std::string& p) override {
+    std::optional<OsEntry> search(Path p) override {
         return bad("search", p) ? std::nullopt : m_real.search(p);
     }
-    std::vector<OsEntry> list(const std::string& p) override {
+    std::vector<OsEntry> list(Path p) override {
         return bad("list", p) ? std::vector<OsEntry>() : m_real.list(p);
     }
-    bool readTime(const std::string& p, FileTime* time) override {
-        return !bad("readTime", p) && m_real.readTime(p, time);
-    }
-    bool setTimes(const std::string& p, FileTime time) override {
-        return !bad("setTimes", p) && m_real.setTimes(p, time);
-    }
+    bool readTime(Path p, FileTime* time) override { return !bad("readTime", p) && m_real.readTime(p, time); }
+    bool setTimes(Path p, FileTime time) override { return !bad("setTimes", p) && m_real.setTimes(p, time); }
     std::string currentFolder() override { return bad("currentFolder", "") ? "" : m_real.currentFolder(); }
-    bool setCurrentFolder(const std::string& p) override {
+    bool setCurrentFolder(Path p) override {
         return !bad("setCurrentFolder", p) && m_real.setCurrentFolder(p);
     }
-    std::string fullPath(const std::string& p) override { return m_real.fullPath(p); }
-    bool makeFolder(const std::string& p) override { return !bad("makeFolder", p) && m_real.makeFolder(p); }
-    bool deleteFile(const std::string& p) override { return !bad("deleteFile", p) && m_real.deleteFile(p); }
-    bool deleteFolder(const std::string& p) override {
-        return !bad("deleteFolder", p) && m_real.deleteFolder(p);
-    }
-    std::FILE* openStream(const std::string& p, const char* mode) override {
+    std::string fullPath(Path p) override { return m_real.fullPath(p); }
+    bool makeFolder(Path p) override { return !bad("makeFolder", p) && m_real.makeFolder(p); }
+    bool deleteFile(Path p) override { return !bad("deleteFile", p) && m_real.deleteFile(p); }
+    bool deleteFolder(Path p) override { return !bad("deleteFolder", p) && m_real.deleteFolder(p); }
+    std::FILE* openStream(Path p, const char* mode) override {
         return bad("openStream", p) ? nullptr : m_real.openStream(p, mode);
     }
-    std::optional<std::string> readWhole(const std::string& p) override {
+    std::optional<std::string> readWhole(Path p) override {
         return bad("readWhole", p) ? std::nullopt : m_real.readWhole(p);
     }
-    std::unique_ptr<OsOutFile> openForWriting(const std::string& p, OsOpen how) override {
+    std::unique_ptr<OsOutFile> openForWriting(Path p, OsOpen how) override {
         if (bad(how == OsOpen::New        ? "openNew"
                 : how == OsOpen::Existing ? "openExisting"
                                           : "openTruncate",
@@ -64,16 +62,16 @@ public:
         auto file = m_real.openForWriting(p, how);
         return file ? std::make_unique<OutFile>(*this, p, std::move(file)) : nullptr;
     }
-    std::optional<std::string> resolveLinks(const std::string& p) override {
+    std::optional<std::string> resolveLinks(Path p) override {
         return bad("resolveLinks", p) ? std::nullopt : m_real.resolveLinks(p);
     }
-    bool replaceFile(const std::string& target, const std::string& replacement) override {
+    bool replaceFile(Path target, Path replacement) override {
         return !bad("replaceFile", target) && m_real.replaceFile(target, replacement);
     }
-    bool renameNew(const std::string& from, const std::string& to) override {
+    bool renameNew(Path from, Path to) override {
         return !bad("renameNew", to) && m_real.renameNew(from, to);
     }
-    void flushFolder(const std::string& p) override {
+    void flushFolder(Path p) override {
         if (!bad("flushFolder", p)) m_real.flushFolder(p);
     }
     std::string lastError() override { return m_injected ? "injected fault" : m_real.lastError(); }

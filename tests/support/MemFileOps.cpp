@@ -26,25 +26,17 @@ struct Model {
     }
     void write(const std::string& bytes) {
         const long count = static_cast<long>(bytes.size());
-        if (count > 0 && pos + count >= alloc) {
-            alloc += count <= 1024 ? 1024 : (count | 15) + 1;
-        }
-        for (const char c : bytes) {
-            put(c);
-        }
+        if (count > 0 && pos + count >= alloc) alloc += count <= 1024 ? 1024 : (count | 15) + 1;
+        for (const char c : bytes) put(c);
     }
     void putc(char c) {
         alloc += pos == alloc ? 1024 : 0;
         put(c);
     }
     bool seek(long off, int whence) {
-        if (whence < 0 || whence > 2 || (whence == 2 && off > 0)) {
-            return false;
-        }
+        if (whence < 0 || whence > 2 || (whence == 2 && off > 0)) return false;
         const long target = off + (whence == 0 ? 0 : whence == 1 ? pos : size());
-        if (target < 0 || target > size()) {
-            return false;
-        }
+        if (target < 0 || target > size()) return false;
         pos = target;
         return true;
     }
@@ -59,9 +51,8 @@ struct Model {
             const std::string c = take(1);
             text += c;
             if (c == "\n" || c == "\r") {
-                if (pos < size() && data[static_cast<std::size_t>(pos)] == (c == "\n" ? '\r' : '\n')) {
+                if (pos < size() && data[static_cast<std::size_t>(pos)] == (c == "\n" ? '\r' : '\n'))
                     text += take(1);
-                }
                 break;
             }
         }
@@ -74,9 +65,7 @@ public:
     Input(const std::uint8_t* data, std::size_t size) : m_data(data), m_left(size) {}
     bool empty() const { return m_left == 0; }
     std::uint8_t byte() {
-        if (m_left == 0) {
-            return 0;
-        }
+        if (m_left == 0) return 0;
         --m_left;
         return *m_data++;
     }
@@ -160,9 +149,7 @@ private:
 
     void write(long size, long n) {
         std::string bytes;
-        for (long i = 0; i < size * n; ++i) {
-            bytes += "\r\nxyz0"[m_seed++ * 7 % 11 % 6];
-        }
+        for (long i = 0; i < size * n; ++i) bytes += "\r\nxyz0"[m_seed++ * 7 % 11 % 6];
         const long done = size > 0 ? n : 0;
         compare(
             "Write",
@@ -233,14 +220,11 @@ private:
     static long number(std::size_t value) { return static_cast<long>(value); }
 
     void compare(const char* what, long got, long expected) {
-        if (got != expected && m_report.empty()) {
+        if (got != expected && m_report.empty())
             m_report = std::string(what) + " is " + std::to_string(got) + ", not " + std::to_string(expected);
-        }
     }
     void compareText(const char* what, const std::string& got, const std::string& expected) {
-        if (got != expected && m_report.empty()) {
-            m_report = std::string(what) + " differs";
-        }
+        if (got != expected && m_report.empty()) m_report = std::string(what) + " differs";
     }
 
     dmemfile_t m_file;

@@ -50,9 +50,8 @@ public:
     }
     std::vector<std::string> names() const {
         std::vector<std::string> found;
-        for (const auto& entry : std::filesystem::directory_iterator(m_native)) {
+        for (const auto& entry : std::filesystem::directory_iterator(m_native))
             found.push_back(entry.path().filename().string());
-        }
         std::sort(found.begin(), found.end());
         return found;
     }

@@ -26,10 +26,9 @@ private:
 };
 
 TEST(AbsPath, FollowsTheRulesForEveryForm) {
-    struct Row {
+    const struct {
         const char *folder, *name, *expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"C:\\a\\b", "x.kez", "C:\\a\\b\\x.kez"},
         {"C:\\a\\b", "", "C:\\a\\b\\"},
         {"C:\\a\\b", "D:\\x", "D:\\x"},
@@ -44,7 +43,7 @@ TEST(AbsPath, FollowsTheRulesForEveryForm) {
         {"C:\\", "..\\x", "..\\x"},
         {"\\\\server\\share", "\\x", "\\x"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const FolderAt disk(row.folder);
         EXPECT_EQ(file_t::AbsPath(row.name), row.expected) << row.name << " in " << row.folder;
     }
@@ -53,11 +52,10 @@ TEST(AbsPath, FollowsTheRulesForEveryForm) {
 }
 
 TEST(MakeDir, MakesEveryPrefixOnce) {
-    struct Row {
+    const struct {
         const char* path;
         std::vector<std::string> made;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"qq\\b\\c", {"qq", "qq\\b", "qq\\b\\c"}},
         {"Q:\\qq\\b", {"Q:\\qq", "Q:\\qq\\b"}},
         {"qq\\b\\", {"qq", "qq\\b\\"}},
@@ -66,7 +64,7 @@ TEST(MakeDir, MakesEveryPrefixOnce) {
         {"qq", {"qq"}},
         {"", {}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         FolderAt disk("C:\\");
         file_t::MakeDir(row.path);
         EXPECT_EQ(disk.made, row.made) << row.path;
@@ -127,11 +125,10 @@ TEST(FileTimes, AreSetAndRead) {
 TEST(FileTimes, PrintThroughTheDosForm) {
     constexpr std::uint64_t second = 10'000'000, day = 86'400 * second;
     constexpr std::uint64_t y1980 = 138'426 * day, y2000 = 145'731 * day, y2108 = 185'177 * day;
-    struct Row {
+    const struct {
         std::uint64_t ticks;
         const char* text;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {y1980, "01.01.1980  00:00"},
         {y1980 - 1, "01.01.1980  00:00"},
         {0, "01.01.1980  00:00"},
@@ -141,7 +138,7 @@ TEST(FileTimes, PrintThroughTheDosForm) {
         {y2108, "01.01.1980  00:00"},
         {~0ull, "01.01.1980  00:00"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const FileTime time = FileTime::fromTicks(row.ticks);
         EXPECT_EQ(file_t::ConvertFileTime(&time), row.text) << row.ticks;
     }

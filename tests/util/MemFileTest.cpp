@@ -19,9 +19,7 @@ bool g_noMemory = false;
 
 // The memory files allocate with this form alone, so a test sees and refuses what they ask for.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    if (g_noMemory) {
-        return nullptr;
-    }
+    if (g_noMemory) return nullptr;
     g_allocated += size;
     return operator new[](size);
 }
@@ -35,30 +33,25 @@ std::string contentOf(dmemfile_t& file) {
 }
 
 TEST(MemFile, GrowsByTheStepsLaidDown) {
-    struct Row {
+    const struct {
         std::size_t before;  // bytes written one by one
         std::size_t size, n;
         std::int32_t alloc;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {0, 1023, 1, 1024},  {0, 1024, 1, 2048},  // equal grows too
         {0, 0, 9, 1024},     {0, 1025, 1, 1024 + 1040},  {0, 1040, 1, 1024 + 1056}, {1000, 12, 2, 2048},
         {1000, 1, 23, 1024}, {0, 5000, 2, 1024 + 10016}, {1024, 1, 1, 2048},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         dmemfile_t file;
-        for (std::size_t i = 0; i < row.before; ++i) {
-            file.Putc('p');
-        }
+        for (std::size_t i = 0; i < row.before; ++i) file.Putc('p');
         const std::string bytes(row.size * row.n, 'w');
         EXPECT_EQ(file.Write(bytes.data(), row.size, row.n), row.size ? row.n : 0);
         EXPECT_EQ(dmemfile_peek::alloc(file), row.alloc) << row.before << " + " << row.size << " * " << row.n;
         EXPECT_EQ(contentOf(file), std::string(row.before, 'p') + bytes);
     }
     dmemfile_t file;
-    for (int i = 0; i < 1024; ++i) {
-        EXPECT_EQ(file.Putc(i), i);
-    }
+    for (int i = 0; i < 1024; ++i) EXPECT_EQ(file.Putc(i), i);
     EXPECT_EQ(dmemfile_peek::alloc(file), 1024) << "Putc fills the buffer to its end";
     file.Putc('x');
     EXPECT_EQ(dmemfile_peek::alloc(file), 2048);
@@ -116,12 +109,11 @@ TEST(MemFile, KeepsItsContentWhenMemoryRunsOut) {
 }
 
 TEST(MemFile, EndsLines) {
-    struct Row {
+    const struct {
         std::string data;
         int n;
         std::vector<std::string> lines;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"a\r\nb", 10, {"a\r\n", "b"}},
         {"a\n\rb", 10, {"a\n\r", "b"}},
         {"a\rb", 10, {"a\r", "b"}},
@@ -133,30 +125,27 @@ TEST(MemFile, EndsLines) {
         {"a\r", 3, {"a\r"}},
         {"ab", 1, {}},  // no room for a byte
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         dmemfile_t file;
         file.Write(row.data.data(), row.data.size(), 1);
         file.Seek(0, SEEK_SET);
         std::vector<std::string> lines;
         std::vector<char> buffer(static_cast<std::size_t>(row.n) + 1);
-        while (const char* line = file.Gets(buffer.data(), row.n)) {
-            lines.push_back(line);
-        }
+        while (const char* line = file.Gets(buffer.data(), row.n)) lines.push_back(line);
         EXPECT_EQ(lines, row.lines) << testing::PrintToString(row.data) << " by " << row.n;
     }
 }
 
 TEST(MemFile, SeeksWithinItsLength) {
-    struct Row {
+    const struct {
         long off;
         int whence;
         long pos;  // -1: fails
-    };
-    const Row rows[] = {{0, 0, 0},  {10, 0, 10}, {11, 0, -1},         {-1, 0, -1},
-                        {5, 1, 9},  {-4, 1, 0},  {-5, 1, -1},         {7, 1, -1},
-                        {0, 2, 10}, {-10, 2, 0}, {-11, 2, -1},        {5, 2, -1},
-                        {0, 3, -1}, {0, -1, -1}, {0x7fffffff, 1, -1}, {-0x7fffffff - 1, 2, -1}};
-    for (const Row& row : rows) {
+    } rows[] = {{0, 0, 0},  {10, 0, 10}, {11, 0, -1},         {-1, 0, -1},
+                {5, 1, 9},  {-4, 1, 0},  {-5, 1, -1},         {7, 1, -1},
+                {0, 2, 10}, {-10, 2, 0}, {-11, 2, -1},        {5, 2, -1},
+                {0, 3, -1}, {0, -1, -1}, {0x7fffffff, 1, -1}, {-0x7fffffff - 1, 2, -1}};
+    for (const auto& row : rows) {
         dmemfile_t file;
         file.Write("0123456789", 10, 1);
         file.Seek(4, SEEK_SET);
@@ -197,9 +186,7 @@ TEST(MemFile, OddEnds) {
 
     // Its own memory as the source of a write that moves that memory.
     file.Seek(0, SEEK_END);
-    for (int i = 0; i < 12; ++i) {
-        file.Write(file.GetMemPtr(), static_cast<std::size_t>(file.GetLen()), 1);
-    }
+    for (int i = 0; i < 12; ++i) file.Write(file.GetMemPtr(), static_cast<std::size_t>(file.GetLen()), 1);
     EXPECT_EQ(file.GetLen(), 5 << 12);
     EXPECT_EQ(contentOf(file).substr((5 << 12) - 10), "againagain");
 }
@@ -268,14 +255,12 @@ TEST(FixedMemFile, OwnsOrBorrowsItsBlock) {
 TEST(FixedMemFile, ViewsStayInside) {
     dmemfile_t file;
     file.Puts("0123456789");
-    struct Row {
+    const struct {
         long len, offset;
         const char* content;  // null: refused
-    };
-    const Row rows[] = {
-        {-1, 0, "0123456789"}, {3, 7, "789"},    {0, 10, ""},      {4, 7, nullptr},
-        {-1, 1, nullptr},      {3, -1, nullptr}, {-2, 0, nullptr}, {0x7fffffff, 0x7fffffff, nullptr}};
-    for (const Row& row : rows) {
+    } rows[] = {{-1, 0, "0123456789"}, {3, 7, "789"},    {0, 10, ""},      {4, 7, nullptr},
+                {-1, 1, nullptr},      {3, -1, nullptr}, {-2, 0, nullptr}, {0x7fffffff, 0x7fffffff, nullptr}};
+    for (const auto& row : rows) {
         const std::unique_ptr<file_t> view(file.create_part("v", row.len, row.offset));
         ASSERT_EQ(view != nullptr, row.content != nullptr) << row.len << " at " << row.offset;
         if (view) {
@@ -296,13 +281,9 @@ TEST(MemFile, AgreesWithItsModel) {
     std::mt19937 random(42);
     for (int round = 0; round < 400; ++round) {
         std::vector<std::uint8_t> operations(random() % 600);
-        for (auto& byte : operations) {
-            byte = static_cast<std::uint8_t>(random());
-        }
+        for (auto& byte : operations) byte = static_cast<std::uint8_t>(random());
         // Small numbers half of the time: a large one in every second operation rarely meets a limit.
-        for (std::size_t i = 2; round % 2 && i < operations.size(); i += 3) {
-            operations[i] = 0;
-        }
+        for (std::size_t i = 2; round % 2 && i < operations.size(); i += 3) operations[i] = 0;
         ASSERT_EQ(zoka::test::runMemFileOps(operations.data(), operations.size()), "") << "round " << round;
     }
 }

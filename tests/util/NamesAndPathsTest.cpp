@@ -9,22 +9,18 @@ namespace {
 using namespace zoka;
 
 TEST(PathRules, JoinsWithOneSeparator) {
-    struct Row {
+    const struct {
         const char *folder, *name, *joined;
-    };
-    const Row rows[] = {{"C:\\a", "b", "C:\\a\\b"}, {"C:\\a\\", "b", "C:\\a\\b"},
-                        {"C:/a/", "b", "C:/a/b"},   {"C:\\", "b", "C:\\b"},
-                        {"", "b", "\\b"},           {"a", "", "a\\"}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(joinPath(row.folder, row.name), row.joined);
-    }
+    } rows[] = {{"C:\\a", "b", "C:\\a\\b"}, {"C:\\a\\", "b", "C:\\a\\b"},
+                {"C:/a/", "b", "C:/a/b"},   {"C:\\", "b", "C:\\b"},
+                {"", "b", "\\b"},           {"a", "", "a\\"}};
+    for (const auto& row : rows) EXPECT_EQ(joinPath(row.folder, row.name), row.joined);
 }
 
 TEST(PathRules, SplitsIntoPartsThatMakeThePath) {
-    struct Row {
+    const struct {
         const char *path, *drive, *folder, *name, *ext, *folderOf;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"C:\\a\\b.kez", "C:", "\\a\\", "b", ".kez", "C:\\a"},
         {"C:\\b.kez", "C:", "\\", "b", ".kez", "C:\\"},
         {"C:b", "C:", "", "b", "", "C:"},
@@ -38,7 +34,7 @@ TEST(PathRules, SplitsIntoPartsThatMakeThePath) {
         {"", "", "", "", "", ""},
         {"C:", "C:", "", "", "", "C:"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const PathParts parts = splitPath(row.path);
         EXPECT_EQ(parts.drive, row.drive) << row.path;
         EXPECT_EQ(parts.folder, row.folder) << row.path;
@@ -51,11 +47,10 @@ TEST(PathRules, SplitsIntoPartsThatMakeThePath) {
 }
 
 TEST(PathRules, Normalizes) {
-    struct Row {
+    const struct {
         const char *path, *normal;
         bool absolute;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"C:\\a\\.\\b\\..\\c", "C:\\a\\c", true},
         {"C:/a//b/", "C:\\a\\b\\", true},
         {"C:\\..\\..\\a", "C:\\a", true},
@@ -69,18 +64,17 @@ TEST(PathRules, Normalizes) {
         {"", "", false},
         {".", "", false},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(normalizePath(row.path), row.normal) << row.path;
         EXPECT_EQ(isAbsolute(row.path), row.absolute) << row.path;
     }
 }
 
 TEST(PathRules, MatchesWildcards) {
-    struct Row {
+    const struct {
         const char *pattern, *name;
         bool matches;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"*", "", true},
         {"*.*", "nodot", true},
         {"*.kez", "A.KEZ", true},
@@ -96,9 +90,8 @@ TEST(PathRules, MatchesWildcards) {
         {"a**", "a", true},
         {"\xe4", "\xc4", false},  // letters beyond A-Z depend on a locale we don't ask
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(matchesWildcard(row.pattern, row.name), row.matches) << row.pattern << " on " << row.name;
-    }
     EXPECT_TRUE(lessNoCase("a", "B"));
     EXPECT_TRUE(lessNoCase("A", "a")) << "an order for every two names";
     EXPECT_FALSE(lessNoCase("a", "A"));
@@ -130,9 +123,7 @@ TEST(FileNames, PartsAreReplaced) {
 
 TEST(FileNames, FinderGivesSortedMatches) {
     const zoka::test::TempFolder folder;
-    for (const char* name : {"b.kez", "A.kez", "c.html", "d.htm"}) {
-        folder.write(name, name);
-    }
+    for (const char* name : {"b.kez", "A.kez", "c.html", "d.htm"}) folder.write(name, name);
     std::filesystem::create_directory(folder.native("z.kez"));
     EXPECT_TRUE(dname_t(folder.path("z.kez").c_str()).Exist());
 

@@ -11,12 +11,11 @@ namespace {
 using namespace zoka;
 
 TEST(ConsolePrompt, UnderstandsAnswers) {
-    struct Row {
+    const struct {
         PromptButtons buttons;
         const char* input;
         PromptAnswer answer;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {PromptButtons::Ok, "", PromptAnswer::Ok},
         {PromptButtons::OkCancel, "ok\n", PromptAnswer::Ok},
         {PromptButtons::OkCancel, "c\n", PromptAnswer::Cancel},
@@ -29,7 +28,7 @@ TEST(ConsolePrompt, UnderstandsAnswers) {
         {PromptButtons::YesNoCancel, "cancel\n", PromptAnswer::Cancel},
         {PromptButtons::YesNoCancel, "", PromptAnswer::Cancel},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::istringstream in(row.input);
         std::ostringstream out;
         EXPECT_EQ(ConsolePrompt(in, out, false).ask("Save?", "ZOKA", row.buttons, PromptIcon::None),

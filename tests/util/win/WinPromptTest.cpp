@@ -20,9 +20,7 @@ HWND findOwnDialog() {
     for (HWND box = nullptr; (box = FindWindowExA(nullptr, box, "#32770", nullptr));) {
         DWORD process = 0;
         GetWindowThreadProcessId(box, &process);
-        if (process == GetCurrentProcessId()) {
-            return box;
-        }
+        if (process == GetCurrentProcessId()) return box;
     }
     return nullptr;
 }
@@ -47,12 +45,11 @@ void pressButton(const char* title, WPARAM command) {
 }
 
 TEST(WinPrompt, AnswersAsTheUserDoes) {
-    struct Row {
+    const struct {
         PromptButtons buttons;
         WPARAM command;
         PromptAnswer answer;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {PromptButtons::Ok, IDOK, PromptAnswer::Ok},
         {PromptButtons::OkCancel, IDCANCEL, PromptAnswer::Cancel},
         {PromptButtons::YesNo, IDYES, PromptAnswer::Yes},
@@ -60,7 +57,7 @@ TEST(WinPrompt, AnswersAsTheUserDoes) {
         {PromptButtons::YesNoCancel, IDCANCEL, PromptAnswer::Cancel},
     };
     int number = 0;
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const std::string title = "ZOKA prompt test " + std::to_string(++number);
         std::thread user([&] { pressButton(title.c_str(), row.command); });
         EXPECT_EQ(WinPrompt().ask("text", title, row.buttons, PromptIcon::Warning), row.answer) << title;
