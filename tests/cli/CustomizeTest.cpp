@@ -26,14 +26,11 @@ struct Customize : testing::Test {
 };
 
 TEST_F(Customize, ListsAndGetsValues) {
-    ToolRun run = folder.run("customize list s.kez");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "\nRange\n4\tFar end = 10\t(allowed: 0 to 100)\n5\tLamp = 0\n-\tName = caf\xE9\n");
-    run = folder.run("customize get s.kez \"far END\" 5 name");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "10\n0\ncaf\xE9\n");
-    run = folder.run("customize list s.kez --json");
-    const json all = json::parse(run.out);
+    EXPECT_EQ(
+        folder.run("customize list s.kez"),
+        (ToolRun{0, "\nRange\n4\tFar end = 10\t(allowed: 0 to 100)\n5\tLamp = 0\n-\tName = caf\xE9\n"}));
+    EXPECT_EQ(folder.run("customize get s.kez \"far END\" 5 name"), (ToolRun{0, "10\n0\ncaf\xE9\n"}));
+    const json all = json::parse(folder.run("customize list s.kez --json").out);
     EXPECT_EQ(all["version"], 2);
     EXPECT_EQ(all["entries"][1]["maximum"], 100);
     EXPECT_EQ(all["entries"][3]["value"], "caf\xC3\xA9");
@@ -58,9 +55,8 @@ TEST_F(Customize, SetsValuesAllOrNone) {
     }
     ToolRun run = folder.run("customize set s.kez 4=11 lamp=1 --dry-run");
     EXPECT_EQ(run.status, 0);
-    EXPECT_THAT(run.out, HasSubstr("-var far_end = 10;"));
-    EXPECT_THAT(run.out, HasSubstr("+var far_end = 11;"));
-    EXPECT_THAT(run.out, HasSubstr("+define LAMP;"));
+    for (const char* line : {"-var far_end = 10;", "+var far_end = 11;", "+define LAMP;"})
+        EXPECT_THAT(run.out, HasSubstr(line));
     EXPECT_EQ(folder.read("s.kez"), kScript);
     run = folder.run("customize set s.kez 4=11");
     EXPECT_EQ(run.status, 0) << run.err;
@@ -71,11 +67,9 @@ TEST_F(Customize, SetsValuesAllOrNone) {
 TEST_F(Customize, ComparesResetsAndUpdatesByTheTemplate) {
     std::filesystem::create_directory(folder.path("t"));
     folder.write("t/s.kez", with("= 10", "= 20"));
-    ToolRun run = folder.run("customize diff s.kez -t t");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, "4\tFar end: 10 (there 20)\n");
+    EXPECT_EQ(folder.run("customize diff s.kez -t t"), (ToolRun{1, "4\tFar end: 10 (there 20)\n"}));
     EXPECT_EQ(folder.run("customize diff s.kez -t s.kez").status, 0);
-    run = folder.run("customize update s.kez -t t");
+    ToolRun run = folder.run("customize update s.kez -t t");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(folder.read("s.kez"), kScript);  // the value was kept
     run = folder.run("customize reset s.kez 4 -t t");
@@ -97,11 +91,10 @@ TEST_F(Customize, ComparesResetsAndUpdatesByTheTemplate) {
 }
 
 TEST_F(Customize, ExportsAndImportsValueFiles) {
-    ToolRun run = folder.run("customize export s.kez -o -");
-    EXPECT_EQ(run.out, "1\n2\n0\n\n4\n11\n10\n\n5\n8\n0\n\n");
+    EXPECT_EQ(folder.run("customize export s.kez -o -").out, "1\n2\n0\n\n4\n11\n10\n\n5\n8\n0\n\n");
     EXPECT_EQ(folder.run("customize export s.kez -o ./S.KEZ").status, 2);
     EXPECT_EQ(folder.read("s.kez"), kScript);
-    run = folder.run("customize import s.kez -i -", "1\n2\n0\n\n4\n11\n33\n\n9\n8\n0\n\n");
+    const ToolRun run = folder.run("customize import s.kez -i -", "1\n2\n0\n\n4\n11\n33\n\n9\n8\n0\n\n");
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.err, HasSubstr("id 9"));
     EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 33"));
@@ -114,14 +107,11 @@ TEST_F(Customize, ExportsAndImportsValueFiles) {
 
 TEST_F(Customize, ChecksWholeFolders) {
     folder.write("bad.kez", "// entri: A\r\nvar x = 1;\r\n");
-    ToolRun run = folder.run("customize check .");
+    const ToolRun run = folder.run("customize check .");
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.out, HasSubstr("bad.kez:1: \"entri\" is no keyword; is \"entry\" meant?"));
-    run = folder.run("customize check . --json");
-    EXPECT_EQ(json::parse(run.out).size(), 1u);
-    run = folder.run("customize check s.kez");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(json::parse(folder.run("customize check . --json").out).size(), 1u);
+    EXPECT_EQ(folder.run("customize check s.kez"), (ToolRun{0}));
     EXPECT_EQ(folder.run("customize check s.kez none.kez").status, 3);
 }
 

@@ -3,43 +3,33 @@
 
 #include "tests/cli/Tool.h"
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
 
 TEST(Usage, VersionIsOneLine) {
-    const ToolRun run = ToolFolder().run("--version");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "zoka " ZOKA_VERSION "\n");
-    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(ToolFolder().run("--version"), (ToolRun{0, "zoka " ZOKA_VERSION "\n"}));
 }
 
 TEST(Usage, EveryCommandHasHelpWithAnExampleAndTheExitCodes) {
-    const struct {
-        const char* arguments;
-        const char* example;
-    } rows[] = {
-        {"--help", "zoka xml check "},
-        {"-h", "zoka xml check "},
-        {"xml --help", "zoka xml check "},
-        {"xml check --help", "zoka xml check "},
-        {"xml format --help", "zoka xml format "},
+    const auto expectHelp = [](const std::string& arguments, const std::string& example) {
+        const ToolRun run = ToolFolder().run(arguments);
+        EXPECT_EQ(run, (ToolRun{0, run.out})) << arguments;
+        EXPECT_THAT(run.out, HasSubstr("Example:\n  zoka " + example)) << arguments;
+        EXPECT_THAT(run.out, HasSubstr("Exit codes:\n  0  done\n")) << arguments;
     };
-    for (const auto& row : rows) {
-        const ToolRun run = ToolFolder().run(row.arguments);
-        EXPECT_EQ(run.status, 0) << row.arguments;
-        EXPECT_EQ(run.err, "") << row.arguments;
-        EXPECT_THAT(run.out, HasSubstr(std::string("Example:\n  ") + row.example)) << row.arguments;
-        EXPECT_THAT(run.out, HasSubstr("Exit codes:\n  0  done\n")) << row.arguments;
-    }
+    for (const char* all : {"--help", "-h", "xml --help"}) expectHelp(all, "xml check ");
+    for (const std::string command :
+         {"xml check", "xml format", "catalogue", "catalogue build", "catalogue check", "catalogue list",
+          "catalogue show", "help-pages", "scripts", "scripts list", "scripts add", "scripts remove",
+          "scripts update", "scripts restore", "scripts notes", "scripts why"})
+        expectHelp(command + " --help", command);
 }
 
 TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
-    const struct {
-        const char* arguments;
-        const char* message;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"", "a command is missing"},
         {"xml", "a command is missing"},
         {"frobnicate", "frobnicate"},
@@ -54,13 +44,11 @@ TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
     };
     ToolFolder folder;
     folder.write("a.xml", "<a><b/></a>");
-    for (const auto& row : rows) {
-        const ToolRun run = folder.run(row.arguments);
-        EXPECT_EQ(run.status, 2) << row.arguments;
-        EXPECT_EQ(run.out, "") << row.arguments;
-        EXPECT_THAT(run.err, StartsWith("zoka: ")) << row.arguments;
-        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.arguments;
-        EXPECT_THAT(run.err, HasSubstr("--help")) << row.arguments;
+    for (const auto& [arguments, message] : rows) {
+        const ToolRun run = folder.run(arguments);
+        EXPECT_EQ(run, (ToolRun{2, "", run.err})) << arguments;
+        EXPECT_THAT(run.err, AllOf(StartsWith("zoka: "), HasSubstr(message), HasSubstr("--help")))
+            << arguments;
     }
     EXPECT_EQ(folder.fileCount(), 1u);
     EXPECT_EQ(folder.read("a.xml"), "<a><b/></a>");

@@ -11,14 +11,11 @@ namespace {
 
 TEST(Streams, PipesAreReadAndDevicesAreNot) {
     ToolFolder folder;
-    ToolRun run = folder.run("xml check pipe", "", "mkfifo pipe; (printf '<a><b></a>' >pipe &);");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, "pipe:1:7: Error: Unmatched end tag\n");
-    for (const char* device : {"/dev/zero", "/dev/null"}) {
-        run = folder.run("xml check " + std::string(device), "", "timeout 20");
-        EXPECT_EQ(run.status, 3);
-        EXPECT_EQ(run.err, "zoka: cannot read " + std::string(device) + ": Operation not supported\n");
-    }
+    EXPECT_EQ(folder.run("xml check pipe", "", "mkfifo pipe; (printf '<a><b></a>' >pipe &);"),
+              (ToolRun{1, "pipe:1:7: Error: Unmatched end tag\n"}));
+    for (const std::string device : {"/dev/zero", "/dev/null"})
+        EXPECT_EQ(folder.run("xml check " + device, "", "timeout 20"),
+                  (ToolRun{3, "", "zoka: cannot read " + device + ": Operation not supported\n"}));
     folder.write("a.xml", "<a/>");
     EXPECT_EQ(folder.run("xml format a.xml -o pipe").status, 3) << "nothing takes a pipe's place";
     EXPECT_TRUE(std::filesystem::is_fifo(folder.path("pipe")));
