@@ -2,9 +2,7 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,23 +11,6 @@
 #include "tests/support/FakeEditor.h"
 
 namespace zoka::test {
-
-// What happened, in order, from any thread.
-class EventLog {
-public:
-    void add(const std::string& event) {
-        const std::lock_guard lock(m_mutex);
-        m_events.push_back(event);
-    }
-    std::vector<std::string> take() {
-        const std::lock_guard lock(m_mutex);
-        return std::exchange(m_events, {});
-    }
-
-private:
-    std::mutex m_mutex;
-    std::vector<std::string> m_events;
-};
 
 struct FakeDialog : PanelDialog {
     FakeDialog(EventLog& log, std::string itsName) : name(std::move(itsName)), m_log(log) {}
@@ -53,8 +34,7 @@ public:
             return false;
         }
         m_thread = std::thread([this] {
-            std::unique_lock lock(m_mutex);
-            m_wake.wait(lock, [this] { return m_closing; });
+            m_closing.wait(false);
             // Long enough for a terminate that doesn't wait to be seen.
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
             m_log.add("closed " + m_name);
@@ -63,21 +43,17 @@ public:
         return true;
     }
     void requestClose() override {
-        const std::lock_guard lock(m_mutex);
         m_closing = true;
-        m_wake.notify_all();
+        m_closing.notify_all();
     }
     bool bringToFront() override {
-        const std::lock_guard lock(m_mutex);
         // A closing panel is not noted: whether it is asked before or after it has closed is a matter of luck.
         if (m_closing) return false;
         m_log.add("front " + m_name);
         return true;
     }
     void waitUntilGone() override {
-        if (m_thread.joinable()) {
-            m_thread.join();
-        }
+        if (m_thread.joinable()) m_thread.join();
     }
     void leaveForUnload() override {
         m_log.add("unload " + m_name);
@@ -90,9 +66,7 @@ private:
     PanelState& m_state;
     const std::string m_name;
     const bool m_starts;
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    bool m_closing = false;
+    std::atomic<bool> m_closing = false;
     std::thread m_thread;
 };
 

@@ -24,14 +24,10 @@ TEST(FolderHost, FindsTheMainScript) {
     };
     for (const auto& row : rows) {
         const TempFolder folder;
-        for (const std::string& name : row.files) {
-            folder.write(name, "");
-        }
+        for (const std::string& name : row.files) folder.write(name, "");
         FolderHost host({.project = folder.path(), .suite = "", .mainScript = row.given});
         auto expected = row.script;
-        if (expected && row.given.empty()) {
-            expected = folder.path(*expected);
-        }
+        if (expected && row.given.empty()) expected = folder.path(*expected);
         EXPECT_EQ(host.GetMainScriptPath(), expected) << testing::PrintToString(row.files);
     }
 }
@@ -39,10 +35,7 @@ TEST(FolderHost, FindsTheMainScript) {
 TEST(FolderHost, CopiesByteForByte) {
     const TempFolder folder;
     FolderHost host({.project = folder.path(), .suite = ""});
-    const std::string bytes(
-        "one\r\ntwo\n\0\xff"
-        "end",
-        14);
+    const std::string bytes = std::string("one\r\ntwo\n\0", 10) + "\xff";
     const std::string source = folder.write("a.kez", bytes);
     folder.write("b.kez", "old");
     EXPECT_TRUE(host.CopyFileWithSubstitutions(source, folder.path("b.kez"), {}));
@@ -88,8 +81,7 @@ TEST(FolderHost, FailedCopyLeavesTheTarget) {
     const TempFolder folder;
     FolderHost host({.project = folder.path(), .suite = ""});
     const std::string source = folder.write("a", "new"), target = folder.write("b", "old");
-    FaultyOsFiles disk(
-        [](int, std::string_view operation, const std::string&) { return operation == "write"; });
+    const FaultyOsFiles disk(FaultyOsFiles::every("write"));
     EXPECT_FALSE(host.CopyFileWithSubstitutions(source, target, {}));
     EXPECT_EQ(folder.read("b"), "old");
 }

@@ -47,22 +47,18 @@ Word byteResult(Word result) {
     return static_cast<Word>(0xabcdef00u | static_cast<unsigned>(result));
 }
 
-Word ZOKA_HOST_MEMBER createMainScript(RawHost* host) {
-    return host->calls.push_back("create"), 0;
+// An operation that takes and gives nothing, by its slot.
+template <int slot>
+Word ZOKA_HOST_MEMBER note(RawHost* host) {
+    return host->calls.push_back("slot " + std::to_string(slot)), 0;
 }
 Word ZOKA_HOST_MEMBER mainScriptPath(RawHost* host, char* buffer, Word size) {
     host->calls.push_back("script " + std::to_string(size));
     return host->fill(buffer, size);
 }
-Word ZOKA_HOST_MEMBER mainScriptChanged(RawHost* host) {
-    return host->calls.push_back("changed"), 0;
-}
 Word ZOKA_HOST_MEMBER listItemName(RawHost* host, Word index, char* buffer, Word size) {
     host->calls.push_back("item " + std::to_string(index) + " " + std::to_string(size));
     return host->fill(buffer, size);
-}
-Word ZOKA_HOST_MEMBER endListUpdate(RawHost* host) {
-    return host->calls.push_back("end list"), 0;
 }
 Word ZOKA_HOST_MEMBER chooseFile(RawHost* host, char* buffer, Word size, Word mode, const char* topic) {
     host->calls.push_back("choose " + std::string(buffer) + " " + std::to_string(mode) + " " + topic);
@@ -90,9 +86,7 @@ Word ZOKA_HOST_MEMBER copyWithSubstitutions(RawHost* host, const char* source, c
     expectBuffer(source);
     expectBuffer(target);
     std::string call = "substitute " + std::string(source) + " " + target;
-    for (; list && list->find; ++list) {
-        call += " " + std::string(list->find) + "=" + list->replacement;
-    }
+    for (; list && list->find; ++list) call += " " + std::string(list->find) + "=" + list->replacement;
     host->calls.push_back(call + (list ? " end" : " null"));
     return byteResult(host->result);
 }
@@ -114,11 +108,11 @@ Word ZOKA_HOST_MEMBER executeCommand(RawHost* host, Word zero, Word command, voi
 class Adapter : public testing::Test {
 protected:
     Adapter() {
-        table[1] = reinterpret_cast<void*>(createMainScript);
+        table[1] = reinterpret_cast<void*>(note<1>);
         table[4] = reinterpret_cast<void*>(mainScriptPath);
-        table[5] = reinterpret_cast<void*>(mainScriptChanged);
+        table[5] = reinterpret_cast<void*>(note<5>);
         table[13] = reinterpret_cast<void*>(listItemName);
-        table[14] = reinterpret_cast<void*>(endListUpdate);
+        table[14] = reinterpret_cast<void*>(note<14>);
         table[15] = reinterpret_cast<void*>(chooseFile);
         table[16] = reinterpret_cast<void*>(projectFolder);
         table[17] = reinterpret_cast<void*>(copyToFolder);
@@ -146,7 +140,7 @@ TEST_F(Adapter, CallsEachOperationByItsSlot) {
     EXPECT_EQ(editor.QueryFolder(CmdGetTemplateSubfolder), "C:\\p");
     EXPECT_TRUE(editor.OpenMap("C:\\p\\map.zlm"));
     EXPECT_THAT(host.calls,
-                ElementsAre("create", "script 260", "changed", "item 3 64", "end list",
+                ElementsAre("slot 1", "script 260", "slot 5", "item 3 64", "slot 14",
                             "choose C:\\t\\a.kez 2 template_6", "folder 260", "copy C:\\a.kez C:\\p 260",
                             "substitute a b ONE=TWO end", "substitute a b null", "command 0 1 16: 12 0 260",
                             "command 0 8 12 C:\\p\\map.zlm"));

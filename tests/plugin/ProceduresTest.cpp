@@ -23,9 +23,10 @@ class Procedures : public testing::Test {
 protected:
     Procedures() { app.editor = this; }
 
-    std::int32_t run(int index, HostContext* context = nullptr) {
-        return g_procDefs[index].execute(&g_procDefs[index], context, &busy);
+    std::int32_t run(int index, std::int32_t* word, HostContext* context = nullptr) {
+        return g_procDefs[index].execute(&g_procDefs[index], context, word);
     }
+    std::int32_t run(int index) { return run(index, &busy); }
     std::int32_t terminate(int index) { return g_procDefs[index].terminate(); }
 
     ScriptedPrompt prompt;
@@ -34,21 +35,21 @@ protected:
     std::int32_t busy = 7;  // neither of the values that the procedures write
 };
 
+struct Initialised : Procedures {
+    Initialised() { EXPECT_EQ(PIInitialize(&app), 1); }
+};
+
 TEST_F(Procedures, NothingIsHandedOutBeforeInitialisation) {
-    for (const int index : {-1, 0, 3, 4}) {
-        EXPECT_EQ(PIGetProcDef(index), nullptr) << index;
-    }
+    for (const int index : {-1, 0, 3, 4}) EXPECT_EQ(PIGetProcDef(index), nullptr) << index;
     EXPECT_EQ(PIInitialize(nullptr), 0);
     EXPECT_EQ(PIGetProcDef(0), nullptr);
     EXPECT_THAT(prompt.texts(), ElementsAre("No AppInterface (ec11-1)"));
 }
 
-TEST_F(Procedures, RecordsAreTheFourOfTheTable) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, RecordsAreTheFourOfTheTable) {
     const struct {
         unsigned flags, kind, id;
-        const char* name;
-        const char* menuPath;
+        const char *name, *menuPath;
         bool terminates;
     } rows[] = {{0, 2, 0x84, "KEZ Customize", nullptr, true},
                 {0, 1, 0x85, "Add Script", nullptr, false},
@@ -69,9 +70,7 @@ TEST_F(Procedures, RecordsAreTheFourOfTheTable) {
         // The host reads words, by position.
         const auto* const words = reinterpret_cast<const std::uintptr_t*>(record);
         EXPECT_EQ(words[8], reinterpret_cast<std::uintptr_t>(record));
-        for (const int reserved : {5, 6, 7, 11, 12}) {
-            EXPECT_EQ(words[reserved], 0u) << reserved;
-        }
+        for (const int reserved : {5, 6, 7, 11, 12}) EXPECT_EQ(words[reserved], 0u) << reserved;
     }
     EXPECT_EQ(PIGetProcDef(-1), nullptr);
     EXPECT_EQ(PIGetProcDef(4), nullptr);
@@ -128,16 +127,14 @@ TEST_F(Procedures, MissingPreconditionsChangeNothing) {
         prompt.asked.clear();
         g_appInterface = row.missing == kApp ? nullptr : &app;
         app.editor = row.missing == kEditor ? nullptr : this;
-        auto& record = g_procDefs[row.index];
-        EXPECT_EQ(record.execute(&record, nullptr, row.missing == kFlags ? nullptr : &busy), 0);
+        EXPECT_EQ(run(row.index, row.missing == kFlags ? nullptr : &busy), 0);
         EXPECT_EQ(busy, 7);
         EXPECT_EQ(prompt.texts(), row.texts);
         EXPECT_THAT(seams.log.take(), IsEmpty());
     }
 }
 
-TEST_F(Procedures, TerminateReturnsWhenThePanelIsGone) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, TerminateReturnsWhenThePanelIsGone) {
     for (const int index : {kCustomize, kBehavior}) {
         SCOPED_TRACE(g_procDefs[index].name);
         EXPECT_EQ(terminate(index), 1);  // idle
@@ -152,8 +149,7 @@ TEST_F(Procedures, TerminateReturnsWhenThePanelIsGone) {
     EXPECT_EQ(g_behaviorDialog, nullptr);
 }
 
-TEST_F(Procedures, PanelClosedByTheUserCanBeOpenedAgain) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, PanelClosedByTheUserCanBeOpenedAgain) {
     for (const int index : {kCustomize, kBehavior}) {
         run(index);
         seams.closeByUser();
@@ -164,17 +160,16 @@ TEST_F(Procedures, PanelClosedByTheUserCanBeOpenedAgain) {
     EXPECT_THAT(seams.log.take(),
                 ElementsAre("start customize 1001", "closed customize 1001", "free customize",
                             "start customize 1001", "closed customize 1001",  //
-                            "start plain  1001", "closed plain  1001", "free plain ",
-                            "start plain  1001", "closed plain  1001", "free plain "));
+                            "start plain  1001", "closed plain  1001", "free plain ", "start plain  1001",
+                            "closed plain  1001", "free plain "));
 }
 
-TEST_F(Procedures, SecondExecuteBringsTheOpenPanelToTheFront) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, SecondExecuteBringsTheOpenPanelToTheFront) {
     run(kCustomize);
     run(kCustomize);
     EXPECT_EQ(busy, 1);
     std::int32_t other = 7;
-    g_procDefs[kCustomize].execute(&g_procDefs[kCustomize], nullptr, &other);
+    run(kCustomize, &other);
     EXPECT_EQ(other, 0);  // that call is done; the panel keeps the first word
     EXPECT_EQ(busy, 1);
     terminate(kCustomize);
@@ -183,8 +178,7 @@ TEST_F(Procedures, SecondExecuteBringsTheOpenPanelToTheFront) {
                                               "front customize 1001", "closed customize 1001"));
 }
 
-TEST_F(Procedures, ThreadThatCannotStartLeavesNothingBusy) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, ThreadThatCannotStartLeavesNothingBusy) {
     seams.threadStarts = false;
     for (const int index : {kCustomize, kBehavior}) {
         EXPECT_EQ(run(index), 0);
@@ -194,9 +188,8 @@ TEST_F(Procedures, ThreadThatCannotStartLeavesNothingBusy) {
     EXPECT_EQ(prompt.asked.size(), 2u);
 }
 
-TEST_F(Procedures, BehaviorPanelNeedsAProjectThatDefinesIt) {
+TEST_F(Initialised, BehaviorPanelNeedsAProjectThatDefinesIt) {
     const TempFolder folder;
-    ASSERT_EQ(PIInitialize(&app), 1);
     const struct {
         bool projectFile, defined, context;
         const char* dialog;
@@ -210,7 +203,7 @@ TEST_F(Procedures, BehaviorPanelNeedsAProjectThatDefinesIt) {
         seams.prepareEditor = [&](FakeEditor& editor) { editor.mainScript = script; };
         seams.definesBehavior = row.defined;
         HostContext context{0, "Door17", nullptr};
-        run(kBehavior, row.context ? &context : nullptr);
+        run(kBehavior, &busy, row.context ? &context : nullptr);
         EXPECT_EQ(context.taken, std::string(row.dialog).find("panel") == std::string::npos ? 0 : 1);
         EXPECT_EQ(seams.log.take().front(), row.dialog);
         terminate(kBehavior);
@@ -218,9 +211,8 @@ TEST_F(Procedures, BehaviorPanelNeedsAProjectThatDefinesIt) {
     }
 }
 
-TEST_F(Procedures, AddScriptChecksBeforeItOpensItsDialog) {
+TEST_F(Initialised, AddScriptChecksBeforeItOpensItsDialog) {
     const TempFolder folder;
-    ASSERT_EQ(PIInitialize(&app), 1);
     const std::string withProject = folder.path("with.kez"), without = folder.path("main.kez");
     const std::string project = folder.write("with.xml", "<Project/>");
     folder.write("template_6.xml", "");
@@ -245,7 +237,7 @@ TEST_F(Procedures, AddScriptChecksBeforeItOpensItsDialog) {
         seams.whileModal = [&] {
             EXPECT_EQ(busy, 1);
             std::int32_t other = 7;  // a message that comes meanwhile runs it again
-            EXPECT_EQ(g_procDefs[kAddScript].execute(&g_procDefs[kAddScript], nullptr, &other), 0);
+            EXPECT_EQ(run(kAddScript, &other), 0);
             EXPECT_EQ(other, 7);
         };
         EXPECT_EQ(run(kAddScript), 0);
@@ -254,12 +246,11 @@ TEST_F(Procedures, AddScriptChecksBeforeItOpensItsDialog) {
         EXPECT_EQ(seams.log.take(), row.events);
     }
     seams.whileModal = [] {};
-    EXPECT_EQ(g_procDefs[kAddScript].execute(&g_procDefs[kAddScript], nullptr, nullptr), 0);  // no busy word
+    EXPECT_EQ(run(kAddScript, nullptr), 0);  // no busy word
     EXPECT_EQ(seams.log.take().size(), 1u);
 }
 
-TEST_F(Procedures, WizardOpensTheNewMap) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, WizardOpensTheNewMap) {
     const std::string folder = "C:\\games\\";
     const std::string fits(256 - folder.size(), 'm'), tooLong = fits + "m";
     const struct {
@@ -285,11 +276,10 @@ TEST_F(Procedures, WizardOpensTheNewMap) {
     }
 }
 
-TEST_F(Procedures, ShutdownClosesBothPanelsAndForgetsTheHost) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, ShutdownClosesBothPanelsAndForgetsTheHost) {
     std::int32_t other = 0;
     run(kCustomize);
-    g_procDefs[kBehavior].execute(&g_procDefs[kBehavior], nullptr, &other);
+    run(kBehavior, &other);
     shutDownPlugin();
     EXPECT_EQ(busy, 0);
     EXPECT_EQ(other, 0);
@@ -301,8 +291,7 @@ TEST_F(Procedures, ShutdownClosesBothPanelsAndForgetsTheHost) {
     EXPECT_EQ(PIInitialize(&app), 1);
 }
 
-TEST_F(Procedures, NothingIsThrownThroughTheHost) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, NothingIsThrownThroughTheHost) {
     for (const int index : {kCustomize, kAddScript, kBehavior, kWizard}) {
         SCOPED_TRACE(g_procDefs[index].name);
         prompt.asked.clear();
@@ -320,8 +309,7 @@ TEST_F(Procedures, NothingIsThrownThroughTheHost) {
 }
 
 // A host that handles messages while the plug-in asks it something can get back into the procedure.
-TEST_F(Procedures, ReentryWhileAPanelOpensMakesNoSecondOne) {
-    ASSERT_EQ(PIInitialize(&app), 1);
+TEST_F(Initialised, ReentryWhileAPanelOpensMakesNoSecondOne) {
     for (const int index : {kCustomize, kBehavior}) {
         int deep = 0;
         seams.prepareEditor = [&](FakeEditor&) {
@@ -367,9 +355,7 @@ TEST(ProjectFile, ReplacesFourCharactersFromTheLastDot) {
                 {"main.", "main.xml"},
                 {"main", std::nullopt},
                 {"", std::nullopt}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(projectFileOf(row.script), row.project) << row.script;
-    }
+    for (const auto& row : rows) EXPECT_EQ(projectFileOf(row.script), row.project) << row.script;
 }
 
 }  // namespace

@@ -12,6 +12,23 @@
 
 namespace zoka::test {
 
+// What happened, in order, from any thread.
+class EventLog {
+public:
+    void add(const std::string& event) {
+        const std::lock_guard lock(m_mutex);
+        m_events.push_back(event);
+    }
+    std::vector<std::string> take() {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_events, {});
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<std::string> m_events;
+};
+
 // The answers are plain members, to be set before the calls. `calls` holds each call in order, as
 // "Name(argument, argument)"; calls may come from two threads. An operation whose name is in `failing` is
 // recorded and fails as a host would: nothing, false or an empty folder.
@@ -26,10 +43,7 @@ public:
     std::set<std::string> failing;
 
     // The calls so far, and from then on none.
-    std::vector<std::string> takeCalls() {
-        const std::lock_guard lock(m_mutex);
-        return std::exchange(m_calls, {});
-    }
+    std::vector<std::string> takeCalls() { return m_calls.take(); }
 
     void CreateMainScript() override { record("CreateMainScript", {}); }
     std::optional<std::string> GetMainScriptPath() override {
@@ -55,9 +69,7 @@ public:
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) override {
         std::vector<std::string> arguments = {source, destination};
-        for (const auto& [find, replacement] : substitutions) {
-            arguments.push_back(find + "->" + replacement);
-        }
+        for (const auto& [find, replacement] : substitutions) arguments.push_back(find + "->" + replacement);
         return record("CopyFileWithSubstitutions", arguments);
     }
     std::string QueryFolder(ZunCommandCode code) override {
@@ -71,16 +83,12 @@ private:
     }
     bool record(const std::string& name, const std::vector<std::string>& arguments) {
         std::string text = name + "(";
-        for (const std::string& argument : arguments) {
-            text += (text.back() == '(' ? "" : ", ") + argument;
-        }
-        const std::lock_guard lock(m_mutex);
-        m_calls.push_back(text + ")");
+        for (const std::string& argument : arguments) text += (text.back() == '(' ? "" : ", ") + argument;
+        m_calls.add(text + ")");
         return !failing.contains(name);
     }
 
-    std::mutex m_mutex;
-    std::vector<std::string> m_calls;
+    EventLog m_calls;
 };
 
 }  // namespace zoka::test
