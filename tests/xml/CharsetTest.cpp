@@ -31,9 +31,7 @@ std::string utf16(const std::u16string& text, bool bigEndian) {
 std::string readBytes(std::string_view bytes) {
     XMLResults results;
     const XMLNode node = XMLNode::parseBytes(bytes, nullptr, &results);
-    if (results.code == 0) return orNull(node.getChild("a").getText());
-    return std::to_string(results.code) + " " + std::to_string(results.line) + ":" +
-           std::to_string(results.column);
+    return node.isEmpty() ? zoka::test::verdict(node, results) : orNull(node.getChild("a").getText());
 }
 
 TEST(Charset, GuessesUtf8) {
@@ -77,8 +75,7 @@ TEST(Charset, FilesBecomeUtf8) {
     const std::u16string wide = u"<a>\u00E9\u20AC\U0001F600</a>";
     const std::string text = "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";
     const struct {
-        std::string bytes;
-        std::string result;
+        std::string bytes, result;
     } rows[] = {
         {"<a>" + text + "</a>", text},
         {kMark + ("<a>" + text + "</a>"), text},

@@ -75,11 +75,8 @@ TEST(File, WhatCannotBeWrittenIsCode16Or17AndHarmsNothing) {
     EXPECT_EQ(top.writeFile(nullptr), kXmlCannotOpenForWriting);
 
     const std::string path = folder.write("old.xml", "old");
-    const auto failing = [](std::string_view wanted) {
-        return [wanted](int, std::string_view op, const std::string&) { return op == wanted; };
-    };
     for (const char* op : {"write", "flush", "close"}) {
-        const FaultyOsFiles faulty(failing(op));
+        const FaultyOsFiles faulty(FaultyOsFiles::every(op));
         EXPECT_EQ(top.writeFile(path.c_str()), kXmlCannotWrite) << op;
         EXPECT_EQ(top.writeFile(folder.path("fresh.xml").c_str()), kXmlCannotWrite) << op;
     }
@@ -108,16 +105,14 @@ TEST(File, TheFatalLoaderStopsWithTheWholeMessage) {
         }
         return std::string("went on");
     };
-    std::string path = folder.path("none.xml");
-    EXPECT_EQ(stop(path),
-              "XML Parsing error inside file '" + path + "'.\nError: File not found\nAt line 0, column 0.\n");
-    path = folder.write("bad.xml", "<TavrixTemplate>\n\t<Script>\n</TavrixTemplate>");
-    EXPECT_EQ(stop(path), "XML Parsing error inside file '" + path +
-                              "'.\nError: Unmatched end tag\nAt line 3, column 1.\n");
-    path = folder.write("other.xml", "<Wizard>                     </Wizard>");
-    EXPECT_EQ(stop(path), "XML Parsing error inside file '" + path +
-                              "'.\nError: First Tag not found\nAt line 1, column 1.\n"
-                              "First Tag should be 'TavrixTemplate'.\n");
+    const std::pair<std::string, const char*> rows[] = {
+        {folder.path("none.xml"), "File not found\nAt line 0, column 0.\n"},
+        {folder.write("bad.xml", "<TavrixTemplate>\n\t<Script>\n</TavrixTemplate>"),
+         "Unmatched end tag\nAt line 3, column 1.\n"},
+        {folder.write("other.xml", "<Wizard>                     </Wizard>"),
+         "First Tag not found\nAt line 1, column 1.\nFirst Tag should be 'TavrixTemplate'.\n"}};
+    for (const auto& [path, message] : rows)
+        EXPECT_EQ(stop(path), "XML Parsing error inside file '" + path + "'.\nError: " + message);
     EXPECT_EQ(stop(folder.write("good.xml", "<tavrixtemplate/>")), "went on");
     EXPECT_TRUE(prompt.asked.empty());
 }

@@ -16,9 +16,7 @@ namespace {
 
 TEST(Write, FormattedAndNot) {
     const struct {
-        const char* text;
-        const char* formatted;
-        const char* plain;
+        const char *text, *formatted, *plain;
     } rows[] = {
         {"<a/>", "<a/>\n", "<a/>"},
         {"<a></a>", "<a/>\n", "<a/>"},
@@ -124,9 +122,7 @@ TEST(Write, StoredTextsReadBackEqual) {
 
 TEST(Write, WhatXmlCannotHoldIsReplacedWhenStored) {
     const struct {
-        const char* stored;
-        const char* utf8;
-        const char* platform;
+        const char *stored, *utf8, *platform;
     } rows[] = {
         {"a\x01\x1F z", "a\xEF\xBF\xBD\xEF\xBF\xBD z", "a?? z"},
         {"\xEF\xBF\xBE", "\xEF\xBF\xBD", "\xEF\xBF\xBE"},

@@ -27,14 +27,16 @@ struct WithCharset {
     ~WithCharset() { setXmlCharset(XMLCharset::Utf8); }
 };
 
-// "code line:column" of an error, "0" when the text is read.
-inline std::string verdict(const char* text, const char* tag = nullptr) {
-    XMLResults results;
-    const XMLNode node = XMLNode::parseText(text, tag, &results);
+// "code line:column" of an error, "0" when the node was read.
+inline std::string verdict(const XMLNode& node, const XMLResults& results) {
     if (node.isEmpty() != (results.code != 0)) return "node and code don't agree";
     if (results.code == 0) return "0";
     return std::to_string(results.code) + " " + std::to_string(results.line) + ":" +
            std::to_string(results.column);
+}
+inline std::string verdict(const char* text, const char* tag = nullptr) {
+    XMLResults results;
+    return verdict(XMLNode::parseText(text, tag, &results), results);
 }
 
 }  // namespace zoka::test
