@@ -65,8 +65,7 @@ TEST(PanelFilter, SearchesLabelHelpAndSectionOfChangedOnes) {
     };
     EXPECT_EQ(shown(), "111111");
     const struct {
-        const char* search;
-        const char* shown;
+        const char *search, *shown;
     } rows[] = {{"near", "011000"},           {"CAMERA metres", "011000"},
                 {"density camera", "011000"}, {"density", "011100"},
                 {"fl\xFCsse", "000011"},      {"nothing", "000000"},

@@ -154,8 +154,7 @@ TEST(Search, FindsTheNextLineThatBeginsWithTheTextAndGoesRound) {
     CLex lex = lexOver(text);
     const struct {
         int from;
-        const char* wanted;
-        const char* found;
+        const char *wanted, *found;
         int at;
     } rows[] = {
         {0, "one", "One x", 1},

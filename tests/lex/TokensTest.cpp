@@ -166,8 +166,7 @@ TEST(Walkers, EditInPlace) {
     EXPECT_EQ(CLex::DeleteChar(path, '\\'), 3);
     EXPECT_STREQ(path, "abc");
     const struct {
-        const char* text;
-        const char* cropped;
+        const char *text, *cropped;
     } rows[] = {{" \t\r\na b\r\n\t ", "a b"}, {"ab", "ab"}, {" \r\n", ""}, {"", ""}};
     for (const auto& row : rows) {
         std::string text = row.text;
