@@ -5,24 +5,15 @@
 
 #include "templates/CatalogueXml.h"
 #include "tests/support/TempFolder.h"
+#include "tests/templates/Scripts.h"
 #include "util/OsFiles.h"
 
 using namespace zoka;
+using test::Names;
+using test::script;
 using test::TempFolder;
 
 namespace {
-
-using Names = std::vector<std::string>;
-
-CScriptElm script(const std::string& name, const std::string& file, const std::string& className,
-                  const std::string& type = "USER") {
-    CScriptElm elm;
-    elm.m_name = name;
-    elm.m_filename = file;
-    elm.m_class = className;
-    elm.m_type = type;
-    return elm;
-}
 
 const std::string kStart =
     "<!-- saved from KEZ2XML -->\n<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 "
@@ -49,14 +40,12 @@ CTemplateData catalogue() {
 }  // namespace
 
 TEST(HelpPages, EditionMarks) {
-    const std::string s = "<span class=\"edition\">&nbsp;S&nbsp;</span>",
-                      e = "<span class=\"edition\">&nbsp;E&nbsp;</span>";
-    const std::string c = "<span class=\"edition\">&nbsp;C&nbsp;</span>",
-                      p = "<span class=\"edition\">&nbsp;P&nbsp;</span>\n";
-    EXPECT_EQ(editionMarks("std"), s + e + c + p);
-    EXPECT_EQ(editionMarks("Extra"), e + c + p);
-    EXPECT_EQ(editionMarks("COMM"), c + p);
-    EXPECT_EQ(editionMarks("PRO"), p);
+    std::string marks = "\n";
+    const char* const rows[][2] = {{"PRO", "P"}, {"COMM", "C"}, {"Extra", "E"}, {"std", "S"}};
+    for (const auto& [edition, letter] : rows) {
+        marks = "<span class=\"edition\">&nbsp;" + std::string(letter) + "&nbsp;</span>" + marks;
+        EXPECT_EQ(editionMarks(edition), marks);
+    }
     EXPECT_EQ(editionMarks("") + editionMarks("PROF"), "");
 }
 

@@ -3,11 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/templates/Scripts.h"
+
 using namespace zoka;
+using test::Names;
 
 namespace {
-
-using Names = std::vector<std::string>;
 
 const std::string kMark = "\xEF\xBB\xBF";
 
@@ -21,20 +22,9 @@ CLex lexerOf(const std::string& text) {
     return CLex(text.data(), static_cast<long>(text.size()));
 }
 
-struct Scan {
-    Names names;
-    long position;
-};
-Scan scan(const std::string& text) {
-    CLex lexer(text.data(), static_cast<long>(text.size()));
-    Scan result;
-    result.position = ScanIncludeBlock(lexer, result.names);
-    return result;
-}
-
 // The text with `names` included, as if no script had needs.
 std::string inserted(const std::string& text, const Names& names) {
-    CLex lexer(text.data(), static_cast<long>(text.size()));
+    CLex lexer = lexerOf(text);
     return applyInsertion(text, planInsertion(lexer, "C:\\p\\main.kez", names, {},
                                               [](const std::string&) { return ScriptFacts(); }));
 }
@@ -45,26 +35,14 @@ TEST(IncludeLine, IsRecognised) {
     struct Row {
         const char *line, *name;  // null: not an include line
     };
-    const Row rows[] = {
-        {"include <a.kez>;", "a.kez"},
-        {"  INCLUDE\t<A.kez>\r", "A.kez"},
-        {"includes <a.kez>; // why", "a.kez"},
-        {"included <a>", "a"},
-        {"include <<a>>;", "a"},
-        {"include ; <a>;", "a"},
-        {"include <>;", ""},
-        {"include <a.kez>x;", nullptr},
-        {"include<a.kez>;", nullptr},
-        {"include < a.kez >;", nullptr},
-        {"include \"a.kez\";", nullptr},
-        {"include", nullptr},
-        {"include\r<a>", nullptr},
-        {"includ <a>", nullptr},
-        {"//include <a>;", nullptr},
-        {"// include <a>;", nullptr},
-        {"", nullptr},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row :
+         {Row{"include <a.kez>;", "a.kez"}, Row{"  INCLUDE\t<A.kez>\r", "A.kez"},
+          Row{"includes <a.kez>; // why", "a.kez"}, Row{"included <a>", "a"}, Row{"include <<a>>;", "a"},
+          Row{"include ; <a>;", "a"}, Row{"include <>;", ""}, Row{"include <a.kez>x;", nullptr},
+          Row{"include<a.kez>;", nullptr}, Row{"include < a.kez >;", nullptr},
+          Row{"include \"a.kez\";", nullptr}, Row{"include", nullptr}, Row{"include\r<a>", nullptr},
+          Row{"includ <a>", nullptr}, Row{"//include <a>;", nullptr}, Row{"// include <a>;", nullptr},
+          Row{"", nullptr}}) {
         const auto name = includedName(row.line);
         EXPECT_EQ(name.has_value(), row.name != nullptr) << row.line;
         if (name && row.name) {
@@ -82,29 +60,17 @@ TEST(IncludeBlock, NamesAndInsertionPoint) {
         long position;
     };
     const std::string a = "include <a>;\r\n";  // 14 bytes
-    const Row rows[] = {
-        {"", {}, 0},
-        {"x", {}, 0},
-        {"// c\r\n// d\r\nvar x;\r\n", {}, 12},
-        {"// c\r\n\r\n// d\r\n", {}, 6},
-        {"// c\n// d\n", {}, 10},
-        {"// c\n  // d", {}, 0},
-        {a + "x", {"a"}, 14},
-        {a, {"a"}, 14},
-        {"include <a>;", {"a"}, 0},
-        {a + "INCLUDE <B>;", {"a", "B"}, 14},
-        {"// c\r\nvar x;\r\n" + a + "\r\n" + a, {"a"}, 28},
-        {a + "// c\r\n" + "include <b>;\r\n", {"a"}, 14},
-        {a + "short\n", {"a"}, 14},
-        {kMark + a + "x", {"a"}, 17},
-        {kMark + "// c\r\nx", {}, 9},
-        {kMark + "// c", {}, 3},
-    };
-    for (const Row& row : rows) {
-        const Scan result = scan(row.text);
-        EXPECT_EQ(result.names, row.names) << row.text;
-        EXPECT_EQ(result.position, row.position) << row.text;
+    for (const Row& row :
+         {Row{"", {}, 0}, Row{"x", {}, 0}, Row{"// c\r\n// d\r\nvar x;\r\n", {}, 12},
+          Row{"// c\r\n\r\n// d\r\n", {}, 6}, Row{"// c\n// d\n", {}, 10}, Row{"// c\n  // d", {}, 0},
+          Row{a + "x", {"a"}, 14}, Row{a, {"a"}, 14}, Row{"include <a>;", {"a"}, 0},
+          Row{a + "INCLUDE <B>;", {"a", "B"}, 14}, Row{"// c\r\nvar x;\r\n" + a + "\r\n" + a, {"a"}, 28},
+          Row{a + "// c\r\n" + "include <b>;\r\n", {"a"}, 14}, Row{a + "short\n", {"a"}, 14},
+          Row{kMark + a + "x", {"a"}, 17}, Row{kMark + "// c\r\nx", {}, 9}, Row{kMark + "// c", {}, 3}}) {
         CLex lexer = lexerOf(row.text);
+        Names names;
+        EXPECT_EQ(ScanIncludeBlock(lexer, names), row.position) << row.text;
+        EXPECT_EQ(names, row.names) << row.text;
         Names pending = {"A", "new", "b"};
         EXPECT_EQ(FindInsertionPoint(lexer, pending), row.position);
         for (const std::string& name : row.names)
@@ -145,20 +111,17 @@ TEST(IncludeBlock, RemovesTheFirstMatchingLineOfEachName) {
         std::vector<std::string> names;
         std::optional<std::string> rest;
     };
-    const Row rows[] = {
-        {"include <a>;\r\ninclude <b>;\r\ninclude <a>;\r\n", {"A"}, "include <b>;\r\ninclude <a>;\r\n"},
-        {"include <a>;\n\nx\n  include <b>; // c\ny", {"b"}, "include <a>;\n\nx\ny"},
-        {"x\ninclude <a>;", {"a"}, "x\n"},
-        {"include <a>;", {"a"}, ""},
-        {kMark + "include <a>;\nx", {"a"}, kMark + "x"},
-        {"// include <a>;\r\n", {"a"}, std::nullopt},
-        {"include <ab>;\r\n", {"a"}, std::nullopt},
-        {bytes("a\0b\ninclude <a>;\r\n\0"), {"a"}, bytes("a\0b\n\0")},
-        {"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"B", "a"}, "x\ninclude <A>;\ny"},
-        {"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"a", "a"}, "x\ninclude <b>;\ny"},
-        {"include <a>;\ninclude <b>;\n", {"b", "c", "a"}, std::nullopt},
-    };
-    for (const Row& row : rows) EXPECT_EQ(withoutIncludes(row.text, row.names), row.rest) << row.text;
+    for (const Row& row :
+         {Row{"include <a>;\r\ninclude <b>;\r\ninclude <a>;\r\n", {"A"}, "include <b>;\r\ninclude <a>;\r\n"},
+          Row{"include <a>;\n\nx\n  include <b>; // c\ny", {"b"}, "include <a>;\n\nx\ny"},
+          Row{"x\ninclude <a>;", {"a"}, "x\n"}, Row{"include <a>;", {"a"}, ""},
+          Row{kMark + "include <a>;\nx", {"a"}, kMark + "x"}, Row{"// include <a>;\r\n", {"a"}, std::nullopt},
+          Row{"include <ab>;\r\n", {"a"}, std::nullopt},
+          Row{bytes("a\0b\ninclude <a>;\r\n\0"), {"a"}, bytes("a\0b\n\0")},
+          Row{"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"B", "a"}, "x\ninclude <A>;\ny"},
+          Row{"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"a", "a"}, "x\ninclude <b>;\ny"},
+          Row{"include <a>;\ninclude <b>;\n", {"b", "c", "a"}, std::nullopt}})
+        EXPECT_EQ(withoutIncludes(row.text, row.names), row.rest) << row.text;
     try {
         withoutIncludes("", {});
         FAIL();
@@ -215,16 +178,11 @@ TEST(Needs, AreCollectedDeepestFirst) {
         Names scripts, names;
         size_t refused;
     };
-    const Row rows[] = {
-        {{"a.kez"}, {"d.kez", "b.kez", "c.kez", "a.kez"}, 0},
-        {{"d.kez", "b.kez"}, {"d.kez", "b.kez"}, 0},
-        {{"m.kez"}, {"d.kez", "b.kez", "m.kez"}, 0},
-        {{"main.kez"}, {}, 0},
-        {{"o.kez"}, {"o.kez"}, 0},
-        {{"bad.kez"}, {"bad.kez"}, 1},
-        {{"a b.kez"}, {}, 1},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row :
+         {Row{{"a.kez"}, {"d.kez", "b.kez", "c.kez", "a.kez"}, 0},
+          Row{{"d.kez", "b.kez"}, {"d.kez", "b.kez"}, 0}, Row{{"m.kez"}, {"d.kez", "b.kez", "m.kez"}, 0},
+          Row{{"main.kez"}, {}, 0}, Row{{"o.kez"}, {"o.kez"}, 0}, Row{{"bad.kez"}, {"bad.kez"}, 1},
+          Row{{"a b.kez"}, {}, 1}}) {
         reads.clear();
         const NeededScripts result = collectNeeds(row.scripts, "MAIN.kez", {"old.kez"}, locate, read);
         EXPECT_EQ(result.names, row.names) << row.scripts[0];

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "templates/ScriptSearch.h"
+#include "tests/templates/Scripts.h"
 
 using namespace zoka;
 
@@ -96,12 +97,9 @@ TEST(ScriptSearch, NarrowsAsOneTypes) {
                                       {"Door", "swing.kez", "Doors", "Opens"},
                                       {"Night fog", "nf.kez", "Light", ""}};
     for (const auto& [name, file, className, desc] : scripts) {
-        CScriptElm script;
-        script.m_name = name;
-        script.m_filename = file;
-        script.m_class = className;
-        script.m_desc = desc;
-        data.AddScript(script);
+        CScriptElm elm = test::script(name, file, className);
+        elm.m_desc = desc;
+        data.AddScript(elm);
     }
     ScriptSearch search(data);
     using Found = std::vector<std::uint32_t>;
@@ -110,21 +108,11 @@ TEST(ScriptSearch, NarrowsAsOneTypes) {
         Found found;
     };
     // In this order: each goes on from the last, or starts anew.
-    const Row rows[] = {
-        {"<ALL>", "", {0, 1, 2, 3}},
-        {"<ALL>", "f", {0, 1, 3}},
-        {"<ALL>", "fog", {0, 1, 3}},
-        {"<ALL>", "fog ", {0, 1, 3}},
-        {"<ALL>", "fog we", {0, 1}},
-        {"<ALL>", "fog wet", {1}},
-        {"<ALL>", "fog", {0, 1, 3}},
-        {"WEATHER", "fog", {0, 1}},
-        {"weather", "SWING", {}},
-        {"<all>", "swing", {2}},
-        {"<ALL>", "doors opens", {2}},
-        {"<ALL>", "fogweather", {}},
-        {"none", "", {}},
-        {"<all>", "  \t ", {0, 1, 2, 3}},
-    };
-    for (const Row& row : rows) EXPECT_EQ(search.find(row.className, row.query), row.found) << row.query;
+    for (const Row& row :
+         {Row{"<ALL>", "", {0, 1, 2, 3}}, Row{"<ALL>", "f", {0, 1, 3}}, Row{"<ALL>", "fog", {0, 1, 3}},
+          Row{"<ALL>", "fog ", {0, 1, 3}}, Row{"<ALL>", "fog we", {0, 1}}, Row{"<ALL>", "fog wet", {1}},
+          Row{"<ALL>", "fog", {0, 1, 3}}, Row{"WEATHER", "fog", {0, 1}}, Row{"weather", "SWING", {}},
+          Row{"<all>", "swing", {2}}, Row{"<ALL>", "doors opens", {2}}, Row{"<ALL>", "fogweather", {}},
+          Row{"none", "", {}}, Row{"<all>", "  \t ", {0, 1, 2, 3}}})
+        EXPECT_EQ(search.find(row.className, row.query), row.found) << row.query;
 }

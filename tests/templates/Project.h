@@ -8,6 +8,7 @@
 #include "plugin/FolderHost.h"
 #include "templates/ScriptUpdate.h"
 #include "tests/support/TempFolder.h"
+#include "tests/templates/Scripts.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
 
@@ -18,7 +19,7 @@ public:
     class Host : public FolderHost {
     public:
         using FolderHost::FolderHost;
-        std::vector<std::string> calls;
+        Names calls;
         bool failCopies = false;
         std::string mainScriptMade;  // what CreateMainScript makes the main script; empty: nothing
 
@@ -64,7 +65,7 @@ public:
 // Copies the template's file and remembers for which scripts it was asked.
 class FakeUpdater : public ScriptUpdater {
 public:
-    std::vector<std::string> projectCopies, templateCopies;
+    Names projectCopies, templateCopies;
     std::string failure;  // of every update; empty: they work
     std::string lost;     // what each update finds no place for
 

@@ -3,26 +3,31 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/templates/Project.h"
 
 using namespace zoka;
+using test::includes;
+using test::Names;
 using test::Project;
 using test::ScriptedPrompt;
 
 namespace {
 
-using Names = std::vector<std::string>;
-
 const char* const kRest = "// main\r\n\r\nfunction main()\r\n{\r\n}\r\n";
 
 // The main script of the fixture with these includes in it.
 std::string mainWith(const Names& names) {
-    std::string lines;
-    for (const std::string& name : names) lines += includeLine(name);
-    return "// main\r\n" + lines + "\r\nfunction main()\r\n{\r\n}\r\n";
+    return "// main\r\n" + includes(names) + "\r\nfunction main()\r\n{\r\n}\r\n";
 }
+
+struct Fixture {
+    explicit Fixture(const std::string& mainScript = kRest) : project(mainScript) {}
+    bool add(const std::string& name) { return adding.AddScriptToProject(project.templatePath(name)); }
+    Project project;
+    ScriptedPrompt prompt;
+    ScriptAdding adding{project.host, prompt};
+};
 
 }  // namespace
 
@@ -47,17 +52,16 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
             EXPECT_EQ(folders.LocateScript(name, path), ScriptPlace::NotFound) << name;
         EXPECT_EQ(path, "untouched");
 
-        std::string version, date;
-        EXPECT_TRUE(folders.ReadVersionAndDate("both.kez", version, date, false));
-        EXPECT_EQ(version + " " + date, "1 -1");
-        EXPECT_TRUE(folders.ReadVersionAndDate("both.kez", version, date, true));
-        EXPECT_EQ(version + " " + date, "2 5");
-        EXPECT_TRUE(folders.ReadVersionAndDate("fog.kez", version, date, false))
-            << "falls back to the template";
-        EXPECT_EQ(version, "3");
-        EXPECT_FALSE(folders.ReadVersionAndDate("none.kez", version, date, false));
-        EXPECT_EQ(version + date, "-1-1");
-        EXPECT_FALSE(folders.ReadVersionAndDate("..\\outside.kez", version, date, true));
+        const auto facts = [&folders](const char* name, bool fromTemplate) {
+            std::string version, date;
+            const bool read = folders.ReadVersionAndDate(name, version, date, fromTemplate);
+            return (read ? "" : "no: ") + version + " " + date;
+        };
+        EXPECT_EQ(facts("both.kez", false), "1 -1");
+        EXPECT_EQ(facts("both.kez", true), "2 5");
+        EXPECT_EQ(facts("fog.kez", false), "3 -1") << "falls back to the template";
+        EXPECT_EQ(facts("none.kez", false), "no: -1 -1");
+        EXPECT_EQ(facts("..\\outside.kez", true), "no: -1 -1");
     }
     const ScriptFolders folders(project.host);
     EXPECT_FALSE(folders.DeleteProjectScript("fog.kez"));
@@ -75,11 +79,10 @@ TEST(ScriptAdding, KnowsNumberedTemplates) {
 }
 
 TEST(ScriptAdding, ANumberedTemplateThreeTimes) {
-    Project project;
+    Fixture f;
+    auto& [project, prompt, adding] = f;
     project.addTemplate("camera_.kez", "// needs: base.kez\r\nvar speed%_% = 1; // %_%%_%\r\n");
-    ScriptedPrompt prompt;
-    ScriptAdding adding(project.host, prompt);
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(adding.AddScriptToProject(project.templatePath("camera_.kez")));
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(f.add("camera_.kez"));
     EXPECT_EQ(project.folder.names(), (Names{"camera_0.kez", "camera_1.kez", "camera_2.kez", "main.kez"}));
     for (int i = 0; i < 3; ++i) {
         const std::string mark = "_" + std::to_string(i);
@@ -93,14 +96,13 @@ TEST(ScriptAdding, ANumberedTemplateThreeTimes) {
 }
 
 TEST(ScriptAdding, NeedsComeFirstAndOnlyWhatIsMissing) {
-    Project project;
+    Fixture f;
+    auto& [project, prompt, adding] = f;
     project.addTemplate("fog.kez", "// needs: weather.kez, noise.kez\r\n");
     project.addTemplate("weather.kez", "// needs: base.kez\r\n");
     project.addTemplate("base.kez", "// needs: maths.kez fog.kez\r\n");
     project.addTemplate("maths.kez", "x");
     project.addTemplate("rain.kez", "// needs: WEATHER.kez\r\n");
-    ScriptedPrompt prompt;
-    ScriptAdding adding(project.host, prompt);
 
     const std::string fog = project.templatePath("fog.kez");
     const AddPlan plan = adding.plan(std::span(&fog, 1));
@@ -109,15 +111,14 @@ TEST(ScriptAdding, NeedsComeFirstAndOnlyWhatIsMissing) {
     EXPECT_EQ(project.main(), kRest) << "a plan changes nothing";
 
     EXPECT_TRUE(adding.AddScriptToProject(fog));
-    const Names names = {"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez"};
-    EXPECT_EQ(project.main(), mainWith(names));
+    EXPECT_EQ(project.main(), mainWith({"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez"}));
     EXPECT_EQ(plan.after, project.main());
 
     project.host.calls.clear();
     EXPECT_TRUE(adding.AddScriptToProject(fog)) << "also when nothing has to change";
     EXPECT_FALSE(adding.changed());
     EXPECT_TRUE(project.host.calls.empty());
-    EXPECT_TRUE(adding.AddScriptToProject(project.templatePath("rain.kez")));
+    EXPECT_TRUE(f.add("rain.kez"));
     EXPECT_EQ(project.main(),
               mainWith({"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez", "rain.kez"}));
     EXPECT_EQ(adding.plan(std::span(&fog, 1)).summary(), "adds fog.kez (already included)");
@@ -125,14 +126,13 @@ TEST(ScriptAdding, NeedsComeFirstAndOnlyWhatIsMissing) {
 }
 
 TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
-    Project project;
+    Fixture f;
+    auto& [project, prompt, adding] = f;
     project.addTemplate("a.kez", "// needs: c.kez\n");
     project.addTemplate("b.kez", "// needs: c.kez a.kez\n");
     project.addTemplate("n_.kez", "// needs: n%_%.lib\n%_%");
     const Names paths = {project.templatePath("n_.kez"), project.templatePath("b.kez"),
                          project.templatePath("a.kez"), project.templatePath("n_.kez")};
-    ScriptedPrompt prompt;
-    ScriptAdding adding(project.host, prompt);
     const AddPlan plan = adding.plan(paths);
     EXPECT_TRUE(adding.AddScriptsToProject(paths));
     EXPECT_EQ(project.host.calls, (Names{"copy %_%=_0", "copy %_%=_1", "changed"}));
@@ -148,15 +148,13 @@ TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
 TEST(ScriptAdding, ANeedThatLeavesTheFolderIsRefused) {
     for (const std::string& need :
          {std::string("..\\x.kez"), std::string("lib/x.kez"), std::string(300, 'x')}) {
-        Project project;
+        Fixture f;
+        auto& [project, prompt, adding] = f;
         project.addTemplate("bad_.kez", "// needs: good.kez, " + need + "\n");
-        ScriptedPrompt prompt;
-        ScriptAdding adding(project.host, prompt);
-        EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("bad_.kez")));
-        ASSERT_EQ(prompt.asked.size(), 1U);
-        EXPECT_EQ(prompt.asked[0].text,
-                  "bad_0.kez needs \"" + need +
-                      "\": this is not a file name that can be included.\nFile not added.");
+        EXPECT_FALSE(f.add("bad_.kez"));
+        EXPECT_EQ(prompt.texts(),
+                  Names{"bad_0.kez needs \"" + need +
+                        "\": this is not a file name that can be included.\nFile not added."});
         EXPECT_EQ(project.main(), kRest);
         EXPECT_EQ(project.folder.names(), Names{"main.kez"}) << "the copy is gone again";
     }
@@ -173,21 +171,19 @@ TEST(ScriptAdding, TheMainScriptItself) {
           Row{"UTF-16", "\xFF\xFEx", false, "\xFF\xFEx"},
           Row{"LF alone", "// c\n\nx\n", true, "// c\ninclude <a.kez>;\r\n\nx\n"},
           Row{"includes alone", "include <z>;", true, "include <a.kez>;\r\ninclude <z>;"}}) {
-        Project project(row.main);
+        Fixture f(row.main);
+        auto& [project, prompt, adding] = f;
         project.addTemplate("a.kez", "x");
-        ScriptedPrompt prompt;
-        ScriptAdding adding(project.host, prompt);
-        EXPECT_EQ(adding.AddScriptToProject(project.templatePath("a.kez")), row.added) << row.what;
+        EXPECT_EQ(f.add("a.kez"), row.added) << row.what;
         EXPECT_EQ(project.main(), row.expected) << row.what;
         EXPECT_EQ(adding.error().empty(), project.main() != row.main) << row.what;
         EXPECT_EQ(adding.AddScriptToProject(project.folder.path("main.kez")), row.added) << row.what;
         EXPECT_EQ(project.main(), row.expected) << "never includes itself";
     }
-    Project empty("");
-    empty.addTemplate("a_.kez", "x");
-    ScriptedPrompt prompt;
-    EXPECT_TRUE(ScriptAdding(empty.host, prompt).AddScriptToProject(empty.templatePath("a_.kez")));
-    EXPECT_EQ(empty.folder.names(), Names{"main.kez"}) << "a copy that nothing includes";
+    Fixture empty("");
+    empty.project.addTemplate("a_.kez", "x");
+    EXPECT_TRUE(empty.add("a_.kez"));
+    EXPECT_EQ(empty.project.folder.names(), Names{"main.kez"}) << "a copy that nothing includes";
 }
 
 TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
@@ -205,8 +201,7 @@ TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
     // Now it exists: the user is asked, and may decline.
     prompt.answers = {PromptAnswer::Cancel};
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
-    ASSERT_EQ(prompt.asked.size(), 1U);
-    EXPECT_EQ(prompt.asked[0].text, project.folder.path("level.kez") + "\nFile exist! Overwrite?");
+    ASSERT_EQ(prompt.texts(), Names{project.folder.path("level.kez") + "\nFile exist! Overwrite?"});
     EXPECT_EQ(prompt.asked[0].buttons, PromptButtons::OkCancel);
     host.failCopies = true;
     prompt.answers = {PromptAnswer::Ok};
@@ -229,10 +224,9 @@ TEST(ScriptAdding, WithoutMainScriptTheEditorIsAskedToMakeOne) {
 }
 
 TEST(ScriptAdding, ATooLongPathIsRefusedAndTheResultNeverOverruns) {
-    Project project;
+    Fixture f;
+    auto& [project, prompt, adding] = f;
     project.addTemplate("a_.kez", "x");
-    ScriptedPrompt prompt;
-    ScriptAdding adding(project.host, prompt);
     std::string dest = "untouched";
     EXPECT_FALSE(adding.CopyTemplateScript(project.templatePath("a_.kez"), dest, 260, std::string(253, 'd')));
     EXPECT_FALSE(
@@ -244,29 +238,21 @@ TEST(ScriptAdding, ATooLongPathIsRefusedAndTheResultNeverOverruns) {
 }
 
 TEST(ScriptAdding, EveryFailureOfTheDiskLeavesWholeFiles) {
-    for (int n = 1;; ++n) {
-        Project project;
+    test::withEachFault([](int n) {
+        Fixture f;
+        auto& [project, prompt, adding] = f;
         project.addTemplate("camera_.kez", "// needs: base.kez\r\nvar x%_%;");
         project.addTemplate("base.kez", "x");
-        ScriptedPrompt prompt;
-        int operations = 0;
-        {
-            const test::FaultyOsFiles disk(test::FaultyOsFiles::nth(n));
-            ScriptAdding adding(project.host, prompt);
-            const bool added = adding.AddScriptToProject(project.templatePath("camera_.kez"));
-            operations = disk.operations();
-            const std::string text = project.main();
-            if (added && adding.changed()) {
-                EXPECT_TRUE(text.find("include <camera_0.kez>;\r\n") != std::string::npos) << n;
-            } else {
-                EXPECT_EQ(text, kRest) << n;
-                EXPECT_FALSE(adding.error().empty()) << n;
-            }
-        }
+        const bool added = f.add("camera_.kez") && adding.changed();
+        EXPECT_EQ(adding.error().empty(), added) << n;
+        const std::string text = project.main();
+        if (added)
+            EXPECT_NE(text.find("include <camera_0.kez>;\r\n"), std::string::npos) << n;
+        else
+            EXPECT_EQ(text, kRest) << n;
         for (const std::string& name : project.folder.names())
             EXPECT_TRUE(name == "main.kez" || name == "camera_0.kez") << n << " " << name;
-        if (n > operations) break;
-    }
+    });
 }
 
 TEST(ScriptAdding, RemovingAnIncludeTellsTheEditor) {
@@ -277,14 +263,10 @@ TEST(ScriptAdding, RemovingAnIncludeTellsTheEditor) {
     EXPECT_EQ(project.host.calls, Names{"changed"});
     Project empty("");
     EXPECT_THROW(RemoveInclude(empty.host, "a.kez"), EmptyScriptError);
-    for (int n = 1;; ++n) {
+    test::withEachFault([](int n) {
         Project broken(mainWith({"a.kez", "b.kez"}));
-        const test::FaultyOsFiles disk(test::FaultyOsFiles::nth(n));
-        std::string error;
-        const bool removed = RemoveInclude(broken.host, "a.kez", &error);
-        const int operations = disk.operations();
+        const bool removed = RemoveInclude(broken.host, "a.kez");
         EXPECT_EQ(broken.main(), mainWith(removed ? Names{"b.kez"} : Names{"a.kez", "b.kez"})) << n;
         EXPECT_EQ(broken.folder.names(), Names{"main.kez"}) << n;
-        if (n > operations) break;
-    }
+    });
 }

@@ -3,8 +3,11 @@
 
 #include "templates/HeaderLine.h"
 #include "templates/ScriptHeader.h"
+#include "tests/templates/Scripts.h"
 
 using namespace zoka;
+using test::fields;
+using test::Names;
 
 namespace {
 
@@ -43,49 +46,26 @@ CScriptElm parse(const std::string& text, std::string* errors = nullptr) {
 }  // namespace
 
 TEST(HeaderLine, IsClassifiedByItsKeyword) {
-    struct Row {
-        const char* line;
-        int code;
-        HeaderGroup group;
-    };
-    const Row rows[] = {
-        {"// action: x", 0, HeaderGroup::Block},
-        {"//Enable:", 1, HeaderGroup::Block},
-        {"//\tENTRY\t: x", 2, HeaderGroup::Block},
-        {"// function : a: b", 3, HeaderGroup::Block},
-        {"// section:", 4, HeaderGroup::Block},
-        {"// class: c", 6, HeaderGroup::Field},
-        {"// data:", 7, HeaderGroup::Field},
-        {"// date:", 8, HeaderGroup::Field},
-        {"// desc:", 9, HeaderGroup::Field},
-        {"// EngineReq: 6", 10, HeaderGroup::Field},
-        {"// help:", 11, HeaderGroup::Field},
-        {"// idcode:", 12, HeaderGroup::Field},
-        {"// image:", 13, HeaderGroup::Field},
-        {"// needs:", 14, HeaderGroup::Field},
-        {"// note:", 15, HeaderGroup::Field},
-        {"// prefix:", 16, HeaderGroup::Field},
-        {"// title:", 17, HeaderGroup::Field},
-        {"// type:", 18, HeaderGroup::Field},
-        {"// ver:", 19, HeaderGroup::Field},
-        {"/// ver: 2", 21, HeaderGroup::None},
-        {"//ENDHEADER", 22, HeaderGroup::None},
-        {"//  endheader and more", 22, HeaderGroup::None},
-        {"// EndHeader: x", 22, HeaderGroup::None},
-        {"// endheader x: y", 22, HeaderGroup::None},
-        {"// endheaders", -1, HeaderGroup::None},
-        {"// version: 2", -1, HeaderGroup::None},
-        {"// ver", -1, HeaderGroup::None},
-        {" // ver: 2", -1, HeaderGroup::None},
-        {"ver: 2", -1, HeaderGroup::None},
-        {"//", -1, HeaderGroup::None},
-        {"/", -1, HeaderGroup::None},
-        {"", -1, HeaderGroup::None},
-    };
-    for (const Row& row : rows) {
-        const HeaderCode code = classifyHeaderLine(row.line);
-        EXPECT_EQ(static_cast<int>(code), row.code) << row.line;
-        EXPECT_EQ(groupOf(code), row.group) << row.line;
+    // By their codes; 5 is none.
+    const char* const keywords[] = {"action", "Enable", "ENTRY",  "function",  "section", nullptr,  "class",
+                                    "data",   "date",   "desc",   "EngineReq", "help",    "idcode", "image",
+                                    "needs",  "note",   "prefix", "title",     "type",    "ver"};
+    std::vector<std::pair<std::string, int>> rows = {{"/// ver: 2", 21}};
+    for (int code = 0; code < 20; ++code)
+        if (keywords[code]) rows.emplace_back("//\t" + std::string(keywords[code]) + " : a: b", code);
+    for (const char* line : {"// ver:", "//ver: x"}) rows.emplace_back(line, 19);
+    for (const char* line : {"//ENDHEADER", "//  endheader and more", "// EndHeader: x", "// endheader x: y"})
+        rows.emplace_back(line, 22);
+    for (const char* line :
+         {"// endheaders", "// version: 2", "// ver", " // ver: 2", "ver: 2", "//", "/", ""})
+        rows.emplace_back(line, -1);
+    for (const auto& [line, expected] : rows) {
+        const HeaderCode code = classifyHeaderLine(line);
+        EXPECT_EQ(static_cast<int>(code), expected) << line;
+        const HeaderGroup group = expected < 0 || expected > 19 ? HeaderGroup::None
+                                  : expected < 5                ? HeaderGroup::Block
+                                                                : HeaderGroup::Field;
+        EXPECT_EQ(groupOf(code), group) << line;
     }
 }
 
@@ -103,20 +83,9 @@ TEST(ScriptHeader, FillsTheFieldsOfARecord) {
     std::string errors;
     const CScriptElm script = parse(kFullHeader, &errors);
     EXPECT_EQ(errors, "");
-    EXPECT_EQ(script.m_id, "CAM01");
-    EXPECT_EQ(script.m_prefix, "cam_");
-    EXPECT_EQ(script.m_directory, "code");
-    EXPECT_EQ(script.m_filename, "x.kez");
-    EXPECT_EQ(script.m_name, "Chase camera, far");
-    EXPECT_EQ(script.m_type, "USER");
-    EXPECT_EQ(script.m_class, "Camera");
-    EXPECT_EQ(script.m_vers, "1.2");
-    EXPECT_EQ(script.m_date, "1 May 26");
-    EXPECT_EQ(script.m_engreq.vers, "6.1");
-    EXPECT_EQ(script.m_engreq.edition, "pro");
-    EXPECT_EQ(script.m_desc, "Follows the player.\nKeep: it smooth.\n");
-    EXPECT_EQ(script.m_note, "First.Second.");
-    EXPECT_EQ(script.m_needs, (std::vector<std::string>{"a.kez", "b.kez", "c.kez"}));
+    EXPECT_EQ(fields(script), (Names{"CAM01", "cam_", "code", "x.kez", "Chase camera, far",
+                                     "Follows the player.\nKeep: it smooth.\n", "First.Second.", "Camera",
+                                     "USER", "1.2", "1 May 26", "6.1", "pro", "a.kez", "b.kez", "c.kez"}));
 }
 
 TEST(ScriptHeader, WithoutCommentsListsWhatIsMissing) {
@@ -187,16 +156,12 @@ TEST(ScriptHeader, ReadsSectionsAndActions) {
     EXPECT_EQ(first.m_imgfile, "view.bmp");
     EXPECT_EQ(first.m_text, "How it looks. On every screen.");
     ASSERT_EQ(first.m_actions.size(), 1U);
-    EXPECT_EQ(first.m_actions[0].m_name, "cutscene_zone");
-    EXPECT_EQ(first.m_actions[0].m_filename, "x.kez");
-    EXPECT_EQ(first.m_actions[0].m_desc,
-              "Cutscene zone\nPlays the scene. Once.\nskill1 Play radius: Metres.\nflag1 Only once");
+    EXPECT_EQ(fields(first.m_actions[0]),
+              (Names{"cutscene_zone", "x.kez", "", "",
+                     "Cutscene zone\nPlays the scene. Once.\nskill1 Play radius: Metres.\nflag1 Only once"}));
     ASSERT_EQ(script.m_sections[1].m_actions.size(), 1U);
-    const CScriptAction& second = script.m_sections[1].m_actions[0];
-    EXPECT_EQ(second.m_name, "plain{");
-    EXPECT_EQ(second.m_desc, "Title alone");
-    EXPECT_EQ(second.m_filename, "other.kez");
-    EXPECT_EQ(second.m_engreq.AsText(), "6 PRO");
+    EXPECT_EQ(fields(script.m_sections[1].m_actions[0]),
+              (Names{"plain{", "other.kez", "6", "PRO", "Title alone"}));
 }
 
 TEST(ScriptHeader, AnUnfinishedActionIsReportedAndKept) {
@@ -205,8 +170,8 @@ TEST(ScriptHeader, AnUnfinishedActionIsReportedAndKept) {
     EXPECT_TRUE(errors.starts_with("**Action not complete: lonely\ndesc: No definition.\n")) << errors;
     ASSERT_EQ(script.m_sections.size(), 1U);
     ASSERT_EQ(script.m_sections[0].m_actions.size(), 1U);
-    EXPECT_EQ(script.m_sections[0].m_actions[0].m_name, "lonely");
-    EXPECT_EQ(script.m_sections[0].m_actions[0].m_desc, "No definition.");
+    EXPECT_EQ(fields(script.m_sections[0].m_actions[0]),
+              (Names{"lonely", "x.kez", "", "", "No definition."}));
 }
 
 TEST(ScriptHeader, CutAnywhereStillParses) {

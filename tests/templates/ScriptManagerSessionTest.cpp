@@ -8,20 +8,16 @@
 #include "tests/templates/Project.h"
 
 using namespace zoka;
+using test::includes;
+using test::Names;
 using test::Project;
 
 namespace {
 
-using Names = std::vector<std::string>;
-
 CScriptElm script(const std::string& title, const std::string& file, const Names& needs = {}) {
-    CScriptElm elm;
-    elm.m_name = title;
-    elm.m_filename = file;
-    elm.m_class = "Weather";
+    CScriptElm elm = test::script(title, file, "Weather", "", needs);
     elm.m_desc = "First.\nSecond.\n";
     elm.m_engreq = {"6.1", ""};
-    elm.m_needs = needs;
     elm.m_sections = {{"S", "", "", {{"act", file, {}, "Does.\nThings."}, {"bare", file, {}, ""}}}};
     return elm;
 }
@@ -39,6 +35,10 @@ struct Fixture {
         project.addTemplate("camera_.kez", "// needs: noise.kez\r\n%_%");
         project.addTemplate("fog2.kez", "x");
         session.open();
+    }
+    void include(const Names& names) {
+        project.folder.write("main.kez", includes(names));
+        session.refresh();
     }
     Names included() const {
         Names texts;
@@ -95,10 +95,7 @@ TEST(ScriptManagerSession, AddPageShowsAndAdds) {
 
 TEST(ScriptManagerSession, RemovePageRefusesWhatIsNeeded) {
     Fixture f;
-    f.project.folder.write("main.kez",
-                           "include <mine.kez>;\r\ninclude <noise.kez>;\r\ninclude <fog.kez>;\r\n"
-                           "include <camera_4.kez>;\r\ninclude <fog2.kez>;\r\ninclude <odd_x.kez>;\r\n");
-    f.session.refresh();
+    f.include({"mine.kez", "noise.kez", "fog.kez", "camera_4.kez", "fog2.kez", "odd_x.kez"});
     EXPECT_EQ(f.included(),
               (Names{"mine.kez", "Noise", "Fog", "Camera (camera_4.kez)", "Fog (fog2.kez)", "odd_x.kez"}));
     EXPECT_EQ(f.session.neededBy(1), "needed by Fog, Camera (camera_4.kez)");
@@ -119,18 +116,14 @@ TEST(ScriptManagerSession, RemovePageRefusesWhatIsNeeded) {
     EXPECT_EQ(f.project.main(), before);
 
     // The second script of one title, the copy, then the first: each is the one that the entry stands for.
-    EXPECT_TRUE(f.session.remove(4));
-    EXPECT_TRUE(f.session.remove(3));
-    EXPECT_TRUE(f.session.remove(2));
-    EXPECT_TRUE(f.session.remove(1));
-    EXPECT_EQ(f.project.main(), "include <mine.kez>;\r\ninclude <odd_x.kez>;\r\n");
+    for (const int index : {4, 3, 2, 1}) EXPECT_TRUE(f.session.remove(index)) << index;
+    EXPECT_EQ(f.project.main(), includes({"mine.kez", "odd_x.kez"}));
     EXPECT_EQ(f.session.status(), "Removed: Noise");
 }
 
 TEST(ScriptManagerSession, DependentsByTitle) {
     Fixture f;
-    f.project.folder.write("main.kez", "include <noise.kez>;\r\ninclude <fog.kez>;\r\n");
-    f.session.refresh();
+    f.include({"noise.kez", "fog.kez"});
     Names titles;
     EXPECT_TRUE(f.session.FindDependents("Noise", titles));
     EXPECT_EQ(titles, Names{"Fog"});
@@ -163,8 +156,7 @@ TEST(ScriptManagerSession, ACatalogueThatCannotBeLoadedIsPageErrorOne) {
 TEST(ScriptManagerSession, UpdatePageShowsDifferencesAndRestores) {
     Fixture f;
     f.project.folder.write("fog.kez", "// needs: noise.kez\r\n// ver: 1\r\n");
-    f.project.folder.write("main.kez", "include <noise.kez>;\r\ninclude <fog.kez>;\r\n");
-    f.session.refresh();
+    f.include({"noise.kez", "fog.kez"});
     ASSERT_EQ(f.session.updates().size(), 1U);
     const auto hunks = f.session.difference(0);
     ASSERT_EQ(hunks.size(), 1U);

@@ -5,38 +5,22 @@
 
 #include <map>
 
-#include "templates/IncludeList.h"
 #include "templates/NotesReport.h"
-#include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/templates/Project.h"
 
 using namespace zoka;
-using test::FakeUpdater;
+using test::includes;
+using test::Names;
 using test::Project;
+using test::script;
 using test::ScriptedPrompt;
 
 namespace {
 
-using Names = std::vector<std::string>;
-
-std::string includes(const Names& names) {
-    std::string text;
-    for (const std::string& name : names) text += includeLine(name);
-    return text + "\r\n";
-}
-
-CScriptElm script(const std::string& title, const std::string& file, const Names& needs = {}) {
-    CScriptElm elm;
-    elm.m_name = title;
-    elm.m_filename = file;
-    elm.m_needs = needs;
-    return elm;
-}
-
 struct Fixture {
-    explicit Fixture(const Names& included) : project(includes(included)) {
-        catalogue.AddScript(script("Fog", "fog.kez", {"noise.kez", "Weather.kez"}));
+    explicit Fixture(const Names& included) : project(includes(included) + "\r\n") {
+        catalogue.AddScript(script("Fog", "fog.kez", "", "", {"noise.kez", "Weather.kez"}));
         catalogue.AddScript(script("Weather", "weather.kez"));
         catalogue.AddScript(script("Old", "old.kez"));
         catalogue.AddScript(script("Plain", "plain.kez"));
@@ -56,9 +40,18 @@ struct Fixture {
     }
     Project project;
     CTemplateData catalogue;
-    FakeUpdater updater;
+    test::FakeUpdater updater;
     ScriptedPrompt prompt;
     ScriptUpdate update{project.host, catalogue, updater, prompt};
+};
+
+// Two scripts differ, and the user is about to agree.
+struct TwoOld : Fixture {
+    TwoOld() : Fixture({"fog.kez", "noise.kez", "weather.kez", "old.kez"}) {
+        project.folder.write("weather.kez", "// ver: 0\r\n");
+        update.FillUpdateList(false);
+        prompt.answers = {PromptAnswer::Yes};
+    }
 };
 
 const std::string kFogNeeds = "Fog--Is missing the following Needs: \nnoise.kez \nWeather.kez";
@@ -84,13 +77,16 @@ TEST(ScriptUpdate, ListsWhatDiffersAndWhatIsMissing) {
 
     // A script can be there twice: for its needs and for its version.
     f.project.folder.write("fog.kez", "// ver: 2\r\n// data: x\r\n");
-    f.project.folder.write("main.kez", includes({"fog.kez", "noise.kez"}));
+    f.project.folder.write("main.kez", includes({"fog.kez", "noise.kez"}) + "\r\n");
     f.update.FillUpdateList(false);
     EXPECT_EQ(f.lines(), (Names{"Fog--Is missing the following Needs: \nWeather.kez",
                                 "Fog--[Local ver: 2 date: x --> Template ver: 3 date: 260101]\n"}));
-    Fixture none({});
+    Fixture none({"plain.kez"});
     EXPECT_EQ(none.update.FillUpdateList(false), 1);
     EXPECT_TRUE(none.update.entries().empty());
+    none.update.UpdateAll();
+    ASSERT_EQ(none.prompt.texts(), Names{"Everything Up-to-Date."});
+    EXPECT_EQ(none.prompt.asked[0].title, "Can't Update");
 }
 
 TEST(ScriptUpdate, ReadsEachFileOnce) {
@@ -104,15 +100,6 @@ TEST(ScriptUpdate, ReadsEachFileOnce) {
     EXPECT_EQ(reads.size(), 7U) << "the main script, three copies and their templates";
     for (const auto& [path, count] : reads) EXPECT_EQ(count, 1) << path;
     EXPECT_LE(disk.operations(), 12) << "folders are looked into once";
-}
-
-TEST(ScriptUpdate, AllWithAnEmptyListSaysSo) {
-    Fixture f({"plain.kez"});
-    f.update.FillUpdateList(false);
-    f.update.UpdateAll();
-    ASSERT_EQ(f.prompt.asked.size(), 1U);
-    EXPECT_EQ(f.prompt.asked[0].text, "Everything Up-to-Date.");
-    EXPECT_EQ(f.prompt.asked[0].title, "Can't Update");
 }
 
 TEST(ScriptUpdate, AllAsksThenUpdatesEachOnce) {
@@ -130,9 +117,7 @@ TEST(ScriptUpdate, AllAsksThenUpdatesEachOnce) {
               (Names{f.project.templatePath("fog.kez"), f.project.templatePath("old.kez")}));
     EXPECT_EQ(f.project.folder.read("old.kez"), "// ver: 2, new\r\n");
     // The need that was missing came in.
-    EXPECT_EQ(f.project.main(),
-              "include <fog.kez>;\r\ninclude <old.kez>;\r\ninclude <weather.kez>;\r\n"
-              "include <noise.kez>;\r\n\r\n");
+    EXPECT_EQ(f.project.main(), includes({"fog.kez", "old.kez", "weather.kez", "noise.kez"}) + "\r\n");
     EXPECT_EQ(f.update.included(), Names{"noise.kez"});
     EXPECT_EQ(f.project.host.calls, Names{"changed"});
     EXPECT_TRUE(f.update.entries().empty()) << "the list is rebuilt";
@@ -150,11 +135,8 @@ TEST(ScriptUpdate, SelectedUpdatesOneWithoutAsking) {
 }
 
 TEST(ScriptUpdate, ValuesWithoutAPlaceAreNamedByScript) {
-    Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
-    f.project.folder.write("weather.kez", "// ver: 0\r\n");
+    TwoOld f;
     f.updater.lost = "Range: 5 - gone\r\nColour: 7 - gone\r\n";
-    f.update.FillUpdateList(false);
-    f.prompt.answers = {PromptAnswer::Yes};
     f.update.UpdateAll();
     EXPECT_EQ(f.update.unplaced(), "weather.kez\r\n" + f.updater.lost + "\r\nold.kez\r\n" + f.updater.lost);
     // Of a run that the user declines nothing is told, nor of a script that was not updated.
@@ -170,11 +152,8 @@ TEST(ScriptUpdate, ValuesWithoutAPlaceAreNamedByScript) {
 }
 
 TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
-    Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
-    f.project.folder.write("weather.kez", "// ver: 0\r\n");
+    TwoOld f;
     f.updater.failure = "no way";
-    f.update.FillUpdateList(false);
-    f.prompt.answers = {PromptAnswer::Yes};
     f.update.UpdateAll();
     EXPECT_EQ(f.prompt.texts().back(), "Not updated:\nweather.kez: no way\nold.kez: no way");
     EXPECT_EQ(f.update.entries().size(), 2U);
@@ -189,10 +168,7 @@ TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
 }
 
 TEST(ScriptUpdate, CanBeStoppedBetweenTwoScripts) {
-    Fixture f({"fog.kez", "noise.kez", "weather.kez", "old.kez"});
-    f.project.folder.write("weather.kez", "// ver: 0\r\n");
-    f.update.FillUpdateList(false);
-    f.prompt.answers = {PromptAnswer::Yes};
+    TwoOld f;
     StopAfter one(1);
     f.update.UpdateAll(&one);
     EXPECT_EQ(f.update.updated(), Names{"weather.kez"});
@@ -202,23 +178,19 @@ TEST(ScriptUpdate, CanBeStoppedBetweenTwoScripts) {
 
 TEST(ScriptUpdate, Restore) {
     struct Row {
-        const char *file, *text, *title;  // null text: works
+        const char *file, *text;  // null: works
     };
     Fixture f({});
-    const Row rows[] = {
-        {"fog.kez", "Original file still there.", "Can't Update Script"},
-        {"none.kez", "Can't find the original in template folder.", "Can't Update Script"},
-        {"..\\main.kez", "Can't find the original in template folder.", "Can't Update Script"},
-        {"weather.kez", nullptr, nullptr},
-        {"weather.kez", "Original file still there.", "Can't Update Script"},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row : {Row{"fog.kez", "Original file still there."},
+                           Row{"none.kez", "Can't find the original in template folder."},
+                           Row{"..\\main.kez", "Can't find the original in template folder."},
+                           Row{"weather.kez", nullptr}, Row{"weather.kez", "Original file still there."}}) {
         f.prompt.asked.clear();
         EXPECT_EQ(RestoreFromTemplate(f.project.host, row.file), row.text == nullptr) << row.file;
         ASSERT_EQ(f.prompt.asked.size(), row.text ? 1U : 0U) << row.file;
         if (!row.text) continue;
         EXPECT_EQ(f.prompt.asked[0].text, row.text);
-        EXPECT_EQ(f.prompt.asked[0].title, row.title);
+        EXPECT_EQ(f.prompt.asked[0].title, "Can't Update Script");
         EXPECT_EQ(f.prompt.asked[0].icon, PromptIcon::Error);
     }
     EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 1\r\n");

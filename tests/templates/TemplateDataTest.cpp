@@ -5,31 +5,26 @@
 
 #include <algorithm>
 #include <ctime>
-#include <functional>
+#include <utility>
+
+#include "tests/templates/Scripts.h"
 
 namespace {
 
 using List = CTemplateData::StringList;
-
-CScriptElm script(const char* name, const char* filename, const char* className, const char* type,
-                  const char* directory = "code") {
-    CScriptElm elm;
-    elm.m_name = name;
-    elm.m_filename = filename;
-    elm.m_class = className;
-    elm.m_type = type;
-    elm.m_directory = directory;
-    elm.m_desc = std::string("About ") + name;
-    elm.m_vers = "1";
-    elm.m_date = "260101";
-    return elm;
-}
+using zoka::test::script;
 
 CTemplateData sample() {
     CTemplateData data;
-    data.AddScript(script("Chase", "chase.kez", "Camera", "USER"));
+    CScriptElm chase = script("Chase", "chase.kez", "Camera");
+    chase.m_desc = "the first";
+    data.AddScript(chase);
     data.AddScript(script("Orbit", "orbit.kez", "camera", "USER"));
-    data.AddScript(script("Gun", "gun.kez", "Weapon", "USER", "nowhere"));
+    CScriptElm gun = script("Gun", "gun.kez", "Weapon");
+    gun.m_directory = "nowhere";
+    gun.m_vers = "1";
+    gun.m_date = "260101";
+    data.AddScript(gun);
     data.AddScript(script("Maths", "Math.kez", "Library", "INTERNAL"));
     CScriptElm twin = script("Chase", "chase.kez", "Weapon", "INTERNAL");
     twin.m_desc = "the second";
@@ -46,62 +41,44 @@ CTemplateData sample() {
 
 TEST(TemplateData, ListQueries) {
     const CTemplateData data = sample();
-    using Query = std::function<bool(List&)>;
-    struct Row {
-        const char* what;
-        Query query;
-        List expected;
+    List list = {"left over"};
+    const auto got = [&list](bool answered) {
+        EXPECT_TRUE(answered);
+        return std::exchange(list, {"left over"});
     };
-    const Row rows[] = {
-        {"classes",
-         [&](List& l) { return data.GetClassList(l); },
-         {"<ALL>", "Camera", "Weapon", "Library", ""}},
-        {"classes of USER",
-         [&](List& l) { return data.GetClassListOfType(l, "USER"); },
-         {"<ALL>", "Camera", "camera", "Weapon"}},
-        {"classes of a type in the wrong case",
-         [&](List& l) { return data.GetClassListOfType(l, "User"); },
-         {"<ALL>"}},
-        {"all",
-         [&](List& l) { return data.GetScriptList(l); },
-         {"Chase", "Orbit", "Gun", "Maths", "Chase", "Doors"}},
-        {"<ALL>",
-         [&](List& l) { return data.GetScriptList(l, "<ALL>"); },
-         {"Chase", "Orbit", "Gun", "Maths", "Chase", "Doors"}},
-        {"<all>",
-         [&](List& l) { return data.GetScriptList(l, "<all>"); },
-         {"Chase", "Orbit", "Gun", "Maths", "Chase", "Doors"}},
-        {"a class", [&](List& l) { return data.GetScriptList(l, "Weapon"); }, {"Gun", "Chase"}},
-        {"a class, case regarded", [&](List& l) { return data.GetScriptList(l, "camera"); }, {"Orbit"}},
-        {"no class", [&](List& l) { return data.GetScriptList(l, "x"); }, {}},
-        {"a type", [&](List& l) { return data.GetScriptListOfType(l, "INTERNAL"); }, {"Maths", "Chase"}},
-        {"type and class", [&](List& l) { return data.GetScriptListOfType(l, "USER", "Weapon"); }, {"Gun"}},
-        {"type and all classes",
-         [&](List& l) { return data.GetScriptListOfType(l, "INTERNAL", "<All>"); },
-         {"Maths", "Chase"}},
-        {"actions", [&](List& l) { return data.GetScriptActionNames(l, "Doors"); }, {"door", "gate", "door"}},
-        {"actions of nothing", [&](List& l) { return data.GetScriptActionNames(l, "doors"); }, {}},
-    };
-    for (const Row& row : rows) {
-        List list = {"left over"};
-        EXPECT_TRUE(row.query(list)) << row.what;
-        EXPECT_EQ(list, row.expected) << row.what;
-    }
+    const List all = {"Chase", "Orbit", "Gun", "Maths", "Chase", "Doors"};
+    EXPECT_EQ(got(data.GetClassList(list)), (List{"<ALL>", "Camera", "Weapon", "Library", ""}));
+    EXPECT_EQ(got(data.GetClassListOfType(list, "USER")), (List{"<ALL>", "Camera", "camera", "Weapon"}));
+    EXPECT_EQ(got(data.GetClassListOfType(list, "User")), List{"<ALL>"}) << "case regarded";
+    EXPECT_EQ(got(data.GetScriptList(list)), all);
+    EXPECT_EQ(got(data.GetScriptList(list, "<ALL>")), all);
+    EXPECT_EQ(got(data.GetScriptList(list, "<all>")), all);
+    EXPECT_EQ(got(data.GetScriptList(list, "Weapon")), (List{"Gun", "Chase"}));
+    EXPECT_EQ(got(data.GetScriptList(list, "camera")), List{"Orbit"}) << "case regarded";
+    EXPECT_EQ(got(data.GetScriptList(list, "x")), List{});
+    EXPECT_EQ(got(data.GetScriptListOfType(list, "INTERNAL")), (List{"Maths", "Chase"}));
+    EXPECT_EQ(got(data.GetScriptListOfType(list, "USER", "Weapon")), List{"Gun"});
+    EXPECT_EQ(got(data.GetScriptListOfType(list, "INTERNAL", "<All>")), (List{"Maths", "Chase"}));
+    EXPECT_EQ(got(data.GetScriptActionNames(list, "Doors")), (List{"door", "gate", "door"}));
+    EXPECT_EQ(got(data.GetScriptActionNames(list, "doors")), List{});
 }
 
 TEST(TemplateData, ValueQueriesTakeTheFirstMatch) {
     const CTemplateData data = sample();
-    std::string value;
-    EXPECT_TRUE(data.GetScriptDesc(value, "Chase"));
-    EXPECT_EQ(value, "About Chase");
-    EXPECT_TRUE(data.GetScriptActionDesc(value, "Doors", "door"));
-    EXPECT_EQ(value, "opens");
-    EXPECT_TRUE(data.GetScriptVers(value, "Gun"));
-    EXPECT_EQ(value, "1");
-    EXPECT_TRUE(data.GetScriptDate(value, "Gun"));
-    EXPECT_EQ(value, "260101");
-    EXPECT_TRUE(data.GetNameFromFilename(value, "Math.kez"));
-    EXPECT_EQ(value, "Maths");
+    std::string value = "untouched";
+    const auto got = [&value](bool found) {
+        return (found ? "" : "no: ") + std::exchange(value, "untouched");
+    };
+    EXPECT_EQ(got(data.GetScriptDesc(value, "Chase")), "the first");
+    EXPECT_EQ(got(data.GetScriptActionDesc(value, "Doors", "door")), "opens");
+    EXPECT_EQ(got(data.GetScriptVers(value, "Gun")), "1");
+    EXPECT_EQ(got(data.GetScriptDate(value, "Gun")), "260101");
+    EXPECT_EQ(got(data.GetNameFromFilename(value, "Math.kez")), "Maths");
+    for (const bool found :
+         {data.GetScriptDesc(value, "chase"), data.GetScriptVers(value, ""), data.GetScriptDate(value, "x"),
+          data.GetNameFromFilename(value, "math.kez"), data.GetScriptActionDesc(value, "Doors", "x"),
+          data.GetScriptActionDesc(value, "x", "door")})
+        EXPECT_EQ(got(found), "no: untouched");
     CScriptElm elm;
     EXPECT_TRUE(data.GetScriptElmFromName(elm, "Chase"));
     EXPECT_EQ(elm.m_class, "Camera");
@@ -112,14 +89,6 @@ TEST(TemplateData, ValueQueriesTakeTheFirstMatch) {
     ASSERT_EQ(array.size(), 2U);
     EXPECT_EQ(array[1].m_desc, "the second");
 
-    value = "untouched";
-    EXPECT_FALSE(data.GetScriptDesc(value, "chase"));
-    EXPECT_FALSE(data.GetScriptVers(value, ""));
-    EXPECT_FALSE(data.GetScriptDate(value, "x"));
-    EXPECT_FALSE(data.GetNameFromFilename(value, "math.kez"));
-    EXPECT_FALSE(data.GetScriptActionDesc(value, "Doors", "x"));
-    EXPECT_FALSE(data.GetScriptActionDesc(value, "x", "door"));
-    EXPECT_EQ(value, "untouched");
     EXPECT_FALSE(data.GetScriptElmFromName(elm, "x"));
     EXPECT_EQ(elm.m_name, "Orbit");
     EXPECT_TRUE(data.QTemplateScript("MATH.KEZ"));
@@ -128,16 +97,12 @@ TEST(TemplateData, ValueQueriesTakeTheFirstMatch) {
 
 TEST(TemplateData, OfFileNamesThatDifferInCaseEachFindsItsFirst) {
     CTemplateData data;
-    data.AddScript(script("Lower", "gun.kez", "", ""));
-    data.AddScript(script("Upper", "GUN.KEZ", "", ""));
-    data.AddScript(script("Second lower", "gun.kez", "", ""));
-    data.AddScript(script("Second upper", "GUN.KEZ", "", ""));
-    std::string name;
-    EXPECT_TRUE(data.GetNameFromFilename(name, "gun.kez"));
-    EXPECT_EQ(name, "Lower");
-    EXPECT_TRUE(data.GetNameFromFilename(name, "GUN.KEZ"));
-    EXPECT_EQ(name, "Upper");
-    EXPECT_FALSE(data.GetNameFromFilename(name, "Gun.kez"));
+    for (const auto& [name, file] : {std::pair("Lower", "gun.kez"), std::pair("Upper", "GUN.KEZ"),
+                                     std::pair("Later", "gun.kez"), std::pair("Last", "GUN.KEZ")})
+        data.AddScript(script(name, file));
+    EXPECT_EQ(data.findByFilename("gun.kez")->m_name, "Lower");
+    EXPECT_EQ(data.findByFilename("GUN.KEZ")->m_name, "Upper");
+    EXPECT_FALSE(data.findByFilename("Gun.kez"));
     EXPECT_EQ(data.findByFilenameNoCase("Gun.kez")->m_name, "Lower");
 }
 
@@ -153,7 +118,9 @@ TEST(TemplateData, FilenameIsJoinedWithoutNormalisation) {
         data.SetBaseDirectory(row.base);
         data.AddDirectory("code", row.directory);
         data.AddDirectory("code", "second");
-        data.AddScript(script("S", row.filename, "", ""));
+        CScriptElm elm = script("S", row.filename);
+        elm.m_directory = "code";
+        data.AddScript(elm);
         std::string path;
         EXPECT_TRUE(data.GetScriptFilename(path, "S", true));
         EXPECT_EQ(path, row.path);
@@ -179,7 +146,7 @@ TEST(TemplateData, EmptyKeepsTheBaseDirectoryAlone) {
     EXPECT_EQ(data.findDirectory("code"), nullptr);
     EXPECT_FALSE(data.findByName("Chase"));
     EXPECT_FALSE(data.QTemplateScript("gun.kez"));
-    data.AddScript(script("New", "new.kez", "", ""));
+    data.AddScript(script("New", "new.kez"));
     ASSERT_TRUE(data.findByName("New"));
 }
 
@@ -196,8 +163,7 @@ TEST(TemplateData, AHundredThousandScriptsAnswerAtOnce) {
     constexpr int kCount = 100000;
     for (int i = 0; i < kCount; ++i) {
         const std::string number = std::to_string(i);
-        data.AddScript(script(("Script " + number).c_str(), ("file" + number + ".kez").c_str(),
-                              ("Class " + number).c_str(), "USER"));
+        data.AddScript(script("Script " + number, "file" + number + ".kez", "Class " + number));
     }
     // A search through all records for each of these would take minutes.
     std::string value;

@@ -9,9 +9,9 @@
 #include "tests/templates/Project.h"
 
 using namespace zoka;
+using test::Names;
 using test::Project;
 using test::ScriptedPrompt;
-using Names = std::vector<std::string>;
 
 namespace {
 
@@ -32,10 +32,7 @@ std::string remove(Project& project, ScriptedPrompt&) {
 }
 std::string update(Project& project, ScriptedPrompt& prompt) {
     CTemplateData catalogue;
-    CScriptElm script;
-    script.m_name = "Fog";
-    script.m_filename = "fog.kez";
-    catalogue.AddScript(script);
+    catalogue.AddScript(test::script("Fog", "fog.kez"));
     ValueKeepingUpdater updater;
     ScriptUpdate run(project.host, catalogue, updater, prompt);
     run.FillUpdateList(true);
