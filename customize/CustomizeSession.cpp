@@ -235,19 +235,31 @@ std::optional<size_t> CustomizeSession::redo() {
     return step.front().entry;
 }
 
-size_t CustomizeSession::resetSection(size_t heading, ResetTo to) {
+size_t CustomizeSession::sectionEnd(size_t heading) const {
     size_t last = heading + 1;
     while (last < size() && row(last).facts().field != EntryField::Heading) ++last;
-    return reset(heading, last, to);
+    return last;
+}
+
+// The value that resetting would give the row; nothing when it stays as it is.
+std::optional<std::string> CustomizeSession::resetValue(size_t i, ResetTo to) {
+    if (!hasValue(row(i).facts().field)) return std::nullopt;
+    auto value = to == ResetTo::Loaded ? std::optional(row(i).loadedValue()) : defaultOf(i);
+    return value && *value != row(i).value() ? value : std::nullopt;
+}
+
+bool CustomizeSession::canReset(size_t first, size_t last, ResetTo to) {
+    for (size_t i = first; i < last; ++i)
+        if (resetValue(i, to)) return true;
+    return false;
 }
 
 size_t CustomizeSession::reset(size_t first, size_t last, ResetTo to) {
     EditHistory::Step step;
     for (size_t i = first; i < last; ++i) {
         EntryModel& model = m_panel.row(i);
-        if (!hasValue(model.facts().field)) continue;
-        const auto value = to == ResetTo::Loaded ? std::optional(model.loadedValue()) : defaultOf(i);
-        if (!value || *value == model.value()) continue;
+        const auto value = resetValue(i, to);
+        if (!value) continue;
         EditChange change{i, model.value(), *value};
         if (model.SetValueFromText(*value)) step.push_back(std::move(change));
     }

@@ -82,8 +82,12 @@ public:
     std::optional<size_t> redo();
     // Each is one step of undo; how many values changed. Rows without a known default keep their values.
     size_t resetRow(size_t i, ResetTo to) { return reset(i, i + 1, to); }
-    size_t resetSection(size_t heading, ResetTo to);
+    size_t resetSection(size_t heading, ResetTo to) { return reset(heading, sectionEnd(heading), to); }
     size_t resetAll(ResetTo to) { return reset(0, size(), to); }
+    // Whether that would change any of the rows from `first` to in front of `last`.
+    bool canReset(size_t first, size_t last, ResetTo to);
+    // Behind the last row of a section.
+    size_t sectionEnd(size_t heading) const;
     // The value in the template folder's copy of the script; nothing where it has no such entry.
     std::optional<std::string> defaultOf(size_t i);
 
@@ -111,6 +115,7 @@ private:
     void showRows(bool keepHistory);
     bool fetchTemplateCopy();
     bool mayDropChanges();
+    std::optional<std::string> resetValue(size_t i, ResetTo to);
     size_t reset(size_t first, size_t last, ResetTo to);
     void apply(size_t i, const std::string& value);
 

@@ -20,6 +20,10 @@ double millisecondsOf(const std::function<void()>& work) {
            static_cast<double>(frequency.QuadPart);
 }
 
+void tellRound(int round, int rounds) {
+    std::fprintf(stderr, "round %d of %d\n", round + 1, rounds);
+}
+
 void paint(HWND window) {
     RedrawWindow(window, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
 }

@@ -13,6 +13,9 @@ namespace zoka::bench {
 
 double millisecondsOf(const std::function<void()>& work);
 
+// Says on the error stream how far the program is; `round` counts from 0.
+void tellRound(int round, int rounds);
+
 // All that waits to be drawn in the window.
 void paint(HWND window);
 

@@ -189,7 +189,7 @@ int run(const std::string& dllPath) {
     size_t windows = 0;
     const auto best = [](double& figure, double now) { figure = figure == 0 ? now : std::min(figure, now); };
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets all
-        std::fprintf(stderr, "bench_panel: round %d of %d\n", round + 1, kRounds);
+        tellRound(round, kRounds);
         for (const int entries : {kFew, kMany}) {
             Panel panel(editor, folder.path(entries == kFew ? "few.kez" : "many.kez"), dll);
             best(entries == kFew ? few : many, millisecondsOf([&] { panel.open(); }));

@@ -250,6 +250,7 @@ int run(const std::string& dll) {
     double bareOpening = 1e9;
     std::vector<double> bareKeys(found.size(), 1e9);
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
+        tellRound(round, kRounds);
         const ManagerRun manager(editor, counts, best);
         bareOpening = std::min(bareOpening, millisecondsOf([&] { bare.open(); }));
         for (size_t i = 0; i < found.size(); ++i)

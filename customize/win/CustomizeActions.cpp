@@ -68,7 +68,13 @@ void CustomizeDialog::save() {
     const bool hadUnplaced = !m_session.unplaced().empty();
     // The button can't keep the keyboard once there is nothing to save, and its neighbour must not get it.
     const bool byButton = GetFocus() == GetDlgItem(m_window, kSave);
+    const std::string path = m_session.script().scriptPath;
     m_session.save();
+    if (m_window && m_setup.choices && m_session.script().scriptPath != path) {
+        // The project's own copy stands in the template's place now.
+        m_session.scriptChoices = m_setup.choices();
+        fillScriptChoices();
+    }
     if (m_window && byButton && !IsWindowEnabled(GetDlgItem(m_window, kSave))) m_panel.focusLast();
     if (!hadUnplaced) showUnplaced();
     if (m_window && !m_session.unplaced().empty()) showState();
@@ -182,16 +188,20 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
         line();
     }
     if (hasValue(kind)) {
-        const auto original = m_session.defaultOf(row);
         item(kResetLoaded, "Reset to the &loaded value", model.HasChanged());
-        item(kResetDefault, "Reset to the template's &default", original && *original != model.value());
+        item(kResetDefault, "Reset to the template's &default",
+             m_session.canReset(row, row + 1, ResetTo::Default));
     }
     if (kind == EntryField::Heading) {
-        item(kResetSectionLoaded, "Reset the section to the load&ed values");
-        item(kResetSectionDefault, "Reset the section to the template's de&faults");
+        const size_t end = m_session.sectionEnd(row);
+        item(kResetSectionLoaded, "Reset the section to the load&ed values",
+             m_session.canReset(row, end, ResetTo::Loaded));
+        item(kResetSectionDefault, "Reset the section to the template's de&faults",
+             m_session.canReset(row, end, ResetTo::Default));
     }
     item(kResetAllLoaded, "Reset &all to the loaded values", m_session.changedCount() > 0);
-    item(kResetAllDefault, "Re&set all to the template's defaults");
+    item(kResetAllDefault, "Re&set all to the template's defaults",
+         m_session.canReset(0, m_session.size(), ResetTo::Default));
     line();
     item(kFoldAll, "F&old all sections");
     item(kUnfoldAll, "U&nfold all sections");

@@ -4,9 +4,6 @@
 
 using namespace zoka;
 using namespace zoka::test;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 

@@ -17,6 +17,10 @@
 
 namespace zoka::test {
 
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
 // A project beside a suite, with every call noted that changes something.
 class NotingHost : public FolderHost {
 public:

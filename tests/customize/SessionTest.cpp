@@ -2,9 +2,6 @@
 
 using namespace zoka;
 using namespace zoka::test;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
@@ -74,6 +71,8 @@ TEST_F(Session, ResetsGoToTheValueLoadedOrTheTemplates) {
     EXPECT_EQ(session.defaultOf(rowOf("Range")), "20");
     EXPECT_EQ(session.defaultOf(rowOf("Gone")), std::nullopt);
     EXPECT_EQ(session.resetRow(rowOf("Range"), ResetTo::Default), 1u);
+    EXPECT_FALSE(session.canReset(rowOf("Range"), rowOf("Range") + 1, ResetTo::Default));
+    EXPECT_TRUE(session.canReset(rowOf("First"), session.sectionEnd(rowOf("First")), ResetTo::Loaded));
     EXPECT_EQ(value("Range"), "20");
     EXPECT_EQ(session.resetSection(rowOf("First"), ResetTo::Loaded), 2u);
     EXPECT_EQ(value("Range"), "10");
