@@ -7,9 +7,7 @@
 #include "tests/cli/Tool.h"
 
 using nlohmann::json;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
+using testing::AllOf, testing::HasSubstr, testing::StartsWith;
 
 namespace {
 

@@ -3,9 +3,7 @@
 
 #include "tests/cli/Tool.h"
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
+using testing::AllOf, testing::HasSubstr, testing::StartsWith;
 
 namespace {
 

@@ -7,8 +7,7 @@
 #include "tests/cli/Tool.h"
 #include "tests/cli/Unreadable.h"
 
-using testing::HasSubstr;
-using testing::StartsWith;
+using testing::HasSubstr, testing::StartsWith;
 
 namespace {
 

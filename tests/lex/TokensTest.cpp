@@ -91,19 +91,16 @@ TEST(Tokens, FirstOneCanBeMeasuredFoundAndCopied) {
 
     char* buffer = nullptr;
     int size = 0;
-    const char* rest = CLex::GetToken("ab longer,x longest\ny", buffer, size, ",");
-    EXPECT_STREQ(buffer, "ab");
-    EXPECT_EQ(size, 3);
-    rest = CLex::GetToken(rest, buffer, size, ",");
-    EXPECT_STREQ(buffer, "longer");
-    EXPECT_EQ(size, 7);
-    const char* const kept = buffer;
-    rest = CLex::GetToken(rest, buffer, size, ",");
-    EXPECT_STREQ(buffer, "x");
-    EXPECT_EQ(buffer, kept);  // large enough: not replaced
-    rest = CLex::GetToken(rest, buffer, size, ",");
-    EXPECT_STREQ(buffer, "longest");
-    EXPECT_EQ(size, 8);  // seven bytes had no room for the 0
+    const char* rest = "ab longer,x longest\ny";
+    // A buffer that is large enough isn't replaced; seven bytes have no room for the 0 of the last one.
+    const std::pair<const char*, int> copies[] = {{"ab", 3}, {"longer", 7}, {"x", 7}, {"longest", 8}};
+    for (const auto& [copy, sizeThen] : copies) {
+        const char* const kept = size == sizeThen ? buffer : nullptr;
+        rest = CLex::GetToken(rest, buffer, size, ",");
+        EXPECT_STREQ(buffer, copy);
+        EXPECT_EQ(size, sizeThen);
+        EXPECT_TRUE(!kept || buffer == kept);
+    }
     EXPECT_EQ(CLex::GetToken(rest, buffer, size, ","), nullptr);
     EXPECT_STREQ(buffer, "longest");
     delete[] buffer;

@@ -14,8 +14,7 @@
 // Members of a class that we don't have are called through plain pointers.
 #pragma GCC diagnostic ignored "-Wattributes"
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using testing::ElementsAre, testing::IsEmpty;
 
 namespace zoka::test {
 namespace {

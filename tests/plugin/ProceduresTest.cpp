@@ -8,10 +8,7 @@
 #include "tests/support/TempFolder.h"
 #include "util/DebugLog.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty, testing::Not;
 using zoka::g_procDefs;
 
 namespace zoka::test {
@@ -105,23 +102,18 @@ TEST_F(Procedures, InfoWordsAreFixed) {
 
 TEST_F(Procedures, MissingPreconditionsChangeNothing) {
     enum Missing { kFlags, kApp, kEditor };
-    const struct {
+    struct Row {
         int index;
         Missing missing;
         std::vector<std::string> texts;
-    } rows[] = {
-        {kCustomize, kFlags, {"Execute Flags (ec12-1)"}},
-        {kCustomize, kApp, {"No AppInterface (ec12-2)"}},
-        {kCustomize, kEditor, {"Invalid Zun Interface (ec11-2)"}},
-        {kAddScript, kApp, {"No AppInterface (ec10-1)"}},
-        {kAddScript, kEditor, {"Invalid Zun Interface (ec10-2)"}},
-        {kBehavior, kFlags, {}},
-        {kBehavior, kApp, {}},
-        {kBehavior, kEditor, {}},
-        {kWizard, kFlags, {}},
-        {kWizard, kApp, {}},
-        {kWizard, kEditor, {}},
     };
+    std::vector<Row> rows = {{kCustomize, kFlags, {"Execute Flags (ec12-1)"}},
+                             {kCustomize, kApp, {"No AppInterface (ec12-2)"}},
+                             {kCustomize, kEditor, {"Invalid Zun Interface (ec11-2)"}},
+                             {kAddScript, kApp, {"No AppInterface (ec10-1)"}},
+                             {kAddScript, kEditor, {"Invalid Zun Interface (ec10-2)"}}};
+    for (const int silent : {kBehavior, kWizard})
+        for (const Missing missing : {kFlags, kApp, kEditor}) rows.push_back({silent, missing, {}});
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << g_procDefs[row.index].name << " missing " << row.missing);
         prompt.asked.clear();

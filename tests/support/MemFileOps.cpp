@@ -83,7 +83,7 @@ public:
         while (!in.empty() && spent < kMostBytes) {
             const std::uint8_t op = in.byte() % 12;
             const long number = in.number();
-            spent += 16 + static_cast<std::size_t>(number);
+            spent += 16 + bytes(number);
             step(op, number, in);
             compare("length", m_file.GetLen(), m_model.size());
             compare("position", m_file.Tell(), m_model.pos);
@@ -110,7 +110,7 @@ private:
                 write(number % (op == 1 ? 40 : 3000), 1 + in.byte() % 3);
                 break;
             case 3: {
-                const std::string text(static_cast<std::size_t>(number % 50), "a\rb\nc"[number % 5]);
+                const std::string text(bytes(number % 50), "a\rb\nc"[number % 5]);
                 compare("Puts", m_file.Puts(text.c_str()), text.empty() ? 0 : 1);
                 m_model.write(text);
                 break;
@@ -148,28 +148,24 @@ private:
     }
 
     void write(long size, long n) {
-        std::string bytes;
-        for (long i = 0; i < size * n; ++i) bytes += "\r\nxyz0"[m_seed++ * 7 % 11 % 6];
+        std::string written;
+        for (long i = 0; i < size * n; ++i) written += "\r\nxyz0"[m_seed++ * 7 % 11 % 6];
         const long done = size > 0 ? n : 0;
-        compare(
-            "Write",
-            number(m_file.Write(bytes.data(), static_cast<std::size_t>(size), static_cast<std::size_t>(n))),
-            done);
-        m_model.write(bytes);
+        compare("Write", number(m_file.Write(written.data(), bytes(size), bytes(n))), done);
+        m_model.write(written);
     }
 
     void read(long n, long size) {
         // Exactly as large as asked for, so that the sanitizer sees a byte too many.
-        std::vector<char> buffer(static_cast<std::size_t>(n * size));
-        const long got =
-            number(m_file.Read(buffer.data(), static_cast<std::size_t>(size), static_cast<std::size_t>(n)));
+        std::vector<char> buffer(bytes(n * size));
+        const long got = number(m_file.Read(buffer.data(), bytes(size), bytes(n)));
         const std::string expected = m_model.take(n * size);
         compare("Read", got, size > 0 ? static_cast<long>(expected.size()) / size : n);
         compareText("Read", std::string(buffer.data(), expected.size()), expected);
     }
 
     void line(long n) {
-        std::vector<char> buffer(static_cast<std::size_t>(n + 1));
+        std::vector<char> buffer(bytes(n + 1));
         const char* text = m_file.Gets(buffer.data(), static_cast<int>(n));
         const std::string expected = m_model.line(n);
         compare("Gets", text != nullptr, !expected.empty());
@@ -184,11 +180,10 @@ private:
         const bool fits = offset + size <= m_model.size();
         compare("create_part", view != nullptr, fits);
         if (view && fits) {
-            std::vector<char> buffer(static_cast<std::size_t>(size) + 1);
-            compare("part read", number(view->Read(buffer.data(), 1, static_cast<std::size_t>(size))), size);
-            compareText(
-                "part", std::string(buffer.data(), static_cast<std::size_t>(size)),
-                m_model.data.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size)));
+            std::vector<char> buffer(bytes(size) + 1);
+            compare("part read", number(view->Read(buffer.data(), 1, bytes(size))), size);
+            compareText("part", std::string(buffer.data(), bytes(size)),
+                        m_model.data.substr(bytes(offset), bytes(size)));
         }
     }
 
@@ -207,9 +202,7 @@ private:
         m_file.GetText(&text, size);
         const std::unique_ptr<unsigned char[]> owner(text);
         m_model.pos = text ? m_model.size() : m_model.pos;
-        compareText("content",
-                    std::string(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)),
-                    m_model.data);
+        compareText("content", std::string(reinterpret_cast<const char*>(text), bytes(size)), m_model.data);
     }
 
     long nextByte() {
@@ -218,6 +211,7 @@ private:
     }
 
     static long number(std::size_t value) { return static_cast<long>(value); }
+    static std::size_t bytes(long value) { return static_cast<std::size_t>(value); }
 
     void compare(const char* what, long got, long expected) {
         if (got != expected && m_report.empty())

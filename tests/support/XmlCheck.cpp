@@ -10,15 +10,16 @@
 namespace zoka::test {
 namespace {
 
-struct Free {
-    void operator()(char* text) const { std::free(text); }
-};
-
 std::string quoted(const char* text) {
     return text ? "'" + std::string(text) + "'" : "null";
 }
 
 }  // namespace
+
+std::string textOf(const XMLNode& node, bool formatted, int* length) {
+    const std::unique_ptr<char, decltype(&std::free)> text(node.toText(formatted, length), std::free);
+    return text ? text.get() : "<null>";
+}
 
 std::string dumpXml(const XMLNode& top) {
     struct Open {
@@ -69,17 +70,15 @@ std::string checkTree(const XMLNode& document) {
     const std::string before = dumpXml(document);
     for (const bool formatted : {true, false}) {
         int length = 0;
-        const std::unique_ptr<char, Free> text(document.toText(formatted, &length));
-        if (!text || std::char_traits<char>::length(text.get()) != static_cast<std::size_t>(length))
-            return "toText gives a wrong length";
+        const std::string text = textOf(document, formatted, &length);
+        if (text.size() != static_cast<std::size_t>(length)) return "toText gives a wrong length";
         XMLResults results;
-        const XMLNode again = XMLNode::parseText(text.get(), nullptr, &results);
+        const XMLNode again = XMLNode::parseText(text.c_str(), nullptr, &results);
         if (again.isEmpty())
             return "what was written is not read: " + std::string(XMLNode::errorText(results.code)) + "\n" +
-                   text.get();
+                   text;
         if (dumpXml(again) != before) return "reads back differently:\n" + before + dumpXml(again);
-        const std::unique_ptr<char, Free> second(again.toText(formatted));
-        if (std::string_view(second.get()) != text.get()) return "writes differently the second time";
+        if (textOf(again, formatted) != text) return "writes differently the second time";
     }
     return {};
 }

@@ -16,4 +16,7 @@ std::string checkXml(std::string_view bytes);
 // dumps.
 std::string dumpXml(const XMLNode& top);
 
+// A tree written, with its length where one asks for it; "<null>" for the empty node.
+std::string textOf(const XMLNode& node, bool formatted = false, int* length = nullptr);
+
 }  // namespace zoka::test

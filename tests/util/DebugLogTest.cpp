@@ -6,8 +6,7 @@
 
 namespace {
 
-using zoka::closeDebugLog;
-using zoka::debugLog;
+using zoka::closeDebugLog, zoka::debugLog;
 
 const std::string kHeader =
     "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<!-- Debug output -->\n<DebugLog>\n";

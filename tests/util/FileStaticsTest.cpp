@@ -8,8 +8,7 @@
 namespace {
 
 using zoka::FileTime;
-using zoka::test::FaultyOsFiles;
-using zoka::test::TempFolder;
+using zoka::test::FaultyOsFiles, zoka::test::TempFolder;
 
 class FolderAt : public FaultyOsFiles {
 public:

@@ -257,17 +257,15 @@ TEST(FileFamily, ReadsAlikeInAllStorages) {
             for (file_t* file : all) {
                 std::string got = std::to_string(op) + ": ";
                 char buffer[1300] = {};
-                if (op == 0) {
+                if (op == 0)
                     got += std::to_string(file->Getc());
-                } else if (op == 1) {
-                    const char* line = file->Gets(buffer, static_cast<int>(number) + 2);
-                    got += line ? line : "(null)";
-                } else if (op == 2) {
-                    const auto items = file->Read(buffer, 1 + static_cast<std::size_t>(number % 4), 300);
-                    got += std::to_string(items) + buffer;
-                } else {
+                else if (op == 1)
+                    got += file->Gets(buffer, static_cast<int>(number) + 2) ? buffer : "(null)";
+                else if (op == 2)
+                    got += std::to_string(file->Read(buffer, 1 + static_cast<std::size_t>(number % 4), 300)) +
+                           buffer;
+                else
                     got += std::to_string(file->Seek(target, SEEK_SET));
-                }
                 got += " @" + std::to_string(file->Tell());
                 if (expected.empty()) expected = got;
                 ASSERT_EQ(got, expected);

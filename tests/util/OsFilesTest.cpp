@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/FaultyOsFiles.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -102,17 +101,6 @@ TEST_F(OsFilesTest, RenamesAndReplaces) {
     EXPECT_EQ(folder.read("b"), "A");
     EXPECT_TRUE(files.deleteFile(b));
     EXPECT_FALSE(files.deleteFile(b));
-}
-
-TEST_F(OsFilesTest, AFakeTakesTheDisksPlace) {
-    {
-        const test::FaultyOsFiles fake(test::FaultyOsFiles::nth(2));
-        EXPECT_EQ(&osFiles(), static_cast<const OsFiles*>(&fake));
-        EXPECT_TRUE(osFiles().exists(folder.path()));
-        EXPECT_FALSE(osFiles().exists(folder.path()));
-        EXPECT_TRUE(osFiles().exists(folder.path()));
-    }
-    EXPECT_EQ(&osFiles(), &systemFiles());
 }
 
 }  // namespace

@@ -10,10 +10,8 @@
 
 namespace {
 
-using zoka::safeWrite;
-using zoka::SafeWriteResult;
-using zoka::test::FaultyOsFiles;
-using zoka::test::TempFolder;
+using zoka::safeWrite, zoka::SafeWriteResult;
+using zoka::test::FaultyOsFiles, zoka::test::TempFolder;
 
 using Names = std::vector<std::string>;
 

@@ -9,10 +9,7 @@
 #include "xml/XMLNames.h"
 
 using zoka::guessUtf8;
-using zoka::test::orNull;
-using zoka::test::TempFolder;
-using zoka::test::textOf;
-using zoka::test::WithCharset;
+using namespace zoka::test;
 
 namespace {
 
@@ -31,44 +28,31 @@ std::string utf16(const std::u16string& text, bool bigEndian) {
 std::string readBytes(std::string_view bytes) {
     XMLResults results;
     const XMLNode node = XMLNode::parseBytes(bytes, nullptr, &results);
-    return node.isEmpty() ? zoka::test::verdict(node, results) : orNull(node.getChild("a").getText());
+    return node.isEmpty() ? verdict(node, results) : orNull(node.getChild("a").getText());
 }
 
 TEST(Charset, GuessesUtf8) {
     const std::string fill(30, ' ');
     const std::string far(195, ' ');
-    const struct {
-        std::string bytes;
-        bool utf8;
-    } rows[] = {
-        {"<a/>", false},
-        {std::string(24, 'x'), false},
-        {std::string(25, 'x'), true},
-        {std::string(kMark) + "<a/>", false},
-        {kMark + fill, true},
-        {kMark + fill + "\xFF", true},
-        {"\xFF\xFE" + fill, false},
-        {"\xFE\xFF" + fill, false},
-        {std::string("<\0a\0", 4) + fill, false},
-        {fill + "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", true},
-        {fill + "\xE9 ", false},
-        {fill + "\xA9", false},
-        {fill + "\xE2\x82", false},
-        {fill + "\xFC\x80\x80\x80\x80\x80", false},
-        {far + "xxxx\xE2\x82\xAC", true},
-        {far + "xxxx\xE2zz", true},
-        {far + "xxxxx\xFF", true},
-        {"<?xml version='1.0' encoding='utf-8'?>", true},
-        {"<?xml version='1.0' encoding \t\r\n= \n\"UTF8-x'?>", true},
-        {"<?xml version='1.0' encoding='iso-8859-1'?>", false},
-        {"<?xml version='1.0' encoding=''?>     ", false},
-        {"<?xml version='1.0' encoding='utf", false},
-        {"<?xml version='1.0' encoding=utf-7 ?>", true},
-        {"<?xml version='1.0' encoding utf-7 ?>", true},
-        {"<?xml version='1.0' encoding      =   ", true},
-        {far + "encoding='x'", true},
-    };
-    for (const auto& row : rows) EXPECT_EQ(guessUtf8(row.bytes), row.utf8) << row.bytes;
+    const std::string utf8[] = {
+        // by its bytes
+        std::string(25, 'x'), kMark + fill, kMark + fill + "\xFF",
+        fill + "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", far + "xxxx\xE2\x82\xAC", far + "xxxx\xE2zz",
+        far + "xxxxx\xFF",
+        // by what it says
+        "<?xml version='1.0' encoding='utf-8'?>", "<?xml version='1.0' encoding \t\r\n= \n\"UTF8-x'?>",
+        "<?xml version='1.0' encoding=utf-7 ?>", "<?xml version='1.0' encoding utf-7 ?>",
+        "<?xml version='1.0' encoding      =   ", far + "encoding='x'"};
+    const std::string others[] = {
+        // by its bytes
+        "<a/>", std::string(24, 'x'), std::string(kMark) + "<a/>", "\xFF\xFE" + fill, "\xFE\xFF" + fill,
+        std::string("<\0a\0", 4) + fill, fill + "\xE9 ", fill + "\xA9", fill + "\xE2\x82",
+        fill + "\xFC\x80\x80\x80\x80\x80",
+        // by what it says
+        "<?xml version='1.0' encoding='iso-8859-1'?>", "<?xml version='1.0' encoding=''?>     ",
+        "<?xml version='1.0' encoding='utf"};
+    for (const std::string& bytes : utf8) EXPECT_TRUE(guessUtf8(bytes)) << bytes;
+    for (const std::string& bytes : others) EXPECT_FALSE(guessUtf8(bytes)) << bytes;
 }
 
 TEST(Charset, FilesBecomeUtf8) {
@@ -123,7 +107,7 @@ TEST(Charset, InThePlatformsSetHighBytesAreCharacters) {
     EXPECT_EQ(readBytes("<?xml version='1.0' encoding='windows-1250'?><a>\xC3\xA9</a>"), "\xC3\xA9");
     const XMLNode node = XMLNode::parseText("<\xE9l\xE9ve \xFC='1'>x</\xE9l\xE9ve>");
     EXPECT_STREQ(node.getChild("\xE9L\xE9VE").getAttribute("\xFC"), "1");
-    EXPECT_EQ(zoka::test::verdict("<a>\xE9\x01</a>"), "9 1:5");
+    EXPECT_EQ(verdict("<a>\xE9\x01</a>"), "9 1:5");
 }
 
 // In a set with two-byte characters the second byte may look like a letter or a bracket; it is neither.
@@ -148,9 +132,9 @@ TEST(Charset, TwoByteCharactersAreWhole) {
     EXPECT_FALSE(tails.getChild("N23456789\x83K").isEmpty());
     EXPECT_TRUE(tails.getChild("n23456789\x83k").isEmpty());
     // Columns count characters, also behind what was decoded in place.
-    EXPECT_EQ(zoka::test::verdict("<a \x83K='\x83[&amp;\x83]'>\x83K&lt;\x83K</b>"), "7 1:22");
+    EXPECT_EQ(verdict("<a \x83K='\x83[&amp;\x83]'>\x83K&lt;\x83K</b>"), "7 1:22");
     // A lead byte without a second one is a character of its own.
-    EXPECT_EQ(zoka::test::verdict("<a\x83"), "10 1:4");
+    EXPECT_EQ(verdict("<a\x83"), "10 1:4");
 }
 
 // What a file says of its encoding is true, whatever set the texts are in.

@@ -9,11 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/XmlCheck.h"
 #include "tests/xml/XmlText.h"
 
-using zoka::test::checkXml;
-using zoka::test::textOf;
+using namespace zoka::test;
 
 namespace {
 
@@ -110,7 +108,7 @@ TEST(Hostile, GreatLengths) {
     for (const std::string& text : texts) EXPECT_EQ(checkXml(text), "") << text.substr(0, 20);
     std::string line = "<a>";
     for (int i = 0; i < 300000; ++i) line += "<b c='&lt;'>&amp;</b>";
-    EXPECT_EQ(zoka::test::verdict((line + "</b>").c_str()), "7 1:" + std::to_string(line.size() + 1));
+    EXPECT_EQ(verdict((line + "</b>").c_str()), "7 1:" + std::to_string(line.size() + 1));
 }
 
 }  // namespace

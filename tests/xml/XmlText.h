@@ -1,21 +1,11 @@
 // Short forms for the XML tests.
 #pragma once
 
-#include <cstdlib>
-#include <memory>
 #include <string>
 
-#include "xml/XMLNode.h"
+#include "tests/support/XmlCheck.h"
 
 namespace zoka::test {
-
-inline std::string textOf(const XMLNode& node, bool formatted = false) {
-    struct Free {
-        void operator()(char* text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, Free> text(node.toText(formatted));
-    return text ? text.get() : "<null>";
-}
 
 inline std::string orNull(const char* text) {
     return text ? text : "<null>";

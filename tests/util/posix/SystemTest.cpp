@@ -50,17 +50,13 @@ TEST(NativePath, FindsNamesWithoutRegardToCase) {
     EXPECT_EQ(fromNativePath("a/b"), "a\\b");
 }
 
-TEST(DiskFile, RefusesWhatWouldWait) {
+// A pipe would wait; a device may never end, and saving would put a file into its place.
+TEST(OsFiles, PipesAndDevicesAreNoFiles) {
     const TempFolder folder;
     ASSERT_EQ(mkfifo(folder.native("pipe").c_str(), 0600), 0);
     file_t file;
     EXPECT_FALSE(file.OpenRead(folder.path("pipe").c_str()));
     EXPECT_FALSE(file.OpenWrite(folder.path("pipe").c_str()));
-}
-
-// A device may never end, and saving would put a file into its place.
-TEST(OsFiles, DevicesAreNoFiles) {
-    file_t file;
     EXPECT_FALSE(file.OpenRead("\\dev\\zero"));
     EXPECT_EQ(systemFiles().readWhole("\\dev\\zero"), std::nullopt);
     EXPECT_EQ(systemFiles().lastError(), "Operation not supported");
