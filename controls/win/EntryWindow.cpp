@@ -58,10 +58,11 @@ HWND EntryWindow::child(HWND control) {
 }
 
 HWND EntryWindow::makeEdit(const char* className, DWORD style) {
-    const HWND edit = CreateWindowExA(WS_EX_CLIENTEDGE, className, "",
-                                      WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL | style, 0, 0, 0, 0,
-                                      m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(kField)),
-                                      ControlClasses::instance(), nullptr);
+    // Several lines are broken at the field's width, one line scrolls.
+    if (!(style & ES_MULTILINE)) style |= ES_AUTOHSCROLL;
+    const HWND edit = CreateWindowExA(
+        WS_EX_CLIENTEDGE, className, "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | style, 0, 0, 0, 0, m_window,
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(kField)), ControlClasses::instance(), nullptr);
     SendMessageA(edit, WM_SETFONT, reinterpret_cast<WPARAM>(m_panel.fonts().text()), FALSE);
     return child(edit);
 }
