@@ -36,9 +36,6 @@ std::string escaped(std::string_view text) {
             case '>':
                 result += "&gt;";
                 break;
-            case '"':
-                result += "&quot;";
-                break;
             case '\0':
                 break;
             default:

@@ -26,7 +26,7 @@ const std::string kEnd = "\n</body>\n</html>";
 CTemplateData catalogue() {
     CTemplateData data;
     CScriptElm chase = script("Chase", "chase.kez", "Camera", "user");
-    chase.m_desc = "Follows.\nSmoothly & <far>.";
+    chase.m_desc = "Follows.\nSmoothly & \"<far>\".";
     chase.m_note = "Mind.";
     chase.m_needs = {"orbit.kez", "lib.kez", "Orbit.kez", "chase.kez", "none.kez"};
     chase.m_sections = {{"A", "", "", {{"first", "chase.kez", {"6", "COMM"}, "One\nTwo"}}},
@@ -56,7 +56,7 @@ TEST(HelpPages, ByClass) {
     EXPECT_EQ(folder.read("template_Camera.htm"),
               inTextMode(kStart + "<title>Template_Camera</title>\n" + kMiddle +
                          "<h1>Template class: <b>Camera</b></h1>\n\n"
-                         "<h2>Chase</h2>\nFollows.<br>Smoothly &amp; &lt;far&gt;."
+                         "<h2>Chase</h2>\nFollows.<br>Smoothly &amp; \"&lt;far&gt;\"."
                          "\n<h3>Actions:</h3>\n" +
                          editionMarks("COMM") +
                          "<b>first (chase.kez)</b> - One<br>Two\n<br>\n<b>chase.kez</b> - Three\n<br>\n<b>x "
@@ -83,7 +83,7 @@ TEST(HelpPages, ByScript) {
             kEnd));
     const std::string chase = folder.read("Chase.htm");
     EXPECT_NE(chase.find(inTextMode(
-                  "<h2>Chase</h2>\nFollows.\nSmoothly &amp; &lt;far&gt;.\n<h3>Actions:</h3>\n<br>\n"
+                  "<h2>Chase</h2>\nFollows.\nSmoothly &amp; \"&lt;far&gt;\".\n<h3>Actions:</h3>\n<br>\n"
                   "<span")),
               std::string::npos)
         << chase;
