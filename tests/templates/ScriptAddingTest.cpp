@@ -180,6 +180,9 @@ TEST(ScriptAdding, TheMainScriptItself) {
         EXPECT_EQ(adding.AddScriptToProject(project.folder.path("main.kez")), row.added) << row.what;
         EXPECT_EQ(project.main(), row.expected) << "never includes itself";
     }
+    Fixture f;
+    const std::string own = f.project.folder.path("main.kez");
+    EXPECT_EQ(f.adding.plan(std::span(&own, 1)).summary(), "nothing: the main script never includes itself");
     Fixture empty("");
     empty.project.addTemplate("a_.kez", "x");
     EXPECT_TRUE(empty.add("a_.kez"));
