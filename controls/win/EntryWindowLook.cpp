@@ -15,7 +15,8 @@ constexpr int kMarkWidth = 3;  // of the bar in front of changed rows, in pixels
 void EntryWindow::setPlace(HWND after, int y, const PanelRect& place, int labelWidth) {
     m_y = y;
     m_labelWidth = labelWidth;  // follows the width, so the row is laid out when it changes
-    SetWindowPos(m_window, after, place.x, y, place.width, place.height, SWP_NOACTIVATE | SWP_NOCOPYBITS | SWP_SHOWWINDOW);
+    SetWindowPos(m_window, after, place.x, y, place.width, place.height,
+                 SWP_NOACTIVATE | SWP_NOCOPYBITS | SWP_SHOWWINDOW);
 }
 
 void EntryWindow::layout(int width, int height) {
