@@ -93,6 +93,7 @@ TEST(WellFormed, IsRefusedWithCodeAndPlace) {
         {"10 1:30", {"<a abcdefghi='' abcdefghj='' abcdefghi=''/>"}},
         // text and references
         {"8 1:4", {"<a>]]></a>"}},
+        {"8 1:5", {"<a>x]]>y</a>"}},
         {"8 1:6", {"<a>x]]]></a>"}},
         {"9 1:4", {"<a>\x01</a>", "<a>\x1F</a>", "<a>\xEF\xBF\xBE</a>", "<a>\xEF\xBF\xBF</a>"}},
         {"15 1:4",
