@@ -41,8 +41,13 @@ SaveResult CustomizeSession::fail(const std::string& message, const std::string&
 // Nothing when saving can go on.
 std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
     // The whole content is compared: times are too coarse for two programs that write at once. A file that
-    // is gone is simply written again.
-    const auto now = osFiles().readWhole(m_panel.script.scriptPath);
+    // is gone is simply written again; one that can't be read may hold another's work.
+    const std::string& path = m_panel.script.scriptPath;
+    const auto now = osFiles().readWhole(path);
+    const std::string why = now ? "" : osFiles().lastError();
+    if (!now && osFiles().exists(path))
+        return fail("Can't read '" + path + "': " + why +
+                    "\nAnother program may have changed it, so it was not saved.");
     if (!now || *now == m_panel.script.fileText()) return std::nullopt;
     const PromptAnswer answer = m_prompt.ask(
         "The script was changed by another program since it was loaded.\n\n"
@@ -99,7 +104,7 @@ bool CustomizeSession::takeIntoProject(bool& copied) {
         return false;
     }
     const auto there = osFiles().readWhole(target);
-    if (there && *there != m_panel.script.fileText() &&
+    if ((there || osFiles().exists(target)) && there != m_panel.script.fileText() &&
         !question("\"" + std::string(fileNameOf(path)) +
                   "\" is in the project folder already, with other content.\n\nOverwrite it?"))
         return false;

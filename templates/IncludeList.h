@@ -38,7 +38,8 @@ bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>
 // Both look through all lines of `lexer`, from the first one, and return the insertion point, an offset in
 // its text: the start of the line that ends the block; where the block ends with the text, the start of its
 // last line; without a block, the start of the first line that is no "//" comment; else the start of the text.
-// The text starts behind the byte order mark of a UTF-8 file, which stays in front. The names are appended to `names`; or those found in the block, in any case, are removed from `pendingNames`.
+// The text starts behind the byte order mark of a UTF-8 file, which stays in front. The names are appended to
+// `names`; or those found in the block, in any case, are removed from `pendingNames`.
 long ScanIncludeBlock(CLex& lexer, std::vector<std::string>& names);
 long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames);
 

@@ -27,6 +27,7 @@ TEST_F(Session, FaultsAreToldLeaveWholeFilesAndTheNextTryWorks) {
         {"full at the close", Save, "close", "", "Can't write '", false},
         {"locked", Save, "replaceFile", "\\s.kez", "Can't write '", false},
         {"link that can't be followed", Save, "resolveLinks", "\\s.kez", "Can't follow the link '", false},
+        {"unreadable, so perhaps changed", Save, "readWhole", "\\s.kez", "Can't read '", false},
         {"value file read-only", Save, "openExisting", ".zoka", kNoValues, true},
         {"value file locked", Save, "replaceFile", ".zoka", kNoValues, true},
         {"read-only", Restore, "openExisting", "\\s.kez", kNoCopy, false},
