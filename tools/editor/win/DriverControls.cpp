@@ -259,7 +259,7 @@ void Driver::set(const Words& words) {
     const HWND found = usableControl(words[0]);
     if (isClass(found, TRACKBAR_CLASSA)) {
         ask(found, TBM_SETPOS, TRUE, driveNumber(words[1]));
-        PostMessageA(GetParent(found), WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(found));
+        ask(GetParent(found), WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(found));
         return;
     }
     // The control itself tells its parent of a change that is made this way.
