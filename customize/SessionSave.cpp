@@ -41,11 +41,11 @@ SaveResult CustomizeSession::fail(const std::string& message, const std::string&
 // Nothing when saving can go on.
 std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
     // The whole content is compared: times are too coarse for two programs that write at once. A file that
-    // is gone is simply written again; one that can't be read may hold another's work.
+    // is gone is simply written again; one that can be written but not read may hold another's work.
     const std::string& path = m_panel.script.scriptPath;
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
-    if (!now && osFiles().exists(path))
+    if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing))
         return fail("Can't read '" + path + "': " + why +
                     "\nAnother program may have changed it, so it was not saved.");
     if (!now || *now == m_panel.script.fileText()) return std::nullopt;

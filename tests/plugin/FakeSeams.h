@@ -1,8 +1,9 @@
 // Panels and dialogs without windows; each panel runs on a real thread.
 #pragma once
 
-#include <atomic>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -34,7 +35,8 @@ public:
             return false;
         }
         m_thread = std::thread([this] {
-            m_closing.wait(false);
+            std::unique_lock lock(m_mutex);
+            m_wake.wait(lock, [this] { return m_closing; });
             // Long enough for a terminate that doesn't wait to be seen.
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
             m_log.add("closed " + m_name);
@@ -43,10 +45,12 @@ public:
         return true;
     }
     void requestClose() override {
+        const std::lock_guard lock(m_mutex);
         m_closing = true;
-        m_closing.notify_all();
+        m_wake.notify_all();
     }
     bool bringToFront() override {
+        const std::lock_guard lock(m_mutex);
         // A closing panel is not noted: whether it is asked before or after it has closed is a matter of luck.
         if (m_closing) return false;
         m_log.add("front " + m_name);
@@ -66,7 +70,9 @@ private:
     PanelState& m_state;
     const std::string m_name;
     const bool m_starts;
-    std::atomic<bool> m_closing = false;
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_closing = false;
     std::thread m_thread;
 };
 
