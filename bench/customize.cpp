@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "bench/Ratio.h"
 #include "customize/CustomMarkup.h"
 #include "customize/CustomScript.h"
 #include "customize/CustomizeSession.h"
@@ -69,30 +70,33 @@ void bytes(benchmark::State& state, size_t size) {
 
 // Each size must take its time per byte, as the plain walk does: a list of entries that is moved about, or a
 // look back over the text, would show in the larger ones.
-void memchrLines(benchmark::State& state) {
-    const std::string& text = textOf(state.range(0));
-    for (auto _ : state) {
-        size_t lines = 0;
-        const char* const end = text.data() + text.size();
-        for (const char* p = text.data(); p < end; ++lines) {
-            p = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(end - p)));
-            if (!p) break;
-            ++p;
-        }
-        benchmark::DoNotOptimize(lines);
+size_t memchrLines(const std::string& text) {
+    size_t lines = 0;
+    const char* const end = text.data() + text.size();
+    for (const char* p = text.data(); p < end; ++lines) {
+        p = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(end - p)));
+        if (!p) break;
+        ++p;
     }
+    return lines;
+}
+
+void walkLines(benchmark::State& state) {
+    const std::string& text = textOf(state.range(0));
+    for (auto _ : state) benchmark::DoNotOptimize(memchrLines(text));
     bytes(state, text.size());
 }
-BENCHMARK(memchrLines)->Arg(1)->Arg(10)->Arg(100);
+BENCHMARK(walkLines)->Arg(1)->Arg(10)->Arg(100);
+
+void parse(int64_t mb) {
+    zoka::CustomScript script;
+    zoka::ParseCustomMarkup(textOf(mb), script);
+    if (script.entries.size() < static_cast<size_t>(mb * kEntriesPerMB)) std::abort();
+}
 
 void parseMarkup(benchmark::State& state) {
-    const std::string& text = textOf(state.range(0));
-    for (auto _ : state) {
-        zoka::CustomScript script;
-        zoka::ParseCustomMarkup(text, script);
-        if (script.entries.size() < static_cast<size_t>(state.range(0) * kEntriesPerMB)) std::abort();
-    }
-    bytes(state, text.size());
+    for (auto _ : state) parse(state.range(0));
+    bytes(state, textOf(state.range(0)).size());
 }
 BENCHMARK(parseMarkup)->Arg(1)->Arg(10)->Arg(100);
 
@@ -112,8 +116,11 @@ BENCHMARK(loadRows);
 // as saving does, until they are on the disk. The second is the measure.
 struct SaveFixture {
     std::string folder = zoka::systemFiles().currentFolder();
-    std::string path = folder + "\\bench_customize.kez", copy = folder + "\\bench_customize.copy";
-    SaveFixture() { zoka::safeWrite(path, text1MB()); }
+    std::string path, copy;
+    explicit SaveFixture(const std::string& name = "bench_customize")
+        : path(folder + "\\" + name + ".kez"), copy(folder + "\\" + name + ".copy") {
+        zoka::safeWrite(path, text1MB());
+    }
     ~SaveFixture() {
         for (const std::string& file : {path, copy, path + ".zoka"}) zoka::systemFiles().deleteFile(file);
     }
@@ -137,24 +144,53 @@ void copyToDisk(benchmark::State& state) {
 BENCHMARK(copyToDisk)->UseRealTime();
 
 // Script and value file, both on the disk at the end.
-void save(benchmark::State& state) {
-    SaveFixture files;
-    zoka::FolderHost host({.project = files.folder, .suite = files.folder});
-    zoka::CustomizeSession session(host, zoka::userPrompt());
-    if (!session.open(files.path)) std::abort();
-    int n = 0;
-    for (auto _ : state) {
-        ++n;
-        for (size_t i = 0; i < session.size(); i += 50) {
-            const int kind = session.entry(i).kind;
-            if (kind == zoka::kEntryNumEdit) session.setValue(i, std::to_string(n % 1000 + 5));
-            if (kind == zoka::kEnable) session.setValue(i, session.row(i).isOn() ? "0" : "1");
-        }
-        if (session.save() != zoka::SaveResult::Saved) std::abort();
+class Saving {
+public:
+    Saving() {
+        if (!m_session.open(m_files.path)) std::abort();
     }
+    void changeAndSave() {
+        ++m_round;
+        for (size_t i = 0; i < m_session.size(); i += 50) {
+            const int kind = m_session.entry(i).kind;
+            if (kind == zoka::kEntryNumEdit) m_session.setValue(i, std::to_string(m_round % 1000 + 5));
+            if (kind == zoka::kEnable) m_session.setValue(i, m_session.row(i).isOn() ? "0" : "1");
+        }
+        if (m_session.save() != zoka::SaveResult::Saved) std::abort();
+    }
+
+private:
+    SaveFixture m_files;
+    zoka::FolderHost m_host{{.project = m_files.folder, .suite = m_files.folder}};
+    zoka::CustomizeSession m_session{m_host, zoka::userPrompt()};
+    int m_round = 0;
+};
+
+void save(benchmark::State& state) {
+    Saving saving;
+    for (auto _ : state) saving.changeAndSave();
 }
 BENCHMARK(save)->UseRealTime();
 
+void ratios() {
+    using namespace zoka::bench;
+    const auto parseTime = [] { return millisecondsOf([] { parse(1); }); };
+    const auto walkTime = [] {
+        return millisecondsOf([] { benchmark::DoNotOptimize(memchrLines(text1MB())); });
+    };
+    printRatio("markup of 1 MB", leastOf(201, parseTime, walkTime), "memchr loop over its lines", 4.0);
+    Saving saving;
+    SaveFixture copies("bench_customize_copied");
+    const auto saveTime = [&] { return millisecondsOf([&] { saving.changeAndSave(); }); };
+    const auto copyTime = [&] { return millisecondsOf([&] { copies.copyFile(true); }); };
+    printRatio("save a script of 1 MB", leastOf(201, saveTime, copyTime), "copy it, on the disk", 2.0);
+}
+
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    ratios();
+    return 0;
+}

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
@@ -14,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/Ratio.h"
 #include "plugin/FolderHost.h"
 #include "templates/CatalogueXml.h"
 #include "templates/IncludeList.h"
@@ -23,12 +23,6 @@
 
 namespace zoka::bench {
 namespace {
-
-double millisecondsOf(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
 
 // Processor time, for work that waits for nothing: other work on the machine then counts as little as can be.
 double processorMillisecondsOf(const std::function<void()>& work) {
@@ -58,25 +52,10 @@ double millisecondsOfFresh(const std::function<void()>& work) {
     return result;
 }
 
-// The best of both, taken in turn, so that other work on the machine meets both alike.
-std::pair<double, double> bestOf(int rounds, const std::function<void()>& ours,
-                                 const std::function<void()>& other) {
-    double best = 1e9, bestOther = 1e9;
-    for (int i = 0; i < rounds; ++i) {
-        best = std::min(best, millisecondsOfFresh(ours));
-        bestOther = std::min(bestOther, millisecondsOfFresh(other));
-    }
-    return {best, bestOther};
-}
-
 bool g_allMet = true;
 
 void row(const char* what, double ours, double other, const char* against, double wanted) {
-    const double ratio = ours / other;
-    const bool met = ratio <= wanted;
-    g_allMet = g_allMet && met;
-    std::printf("%-44s %9.2f ms  %-24s %9.2f ms  ratio %5.2f  wanted <= %.2f  %s\n", what, ours, against,
-                other, ratio, wanted, met ? "ok" : "MISSED");
+    g_allMet &= printRatio(what, {ours, other}, against, wanted);
 }
 
 // Scripts as a suite ships them: a description, three needs, two sections with three actions.
@@ -131,23 +110,21 @@ void benchLoading(const test::TempFolder& folder) {
             pugi::xml_document document;
             if (!document.load_file(folder.native(file(scripts)).c_str())) std::abort();
         };
-        const auto [best, other] = bestOf(9, [&] { load(scripts); }, pugi);
+        const Pair least = leastOf(
+            9, [&] { return millisecondsOfFresh([&] { load(scripts); }); },
+            [&] { return millisecondsOfFresh(pugi); });
         row(scripts == kMany ? "load a catalogue of 100,000 scripts" : "load a catalogue of 10,000 scripts",
-            best, other, "pugixml parses it", 2.0);
+            least.ours, least.other, "pugixml parses it", 2.0);
     }
-    // As many scripts in ten catalogues as in one, right after one another, because the machine's speed drifts; the
-    // round in the middle by its ratio counts.
-    std::vector<std::pair<double, double>> rounds;
-    for (int round = 0; round < 9; ++round) {
-        double few = 0;
-        for (int i = 0; i < kMany / kFew; ++i) few += millisecondsOfFresh([&] { load(kFew); });
-        rounds.emplace_back(millisecondsOfFresh([&] { load(kMany); }), few);
-    }
-    std::sort(rounds.begin(), rounds.end(), [](const auto& one, const auto& other) {
-        return one.first * other.second < other.first * one.second;
-    });
-    const auto& [many, few] = rounds[rounds.size() / 2];
-    row("load 100,000 scripts, in one catalogue", many, few, "in ten catalogues", 1.2);
+    // As many scripts in ten catalogues as in one.
+    const Pair growth = leastOf(
+        9, [&] { return millisecondsOfFresh([&] { load(kMany); }); },
+        [&] {
+            double all = 0;
+            for (int i = 0; i < kMany / kFew; ++i) all += millisecondsOfFresh([&] { load(kFew); });
+            return all;
+        });
+    row("load 100,000 scripts, in one catalogue", growth.ours, growth.other, "in ten catalogues", 1.2);
 }
 
 void benchInserting(const test::TempFolder& folder) {

@@ -304,7 +304,7 @@ void growth() {
         const std::string text = catalogueXml(scripts);
         const XMLNode document = Zoka::parse(text);
         double least[2] = {1e9, 1e9};
-        for (int i = 0; i < std::max(15, 200000 / scripts); ++i) {
+        for (int i = 0; i < std::max(50, 200000 / scripts); ++i) {
             XMLNode parsed;
             least[0] = std::min(least[0], secondsOf([&] { parsed = Zoka::parse(text); }));
             Zoka::Text written;

@@ -5,7 +5,7 @@
 # which takes some 15 seconds. Nothing in it refers to the user's home. A crash ends the
 # program instead of starting a debugger.
 set -euo pipefail
-WINEPREFIX=$1
+WINEPREFIX=$(realpath -m "$1")
 shift
 export WINEPREFIX WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=;winemenubuilder.exe="
