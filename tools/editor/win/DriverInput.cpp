@@ -225,8 +225,11 @@ void Driver::contextMenu(const Words& words) {
         const int before = marked();
         PostMessageA(owner, WM_KEYDOWN, VK_DOWN, 0);
         // The mark is nowhere for a moment on its way to the next item.
-        expect([&] { return marked() >= 0 && marked() != before; }, "the next item of the menu",
-               [&] { return all; });
+        const auto moved = [&] {
+            const int now = marked();
+            return now >= 0 && now != before;
+        };
+        expect(moved, "the next item of the menu", [&] { return all; });
     }
     if (!chosen()) throw DriveFault("the menu's mark does not come to \"" + words[1] + "\"");
     PostMessageA(owner, WM_KEYDOWN, VK_RETURN, 0);
