@@ -210,7 +210,8 @@ int run(const std::string& dllPath) {
     met = row("open the panel on 20,000 entries", many, "1,000 entries", few, 1.5) && met;
     met = row("a page down, 20,000 entries", paged[kMany], "1,000 entries", paged[kFew], 1.5) && met;
     met = row("a search, 20,000 entries", searched[kMany], "opening 1,000 entries", few, 1.0) && met;
-    // Without a wish: besides making these windows, opening reads the script, and a page frees the rows before.
+    // Without a wish: besides making these windows, opening reads the script and asks for its text's sizes, while a
+    // page shows its rows in windows that others have left.
     std::printf("against the bare windows in sight (%.2f ms): opening %.2f times, a page down %.2f times\n",
                 seen, few / seen, paged[kMany] / seen);
     FreeLibrary(dll);

@@ -149,9 +149,9 @@ void EntryPanel::layoutSoon() {
 
 void EntryPanel::layout() {
     if (!m_window || m_placing) return;
-    const bool hadFocus = focused() != nullptr;
     RECT area;
     GetClientRect(m_window, &area);
+    const int height = static_cast<int>(area.bottom);
     const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
     std::vector<PanelItem> items(m_host.rowCount());
     const std::vector<bool> shown = m_host.rowsShown();
@@ -163,11 +163,20 @@ void EntryPanel::layout() {
     }
     m_layout.stack(items);
     setText(m_window, m_layout.rows().empty() ? m_host.emptyText() : "");
-    scrollTo(m_top);
+    const std::vector<size_t>& rows = m_layout.rows();
+    const EntryWindow* const focus = focused();
+    if (!focus || m_layout.rowOfItem(focus->row()) < rows.size()) return scrollTo(m_top);
     // A row that is shown no more takes the keyboard with it: the first field in sight gets it.
-    if (!hadFocus || focused()) return;
-    const PanelLayout::Range seen = m_layout.rowsWithin(m_top, static_cast<int>(area.bottom));
-    for (size_t i = seen.first; i < seen.last && !focused(); ++i) focusRow(m_layout.rows()[i]);
+    m_top = m_layout.clampScroll(m_top, height);
+    const PanelLayout::Range seen = m_layout.rowsWithin(m_top, height);
+    size_t next = seen.first;
+    while (next < seen.last && m_host.rowModel(rows[next]).facts().field < EntryField::Heading) ++next;
+    if (next == seen.last) {
+        scrollTo(m_top);
+    } else {
+        scrollTo(m_layout.scrollToShow(next, m_top, height));
+        focusRow(rows[next]);
+    }
     if (!GetFocus()) SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
 }
 
@@ -218,32 +227,54 @@ void EntryPanel::placeRows() {
     std::sort(wanted.begin(), wanted.end());
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
 
-    std::map<size_t, std::unique_ptr<EntryWindow>> kept;
-    const int width = static_cast<int>(area.right);
+    std::map<size_t, std::unique_ptr<EntryWindow>> before;
+    before.swap(m_live);
     for (const size_t i : wanted) {
-        const auto old = m_live.find(rows[i]);
-        if (old != m_live.end()) kept[rows[i]] = std::move(old->second);
+        const auto old = before.find(rows[i]);
+        if (old == before.end()) continue;
+        m_live[rows[i]] = std::move(old->second);
+        before.erase(old);
     }
-    m_live.erase(m_live.begin(), m_live.end());
-    m_live = std::move(kept);
-    HWND after = HWND_TOP;
     bool moved = false;
+    const auto windowFor = [&](size_t row, const PanelRect& at, int label) {
+        const auto free = std::find_if(before.begin(), before.end(),
+                                       [row](const auto& old) { return old.second->canTakeOver(row); });
+        if (free == before.end()) return std::make_unique<EntryWindow>(*this, row, at, label);
+        std::unique_ptr<EntryWindow> window = std::move(free->second);
+        before.erase(free);
+        window->takeOver(row);
+        moved = true;
+        return window;
+    };
+    const int width = static_cast<int>(area.right);
+    HWND after = HWND_TOP;
     for (const size_t i : wanted) {
+        PanelRect at = m_layout.rectOfRow(i, width);
+        at.y = std::clamp(at.y - m_top, -30000, 30000);
+        const int label = labelWidth(at.width);
         auto& window = m_live[rows[i]];
-        const PanelRect at = m_layout.rectOfRow(i, width);
-        if (!window) window = std::make_unique<EntryWindow>(*this, rows[i]);
+        if (!window) window = windowFor(rows[i], at, label);
         if (!window->window()) continue;
-        const int y = std::clamp(at.y - m_top, -30000, 30000);
-        moved = moved || (window->isPlaced() && window->y() != y);
-        window->setPlace(after, y, at, labelWidth(at.width));
+        moved = moved || window->y() != at.y;
+        window->setPlace(after, at, label);
         after = window->window();
     }
+    before.clear();
     m_placing = false;
+    // What the mouse stands on now is another row.
+    if (moved) SendMessageA(m_tooltip, TTM_POP, 0, 0);
     // Rows that change places one after the other would copy each other's pictures; so all are drawn anew, at
     // once, before anybody sees the old ones in their new places.
     if (moved || rows.empty())
         RedrawWindow(m_window, nullptr, nullptr,
                      RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | (rows.empty() ? 0u : RDW_UPDATENOW));
+}
+
+bool EntryPanel::isUsed(const EntryWindow& row) const {
+    const auto within = [&](HWND control) {
+        return control && (control == row.window() || IsChild(row.window(), control));
+    };
+    return within(GetFocus()) || within(GetCapture()) || within(m_menuField) || m_lastFocused == row.row();
 }
 
 EntryWindow* EntryPanel::windowOf(HWND control) {

@@ -62,8 +62,13 @@ public:
     SIZE pictureSize(const PictureStore::Bitmap& picture, int width) const;
     void addTooltip(HWND control);
     void removeTooltip(HWND control);  // before the control goes
+    // Every message of a control with a tooltip: what the mouse does opens and closes it. The system's own way, a
+    // subclass of each control, costs a lookup for each of their messages.
+    void relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
     void showRefusal(HWND field, const std::string& text);
     void hideRefusal();
+    // Has the keyboard (or had it last), the mouse or a menu.
+    bool isUsed(const EntryWindow& row) const;
     void fieldFocused(size_t row);
     void refusedOnLeaving(size_t row) { m_refused = row; }
     // Both open a window with a loop of its own, so they are left for later.

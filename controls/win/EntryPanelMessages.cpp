@@ -25,7 +25,7 @@ TTTOOLINFOA toolOf(HWND panel) {
 
 void EntryPanel::addTooltip(HWND control) {
     TTTOOLINFOA tool = toolOf(m_window);
-    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.uFlags = TTF_IDISHWND;
     tool.uId = reinterpret_cast<UINT_PTR>(control);
     tool.lpszText = LPSTR_TEXTCALLBACKA;
     SendMessageA(m_tooltip, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
@@ -35,6 +35,16 @@ void EntryPanel::removeTooltip(HWND control) {
     TTTOOLINFOA tool = toolOf(m_window);
     tool.uId = reinterpret_cast<UINT_PTR>(control);
     SendMessageA(m_tooltip, TTM_DELTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) return;
+    MSG event{};
+    event.hwnd = control;
+    event.message = message;
+    event.wParam = wParam;
+    event.lParam = lParam;
+    SendMessageA(m_tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
 }
 
 void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
@@ -231,6 +241,7 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
                 at = {area.left, area.bottom};
             }
             m_host.rowMenu(wParam, m_menuField, at);
+            m_menuField = nullptr;
             return 0;
         }
         default:

@@ -24,13 +24,23 @@ std::string withCrLf(const std::string& text) {
     return made;
 }
 
+// A button would underline the character after a single '&'.
+std::string switchText(const std::string& label) {
+    std::string shown;
+    for (const char c : label) shown.append(c == '&' ? "&&" : std::string(1, c));
+    return shown;
+}
+
 }  // namespace
 
-EntryWindow::EntryWindow(EntryPanel& panel, size_t row) : m_panel(panel), m_row(row) {
-    CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0, 0,
-                    panel.window(), nullptr, ControlClasses::instance(), this);
+EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, int labelWidth)
+    : m_panel(panel), m_row(row), m_labelWidth(labelWidth), m_y(place.y) {
+    CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_CLIPCHILDREN, place.x, place.y,
+                    place.width, place.height, panel.window(), nullptr, ControlClasses::instance(), this);
     if (!m_window) return;
-    makeControls();
+    makeControls(partsIn(place.width, place.height));
+    if (facts().field == EntryField::DropList) fillDropList();
+    fitControls();
     showValue();
 }
 
@@ -52,27 +62,35 @@ bool EntryWindow::isEdit() const {
 }
 
 HWND EntryWindow::child(HWND control) {
-    SetWindowSubclass(control, fieldProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    if (!control) return nullptr;
+    SetWindowLongPtrA(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_procedures.emplace_back(control, reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
+                                           control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(fieldProc))));
     m_panel.addTooltip(control);
     return control;
 }
 
-HWND EntryWindow::makeEdit(const char* className, DWORD style) {
-    // Several lines are broken at the field's width, one line scrolls.
-    if (!(style & ES_MULTILINE)) style |= ES_AUTOHSCROLL;
-    const HWND edit = CreateWindowExA(
-        WS_EX_CLIENTEDGE, className, "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | style, 0, 0, 0, 0, m_window,
-        reinterpret_cast<HMENU>(static_cast<INT_PTR>(kField)), ControlClasses::instance(), nullptr);
-    SendMessageA(edit, WM_SETFONT, reinterpret_cast<WPARAM>(m_panel.fonts().text()), FALSE);
-    return child(edit);
+HWND EntryWindow::make(const char* className, const char* text, DWORD style, DWORD exStyle, int id,
+                       HFONT font, const PanelRect& at) {
+    const HWND made = CreateWindowExA(
+        exStyle, className, text, WS_CHILD | WS_VISIBLE | style, at.x, at.y, at.width, at.height, m_window,
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), nullptr);
+    if (font) SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    return id == kLabel ? made : child(made);
 }
 
-void EntryWindow::makeControls() {
+// Each where it is to stand: moving it there afterwards would cost as much as making it.
+void EntryWindow::makeControls(const Parts& at) {
     const EntryFacts& is = facts();
     const HFONT text = m_panel.fonts().text();
     m_panel.addTooltip(m_window);
     const auto label = [&](HFONT font, DWORD style, const std::string& shown) {
-        m_label = makeControl(m_window, "STATIC", shown.c_str(), SS_NOPREFIX | style, 0, kLabel, font);
+        m_label = make("STATIC", shown.c_str(), SS_NOPREFIX | style, 0, kLabel, font, at.label);
+    };
+    // Several lines are broken at the field's width, one line scrolls.
+    const auto edit = [&](const char* className, DWORD style) {
+        m_field = make(className, "", WS_TABSTOP | (isMultiLine() ? 0 : ES_AUTOHSCROLL) | style,
+                       WS_EX_CLIENTEDGE, kField, text, at.field);
     };
     switch (is.field) {
         case EntryField::Caption:
@@ -83,52 +101,86 @@ void EntryWindow::makeControls() {
             if (!m_panel.picture(m_row).handle) label(text, SS_ENDELLIPSIS, "[" + is.label + "]");
             return;
         case EntryField::Heading:
-            m_field = child(makeControl(m_window, "BUTTON", is.label.c_str(), BS_OWNERDRAW | WS_TABSTOP, 0,
-                                        kField, m_panel.boldFont()));
+            m_field = make("BUTTON", is.label.c_str(), BS_OWNERDRAW | WS_TABSTOP, 0, kField,
+                           m_panel.boldFont(), at.field);
             return;
-        case EntryField::Switch: {
-            std::string shown;
-            for (const char c : is.label) shown.append(c == '&' ? "&&" : std::string(1, c));
-            m_field = child(makeControl(m_window, "BUTTON", shown.c_str(), BS_AUTOCHECKBOX | WS_TABSTOP, 0,
-                                        kField, text));
+        case EntryField::Switch:
+            m_field = make("BUTTON", switchText(is.label).c_str(), BS_AUTOCHECKBOX | WS_TABSTOP, 0, kField,
+                           text, at.field);
             return;
-        }
         default:
             break;
     }
     label(text, SS_ENDELLIPSIS, is.label);
     switch (is.field) {
         case EntryField::Slider:
-            m_slider = makeSliderField(m_window, kField, text, is.decimal, m_panel.fonts().x(44));
+            m_slider = makeSliderField(m_window, kField, text, is.decimal, m_panel.fonts().x(44), at.field);
             m_track = child(GetDlgItem(m_slider, kSliderTrack));
             m_field = child(GetDlgItem(m_slider, kSliderNumber));
-            SendMessageA(m_track, TBM_SETRANGEMIN, FALSE, 0);
-            SendMessageA(m_track, TBM_SETRANGEMAX, FALSE, model().sliderRange());
-            SendMessageA(m_track, TBM_SETPAGESIZE, 0, std::max(1, model().sliderRange() / 10));
             break;
         case EntryField::IntField:
-        case EntryField::FloatField: {
-            m_field = makeEdit(is.field == EntryField::IntField ? kIntEditClass : kFloatEditClass, 0);
-            m_spin = child(makeControl(m_window, UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr));
+        case EntryField::FloatField:
+            edit(is.field == EntryField::IntField ? kIntEditClass : kFloatEditClass, 0);
+            m_spin = make(UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr, at.button);
             SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
             break;
-        }
         case EntryField::DropList:
-            m_field = child(makeControl(m_window, "COMBOBOX", "", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP,
-                                        0, kField, text));
-            fillDropList();
+            m_field =
+                make("COMBOBOX", "", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, 0, kField, text, at.field);
+            placeDropList(m_field, at.field.x, at.field.y, at.field.width, at.field.height);
             break;
         case EntryField::FileField:
-            m_field = makeEdit("EDIT", 0);
-            m_browse = child(
-                makeControl(m_window, "BUTTON", "Browse...", BS_PUSHBUTTON | WS_TABSTOP, 0, kBrowse, text));
+            edit("EDIT", 0);
+            m_browse = make("BUTTON", "Browse...", BS_PUSHBUTTON | WS_TABSTOP, 0, kBrowse, text, at.button);
             break;
         default:
-            m_field = makeEdit("EDIT", isMultiLine() ? ES_MULTILINE | ES_WANTRETURN | WS_VSCROLL : 0);
+            edit("EDIT", isMultiLine() ? ES_MULTILINE | ES_WANTRETURN | WS_VSCROLL : 0);
             break;
+    }
+}
+
+// What differs between entries that have the same controls.
+void EntryWindow::fitControls() {
+    const EntryFacts& is = facts();
+    if (m_track) {
+        SendMessageA(m_track, TBM_SETRANGEMIN, FALSE, 0);
+        SendMessageA(m_track, TBM_SETRANGEMAX, FALSE, model().sliderRange());
+        SendMessageA(m_track, TBM_SETPAGESIZE, 0, std::max(1, model().sliderRange() / 10));
     }
     if (isEdit())
         SendMessageA(m_field, EM_LIMITTEXT, is.maxChars > 0 ? static_cast<WPARAM>(is.maxChars) : 0, 0);
+}
+
+bool EntryWindow::canTakeOver(size_t row) const {
+    const EntryFacts &is = facts(), &other = m_panel.host().rowModel(row).facts();
+    // What hangs on the control itself (the keyboard, the mouse, a menu) is the entry's, not the next one's.
+    return m_window && is.field == other.field && is.decimal == other.decimal &&
+           isMultiLine() == (other.field == EntryField::StringField && other.lines > 1) &&
+           is.field != EntryField::Picture && !m_panel.isUsed(*this);
+}
+
+void EntryWindow::takeOver(size_t row) {
+    const EntryFacts& before = facts();
+    m_row = row;
+    const EntryFacts& is = facts();
+    m_why.clear();
+    setText(m_label ? m_label : m_field, is.field == EntryField::Switch ? switchText(is.label) : is.label);
+    if (is.field == EntryField::DropList) {
+        if (before.options != is.options || before.hostNames != is.hostNames) {
+            SendMessageA(m_field, CB_RESETCONTENT, 0, 0);
+            fillDropList();
+        } else if (m_foreign) {
+            SendMessageA(m_field, CB_DELETESTRING, 0, 0);
+        }
+        m_foreign = false;
+    }
+    fitControls();
+    showValue();
+    if (isEdit()) {
+        SendMessageA(m_field, EM_SETSEL, 0, 0);
+        SendMessageA(m_field, EM_SCROLLCARET, 0, 0);
+        SendMessageA(m_field, EM_EMPTYUNDOBUFFER, 0, 0);
+    }
 }
 
 void EntryWindow::fillDropList() {
@@ -305,9 +357,9 @@ bool EntryWindow::keyDown(HWND control, WPARAM key) {
     return false;
 }
 
-LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                        DWORD_PTR data) {
-    auto* const self = reinterpret_cast<EntryWindow*>(data);
+LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    self->m_panel.relayToTooltip(window, message, wParam, lParam);
     switch (message) {
         case WM_SETFOCUS:
             self->m_atFocus = self->model().value();
@@ -347,13 +399,12 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
                 return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL | (enter ? DLGC_WANTMESSAGE : 0);
             }
             break;
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(window, fieldProc, id);
-            break;
         default:
             break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    const auto own = std::find_if(self->m_procedures.begin(), self->m_procedures.end(),
+                                  [window](const auto& one) { return one.first == window; });
+    return CallWindowProcA(own->second, window, message, wParam, lParam);
 }
 
 LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -371,13 +422,14 @@ LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wPara
         SetWindowLongPtrA(window, GWLP_USERDATA, 0);
         return DefWindowProcA(window, message, wParam, lParam);
     }
+    self->m_panel.relayToTooltip(window, message, wParam, lParam);
     return self->message(message, wParam, lParam);
 }
 
 LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:
-            layout(LOWORD(lParam), HIWORD(lParam));
+            layout(partsIn(LOWORD(lParam), HIWORD(lParam)));
             return 0;
         case WM_PAINT:
             paint();

@@ -3,9 +3,10 @@
 
 #include <windows.h>
 
-#include <climits>
 #include <cstddef>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "controls/EntryModel.h"
 #include "controls/PanelLayout.h"
@@ -14,11 +15,13 @@ namespace zoka {
 
 class EntryPanel;
 
-// Made for rows in sight and freed when they leave it: the value stands in the model. None of its procedures
-// runs a loop of its own (a menu, a box), so that it's never freed while one is at work. [panel thread]
+// Made for rows in sight; one whose row leaves it shows another row or is freed, as the value stands in the model.
+// None of its procedures runs a loop of its own (a menu, a box), so that neither happens while one is at work.
+// [panel thread]
 class EntryWindow {
 public:
-    EntryWindow(EntryPanel& panel, size_t row);
+    // Hidden until its first setPlace; `place` and `labelWidth` as there.
+    EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, int labelWidth);
     ~EntryWindow();
     EntryWindow(const EntryWindow&) = delete;
     EntryWindow& operator=(const EntryWindow&) = delete;
@@ -27,10 +30,13 @@ public:
     size_t row() const { return m_row; }
     // The control that takes the keyboard; null for rows without one.
     HWND field() const { return m_field; }
-    // In pixels of the panel, `y` of its view; `after` is the window in front of it, and before it in the order of Tab.
-    void setPlace(HWND after, int y, const PanelRect& place, int labelWidth);
+    // In pixels of the panel's view; `after` is the window in front of it, and before it in the order of Tab.
+    void setPlace(HWND after, const PanelRect& place, int labelWidth);
     int y() const { return m_y; }
-    bool isPlaced() const { return m_y != INT_MIN; }
+    // Whether the window can show that row instead of its own, which has left the sight: it has the same controls,
+    // and nobody is using them.
+    bool canTakeOver(size_t row) const;
+    void takeOver(size_t row);
     // Shows the model's value, except in a field that is being typed in.
     void showValue();
     // Takes what stands in the field. False when it's refused: the field then shows its value again, and the
@@ -44,14 +50,20 @@ public:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 private:
-    static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                      DWORD_PTR self);
-    void makeControls();
+    static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    // Where the parts of the row stand in it; what the row doesn't have stands nowhere.
+    struct Parts {
+        PanelRect label, field, button;
+    };
+    Parts partsIn(int width, int height) const;
+    void makeControls(const Parts& at);
     HWND child(HWND control);
-    HWND makeEdit(const char* className, DWORD style);
+    HWND make(const char* className, const char* text, DWORD style, DWORD exStyle, int id, HFONT font,
+              const PanelRect& at);
+    void fitControls();
     void fillDropList();
     void showChoice(const std::string& value);
-    void layout(int width, int height);
+    void layout(const Parts& at);
     void paint();
     void drawHeading(const DRAWITEMSTRUCT& item) const;
 
@@ -71,15 +83,17 @@ private:
     bool isEdit() const;
 
     EntryPanel& m_panel;
-    const size_t m_row;
-    int m_labelWidth = 0;
-    int m_y = INT_MIN;  // not placed yet
+    size_t m_row;
+    int m_labelWidth, m_y;
     HWND m_window = nullptr;
     HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;
     HWND m_browse = nullptr;
+    // Of the controls, before fieldProc. Kept here, as the system's subclassing looks up what belongs to a window
+    // at each of its messages, which cost as much as making the row.
+    std::vector<std::pair<HWND, WNDPROC>> m_procedures;
     DWORD m_spinPressed = 0;  // ticks
-    std::string m_atFocus;  // the value when the field got the keyboard
-    std::string m_why;      // what speaks against the text typed; empty when nothing does
+    std::string m_atFocus;    // the value when the field got the keyboard
+    std::string m_why;        // what speaks against the text typed; empty when nothing does
     bool m_updating = false, m_typing = false, m_marked = false;
     bool m_foreign = false;  // the drop list begins with a value that is no choice
 };

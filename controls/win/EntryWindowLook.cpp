@@ -12,47 +12,66 @@ constexpr int kMarkWidth = 3;  // of the bar in front of changed rows, in pixels
 
 }  // namespace
 
-void EntryWindow::setPlace(HWND after, int y, const PanelRect& place, int labelWidth) {
-    m_y = y;
+void EntryWindow::setPlace(HWND after, const PanelRect& place, int labelWidth) {
+    m_y = place.y;
     m_labelWidth = labelWidth;  // follows the width, so the row is laid out when it changes
-    SetWindowPos(m_window, after, place.x, y, place.width, place.height,
+    SetWindowPos(m_window, after, place.x, place.y, place.width, place.height,
                  SWP_NOACTIVATE | SWP_NOCOPYBITS | SWP_SHOWWINDOW);
 }
 
-void EntryWindow::layout(int width, int height) {
+EntryWindow::Parts EntryWindow::partsIn(int width, int height) const {
     const WindowFonts& fonts = m_panel.fonts();
     const int left = fonts.x(5), gap = fonts.x(kGapUnits);
     const int fieldHeight = std::min(fonts.y(kFieldHeightUnits), height);
     const int lineHeight = std::min(fonts.lineHeight() + 1, height);
-    const EntryField field = facts().field;
-    if (field == EntryField::Text || field == EntryField::Caption) {
-        return place(m_label, left, 0, width - left, height);
+    const int besidesLeft = std::max(width - left, 0);
+    Parts parts;
+    switch (facts().field) {
+        case EntryField::Text:
+        case EntryField::Caption:
+            parts.label = {left, 0, besidesLeft, height};
+            return parts;
+        case EntryField::Picture:
+            parts.label = {left, (height - lineHeight) / 2, besidesLeft, lineHeight};
+            return parts;
+        case EntryField::Heading:
+            parts.field = {0, 0, width, height};
+            return parts;
+        case EntryField::Switch:
+            parts.field = {left, (height - fieldHeight) / 2, besidesLeft, fieldHeight};
+            return parts;
+        default:
+            break;
     }
-    if (field == EntryField::Picture) {
-        if (m_label) place(m_label, left, (height - lineHeight) / 2, width - left, lineHeight);
-        return;
-    }
-    if (field == EntryField::Heading) return place(m_field, 0, 0, width, height);
-    if (field == EntryField::Switch)
-        return place(m_field, left, (height - fieldHeight) / 2, width - left, fieldHeight);
     const int x = left + m_labelWidth + gap, room = std::max(width - x, 0);
     const int top = isMultiLine() ? fonts.px(2) : (height - fieldHeight) / 2;
-    place(m_label, left, top + (fieldHeight - lineHeight) / 2, m_labelWidth, lineHeight);
-    if (m_slider) {
-        place(m_slider, x, top, room, fieldHeight);
-    } else if (m_spin) {
-        const int spin = std::min(fieldHeight, fonts.x(11)), number = std::min(fonts.x(70), room) - spin;
-        place(m_field, x, top, number, fieldHeight);
-        place(m_spin, x + number, top, spin, fieldHeight);
-    } else if (m_browse) {
+    parts.label = {left, top + (fieldHeight - lineHeight) / 2, m_labelWidth, lineHeight};
+    parts.field = {x, top, room, fieldHeight};
+    if (facts().field == EntryField::IntField || facts().field == EntryField::FloatField) {
+        const int spin = std::min(fieldHeight, fonts.x(11));
+        parts.field.width = std::max(std::min(fonts.x(70), room) - spin, 0);
+        parts.button = {x + parts.field.width, top, spin, fieldHeight};
+    } else if (facts().field == EntryField::FileField) {
         const int button = std::min(fonts.x(46), room / 2);
-        place(m_field, x, top, room - button - gap, fieldHeight);
-        place(m_browse, x + room - button, top, button, fieldHeight);
-    } else if (field == EntryField::DropList) {
-        placeDropList(m_field, x, top, room, fieldHeight);
-    } else {
-        place(m_field, x, top, room, isMultiLine() ? height - fonts.px(4) : fieldHeight);
+        parts.field.width = std::max(room - button - gap, 0);
+        parts.button = {x + room - button, top, button, fieldHeight};
+    } else if (isMultiLine()) {
+        parts.field.height = height - fonts.px(4);
     }
+    return parts;
+}
+
+void EntryWindow::layout(const Parts& at) {
+    const auto move = [](HWND control, const PanelRect& to) {
+        if (control) place(control, to.x, to.y, to.width, to.height);
+    };
+    move(m_label, at.label);
+    if (m_field && facts().field == EntryField::DropList) {
+        placeDropList(m_field, at.field.x, at.field.y, at.field.width, at.field.height);
+    } else {
+        move(m_slider ? m_slider : m_field, at.field);
+    }
+    move(m_spin ? m_spin : m_browse, at.button);
 }
 
 void EntryWindow::paint() {

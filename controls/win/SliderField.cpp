@@ -8,19 +8,34 @@
 
 namespace zoka {
 
-HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWidth) {
+namespace {
+
+struct SliderPlaces {
+    PanelRect track, number;
+};
+
+SliderPlaces placesIn(int width, int height, int numberWidth) {
+    const int number = std::min(numberWidth, width / 2);
+    return {{0, 0, std::max(width - number - height / 5, 0), height}, {width - number, 0, number, height}};
+}
+
+}  // namespace
+
+HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWidth, const PanelRect& place) {
     const HINSTANCE instance = ControlClasses::instance();
-    const HWND window =
-        CreateWindowExA(WS_EX_CONTROLPARENT, kSliderClass, "", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, parent,
-                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
+    const HWND window = CreateWindowExA(WS_EX_CONTROLPARENT, kSliderClass, "", WS_CHILD | WS_VISIBLE, place.x,
+                                        place.y, place.width, place.height, parent,
+                                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
     if (!window) return nullptr;
     SetWindowLongPtrA(window, GWLP_USERDATA, numberWidth);
-    CreateWindowExA(0, TRACKBAR_CLASSA, "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS, 0, 0,
-                    0, 0, window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderTrack)), instance,
-                    nullptr);
+    const SliderPlaces at = placesIn(place.width, place.height, numberWidth);
+    CreateWindowExA(0, TRACKBAR_CLASSA, "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS,
+                    at.track.x, at.track.y, at.track.width, at.track.height, window,
+                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderTrack)), instance, nullptr);
     const HWND number =
         CreateWindowExA(WS_EX_CLIENTEDGE, decimal ? kFloatEditClass : kIntEditClass, "",
-                        WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, 0, 0, 0, 0, window,
+                        WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, at.number.x, at.number.y,
+                        at.number.width, at.number.height, window,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderNumber)), instance, nullptr);
     SendMessageA(number, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     return window;
@@ -29,12 +44,13 @@ HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWi
 LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE: {
-            const int width = LOWORD(lParam), height = HIWORD(lParam);
-            const int number =
-                std::min(static_cast<int>(GetWindowLongPtrA(window, GWLP_USERDATA)), width / 2);
-            MoveWindow(GetDlgItem(window, kSliderTrack), 0, 0, std::max(width - number - height / 5, 0),
-                       height, TRUE);
-            MoveWindow(GetDlgItem(window, kSliderNumber), width - number, 0, number, height, TRUE);
+            const SliderPlaces at = placesIn(LOWORD(lParam), HIWORD(lParam),
+                                             static_cast<int>(GetWindowLongPtrA(window, GWLP_USERDATA)));
+            const auto move = [window](int id, const PanelRect& to) {
+                MoveWindow(GetDlgItem(window, id), to.x, to.y, to.width, to.height, TRUE);
+            };
+            move(kSliderTrack, at.track);
+            move(kSliderNumber, at.number);
             return 0;
         }
         case WM_COMMAND:

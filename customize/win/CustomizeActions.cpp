@@ -112,6 +112,7 @@ void CustomizeDialog::fillScriptChoices() {
     SendMessageA(list, CB_SETCURSEL, static_cast<WPARAM>(at == m_choices.end() ? -1 : at - m_choices.begin()),
                  0);
     m_filling = false;
+    if (showsChoices() != (m_choices.size() > 1)) layout();
 }
 
 void CustomizeDialog::chooseScript() {

@@ -88,8 +88,6 @@ void CustomizeDialog::initialise(HWND window) {
     // The resource is shared with the other panel; this one's controls are made here.
     while (const HWND other = GetWindow(window, GW_CHILD)) DestroyWindow(other);
     setIcons(window, m_setup.module, m_setup.icon);
-    makeControls();
-    showState();
     RECT last;
     bool maximized = false;
     {
@@ -97,30 +95,33 @@ void CustomizeDialog::initialise(HWND window) {
         last = g_lastPlace;
         maximized = g_lastMaximized;
     }
-    if (onScreen(last)) {
+    const bool again = onScreen(last);
+    if (again) {
         // Where it stands unless maximized counts from the work area, not from the screen.
         WINDOWPLACEMENT where{};
         where.length = sizeof where;
         where.showCmd = SW_HIDE;
         where.rcNormalPosition = last;
         SetWindowPlacement(window, &where);
-        if (maximized) ShowWindow(window, SW_MAXIMIZE);
     } else {
         const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(380));
         const HWND owner = GetWindow(window, GW_OWNER);
         centreOver(window, owner, size.cx, size.cy);
         if (!owner) moveAside(window);
     }
+    // In a window that has its size already: each would be moved with every change of it.
+    makeControls();
+    showState();
     layout();
+    if (again && maximized) ShowWindow(window, SW_MAXIMIZE);
     SetFocus(GetDlgItem(window, IDCANCEL));
 }
 
 void CustomizeDialog::load() {
     if (m_setup.choices) m_session.scriptChoices = m_setup.choices();
     m_loaded = true;
+    fillScriptChoices();  // they take room that the rows don't get
     if (!m_session.open(m_setup.scriptPath)) rowsReplaced();
-    fillScriptChoices();
-    layout();
     m_panel.focusFirst();
 }
 

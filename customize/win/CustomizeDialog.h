@@ -52,6 +52,7 @@ private:
     void makeControls();
     HWND add(HWND control);
     void layout();
+    bool showsChoices() const;
     SIZE leastSize() const;
     INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam);
     void command(int id, int code);

@@ -77,6 +77,10 @@ SIZE CustomizeDialog::leastSize() const {
     return outerSize(m_window, m_fonts->x(buttons + 2 * kMarginUnits), m_fonts->y(height));
 }
 
+bool CustomizeDialog::showsChoices() const {
+    return (GetWindowLongPtrA(GetDlgItem(m_window, kScript), GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
 // From the top: script, search, rows; from the bottom: buttons, help. The rows get what is left.
 void CustomizeDialog::layout() {
     if (!m_window || !m_help) return;
@@ -93,9 +97,8 @@ void CustomizeDialog::layout() {
     };
     int y = f.y(kMarginUnits);
     const bool several = m_choices.size() > 1;
-    for (const int id : {kScript, kScriptLabel}) {
-        if ((IsWindowVisible(item(id)) != 0) != several) ShowWindow(item(id), several ? SW_SHOWNA : SW_HIDE);
-    }
+    if (showsChoices() != several)
+        for (const int id : {kScript, kScriptLabel}) ShowWindow(item(id), several ? SW_SHOWNA : SW_HIDE);
     labelled(kScriptLabel, y);
     placeDropList(item(kScript), left + label, y, width - label, field);
     if (several) y += field + gapY;
