@@ -126,6 +126,7 @@ private:
     void expectTabOrder(const Words&);
     // ... the mouse wheel, menus at controls, messages at random
     void wheel(const Words&);
+    void hover(const Words&);
     void hold(const Words&);
     void contextMenu(const Words&);
     void randomMessages(const Words&);

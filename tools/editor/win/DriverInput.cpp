@@ -164,6 +164,7 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
 
 void Driver::addInputCommands(std::map<std::string, Command>& table) {
     table["wheel"] = {2, 2, &Driver::wheel};
+    table["hover"] = {2, 2, &Driver::hover};
     table["hold"] = {3, 3, &Driver::hold};
     table["context-menu"] = {1, 2, &Driver::contextMenu};
     table["random-messages"] = {3, 3, &Driver::randomMessages};
@@ -176,6 +177,23 @@ void Driver::wheel(const Words& words) {
     const auto notches = static_cast<short>(driveNumber(words[1]) * WHEEL_DELTA);
     PostMessageA(found, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(notches)),
                  MAKELPARAM(area.left + 2, area.top + 2));
+}
+
+// hover CONTROL TEXT: rests the mouse on it until a tooltip with that text is there.
+void Driver::hover(const Words& words) {
+    RECT area;
+    GetWindowRect(usableControl(words[0]), &area);
+    // The second one is a move, wherever the mouse was before.
+    SetCursorPos(area.left + 2, area.top + 2);
+    SetCursorPos(area.left + 4, area.top + 4);
+    const auto shown = [] {
+        std::string texts;
+        for (const HWND one : topWindows())
+            if (windowClass(one) == TOOLTIPS_CLASSA) texts += windowText(one) + '\n';
+        return texts;
+    };
+    expect([&] { return shown().find(words[1]) != std::string::npos; }, "a tooltip with \"" + words[1] + "\"",
+           shown);
 }
 
 // hold CONTROL up|down TEXT: presses spin buttons with the mouse until the field beside them shows TEXT.
