@@ -122,6 +122,8 @@ void EntryWindow::makeControls(const Parts& at) {
         case EntryField::FloatField:
             edit(is.field == EntryField::IntField ? kIntEditClass : kFloatEditClass, 0);
             m_spin = make(UPDOWN_CLASSA, "", 0, 0, kSpin, nullptr, at.button);
+            // The system makes it no wider than on a small screen, but lets it grow.
+            place(m_spin, at.button.x, at.button.y, at.button.width, at.button.height);
             SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
             break;
         case EntryField::DropList:
