@@ -149,8 +149,29 @@ bool isGroupBox(HWND control) {
     return isClass(control, "Button") && (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
 }
 
+// What is wrong with a control's own parts: a slider's thumb that isn't where the position is, spin buttons too
+// narrow for their height; empty when all is well.
+std::string partFault(HWND control) {
+    RECT area;
+    GetClientRect(control, &area);
+    if (isClass(control, UPDOWN_CLASSA) && !(GetWindowLongA(control, GWL_STYLE) & UDS_HORZ))
+        return area.right * 2 < area.bottom ? " is too narrow" : "";
+    if (!isClass(control, TRACKBAR_CLASSA)) return "";
+    RECT thumb{};
+    RECT channel{};
+    ask(control, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    ask(control, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
+    const LRESULT least = ask(control, TBM_GETRANGEMIN), range = ask(control, TBM_GETRANGEMAX) - least;
+    if (range <= 0) return "";
+    const LRESULT place =
+        channel.left + (channel.right - channel.left) * (ask(control, TBM_GETPOS) - least) / range;
+    const bool there =
+        place >= thumb.left - (thumb.right - thumb.left) && place <= thumb.right + (thumb.right - thumb.left);
+    return there ? "" : " has its thumb elsewhere than its position";
+}
+
 // The visible controls of a window that reach over their parent's edge or lie over a neighbour (frames around
-// groups may); empty when all is well.
+// groups may), or have a part in the wrong place; empty when all is well.
 std::string layoutFaults(HWND top) {
     std::string faults;
     std::vector<HWND> seen;
@@ -170,6 +191,8 @@ std::string layoutFaults(HWND top) {
         }
         if (IsRectEmpty(&area) || !IntersectRect(&common, &area, &parent) || !EqualRect(&common, &area))
             faults += "\n    " + describe(control) + " is not wholly inside";
+        if (const std::string fault = partFault(control); !fault.empty())
+            faults += "\n    " + describe(control) + fault;
         for (const HWND other : seen) {
             RECT place;
             GetWindowRect(other, &place);
