@@ -78,6 +78,19 @@ SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) con
             std::max(1, static_cast<int>(picture.height * by))};
 }
 
+int EntryPanel::textHeight(const std::string& text, int width) const {
+    const int line = m_fonts->lineHeight();
+    // Only what is short enough for one line whatever its letters are isn't measured.
+    if (static_cast<int>(std::min<size_t>(text.size(), 100000)) * m_fonts->x(8) <= width) return line;
+    RECT area{0, 0, std::max(width, 20), 0};
+    const HDC dc = GetDC(m_window);
+    const HGDIOBJ old = SelectObject(dc, m_fonts->text());
+    DrawTextA(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    SelectObject(dc, old);
+    ReleaseDC(m_window, dc);
+    return std::clamp(static_cast<int>(area.bottom), line, line * 20);
+}
+
 int EntryPanel::heightOf(size_t row, int width) {
     const EntryModel& model = m_host.rowModel(row);
     const EntryFacts& facts = model.facts();
@@ -87,17 +100,9 @@ int EntryPanel::heightOf(size_t row, int width) {
                             : m_fonts->lineHeight() + m_fonts->px(6);
     }
     if (facts.field == EntryField::Text) {
-        const int room = width - m_fonts->x(5), line = m_fonts->lineHeight();
-        if (static_cast<int>(std::min<size_t>(facts.label.size(), 100000)) * m_fonts->x(4) / 2 > room) {
-            RECT area{0, 0, std::max(room, 20), 0};
-            const HDC dc = GetDC(m_window);
-            const HGDIOBJ old = SelectObject(dc, m_fonts->text());
-            DrawTextA(dc, facts.label.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-            SelectObject(dc, old);
-            ReleaseDC(m_window, dc);
-            return std::min(static_cast<int>(area.bottom), line * 20) + m_fonts->px(4);
-        }
-        return line + m_fonts->px(4);
+        int& height = m_textHeights[row];
+        if (height == 0) height = textHeight(facts.label, width - m_fonts->x(5)) + m_fonts->px(4);
+        return height;
     }
     if (facts.field == EntryField::StringField && facts.lines > 1)
         return m_fonts->lineHeight() * std::min(facts.lines, 12) + m_fonts->px(14);
@@ -119,6 +124,7 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     // A window that goes away with the keyboard has nothing to say about its row any more.
     m_live.clear();
     m_pictures.clear();
+    m_textHeights.clear();
     hideRefusal();
     m_refused.reset();
     m_widestLabel = 0;
@@ -154,6 +160,8 @@ void EntryPanel::layout() {
     const int height = static_cast<int>(area.bottom);
     const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
     std::vector<PanelItem> items(m_host.rowCount());
+    if (m_textHeights.size() != items.size() || m_textWidth != width) m_textHeights.assign(items.size(), 0);
+    m_textWidth = width;
     const std::vector<bool> shown = m_host.rowsShown();
     for (size_t row = 0; row < items.size(); ++row) {
         items[row].visible = shown[row];

@@ -84,6 +84,7 @@ private:
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void makeFonts();
     void freeFonts();
+    int textHeight(const std::string& text, int width) const;
     int heightOf(size_t row, int width);
     int labelWidth(int width) const;
     void layout();
@@ -105,6 +106,9 @@ private:
     PanelLayout m_layout;
     std::map<size_t, std::unique_ptr<EntryWindow>> m_live;  // by row
     PictureStore m_pictures;
+    // Of the rows of text in a panel of that width, so that a search doesn't measure them anew; 0: not measured.
+    std::vector<int> m_textHeights;
+    int m_textWidth = 0;
     int m_top = 0;          // of the view in the content
     int m_wheel = 0;        // what is left of turns smaller than a notch
     int m_widestLabel = 0;  // of the rows measured
