@@ -146,7 +146,7 @@ void EntryWindow::fitControls() {
     const EntryFacts& is = facts();
     if (m_track) {
         // Its thumb moves when the position changes, not with the range; at the beginning it stands right in any.
-        SendMessageA(m_track, TBM_SETPOS, FALSE, 0);
+        SendMessageA(m_track, TBM_SETPOS, TRUE, 0);
         SendMessageA(m_track, TBM_SETRANGEMIN, FALSE, 0);
         SendMessageA(m_track, TBM_SETRANGEMAX, FALSE, model().sliderRange());
         SendMessageA(m_track, TBM_SETPAGESIZE, 0, std::max(1, model().sliderRange() / 10));

@@ -149,14 +149,42 @@ bool isGroupBox(HWND control) {
     return isClass(control, "Button") && (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
 }
 
-// What is wrong with a control's own parts: a slider's thumb that isn't where the position is, spin buttons too
-// narrow for their height; empty when all is well.
+bool isInSight(HWND control) {
+    RECT area;
+    GetWindowRect(control, &area);
+    for (HWND parent = GetParent(control); parent; parent = GetAncestor(parent, GA_PARENT)) {
+        RECT inside;
+        GetClientRect(parent, &inside);
+        MapWindowPoints(parent, nullptr, reinterpret_cast<POINT*>(&inside), 2);
+        if (!IntersectRect(&area, &area, &inside)) return false;
+    }
+    return true;
+}
+
+// Whether a label's text, broken into lines at its width, is higher than the label.
+bool isCutOff(HWND label, const RECT& area) {
+    const LONG style = GetWindowLongA(label, GWL_STYLE);
+    if ((style & (SS_TYPEMASK | SS_ELLIPSISMASK)) != SS_LEFT) return false;
+    const HDC dc = GetDC(label);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(ask(label, WM_GETFONT)));
+    RECT needed = area;
+    DrawTextA(dc, windowText(label).c_str(), -1, &needed,
+              DT_CALCRECT | DT_WORDBREAK | (style & SS_NOPREFIX ? DT_NOPREFIX : 0u));
+    SelectObject(dc, old);
+    ReleaseDC(label, dc);
+    return needed.bottom > area.bottom;
+}
+
+// What is wrong within a control: a text that is cut off, a slider's thumb that isn't where the position is, spin
+// buttons too narrow for their height; empty when all is well.
 std::string partFault(HWND control) {
     RECT area;
     GetClientRect(control, &area);
+    if (isClass(control, "Static")) return isCutOff(control, area) ? " is too low for its text" : "";
     if (isClass(control, UPDOWN_CLASSA) && !(GetWindowLongA(control, GWL_STYLE) & UDS_HORZ))
         return area.right * 2 < area.bottom ? " is too narrow" : "";
-    if (!isClass(control, TRACKBAR_CLASSA)) return "";
+    // A thumb takes its place when it's drawn.
+    if (!isClass(control, TRACKBAR_CLASSA) || !isInSight(control)) return "";
     RECT thumb{};
     RECT channel{};
     ask(control, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
@@ -171,7 +199,7 @@ std::string partFault(HWND control) {
 }
 
 // The visible controls of a window that reach over their parent's edge or lie over a neighbour (frames around
-// groups may), or have a part in the wrong place; empty when all is well.
+// groups may), or have a fault within; empty when all is well.
 std::string layoutFaults(HWND top) {
     std::string faults;
     std::vector<HWND> seen;
