@@ -228,8 +228,8 @@ void EntryPanel::placeRows() {
         for (const size_t i : {first, nextField(first, -1), last, nextField(last, 1)}) wanted.push_back(i);
     };
     if (seen.first < seen.last) withNeighbours(seen.first, seen.last - 1);
-    if (const EntryWindow* const focus = focused()) {
-        const size_t i = m_layout.rowOfItem(focus->row());
+    if (const std::optional<size_t> row = keyboardRow()) {
+        const size_t i = m_layout.rowOfItem(*row);
         if (i < rows.size()) withNeighbours(i, i);
     }
     std::sort(wanted.begin(), wanted.end());
@@ -297,6 +297,12 @@ EntryWindow* EntryPanel::focused() {
     return focus && m_window && IsChild(m_window, focus) ? windowOf(focus) : nullptr;
 }
 
+// The row with the keyboard; while another window is in front, the one that may get it back.
+std::optional<size_t> EntryPanel::keyboardRow() {
+    if (const EntryWindow* const window = focused()) return window->row();
+    return IsChild(GetAncestor(m_window, GA_ROOT), GetFocus()) ? std::nullopt : m_lastFocused;
+}
+
 void EntryPanel::fieldFocused(size_t row) {
     m_refused.reset();
     m_lastFocused = row;
@@ -304,7 +310,10 @@ void EntryPanel::fieldFocused(size_t row) {
 }
 
 bool EntryPanel::commit() {
-    if (EntryWindow* const window = focused()) return window->commit();
+    if (EntryWindow* const window = focused()) {
+        if (window->isRefused()) bringIntoSight(window->row());
+        return window->commit();
+    }
     if (!m_refused) return true;
     const size_t row = *m_refused;
     m_refused.reset();
@@ -320,12 +329,17 @@ bool EntryPanel::revert() {
     return window && window->revert();
 }
 
-void EntryPanel::focusRow(size_t row) {
+void EntryPanel::bringIntoSight(size_t row) {
     const size_t place = m_layout.rowOfItem(row);
     if (!m_window || place >= m_layout.rows().size()) return;
     RECT area;
     GetClientRect(m_window, &area);
     scrollTo(m_layout.scrollToShow(place, m_top, static_cast<int>(area.bottom)));
+}
+
+void EntryPanel::focusRow(size_t row) {
+    if (!m_window || m_layout.rowOfItem(row) >= m_layout.rows().size()) return;
+    bringIntoSight(row);
     const auto live = m_live.find(row);
     if (live != m_live.end() && live->second->field())
         SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL,

@@ -90,6 +90,7 @@ private:
     void layout();
     void placeRows();
     void scrollTo(int top);
+    void bringIntoSight(size_t row);
     void scroll(WORD code);
     void wheel(int delta);
     void browse(size_t row);
@@ -97,6 +98,7 @@ private:
     void tooltipText(NMTTDISPINFOA& info);
     EntryWindow* windowOf(HWND control);
     EntryWindow* focused();
+    std::optional<size_t> keyboardRow();
     size_t nextField(size_t row, int step) const;
 
     EntryHost& m_host;

@@ -189,6 +189,8 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             scroll(LOWORD(wParam));
             return 0;
         case WM_MOUSEWHEEL:
+            // A row's open list would stay where it is.
+            if (SendMessageA(GetFocus(), CB_GETDROPPEDSTATE, 0, 0)) return 0;
             hideRefusal();
             wheel(static_cast<short>(HIWORD(wParam)));
             return 0;
@@ -211,11 +213,7 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case kFocused:
             if (const EntryWindow* const window = focused(); window && window->row() == wParam) {
-                const size_t place = m_layout.rowOfItem(wParam);
-                RECT area;
-                GetClientRect(m_window, &area);
-                if (place < m_layout.rows().size())
-                    scrollTo(m_layout.scrollToShow(place, m_top, static_cast<int>(area.bottom)));
+                bringIntoSight(wParam);
                 m_host.rowFocused(wParam);
             }
             return 0;

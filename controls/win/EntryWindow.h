@@ -42,6 +42,7 @@ public:
     // Takes what stands in the field. False when it's refused: the field then shows its value again, and the
     // reason stands below it.
     bool commit();
+    bool isRefused() const { return !m_why.empty(); }  // commit() would be false
     // Back to the value that the field had when it got the keyboard; false when it has that already.
     bool revert();
     // Changes a number by so many steps; at a limit it says which numbers the field takes.
