@@ -268,9 +268,14 @@ HWND Driver::control(const std::string& name) const {
 }
 
 HWND Driver::usableControl(const std::string& name) const {
-    const HWND found = control(name);
-    expect([&] { return IsWindowEnabled(found) && IsWindowEnabled(GetAncestor(found, GA_ROOT)); },
-           describe(found) + " to be enabled", [] { return std::string("it is disabled"); });
+    const HWND top = window();
+    HWND found = control(name);
+    // Looked up anew each time: a search may just be taking away the row that it was in.
+    const auto usable = [&] {
+        if (const HWND now = findControl(top, name)) found = now;
+        return IsWindowEnabled(found) && IsWindowEnabled(top);
+    };
+    expect(usable, name + " to be enabled", [] { return std::string("it is disabled"); });
     return found;
 }
 
