@@ -44,6 +44,8 @@ void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARA
     event.message = message;
     event.wParam = wParam;
     event.lParam = lParam;
+    event.time = static_cast<DWORD>(GetMessageTime());
+    GetCursorPos(&event.pt);
     SendMessageA(m_tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
 }
 
@@ -228,7 +230,10 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             browse(wParam);
             return 0;
         case kMenuRow: {
-            if (wParam >= m_host.rowCount()) return 0;
+            if (wParam >= m_host.rowCount()) {
+                m_menuField = nullptr;
+                return 0;
+            }
             POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
             const auto live = m_live.find(wParam);
             if (lParam == -1 &&
