@@ -41,10 +41,10 @@ ifeq (1,$(ZOKA_NO_WINE))
 else
 	@tools/setup/setup.sh build wine
 	@$(call BUILD,windows) --target zoka bench_window bench_panel
-	@for program in bench_window bench_panel; do \
-		tools/run/display.sh tools/run/wine.sh build/windows/wine build/windows/bench/win/$$program.exe \
-			'build\windows\plugin\zoka.dll'; \
-	done
+	@failed=0; for program in bench_window bench_panel; do \
+		tools/run/onecpu.sh 0 tools/run/display.sh tools/run/wine.sh build/windows/wine \
+			build/windows/bench/win/$$program.exe 'build\windows\plugin\zoka.dll' || failed=1; \
+	done; exit $$failed
 endif
 
 fuzz: ## fuzz one reader (fuzz/TARGET.cpp): make fuzz TARGET=xml SECONDS=60

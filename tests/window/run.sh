@@ -157,7 +157,7 @@ outcomes=$taken/outcomes
 trap 'kill $(jobs -p) 2>/dev/null; rm -rf "$taken"' EXIT
 trap 'exit 130' INT TERM
 for ((lane = 1; lane <= lanes; lane++)); do
-    "$root/tools/run/display.sh" "$0" "$build" --lane "$build/wine-lane-$lane" "$taken" "${scripts[@]}" | tee -a "$outcomes" &
+    "$root/tools/run/onecpu.sh" $((lane - 1)) "$root/tools/run/display.sh" "$0" "$build" --lane "$build/wine-lane-$lane" "$taken" "${scripts[@]}" | tee -a "$outcomes" &
 done
 wait
 passed=$(grep -c '^PASS ' "$outcomes")
