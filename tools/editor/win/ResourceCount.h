@@ -10,7 +10,7 @@ struct ResourceCount {
     long handles = 0;  // kernel handles
     long threads = 0;
     long windows = 0;  // all of the process's, hidden ones and children too
-    long gdi = 0;      // pens, fonts, pictures, ...; exact but for a constant
+    long gdi = 0;      // pens, fonts, pictures, device contexts, ...
     long user = 0;     // menus, icons, windows, ... of the whole session, but for a constant
 };
 
