@@ -11,7 +11,7 @@
 #include "customize/CustomMarkup.h"
 #include "customize/CustomScript.h"
 #include "customize/CustomizeSession.h"
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
 #include "util/UserPrompt.h"

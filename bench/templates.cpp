@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "bench/Ratio.h"
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 #include "templates/CatalogueXml.h"
 #include "templates/IncludeList.h"
 #include "templates/ScriptManagerSession.h"

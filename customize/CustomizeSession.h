@@ -12,7 +12,7 @@
 #include "customize/CarryValues.h"
 #include "customize/ScriptPanel.h"
 #include "customize/WriteBack.h"
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {

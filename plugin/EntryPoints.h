@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "plugin/ProcRecord.h"
+#include "plugin/host/HostAbi.h"
 
 struct AppInterface;
 

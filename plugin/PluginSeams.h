@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "plugin/HostContext.h"
+#include "plugin/host/HostAbi.h"
 #include "plugin/PanelState.h"
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 
 namespace zoka {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "plugin/EntryPoints.h"
-#include "plugin/HostSlots.h"
+#include "plugin/host/HostAbi.h"
 #include "plugin/PluginSeams.h"
 
 namespace zoka {

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "templates/ScriptNeeds.h"
 #include "util/Lex.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "templates/TemplateData.h"
 
 namespace zoka {

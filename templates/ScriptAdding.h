@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "templates/IncludeList.h"
 #include "templates/ScriptFolders.h"
 #include "util/UserPrompt.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_set>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "templates/ScriptNeeds.h"
 
 namespace zoka {

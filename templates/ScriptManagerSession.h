@@ -13,9 +13,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "plugin/ZunEditorInterface.h"
-#include "templates/JobProgress.h"
-#include "templates/LineDiff.h"
+#include "plugin/host/ZunEditorInterface.h"
+#include "util/JobProgress.h"
+#include "util/LineDiff.h"
 #include "templates/ScriptAdding.h"
 #include "templates/ScriptSearch.h"
 #include "templates/ScriptUpdate.h"

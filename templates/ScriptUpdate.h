@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "plugin/ZunEditorInterface.h"
-#include "templates/JobProgress.h"
+#include "plugin/host/ZunEditorInterface.h"
+#include "util/JobProgress.h"
 #include "templates/ScriptFolders.h"
 #include "templates/TemplateData.h"
 #include "util/UserPrompt.h"

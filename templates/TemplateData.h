@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include "templates/JobProgress.h"
+#include "util/JobProgress.h"
 #include "templates/RecordIndex.h"
 #include "templates/ScriptElm.h"
 #include "util/Export.h"

@@ -15,7 +15,7 @@
 #include "controls/win/EntryHost.h"
 #include "controls/win/EntryWindow.h"
 #include "controls/win/PictureStore.h"
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 

@@ -8,7 +8,7 @@
 #include "controls/win/ControlClasses.h"
 #include "controls/win/EntryPanel.h"
 #include "controls/win/SliderField.h"
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 namespace {

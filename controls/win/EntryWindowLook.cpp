@@ -3,7 +3,7 @@
 
 #include "controls/win/EntryPanel.h"
 #include "controls/win/EntryWindow.h"
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 namespace {

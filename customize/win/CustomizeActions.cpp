@@ -4,7 +4,7 @@
 #include "customize/win/CustomizeControls.h"
 #include "customize/win/CustomizeDialog.h"
 #include "util/PathRules.h"
-#include "util/win/TextWindow.h"
+#include "ui/win/TextWindow.h"
 
 namespace zoka {
 

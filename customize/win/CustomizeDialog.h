@@ -12,7 +12,7 @@
 #include "controls/win/EntryHost.h"
 #include "controls/win/EntryPanel.h"
 #include "customize/CustomizeSession.h"
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 

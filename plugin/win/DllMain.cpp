@@ -6,7 +6,7 @@
 #include "plugin/Procedures.h"
 #include "plugin/win/PanelWindow.h"
 #include "plugin/win/PluginWindows.h"
-#include "util/win/WinPrompt.h"
+#include "ui/win/WinPrompt.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <commctrl.h>
 
-#include "plugin/HostAdapter.h"
+#include "plugin/host/HostAdapter.h"
 #include "plugin/PanelText.h"
 #include "plugin/win/CustomizePanel.h"
 #include "plugin/win/Resources.h"

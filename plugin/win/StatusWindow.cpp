@@ -1,6 +1,6 @@
 #include "plugin/win/StatusWindow.h"
 
-#include "plugin/HostCommands.h"
+#include "plugin/host/HostAbi.h"
 #include "plugin/win/Resources.h"
 
 namespace zoka {

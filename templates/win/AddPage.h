@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "templates/win/PageWindow.h"
-#include "templates/win/RowList.h"
+#include "ui/win/RowList.h"
 
 namespace zoka {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "templates/win/PageWindow.h"
-#include "templates/win/RowList.h"
+#include "ui/win/RowList.h"
 
 namespace zoka {
 

@@ -9,10 +9,10 @@
 #include "templates/win/AddPage.h"
 #include "templates/win/CustomizePage.h"
 #include "templates/win/NotesPage.h"
-#include "templates/win/ProgressWindow.h"
+#include "ui/win/ProgressWindow.h"
 #include "templates/win/RemovePage.h"
 #include "templates/win/UpdatePage.h"
-#include "util/win/TextWindow.h"
+#include "ui/win/TextWindow.h"
 
 namespace zoka {
 

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "templates/ScriptUpdate.h"
 
 namespace zoka {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "templates/ScriptManagerSession.h"
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 

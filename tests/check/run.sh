@@ -33,9 +33,12 @@ xml/A.cpp|#include "util/Lex.h"|
 xml/A.cpp|#include <vector>|
 util/A.cpp|#include "xml/XMLNode.h"|util may not include "xml/XMLNode.h"
 plugin/A.h|  #  include "tests/support/Fake.h"|plugin may not include "tests/support/Fake.h"
-templates/A.cpp|#include "plugin/HostCommands.h"|
+templates/A.cpp|#include "plugin/host/HostAbi.h"|
+util/A.cpp|#include "plugin/host/HostAbi.h"|util may not include "plugin/host/HostAbi.h"
+plugin/host/A.h|#include "plugin/Procedures.h"|plugin/host may not include "plugin/Procedures.h"
+controls/win/A.cpp|#include "ui/win/WindowKit.h"|
+controls/A.cpp|#include "ui/win/WindowKit.h"|"ui/win/WindowKit.h" may be included in win/ folders only
 templates/A.cpp|#include "plugin/Procedures.h"|templates may not include "plugin/Procedures.h"
-util/A.cpp|#include "plugin/HostCommands.h"|util may not include "plugin/HostCommands.h"
 util/A.cpp|#include "Lex.h"|"Lex.h" is not named from the root
 util/A.h|#include <Windows.h>|<Windows.h> may be included in win/ folders only
 util/win/A.cpp|#include <windows.h>|

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "customize/CustomizeSession.h"
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"

@@ -1,4 +1,4 @@
-#include "plugin/HostAdapter.h"
+#include "plugin/host/HostAdapter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

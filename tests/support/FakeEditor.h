@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 
 namespace zoka::test {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 #include "templates/ScriptUpdate.h"
 #include "tests/support/TempFolder.h"
 #include "tests/templates/Scripts.h"

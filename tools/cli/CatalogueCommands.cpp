@@ -8,7 +8,7 @@
 #include "templates/CatalogueCheck.h"
 #include "templates/CatalogueXml.h"
 #include "templates/HelpPages.h"
-#include "templates/LineDiff.h"
+#include "util/LineDiff.h"
 #include "templates/ScriptSearch.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"

@@ -9,9 +9,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 #include "templates/CatalogueXml.h"
-#include "templates/LineDiff.h"
+#include "util/LineDiff.h"
 #include "templates/NotesReport.h"
 #include "templates/ScriptManagerSession.h"
 #include "templates/ValueKeepingUpdater.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/HostContext.h"
+#include "plugin/host/HostAbi.h"
 #include "tools/editor/win/CallLog.h"
 #include "tools/editor/win/EditorHost.h"
 #include "tools/editor/win/HostTable.h"

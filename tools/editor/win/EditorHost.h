@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 #include "tools/editor/win/OpenLevel.h"
 
 namespace zoka {

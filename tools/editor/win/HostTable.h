@@ -6,8 +6,8 @@
 #include <atomic>
 #include <string>
 
-#include "plugin/HostSlots.h"
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/HostAbi.h"
+#include "plugin/host/ZunEditorInterface.h"
 #include "tools/editor/win/CallLog.h"
 
 namespace zoka {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "plugin/EntityOperations.h"
+#include "plugin/host/HostAbi.h"
 #include "tools/editor/LevelMap.h"
 #include "tools/editor/win/CallLog.h"
 #include "tools/editor/win/SlimLock.h"

@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/HostSlots.h"
-#include "plugin/ProcRecord.h"
+#include "plugin/host/HostAbi.h"
 #include "tools/editor/win/CallLog.h"
 
 namespace zoka {

@@ -6,8 +6,7 @@
 #include <atomic>
 
 #include "plugin/EntryPoints.h"
-#include "plugin/HostContext.h"
-#include "plugin/HostSlots.h"
+#include "plugin/host/HostAbi.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <span>
 #include <string>
 
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 

@@ -1,4 +1,4 @@
-#include "plugin/HostAdapter.h"
+#include "plugin/host/HostAdapter.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "util/win/WinPrompt.h"
+#include "ui/win/WinPrompt.h"
 
 #include <windows.h>
 

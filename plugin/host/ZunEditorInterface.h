@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "plugin/HostCommands.h"
+#include "plugin/host/HostAbi.h"
 
 namespace zoka {
 

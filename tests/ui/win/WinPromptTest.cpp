@@ -1,5 +1,5 @@
 // Real message boxes, answered from another thread.
-#include "util/win/WinPrompt.h"
+#include "ui/win/WinPrompt.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "templates/JobProgress.h"
-#include "util/win/WindowKit.h"
+#include "util/JobProgress.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 

@@ -2,8 +2,8 @@
 // C++ members of the host's.
 #pragma once
 
-#include "plugin/HostSlots.h"
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/HostAbi.h"
+#include "plugin/host/ZunEditorInterface.h"
 
 namespace zoka {
 

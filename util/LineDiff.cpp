@@ -1,4 +1,4 @@
-#include "templates/LineDiff.h"
+#include "util/LineDiff.h"
 
 #include <algorithm>
 #include <dtl/dtl.hpp>

@@ -1,4 +1,4 @@
-#include "templates/win/RowList.h"
+#include "ui/win/RowList.h"
 
 #include <algorithm>
 #include <cstring>

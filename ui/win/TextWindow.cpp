@@ -1,8 +1,8 @@
-#include "util/win/TextWindow.h"
+#include "ui/win/TextWindow.h"
 
 #include <algorithm>
 
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 namespace {

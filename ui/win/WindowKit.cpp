@@ -1,4 +1,4 @@
-#include "util/win/WindowKit.h"
+#include "ui/win/WindowKit.h"
 
 #include <commctrl.h>
 

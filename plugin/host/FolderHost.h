@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/ZunEditorInterface.h"
+#include "plugin/host/ZunEditorInterface.h"
 
 namespace zoka {
 

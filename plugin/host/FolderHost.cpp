@@ -1,4 +1,4 @@
-#include "plugin/FolderHost.h"
+#include "plugin/host/FolderHost.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "templates/win/ProgressWindow.h"
+#include "ui/win/ProgressWindow.h"
 
 #include <commctrl.h>
 
