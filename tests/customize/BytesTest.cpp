@@ -111,7 +111,7 @@ TEST(Bytes, SeedsAndFindingsOfTheFuzzerHold) {
     for (const char* folder : {"seeds", "regressions"}) {
         for (const bool script : {true, false}) {
             const auto path =
-                std::filesystem::path(ZOKA_SOURCE_DIR) / "fuzz" / folder / (script ? "markup" : "valuefile");
+                zoka::test::sourceDir() / "fuzz" / folder / (script ? "markup" : "valuefile");
             if (!std::filesystem::exists(path)) continue;
             for (const auto& file : std::filesystem::directory_iterator(path)) {
                 const std::string bytes = readNative(file.path());
@@ -173,7 +173,7 @@ TEST(Golden, TheEntriesOfEverySampleAreThoseApproved) {
         CustomScript script;
         takeCustomText(bytes, script);
         const auto path =
-            std::filesystem::path(ZOKA_SOURCE_DIR) / "tests/customize/golden" / (name + ".golden");
+            zoka::test::sourceDir() / "tests/customize/golden" / (name + ".golden");
         EXPECT_EQ(entriesText(script), readNative(path))
             << "docs/customize-markup.md tells how to approve a change";
     }

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/SourceDir.h"
+
 namespace zoka::test {
 
 inline std::string readNative(const std::filesystem::path& path) {
@@ -18,7 +20,7 @@ inline std::string readNative(const std::filesystem::path& path) {
 // Name (with "newer/" in front of the later versions) and bytes.
 inline std::map<std::string, std::string> sampleScripts() {
     std::map<std::string, std::string> scripts;
-    const std::filesystem::path samples = std::filesystem::path(ZOKA_SOURCE_DIR) / "samples";
+    const std::filesystem::path samples = zoka::test::sourceDir() / "samples";
     for (const char* folder : {"templates", "templates-newer"})
         for (const auto& file : std::filesystem::directory_iterator(samples / folder))
             if (file.path().extension() == ".kez")

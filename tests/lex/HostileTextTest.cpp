@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/lex/LexCheck.h"
+#include "tests/support/SourceDir.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> filesUnder(const char* folder) {
     std::vector<fs::path> paths;
-    for (const auto& entry : fs::directory_iterator(fs::path(ZOKA_SOURCE_DIR) / "fuzz" / folder / "lex"))
+    for (const auto& entry : fs::directory_iterator(zoka::test::sourceDir() / "fuzz" / folder / "lex"))
         if (entry.is_regular_file() && entry.path().filename() != "README.md") paths.push_back(entry.path());
     std::sort(paths.begin(), paths.end());
     std::vector<std::string> texts;

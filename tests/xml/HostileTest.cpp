@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/SourceDir.h"
 #include "tests/xml/XmlText.h"
 
 using namespace zoka::test;
@@ -41,8 +42,8 @@ TEST(Hostile, EveryCutAndEveryChangeOfOneByte) {
 // Seeds of the fuzzer and what it found, byte for byte.
 TEST(Hostile, SeedsAndRegressionsOfTheFuzzer) {
     int files = 0;
-    for (const char* folder : {"/fuzz/seeds/xml", "/fuzz/regressions/xml"})
-        for (const auto& entry : std::filesystem::directory_iterator(ZOKA_SOURCE_DIR + std::string(folder))) {
+    for (const char* folder : {"fuzz/seeds/xml", "fuzz/regressions/xml"})
+        for (const auto& entry : std::filesystem::directory_iterator(zoka::test::sourceDir() / folder)) {
             std::ifstream in(entry.path(), std::ios::binary);
             const std::string bytes(std::istreambuf_iterator<char>(in), {});
             EXPECT_EQ(checkXml(bytes), "") << entry.path();
