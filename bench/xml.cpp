@@ -120,7 +120,7 @@ std::string readFile(const char* path) {
     std::FILE* file = std::fopen(path, "rb");
     if (!file) die(std::string("cannot read ") + path);
     char block[65536];
-    while (const std::size_t got = std::fread(block, 1, sizeof block, file)) text.append(block, got);
+    while (const size_t got = std::fread(block, 1, sizeof block, file)) text.append(block, got);
     std::fclose(file);
     return text;
 }
@@ -128,7 +128,7 @@ std::string readFile(const char* path) {
 // KB. Of this program alone: getrusage would tell of the parent before exec, too.
 long peakOfProcess() {
     const std::string status = readFile("/proc/self/status");
-    const std::size_t at = status.find("VmHWM:");
+    const size_t at = status.find("VmHWM:");
     if (at == status.npos) die("no VmHWM in /proc/self/status");
     return std::atol(status.c_str() + at + 6);
 }

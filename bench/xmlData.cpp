@@ -20,7 +20,7 @@ const char* const kWords[] = {"door",  "guard", "opens", "slowly", "when",   "th
                               "a",     "room",  "and",   "closes", "behind", "him",   "light",  "flickers",
                               "sound", "of",    "water", "bridge", "falls",  "after", "three",  "seconds"};
 
-std::string words(Dice& dice, std::size_t length) {
+std::string words(Dice& dice, size_t length) {
     std::string text;
     while (text.size() < length) {
         text += kWords[dice.below(sizeof kWords / sizeof *kWords)];

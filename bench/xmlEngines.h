@@ -26,7 +26,7 @@ struct Zoka {
     static Document parse(const std::string& text) { return XMLNode::parseBytes(text); }
     static Document parseFile(const char* path) { return XMLNode::parseFile(path); }
     static Text write(const Document& document) { return Text(document.toText(true)); }
-    static std::size_t size(const Text& text) { return std::char_traits<char>::length(text.get()); }
+    static size_t size(const Text& text) { return std::char_traits<char>::length(text.get()); }
     static XMLNode root(const Document& document, const char* tag) { return document.getChild(tag); }
 
     template <class Visit>
@@ -60,7 +60,7 @@ struct Pugi {
         document->save(writer, "\t", pugi::format_indent | pugi::format_no_declaration);
         return std::move(writer.text);
     }
-    static std::size_t size(const Text& text) { return text.size(); }
+    static size_t size(const Text& text) { return text.size(); }
     static pugi::xml_node root(const Document& document, const char* tag) { return document->child(tag); }
 
     template <class Visit>
@@ -91,7 +91,7 @@ struct Tiny {
         document->Print(printer.get());
         return printer;
     }
-    static std::size_t size(const Text& text) { return static_cast<std::size_t>(text->CStrSize()) - 1; }
+    static size_t size(const Text& text) { return static_cast<size_t>(text->CStrSize()) - 1; }
     static const tinyxml2::XMLElement* root(const Document& document, const char* tag) {
         return document->FirstChildElement(tag);
     }

@@ -5,7 +5,9 @@
 namespace zoka {
 
 void EditHistory::add(Step step, bool joining) {
-    if (step.empty()) return;
+    if (step.empty()) {
+        return;
+    }
     m_steps.resize(m_done);
     if (joining && m_joinable && m_done > 0 && m_steps.back().size() == 1 && step.size() == 1 &&
         m_steps.back()[0].entry == step[0].entry) {

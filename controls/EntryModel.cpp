@@ -14,11 +14,15 @@ constexpr int kSliderPositions = 1'000'000;  // at most; a slider's window count
 // A step that suits a number for which none was given: whole numbers by 1; others by the last digit of the
 // value loaded, or by about a hundredth of their range.
 double fallbackStep(const EntryFacts& facts) {
-    if (!facts.decimal) return 1;
+    if (!facts.decimal) {
+        return 1;
+    }
     const int decimals = std::min(decimalsOf(facts.value), 6);
     const double byValue = std::pow(10.0, -std::max(decimals, 1));
     const double range = facts.maximum - facts.minimum;
-    if (!facts.limited || !(range > 0) || range > 100000) return byValue;
+    if (!facts.limited || !(range > 0) || range > 100000) {
+        return byValue;
+    }
     return std::min(byValue, std::pow(10.0, std::floor(std::log10(range / 100))));
 }
 
@@ -32,13 +36,17 @@ double nearest(double value) {
 EntryModel::EntryModel(EntryFacts facts) : m_facts(std::move(facts)), m_value(m_facts.value) {
     if (isNumber(m_facts.field)) {
         m_step = m_facts.step > 0 ? m_facts.step : fallbackStep(m_facts);
-        if (!m_facts.decimal) m_step = std::max(1.0, nearest(m_step));
+        if (!m_facts.decimal) {
+            m_step = std::max(1.0, nearest(m_step));
+        }
     }
 }
 
 bool EntryModel::SetValueFromText(const std::string& text) {
     std::string value = text.ends_with('\r') ? text.substr(0, text.size() - 1) : text;
-    if (value != m_facts.value && !fieldRefusal(m_facts, value).empty()) return false;
+    if (value != m_facts.value && !fieldRefusal(m_facts, value).empty()) {
+        return false;
+    }
     m_value = std::move(value);
     return true;
 }
@@ -68,10 +76,16 @@ int EntryModel::GetHeight() const {
 }
 
 std::string EntryModel::asWritten(const std::string& typed) const {
-    if (!isNumber(m_facts.field)) return typed;
+    if (!isNumber(m_facts.field)) {
+        return typed;
+    }
     const auto value = numberOf(typed);
-    if (!value || !fieldRefusal(m_facts, typed).empty()) return typed;
-    if (const auto loaded = numberOf(m_facts.value); loaded && *loaded == *value) return m_facts.value;
+    if (!value || !fieldRefusal(m_facts, typed).empty()) {
+        return typed;
+    }
+    if (const auto loaded = numberOf(m_facts.value); loaded && *loaded == *value) {
+        return m_facts.value;
+    }
     const bool digitsOnly = typed.find_first_not_of("0123456789") == typed.npos;
     return m_facts.keepPoint && digitsOnly ? typed + ".0" : typed;
 }
@@ -83,7 +97,9 @@ bool EntryModel::edit(const std::string& typed, std::string* why) {
         m_value = std::move(value);
         return true;
     }
-    if (why) *why = std::move(refusal);
+    if (why) {
+        *why = std::move(refusal);
+    }
     return false;
 }
 
@@ -92,10 +108,12 @@ double EntryModel::number() const {
 }
 
 std::string EntryModel::numberAsText(double value) const {
-    if (m_facts.limited && m_facts.minimum <= m_facts.maximum)
+    if (m_facts.limited && m_facts.minimum <= m_facts.maximum) {
         value = std::clamp(value, m_facts.minimum, m_facts.maximum);
+    }
     const int decimals =
-        m_facts.decimal ? std::max({decimalsOf(m_step), decimalsOf(m_value), decimalsOf(m_facts.minimum)}) : 0;
+        m_facts.decimal ? std::max({decimalsOf(m_step), decimalsOf(m_value), decimalsOf(m_facts.minimum)})
+                        : 0;
     return asWritten(numberText(value, decimals));
 }
 
@@ -112,7 +130,9 @@ int EntryModel::sliderRange() const {
 
 int EntryModel::sliderPosition() const {
     const double range = m_facts.maximum - m_facts.minimum;
-    if (sliderRange() == 0) return 0;
+    if (sliderRange() == 0) {
+        return 0;
+    }
     // Positions are steps, unless there are more of them than a slider has.
     const double unit = range / m_step > kSliderPositions ? range / kSliderPositions : m_step;
     return static_cast<int>(

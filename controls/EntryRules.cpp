@@ -13,37 +13,50 @@ constexpr std::string_view kEmptyBare = "A value must stand here: without one th
 constexpr double kNoLimit = 999999.0;  // what a missing limit is read as
 
 std::string refusalOfBare(std::string_view text) {
-    if (text.empty()) return std::string(kEmptyBare);
-    if (text.find_first_of(" \t") != text.npos)
+    if (text.empty()) {
+        return std::string(kEmptyBare);
+    }
+    if (text.find_first_of(" \t") != text.npos) {
         return "A blank is not allowed here: the value would end at it.";
+    }
     const size_t bad = text.find_first_of(":;=,");
-    if (bad != text.npos)
+    if (bad != text.npos) {
         return std::string("\"") + text[bad] + "\" is not allowed here: the value would end at it.";
-    if (text.front() == '"' || text.front() == '<')
+    }
+    if (text.front() == '"' || text.front() == '<') {
         return std::string("The value can't begin with \"") + text.front() +
                "\": it would be read as another kind.";
-    if (text.front() == '/' || text.find("//") != text.npos || text.find("/*") != text.npos)
+    }
+    if (text.front() == '/' || text.find("//") != text.npos || text.find("/*") != text.npos) {
         return "The value can't hold the slashes of a comment.";
+    }
     return {};
 }
 
 std::string refusalOfBracketed(std::string_view text) {
     const size_t bad = text.find_first_of("<>\"|?*");
-    if (bad != text.npos) return std::string("\"") + text[bad] + "\" can't stand in a file name.";
-    if (!text.empty() && (lex::isBlank(text.front()) || lex::isBlank(text.back())))
+    if (bad != text.npos) {
+        return std::string("\"") + text[bad] + "\" can't stand in a file name.";
+    }
+    if (!text.empty() && (lex::isBlank(text.front()) || lex::isBlank(text.back()))) {
         return "A file name can't begin or end with a blank.";
+    }
     return {};
 }
 
 std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
-    if (text.empty()) return std::string(kEmptyBare);
+    if (text.empty()) {
+        return std::string(kEmptyBare);
+    }
     const std::string range = allowedRange(facts).empty() ? "" : " (" + allowedRange(facts) + ")";
-    if (!numberOf(text) || text.find_first_of("0123456789") == text.npos)
+    if (!numberOf(text) || text.find_first_of("0123456789") == text.npos) {
         return (facts.decimal ? "Only a number fits here: digits, one point, a sign in front"
                               : "Only a whole number fits here") +
                range + ".";
-    if (!facts.decimal && (text.find('.') != text.npos || text.front() == '+'))
+    }
+    if (!facts.decimal && (text.find('.') != text.npos || text.front() == '+')) {
         return "Only a whole number fits here" + range + ".";
+    }
     return {};
 }
 
@@ -51,25 +64,34 @@ std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
 
 std::optional<double> numberOf(std::string_view text) {
     const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    if (negative || text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
     bool point = false;
     for (const char c : text) {
-        if (c == '.' && !point)
+        if (c == '.' && !point) {
             point = true;
-        else if (!lex::isDecimal(c))
+        } else if (!lex::isDecimal(c)) {
             return std::nullopt;
+        }
     }
     double value = 0;
     const auto result =
         std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
-    if (result.ec == std::errc::result_out_of_range) value = HUGE_VAL;
+    if (result.ec == std::errc::result_out_of_range) {
+        value = HUGE_VAL;
+    }
     return negative ? -value : value;  // a lone sign or point is 0
 }
 
 std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {
-    if (text.find('\0') != text.npos) return "A character of value 0 can't be written.";
+    if (text.find('\0') != text.npos) {
+        return "A character of value 0 can't be written.";
+    }
     const bool severalLines = facts.shape == ValueShape::Quoted && facts.lines > 1;
-    if (!severalLines && text.find_first_of("\r\n") != text.npos) return "A line end is not allowed here.";
+    if (!severalLines && text.find_first_of("\r\n") != text.npos) {
+        return "A line end is not allowed here.";
+    }
     switch (facts.shape) {
         case ValueShape::Bare:
             return refusalOfBare(text);
@@ -87,36 +109,57 @@ std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {
 }
 
 std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
-    if (!hasValue(facts.field)) return "Nothing can be entered here.";
-    if (std::string why = shapeRefusal(facts, text); !why.empty()) return why;
-    if (facts.field == EntryField::Switch && text != "0" && text != "1")
+    if (!hasValue(facts.field)) {
+        return "Nothing can be entered here.";
+    }
+    if (std::string why = shapeRefusal(facts, text); !why.empty()) {
+        return why;
+    }
+    if (facts.field == EntryField::Switch && text != "0" && text != "1") {
         return "A switch is either 1 (on) or 0 (off).";
-    if (isNumber(facts.field)) return refusalOfNumber(facts, text);
+    }
+    if (isNumber(facts.field)) {
+        return refusalOfNumber(facts, text);
+    }
     return {};
 }
 
 std::string entryRefusal(const EntryFacts& facts, std::string_view text) {
-    if (hasValue(facts.field) && text == facts.value) return {};
-    if (std::string why = fieldRefusal(facts, text); !why.empty()) return why;
+    if (hasValue(facts.field) && text == facts.value) {
+        return {};
+    }
+    if (std::string why = fieldRefusal(facts, text); !why.empty()) {
+        return why;
+    }
     if (isNumber(facts.field) && facts.limited) {
         const double value = *numberOf(text);
-        if (value < facts.minimum || value > facts.maximum)
+        if (value < facts.minimum || value > facts.maximum) {
             return std::string(text) + " is too " + (value < facts.minimum ? "small" : "large") + " (" +
                    allowedRange(facts) + ").";
+        }
     }
-    if (facts.maxChars > 0 && text.size() > static_cast<size_t>(facts.maxChars))
+    if (facts.maxChars > 0 && text.size() > static_cast<size_t>(facts.maxChars)) {
         return "At most " + std::to_string(facts.maxChars) + " characters fit here; these are " +
                std::to_string(text.size()) + ".";
+    }
     return {};
 }
 
 std::string allowedRange(const EntryFacts& facts) {
-    if (!isNumber(facts.field) || !facts.limited) return {};
+    if (!isNumber(facts.field) || !facts.limited) {
+        return {};
+    }
     const bool low = facts.minimum > -kNoLimit, high = facts.maximum < kNoLimit;
     const auto text = [](double value) { return numberText(value, decimalsOf(value)); };
-    if (low && high) return "allowed: " + text(facts.minimum) + " to " + text(facts.maximum);
-    if (low) return "allowed: " + text(facts.minimum) + " or more";
-    if (high) return "allowed: " + text(facts.maximum) + " or less";
+    if (low && high) {
+        return "allowed: " + text(facts.minimum) + " to " + text(facts.maximum);
+    }
+    if (low) {
+        return "allowed: " + text(facts.minimum) + " or more";
+    }
+    if (high) {
+        return "allowed: " + text(facts.maximum) + " or less";
+    }
     return {};
 }
 
@@ -139,7 +182,9 @@ std::string numberText(double value, int decimals) {
     std::string text(buffer, end);
     if (text.find('.') != text.npos) {
         text.erase(text.find_last_not_of('0') + 1);
-        if (text.back() == '.') text.pop_back();
+        if (text.back() == '.') {
+            text.pop_back();
+        }
     }
     return text == "-0" ? "0" : text;
 }

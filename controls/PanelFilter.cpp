@@ -8,8 +8,12 @@ namespace {
 // Letters of the Windows-1252 set in their small form.
 char folded(char c) {
     const auto u = static_cast<unsigned char>(c);
-    if ((u >= 'A' && u <= 'Z') || (u >= 0xC0 && u <= 0xDE && u != 0xD7)) return static_cast<char>(u + 0x20);
-    if (u == 0x8A || u == 0x8C || u == 0x8E) return static_cast<char>(u + 0x10);
+    if ((u >= 'A' && u <= 'Z') || (u >= 0xC0 && u <= 0xDE && u != 0xD7)) {
+        return static_cast<char>(u + 0x20);
+    }
+    if (u == 0x8A || u == 0x8C || u == 0x8E) {
+        return static_cast<char>(u + 0x10);
+    }
     return c;
 }
 
@@ -32,13 +36,17 @@ std::vector<std::string> wordsOf(std::string_view text) {
 }  // namespace
 
 void PanelFilter::setFolded(size_t heading, bool fold) {
-    if (m_folded.size() <= heading) m_folded.resize(heading + 1);
+    if (m_folded.size() <= heading) {
+        m_folded.resize(heading + 1);
+    }
     m_folded[heading] = fold;
 }
 
 void PanelFilter::foldAll(std::span<const FilterItem> items, bool fold) {
     m_folded.assign(items.size(), false);
-    for (size_t i = 0; i < items.size(); ++i) m_folded[i] = fold && items[i].field == EntryField::Heading;
+    for (size_t i = 0; i < items.size(); ++i) {
+        m_folded[i] = fold && items[i].field == EntryField::Heading;
+    }
 }
 
 std::vector<bool> PanelFilter::visible(std::span<const FilterItem> items) const {
@@ -54,7 +62,9 @@ std::vector<bool> PanelFilter::visible(std::span<const FilterItem> items) const 
             heading = i;
             fold = isFolded(i);
             const std::string caption = foldedText(item.label);
-            for (size_t w = 0; w < words.size(); ++w) inSection[w] = caption.find(words[w]) != caption.npos;
+            for (size_t w = 0; w < words.size(); ++w) {
+                inSection[w] = caption.find(words[w]) != caption.npos;
+            }
             shown[i] = !filtering;
             continue;
         }
@@ -65,11 +75,14 @@ std::vector<bool> PanelFilter::visible(std::span<const FilterItem> items) const 
         bool match = !changedOnly || item.changed;
         if (match && !words.empty()) {
             const std::string own = foldedText(item.label) + '\n' + foldedText(item.help);
-            for (size_t w = 0; w < words.size() && match; ++w)
+            for (size_t w = 0; w < words.size() && match; ++w) {
                 match = inSection[w] || own.find(words[w]) != own.npos;
+            }
         }
         shown[i] = match;
-        if (match && heading < items.size()) shown[heading] = true;
+        if (match && heading < items.size()) {
+            shown[heading] = true;
+        }
     }
     return shown;
 }

@@ -11,7 +11,9 @@ void PanelLayout::stack(std::span<const PanelItem> items) {
     m_heights.clear();
     long long y = m_top;
     for (size_t i = 0; i < items.size(); ++i) {
-        if (!items[i].visible) continue;
+        if (!items[i].visible) {
+            continue;
+        }
         m_rows.push_back(i);
         m_y.push_back(static_cast<int>(y));
         m_heights.push_back(items[i].height);
@@ -30,7 +32,9 @@ PanelLayout::Range PanelLayout::rowsWithin(int top, int height) const {
     const auto first = std::upper_bound(m_y.begin(), m_y.end(), top, below);
     size_t begin = static_cast<size_t>(first - m_y.begin());
     // The row that begins above the view may reach into it.
-    while (begin > 0 && m_y[begin - 1] + m_heights[begin - 1] > top) --begin;
+    while (begin > 0 && m_y[begin - 1] + m_heights[begin - 1] > top) {
+        --begin;
+    }
     const auto last = std::lower_bound(m_y.begin(), m_y.end(), top + std::max(0, height));
     return {begin, std::max(begin, static_cast<size_t>(last - m_y.begin()))};
 }
@@ -47,10 +51,11 @@ int PanelLayout::clampScroll(int top, int height) const {
 
 int PanelLayout::scrollToShow(size_t row, int top, int height) const {
     const int y = m_y[row], end = y + m_heights[row];
-    if (y < top || m_heights[row] >= height)
+    if (y < top || m_heights[row] >= height) {
         top = y;
-    else if (end > top + height)
+    } else if (end > top + height) {
         top = end - height;
+    }
     return clampScroll(top, height);
 }
 

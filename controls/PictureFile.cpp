@@ -35,10 +35,14 @@ int wordAt(std::string_view bytes, size_t at) {
 bool unpackPcx(std::string_view packed, std::vector<std::uint8_t>& out) {
     size_t at = 0, made = 0;
     while (made < out.size()) {
-        if (at >= packed.size()) return false;
+        if (at >= packed.size()) {
+            return false;
+        }
         size_t value = byteAt(packed, at++), count = 1;
         if (value >= 0xC0) {
-            if (at >= packed.size()) return false;
+            if (at >= packed.size()) {
+                return false;
+            }
             count = std::min(value & 0x3F, out.size() - made);
             value = byteAt(packed, at++);
         }
@@ -49,7 +53,9 @@ bool unpackPcx(std::string_view packed, std::vector<std::uint8_t>& out) {
 }
 
 std::optional<Picture> decodePcx(std::string_view bytes) {
-    if (bytes.size() < kPcxHeader || bytes[2] != 1) return std::nullopt;
+    if (bytes.size() < kPcxHeader || bytes[2] != 1) {
+        return std::nullopt;
+    }
     const size_t bits = byteAt(bytes, 3), planes = byteAt(bytes, 65);
     const size_t lineBytes = static_cast<size_t>(wordAt(bytes, 66));
     const int width = wordAt(bytes, 8) - wordAt(bytes, 4) + 1;
@@ -59,19 +65,28 @@ std::optional<Picture> decodePcx(std::string_view bytes) {
                          ((bits == 1 || bits == 2 || bits == 4) && planes >= 1 && bits * planes <= 4);
     if ((!trueColour && !indexed) || width < 1 || height < 1 || width > kMostPicturePixels ||
         height > kMostPicturePixels || lineBytes * 8 < static_cast<size_t>(width) * bits ||
-        static_cast<size_t>(width) * static_cast<size_t>(height) > kMostPixels)
+        static_cast<size_t>(width) * static_cast<size_t>(height) > kMostPixels) {
         return std::nullopt;
+    }
     const bool manyColours = bits == 8 && planes == 1;
-    if (manyColours && bytes.size() < kPcxHeader + kPcxPalette) return std::nullopt;
+    if (manyColours && bytes.size() < kPcxHeader + kPcxPalette) {
+        return std::nullopt;
+    }
     const std::string_view palette =
         manyColours ? bytes.substr(bytes.size() - kPcxPalette + 1) : bytes.substr(16, 48);
-    if (manyColours && bytes[bytes.size() - kPcxPalette] != 0x0C) return std::nullopt;
+    if (manyColours && bytes[bytes.size() - kPcxPalette] != 0x0C) {
+        return std::nullopt;
+    }
 
     // A byte of the file makes at most 63: checked before room is made for what can't be there.
     const size_t unpacked = lineBytes * planes * static_cast<size_t>(height);
-    if (unpacked > bytes.size() * 63) return std::nullopt;
+    if (unpacked > bytes.size() * 63) {
+        return std::nullopt;
+    }
     std::vector<std::uint8_t> lines(unpacked);
-    if (!unpackPcx(bytes.substr(kPcxHeader), lines)) return std::nullopt;
+    if (!unpackPcx(bytes.substr(kPcxHeader), lines)) {
+        return std::nullopt;
+    }
 
     Picture made{width, height, {}};
     made.rgba.reserve(static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
@@ -79,15 +94,19 @@ std::optional<Picture> decodePcx(std::string_view bytes) {
         const std::uint8_t* const line = lines.data() + y * lineBytes * planes;
         for (size_t x = 0; x < static_cast<size_t>(width); ++x) {
             if (trueColour) {
-                for (size_t p = 0; p < 3; ++p) made.rgba.push_back(line[p * lineBytes + x]);
+                for (size_t p = 0; p < 3; ++p) {
+                    made.rgba.push_back(line[p * lineBytes + x]);
+                }
             } else {
                 size_t index = 0;
                 const size_t perByte = 8 / bits, shift = 8 - bits * (x % perByte + 1);
-                for (size_t p = 0; p < planes; ++p)
+                for (size_t p = 0; p < planes; ++p) {
                     index |= ((line[p * lineBytes + x / perByte] >> shift) & ((1u << bits) - 1))
                              << (p * bits);
-                for (size_t c = 0; c < 3; ++c)
+                }
+                for (size_t c = 0; c < 3; ++c) {
                     made.rgba.push_back(static_cast<std::uint8_t>(byteAt(palette, index * 3 + c)));
+                }
             }
             made.rgba.push_back(255);
         }
@@ -98,18 +117,25 @@ std::optional<Picture> decodePcx(std::string_view bytes) {
 }  // namespace
 
 std::optional<Picture> decodePicture(std::string_view bytes) {
-    if (bytes.size() > INT_MAX) return std::nullopt;
+    if (bytes.size() > INT_MAX) {
+        return std::nullopt;
+    }
     if (!bytes.empty() && bytes[0] == 10) {
-        if (auto made = decodePcx(bytes)) return made;
+        if (auto made = decodePcx(bytes)) {
+            return made;
+        }
     }
     const auto* const data = reinterpret_cast<const stbi_uc*>(bytes.data());
     const int size = static_cast<int>(bytes.size());
     int width = 0, height = 0, channels = 0;
     if (!stbi_info_from_memory(data, size, &width, &height, &channels) || width < 1 || height < 1 ||
-        static_cast<size_t>(width) * static_cast<size_t>(height) > kMostPixels)
+        static_cast<size_t>(width) * static_cast<size_t>(height) > kMostPixels) {
         return std::nullopt;
+    }
     stbi_uc* const pixels = stbi_load_from_memory(data, size, &width, &height, &channels, 4);
-    if (!pixels) return std::nullopt;
+    if (!pixels) {
+        return std::nullopt;
+    }
     const size_t length = static_cast<size_t>(width) * static_cast<size_t>(height) * 4;
     Picture made{width, height, std::vector<std::uint8_t>(pixels, pixels + length)};
     stbi_image_free(pixels);

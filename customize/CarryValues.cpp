@@ -24,13 +24,17 @@ public:
     explicit Places(const CustomScript& script) {
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
-            if (entry.hasValue()) m_places[keyOf(entry.id, entry.label)].rows.push_back(i);
+            if (entry.hasValue()) {
+                m_places[keyOf(entry.id, entry.label)].rows.push_back(i);
+            }
         }
     }
     // The next row for it, or -1.
     ptrdiff_t next(int id, const std::string& label) {
         const auto found = m_places.find(keyOf(id, label));
-        if (found == m_places.end() || found->second.given == found->second.rows.size()) return -1;
+        if (found == m_places.end() || found->second.given == found->second.rows.size()) {
+            return -1;
+        }
         return static_cast<ptrdiff_t>(found->second.rows[found->second.given++]);
     }
 
@@ -45,10 +49,11 @@ private:
 std::string onOneLine(const std::string& text) {
     std::string made;
     for (const char c : text) {
-        if (c == '\n')
+        if (c == '\n') {
             made += "\\n";
-        else if (c != '\r')
+        } else if (c != '\r') {
             made += c;
+        }
     }
     return made;
 }
@@ -84,8 +89,9 @@ std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomS
     Places places(to);
     std::vector<std::ptrdiff_t> found;
     found.reserve(from.entries.size());
-    for (const CustomEntry& entry : from.entries)
+    for (const CustomEntry& entry : from.entries) {
         found.push_back(entry.hasValue() ? places.next(entry.id, entry.label) : -1);
+    }
     return found;
 }
 
@@ -93,20 +99,27 @@ std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly) 
     std::vector<KeptValue> values;
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = panel.script.entries[i];
-        if (entry.hasValue() && (changedOnly ? panel.row(i).HasChanged() : entry.id >= 1))
+        if (entry.hasValue() && (changedOnly ? panel.row(i).HasChanged() : entry.id >= 1)) {
             values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value()});
+        }
     }
     return values;
 }
 
 std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntryFacts& facts) {
-    if (std::string why = entryRefusal(facts, kept.value); !why.empty()) return why;
-    if (kept.kind == entry.kind || kept.value == entry.value) return {};
+    if (std::string why = entryRefusal(facts, kept.value); !why.empty()) {
+        return why;
+    }
+    if (kept.kind == entry.kind || kept.value == entry.value) {
+        return {};
+    }
     const bool listed = isChoice(facts, kept.value);
-    if (facts.field == EntryField::DropList && hasChoices(facts) && !listed)
+    if (facts.field == EntryField::DropList && hasChoices(facts) && !listed) {
         return "the entry is a list now, and the value is not one of its choices";
-    if ((kept.kind == kEnable || entry.kind == kEnable) && !listed)
+    }
+    if ((kept.kind == kEnable || entry.kind == kEnable) && !listed) {
         return kept.kind == kEnable ? "the entry is no switch any more" : "the entry is a switch now";
+    }
     return {};
 }
 
@@ -121,10 +134,11 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
         }
         EntryModel& model = panel.row(static_cast<size_t>(row));
         std::string why = carryRefusal(kept, panel.script.entries[static_cast<size_t>(row)], model.facts());
-        if (why.empty())
+        if (why.empty()) {
             model.SetValueFromText(kept.value);
-        else
+        } else {
             unplaced.push_back({kept, std::move(why)});
+        }
     }
     return unplaced;
 }
@@ -134,11 +148,14 @@ std::vector<UnplacedValue> lostWithoutId(const ScriptPanel& before, const Script
     const std::vector<std::ptrdiff_t> places = matchEntries(before.script, after.script);
     for (size_t i = 0; i < before.size(); ++i) {
         const CustomEntry& entry = before.script.entries[i];
-        if (!entry.hasValue() || entry.id >= 1) continue;
+        if (!entry.hasValue() || entry.id >= 1) {
+            continue;
+        }
         const std::string& value = before.row(i).value();
-        if (places[i] < 0 || after.row(static_cast<size_t>(places[i])).value() != value)
+        if (places[i] < 0 || after.row(static_cast<size_t>(places[i])).value() != value) {
             lost.push_back(
                 {{entry.id, entry.kind, entry.label, value}, "entries without an id are not kept"});
+        }
     }
     return lost;
 }
@@ -147,7 +164,9 @@ std::string unplacedText(const std::vector<UnplacedValue>& values) {
     std::string text;
     for (const UnplacedValue& one : values) {
         text += one.kept.label;
-        if (one.kept.id >= 1) text += " (id " + std::to_string(one.kept.id) + ")";
+        if (one.kept.id >= 1) {
+            text += " (id " + std::to_string(one.kept.id) + ")";
+        }
         text += ": " + onOneLine(one.kept.value) + " - " + one.reason + "\r\n";
     }
     return text;
@@ -162,13 +181,16 @@ std::string oldValuesText(const std::string& earlier, const CustomScript& script
         const std::string value = onOneLine(one.kept.value);
         std::string label = onOneLine(one.kept.label).substr(0, kLabelKept);
         std::replace(label.begin(), label.end(), '\t', ' ');
-        if (one.kept.id >= 1) newIds.insert(one.kept.id);
-        if (one.kept.id < 1)
+        if (one.kept.id >= 1) {
+            newIds.insert(one.kept.id);
+        }
+        if (one.kept.id < 1) {
             newLabels.insert(all.addLabelled(label, value));
-        else if (value.size() < kValueFileLine)
+        } else if (value.size() < kValueFileLine) {
             appendValueRecord(all.records, one.kept.id, one.kept.kind, value);
-        else
+        } else {
             newLabels.insert(all.addLabelled(label + " (id " + std::to_string(one.kept.id) + ')', value));
+        }
     }
     // The earlier file is in our own form: whole records, then pairs of lines that begin with "0". What a
     // user wrote there besides is passed over by readers too.
@@ -183,15 +205,20 @@ std::string oldValuesText(const std::string& earlier, const CustomScript& script
         const int id = markupInteger(lines[i]);
         if (lines[i] == "0" && i + 1 < lines.size()) {
             const size_t tab = std::min(lines[i + 1].find('\t'), lines[i + 1].size());
-            if (!newLabels.contains(lines[i + 1].substr(0, tab))) all.addLine(lines[i + 1]);
+            if (!newLabels.contains(lines[i + 1].substr(0, tab))) {
+                all.addLine(lines[i + 1]);
+            }
             i += 2;
         } else if (id > 0 && i + 2 < lines.size() && isShort(lines[i]) && isShort(lines[i + 1]) &&
                    isShort(lines[i + 2])) {
-            if (!newIds.contains(id))
+            if (!newIds.contains(id)) {
                 appendValueRecord(all.records, id, markupInteger(lines[i + 1]), lines[i + 2]);
+            }
             i += 4;
         } else {
-            if (!lines[i].empty()) all.addLine(lines[i]);
+            if (!lines[i].empty()) {
+                all.addLine(lines[i]);
+            }
             ++i;
         }
     }
@@ -200,12 +227,16 @@ std::string oldValuesText(const std::string& earlier, const CustomScript& script
 }
 
 bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values, std::string& why) {
-    if (values.empty()) return true;
+    if (values.empty()) {
+        return true;
+    }
     const std::string path = script.scriptPath + kOldValuesEnding;
     const auto earlier = osFiles().readWhole(path);
     if (!earlier) {
         why = "Can't read '" + path + "': " + osFiles().lastError();
-        if (osFiles().exists(path)) return false;  // what it keeps must not be overwritten
+        if (osFiles().exists(path)) {
+            return false;  // what it keeps must not be overwritten
+        }
     }
     const SafeWriteResult written = safeWrite(path, oldValuesText(earlier.value_or(""), script, values));
     why = written.error;

@@ -87,7 +87,9 @@ constexpr auto kSlots = [] {
         const std::string_view name = kNames[i];
         const auto low = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
         size_t slot = slotOf(low(name.front()), low(name.back()), name.size());
-        while (slots[slot] != kFree) slot = (slot + 1) & 127u;
+        while (slots[slot] != kFree) {
+            slot = (slot + 1) & 127u;
+        }
         slots[slot] = static_cast<uint8_t>(i);
     }
     return slots;
@@ -95,15 +97,27 @@ constexpr auto kSlots = [] {
 
 // At most one edit apart, letters compared without their case.
 bool oneSlipApart(std::string_view a, std::string_view b) {
-    if (a.size() > b.size()) std::swap(a, b);
-    if (b.size() - a.size() > 1) return false;
+    if (a.size() > b.size()) {
+        std::swap(a, b);
+    }
+    if (b.size() - a.size() > 1) {
+        return false;
+    }
     size_t same = 0;
-    while (same < a.size() && lex::lower(a[same]) == lex::lower(b[same])) ++same;
+    while (same < a.size() && lex::lower(a[same]) == lex::lower(b[same])) {
+        ++same;
+    }
     a.remove_prefix(same);
     b.remove_prefix(same);
-    if (a.size() < b.size()) return equalNoCase(a, b.substr(1));
-    if (a.empty()) return true;
-    if (equalNoCase(a.substr(1), b.substr(1))) return true;
+    if (a.size() < b.size()) {
+        return equalNoCase(a, b.substr(1));
+    }
+    if (a.empty()) {
+        return true;
+    }
+    if (equalNoCase(a.substr(1), b.substr(1))) {
+        return true;
+    }
     return a.size() > 1 && lex::lower(a[0]) == lex::lower(b[1]) && lex::lower(a[1]) == lex::lower(b[0]) &&
            equalNoCase(a.substr(2), b.substr(2));
 }
@@ -111,15 +125,21 @@ bool oneSlipApart(std::string_view a, std::string_view b) {
 }  // namespace
 
 int LookupCustomKeyword(const char* word, size_t length) {
-    if (length < 2 || length > kLongest) return kNoKeyword;
+    if (length < 2 || length > kLongest) {
+        return kNoKeyword;
+    }
     const char first = lex::lower(word[0]);
     size_t slot = slotOf(first, lex::lower(word[length - 1]), length);
     for (; kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
         const std::string_view name = kNames[kSlots[slot]];
-        if (name.size() != length || name[0] != first) continue;
+        if (name.size() != length || name[0] != first) {
+            continue;
+        }
         // Nearly all are written as here.
-        if (std::memcmp(name.data(), word, length) == 0 || lex::equalsIgnoringCase(name.data(), word, length))
+        if (std::memcmp(name.data(), word, length) == 0 ||
+            lex::equalsIgnoringCase(name.data(), word, length)) {
             return kSlots[slot];
+        }
     }
     return kNoKeyword;
 }
@@ -129,12 +149,19 @@ const char* customKeywordName(int keyword) {
 }
 
 int nearCustomKeyword(std::string_view word) {
-    if (word.size() < 3 || word.size() > kLongest + 1 || LookupCustomKeyword(word) >= 0) return kNoKeyword;
-    for (const std::string_view known : kHeaderWords)
-        if (equalNoCase(word, known)) return kNoKeyword;
+    if (word.size() < 3 || word.size() > kLongest + 1 || LookupCustomKeyword(word) >= 0) {
+        return kNoKeyword;
+    }
+    for (const std::string_view known : kHeaderWords) {
+        if (equalNoCase(word, known)) {
+            return kNoKeyword;
+        }
+    }
     for (int i = 0; i < kKeywordCount; ++i) {
         const std::string_view name = kNames[static_cast<size_t>(i)];
-        if (name.size() >= 3 && oneSlipApart(word, name)) return i;
+        if (name.size() >= 3 && oneSlipApart(word, name)) {
+            return i;
+        }
     }
     return kNoKeyword;
 }

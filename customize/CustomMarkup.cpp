@@ -21,17 +21,25 @@ constexpr double kMinimumDefault = -999999.0;
 constexpr double kMaximumDefault = 999999.0;
 
 std::string_view trimmedLine(std::string_view text) {
-    while (!text.empty() && lex::isSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && lex::isSpace(text.back())) text.remove_suffix(1);
+    while (!text.empty() && lex::isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && lex::isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
     return text;
 }
 
 // The next token of `rest`, which moves behind it.
 std::string_view nextToken(std::string_view& rest) {
     size_t start = 0;
-    while (start < rest.size() && lex::isBlank(rest[start])) ++start;
+    while (start < rest.size() && lex::isBlank(rest[start])) {
+        ++start;
+    }
     size_t end = start;
-    while (end < rest.size() && rest[end] && !lex::isSpace(rest[end])) ++end;
+    while (end < rest.size() && rest[end] && !lex::isSpace(rest[end])) {
+        ++end;
+    }
     const std::string_view token = rest.substr(start, end - start);
     rest.remove_prefix(end);
     return token;
@@ -44,7 +52,9 @@ std::string inQuotes(std::string_view text) {
 
 // A limit of a "cntl" line; false when it's no number (and then 0).
 bool readLimit(std::string_view token, double ifX, double& value) {
-    if (token.empty()) return true;
+    if (token.empty()) {
+        return true;
+    }
     if (equalNoCase(token, "x")) {
         value = ifX;
         return true;
@@ -56,7 +66,9 @@ bool readLimit(std::string_view token, double ifX, double& value) {
     }
     // What a number's beginning is worth counts.
     size_t length = token.size();
-    while (length > 0 && !numberOf(token.substr(0, length))) --length;
+    while (length > 0 && !numberOf(token.substr(0, length))) {
+        --length;
+    }
     value = length > 0 ? *numberOf(token.substr(0, length)) : 0;
     return false;
 }
@@ -67,11 +79,17 @@ std::string_view readTextNumbers(std::string_view text, int& first, int& second)
     int numbers[2] = {0, 0};
     for (int& number : numbers) {
         size_t digits = 0;
-        while (digits < rest.size() && lex::isDecimal(rest[digits])) ++digits;
-        if (digits == 0 || digits == rest.size() || rest[digits] != ',') return text;
+        while (digits < rest.size() && lex::isDecimal(rest[digits])) {
+            ++digits;
+        }
+        if (digits == 0 || digits == rest.size() || rest[digits] != ',') {
+            return text;
+        }
         number = markupInteger(rest);
         rest.remove_prefix(digits + 1);
-        while (!rest.empty() && lex::isBlank(rest.front())) rest.remove_prefix(1);
+        while (!rest.empty() && lex::isBlank(rest.front())) {
+            rest.remove_prefix(1);
+        }
     }
     first = numbers[0];
     second = numbers[1];
@@ -96,18 +114,23 @@ public:
 private:
     void readLine(size_t start, std::string_view line) {
         size_t at = 0;
-        while (at < line.size() && lex::isBlank(line[at])) ++at;
+        while (at < line.size() && lex::isBlank(line[at])) {
+            ++at;
+        }
         if (at == line.size() || !line[at] || lex::isLineEnd(line[at])) {
-            if (m_entry.kind >= 0) drop("a blank line follows");
+            if (m_entry.kind >= 0) {
+                drop("a blank line follows");
+            }
             m_inAction = m_inBehavior = false;
             return;
         }
         const bool comment = line[at] == '/' && at + 1 < line.size() && line[at + 1] == '/';
         if (m_inAction) {
-            if (line.size() - at >= 6 && lex::equalsIgnoringCase(line.data() + at, "action", 6))
+            if (line.size() - at >= 6 && lex::equalsIgnoringCase(line.data() + at, "action", 6)) {
                 m_inAction = false;
-            else if (comment)
+            } else if (comment) {
                 reportSlip(splitMarkupLine(line.substr(at)));
+            }
         } else if (comment) {
             readMarkup(start + at, splitMarkupLine(line.substr(at)));
         } else if (m_entry.kind >= 0) {
@@ -136,15 +159,21 @@ private:
             case kHelp:
             case kEntryHelp:
                 if (m_entry.kind >= 0) {
-                    if (!m_entry.help.empty()) m_entry.help += "\r\n";
+                    if (!m_entry.help.empty()) {
+                        m_entry.help += "\r\n";
+                    }
                     m_entry.help += line.text;
                 }
                 break;
             case kId:
-                if (refines(line)) readId(line.text);
+                if (refines(line)) {
+                    readId(line.text);
+                }
                 break;
             case kCntl:
-                if (refines(line)) readCntl(line.text);
+                if (refines(line)) {
+                    readCntl(line.text);
+                }
                 break;
             case kAction:
                 m_inAction = true;
@@ -156,10 +185,11 @@ private:
                 m_script.date = markupInteger(line.text);
                 break;
             case kNoKeyword:
-                if (m_entry.kind == kEnable && !line.keyword.empty())
+                if (m_entry.kind == kEnable && !line.keyword.empty()) {
                     completeSwitchedOff(slashes);
-                else
+                } else {
                     reportSlip(line);
+                }
                 break;
             default:  // the behaviour panel's words and the kinds that are no words
                 m_inBehavior = keyword >= kDesc;
@@ -168,10 +198,14 @@ private:
     }
 
     void begin(int keyword, std::string_view text) {
-        if (m_entry.kind >= 0) drop("another entry begins");
+        if (m_entry.kind >= 0) {
+            drop("another entry begins");
+        }
         m_entry.kind = keyword;
         m_entry.line = lineNumber();
-        if (keyword == kEntryText) text = readTextNumbers(text, m_entry.textParam1, m_entry.textParam2);
+        if (keyword == kEntryText) {
+            text = readTextNumbers(text, m_entry.textParam1, m_entry.textParam2);
+        }
         m_entry.label.assign(text);
     }
 
@@ -185,7 +219,9 @@ private:
     // move all of them through ever new memory.
     void makeRoom() {
         const size_t count = m_script.entries.size();
-        if (count < m_script.entries.capacity()) return;
+        if (count < m_script.entries.capacity()) {
+            return;
+        }
         const double left = static_cast<double>(m_text.size() - m_next) / static_cast<double>(m_next);
         const auto foreseen =
             static_cast<size_t>(std::min(left * 1.05, kMostGrowth) * static_cast<double>(count));
@@ -209,9 +245,10 @@ private:
 
     // The entry stays under construction: each further commented line is switched by it too.
     void completeSwitchedOff(size_t slashes) {
-        if (m_switchedLines++ == 1)
+        if (m_switchedLines++ == 1) {
             report("the switch " + inQuotes(m_entry.label) +
                    " stands above several commented lines: each got a switch of its own with the same id");
+        }
         makeRoom();
         m_script.entries.push_back(m_entry);
         CustomEntry& copy = m_script.entries.back();
@@ -222,37 +259,47 @@ private:
 
     // Ends the construction without an entry.
     void drop(const char* why) {
-        if (m_entry.kind < 0) return;
+        if (m_entry.kind < 0) {
+            return;
+        }
         // A switch whose commented lines were found has what it needs.
-        if (m_switchedLines == 0 && m_script.findings.wantsMore())
+        if (m_switchedLines == 0 && m_script.findings.wantsMore()) {
             m_script.findings.add(m_entry.line, "the entry " + inQuotes(m_entry.label) +
                                                     " found no value: " + why + "; it was left out");
+        }
         forget();
     }
 
     bool refines(const MarkupLine& line) {
-        if (m_entry.kind >= 0) return true;
+        if (m_entry.kind >= 0) {
+            return true;
+        }
         // Below a skill or a flag it's the behaviour panel's.
-        if (line.colon && !m_inBehavior)
+        if (line.colon && !m_inBehavior) {
             report(inQuotes(line.keyword) + " belongs to no entry; it was ignored");
+        }
         return false;
     }
 
     void readId(std::string_view text) {
         bool fits = true;
         m_entry.id = markupInteger(text, &fits);
-        if (!fits) m_entry.id = -1;
-        if (m_entry.id < 1)
+        if (!fits) {
+            m_entry.id = -1;
+        }
+        if (m_entry.id < 1) {
             report("the id " + inQuotes(text) + " is no number from 1 to 2147483647: values of " +
                    inQuotes(m_entry.label) + " are not kept in the value file");
+        }
     }
 
     void readCntl(std::string_view text) {
         std::string fault;
-        if (!readControl(text, m_entry, &fault))
+        if (!readControl(text, m_entry, &fault)) {
             report("unknown control word in " + inQuotes(text) + "; it was ignored");
-        else if (!fault.empty())
+        } else if (!fault.empty()) {
             report(fault);
+        }
     }
 
     void readDefinition(size_t start) {
@@ -281,10 +328,11 @@ private:
                 break;
             case Found::Interrupted:
                 drop("a comment or the script's end comes first");
-                if (found.end < m_text.size())
+                if (found.end < m_text.size()) {
                     lookAgainAt(found.end);
-                else
+                } else {
                     skipLinesTo(found.end);
+                }
                 break;
             case Found::NotThere:
             case Found::Yes:
@@ -302,7 +350,9 @@ private:
         if (quoted || (kind == kEntry && token.front() == '<')) {
             token = token.substr(1, token.size() - 2);
             ++start;
-            if (kind == kEntry) kind = quoted ? kEntryStrEdit : kEntryChooseFile;
+            if (kind == kEntry) {
+                kind = quoted ? kEntryStrEdit : kEntryChooseFile;
+            }
         } else if (kind == kEntry) {
             const bool digits = token.find_first_not_of("0123456789") == token.npos;
             if (!digits && !numberOf(token)) {
@@ -314,7 +364,9 @@ private:
         }
         m_entry.valueStart = start;
         m_entry.valueLength = token.size();
-        if (kind == kEntryChooseFile) token = trimmedLine(token);
+        if (kind == kEntryChooseFile) {
+            token = trimmedLine(token);
+        }
         if (token.empty()) {
             drop("the value is empty");
             return;
@@ -329,26 +381,37 @@ private:
     void reportWhatFollows(size_t end, int line) {
         size_t at = end;
         const auto skipBlanks = [&] {
-            while (at < m_text.size() && lex::isBlank(m_text[at])) ++at;
+            while (at < m_text.size() && lex::isBlank(m_text[at])) {
+                ++at;
+            }
             return at < m_text.size() && m_text[at] && !lex::isLineEnd(m_text[at]) && m_text[at] != '/';
         };
-        if (!skipBlanks() || m_text[at] == ',') return;
+        if (!skipBlanks() || m_text[at] == ',') {
+            return;
+        }
         if (m_text[at] == ';') {
             ++at;
-            if (!skipBlanks()) return;
+            if (!skipBlanks()) {
+                return;
+            }
         }
-        if (!m_script.findings.wantsMore()) return;
+        if (!m_script.findings.wantsMore()) {
+            return;
+        }
         const std::string_view rest = m_text.substr(at, m_text.find_first_of("\r\n", at) - at);
         m_script.findings.add(line, inQuotes(rest) + " follows the value of " + inQuotes(m_entry.label) +
                                         "; only the value itself can be customized");
     }
 
     void reportSlip(const MarkupLine& line) {
-        if (!line.colon || line.keyword.size() < 3 || !m_script.findings.wantsMore()) return;
+        if (!line.colon || line.keyword.size() < 3 || !m_script.findings.wantsMore()) {
+            return;
+        }
         const int near = nearCustomKeyword(line.keyword);
-        if (near >= 0)
+        if (near >= 0) {
             report(inQuotes(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
                    "\" meant? The line was taken as a comment");
+        }
     }
 
     void report(std::string what) { m_script.findings.add(lineNumber(), std::move(what)); }
@@ -365,13 +428,19 @@ private:
 
     // The next line is then the first that begins at `end` or later.
     void skipLinesTo(size_t end) {
-        while (m_next < end) nextLine();
+        while (m_next < end) {
+            nextLine();
+        }
     }
     // The next line is then the one that holds `place`, unless that's the current one.
     void lookAgainAt(size_t place) {
-        if (place < m_next) return;
+        if (place < m_next) {
+            return;
+        }
         size_t start = m_next;
-        while (m_next <= place) start = nextLine();
+        while (m_next <= place) {
+            start = nextLine();
+        }
         m_next = start;
         --m_line;
     }
@@ -396,31 +465,46 @@ void ParseCustomMarkup(std::string_view text, CustomScript& script) {
 MarkupLine splitMarkupLine(std::string_view line) {
     size_t at = 2;
     const auto skip = [&] {
-        while (at < line.size() && (lex::isBlank(line[at]) || line[at] == ':')) ++at;
+        while (at < line.size() && (lex::isBlank(line[at]) || line[at] == ':')) {
+            ++at;
+        }
         return at < line.size() && line[at] && !lex::isLineEnd(line[at]);
     };
     MarkupLine parts;
-    if (!skip()) return parts;
+    if (!skip()) {
+        return parts;
+    }
     const size_t word = at;
-    while (at < line.size() && line[at] && line[at] != ':' && !lex::isSpace(line[at])) ++at;
+    while (at < line.size() && line[at] && line[at] != ':' && !lex::isSpace(line[at])) {
+        ++at;
+    }
     parts.keyword = line.substr(word, at - word);
-    while (at < line.size() && lex::isBlank(line[at])) ++at;
+    while (at < line.size() && lex::isBlank(line[at])) {
+        ++at;
+    }
     parts.colon = at < line.size() && line[at] == ':';
-    if (skip()) parts.text = trimmedLine(line.substr(at));
+    if (skip()) {
+        parts.text = trimmedLine(line.substr(at));
+    }
     return parts;
 }
 
 bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) {
     const std::string_view word = nextToken(text);
     const auto complain = [&](std::string what) {
-        if (fault && fault->empty()) *fault = std::move(what);
+        if (fault && fault->empty()) {
+            *fault = std::move(what);
+        }
     };
     if (equalNoCase(word, "drop_list") || equalNoCase(word, "drop")) {
         entry.controlKind = kDropList;
         entry.options.clear();
-        for (std::string_view option = nextToken(text); !option.empty(); option = nextToken(text))
+        for (std::string_view option = nextToken(text); !option.empty(); option = nextToken(text)) {
             entry.options.emplace_back(option);
-        if (entry.options.empty()) complain("the list of choices of " + inQuotes(entry.label) + " is empty");
+        }
+        if (entry.options.empty()) {
+            complain("the list of choices of " + inQuotes(entry.label) + " is empty");
+        }
         return true;
     }
     if (equalNoCase(word, "drop_pair")) {
@@ -428,7 +512,9 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
         return true;
     }
     const bool slider = equalNoCase(word, "slider");
-    if (!slider && !equalNoCase(word, "spin")) return false;
+    if (!slider && !equalNoCase(word, "spin")) {
+        return false;
+    }
     entry.controlKind = slider ? kSliderControl : kSpin;
     entry.minimum = kMinimumDefault;
     entry.maximum = kMaximumDefault;
@@ -437,23 +523,35 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
          {std::pair(&entry.minimum, kMinimumDefault), std::pair(&entry.maximum, kMaximumDefault),
           std::pair(&entry.step, slider ? 1.0 : 0.0)}) {
         const std::string_view token = nextToken(text);
-        if (!readLimit(token, ifX, *value))
+        if (!readLimit(token, ifX, *value)) {
             complain(inQuotes(token) + " in the limits of " + inQuotes(entry.label) + " is no number; " +
                      numberText(*value, 6) + " was taken");
+        }
     }
-    if (entry.minimum > entry.maximum)
+    if (entry.minimum > entry.maximum) {
         complain("the minimum of " + inQuotes(entry.label) + " is above its maximum; no value is inside");
-    if (entry.step < 0) complain("the step of " + inQuotes(entry.label) + " is below 0; it was ignored");
+    }
+    if (entry.step < 0) {
+        complain("the step of " + inQuotes(entry.label) + " is below 0; it was ignored");
+    }
     return true;
 }
 
 int markupInteger(std::string_view text, bool* fits) {
-    while (!text.empty() && lex::isBlank(text.front())) text.remove_prefix(1);
-    if (text.starts_with('+') && text.size() > 1 && lex::isDecimal(text[1])) text.remove_prefix(1);
+    while (!text.empty() && lex::isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    if (text.starts_with('+') && text.size() > 1 && lex::isDecimal(text[1])) {
+        text.remove_prefix(1);
+    }
     int value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc::result_out_of_range) return value;
-    if (fits) *fits = false;
+    if (result.ec != std::errc::result_out_of_range) {
+        return value;
+    }
+    if (fits) {
+        *fits = false;
+    }
     return text.front() == '-' ? INT32_MIN : INT32_MAX;
 }
 

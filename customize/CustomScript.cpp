@@ -28,12 +28,13 @@ bool hasFraction(double value) {
 }
 
 void checkEncoding(CustomScript& script) {
-    if (script.text.starts_with("\xFF\xFE") || script.text.starts_with("\xFE\xFF"))
+    if (script.text.starts_with("\xFF\xFE") || script.text.starts_with("\xFE\xFF")) {
         script.findings.add(
             1, "the script is UTF-16 text, in which no markup is found; save it with 8-bit characters");
-    else if (script.text.starts_with("\xEF\xBB\xBF"))
+    } else if (script.text.starts_with("\xEF\xBB\xBF")) {
         script.findings.add(
             1, "a byte order mark stands in front of the first line, which is not read as markup");
+    }
 }
 
 void checkIds(CustomScript& script) {
@@ -41,29 +42,36 @@ void checkIds(CustomScript& script) {
     std::vector<size_t> order;
     bool rising = true;
     for (size_t i = 0; i < entries.size(); ++i) {
-        if (entries[i].id < 1) continue;
+        if (entries[i].id < 1) {
+            continue;
+        }
         rising = rising && (order.empty() || entries[order.back()].id < entries[i].id);
         order.push_back(i);
     }
-    if (rising) return;  // as they nearly always are
+    if (rising) {
+        return;  // as they nearly always are
+    }
     std::stable_sort(order.begin(), order.end(),
                      [&](size_t a, size_t b) { return entries[a].id < entries[b].id; });
     for (size_t i = 1, first = 0; i < order.size(); ++i) {
         const CustomEntry &one = entries[order[first]], &other = entries[order[i]];
-        if (one.id != other.id)
+        if (one.id != other.id) {
             first = i;
-        else if (one.line != other.line)  // lines under one switch share its id; that has been reported
+        } else if (one.line != other.line) {  // lines under one switch share its id; that has been reported
             script.findings.add(other.line, "the id " + std::to_string(other.id) + " of " +
                                                 inQuotes(other.label) + " is that of " + inQuotes(one.label) +
                                                 " in line " + std::to_string(one.line) +
                                                 " too; kept values reach the first one only");
+        }
     }
 }
 
 // How the value ends its lines; without one of its own as the line in front of its definition does.
 bool endsLinesInLf(const CustomScript& script, const CustomEntry& entry) {
     const size_t own = entry.value.find('\n');
-    if (own != entry.value.npos) return own == 0 || entry.value[own - 1] != '\r';
+    if (own != entry.value.npos) {
+        return own == 0 || entry.value[own - 1] != '\r';
+    }
     const size_t before = script.text.rfind('\n', entry.valueStart);
     return before != script.text.npos && (before == 0 || script.text[before - 1] != '\r');
 }
@@ -81,9 +89,13 @@ void MarkupFindings::sortByLine() {
 
 bool LoadCustomScript(const std::string& fileName, CustomScript& script) {
     const std::string path = fileName.substr(0, kMaxScriptPath);
-    if (path.empty()) return false;
+    if (path.empty()) {
+        return false;
+    }
     auto text = osFiles().readWhole(path);
-    if (!text || text->size() > INT32_MAX - 2) return false;
+    if (!text || text->size() > INT32_MAX - 2) {
+        return false;
+    }
     script.scriptPath = path;
     takeCustomText(std::move(*text), script);
     return true;
@@ -92,7 +104,9 @@ bool LoadCustomScript(const std::string& fileName, CustomScript& script) {
 void takeCustomText(std::string fileText, CustomScript& script) {
     script.text = std::move(fileText);
     script.fileLength = script.text.size();
-    if (!script.text.ends_with("\r\n")) script.text += "\r\n";
+    if (!script.text.ends_with("\r\n")) {
+        script.text += "\r\n";
+    }
     script.entries.clear();
     script.version = script.date = 0;
     script.findings = {};
@@ -104,12 +118,13 @@ void takeCustomText(std::string fileText, CustomScript& script) {
 void checkCustomValue(CustomScript& script, const CustomEntry& entry) {
     if (isNumberKind(entry.kind) && isLimited(entry) && entry.minimum <= entry.maximum) {
         const double value = numberOf(entry.value).value_or(0);
-        if (value < entry.minimum || value > entry.maximum)
+        if (value < entry.minimum || value > entry.maximum) {
             script.findings.add(entry.line,
                                 "the value " + entry.value + " of " + inQuotes(entry.label) +
                                     " lies outside its limits (" + allowedRange(specOf(script, entry)) +
                                     "); it was left as it is",
                                 true);
+        }
     } else if (entry.kind == kEntryDrop &&
                (entry.controlKind == kDropPair
                     ? lacks(dropPairOf(entry.value), entry.value)
@@ -125,18 +140,21 @@ void checkCustomValue(CustomScript& script, const CustomEntry& entry) {
             std::string_view(script.text).substr(entry.valueStart, end - entry.valueStart);
         const std::string commented = "//" + std::string(line.substr(0, 80));
         const std::string_view word = splitMarkupLine(commented).keyword;
-        if (LookupCustomKeyword(word) >= 0)
+        if (LookupCustomKeyword(word) >= 0) {
             script.findings.add(entry.line,
                                 "the line below the switch " + inQuotes(entry.label) +
                                     " begins with the keyword " + inQuotes(std::string(word)) +
                                     ": once switched off it can't be switched on again",
                                 true);
+        }
     }
 }
 
 void checkCustomEntries(CustomScript& script) {
     checkIds(script);
-    for (const CustomEntry& entry : script.entries) checkCustomValue(script, entry);
+    for (const CustomEntry& entry : script.entries) {
+        checkCustomValue(script, entry);
+    }
     script.findings.sortByLine();
 }
 
@@ -191,7 +209,9 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const Ho
         case kEntryDrop:
             facts.field = EntryField::DropList;
             facts.options = entry.controlKind == kDropPair ? dropPairOf(entry.value) : entry.options;
-            if (entry.kind != kEntryDrop) facts.hostNames = hostNames;
+            if (entry.kind != kEntryDrop) {
+                facts.hostNames = hostNames;
+            }
             break;
         case kEntryStrEdit:
         case kEntryText:
@@ -199,7 +219,9 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const Ho
             facts.lines = entry.textParam1;
             facts.maxChars = entry.textParam2;
             // However many lines are asked for, those that the value has are shown.
-            if (facts.lines < 2 && entry.value.find('\n') != entry.value.npos) facts.lines = 2;
+            if (facts.lines < 2 && entry.value.find('\n') != entry.value.npos) {
+                facts.lines = 2;
+            }
             facts.bareFeeds = facts.lines > 1 && endsLinesInLf(script, entry);
             break;
         default:
@@ -212,15 +234,20 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const Ho
 std::vector<std::string> dropPairOf(std::string_view value) {
     constexpr std::string_view pairs[][2] = {{"yes", "no"}, {"on", "off"}, {"true", "false"}, {"1", "0"}};
     const std::string_view(*pair)[2] = &pairs[1];
-    for (const auto& candidate : pairs)
-        if (equalNoCase(value, candidate[0]) || equalNoCase(value, candidate[1])) pair = &candidate;
+    for (const auto& candidate : pairs) {
+        if (equalNoCase(value, candidate[0]) || equalNoCase(value, candidate[1])) {
+            pair = &candidate;
+        }
+    }
     const auto isUpper = [&](size_t i) { return i < value.size() && value[i] >= 'A' && value[i] <= 'Z'; };
     std::vector<std::string> made;
     for (const std::string_view word : *pair) {
         std::string text(word);
-        for (size_t i = 0; i < text.size(); ++i)
-            if (isUpper(0) && (i == 0 || isUpper(1)) && text[i] >= 'a')
+        for (size_t i = 0; i < text.size(); ++i) {
+            if (isUpper(0) && (i == 0 || isUpper(1)) && text[i] >= 'a') {
                 text[i] = static_cast<char>(text[i] - ('a' - 'A'));
+            }
+        }
         made.push_back(text);
     }
     return made;

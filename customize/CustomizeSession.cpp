@@ -20,7 +20,9 @@ CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt,
     : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView) {}
 
 bool CustomizeSession::open(const std::string& fileName) {
-    if (!load(fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName)) return false;
+    if (!load(fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName)) {
+        return false;
+    }
     m_unplaced.clear();
     filter.unfoldAll();
     show();
@@ -28,9 +30,13 @@ bool CustomizeSession::open(const std::string& fileName) {
 }
 
 bool CustomizeSession::switchTo(const std::string& fileName) {
-    if (!mayDropChanges()) return false;
+    if (!mayDropChanges()) {
+        return false;
+    }
     const bool opened = open(fileName);
-    if (!opened) m_prompt.tell(m_problem);
+    if (!opened) {
+        m_prompt.tell(m_problem);
+    }
     return opened;
 }
 
@@ -54,21 +60,28 @@ void CustomizeSession::show() {
 
 void CustomizeSession::showRows(bool keepHistory) {
     m_defaults.reset();
-    if (!keepHistory) m_history.clear();
+    if (!keepHistory) {
+        m_history.clear();
+    }
     m_view->rowsReplaced();
 }
 
 HostNames CustomizeSession::hostNames() {
     const std::vector<CustomEntry>& entries = m_panel.script.entries;
     if (std::none_of(entries.begin(), entries.end(),
-                     [](const CustomEntry& e) { return e.kind == kEntryEntity || e.kind == kEntryPath; }))
+                     [](const CustomEntry& e) { return e.kind == kEntryEntity || e.kind == kEntryPath; })) {
         return nullptr;
+    }
     std::vector<std::string> names;
     std::unordered_set<std::string> seen;
     for (int i = 0; i < kMostHostNames; ++i) {
         const auto name = m_host.GetListItemName(i);
-        if (!name) break;
-        if (!name->empty() && seen.insert(*name).second) names.push_back(*name);
+        if (!name) {
+            break;
+        }
+        if (!name->empty() && seen.insert(*name).second) {
+            names.push_back(*name);
+        }
     }
     m_host.EndListUpdate();
     return std::make_shared<const std::vector<std::string>>(std::move(names));
@@ -79,7 +92,9 @@ bool CustomizeSession::question(const std::string& text) {
 }
 
 bool CustomizeSession::mayDropChanges() {
-    if (changedCount() == 0) return true;
+    if (changedCount() == 0) {
+        return true;
+    }
     switch (m_prompt.ask("Save Changes?", "ZOKA", PromptButtons::YesNoCancel, PromptIcon::None)) {
         case PromptAnswer::Yes: {
             // Closing after a failure would lose what was to be saved.
@@ -102,22 +117,33 @@ bool CustomizeSession::fetchTemplateCopy() {
     const std::string& path = m_panel.script.scriptPath;
     const auto chosen = m_host.ChooseFile(m_host.TemplatePath(std::string(fileNameOf(path))));
     m_view->raiseOnce();
-    if (!chosen) return false;
+    if (!chosen) {
+        return false;
+    }
     const auto refuse = [&](const char* text) {
         m_prompt.tell(text);
         return false;
     };
-    if (equalNoCase(*chosen, path)) return refuse("Same File!\nNo Update.");
+    if (equalNoCase(*chosen, path)) {
+        return refuse("Same File!\nNo Update.");
+    }
     const size_t from = chosen->rfind('\\'), to = path.rfind('\\');
-    if (from == chosen->npos || to == path.npos) return refuse("Org. filename error (1127).\nNo Update.");
-    if (!equalNoCase(chosen->substr(from), path.substr(to)))
+    if (from == chosen->npos || to == path.npos) {
+        return refuse("Org. filename error (1127).\nNo Update.");
+    }
+    if (!equalNoCase(chosen->substr(from), path.substr(to))) {
         return refuse("Script name are not the same.\nNo Update.");
-    if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) return refuse("Copy error (1128).\nNo Update.");
+    }
+    if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) {
+        return refuse("Copy error (1128).\nNo Update.");
+    }
     return true;
 }
 
 bool CustomizeSession::restore() {
-    if (!isOpen() || !question("Restore values to default??") || !fetchTemplateCopy()) return false;
+    if (!isOpen() || !question("Restore values to default??") || !fetchTemplateCopy()) {
+        return false;
+    }
     const bool loaded = load(std::string(m_panel.script.scriptPath));
     if (loaded) {
         m_unplaced.clear();
@@ -132,14 +158,19 @@ bool CustomizeSession::restore() {
 bool CustomizeSession::update() {
     if (!isOpen() ||
         !question("Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
-                  "(Some values may be lost or overwriten)"))
+                  "(Some values may be lost or overwriten)")) {
         return false;
+    }
     m_problem.clear();
     // Without the value file the values would have no place but this memory once the script is replaced.
-    if (!WriteValueFile(m_panel.script, true, m_prompt, &m_problem)) return false;
+    if (!WriteValueFile(m_panel.script, true, m_prompt, &m_problem)) {
+        return false;
+    }
     const std::vector<KeptValue> values = valuesToKeep(m_panel, false);
     const bool byFile = valueFileCarriesAll(m_panel.script, true);
-    if (!fetchTemplateCopy()) return false;
+    if (!fetchTemplateCopy()) {
+        return false;
+    }
     ScriptPanel before = std::move(m_panel);
     m_panel = {};
     if (!load(before.script.scriptPath)) {
@@ -150,15 +181,21 @@ bool CustomizeSession::update() {
     m_unplaced.clear();
     show();
     m_view->bringToFront();
-    if (byFile)
+    if (byFile) {
         carryFromValueFile(values);
-    else
+    } else {
         carryFromMemory(values);
-    for (UnplacedValue& lost : lostWithoutId(before, m_panel)) m_unplaced.push_back(std::move(lost));
+    }
+    for (UnplacedValue& lost : lostWithoutId(before, m_panel)) {
+        m_unplaced.push_back(std::move(lost));
+    }
     keepUnplaced();
     EditHistory::Step step;
-    for (size_t i = 0; i < size(); ++i)
-        if (row(i).HasChanged()) step.push_back({i, row(i).loadedValue(), row(i).value()});
+    for (size_t i = 0; i < size(); ++i) {
+        if (row(i).HasChanged()) {
+            step.push_back({i, row(i).loadedValue(), row(i).value()});
+        }
+    }
     m_history.add(std::move(step));
     m_view->valuesChanged();
     return true;
@@ -166,29 +203,44 @@ bool CustomizeSession::update() {
 
 void CustomizeSession::carryFromMemory(const std::vector<KeptValue>& values) {
     std::unordered_set<int> ids;
-    for (const CustomEntry& one : m_panel.script.entries) ids.insert(one.id);
-    for (const KeptValue& kept : values)
-        if (!ids.contains(kept.id)) warnNoMatch(m_prompt);
+    for (const CustomEntry& one : m_panel.script.entries) {
+        ids.insert(one.id);
+    }
+    for (const KeptValue& kept : values) {
+        if (!ids.contains(kept.id)) {
+            warnNoMatch(m_prompt);
+        }
+    }
     m_unplaced = carryValues(values, m_panel);
 }
 
 void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) {
     std::unordered_map<int, const KeptValue*> keptOf;
-    for (const KeptValue& kept : values) keptOf.emplace(kept.id, &kept);
+    for (const KeptValue& kept : values) {
+        keptOf.emplace(kept.id, &kept);
+    }
     const auto place = [&](const ValueRecord& record, CustomEntry* entry) {
         const auto found = keptOf.find(record.id);
         UnplacedValue lost{
             {record.id, record.kind, found == keptOf.end() ? "" : found->second->label, record.value},
             "the script has no entry for it"};
-        if (lost.kept.value.ends_with('\r')) lost.kept.value.pop_back();
+        if (lost.kept.value.ends_with('\r')) {
+            lost.kept.value.pop_back();
+        }
         if (entry) {
             const auto& model = static_cast<const EntryModel&>(*entry->control);
             lost.reason = carryRefusal(lost.kept, *entry, model.facts());
-            if (lost.reason.empty()) entry->control->SetValueFromText(lost.kept.value);
+            if (lost.reason.empty()) {
+                entry->control->SetValueFromText(lost.kept.value);
+            }
         }
-        if (!lost.reason.empty()) m_unplaced.push_back(std::move(lost));
+        if (!lost.reason.empty()) {
+            m_unplaced.push_back(std::move(lost));
+        }
     };
-    if (ReadValueFile(m_panel.script, m_prompt, place)) return;
+    if (ReadValueFile(m_panel.script, m_prompt, place)) {
+        return;
+    }
     // The user has been told; the values are still at hand.
     m_panel.makeRows(hostNames());
     m_unplaced = carryValues(values, m_panel);
@@ -207,7 +259,9 @@ void CustomizeSession::keepUnplaced() {
 bool CustomizeSession::setValue(size_t i, const std::string& text, std::string* why, bool typing) {
     EntryModel& model = m_panel.row(i);
     const std::string before = model.value();
-    if (!model.edit(text, why)) return false;
+    if (!model.edit(text, why)) {
+        return false;
+    }
     if (model.value() != before) {
         m_history.add({{i, before, model.value()}}, typing);
         m_view->valuesChanged();
@@ -220,37 +274,52 @@ void CustomizeSession::apply(size_t i, const std::string& value) {
 }
 
 std::optional<size_t> CustomizeSession::undo() {
-    if (!canUndo()) return std::nullopt;
+    if (!canUndo()) {
+        return std::nullopt;
+    }
     const EditHistory::Step& step = m_history.undo();
-    for (auto change = step.rbegin(); change != step.rend(); ++change) apply(change->entry, change->before);
+    for (auto change = step.rbegin(); change != step.rend(); ++change) {
+        apply(change->entry, change->before);
+    }
     m_view->valuesChanged();
     return step.front().entry;
 }
 
 std::optional<size_t> CustomizeSession::redo() {
-    if (!canRedo()) return std::nullopt;
+    if (!canRedo()) {
+        return std::nullopt;
+    }
     const EditHistory::Step& step = m_history.redo();
-    for (const EditChange& change : step) apply(change.entry, change.after);
+    for (const EditChange& change : step) {
+        apply(change.entry, change.after);
+    }
     m_view->valuesChanged();
     return step.front().entry;
 }
 
 size_t CustomizeSession::sectionEnd(size_t heading) const {
     size_t last = heading + 1;
-    while (last < size() && row(last).facts().field != EntryField::Heading) ++last;
+    while (last < size() && row(last).facts().field != EntryField::Heading) {
+        ++last;
+    }
     return last;
 }
 
 // The value that resetting would give the row; nothing when it stays as it is.
 std::optional<std::string> CustomizeSession::resetValue(size_t i, ResetTo to) {
-    if (!hasValue(row(i).facts().field)) return std::nullopt;
+    if (!hasValue(row(i).facts().field)) {
+        return std::nullopt;
+    }
     auto value = to == ResetTo::Loaded ? std::optional(row(i).loadedValue()) : defaultOf(i);
     return value && *value != row(i).value() ? value : std::nullopt;
 }
 
 bool CustomizeSession::canReset(size_t first, size_t last, ResetTo to) {
-    for (size_t i = first; i < last; ++i)
-        if (resetValue(i, to)) return true;
+    for (size_t i = first; i < last; ++i) {
+        if (resetValue(i, to)) {
+            return true;
+        }
+    }
     return false;
 }
 
@@ -259,13 +328,19 @@ size_t CustomizeSession::reset(size_t first, size_t last, ResetTo to) {
     for (size_t i = first; i < last; ++i) {
         EntryModel& model = m_panel.row(i);
         const auto value = resetValue(i, to);
-        if (!value) continue;
+        if (!value) {
+            continue;
+        }
         EditChange change{i, model.value(), *value};
-        if (model.SetValueFromText(*value)) step.push_back(std::move(change));
+        if (model.SetValueFromText(*value)) {
+            step.push_back(std::move(change));
+        }
     }
     const size_t changed = step.size();
     m_history.add(std::move(step));
-    if (changed > 0) m_view->valuesChanged();
+    if (changed > 0) {
+        m_view->valuesChanged();
+    }
     return changed;
 }
 
@@ -275,15 +350,18 @@ std::optional<std::string> CustomizeSession::defaultOf(size_t i) {
         m_defaults.emplace(size());
         const std::string& path = m_panel.script.scriptPath;
         auto text = templateTextFor(path, m_host.TemplatePath(std::string(fileNameOf(path))));
-        if (const std::string name = numberedTemplateOf(path); !text && !name.empty())
+        if (const std::string name = numberedTemplateOf(path); !text && !name.empty()) {
             text = templateTextFor(path, m_host.TemplatePath(name));
+        }
         if (text) {
             ScriptPanel original;
             takeCustomText(std::move(*text), original.script);
             const std::vector<std::ptrdiff_t> places = matchEntries(m_panel.script, original.script);
-            for (size_t row = 0; row < places.size(); ++row)
-                if (places[row] >= 0)
+            for (size_t row = 0; row < places.size(); ++row) {
+                if (places[row] >= 0) {
                     (*m_defaults)[row] = original.script.entries[static_cast<size_t>(places[row])].value;
+                }
+            }
         }
     }
     return (*m_defaults)[i];

@@ -17,22 +17,36 @@ std::string_view DefinitionTokens::stop(End why) {
 }
 
 std::string_view DefinitionTokens::next() {
-    if (m_end != End::None) return {};
-    while (m_at < m_text.size() && lex::isSpace(m_text[m_at])) ++m_at;
-    if (m_at >= m_text.size()) return stop(End::Text);
+    if (m_end != End::None) {
+        return {};
+    }
+    while (m_at < m_text.size() && lex::isSpace(m_text[m_at])) {
+        ++m_at;
+    }
+    if (m_at >= m_text.size()) {
+        return stop(End::Text);
+    }
     const size_t start = m_at;
     const char first = m_text[start];
     size_t end = start + 1;
-    if (first == '/') return stop(End::Comment);
+    if (first == '/') {
+        return stop(End::Comment);
+    }
     if (first == '<') {
         end = m_text.find_first_of(">\r\n", start);
-        if (end == m_text.npos || m_text[end] != '>') return stop(End::OpenBracket);
+        if (end == m_text.npos || m_text[end] != '>') {
+            return stop(End::OpenBracket);
+        }
         ++end;
     } else if (first == '"') {
-        if (m_lastQuote == m_text.npos || m_lastQuote <= start) return stop(End::OpenQuote);
+        if (m_lastQuote == m_text.npos || m_lastQuote <= start) {
+            return stop(End::OpenQuote);
+        }
         end = m_text.find('"', start + 1) + 1;
     } else if (!isPunctuation(first)) {
-        while (end < m_text.size() && !lex::isSpace(m_text[end]) && !isPunctuation(m_text[end])) ++end;
+        while (end < m_text.size() && !lex::isSpace(m_text[end]) && !isPunctuation(m_text[end])) {
+            ++end;
+        }
     }
     m_at = end;
     return m_text.substr(start, end - start);
@@ -61,17 +75,25 @@ DefinitionValue findDefinitionValue(std::string_view text, size_t from, size_t l
         }
         return value;
     };
-    if (tokens.next().empty()) return none();  // the word that declares
+    if (tokens.next().empty()) {
+        return none();  // the word that declares
+    }
     for (;;) {
         std::string_view token = tokens.next();
-        if (token.empty() || token == ";") return none();
+        if (token.empty() || token == ";") {
+            return none();
+        }
         if (token == "=") {
             token = tokens.next();
             // Replacing a separator would break the definition: there is no value between the two.
-            if (token.empty() || (token.size() == 1 && isPunctuation(token[0]))) return none();
+            if (token.empty() || (token.size() == 1 && isPunctuation(token[0]))) {
+                return none();
+            }
             return {Found::Yes, token, tokens.position()};
         }
-        if (token[0] == '"') return {Found::Yes, token, tokens.position()};
+        if (token[0] == '"') {
+            return {Found::Yes, token, tokens.position()};
+        }
     }
 }
 

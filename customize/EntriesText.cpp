@@ -8,12 +8,13 @@ namespace {
 std::string shown(const std::string& text) {
     std::string made;
     for (const char c : text) {
-        if (c == '\n')
+        if (c == '\n') {
             made += "\\n";
-        else if (c == '\0')
+        } else if (c == '\0') {
             made += "\\0";
-        else if (c != '\r')
+        } else if (c != '\r') {
             made += c;
+        }
     }
     return made;
 }
@@ -31,7 +32,9 @@ std::string controlText(const CustomEntry& entry) {
             return "drop_pair";
         case kDropList: {
             std::string text = "drop_list";
-            for (const std::string& option : entry.options) text += ' ' + option;
+            for (const std::string& option : entry.options) {
+                text += ' ' + option;
+            }
             return text;
         }
         default:
@@ -45,19 +48,28 @@ std::string entriesText(const CustomScript& script) {
     for (const CustomEntry& entry : script.entries) {
         text += std::to_string(entry.line) + ' ' + customKeywordName(entry.kind) + " \"" +
                 shown(entry.label) + '"';
-        if (entry.id != -1) text += " id " + std::to_string(entry.id);
-        if (entry.hasValue())
+        if (entry.id != -1) {
+            text += " id " + std::to_string(entry.id);
+        }
+        if (entry.hasValue()) {
             text += " @" + std::to_string(entry.valueStart) + '+' + std::to_string(entry.valueLength) +
                     " = " + shown(entry.value);
+        }
         text += '\n';
-        if (entry.textParam1 || entry.textParam2)
+        if (entry.textParam1 || entry.textParam2) {
             text += "    " + std::to_string(entry.textParam1) + " lines, " +
                     std::to_string(entry.textParam2) + " characters\n";
-        if (const std::string control = controlText(entry); !control.empty()) text += "    " + control + '\n';
-        if (!entry.help.empty()) text += "    help: " + shown(entry.help) + '\n';
+        }
+        if (const std::string control = controlText(entry); !control.empty()) {
+            text += "    " + control + '\n';
+        }
+        if (!entry.help.empty()) {
+            text += "    help: " + shown(entry.help) + '\n';
+        }
     }
-    for (const MarkupFinding& finding : script.findings.kept())
+    for (const MarkupFinding& finding : script.findings.kept()) {
         text += "finding in line " + std::to_string(finding.line) + ": " + shown(finding.what) + '\n';
+    }
     return text;
 }
 

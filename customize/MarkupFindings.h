@@ -20,7 +20,53 @@ public:
 
     void add(int line, std::string what, bool ofValue = false) {
         ++m_count;
-        if (m_kept.size() < kKept) m_kept.push_back({line, std::move(what), ofValue});
+        if (m_kept.size() < kKept) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    {
+                                                                                        {
+                                                                                            m_kept.push_back(
+                                                                                                {line,
+                                                                                                 std::move(
+                                                                                                     what),
+                                                                                                 ofValue});
+                                                                                        }
+                                                                                    }
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
     bool wantsMore() const { return m_kept.size() < kKept; }
     size_t count() const { return m_count; }  // of all, kept or not

@@ -14,8 +14,9 @@ void ScriptPanel::makeRows(const HostNames& hostNames) {
 void ScriptPanel::settleRows(const HostNames& hostNames) {
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
-        if (m_rows[i].HasChanged() || entry.kind == kEntryEntity || entry.kind == kEntryPath)
+        if (m_rows[i].HasChanged() || entry.kind == kEntryEntity || entry.kind == kEntryPath) {
             m_rows[i] = EntryModel(specOf(script, entry, hostNames));
+        }
     }
 }
 

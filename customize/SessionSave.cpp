@@ -13,7 +13,9 @@ namespace {
 bool sameFolder(const std::string& a, const std::string& b) {
     const auto plain = [](const std::string& path) {
         std::string full = osFiles().fullPath(path);
-        while (full.size() > 1 && isSeparator(full.back())) full.pop_back();
+        while (full.size() > 1 && isSeparator(full.back())) {
+            full.pop_back();
+        }
         return full;
     };
     return !a.empty() && !b.empty() && equalNoCase(plain(a), plain(b));
@@ -21,11 +23,14 @@ bool sameFolder(const std::string& a, const std::string& b) {
 
 // Whether undo may go on: the rows mean the same as before.
 bool sameRows(const CustomScript& a, const CustomScript& b) {
-    if (a.entries.size() != b.entries.size()) return false;
+    if (a.entries.size() != b.entries.size()) {
+        return false;
+    }
     for (size_t i = 0; i < a.entries.size(); ++i) {
         const CustomEntry &one = a.entries[i], &other = b.entries[i];
-        if (one.id != other.id || one.label != other.label || one.hasValue() != other.hasValue())
+        if (one.id != other.id || one.label != other.label || one.hasValue() != other.hasValue()) {
             return false;
+        }
     }
     return true;
 }
@@ -45,29 +50,42 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
     const std::string& path = m_panel.script.scriptPath;
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
-    if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing))
+    if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing)) {
         return fail("Can't read '" + path + "': " + why +
                     "\nAnother program may have changed it, so it was not saved.");
-    if (!now || *now == m_panel.script.fileText()) return std::nullopt;
+    }
+    if (!now || *now == m_panel.script.fileText()) {
+        return std::nullopt;
+    }
     const PromptAnswer answer = m_prompt.ask(
         "The script was changed by another program since it was loaded.\n\n"
         "Yes: load it again, keep my values and save them.\n"
         "No: overwrite it, the other changes are lost.\n"
         "Cancel: don't save.",
         "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
-    if (answer == PromptAnswer::No) return std::nullopt;
-    if (answer != PromptAnswer::Yes) return SaveResult::Cancelled;
+    if (answer == PromptAnswer::No) {
+        return std::nullopt;
+    }
+    if (answer != PromptAnswer::Yes) {
+        return SaveResult::Cancelled;
+    }
     const std::vector<KeptValue> values = valuesToKeep(m_panel, true);
-    if (!load(std::string(m_panel.script.scriptPath))) return fail(m_problem);
+    if (!load(std::string(m_panel.script.scriptPath))) {
+        return fail(m_problem);
+    }
     show();
     m_unplaced = carryValues(values, m_panel);
     EditHistory::Step step;
-    for (size_t i = 0; i < size(); ++i)
-        if (row(i).HasChanged()) step.push_back({i, row(i).loadedValue(), row(i).value()});
+    for (size_t i = 0; i < size(); ++i) {
+        if (row(i).HasChanged()) {
+            step.push_back({i, row(i).loadedValue(), row(i).value()});
+        }
+    }
     m_history.add(std::move(step));
     m_view->valuesChanged();
-    if (m_unplaced.empty())
+    if (m_unplaced.empty()) {
         return hasChanges(m_panel.script) ? std::nullopt : std::optional(SaveResult::NothingToSave);
+    }
     keepUnplaced();
     return fail("These values found no place in the script as it is now; nothing was saved yet:\n\n" +
                 unplacedText(m_unplaced));
@@ -75,14 +93,18 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
 
 bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
     const std::vector<size_t> lost = notReadBack(m_panel.script, saved);
-    if (lost.empty()) return true;
+    if (lost.empty()) {
+        return true;
+    }
     constexpr size_t kListed = 10;
     std::string labels;
     for (size_t i = 0; i < lost.size() && i < kListed; ++i) {
         const CustomEntry& one = m_panel.script.entries[lost[i]];
         labels += '"' + one.label + "\" (line " + std::to_string(one.line) + ")\n";
     }
-    if (lost.size() > kListed) labels += "and " + std::to_string(lost.size() - kListed) + " more\n";
+    if (lost.size() > kListed) {
+        labels += "and " + std::to_string(lost.size() - kListed) + " more\n";
+    }
     return question(
         "With these values the script would save, but the following could not be customized again "
         "(an emptied field, for instance, is not found any more):\n\n" +
@@ -93,7 +115,9 @@ bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
 bool CustomizeSession::takeIntoProject(bool& copied) {
     const std::string project = m_host.GetProjectFolder();
     const std::string path = m_panel.script.scriptPath;
-    if (sameFolder(std::string(folderOf(path)), project)) return true;
+    if (sameFolder(std::string(folderOf(path)), project)) {
+        return true;
+    }
     if (project.empty()) {
         fail("The project folder is not known; the script was not saved.");
         return false;
@@ -106,8 +130,9 @@ bool CustomizeSession::takeIntoProject(bool& copied) {
     const auto there = osFiles().readWhole(target);
     if ((there || osFiles().exists(target)) && there != m_panel.script.fileText() &&
         !question("\"" + std::string(fileNameOf(path)) +
-                  "\" is in the project folder already, with other content.\n\nOverwrite it?"))
+                  "\" is in the project folder already, with other content.\n\nOverwrite it?")) {
         return false;
+    }
     if (!m_host.CopyFileToFolder(path, project)) {
         fail("The script could not be copied into the project folder; it was not saved.");
         return false;
@@ -118,24 +143,35 @@ bool CustomizeSession::takeIntoProject(bool& copied) {
 }
 
 SaveResult CustomizeSession::save() {
-    if (!isOpen()) return SaveResult::NothingToSave;
+    if (!isOpen()) {
+        return SaveResult::NothingToSave;
+    }
     m_problem.clear();
     if (m_panel.script.fileLength > 0) {
-        if (!hasChanges(m_panel.script)) return SaveResult::NothingToSave;
-        if (const auto settled = settleChangesFromOutside()) return *settled;
+        if (!hasChanges(m_panel.script)) {
+            return SaveResult::NothingToSave;
+        }
+        if (const auto settled = settleChangesFromOutside()) {
+            return *settled;
+        }
         const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
-        if (const std::string fault = editFault(m_panel.script, edits); !fault.empty())
+        if (const std::string fault = editFault(m_panel.script, edits); !fault.empty()) {
             return fail(fault + "\nThe script was not saved.");
+        }
         std::string text = editedText(m_panel.script.fileText(), edits);
         // Nearly every edit leaves the other entries where they are; only those that may not are read again.
         const bool kept = keepsEntries(m_panel.script, edits);
         ScriptPanel saved;
         if (!kept) {
             takeCustomText(text, saved.script);
-            if (!confirmLostEntries(saved.script)) return SaveResult::Cancelled;
+            if (!confirmLostEntries(saved.script)) {
+                return SaveResult::Cancelled;
+            }
         }
         bool copied = false;
-        if (!takeIntoProject(copied)) return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
+        if (!takeIntoProject(copied)) {
+            return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
+        }
         const std::string path = m_panel.script.scriptPath;
         const std::string values = valueFileText(m_panel.script, true);
         const FileContent files[] = {{path, text}, {path + kValueFileEnding, values}};
@@ -144,7 +180,9 @@ SaveResult CustomizeSession::save() {
             const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
             return fail(opens ? result.error : "Error open file to write", result.error);
         }
-        if (copied) m_host.MainScriptChanged();
+        if (copied) {
+            m_host.MainScriptChanged();
+        }
         // The script becomes what the file holds now: the spans of the next save are right.
         if (kept) {
             applyEdits(m_panel.script, edits, std::move(text));

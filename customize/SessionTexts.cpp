@@ -8,10 +8,11 @@ namespace {
 std::string onOneLine(const std::string& text) {
     std::string made;
     for (const char c : text) {
-        if (c == '\n')
+        if (c == '\n') {
             made += ' ';
-        else if (c != '\r')
+        } else if (c != '\r') {
             made += c;
+        }
     }
     return made;
 }
@@ -21,8 +22,9 @@ std::string onOneLine(const std::string& text) {
 std::vector<bool> CustomizeSession::visibleRows() const {
     std::vector<FilterItem> items;
     items.reserve(size());
-    for (size_t i = 0; i < size(); ++i)
+    for (size_t i = 0; i < size(); ++i) {
         items.push_back({row(i).facts().field, entry(i).label, entry(i).help, row(i).HasChanged()});
+    }
     return filter.visible(items);
 }
 
@@ -31,10 +33,18 @@ std::string CustomizeSession::tooltip(size_t i) {
     std::string text = facts.label;
     const auto line = [&](const std::string& one) { text += "\r\n" + one; };
     if (hasValue(facts.field)) {
-        if (const auto value = defaultOf(i)) line("default: " + onOneLine(*value));
-        if (row(i).HasChanged()) line("loaded: " + onOneLine(row(i).loadedValue()));
-        if (const std::string range = allowedRange(facts); !range.empty()) line(range);
-        if (facts.maxChars > 0) line("at most " + std::to_string(facts.maxChars) + " characters");
+        if (const auto value = defaultOf(i)) {
+            line("default: " + onOneLine(*value));
+        }
+        if (row(i).HasChanged()) {
+            line("loaded: " + onOneLine(row(i).loadedValue()));
+        }
+        if (const std::string range = allowedRange(facts); !range.empty()) {
+            line(range);
+        }
+        if (facts.maxChars > 0) {
+            line("at most " + std::to_string(facts.maxChars) + " characters");
+        }
         line(entry(i).id >= 1 ? "id " + std::to_string(entry(i).id)
                               : "no id: an update does not keep the value");
     }
@@ -61,10 +71,11 @@ std::string CustomizeSession::changesText() const {
     const auto marked = [&](const char* mark, const std::string& lines) {
         text += mark;
         for (const char c : lines) {
-            if (c == '\n')
+            if (c == '\n') {
                 text += std::string("\r\n") + mark;
-            else if (c != '\r')
+            } else if (c != '\r') {
                 text += c;
+            }
         }
         text += "\r\n";
     };
@@ -78,10 +89,13 @@ std::string CustomizeSession::changesText() const {
 
 std::string CustomizeSession::findingsText() const {
     std::string text;
-    for (const MarkupFinding& finding : script().findings.kept())
+    for (const MarkupFinding& finding : script().findings.kept()) {
         text += script().scriptPath + ':' + std::to_string(finding.line) + ": " + finding.what + "\r\n";
+    }
     const size_t left = script().findings.count() - script().findings.kept().size();
-    if (left > 0) text += "and " + std::to_string(left) + " more\r\n";
+    if (left > 0) {
+        text += "and " + std::to_string(left) + " more\r\n";
+    }
     return text;
 }
 

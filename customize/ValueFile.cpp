@@ -19,7 +19,9 @@ public:
 
     // With its LF; nothing at the end of the file.
     std::optional<std::string_view> next() {
-        if (m_rest.empty()) return std::nullopt;
+        if (m_rest.empty()) {
+            return std::nullopt;
+        }
         const std::string_view head = m_rest.substr(0, kValueFileLine);
         const size_t end = head.find('\n');
         const std::string_view line = head.substr(0, end == head.npos ? head.size() : end + 1);
@@ -32,7 +34,9 @@ private:
 };
 
 int integerOf(std::string_view line) {
-    while (!line.empty() && lex::isSpace(line.front())) line.remove_prefix(1);
+    while (!line.empty() && lex::isSpace(line.front())) {
+        line.remove_prefix(1);
+    }
     return markupInteger(line);
 }
 
@@ -92,16 +96,23 @@ std::string valueFileText(const CustomScript& script, bool useControlValues) {
     constexpr size_t kUsualRecord = 16;
     std::string text = "1\n" + std::to_string(script.version) + '\n' + std::to_string(script.date) + "\n\n";
     text.reserve(text.size() + script.entries.size() * kUsualRecord);
-    for (const CustomEntry& entry : script.entries)
-        if (entry.id >= 1) appendValueRecord(text, entry.id, entry.kind, valueOf(entry, useControlValues));
+    for (const CustomEntry& entry : script.entries) {
+        if (entry.id >= 1) {
+            appendValueRecord(text, entry.id, entry.kind, valueOf(entry, useControlValues));
+        }
+    }
     return text;
 }
 
 bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt, std::string* why) {
     const SafeWriteResult written =
         safeWrite(script.scriptPath + kValueFileEnding, valueFileText(script, useControlValues));
-    if (written) return true;
-    if (why) *why = written.error;
+    if (written) {
+        return true;
+    }
+    if (why) {
+        *why = written.error;
+    }
     prompt.tell(kValueFileNotWritten);
     return false;
 }
@@ -113,29 +124,43 @@ bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& si
         return false;
     }
     std::unordered_map<int, CustomEntry*> firstOf;
-    for (CustomEntry& entry : script.entries)
-        if (entry.id >= 1) firstOf.try_emplace(entry.id, &entry);
+    for (CustomEntry& entry : script.entries) {
+        if (entry.id >= 1) {
+            firstOf.try_emplace(entry.id, &entry);
+        }
+    }
     const ValueRecords stored = parseValueFile(*bytes);
     for (const ValueRecord& record : stored.records) {
         const auto found = firstOf.find(record.id);
         CustomEntry* const entry = found == firstOf.end() ? nullptr : found->second;
-        if (!entry) warnNoMatch(prompt);
-        if (sink)
+        if (!entry) {
+            warnNoMatch(prompt);
+        }
+        if (sink) {
             sink(record, entry);
-        else if (entry && entry->control)
+        } else if (entry && entry->control) {
             entry->control->SetValueFromText(record.value);
+        }
     }
-    if (stored.error) prompt.tell(stored.error);
+    if (stored.error) {
+        prompt.tell(stored.error);
+    }
     return !stored.error;
 }
 
 bool valueFileCarriesAll(const CustomScript& script, bool useControlValues) {
     std::unordered_set<int> ids;
     for (const CustomEntry& entry : script.entries) {
-        if (entry.id < 1) continue;
-        if (!ids.insert(entry.id).second) return false;
+        if (entry.id < 1) {
+            continue;
+        }
+        if (!ids.insert(entry.id).second) {
+            return false;
+        }
         const std::string value = valueOf(entry, useControlValues);
-        if (value.size() >= kValueFileLine || value.find_first_of("\r\n") != value.npos) return false;
+        if (value.size() >= kValueFileLine || value.find_first_of("\r\n") != value.npos) {
+            return false;
+        }
     }
     return true;
 }

@@ -11,8 +11,12 @@ namespace zoka {
 namespace {
 
 std::string_view withoutLineEnd(std::string_view text) {
-    if (text.ends_with('\n')) text.remove_suffix(1);
-    if (text.ends_with('\r')) text.remove_suffix(1);
+    if (text.ends_with('\n')) {
+        text.remove_suffix(1);
+    }
+    if (text.ends_with('\r')) {
+        text.remove_suffix(1);
+    }
     return text;
 }
 
@@ -34,7 +38,9 @@ size_t lineStartOf(std::string_view text, size_t place) {
 
 // What the line at `place` begins with behind its blanks; empty when it's a blank one.
 std::string_view beginningAt(std::string_view text, size_t place) {
-    while (place < text.size() && lex::isBlank(text[place])) ++place;
+    while (place < text.size() && lex::isBlank(text[place])) {
+        ++place;
+    }
     text.remove_prefix(place);
     return text.empty() || !text[0] || lex::isLineEnd(text[0]) ? std::string_view() : text;
 }
@@ -46,9 +52,13 @@ bool keepsSwitch(const CustomScript& script, const ScriptEdit& edit) {
     const auto sameSwitch = [&](size_t other) {
         return script.entries[other].line == script.entries[i].line;
     };
-    if ((i > 0 && sameSwitch(i - 1)) || (i + 1 < script.entries.size() && sameSwitch(i + 1))) return false;
+    if ((i > 0 && sameSwitch(i - 1)) || (i + 1 < script.entries.size() && sameSwitch(i + 1))) {
+        return false;
+    }
     const size_t end = text.find('\n', edit.start);  // the text always ends with one
-    if (!beginningAt(text, end + 1).empty()) return false;
+    if (!beginningAt(text, end + 1).empty()) {
+        return false;
+    }
     if (edit.length > 0) {
         const std::string_view line = beginningAt(text, edit.start + edit.length);
         return !line.empty() && !line.starts_with("//");
@@ -61,8 +71,12 @@ bool keepsSwitch(const CustomScript& script, const ScriptEdit& edit) {
 bool keepsEntry(const CustomScript& script, const ScriptEdit& edit) {
     const CustomEntry& entry = script.entries[edit.entry];
     const std::string_view before = std::string_view(script.text).substr(edit.start, edit.length);
-    if (entry.kind == kEnable) return keepsSwitch(script, edit);
-    if (edit.text.empty() || before.find_first_of("\"\r\n") != before.npos) return false;
+    if (entry.kind == kEnable) {
+        return keepsSwitch(script, edit);
+    }
+    if (edit.text.empty() || before.find_first_of("\"\r\n") != before.npos) {
+        return false;
+    }
     switch (script.text[edit.start - 1]) {  // a definition begins with the word that declares
         case '"':
             return edit.text.find_first_of("\"\r\n") == edit.text.npos;
@@ -73,8 +87,12 @@ bool keepsEntry(const CustomScript& script, const ScriptEdit& edit) {
             break;
     }
     const char behind = script.text[edit.start + edit.length];
-    if (!isPlainWord(edit.text) || !(lex::isSpace(behind) || behind == ';' || behind == ',')) return false;
-    if (entry.kind == kEntryNumEdit) return isDigits(edit.text);
+    if (!isPlainWord(edit.text) || !(lex::isSpace(behind) || behind == ';' || behind == ',')) {
+        return false;
+    }
+    if (entry.kind == kEntryNumEdit) {
+        return isDigits(edit.text);
+    }
     return entry.kind != kEntryNumEditF || (!isDigits(edit.text) && numberOf(edit.text));
 }
 
@@ -95,14 +113,17 @@ std::vector<ScriptEdit> editsOf(const CustomScript& script) {
     std::vector<ScriptEdit> edits;
     for (size_t i = 0; i < script.entries.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
-        if (!entry.control || !entry.control->HasChanged()) continue;
+        if (!entry.control || !entry.control->HasChanged()) {
+            continue;
+        }
         std::string value = entry.control->GetValueText();
-        if (entry.kind != kEnable)
+        if (entry.kind != kEnable) {
             edits.push_back({entry.valueStart, entry.valueLength, std::move(value), i});
-        else if (value == "0")
+        } else if (value == "0") {
             edits.push_back({entry.valueStart, 0, "//", i});
-        else
+        } else {
             edits.push_back({entry.valueStart, 2, "", i});
+        }
     }
     return edits;
 }
@@ -111,12 +132,14 @@ std::string editFault(const CustomScript& script, const std::vector<ScriptEdit>&
     size_t cursor = 0;
     for (const ScriptEdit& edit : edits) {
         const CustomEntry& entry = script.entries[edit.entry];
-        if (edit.start < cursor)
+        if (edit.start < cursor) {
             return "The value of \"" + entry.label + "\" (line " + std::to_string(entry.line) +
                    ") lies within what another change replaces.";
-        if (edit.start + edit.length > script.fileLength)
+        }
+        if (edit.start + edit.length > script.fileLength) {
             return "The value of \"" + entry.label + "\" (line " + std::to_string(entry.line) +
                    ") lies behind the script's end.";
+        }
         cursor = edit.start + edit.length;
     }
     return {};
@@ -124,7 +147,9 @@ std::string editFault(const CustomScript& script, const std::vector<ScriptEdit>&
 
 std::string editedText(std::string_view fileText, const std::vector<ScriptEdit>& edits) {
     size_t size = fileText.size();
-    for (const ScriptEdit& edit : edits) size += edit.text.size() - edit.length;
+    for (const ScriptEdit& edit : edits) {
+        size += edit.text.size() - edit.length;
+    }
     std::string text;
     text.reserve(size);
     size_t cursor = 0;
@@ -171,17 +196,25 @@ bool keepsEntries(const CustomScript& script, const std::vector<ScriptEdit>& edi
 void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std::string newText) {
     script.text = std::move(newText);
     script.fileLength = script.text.size();
-    if (!script.text.ends_with("\r\n")) script.text += "\r\n";
+    if (!script.text.ends_with("\r\n")) {
+        script.text += "\r\n";
+    }
     size_t moved = 0;  // by which the spans lie further behind; modulo the size's range where it's in front
     auto edit = edits.begin();
     for (size_t i = 0; i < script.entries.size(); ++i) {
         CustomEntry& entry = script.entries[i];
-        if (!entry.hasValue()) continue;
+        if (!entry.hasValue()) {
+            continue;
+        }
         entry.valueStart += moved;
-        if (edit == edits.end() || edit->entry != i) continue;
+        if (edit == edits.end() || edit->entry != i) {
+            continue;
+        }
         if (entry.kind == kEnable) {
             entry.value = edit->text.empty() ? "1" : "0";
-            if (edit->text.empty()) entry.valueStart = lineStartOf(script.text, entry.valueStart);
+            if (edit->text.empty()) {
+                entry.valueStart = lineStartOf(script.text, entry.valueStart);
+            }
         } else {
             entry.value = edit->text;
         }
@@ -190,10 +223,14 @@ void applyEdits(CustomScript& script, const std::vector<ScriptEdit>& edits, std:
         ++edit;
     }
     if (script.findings.count() == 0) {
-        for (const ScriptEdit& one : edits) checkCustomValue(script, script.entries[one.entry]);
+        for (const ScriptEdit& one : edits) {
+            checkCustomValue(script, script.entries[one.entry]);
+        }
     } else {
         script.findings.forgetThoseOfValues();
-        for (const CustomEntry& entry : script.entries) checkCustomValue(script, entry);
+        for (const CustomEntry& entry : script.entries) {
+            checkCustomValue(script, entry);
+        }
     }
     script.findings.sortByLine();
 }
@@ -203,15 +240,21 @@ std::vector<size_t> notReadBack(const CustomScript& script, const CustomScript& 
     size_t next = 0;
     for (size_t i = 0; i < script.entries.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
-        if (!entry.hasValue()) continue;
-        while (next < saved.entries.size() && !saved.entries[next].hasValue()) ++next;
+        if (!entry.hasValue()) {
+            continue;
+        }
+        while (next < saved.entries.size() && !saved.entries[next].hasValue()) {
+            ++next;
+        }
         const CustomEntry* const again = next < saved.entries.size() ? &saved.entries[next] : nullptr;
         if (!again || again->id != entry.id || again->label != entry.label) {
             lost.push_back(i);
             continue;
         }
         ++next;
-        if (again->value != (entry.control ? entry.control->GetValueText() : entry.value)) lost.push_back(i);
+        if (again->value != (entry.control ? entry.control->GetValueText() : entry.value)) {
+            lost.push_back(i);
+        }
     }
     return lost;
 }

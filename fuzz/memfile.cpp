@@ -4,7 +4,7 @@
 
 #include "tests/support/MemFileOps.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     const std::string report = zoka::test::runMemFileOps(data, size);
     if (!report.empty()) {
         std::fprintf(stderr, "%s\n", report.c_str());

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "plugin/host/HostAbi.h"
 #include "plugin/PanelState.h"
+#include "plugin/host/HostAbi.h"
 #include "plugin/host/ZunEditorInterface.h"
 
 namespace zoka {

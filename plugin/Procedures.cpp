@@ -313,7 +313,7 @@ void shutDownPlugin() {
 }
 
 std::optional<std::string> projectFileOf(const std::string& mainScript) {
-    const std::size_t dot = mainScript.rfind('.');
+    const size_t dot = mainScript.rfind('.');
     if (dot == std::string::npos) {
         return std::nullopt;
     }

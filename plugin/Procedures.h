@@ -6,8 +6,8 @@
 #include <string>
 
 #include "plugin/EntryPoints.h"
-#include "plugin/host/HostAbi.h"
 #include "plugin/PluginSeams.h"
+#include "plugin/host/HostAbi.h"
 
 namespace zoka {
 

@@ -25,13 +25,18 @@ public:
     Checker(const CTemplateData& catalogue, const std::string& folder)
         : m_catalogue(catalogue), m_folder(folder) {
         m_scripts.reserve(catalogue.rows().size());
-        for (CScriptElm script : catalogue.scripts()) m_scripts.push_back(std::move(script));
-        for (size_t i = 0; i < m_scripts.size(); ++i)
+        for (CScriptElm script : catalogue.scripts()) {
+            m_scripts.push_back(std::move(script));
+        }
+        for (size_t i = 0; i < m_scripts.size(); ++i) {
             m_byFile.try_emplace(lowered(m_scripts[i].m_filename), i);
+        }
     }
 
     std::vector<CatalogueFinding> run() {
-        if (m_scripts.empty()) m_findings.push_back({"", "the catalogue holds no script"});
+        if (m_scripts.empty()) {
+            m_findings.push_back({"", "the catalogue holds no script"});
+        }
         std::unordered_map<std::string, size_t> titles;
         for (size_t i = 0; i < m_scripts.size(); ++i) {
             const CScriptElm& script = m_scripts[i];
@@ -41,14 +46,19 @@ public:
             complete.CheckComplete(report);
             addLines(m_findings, nameOf(i), report);
             const auto [title, newTitle] = titles.try_emplace(script.m_name, i);
-            if (!newTitle && !script.m_name.empty())
+            if (!newTitle && !script.m_name.empty()) {
                 find(i, "the title \"" + script.m_name + "\" is that of " + nameOf(title->second) + " too");
-            if (!script.m_filename.empty() && m_byFile.at(lowered(script.m_filename)) != i)
+            }
+            if (!script.m_filename.empty() && m_byFile.at(lowered(script.m_filename)) != i) {
                 find(i, "an earlier script has this file name");
-            if (!script.m_directory.empty() && !m_catalogue.findDirectory(script.m_directory))
+            }
+            if (!script.m_directory.empty() && !m_catalogue.findDirectory(script.m_directory)) {
                 find(i, "the catalogue has no directory \"" + script.m_directory + "\"");
+            }
             checkNeeds(i);
-            if (!m_folder.empty()) checkFile(i);
+            if (!m_folder.empty()) {
+                checkFile(i);
+            }
         }
         findCircles();
         return std::move(m_findings);
@@ -62,26 +72,30 @@ private:
 
     void checkNeeds(size_t i) {
         for (const std::string& need : m_scripts[i].m_needs) {
-            if (!isIncludableName(need))
+            if (!isIncludableName(need)) {
                 find(i, "needs \"" + need + "\", which is not a file name that can be included");
-            else if (equalNoCase(need, m_scripts[i].m_filename))
+            } else if (equalNoCase(need, m_scripts[i].m_filename)) {
                 find(i, "needs itself");
-            else if (!m_byFile.contains(lowered(need)))
+            } else if (!m_byFile.contains(lowered(need))) {
                 find(i, "needs " + need + ", which is not in the catalogue");
+            }
         }
     }
 
     void checkFile(size_t i) {
         const CScriptElm& script = m_scripts[i];
-        if (!isPlainFileName(script.m_filename)) return;
+        if (!isPlainFileName(script.m_filename)) {
+            return;
+        }
         CScriptElm file;
         std::string ignored;
-        if (!loadScriptHeader(joinPath(m_folder, script.m_filename), script.m_filename, file, ignored))
+        if (!loadScriptHeader(joinPath(m_folder, script.m_filename), script.m_filename, file, ignored)) {
             find(i, "the file is missing in the template folder");
-        else if (file.m_vers != script.m_vers)
+        } else if (file.m_vers != script.m_vers) {
             find(i, "the file is of version " + file.m_vers + ", the catalogue says " + script.m_vers);
-        else if (file.m_date != script.m_date)
+        } else if (file.m_date != script.m_date) {
             find(i, "the file is of " + file.m_date + ", the catalogue says " + script.m_date);
+        }
     }
 
     // Depth first, without recursion: a need that is on the way already closes a circle.
@@ -94,7 +108,9 @@ private:
         };
         std::vector<Step> way;
         for (size_t start = 0; start < m_scripts.size(); ++start) {
-            if (states[start] != State::New) continue;
+            if (states[start] != State::New) {
+                continue;
+            }
             states[start] = State::OnTheWay;
             way.push_back({start, 0});
             while (!way.empty()) {
@@ -105,10 +121,15 @@ private:
                     continue;
                 }
                 const auto need = m_byFile.find(lowered(m_scripts[script].m_needs[way.back().next++]));
-                if (need == m_byFile.end() || need->second == script) continue;
-                if (states[need->second] == State::OnTheWay)
+                if (need == m_byFile.end() || need->second == script) {
+                    continue;
+                }
+                if (states[need->second] == State::OnTheWay) {
                     find(script, "its need " + nameOf(need->second) + " needs this script, directly or not");
-                if (states[need->second] != State::New) continue;
+                }
+                if (states[need->second] != State::New) {
+                    continue;
+                }
                 states[need->second] = State::OnTheWay;
                 way.push_back({need->second, 0});
             }
@@ -133,7 +154,9 @@ bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
                     std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable) {
     bool any = false;
     for (const OsEntry& entry : osFiles().list(joinPath(templateFolder, "*.kez"))) {
-        if (entry.isFolder) continue;
+        if (entry.isFolder) {
+            continue;
+        }
         any = true;
         CScriptElm script;
         std::string report;

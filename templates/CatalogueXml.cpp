@@ -52,16 +52,17 @@ CScriptElm readScript(const XMLNode& node) {
     const auto first = [](bool& had) { return !std::exchange(had, true); };
     for (XMLNode child = node.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
         const std::string_view name = child.getName() ? child.getName() : "";
-        if (equalNoCase(name, "need"))
+        if (equalNoCase(name, "need")) {
             script.m_needs.emplace_back(firstText(child));
-        else if (equalNoCase(name, "section"))
+        } else if (equalNoCase(name, "section")) {
             readSection(child, script.m_sections.emplace_back());
-        else if (equalNoCase(name, "class") && first(hasClass))
+        } else if (equalNoCase(name, "class") && first(hasClass)) {
             script.m_class = firstText(child);
-        else if (equalNoCase(name, "desc") && first(hasDesc))
+        } else if (equalNoCase(name, "desc") && first(hasDesc)) {
             script.m_desc = firstText(child);
-        else if (equalNoCase(name, "EngineReq") && first(hasReq))
+        } else if (equalNoCase(name, "EngineReq") && first(hasReq)) {
             script.m_engreq.vers = attribute(child, "vers");
+        }
     }
     return script;
 }
@@ -88,10 +89,16 @@ public:
 
     // The blanks before '=' and after the quotes belong to the format.
     void engineReq(const char* before, const CEngineReq& req, const char* after) {
-        if (req.IsEmpty()) return;
+        if (req.IsEmpty()) {
+            return;
+        }
         (m_out += before) += "<EngineReq ";
-        if (!req.vers.empty()) element("vers =\"", req.vers, "\" ");
-        if (!req.edition.empty()) element("edition =\"", req.edition, "\" ");
+        if (!req.vers.empty()) {
+            element("vers =\"", req.vers, "\" ");
+        }
+        if (!req.edition.empty()) {
+            element("edition =\"", req.edition, "\" ");
+        }
         (m_out += "/>") += after;
     }
 
@@ -109,11 +116,15 @@ public:
     void section(const CScriptSection& section) {
         line("\t<section\n");
         attribute("\t\tname=\"", section.m_name);
-        if (!section.m_imgfile.empty()) attribute("\t\timgfile=\"", section.m_imgfile);
+        if (!section.m_imgfile.empty()) {
+            attribute("\t\timgfile=\"", section.m_imgfile);
+        }
         line("\t\t>\n");
         // The text stands before and behind the actions; readers pass over both.
         value(section.m_text);
-        for (const CScriptAction& each : section.m_actions) action(each);
+        for (const CScriptAction& each : section.m_actions) {
+            action(each);
+        }
         line("\n");
         value(section.m_text);
         line("\t</section>\n");
@@ -132,9 +143,15 @@ public:
         engineReq("\t", script.m_engreq, "\n");
         element("\t<class>", script.m_class, "</class>\n");
         element("\t<desc>", script.m_desc, "</desc>\n");
-        if (!script.m_note.empty()) element("\t<note>", script.m_note, "</note>\n");
-        for (const std::string& need : script.m_needs) element("\t<need>", need, "</need>\n");
-        for (const CScriptSection& each : script.m_sections) section(each);
+        if (!script.m_note.empty()) {
+            element("\t<note>", script.m_note, "</note>\n");
+        }
+        for (const std::string& need : script.m_needs) {
+            element("\t<need>", need, "</need>\n");
+        }
+        for (const CScriptSection& each : script.m_sections) {
+            section(each);
+        }
         line("</Script>\n");
     }
 
@@ -147,7 +164,8 @@ private:
 std::string withoutMarkup(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    for (const char c : text) switch (c) {
+    for (const char c : text) {
+        switch (c) {
             case '"':
                 result += '\'';
                 break;
@@ -165,6 +183,7 @@ std::string withoutMarkup(std::string_view text) {
             default:
                 result += c;
         }
+    }
     return result;
 }
 
@@ -177,11 +196,14 @@ std::string inTextMode(std::string_view text) {
     std::string result;
     result.reserve(text.size() + text.size() / 16);
     for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-        if (text[i] == '\n')
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+            continue;
+        }
+        if (text[i] == '\n') {
             result += kLineEnd;
-        else
+        } else {
             result += text[i];
+        }
     }
     return result;
 }
@@ -202,7 +224,9 @@ std::string catalogueText(const CTemplateData& catalogue, const std::string& dat
         text.line("/>\n");
     }
     text.line("\n\n");
-    for (const CScriptElm& script : catalogue.scripts()) text.script(script);
+    for (const CScriptElm& script : catalogue.scripts()) {
+        text.script(script);
+    }
     text.line("\n\n</TavrixTemplate>");
     return out;
 }
@@ -219,11 +243,12 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 XMLNode parseCatalogue(const std::string& path, XMLResults* results, JobProgress* progress = nullptr) {
     XMLWatch watch;
     bool stopped = false;
-    if (progress)
-        watch = [&, what = std::string(fileNameOf(path))](std::size_t done, std::size_t total) {
+    if (progress) {
+        watch = [&, what = std::string(fileNameOf(path))](size_t done, size_t total) {
             stopped = !progress->step(done, total, what);
             return !stopped;
         };
+    }
     bool utf8 = false;
     if (const File file{osFiles().openStream(path, "rb")}) {
         char head[kXmlGuessBytes];
@@ -231,15 +256,25 @@ XMLNode parseCatalogue(const std::string& path, XMLResults* results, JobProgress
         setXmlCharset(utf8 ? XMLCharset::Utf8 : XMLCharset::Platform);
     }
     const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results, watch);
-    if (!root.isEmpty() || stopped || !utf8) return root;
+    if (!root.isEmpty() || stopped || !utf8) {
+        return root;
+    }
     const std::optional<std::string> bytes = osFiles().readWhole(path);
     const auto isEightBit = [](char c) { return (c & 0x80) != 0; };
-    if (!bytes || std::none_of(bytes->begin(), bytes->end(), isEightBit)) return root;
+    if (!bytes || std::none_of(bytes->begin(), bytes->end(), isEightBit)) {
+        return root;
+    }
     setXmlCharset(XMLCharset::Platform);
     XMLNode again = XMLNode::parseBytes(*bytes, kCatalogueRoot, nullptr, watch);
-    if (stopped && results) *results = {};
-    if (again.isEmpty()) setXmlCharset(XMLCharset::Utf8);
-    if (!again.isEmpty() && results) *results = {};
+    if (stopped && results) {
+        *results = {};
+    }
+    if (again.isEmpty()) {
+        setXmlCharset(XMLCharset::Utf8);
+    }
+    if (!again.isEmpty() && results) {
+        *results = {};
+    }
     return again;
 }
 
@@ -250,7 +285,9 @@ bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults
     XMLResults own;
     XMLResults& found = results ? *results : own;
     const XMLNode root = parseCatalogue(path, &found, progress);
-    if (root.isEmpty() && found.code == kXmlNone) catalogue.Empty();  // stopped
+    if (root.isEmpty() && found.code == kXmlNone) {
+        catalogue.Empty();  // stopped
+    }
     return !root.isEmpty() && catalogue.LoadFromNode(root, progress);
 }
 
@@ -260,14 +297,14 @@ void CTemplateData::AddScript(const XMLNode& node) {
     AddScript(zoka::readScript(node));
 }
 
-std::string_view CTemplateData::description(std::size_t record) const {
+std::string_view CTemplateData::description(size_t record) const {
     const Source& source = m_sources[record];
     const XMLNode* const node = std::get_if<XMLNode>(&source);
     return node ? zoka::firstText(node->firstChild("desc"))
                 : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_desc);
 }
 
-CScriptElm CTemplateData::script(std::size_t record) const {
+CScriptElm CTemplateData::script(size_t record) const {
     const Source& source = m_sources[record];
     const XMLNode* const node = std::get_if<XMLNode>(&source);
     return node ? zoka::readScript(*node) : *std::get<std::shared_ptr<const CScriptElm>>(source);
@@ -287,10 +324,11 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
         node.nextSibling().prefetch();
         const char* const name = node.getName();
         if (!zoka::equalNoCase(name, "Script")) {
-            if (zoka::equalNoCase(name, "Directory"))
+            if (zoka::equalNoCase(name, "Directory")) {
                 AddDirectory(zoka::attribute(node, "type"), zoka::attribute(node, "path"));
-            else if (zoka::equalNoCase(name, "EngineReq") && !std::exchange(hasReq, true))
+            } else if (zoka::equalNoCase(name, "EngineReq") && !std::exchange(hasReq, true)) {
                 m_engreq.vers = zoka::attribute(node, "vers");
+            }
             continue;
         }
         // Often enough to keep a window alive, too seldom to be felt.

@@ -32,22 +32,33 @@ constexpr std::string_view kSeparators = " ,";
 
 std::string_view trimmed(std::string_view text) {
     const size_t first = text.find_first_not_of(kAround);
-    if (first == std::string_view::npos) return {};
+    if (first == std::string_view::npos) {
+        return {};
+    }
     return text.substr(first, text.find_last_not_of(kAround) - first + 1);
 }
 
 std::string_view headerKeyword(std::string_view line) {
     const size_t colon = line.find(':');
-    if (!isCommentLine(line) || colon == std::string_view::npos) return {};
+    if (!isCommentLine(line) || colon == std::string_view::npos) {
+        return {};
+    }
     return trimmed(line.substr(2, colon - 2));
 }
 
 HeaderCode classifyHeaderLine(std::string_view line) {
-    if (line.starts_with("///")) return HeaderCode::Continuation;
-    if (!isCommentLine(line)) return HeaderCode::None;
+    if (line.starts_with("///")) {
+        return HeaderCode::Continuation;
+    }
+    if (!isCommentLine(line)) {
+        return HeaderCode::None;
+    }
     const std::string_view keyword = headerKeyword(line);
-    for (const Keyword& known : kKeywords)
-        if (equalNoCase(keyword, known.text)) return known.code;
+    for (const Keyword& known : kKeywords) {
+        if (equalNoCase(keyword, known.text)) {
+            return known.code;
+        }
+    }
     const std::string_view rest = trimmed(line.substr(2));
     const std::string_view word = rest.substr(0, rest.find(' '));
     return equalNoCase(word, "ENDHEADER") ? HeaderCode::EndHeader : HeaderCode::None;
@@ -55,12 +66,16 @@ HeaderCode classifyHeaderLine(std::string_view line) {
 
 HeaderGroup groupOf(HeaderCode code) {
     const int number = static_cast<int>(code);
-    if (number < 0 || number >= 20) return HeaderGroup::None;
+    if (number < 0 || number >= 20) {
+        return HeaderGroup::None;
+    }
     return number < 5 ? HeaderGroup::Block : HeaderGroup::Field;
 }
 
 std::string_view headerValue(std::string_view line) {
-    if (line.starts_with("///")) return trimmed(line.substr(3));
+    if (line.starts_with("///")) {
+        return trimmed(line.substr(3));
+    }
     const size_t colon = line.find(':');
     return colon == std::string_view::npos ? std::string_view() : trimmed(line.substr(colon + 1));
 }
@@ -69,7 +84,9 @@ std::vector<std::string_view> headerTokens(std::string_view value) {
     std::vector<std::string_view> tokens;
     for (;;) {
         const size_t start = value.find_first_not_of(kSeparators);
-        if (start == std::string_view::npos) return tokens;
+        if (start == std::string_view::npos) {
+            return tokens;
+        }
         value.remove_prefix(start);
         const size_t length = std::min(value.find_first_of(kSeparators), value.size());
         tokens.push_back(value.substr(0, length));

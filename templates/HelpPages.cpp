@@ -26,7 +26,8 @@ constexpr const char* kDocumentedType = "USER";
 std::string escaped(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    for (const char c : text) switch (c) {
+    for (const char c : text) {
+        switch (c) {
             case '&':
                 result += "&amp;";
                 break;
@@ -41,6 +42,7 @@ std::string escaped(std::string_view text) {
             default:
                 result += c;
         }
+    }
     return result;
 }
 
@@ -48,10 +50,11 @@ std::string escaped(std::string_view text) {
 std::string inLines(std::string_view text) {
     std::string result;
     for (const char c : escaped(text)) {
-        if (c == '\n')
+        if (c == '\n') {
             result += "<br>";
-        else if (c != '\r')
+        } else if (c != '\r') {
             result += c;
+        }
     }
     return result;
 }
@@ -65,10 +68,11 @@ std::string link(const std::string& file, const std::string& text) {
     for (const char c : file) {
         constexpr const char* kDigits = "0123456789ABCDEF";
         const auto byte = static_cast<unsigned char>(c);
-        if (byte <= ' ' || byte >= 127 || c == '%' || c == '#' || c == '&' || c == '\'')
+        if (byte <= ' ' || byte >= 127 || c == '%' || c == '#' || c == '&' || c == '\'') {
             ((address += '%') += kDigits[byte >> 4]) += kDigits[byte & 15];
-        else
+        } else {
             address += c;
+        }
     }
     return "<a href=\"" + address + "\">" + escaped(text) + "</a>";
 }
@@ -83,15 +87,20 @@ std::string actionLine(const CScriptAction& action) {
 
 std::string actionLines(const CScriptElm& script) {
     std::string lines;
-    for (const CScriptSection& section : script.m_sections)
-        for (const CScriptAction& action : section.m_actions) lines += actionLine(action);
+    for (const CScriptSection& section : script.m_sections) {
+        for (const CScriptAction& action : section.m_actions) {
+            lines += actionLine(action);
+        }
+    }
     return lines;
 }
 
 std::string needsList(const CScriptElm& script) {
     std::string list;
     for (const std::string& need : script.m_needs) {
-        if (!list.empty()) list += ", ";
+        if (!list.empty()) {
+            list += ", ";
+        }
         list += escaped(need);
     }
     return list;
@@ -111,9 +120,13 @@ public:
         std::unordered_map<std::string, size_t> classes;
         unique(kIndexFile);
         for (const CScriptElm& script : catalogue.scripts()) {
-            if (!equalNoCase(script.m_type, kDocumentedType)) continue;
+            if (!equalNoCase(script.m_type, kDocumentedType)) {
+                continue;
+            }
             const auto [found, added] = classes.try_emplace(lowered(script.m_class), m_classes.size());
-            if (added) m_classes.push_back({script.m_class, unique(classPageName(script.m_class)), {}});
+            if (added) {
+                m_classes.push_back({script.m_class, unique(classPageName(script.m_class)), {}});
+            }
             m_classes[found->second].scripts.push_back(m_scripts.size());
             m_scripts.push_back({script, {}, found->second});
         }
@@ -121,21 +134,30 @@ public:
             m_scripts[i].page = unique(scriptPageName(m_scripts[i].script));
             m_byFile.try_emplace(lowered(m_scripts[i].script.m_filename), i);
         }
-        for (size_t i = 0; i < m_scripts.size(); ++i)
+        for (size_t i = 0; i < m_scripts.size(); ++i) {
             for (const std::string& need : m_scripts[i].script.m_needs) {
                 std::vector<size_t>& users = m_neededBy[lowered(need)];
-                if (users.empty() || users.back() != i) users.push_back(i);
+                if (users.empty() || users.back() != i) {
+                    users.push_back(i);
+                }
             }
+        }
     }
 
     bool writeClasses() {
-        for (const Class& each : m_classes)
-            if (!write(each.page, classPage(each))) return false;
+        for (const Class& each : m_classes) {
+            if (!write(each.page, classPage(each))) {
+                return false;
+            }
+        }
         return true;
     }
     bool writeScripts() {
-        for (const Script& each : m_scripts)
-            if (!write(each.page, scriptPage(each))) return false;
+        for (const Script& each : m_scripts) {
+            if (!write(each.page, scriptPage(each))) {
+                return false;
+            }
+        }
         return true;
     }
     bool writeStyle() { return write(kStyleFile, kHelpStyle); }
@@ -172,11 +194,15 @@ private:
     // `m_taken` holds for each name (lowered) the number that its next namesake tries first.
     std::string unique(const std::string& name) {
         const auto [first, added] = m_taken.try_emplace(lowered(name), 2);
-        if (added) return name;
+        if (added) {
+            return name;
+        }
         const std::string stem = name.substr(0, name.rfind('.'));
         for (unsigned& number = first->second;;) {
             const std::string next = stem + "_" + std::to_string(number++) + ".htm";
-            if (m_taken.try_emplace(lowered(next), 2).second) return next;
+            if (m_taken.try_emplace(lowered(next), 2).second) {
+                return next;
+            }
         }
     }
 
@@ -189,7 +215,9 @@ private:
             body += "\n<h3>Actions:</h3>\n" + (actions.empty() ? "[none]" : actions);
             body += "\n<h3>Needs:</h3>\n<b>" + needsList(script) + "</b>\n";
             body += "<h3>Filename:</h3>\n<b>" + escaped(script.m_filename) + "</b>\n";
-            if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + escaped(script.m_note);
+            if (!script.m_note.empty()) {
+                body += "<h3>Remarks:</h3>\n" + escaped(script.m_note);
+            }
             body += "<p>&nbsp;</p>\n<p>&nbsp;</p>\n";
         }
         return page("Template_" + each.name, body);
@@ -199,11 +227,14 @@ private:
         const CScriptElm& script = each.script;
         // The description flows: where its lines end says nothing.
         std::string body = "<h2>" + escaped(script.DisplayName()) + "</h2>\n" + escaped(script.m_desc);
-        if (!script.m_sections.empty() && !script.m_sections.back().m_actions.empty())
+        if (!script.m_sections.empty() && !script.m_sections.back().m_actions.empty()) {
             body += "\n<h3>Actions:</h3>\n<br>\n" + actionLines(script);
+        }
         body += "\n<h3>Needs:</h3>\n<b>" + needsList(script) + "</b>\n";
         body += "<h3>Filename:</h3>\n<b>" + escaped(script.m_filename) + "</b>\n";
-        if (!script.m_note.empty()) body += "<h3>Remarks:</h3>\n" + escaped(script.m_note);
+        if (!script.m_note.empty()) {
+            body += "<h3>Remarks:</h3>\n" + escaped(script.m_note);
+        }
         body += "<h3>See also:</h3>\n" + seeAlso(each);
         return page("Template Script: " + script.DisplayName(), body);
     }
@@ -220,13 +251,18 @@ private:
         for (const std::string& need : each.script.m_needs) {
             const auto found = m_byFile.find(lowered(need));
             if (found != m_byFile.end() && &m_scripts[found->second] != &each &&
-                listed.insert(found->second).second)
+                listed.insert(found->second).second) {
                 list += item(found->second, "needed by this script");
+            }
         }
         const auto users = m_neededBy.find(lowered(each.script.m_filename));
-        if (users != m_neededBy.end())
-            for (const size_t i : users->second)
-                if (&m_scripts[i] != &each) list += item(i, "needs this script");
+        if (users != m_neededBy.end()) {
+            for (const size_t i : users->second) {
+                if (&m_scripts[i] != &each) {
+                    list += item(i, "needs this script");
+                }
+            }
+        }
         return list + "</ul>\n";
     }
 
@@ -243,17 +279,21 @@ private:
 PageTaker intoFolder(const std::string& folder, std::string* error) {
     return [folder, error](const std::string& name, const std::string& text) {
         const SafeWriteResult result = safeWrite(folder + name, text);
-        if (!result && error) *error = result.error;
+        if (!result && error) {
+            *error = result.error;
+        }
         return static_cast<bool>(result);
     };
 }
 
 // What no file system takes becomes "_".
 std::string asFileName(std::string name) {
-    for (char& c : name)
+    for (char& c : name) {
         if (static_cast<unsigned char>(c) < ' ' ||
-            std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos)
+            std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos) {
             c = '_';
+        }
+    }
     return name;
 }
 
@@ -265,18 +305,24 @@ std::string classPageName(const std::string& className) {
 
 std::string scriptPageName(const CScriptElm& script) {
     std::string name;
-    for (const char c : script.DisplayName())
-        if (std::string_view(" \\/\"'(),#%").find(c) == std::string_view::npos) name += c;
+    for (const char c : script.DisplayName()) {
+        if (std::string_view(" \\/\"'(),#%").find(c) == std::string_view::npos) {
+            name += c;
+        }
+    }
     return asFileName(name + ".htm");
 }
 
 std::string editionMarks(const std::string& edition) {
     const int code = editionCode(edition);
     std::string marks;
-    if (code < 1) return marks;
+    if (code < 1) {
+        return marks;
+    }
     constexpr const char* kLetters = "SECP";
-    for (int i = code; i <= 4; ++i)
+    for (int i = code; i <= 4; ++i) {
         marks += std::string("<span class=\"edition\">&nbsp;") + kLetters[i - 1] + "&nbsp;</span>";
+    }
     return marks + "\n";
 }
 

@@ -63,7 +63,9 @@ long walkBlock(CLex& lexer, const OnName& onName) {
             firstCode = offset;
         }
     }
-    if (lastInclude >= 0) return lastInclude;
+    if (lastInclude >= 0) {
+        return lastInclude;
+    }
     return firstCode >= 0 ? firstCode : static_cast<long>(markLength(textOf(lexer)));
 }
 
@@ -77,17 +79,22 @@ std::string includeLine(std::string_view name) {
 std::optional<std::string_view> includedName(std::string_view line) {
     LineTokens tokens(line, kDelims);
     const std::string_view keyword = tokens.next();
-    if (keyword.size() < kKeyword.size() || !equalNoCase(keyword.substr(0, kKeyword.size()), kKeyword))
+    if (keyword.size() < kKeyword.size() || !equalNoCase(keyword.substr(0, kKeyword.size()), kKeyword)) {
         return {};
+    }
     std::string_view name = tokens.next();
-    if (!name.starts_with('<') || !name.ends_with('>')) return {};
+    if (!name.starts_with('<') || !name.ends_with('>')) {
+        return {};
+    }
     name.remove_prefix(std::min(name.find_first_not_of("< "), name.size()));
     return name.substr(0, name.find_last_not_of("> ") + 1);
 }
 
 bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names) {
     const std::optional<std::string> text = osFiles().readWhole(mainScriptPath);
-    if (!text || text->empty()) return true;
+    if (!text || text->empty()) {
+        return true;
+    }
     CLex lexer(text->data(), static_cast<long>(text->size()));
     ScanIncludeBlock(lexer, names);
     return true;
@@ -126,7 +133,9 @@ Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
 std::string applyInsertion(std::string_view text, const Insertion& insertion) {
     const auto position = static_cast<size_t>(insertion.position);
     std::string lines;
-    for (const std::string& name : insertion.names) lines += includeLine(name);
+    for (const std::string& name : insertion.names) {
+        lines += includeLine(name);
+    }
     std::string result;
     result.reserve(text.size() + lines.size());
     (result += text.substr(0, position)) += lines;
@@ -135,12 +144,20 @@ std::string applyInsertion(std::string_view text, const Insertion& insertion) {
 
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<const std::string> scriptPaths,
                    const LocateFile& locate, std::string* error) {
-    if (lexer.getBufSize() == 0) return 0;
+    if (lexer.getBufSize() == 0) {
+        return 0;
+    }
     const Insertion insertion = planInsertion(lexer, mainScriptPath, scriptPaths, locate);
-    if (error) *error = insertion.problem;
-    if (insertion.names.empty() || !insertion.problem.empty()) return 0;
+    if (error) {
+        *error = insertion.problem;
+    }
+    if (insertion.names.empty() || !insertion.problem.empty()) {
+        return 0;
+    }
     const SafeWriteResult written = safeWrite(mainScriptPath, applyInsertion(textOf(lexer), insertion));
-    if (error) *error = written.error;
+    if (error) {
+        *error = written.error;
+    }
     return 1;
 }
 
@@ -150,9 +167,13 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::st
 }
 
 std::optional<std::string> withoutIncludes(std::string_view text, std::span<const std::string> names) {
-    if (text.empty()) throw EmptyScriptError();
+    if (text.empty()) {
+        throw EmptyScriptError();
+    }
     std::unordered_multiset<std::string> wanted;
-    for (const std::string& name : names) wanted.insert(lowered(name));
+    for (const std::string& name : names) {
+        wanted.insert(lowered(name));
+    }
     CLex lexer(text.data(), static_cast<long>(text.size()));
     std::string result;
     result.reserve(text.size());
@@ -161,36 +182,52 @@ std::optional<std::string> withoutIncludes(std::string_view text, std::span<cons
         const std::string_view line = currentLine(lexer);
         const auto name = includedName(line);
         const auto found = name ? wanted.find(lowered(*name)) : wanted.end();
-        if (found == wanted.end()) continue;
+        if (found == wanted.end()) {
+            continue;
+        }
         wanted.erase(found);
         const auto start = static_cast<size_t>(line.data() - text.data());
         result += text.substr(copied, start - copied);
         copied = std::min(start + line.size() + 1, text.size());
     }
-    if (!wanted.empty()) return {};
+    if (!wanted.empty()) {
+        return {};
+    }
     return result += text.substr(copied);
 }
 
 bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names, std::string* error) {
     const std::optional<std::string> path = host.GetMainScriptPath();
-    if (!path) return false;
+    if (!path) {
+        return false;
+    }
     const std::optional<std::string> text = osFiles().readWhole(*path);
     if (!text) {
-        if (error) *error = *path + ": " + osFiles().lastError();
+        if (error) {
+            *error = *path + ": " + osFiles().lastError();
+        }
         return false;
     }
     const std::optional<std::string> rest = withoutIncludes(*text, names);
-    if (!rest) return false;
+    if (!rest) {
+        return false;
+    }
     const SafeWriteResult written = safeWrite(*path, *rest);
-    if (error) *error = written.error;
-    if (!written) return false;
+    if (error) {
+        *error = written.error;
+    }
+    if (!written) {
+        return false;
+    }
     host.MainScriptChanged();
     return true;
 }
 
 bool IsInFolder(const std::string& folder, const std::string& path) {
     const size_t end = path.rfind('\\');
-    if (end == std::string::npos || end > folder.size()) return false;
+    if (end == std::string::npos || end > folder.size()) {
+        return false;
+    }
     return equalNoCase(std::string_view(path).substr(0, end), std::string_view(folder).substr(0, end));
 }
 

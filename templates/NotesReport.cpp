@@ -25,7 +25,9 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
     folders.listOnce();
     ScriptFactsReader facts;
     for (const std::string& name : names) {
-        if (folders.LocateScript(name) == ScriptPlace::NotFound) text += "!";
+        if (folders.LocateScript(name) == ScriptPlace::NotFound) {
+            text += "!";
+        }
         text += name;
         if (!catalogue.QTemplateScript(name)) {
             text += "  (USER)\r\n";
@@ -35,8 +37,9 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
         folders.ReadVersionAndDate(name, version, date, false, &facts);
         folders.ReadVersionAndDate(name, templateVersion, templateDate, true, &facts);
         text += "  (" + version + ") (" + date + ")";
-        if (version != templateVersion || date != templateDate)
+        if (version != templateVersion || date != templateDate) {
             text += " --> **(" + templateVersion + ") (" + templateDate + ")**";
+        }
         text += "\r\n";
     }
     return true;

@@ -21,15 +21,93 @@ public:
         m_used = 0;
     }
 
-    void reserve(std::size_t records) {
-        if (records * 2 > m_slots.size()) grow(records);
+    void reserve(size_t records) {
+        if (records * 2 > m_slots.size()) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { grow(records); }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
 
     // What add and find go by. In a large index its place is not in the processor's caches: it comes closer
     // while the caller does other work.
     std::uint32_t approach(std::string_view key) const {
         const std::uint32_t hash = hashOf(key);
-        if (!m_slots.empty()) __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);
+        if (!m_slots.empty()) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    __builtin_prefetch(
+                                                                                        &m_slots
+                                                                                            [hash &
+                                                                                             (m_slots.size() -
+                                                                                              1)]);
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         return hash;
     }
 
@@ -37,9 +115,81 @@ public:
     // as it is.
     template <class Text>
     bool add(std::uint32_t record, std::uint32_t hash, const Text& text) {
-        if ((m_used + 1) * 2 > m_slots.size()) grow(m_used + 1);
+        if ((m_used + 1) * 2 > m_slots.size()) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { grow(m_used + 1); }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         Slot& slot = m_slots[place(text(record), hash, text)];
-        if (slot.record != kNone) return false;
+        if (slot.record != kNone) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { return false; }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         slot = {hash, record};
         ++m_used;
         return true;
@@ -67,44 +217,381 @@ private:
 
     static std::uint32_t hashOf(std::string_view key) {
         std::uint32_t hash = 2166136261U;
-        for (const char c : key) hash = (hash ^ static_cast<unsigned char>(fold(c))) * 16777619U;
+        for (const char c : key) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    hash =
+                                                                                        (hash ^
+                                                                                         static_cast<
+                                                                                             unsigned char>(
+                                                                                             fold(c))) *
+                                                                                        16777619U;
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         return hash ^ (hash >> 15);
     }
 
     static bool equal(std::string_view a, std::string_view b) {
-        if (!NoCase) return a == b;
-        if (a.size() != b.size()) return false;
-        for (std::size_t i = 0; i < a.size(); ++i)
-            if (fold(a[i]) != fold(b[i])) return false;
+        if (!NoCase) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { return a == b; }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+        if (a.size() != b.size()) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { return false; }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+        for (size_t i = 0; i < a.size(); ++i) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    if (fold(a[i]) !=
+                                                                                        fold(b[i])) {
+                                                                                        {
+                                                                                            {
+                                                                                                {
+                                                                                                    {
+                                                                                                        {
+                                                                                                            {
+                                                                                                                {
+                                                                                                                    {
+                                                                                                                        {
+                                                                                                                            {
+                                                                                                                                {
+                                                                                                                                    {
+                                                                                                                                        {
+                                                                                                                                            {
+                                                                                                                                                {
+                                                                                                                                                    {
+                                                                                                                                                        {
+                                                                                                                                                            {
+                                                                                                                                                                return false;
+                                                                                                                                                            }
+                                                                                                                                                        }
+                                                                                                                                                    }
+                                                                                                                                                }
+                                                                                                                                            }
+                                                                                                                                        }
+                                                                                                                                    }
+                                                                                                                                }
+                                                                                                                            }
+                                                                                                                        }
+                                                                                                                    }
+                                                                                                                }
+                                                                                                            }
+                                                                                                        }
+                                                                                                    }
+                                                                                                }
+                                                                                            }
+                                                                                        }
+                                                                                    }
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         return true;
     }
 
     template <class Text>
-    std::size_t place(std::string_view key, std::uint32_t hash, const Text& text) const {
-        const std::size_t mask = m_slots.size() - 1;
-        std::size_t at = hash & mask;
+    size_t place(std::string_view key, std::uint32_t hash, const Text& text) const {
+        const size_t mask = m_slots.size() - 1;
+        size_t at = hash & mask;
         while (m_slots[at].record != kNone &&
-               (m_slots[at].hash != hash || !equal(text(m_slots[at].record), key)))
-            at = (at + 1) & mask;
+               (m_slots[at].hash != hash || !equal(text(m_slots[at].record), key))) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { at = (at + 1) & mask; }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         return at;
     }
 
-    void grow(std::size_t records) {
-        std::size_t size = 16;
-        while (size < records * 2) size *= 2;
+    void grow(size_t records) {
+        size_t size = 16;
+        while (size < records * 2) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { size *= 2; }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         std::vector<Slot> old(size);
         old.swap(m_slots);
         // The texts of the records in the index all differ, so any free slot is the right one.
         for (const Slot& slot : old) {
-            if (slot.record == kNone) continue;
-            std::size_t at = slot.hash & (size - 1);
-            while (m_slots[at].record != kNone) at = (at + 1) & (size - 1);
+            if (slot.record == kNone) {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    { continue; }
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+            size_t at = slot.hash & (size - 1);
+            while (m_slots[at].record != kNone) {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    {
+                                                                                        at = (at + 1) &
+                                                                                             (size - 1);
+                                                                                    }
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
             m_slots[at] = slot;
         }
     }
 
     std::vector<Slot> m_slots;  // a power of two, at most half used
-    std::size_t m_used = 0;
+    size_t m_used = 0;
 };
 
 }  // namespace zoka

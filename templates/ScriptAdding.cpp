@@ -29,8 +29,12 @@ std::optional<unsigned> freeNumber(const std::string& path,
                                    const std::unordered_set<std::string>& taken = {}) {
     for (unsigned number = 0;; ++number) {
         const std::string candidate = numbered(path, number);
-        if (candidate.size() > kLongestPath) return {};
-        if (!taken.contains(lowered(candidate)) && !osFiles().exists(candidate)) return number;
+        if (candidate.size() > kLongestPath) {
+            return {};
+        }
+        if (!taken.contains(lowered(candidate)) && !osFiles().exists(candidate)) {
+            return number;
+        }
     }
 }
 
@@ -38,9 +42,11 @@ std::optional<unsigned> freeNumber(const std::string& path,
 ScriptFacts factsOfCopy(const std::string& source, unsigned number) {
     ScriptFacts facts = readScriptFacts(source);
     const std::string marker = kCopyMarker;
-    for (std::string& need : facts.needs)
-        for (size_t at; (at = need.find(marker)) != std::string::npos;)
+    for (std::string& need : facts.needs) {
+        for (size_t at; (at = need.find(marker)) != std::string::npos;) {
             need.replace(at, marker.size(), "_" + std::to_string(number));
+        }
+    }
     return facts;
 }
 
@@ -52,23 +58,33 @@ bool IsNumberedTemplate(const std::string& path) {
 }
 
 std::string AddPlan::summary() const {
-    if (!problem.empty()) return problem;
+    if (!problem.empty()) {
+        return problem;
+    }
     std::string adds, needs, copied, result;
     const auto append = [](std::string& list, const std::string& item) {
-        if (!list.empty()) list += ", ";
+        if (!list.empty()) {
+            list += ", ";
+        }
         list += item;
     };
-    for (const Line& line : lines)
+    for (const Line& line : lines) {
         append(line.asked ? adds : needs, line.name + (line.present ? " (already included)"
                                                        : line.found ? ""
                                                                     : " (not found)"));
-    for (const Copy& copy : copies)
+    }
+    for (const Copy& copy : copies) {
         append(copied, std::string(fileNameOf(copy.source)) + " as " +
                            std::string(copy.overwrites ? copy.destination : fileNameOf(copy.destination)) +
                            (copy.overwrites ? " (asks before it overwrites)" : ""));
+    }
     const auto part = [&result](const char* verb, const std::string& list) {
-        if (list.empty()) return;
-        if (!result.empty()) result += "; ";
+        if (list.empty()) {
+            return;
+        }
+        if (!result.empty()) {
+            result += "; ";
+        }
         (result += verb) += list;
     };
     part("adds ", adds);
@@ -77,8 +93,8 @@ std::string AddPlan::summary() const {
     return result.empty() ? "nothing: the main script never includes itself" : result;
 }
 
-bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string& destPath,
-                                      std::size_t destSize, const std::string& destFolder) {
+bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string& destPath, size_t destSize,
+                                      const std::string& destFolder) {
     if (!osFiles().exists(sourcePath)) {
         m_error = sourcePath + " does not exist";
         return false;
@@ -113,10 +129,14 @@ bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string
 
 std::optional<std::string> ScriptAdding::mainScript() {
     std::optional<std::string> path = m_host.GetMainScriptPath();
-    if (path) return path;
+    if (path) {
+        return path;
+    }
     m_host.CreateMainScript();
     path = m_host.GetMainScriptPath();
-    if (!path) m_error = "the project has no main script";
+    if (!path) {
+        m_error = "the project has no main script";
+    }
     return path;
 }
 
@@ -131,16 +151,24 @@ bool ScriptAdding::AddScriptsToProject(std::span<const std::string> scriptPaths)
     m_copies.clear();
     const std::string folder = m_host.GetProjectFolder();
     std::optional<std::string> mainPath = mainScript();
-    if (!mainPath) return false;
-    if (!IsInFolder(folder, *mainPath) && !copyInto(*mainPath, folder)) return false;
+    if (!mainPath) {
+        return false;
+    }
+    if (!IsInFolder(folder, *mainPath) && !copyInto(*mainPath, folder)) {
+        return false;
+    }
 
     const auto deleteCopies = [this] {
-        for (const std::string& copy : m_copies) osFiles().deleteFile(copy);
+        for (const std::string& copy : m_copies) {
+            osFiles().deleteFile(copy);
+        }
         m_copies.clear();
     };
     std::vector<std::string> paths(scriptPaths.begin(), scriptPaths.end());
     for (std::string& path : paths) {
-        if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) continue;
+        if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) {
+            continue;
+        }
         if (!copyInto(path, folder)) {
             deleteCopies();
             return false;
@@ -148,7 +176,9 @@ bool ScriptAdding::AddScriptsToProject(std::span<const std::string> scriptPaths)
         m_copies.push_back(path);
     }
     const bool done = insertInto(*mainPath, paths);
-    if (!m_error.empty()) deleteCopies();
+    if (!m_error.empty()) {
+        deleteCopies();
+    }
     return done;
 }
 
@@ -193,7 +223,9 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
     std::unordered_set<std::string> taken;
     std::vector<std::string> paths(scriptPaths.begin(), scriptPaths.end());
     for (std::string& path : paths) {
-        if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) continue;
+        if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) {
+            continue;
+        }
         const std::string source = path;
         path = destinationIn(folder, source);
         const std::optional<unsigned> number = freeNumber(path, taken);
@@ -216,12 +248,15 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
     plan.problem = insertion.problem;
 
     std::unordered_set<std::string> asked;
-    for (const std::string& path : paths) asked.insert(lowered(fileNameOf(path)));
+    for (const std::string& path : paths) {
+        asked.insert(lowered(fileNameOf(path)));
+    }
     const auto addLines = [&](const std::vector<std::string>& names, bool present) {
-        for (const std::string& name : names)
+        for (const std::string& name : names) {
             plan.lines.push_back({name, asked.contains(lowered(name)), present,
                                   taken.contains(lowered(folders.projectPath(name))) ||
                                       folders.LocateScript(name) != ScriptPlace::NotFound});
+        }
     };
     addLines(insertion.names, false);
     addLines(insertion.present, true);

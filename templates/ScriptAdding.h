@@ -53,7 +53,7 @@ public:
     // cut to `destSize` - 1 characters. A numbered template gets the first free number, and its marker
     // replaced; any other existing file is overwritten only when the user agrees. False, with `destPath`
     // untouched, when it was not copied.
-    bool CopyTemplateScript(const std::string& sourcePath, std::string& destPath, std::size_t destSize,
+    bool CopyTemplateScript(const std::string& sourcePath, std::string& destPath, size_t destSize,
                             const std::string& destFolder);
 
     // Adds scripts by their full paths, in one rewrite of the main script. True when done, also when nothing

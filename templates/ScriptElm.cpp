@@ -12,14 +12,18 @@ void CEngineReq::SetFromText(const std::string& value) {
     for (const std::string_view token : zoka::headerTokens(value)) {
         const std::string text(token);
         std::string& part = zoka::editionCode(text) > 0 ? edition : vers;
-        if (part.empty()) part = text;
+        if (part.empty()) {
+            part = text;
+        }
     }
 }
 
 bool CScriptElm::CheckComplete(std::string& report) const {
     const size_t before = report.size();
     const auto require = [&report](bool present, const char* line) {
-        if (!present) report += line;
+        if (!present) {
+            report += line;
+        }
     };
     require(!m_id.empty(), "***No ID\n");
     require(!m_prefix.empty(), "***No Prefix\n");
@@ -39,8 +43,11 @@ namespace zoka {
 
 int editionCode(const std::string& edition) {
     constexpr const char* kEditions[] = {"STD", "EXTRA", "COMM", "PRO"};
-    for (int i = 0; i < 4; ++i)
-        if (equalNoCase(edition, kEditions[i])) return i + 1;
+    for (int i = 0; i < 4; ++i) {
+        if (equalNoCase(edition, kEditions[i])) {
+            return i + 1;
+        }
+    }
     return -1;
 }
 

@@ -18,24 +18,36 @@ constexpr size_t kDateOffset = 6;
 
 // The token of `line` that starts at or after `position`; empty when there is none.
 std::string_view valueFrom(std::string_view line, size_t position) {
-    if (position >= line.size()) return {};
+    if (position >= line.size()) {
+        return {};
+    }
     return LineTokens(line.substr(position), kValueDelims).next();
 }
 
 void takeLine(std::string_view line, ScriptFacts& facts) {
     LineTokens tokens(line, kHeaderDelims);
-    if (!tokens.next().starts_with("//")) return;
+    if (!tokens.next().starts_with("//")) {
+        return;
+    }
     const std::string_view keyword = tokens.next();
-    if (keyword.empty()) return;
+    if (keyword.empty()) {
+        return;
+    }
     const auto position = static_cast<size_t>(keyword.data() - line.data());
     if (equalNoCase(keyword, "needs")) {
-        for (std::string_view name; !(name = tokens.next()).empty();) facts.needs.emplace_back(name);
+        for (std::string_view name; !(name = tokens.next()).empty();) {
+            facts.needs.emplace_back(name);
+        }
     } else if (equalNoCase(keyword, "ver")) {
         const std::string_view value = valueFrom(line, position + kVersionOffset);
-        if (!value.empty()) facts.version = value;
+        if (!value.empty()) {
+            facts.version = value;
+        }
     } else if (keyword.size() == 4 && equalNoCase(keyword.substr(0, 3), "dat")) {
         const std::string_view value = valueFrom(line, position + kDateOffset);
-        if (!value.empty()) facts.date = value;
+        if (!value.empty()) {
+            facts.date = value;
+        }
     }
 }
 
@@ -47,9 +59,13 @@ std::string_view LineTokens::next() {
     };
     const auto endsLine = [](char c) { return c == 0 || lex::isLineEnd(c); };
     size_t start = 0;
-    while (start < m_rest.size() && separates(m_rest[start])) ++start;
+    while (start < m_rest.size() && separates(m_rest[start])) {
+        ++start;
+    }
     size_t end = start;
-    while (end < m_rest.size() && !separates(m_rest[end]) && !endsLine(m_rest[end])) ++end;
+    while (end < m_rest.size() && !separates(m_rest[end]) && !endsLine(m_rest[end])) {
+        ++end;
+    }
     const std::string_view token = m_rest.substr(start, end - start);
     m_rest.remove_prefix(token.empty() ? m_rest.size() : end);
     return token;
@@ -73,7 +89,9 @@ ScriptFacts readScriptFacts(const std::string& path) {
 
 const ScriptFacts& ScriptFactsReader::of(const std::string& path) {
     const auto [found, added] = m_facts.try_emplace(path);
-    if (added) found->second = readScriptFacts(path);
+    if (added) {
+        found->second = readScriptFacts(path);
+    }
     return found->second;
 }
 

@@ -8,8 +8,11 @@ namespace {
 
 std::unordered_set<std::string> filesOf(const std::string& folder) {
     std::unordered_set<std::string> names;
-    for (const OsEntry& entry : osFiles().list(folder + "\\*"))
-        if (!entry.isFolder) names.insert(lowered(entry.name));
+    for (const OsEntry& entry : osFiles().list(folder + "\\*")) {
+        if (!entry.isFolder) {
+            names.insert(lowered(entry.name));
+        }
+    }
     return names;
 }
 
@@ -26,23 +29,30 @@ void ScriptFolders::listOnce() {
 
 bool ScriptFolders::isFile(const std::string& path, const std::string& fileName,
                            const Listing& listing) const {
-    if (!isPlainFileName(fileName)) return false;
-    if (m_listed) return listing.contains(lowered(fileName));
+    if (!isPlainFileName(fileName)) {
+        return false;
+    }
+    if (m_listed) {
+        return listing.contains(lowered(fileName));
+    }
     const std::optional<OsEntry> entry = osFiles().search(path);
     return entry && !entry->isFolder;
 }
 
 ScriptPlace ScriptFolders::LocateScript(const std::string& fileName) const {
-    if (isFile(projectPath(fileName), fileName, m_projectFiles)) return ScriptPlace::Project;
+    if (isFile(projectPath(fileName), fileName, m_projectFiles)) {
+        return ScriptPlace::Project;
+    }
     return inTemplates(fileName) ? ScriptPlace::Template : ScriptPlace::NotFound;
 }
 
 ScriptPlace ScriptFolders::LocateScript(const std::string& fileName, std::string& path) const {
     const ScriptPlace place = LocateScript(fileName);
-    if (place == ScriptPlace::Project)
+    if (place == ScriptPlace::Project) {
         path = projectPath(fileName);
-    else if (place == ScriptPlace::Template)
+    } else if (place == ScriptPlace::Template) {
         path = templatePath(fileName);
+    }
     return place;
 }
 
@@ -72,10 +82,11 @@ bool ScriptFolders::ReadVersionAndDate(const std::string& fileName, std::string&
     static const ScriptFacts kNone;
     const ScriptFacts* found = &kNone;
     if (isPlainFileName(fileName)) {
-        if (!fromTemplate && LocateScript(fileName) == ScriptPlace::Project)
+        if (!fromTemplate && LocateScript(fileName) == ScriptPlace::Project) {
             found = &facts.of(projectPath(fileName));
-        else
+        } else {
             found = &facts.of(templatePath(fileName));
+        }
     }
     version = found->version;
     date = found->date;

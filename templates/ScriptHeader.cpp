@@ -18,12 +18,16 @@ constexpr std::string_view kActionWord = "action";
 
 // Puts `addition` on a line of its own behind `text`.
 void appendLine(std::string& text, std::string_view addition) {
-    if (!text.empty()) text += '\n';
+    if (!text.empty()) {
+        text += '\n';
+    }
     text += addition;
 }
 // Puts `addition` behind `text` on the same line.
 void appendWords(std::string& text, std::string_view addition) {
-    if (!text.empty() && text.back() != '\n') text += ' ';
+    if (!text.empty() && text.back() != '\n') {
+        text += ' ';
+    }
     text += addition;
 }
 
@@ -36,7 +40,9 @@ public:
 
     void takeLine(std::string_view line) {
         // In the header a block's line ends the header and is then looked at as a block's.
-        if (m_state == State::Header && !headerLine(line)) m_state = State::Blocks;
+        if (m_state == State::Header && !headerLine(line)) {
+            m_state = State::Blocks;
+        }
         switch (m_state) {
             case State::Header:
                 break;
@@ -50,7 +56,9 @@ public:
                 actionLine(line);
                 break;
             case State::PassOver:
-                if (!isCommentLine(line)) m_state = State::Blocks;
+                if (!isCommentLine(line)) {
+                    m_state = State::Blocks;
+                }
                 break;
         }
     }
@@ -70,7 +78,9 @@ private:
     // False when the line ends the header.
     bool headerLine(std::string_view line) {
         const HeaderCode code = classifyHeaderLine(line);
-        if (groupOf(code) == HeaderGroup::Block || code == HeaderCode::EndHeader) return false;
+        if (groupOf(code) == HeaderGroup::Block || code == HeaderCode::EndHeader) {
+            return false;
+        }
         const std::string_view value = headerValue(line);
         switch (code) {
             case HeaderCode::IdCode:
@@ -105,7 +115,9 @@ private:
                 m_script.m_engreq.SetFromText(std::string(value));
                 break;
             case HeaderCode::Needs:
-                for (const std::string_view need : headerTokens(value)) m_script.m_needs.emplace_back(need);
+                for (const std::string_view need : headerTokens(value)) {
+                    m_script.m_needs.emplace_back(need);
+                }
                 break;
             default:
                 break;
@@ -114,7 +126,9 @@ private:
     }
 
     void blockLine(std::string_view line) {
-        if (!isCommentLine(line) || line.find(':') == std::string_view::npos) return;
+        if (!isCommentLine(line) || line.find(':') == std::string_view::npos) {
+            return;
+        }
         const std::string_view value = headerValue(line);
         switch (classifyHeaderLine(line)) {
             case HeaderCode::Action:
@@ -145,18 +159,21 @@ private:
             m_state = State::Blocks;
             return;
         }
-        if (m_inEntry) return;
+        if (m_inEntry) {
+            return;
+        }
         const HeaderCode code = classifyHeaderLine(line);
         const std::string_view value = headerValue(line);
         const std::string_view keyword = headerKeyword(line);
-        if (code == HeaderCode::Image)
+        if (code == HeaderCode::Image) {
             m_script.m_sections.back().m_imgfile = value;
-        else if (code == HeaderCode::Continuation)
+        } else if (code == HeaderCode::Continuation) {
             appendWords(*m_text, value);
-        else if (code == HeaderCode::Desc || code == HeaderCode::Help || equalNoCase(keyword, "text"))
+        } else if (code == HeaderCode::Desc || code == HeaderCode::Help || equalNoCase(keyword, "text")) {
             appendLine(*m_text, value);
-        else if (groupOf(code) == HeaderGroup::Block || equalNoCase(keyword.substr(0, 5), "entry"))
+        } else if (groupOf(code) == HeaderGroup::Block || equalNoCase(keyword.substr(0, 5), "entry")) {
             m_inEntry = true;
+        }
     }
 
     void actionLine(std::string_view line) {
@@ -180,10 +197,11 @@ private:
             appendLine(*m_text, value);
         } else if (code == HeaderCode::Help) {
             // The help of a skill or flag stands behind its name, on the same line.
-            if (m_afterLabel)
+            if (m_afterLabel) {
                 appendWords(*m_text += ':', value);
-            else
+            } else {
                 appendLine(*m_text, value);
+            }
             m_afterLabel = false;
         } else if (code == HeaderCode::Continuation) {
             appendWords(*m_text, value);
@@ -201,10 +219,12 @@ private:
     }
 
     static bool isSkillOrFlag(std::string_view keyword) {
-        for (const std::string_view word : {std::string_view("skill"), std::string_view("flag")})
+        for (const std::string_view word : {std::string_view("skill"), std::string_view("flag")}) {
             if (equalNoCase(keyword.substr(0, word.size()), word) && keyword.size() > word.size() &&
-                keyword.find_first_not_of("0123456789", word.size()) == std::string_view::npos)
+                keyword.find_first_not_of("0123456789", word.size()) == std::string_view::npos) {
                 return true;
+            }
+        }
         return false;
     }
 
@@ -212,10 +232,14 @@ private:
         m_action.m_name = name;
         if (!m_actionTitle.empty() && m_actionTitle != name) {
             std::string desc = std::move(m_actionTitle);
-            if (!m_action.m_desc.empty()) appendLine(desc, m_action.m_desc);
+            if (!m_action.m_desc.empty()) {
+                appendLine(desc, m_action.m_desc);
+            }
             m_action.m_desc = std::move(desc);
         }
-        if (m_script.m_sections.empty()) m_script.m_sections.emplace_back();
+        if (m_script.m_sections.empty()) {
+            m_script.m_sections.emplace_back();
+        }
         m_script.m_sections.back().m_actions.push_back(std::move(m_action));
         m_action = {};
         m_afterLabel = false;
@@ -239,7 +263,9 @@ CScriptElm parseScriptHeader(std::string_view text, const std::string& filename,
     while (!text.empty()) {
         const size_t length = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, length);
-        if (line.ends_with('\r')) line.remove_suffix(1);
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
         parser.takeLine(line);
         text.remove_prefix(std::min(length + 1, text.size()));
     }
@@ -249,7 +275,9 @@ CScriptElm parseScriptHeader(std::string_view text, const std::string& filename,
 bool loadScriptHeader(const std::string& path, const std::string& filename, CScriptElm& script,
                       std::string& errorText) {
     file_t file;
-    if (!file.OpenRead(path.c_str())) return false;
+    if (!file.OpenRead(path.c_str())) {
+        return false;
+    }
     unsigned char* bytes = nullptr;
     long size = 0;
     file.GetText(&bytes, size);
@@ -263,7 +291,9 @@ bool loadScriptHeader(const std::string& path, const std::string& filename, CScr
 
 bool CTemplateData::LoadScriptFromKEZ(const std::string& filename, std::string& errorText) {
     CScriptElm script;
-    if (!zoka::loadScriptHeader(filename, filename, script, errorText)) return false;
+    if (!zoka::loadScriptHeader(filename, filename, script, errorText)) {
+        return false;
+    }
     AddScript(std::move(script));
     return true;
 }

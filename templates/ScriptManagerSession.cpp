@@ -22,8 +22,12 @@ const char* textOf(PageError::Code code) {
 std::string inEditLines(const std::string& text) {
     std::string result;
     for (const char c : text) {
-        if (c == '\r') continue;
-        if (c == '\n') result += '\r';
+        if (c == '\r') {
+            continue;
+        }
+        if (c == '\n') {
+            result += '\r';
+        }
         result += c;
     }
     return result;
@@ -31,7 +35,9 @@ std::string inEditLines(const std::string& text) {
 
 std::string joined(const std::vector<std::string>& items) {
     std::string text;
-    for (const std::string& item : items) text += (text.empty() ? "" : ", ") + item;
+    for (const std::string& item : items) {
+        text += (text.empty() ? "" : ", ") + item;
+    }
     return text;
 }
 
@@ -48,8 +54,9 @@ ScriptManagerSession::ScriptManagerSession(ZunEditorInterface& host, CTemplateDa
       m_update(host, catalogue, updater, prompt) {}
 
 void ScriptManagerSession::needCatalogue(JobProgress* progress) {
-    if (m_catalogue.IsEmpty() && !m_loader(m_catalogue, progress))
+    if (m_catalogue.IsEmpty() && !m_loader(m_catalogue, progress)) {
         throw PageError(PageError::CatalogueNotLoaded);
+    }
 }
 
 bool ScriptManagerSession::open(JobProgress* progress) {
@@ -59,7 +66,9 @@ bool ScriptManagerSession::open(JobProgress* progress) {
         m_prompt.tell(error.what());
         return false;
     }
-    if (!m_search && !prepareSearch(progress)) return false;
+    if (!m_search && !prepareSearch(progress)) {
+        return false;
+    }
     refresh();
     return true;
 }
@@ -75,12 +84,15 @@ void ScriptManagerSession::refresh() {
 }
 
 std::optional<std::uint32_t> ScriptManagerSession::templateOf(const std::string& fileName) const {
-    if (const auto record = m_catalogue.recordByFilenameNoCase(fileName)) return record;
+    if (const auto record = m_catalogue.recordByFilenameNoCase(fileName)) {
+        return record;
+    }
     // A numbered copy: "camera_12.kez" is one of "camera_.kez".
     const PathParts parts = splitPath(fileName);
     const size_t end = parts.name.find_last_not_of("0123456789");
-    if (end == std::string_view::npos || parts.name[end] != '_' || end + 1 == parts.name.size())
+    if (end == std::string_view::npos || parts.name[end] != '_' || end + 1 == parts.name.size()) {
         return std::nullopt;
+    }
     const std::string original = std::string(parts.name.substr(0, end + 1)) + std::string(parts.ext);
     return IsNumberedTemplate(original) ? m_catalogue.recordByFilenameNoCase(original) : std::nullopt;
 }
@@ -91,7 +103,9 @@ void ScriptManagerSession::readIncluded() {
     m_needers.clear();
     m_includedRecords.clear();
     std::vector<std::string> names;
-    if (const auto mainPath = m_host.GetMainScriptPath()) ReadIncludeList(*mainPath, names);
+    if (const auto mainPath = m_host.GetMainScriptPath()) {
+        ReadIncludeList(*mainPath, names);
+    }
     for (std::string& name : names) {
         IncludedScript entry{name, name, {}};
         if (const auto record = templateOf(name)) {
@@ -99,16 +113,21 @@ void ScriptManagerSession::readIncluded() {
             entry.text = entry.script->DisplayName();
             // A title stands for one file: where it would mean another, the file name makes it plain.
             const auto named = m_catalogue.findByName(entry.text);
-            if (!named || !equalNoCase(named->m_filename, name)) entry.text += " (" + name + ")";
+            if (!named || !equalNoCase(named->m_filename, name)) {
+                entry.text += " (" + name + ")";
+            }
             m_includedRecords.insert(*record);
         }
         const size_t index = m_included.size();
         m_byText.try_emplace(entry.text, index);
-        if (entry.script)
+        if (entry.script) {
             for (const std::string& need : entry.script->m_needs) {
                 std::vector<size_t>& needers = m_needers[need];
-                if (needers.empty() || needers.back() != index) needers.push_back(index);
+                if (needers.empty() || needers.back() != index) {
+                    needers.push_back(index);
+                }
             }
+        }
         m_included.push_back(std::move(entry));
     }
 }
@@ -123,7 +142,9 @@ std::vector<std::string> ScriptManagerSession::classes() const {
 
 const std::vector<std::uint32_t>& ScriptManagerSession::search(const std::string& className,
                                                                const std::string& query) {
-    if (!m_search) prepareSearch(nullptr);
+    if (!m_search) {
+        prepareSearch(nullptr);
+    }
     return m_search->find(className, query);
 }
 
@@ -142,12 +163,17 @@ ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
                           script.m_engreq.AsText(),
                           inEditLines(script.m_desc),
                           {}};
-    for (const CScriptSection& section : script.m_sections)
+    for (const CScriptSection& section : script.m_sections) {
         for (const CScriptAction& action : section.m_actions) {
-            if (!details.actions.empty()) details.actions += "\r\n";
+            if (!details.actions.empty()) {
+                details.actions += "\r\n";
+            }
             details.actions += action.m_name;
-            if (!action.m_desc.empty()) details.actions += " - " + inEditLines(action.m_desc);
+            if (!action.m_desc.empty()) {
+                details.actions += " - " + inEditLines(action.m_desc);
+            }
         }
+    }
     return details;
 }
 
@@ -157,8 +183,9 @@ bool ScriptManagerSession::pathsOf(std::span<const std::uint32_t> records,
     for (const std::uint32_t record : records) {
         std::string path;
         if (folders.LocateScript(std::string(m_catalogue.rows()[record].filename), path) ==
-            ScriptPlace::NotFound)
+            ScriptPlace::NotFound) {
             return false;
+        }
         paths.push_back(std::move(path));
     }
     return true;
@@ -168,8 +195,9 @@ AddPlan ScriptManagerSession::plan(std::span<const std::uint32_t> records) {
     std::vector<std::string> paths;
     if (pathsOf(records, paths)) {
         AddPlan plan = ScriptAdding(m_host, m_prompt).plan(paths);
-        if (plan.problem.empty() && plan.before.empty())
+        if (plan.problem.empty() && plan.before.empty()) {
             plan.problem = "The main script is empty or can't be read.";
+        }
         return plan;
     }
     AddPlan none;
@@ -182,7 +210,9 @@ bool ScriptManagerSession::add(std::optional<std::uint32_t> record) {
 }
 
 bool ScriptManagerSession::add(std::span<const std::uint32_t> records) {
-    if (records.empty()) return false;
+    if (records.empty()) {
+        return false;
+    }
     m_status.clear();
     std::vector<std::string> paths;
     if (!pathsOf(records, paths)) {
@@ -193,11 +223,12 @@ bool ScriptManagerSession::add(std::span<const std::uint32_t> records) {
     ScriptAdding adding(m_host, m_prompt);
     const bool added = adding.AddScriptsToProject(paths) && adding.error().empty();
     m_lastAdded = added ? std::string(m_catalogue.rows()[records.back()].displayName()) : kNothingAdded;
-    if (!added)
+    if (!added) {
         m_status = "Not added: " + adding.error();
-    else
+    } else {
         m_status = adding.changed() ? "Added: " + m_lastAdded
                                     : "Nothing to add: " + m_lastAdded + " is included already";
+    }
     refresh();
     return added;
 }
@@ -208,9 +239,14 @@ std::vector<size_t> ScriptManagerSession::dependentsOf(const std::string& fileNa
                                                        const IncludedScript* self) const {
     std::vector<size_t> dependents;
     const auto found = m_needers.find(fileName);
-    if (found == m_needers.end()) return dependents;
-    for (const size_t index : found->second)
-        if (!self || m_included[index].text != self->text) dependents.push_back(index);
+    if (found == m_needers.end()) {
+        return dependents;
+    }
+    for (const size_t index : found->second) {
+        if (!self || m_included[index].text != self->text) {
+            dependents.push_back(index);
+        }
+    }
     return dependents;
 }
 
@@ -218,17 +254,22 @@ bool ScriptManagerSession::FindDependents(const std::string& title, std::vector<
     titles.clear();
     const bool loaded = !m_catalogue.IsEmpty();
     needCatalogue(nullptr);
-    if (!loaded) readIncluded();
+    if (!loaded) {
+        readIncluded();
+    }
     const auto entry = m_byText.find(title);
     const IncludedScript* const self = entry == m_byText.end() ? nullptr : &m_included[entry->second];
     std::string fileName;
-    if (self && self->script)
+    if (self && self->script) {
         // A copy has a name of its own; else the catalogue's spelling counts.
         fileName =
             equalNoCase(self->script->m_filename, self->fileName) ? self->script->m_filename : self->fileName;
-    else if (!m_catalogue.GetScriptFilename(fileName, title, false))
+    } else if (!m_catalogue.GetScriptFilename(fileName, title, false)) {
         throw PageError(PageError::ScriptNotInCatalogue);
-    for (const size_t index : dependentsOf(fileName, self)) titles.push_back(m_included[index].text);
+    }
+    for (const size_t index : dependentsOf(fileName, self)) {
+        titles.push_back(m_included[index].text);
+    }
     return !titles.empty();
 }
 
@@ -240,18 +281,24 @@ std::vector<size_t> ScriptManagerSession::dependents(size_t index) const {
 
 std::string ScriptManagerSession::neededBy(size_t index) const {
     std::vector<std::string> titles;
-    for (const size_t dependent : dependents(index)) titles.push_back(m_included[dependent].text);
+    for (const size_t dependent : dependents(index)) {
+        titles.push_back(m_included[dependent].text);
+    }
     return titles.empty() ? std::string() : "needed by " + joined(titles);
 }
 
 void ScriptManagerSession::refuseRemoval(const std::vector<std::string>& dependents) {
     std::string text = "The following scripts must be removed first: ";
-    for (const std::string& title : dependents) text += "\n\n" + title;
+    for (const std::string& title : dependents) {
+        text += "\n\n" + title;
+    }
     m_prompt.ask(text, "Can't Remove Script", PromptButtons::Ok, PromptIcon::Error);
 }
 
 bool ScriptManagerSession::remove(int index) {
-    if (index < 0 || static_cast<size_t>(index) >= m_included.size()) return false;
+    if (index < 0 || static_cast<size_t>(index) >= m_included.size()) {
+        return false;
+    }
     m_status.clear();
     const IncludedScript entry = m_included[static_cast<size_t>(index)];
     bool removed = false;
@@ -278,7 +325,9 @@ bool ScriptManagerSession::remove(int index) {
 std::optional<std::string> ScriptManagerSession::pathOf(size_t index) const {
     std::string path;
     const ScriptFolders folders(m_host);
-    if (folders.LocateScript(m_included[index].fileName, path) == ScriptPlace::NotFound) return {};
+    if (folders.LocateScript(m_included[index].fileName, path) == ScriptPlace::NotFound) {
+        return {};
+    }
     return path;
 }
 
@@ -298,7 +347,9 @@ std::string ScriptManagerSession::notes() {
 // --- Update
 
 const std::vector<UpdateEntry>& ScriptManagerSession::updates() {
-    if (!m_updatesListed) m_update.FillUpdateList(false);
+    if (!m_updatesListed) {
+        m_update.FillUpdateList(false);
+    }
     m_updatesListed = true;
     return m_update.entries();
 }
@@ -306,16 +357,21 @@ const std::vector<UpdateEntry>& ScriptManagerSession::updates() {
 std::vector<DiffHunk> ScriptManagerSession::difference(size_t index) {
     const ScriptFolders folders(m_host);
     const std::string& name = updates()[index].fileName;
-    if (folders.LocateScript(name) != ScriptPlace::Project || !folders.inTemplates(name)) return {};
+    if (folders.LocateScript(name) != ScriptPlace::Project || !folders.inTemplates(name)) {
+        return {};
+    }
     return lineDifference(osFiles().readWhole(folders.projectPath(name)).value_or(""),
                           osFiles().readWhole(folders.templatePath(name)).value_or(""));
 }
 
 void ScriptManagerSession::tellUpdated() {
     m_status = m_update.updated().empty() ? "" : "Updated: " + joined(m_update.updated());
-    if (!m_update.included().empty())
+    if (!m_update.included().empty()) {
         m_status += (m_status.empty() ? "" : "; ") + ("Included: " + joined(m_update.included()));
-    if (!m_update.unplaced().empty()) m_status += "; some values found no place";
+    }
+    if (!m_update.unplaced().empty()) {
+        m_status += "; some values found no place";
+    }
     readIncluded();
 }
 
@@ -347,9 +403,11 @@ std::vector<std::string> ScriptManagerSession::restorable() const {
     ScriptFolders folders(m_host);
     folders.listOnce();
     std::vector<std::string> names;
-    for (const IncludedScript& entry : m_included)
-        if (entry.script && folders.LocateScript(entry.fileName) == ScriptPlace::Template)
+    for (const IncludedScript& entry : m_included) {
+        if (entry.script && folders.LocateScript(entry.fileName) == ScriptPlace::Template) {
             names.push_back(entry.fileName);
+        }
+    }
     return names;
 }
 

@@ -14,12 +14,12 @@
 #include <vector>
 
 #include "plugin/host/ZunEditorInterface.h"
-#include "util/JobProgress.h"
-#include "util/LineDiff.h"
 #include "templates/ScriptAdding.h"
 #include "templates/ScriptSearch.h"
 #include "templates/ScriptUpdate.h"
 #include "templates/TemplateData.h"
+#include "util/JobProgress.h"
+#include "util/LineDiff.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {

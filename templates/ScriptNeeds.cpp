@@ -25,8 +25,9 @@ struct Level {
 bool isDeviceName(std::string_view name) {
     std::string_view stem = name.substr(0, name.find('.'));
     stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
-    if (stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9')
+    if (stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9') {
         return equalNoCase(stem.substr(0, 3), "com") || equalNoCase(stem.substr(0, 3), "lpt");
+    }
     return std::ranges::any_of(kDevices, [stem](const char* device) { return equalNoCase(stem, device); });
 }
 
@@ -40,13 +41,16 @@ int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names) {
 
 std::string lowered(std::string_view text) {
     std::string result(text);
-    for (char& c : result) c = lex::lower(c);
+    for (char& c : result) {
+        c = lex::lower(c);
+    }
     return result;
 }
 
 bool isPlainFileName(std::string_view name) {
-    if (name.empty() || name.size() > kLongestName || name == "." || name == ".." || isDeviceName(name))
+    if (name.empty() || name.size() > kLongestName || name == "." || name == ".." || isDeviceName(name)) {
         return false;
+    }
     return std::none_of(name.begin(), name.end(), [](char c) {
         return static_cast<unsigned char>(c) < ' ' || kNotInFileNames.find(c) != std::string_view::npos;
     });
@@ -59,8 +63,12 @@ bool isIncludableName(std::string_view name) {
 std::string describe(std::span<const RefusedNeed> refused) {
     std::string text;
     for (const auto& [script, need] : refused) {
-        if (!text.empty()) text += '\n';
-        if (script != need) text += script + " needs ";
+        if (!text.empty()) {
+            text += '\n';
+        }
+        if (script != need) {
+            text += script + " needs ";
+        }
         text += "\"" + need + "\": this is not a file name that can be included.";
     }
     return text;
@@ -77,7 +85,9 @@ NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::
     const auto enter = [&](const std::string& name, const std::string& path) {
         const std::string key = lowered(name);
         if (!seen.insert(key).second) {
-            if (included.contains(key) && listed.insert(key).second) result.present.push_back(name);
+            if (included.contains(key) && listed.insert(key).second) {
+                result.present.push_back(name);
+            }
             return;
         }
         way.push_back({name, path.empty() ? std::vector<std::string>() : read(path).needs, 0});
@@ -97,10 +107,11 @@ NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::
                 continue;
             }
             const std::string need = level.needs[level.next++];
-            if (!isIncludableName(need))
+            if (!isIncludableName(need)) {
                 result.refused.push_back({level.name, need});
-            else
+            } else {
                 enter(need, locate ? locate(need) : std::string());
+            }
         }
     }
     return result;

@@ -27,7 +27,9 @@ std::vector<std::string> wordsOf(const std::string& query) {
 
 std::unique_ptr<ScriptSearch> ScriptSearch::make(const CTemplateData& catalogue, JobProgress* progress) {
     std::unique_ptr<ScriptSearch> search(new ScriptSearch);
-    if (!search->take(catalogue, progress)) search.reset();
+    if (!search->take(catalogue, progress)) {
+        search.reset();
+    }
     return search;
 }
 
@@ -38,8 +40,9 @@ bool ScriptSearch::take(const CTemplateData& catalogue, JobProgress* progress) {
     m_found.reserve(rows.size());
     for (std::uint32_t record = 0; record < rows.size(); ++record) {
         const CTemplateData::Row& row = rows[record];
-        if (record % kStep == 0 && !goOn(progress, record, rows.size(), std::string(row.displayName())))
+        if (record % kStep == 0 && !goOn(progress, record, rows.size(), std::string(row.displayName()))) {
             return false;
+        }
         m_classes.push_back(lowered(row.className));
         std::string text(row.name);
         ((text += '\n') += row.className) += '\n';
@@ -55,17 +58,25 @@ const std::vector<std::uint32_t>& ScriptSearch::find(const std::string& classNam
     const std::string wanted = lowered(query);
     const std::vector<std::string> words = wordsOf(wanted);
     const auto matches = [&](std::uint32_t record) {
-        if (wantedClass != "<all>" && m_classes[record] != wantedClass) return false;
-        for (const std::string& word : words)
-            if (m_texts[record].find(word) == std::string::npos) return false;
+        if (wantedClass != "<all>" && m_classes[record] != wantedClass) {
+            return false;
+        }
+        for (const std::string& word : words) {
+            if (m_texts[record].find(word) == std::string::npos) {
+                return false;
+            }
+        }
         return true;
     };
     if (wantedClass == m_className && wanted.starts_with(m_query)) {
         std::erase_if(m_found, [&](std::uint32_t record) { return !matches(record); });
     } else {
         m_found.clear();
-        for (std::uint32_t record = 0; record < m_texts.size(); ++record)
-            if (matches(record)) m_found.push_back(record);
+        for (std::uint32_t record = 0; record < m_texts.size(); ++record) {
+            if (matches(record)) {
+                m_found.push_back(record);
+            }
+        }
     }
     m_className = wantedClass;
     m_query = wanted;

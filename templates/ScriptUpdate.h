@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "plugin/host/ZunEditorInterface.h"
-#include "util/JobProgress.h"
 #include "templates/ScriptFolders.h"
 #include "templates/TemplateData.h"
+#include "util/JobProgress.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {

@@ -44,7 +44,7 @@ void CTemplateData::AddScript(CScriptElm script) {
     append({own->m_name, own->m_filename, own->m_class, own->m_type}, own);
 }
 
-void CTemplateData::reserveScripts(std::size_t scripts) {
+void CTemplateData::reserveScripts(size_t scripts) {
     m_rows.reserve(scripts);
     m_sources.reserve(scripts);
     m_byName.reserve(scripts);
@@ -60,8 +60,9 @@ void CTemplateData::append(const Row& row, Source source) {
     m_byClass[row.className].push_back(record);
     m_byType[row.type].push_back(record);
     m_byName.add(record, nameHash, nameIn(m_rows));
-    if (!m_byFilenameNoCase.add(record, filenameHash, filenameIn(m_rows)))
+    if (!m_byFilenameNoCase.add(record, filenameHash, filenameIn(m_rows))) {
         m_laterByFilename.add(record, filenameIn(m_rows));
+    }
 }
 
 void CTemplateData::AddDirectory(const std::string& type, const std::string& path) {
@@ -79,115 +80,159 @@ bool CTemplateData::GetClassList(StringList& list) const {
     list.assign(1, kAllClasses);
     zoka::RecordIndex<true> seen;
     const auto classOf = [this](std::uint32_t record) { return m_rows[record].className; };
-    for (std::uint32_t record = 0; record < m_rows.size(); ++record)
-        if (seen.add(record, classOf)) list.emplace_back(m_rows[record].className);
+    for (std::uint32_t record = 0; record < m_rows.size(); ++record) {
+        if (seen.add(record, classOf)) {
+            list.emplace_back(m_rows[record].className);
+        }
+    }
     return true;
 }
 
 bool CTemplateData::GetClassListOfType(StringList& list, const std::string& type) const {
     list.assign(1, kAllClasses);
     std::unordered_set<std::string_view> seen;
-    for (const std::uint32_t record : recordsOf(m_byType, type))
-        if (seen.insert(m_rows[record].className).second) list.emplace_back(m_rows[record].className);
+    for (const std::uint32_t record : recordsOf(m_byType, type)) {
+        if (seen.insert(m_rows[record].className).second) {
+            list.emplace_back(m_rows[record].className);
+        }
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptList(StringList& list) const {
     list.clear();
     list.reserve(m_rows.size());
-    for (const Row& row : m_rows) list.emplace_back(row.name);
+    for (const Row& row : m_rows) {
+        list.emplace_back(row.name);
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptList(StringList& list, const std::string& className) const {
-    if (isAllClasses(className)) return GetScriptList(list);
+    if (isAllClasses(className)) {
+        return GetScriptList(list);
+    }
     list.clear();
-    for (const std::uint32_t record : recordsOf(m_byClass, className)) list.emplace_back(m_rows[record].name);
+    for (const std::uint32_t record : recordsOf(m_byClass, className)) {
+        list.emplace_back(m_rows[record].name);
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptListOfType(StringList& list, const std::string& type) const {
     list.clear();
-    for (const std::uint32_t record : recordsOf(m_byType, type)) list.emplace_back(m_rows[record].name);
+    for (const std::uint32_t record : recordsOf(m_byType, type)) {
+        list.emplace_back(m_rows[record].name);
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptListOfType(StringList& list, const std::string& type,
                                         const std::string& className) const {
-    if (isAllClasses(className)) return GetScriptListOfType(list, type);
+    if (isAllClasses(className)) {
+        return GetScriptListOfType(list, type);
+    }
     list.clear();
-    for (const std::uint32_t record : recordsOf(m_byType, type))
-        if (m_rows[record].className == className) list.emplace_back(m_rows[record].name);
+    for (const std::uint32_t record : recordsOf(m_byType, type)) {
+        if (m_rows[record].className == className) {
+            list.emplace_back(m_rows[record].name);
+        }
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptActionNames(StringList& list, const std::string& name) const {
     list.clear();
     const std::optional<CScriptElm> script = findByName(name);
-    if (!script) return true;
-    for (const CScriptSection& section : script->m_sections)
-        for (const CScriptAction& action : section.m_actions) list.push_back(action.m_name);
+    if (!script) {
+        return true;
+    }
+    for (const CScriptSection& section : script->m_sections) {
+        for (const CScriptAction& action : section.m_actions) {
+            list.push_back(action.m_name);
+        }
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptActionDesc(std::string& desc, const std::string& name,
                                         const std::string& action) const {
     const std::optional<CScriptElm> script = findByName(name);
-    if (!script) return false;
-    for (const CScriptSection& section : script->m_sections)
-        for (const CScriptAction& candidate : section.m_actions)
+    if (!script) {
+        return false;
+    }
+    for (const CScriptSection& section : script->m_sections) {
+        for (const CScriptAction& candidate : section.m_actions) {
             if (candidate.m_name == action) {
                 desc = candidate.m_desc;
                 return true;
             }
+        }
+    }
     return false;
 }
 
 bool CTemplateData::GetScriptDesc(std::string& desc, const std::string& name) const {
     const std::optional<CScriptElm> script = findByName(name);
-    if (script) desc = script->m_desc;
+    if (script) {
+        desc = script->m_desc;
+    }
     return script.has_value();
 }
 
 bool CTemplateData::GetScriptDate(std::string& date, const std::string& name) const {
     const std::optional<CScriptElm> script = findByName(name);
-    if (script) date = script->m_date;
+    if (script) {
+        date = script->m_date;
+    }
     return script.has_value();
 }
 
 bool CTemplateData::GetScriptVers(std::string& version, const std::string& name) const {
     const std::optional<CScriptElm> script = findByName(name);
-    if (script) version = script->m_vers;
+    if (script) {
+        version = script->m_vers;
+    }
     return script.has_value();
 }
 
 bool CTemplateData::GetScriptElmFromName(CScriptElm& script, const std::string& name) const {
     std::optional<CScriptElm> found = findByName(name);
-    if (found) script = std::move(*found);
+    if (found) {
+        script = std::move(*found);
+    }
     return found.has_value();
 }
 
 bool CTemplateData::GetScriptElmFromFilename(CScriptElm& script, const std::string& filename) const {
     std::optional<CScriptElm> found = findByFilename(filename);
-    if (found) script = std::move(*found);
+    if (found) {
+        script = std::move(*found);
+    }
     return found.has_value();
 }
 
 bool CTemplateData::GetScriptArrayOfType(std::vector<CScriptElm>& scripts, const std::string& type) const {
     scripts.clear();
-    for (const std::uint32_t record : recordsOf(m_byType, type)) scripts.push_back(script(record));
+    for (const std::uint32_t record : recordsOf(m_byType, type)) {
+        scripts.push_back(script(record));
+    }
     return true;
 }
 
 bool CTemplateData::GetScriptFilename(std::string& path, const std::string& name, bool withFolder) const {
     const std::optional<CScriptElm> script = findByName(name);
-    if (!script) return false;
+    if (!script) {
+        return false;
+    }
     if (!withFolder) {
         path = script->m_filename;
         return true;
     }
     const Directory* const directory = findDirectory(script->m_directory);
-    if (!directory) return false;
+    if (!directory) {
+        return false;
+    }
     path = m_baseDirectory + withoutLeadingDots(directory->second) + "\\" +
            withoutLeadingDots(script->m_filename);
     return true;
@@ -195,7 +240,9 @@ bool CTemplateData::GetScriptFilename(std::string& path, const std::string& name
 
 bool CTemplateData::GetNameFromFilename(std::string& name, const std::string& filename) const {
     const std::optional<CScriptElm> script = findByFilename(filename);
-    if (script) name = script->m_name;
+    if (script) {
+        name = script->m_name;
+    }
     return script.has_value();
 }
 
@@ -222,8 +269,9 @@ std::optional<CScriptElm> CTemplateData::findByName(std::string_view name) const
 
 std::optional<CScriptElm> CTemplateData::findByFilename(std::string_view filename) const {
     const std::optional<std::uint32_t> first = recordByFilenameNoCase(filename);
-    if (!first || m_rows[*first].filename == filename)
+    if (!first || m_rows[*first].filename == filename) {
         return first ? std::optional(script(*first)) : std::nullopt;
+    }
     const std::uint32_t later = m_laterByFilename.find(filename, filenameIn(m_rows));
     return later == m_laterByFilename.kNone ? std::nullopt : std::optional(script(later));
 }

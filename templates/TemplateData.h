@@ -12,10 +12,10 @@
 #include <variant>
 #include <vector>
 
-#include "util/JobProgress.h"
 #include "templates/RecordIndex.h"
 #include "templates/ScriptElm.h"
 #include "util/Export.h"
+#include "util/JobProgress.h"
 #include "xml/XMLNode.h"
 
 // Holds the catalogue's own header, its folders and its scripts, all in file order. Queries compare exactly,
@@ -130,7 +130,7 @@ public:
     public:
         class Iterator {
         public:
-            Iterator(const CTemplateData& catalogue, std::size_t at) : m_catalogue(&catalogue), m_at(at) {}
+            Iterator(const CTemplateData& catalogue, size_t at) : m_catalogue(&catalogue), m_at(at) {}
             CScriptElm operator*() const { return m_catalogue->script(m_at); }
             Iterator& operator++() {
                 ++m_at;
@@ -140,13 +140,13 @@ public:
 
         private:
             const CTemplateData* m_catalogue;
-            std::size_t m_at;
+            size_t m_at;
         };
 
         explicit Scripts(const CTemplateData& catalogue) : m_catalogue(&catalogue) {}
-        std::size_t size() const { return m_catalogue->rows().size(); }
+        size_t size() const { return m_catalogue->rows().size(); }
         bool empty() const { return size() == 0; }
-        CScriptElm operator[](std::size_t record) const { return m_catalogue->script(record); }
+        CScriptElm operator[](size_t record) const { return m_catalogue->script(record); }
         Iterator begin() const { return {*m_catalogue, 0}; }
         Iterator end() const { return {*m_catalogue, size()}; }
 
@@ -154,8 +154,8 @@ public:
         const CTemplateData* m_catalogue;
     };
     Scripts scripts() const { return Scripts(*this); }
-    CScriptElm script(std::size_t record) const;
-    std::string_view description(std::size_t record) const;
+    CScriptElm script(size_t record) const;
+    std::string_view description(size_t record) const;
     const std::vector<Row>& rows() const { return m_rows; }
     const std::vector<Directory>& directories() const { return m_directories; }
     const CEngineReq& engineReq() const { return m_engreq; }
@@ -174,7 +174,7 @@ private:
     using Source = std::variant<XMLNode, std::shared_ptr<const CScriptElm>>;
     using Records = std::vector<std::uint32_t>;
 
-    void reserveScripts(std::size_t scripts);
+    void reserveScripts(size_t scripts);
     void append(const Row& row, Source source);
 
     std::string m_name;

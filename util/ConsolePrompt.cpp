@@ -35,7 +35,7 @@ std::span<const Choice> choicesOf(PromptButtons buttons) {
 }
 
 std::string_view trimmed(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(" \t\r");
+    const size_t first = line.find_first_not_of(" \t\r");
     return first == std::string_view::npos ? ""
                                            : line.substr(first, line.find_last_not_of(" \t\r") - first + 1);
 }

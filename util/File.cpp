@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr std::size_t kNameChars = 255;
-constexpr std::size_t kConstructorNameChars = 256;
-constexpr std::size_t kCopyChunk = 1024;
+constexpr size_t kNameChars = 255;
+constexpr size_t kConstructorNameChars = 256;
+constexpr size_t kCopyChunk = 1024;
 
 std::int32_t to32(std::int64_t value) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, std::numeric_limits<std::int32_t>::min(),
@@ -32,7 +32,7 @@ file_t::~file_t() {
     file_t::Close();
 }
 
-void file_t::setName(const char* newName, std::size_t maxChars) {
+void file_t::setName(const char* newName, size_t maxChars) {
     char copy[sizeof name] = {};
     if (newName) {
         std::memcpy(copy, newName, strnlen(newName, maxChars));
@@ -86,14 +86,14 @@ void file_t::GetText(unsigned char** text, long& size) {
     if (!fp || len <= 0) {
         return;
     }
-    const auto bytes = static_cast<std::size_t>(len);
+    const auto bytes = static_cast<size_t>(len);
     auto* buffer = new (std::nothrow) unsigned char[bytes + 1];
     if (!buffer) {
         return;
     }
     // Through the virtual operations, so that a window gives its own part. A file that shrank since it was
     // opened gives what it still has.
-    const std::size_t got = Seek(0, SEEK_SET) == 0 ? Read(buffer, 1, bytes) : 0;
+    const size_t got = Seek(0, SEEK_SET) == 0 ? Read(buffer, 1, bytes) : 0;
     buffer[got] = 0;
     *text = buffer;
     size = static_cast<long>(got);
@@ -127,11 +127,11 @@ char* file_t::Gets(char* buf, int n) {
     return fp && n > 0 ? std::fgets(buf, n, fp) : nullptr;
 }
 
-std::size_t file_t::Read(void* buf, std::size_t size, std::size_t n) {
+size_t file_t::Read(void* buf, size_t size, size_t n) {
     return fp ? std::fread(buf, size, n, fp) : 0;
 }
 
-std::size_t file_t::Write(const void* buf, std::size_t size, std::size_t n) {
+size_t file_t::Write(const void* buf, size_t size, size_t n) {
     return fp ? std::fwrite(buf, size, n, fp) : 0;
 }
 
@@ -153,12 +153,12 @@ long file_t::WriteToFile(file_t* dst, long count) {
         const std::int32_t at = pos;
         // Through the virtual read, so that a window reads at its own place of the shared stream. A window's
         // read advances `pos` itself, a stream's does not.
-        const std::size_t got = Read(chunk, 1, std::min(kCopyChunk, static_cast<std::size_t>(remaining)));
+        const size_t got = Read(chunk, 1, std::min(kCopyChunk, static_cast<size_t>(remaining)));
         if (got == 0) {
             break;
         }
         pos = to32(std::int64_t{at} + static_cast<std::int64_t>(got));
-        const std::size_t written = dst->Write(chunk, 1, got);
+        const size_t written = dst->Write(chunk, 1, got);
         total += static_cast<long>(written);
         remaining -= static_cast<long>(got);
         if (written != got) {
@@ -238,7 +238,7 @@ int partof_file_t::Puts(const char*) {
     return 0;
 }
 
-std::size_t partof_file_t::Write(const void*, std::size_t, std::size_t) {
+size_t partof_file_t::Write(const void*, size_t, size_t) {
     return 0;
 }
 
@@ -261,12 +261,12 @@ char* partof_file_t::Gets(char* buf, int n) {
     return line;
 }
 
-std::size_t partof_file_t::Read(void* buf, std::size_t size, std::size_t n) {
+size_t partof_file_t::Read(void* buf, size_t size, size_t n) {
     if (size == 0 || n == 0 || !seekStream()) {
         return 0;
     }
-    const auto left = static_cast<std::size_t>(len - pos);
-    const std::size_t items =
+    const auto left = static_cast<size_t>(len - pos);
+    const size_t items =
         n <= left / size ? std::fread(buf, size, n, fp) : std::fread(buf, 1, left, fp) / size;
     takePosition();
     return items;

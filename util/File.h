@@ -53,8 +53,8 @@ public:
     // bytes, and such an end is completed past n - 1: the buffer must hold n + 1 bytes there.
     virtual char* Gets(char* buf, int n);
     // Whole items read or written. At the end of the data the bytes of a last, broken item are delivered too.
-    virtual std::size_t Read(void* buf, std::size_t size, std::size_t n);
-    virtual std::size_t Write(const void* buf, std::size_t size, std::size_t n);
+    virtual size_t Read(void* buf, size_t size, size_t n);
+    virtual size_t Write(const void* buf, size_t size, size_t n);
     // True for what lies inside another file (and for a stream that isn't open).
     virtual bool IsLodEntry();
     // Memory files keep the stream and close it when they are destroyed; others ignore it.
@@ -94,7 +94,7 @@ public:
     static std::string ConvertFileTime(const zoka::FileTime* time);
 
 protected:
-    void setName(const char* newName, std::size_t maxChars);
+    void setName(const char* newName, size_t maxChars);
     int seekWithinLen(long off, int whence);
 
     char name[260];
@@ -120,8 +120,8 @@ public:
     int Getc() override;
     int Puts(const char* str) override;
     char* Gets(char* buf, int n) override;
-    std::size_t Read(void* buf, std::size_t size, std::size_t n) override;
-    std::size_t Write(const void* buf, std::size_t size, std::size_t n) override;
+    size_t Read(void* buf, size_t size, size_t n) override;
+    size_t Write(const void* buf, size_t size, size_t n) override;
     bool IsLodEntry() override;
     file_t* create_part(const char* partName, long partLen, long start) override;
 
@@ -152,8 +152,8 @@ public:
     int Getc() override;
     int Puts(const char* str) override;
     char* Gets(char* buf, int n) override;
-    std::size_t Read(void* buf, std::size_t size, std::size_t n) override;
-    std::size_t Write(const void* buf, std::size_t size, std::size_t n) override;
+    size_t Read(void* buf, size_t size, size_t n) override;
+    size_t Write(const void* buf, size_t size, size_t n) override;
     bool IsLodEntry() override;
     void SetFp(std::FILE* stream) override;
     file_t* create_part(const char* partName, long partLen, long offset) override;
@@ -173,7 +173,7 @@ private:
     friend class smemfile_t;
     friend struct dmemfile_peek;  // tests
     dmemfile_t(unsigned char* mem, std::int32_t size);
-    static std::size_t blockSize(std::int32_t alloc);
+    static size_t blockSize(std::int32_t alloc);
     // Raises `alloc` by `step` and stores `bytes` at `pos`; false, with nothing
     // changed, when there's no memory.
     bool append(const void* bytes, std::int32_t count, std::int32_t step);
@@ -194,7 +194,7 @@ public:
     void Close() override;
     int Putc(int c) override;
     int Puts(const char* str) override;
-    std::size_t Write(const void* buf, std::size_t size, std::size_t n) override;
+    size_t Write(const void* buf, size_t size, size_t n) override;
 
 private:
     bool is_static;

@@ -80,5 +80,5 @@ public:
 private:
     std::string m_folder;  // as in the pattern, with its separator
     std::vector<zoka::OsEntry> m_found;
-    std::size_t m_next = 0;
+    size_t m_next = 0;
 };

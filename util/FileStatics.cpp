@@ -67,8 +67,8 @@ std::string file_t::AbsPath(const char* fileName) {
         const bool hasDrive = folder.size() > 1 && folder[1] == ':';
         return hasDrive ? folder.substr(0, 2) + path : path;
     }
-    for (std::size_t at = 0; path.compare(at, 3, "..\\") == 0; at += 3) {
-        const std::size_t cut = folder.rfind('\\');
+    for (size_t at = 0; path.compare(at, 3, "..\\") == 0; at += 3) {
+        const size_t cut = folder.rfind('\\');
         if (cut == std::string::npos) {
             return path;
         }
@@ -87,7 +87,7 @@ void file_t::MakeDir(const char* dir) {
     if (path.empty() || DirExist(dir)) {
         return;
     }
-    std::size_t start = 0;
+    size_t start = 0;
     if (path.find(':') != std::string::npos) {
         start = path.find('\\');
         if (start == std::string::npos) {
@@ -96,7 +96,7 @@ void file_t::MakeDir(const char* dir) {
         ++start;
     }
     zoka::OsFiles& files = zoka::osFiles();
-    for (std::size_t slash = path.find('\\', start); slash != std::string::npos;
+    for (size_t slash = path.find('\\', start); slash != std::string::npos;
          slash = path.find('\\', slash + 1)) {
         if (slash > 0 && slash + 1 < path.size()) {
             files.makeFolder(path.substr(0, slash));

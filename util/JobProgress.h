@@ -12,11 +12,11 @@ public:
     // Called before each piece of work: `done` of `total` pieces are finished, `what` is the one that comes.
     // False stops the job before that piece; what is finished stays, and every file is whole. Called on the
     // thread that does the job, which may show a window's messages meanwhile.
-    virtual bool step(std::size_t done, std::size_t total, const std::string& what) = 0;
+    virtual bool step(size_t done, size_t total, const std::string& what) = 0;
 };
 
 // For jobs that nobody watches: null is allowed.
-inline bool goOn(JobProgress* progress, std::size_t done, std::size_t total, const std::string& what) {
+inline bool goOn(JobProgress* progress, size_t done, size_t total, const std::string& what) {
     return !progress || progress->step(done, total, what);
 }
 

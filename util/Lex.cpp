@@ -26,10 +26,13 @@ CLex::~CLex() = default;
 // to `most` bytes before its end is looked at.
 CLex::Span CLex::lineAt(int index, long most) const {
     const char* start = starts.at(static_cast<size_t>(index));
-    if (const char* next = starts.at(static_cast<size_t>(index) + 1))
+    if (const char* next = starts.at(static_cast<size_t>(index) + 1)) {
         return {start, static_cast<int>(next - start - 1)};
+    }
     int len = static_cast<int>(std::min<long>(buf + bufsize - start, most));
-    for (int i = 0; i < 2 && len > 0 && (start[len - 1] == '\r' || start[len - 1] == '\n'); ++i) --len;
+    for (int i = 0; i < 2 && len > 0 && (start[len - 1] == '\r' || start[len - 1] == '\n'); ++i) {
+        --len;
+    }
     return {start, len};
 }
 
@@ -41,9 +44,13 @@ const char* CLex::deliverCopy(Span span) {
 }
 
 const char* CLex::getNextUnformLine() {
-    if (curr >= lines) return nullptr;
+    if (curr >= lines) {
+        return nullptr;
+    }
     const Span span = lineAt(curr++, kMaxLine);
-    if (curr == lines) return deliverCopy(span);
+    if (curr == lines) {
+        return deliverCopy(span);
+    }
     linelen = span.len;
     return span.text;
 }
@@ -52,7 +59,9 @@ namespace {
 
 template <typename Span>
 Span withoutIndent(Span span) {
-    while (span.len > 0 && isBlank(*span.text)) ++span.text, --span.len;
+    while (span.len > 0 && isBlank(*span.text)) {
+        ++span.text, --span.len;
+    }
     return span;
 }
 
@@ -62,19 +71,27 @@ const char* CLex::getNextLine() {
     while (curr < lines) {
         const Span span = withoutIndent(lineAt(curr++, kMaxLine));
         const bool comment = span.len >= 2 && span.text[0] == '/' && span.text[1] == '/';
-        if (span.len > 0 && !comment) return deliverCopy(span);
+        if (span.len > 0 && !comment) {
+            return deliverCopy(span);
+        }
     }
     return nullptr;
 }
 
 const char* CLex::search(const char* text, int n, bool wholeWord) {
-    if (!text || n < 0) return nullptr;
+    if (!text || n < 0) {
+        return nullptr;
+    }
     for (int step = 0; step < lines; ++step) {
         const int rest = lines - curr;
         const int index = step < rest ? curr + step : step - rest;
         const Span span = withoutIndent(lineAt(index, bufsize));
-        if (span.len < n || !equalsIgnoringCase(span.text, text, static_cast<size_t>(n))) continue;
-        if (wholeWord && span.len > n && !isSpace(span.text[n])) continue;
+        if (span.len < n || !equalsIgnoringCase(span.text, text, static_cast<size_t>(n))) {
+            continue;
+        }
+        if (wholeWord && span.len > n && !isSpace(span.text[n])) {
+            continue;
+        }
         curr = index + 1;
         return deliverCopy(span);
     }
@@ -94,7 +111,9 @@ const char* CLex::searchToLineEx(const char* text) {
 }
 
 int CLex::setPosAtLine(int n) {
-    if (n < 0 || n >= lines) return 0;
+    if (n < 0 || n >= lines) {
+        return 0;
+    }
     curr = n;
     return 1;
 }

@@ -15,17 +15,22 @@ namespace {
 int readDigits(const char*& text, uint32_t base, uint32_t& value) {
     int count = 0;
     value = 0;
-    for (; *text >= '0' && static_cast<uint32_t>(*text - '0') < base; ++text, ++count)
+    for (; *text >= '0' && static_cast<uint32_t>(*text - '0') < base; ++text, ++count) {
         value = value * base + static_cast<uint32_t>(*text - '0');
+    }
     return count;
 }
 
 // The sign and the digits that every Scan operation begins with. False when there are none.
 bool readSigned(const char*& text, uint32_t base, uint32_t& value, bool& negative) {
     text = CLex::NextChar(text);
-    if (!text) return false;
+    if (!text) {
+        return false;
+    }
     negative = *text == '-';
-    if (negative) ++text;
+    if (negative) {
+        ++text;
+    }
     return readDigits(text, base, value) > 0;
 }
 
@@ -34,7 +39,9 @@ bool readSigned(const char*& text, uint32_t base, uint32_t& value, bool& negativ
 const char* CLex::ScanIntValue(const char* text, int& value) {
     uint32_t digits;
     bool negative;
-    if (!readSigned(text, 10, digits, negative)) return nullptr;
+    if (!readSigned(text, 10, digits, negative)) {
+        return nullptr;
+    }
     value = static_cast<int32_t>(negative ? 0u - digits : digits);
     return text;
 }
@@ -42,12 +49,16 @@ const char* CLex::ScanIntValue(const char* text, int& value) {
 const char* CLex::ScanDoubleValue(const char* text, double& value) {
     uint32_t integer;
     bool negative;
-    if (!readSigned(text, 10, integer, negative)) return nullptr;
+    if (!readSigned(text, 10, integer, negative)) {
+        return nullptr;
+    }
     double result = integer;
     if (*text == '.') {
         uint32_t fraction;
         double scale = 1.0;
-        for (int n = readDigits(++text, 10, fraction); n > 0; --n) scale *= 10.0;
+        for (int n = readDigits(++text, 10, fraction); n > 0; --n) {
+            scale *= 10.0;
+        }
         result += fraction / scale;
     }
     value = negative ? -result : result;
@@ -57,14 +68,18 @@ const char* CLex::ScanDoubleValue(const char* text, double& value) {
 const char* CLex::ScanFloatValue(const char* text, float& value) {
     double wide;
     const char* const after = ScanDoubleValue(text, wide);
-    if (after) value = static_cast<float>(wide);
+    if (after) {
+        value = static_cast<float>(wide);
+    }
     return after;
 }
 
 const char* CLex::ScanBinValue(const char* text, unsigned long& value) {
     uint32_t digits;
     bool negative;
-    if (!readSigned(text, 2, digits, negative)) return nullptr;
+    if (!readSigned(text, 2, digits, negative)) {
+        return nullptr;
+    }
     value = negative ? 0u - digits : digits;
     return text;
 }
@@ -82,33 +97,47 @@ int CLex::LongToBin(char* buffer, long value) {
 }
 
 bool CLex::IsDigit(const char* text, int len) {
-    if (!text || len < 1) return false;
+    if (!text || len < 1) {
+        return false;
+    }
     return std::all_of(text + (isSign(*text) ? 1 : 0), text + len, isDecimal);
 }
 
 int CLex::FormatFloat(char* buffer, double value) {
     char* end = std::to_chars(buffer, buffer + 317, value, std::chars_format::fixed, 6).ptr;
     if (std::find(buffer, end, '.') != end) {
-        while (end[-1] == '0') --end;
-        if (end[-1] == '.') --end;
+        while (end[-1] == '0') {
+            --end;
+        }
+        if (end[-1] == '.') {
+            --end;
+        }
     }
     *end = 0;
     return static_cast<int>(end - buffer);
 }
 
 int CLex::StringCrop(char* text) {
-    if (!text) return 0;
+    if (!text) {
+        return 0;
+    }
     const char* start = text;
-    while (isSpace(*start)) ++start;
+    while (isSpace(*start)) {
+        ++start;
+    }
     int len = lengthOf(start);
-    while (len > 0 && isSpace(start[len - 1])) --len;
+    while (len > 0 && isSpace(start[len - 1])) {
+        --len;
+    }
     std::memmove(text, start, static_cast<size_t>(len));
     text[len] = 0;
     return len;
 }
 
 long CLex::GetDefinitionBlockSize(const char* text, long len) {
-    if (!text || len < 1) return -1;
+    if (!text || len < 1) {
+        return -1;
+    }
     const char* const end = text + len;
     long open = 0;
     for (const char* start = text; start < end;) {
@@ -118,8 +147,12 @@ long CLex::GetDefinitionBlockSize(const char* text, long len) {
         cut = std::search(start, cut, std::begin(kComment), std::end(kComment));
         open += static_cast<long>(std::count(start, cut, '{'));
         const long closing = static_cast<long>(std::count(start, cut, '}'));
-        if (open > 0 && closing >= open) return static_cast<long>(lf - text);
-        if (open > 0) open -= closing;
+        if (open > 0 && closing >= open) {
+            return static_cast<long>(lf - text);
+        }
+        if (open > 0) {
+            open -= closing;
+        }
         start = lf + (lf != end);
     }
     return -1;

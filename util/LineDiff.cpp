@@ -36,27 +36,38 @@ std::vector<Edit> editsBetween(std::span<const std::string_view> before,
                                std::span<const std::string_view> after) {
     std::vector<Edit> edits;
     if (before.empty() || after.empty() || before.size() + after.size() > kMostLines) {
-        for (const std::string_view line : before) edits.push_back({'-', line});
-        for (const std::string_view line : after) edits.push_back({'+', line});
+        for (const std::string_view line : before) {
+            edits.push_back({'-', line});
+        }
+        for (const std::string_view line : after) {
+            edits.push_back({'+', line});
+        }
         return edits;
     }
     dtl::Diff<std::string_view, Lines> diff(Lines(before.begin(), before.end()),
                                             Lines(after.begin(), after.end()));
     diff.compose();
-    for (const auto& [line, info] : diff.getSes().getSequence())
+    for (const auto& [line, info] : diff.getSes().getSequence()) {
         edits.push_back({info.type == dtl::SES_ADD ? '+' : info.type == dtl::SES_DELETE ? '-' : ' ', line});
+    }
     return edits;
 }
 
 std::string shown(std::string_view line, bool showCr) {
-    if (line.ends_with('\n')) line.remove_suffix(1);
+    if (line.ends_with('\n')) {
+        line.remove_suffix(1);
+    }
     const bool cr = line.ends_with('\r');
-    if (cr) line.remove_suffix(1);
+    if (cr) {
+        line.remove_suffix(1);
+    }
     return std::string(line) + (cr && showCr ? "\\r" : "");
 }
 
 std::string_view body(std::string_view line) {
-    while (line.ends_with('\n') || line.ends_with('\r')) line.remove_suffix(1);
+    while (line.ends_with('\n') || line.ends_with('\r')) {
+        line.remove_suffix(1);
+    }
     return line;
 }
 
@@ -65,26 +76,36 @@ std::string_view body(std::string_view line) {
 std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view after) {
     const Lines a = linesOf(before), b = linesOf(after);
     size_t head = 0;
-    while (head < a.size() && head < b.size() && a[head] == b[head]) ++head;
+    while (head < a.size() && head < b.size() && a[head] == b[head]) {
+        ++head;
+    }
     size_t tail = 0;
     while (tail < a.size() - head && tail < b.size() - head &&
-           a[a.size() - 1 - tail] == b[b.size() - 1 - tail])
+           a[a.size() - 1 - tail] == b[b.size() - 1 - tail]) {
         ++tail;
-    if (head == a.size() && head == b.size()) return {};
+    }
+    if (head == a.size() && head == b.size()) {
+        return {};
+    }
 
     const size_t first = head > kContext ? head - kContext : 0;
     std::vector<Edit> edits;
-    for (size_t i = first; i < head; ++i) edits.push_back({' ', a[i]});
+    for (size_t i = first; i < head; ++i) {
+        edits.push_back({' ', a[i]});
+    }
     const auto middle = editsBetween(std::span(a).subspan(head, a.size() - head - tail),
                                      std::span(b).subspan(head, b.size() - head - tail));
     edits.insert(edits.end(), middle.begin(), middle.end());
-    for (size_t i = 0; i < std::min(tail, kContext); ++i) edits.push_back({' ', a[a.size() - tail + i]});
+    for (size_t i = 0; i < std::min(tail, kContext); ++i) {
+        edits.push_back({' ', a[a.size() - tail + i]});
+    }
 
     // Only where lines of both sides agree but for their ends do those need to be seen.
     bool showCr = false;
-    for (size_t i = 1; i < edits.size(); ++i)
+    for (size_t i = 1; i < edits.size(); ++i) {
         showCr |= edits[i - 1].mark != ' ' && edits[i].mark != ' ' && edits[i - 1].mark != edits[i].mark &&
                   edits[i - 1].line != edits[i].line && body(edits[i - 1].line) == body(edits[i].line);
+    }
 
     // In each run of changes, what goes stands before what comes.
     for (auto from = edits.begin(); from != edits.end();) {
@@ -105,12 +126,16 @@ std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view a
                                           edits.begin() + static_cast<std::ptrdiff_t>(ahead),
                                           [](const Edit& edit) { return edit.mark != ' '; });
             if (near) {
-                if (keepUntil < i || hunks.empty()) hunks.push_back({oldLine + 1, 0, newLine + 1, 0, {}});
+                if (keepUntil < i || hunks.empty()) {
+                    hunks.push_back({oldLine + 1, 0, newLine + 1, 0, {}});
+                }
                 keepUntil = ahead;
             }
         }
         const Edit& edit = edits[i];
-        if (edit.mark != ' ') keepUntil = std::max(keepUntil, i + kContext + 1);
+        if (edit.mark != ' ') {
+            keepUntil = std::max(keepUntil, i + kContext + 1);
+        }
         if (i < keepUntil) {
             DiffHunk& hunk = hunks.back();
             hunk.lines.push_back({edit.mark, shown(edit.line, showCr)});
@@ -121,8 +146,12 @@ std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view a
         newLine += edit.mark != '-';
     }
     for (DiffHunk& hunk : hunks) {
-        if (hunk.oldCount == 0) --hunk.oldStart;
-        if (hunk.newCount == 0) --hunk.newStart;
+        if (hunk.oldCount == 0) {
+            --hunk.oldStart;
+        }
+        if (hunk.newCount == 0) {
+            --hunk.newStart;
+        }
     }
     return hunks;
 }
@@ -130,7 +159,9 @@ std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view a
 std::string unifiedDifference(std::string_view before, std::string_view after, const std::string& oldName,
                               const std::string& newName) {
     const std::vector<DiffHunk> hunks = lineDifference(before, after);
-    if (hunks.empty()) return {};
+    if (hunks.empty()) {
+        return {};
+    }
     std::string text = "--- " + oldName + "\n+++ " + newName + "\n";
     const auto range = [](size_t start, size_t count) {
         return std::to_string(start) + (count == 1 ? "" : "," + std::to_string(count));
@@ -138,7 +169,9 @@ std::string unifiedDifference(std::string_view before, std::string_view after, c
     for (const DiffHunk& hunk : hunks) {
         text += "@@ -" + range(hunk.oldStart, hunk.oldCount) + " +" + range(hunk.newStart, hunk.newCount) +
                 " @@\n";
-        for (const DiffLine& line : hunk.lines) text += line.mark + line.text + "\n";
+        for (const DiffLine& line : hunk.lines) {
+            text += line.mark + line.text + "\n";
+        }
     }
     return text;
 }

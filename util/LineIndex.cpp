@@ -35,7 +35,9 @@ ZOKA_WIDE size_t countLineFeedsInBlocks(const char* text, size_t blocks) {
         __m128i sum = _mm_setzero_si128();
         for (const char* end = text + run * kBlock; text != end; text += kBlock) {
             const __m128i* p = reinterpret_cast<const __m128i*>(text);
-            for (int i = 0; i < 4; ++i) sum = _mm_sub_epi8(sum, _mm_cmpeq_epi8(_mm_loadu_si128(p + i), lf));
+            for (int i = 0; i < 4; ++i) {
+                sum = _mm_sub_epi8(sum, _mm_cmpeq_epi8(_mm_loadu_si128(p + i), lf));
+            }
         }
         const __m128i halves = _mm_sad_epu8(sum, _mm_setzero_si128());
         count += static_cast<size_t>(_mm_cvtsi128_si32(halves)) +
@@ -87,11 +89,16 @@ ZOKA_WIDE size_t writeStarts(const char* text, size_t size, const char** out) {
     };
     const char* p = text;
     const char* const end = text + size;
-    for (; static_cast<size_t>(end - p) >= kBlock; p += kBlock)
-        for (uint64_t bits = lineFeedMask(p); bits != 0; bits &= bits - 1)
+    for (; static_cast<size_t>(end - p) >= kBlock; p += kBlock) {
+        for (uint64_t bits = lineFeedMask(p); bits != 0; bits &= bits - 1) {
             add(p + std::countr_zero(bits) + 1);
-    for (; p != end; ++p)
-        if (*p == '\n') add(p + 1);
+        }
+    }
+    for (; p != end; ++p) {
+        if (*p == '\n') {
+            add(p + 1);
+        }
+    }
     return std::max(longest, static_cast<size_t>(end - start));
 }
 
@@ -109,7 +116,9 @@ LineIndex::LineIndex(const char* text, size_t size)
 }
 
 const char* LineIndex::at(size_t index) const {
-    if (index > m_lines) throw std::out_of_range("line index outside the text");
+    if (index > m_lines) {
+        throw std::out_of_range("line index outside the text");
+    }
     return m_starts[index];
 }
 

@@ -12,7 +12,7 @@ namespace {
 constexpr std::int32_t kStep = 1024;
 constexpr std::int32_t kMaxSize = std::numeric_limits<std::int32_t>::max();
 
-unsigned char* allocate(std::size_t size) {
+unsigned char* allocate(size_t size) {
     return new (std::nothrow) unsigned char[size];
 }
 
@@ -21,9 +21,9 @@ unsigned char* allocate(std::size_t size) {
 // The real size behind an `alloc`: the next quarter step between two powers of two. A pure function of
 // `alloc`, so it needs no field of its own in an object whose layout other modules know. At most a quarter of
 // the block is unused, and a byte is moved about four times while a file grows.
-std::size_t dmemfile_t::blockSize(std::int32_t alloc) {
+size_t dmemfile_t::blockSize(std::int32_t alloc) {
     if (alloc <= kStep) {
-        return static_cast<std::size_t>(alloc);
+        return static_cast<size_t>(alloc);
     }
     const auto size = static_cast<std::uint32_t>(alloc);
     const std::uint32_t quarter = std::bit_floor(size) / 4;
@@ -70,7 +70,7 @@ bool dmemfile_t::OpenRead(const char* fileName) {
     }
     const auto size = static_cast<std::int32_t>(disk.GetLen());
     mem = allocate(blockSize(size));
-    if (!mem || disk.Read(mem, 1, static_cast<std::size_t>(size)) != static_cast<std::size_t>(size)) {
+    if (!mem || disk.Read(mem, 1, static_cast<size_t>(size)) != static_cast<size_t>(size)) {
         Close();
         return false;
     }
@@ -87,7 +87,7 @@ void dmemfile_t::GetText(unsigned char** text, long& size) {
     if (!mem || len == 0) {
         return;
     }
-    const auto bytes = static_cast<std::size_t>(len);
+    const auto bytes = static_cast<size_t>(len);
     *text = allocate(bytes);
     if (*text) {
         std::memcpy(*text, mem, bytes);
@@ -120,11 +120,11 @@ bool dmemfile_t::append(const void* bytes, std::int32_t count, std::int32_t step
             return false;
         }
         if (mem) {
-            std::memcpy(block, mem, static_cast<std::size_t>(len));
+            std::memcpy(block, mem, static_cast<size_t>(len));
         }
     }
     // The bytes may come from this file's own memory, so the old block goes last.
-    std::memmove(block + pos, bytes, static_cast<std::size_t>(count));
+    std::memmove(block + pos, bytes, static_cast<size_t>(count));
     if (block != mem) {
         delete[] mem;
     }
@@ -144,8 +144,8 @@ int dmemfile_t::Puts(const char* str) {
     return str && *str ? static_cast<int>(Write(str, std::strlen(str), 1)) : 0;
 }
 
-std::size_t dmemfile_t::Write(const void* buf, std::size_t size, std::size_t n) {
-    constexpr auto kMost = static_cast<std::size_t>(kMaxSize);
+size_t dmemfile_t::Write(const void* buf, size_t size, size_t n) {
+    constexpr auto kMost = static_cast<size_t>(kMaxSize);
     if (size == 0 || n == 0 || n > kMost / size) {
         return 0;
     }
@@ -185,13 +185,13 @@ char* dmemfile_t::Gets(char* buf, int n) {
     return stored > 0 ? buf : nullptr;
 }
 
-std::size_t dmemfile_t::Read(void* buf, std::size_t size, std::size_t n) {
+size_t dmemfile_t::Read(void* buf, size_t size, size_t n) {
     if (n == 0 || size == 0) {
         return n;  // any number of empty items fits
     }
-    const auto left = static_cast<std::size_t>(len - pos);
+    const auto left = static_cast<size_t>(len - pos);
     const bool all = n <= left / size;
-    const std::size_t bytes = all ? n * size : left;
+    const size_t bytes = all ? n * size : left;
     if (bytes > 0) {
         std::memcpy(buf, mem + pos, bytes);
     }
@@ -225,7 +225,7 @@ long dmemfile_t::WriteToFile(file_t* dst, long count) {
     }
     const std::int32_t at = pos;
     pos += static_cast<std::int32_t>(bytes);
-    return dst->Write(mem + at, static_cast<std::size_t>(bytes), 1) == 1 ? bytes : 0;
+    return dst->Write(mem + at, static_cast<size_t>(bytes), 1) == 1 ? bytes : 0;
 }
 
 void* dmemfile_t::GetMemPtr() {
@@ -234,7 +234,7 @@ void* dmemfile_t::GetMemPtr() {
 
 smemfile_t::smemfile_t(long size) : dmemfile_t(nullptr, 0), is_static(false) {
     if (size > 0 && size <= kMaxSize) {
-        mem = new (std::nothrow) unsigned char[static_cast<std::size_t>(size)]();
+        mem = new (std::nothrow) unsigned char[static_cast<size_t>(size)]();
         alloc = mem ? static_cast<std::int32_t>(size) : 0;
         len = alloc;
     }
@@ -267,6 +267,6 @@ int smemfile_t::Puts(const char*) {
     return 0;
 }
 
-std::size_t smemfile_t::Write(const void*, std::size_t, std::size_t) {
+size_t smemfile_t::Write(const void*, size_t, size_t) {
     return 0;
 }

@@ -15,8 +15,8 @@ bool hasDrive(std::string_view path) {
 }
 
 // Where the last part begins: after the last separator, or after the drive.
-std::size_t nameStart(std::string_view path) {
-    const std::size_t slash = path.find_last_of("\\/");
+size_t nameStart(std::string_view path) {
+    const size_t slash = path.find_last_of("\\/");
     return slash != std::string_view::npos ? slash + 1 : hasDrive(path) ? 2 : 0;
 }
 
@@ -32,12 +32,12 @@ std::string joinPath(std::string_view folder, std::string_view name) {
 
 PathParts splitPath(std::string_view path) {
     PathParts parts;
-    const std::size_t name = nameStart(path);
-    const std::size_t drive = hasDrive(path) ? 2 : 0;
+    const size_t name = nameStart(path);
+    const size_t drive = hasDrive(path) ? 2 : 0;
     parts.drive = path.substr(0, drive);
     parts.folder = path.substr(drive, name - drive);
     const std::string_view file = path.substr(name);
-    const std::size_t dot = file == "." || file == ".." ? std::string_view::npos : file.rfind('.');
+    const size_t dot = file == "." || file == ".." ? std::string_view::npos : file.rfind('.');
     parts.name = file.substr(0, dot);
     parts.ext = dot == std::string_view::npos ? std::string_view() : file.substr(dot);
     return parts;
@@ -48,8 +48,8 @@ std::string_view fileNameOf(std::string_view path) {
 }
 
 std::string_view folderOf(std::string_view path) {
-    std::size_t end = nameStart(path);
-    const std::size_t root = hasDrive(path) ? 3 : 1;
+    size_t end = nameStart(path);
+    const size_t root = hasDrive(path) ? 3 : 1;
     if (end > root && isSeparator(path[end - 1])) {
         --end;
     }
@@ -62,7 +62,7 @@ bool isAbsolute(std::string_view path) {
 }
 
 std::string normalizePath(std::string_view path) {
-    std::size_t at = hasDrive(path) ? 2 : 0;
+    size_t at = hasDrive(path) ? 2 : 0;
     std::string result(path.substr(0, at));
     const bool rooted = at < path.size() && isSeparator(path[at]);
     if (rooted) {
@@ -70,7 +70,7 @@ std::string normalizePath(std::string_view path) {
     }
     std::vector<std::string_view> parts;
     while (at < path.size()) {
-        const std::size_t end = std::min(path.find_first_of("\\/", at), path.size());
+        const size_t end = std::min(path.find_first_of("\\/", at), path.size());
         const std::string_view part = path.substr(at, end - at);
         if (part == ".." && !parts.empty() && parts.back() != "..") {
             parts.pop_back();
@@ -83,7 +83,7 @@ std::string normalizePath(std::string_view path) {
         }
         at = end + 1;
     }
-    for (std::size_t i = 0; i < parts.size(); ++i) {
+    for (size_t i = 0; i < parts.size(); ++i) {
         result.append(i ? "\\" : "").append(parts[i]);
     }
     if (!parts.empty() && isSeparator(path.back())) {
@@ -110,8 +110,8 @@ bool matchesWildcard(std::string_view pattern, std::string_view name) {
         return true;
     }
     // Greedy with one way back: after a mismatch the last star takes one character more.
-    std::size_t p = 0, n = 0;
-    std::size_t star = std::string_view::npos, starName = 0;
+    size_t p = 0, n = 0;
+    size_t star = std::string_view::npos, starName = 0;
     while (n < name.size()) {
         if (p < pattern.size() && pattern[p] == '*') {
             star = p++;

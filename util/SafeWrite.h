@@ -13,7 +13,7 @@ struct SafeWriteResult {
     // the user; the old content is then untouched, unless the text says where else it or the new one lies.
     std::string error;
     // Of several files, how many have their new content: always the first ones.
-    std::size_t written = 0;
+    size_t written = 0;
 
     explicit operator bool() const { return error.empty(); }
 };

@@ -11,7 +11,9 @@ struct Range {
 };
 
 bool inRanges(char32_t c, const Range* range, const Range* end) {
-    while (range != end && c > range->last) ++range;
+    while (range != end && c > range->last) {
+        ++range;
+    }
     return range != end && c >= range->first;
 }
 
@@ -33,8 +35,11 @@ constexpr char16_t kWindows1252[32] = {
 
 std::string lower(std::string_view text) {
     std::string result(text);
-    for (char& c : result)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    for (char& c : result) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c + 32);
+        }
+    }
     return result;
 }
 
@@ -45,17 +50,29 @@ bool isBlank(char c) {
 // The encoding that the declaration at the start names, in lower case; empty without one. Whether the
 // declaration is right is the parser's affair.
 std::string declaredEncoding(std::string_view text) {
-    if (!text.starts_with("<?xml") || text.size() < 6 || !isBlank(text[5])) return {};
+    if (!text.starts_with("<?xml") || text.size() < 6 || !isBlank(text[5])) {
+        return {};
+    }
     text = text.substr(0, text.find("?>"));
-    std::size_t at = text.find("encoding");
-    if (at == text.npos) return {};
+    size_t at = text.find("encoding");
+    if (at == text.npos) {
+        return {};
+    }
     at += 8;
-    while (at < text.size() && isBlank(text[at])) ++at;
-    if (at == text.size() || text[at] != '=') return {};
+    while (at < text.size() && isBlank(text[at])) {
+        ++at;
+    }
+    if (at == text.size() || text[at] != '=') {
+        return {};
+    }
     ++at;
-    while (at < text.size() && isBlank(text[at])) ++at;
-    if (at == text.size() || (text[at] != '"' && text[at] != '\'')) return {};
-    const std::size_t end = text.find(text[at], at + 1);
+    while (at < text.size() && isBlank(text[at])) {
+        ++at;
+    }
+    if (at == text.size() || (text[at] != '"' && text[at] != '\'')) {
+        return {};
+    }
+    const size_t end = text.find(text[at], at + 1);
     return end == text.npos ? std::string() : lower(text.substr(at + 1, end - at - 1));
 }
 
@@ -66,14 +83,18 @@ public:
         result_.converted = true;
     }
     void put(char32_t c) {
-        if (!result_.ok) return;
+        if (!result_.ok) {
+            return;
+        }
         if (utf8_ || c < 0x80) {
             appendUtf8(result_.text, c);
             return;
         }
         std::u16string unit;
         appendUtf16(unit, c);
-        if (!appendPlatform(result_.text, unit)) result_.ok = false;
+        if (!appendPlatform(result_.text, unit)) {
+            result_.ok = false;
+        }
     }
     void fail() { result_.ok = false; }
 
@@ -85,11 +106,11 @@ private:
 XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian) {
     XMLDecoded result;
     Output out(result);
-    const auto unit = [&](std::size_t i) {
+    const auto unit = [&](size_t i) {
         const auto a = static_cast<unsigned char>(bytes[i]), b = static_cast<unsigned char>(bytes[i + 1]);
         return static_cast<char32_t>(bigEndian ? a << 8 | b : b << 8 | a);
     };
-    std::size_t i = 2;
+    size_t i = 2;
     for (; result.ok && i + 1 < bytes.size(); i += 2) {
         char32_t c = unit(i);
         if (c >= 0xd800 && c < 0xe000) {
@@ -103,7 +124,9 @@ XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian) {
         }
         out.put(c);
     }
-    if (result.ok && i != bytes.size()) out.fail();
+    if (result.ok && i != bytes.size()) {
+        out.fail();
+    }
     const std::string declared = declaredEncoding(result.text);
     if (result.ok && !declared.empty() && !declared.starts_with("utf-16") && !declared.starts_with("utf16") &&
         !declared.starts_with("iso-10646-ucs-2") && !declared.starts_with("ucs-2")) {
@@ -113,7 +136,7 @@ XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian) {
     return result;
 }
 
-XMLDecoded decodeUtf8(std::string_view bytes, std::size_t skip) {
+XMLDecoded decodeUtf8(std::string_view bytes, size_t skip) {
     XMLDecoded result;
     Output out(result);
     const char* p = bytes.data() + skip;
@@ -121,10 +144,11 @@ XMLDecoded decodeUtf8(std::string_view bytes, std::size_t skip) {
     while (result.ok && p < end) {
         char32_t c = 0;
         const unsigned length = utf8Sequence(p, c);
-        if (length == 0)
+        if (length == 0) {
             out.fail();
-        else
+        } else {
             out.put(c);
+        }
         p += length;
     }
     return result;
@@ -188,7 +212,7 @@ void appendUtf16(std::u16string& out, char32_t c) {
 
 std::string utf8FromUtf16(std::u16string_view text) {
     std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         char32_t c = text[i];
         if (c >= 0xd800 && c < 0xe000) {
             const char32_t low = c < 0xdc00 && i + 1 < text.size() ? text[i + 1] : 0;
@@ -208,35 +232,53 @@ bool isUtf8(const char* text) {
     while (*text) {
         char32_t c = 0;
         const unsigned length = utf8Sequence(text, c);
-        if (length == 0) return false;
+        if (length == 0) {
+            return false;
+        }
         text += length;
     }
     return true;
 }
 
 bool isXmlNameStart(char32_t c) {
-    if (c < 0x80) return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+    if (c < 0x80) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+    }
     return inRanges(c, std::begin(kNameStart), std::end(kNameStart));
 }
 
 bool isXmlNameChar(char32_t c) {
-    if (c < 0x80) return isXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    if (c < 0x80) {
+        return isXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+    }
     return isXmlNameStart(c) || inRanges(c, std::begin(kNameMore), std::end(kNameMore));
 }
 
 XMLDecoded decodeXmlFile(std::string_view bytes) {
     const bool utf8 = xmlCharset() == XMLCharset::Utf8;
-    if (!xmlCharsetGuessing()) return {};
-    if (bytes.starts_with("\xff\xfe")) return decodeUtf16(bytes, false);
-    if (bytes.starts_with("\xfe\xff")) return decodeUtf16(bytes, true);
-    const std::size_t skip = bytes.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
+    if (!xmlCharsetGuessing()) {
+        return {};
+    }
+    if (bytes.starts_with("\xff\xfe")) {
+        return decodeUtf16(bytes, false);
+    }
+    if (bytes.starts_with("\xfe\xff")) {
+        return decodeUtf16(bytes, true);
+    }
+    const size_t skip = bytes.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
     const std::string declared = declaredEncoding(bytes.substr(skip));
     const bool declaredUtf8 = declared.starts_with("utf-8") || declared.starts_with("utf8");
     // Eight-bit bytes can't be UTF-16, nor bytes with the mark of UTF-8 anything else.
-    if (declared.starts_with("utf-16")) return refused();
-    if (skip && !declared.empty() && !declaredUtf8) return refused();
+    if (declared.starts_with("utf-16")) {
+        return refused();
+    }
+    if (skip && !declared.empty() && !declaredUtf8) {
+        return refused();
+    }
     if (!utf8) {
-        if (skip || declaredUtf8) return decodeUtf8(bytes, skip);
+        if (skip || declaredUtf8) {
+            return decodeUtf8(bytes, skip);
+        }
     } else if (declared == "iso-8859-1" || declared == "latin1") {
         return decodeLatin(bytes, false);
     } else if (declared == "windows-1252" || declared == "cp1252") {

@@ -30,16 +30,55 @@ public:
     // The remembered place for that element, kind and (Named and Position) name at or before `index`, valid
     // until the next call; null when there is none.
     const XMLCursor* find(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index) const {
-        if (index < kFrom) return nullptr;
+        if (index < kFrom) {
+            {
+                {
+                    {
+                        {
+                            { return nullptr; }
+                        }
+                    }
+                }
+            }
+        }
         const Place& recent = recent_[slotOf(owner, kind)];
-        if (recent.owner != owner || !fits(recent.cursor, kind, name))
-            return findOld(owner, kind, name, index);
+        if (recent.owner != owner || !fits(recent.cursor, kind, name)) {
+            {
+                {
+                    {
+                        {
+                            { return findOld(owner, kind, name, index); }
+                        }
+                    }
+                }
+            }
+        }
         return recent.cursor.index <= index ? &recent.cursor : nullptr;
     }
     void remember(const XMLElement* owner, const XMLCursor& cursor, const XMLName* name) {
-        if (cursor.index < kFrom) return;
+        if (cursor.index < kFrom) {
+            {
+                {
+                    {
+                        {
+                            { return; }
+                        }
+                    }
+                }
+            }
+        }
         Place& recent = recent_[slotOf(owner, cursor.kind)];
-        if (recent.owner && (recent.owner != owner || !fits(recent.cursor, cursor.kind, name))) keep(recent);
+        if (recent.owner && (recent.owner != owner || !fits(recent.cursor, cursor.kind, name))) {
+            {
+                {
+                    {
+                        {
+                            { keep(recent); }
+                        }
+                    }
+                }
+            }
+        }
         recent = {owner, cursor};
         // A long list is most likely being walked: what lies behind is wanted next.
         __builtin_prefetch(cursor.item->next);
@@ -58,16 +97,36 @@ private:
     // Below this index a walk from the first item is as good.
     static constexpr int kFrom = 8;
     // Loops over that many names of one element at once keep their places; with more the oldest is forgotten.
-    static constexpr std::size_t kPerElement = 8;
-    static constexpr std::size_t kRecent = 16;
+    static constexpr size_t kPerElement = 8;
+    static constexpr size_t kRecent = 16;
 
-    static std::size_t slotOf(const XMLElement* owner, XMLCursorKind kind) {
+    static size_t slotOf(const XMLElement* owner, XMLCursorKind kind) {
         const auto address = reinterpret_cast<std::uintptr_t>(owner);
-        return (address / 64 + address / 1024 + static_cast<std::size_t>(kind)) % kRecent;
+        return (address / 64 + address / 1024 + static_cast<size_t>(kind)) % kRecent;
     }
     static bool fits(const XMLCursor& cursor, XMLCursorKind kind, const XMLName* name) {
-        if (cursor.kind != kind) return false;
-        if (!name) return true;
+        if (cursor.kind != kind) {
+            {
+                {
+                    {
+                        {
+                            { return false; }
+                        }
+                    }
+                }
+            }
+        }
+        if (!name) {
+            {
+                {
+                    {
+                        {
+                            { return true; }
+                        }
+                    }
+                }
+            }
+        }
         const auto* element = static_cast<const XMLElement*>(cursor.item);
         return name->matches(element->key, element->name);
     }

@@ -9,27 +9,37 @@
 namespace zoka {
 namespace {
 
-constexpr std::size_t kFewestBytes = 25;
+constexpr size_t kFewestBytes = 25;
 
 XMLCharset theCharset = XMLCharset::Utf8;
 bool guessing = true;
 
 bool sequencesAreUtf8(std::string_view head) {
-    for (std::size_t i = 0; i < head.size();) {
+    for (size_t i = 0; i < head.size();) {
         const auto lead = static_cast<unsigned char>(head[i++]);
-        if (lead < 0x80) continue;
-        if (lead < 0xc0 || lead >= 0xf8) return false;
+        if (lead < 0x80) {
+            continue;
+        }
+        if (lead < 0xc0 || lead >= 0xf8) {
+            return false;
+        }
         for (int trails = lead < 0xe0 ? 1 : lead < 0xf0 ? 2 : 3; trails > 0; --trails, ++i) {
             // A sequence that the limit cuts is no violation.
-            if (i == head.size()) return i == kXmlGuessBytes;
-            if ((static_cast<unsigned char>(head[i]) & 0xc0) != 0x80) return false;
+            if (i == head.size()) {
+                return i == kXmlGuessBytes;
+            }
+            if ((static_cast<unsigned char>(head[i]) & 0xc0) != 0x80) {
+                return false;
+            }
         }
     }
     return true;
 }
 
 bool startsWithFolded(std::string_view text, std::string_view lowerCase) {
-    if (text.size() < lowerCase.size()) return false;
+    if (text.size() < lowerCase.size()) {
+        return false;
+    }
     return std::equal(lowerCase.begin(), lowerCase.end(), text.begin(),
                       [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + 32 : b); });
 }
@@ -52,21 +62,34 @@ void setXmlCharsetGuessing(bool on) {
 
 bool guessUtf8(std::string_view bytes) {
     const std::string_view head = bytes.substr(0, kXmlGuessBytes);
-    if (head.size() < kFewestBytes) return false;
-    if (head.starts_with("\xff\xfe") || head.starts_with("\xfe\xff") || head[0] == 0 || head[1] == 0)
+    if (head.size() < kFewestBytes) {
         return false;
-    if (head.starts_with(kUtf8Mark)) return true;
-    if (!sequencesAreUtf8(head)) return false;
+    }
+    if (head.starts_with("\xff\xfe") || head.starts_with("\xfe\xff") || head[0] == 0 || head[1] == 0) {
+        return false;
+    }
+    if (head.starts_with(kUtf8Mark)) {
+        return true;
+    }
+    if (!sequencesAreUtf8(head)) {
+        return false;
+    }
 
-    std::size_t at = head.find("encoding");
-    if (at == head.npos) return true;
+    size_t at = head.find("encoding");
+    if (at == head.npos) {
+        return true;
+    }
     const auto skipBlanks = [&] { at = std::min(head.find_first_not_of(" \t\r\n", at), head.size()); };
     at += 8;
     skipBlanks();
-    if (at == head.size() || head[at] != '=') return true;
+    if (at == head.size() || head[at] != '=') {
+        return true;
+    }
     ++at;
     skipBlanks();
-    if (at == head.size() || (head[at] != '"' && head[at] != '\'')) return true;
+    if (at == head.size() || (head[at] != '"' && head[at] != '\'')) {
+        return true;
+    }
     const std::string_view value = head.substr(at + 1);
     return startsWithFolded(value, "utf-8") || startsWithFolded(value, "utf8");
 }

@@ -18,7 +18,7 @@ void setXmlCharset(XMLCharset charset);
 bool xmlCharsetGuessing();
 void setXmlCharsetGuessing(bool on);
 
-inline constexpr std::size_t kXmlGuessBytes = 200;
+inline constexpr size_t kXmlGuessBytes = 200;
 // Whether a file is UTF-8, by its first 200 bytes: false for less than 25 bytes, UTF-16, broken UTF-8 or a
 // declared encoding that does not begin with utf-8 or utf8; true with a mark and for everything else.
 bool guessUtf8(std::string_view bytes);

@@ -76,7 +76,17 @@ struct XMLElement : XMLItem {
     // Only while no text stands alone; see XMLDocument::append.
     void appendItem(XMLItem* item) {
         item->next = last_ ? last_->next : item;
-        if (last_) last_->next = item;
+        if (last_) {
+            {
+                {
+                    {
+                        {
+                            { last_->next = item; }
+                        }
+                    }
+                }
+            }
+        }
         last_ = item;
     }
     void clearContent() {

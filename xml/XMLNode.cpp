@@ -18,14 +18,21 @@ namespace {
 // Calls `visit(item)` for the items from `first` round to the last one until it gives true; gives that item.
 template <class Visit>
 const XMLItem* findItem(const XMLElement* owner, const XMLItem* first, Visit visit) {
-    for (const XMLItem* item = first; item; item = owner->itemAfter(item))
-        if (visit(item)) return item;
+    for (const XMLItem* item = first; item; item = owner->itemAfter(item)) {
+        if (visit(item)) {
+            return item;
+        }
+    }
     return nullptr;
 }
 
 bool isChild(const XMLItem* item, const XMLName* name) {
-    if (item->kind != XMLItemKind::Element) return false;
-    if (!name) return true;
+    if (item->kind != XMLItemKind::Element) {
+        return false;
+    }
+    if (!name) {
+        return true;
+    }
     const auto* element = static_cast<const XMLElement*>(item);
     return name->matches(element->key, element->name);
 }
@@ -39,7 +46,9 @@ bool isClear(const XMLItem* item) {
 template <class Counts>
 const XMLItem* itemAt(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index,
                       Counts counts) {
-    if (index < 0) return nullptr;
+    if (index < 0) {
+        return nullptr;
+    }
     XMLCursors& cursors = XMLDocument::of(owner)->cursors;
     const XMLItem* item = owner->firstItem();
     int left = index;
@@ -48,7 +57,9 @@ const XMLItem* itemAt(const XMLElement* owner, XMLCursorKind kind, const XMLName
         left -= place->index;
     }
     item = findItem(owner, item, [&](const XMLItem* one) { return counts(one) && left-- == 0; });
-    if (item) cursors.remember(owner, {item, index, kind}, name);
+    if (item) {
+        cursors.remember(owner, {item, index, kind}, name);
+    }
     return item;
 }
 
@@ -91,7 +102,9 @@ XMLNode XMLNode::createTop(const char* name, bool isDeclaration) {
 }
 
 XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
-    if (!element_ || !name) return {};
+    if (!element_ || !name) {
+        return {};
+    }
     XMLDocument* document = XMLDocument::of(element_);
     const char* ownName = document->copyString(name);
     XMLElement* child = document->newElement();
@@ -104,11 +117,15 @@ XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
 }
 
 void XMLNode::addAttribute(const char* name, const char* value) {
-    if (element_ && name) XMLDocument::of(element_)->addAttribute(element_, name, value);
+    if (element_ && name) {
+        XMLDocument::of(element_)->addAttribute(element_, name, value);
+    }
 }
 
 void XMLNode::addText(const char* text) {
-    if (element_ && text && *text) XMLDocument::of(element_)->addText(element_, text);
+    if (element_ && text && *text) {
+        XMLDocument::of(element_)->addText(element_, text);
+    }
 }
 
 const char* XMLNode::getName() const {
@@ -124,32 +141,44 @@ XMLNode XMLNode::getParent() const {
 }
 
 int XMLNode::childCount() const {
-    if (!element_) return 0;
+    if (!element_) {
+        return 0;
+    }
     return countItems(element_, [](const XMLItem* item) { return isChild(item, nullptr); });
 }
 
 int XMLNode::childCount(const char* tag) const {
-    if (!element_ || !tag) return 0;
+    if (!element_ || !tag) {
+        return 0;
+    }
     const XMLName name(tag);
     return countItems(element_, [&](const XMLItem* item) { return isChild(item, &name); });
 }
 
 XMLNode XMLNode::getChild(int index) const {
-    if (!element_) return {};
+    if (!element_) {
+        return {};
+    }
     return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Any, nullptr, index,
                                     [](const XMLItem* item) { return isChild(item, nullptr); })));
 }
 
 XMLNode XMLNode::getChild(const char* tag, int index) const {
-    if (!element_ || !tag) return {};
+    if (!element_ || !tag) {
+        return {};
+    }
     const XMLName name(tag);
     return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Named, &name, index,
                                     [&](const XMLItem* item) { return isChild(item, &name); })));
 }
 
 XMLNode XMLNode::getChild(const char* tag, int* position) const {
-    if (!element_ || !position || *position < 0) return {};
-    if (!tag) return childFrom(position, nullptr);
+    if (!element_ || !position || *position < 0) {
+        return {};
+    }
+    if (!tag) {
+        return childFrom(position, nullptr);
+    }
     const XMLName name(tag);
     return childFrom(position, &name);
 }
@@ -167,9 +196,13 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
         item = place->item;
         at = place->index;
     }
-    for (; item && at < *position; item = element_->itemAfter(item)) at += item->kind == XMLItemKind::Element;
+    for (; item && at < *position; item = element_->itemAfter(item)) {
+        at += item->kind == XMLItemKind::Element;
+    }
     for (; item; item = element_->itemAfter(item)) {
-        if (item->kind != XMLItemKind::Element) continue;
+        if (item->kind != XMLItemKind::Element) {
+            continue;
+        }
         if (isChild(item, name)) {
             cursors.remember(element_, {item, at, kind}, name);
             cursors.walked = element_;
@@ -184,7 +217,9 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
 }
 
 XMLNode XMLNode::firstChild(const char* tag) const {
-    if (!element_) return {};
+    if (!element_) {
+        return {};
+    }
     const XMLName wanted(tag ? tag : "");
     const XMLName* name = tag ? &wanted : nullptr;
     return XMLNode(elementOf(
@@ -192,7 +227,9 @@ XMLNode XMLNode::firstChild(const char* tag) const {
 }
 
 XMLNode XMLNode::nextSibling(const char* tag) const {
-    if (!element_ || !element_->parent) return {};
+    if (!element_ || !element_->parent) {
+        return {};
+    }
     const XMLName wanted(tag ? tag : "");
     const XMLName* name = tag ? &wanted : nullptr;
     const XMLElement* parent = element_->parent;
@@ -201,7 +238,9 @@ XMLNode XMLNode::nextSibling(const char* tag) const {
 }
 
 void XMLNode::prefetch() const {
-    if (!element_) return;
+    if (!element_) {
+        return;
+    }
     constexpr unsigned kLine = 64;
     // Behind the name in the text stand the attributes' values. Addresses as numbers: they may lie outside of both.
     const auto text = reinterpret_cast<std::uintptr_t>(element_->name);
@@ -215,14 +254,20 @@ void XMLNode::prefetch() const {
 }
 
 const char* XMLNode::getAttribute(const char* name, int* position) const {
-    if (!element_ || !name) return nullptr;
+    if (!element_ || !name) {
+        return nullptr;
+    }
     const XMLName wanted(name);
     const int start = position ? *position : 0;
     const auto count = static_cast<int>(element_->attributeCount);
     for (int i = start < 0 ? count : start; i < count; ++i) {
         const zoka::XMLAttribute& attribute = element_->attributes[i];
-        if (!wanted.matches(attribute.key, attribute.name)) continue;
-        if (position) *position = i + 1;
+        if (!wanted.matches(attribute.key, attribute.name)) {
+            continue;
+        }
+        if (position) {
+            *position = i + 1;
+        }
         return attribute.value;
     }
     return nullptr;
@@ -239,28 +284,42 @@ int XMLNode::attributeCount() const {
 }
 
 XMLAttributeView XMLNode::getAttributeAt(int index) const {
-    if (index < 0 || index >= attributeCount()) return {};
+    if (index < 0 || index >= attributeCount()) {
+        return {};
+    }
     return {element_->attributes[index].name, element_->attributes[index].value};
 }
 
 const char* XMLNode::getText(int index) const {
-    if (!element_) return nullptr;
-    if (const char* alone = element_->textAlone()) return index == 0 ? alone : nullptr;
+    if (!element_) {
+        return nullptr;
+    }
+    if (const char* alone = element_->textAlone()) {
+        return index == 0 ? alone : nullptr;
+    }
     const XMLItem* item = itemAt(element_, XMLCursorKind::Text, nullptr, index,
                                  [](const XMLItem* one) { return one->kind == XMLItemKind::Text; });
     return item ? static_cast<const XMLTextItem*>(item)->value : nullptr;
 }
 
 int XMLNode::textCount() const {
-    if (!element_) return 0;
-    if (element_->textAlone()) return 1;
+    if (!element_) {
+        return 0;
+    }
+    if (element_->textAlone()) {
+        return 1;
+    }
     return countItems(element_, [](const XMLItem* item) { return item->kind == XMLItemKind::Text; });
 }
 
 XMLClearView XMLNode::getClear(int index) const {
-    if (!element_) return {};
+    if (!element_) {
+        return {};
+    }
     const XMLItem* item = itemAt(element_, XMLCursorKind::Clear, nullptr, index, isClear);
-    if (!item) return {};
+    if (!item) {
+        return {};
+    }
     const zoka::XMLClearTags tags = zoka::clearTags(item->kind);
     return {static_cast<const XMLTextItem*>(item)->value, tags.open, tags.close};
 }
@@ -271,26 +330,39 @@ int XMLNode::clearCount() const {
 
 std::vector<int> XMLNode::order() const {
     std::vector<int> entries;
-    if (!element_) return entries;
-    for (int i = 0; i < attributeCount(); ++i) entries.push_back(i * 4 + kXmlAttribute);
+    if (!element_) {
+        return entries;
+    }
+    for (int i = 0; i < attributeCount(); ++i) {
+        entries.push_back(i * 4 + kXmlAttribute);
+    }
     int children = 0, texts = 0, clears = 0;
-    if (element_->textAlone()) entries.push_back(texts++ * 4 + kXmlText);
+    if (element_->textAlone()) {
+        entries.push_back(texts++ * 4 + kXmlText);
+    }
     findItem(element_, element_->firstItem(), [&](const XMLItem* item) {
-        if (item->kind == XMLItemKind::Element)
+        if (item->kind == XMLItemKind::Element) {
             entries.push_back(children++ * 4 + kXmlChild);
-        else if (item->kind == XMLItemKind::Text)
+        } else if (item->kind == XMLItemKind::Text) {
             entries.push_back(texts++ * 4 + kXmlText);
-        else
+        } else {
             entries.push_back(clears++ * 4 + kXmlClear);
+        }
         return false;
     });
     return entries;
 }
 
 char* XMLNode::toText(bool formatted, int* length) const {
-    if (length) *length = 0;
-    if (!element_) return nullptr;
+    if (length) {
+        *length = 0;
+    }
+    if (!element_) {
+        return nullptr;
+    }
     zoka::XMLText text = zoka::writeXml(element_, formatted);
-    if (length) *length = static_cast<int>(text.length);
+    if (length) {
+        *length = static_cast<int>(text.length);
+    }
     return text.bytes.release();
 }

@@ -33,10 +33,10 @@ struct XMLName;
 
 // Elements lie in blocks aligned to their size, which begin with the address of their document's count of
 // handles.
-inline constexpr std::size_t kXmlBlockSize = 16 * 1024;
-inline std::size_t& xmlHandles(const XMLElement* element) {
+inline constexpr size_t kXmlBlockSize = 16 * 1024;
+inline size_t& xmlHandles(const XMLElement* element) {
     const auto block = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kXmlBlockSize - 1};
-    return **reinterpret_cast<std::size_t**>(block);
+    return **reinterpret_cast<size_t**>(block);
 }
 }  // namespace zoka
 
@@ -68,7 +68,7 @@ struct XMLClearView {
 enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear = 3 };
 
 // Told now and then, on the thread that parses, how many bytes of how many are parsed. False stops the parsing.
-using XMLWatch = std::function<bool(std::size_t done, std::size_t total)>;
+using XMLWatch = std::function<bool(size_t done, size_t total)>;
 
 class XMLNode {
 public:
@@ -194,10 +194,140 @@ public:
 private:
     explicit XMLNode(zoka::XMLElement* element) : element_(element) { retain(); }
     void retain() const {
-        if (element_) ++zoka::xmlHandles(element_);
+        if (element_) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    {
+                                                                                        {
+                                                                                            {
+                                                                                                {
+                                                                                                    {
+                                                                                                        {
+                                                                                                            {
+                                                                                                                {
+                                                                                                                    {
+                                                                                                                        {
+                                                                                                                            {
+                                                                                                                                {
+                                                                                                                                    {
+                                                                                                                                        ++zoka::xmlHandles(
+                                                                                                                                            element_);
+                                                                                                                                    }
+                                                                                                                                }
+                                                                                                                            }
+                                                                                                                        }
+                                                                                                                    }
+                                                                                                                }
+                                                                                                            }
+                                                                                                        }
+                                                                                                    }
+                                                                                                }
+                                                                                            }
+                                                                                        }
+                                                                                    }
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
     void release() const {
-        if (element_ && --zoka::xmlHandles(element_) == 0) freeTree(element_);
+        if (element_ && --zoka::xmlHandles(element_) == 0) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                {
+                                                                                    {
+                                                                                        {
+                                                                                            {
+                                                                                                {
+                                                                                                    {
+                                                                                                        {
+                                                                                                            {
+                                                                                                                {
+                                                                                                                    {
+                                                                                                                        {
+                                                                                                                            {
+                                                                                                                                {
+                                                                                                                                    {
+                                                                                                                                        freeTree(
+                                                                                                                                            element_);
+                                                                                                                                    }
+                                                                                                                                }
+                                                                                                                            }
+                                                                                                                        }
+                                                                                                                    }
+                                                                                                                }
+                                                                                                            }
+                                                                                                        }
+                                                                                                    }
+                                                                                                }
+                                                                                            }
+                                                                                        }
+                                                                                    }
+                                                                                }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
     XMLNode childFrom(int* position, const zoka::XMLName* name) const;
     static void freeTree(const zoka::XMLElement* element);

@@ -17,7 +17,9 @@ namespace zoka {
 class XMLOutput {
 public:
     void put(std::string_view text) {
-        if (text.empty()) return;
+        if (text.empty()) {
+            return;
+        }
         make(text.size());
         std::memcpy(at_, text.data(), text.size());
         at_ += text.size();
@@ -26,8 +28,10 @@ public:
         make(1);
         *at_++ = c;
     }
-    void put(char c, std::size_t count) {
-        if (count == 0) return;  // there may be no buffer yet
+    void put(char c, size_t count) {
+        if (count == 0) {
+            return;  // there may be no buffer yet
+        }
         make(count);
         std::memset(at_, c, count);
         at_ += count;
@@ -40,23 +44,31 @@ public:
     void putValue(const char* text) {
         for (;; ++text) {
             text = copy(text, [](auto v) { return stopsValue(v); });
-            if (*text == 0) return;
+            if (*text == 0) {
+                return;
+            }
             putReference(*text);
         }
     }
     // An element's padded text. White space at its ends is written as references, or readers would drop it.
     void putText(const char* text) {
-        if (isXmlBlank(*text)) putReference(*text++);
-        const std::size_t start = size();
+        if (isXmlBlank(*text)) {
+            putReference(*text++);
+        }
+        const size_t start = size();
         for (;; ++text) {
             text = copy(text, [](auto v) { return stopsText(v); });
-            if (*text == 0) break;
+            if (*text == 0) {
+                break;
+            }
             putReference(*text);
         }
-        if (size() > start && isXmlBlank(at_[-1])) putReference(*--at_);
+        if (size() > start && isXmlBlank(at_[-1])) {
+            putReference(*--at_);
+        }
     }
 
-    std::size_t size() const { return static_cast<std::size_t>(at_ - buffer_.get()); }
+    size_t size() const { return static_cast<size_t>(at_ - buffer_.get()); }
 
     // Ends the text and hands it out; without what was asked for in vain.
     XMLText take() {
@@ -64,7 +76,9 @@ public:
         XMLText result;
         result.length = size() - 1;
         char* fitted = static_cast<char*>(std::realloc(buffer_.get(), size()));
-        if (!fitted) fitted = buffer_.get();
+        if (!fitted) {
+            fitted = buffer_.get();
+        }
         (void)buffer_.release();
         result.bytes.reset(fitted);
         at_ = limit_ = nullptr;
@@ -72,7 +86,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kFirst = 1024;
+    static constexpr size_t kFirst = 1024;
 
 #if defined(__SSE2__)
     static __m128i stopsRaw(__m128i v) {
@@ -99,7 +113,9 @@ private:
             const int length = mask ? std::countr_zero(mask) : 16;
             at_ += length;
             text += length;
-            if (mask) return text;
+            if (mask) {
+                return text;
+            }
         }
     }
 #else
@@ -116,7 +132,7 @@ private:
     const char* copy(const char* text, Stops stops) {
         const char* end = text;
         while (!stops(*end)) ++end;
-        put({text, static_cast<std::size_t>(end - text)});
+        put({text, static_cast<size_t>(end - text)});
         return end;
     }
 #endif
@@ -141,16 +157,22 @@ private:
                 return put("&#32;");
         }
     }
-    void make(std::size_t bytes) {
-        if (static_cast<std::size_t>(limit_ - at_) < bytes) grow(bytes);
+    void make(size_t bytes) {
+        if (static_cast<size_t>(limit_ - at_) < bytes) {
+            grow(bytes);
+        }
     }
-    void grow(std::size_t bytes) {
-        const std::size_t used = size();
-        std::size_t room = static_cast<std::size_t>(limit_ - buffer_.get());
+    void grow(size_t bytes) {
+        const size_t used = size();
+        size_t room = static_cast<size_t>(limit_ - buffer_.get());
         room = room ? room * 2 : kFirst;
-        if (room < used + bytes) room = used + bytes;
+        if (room < used + bytes) {
+            room = used + bytes;
+        }
         auto* larger = static_cast<char*>(std::realloc(buffer_.get(), room));
-        if (!larger) throw std::bad_alloc();
+        if (!larger) {
+            throw std::bad_alloc();
+        }
         (void)buffer_.release();
         buffer_.reset(larger);
         at_ = larger + used;

@@ -15,14 +15,14 @@
 namespace zoka {
 namespace {
 
-constexpr std::size_t kWatchEvery = std::size_t{1} << 18;  // bytes
+constexpr size_t kWatchEvery = size_t{1} << 18;  // bytes
 
 // Every step takes the place where it starts and gives the one where it ended, or null after an error. Places
 // are handed on and not kept in the object, so that they stay in registers.
 template <bool Utf8>
 class Parser {
 public:
-    Parser(XMLDocument& document, XMLElement* root, char* text, std::size_t size, const XMLWatch& watch)
+    Parser(XMLDocument& document, XMLElement* root, char* text, size_t size, const XMLWatch& watch)
         : document_(document),
           root_(root),
           begin_(text),
@@ -41,15 +41,21 @@ private:
     }
     // Tells the watch that the text is parsed up to `p`; `p` again, or null when it stops.
     char* tellWatch(char* p) {
-        if (!watch_) return p;
-        nextWatch_ = p + std::min(kWatchEvery, static_cast<std::size_t>(end_ - p));
-        stopped_ = !watch_(static_cast<std::size_t>(p - begin_), static_cast<std::size_t>(end_ - begin_));
+        if (!watch_) {
+            return p;
+        }
+        nextWatch_ = p + std::min(kWatchEvery, static_cast<size_t>(end_ - p));
+        stopped_ = !watch_(static_cast<size_t>(p - begin_), static_cast<size_t>(end_ - begin_));
         return stopped_ ? nullptr : p;
     }
     // For what may not stand at `place`; at the end that the text is cut off there.
     char* unexpected(char* place) {
-        if (place == end_ && current_ != root_) return fail(kXmlMissingEndTag, place);
-        if (place == end_) return fail(kXmlInvalidTag, place);
+        if (place == end_ && current_ != root_) {
+            return fail(kXmlMissingEndTag, place);
+        }
+        if (place == end_) {
+            return fail(kXmlInvalidTag, place);
+        }
         char32_t c = 0;
         return fail(Utf8 && utf8Sequence(place, c) == 0 ? kXmlCannotConvert : kXmlUnexpectedToken, place);
     }
@@ -64,7 +70,9 @@ private:
     }
     // The end of the name at `p`; `p` itself when none starts there.
     char* nameEnd(char* p) {
-        if (!hasClass(*p, kCharNameStart | kCharHigh)) return p;
+        if (!hasClass(*p, kCharNameStart | kCharHigh)) {
+            return p;
+        }
         char* const end = scanName(p);
         return hasClass(*end, kCharHigh) ? unusualNameEnd(p, end) : end;
     }
@@ -81,13 +89,17 @@ private:
     char* text(char* p);
     char* startTag(char* p);
     char* value(char* p, char quote);
-    bool isDouble(const char* name, std::size_t length, std::uint64_t key);
+    bool isDouble(const char* name, size_t length, std::uint64_t key);
     char* endTag(char* p);
     // The end of the name at `p` when it is that of the open element, else null.
     char* sameNameEnd(char* p) {
         for (const char* open = current_->name;; ++open, ++p) {
-            if (*open == 0) return hasClass(*p, kCharName | kCharHigh) ? nullptr : p;
-            if (*open != *p) return nullptr;
+            if (*open == 0) {
+                return hasClass(*p, kCharName | kCharHigh) ? nullptr : p;
+            }
+            if (*open != *p) {
+                return nullptr;
+            }
         }
     }
     char* exclamation(char* p);
@@ -99,11 +111,15 @@ private:
     // The same name where it stood before, if it is found, else the name itself. Lookups compare what a key doesn't
     // hold of a long name, and find it in the cache when the elements of a name share it. (An attribute's name stands
     // beside its value, which is wanted next.)
-    const char* sharedName(const char* name, std::size_t length, std::uint64_t key) {
-        if (length < sizeof key) return name;
+    const char* sharedName(const char* name, size_t length, std::uint64_t key) {
+        if (length < sizeof key) {
+            return name;
+        }
         const char*& place = longNames_[slotOf(key)];
         // The one before ends in front of this one, so that it may be read that far.
-        if (!place || std::memcmp(place, name, length) != 0 || place[length] != 0) place = name;
+        if (!place || std::memcmp(place, name, length) != 0 || place[length] != 0) {
+            place = name;
+        }
         return place;
     }
     // One of 64, by the key.
@@ -111,7 +127,7 @@ private:
         return static_cast<unsigned>(key * 0x9e3779b97f4a7c15u >> 58);
     }
 
-    XMLElement* newElement(char* name, std::size_t length) {
+    XMLElement* newElement(char* name, size_t length) {
         XMLElement* element = document_.newElement();
         element->key = xmlNameKey(name, length);
         element->name = sharedName(name, length, element->key);
@@ -121,18 +137,24 @@ private:
     }
     void newClear(const char* value, XMLItemKind kind) {
         document_.append(current_, document_.newTextItem(kind, value));
-        if (kind == XMLItemKind::CData) current_->textUse = XMLTextUse::AmongItems;
+        if (kind == XMLItemKind::CData) {
+            current_->textUse = XMLTextUse::AmongItems;
+        }
     }
     void openRun() {
         run_ = document_.openRun(runRoom_);
         runCount_ = 0;
     }
     void addToRun(const XMLAttribute& attribute) {
-        if (runCount_ == runRoom_) run_ = document_.growRun(run_, runRoom_);
+        if (runCount_ == runRoom_) {
+            run_ = document_.growRun(run_, runRoom_);
+        }
         ::new (static_cast<void*>(run_ + runCount_++)) XMLAttribute(attribute);
     }
     void closeRun(XMLElement* element) {
-        if (runCount_ == 0) return;
+        if (runCount_ == 0) {
+            return;
+        }
         document_.closeRun(run_, runCount_);
         element->attributes = run_;
         element->attributeCount = static_cast<std::uint32_t>(runCount_);
@@ -157,8 +179,8 @@ private:
     XMLPosition::Place topPlace_{0, 0};
     // Of the tag being read.
     XMLAttribute* run_ = nullptr;
-    std::size_t runCount_ = 0;
-    std::size_t runRoom_ = 0;
+    size_t runCount_ = 0;
+    size_t runRoom_ = 0;
     const char* longNames_[64] = {};
     std::uint64_t seenKeys_ = 0;
     std::unordered_set<std::string_view> seenNames_;
@@ -171,10 +193,14 @@ XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
     } else {
         const bool declared = startsWith(begin_, "<?xml") && (isXmlBlank(begin_[5]) || begin_[5] == '?');
         char* p = declared ? declaration(begin_) : begin_;
-        if (p && content(p) && !top_) fail(kXmlNoElements, end_);
+        if (p && content(p) && !top_) {
+            fail(kXmlNoElements, end_);
+        }
     }
     XMLPosition::Place place{0, 0};
-    if (place_) place = position_.at(place_);
+    if (place_) {
+        place = position_.at(place_);
+    }
     if (code_ == kXmlNone && !stopped_ && tag && !XMLName(tag).matches(top_->key, top_->name)) {
         code_ = kXmlFirstTagNotFound;
         place = topPlace_;
@@ -188,11 +214,17 @@ XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
 template <bool Utf8>
 char* Parser<Utf8>::unusualNameEnd(char* start, char* p) {
     for (;; p = scanName(p)) {
-        if (!hasClass(*p, kCharHigh)) return p;
+        if (!hasClass(*p, kCharHigh)) {
+            return p;
+        }
         char32_t c = 0;
         const unsigned length = Utf8 ? utf8Sequence(p, c) : platformCharacter(p);
-        if (length == 0) return p;
-        if (Utf8 && !(p == start ? isXmlNameStart(c) : isXmlNameChar(c))) return p;
+        if (length == 0) {
+            return p;
+        }
+        if (Utf8 && !(p == start ? isXmlNameStart(c) : isXmlNameChar(c))) {
+            return p;
+        }
         p += length;
     }
 }
@@ -201,7 +233,9 @@ template <bool Utf8>
 char* Parser<Utf8>::reference(char* p) {
     char32_t c = 0;
     char* end = xmlReference(p, c);
-    if (!end) return fail(kXmlUnknownEntity, p);
+    if (!end) {
+        return fail(kXmlUnknownEntity, p);
+    }
     shifts_ |= c >= 0x80 || c == '\n' || c == '\r';
     return Utf8 || xmlHasCharacter(c) ? end : fail(kXmlCannotConvert, p);
 }
@@ -211,7 +245,9 @@ char* Parser<Utf8>::findClose(char* p, std::string_view close, char* opening) {
     while (p) {
         p = scanTo<Utf8>(p, close[0]);
         if (*p == close[0]) {
-            if (std::strncmp(p, close.data(), close.size()) == 0) return p;
+            if (std::strncmp(p, close.data(), close.size()) == 0) {
+                return p;
+            }
             ++p;
         } else if (p == end_) {
             return fail(kXmlUnmatchedClear, opening);
@@ -226,47 +262,73 @@ char* Parser<Utf8>::findClose(char* p, std::string_view close, char* opening) {
 template <bool Utf8>
 char* Parser<Utf8>::declaration(char* p) {
     constexpr std::string_view names[] = {"version", "encoding", "standalone"};
-    constexpr std::size_t all = 3;
+    constexpr size_t all = 3;
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    const auto allowed = [&](std::size_t which, std::string_view value) {
-        if (which == 2) return value == "yes" || value == "no";
+    const auto allowed = [&](size_t which, std::string_view value) {
+        if (which == 2) {
+            return value == "yes" || value == "no";
+        }
         if (which == 0) {
-            if (!value.starts_with("1.") || value.size() < 3) return false;
+            if (!value.starts_with("1.") || value.size() < 3) {
+                return false;
+            }
             return std::all_of(value.begin() + 2, value.end(), isDigit);
         }
         return !value.empty() && hasClass(value[0], kCharNameStart) && value.find(':') == value.npos &&
                value[0] != '_';
     };
 
-    if (p[5] == '?') return fail(kXmlInvalidTag, p + 5);
+    if (p[5] == '?') {
+        return fail(kXmlInvalidTag, p + 5);
+    }
     openRun();
     position_.end(p + 5);
     char* q = p + 6;
-    std::size_t next = 0;
+    size_t next = 0;
     for (;;) {
         char* const name = skipBlanks(q);
-        if (name[0] == '?' && name[1] == '>') break;
-        if (name == q && next != 0) return fail(kXmlInvalidTag, q);
+        if (name[0] == '?' && name[1] == '>') {
+            break;
+        }
+        if (name == q && next != 0) {
+            return fail(kXmlInvalidTag, q);
+        }
         char* const nameEndsAt = nameEnd(name);
-        const std::string_view word(name, static_cast<std::size_t>(nameEndsAt - name));
-        std::size_t which = next;
-        while (which < all && names[which] != word) ++which;
-        if (which == all || (next == 0 && which != 0)) return fail(kXmlInvalidTag, name);
+        const std::string_view word(name, static_cast<size_t>(nameEndsAt - name));
+        size_t which = next;
+        while (which < all && names[which] != word) {
+            ++which;
+        }
+        if (which == all || (next == 0 && which != 0)) {
+            return fail(kXmlInvalidTag, name);
+        }
         q = skipBlanks(nameEndsAt);
-        if (*q != '=') return fail(kXmlInvalidTag, q);
+        if (*q != '=') {
+            return fail(kXmlInvalidTag, q);
+        }
         q = skipBlanks(q + 1);
         const char quote = *q;
-        if (quote != '"' && quote != '\'') return fail(kXmlInvalidTag, q);
+        if (quote != '"' && quote != '\'') {
+            return fail(kXmlInvalidTag, q);
+        }
         char* const start = q + 1;
-        for (q = start; hasClass(*q, kCharName);) ++q;
-        if (*q != quote) return q == end_ ? fail(kXmlUnmatchedQuote, start - 1) : fail(kXmlInvalidTag, q);
-        if (!allowed(which, {start, static_cast<std::size_t>(q - start)})) return fail(kXmlInvalidTag, start);
+        for (q = start; hasClass(*q, kCharName);) {
+            ++q;
+        }
+        if (*q != quote) {
+            return q == end_ ? fail(kXmlUnmatchedQuote, start - 1) : fail(kXmlInvalidTag, q);
+        }
+        if (!allowed(which, {start, static_cast<size_t>(q - start)})) {
+            return fail(kXmlInvalidTag, start);
+        }
         position_.end(nameEndsAt);
         *q++ = 0;
         addToRun({xmlNameKey(name, word.size()), name, start});
         next = which + 1;
     }
-    if (next == 0) return fail(kXmlInvalidTag, q);
+    if (next == 0) {
+        return fail(kXmlInvalidTag, q);
+    }
     XMLElement* element = newElement(p + 2, 3);
     element->isDeclaration = true;
     closeRun(element);
@@ -280,9 +342,13 @@ char* Parser<Utf8>::content(char* p) {
         if (*p != '<') {
             if (current_ != root_) {
                 p = text(p);
-                if (!p) break;
+                if (!p) {
+                    break;
+                }
             } else {
-                if (p == end_) return p;
+                if (p == end_) {
+                    return p;
+                }
                 return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
             }
         }
@@ -298,7 +364,9 @@ char* Parser<Utf8>::content(char* p) {
                 p = instruction(p);
                 break;
             default:
-                if (p >= nextWatch_ && !tellWatch(p)) return nullptr;
+                if (p >= nextWatch_ && !tellWatch(p)) {
+                    return nullptr;
+                }
                 p = startTag(p);
         }
     }
@@ -314,7 +382,9 @@ char* Parser<Utf8>::text(char* p) {
     for (; p;) {
         p = scanText<Utf8>(p);
         const char c = *p;
-        if (c == '<') break;
+        if (c == '<') {
+            break;
+        }
         if (c == '&') {
             p = reference(p);
             edits = true;
@@ -322,24 +392,36 @@ char* Parser<Utf8>::text(char* p) {
             ++p;
             edits = shifts_ = true;
         } else if (c == ']') {
-            if (p[1] == ']' && p[2] == '>') return fail(kXmlUnmatchedClear, p);
+            if (p[1] == ']' && p[2] == '>') {
+                return fail(kXmlUnmatchedClear, p);
+            }
             ++p;
         } else {
             p = oddCharacter(p);
         }
     }
-    if (!p) return nullptr;
+    if (!p) {
+        return nullptr;
+    }
 
     char* end = p;
     if (edits) {
-        const bool shifts = shifts_ || std::memchr(start, '\n', static_cast<std::size_t>(p - start));
-        if (shifts) position_.beforeEdit(start, p);
+        const bool shifts = shifts_ || std::memchr(start, '\n', static_cast<size_t>(p - start));
+        if (shifts) {
+            position_.beforeEdit(start, p);
+        }
         const XMLDecodedRange range = xmlDecode(start, p, false);
-        for (end = range.end; end > range.afterReference && isXmlBlank(end[-1]);) --end;
+        for (end = range.end; end > range.afterReference && isXmlBlank(end[-1]);) {
+            --end;
+        }
         *end = 0;
-        if (shifts) position_.afterEdit(start, p);
+        if (shifts) {
+            position_.afterEdit(start, p);
+        }
     } else {
-        while (isXmlBlank(end[-1])) --end;
+        while (isXmlBlank(end[-1])) {
+            --end;
+        }
         position_.end(end);
     }
     document_.appendText(current_, start);
@@ -350,11 +432,17 @@ template <bool Utf8>
 char* Parser<Utf8>::startTag(char* p) {
     char* const name = p + 1;
     char* q = nameEnd(name);
-    if (q == name) return name == end_ ? unexpected(name) : fail(kXmlMissingTagName, name);
-    if (current_ == root_ && top_) return fail(kXmlUnexpectedToken, p);
+    if (q == name) {
+        return name == end_ ? unexpected(name) : fail(kXmlMissingTagName, name);
+    }
+    if (current_ == root_ && top_) {
+        return fail(kXmlUnexpectedToken, p);
+    }
     char c = *q;
-    if (c != '>' && c != '/' && !isXmlBlank(c)) return unexpected(q);
-    XMLElement* element = newElement(name, static_cast<std::size_t>(q - name));
+    if (c != '>' && c != '/' && !isXmlBlank(c)) {
+        return unexpected(q);
+    }
+    XMLElement* element = newElement(name, static_cast<size_t>(q - name));
     if (current_ == root_) {
         top_ = element;
         topPlace_ = position_.at(p);
@@ -368,30 +456,46 @@ char* Parser<Utf8>::startTag(char* p) {
             break;
         }
         if (c == '/') {
-            if (q[1] != '>') return unexpected(q + 1);
+            if (q[1] != '>') {
+                return unexpected(q + 1);
+            }
             q += 2;
             break;
         }
-        if (!isXmlBlank(c)) return unexpected(q);
+        if (!isXmlBlank(c)) {
+            return unexpected(q);
+        }
         q = skipBlanks(q + 1);
         c = *q;
-        if (c == '>' || c == '/') continue;
+        if (c == '>' || c == '/') {
+            continue;
+        }
 
         char* const attribute = q;
         char* const attributeEnd = nameEnd(attribute);
-        if (attributeEnd == attribute) return unexpected(attribute);
+        if (attributeEnd == attribute) {
+            return unexpected(attribute);
+        }
         q = skipBlanks(attributeEnd);
-        if (*q != '=') return unexpected(q);
+        if (*q != '=') {
+            return unexpected(q);
+        }
         q = skipBlanks(q + 1);
         const char quote = *q;
-        if (quote != '"' && quote != '\'') return unexpected(q);
-        const auto length = static_cast<std::size_t>(attributeEnd - attribute);
+        if (quote != '"' && quote != '\'') {
+            return unexpected(q);
+        }
+        const auto length = static_cast<size_t>(attributeEnd - attribute);
         const std::uint64_t key = xmlNameKey(attribute, length);
-        if (isDouble(attribute, length, key)) return fail(kXmlInvalidTag, attribute);
+        if (isDouble(attribute, length, key)) {
+            return fail(kXmlInvalidTag, attribute);
+        }
         position_.end(attributeEnd);
         addToRun({key, attribute, q + 1});
         q = value(q + 1, quote);
-        if (!q) return nullptr;
+        if (!q) {
+            return nullptr;
+        }
         c = *++q;
     }
     closeRun(element);
@@ -407,7 +511,9 @@ char* Parser<Utf8>::value(char* p, char quote) {
     while (p) {
         p = scanValue<Utf8>(p, quote);
         const char c = *p;
-        if (c == quote) break;
+        if (c == quote) {
+            break;
+        }
         if (c == '&') {
             p = reference(p);
             edits = true;
@@ -423,11 +529,17 @@ char* Parser<Utf8>::value(char* p, char quote) {
             p = oddCharacter(p);
         }
     }
-    if (!p) return nullptr;
+    if (!p) {
+        return nullptr;
+    }
     if (edits) {
-        if (shifts_) position_.beforeEdit(start, p);
+        if (shifts_) {
+            position_.beforeEdit(start, p);
+        }
         *xmlDecode(start, p, true).end = 0;
-        if (shifts_) position_.afterEdit(start, p);
+        if (shifts_) {
+            position_.afterEdit(start, p);
+        }
     } else {
         *p = 0;
     }
@@ -437,40 +549,53 @@ char* Parser<Utf8>::value(char* p, char quote) {
 // Whether the tag has an attribute of exactly that name already. Few names share a bit of the sieve, so that
 // the attributes in front are rarely looked at; of a great many the names are kept in a set.
 template <bool Utf8>
-bool Parser<Utf8>::isDouble(const char* name, std::size_t length, std::uint64_t key) {
-    constexpr std::size_t many = 32;
-    if (runCount_ == 0) seenKeys_ = 0;
+bool Parser<Utf8>::isDouble(const char* name, size_t length, std::uint64_t key) {
+    constexpr size_t many = 32;
+    if (runCount_ == 0) {
+        seenKeys_ = 0;
+    }
     if (runCount_ >= many) {
         if (runCount_ == many) {
             seenNames_.clear();
-            for (std::size_t i = 0; i < many; ++i) seenNames_.emplace(run_[i].name);
+            for (size_t i = 0; i < many; ++i) {
+                seenNames_.emplace(run_[i].name);
+            }
         }
         return !seenNames_.emplace(name, length).second;
     }
     const std::uint64_t bit = std::uint64_t{1} << slotOf(key);
     const bool maybe = (seenKeys_ & bit) != 0;
     seenKeys_ |= bit;
-    if (!maybe) return false;
-    for (std::size_t i = 0; i < runCount_; ++i) {
+    if (!maybe) {
+        return false;
+    }
+    for (size_t i = 0; i < runCount_; ++i) {
         const XMLAttribute& other = run_[i];
-        if (other.key == key && std::strncmp(other.name, name, length) == 0 && other.name[length] == 0)
+        if (other.key == key && std::strncmp(other.name, name, length) == 0 && other.name[length] == 0) {
             return true;
+        }
     }
     return false;
 }
 
 template <bool Utf8>
 char* Parser<Utf8>::endTag(char* p) {
-    if (current_ == root_) return fail(top_ ? kXmlUnmatchedEndTag : kXmlFirstNotStartTag, p);
+    if (current_ == root_) {
+        return fail(top_ ? kXmlUnmatchedEndTag : kXmlFirstNotStartTag, p);
+    }
     char* const name = p + 2;
     char* q = sameNameEnd(name);
     if (!q) {
         char* const end = nameEnd(name);
-        if (end == end_) return unexpected(end);
+        if (end == end_) {
+            return unexpected(end);
+        }
         return end == name ? fail(kXmlMissingEndTagName, name) : fail(kXmlUnmatchedEndTag, p);
     }
     q = skipBlanks(q);
-    if (*q != '>') return unexpected(q);
+    if (*q != '>') {
+        return unexpected(q);
+    }
     current_ = current_->parent;
     return q + 1;
 }
@@ -478,9 +603,15 @@ char* Parser<Utf8>::endTag(char* p) {
 template <bool Utf8>
 char* Parser<Utf8>::exclamation(char* p) {
     // The '<' is not looked at: a text's terminator may stand in its place.
-    if (startsWith(p + 1, "!--")) return comment(p);
-    if (startsWith(p + 1, "![CDATA[")) return cdata(p);
-    if (startsWith(p + 1, "!DOCTYPE")) return doctype(p);
+    if (startsWith(p + 1, "!--")) {
+        return comment(p);
+    }
+    if (startsWith(p + 1, "![CDATA[")) {
+        return cdata(p);
+    }
+    if (startsWith(p + 1, "!DOCTYPE")) {
+        return doctype(p);
+    }
     return fail(kXmlInvalidTag, p);
 }
 
@@ -488,8 +619,12 @@ template <bool Utf8>
 char* Parser<Utf8>::comment(char* p) {
     char* const start = p + 4;
     char* const close = findClose(start, "--", p);
-    if (!close) return nullptr;
-    if (close[2] != '>') return fail(kXmlUnmatchedClear, close + 2 == end_ ? p : close);
+    if (!close) {
+        return nullptr;
+    }
+    if (close[2] != '>') {
+        return fail(kXmlUnmatchedClear, close + 2 == end_ ? p : close);
+    }
     *close = 0;
     newClear(start, XMLItemKind::Comment);
     return close + 3;
@@ -497,10 +632,14 @@ char* Parser<Utf8>::comment(char* p) {
 
 template <bool Utf8>
 char* Parser<Utf8>::cdata(char* p) {
-    if (current_ == root_) return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
+    if (current_ == root_) {
+        return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
+    }
     char* const start = p + 9;
     char* const close = findClose(start, "]]>", p);
-    if (!close) return nullptr;
+    if (!close) {
+        return nullptr;
+    }
     *close = 0;
     newClear(start, XMLItemKind::CData);
     return close + 3;
@@ -511,24 +650,36 @@ template <bool Utf8>
 char* Parser<Utf8>::doctype(char* p) {
     char* const start = p + 9;
     char* const name = skipBlanks(start);
-    if (current_ != root_ || top_ || doctypeSeen_ || name == start) return fail(kXmlInvalidTag, p);
+    if (current_ != root_ || top_ || doctypeSeen_ || name == start) {
+        return fail(kXmlInvalidTag, p);
+    }
     doctypeSeen_ = true;
     char* q = nameEnd(name);
-    if (q == name) return q == end_ ? fail(kXmlUnmatchedClear, p) : unexpected(q);
+    if (q == name) {
+        return q == end_ ? fail(kXmlUnmatchedClear, p) : unexpected(q);
+    }
     bool inSubset = false;
     int open = 0;
     while (q) {
         const char c = *q;
-        if (q == end_) return fail(kXmlUnmatchedClear, p);
+        if (q == end_) {
+            return fail(kXmlUnmatchedClear, p);
+        }
         if (c == '"' || c == '\'') {
             q = findClose(q + 1, {&c, 1}, p);
-            if (q) ++q;
+            if (q) {
+                ++q;
+            }
         } else if (c == '<' && startsWith(q, "<!--")) {
             q = findClose(q + 4, "-->", p);
-            if (q) q += 3;
+            if (q) {
+                q += 3;
+            }
         } else if (c == '<' && q[1] == '?') {
             q = findClose(q + 2, "?>", p);
-            if (q) q += 2;
+            if (q) {
+                q += 2;
+            }
         } else if (c == '<') {
             ++open;
             ++q;
@@ -536,12 +687,16 @@ char* Parser<Utf8>::doctype(char* p) {
             --open;
             ++q;
         } else if (c == '>') {
-            if (inSubset) return unexpected(q);
+            if (inSubset) {
+                return unexpected(q);
+            }
             *q = 0;
             newClear(start, XMLItemKind::Doctype);
             return q + 1;
         } else if ((c == '[' || c == ']') && open == 0) {
-            if (inSubset != (c == ']')) return unexpected(q);
+            if (inSubset != (c == ']')) {
+                return unexpected(q);
+            }
             inSubset = c == '[';
             ++q;
         } else {
@@ -556,18 +711,30 @@ template <bool Utf8>
 char* Parser<Utf8>::instruction(char* p) {
     char* const name = p + 2;
     char* const end = nameEnd(name);
-    if (end == name) return name == end_ ? fail(kXmlUnmatchedClear, p) : fail(kXmlMissingTagName, name);
-    const auto length = static_cast<std::size_t>(end - name);
+    if (end == name) {
+        return name == end_ ? fail(kXmlUnmatchedClear, p) : fail(kXmlMissingTagName, name);
+    }
+    const auto length = static_cast<size_t>(end - name);
     const auto fold = [name](int i) { return name[i] | 0x20; };
-    if (length == 3 && fold(0) == 'x' && fold(1) == 'm' && fold(2) == 'l') return fail(kXmlInvalidTag, p);
-    if (end == end_) return fail(kXmlUnmatchedClear, p);
-    if (!isXmlBlank(*end) && (end[0] != '?' || end[1] != '>')) return unexpected(end);
+    if (length == 3 && fold(0) == 'x' && fold(1) == 'm' && fold(2) == 'l') {
+        return fail(kXmlInvalidTag, p);
+    }
+    if (end == end_) {
+        return fail(kXmlUnmatchedClear, p);
+    }
+    if (!isXmlBlank(*end) && (end[0] != '?' || end[1] != '>')) {
+        return unexpected(end);
+    }
     char* const data = skipBlanks(end);
     char* const close = findClose(data, "?>", p);
-    if (!close) return nullptr;
+    if (!close) {
+        return nullptr;
+    }
     XMLElement* element = newElement(name, length);
     element->isDeclaration = true;
-    if (close > data) element->setTextAlone(data);
+    if (close > data) {
+        element->setTextAlone(data);
+    }
     position_.end(end);
     *close = 0;
     return close + 2;
@@ -575,10 +742,11 @@ char* Parser<Utf8>::instruction(char* p) {
 
 }  // namespace
 
-XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, std::size_t size, const char* tag,
+XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,
                      XMLResults& results, const XMLWatch& watch) {
-    if (xmlCharset() == XMLCharset::Utf8)
+    if (xmlCharset() == XMLCharset::Utf8) {
         return Parser<true>(document, root, text, size, watch).parse(tag, results);
+    }
     return Parser<false>(document, root, text, size, watch).parse(tag, results);
 }
 

@@ -12,7 +12,9 @@ bool endsLine(const char* p) {
 
 int lineEnds(const char* first, const char* last) {
     int count = 0;
-    for (; first < last; ++first) count += endsLine(first);
+    for (; first < last; ++first) {
+        count += endsLine(first);
+    }
     return count;
 }
 
@@ -21,19 +23,28 @@ int lineEnds(const char* first, const char* last) {
 int XMLPosition::characters(const char* first, const char* last) const {
     int count = 0;
     if (!utf8_) {
-        if (!xmlLeadBytes) return static_cast<int>(last - first);
+        if (!xmlLeadBytes) {
+            return static_cast<int>(last - first);
+        }
         // A terminator counts, too: names and values are ended in place.
-        for (; first < last; first += platformCharacter(first)) ++count;
+        for (; first < last; first += platformCharacter(first)) {
+            ++count;
+        }
         return count;
     }
-    for (; first < last; ++first) count += (static_cast<unsigned char>(*first) & 0xc0) != 0x80;
+    for (; first < last; ++first) {
+        count += (static_cast<unsigned char>(*first) & 0xc0) != 0x80;
+    }
     return count;
 }
 
 int XMLPosition::columnOf(const char* place) const {
     const char* p = place;
-    while (p > anchor_)
-        if (endsLine(--p)) return characters(p + 1, place);
+    while (p > anchor_) {
+        if (endsLine(--p)) {
+            return characters(p + 1, place);
+        }
+    }
     return anchorColumn_ + characters(anchor_, place);
 }
 

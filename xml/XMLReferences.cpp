@@ -12,14 +12,22 @@ namespace zoka {
 namespace {
 
 int digit(char c, bool hexadecimal) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (!hexadecimal) return -1;
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    if (!hexadecimal) {
+        return -1;
+    }
+    if (c >= 'a' && c <= 'f') {
+        return c - 'a' + 10;
+    }
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
 char* put(char* out, char32_t c) {
-    if (c < 0x80 || xmlCharset() == XMLCharset::Utf8) return putUtf8(out, c);
+    if (c < 0x80 || xmlCharset() == XMLCharset::Utf8) {
+        return putUtf8(out, c);
+    }
     std::u16string unit;
     std::string bytes;
     appendUtf16(unit, c);
@@ -44,7 +52,9 @@ char* xmlReference(char* p, char32_t& c) {
         case 'q':
             return startsWith(p, "quot;") ? found(5, '"') : nullptr;
         case 'a':
-            if (startsWith(p, "amp;")) return found(4, '&');
+            if (startsWith(p, "amp;")) {
+                return found(4, '&');
+            }
             return startsWith(p, "apos;") ? found(5, '\'') : nullptr;
         case '#':
             break;
@@ -53,17 +63,24 @@ char* xmlReference(char* p, char32_t& c) {
     }
     ++p;
     const bool hexadecimal = *p == 'x';
-    if (hexadecimal) ++p;
+    if (hexadecimal) {
+        ++p;
+    }
     const char* const digits = p;
     c = 0;
-    for (int value; (value = digit(*p, hexadecimal)) >= 0; ++p)
+    for (int value; (value = digit(*p, hexadecimal)) >= 0; ++p) {
         // Once too great it stays so: what is above every character is not counted on.
-        if (c <= 0x10ffff) c = c * (hexadecimal ? 16 : 10) + static_cast<char32_t>(value);
+        if (c <= 0x10ffff) {
+            c = c * (hexadecimal ? 16 : 10) + static_cast<char32_t>(value);
+        }
+    }
     return p > digits && *p == ';' && isXmlChar(c) ? p + 1 : nullptr;
 }
 
 bool xmlHasCharacter(char32_t c) {
-    if (c < 0x80 || xmlCharset() == XMLCharset::Utf8) return true;
+    if (c < 0x80 || xmlCharset() == XMLCharset::Utf8) {
+        return true;
+    }
     std::u16string unit;
     std::string bytes;
     appendUtf16(unit, c);
@@ -76,17 +93,23 @@ XMLDecodedRange xmlDecode(char* first, char* last, bool isValue) {
     const char stop = *last;
     for (char* p = first;;) {
         char* const next = scanEdits(p, stop, isValue);
-        const auto length = static_cast<std::size_t>(next - p);
-        if (out != p) std::memmove(out, p, length);
+        const auto length = static_cast<size_t>(next - p);
+        if (out != p) {
+            std::memmove(out, p, length);
+        }
         out += length;
         p = next;
-        if (p == last) return {out, afterReference};
+        if (p == last) {
+            return {out, afterReference};
+        }
         if (*p == '&') {
             char32_t character = 0;
             p = xmlReference(p, character);
             out = afterReference = put(out, character);
         } else {
-            if (p[0] == '\r' && p[1] == '\n') ++p;
+            if (p[0] == '\r' && p[1] == '\n') {
+                ++p;
+            }
             ++p;
             *out++ = isValue ? ' ' : '\n';
         }

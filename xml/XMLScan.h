@@ -26,9 +26,16 @@ enum : std::uint8_t {
 inline constexpr std::array<std::uint8_t, 256> kCharClass = [] {
     std::array<std::uint8_t, 256> table{};
     const auto set = [&table](int from, int to, int bits) {
-        for (int c = from; c <= to; ++c)
-            table[static_cast<std::size_t>(c)] =
-                static_cast<std::uint8_t>(table[static_cast<std::size_t>(c)] | bits);
+        for (int c = from; c <= to; ++c) {
+            {
+                {
+                    {
+                        table[static_cast<size_t>(c)] =
+                            static_cast<std::uint8_t>(table[static_cast<size_t>(c)] | bits);
+                    }
+                }
+            }
+        }
     };
     set(0, 0x1f, kCharControl);
     table['\t'] = table['\n'] = table[' '] = kCharBlank;
@@ -52,21 +59,46 @@ inline bool isXmlBlank(char c) {
 
 template <class Char>
 Char* skipBlanks(Char* p) {
-    while (isXmlBlank(*p)) ++p;
+    while (isXmlBlank(*p)) {
+        {
+            {
+                { ++p; }
+            }
+        }
+    }
     return p;
 }
 
 // Stops at what is no ASCII character of a name.
 inline char* scanName(char* p) {
-    while (hasClass(*p, kCharName)) ++p;
+    while (hasClass(*p, kCharName)) {
+        {
+            {
+                { ++p; }
+            }
+        }
+    }
     return p;
 }
 
 // Whether the text at `p` begins so; not read past the first difference.
-template <std::size_t N>
+template <size_t N>
 bool startsWith(const char* p, const char (&text)[N]) {
-    for (std::size_t i = 0; i + 1 < N; ++i)
-        if (p[i] != text[i]) return false;
+    for (size_t i = 0; i + 1 < N; ++i) {
+        {
+            {
+                {
+                    if (p[i] != text[i]) {
+                        {
+                            {
+                                { return false; }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
     return true;
 }
 
@@ -85,14 +117,26 @@ inline __m128i either(__m128i a, __m128i b) {
 // Bytes below 20 hex; with Utf8 those from 80 hex on too, which are negative.
 template <bool Utf8>
 __m128i odd(__m128i bytes) {
-    if constexpr (Utf8) return _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20));
+    if constexpr (Utf8) {
+        {
+            {
+                { return _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)); }
+            }
+        }
+    }
     return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(0x1f)), bytes);
 }
 template <class Stops>
 char* run(char* p, Stops stops) {
     for (;; p += 16) {
         const auto mask = static_cast<unsigned>(_mm_movemask_epi8(stops(load(p))));
-        if (mask) return p + std::countr_zero(mask);
+        if (mask) {
+            {
+                {
+                    { return p + std::countr_zero(mask); }
+                }
+            }
+        }
     }
 }
 

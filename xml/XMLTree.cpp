@@ -16,12 +16,12 @@
 namespace zoka {
 namespace {
 
-constexpr std::size_t kFirstArenaChunk = 4 * 1024;
-constexpr std::size_t kLargestArenaChunk = 1024 * 1024;
-constexpr std::size_t kLargestChunkBlocks = kLargestArenaChunk / XMLDocument::kBlockSize;
+constexpr size_t kFirstArenaChunk = 4 * 1024;
+constexpr size_t kLargestArenaChunk = 1024 * 1024;
+constexpr size_t kLargestChunkBlocks = kLargestArenaChunk / XMLDocument::kBlockSize;
 // A little less than whole blocks is asked for, so that the allocator's own header fits in front of the next
 // chunk and chunks can lie one behind the other.
-constexpr std::size_t kAllocatorRoom = 64;
+constexpr size_t kAllocatorRoom = 64;
 // The fewest attributes that a run has room for once a program adds to it; it doubles from there.
 constexpr std::uint32_t kFirstRun = 4;
 
@@ -29,21 +29,27 @@ constexpr char32_t kReplacement = 0xfffd;
 
 // Whether every character is one that any text may hold.
 bool isPlainAscii(const char* text) {
-    while (*text == '\r' || !hasClass(*text, kCharControl | kCharHigh)) ++text;
+    while (*text == '\r' || !hasClass(*text, kCharControl | kCharHigh)) {
+        ++text;
+    }
     return *text == 0;
 }
 
 }  // namespace
 
 XMLDocument::~XMLDocument() {
-    for (void* chunk : blockChunks_) ::operator delete (chunk, std::align_val_t{kBlockSize});
-    for (void* chunk : arenaChunks_) std::free(chunk);
+    for (void* chunk : blockChunks_) {
+        ::operator delete (chunk, std::align_val_t{kBlockSize});
+    }
+    for (void* chunk : arenaChunks_) {
+        std::free(chunk);
+    }
     std::free(text_);
 }
 
 void XMLDocument::nextBlock() {
     if (blocksLeft_ == 0) {
-        const std::size_t blocks = std::clamp<std::size_t>(chunkBlocks_ * 2, 1, kLargestChunkBlocks);
+        const size_t blocks = std::clamp<size_t>(chunkBlocks_ * 2, 1, kLargestChunkBlocks);
         blockChunks_.push_back(nullptr);
         nextBlock_ = static_cast<char*>(
             ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize}));
@@ -56,40 +62,48 @@ void XMLDocument::nextBlock() {
     nextBlock_ += kBlockSize;
     --blocksLeft_;
     elementsLeft_ = kElementsPerBlock;
-    if (blocksLeft_ == 0) elementsLeft_ -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
+    if (blocksLeft_ == 0) {
+        elementsLeft_ -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
+    }
 }
 
-void* XMLDocument::allocateSlowly(std::size_t size) {
-    const std::size_t chunk = std::clamp(arenaChunk_ * 2, kFirstArenaChunk, kLargestArenaChunk);
+void* XMLDocument::allocateSlowly(size_t size) {
+    const size_t chunk = std::clamp(arenaChunk_ * 2, kFirstArenaChunk, kLargestArenaChunk);
     // What would fill a good part of a chunk gets one of its own, and the open chunk stays open.
     const bool own = size > chunk / 4;
-    const std::size_t bytes = own ? size : chunk - kAllocatorRoom;
+    const size_t bytes = own ? size : chunk - kAllocatorRoom;
     arenaChunks_.push_back(nullptr);
     auto* memory = static_cast<char*>(std::malloc(bytes + kXmlPadding));
-    if (!memory) throw std::bad_alloc();
+    if (!memory) {
+        throw std::bad_alloc();
+    }
     arenaChunks_.back() = memory;
-    if (own) return memory;
+    if (own) {
+        return memory;
+    }
     arenaChunk_ = chunk;
     arena_ = memory + size;
     arenaLeft_ = bytes - size;
     return memory;
 }
 
-XMLAttribute* XMLDocument::growRun(const XMLAttribute* run, std::size_t& room) {
-    const std::size_t count = room;
-    room = std::max<std::size_t>(2 * count, kFirstRun);
+XMLAttribute* XMLDocument::growRun(const XMLAttribute* run, size_t& room) {
+    const size_t count = room;
+    room = std::max<size_t>(2 * count, kFirstRun);
     auto* wider = static_cast<XMLAttribute*>(allocate(room * sizeof(XMLAttribute)));
     std::uninitialized_copy_n(run, count, wider);
     return wider;
 }
 
 const char* XMLDocument::copyString(const char* text) {
-    const std::size_t size = std::strlen(text) + 1;
+    const size_t size = std::strlen(text) + 1;
     return static_cast<const char*>(std::memcpy(allocate(size), text, size));
 }
 
 const char* XMLDocument::copyValue(const char* text) {
-    if (isPlainAscii(text)) return copyString(text);
+    if (isPlainAscii(text)) {
+        return copyString(text);
+    }
     std::string bytes(text);
     if (xmlCharset() == XMLCharset::Utf8) {
         if (!isUtf8(text)) {
@@ -105,22 +119,31 @@ const char* XMLDocument::copyValue(const char* text) {
         }
         bytes = allowed;
     } else {
-        for (char& c : bytes)
-            if (hasClass(c, kCharControl) && c != '\r') c = '?';
+        for (char& c : bytes) {
+            if (hasClass(c, kCharControl) && c != '\r') {
+                c = '?';
+            }
+        }
     }
     return copyString(bytes.c_str());
 }
 
-char* XMLDocument::newText(std::size_t size) {
+char* XMLDocument::newText(size_t size) {
     return growText(0, size);
 }
 
-char* XMLDocument::growText(std::size_t used, std::size_t size) {
-    if (size > SIZE_MAX - kXmlPadding) throw std::bad_alloc();
+char* XMLDocument::growText(size_t used, size_t size) {
+    if (size > SIZE_MAX - kXmlPadding) {
+        throw std::bad_alloc();
+    }
     auto* text =
         static_cast<char*>(used ? std::realloc(text_, size + kXmlPadding) : std::malloc(size + kXmlPadding));
-    if (!text) throw std::bad_alloc();
-    if (!used) std::free(text_);
+    if (!text) {
+        throw std::bad_alloc();
+    }
+    if (!used) {
+        std::free(text_);
+    }
     text_ = text;
     std::memset(text_ + size, 0, kXmlPadding);
     return text_;

@@ -19,11 +19,11 @@ namespace zoka {
 
 // Strings in a tree may be read up to this many bytes past their terminator (the scanning code works in
 // blocks).
-inline constexpr std::size_t kXmlPadding = 16;
+inline constexpr size_t kXmlPadding = 16;
 
 class XMLDocument {
 public:
-    static constexpr std::size_t kBlockSize = kXmlBlockSize;
+    static constexpr size_t kBlockSize = kXmlBlockSize;
 
     XMLDocument() = default;
     XMLDocument(const XMLDocument&) = delete;
@@ -38,7 +38,15 @@ public:
     // All of these throw std::bad_alloc when memory runs out.
 
     XMLElement* newElement() {
-        if (elementsLeft_ == 0) nextBlock();
+        if (elementsLeft_ == 0) {
+            {
+                {
+                    {
+                        { nextBlock(); }
+                    }
+                }
+            }
+        }
         --elementsLeft_;
         return ::new (static_cast<void*>(nextElement_++)) XMLElement();
     }
@@ -49,9 +57,17 @@ public:
         return item;
     }
     // Memory for anything that lives as long as the document, aligned for pointers and keys.
-    void* allocate(std::size_t size) {
-        size = (size + 7) & ~std::size_t{7};
-        if (size > arenaLeft_) return allocateSlowly(size);
+    void* allocate(size_t size) {
+        size = (size + 7) & ~size_t{7};
+        if (size > arenaLeft_) {
+            {
+                {
+                    {
+                        { return allocateSlowly(size); }
+                    }
+                }
+            }
+        }
         void* result = arena_;
         arena_ += size;
         arenaLeft_ -= size;
@@ -60,13 +76,21 @@ public:
     // An element's attributes are read into the free end of the arena: openRun gives it, `room` attributes
     // wide; growRun gives a wider place for a run that fills its own; closeRun keeps the run. Nothing else
     // may be allocated in between but elements.
-    XMLAttribute* openRun(std::size_t& room) {
+    XMLAttribute* openRun(size_t& room) {
         room = arenaLeft_ / sizeof(XMLAttribute);
         return reinterpret_cast<XMLAttribute*>(arena_);
     }
-    XMLAttribute* growRun(const XMLAttribute* run, std::size_t& room);
-    void closeRun(const XMLAttribute* run, std::size_t count) {
-        if (reinterpret_cast<const char*>(run) == arena_) allocate(count * sizeof(XMLAttribute));
+    XMLAttribute* growRun(const XMLAttribute* run, size_t& room);
+    void closeRun(const XMLAttribute* run, size_t count) {
+        if (reinterpret_cast<const char*>(run) == arena_) {
+            {
+                {
+                    {
+                        { allocate(count * sizeof(XMLAttribute)); }
+                    }
+                }
+            }
+        }
     }
     const char* copyString(const char* text);
     // The same as the tree may hold it: characters that XML does not allow become U+FFFD ('?' in the
@@ -74,18 +98,34 @@ public:
     const char* copyValue(const char* text);
     // A buffer for the text to parse: `size` bytes and a zeroed padding behind. Owned by the document, which
     // has one.
-    char* newText(std::size_t size);
+    char* newText(size_t size);
     // Makes room for `size` bytes where newText gave less; the first `used` bytes stay.
-    char* growText(std::size_t used, std::size_t size);
+    char* growText(size_t used, size_t size);
 
     // Puts an item at the end of an element's content.
     void append(XMLElement* element, XMLItem* item) {
-        if (element->textUse == XMLTextUse::Alone) listTextAlone(element);
+        if (element->textUse == XMLTextUse::Alone) {
+            {
+                {
+                    {
+                        { listTextAlone(element); }
+                    }
+                }
+            }
+        }
         element->appendItem(item);
     }
     // The same with a text that lives as long as the document.
     void appendText(XMLElement* element, const char* text) {
-        if (element->isBare()) return element->setTextAlone(text);
+        if (element->isBare()) {
+            {
+                {
+                    {
+                        { return element->setTextAlone(text); }
+                    }
+                }
+            }
+        }
         append(element, newTextItem(XMLItemKind::Text, text));
         element->textUse = XMLTextUse::AmongItems;
     }
@@ -93,29 +133,29 @@ public:
     void addText(XMLElement* element, const char* text);
 
     XMLCursors cursors;
-    std::size_t handles = 0;
+    size_t handles = 0;
 
 private:
     struct BlockHeader {
-        std::size_t* handles;  // see xmlHandles
+        size_t* handles;  // see xmlHandles
         XMLDocument* document;
     };
-    static constexpr std::size_t kHeaderRoom = 64;
-    static constexpr std::size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
+    static constexpr size_t kHeaderRoom = 64;
+    static constexpr size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
 
     void listTextAlone(XMLElement* element);
     void nextBlock();
-    void* allocateSlowly(std::size_t size);
+    void* allocateSlowly(size_t size);
 
     XMLElement* nextElement_ = nullptr;
-    std::size_t elementsLeft_ = 0;
+    size_t elementsLeft_ = 0;
     char* nextBlock_ = nullptr;  // the next unused block of the last chunk
-    std::size_t blocksLeft_ = 0;
-    std::size_t chunkBlocks_ = 0;
+    size_t blocksLeft_ = 0;
+    size_t chunkBlocks_ = 0;
 
     char* arena_ = nullptr;
-    std::size_t arenaLeft_ = 0;
-    std::size_t arenaChunk_ = 0;
+    size_t arenaLeft_ = 0;
+    size_t arenaChunk_ = 0;
 
     char* text_ = nullptr;
     std::vector<void*> blockChunks_;

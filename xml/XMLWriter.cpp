@@ -10,8 +10,8 @@ namespace {
 
 // With a tab more a level, the text of a very deep tree would be quadratic. So deeper lines are indented in
 // full only while the tabs spent on them are few, and no further than this afterwards.
-constexpr std::size_t kDeepLevel = 32;
-constexpr std::size_t kMostDeepTabs = 16 * 1024 * 1024;
+constexpr size_t kDeepLevel = 32;
+constexpr size_t kMostDeepTabs = 16 * 1024 * 1024;
 
 class Writer {
 public:
@@ -37,7 +37,9 @@ public:
                 item = parent;
                 parent = parent->parent;
             }
-            if (item == top) return out_.take();
+            if (item == top) {
+                return out_.take();
+            }
             item = item->next;
         }
     }
@@ -45,20 +47,28 @@ public:
 private:
     bool laysOut() const { return formatted_ && !plain_; }
     void indent() {
-        if (!laysOut()) return;
-        std::size_t tabs = depth_;
+        if (!laysOut()) {
+            return;
+        }
+        size_t tabs = depth_;
         if (tabs > kDeepLevel) {
-            if (deepTabs_ + tabs > kMostDeepTabs) tabs = kDeepLevel;
+            if (deepTabs_ + tabs > kMostDeepTabs) {
+                tabs = kDeepLevel;
+            }
             deepTabs_ += tabs;
         }
         out_.put('\t', tabs);
     }
     void endLine() {
-        if (laysOut()) out_.put('\n');
+        if (laysOut()) {
+            out_.put('\n');
+        }
     }
 
     void leaf(const XMLTextItem& item) {
-        if (item.kind == XMLItemKind::Text) return out_.putText(item.value);
+        if (item.kind == XMLItemKind::Text) {
+            return out_.putText(item.value);
+        }
         indent();
         const XMLClearTags tags = clearTags(item.kind);
         out_.put(tags.open);
@@ -69,9 +79,13 @@ private:
 
     // Everything of the element that stands in front of its items; without any, the whole element.
     void open(const XMLElement& element) {
-        if (!element.name) return;
+        if (!element.name) {
+            return;
+        }
         indent();
-        if (element.isDeclaration) return declaration(element);
+        if (element.isDeclaration) {
+            return declaration(element);
+        }
         out_.put('<');
         out_.putRaw(element.name);
         attributes(element, nullptr);
@@ -80,22 +94,30 @@ private:
             return endLine();
         }
         out_.put('>');
-        if (element.textUse != XMLTextUse::None && !plain_) plain_ = &element;
+        if (element.textUse != XMLTextUse::None && !plain_) {
+            plain_ = &element;
+        }
         endLine();
         ++depth_;
-        if (element.lastItem()) return;
+        if (element.lastItem()) {
+            return;
+        }
         out_.putText(element.textAlone());
         close(element);
     }
 
     void close(const XMLElement& element) {
-        if (!element.name || element.isDeclaration) return;
+        if (!element.name || element.isDeclaration) {
+            return;
+        }
         --depth_;
         indent();
         out_.put("</");
         out_.putRaw(element.name);
         out_.put('>');
-        if (plain_ == &element) plain_ = nullptr;
+        if (plain_ == &element) {
+            plain_ = nullptr;
+        }
         endLine();
     }
 
@@ -119,10 +141,11 @@ private:
             out_.put(' ');
             out_.putRaw(attribute.name);
             out_.put("=\"");
-            if (encoding && encodingName.matches(attribute.key, attribute.name))
+            if (encoding && encodingName.matches(attribute.key, attribute.name)) {
                 out_.put(std::string_view(encoding));
-            else if (attribute.value)
+            } else if (attribute.value) {
                 out_.putValue(attribute.value);
+            }
             out_.put('"');
         }
     }
@@ -130,8 +153,8 @@ private:
     XMLOutput out_;
     const bool formatted_;
     const char* const encoding_;
-    std::size_t depth_ = 0;
-    std::size_t deepTabs_ = 0;           // spent on deep lines
+    size_t depth_ = 0;
+    size_t deepTabs_ = 0;                // spent on deep lines
     const XMLElement* plain_ = nullptr;  // the outermost open element that holds text: no white space inside
 };
 

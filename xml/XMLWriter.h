@@ -15,7 +15,7 @@ struct XMLFree {
 
 struct XMLText {
     std::unique_ptr<char, XMLFree> bytes;  // 0-terminated; null when memory ran out
-    std::size_t length = 0;
+    size_t length = 0;
 };
 
 // The subtree of `top` as text in the process's character set. With `declaredEncoding` not null, that stands

@@ -30,8 +30,11 @@ constexpr const char* kSearched = "Speed 99";
 // Everything that is waiting to be done and painted.
 void settle(HWND window) {
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-        if (!IsDialogMessageA(window, &message)) DispatchMessageA(&message);
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (!IsDialogMessageA(window, &message)) {
+            DispatchMessageA(&message);
+        }
+    }
     paint(window);
 }
 
@@ -40,7 +43,7 @@ std::string script(int entries) {
         "// entry: Speed %d\r\n// id: %d\r\n// cntl: spin 0 500 1\r\nvar v%d = 40;\r\n\r\n",
         "// entry: Share %d\r\n// id: %d\r\n// cntl: slider 0 100 1\r\nvar v%d = 7;\r\n\r\n",
         "// entry: Words %d\r\n// id: %d\r\nstring v%d = \"Good morning\";\r\n\r\n",
-        "// entry_drop: Weather %d\r\n// id: %d\r\n// cntl: drop_list clear rain storm\r\nstring v%d = "
+        "// entry_drop: Weather %d\r\n// id: %d\r\n// cntl: drop_list clear rain storm\r\nstring v%d = ",
         "\"rain\";\r\n\r\n",
         "// entry: Picture %d\r\n// id: %d\r\nbmap v%d = <sky.bmp>;\r\n\r\n"};
     std::string text;
@@ -57,11 +60,15 @@ public:
     Panel(ZunEditorInterface& editor, const std::string& path, HINSTANCE dll)
         : m_dialog({editor, path, {}, dll, IDI_ZOKA}), m_dll(dll) {}
     ~Panel() {
-        if (m_window) DestroyWindow(m_window);
+        if (m_window) {
+            DestroyWindow(m_window);
+        }
     }
     void open() {
         m_window = m_dialog.create(m_dll, IDD_PANEL);
-        if (!m_window) stop("the panel can't be made");
+        if (!m_window) {
+            stop("the panel can't be made");
+        }
         ShowWindow(m_window, SW_SHOWNORMAL);
         UpdateWindow(m_window);
         m_dialog.load();
@@ -94,31 +101,46 @@ class BareWindows {
 public:
     explicit BareWindows(HWND panel) { add(panel, -1); }
     ~BareWindows() {
-        if (!m_made.empty()) DestroyWindow(m_made[0]);
+        if (!m_made.empty()) {
+            DestroyWindow(m_made[0]);
+        }
     }
     size_t count() const { return m_plan.size(); }
     // As many rows as there are entries, each like one that is there, below one another.
     void growTo(size_t entries) {
         std::vector<size_t> rows;
-        for (size_t i = 0; i < m_plan.size(); ++i)
-            if (m_plan[i].isRow) rows.push_back(i);
-        if (rows.empty()) stop("the panel shows no rows");
+        for (size_t i = 0; i < m_plan.size(); ++i) {
+            if (m_plan[i].isRow) {
+                rows.push_back(i);
+            }
+        }
+        if (rows.empty()) {
+            stop("the panel shows no rows");
+        }
         const std::vector<Plan> plan = m_plan;
         for (size_t made = rows.size(); made < entries; ++made) {
             const size_t row = rows[made % rows.size()];
             std::map<int, int> places;
             for (size_t i = row; i < plan.size() && (i == row || !plan[i].isRow); ++i) {
-                if (i != row && !places.contains(plan[i].parent)) break;  // the row ends
+                if (i != row && !places.contains(plan[i].parent)) {
+                    break;  // the row ends
+                }
                 Plan copy = plan[i];
-                if (i != row) copy.parent = places[copy.parent];
+                if (i != row) {
+                    copy.parent = places[copy.parent];
+                }
                 places[static_cast<int>(i)] = static_cast<int>(m_plan.size());
-                if (i == row) copy.area.y += static_cast<int>(made) * 30;
+                if (i == row) {
+                    copy.area.y += static_cast<int>(made) * 30;
+                }
                 m_plan.push_back(copy);
             }
         }
     }
     void open() {
-        if (!m_made.empty()) DestroyWindow(m_made[0]);
+        if (!m_made.empty()) {
+            DestroyWindow(m_made[0]);
+        }
         m_made.clear();
         for (const Plan& one : m_plan) {
             const HWND made =
@@ -126,8 +148,12 @@ public:
                                 one.area.y, one.area.width, one.area.height,
                                 one.parent < 0 ? nullptr : m_made[static_cast<size_t>(one.parent)], nullptr,
                                 GetModuleHandleA(nullptr), nullptr);
-            if (!made) stop("a bare window of class " + one.className + " can't be made");
-            if (one.font) SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(one.font), FALSE);
+            if (!made) {
+                stop("a bare window of class " + one.className + " can't be made");
+            }
+            if (one.font) {
+                SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(one.font), FALSE);
+            }
             m_made.push_back(made);
         }
         ShowWindow(m_made[0], SW_SHOWNORMAL);
@@ -145,7 +171,9 @@ private:
     };
 
     static std::string systemClass(const std::string& name) {
-        if (name == kIntEditClass || name == kFloatEditClass) return "Edit";
+        if (name == kIntEditClass || name == kFloatEditClass) {
+            return "Edit";
+        }
         return name == kEntryClass || name == kSliderClass || name == kEntryPanelClass || name == "#32770"
                    ? "Static"
                    : name;
@@ -155,10 +183,16 @@ private:
         GetClassNameA(window, name, sizeof name);
         RECT area{};
         GetWindowRect(window, &area);
-        if (parent >= 0) MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+        if (parent >= 0) {
+            MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
+        }
         auto style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-        if (systemClass(name) != name && systemClass(name) == "Static") style &= 0xFFFF0000;
-        if (parent < 0) style &= ~static_cast<DWORD>(WS_VISIBLE);
+        if (systemClass(name) != name && systemClass(name) == "Static") {
+            style &= 0xFFFF0000;
+        }
+        if (parent < 0) {
+            style &= ~static_cast<DWORD>(WS_VISIBLE);
+        }
         m_plan.push_back(
             {systemClass(name),
              textOf(window),
@@ -170,8 +204,9 @@ private:
              parent < 0 ? nullptr : reinterpret_cast<HFONT>(SendMessageA(window, WM_GETFONT, 0, 0)),
              std::string(name) == kEntryClass});
         const int own = static_cast<int>(m_plan.size()) - 1;
-        for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
             add(child, own);
+        }
     }
 
     std::vector<Plan> m_plan;
@@ -180,7 +215,9 @@ private:
 
 int run(const std::string& dllPath) {
     const HINSTANCE dll = LoadLibraryExA(dllPath.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    if (!dll) stop(dllPath + " can't be read");
+    if (!dll) {
+        stop(dllPath + " can't be read");
+    }
     const test::TempFolder folder;
     folder.write("few.kez", script(kFew));
     folder.write("many.kez", script(kMany));

@@ -59,19 +59,26 @@ CTemplateData catalogue() {
 class BareList {
 public:
     explicit BareList(const CTemplateData& data) {
-        for (const CScriptElm& script : data.scripts())
+        for (const CScriptElm& script : data.scripts()) {
             m_rows.push_back(
                 {script.m_name, script.m_class, script.m_vers, script.m_date, script.m_engreq.AsText(), ""});
+        }
     }
     ~BareList() {
-        if (m_window) DestroyWindow(m_window);
+        if (m_window) {
+            DestroyWindow(m_window);
+        }
     }
 
     void open() {
-        if (m_window) DestroyWindow(m_window);
+        if (m_window) {
+            DestroyWindow(m_window);
+        }
         m_window = CreateWindowExA(0, WC_LISTVIEWA, "", WS_OVERLAPPEDWINDOW | LVS_REPORT | LVS_SINGLESEL, 100,
                                    100, 700, 300, nullptr, nullptr, nullptr, nullptr);
-        if (!m_window) stop("the bare list can't be made");
+        if (!m_window) {
+            stop("the bare list can't be made");
+        }
         for (int i = 0; i < static_cast<int>(m_rows.front().size()); ++i) {
             char title[] = "Column";
             LVCOLUMNA column{};
@@ -83,7 +90,9 @@ public:
                          reinterpret_cast<LPARAM>(&column));
         }
         std::vector<std::uint32_t> all(m_rows.size());
-        for (std::uint32_t i = 0; i < all.size(); ++i) all[i] = i;
+        for (std::uint32_t i = 0; i < all.size(); ++i) {
+            all[i] = i;
+        }
         fill(all);
         ShowWindow(m_window, SW_SHOW);
         paint(m_window);
@@ -124,15 +133,18 @@ BOOL CALLBACK isWanted(HWND child, LPARAM parameter) {
     WantedChild& wanted = *reinterpret_cast<WantedChild*>(parameter);
     char name[64] = {};
     GetClassNameA(child, name, sizeof name);
-    if (lstrcmpiA(name, wanted.className) == 0 && (wanted.id == 0 || GetDlgCtrlID(child) == wanted.id))
+    if (lstrcmpiA(name, wanted.className) == 0 && (wanted.id == 0 || GetDlgCtrlID(child) == wanted.id)) {
         wanted.found = child;
+    }
     return wanted.found == nullptr;
 }
 
 HWND descendant(HWND window, const char* className, int id) {
     WantedChild wanted{className, id, nullptr};
     EnumChildWindows(window, isWanted, reinterpret_cast<LPARAM>(&wanted));
-    if (!wanted.found) stop(std::string("the manager has no ") + className);
+    if (!wanted.found) {
+        stop(std::string("the manager has no ") + className);
+    }
     return wanted.found;
 }
 
@@ -156,14 +168,20 @@ public:
         m_helper = CreateWindowExA(0, definition.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                    nullptr, nullptr);
         const HHOOK hook = SetWindowsHookExA(WH_CBT, hookProc, nullptr, GetCurrentThreadId());
-        if (!m_helper || !hook) stop("the system refuses a window or a hook");
+        if (!m_helper || !hook) {
+            stop("the system refuses a window or a hook");
+        }
         ProcedureState* const procedure = editor.procedure("Add Script");
-        if (!procedure) stop("the plug-in has no procedure Add Script");
+        if (!procedure) {
+            stop("the plug-in has no procedure Add Script");
+        }
         QueryPerformanceCounter(&m_start);
         editor.execute(*procedure);
         UnhookWindowsHookEx(hook);
         DestroyWindow(m_helper);
-        if (!m_done) stop("the manager's window did not open");
+        if (!m_done) {
+            stop("the manager's window did not open");
+        }
     }
 
 private:
@@ -173,14 +191,19 @@ private:
             const HWND window = reinterpret_cast<HWND>(wParam);
             char title[64] = {};
             GetWindowTextA(window, title, sizeof title);
-            if (lstrcmpA(title, "Project Manager") == 0)
+            if (lstrcmpA(title, "Project Manager") == 0) {
                 PostMessageA(s_current->m_helper, kOpened, wParam, 0);
+            }
         }
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
     static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-        if (message != kOpened) return DefWindowProcA(window, message, wParam, lParam);
-        if (!s_current->m_done) s_current->opened(reinterpret_cast<HWND>(wParam));
+        if (message != kOpened) {
+            return DefWindowProcA(window, message, wParam, lParam);
+        }
+        if (!s_current->m_done) {
+            s_current->opened(reinterpret_cast<HWND>(wParam));
+        }
         return 0;
     }
 
@@ -200,8 +223,9 @@ private:
                 SendMessageA(search, WM_CHAR, static_cast<WPARAM>(kTyped[i]), 1);
                 paint(manager);
             });
-            if (static_cast<size_t>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) != m_found[i])
+            if (static_cast<size_t>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) != m_found[i]) {
                 stop("the manager lists other rows than the search finds");
+            }
             m_best.keys[i] = std::min(m_best.keys[i], took);
         }
         const HWND titles = descendant(manager, "COMBOBOX", kTitles);
@@ -210,7 +234,9 @@ private:
                          SendMessageA(GetParent(titles), WM_COMMAND, MAKEWPARAM(kTitles, CBN_DROPDOWN),
                                       reinterpret_cast<LPARAM>(titles));
                      }));
-        if (SendMessageA(titles, CB_GETCOUNT, 0, 0) != kScripts) stop("the drop list is not full");
+        if (SendMessageA(titles, CB_GETCOUNT, 0, 0) != kScripts) {
+            stop("the drop list is not full");
+        }
         PostMessageA(manager, WM_CLOSE, 0, 0);
     }
 
@@ -227,7 +253,9 @@ int run(const std::string& dll) {
     const test::TempFolder folder;
     std::filesystem::create_directory(folder.native("templates"));
     const CTemplateData data = catalogue();
-    if (!data.WriteXML(folder.path("templates\\template_6.xml"))) stop("the catalogue can't be written");
+    if (!data.WriteXML(folder.path("templates\\template_6.xml"))) {
+        stop("the catalogue can't be written");
+    }
     folder.write("main.zlm", "level 1\r\n");
     folder.write("main.kez", "// main\r\n\r\n");
 
@@ -235,7 +263,9 @@ int run(const std::string& dll) {
     Editor editor(log);
     editor.host().setSuite(folder.path(), "templates");
     std::string error;
-    if (!editor.openProject(folder.path(), error) || !editor.loadPlugin(dll, error)) stop(error);
+    if (!editor.openProject(folder.path(), error) || !editor.loadPlugin(dll, error)) {
+        stop(error);
+    }
 
     std::vector<std::vector<std::uint32_t>> found;
     std::vector<size_t> counts;
@@ -253,17 +283,19 @@ int run(const std::string& dll) {
         tellRound(round, kRounds);
         const ManagerRun manager(editor, counts, best);
         bareOpening = std::min(bareOpening, millisecondsOf([&] { bare.open(); }));
-        for (size_t i = 0; i < found.size(); ++i)
+        for (size_t i = 0; i < found.size(); ++i) {
             bareKeys[i] = std::min(bareKeys[i], millisecondsOf([&] { bare.fill(found[i]); }));
+        }
     }
     editor.unloadPlugin();
 
     bool met =
         row("open the manager on 10,000 scripts", best.opening, "bare list filled", bareOpening, kWanted);
-    for (size_t i = 0; i < found.size(); ++i)
+    for (size_t i = 0; i < found.size(); ++i) {
         met = row(std::string("key '") + kTyped[i] + "', " + std::to_string(counts[i]) + " found",
                   best.keys[i], "bare list filled", bareKeys[i], kWanted) &&
               met;
+    }
     std::printf("%-44s %9.2f ms (in pieces, while the window is used already)\n",
                 "  the drop list of all titles", best.titles);
     return met ? 0 : 1;

@@ -30,10 +30,13 @@ void registerPlain(const char* name, WNDPROC procedure) {
 void rehearse() {
     const HWND parent =
         CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 90, 90, nullptr, nullptr, g_instance, nullptr);
-    if (!parent) return;
-    for (const char* name : {"EDIT", "BUTTON", "STATIC", "COMBOBOX", TRACKBAR_CLASSA, UPDOWN_CLASSA})
+    if (!parent) {
+        return;
+    }
+    for (const char* name : {"EDIT", "BUTTON", "STATIC", "COMBOBOX", TRACKBAR_CLASSA, UPDOWN_CLASSA}) {
         CreateWindowExA(0, name, "", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, parent, nullptr, g_instance,
                         nullptr);
+    }
     CreateWindowExA(0, TOOLTIPS_CLASSA, "", WS_POPUP, 0, 0, 0, 0, parent, nullptr, g_instance, nullptr);
     DestroyWindow(parent);
 }
@@ -41,7 +44,9 @@ void rehearse() {
 }  // namespace
 
 ControlClasses::ControlClasses() {
-    if (g_users++ > 0) return;
+    if (g_users++ > 0) {
+        return;
+    }
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                        reinterpret_cast<LPCSTR>(&g_users), &g_instance);
     registerNumberEdits(g_instance);
@@ -52,9 +57,12 @@ ControlClasses::ControlClasses() {
 }
 
 ControlClasses::~ControlClasses() {
-    if (--g_users > 0) return;
-    for (const char* name : {kEntryPanelClass, kEntryClass, kSliderClass, kFloatEditClass, kIntEditClass})
+    if (--g_users > 0) {
+        return;
+    }
+    for (const char* name : {kEntryPanelClass, kEntryClass, kSliderClass, kFloatEditClass, kIntEditClass}) {
         UnregisterClassA(name, g_instance);
+    }
 }
 
 HINSTANCE ControlClasses::instance() {

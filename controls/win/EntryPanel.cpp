@@ -27,7 +27,9 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     CreateWindowExA(WS_EX_CONTROLPARENT | WS_EX_CLIENTEDGE, kEntryPanelClass, "",
                     WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_CLIPCHILDREN, 0, 0, 0, 0, parent,
                     reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), this);
-    if (!m_window) return nullptr;
+    if (!m_window) {
+        return nullptr;
+    }
     const auto tip = [&] {
         const HWND made =
             CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, "", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0,
@@ -59,7 +61,9 @@ void EntryPanel::makeFonts() {
 
 void EntryPanel::freeFonts() {
     for (HFONT* const font : {&m_bold, &m_title}) {
-        if (*font) DeleteObject(*font);
+        if (*font) {
+            DeleteObject(*font);
+        }
         *font = nullptr;
     }
 }
@@ -81,7 +85,9 @@ SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) con
 int EntryPanel::textHeight(const std::string& text, int width) const {
     const int line = m_fonts->lineHeight();
     // Only what is short enough for one line whatever its letters are isn't measured.
-    if (static_cast<int>(std::min<size_t>(text.size(), 100000)) * m_fonts->x(8) <= width) return line;
+    if (static_cast<int>(std::min<size_t>(text.size(), 100000)) * m_fonts->x(8) <= width) {
+        return line;
+    }
     RECT area{0, 0, std::max(width, 20), 0};
     const HDC dc = GetDC(m_window);
     const HGDIOBJ old = SelectObject(dc, m_fonts->text());
@@ -101,11 +107,14 @@ int EntryPanel::heightOf(size_t row, int width) {
     }
     if (facts.field == EntryField::Text) {
         int& height = m_textHeights[row];
-        if (height == 0) height = textHeight(facts.label, width - m_fonts->x(5)) + m_fonts->px(4);
+        if (height == 0) {
+            height = textHeight(facts.label, width - m_fonts->x(5)) + m_fonts->px(4);
+        }
         return height;
     }
-    if (facts.field == EntryField::StringField && facts.lines > 1)
+    if (facts.field == EntryField::StringField && facts.lines > 1) {
         return m_fonts->lineHeight() * std::min(facts.lines, 12) + m_fonts->px(14);
+    }
     return std::max(m_fonts->px(model.GetHeight()), m_fonts->y(kFieldHeightUnits) + m_fonts->px(4));
 }
 
@@ -128,44 +137,59 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     hideRefusal();
     m_refused.reset();
     m_widestLabel = 0;
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     const HDC dc = GetDC(m_window);
     const HGDIOBJ old = SelectObject(dc, m_bold);
     for (size_t row = 0; row < std::min(m_host.rowCount(), kMeasuredLabels); ++row) {
         const EntryFacts& facts = m_host.rowModel(row).facts();
         SIZE size{};
         if (hasValue(facts.field) && facts.field != EntryField::Switch &&
-            GetTextExtentPoint32A(dc, facts.label.c_str(), static_cast<int>(facts.label.size()), &size))
+            GetTextExtentPoint32A(dc, facts.label.c_str(), static_cast<int>(facts.label.size()), &size)) {
             m_widestLabel = std::max(m_widestLabel, static_cast<int>(size.cx));
+        }
     }
     SelectObject(dc, old);
     ReleaseDC(m_window, dc);
     layout();
     RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
-    if (hadFocus) focusLast();
+    if (hadFocus) {
+        focusLast();
+    }
 }
 
 void EntryPanel::showValues() {
-    for (const auto& [row, window] : m_live) window->showValue();
+    for (const auto& [row, window] : m_live) {
+        window->showValue();
+    }
 }
 
 void EntryPanel::layoutSoon() {
-    if (m_window && !m_laidOutSoon) m_laidOutSoon = PostMessageA(m_window, kLayoutRows, 0, 0) != 0;
+    if (m_window && !m_laidOutSoon) {
+        m_laidOutSoon = PostMessageA(m_window, kLayoutRows, 0, 0) != 0;
+    }
 }
 
 void EntryPanel::layout() {
-    if (!m_window || m_placing) return;
+    if (!m_window || m_placing) {
+        return;
+    }
     RECT area;
     GetClientRect(m_window, &area);
     const int height = static_cast<int>(area.bottom);
     const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
     std::vector<PanelItem> items(m_host.rowCount());
-    if (m_textHeights.size() != items.size() || m_textWidth != width) m_textHeights.assign(items.size(), 0);
+    if (m_textHeights.size() != items.size() || m_textWidth != width) {
+        m_textHeights.assign(items.size(), 0);
+    }
     m_textWidth = width;
     const std::vector<bool> shown = m_host.rowsShown();
     for (size_t row = 0; row < items.size(); ++row) {
         items[row].visible = shown[row];
-        if (!shown[row]) continue;
+        if (!shown[row]) {
+            continue;
+        }
         items[row].height = heightOf(row, width);
         items[row].gapAfter = m_host.rowModel(row).facts().field != EntryField::Text;
     }
@@ -173,23 +197,31 @@ void EntryPanel::layout() {
     setText(m_window, m_layout.rows().empty() ? m_host.emptyText() : "");
     const std::vector<size_t>& rows = m_layout.rows();
     const EntryWindow* const focus = focused();
-    if (!focus || m_layout.rowOfItem(focus->row()) < rows.size()) return scrollTo(m_top);
+    if (!focus || m_layout.rowOfItem(focus->row()) < rows.size()) {
+        return scrollTo(m_top);
+    }
     // A row that is shown no more takes the keyboard with it: the first field in sight gets it.
     m_top = m_layout.clampScroll(m_top, height);
     const PanelLayout::Range seen = m_layout.rowsWithin(m_top, height);
     size_t next = seen.first;
-    while (next < seen.last && m_host.rowModel(rows[next]).facts().field < EntryField::Heading) ++next;
+    while (next < seen.last && m_host.rowModel(rows[next]).facts().field < EntryField::Heading) {
+        ++next;
+    }
     if (next == seen.last) {
         scrollTo(m_top);
     } else {
         scrollTo(m_layout.scrollToShow(next, m_top, height));
         focusRow(rows[next]);
     }
-    if (!GetFocus()) SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
+    if (!GetFocus()) {
+        SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
+    }
 }
 
 void EntryPanel::scrollTo(int top) {
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     RECT area;
     GetClientRect(m_window, &area);
     m_top = m_layout.clampScroll(top, static_cast<int>(area.bottom));
@@ -209,9 +241,13 @@ size_t EntryPanel::nextField(size_t row, int step) const {
     const std::vector<size_t>& rows = m_layout.rows();
     size_t at = row;
     for (size_t i = 0; i < kSearchedForField; ++i) {
-        if (step < 0 ? at == 0 : at + 1 >= rows.size()) break;
+        if (step < 0 ? at == 0 : at + 1 >= rows.size()) {
+            break;
+        }
         at = step < 0 ? at - 1 : at + 1;
-        if (m_host.rowModel(rows[at]).facts().field >= EntryField::Heading) return at;
+        if (m_host.rowModel(rows[at]).facts().field >= EntryField::Heading) {
+            return at;
+        }
     }
     return row;
 }
@@ -223,14 +259,22 @@ void EntryPanel::placeRows() {
     const std::vector<size_t>& rows = m_layout.rows();
     std::vector<size_t> wanted;  // places in `rows`
     const PanelLayout::Range seen = m_layout.rowsWithin(m_top, static_cast<int>(area.bottom));
-    for (size_t i = seen.first; i < seen.last; ++i) wanted.push_back(i);
+    for (size_t i = seen.first; i < seen.last; ++i) {
+        wanted.push_back(i);
+    }
     const auto withNeighbours = [&](size_t first, size_t last) {
-        for (const size_t i : {first, nextField(first, -1), last, nextField(last, 1)}) wanted.push_back(i);
+        for (const size_t i : {first, nextField(first, -1), last, nextField(last, 1)}) {
+            wanted.push_back(i);
+        }
     };
-    if (seen.first < seen.last) withNeighbours(seen.first, seen.last - 1);
+    if (seen.first < seen.last) {
+        withNeighbours(seen.first, seen.last - 1);
+    }
     if (const std::optional<size_t> row = keyboardRow()) {
         const size_t i = m_layout.rowOfItem(*row);
-        if (i < rows.size()) withNeighbours(i, i);
+        if (i < rows.size()) {
+            withNeighbours(i, i);
+        }
     }
     std::sort(wanted.begin(), wanted.end());
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
@@ -239,7 +283,9 @@ void EntryPanel::placeRows() {
     before.swap(m_live);
     for (const size_t i : wanted) {
         const auto old = before.find(rows[i]);
-        if (old == before.end()) continue;
+        if (old == before.end()) {
+            continue;
+        }
         m_live[rows[i]] = std::move(old->second);
         before.erase(old);
     }
@@ -247,7 +293,9 @@ void EntryPanel::placeRows() {
     const auto windowFor = [&](size_t row, const PanelRect& at, int label) {
         const auto free = std::find_if(before.begin(), before.end(),
                                        [row](const auto& old) { return old.second->canTakeOver(row); });
-        if (free == before.end()) return std::make_unique<EntryWindow>(*this, row, at, label);
+        if (free == before.end()) {
+            return std::make_unique<EntryWindow>(*this, row, at, label);
+        }
         std::unique_ptr<EntryWindow> window = std::move(free->second);
         before.erase(free);
         window->takeOver(row);
@@ -261,8 +309,12 @@ void EntryPanel::placeRows() {
         at.y = std::clamp(at.y - m_top, -30000, 30000);
         const int label = labelWidth(at.width);
         auto& window = m_live[rows[i]];
-        if (!window) window = windowFor(rows[i], at, label);
-        if (!window->window()) continue;
+        if (!window) {
+            window = windowFor(rows[i], at, label);
+        }
+        if (!window->window()) {
+            continue;
+        }
         moved = moved || window->y() != at.y;
         window->setPlace(after, at, label);
         after = window->window();
@@ -270,12 +322,15 @@ void EntryPanel::placeRows() {
     before.clear();
     m_placing = false;
     // What the mouse stands on now is another row.
-    if (moved) SendMessageA(m_tooltip, TTM_POP, 0, 0);
+    if (moved) {
+        SendMessageA(m_tooltip, TTM_POP, 0, 0);
+    }
     // Rows that change places one after the other would copy each other's pictures; so all are drawn anew, at
     // once, before anybody sees the old ones in their new places.
-    if (moved || rows.empty())
+    if (moved || rows.empty()) {
         RedrawWindow(m_window, nullptr, nullptr,
                      RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | (rows.empty() ? 0u : RDW_UPDATENOW));
+    }
 }
 
 bool EntryPanel::isUsed(const EntryWindow& row) const {
@@ -286,9 +341,12 @@ bool EntryPanel::isUsed(const EntryWindow& row) const {
 }
 
 EntryWindow* EntryPanel::windowOf(HWND control) {
-    for (const auto& [row, window] : m_live)
-        if (window && window->window() && (window->window() == control || IsChild(window->window(), control)))
+    for (const auto& [row, window] : m_live) {
+        if (window && window->window() &&
+            (window->window() == control || IsChild(window->window(), control))) {
             return window.get();
+        }
+    }
     return nullptr;
 }
 
@@ -299,7 +357,9 @@ EntryWindow* EntryPanel::focused() {
 
 // The row with the keyboard; while another window is in front, the one that may get it back.
 std::optional<size_t> EntryPanel::keyboardRow() {
-    if (const EntryWindow* const window = focused()) return window->row();
+    if (const EntryWindow* const window = focused()) {
+        return window->row();
+    }
     return IsChild(GetAncestor(m_window, GA_ROOT), GetFocus()) ? std::nullopt : m_lastFocused;
 }
 
@@ -311,16 +371,22 @@ void EntryPanel::fieldFocused(size_t row) {
 
 bool EntryPanel::commit() {
     if (EntryWindow* const window = focused()) {
-        if (window->isRefused()) bringIntoSight(window->row());
+        if (window->isRefused()) {
+            bringIntoSight(window->row());
+        }
         return window->commit();
     }
-    if (!m_refused) return true;
+    if (!m_refused) {
+        return true;
+    }
     const size_t row = *m_refused;
     m_refused.reset();
     const std::string why = m_refusal;
     focusRow(row);
     const auto live = m_live.find(row);
-    if (live != m_live.end()) showRefusal(live->second->field(), why);
+    if (live != m_live.end()) {
+        showRefusal(live->second->field(), why);
+    }
     return false;
 }
 
@@ -331,30 +397,39 @@ bool EntryPanel::revert() {
 
 void EntryPanel::bringIntoSight(size_t row) {
     const size_t place = m_layout.rowOfItem(row);
-    if (!m_window || place >= m_layout.rows().size()) return;
+    if (!m_window || place >= m_layout.rows().size()) {
+        return;
+    }
     RECT area;
     GetClientRect(m_window, &area);
     scrollTo(m_layout.scrollToShow(place, m_top, static_cast<int>(area.bottom)));
 }
 
 void EntryPanel::focusRow(size_t row) {
-    if (!m_window || m_layout.rowOfItem(row) >= m_layout.rows().size()) return;
+    if (!m_window || m_layout.rowOfItem(row) >= m_layout.rows().size()) {
+        return;
+    }
     bringIntoSight(row);
     const auto live = m_live.find(row);
-    if (live != m_live.end() && live->second->field())
+    if (live != m_live.end() && live->second->field()) {
         SendMessageA(GetAncestor(m_window, GA_ROOT), WM_NEXTDLGCTL,
                      reinterpret_cast<WPARAM>(live->second->field()), TRUE);
+    }
 }
 
 void EntryPanel::focusLast() {
-    if (m_lastFocused && m_layout.rowOfItem(*m_lastFocused) < m_layout.rows().size())
+    if (m_lastFocused && m_layout.rowOfItem(*m_lastFocused) < m_layout.rows().size()) {
         return focusRow(*m_lastFocused);
+    }
     focusFirst();
 }
 
 void EntryPanel::focusFirst() {
-    for (const size_t row : m_layout.rows())
-        if (hasValue(m_host.rowModel(row).facts().field)) return focusRow(row);
+    for (const size_t row : m_layout.rows()) {
+        if (hasValue(m_host.rowModel(row).facts().field)) {
+            return focusRow(row);
+        }
+    }
 }
 
 }  // namespace zoka

@@ -38,7 +38,9 @@ void EntryPanel::removeTooltip(HWND control) {
 }
 
 void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) return;
+    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) {
+        return;
+    }
     MSG event{};
     event.hwnd = control;
     event.message = message;
@@ -56,7 +58,9 @@ void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
 }
 
 void EntryPanel::showRefusal(HWND field, const std::string& text) {
-    if (!m_window || text.empty()) return;
+    if (!m_window || text.empty()) {
+        return;
+    }
     m_refusal = text;
     TTTOOLINFOA tool = toolOf(m_window);
     tool.lpszText = m_refusal.data();
@@ -71,7 +75,9 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
 }
 
 void EntryPanel::hideRefusal() {
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     KillTimer(m_window, kHideTimer);
     m_refusing = false;
     TTTOOLINFOA tool = toolOf(m_window);
@@ -88,20 +94,30 @@ void EntryPanel::menuSoon(size_t row, HWND field, LPARAM at) {
 }
 
 void EntryPanel::browse(size_t row) {
-    if (row >= m_host.rowCount()) return;
+    if (row >= m_host.rowCount()) {
+        return;
+    }
     ChooserRequest request;
     const std::string before = m_host.rowModel(row).value();
     request.title = m_host.rowModel(row).facts().label;
     request.startFolder = osFiles().currentFolder();
     request.filter = fileFilterFor(before);
-    while (request.filter.ends_with('|')) request.filter.pop_back();
+    while (request.filter.ends_with('|')) {
+        request.filter.pop_back();
+    }
     const auto chosen = userPrompt().chooseFile(request);
     // The window may be gone, or show another script.
-    if (!chosen || !m_window || row >= m_host.rowCount()) return;
+    if (!chosen || !m_window || row >= m_host.rowCount()) {
+        return;
+    }
     std::string why;
-    if (m_host.editRow(row, std::string(fileNameOf(*chosen)), &why, false)) return;
+    if (m_host.editRow(row, std::string(fileNameOf(*chosen)), &why, false)) {
+        return;
+    }
     const auto live = m_live.find(row);
-    if (live != m_live.end()) showRefusal(live->second->field(), why);
+    if (live != m_live.end()) {
+        showRefusal(live->second->field(), why);
+    }
 }
 
 void EntryPanel::scroll(WORD code) {
@@ -164,12 +180,16 @@ LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam
     if (message == WM_NCCREATE) {
         auto* const made =
             static_cast<EntryPanel*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
-        if (!made) return FALSE;
+        if (!made) {
+            return FALSE;
+        }
         made->m_window = window;
         SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
     }
     auto* const self = reinterpret_cast<EntryPanel*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-    if (!self) return DefWindowProcA(window, message, wParam, lParam);
+    if (!self) {
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
     if (message == WM_NCDESTROY) {
         self->m_window = nullptr;
         self->m_live.clear();
@@ -192,7 +212,9 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_MOUSEWHEEL:
             // A row's open list would stay where it is.
-            if (SendMessageA(GetFocus(), CB_GETDROPPEDSTATE, 0, 0)) return 0;
+            if (SendMessageA(GetFocus(), CB_GETDROPPEDSTATE, 0, 0)) {
+                return 0;
+            }
             hideRefusal();
             wheel(static_cast<short>(HIWORD(wParam)));
             return 0;
@@ -200,13 +222,16 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             paintEmpty();
             return 0;
         case WM_TIMER:
-            if (wParam == kHideTimer) hideRefusal();
+            if (wParam == kHideTimer) {
+                hideRefusal();
+            }
             return 0;
         case WM_NOTIFY: {
             auto* const header = reinterpret_cast<NMHDR*>(lParam);
             if (header && header->hwndFrom == m_tooltip &&
-                header->code == static_cast<UINT>(TTN_GETDISPINFOA))
+                header->code == static_cast<UINT>(TTN_GETDISPINFOA)) {
                 tooltipText(*reinterpret_cast<NMTTDISPINFOA*>(lParam));
+            }
             return 0;
         }
         case kLayoutRows:
@@ -220,7 +245,9 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             return 0;
         case kShowRefusal: {
-            if (!m_refusing) return 0;
+            if (!m_refusing) {
+                return 0;
+            }
             TTTOOLINFOA tool = toolOf(m_window);
             SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
             SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);

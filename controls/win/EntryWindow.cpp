@@ -18,7 +18,9 @@ enum { kLabel = 1, kField, kBrowse, kSpin };
 std::string withCrLf(const std::string& text) {
     std::string made;
     for (const char c : text) {
-        if (c == '\n' && (made.empty() || made.back() != '\r')) made += '\r';
+        if (c == '\n' && (made.empty() || made.back() != '\r')) {
+            made += '\r';
+        }
         made += c;
     }
     return made;
@@ -27,7 +29,9 @@ std::string withCrLf(const std::string& text) {
 // A button would underline the character after a single '&'.
 std::string switchText(const std::string& label) {
     std::string shown;
-    for (const char c : label) shown.append(c == '&' ? "&&" : std::string(1, c));
+    for (const char c : label) {
+        shown.append(c == '&' ? "&&" : std::string(1, c));
+    }
     return shown;
 }
 
@@ -37,18 +41,27 @@ EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, 
     : m_panel(panel), m_row(row), m_labelWidth(labelWidth), m_y(place.y) {
     CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_CLIPCHILDREN, place.x, place.y,
                     place.width, place.height, panel.window(), nullptr, ControlClasses::instance(), this);
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     makeControls(partsIn(place.width, place.height));
-    if (facts().field == EntryField::DropList) fillDropList();
+    if (facts().field == EntryField::DropList) {
+        fillDropList();
+    }
     fitControls();
     showValue();
 }
 
 EntryWindow::~EntryWindow() {
     m_updating = true;
-    if (!m_window) return;
-    for (const HWND control : {m_window, m_field, m_track, m_spin, m_browse})
-        if (control) m_panel.removeTooltip(control);
+    if (!m_window) {
+        return;
+    }
+    for (const HWND control : {m_window, m_field, m_track, m_spin, m_browse}) {
+        if (control) {
+            m_panel.removeTooltip(control);
+        }
+    }
     DestroyWindow(m_window);
 }
 
@@ -62,7 +75,9 @@ bool EntryWindow::isEdit() const {
 }
 
 HWND EntryWindow::child(HWND control) {
-    if (!control) return nullptr;
+    if (!control) {
+        return nullptr;
+    }
     SetWindowLongPtrA(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_procedures.emplace_back(control, reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
                                            control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(fieldProc))));
@@ -75,7 +90,9 @@ HWND EntryWindow::make(const char* className, const char* text, DWORD style, DWO
     const HWND made = CreateWindowExA(
         exStyle, className, text, WS_CHILD | WS_VISIBLE | style, at.x, at.y, at.width, at.height, m_window,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), nullptr);
-    if (font) SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    if (font) {
+        SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    }
     return id == kLabel ? made : child(made);
 }
 
@@ -98,7 +115,9 @@ void EntryWindow::makeControls(const Parts& at) {
         case EntryField::Text:
             return label(text, SS_LEFT, is.label);
         case EntryField::Picture:
-            if (!m_panel.picture(m_row).handle) label(text, SS_ENDELLIPSIS, "[" + is.label + "]");
+            if (!m_panel.picture(m_row).handle) {
+                label(text, SS_ENDELLIPSIS, "[" + is.label + "]");
+            }
             return;
         case EntryField::Heading:
             m_field = make("BUTTON", is.label.c_str(), BS_OWNERDRAW | WS_TABSTOP, 0, kField,
@@ -151,8 +170,9 @@ void EntryWindow::fitControls() {
         SendMessageA(m_track, TBM_SETRANGEMAX, FALSE, model().sliderRange());
         SendMessageA(m_track, TBM_SETPAGESIZE, 0, std::max(1, model().sliderRange() / 10));
     }
-    if (isEdit())
+    if (isEdit()) {
         SendMessageA(m_field, EM_LIMITTEXT, is.maxChars > 0 ? static_cast<WPARAM>(is.maxChars) : 0, 0);
+    }
 }
 
 bool EntryWindow::canTakeOver(size_t row) const {
@@ -189,11 +209,14 @@ void EntryWindow::takeOver(size_t row) {
 
 void EntryWindow::fillDropList() {
     const auto add = [&](const std::vector<std::string>& list) {
-        for (const std::string& option : list)
+        for (const std::string& option : list) {
             SendMessageA(m_field, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(option.c_str()));
+        }
     };
     add(facts().options);
-    if (facts().hostNames) add(*facts().hostNames);
+    if (facts().hostNames) {
+        add(*facts().hostNames);
+    }
 }
 
 // A value that is no choice is shown as one, in front of them, and stays one. Compared to the letter, which the
@@ -205,11 +228,15 @@ void EntryWindow::showChoice(const std::string& value) {
     const size_t own = facts().options.size();
     const size_t named = facts().hostNames ? facts().hostNames->size() : 0;
     size_t place = find(facts().options);
-    if (place == own && named > 0) place += find(*facts().hostNames);
+    if (place == own && named > 0) {
+        place += find(*facts().hostNames);
+    }
     if (place < own + named) {
         place += m_foreign ? 1 : 0;
     } else {
-        if (m_foreign) SendMessageA(m_field, CB_DELETESTRING, 0, 0);
+        if (m_foreign) {
+            SendMessageA(m_field, CB_DELETESTRING, 0, 0);
+        }
         SendMessageA(m_field, CB_INSERTSTRING, 0, reinterpret_cast<LPARAM>(value.c_str()));
         m_foreign = true;
         place = 0;
@@ -220,21 +247,29 @@ void EntryWindow::showChoice(const std::string& value) {
 std::string EntryWindow::fieldText() const {
     std::string text = textOf(m_field);
     // The field's line ends are the system's, the value's those of its script.
-    if (facts().bareFeeds) std::erase(text, '\r');
+    if (facts().bareFeeds) {
+        std::erase(text, '\r');
+    }
     return text;
 }
 
 void EntryWindow::setFieldText(const std::string& value) {
     const std::string shown = isMultiLine() ? withCrLf(value) : value;
-    if (textOf(m_field) == shown) return;
+    if (textOf(m_field) == shown) {
+        return;
+    }
     m_updating = true;
     SetWindowTextA(m_field, shown.c_str());
-    if (GetFocus() == m_field) SendMessageA(m_field, EM_SETSEL, 0, -1);
+    if (GetFocus() == m_field) {
+        SendMessageA(m_field, EM_SETSEL, 0, -1);
+    }
     m_updating = false;
 }
 
 void EntryWindow::showValue() {
-    if (!m_window || !hasValue(facts().field)) return;
+    if (!m_window || !hasValue(facts().field)) {
+        return;
+    }
     const std::string& value = model().value();
     if (facts().field == EntryField::Switch) {
         SendMessageA(m_field, BM_SETCHECK, model().isOn() ? BST_CHECKED : BST_UNCHECKED, 0);
@@ -244,8 +279,9 @@ void EntryWindow::showValue() {
         setFieldText(value);
         m_why.clear();
     }
-    if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition())
+    if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition()) {
         SendMessageA(m_track, TBM_SETPOS, TRUE, model().sliderPosition());
+    }
     if (m_marked != model().HasChanged()) {
         m_marked = model().HasChanged();
         const HFONT font = m_marked ? m_panel.boldFont() : m_panel.fonts().text();
@@ -262,7 +298,9 @@ void EntryWindow::typed() {
     const std::string text = fieldText();
     if (GetFocus() != m_field) {  // set by another program
         std::string why;
-        if (!m_panel.host().editRow(m_row, text, &why, false)) refused(why);
+        if (!m_panel.host().editRow(m_row, text, &why, false)) {
+            refused(why);
+        }
         return showValue();
     }
     m_typing = true;
@@ -272,22 +310,30 @@ void EntryWindow::typed() {
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
         m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
-        if (!isNumber(facts().field)) refused(m_why);
+        if (!isNumber(facts().field)) {
+            refused(m_why);
+        }
     }
     m_typing = false;
 }
 
 bool EntryWindow::commit() {
-    if (!isEdit() || m_updating) return true;
+    if (!isEdit() || m_updating) {
+        return true;
+    }
     const std::string why = m_why;
-    if (!why.empty()) refused(why);
+    if (!why.empty()) {
+        refused(why);
+    }
     showValue();
     m_atFocus = model().value();
     return why.empty();
 }
 
 bool EntryWindow::revert() {
-    if (!isEdit() || (m_why.empty() && model().value() == m_atFocus)) return false;
+    if (!isEdit() || (m_why.empty() && model().value() == m_atFocus)) {
+        return false;
+    }
     m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
     m_panel.hideRefusal();
     showValue();
@@ -297,8 +343,12 @@ bool EntryWindow::revert() {
 void EntryWindow::step(int steps) {
     const std::string next = model().stepped(steps);
     std::string why;
-    if (next == model().value()) return refused(allowedRange(facts()));
-    if (!m_panel.host().editRow(m_row, next, &why, true)) refused(why);
+    if (next == model().value()) {
+        return refused(allowedRange(facts()));
+    }
+    if (!m_panel.host().editRow(m_row, next, &why, true)) {
+        refused(why);
+    }
     showValue();
 }
 
@@ -313,17 +363,28 @@ void EntryWindow::slid(WORD code) {
     const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
     std::string why;
     if (position != model().sliderPosition() &&
-        !m_panel.host().editRow(m_row, model().textAt(position), &why, true))
+        !m_panel.host().editRow(m_row, model().textAt(position), &why, true)) {
         refused(why);
+    }
     showValue();
-    if (code == TB_ENDTRACK) m_panel.host().rowLeft(m_row);
+    if (code == TB_ENDTRACK) {
+        m_panel.host().rowLeft(m_row);
+    }
 }
 
 void EntryWindow::command(WORD code, HWND control) {
-    if (m_updating) return;
-    if (code == kFieldRefused) return refused(fieldRefusal(facts(), "x"));
-    if (m_browse && control == m_browse && code == BN_CLICKED) return m_panel.browseSoon(m_row);
-    if (!control || control != m_field) return;
+    if (m_updating) {
+        return;
+    }
+    if (code == kFieldRefused) {
+        return refused(fieldRefusal(facts(), "x"));
+    }
+    if (m_browse && control == m_browse && code == BN_CLICKED) {
+        return m_panel.browseSoon(m_row);
+    }
+    if (!control || control != m_field) {
+        return;
+    }
     if (facts().field == EntryField::Heading && code == BN_CLICKED) {
         m_panel.host().fold(m_row, !m_panel.host().isFolded(m_row));
         InvalidateRect(m_field, nullptr, TRUE);
@@ -371,27 +432,35 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
             break;
         case WM_KILLFOCUS:
             if (window == self->m_field && !self->m_updating) {
-                if (!self->commit()) self->m_panel.refusedOnLeaving(self->m_row);
+                if (!self->commit()) {
+                    self->m_panel.refusedOnLeaving(self->m_row);
+                }
                 self->m_panel.host().rowLeft(self->m_row);
             }
             break;
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
-            if (window == self->m_spin) self->m_spinPressed = GetTickCount();
+            if (window == self->m_spin) {
+                self->m_spinPressed = GetTickCount();
+            }
             break;
         case WM_MOUSEWHEEL:
             if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == self->m_field &&
-                self->facts().field == EntryField::DropList)
+                self->facts().field == EntryField::DropList) {
                 break;
+            }
             PostMessageA(self->m_panel.window(), WM_MOUSEWHEEL, wParam, lParam);
             return 0;
         case WM_KEYDOWN:
-            if (self->keyDown(window, wParam)) return 0;
+            if (self->keyDown(window, wParam)) {
+                return 0;
+            }
             break;
         case WM_CHAR:
             // The letters of Ctrl+Z and the like, whose keys were seen already.
-            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 && wParam != 3 && wParam != 22 && wParam != 24)
+            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 && wParam != 3 && wParam != 22 && wParam != 24) {
                 return 0;
+            }
             break;
         case WM_CONTEXTMENU:
             self->m_panel.menuSoon(self->m_row, window, lParam);
@@ -415,12 +484,16 @@ LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wPara
     if (message == WM_NCCREATE) {
         auto* const made =
             static_cast<EntryWindow*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
-        if (!made) return FALSE;
+        if (!made) {
+            return FALSE;
+        }
         made->m_window = window;
         SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
     }
     auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-    if (!self) return DefWindowProcA(window, message, wParam, lParam);
+    if (!self) {
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
     if (message == WM_NCDESTROY) {
         self->m_window = nullptr;
         SetWindowLongPtrA(window, GWLP_USERDATA, 0);
@@ -442,24 +515,31 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             command(HIWORD(wParam), reinterpret_cast<HWND>(lParam));
             return 0;
         case WM_HSCROLL:
-            if (m_track) slid(LOWORD(wParam));
+            if (m_track) {
+                slid(LOWORD(wParam));
+            }
             return 0;
         case WM_NOTIFY: {
             const auto* const header = reinterpret_cast<const NMHDR*>(lParam);
             if (header && m_spin && header->hwndFrom == m_spin &&
                 header->code == static_cast<UINT>(UDN_DELTAPOS)) {
-                if (GetFocus() != m_field) SetFocus(m_field);
+                if (GetFocus() != m_field) {
+                    SetFocus(m_field);
+                }
                 spun(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta > 0);
                 return TRUE;
             }
             return 0;
         }
         case WM_DRAWITEM:
-            if (lParam && facts().field == EntryField::Heading)
+            if (lParam && facts().field == EntryField::Heading) {
                 drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            }
             return TRUE;
         case WM_LBUTTONDOWN:
-            if (m_field) SetFocus(m_field);
+            if (m_field) {
+                SetFocus(m_field);
+            }
             return 0;
         case WM_CONTEXTMENU:
             m_panel.menuSoon(m_row, m_field, lParam);

@@ -63,7 +63,9 @@ EntryWindow::Parts EntryWindow::partsIn(int width, int height) const {
 
 void EntryWindow::layout(const Parts& at) {
     const auto move = [](HWND control, const PanelRect& to) {
-        if (control) place(control, to.x, to.y, to.width, to.height);
+        if (control) {
+            place(control, to.x, to.y, to.width, to.height);
+        }
     };
     move(m_label, at.label);
     if (m_field && facts().field == EntryField::DropList) {
@@ -131,7 +133,9 @@ void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
     DrawTextA(item.hDC, label.c_str(), -1, &text, kHow);
     SelectObject(item.hDC, oldFont);
     RECT line{extent.right + left, middle, area.right, middle + 1};
-    if (line.left < line.right) FillRect(item.hDC, &line, GetSysColorBrush(COLOR_BTNSHADOW));
+    if (line.left < line.right) {
+        FillRect(item.hDC, &line, GetSysColorBrush(COLOR_BTNSHADOW));
+    }
     if (item.itemState & ODS_FOCUS) {
         RECT focus{text.left - 2, middle - m_panel.fonts().lineHeight() / 2 - 1,
                    std::min(extent.right + 2, area.right), middle + m_panel.fonts().lineHeight() / 2 + 1};

@@ -22,7 +22,9 @@ void tellRefused(HWND field) {
 // The clipboard's text without the blanks around it; empty when it has none.
 std::string clipboardText(HWND window) {
     std::string text;
-    if (!OpenClipboard(window)) return text;
+    if (!OpenClipboard(window)) {
+        return text;
+    }
     if (const HANDLE data = GetClipboardData(CF_TEXT)) {
         if (const auto* const bytes = static_cast<const char*>(GlobalLock(data))) {
             text.assign(bytes, strnlen(bytes, 256));

@@ -26,7 +26,9 @@ HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWi
     const HWND window = CreateWindowExA(WS_EX_CONTROLPARENT, kSliderClass, "", WS_CHILD | WS_VISIBLE, place.x,
                                         place.y, place.width, place.height, parent,
                                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
-    if (!window) return nullptr;
+    if (!window) {
+        return nullptr;
+    }
     SetWindowLongPtrA(window, GWLP_USERDATA, numberWidth);
     const SliderPlaces at = placesIn(place.width, place.height, numberWidth);
     CreateWindowExA(0, TRACKBAR_CLASSA, "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS,

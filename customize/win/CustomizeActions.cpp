@@ -3,29 +3,39 @@
 
 #include "customize/win/CustomizeControls.h"
 #include "customize/win/CustomizeDialog.h"
-#include "util/PathRules.h"
 #include "ui/win/TextWindow.h"
+#include "util/PathRules.h"
 
 namespace zoka {
 
 void CustomizeDialog::command(int id, int code) {
     // While a question of the session is open the window takes no commands but those that terminate it.
-    if (m_busy) return;
+    if (m_busy) {
+        return;
+    }
     switch (id) {
         case kSearch:
-            if (code == EN_CHANGE) filterChanged();
+            if (code == EN_CHANGE) {
+                filterChanged();
+            }
             return;
         case kChangedOnly:
-            if (code == BN_CLICKED) filterChanged();
+            if (code == BN_CLICKED) {
+                filterChanged();
+            }
             return;
         case kScript:
-            if (code == CBN_SELCHANGE && !m_filling) chooseScript();
+            if (code == CBN_SELCHANGE && !m_filling) {
+                chooseScript();
+            }
             return;
         case IDOK:  // Enter in a field
             m_panel.commit();
             return;
         case IDCANCEL:
-            if (code == BN_CLICKED && !(GetKeyState(VK_ESCAPE) < 0 && m_panel.revert())) closeWindow();
+            if (code == BN_CLICKED && !(GetKeyState(VK_ESCAPE) < 0 && m_panel.revert())) {
+                closeWindow();
+            }
             return;
         case kFindField:
             SendMessageA(m_window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(m_window, kSearch)),
@@ -34,7 +44,9 @@ void CustomizeDialog::command(int id, int code) {
         default:
             break;
     }
-    if (code != BN_CLICKED) return;
+    if (code != BN_CLICKED) {
+        return;
+    }
     m_busy = true;
     if (m_panel.commit()) {
         switch (id) {
@@ -75,19 +87,29 @@ void CustomizeDialog::save() {
         m_session.scriptChoices = m_setup.choices();
         fillScriptChoices();
     }
-    if (m_window && byButton && !IsWindowEnabled(GetDlgItem(m_window, kSave))) m_panel.focusLast();
-    if (!hadUnplaced) showUnplaced();
-    if (m_window && !m_session.unplaced().empty()) showState();
+    if (m_window && byButton && !IsWindowEnabled(GetDlgItem(m_window, kSave))) {
+        m_panel.focusLast();
+    }
+    if (!hadUnplaced) {
+        showUnplaced();
+    }
+    if (m_window && !m_session.unplaced().empty()) {
+        showState();
+    }
 }
 
 void CustomizeDialog::update() {
-    if (m_session.update()) showUnplaced();
+    if (m_session.update()) {
+        showUnplaced();
+    }
 }
 
 void CustomizeDialog::undoOrRedo(bool undo) {
     m_session.leaveField();
     const auto row = undo ? m_session.undo() : m_session.redo();
-    if (row) m_panel.focusRow(*row);
+    if (row) {
+        m_panel.focusRow(*row);
+    }
 }
 
 void CustomizeDialog::filterChanged() {
@@ -97,31 +119,43 @@ void CustomizeDialog::filterChanged() {
 }
 
 void CustomizeDialog::fillScriptChoices() {
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     m_choices = m_session.scriptChoices;
     const std::string& open = m_session.script().scriptPath;
     const auto isOpen = [&](const std::string& path) { return equalNoCase(path, open); };
-    if (!open.empty() && std::none_of(m_choices.begin(), m_choices.end(), isOpen))
+    if (!open.empty() && std::none_of(m_choices.begin(), m_choices.end(), isOpen)) {
         m_choices.insert(m_choices.begin(), open);
+    }
     const HWND list = GetDlgItem(m_window, kScript);
     m_filling = true;
     SendMessageA(list, CB_RESETCONTENT, 0, 0);
-    for (const std::string& path : m_choices)
+    for (const std::string& path : m_choices) {
         SendMessageA(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(std::string(fileNameOf(path)).c_str()));
+    }
     const auto at = std::find_if(m_choices.begin(), m_choices.end(), isOpen);
     SendMessageA(list, CB_SETCURSEL, static_cast<WPARAM>(at == m_choices.end() ? -1 : at - m_choices.begin()),
                  0);
     m_filling = false;
-    if (showsChoices() != (m_choices.size() > 1)) layout();
+    if (showsChoices() != (m_choices.size() > 1)) {
+        layout();
+    }
 }
 
 void CustomizeDialog::chooseScript() {
     const LRESULT chosen = SendDlgItemMessageA(m_window, kScript, CB_GETCURSEL, 0, 0);
-    if (chosen < 0 || static_cast<size_t>(chosen) >= m_choices.size()) return;
+    if (chosen < 0 || static_cast<size_t>(chosen) >= m_choices.size()) {
+        return;
+    }
     const std::string path = m_choices[static_cast<size_t>(chosen)];
-    if (equalNoCase(path, m_session.script().scriptPath)) return;
+    if (equalNoCase(path, m_session.script().scriptPath)) {
+        return;
+    }
     m_busy = true;
-    if (m_panel.commit()) m_session.switchTo(path);
+    if (m_panel.commit()) {
+        m_session.switchTo(path);
+    }
     m_busy = false;
     fillScriptChoices();
 }
@@ -140,7 +174,9 @@ void CustomizeDialog::showFindings() {
 }
 
 void CustomizeDialog::showUnplaced() {
-    if (!m_window || m_session.unplaced().empty()) return;
+    if (!m_window || m_session.unplaced().empty()) {
+        return;
+    }
     showTextWindow(m_window, "Values without a place",
                    "Kept in the file beside the script that ends in .zoka.old:",
                    unplacedText(m_session.unplaced()), TextLook::FixedWidth);
@@ -170,7 +206,9 @@ bool CustomizeDialog::shortcut(WPARAM key) {
 }
 
 void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
-    if (m_busy || !m_window) return;
+    if (m_busy || !m_window) {
+        return;
+    }
     const EntryModel& model = m_session.row(row);
     const EntryField kind = model.facts().field;
     const HMENU menu = CreatePopupMenu();
@@ -213,7 +251,9 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, m_window, nullptr));
     m_busy = false;
     DestroyMenu(menu);
-    if (!m_window || row >= m_session.size()) return;
+    if (!m_window || row >= m_session.size()) {
+        return;
+    }
     switch (chosen) {
         case kUndo:
         case kRedo:
@@ -222,12 +262,13 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
         case kCutText:
         case kCopyText:
         case kPasteText:
-            if (IsWindow(field))
+            if (IsWindow(field)) {
                 SendMessageA(field,
                              chosen == kCutText    ? WM_CUT
                              : chosen == kCopyText ? WM_COPY
                                                    : WM_PASTE,
                              0, 0);
+            }
             break;
         case kResetLoaded:
         case kResetDefault:
@@ -243,9 +284,11 @@ void CustomizeDialog::rowMenu(size_t row, HWND field, POINT at) {
             break;
         case kFoldAll:
         case kUnfoldAll:
-            for (size_t i = 0; i < m_session.size(); ++i)
-                if (m_session.row(i).facts().field == EntryField::Heading)
+            for (size_t i = 0; i < m_session.size(); ++i) {
+                if (m_session.row(i).facts().field == EntryField::Heading) {
                     m_session.filter.setFolded(i, chosen == kFoldAll);
+                }
+            }
             m_panel.layoutSoon();
             break;
         case kCopyPlace:

@@ -34,8 +34,9 @@ void moveAside(HWND window) {
     monitor.cbSize = sizeof monitor;
     RECT place{};
     if (!GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor) ||
-        !GetWindowRect(window, &place))
+        !GetWindowRect(window, &place)) {
         return;
+    }
     const LONG room = monitor.rcWork.right - place.right;
     SetWindowPos(window, nullptr, static_cast<int>(place.left + room * 3 / 4), static_cast<int>(place.top), 0,
                  0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -61,7 +62,9 @@ HWND CustomizeDialog::create(HINSTANCE instance, int number) {
 void CustomizeDialog::runModal(HINSTANCE instance, int number, HWND owner) {
     const HWND window = CreateDialogParamA(instance, MAKEINTRESOURCEA(number), owner, dialogProc,
                                            reinterpret_cast<LPARAM>(this));
-    if (!window) return;
+    if (!window) {
+        return;
+    }
     const bool enabled = owner && !EnableWindow(owner, FALSE);
     ShowWindow(window, SW_SHOW);  // it may be maximized
     load();
@@ -69,8 +72,12 @@ void CustomizeDialog::runModal(HINSTANCE instance, int number, HWND owner) {
     while (m_window) {
         const BOOL got = GetMessageA(&message, nullptr, 0, 0);
         if (got <= 0) {
-            if (got == 0) PostQuitMessage(static_cast<int>(message.wParam));
-            if (m_window) DestroyWindow(m_window);
+            if (got == 0) {
+                PostQuitMessage(static_cast<int>(message.wParam));
+            }
+            if (m_window) {
+                DestroyWindow(m_window);
+            }
             break;
         }
         if (!m_window || !IsDialogMessageA(m_window, &message)) {
@@ -78,15 +85,21 @@ void CustomizeDialog::runModal(HINSTANCE instance, int number, HWND owner) {
             DispatchMessageA(&message);
         }
     }
-    if (enabled) EnableWindow(owner, TRUE);
-    if (owner) SetActiveWindow(owner);
+    if (enabled) {
+        EnableWindow(owner, TRUE);
+    }
+    if (owner) {
+        SetActiveWindow(owner);
+    }
 }
 
 void CustomizeDialog::initialise(HWND window) {
     m_window = window;
     m_fonts = std::make_unique<WindowFonts>();
     // The resource is shared with the other panel; this one's controls are made here.
-    while (const HWND other = GetWindow(window, GW_CHILD)) DestroyWindow(other);
+    while (const HWND other = GetWindow(window, GW_CHILD)) {
+        DestroyWindow(other);
+    }
     setIcons(window, m_setup.module, m_setup.icon);
     RECT last;
     bool maximized = false;
@@ -107,30 +120,42 @@ void CustomizeDialog::initialise(HWND window) {
         const SIZE size = outerSize(window, m_fonts->x(340), m_fonts->y(380));
         const HWND owner = GetWindow(window, GW_OWNER);
         centreOver(window, owner, size.cx, size.cy);
-        if (!owner) moveAside(window);
+        if (!owner) {
+            moveAside(window);
+        }
     }
     // In a window that has its size already: each would be moved with every change of it.
     makeControls();
     showState();
     layout();
-    if (again && maximized) ShowWindow(window, SW_MAXIMIZE);
+    if (again && maximized) {
+        ShowWindow(window, SW_MAXIMIZE);
+    }
     SetFocus(GetDlgItem(window, IDCANCEL));
 }
 
 void CustomizeDialog::load() {
-    if (m_setup.choices) m_session.scriptChoices = m_setup.choices();
+    if (m_setup.choices) {
+        m_session.scriptChoices = m_setup.choices();
+    }
     m_loaded = true;
     fillScriptChoices();  // they take room that the rows don't get
-    if (!m_session.open(m_setup.scriptPath)) rowsReplaced();
+    if (!m_session.open(m_setup.scriptPath)) {
+        rowsReplaced();
+    }
     m_panel.focusFirst();
 }
 
 void CustomizeDialog::bringToFront() {
-    if (m_window) SetForegroundWindow(m_window);
+    if (m_window) {
+        SetForegroundWindow(m_window);
+    }
 }
 
 void CustomizeDialog::raiseOnce() {
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     constexpr UINT kHow = SWP_NOMOVE | SWP_NOSIZE;
     SetWindowPos(m_window, HWND_TOPMOST, 0, 0, 0, 0, kHow);
     SetWindowPos(m_window, HWND_NOTOPMOST, 0, 0, 0, 0, kHow);
@@ -142,16 +167,24 @@ void CustomizeDialog::rowsReplaced() {
     m_shownPath = path;
     m_shownRows = m_session.size();
     m_panel.rowsReplaced(samePlaces);
-    if (!m_window) return;
-    if (!samePlaces) setText(m_help, "No Help");
+    if (!m_window) {
+        return;
+    }
+    if (!samePlaces) {
+        setText(m_help, "No Help");
+    }
     fillScriptChoices();
     showState();
 }
 
 void CustomizeDialog::valuesChanged() {
-    if (!m_window) return;
+    if (!m_window) {
+        return;
+    }
     m_panel.showValues();
-    if (m_session.filter.changedOnly) m_panel.layoutSoon();
+    if (m_session.filter.changedOnly) {
+        m_panel.layoutSoon();
+    }
     showState();
 }
 
@@ -160,7 +193,9 @@ void CustomizeDialog::showState() {
     const std::string& path = m_session.script().scriptPath;
     const size_t changed = m_loaded ? m_session.changedCount() : 0;
     std::string title = kCustomizeTitle;
-    if (!path.empty()) title += " - " + std::string(fileNameOf(path)) + (changed > 0 ? " *" : "");
+    if (!path.empty()) {
+        title += " - " + std::string(fileNameOf(path)) + (changed > 0 ? " *" : "");
+    }
     setText(m_window, title);
     const bool open = !path.empty();
     enable(GetDlgItem(m_window, kSave), changed > 0);
@@ -175,7 +210,9 @@ void CustomizeDialog::showState() {
 }
 
 void CustomizeDialog::rowFocused(size_t row) {
-    if (row < m_session.size()) setText(m_help, m_session.helpText(row));
+    if (row < m_session.size()) {
+        setText(m_help, m_session.helpText(row));
+    }
 }
 
 void CustomizeDialog::fold(size_t heading, bool folded) {
@@ -185,28 +222,39 @@ void CustomizeDialog::fold(size_t heading, bool folded) {
 
 std::string CustomizeDialog::picturePath(const std::string& name) const {
     const std::string own = joinPath(folderOf(m_session.script().scriptPath), name);
-    if (osFiles().search(own)) return own;
+    if (osFiles().search(own)) {
+        return own;
+    }
     return m_setup.editor.TemplatePath(name);
 }
 
 std::string CustomizeDialog::emptyText() const {
-    if (!m_loaded) return {};
-    if (m_session.script().scriptPath.empty())
+    if (!m_loaded) {
+        return {};
+    }
+    if (m_session.script().scriptPath.empty()) {
         return m_session.problem().empty() ? "There is no script." : m_session.problem();
+    }
     return m_session.size() == 0 ? "This script has nothing to customize." : "No entry matches.";
 }
 
 // The window asks about changes first. It is destroyed by the thread all the same when the editor wants it
 // gone: then nothing here may touch it any more.
 void CustomizeDialog::closeWindow() {
-    if (m_busy) return;
+    if (m_busy) {
+        return;
+    }
     m_busy = true;
     const bool kept = m_panel.commit();
     const bool mayClose = kept && m_session.close();
     m_busy = false;
-    if (!mayClose || !m_window) return;
+    if (!mayClose || !m_window) {
+        return;
+    }
     // Enabled before this window goes, or the system would bring another program's window to the front.
-    if (const HWND owner = GetWindow(m_window, GW_OWNER)) EnableWindow(owner, TRUE);
+    if (const HWND owner = GetWindow(m_window, GW_OWNER)) {
+        EnableWindow(owner, TRUE);
+    }
     DestroyWindow(m_window);
 }
 

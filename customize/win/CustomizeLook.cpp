@@ -19,14 +19,20 @@ LRESULT CALLBACK CustomizeDialog::controlProc(HWND window, UINT message, WPARAM 
     auto* const self = reinterpret_cast<CustomizeDialog*>(data);
     switch (message) {
         case WM_KEYDOWN:
-            if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0 && self->shortcut(wParam)) return 0;
+            if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0 && self->shortcut(wParam)) {
+                return 0;
+            }
             break;
         case WM_CHAR:
             // The characters of Ctrl+F, S, Y and Z, whose keys were taken.
-            if (wParam == 6 || wParam == 19 || wParam == 25 || wParam == 26) return 0;
+            if (wParam == 6 || wParam == 19 || wParam == 25 || wParam == 26) {
+                return 0;
+            }
             break;
         case WM_MOUSEWHEEL:
-            if (window == self->m_help || SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0)) break;
+            if (window == self->m_help || SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0)) {
+                break;
+            }
             PostMessageA(self->m_panel.window(), message, wParam, lParam);
             return 0;
         case WM_NCDESTROY:
@@ -83,7 +89,9 @@ bool CustomizeDialog::showsChoices() const {
 
 // From the top: script, search, rows; from the bottom: buttons, help. The rows get what is left.
 void CustomizeDialog::layout() {
-    if (!m_window || !m_help) return;
+    if (!m_window || !m_help) {
+        return;
+    }
     RECT area;
     GetClientRect(m_window, &area);
     const WindowFonts& f = *m_fonts;
@@ -97,11 +105,16 @@ void CustomizeDialog::layout() {
     };
     int y = f.y(kMarginUnits);
     const bool several = m_choices.size() > 1;
-    if (showsChoices() != several)
-        for (const int id : {kScript, kScriptLabel}) ShowWindow(item(id), several ? SW_SHOWNA : SW_HIDE);
+    if (showsChoices() != several) {
+        for (const int id : {kScript, kScriptLabel}) {
+            ShowWindow(item(id), several ? SW_SHOWNA : SW_HIDE);
+        }
+    }
     labelled(kScriptLabel, y);
     placeDropList(item(kScript), left + label, y, width - label, field);
-    if (several) y += field + gapY;
+    if (several) {
+        y += field + gapY;
+    }
     const int check = f.labelWidth("Changed only (20000)") + f.x(14);
     labelled(kSearchLabel, y);
     place(item(kSearch), left + label, y, width - label - check - gapX, field);

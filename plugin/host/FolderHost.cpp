@@ -28,7 +28,7 @@ using Substitutions = std::span<const std::pair<std::string, std::string>>;
 std::string substituted(const std::string& text, Substitutions substitutions) {
     std::string result;
     result.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
+    for (size_t at = 0; at < text.size();) {
         const auto fits = std::find_if(substitutions.begin(), substitutions.end(), [&](const auto& pair) {
             return !pair.first.empty() && text.compare(at, pair.first.size(), pair.first) == 0;
         });
@@ -59,10 +59,10 @@ std::optional<std::string> FolderHost::GetMainScriptPath() {
 }
 
 std::optional<std::string> FolderHost::GetListItemName(int index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= m_listItems.size()) {
+    if (index < 0 || static_cast<size_t>(index) >= m_listItems.size()) {
         return std::nullopt;
     }
-    return m_listItems[static_cast<std::size_t>(index)].substr(0, kHostItemNameSize - 1);
+    return m_listItems[static_cast<size_t>(index)].substr(0, kHostItemNameSize - 1);
 }
 
 std::optional<std::string> FolderHost::ChooseFile(const std::string&) {

@@ -10,9 +10,9 @@
 namespace zoka {
 
 // Bytes of every path buffer handed to the host, the terminator included.
-inline constexpr std::size_t kHostPathSize = 260;
+inline constexpr size_t kHostPathSize = 260;
 // Bytes of the buffer for one item's name of the host's list.
-inline constexpr std::size_t kHostItemNameSize = 64;
+inline constexpr size_t kHostItemNameSize = 64;
 
 enum ZunCommandCode : std::int32_t {
     CmdGetSuiteFolder = 1,         // record; the suite's folder

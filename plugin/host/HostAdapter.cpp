@@ -12,7 +12,7 @@ using Word = std::int32_t;
 using Byte = unsigned char;
 
 // A text that the host fills.
-template <std::size_t Size>
+template <size_t Size>
 class HostBuffer {
 public:
     HostBuffer() = default;

@@ -12,7 +12,9 @@ CustomizePanel::CustomizePanel(ZunEditorInterface& editor)
 std::vector<std::string> customizableScripts(ZunEditorInterface& editor) {
     std::vector<std::string> paths;
     const auto mainScript = editor.GetMainScriptPath();
-    if (!mainScript) return paths;
+    if (!mainScript) {
+        return paths;
+    }
     paths.push_back(*mainScript);
     std::vector<std::string> names;
     try {
@@ -23,7 +25,9 @@ std::vector<std::string> customizableScripts(ZunEditorInterface& editor) {
     const ScriptFolders folders(editor);
     for (const std::string& name : names) {
         std::string path;
-        if (folders.LocateScript(name, path) != ScriptPlace::NotFound) paths.push_back(path);
+        if (folders.LocateScript(name, path) != ScriptPlace::NotFound) {
+            paths.push_back(path);
+        }
     }
     return paths;
 }

@@ -4,8 +4,8 @@
 
 #include <commctrl.h>
 
-#include "plugin/host/HostAdapter.h"
 #include "plugin/PanelText.h"
+#include "plugin/host/HostAdapter.h"
 #include "plugin/win/CustomizePanel.h"
 #include "plugin/win/Resources.h"
 #include "plugin/win/StatusWindow.h"

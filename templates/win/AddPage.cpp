@@ -44,8 +44,9 @@ void AddPage::createControls() {
     m_detailsLabel = label("&Details:");
     m_details = makeReadOnlyText(window(), kDetails, font);
 
-    for (const std::string& name : session().classes())
+    for (const std::string& name : session().classes()) {
         SendMessageA(m_class, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    }
     SendMessageA(m_class, CB_SETCURSEL, 0, 0);
     // The titles follow while the user looks at the list already.
     SendMessageA(m_titles, CB_INITSTORAGE, session().catalogue().scripts().size(), 0);
@@ -97,7 +98,9 @@ void AddPage::layout(int width, int height) {
 }
 
 std::string AddPage::cell(int row, int column) {
-    if (!m_rows || row < 0 || static_cast<size_t>(row) >= m_rows->size()) return {};
+    if (!m_rows || row < 0 || static_cast<size_t>(row) >= m_rows->size()) {
+        return {};
+    }
     const std::uint32_t record = (*m_rows)[static_cast<size_t>(row)];
     const CScriptElm& script = session().catalogue().scripts()[record];
     switch (column) {
@@ -123,9 +126,13 @@ void AddPage::filter() {
     const size_t all = session().catalogue().scripts().size();
     setText(m_found, "&Scripts: " + std::to_string(m_rows->size()) +
                          (m_rows->size() == all ? "" : " of " + std::to_string(all)));
-    if (m_record && !std::ranges::binary_search(*m_rows, *m_record)) m_record.reset();
+    if (m_record && !std::ranges::binary_search(*m_rows, *m_record)) {
+        m_record.reset();
+    }
     // Whoever types is looking for one script: the first find is at hand for Enter.
-    if (!m_record && !query.empty() && !m_rows->empty()) m_record = m_rows->front();
+    if (!m_record && !query.empty() && !m_rows->empty()) {
+        m_record = m_rows->front();
+    }
     selectRecord(m_record);
 }
 
@@ -133,25 +140,35 @@ void AddPage::filter() {
 void AddPage::selectRecord(std::optional<std::uint32_t> record) {
     m_record = record;
     int row = -1;
-    if (record)
-        if (const auto at = std::ranges::lower_bound(*m_rows, *record); at != m_rows->end() && *at == *record)
+    if (record) {
+        if (const auto at = std::ranges::lower_bound(*m_rows, *record);
+            at != m_rows->end() && *at == *record) {
             row = static_cast<int>(at - m_rows->begin());
-    if (m_list.selected() != row) m_list.select(row);
+        }
+    }
+    if (m_list.selected() != row) {
+        m_list.select(row);
+    }
     showSelection();
 }
 
 void AddPage::showSelection() {
     // A title that the drop list hasn't got yet is selected when it has come.
     const WPARAM title = m_record && *m_record < m_titlesFilled ? *m_record : static_cast<WPARAM>(-1);
-    if (SendMessageA(m_titles, CB_GETCURSEL, 0, 0) != static_cast<LRESULT>(title))
+    if (SendMessageA(m_titles, CB_GETCURSEL, 0, 0) != static_cast<LRESULT>(title)) {
         SendMessageA(m_titles, CB_SETCURSEL, title, 0);
+    }
     enable(m_add, m_record.has_value());
     std::string text;
     if (m_record) {
         const ScriptDetails details = session().details(*m_record);
         text = details.fileName;
-        if (!details.description.empty()) text += "\r\n" + details.description;
-        if (!details.actions.empty()) text += "\r\n\r\nActions:\r\n" + details.actions;
+        if (!details.description.empty()) {
+            text += "\r\n" + details.description;
+        }
+        if (!details.actions.empty()) {
+            text += "\r\n\r\nActions:\r\n" + details.actions;
+        }
     }
     setText(m_details, text);
     SetTimer(window(), kPlanTimer, kPlanAfter, nullptr);
@@ -169,17 +186,23 @@ void AddPage::showPlan() {
 void AddPage::fillTitles(size_t atMost) {
     const std::vector<CTemplateData::Row>& rows = session().catalogue().rows();
     const size_t end = std::min(rows.size(), m_titlesFilled + atMost);
-    for (; m_titlesFilled < end; ++m_titlesFilled)
+    for (; m_titlesFilled < end; ++m_titlesFilled) {
         SendMessageA(m_titles, CB_ADDSTRING, 0,
                      reinterpret_cast<LPARAM>(std::string(rows[m_titlesFilled].displayName()).c_str()));
-    if (m_titlesFilled == rows.size()) KillTimer(window(), kFillTimer);
-    if (m_record && *m_record < m_titlesFilled && SendMessageA(m_titles, CB_GETCURSEL, 0, 0) < 0)
+    }
+    if (m_titlesFilled == rows.size()) {
+        KillTimer(window(), kFillTimer);
+    }
+    if (m_record && *m_record < m_titlesFilled && SendMessageA(m_titles, CB_GETCURSEL, 0, 0) < 0) {
         SendMessageA(m_titles, CB_SETCURSEL, *m_record, 0);
+    }
 }
 
 void AddPage::chooseTitle() {
     const LRESULT chosen = SendMessageA(m_titles, CB_GETCURSEL, 0, 0);
-    if (chosen < 0) return;
+    if (chosen < 0) {
+        return;
+    }
     m_record = static_cast<std::uint32_t>(chosen);
     if (!std::ranges::binary_search(*m_rows, *m_record)) {
         m_settling = true;
@@ -198,36 +221,46 @@ void AddPage::refresh() {
 }
 
 void AddPage::mainAction() {
-    if (!m_record) return;
+    if (!m_record) {
+        return;
+    }
     session().add(m_record);
     m_frame.sessionChanged();
 }
 
 void AddPage::command(int id, int code) {
-    if (m_settling) return;
-    if ((id == kClass && code == CBN_SELCHANGE) || (id == kSearch && code == EN_CHANGE))
+    if (m_settling) {
+        return;
+    }
+    if ((id == kClass && code == CBN_SELCHANGE) || (id == kSearch && code == EN_CHANGE)) {
         filter();
-    else if (id == kTitles && code == CBN_DROPDOWN)
+    } else if (id == kTitles && code == CBN_DROPDOWN) {
         fillTitles(session().catalogue().scripts().size());
-    else if (id == kTitles && code == CBN_SELCHANGE)
+    } else if (id == kTitles && code == CBN_SELCHANGE) {
         chooseTitle();
-    else if (id == kAdd && code == BN_CLICKED)
+    } else if (id == kAdd && code == BN_CLICKED) {
         mainAction();
+    }
 }
 
 LRESULT AddPage::notified(NMHDR& header) {
-    if (header.idFrom != kList) return 0;
-    if (m_list.userMayHaveSelected(header))
+    if (header.idFrom != kList) {
+        return 0;
+    }
+    if (m_list.userMayHaveSelected(header)) {
         settleSoon();
-    else if (header.code == static_cast<UINT>(NM_DBLCLK))
+    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
         mainAction();
+    }
     return m_list.notified(header);
 }
 
 void AddPage::settled() {
     const int row = m_list.selected();
     m_record.reset();
-    if (row >= 0 && static_cast<size_t>(row) < m_rows->size()) m_record = (*m_rows)[static_cast<size_t>(row)];
+    if (row >= 0 && static_cast<size_t>(row) < m_rows->size()) {
+        m_record = (*m_rows)[static_cast<size_t>(row)];
+    }
     showSelection();
 }
 
@@ -244,9 +277,12 @@ void AddPage::timer(UINT_PTR id) {
 LRESULT CALLBACK AddPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                      DWORD_PTR self) {
     if (message == WM_KEYDOWN &&
-        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT))
+        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
         return SendMessageA(reinterpret_cast<AddPage*>(self)->m_list.window(), message, wParam, lParam);
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, searchProc, id);
+    }
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, searchProc, id);
+    }
     return DefSubclassProc(window, message, wParam, lParam);
 }
 

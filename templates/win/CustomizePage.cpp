@@ -14,7 +14,9 @@ std::string CustomizePage::lastColumn(size_t index) const {
 }
 
 std::string CustomizePage::note(size_t index) const {
-    if (!session().pathOf(index)) return "The script file is in neither the project nor the template folder.";
+    if (!session().pathOf(index)) {
+        return "The script file is in neither the project nor the template folder.";
+    }
     return m_frame.canCustomize()
                ? "Opens the panel that changes the script's values."
                : "This version of the plug-in has no panel that changes a script's values.";
@@ -26,16 +28,21 @@ bool CustomizePage::canDo(size_t index) const {
 
 void CustomizePage::mainAction() {
     const int row = list().selected();
-    if (row < 0 || !m_frame.canCustomize()) return;
+    if (row < 0 || !m_frame.canCustomize()) {
+        return;
+    }
     const auto path = session().pathOf(static_cast<size_t>(row));
-    if (!path) return;
+    if (!path) {
+        return;
+    }
     m_frame.customize(*path);
     m_frame.sessionChanged();
 }
 
 LRESULT CustomizePage::notified(NMHDR& header) {
-    if (header.idFrom == static_cast<UINT_PTR>(look().list) && header.code == static_cast<UINT>(NM_DBLCLK))
+    if (header.idFrom == static_cast<UINT_PTR>(look().list) && header.code == static_cast<UINT>(NM_DBLCLK)) {
         mainAction();
+    }
     return IncludedPage::notified(header);
 }
 

@@ -10,7 +10,9 @@ void IncludedPage::createControls() {
                   [this](int row, int column) -> std::string {
                       const auto& included = session().included();
                       const auto index = static_cast<size_t>(row);
-                      if (row < 0 || index >= included.size()) return {};
+                      if (row < 0 || index >= included.size()) {
+                          return {};
+                      }
                       return column == 0   ? included[index].text
                              : column == 1 ? included[index].fileName
                                            : lastColumn(index);
@@ -48,12 +50,18 @@ void IncludedPage::showSelection() {
 }
 
 void IncludedPage::command(int id, int code) {
-    if (id == look().button && code == BN_CLICKED) mainAction();
+    if (id == look().button && code == BN_CLICKED) {
+        mainAction();
+    }
 }
 
 LRESULT IncludedPage::notified(NMHDR& header) {
-    if (static_cast<int>(header.idFrom) != look().list) return 0;
-    if (m_list.userMayHaveSelected(header)) settleSoon();
+    if (static_cast<int>(header.idFrom) != look().list) {
+        return 0;
+    }
+    if (m_list.userMayHaveSelected(header)) {
+        settleSoon();
+    }
     return m_list.notified(header);
 }
 

@@ -9,9 +9,9 @@
 #include "templates/win/AddPage.h"
 #include "templates/win/CustomizePage.h"
 #include "templates/win/NotesPage.h"
-#include "ui/win/ProgressWindow.h"
 #include "templates/win/RemovePage.h"
 #include "templates/win/UpdatePage.h"
+#include "ui/win/ProgressWindow.h"
 #include "ui/win/TextWindow.h"
 
 namespace zoka {
@@ -120,37 +120,56 @@ bool ManagerDialog::load(CTemplateData& catalogue) {
         loaded =
             loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps) && m_session.prepareSearch(&steps);
     });
-    if (loaded) return true;
-    if (progress.cancelled()) throw LoadingCancelled();
+    if (loaded) {
+        return true;
+    }
+    if (progress.cancelled()) {
+        throw LoadingCancelled();
+    }
     return catalogue.LoadFromXML(
         m_setup.catalogue);  // says what is wrong with the file, and ends the process
 }
 
 void ManagerDialog::run() {
     try {
-        if (!m_session.open()) return;
+        if (!m_session.open()) {
+            return;
+        }
     } catch (const LoadingCancelled&) {
         return;
     }
-    if (!create()) return;
+    if (!create()) {
+        return;
+    }
     const bool ownerTakesInput = m_owner && IsWindowEnabled(m_owner);
-    if (ownerTakesInput) EnableWindow(m_owner, FALSE);
+    if (ownerTakesInput) {
+        EnableWindow(m_owner, FALSE);
+    }
     ShowWindow(m_window, g_remembered.maximized ? SW_SHOWMAXIMIZED : SW_SHOW);
     SetFocus(page()->firstField());
     messageLoop();
     // First the owner, so that the system goes on with it and not with another program's window.
-    if (ownerTakesInput) EnableWindow(m_owner, TRUE);
-    if (IsWindow(m_window)) DestroyWindow(m_window);
-    if (m_owner) SetActiveWindow(m_owner);
+    if (ownerTakesInput) {
+        EnableWindow(m_owner, TRUE);
+    }
+    if (IsWindow(m_window)) {
+        DestroyWindow(m_window);
+    }
+    if (m_owner) {
+        SetActiveWindow(m_owner);
+    }
 }
 
 bool ManagerDialog::create() {
     m_current = g_remembered.page;
     if (!makeDialog(m_owner,
                     WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MAXIMIZEBOX | WS_CLIPCHILDREN, 0,
-                    dialogProc, reinterpret_cast<LPARAM>(this)))
+                    dialogProc, reinterpret_cast<LPARAM>(this))) {
         return false;
-    if (page()) return true;
+    }
+    if (page()) {
+        return true;
+    }
     DestroyWindow(m_window);
     return false;
 }
@@ -192,10 +211,14 @@ void ManagerDialog::messageLoop() {
     while (!m_ended) {
         const BOOL got = GetMessageA(&message, nullptr, 0, 0);
         if (got <= 0) {
-            if (got == 0) PostQuitMessage(static_cast<int>(message.wParam));  // for the loops further out
+            if (got == 0) {
+                PostQuitMessage(static_cast<int>(message.wParam));  // for the loops further out
+            }
             return;
         }
-        if (takesKey(message) || IsDialogMessageA(m_window, &message)) continue;
+        if (takesKey(message) || IsDialogMessageA(m_window, &message)) {
+            continue;
+        }
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
@@ -204,13 +227,22 @@ void ManagerDialog::messageLoop() {
 // Ctrl+Tab and Ctrl+Page Down go to the next page, with Shift or Page Up to the one before.
 bool ManagerDialog::takesKey(const MSG& message) {
     if (message.message != WM_KEYDOWN || GetKeyState(VK_CONTROL) >= 0 || GetKeyState(VK_MENU) < 0 ||
-        (message.hwnd != m_window && !IsChild(m_window, message.hwnd)))
+        (message.hwnd != m_window && !IsChild(m_window, message.hwnd))) {
         return false;
+    }
     int step = 0;
-    if (message.wParam == VK_TAB) step = GetKeyState(VK_SHIFT) < 0 ? -1 : 1;
-    if (message.wParam == VK_NEXT) step = 1;
-    if (message.wParam == VK_PRIOR) step = -1;
-    if (step == 0) return false;
+    if (message.wParam == VK_TAB) {
+        step = GetKeyState(VK_SHIFT) < 0 ? -1 : 1;
+    }
+    if (message.wParam == VK_NEXT) {
+        step = 1;
+    }
+    if (message.wParam == VK_PRIOR) {
+        step = -1;
+    }
+    if (step == 0) {
+        return false;
+    }
     const bool onTabs = GetFocus() == m_tabs;
     showPage((m_current + step + kPageCount) % kPageCount);
     SetFocus(onTabs ? m_tabs : page()->firstField());
@@ -242,9 +274,10 @@ void ManagerDialog::layout() {
     place(m_status, x, foot + (field - m_fonts.y(kLabelHeightUnits)) / 2,
           width - button - m_fonts.x(kGapUnits), m_fonts.y(kLabelHeightUnits));
     place(m_close, static_cast<int>(area.right) - button, foot, button, field);
-    if (page())
+    if (page()) {
         place(page()->window(), x, static_cast<int>(area.top), width,
               static_cast<int>(area.bottom - area.top));
+    }
 }
 
 void ManagerDialog::showPage(int index) {
@@ -265,11 +298,15 @@ void ManagerDialog::showPage(int index) {
     refreshPage();
     SendMessageA(m_tabs, TCM_SETCURSEL, static_cast<WPARAM>(index), 0);
     ShowWindow(page()->window(), SW_SHOW);
-    if (before) ShowWindow(before, SW_HIDE);
+    if (before) {
+        ShowWindow(before, SW_HIDE);
+    }
 }
 
 void ManagerDialog::refreshPage() {
-    if (!m_stale[m_current]) return;
+    if (!m_stale[m_current]) {
+        return;
+    }
     m_stale[m_current] = false;
     page()->refresh();
 }
@@ -322,10 +359,14 @@ INT_PTR CALLBACK ManagerDialog::dialogProc(HWND window, UINT message, WPARAM wPa
         return FALSE;
     }
     auto* const self = reinterpret_cast<ManagerDialog*>(GetWindowLongPtrA(window, DWLP_USER));
-    if (!self) return FALSE;
+    if (!self) {
+        return FALSE;
+    }
     switch (message) {
         case WM_SIZE:
-            if (wParam == SIZE_MINIMIZED) return TRUE;
+            if (wParam == SIZE_MINIMIZED) {
+                return TRUE;
+            }
             self->layout();
             // Painted at once, so that nothing of the old places is seen while the frame is drawn larger.
             RedrawWindow(window, nullptr, nullptr,
@@ -338,17 +379,19 @@ INT_PTR CALLBACK ManagerDialog::dialogProc(HWND window, UINT message, WPARAM wPa
         }
         case WM_COMMAND:
             // The system sends here what Enter and Escape do, also for a button inside a page.
-            if (LOWORD(wParam) == IDCANCEL)
+            if (LOWORD(wParam) == IDCANCEL) {
                 self->close();
-            else if (LOWORD(wParam) == IDOK)
+            } else if (LOWORD(wParam) == IDOK) {
                 self->page()->mainAction();
-            else if (self->page())
+            } else if (self->page()) {
                 self->page()->command(LOWORD(wParam), HIWORD(wParam));
+            }
             return TRUE;
         case WM_NOTIFY: {
             const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
-            if (header.idFrom == kTabs && header.code == static_cast<UINT>(TCN_SELCHANGE))
+            if (header.idFrom == kTabs && header.code == static_cast<UINT>(TCN_SELCHANGE)) {
                 self->showPage(static_cast<int>(SendMessageA(self->m_tabs, TCM_GETCURSEL, 0, 0)));
+            }
             return TRUE;
         }
         case WM_CLOSE:

@@ -35,7 +35,9 @@ void NotesPage::mainAction() {
 }
 
 void NotesPage::command(int id, int code) {
-    if (id == kCopy && code == BN_CLICKED) mainAction();
+    if (id == kCopy && code == BN_CLICKED) {
+        mainAction();
+    }
 }
 
 }  // namespace zoka

@@ -24,7 +24,9 @@ HWND PageWindow::button(const char* text, int id, bool isMain) {
 }
 
 void PageWindow::settleSoon() {
-    if (!m_settlesSoon) m_settlesSoon = PostMessageA(m_window, kSettle, 0, 0);
+    if (!m_settlesSoon) {
+        m_settlesSoon = PostMessageA(m_window, kSettle, 0, 0);
+    }
 }
 
 INT_PTR CALLBACK PageWindow::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -36,17 +38,20 @@ INT_PTR CALLBACK PageWindow::dialogProc(HWND window, UINT message, WPARAM wParam
         return FALSE;
     }
     auto* const self = reinterpret_cast<PageWindow*>(GetWindowLongPtrA(window, DWLP_USER));
-    if (!self) return FALSE;
+    if (!self) {
+        return FALSE;
+    }
     switch (message) {
         case WM_SIZE:
             self->layout(LOWORD(lParam), HIWORD(lParam));
             return TRUE;
         case WM_COMMAND:
             // Enter and Escape are the dialog's.
-            if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
+            if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL) {
                 SendMessageA(GetParent(window), message, wParam, lParam);
-            else
+            } else {
                 self->command(LOWORD(wParam), HIWORD(wParam));
+            }
             return TRUE;
         case WM_NOTIFY:
             SetWindowLongPtrA(window, DWLP_MSGRESULT, self->notified(*reinterpret_cast<NMHDR*>(lParam)));

@@ -24,25 +24,33 @@ constexpr COLORREF kInk = RGB(0, 0, 0), kHeadingInk = RGB(60, 80, 120);
 std::vector<std::string> linesOf(const std::string& entry) {
     std::vector<std::string> lines{""};
     for (const char c : entry) {
-        if (c == '\n')
+        if (c == '\n') {
             lines.emplace_back();
-        else
+        } else {
             lines.back() += c;
+        }
     }
-    if (lines.size() > 1 && lines.back().empty()) lines.pop_back();
+    if (lines.size() > 1 && lines.back().empty()) {
+        lines.pop_back();
+    }
     return lines;
 }
 
 std::string shown(const DiffLine& line) {
-    if (line.mark == '@' || line.mark == '.') return line.text;
+    if (line.mark == '@' || line.mark == '.') {
+        return line.text;
+    }
     std::string text(1, line.mark);
     text += ' ';
     for (const char c : line.text) {
-        if (text.size() >= kLongestRow) break;
-        if (c == '\t')
+        if (text.size() >= kLongestRow) {
+            break;
+        }
+        if (c == '\t') {
             text.append(kTabWidth - (text.size() - 2) % kTabWidth, ' ');
-        else
+        } else {
             text += c;
+        }
     }
     return text;
 }
@@ -105,8 +113,9 @@ void UpdatePage::showEntries() {
     setText(m_label, "&Scripts that differ from the template folder: " + std::to_string(entries.size()));
     SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
     SendMessageA(m_list, LB_RESETCONTENT, 0, 0);
-    for (const UpdateEntry& entry : entries)
+    for (const UpdateEntry& entry : entries) {
         SendMessageA(m_list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.line.c_str()));
+    }
     SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(m_list, nullptr, TRUE);
 }
@@ -119,8 +128,9 @@ void UpdatePage::refresh() {
 
     const std::string missing = chosenItem(m_missing);
     SendMessageA(m_missing, CB_RESETCONTENT, 0, 0);
-    for (const std::string& name : session().restorable())
+    for (const std::string& name : session().restorable()) {
         SendMessageA(m_missing, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    }
     const LRESULT again = SendMessageA(m_missing, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
                                        reinterpret_cast<LPARAM>(missing.c_str()));
     SendMessageA(m_missing, CB_SETCURSEL, static_cast<WPARAM>(std::max<LRESULT>(again, 0)), 0);
@@ -142,8 +152,9 @@ void UpdatePage::showDifference() {
         heading = "&Differences of the template from the project's " + entry.fileName + ":";
         if (!entry.missingNeeds.empty()) {
             m_lines.push_back({'@', "The main script will include what is missing:"});
-            for (const std::string& need : entry.missingNeeds)
+            for (const std::string& need : entry.missingNeeds) {
                 m_lines.push_back({'+', "include <" + need + ">;"});
+            }
         }
         const std::vector<DiffHunk> hunks = session().difference(static_cast<size_t>(index));
         for (const DiffHunk& hunk : hunks) {
@@ -151,18 +162,23 @@ void UpdatePage::showDifference() {
                                         std::to_string(hunk.newStart) + ":"});
             m_lines.insert(m_lines.end(), hunk.lines.begin(), hunk.lines.end());
         }
-        if (hunks.empty() && entry.missingNeeds.empty())
+        if (hunks.empty() && entry.missingNeeds.empty()) {
             m_lines.push_back({'.', "The two copies are equal, or one of them can't be read."});
+        }
     }
     setText(m_changesLabel, heading);
     size_t longest = 0;
-    for (const DiffLine& line : m_lines) longest = std::max(longest, shown(line).size());
+    for (const DiffLine& line : m_lines) {
+        longest = std::max(longest, shown(line).size());
+    }
     m_changes.setCount(static_cast<int>(m_lines.size()));
     m_changes.setTextWidth((static_cast<int>(longest) + 2) * fonts().fixedWidth());
 }
 
 void UpdatePage::mainAction() {
-    if (chosen() < 0) return;
+    if (chosen() < 0) {
+        return;
+    }
     session().updateSelected(chosen());
     m_frame.sessionChanged();
     showUnplaced();
@@ -170,11 +186,14 @@ void UpdatePage::mainAction() {
 
 void UpdatePage::showUnplaced() {
     const std::string& unplaced = session().updateRun().unplaced();
-    if (unplaced.empty()) return;
-    m_frame.showText("Values without a place",
-                     "The new versions have no place for these values. They are kept beside each script, in the file "
-                     "whose name ends in .zoka.old:",
-                     unplaced);
+    if (unplaced.empty()) {
+        return;
+    }
+    m_frame.showText(
+        "Values without a place",
+        "The new versions have no place for these values. They are kept beside each script, in the file "
+        "whose name ends in .zoka.old:",
+        unplaced);
 }
 
 void UpdatePage::command(int id, int code) {
@@ -190,23 +209,32 @@ void UpdatePage::command(int id, int code) {
         showUnplaced();
     } else if (code == BN_CLICKED && id == kRestore) {
         const std::string name = chosenItem(m_missing);
-        if (name.empty()) return;
+        if (name.empty()) {
+            return;
+        }
         session().restore(name);
         m_frame.sessionChanged();
     }
 }
 
 LRESULT UpdatePage::notified(NMHDR& header) {
-    if (header.idFrom != kChanges) return 0;
-    if (header.code == static_cast<UINT>(NM_CUSTOMDRAW))
+    if (header.idFrom != kChanges) {
+        return 0;
+    }
+    if (header.code == static_cast<UINT>(NM_CUSTOMDRAW)) {
         return paintDifference(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+    }
     return m_changes.notified(header);
 }
 
 LRESULT UpdatePage::paintDifference(NMLVCUSTOMDRAW& draw) const {
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {
+        return CDRF_NOTIFYITEMDRAW;
+    }
     const size_t row = draw.nmcd.dwItemSpec;
-    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || row >= m_lines.size()) return CDRF_DODEFAULT;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || row >= m_lines.size()) {
+        return CDRF_DODEFAULT;
+    }
     // Ink and paper are always set together, so that the text is readable whatever the system's colours.
     switch (m_lines[row].mark) {
         case '-':
@@ -228,7 +256,9 @@ LRESULT UpdatePage::paintDifference(NMLVCUSTOMDRAW& draw) const {
 }
 
 void UpdatePage::measure(MEASUREITEMSTRUCT& item) {
-    if (item.CtlID != kList) return;
+    if (item.CtlID != kList) {
+        return;
+    }
     const std::vector<UpdateEntry>& entries = session().updates();
     const size_t lines = item.itemID < entries.size() ? linesOf(entries[item.itemID].line).size() : 1;
     const int height = static_cast<int>(lines) * fonts().lineHeight() + 2 * fonts().y(kRowPadding);
@@ -236,7 +266,9 @@ void UpdatePage::measure(MEASUREITEMSTRUCT& item) {
 }
 
 void UpdatePage::draw(const DRAWITEMSTRUCT& item) {
-    if (item.CtlID != kList) return;
+    if (item.CtlID != kList) {
+        return;
+    }
     const bool selected = (item.itemState & ODS_SELECTED) != 0;
     FillRect(item.hDC, &item.rcItem, GetSysColorBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
     const std::vector<UpdateEntry>& entries = session().updates();
@@ -254,7 +286,9 @@ void UpdatePage::draw(const DRAWITEMSTRUCT& item) {
             line.left = item.rcItem.left + fonts().x(10);  // what is missing stands under its script
         }
     }
-    if ((item.itemState & ODS_FOCUS) != 0) DrawFocusRect(item.hDC, &item.rcItem);
+    if ((item.itemState & ODS_FOCUS) != 0) {
+        DrawFocusRect(item.hDC, &item.rcItem);
+    }
 }
 
 }  // namespace zoka

@@ -17,8 +17,9 @@ const std::string kOptions = " -p game -t suite/templates -m game/main.kez ";
 // A project, and a template set of four scripts with its catalogue.
 struct Suite : ToolFolder {
     Suite() {
-        for (const char* folder : {"game", "suite", "suite/templates"})
+        for (const char* folder : {"game", "suite", "suite/templates"}) {
             std::filesystem::create_directory(path(folder));
+        }
         addTemplate("fog", "needs: weather.kez\r\n");
         addTemplate("weather", "needs: noise.kez\r\n");
         addTemplate("noise", "note: caf\xE9\r\n");
@@ -35,7 +36,9 @@ struct Suite : ToolFolder {
     }
     static std::string main(const std::vector<std::string>& names) {
         std::string text = "// main\r\n";
-        for (const std::string& name : names) text += "include <" + name + ">;\r\n";
+        for (const std::string& name : names) {
+            text += "include <" + name + ">;\r\n";
+        }
         return text + "\r\nfunction main() {}";
     }
 };
@@ -61,8 +64,9 @@ TEST(Catalogue, BuildTellsWhatHeadersLack) {
     for (const char* finding : {"odd.kez: needs none.kez, which is not in the catalogue",
                                 "which is not a file name that can be included", "odd.kez: needs itself",
                                 "fog.kez: the file is of version 9, the catalogue says 2",
-                                "noise.kez: the file is missing in the template folder"})
+                                "noise.kez: the file is missing in the template folder"}) {
         EXPECT_THAT(checked.out, HasSubstr(finding));
+    }
     EXPECT_GT(json::parse(suite.run(check + "--json").out)["findings"].size(), 5U);
 }
 
@@ -109,8 +113,9 @@ TEST(Catalogue, HelpPagesAreWrittenIntoANewFolder) {
     EXPECT_FALSE(std::filesystem::exists(suite.path("pages")));
     EXPECT_EQ(suite.run(command).status, 0);
     EXPECT_EQ(suite.run(command + " --dry-run").out, "");
-    for (const char* page : {"index.htm", "css.css", "template_C.htm", "Thefog.htm"})
+    for (const char* page : {"index.htm", "css.css", "template_C.htm", "Thefog.htm"}) {
         EXPECT_TRUE(std::filesystem::exists(suite.path("pages") / page)) << page;
+    }
 }
 
 TEST(Scripts, AddRemoveAndWhy) {

@@ -55,8 +55,9 @@ TEST_F(Customize, SetsValuesAllOrNone) {
     }
     ToolRun run = folder.run("customize set s.kez 4=11 lamp=1 --dry-run");
     EXPECT_EQ(run.status, 0);
-    for (const char* line : {"-var far_end = 10;", "+var far_end = 11;", "+define LAMP;"})
+    for (const char* line : {"-var far_end = 10;", "+var far_end = 11;", "+define LAMP;"}) {
         EXPECT_THAT(run.out, HasSubstr(line));
+    }
     EXPECT_EQ(folder.read("s.kez"), kScript);
     run = folder.run("customize set s.kez 4=11");
     EXPECT_EQ(run.status, 0) << run.err;

@@ -18,12 +18,15 @@ TEST(Usage, EveryCommandHasHelpWithAnExampleAndTheExitCodes) {
         EXPECT_THAT(run.out, HasSubstr("Example:\n  zoka " + example)) << arguments;
         EXPECT_THAT(run.out, HasSubstr("Exit codes:\n  0  done\n")) << arguments;
     };
-    for (const char* all : {"--help", "-h", "xml --help"}) expectHelp(all, "xml check ");
+    for (const char* all : {"--help", "-h", "xml --help"}) {
+        expectHelp(all, "xml check ");
+    }
     for (const std::string command :
          {"xml check", "xml format", "catalogue", "catalogue build", "catalogue check", "catalogue list",
           "catalogue show", "help-pages", "scripts", "scripts list", "scripts add", "scripts remove",
-          "scripts update", "scripts restore", "scripts notes", "scripts why"})
+          "scripts update", "scripts restore", "scripts notes", "scripts why"}) {
         expectHelp(command + " --help", command);
+    }
 }
 
 TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {

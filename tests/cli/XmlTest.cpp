@@ -18,9 +18,13 @@ constexpr char kMessy[] =
 std::string utf16(const std::string& ascii, bool bigEndian) {
     std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
     for (const char c : ascii) {
-        if (bigEndian) bytes += '\0';
+        if (bigEndian) {
+            bytes += '\0';
+        }
         bytes += c;
-        if (!bigEndian) bytes += '\0';
+        if (!bigEndian) {
+            bytes += '\0';
+        }
     }
     return bytes;
 }
@@ -76,7 +80,7 @@ TEST_F(XmlCheck, ReadsTheStandardInput) {
 TEST_F(XmlCheck, CannotReadWhatIsNoFileOrIsLocked) {
     std::filesystem::create_directory(folder.path("folder.xml"));
     const Unreadable locked(folder.path("locked.xml"));
-    for (const char* name : {"folder.xml", "locked.xml", "folder.xml/none.xml"})
+    for (const char* name : {"folder.xml", "locked.xml", "folder.xml/none.xml"}) {
         for (const char* command : {"xml check ", "xml format ", "xml format --in-place "}) {
             const ToolRun run = folder.run(command + std::string(name));
             EXPECT_EQ(run, (ToolRun{3, "", run.err})) << command << name;
@@ -84,6 +88,7 @@ TEST_F(XmlCheck, CannotReadWhatIsNoFileOrIsLocked) {
             EXPECT_THAT(run.err, StartsWith("zoka: cannot read " + std::string(name) + ": ")) << command;
             EXPECT_GT(run.err.size(), std::string(name).size() + 25) << run.err;
         }
+    }
 }
 
 TEST_F(XmlFormat, LaysOutOneElementALine) {
@@ -157,7 +162,9 @@ TEST_F(XmlFormat, ThatCannotWriteKeepsTheOldFile) {
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err, HasSubstr("b.xml"));
     std::string many = "<a>";
-    for (int i = 0; i < 3000; ++i) many += "<b/>";
+    for (int i = 0; i < 3000; ++i) {
+        many += "<b/>";
+    }
     many += "</a>";
     folder.write("big.xml", many);
     const Unwritable full(folder.path("big.xml"));

@@ -31,9 +31,12 @@ TEST(EntryRules, NumbersHaveNoExponentAndNoLocale) {
         const char* text;
         double value;
     } good[] = {{"0", 0}, {"007", 7}, {"-5", -5}, {"+2.5", 2.5}, {".5", .5}, {"5.", 5}, {"-", 0}, {"", 0}};
-    for (const auto& row : good) EXPECT_EQ(numberOf(row.text), row.value) << row.text;
-    for (const char* bad : {"1e5", "1.2.3", "--1", "1,5", " 1", "1 ", "0x1", "inf", "nan", "5-"})
+    for (const auto& row : good) {
+        EXPECT_EQ(numberOf(row.text), row.value) << row.text;
+    }
+    for (const char* bad : {"1e5", "1.2.3", "--1", "1,5", " 1", "1 ", "0x1", "inf", "nan", "5-"}) {
         EXPECT_FALSE(numberOf(bad)) << bad;
+    }
     EXPECT_GT(*numberOf(std::string(400, '9')), 1e300);
 }
 
@@ -146,8 +149,9 @@ TEST(EntryModel, StepsStayInsideTheLimitsAndWithoutRoundingTails) {
         {number("0.25", 0, 4, 0, true), 1, "0.26"}, {number("7", 0, 100, 0, false), 1, "8"},
         {number("7", 0, 0, 0.4, false), 1, "0"},    {number("-0.1", -1, 1, 0.1, true), 1, "0"},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(EntryModel(row.facts).stepped(row.steps), row.value) << row.facts.value;
+    }
 }
 
 TEST(EntryModel, SliderPositionsAndValuesAgree) {

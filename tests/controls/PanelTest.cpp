@@ -27,7 +27,9 @@ TEST(PanelLayout, StacksWithAGapAfterAllButTexts) {
 TEST(PanelLayout, FindsTheRowsInSightForEveryScrollPosition) {
     PanelLayout layout(8, 0, 4);
     std::vector<PanelItem> items;
-    for (int i = 0; i < 200; ++i) items.push_back({10 + i % 7 * 9, i % 5 != 0, i % 3 != 0});
+    for (int i = 0; i < 200; ++i) {
+        items.push_back({10 + i % 7 * 9, i % 5 != 0, i % 3 != 0});
+    }
     layout.stack(items);
     for (int top = 0; top < layout.contentHeight(); top += 3) {
         const auto range = layout.rowsWithin(top, 90);
@@ -60,7 +62,9 @@ TEST(PanelFilter, SearchesLabelHelpAndSectionOfChangedOnes) {
     PanelFilter filter;
     const auto shown = [&] {
         std::string text;
-        for (const bool one : filter.visible(items)) text += one ? '1' : '0';
+        for (const bool one : filter.visible(items)) {
+            text += one ? '1' : '0';
+        }
         return text;
     };
     EXPECT_EQ(shown(), "111111");
@@ -100,7 +104,9 @@ TEST(FileFilter, GoesByTheExtension) {
     } rows[] = {{"a.bmp", pictures}, {"a.b.PCX", pictures}, {"x\\y.Tga", pictures},
                 {"s.WAV", sounds},   {"s.wave", all},       {"wav", all},
                 {"", all},           {"a.", all},           {"a.wav.mdl", all}};
-    for (const auto& row : rows) EXPECT_EQ(fileFilterFor(row.name), row.filter) << row.name;
+    for (const auto& row : rows) {
+        EXPECT_EQ(fileFilterFor(row.name), row.filter) << row.name;
+    }
 }
 
 }  // namespace

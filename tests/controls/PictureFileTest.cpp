@@ -10,7 +10,9 @@ namespace {
 
 std::string bytes(std::initializer_list<int> values) {
     std::string made;
-    for (const int value : values) made += static_cast<char>(value);
+    for (const int value : values) {
+        made += static_cast<char>(value);
+    }
     return made;
 }
 
@@ -27,14 +29,18 @@ std::string pcxHeader(int bits, int planes, int width, int height, int lineBytes
 
 std::string palette256() {
     std::string made = bytes({12});
-    for (int i = 0; i < 256; ++i) made += bytes({i, 255 - i, i / 2});
+    for (int i = 0; i < 256; ++i) {
+        made += bytes({i, 255 - i, i / 2});
+    }
     return made;
 }
 
 // Red, green, blue of each pixel in hexadecimal, a blank between pixels; "none" for no picture.
 std::string pixels(const std::string& file) {
     const auto picture = decodePicture(file);
-    if (!picture) return "none";
+    if (!picture) {
+        return "none";
+    }
     std::string text = std::to_string(picture->width) + "x" + std::to_string(picture->height) + ":";
     char one[8];
     for (size_t i = 0; i < picture->rgba.size(); i += 4) {
@@ -68,13 +74,17 @@ TEST(PictureFile, ReadsTheKindsThatTheSuiteUses) {
         {"pcx whose run ends behind the picture", pcxHeader(1, 1, 8, 1, 1) + bytes({0xFF, 0}),
          "8x1: 010203 010203 010203 010203 010203 010203 010203 010203"},
     };
-    for (const auto& row : rows) EXPECT_EQ(pixels(row.file), row.pixels) << row.name;
+    for (const auto& row : rows) {
+        EXPECT_EQ(pixels(row.file), row.pixels) << row.name;
+    }
 }
 
 TEST(PictureFile, TakesDamagedAndForeignFilesForNoPicture) {
     std::string noPalette = kPcx256, huge = pcxHeader(8, 1, 3, 2, 4);
     noPalette[noPalette.size() - 769] = 0;
-    for (const size_t at : {9u, 11u, 67u}) huge[at] = '\x7f';  // 32,000 pixels each way
+    for (const size_t at : {9u, 11u, 67u}) {
+        huge[at] = '\x7f';  // 32,000 pixels each way
+    }
     const std::string rows[] = {
         "",
         "picture",
@@ -84,14 +94,17 @@ TEST(PictureFile, TakesDamagedAndForeignFilesForNoPicture) {
         pcxHeader(8, 1, 3, 2, 2) + bytes({0xC4, 7}) + palette256(),  // lines too short
         pcxHeader(3, 1, 3, 2, 4) + bytes({0xC8, 7}),
         pcxHeader(8, 3, 2, 1, 2) + bytes({0xC3, 9})};
-    for (const std::string& row : rows) EXPECT_EQ(pixels(row), "none") << row.substr(0, 20);
+    for (const std::string& row : rows) {
+        EXPECT_EQ(pixels(row), "none") << row.substr(0, 20);
+    }
     // Cut off anywhere: no picture, or what there is of it, and nothing read behind the end.
-    for (const std::string* whole : {&kBmp, &kTga, &kPcx256})
+    for (const std::string* whole : {&kBmp, &kTga, &kPcx256}) {
         for (size_t length = 0; length < whole->size(); ++length) {
             const auto picture = decodePicture(std::string(*whole, 0, length));
             const size_t filled = picture ? picture->rgba.size() : 0;
             ASSERT_EQ(filled, picture ? static_cast<size_t>(picture->width * picture->height * 4) : 0u);
         }
+    }
 }
 
 }  // namespace

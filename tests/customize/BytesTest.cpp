@@ -41,21 +41,26 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
             SCOPED_TRACE(name);
             ScriptPanel first = panelOf(form);
             for (size_t i = 0; i < first.size(); ++i) {
-                if (!first.script.entries[i].hasValue() || random() % 4 == 0) continue;
+                if (!first.script.entries[i].hasValue() || random() % 4 == 0) {
+                    continue;
+                }
                 std::string why;
                 EXPECT_TRUE(first.row(i).edit(otherValue(first.row(i), random), &why)) << why;
             }
             const std::vector<ScriptEdit> edits = editsOf(first.script);
             edited += edits.size();
-            for (const ScriptEdit& edit : edits)
-                if (keepsEntries(first.script, {edit}))
+            for (const ScriptEdit& edit : edits) {
+                if (keepsEntries(first.script, {edit})) {
                     ++certain[first.script.entries[edit.entry].kind == kEnable];
+                }
+            }
             ASSERT_EQ(scriptFault(form, static_cast<unsigned>(edited)), "");
             ScriptPanel second = panelOf(savedText(first));
             ASSERT_EQ(second.size(), first.size());
             ASSERT_TRUE(notReadBack(first.script, second.script).empty());
-            for (size_t i = 0; i < first.size(); ++i)
+            for (size_t i = 0; i < first.size(); ++i) {
                 ASSERT_TRUE(second.row(i).SetValueFromText(first.row(i).loadedValue()));
+            }
             ASSERT_EQ(savedText(second), form);
         }
     }
@@ -81,13 +86,17 @@ void breakEveryByte(const std::string& whole,
                     const std::function<std::string(const std::string&, unsigned)>& fault) {
     size_t number = 0;
     for (size_t length = 0; length < whole.size(); ++length) {
-        if (!isTaken(number += 20)) continue;
+        if (!isTaken(number += 20)) {
+            continue;
+        }
         ASSERT_EQ(fault(whole.substr(0, length), static_cast<unsigned>(length)), "") << length;
     }
     std::string changed = whole;
     for (size_t at = 0; at < whole.size(); ++at) {
         for (int value = 0; value < 256; ++value) {
-            if (!isTaken(++number)) continue;
+            if (!isTaken(++number)) {
+                continue;
+            }
             changed[at] = static_cast<char>(value);
             ASSERT_EQ(fault(changed, static_cast<unsigned>(number)), "") << at << " as " << value;
         }
@@ -110,9 +119,10 @@ TEST(Bytes, SeedsAndFindingsOfTheFuzzerHold) {
     size_t files = 0;
     for (const char* folder : {"seeds", "regressions"}) {
         for (const bool script : {true, false}) {
-            const auto path =
-                zoka::test::sourceDir() / "fuzz" / folder / (script ? "markup" : "valuefile");
-            if (!std::filesystem::exists(path)) continue;
+            const auto path = zoka::test::sourceDir() / "fuzz" / folder / (script ? "markup" : "valuefile");
+            if (!std::filesystem::exists(path)) {
+                continue;
+            }
             for (const auto& file : std::filesystem::directory_iterator(path)) {
                 const std::string bytes = readNative(file.path());
                 EXPECT_EQ(script ? scriptFault(bytes, 1) : valueFileFault(bytes), "") << file.path();
@@ -134,7 +144,9 @@ TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
     };
     for (const auto& row : rows) {
         ScriptPanel panel = panelOf(row.before);
-        for (size_t i = 0; i < panel.size(); ++i) panel.row(i).edit(panel.row(i).isOn() ? "0" : "1");
+        for (size_t i = 0; i < panel.size(); ++i) {
+            panel.row(i).edit(panel.row(i).isOn() ? "0" : "1");
+        }
         EXPECT_EQ(savedText(panel), row.after);
     }
 }
@@ -161,8 +173,9 @@ TEST(WriteBack, LineChangesShowWholeLinesOnce) {
     panel.row(2).edit("c");
     panel.row(3).edit("5");
     std::string text;
-    for (const LineChange& one : lineChanges(panel.script.fileText(), editsOf(panel.script)))
+    for (const LineChange& one : lineChanges(panel.script.fileText(), editsOf(panel.script))) {
         text += std::to_string(one.line) + '{' + one.before + "}{" + one.after + '}';
+    }
     EXPECT_EQ(text,
               "2{var x = 1; // one}{var x = 2; // one}4{//define B;}{define B;}6{s = \"a\r\nb\";}{s = \"c\";}"
               "9{var d = 4;}{var d = 5;}");
@@ -172,8 +185,7 @@ TEST(Golden, TheEntriesOfEverySampleAreThoseApproved) {
     for (const auto& [name, bytes] : sampleScripts()) {
         CustomScript script;
         takeCustomText(bytes, script);
-        const auto path =
-            zoka::test::sourceDir() / "tests/customize/golden" / (name + ".golden");
+        const auto path = zoka::test::sourceDir() / "tests/customize/golden" / (name + ".golden");
         EXPECT_EQ(entriesText(script), readNative(path))
             << "docs/customize-markup.md tells how to approve a change";
     }

@@ -17,43 +17,65 @@ std::string scriptFault(const std::string& text, unsigned seed) {
     takeCustomText(text, panel.script);
     panel.makeRows();
     CustomScript& script = panel.script;
-    if (script.fileText() != text) return "the text is not kept";
+    if (script.fileText() != text) {
+        return "the text is not kept";
+    }
     size_t cursor = 0;
     for (const CustomEntry& entry : script.entries) {
-        if (!entry.hasValue()) continue;
-        if (entry.valueStart < cursor) return "spans are not in order";
+        if (!entry.hasValue()) {
+            continue;
+        }
+        if (entry.valueStart < cursor) {
+            return "spans are not in order";
+        }
         cursor = entry.valueStart + entry.valueLength;
-        if (cursor > text.size()) return "a span lies outside";
+        if (cursor > text.size()) {
+            return "a span lies outside";
+        }
     }
-    if (editedText(text, editsOf(script)) != text) return "without a change there is a difference";
+    if (editedText(text, editsOf(script)) != text) {
+        return "without a change there is a difference";
+    }
 
     // A switched line may be anything, and what follows with it. A name in brackets of an entity, a path or
     // the like may end at its ">" without a blank, and another value then runs on: saving asks about such.
     bool uncertain = false;
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
-        if (entry.hasValue() && random() % 4 != 0) panel.row(i).edit(otherValue(panel.row(i), random));
+        if (entry.hasValue() && random() % 4 != 0) {
+            panel.row(i).edit(otherValue(panel.row(i), random));
+        }
         uncertain = uncertain || (entry.kind == kEnable && panel.row(i).HasChanged()) ||
                     (entry.kind >= kEntryEntity && entry.value.starts_with('<'));
     }
     const std::vector<ScriptEdit> edits = editsOf(script);
-    if (const std::string fault = editFault(script, edits); !fault.empty()) return fault;
+    if (const std::string fault = editFault(script, edits); !fault.empty()) {
+        return fault;
+    }
     const std::string edited = editedText(text, edits);
     lineChanges(text, edits);
     CustomScript again;
     takeCustomText(edited, again);
-    if (!uncertain)
-        for (const size_t i : notReadBack(script, again))
+    if (!uncertain) {
+        for (const size_t i : notReadBack(script, again)) {
             return "the value of \"" + script.entries[i].label + "\" is lost";
+        }
+    }
     // Those that saving is certain of, without reading the script again.
     std::vector<ScriptEdit> certain;
-    for (const ScriptEdit& edit : edits)
-        if (keepsEntries(script, {edit})) certain.push_back(edit);
-    if (certain.size() < edits.size()) takeCustomText(editedText(text, certain), again);
+    for (const ScriptEdit& edit : edits) {
+        if (keepsEntries(script, {edit})) {
+            certain.push_back(edit);
+        }
+    }
+    if (certain.size() < edits.size()) {
+        takeCustomText(editedText(text, certain), again);
+    }
     applyEdits(script, certain, editedText(text, certain));
     if (script.text != again.text || entriesText(script) != entriesText(again) ||
-        script.findings.count() != again.findings.count())
+        script.findings.count() != again.findings.count()) {
         return "read again it is\n" + entriesText(again) + "and not\n" + entriesText(script);
+    }
     return {};
 }
 
@@ -62,17 +84,25 @@ std::string valueFileFault(const std::string& bytes) {
     std::string written = "1\n0\n0\n\n";
     size_t carried = 0;
     for (const ValueRecord& record : first.records) {
-        if (record.id <= 0 || record.value.size() > kValueFileLine) return "a record is not whole";
+        if (record.id <= 0 || record.value.size() > kValueFileLine) {
+            return "a record is not whole";
+        }
         // A value that fills a line leaves no room for its line end.
-        if (record.value.size() == kValueFileLine) continue;
+        if (record.value.size() == kValueFileLine) {
+            continue;
+        }
         appendValueRecord(written, record.id, record.kind, record.value);
         ++carried;
     }
     const ValueRecords second = parseValueFile(written);
-    if (second.error || second.records.size() != carried) return "what is written can't be read";
+    if (second.error || second.records.size() != carried) {
+        return "what is written can't be read";
+    }
     const std::vector<UnplacedValue> lost = {{{3, 11, "a", "1"}, "why"}, {{-1, 11, "b", "2"}, "why"}};
     const std::string old = oldValuesText(bytes, CustomScript(), lost);
-    if (old.find("\n3\n11\n1\n\n") == old.npos || parseValueFile(old).error) return "old values are lost";
+    if (old.find("\n3\n11\n1\n\n") == old.npos || parseValueFile(old).error) {
+        return "old values are lost";
+    }
     return {};
 }
 

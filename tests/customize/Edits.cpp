@@ -8,7 +8,9 @@ namespace {
 std::string letters(std::minstd_rand& random, const char* set, size_t most) {
     const std::string all = set;
     std::string made(1 + random() % most, ' ');
-    for (char& c : made) c = all[random() % all.size()];
+    for (char& c : made) {
+        c = all[random() % all.size()];
+    }
     return made;
 }
 
@@ -34,9 +36,12 @@ std::string otherValue(const EntryModel& row, std::minstd_rand& random) {
                 break;
             case EntryField::StringField:
                 value = letters(random, "ab \t;<>='/\\:,\xC4%_\x80", 40) + letters(random, "x;/", 600);
-                if (facts.lines > 1) value += "\r\n// entry: no\nlast";
-                if (facts.maxChars > 0)
+                if (facts.lines > 1) {
+                    value += "\r\n// entry: no\nlast";
+                }
+                if (facts.maxChars > 0) {
                     value.resize(std::min(value.size(), static_cast<size_t>(facts.maxChars)));
+                }
                 break;
             case EntryField::DropList:
                 value = facts.options.empty() || random() % 3 == 0
@@ -47,7 +52,9 @@ std::string otherValue(const EntryModel& row, std::minstd_rand& random) {
                 return row.value();
         }
         value = row.asWritten(value);
-        if (value != row.value() && entryRefusal(facts, value).empty()) return value;
+        if (value != row.value() && entryRefusal(facts, value).empty()) {
+            return value;
+        }
     }
     return row.value();
 }

@@ -25,8 +25,12 @@ std::string entriesOf(const CustomScript& script) {
     for (const CustomEntry& entry : script.entries) {
         const std::string span = script.text.substr(entry.valueStart, entry.valueLength);
         all += (all.empty() ? "" : "|") + std::to_string(entry.kind);
-        if (entry.hasValue()) all += ' ' + entry.value;
-        if (entry.hasValue() && span != entry.value) all += " [" + span + "]";
+        if (entry.hasValue()) {
+            all += ' ' + entry.value;
+        }
+        if (entry.hasValue() && span != entry.value) {
+            all += " [" + span + "]";
+        }
     }
     return all;
 }
@@ -36,10 +40,13 @@ TEST(Keywords, AreWholeWordsInAnyCase) {
     EXPECT_EQ(LookupCustomKeyword("ENTRY_NUMEDITF"), 12);
     EXPECT_EQ(LookupCustomKeyword("Skill20"), 51);
     EXPECT_EQ(LookupCustomKeyword("cmp_edit"), 53);
-    for (int i = 0; i < kKeywordCount; ++i) EXPECT_EQ(LookupCustomKeyword(customKeywordName(i)), i);
+    for (int i = 0; i < kKeywordCount; ++i) {
+        EXPECT_EQ(LookupCustomKeyword(customKeywordName(i)), i);
+    }
     for (const char* word :
-         {"", "t", "titl", "titles", "skill21", "skill0", "flag9", "entry_", "entry_numEditFF"})
+         {"", "t", "titl", "titles", "skill21", "skill0", "flag9", "entry_", "entry_numEditFF"}) {
         EXPECT_EQ(LookupCustomKeyword(word), -1) << word;
+    }
 }
 
 TEST(Keywords, SlipsAreOneEditAwayAndNoHeaderWords) {
@@ -50,7 +57,9 @@ TEST(Keywords, SlipsAreOneEditAwayAndNoHeaderWords) {
                 {"sectoin", kSection}, {"hlep", kHelp},   {"CNTRL", kCntl},   {"entry", -1},
                 {"data", -1},          {"note", -1},      {"type", -1},       {"tx", -1},
                 {"sections2", -1},     {"idd", -1}};
-    for (const auto& row : rows) EXPECT_EQ(nearCustomKeyword(row.word), row.keyword) << row.word;
+    for (const auto& row : rows) {
+        EXPECT_EQ(nearCustomKeyword(row.word), row.keyword) << row.word;
+    }
 }
 
 TEST(Markup, KindsComeFromTheValue) {
@@ -112,7 +121,9 @@ TEST(Markup, KindsComeFromTheValue) {
         {"// action: a\n// entry: A\nvar x = 1;\n\n// entry: B\nvar y = 2;", "11 2"},
         {"// action: a\nACTIONS\n// entry: B\nvar y = 2;", "11 2"},
     };
-    for (const auto& row : rows) EXPECT_EQ(entriesOf(parsed(row.text)), row.entries) << row.text;
+    for (const auto& row : rows) {
+        EXPECT_EQ(entriesOf(parsed(row.text)), row.entries) << row.text;
+    }
 }
 
 TEST(Markup, SwitchesPointAtTheSlashesOrTheLine) {
@@ -146,9 +157,10 @@ TEST(Markup, LabelsHelpIdsAndNumbers) {
     EXPECT_EQ(script.version, 12);
     EXPECT_EQ(script.date, 260801);
     std::string all;
-    for (const CustomEntry& one : script.entries)
+    for (const CustomEntry& one : script.entries) {
         all += std::to_string(one.line) + '{' + one.label + '}' + one.help + '#' + std::to_string(one.id) +
                ' ' + std::to_string(one.textParam1) + ' ' + std::to_string(one.textParam2) + '\n';
+    }
     EXPECT_EQ(all, "3{Words: all}one\r\ntwo#7 3 180\n8{3, Words}#-1 0 0\n10{Lone}#-1 0 0\n");
 }
 
@@ -183,7 +195,9 @@ TEST(Markup, APairBelongsToItsValueAndIsWrittenLikeIt) {
     } rows[] = {{"no", {"yes", "no"}}, {"On", {"On", "Off"}}, {"FALSE", {"TRUE", "FALSE"}},
                 {"1", {"1", "0"}},     {"0", {"1", "0"}},     {"other", {"on", "off"}},
                 {"", {"on", "off"}}};
-    for (const auto& row : rows) EXPECT_EQ(dropPairOf(row.value), row.pair) << row.value;
+    for (const auto& row : rows) {
+        EXPECT_EQ(dropPairOf(row.value), row.pair) << row.value;
+    }
 }
 
 TEST(Markup, CompletesTheLastLineInMemoryOnly) {
@@ -236,8 +250,9 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
     for (const char* good :
          {"// data: weather.kez", "// test of things", "// date: 1", "// enable: A\n//x;\n\n",
           "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;",
-          "// skill1: Speed 3\n// cntl: spin 1 2 1\n// help: h\naction a"})
+          "// skill1: Speed 3\n// cntl: spin 1 2 1\n// help: h\naction a"}) {
         EXPECT_THAT(parsed(good).findings.kept(), IsEmpty()) << good;
+    }
 }
 
 }  // namespace

@@ -117,16 +117,25 @@ TEST_F(Session, RandomEditsThroughThePanelSaveReadBackAndReverse) {
     for (const auto& [name, bytes] : sampleScripts()) {
         SCOPED_TRACE(name);
         open(bytes);
-        for (size_t i = 0; i < session.size(); ++i)
-            if (session.entry(i).hasValue()) session.setValue(i, otherValue(session.row(i), random));
-        if (session.changedCount() == 0) continue;
+        for (size_t i = 0; i < session.size(); ++i) {
+            if (session.entry(i).hasValue()) {
+                session.setValue(i, otherValue(session.row(i), random));
+            }
+        }
+        if (session.changedCount() == 0) {
+            continue;
+        }
         std::vector<std::string> values;
-        for (size_t i = 0; i < session.size(); ++i) values.push_back(session.row(i).value());
+        for (size_t i = 0; i < session.size(); ++i) {
+            values.push_back(session.row(i).value());
+        }
         ASSERT_EQ(session.save(), SaveResult::Saved);
         CustomizeSession other(host, prompt);
         ASSERT_TRUE(other.open(project.path("s.kez")));
         ASSERT_EQ(other.size(), values.size());
-        for (size_t i = 0; i < values.size(); ++i) ASSERT_EQ(other.row(i).value(), values[i]);
+        for (size_t i = 0; i < values.size(); ++i) {
+            ASSERT_EQ(other.row(i).value(), values[i]);
+        }
         while (session.undo()) {
         }
         ASSERT_EQ(session.save(), SaveResult::Saved);

@@ -47,7 +47,9 @@ TEST_F(Session, FaultsAreToldLeaveWholeFilesAndTheNextTryWorks) {
         open();
         set("Range", "11");
         const auto act = [&] {
-            if (row.action != Save) prompt.answers = {PromptAnswer::Yes};
+            if (row.action != Save) {
+                prompt.answers = {PromptAnswer::Yes};
+            }
             return row.action == Save      ? session.save() == SaveResult::Saved
                    : row.action == Restore ? session.restore()
                                            : session.update();
@@ -71,8 +73,12 @@ TEST_F(Session, FaultsAreToldLeaveWholeFilesAndTheNextTryWorks) {
             EXPECT_EQ(value("Range"), "11");
             EXPECT_EQ(session.changedCount(), 1u);
         }
-        for (const std::string& name : project.names()) EXPECT_FALSE(name.ends_with(".tmp")) << name;
-        if (row.action == Save && row.newScript) set("Range", "12");
+        for (const std::string& name : project.names()) {
+            EXPECT_FALSE(name.ends_with(".tmp")) << name;
+        }
+        if (row.action == Save && row.newScript) {
+            set("Range", "12");
+        }
         EXPECT_TRUE(act()) << session.problem();
         EXPECT_TRUE(project.read("s.kez.zoka").starts_with("1\n") || row.action == Restore);
     }
@@ -120,7 +126,9 @@ TEST_F(Session, EveryFaultOfTheDiskLeavesTheOldScriptOrTheNew) {
                 EXPECT_EQ(prompt.asked.size(), 1u) << failing;
                 EXPECT_NE(session.problem(), "") << failing;
             }
-            for (const std::string& name : project.names()) EXPECT_FALSE(name.ends_with(".tmp")) << name;
+            for (const std::string& name : project.names()) {
+                EXPECT_FALSE(name.ends_with(".tmp")) << name;
+            }
         }
     }
 }

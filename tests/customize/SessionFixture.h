@@ -77,8 +77,21 @@ struct Session : testing::Test {
         host.setChosenFile(suite.path("templates\\s.kez"));
     }
     size_t rowOf(const std::string& label) {
-        for (size_t i = 0; i < session.size(); ++i)
-            if (session.entry(i).label == label) return i;
+        for (size_t i = 0; i < session.size(); ++i) {
+            {
+                {
+                    {
+                        if (session.entry(i).label == label) {
+                            {
+                                {
+                                    { return i; }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         ADD_FAILURE() << label;
         return 0;
     }

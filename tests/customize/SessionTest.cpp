@@ -101,8 +101,11 @@ TEST_F(Session, SearchAndChangesDecideWhatIsShown) {
     const auto shown = [&] {
         std::string labels;
         const std::vector<bool> rows = session.visibleRows();
-        for (size_t i = 0; i < rows.size(); ++i)
-            if (rows[i]) labels += session.entry(i).label + " ";
+        for (size_t i = 0; i < rows.size(); ++i) {
+            if (rows[i]) {
+                labels += session.entry(i).label + " ";
+            }
+        }
         return labels;
     };
     EXPECT_EQ(shown(), "First Range Lamp Second Gone Free Who ");

@@ -115,7 +115,9 @@ TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
     bool done = false;
     for (int failing = 1; !done; ++failing) {
         ASSERT_LT(failing, 100);
-        for (const std::string& name : project.names()) std::filesystem::remove(project.native(name));
+        for (const std::string& name : project.names()) {
+            std::filesystem::remove(project.native(name));
+        }
         const std::string path = project.write("s.kez", mine);
         std::string why;
         FaultyOsFiles disk(FaultyOsFiles::nth(failing));

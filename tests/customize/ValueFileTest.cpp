@@ -30,7 +30,9 @@ struct ValueFile : testing::Test {
     }
     std::string values() const {
         std::string all;
-        for (size_t i = 0; i < panel.size(); ++i) all += (i ? "|" : "") + panel.row(i).value();
+        for (size_t i = 0; i < panel.size(); ++i) {
+            all += (i ? "|" : "") + panel.row(i).value();
+        }
         return all;
     }
 
@@ -89,8 +91,9 @@ TEST_F(ValueFile, ReadingFollowsTheLines) {
         if (*row.values) {
             EXPECT_EQ(values(), row.values) << row.bytes;
             EXPECT_EQ(prompt.texts(), row.messages) << row.bytes;
-            for (const auto& box : prompt.asked)
+            for (const auto& box : prompt.asked) {
                 EXPECT_EQ(box.icon, box.text == warning ? PromptIcon::Warning : PromptIcon::Error);
+            }
         } else {
             EXPECT_EQ(panel.row(1).value(), longValue.substr(0, 511));
         }

@@ -17,8 +17,11 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> filesUnder(const char* folder) {
     std::vector<fs::path> paths;
-    for (const auto& entry : fs::directory_iterator(zoka::test::sourceDir() / "fuzz" / folder / "lex"))
-        if (entry.is_regular_file() && entry.path().filename() != "README.md") paths.push_back(entry.path());
+    for (const auto& entry : fs::directory_iterator(zoka::test::sourceDir() / "fuzz" / folder / "lex")) {
+        if (entry.is_regular_file() && entry.path().filename() != "README.md") {
+            paths.push_back(entry.path());
+        }
+    }
     std::sort(paths.begin(), paths.end());
     std::vector<std::string> texts;
     for (const auto& path : paths) {
@@ -31,17 +34,20 @@ std::vector<std::string> filesUnder(const char* folder) {
 std::string scriptText(size_t size) {
     std::string text;
     const std::vector<std::string> seeds = filesUnder("seeds");
-    for (size_t i = 0; text.size() < size; ++i)
+    for (size_t i = 0; text.size() < size; ++i) {
         text += seeds[i % seeds.size()] + "\nvar n = " + std::to_string(i);
+    }
     text.resize(size);
     return text;
 }
 
 TEST(HostileText, SeedsAndEarlierFindingsHold) {
     ASSERT_GE(filesUnder("seeds").size(), 4u);
-    for (const char* folder : {"seeds", "regressions"})
-        for (const std::string& text : filesUnder(folder))
+    for (const char* folder : {"seeds", "regressions"}) {
+        for (const std::string& text : filesUnder(folder)) {
             EXPECT_STREQ(zoka::lexcheck::fault(text), nullptr) << text;
+        }
+    }
 }
 
 // The index is made of the whole prefix. Of the rest only its end is walked: what stands before was walked in

@@ -26,7 +26,9 @@ inline std::vector<std::string_view> splitLines(std::string_view text) {
     for (size_t start = 0;;) {
         const size_t lf = text.find('\n', start);
         lines.push_back(text.substr(start, lf == text.npos ? lf : lf - start));
-        if (lf == text.npos) return lines;
+        if (lf == text.npos) {
+            return lines;
+        }
         start = lf + 1;
     }
 }
@@ -40,17 +42,24 @@ inline bool tokensHold(std::string_view line, const char* delims) {
     const std::string_view extra = delims ? delims : "";
     std::vector<std::string_view> expected;
     for (size_t i = 0; i < line.size();) {
-        while (i < line.size() && isSeparator(line[i], extra)) ++i;
+        while (i < line.size() && isSeparator(line[i], extra)) {
+            ++i;
+        }
         const size_t start = i;
         while (i < line.size() && line[i] && line[i] != '\r' && line[i] != '\n' &&
-               !isSeparator(line[i], extra))
+               !isSeparator(line[i], extra)) {
             ++i;
-        if (i == start) break;
+        }
+        if (i == start) {
+            break;
+        }
         expected.push_back(line.substr(start, i - start));
     }
     const char* token = CLex::GetFirstToken(line.data(), static_cast<long>(line.size()), delims);
     for (const std::string_view want : expected) {
-        if (token != want.data() || CLex::GetTokenLen() != static_cast<int>(want.size())) return false;
+        if (token != want.data() || CLex::GetTokenLen() != static_cast<int>(want.size())) {
+            return false;
+        }
         token = CLex::GetNextToken();
     }
     return token == nullptr && CLex::GetTokenLen() == 0 && CLex::GetNextToken() == nullptr;
@@ -60,9 +69,13 @@ inline bool tokensHold(std::string_view line, const char* delims) {
 inline bool quotedTokensHold(std::string_view line) {
     const char* from = line.data();
     const char* const end = from + line.size();
-    if (!CLex::GetFirstToken(from, static_cast<long>(line.size()))) return true;
+    if (!CLex::GetFirstToken(from, static_cast<long>(line.size()))) {
+        return true;
+    }
     while (const char* token = CLex::GetNextTokenEx()) {
-        if (token < from || token + CLex::GetTokenLen() > end) return false;
+        if (token < from || token + CLex::GetTokenLen() > end) {
+            return false;
+        }
         from = token + CLex::GetTokenLen();
     }
     return true;
@@ -108,8 +121,11 @@ inline bool stringHelpersHold(std::string_view line) {
 inline std::string folded(std::string_view line) {
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     std::string lower(line);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
     return lower;
 }
 
@@ -118,10 +134,14 @@ inline std::string folded(std::string_view line) {
 inline bool searchHolds(CLex& lex, const std::vector<std::string_view>& lines, size_t wanted, size_t from) {
     const std::string part = folded(lines[wanted]).substr(0, 3);
     size_t at = 0;
-    while (at < lines.size() && !folded(lines[(from + at) % lines.size()]).starts_with(part)) ++at;
+    while (at < lines.size() && !folded(lines[(from + at) % lines.size()]).starts_with(part)) {
+        ++at;
+    }
     lex.setPosAtLine(static_cast<int>(from));
     const char* const found = lex.search_to_line(part.data(), static_cast<int>(part.size()));
-    if (at == lines.size()) return !found && lex.getLineNum() == static_cast<int>(from);
+    if (at == lines.size()) {
+        return !found && lex.getLineNum() == static_cast<int>(from);
+    }
     return found && lex.getCurrLine() == static_cast<int>((from + at) % lines.size()) &&
            folded({found, static_cast<size_t>(lex.getLineLen())}).starts_with(part);
 }
@@ -133,44 +153,75 @@ inline const char* fault(std::string_view source, size_t firstLine = 0) {
     const std::string_view text(copy.bytes.get(), copy.size);
     CLex lex(text.data(), static_cast<long>(text.size()));
     const std::vector<std::string_view> lines = splitLines(text);
-    if (lex.getLinesNumber() != static_cast<int>(lines.size())) return "number of lines";
+    if (lex.getLinesNumber() != static_cast<int>(lines.size())) {
+        return "number of lines";
+    }
     bool longLine = false;
-    for (const auto& line : lines) longLine |= line.size() + (&line != &lines.back()) >= 1024;
-    if (lex.GetLastError() != (longLine ? CLEXERR_LONGLINE : CLEXERR_NONE)) return "long line";
+    for (const auto& line : lines) {
+        longLine |= line.size() + (&line != &lines.back()) >= 1024;
+    }
+    if (lex.GetLastError() != (longLine ? CLEXERR_LONGLINE : CLEXERR_NONE)) {
+        return "long line";
+    }
     for (size_t i = firstLine; i < lines.size(); ++i) {
         lex.setPosAtLine(static_cast<int>(i));
-        if (lex.getPos() != lines[i].data() - text.data()) return "line start";
+        if (lex.getPos() != lines[i].data() - text.data()) {
+            return "line start";
+        }
         const char* const got = lex.getNextUnformLine();
-        if (lex.getCurrLinePos() != lines[i].data()) return "start of the delivered line";
+        if (lex.getCurrLinePos() != lines[i].data()) {
+            return "start of the delivered line";
+        }
         const std::string_view line(got, static_cast<size_t>(lex.getLineLen()));
         const bool last = i + 1 == lines.size();
         if (last ? line != lines[i].substr(0, line.size()) || got[line.size()] != 0
-                 : line.data() != lines[i].data() || line.size() != lines[i].size())
+                 : line.data() != lines[i].data() || line.size() != lines[i].size()) {
             return "delivered line";
-        for (const char* delims : {static_cast<const char*>(nullptr), ":;=,", "\"<>\r"})
-            if (!tokensHold(line, delims)) return "tokens";
-        if (!quotedTokensHold(line)) return "quoted tokens";
-        if (!stringHelpersHold(line)) return "string helpers";
+        }
+        for (const char* delims : {static_cast<const char*>(nullptr), ":;=,", "\"<>\r"}) {
+            if (!tokensHold(line, delims)) {
+                return "tokens";
+            }
+        }
+        if (!quotedTokensHold(line)) {
+            return "quoted tokens";
+        }
+        if (!stringHelpersHold(line)) {
+            return "string helpers";
+        }
     }
-    if (lex.getNextUnformLine() || lex.getPos() != static_cast<long>(text.size())) return "end of the text";
+    if (lex.getNextUnformLine() || lex.getPos() != static_cast<long>(text.size())) {
+        return "end of the text";
+    }
 
     std::vector<std::string_view> bare = lines;
-    for (int i = 0; i < 2 && bare.back().ends_with('\r'); ++i) bare.back().remove_suffix(1);
-    for (size_t i = firstLine; i < bare.size() && i < firstLine + 8; ++i)
-        if (!searchHolds(lex, bare, i, bare.size() - 1 - (i - firstLine))) return "search";
+    for (int i = 0; i < 2 && bare.back().ends_with('\r'); ++i) {
+        bare.back().remove_suffix(1);
+    }
+    for (size_t i = firstLine; i < bare.size() && i < firstLine + 8; ++i) {
+        if (!searchHolds(lex, bare, i, bare.size() - 1 - (i - firstLine))) {
+            return "search";
+        }
+    }
 
     lex.setPosAtLine(static_cast<int>(firstLine));
     for (int before = lex.getCurrLine(); const char* line = lex.getNextLine(); before = lex.getCurrLine()) {
-        if (lex.getCurrLine() <= before) return "no advance";
-        if (lex.getLineLen() < 1 || lex.getLineLen() > 1024 || line[lex.getLineLen()] != 0)
+        if (lex.getCurrLine() <= before) {
+            return "no advance";
+        }
+        if (lex.getLineLen() < 1 || lex.getLineLen() > 1024 || line[lex.getLineLen()] != 0) {
             return "trimmed line";
-        if (line[0] == ' ' || line[0] == '\t' || std::string_view(line).starts_with("//"))
+        }
+        if (line[0] == ' ' || line[0] == '\t' || std::string_view(line).starts_with("//")) {
             return "passed over";
+        }
     }
     const size_t tail = static_cast<size_t>(lines[firstLine].data() - text.data());
     const long block =
         CLex::GetDefinitionBlockSize(text.data() + tail, static_cast<long>(text.size() - tail));
-    if (block < -1 || block > static_cast<long>(text.size() - tail)) return "block size";
+    if (block < -1 || block > static_cast<long>(text.size() - tail)) {
+        return "block size";
+    }
     return nullptr;
 }
 

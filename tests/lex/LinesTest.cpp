@@ -19,8 +19,9 @@ CLex lexOver(const std::string& text) {
 
 std::vector<std::string> unformatted(CLex& lex) {
     std::vector<std::string> lines;
-    while (const char* line = lex.getNextUnformLine())
+    while (const char* line = lex.getNextUnformLine()) {
         lines.emplace_back(line, static_cast<size_t>(lex.getLineLen()));
+    }
     return lines;
 }
 
@@ -143,7 +144,9 @@ TEST(Lines, PositionsFollowTheWalk) {
 
     EXPECT_EQ(lex.setPosAtLine(1), 1);
     EXPECT_EQ(lex.getLineNum(), 1);
-    for (const int outside : {-1, 3, INT_MIN, INT_MAX}) EXPECT_EQ(lex.setPosAtLine(outside), 0);
+    for (const int outside : {-1, 3, INT_MIN, INT_MAX}) {
+        EXPECT_EQ(lex.setPosAtLine(outside), 0);
+    }
     EXPECT_EQ(std::string(lex.getNextUnformLine(), 2), "cd");
     EXPECT_EQ(lex.getBuf(), text.data());
     EXPECT_EQ(lex.getBufSize(), 9);
@@ -228,8 +231,9 @@ TEST(LineIndex, FindsLineFeedsAtEveryPlaceOfABlock) {
             ASSERT_EQ(sparse.at(1), one.data() + place + 1);
             const zoka::LineIndex dense(allButOne.data(), size);
             ASSERT_EQ(dense.lines(), size);
-            for (size_t i = 1; i < size; ++i)
+            for (size_t i = 1; i < size; ++i) {
                 ASSERT_EQ(dense.at(i), allButOne.data() + (i <= place ? i : i + 1));
+            }
         }
     }
     const std::string feeds(100'000, '\n');

@@ -13,8 +13,11 @@ namespace {
 // Under a locale whose decimal point is a comma, where the system has one.
 struct CommaLocale {
     CommaLocale() {
-        for (const char* name : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"})
-            if (std::setlocale(LC_ALL, name)) break;
+        for (const char* name : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"}) {
+            if (std::setlocale(LC_ALL, name)) {
+                break;
+            }
+        }
     }
     ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
 };
@@ -116,10 +119,12 @@ TEST(Numbers, BinariesHave32Bits) {
 }
 
 TEST(Numbers, AreToldFromOtherTexts) {
-    for (const char* number : {"0", "123", "+5", "-5", "+", "-"})
+    for (const char* number : {"0", "123", "+5", "-5", "+", "-"}) {
         EXPECT_TRUE(CLex::IsDigit(number, static_cast<int>(std::string(number).size()))) << number;
-    for (const char* other : {"1.5", "--5", "5-", "a", " 5"})
+    }
+    for (const char* other : {"1.5", "--5", "5-", "a", " 5"}) {
         EXPECT_FALSE(CLex::IsDigit(other, static_cast<int>(std::string(other).size()))) << other;
+    }
     EXPECT_TRUE(CLex::IsDigit("12ab", 2));
     EXPECT_FALSE(CLex::IsDigit("12", 3));
     EXPECT_FALSE(CLex::IsDigit("12", 0));
@@ -178,9 +183,10 @@ TEST(Numbers, BlockSizeReachesTheEndOfTheClosingLine) {
         {"no braces\n", -1},
         {"", -1},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(CLex::GetDefinitionBlockSize(row.text.data(), static_cast<long>(row.text.size())), row.size)
             << row.text;
+    }
     EXPECT_EQ(CLex::GetDefinitionBlockSize("{\n}\n", 3), 3);
     EXPECT_EQ(CLex::GetDefinitionBlockSize("{\n}\n", 2), -1);
     EXPECT_EQ(CLex::GetDefinitionBlockSize("{}", 0), -1);

@@ -19,7 +19,9 @@ std::string lastToken(const char* token) {
 Texts tokens(const std::string& text, const char* delims = nullptr) {
     Texts found;
     const char* token = CLex::GetFirstToken(text.data(), static_cast<long>(text.size()), delims);
-    for (; token; token = CLex::GetNextToken()) found.push_back(lastToken(token));
+    for (; token; token = CLex::GetNextToken()) {
+        found.push_back(lastToken(token));
+    }
     return found;
 }
 
@@ -43,7 +45,9 @@ TEST(Tokens, AreBoundedByBlanksLineEndsAndSeparators) {
         {"a\nb", "\n", {"a", "b"}},  // a LF given as a separator joins lines
         {"a,b", "", {"a,b"}},
     };
-    for (const auto& row : rows) EXPECT_EQ(tokens(row.text, row.delims), row.expected) << row.text;
+    for (const auto& row : rows) {
+        EXPECT_EQ(tokens(row.text, row.delims), row.expected) << row.text;
+    }
 }
 
 TEST(Tokens, AreReadWithinTheLengthGiven) {
@@ -51,7 +55,9 @@ TEST(Tokens, AreReadWithinTheLengthGiven) {
     EXPECT_EQ(lastToken(CLex::GetFirstToken(text, 3)), "alp");
     EXPECT_EQ(CLex::GetNextToken(), nullptr);
     EXPECT_EQ(CLex::GetTokenLen(), 0);
-    for (const long none : {0L, -1L, LONG_MIN}) EXPECT_EQ(CLex::GetFirstToken(text, none), nullptr);
+    for (const long none : {0L, -1L, LONG_MIN}) {
+        EXPECT_EQ(CLex::GetFirstToken(text, none), nullptr);
+    }
     EXPECT_EQ(CLex::GetFirstToken(nullptr, 5), nullptr);
     EXPECT_EQ(CLex::GetNextToken(), nullptr);
     EXPECT_EQ(CLex::GetNextTokenEx(), nullptr);
@@ -70,7 +76,9 @@ TEST(Tokens, InQuotesAreTakenWholeWhereTheQuotesClose) {
         const std::string copy = row.text;
         CLex::GetFirstToken(copy.data(), static_cast<long>(copy.size()));
         Texts found;
-        while (const char* token = CLex::GetNextTokenEx()) found.push_back(lastToken(token));
+        while (const char* token = CLex::GetNextTokenEx()) {
+            found.push_back(lastToken(token));
+        }
         EXPECT_EQ(found, row.expected) << row.text;
     }
     const std::string cut = "x \"ab\"";

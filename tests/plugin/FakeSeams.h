@@ -52,12 +52,16 @@ public:
     bool bringToFront() override {
         const std::lock_guard lock(m_mutex);
         // A closing panel is not noted: whether it is asked before or after it has closed is a matter of luck.
-        if (m_closing) return false;
+        if (m_closing) {
+            return false;
+        }
         m_log.add("front " + m_name);
         return true;
     }
     void waitUntilGone() override {
-        if (m_thread.joinable()) m_thread.join();
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
     }
     void leaveForUnload() override {
         m_log.add("unload " + m_name);

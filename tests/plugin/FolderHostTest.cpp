@@ -24,10 +24,14 @@ TEST(FolderHost, FindsTheMainScript) {
     };
     for (const auto& row : rows) {
         const TempFolder folder;
-        for (const std::string& name : row.files) folder.write(name, "");
+        for (const std::string& name : row.files) {
+            folder.write(name, "");
+        }
         FolderHost host({.project = folder.path(), .suite = "", .mainScript = row.given});
         auto expected = row.script;
-        if (expected && row.given.empty()) expected = folder.path(*expected);
+        if (expected && row.given.empty()) {
+            expected = folder.path(*expected);
+        }
         EXPECT_EQ(host.GetMainScriptPath(), expected) << testing::PrintToString(row.files);
     }
 }

@@ -33,7 +33,7 @@ struct RawHost {
     Word fill(char* buffer, Word size) {
         EXPECT_EQ(std::count(buffer, buffer + size, '\0'), size) << "not cleared before the call";
         if (fillsAll) {
-            std::memset(buffer, 'x', static_cast<std::size_t>(size));
+            std::memset(buffer, 'x', static_cast<size_t>(size));
         } else {
             std::memcpy(buffer, answer.c_str(), answer.size() + 1);
         }
@@ -61,7 +61,7 @@ Word ZOKA_HOST_MEMBER listItemName(RawHost* host, Word index, char* buffer, Word
 }
 Word ZOKA_HOST_MEMBER chooseFile(RawHost* host, char* buffer, Word size, Word mode, const char* topic) {
     host->calls.push_back("choose " + std::string(buffer) + " " + std::to_string(mode) + " " + topic);
-    std::memset(buffer, 0, static_cast<std::size_t>(size));
+    std::memset(buffer, 0, static_cast<size_t>(size));
     return host->fill(buffer, size);
 }
 Word ZOKA_HOST_MEMBER projectFolder(RawHost* host, char* buffer, Word size) {
@@ -70,7 +70,7 @@ Word ZOKA_HOST_MEMBER projectFolder(RawHost* host, char* buffer, Word size) {
 }
 // All of a path buffer may be read.
 void expectBuffer(const char* path) {
-    const std::size_t length = std::strlen(path);
+    const size_t length = std::strlen(path);
     EXPECT_EQ(std::count(path + length, path + kHostPathSize, '\0'),
               static_cast<std::ptrdiff_t>(kHostPathSize - length));
 }
@@ -85,7 +85,9 @@ Word ZOKA_HOST_MEMBER copyWithSubstitutions(RawHost* host, const char* source, c
     expectBuffer(source);
     expectBuffer(target);
     std::string call = "substitute " + std::string(source) + " " + target;
-    for (; list && list->find; ++list) call += " " + std::string(list->find) + "=" + list->replacement;
+    for (; list && list->find; ++list) {
+        call += " " + std::string(list->find) + "=" + list->replacement;
+    }
     host->calls.push_back(call + (list ? " end" : " null"));
     return byteResult(host->result);
 }

@@ -37,7 +37,9 @@ struct Initialised : Procedures {
 };
 
 TEST_F(Procedures, NothingIsHandedOutBeforeInitialisation) {
-    for (const int index : {-1, 0, 3, 4}) EXPECT_EQ(PIGetProcDef(index), nullptr) << index;
+    for (const int index : {-1, 0, 3, 4}) {
+        EXPECT_EQ(PIGetProcDef(index), nullptr) << index;
+    }
     EXPECT_EQ(PIInitialize(nullptr), 0);
     EXPECT_EQ(PIGetProcDef(0), nullptr);
     EXPECT_THAT(prompt.texts(), ElementsAre("No AppInterface (ec11-1)"));
@@ -67,7 +69,9 @@ TEST_F(Initialised, RecordsAreTheFourOfTheTable) {
         // The host reads words, by position.
         const auto* const words = reinterpret_cast<const std::uintptr_t*>(record);
         EXPECT_EQ(words[8], reinterpret_cast<std::uintptr_t>(record));
-        for (const int reserved : {5, 6, 7, 11, 12}) EXPECT_EQ(words[reserved], 0u) << reserved;
+        for (const int reserved : {5, 6, 7, 11, 12}) {
+            EXPECT_EQ(words[reserved], 0u) << reserved;
+        }
     }
     EXPECT_EQ(PIGetProcDef(-1), nullptr);
     EXPECT_EQ(PIGetProcDef(4), nullptr);
@@ -112,8 +116,11 @@ TEST_F(Procedures, MissingPreconditionsChangeNothing) {
                              {kCustomize, kEditor, {"Invalid Zun Interface (ec11-2)"}},
                              {kAddScript, kApp, {"No AppInterface (ec10-1)"}},
                              {kAddScript, kEditor, {"Invalid Zun Interface (ec10-2)"}}};
-    for (const int silent : {kBehavior, kWizard})
-        for (const Missing missing : {kFlags, kApp, kEditor}) rows.push_back({silent, missing, {}});
+    for (const int silent : {kBehavior, kWizard}) {
+        for (const Missing missing : {kFlags, kApp, kEditor}) {
+            rows.push_back({silent, missing, {}});
+        }
+    }
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << g_procDefs[row.index].name << " missing " << row.missing);
         prompt.asked.clear();
@@ -347,7 +354,9 @@ TEST(ProjectFile, ReplacesFourCharactersFromTheLastDot) {
                 {"main.", "main.xml"},
                 {"main", std::nullopt},
                 {"", std::nullopt}};
-    for (const auto& row : rows) EXPECT_EQ(projectFileOf(row.script), row.project) << row.script;
+    for (const auto& row : rows) {
+        EXPECT_EQ(projectFileOf(row.script), row.project) << row.script;
+    }
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ public:
     void MainScriptChanged() override { record("MainScriptChanged", {}); }
     std::optional<std::string> GetListItemName(int index) override {
         const bool works = record("GetListItemName", {std::to_string(index)});
-        const auto at = static_cast<std::size_t>(index);
+        const auto at = static_cast<size_t>(index);
         return works && index >= 0 && at < listItems.size() ? std::optional(listItems[at]) : std::nullopt;
     }
     void EndListUpdate() override { record("EndListUpdate", {}); }
@@ -69,7 +69,11 @@ public:
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) override {
         std::vector<std::string> arguments = {source, destination};
-        for (const auto& [find, replacement] : substitutions) arguments.push_back(find + "->" + replacement);
+        for (const auto& [find, replacement] : substitutions) {
+            {
+                { arguments.push_back(find + "->" + replacement); }
+            }
+        }
         return record("CopyFileWithSubstitutions", arguments);
     }
     std::string QueryFolder(ZunCommandCode code) override {
@@ -83,7 +87,11 @@ private:
     }
     bool record(const std::string& name, const std::vector<std::string>& arguments) {
         std::string text = name + "(";
-        for (const std::string& argument : arguments) text += (text.back() == '(' ? "" : ", ") + argument;
+        for (const std::string& argument : arguments) {
+            {
+                { text += (text.back() == '(' ? "" : ", ") + argument; }
+            }
+        }
         m_calls.add(text + ")");
         return !failing.contains(name);
     }

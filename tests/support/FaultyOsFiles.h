@@ -72,7 +72,43 @@ public:
         return !bad("renameNew", to) && m_real.renameNew(from, to);
     }
     void flushFolder(Path p) override {
-        if (!bad("flushFolder", p)) m_real.flushFolder(p);
+        if (!bad("flushFolder", p)) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                {
+                                                                    {
+                                                                        {
+                                                                            {
+                                                                                { m_real.flushFolder(p); }
+                                                                            }
+                                                                        }
+                                                                    }
+                                                                }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
     std::string lastError() override { return m_injected ? "injected fault" : m_real.lastError(); }
 

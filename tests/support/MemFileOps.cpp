@@ -7,7 +7,7 @@
 namespace zoka::test {
 namespace {
 
-constexpr std::size_t kMostBytes = 1 << 20;  // of one run, so that a hostile string of operations ends
+constexpr size_t kMostBytes = 1 << 20;  // of one run, so that a hostile string of operations ends
 
 // The memory file's rules, byte by byte.
 struct Model {
@@ -20,28 +20,36 @@ struct Model {
         if (pos == size()) {
             data += c;
         } else {
-            data[static_cast<std::size_t>(pos)] = c;
+            data[static_cast<size_t>(pos)] = c;
         }
         ++pos;
     }
     void write(const std::string& bytes) {
         const long count = static_cast<long>(bytes.size());
-        if (count > 0 && pos + count >= alloc) alloc += count <= 1024 ? 1024 : (count | 15) + 1;
-        for (const char c : bytes) put(c);
+        if (count > 0 && pos + count >= alloc) {
+            alloc += count <= 1024 ? 1024 : (count | 15) + 1;
+        }
+        for (const char c : bytes) {
+            put(c);
+        }
     }
     void putc(char c) {
         alloc += pos == alloc ? 1024 : 0;
         put(c);
     }
     bool seek(long off, int whence) {
-        if (whence < 0 || whence > 2 || (whence == 2 && off > 0)) return false;
+        if (whence < 0 || whence > 2 || (whence == 2 && off > 0)) {
+            return false;
+        }
         const long target = off + (whence == 0 ? 0 : whence == 1 ? pos : size());
-        if (target < 0 || target > size()) return false;
+        if (target < 0 || target > size()) {
+            return false;
+        }
         pos = target;
         return true;
     }
     std::string take(long count) {
-        const std::string part = data.substr(static_cast<std::size_t>(pos), static_cast<std::size_t>(count));
+        const std::string part = data.substr(static_cast<size_t>(pos), static_cast<size_t>(count));
         pos += static_cast<long>(part.size());
         return part;
     }
@@ -51,8 +59,9 @@ struct Model {
             const std::string c = take(1);
             text += c;
             if (c == "\n" || c == "\r") {
-                if (pos < size() && data[static_cast<std::size_t>(pos)] == (c == "\n" ? '\r' : '\n'))
+                if (pos < size() && data[static_cast<size_t>(pos)] == (c == "\n" ? '\r' : '\n')) {
                     text += take(1);
+                }
                 break;
             }
         }
@@ -62,10 +71,12 @@ struct Model {
 
 class Input {
 public:
-    Input(const std::uint8_t* data, std::size_t size) : m_data(data), m_left(size) {}
+    Input(const std::uint8_t* data, size_t size) : m_data(data), m_left(size) {}
     bool empty() const { return m_left == 0; }
     std::uint8_t byte() {
-        if (m_left == 0) return 0;
+        if (m_left == 0) {
+            return 0;
+        }
         --m_left;
         return *m_data++;
     }
@@ -73,13 +84,13 @@ public:
 
 private:
     const std::uint8_t* m_data;
-    std::size_t m_left;
+    size_t m_left;
 };
 
 class Run {
 public:
     std::string operations(Input in) {
-        std::size_t spent = 0;
+        size_t spent = 0;
         while (!in.empty() && spent < kMostBytes) {
             const std::uint8_t op = in.byte() % 12;
             const long number = in.number();
@@ -149,7 +160,9 @@ private:
 
     void write(long size, long n) {
         std::string written;
-        for (long i = 0; i < size * n; ++i) written += "\r\nxyz0"[m_seed++ * 7 % 11 % 6];
+        for (long i = 0; i < size * n; ++i) {
+            written += "\r\nxyz0"[m_seed++ * 7 % 11 % 6];
+        }
         const long done = size > 0 ? n : 0;
         compare("Write", number(m_file.Write(written.data(), bytes(size), bytes(n))), done);
         m_model.write(written);
@@ -210,15 +223,18 @@ private:
         return c.empty() ? -1 : static_cast<unsigned char>(c[0]);
     }
 
-    static long number(std::size_t value) { return static_cast<long>(value); }
-    static std::size_t bytes(long value) { return static_cast<std::size_t>(value); }
+    static long number(size_t value) { return static_cast<long>(value); }
+    static size_t bytes(long value) { return static_cast<size_t>(value); }
 
     void compare(const char* what, long got, long expected) {
-        if (got != expected && m_report.empty())
+        if (got != expected && m_report.empty()) {
             m_report = std::string(what) + " is " + std::to_string(got) + ", not " + std::to_string(expected);
+        }
     }
     void compareText(const char* what, const std::string& got, const std::string& expected) {
-        if (got != expected && m_report.empty()) m_report = std::string(what) + " differs";
+        if (got != expected && m_report.empty()) {
+            m_report = std::string(what) + " differs";
+        }
     }
 
     dmemfile_t m_file;
@@ -229,7 +245,7 @@ private:
 
 }  // namespace
 
-std::string runMemFileOps(const std::uint8_t* data, std::size_t size) {
+std::string runMemFileOps(const std::uint8_t* data, size_t size) {
     return Run().operations(Input(data, size));
 }
 

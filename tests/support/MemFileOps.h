@@ -10,12 +10,12 @@
 
 struct dmemfile_peek {
     static std::int32_t alloc(const dmemfile_t& file) { return file.alloc; }
-    static std::size_t blockSize(std::int32_t alloc) { return dmemfile_t::blockSize(alloc); }
+    static size_t blockSize(std::int32_t alloc) { return dmemfile_t::blockSize(alloc); }
 };
 
 namespace zoka::test {
 
 // Where file and model first disagree, in words; empty when they never do.
-std::string runMemFileOps(const std::uint8_t* data, std::size_t size);
+std::string runMemFileOps(const std::uint8_t* data, size_t size);
 
 }  // namespace zoka::test

@@ -46,14 +46,58 @@ public:
     // The texts alone, for comparing.
     std::vector<std::string> texts() const {
         std::vector<std::string> all;
-        for (const Asked& one : asked) all.push_back(one.text);
+        for (const Asked& one : asked) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    { all.push_back(one.text); }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         return all;
     }
 
     PromptAnswer ask(const std::string& text, const std::string& title, PromptButtons buttons,
                      PromptIcon icon) override {
         asked.push_back({text, title, buttons, icon});
-        if (buttons == PromptButtons::Ok) return PromptAnswer::Ok;
+        if (buttons == PromptButtons::Ok) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    { return PromptAnswer::Ok; }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
         if (answers.empty()) {
             ADD_FAILURE() << "no answer is laid down for: " << text;
             return buttons == PromptButtons::YesNo ? PromptAnswer::No : PromptAnswer::Cancel;

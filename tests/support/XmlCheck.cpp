@@ -25,7 +25,7 @@ std::string dumpXml(const XMLNode& top) {
     struct Open {
         XMLNode node;
         std::vector<int> order;
-        std::size_t next;
+        size_t next;
     };
     std::string out;
     std::vector<Open> stack;
@@ -71,14 +71,21 @@ std::string checkTree(const XMLNode& document) {
     for (const bool formatted : {true, false}) {
         int length = 0;
         const std::string text = textOf(document, formatted, &length);
-        if (text.size() != static_cast<std::size_t>(length)) return "toText gives a wrong length";
+        if (text.size() != static_cast<size_t>(length)) {
+            return "toText gives a wrong length";
+        }
         XMLResults results;
         const XMLNode again = XMLNode::parseText(text.c_str(), nullptr, &results);
-        if (again.isEmpty())
+        if (again.isEmpty()) {
             return "what was written is not read: " + std::string(XMLNode::errorText(results.code)) + "\n" +
                    text;
-        if (dumpXml(again) != before) return "reads back differently:\n" + before + dumpXml(again);
-        if (textOf(again, formatted) != text) return "writes differently the second time";
+        }
+        if (dumpXml(again) != before) {
+            return "reads back differently:\n" + before + dumpXml(again);
+        }
+        if (textOf(again, formatted) != text) {
+            return "writes differently the second time";
+        }
     }
     return {};
 }
@@ -91,15 +98,22 @@ std::string checkXml(std::string_view bytes) {
         setXmlCharset(charset);
         XMLResults results;
         const XMLNode document = XMLNode::parseBytes(bytes, nullptr, &results);
-        if (document.isEmpty() != (results.code != kXmlNone)) wrong = "a result and an error, or neither";
+        if (document.isEmpty() != (results.code != kXmlNone)) {
+            wrong = "a result and an error, or neither";
+        }
         const auto lines =
             1 + std::count_if(bytes.begin(), bytes.end(), [](char c) { return c == '\n' || c == '\r'; });
         if (results.code < 0 || results.code > kXmlCannotConvert || results.line < 0 ||
             results.line > lines || results.column < 0 ||
-            static_cast<std::size_t>(results.column) > bytes.size() + 1)
+            static_cast<size_t>(results.column) > bytes.size() + 1) {
             wrong = "an error outside of the text";
-        if (wrong.empty() && !document.isEmpty()) wrong = checkTree(document);
-        if (!wrong.empty()) break;
+        }
+        if (wrong.empty() && !document.isEmpty()) {
+            wrong = checkTree(document);
+        }
+        if (!wrong.empty()) {
+            break;
+        }
     }
     setXmlCharset(XMLCharset::Utf8);
     return wrong;

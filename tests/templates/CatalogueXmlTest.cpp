@@ -106,8 +106,9 @@ TEST(CatalogueXml, ReadsBackWithoutWhatTheFormatLoses) {
     std::string expected = kFullText;
     for (const char* lost :
          {" edition =\"STD\"", "cam_", " edition =\"PRO\"", "\t<note>Mind the gap.</note>\n",
-          "\t\timgfile=\"view.bmp\"\n", "How it looks.", " edition =\"PRO\"", "How it looks."})
+          "\t\timgfile=\"view.bmp\"\n", "How it looks.", " edition =\"PRO\"", "How it looks."}) {
         expected.erase(expected.find(lost), std::string(lost).size());
+    }
     expected.erase(expected.find("Runs.\n") + 5, 1);
     EXPECT_EQ(catalogueText(data, "261121"), expected);
 }
@@ -191,7 +192,9 @@ TEST(CatalogueXml, LoadingCanBeStopped) {
         }
     };
     CTemplateData full;
-    for (int i = 0; i < 3000; ++i) full.AddScript(CScriptElm());
+    for (int i = 0; i < 3000; ++i) {
+        full.AddScript(CScriptElm());
+    }
     const TempFolder folder;
     full.WriteXML(folder.path("t.xml"));
     for (int at = 1;; ++at) {
@@ -251,5 +254,7 @@ TEST(CatalogueXml, WhatWasLoadedOutlivesItsSourceAndMixesWithWhatIsAdded) {
     EXPECT_EQ(copy.findByName("Chase")->m_note, "");  // read back
     EXPECT_EQ(copy.findByName("Added")->m_note, "Mind the gap.");
     EXPECT_EQ(copy.findByFilename("chase.kez")->m_needs, (Names{"a.kez", "b.kez"}));
-    for (const CScriptElm& script : copy.scripts()) EXPECT_EQ(script.m_class, "Camera") << script.m_name;
+    for (const CScriptElm& script : copy.scripts()) {
+        EXPECT_EQ(script.m_class, "Camera") << script.m_name;
+    }
 }

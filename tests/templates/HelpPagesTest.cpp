@@ -109,8 +109,9 @@ TEST(HelpPages, AScriptWhoseLastSectionHasNoActionsListsNone) {
                                      "template_Camera.htm", "template_Doors.htm"}));
     const std::string index = folder.read("index.htm");
     for (const char* target :
-         {"Chase.htm", "Doors.htm", "orbit.kez.htm", "template_Camera.htm", "template_Doors.htm"})
+         {"Chase.htm", "Doors.htm", "orbit.kez.htm", "template_Camera.htm", "template_Doors.htm"}) {
         EXPECT_NE(index.find("href=\"" + std::string(target) + "\""), std::string::npos) << target;
+    }
 }
 
 TEST(HelpPages, NamesAreFileNamesAndUnique) {
@@ -120,8 +121,9 @@ TEST(HelpPages, NamesAreFileNamesAndUnique) {
     EXPECT_EQ(scriptPageName(script("a:b*c", "", "")), "a_b_c.htm");
     EXPECT_EQ(classPageName("..\\..\\evil"), "template_.._.._evil.htm");
     CTemplateData data;
-    for (const char* name : {"My Cam", "MyCam", "mycam", "MyCam_2", "index", "..\\x"})
+    for (const char* name : {"My Cam", "MyCam", "mycam", "MyCam_2", "index", "..\\x"}) {
         data.AddScript(script(name, "f", "C"));
+    }
     const TempFolder folder;
     ASSERT_TRUE(writeScriptPages(data, folder.path() + "\\"));
     EXPECT_EQ(folder.names(),
@@ -131,7 +133,9 @@ TEST(HelpPages, NamesAreFileNamesAndUnique) {
 TEST(HelpPages, StopAtThePageThatCannotBeWritten) {
     CTemplateData data;
     EXPECT_TRUE(writeHelp(CTemplateData(), TempFolder().path() + "\\none\\") == false);
-    for (const char* name : {"a", "b", "c"}) data.AddScript(script(name, "f.kez", name));
+    for (const char* name : {"a", "b", "c"}) {
+        data.AddScript(script(name, "f.kez", name));
+    }
     const TempFolder folder;
     std::filesystem::create_directory(folder.native("b.htm"));
     std::string error;

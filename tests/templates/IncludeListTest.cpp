@@ -73,8 +73,11 @@ TEST(IncludeBlock, NamesAndInsertionPoint) {
         EXPECT_EQ(names, row.names) << row.text;
         Names pending = {"A", "new", "b"};
         EXPECT_EQ(FindInsertionPoint(lexer, pending), row.position);
-        for (const std::string& name : row.names)
-            for (const std::string& left : pending) EXPECT_NE(lowered(left), lowered(name)) << row.text;
+        for (const std::string& name : row.names) {
+            for (const std::string& left : pending) {
+                EXPECT_NE(lowered(left), lowered(name)) << row.text;
+            }
+        }
         EXPECT_NE(std::find(pending.begin(), pending.end(), "new"), pending.end());
     }
     CLex nothing(nullptr, 0);
@@ -120,8 +123,9 @@ TEST(IncludeBlock, RemovesTheFirstMatchingLineOfEachName) {
           Row{bytes("a\0b\ninclude <a>;\r\n\0"), {"a"}, bytes("a\0b\n\0")},
           Row{"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"B", "a"}, "x\ninclude <A>;\ny"},
           Row{"include <a>;\nx\ninclude <b>;\ninclude <A>;\ny", {"a", "a"}, "x\ninclude <b>;\ny"},
-          Row{"include <a>;\ninclude <b>;\n", {"b", "c", "a"}, std::nullopt}})
+          Row{"include <a>;\ninclude <b>;\n", {"b", "c", "a"}, std::nullopt}}) {
         EXPECT_EQ(withoutIncludes(row.text, row.names), row.rest) << row.text;
+    }
     try {
         withoutIncludes("", {});
         FAIL();
@@ -141,8 +145,9 @@ TEST(IncludeBlock, AnInsertedNameIsFoundAgain) {
          {std::string(), std::string("."), std::string(".."), std::string("a b.kez"),
           std::string("..\\a.kez"), std::string("a/b.kez"), std::string("C:a.kez"), std::string("a;b"),
           std::string("<a"), std::string("a>"), std::string("a\tb"), bytes("a\0b"), std::string("*.kez"),
-          std::string("CON"), std::string("nul .kez"), std::string("lpt1.a.kez"), tooLong})
+          std::string("CON"), std::string("nul .kez"), std::string("lpt1.a.kez"), tooLong}) {
         EXPECT_FALSE(isIncludableName(name)) << name;
+    }
 }
 
 TEST(IsInFolder, ComparesTheFolderPartAlone) {
@@ -154,8 +159,9 @@ TEST(IsInFolder, ComparesTheFolderPartAlone) {
          {Row{"C:\\game", "c:\\GAME\\a.kez", true}, Row{"C:\\game", "C:\\a.kez", true},
           Row{"C:\\game", "C:\\game\\sub\\a.kez", false}, Row{"C:\\game", "a.kez", false},
           Row{"C:\\game\\", "C:\\game\\a.kez", true}, Row{"C:\\game", "C:\\gam\\a.kez", true},
-          Row{"C:\\game", "D:\\game\\a.kez", false}, Row{"", "\\a", true}, Row{"", "", false}})
+          Row{"C:\\game", "D:\\game\\a.kez", false}, Row{"", "\\a", true}, Row{"", "", false}}) {
         EXPECT_EQ(IsInFolder(row.folder, row.path), row.inside) << row.folder << " " << row.path;
+    }
 }
 
 TEST(Needs, AreCollectedDeepestFirst) {
@@ -170,7 +176,9 @@ TEST(Needs, AreCollectedDeepestFirst) {
         ++reads[path];
         ScriptFacts facts;
         const auto found = needs.find(lowered(path));
-        if (found != needs.end()) facts.needs = found->second;
+        if (found != needs.end()) {
+            facts.needs = found->second;
+        }
         return facts;
     };
     const auto locate = [](const std::string& name) { return name; };
@@ -187,7 +195,9 @@ TEST(Needs, AreCollectedDeepestFirst) {
         const NeededScripts result = collectNeeds(row.scripts, "MAIN.kez", {"old.kez"}, locate, read);
         EXPECT_EQ(result.names, row.names) << row.scripts[0];
         EXPECT_EQ(result.refused.size(), row.refused) << row.scripts[0];
-        for (const auto& [path, count] : reads) EXPECT_EQ(count, 1) << path;
+        for (const auto& [path, count] : reads) {
+            EXPECT_EQ(count, 1) << path;
+        }
     }
 }
 
@@ -196,7 +206,9 @@ TEST(Needs, AChainOfAnyDepthIsFine) {
     const auto read = [](const std::string& path) {
         ScriptFacts facts;
         const int number = std::stoi(path);
-        if (number < kDepth) facts.needs = {std::to_string(number + 1)};
+        if (number < kDepth) {
+            facts.needs = {std::to_string(number + 1)};
+        }
         return facts;
     };
     const Names first = {"0"};

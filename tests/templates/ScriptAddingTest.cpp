@@ -40,7 +40,9 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
     std::filesystem::create_directory(project.folder.native("dir.kez"));
     for (const bool listed : {false, true}) {
         ScriptFolders folders(project.host);
-        if (listed) folders.listOnce();
+        if (listed) {
+            folders.listOnce();
+        }
         std::string path = "untouched";
         EXPECT_EQ(folders.LocateScript("BOTH.kez", path), ScriptPlace::Project);
         EXPECT_EQ(path, project.folder.path("BOTH.kez"));
@@ -48,8 +50,9 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
         EXPECT_EQ(path, project.templatePath("fog.kez"));
         path = "untouched";
         for (const char* name :
-             {"none.kez", "dir.kez", "..\\outside.kez", "../outside.kez", "", ".", "*.kez"})
+             {"none.kez", "dir.kez", "..\\outside.kez", "../outside.kez", "", ".", "*.kez"}) {
             EXPECT_EQ(folders.LocateScript(name, path), ScriptPlace::NotFound) << name;
+        }
         EXPECT_EQ(path, "untouched");
 
         const auto facts = [&folders](const char* name, bool fromTemplate) {
@@ -72,17 +75,22 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
 }
 
 TEST(ScriptAdding, KnowsNumberedTemplates) {
-    for (const char* path : {"camera_.kez", "C:\\x\\_.KEZ"}) EXPECT_TRUE(IsNumberedTemplate(path)) << path;
+    for (const char* path : {"camera_.kez", "C:\\x\\_.KEZ"}) {
+        EXPECT_TRUE(IsNumberedTemplate(path)) << path;
+    }
     for (const char* path :
-         {"camera.kez", "camera_.txt", "camera_", "camera_0.kez", "x_\\a.kez", "", "camera_.kez.kez"})
+         {"camera.kez", "camera_.txt", "camera_", "camera_0.kez", "x_\\a.kez", "", "camera_.kez.kez"}) {
         EXPECT_FALSE(IsNumberedTemplate(path)) << path;
+    }
 }
 
 TEST(ScriptAdding, ANumberedTemplateThreeTimes) {
     Fixture f;
     auto& [project, prompt, adding] = f;
     project.addTemplate("camera_.kez", "// needs: base.kez\r\nvar speed%_% = 1; // %_%%_%\r\n");
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(f.add("camera_.kez"));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(f.add("camera_.kez"));
+    }
     EXPECT_EQ(project.folder.names(), (Names{"camera_0.kez", "camera_1.kez", "camera_2.kez", "main.kez"}));
     for (int i = 0; i < 3; ++i) {
         const std::string mark = "_" + std::to_string(i);
@@ -249,12 +257,14 @@ TEST(ScriptAdding, EveryFailureOfTheDiskLeavesWholeFiles) {
         const bool added = f.add("camera_.kez") && adding.changed();
         EXPECT_EQ(adding.error().empty(), added) << n;
         const std::string text = project.main();
-        if (added)
+        if (added) {
             EXPECT_NE(text.find("include <camera_0.kez>;\r\n"), std::string::npos) << n;
-        else
+        } else {
             EXPECT_EQ(text, kRest) << n;
-        for (const std::string& name : project.folder.names())
+        }
+        for (const std::string& name : project.folder.names()) {
             EXPECT_TRUE(name == "main.kez" || name == "camera_0.kez") << n << " " << name;
+        }
     });
 }
 

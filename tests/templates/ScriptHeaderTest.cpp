@@ -39,7 +39,9 @@ const char* const kFullHeader =
 CScriptElm parse(const std::string& text, std::string* errors = nullptr) {
     std::string report;
     CScriptElm script = parseScriptHeader(text, "x.kez", report);
-    if (errors) *errors = report;
+    if (errors) {
+        *errors = report;
+    }
     return script;
 }
 
@@ -51,14 +53,22 @@ TEST(HeaderLine, IsClassifiedByItsKeyword) {
                                     "data",   "date",   "desc",   "EngineReq", "help",    "idcode", "image",
                                     "needs",  "note",   "prefix", "title",     "type",    "ver"};
     std::vector<std::pair<std::string, int>> rows = {{"/// ver: 2", 21}};
-    for (int code = 0; code < 20; ++code)
-        if (keywords[code]) rows.emplace_back("//\t" + std::string(keywords[code]) + " : a: b", code);
-    for (const char* line : {"// ver:", "//ver: x"}) rows.emplace_back(line, 19);
-    for (const char* line : {"//ENDHEADER", "//  endheader and more", "// EndHeader: x", "// endheader x: y"})
-        rows.emplace_back(line, 22);
+    for (int code = 0; code < 20; ++code) {
+        if (keywords[code]) {
+            rows.emplace_back("//\t" + std::string(keywords[code]) + " : a: b", code);
+        }
+    }
+    for (const char* line : {"// ver:", "//ver: x"}) {
+        rows.emplace_back(line, 19);
+    }
     for (const char* line :
-         {"// endheaders", "// version: 2", "// ver", " // ver: 2", "ver: 2", "//", "/", ""})
+         {"//ENDHEADER", "//  endheader and more", "// EndHeader: x", "// endheader x: y"}) {
+        rows.emplace_back(line, 22);
+    }
+    for (const char* line :
+         {"// endheaders", "// version: 2", "// ver", " // ver: 2", "ver: 2", "//", "/", ""}) {
         rows.emplace_back(line, -1);
+    }
     for (const auto& [line, expected] : rows) {
         const HeaderCode code = classifyHeaderLine(line);
         EXPECT_EQ(static_cast<int>(code), expected) << line;

@@ -42,7 +42,9 @@ struct Fixture {
     }
     Names included() const {
         Names texts;
-        for (const IncludedScript& entry : session.included()) texts.push_back(entry.text);
+        for (const IncludedScript& entry : session.included()) {
+            texts.push_back(entry.text);
+        }
         return texts;
     }
     Project project;
@@ -116,7 +118,9 @@ TEST(ScriptManagerSession, RemovePageRefusesWhatIsNeeded) {
     EXPECT_EQ(f.project.main(), before);
 
     // The second script of one title, the copy, then the first: each is the one that the entry stands for.
-    for (const int index : {4, 3, 2, 1}) EXPECT_TRUE(f.session.remove(index)) << index;
+    for (const int index : {4, 3, 2, 1}) {
+        EXPECT_TRUE(f.session.remove(index)) << index;
+    }
     EXPECT_EQ(f.project.main(), includes({"mine.kez", "odd_x.kez"}));
     EXPECT_EQ(f.session.status(), "Removed: Noise");
 }

@@ -29,6 +29,7 @@ TEST(ScriptSearch, NarrowsAsOneTypes) {
           Row{"<ALL>", "fog ", {0, 1, 3}}, Row{"<ALL>", "fog we", {0, 1}}, Row{"<ALL>", "fog wet", {1}},
           Row{"<ALL>", "fog", {0, 1, 3}}, Row{"WEATHER", "fog", {0, 1}}, Row{"weather", "SWING", {}},
           Row{"<all>", "swing", {2}}, Row{"<ALL>", "doors opens", {2}}, Row{"<ALL>", "fogweather", {}},
-          Row{"none", "", {}}, Row{"<all>", "  \t ", {0, 1, 2, 3}}})
+          Row{"none", "", {}}, Row{"<all>", "  \t ", {0, 1, 2, 3}}}) {
         EXPECT_EQ(search.find(row.className, row.query), row.found) << row.query;
+    }
 }

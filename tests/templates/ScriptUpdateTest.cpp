@@ -35,7 +35,9 @@ struct Fixture {
     }
     Names lines() const {
         Names all;
-        for (const UpdateEntry& entry : update.entries()) all.push_back(entry.line);
+        for (const UpdateEntry& entry : update.entries()) {
+            all.push_back(entry.line);
+        }
         return all;
     }
     Project project;
@@ -93,12 +95,16 @@ TEST(ScriptUpdate, ReadsEachFileOnce) {
     Fixture f({"fog.kez", "old.kez", "plain.kez", "weather.kez", "old.kez"});
     std::map<std::string, int> reads;
     const test::FaultyOsFiles disk([&reads](int, std::string_view op, const std::string& path) {
-        if (op == "readWhole") ++reads[path];
+        if (op == "readWhole") {
+            ++reads[path];
+        }
         return false;
     });
     f.update.FillUpdateList(false);
     EXPECT_EQ(reads.size(), 7U) << "the main script, three copies and their templates";
-    for (const auto& [path, count] : reads) EXPECT_EQ(count, 1) << path;
+    for (const auto& [path, count] : reads) {
+        EXPECT_EQ(count, 1) << path;
+    }
     EXPECT_LE(disk.operations(), 12) << "folders are looked into once";
 }
 
@@ -188,7 +194,9 @@ TEST(ScriptUpdate, Restore) {
         f.prompt.asked.clear();
         EXPECT_EQ(RestoreFromTemplate(f.project.host, row.file), row.text == nullptr) << row.file;
         ASSERT_EQ(f.prompt.asked.size(), row.text ? 1U : 0U) << row.file;
-        if (!row.text) continue;
+        if (!row.text) {
+            continue;
+        }
         EXPECT_EQ(f.prompt.asked[0].text, row.text);
         EXPECT_EQ(f.prompt.asked[0].title, "Can't Update Script");
         EXPECT_EQ(f.prompt.asked[0].icon, PromptIcon::Error);

@@ -38,7 +38,23 @@ inline Names fields(const CScriptAction& action) {
 
 inline std::string includes(const Names& names) {
     std::string lines;
-    for (const std::string& name : names) lines += includeLine(name);
+    for (const std::string& name : names) {
+        {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    { lines += includeLine(name); }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
     return lines;
 }
 
@@ -48,7 +64,23 @@ void withEachFault(const Round& round) {
     for (int n = 1;; ++n) {
         const FaultyOsFiles disk(FaultyOsFiles::nth(n));
         round(n);
-        if (n > disk.operations()) return;
+        if (n > disk.operations()) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        { return; }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
 }
 

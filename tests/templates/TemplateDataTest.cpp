@@ -77,8 +77,9 @@ TEST(TemplateData, ValueQueriesTakeTheFirstMatch) {
     for (const bool found :
          {data.GetScriptDesc(value, "chase"), data.GetScriptVers(value, ""), data.GetScriptDate(value, "x"),
           data.GetNameFromFilename(value, "math.kez"), data.GetScriptActionDesc(value, "Doors", "x"),
-          data.GetScriptActionDesc(value, "x", "door")})
+          data.GetScriptActionDesc(value, "x", "door")}) {
         EXPECT_EQ(got(found), "no: untouched");
+    }
     CScriptElm elm;
     EXPECT_TRUE(data.GetScriptElmFromName(elm, "Chase"));
     EXPECT_EQ(elm.m_class, "Camera");
@@ -98,8 +99,9 @@ TEST(TemplateData, ValueQueriesTakeTheFirstMatch) {
 TEST(TemplateData, OfFileNamesThatDifferInCaseEachFindsItsFirst) {
     CTemplateData data;
     for (const auto& [name, file] : {std::pair("Lower", "gun.kez"), std::pair("Upper", "GUN.KEZ"),
-                                     std::pair("Later", "gun.kez"), std::pair("Last", "GUN.KEZ")})
+                                     std::pair("Later", "gun.kez"), std::pair("Last", "GUN.KEZ")}) {
         data.AddScript(script(name, file));
+    }
     EXPECT_EQ(data.findByFilename("gun.kez")->m_name, "Lower");
     EXPECT_EQ(data.findByFilename("GUN.KEZ")->m_name, "Upper");
     EXPECT_FALSE(data.findByFilename("Gun.kez"));

@@ -15,22 +15,24 @@ using zoka::test::TempFolder;
 
 // Other modules call by slot number. A pointer to a virtual member holds its offset in the table, plus one.
 template <typename Member>
-std::size_t slotOf(Member member) {
-    std::size_t word = 0;
+size_t slotOf(Member member) {
+    size_t word = 0;
     std::memcpy(&word, &member, sizeof word);
     return (word - 1) / sizeof(void*);
 }
 
 TEST(FileFamily, KeepsItsSlotOrderAndLayout) {
-    const std::size_t slots[] = {
+    const size_t slots[] = {
         slotOf(&file_t::OpenWrite),   slotOf(&file_t::OpenRead),    slotOf(&file_t::Close),
         slotOf(&file_t::GetText),     slotOf(&file_t::Eof),         slotOf(&file_t::Seek),
         slotOf(&file_t::Tell),        slotOf(&file_t::Putc),        slotOf(&file_t::Getc),
         slotOf(&file_t::Puts),        slotOf(&file_t::Gets),        slotOf(&file_t::Read),
         slotOf(&file_t::Write),       slotOf(&file_t::IsLodEntry),  slotOf(&file_t::SetFp),
         slotOf(&file_t::create_part), slotOf(&file_t::WriteToFile), slotOf(&file_t::GetMemPtr)};
-    std::size_t slot = 1;  // two slots for the destructor
-    for (const std::size_t found : slots) EXPECT_EQ(found, ++slot);
+    size_t slot = 1;  // two slots for the destructor
+    for (const size_t found : slots) {
+        EXPECT_EQ(found, ++slot);
+    }
     if (sizeof(void*) == 4) {
         EXPECT_EQ(sizeof(file_t), 284u);
         EXPECT_EQ(sizeof(partof_file_t), 288u);
@@ -135,14 +137,16 @@ TEST(DiskFile, CutsLongNames) {
 TEST(DiskFile, CopiesInChunks) {
     const TempFolder folder;
     std::string content(5000, '.');
-    for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7);
+    for (size_t i = 0; i < content.size(); ++i) {
+        content[i] = static_cast<char>(i * 7);
+    }
     file_t file;
     ASSERT_TRUE(file.OpenRead(folder.write("a", content).c_str()));
     const auto copyOf = [&file](long count, long expected) {
         dmemfile_t target;
         EXPECT_EQ(file.WriteToFile(&target, count), expected);
         EXPECT_EQ(target.GetLen(), expected);
-        return std::string(static_cast<char*>(target.GetMemPtr()), static_cast<std::size_t>(target.GetLen()));
+        return std::string(static_cast<char*>(target.GetMemPtr()), static_cast<size_t>(target.GetLen()));
     };
     EXPECT_EQ(copyOf(0, 0), "");
     EXPECT_EQ(copyOf(1500, 1500), content.substr(0, 1500));
@@ -234,7 +238,9 @@ TEST(FileFamily, ReadsAlikeInAllStorages) {
     std::mt19937 random(7);
     for (int round = 0; round < 30; ++round) {
         std::string content(1 + random() % 4000, ' ');
-        for (char& c : content) c = "abcdefgh\n"[random() % 9];  // line ends that stdio knows too
+        for (char& c : content) {
+            c = "abcdefgh\n"[random() % 9];  // line ends that stdio knows too
+        }
         const TempFolder folder;
         const std::string path = folder.write("a", content);
         const long size = static_cast<long>(content.size());
@@ -257,17 +263,20 @@ TEST(FileFamily, ReadsAlikeInAllStorages) {
             for (file_t* file : all) {
                 std::string got = std::to_string(op) + ": ";
                 char buffer[1300] = {};
-                if (op == 0)
+                if (op == 0) {
                     got += std::to_string(file->Getc());
-                else if (op == 1)
+                } else if (op == 1) {
                     got += file->Gets(buffer, static_cast<int>(number) + 2) ? buffer : "(null)";
-                else if (op == 2)
-                    got += std::to_string(file->Read(buffer, 1 + static_cast<std::size_t>(number % 4), 300)) +
-                           buffer;
-                else
+                } else if (op == 2) {
+                    got +=
+                        std::to_string(file->Read(buffer, 1 + static_cast<size_t>(number % 4), 300)) + buffer;
+                } else {
                     got += std::to_string(file->Seek(target, SEEK_SET));
+                }
                 got += " @" + std::to_string(file->Tell());
-                if (expected.empty()) expected = got;
+                if (expected.empty()) {
+                    expected = got;
+                }
                 ASSERT_EQ(got, expected);
             }
         }

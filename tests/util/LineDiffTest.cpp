@@ -22,16 +22,24 @@ std::string patched(const std::string& before, const std::vector<DiffHunk>& hunk
     size_t next = 0;
     for (const DiffHunk& hunk : hunks) {
         const size_t start = hunk.oldStart - (hunk.oldCount > 0 ? 1 : 0);
-        while (next < start) result += lines[next++];
+        while (next < start) {
+            result += lines[next++];
+        }
         size_t oldCount = 0, newCount = 0;
         for (const DiffLine& line : hunk.lines) {
-            if (line.mark != '+') ++oldCount, ++next;
-            if (line.mark != '-') ++newCount, result += line.text + "\n";
+            if (line.mark != '+') {
+                ++oldCount, ++next;
+            }
+            if (line.mark != '-') {
+                ++newCount, result += line.text + "\n";
+            }
         }
         EXPECT_EQ(oldCount, hunk.oldCount);
         EXPECT_EQ(newCount, hunk.newCount);
     }
-    while (next < lines.size()) result += lines[next++];
+    while (next < lines.size()) {
+        result += lines[next++];
+    }
     return result;
 }
 
@@ -53,7 +61,9 @@ TEST(LineDiff, Unified) {
         {"a\n1\n2\n3\n4\n5\n6\n7\n8\nb\n", "A\n1\n2\n3\n4\n5\n6\n7\n8\nB\n",
          "--- a\n+++ b\n@@ -1,4 +1,4 @@\n-a\n+A\n 1\n 2\n 3\n@@ -7,4 +7,4 @@\n 6\n 7\n 8\n-b\n+B\n"},
     };
-    for (const Row& row : rows) EXPECT_EQ(unified(row.before, row.after), row.expected) << row.before;
+    for (const Row& row : rows) {
+        EXPECT_EQ(unified(row.before, row.after), row.expected) << row.before;
+    }
 }
 
 TEST(LineDiff, HunksTurnOneTextIntoTheOther) {
@@ -68,8 +78,12 @@ TEST(LineDiff, HunksTurnOneTextIntoTheOther) {
         for (unsigned i = 0; i < lines; ++i) {
             const std::string line = std::to_string(random(6)) + "\n";
             before += line;
-            if (random(5) > 0) after += line;
-            if (random(6) == 0) after += "new\n";
+            if (random(5) > 0) {
+                after += line;
+            }
+            if (random(6) == 0) {
+                after += "new\n";
+            }
         }
         EXPECT_EQ(patched(before, lineDifference(before, after)), after) << before << "->\n" << after;
     }

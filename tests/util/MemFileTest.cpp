@@ -12,14 +12,16 @@
 
 namespace {
 
-std::size_t g_allocated = 0;  // bytes asked for with the new that reports failure by null
+size_t g_allocated = 0;  // bytes asked for with the new that reports failure by null
 bool g_noMemory = false;
 
 }  // namespace
 
 // The memory files allocate with this form alone, so a test sees and refuses what they ask for.
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    if (g_noMemory) return nullptr;
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+    if (g_noMemory) {
+        return nullptr;
+    }
     g_allocated += size;
     return operator new[](size);
 }
@@ -29,13 +31,13 @@ namespace {
 using zoka::test::TempFolder;
 
 std::string contentOf(dmemfile_t& file) {
-    return {static_cast<const char*>(file.GetMemPtr()), static_cast<std::size_t>(file.GetLen())};
+    return {static_cast<const char*>(file.GetMemPtr()), static_cast<size_t>(file.GetLen())};
 }
 
 TEST(MemFile, GrowsByTheStepsLaidDown) {
     const struct {
-        std::size_t before;  // bytes written one by one
-        std::size_t size, n;
+        size_t before;  // bytes written one by one
+        size_t size, n;
         std::int32_t alloc;
     } rows[] = {
         {0, 1023, 1, 1024},  {0, 1024, 1, 2048},  // equal grows too
@@ -44,14 +46,18 @@ TEST(MemFile, GrowsByTheStepsLaidDown) {
     };
     for (const auto& row : rows) {
         dmemfile_t file;
-        for (std::size_t i = 0; i < row.before; ++i) file.Putc('p');
+        for (size_t i = 0; i < row.before; ++i) {
+            file.Putc('p');
+        }
         const std::string bytes(row.size * row.n, 'w');
         EXPECT_EQ(file.Write(bytes.data(), row.size, row.n), row.size ? row.n : 0);
         EXPECT_EQ(dmemfile_peek::alloc(file), row.alloc) << row.before << " + " << row.size << " * " << row.n;
         EXPECT_EQ(contentOf(file), std::string(row.before, 'p') + bytes);
     }
     dmemfile_t file;
-    for (int i = 0; i < 1024; ++i) EXPECT_EQ(file.Putc(i), i);
+    for (int i = 0; i < 1024; ++i) {
+        EXPECT_EQ(file.Putc(i), i);
+    }
     EXPECT_EQ(dmemfile_peek::alloc(file), 1024) << "Putc fills the buffer to its end";
     file.Putc('x');
     EXPECT_EQ(dmemfile_peek::alloc(file), 2048);
@@ -59,11 +65,11 @@ TEST(MemFile, GrowsByTheStepsLaidDown) {
 
 // What is allocated bounds what is copied, and no clock is needed to see that it stays linear.
 TEST(MemFile, ManySmallWritesStayLinear) {
-    constexpr std::size_t kCount = 3'000'000;
+    constexpr size_t kCount = 3'000'000;
     for (const bool byPutc : {true, false}) {
         g_allocated = 0;
         dmemfile_t file;
-        for (std::size_t i = 0; i < kCount; ++i) {
+        for (size_t i = 0; i < kCount; ++i) {
             if (byPutc) {
                 file.Putc(static_cast<int>(i % 251));
             } else {
@@ -74,8 +80,8 @@ TEST(MemFile, ManySmallWritesStayLinear) {
         EXPECT_EQ(dmemfile_peek::alloc(file), 3'000'320);
         EXPECT_LT(g_allocated, 8 * kCount);
     }
-    for (std::size_t size = 0; size <= 0x7fffffff; size += size / 3 + 1) {
-        const std::size_t block = dmemfile_peek::blockSize(static_cast<std::int32_t>(size));
+    for (size_t size = 0; size <= 0x7fffffff; size += size / 3 + 1) {
+        const size_t block = dmemfile_peek::blockSize(static_cast<std::int32_t>(size));
         EXPECT_GE(block, size);
         EXPECT_LE(block, size + size / 4 + 1);
     }
@@ -104,7 +110,7 @@ TEST(MemFile, KeepsItsContentWhenMemoryRunsOut) {
     // More than a 32-bit length holds is refused before a byte is looked at.
     EXPECT_EQ(file.Write("x", 0x40000000, 4), 0u);
     EXPECT_EQ(file.Write("x", 0x7fffffff, 1), 0u);
-    EXPECT_EQ(file.Write("x", static_cast<std::size_t>(-1), 2), 0u);
+    EXPECT_EQ(file.Write("x", static_cast<size_t>(-1), 2), 0u);
     EXPECT_EQ(contentOf(file), first);
 }
 
@@ -130,8 +136,10 @@ TEST(MemFile, EndsLines) {
         file.Write(row.data.data(), row.data.size(), 1);
         file.Seek(0, SEEK_SET);
         std::vector<std::string> lines;
-        std::vector<char> buffer(static_cast<std::size_t>(row.n) + 1);
-        while (const char* line = file.Gets(buffer.data(), row.n)) lines.push_back(line);
+        std::vector<char> buffer(static_cast<size_t>(row.n) + 1);
+        while (const char* line = file.Gets(buffer.data(), row.n)) {
+            lines.push_back(line);
+        }
         EXPECT_EQ(lines, row.lines) << testing::PrintToString(row.data) << " by " << row.n;
     }
 }
@@ -186,7 +194,9 @@ TEST(MemFile, OddEnds) {
 
     // Its own memory as the source of a write that moves that memory.
     file.Seek(0, SEEK_END);
-    for (int i = 0; i < 12; ++i) file.Write(file.GetMemPtr(), static_cast<std::size_t>(file.GetLen()), 1);
+    for (int i = 0; i < 12; ++i) {
+        file.Write(file.GetMemPtr(), static_cast<size_t>(file.GetLen()), 1);
+    }
     EXPECT_EQ(file.GetLen(), 5 << 12);
     EXPECT_EQ(contentOf(file).substr((5 << 12) - 10), "againagain");
 }
@@ -281,9 +291,13 @@ TEST(MemFile, AgreesWithItsModel) {
     std::mt19937 random(42);
     for (int round = 0; round < 400; ++round) {
         std::vector<std::uint8_t> operations(random() % 600);
-        for (auto& byte : operations) byte = static_cast<std::uint8_t>(random());
+        for (auto& byte : operations) {
+            byte = static_cast<std::uint8_t>(random());
+        }
         // Small numbers half of the time: a large one in every second operation rarely meets a limit.
-        for (std::size_t i = 2; round % 2 && i < operations.size(); i += 3) operations[i] = 0;
+        for (size_t i = 2; round % 2 && i < operations.size(); i += 3) {
+            operations[i] = 0;
+        }
         ASSERT_EQ(zoka::test::runMemFileOps(operations.data(), operations.size()), "") << "round " << round;
     }
 }

@@ -14,7 +14,9 @@ TEST(PathRules, JoinsWithOneSeparator) {
     } rows[] = {{"C:\\a", "b", "C:\\a\\b"}, {"C:\\a\\", "b", "C:\\a\\b"},
                 {"C:/a/", "b", "C:/a/b"},   {"C:\\", "b", "C:\\b"},
                 {"", "b", "\\b"},           {"a", "", "a\\"}};
-    for (const auto& row : rows) EXPECT_EQ(joinPath(row.folder, row.name), row.joined);
+    for (const auto& row : rows) {
+        EXPECT_EQ(joinPath(row.folder, row.name), row.joined);
+    }
 }
 
 TEST(PathRules, SplitsIntoPartsThatMakeThePath) {
@@ -90,8 +92,9 @@ TEST(PathRules, MatchesWildcards) {
         {"a**", "a", true},
         {"\xe4", "\xc4", false},  // letters beyond A-Z depend on a locale we don't ask
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(matchesWildcard(row.pattern, row.name), row.matches) << row.pattern << " on " << row.name;
+    }
     EXPECT_TRUE(lessNoCase("a", "B"));
     EXPECT_TRUE(lessNoCase("A", "a")) << "an order for every two names";
     EXPECT_FALSE(lessNoCase("a", "A"));
@@ -123,7 +126,9 @@ TEST(FileNames, PartsAreReplaced) {
 
 TEST(FileNames, FinderGivesSortedMatches) {
     const zoka::test::TempFolder folder;
-    for (const char* name : {"b.kez", "A.kez", "c.html", "d.htm"}) folder.write(name, name);
+    for (const char* name : {"b.kez", "A.kez", "c.html", "d.htm"}) {
+        folder.write(name, name);
+    }
     std::filesystem::create_directory(folder.native("z.kez"));
     EXPECT_TRUE(dname_t(folder.path("z.kez").c_str()).Exist());
 

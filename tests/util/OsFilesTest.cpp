@@ -36,7 +36,9 @@ TEST_F(OsFilesTest, SearchesAndLists) {
     EXPECT_FALSE(files.search(""));
 
     std::vector<std::string> names;
-    for (const OsEntry& entry : files.list(folder.path("*"))) names.push_back(entry.name);
+    for (const OsEntry& entry : files.list(folder.path("*"))) {
+        names.push_back(entry.name);
+    }
     EXPECT_EQ(names, (std::vector<std::string>{"One.kez", "sub", "two.txt"}));
     EXPECT_TRUE(files.list(folder.path("none\\*")).empty());
     EXPECT_TRUE(files.deleteFolder(folder.path("sub")));

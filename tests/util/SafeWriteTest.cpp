@@ -61,13 +61,17 @@ TEST(SafeWrite, SurvivesAnyFault) {
     for (const auto& row : rows) {
         int faults = 0;
         failEachOperation(row.inPlace, row.forGood, [&](const TempFolder& folder) {
-            if (row.exists) folder.write("a.kez", kOld);
+            if (row.exists) {
+                folder.write("a.kez", kOld);
+            }
             const SafeWriteResult result = safeWrite(folder.path("a.kez"), kFresh);
             EXPECT_EQ(folder.read("a.kez"), result ? kFresh : row.exists ? kOld : "<missing>");
             EXPECT_EQ(result.error.find("a.kez") == std::string::npos, static_cast<bool>(result));
             faults += !result;
             // A disk that is broken for good keeps the sibling too.
-            if (row.forGood) return;
+            if (row.forGood) {
+                return;
+            }
             EXPECT_EQ(folder.names(), row.exists || result ? Names{"a.kez"} : Names{});
         });
         EXPECT_GE(faults, row.fewestFaults) << "too few operations had their turn";
@@ -77,21 +81,25 @@ TEST(SafeWrite, SurvivesAnyFault) {
 // Of several files the first ones have their new content and all others the old one, whatever fails.
 TEST(SafeWrite, SeveralFilesEndAtTheFirstThatFails) {
     for (const bool inPlace : {false, true}) {
-        std::set<std::size_t> counts;
+        std::set<size_t> counts;
         failEachOperation(inPlace, false, [&](const TempFolder& folder) {
             const zoka::FileContent files[] = {{folder.write("a", kOld), kFresh},
                                                {folder.path("b"), inPlace ? kOld : kFresh},
                                                {folder.write("c", kOld), kFresh}};
-            if (inPlace) folder.write("b", kOld);
+            if (inPlace) {
+                folder.write("b", kOld);
+            }
             const SafeWriteResult result = safeWrite(files);
             counts.insert(result.written);
             EXPECT_EQ(result.error.empty(), result.written == 3) << result.error;
             EXPECT_EQ(folder.read("a"), result.written >= 1 ? kFresh : kOld);
             EXPECT_EQ(folder.read("b"), inPlace ? kOld : result.written >= 2 ? kFresh : "<missing>");
             EXPECT_EQ(folder.read("c"), result.written >= 3 ? kFresh : kOld);
-            for (const std::string& name : folder.names()) EXPECT_EQ(name.size(), 1u) << name;
+            for (const std::string& name : folder.names()) {
+                EXPECT_EQ(name.size(), 1u) << name;
+            }
         });
-        EXPECT_EQ(counts, (std::set<std::size_t>{0, 1, 2, 3}));
+        EXPECT_EQ(counts, (std::set<size_t>{0, 1, 2, 3}));
     }
 }
 

@@ -51,8 +51,12 @@ TEST(Charset, GuessesUtf8) {
         // by what it says
         "<?xml version='1.0' encoding='iso-8859-1'?>", "<?xml version='1.0' encoding=''?>     ",
         "<?xml version='1.0' encoding='utf"};
-    for (const std::string& bytes : utf8) EXPECT_TRUE(guessUtf8(bytes)) << bytes;
-    for (const std::string& bytes : others) EXPECT_FALSE(guessUtf8(bytes)) << bytes;
+    for (const std::string& bytes : utf8) {
+        EXPECT_TRUE(guessUtf8(bytes)) << bytes;
+    }
+    for (const std::string& bytes : others) {
+        EXPECT_FALSE(guessUtf8(bytes)) << bytes;
+    }
 }
 
 TEST(Charset, FilesBecomeUtf8) {
@@ -82,7 +86,9 @@ TEST(Charset, FilesBecomeUtf8) {
         {kMark, "2 0:0"},
         {"\xFF\xFE", "2 0:0"},
     };
-    for (const auto& row : rows) EXPECT_EQ(readBytes(row.bytes), row.result) << row.bytes;
+    for (const auto& row : rows) {
+        EXPECT_EQ(readBytes(row.bytes), row.result) << row.bytes;
+    }
     EXPECT_EQ(textOf(XMLNode::parseText("\xEF\xBB\xBF<a/>")), "<a/>");
 }
 
@@ -115,7 +121,9 @@ TEST(Charset, TwoByteCharactersAreWhole) {
     const WithCharset with(XMLCharset::Platform);
     static const std::array<bool, 256> leads = [] {
         std::array<bool, 256> flags{};
-        for (int byte = 0x81; byte < 0xA0; ++byte) flags[static_cast<std::size_t>(byte)] = true;
+        for (int byte = 0x81; byte < 0xA0; ++byte) {
+            flags[static_cast<size_t>(byte)] = true;
+        }
         return flags;
     }();
     zoka::xmlLeadBytes = leads.data();

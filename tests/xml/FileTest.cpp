@@ -34,7 +34,9 @@ TEST(File, WritesAndReadsBack) {
 TEST(File, LargeFilesAreReadWhole) {
     TempFolder folder;
     std::string text = "<a>";
-    while (text.size() < 3000000) text += "<b>some text &amp; more</b>\n";
+    while (text.size() < 3000000) {
+        text += "<b>some text &amp; more</b>\n";
+    }
     text += "</a>";
     const std::string path = folder.write("large.xml", text);
     XMLResults results;
@@ -111,8 +113,9 @@ TEST(File, TheFatalLoaderStopsWithTheWholeMessage) {
          "Unmatched end tag\nAt line 3, column 1.\n"},
         {folder.write("other.xml", "<Wizard>                     </Wizard>"),
          "First Tag not found\nAt line 1, column 1.\nFirst Tag should be 'TavrixTemplate'.\n"}};
-    for (const auto& [path, message] : rows)
+    for (const auto& [path, message] : rows) {
         EXPECT_EQ(stop(path), "XML Parsing error inside file '" + path + "'.\nError: " + message);
+    }
     EXPECT_EQ(stop(folder.write("good.xml", "<tavrixtemplate/>")), "went on");
     EXPECT_TRUE(prompt.asked.empty());
 }

@@ -30,25 +30,30 @@ const std::string kSample =
 TEST(Hostile, EveryCutAndEveryChangeOfOneByte) {
     EXPECT_FALSE(XMLNode::parseBytes(kSample).isEmpty());
     ASSERT_EQ(checkXml(kSample), "");
-    for (std::size_t at = 0; at < kSample.size(); ++at) {
+    for (size_t at = 0; at < kSample.size(); ++at) {
         const std::string before = kSample.substr(0, at), behind = kSample.substr(at + 1);
         std::vector<std::string> all = {before, kSample.substr(at), before + behind,
                                         before + kSample[at] + kSample.substr(at)};
-        for (int byte = 0; byte < 256; ++byte) all.push_back(before + static_cast<char>(byte) + behind);
-        for (const std::string& bytes : all) ASSERT_EQ(checkXml(bytes), "") << bytes;
+        for (int byte = 0; byte < 256; ++byte) {
+            all.push_back(before + static_cast<char>(byte) + behind);
+        }
+        for (const std::string& bytes : all) {
+            ASSERT_EQ(checkXml(bytes), "") << bytes;
+        }
     }
 }
 
 // Seeds of the fuzzer and what it found, byte for byte.
 TEST(Hostile, SeedsAndRegressionsOfTheFuzzer) {
     int files = 0;
-    for (const char* folder : {"fuzz/seeds/xml", "fuzz/regressions/xml"})
+    for (const char* folder : {"fuzz/seeds/xml", "fuzz/regressions/xml"}) {
         for (const auto& entry : std::filesystem::directory_iterator(zoka::test::sourceDir() / folder)) {
             std::ifstream in(entry.path(), std::ios::binary);
             const std::string bytes(std::istreambuf_iterator<char>(in), {});
             EXPECT_EQ(checkXml(bytes), "") << entry.path();
             ++files;
         }
+    }
     EXPECT_GT(files, 10);
 }
 
@@ -68,12 +73,16 @@ void onSmallStack(const std::function<void()>& work) {
 }
 
 TEST(Hostile, AMillionNestedElements) {
-    constexpr std::size_t depth = 1000000;
+    constexpr size_t depth = 1000000;
     onSmallStack([] {
         std::string text;
         text.reserve(depth * 7);
-        for (std::size_t i = 0; i < depth; ++i) text += "<a>";
-        for (std::size_t i = 0; i < depth; ++i) text += "</a>";
+        for (size_t i = 0; i < depth; ++i) {
+            text += "<a>";
+        }
+        for (size_t i = 0; i < depth; ++i) {
+            text += "</a>";
+        }
         XMLNode inner;
         {
             const XMLNode node = XMLNode::parseText(text.c_str(), "a");
@@ -82,10 +91,14 @@ TEST(Hostile, AMillionNestedElements) {
             const std::string formatted = textOf(node, true);
             EXPECT_EQ(textOf(XMLNode::parseText(formatted.c_str(), "a")), written);
             inner = node;
-            for (XMLNode child = node; !child.isEmpty(); child = child.firstChild()) inner = child;
+            for (XMLNode child = node; !child.isEmpty(); child = child.firstChild()) {
+                inner = child;
+            }
         }
-        std::size_t found = 0;
-        for (XMLNode node = inner; !node.isEmpty(); node = node.getParent()) ++found;
+        size_t found = 0;
+        for (XMLNode node = inner; !node.isEmpty(); node = node.getParent()) {
+            ++found;
+        }
         EXPECT_EQ(found, depth + 1);  // and the document
         EXPECT_TRUE(XMLNode::parseText(text.substr(0, depth * 3).c_str()).isEmpty());
     });
@@ -106,9 +119,13 @@ TEST(Hostile, GreatLengths) {
         "<a" + std::string(1000000, ' ') + "/>",
         "<!DOCTYPE a " + std::string(1000000, '[') + "><a/>",
     };
-    for (const std::string& text : texts) EXPECT_EQ(checkXml(text), "") << text.substr(0, 20);
+    for (const std::string& text : texts) {
+        EXPECT_EQ(checkXml(text), "") << text.substr(0, 20);
+    }
     std::string line = "<a>";
-    for (int i = 0; i < 300000; ++i) line += "<b c='&lt;'>&amp;</b>";
+    for (int i = 0; i < 300000; ++i) {
+        line += "<b c='&lt;'>&amp;</b>";
+    }
     EXPECT_EQ(verdict((line + "</b>").c_str()), "7 1:" + std::to_string(line.size() + 1));
 }
 

@@ -71,7 +71,9 @@ TEST(Tree, NamesAreFoundWithoutRegardToCase) {
     EXPECT_STREQ(a.getAttribute("name"), "1");
     EXPECT_STREQ(a.getAttribute("Directory"), "2");
     EXPECT_STREQ(a.getAttribute("DIRECTORYx"), "3");
-    for (const char* none : {"directoryXY", "nam", ""}) EXPECT_EQ(a.getAttribute(none), nullptr) << none;
+    for (const char* none : {"directoryXY", "nam", ""}) {
+        EXPECT_EQ(a.getAttribute(none), nullptr) << none;
+    }
     EXPECT_TRUE(a.hasAttribute("NAME"));
     EXPECT_FALSE(a.hasAttribute("names"));
     // Neighbours of the letters in the character table are no letters.
@@ -85,7 +87,9 @@ TEST(Tree, IteratorsWalkOneNameOrAll) {
     const auto positions = [&](const char* tag) {
         std::string found;
         int at = 0;
-        while (!a.getChild(tag, &at).isEmpty()) found += std::to_string(at);
+        while (!a.getChild(tag, &at).isEmpty()) {
+            found += std::to_string(at);
+        }
         return found;
     };
     EXPECT_EQ(positions("x"), "135");
@@ -93,17 +97,25 @@ TEST(Tree, IteratorsWalkOneNameOrAll) {
     EXPECT_EQ(positions("z"), "");
     EXPECT_EQ(positions(nullptr), "12345");
     std::string names;
-    for (XMLNode n = a.firstChild(); !n.isEmpty(); n = n.nextSibling()) names += n.getName();
+    for (XMLNode n = a.firstChild(); !n.isEmpty(); n = n.nextSibling()) {
+        names += n.getName();
+    }
     EXPECT_EQ(names, "xyXyx");
     int found = 0;
-    for (XMLNode n = a.firstChild("x"); !n.isEmpty(); n = n.nextSibling("x")) ++found;
+    for (XMLNode n = a.firstChild("x"); !n.isEmpty(); n = n.nextSibling("x")) {
+        ++found;
+    }
     EXPECT_EQ(found, 3);
 
     XMLNode b = XMLNode::createTop("b");
-    for (const char* value : {"1", "2", "3"}) b.addAttribute("v", value);
+    for (const char* value : {"1", "2", "3"}) {
+        b.addAttribute("v", value);
+    }
     b.addAttribute("w", nullptr);
     int at = 0;
-    for (const char* value : {"1", "2", "3"}) EXPECT_STREQ(b.getAttribute("V", &at), value);
+    for (const char* value : {"1", "2", "3"}) {
+        EXPECT_STREQ(b.getAttribute("V", &at), value);
+    }
     EXPECT_EQ(b.getAttribute("V", &at), nullptr);
     EXPECT_EQ(at, 3);
     EXPECT_EQ(b.getAttribute("w"), nullptr);
@@ -115,8 +127,9 @@ TEST(Tree, TheEmptyNodeAnswersEverything) {
     int at = 0;
     for (const XMLNode& node :
          {empty, empty.getChild("x"), empty.getChild(0), empty.getChild("x", &at), empty.firstChild(),
-          empty.nextSibling(), empty.getParent(), empty.addChild("x")})
+          empty.nextSibling(), empty.getParent(), empty.addChild("x")}) {
         EXPECT_TRUE(node.isEmpty());
+    }
     empty.addText("x");
     empty.addAttribute("x", "y");
     EXPECT_EQ(empty.getName(), nullptr);
@@ -202,7 +215,9 @@ TEST(Tree, GrowsAtEveryPlace) {
 TEST(Tree, LookupsByIndexInTurnAreLinear) {
     constexpr int count = 60000;
     std::string text = "<a>";
-    for (int i = 0; i < count; ++i) text += "<x><i/></x>t<!---->" + std::string(i % 2 ? "<y/>" : "");
+    for (int i = 0; i < count; ++i) {
+        text += "<x><i/></x>t<!---->" + std::string(i % 2 ? "<y/>" : "");
+    }
     const XMLNode a = XMLNode::parseText((text + "</a>").c_str(), "a");
     int found = 0;
     for (int i = 0; !a.getChild("x", i).isEmpty(); ++i) {
@@ -214,7 +229,9 @@ TEST(Tree, LookupsByIndexInTurnAreLinear) {
     }
     EXPECT_EQ(found, 5 * count);
     int x = 0, y = 0, steps = 0;
-    while (!a.getChild("x", &x).isEmpty()) steps += a.getChild("y", &y).isEmpty() ? 1 : 2;
+    while (!a.getChild("x", &x).isEmpty()) {
+        steps += a.getChild("y", &y).isEmpty() ? 1 : 2;
+    }
     EXPECT_EQ(steps, count + count / 2);
     // Going back is right too, if not fast.
     EXPECT_STREQ(a.getChild("x", count - 1).getChild(0).getName(), "i");

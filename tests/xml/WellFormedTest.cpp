@@ -44,7 +44,9 @@ TEST(WellFormed, IsRead) {
         "<!DOCTYPE a><a/>", "<!-- c --><!DOCTYPE a SYSTEM 'it is > here'><a/>",
         "<!DOCTYPE a PUBLIC \"-//x//y\" \"z\" [ <!ELEMENT a (#PCDATA)> <!-- ' > ]> --> <?p ' ]> ?>\n"
         " <!ENTITY e \"]>\"> %pe; ] ><a/>"};
-    for (const char* row : rows) EXPECT_EQ(verdict(row), "0") << row;
+    for (const char* row : rows) {
+        EXPECT_EQ(verdict(row), "0") << row;
+    }
 }
 
 TEST(WellFormed, IsRefusedWithCodeAndPlace) {
@@ -147,8 +149,11 @@ TEST(WellFormed, IsRefusedWithCodeAndPlace) {
         {"10 1:5", {"<a/><!DOCTYPE a>"}},
         {"10 1:4", {"<a><!DOCTYPE a></a>"}},
     };
-    for (const auto& row : rows)
-        for (const char* text : row.texts) EXPECT_EQ(verdict(text), row.verdict) << text;
+    for (const auto& row : rows) {
+        for (const char* text : row.texts) {
+            EXPECT_EQ(verdict(text), row.verdict) << text;
+        }
+    }
 }
 
 TEST(WellFormed, AZeroInsideIsABadCharacter) {
@@ -167,7 +172,9 @@ TEST(WellFormed, AZeroInsideIsABadCharacter) {
 TEST(WellFormed, DoubledAttributesAmongMany) {
     for (const int count : {2, 31, 32, 33, 34, 100, 20000}) {
         std::string good = "<a";
-        for (int i = 0; i < count; ++i) good += " n" + std::to_string(i) + "=''";
+        for (int i = 0; i < count; ++i) {
+            good += " n" + std::to_string(i) + "=''";
+        }
         EXPECT_EQ(verdict((good + "/>").c_str()), "0") << count;
         for (const int again : {0, count / 2, count - 1}) {
             const std::string bad = good + " n" + std::to_string(again) + "=''/>";
@@ -188,12 +195,12 @@ TEST(WellFormed, PlacesAreRightBehindEverythingThatIsEdited) {
         // texts and what is passed over
         "text\n", "\n text\r\n\t", "a&amp;\nb\n", "a\r\nb&#10;\r\n", "\r&#10;", "\r&lt;\r\r",
         "\xC3\xA9&amp;\xC3\xA9", "\xE2\x82\xAC ", "<!--\n\r\n-->", "<![CDATA[\r]]>", "<?p\n\nd\n?>", " "};
-    for (std::size_t i = 0; i < pieces.size(); ++i)
-        for (std::size_t j = 0; j < pieces.size(); ++j)
-            for (std::size_t k = 0; k < pieces.size(); ++k) {
+    for (size_t i = 0; i < pieces.size(); ++i) {
+        for (size_t j = 0; j < pieces.size(); ++j) {
+            for (size_t k = 0; k < pieces.size(); ++k) {
                 const std::string text = "<a>" + pieces[i] + pieces[j] + pieces[k];
                 int line = 1, column = 1;
-                for (std::size_t p = 0; p < text.size(); ++p) {
+                for (size_t p = 0; p < text.size(); ++p) {
                     const bool ends = text[p] == '\n' || (text[p] == '\r' && text[p + 1] != '\n');
                     line += ends;
                     column = ends ? 1 : column + ((text[p] & 0xC0) != 0x80);
@@ -202,6 +209,8 @@ TEST(WellFormed, PlacesAreRightBehindEverythingThatIsEdited) {
                           "7 " + std::to_string(line) + ":" + std::to_string(column))
                     << text;
             }
+        }
+    }
 }
 
 }  // namespace

@@ -39,11 +39,11 @@ TEST(Write, FormattedAndNot) {
 }
 
 TEST(Write, EveryLevelIsATabMore) {
-    constexpr std::size_t depth = 200;
+    constexpr size_t depth = 200;
     const XMLNode top = XMLNode::createTop("a");
     XMLNode node = top;
     std::string opened = "<a>\n", closed = "</a>\n";
-    for (std::size_t level = 1; level < depth; ++level) {
+    for (size_t level = 1; level < depth; ++level) {
         node = node.addChild("a");
         opened += std::string(level, '\t') + "<a>\n";
         closed.insert(0, std::string(level, '\t') + "</a>\n");
@@ -73,8 +73,11 @@ TEST(Write, ReservedCharactersAreEscaped) {
 // Whatever a program stores comes back, from either form, in an element or a value.
 TEST(Write, StoredTextsReadBackEqual) {
     std::string every;
-    for (int c = 1; c < 128; ++c)
-        if (c >= 32 || c == '\t' || c == '\n' || c == '\r') every += static_cast<char>(c);
+    for (int c = 1; c < 128; ++c) {
+        if (c >= 32 || c == '\t' || c == '\n' || c == '\r') {
+            every += static_cast<char>(c);
+        }
+    }
     std::string shifted = every;
     std::vector<std::string> texts = {
         // white space
@@ -83,8 +86,10 @@ TEST(Write, StoredTextsReadBackEqual) {
         "]]>", "<![CDATA[x]]>", "&amp;", "&#32;", "\xC3\xA9\xF0\x9F\x98\x80", "\xEF\xBF\xBD",
         "\xC2\xA0 \xC2\x85", std::string(5000, ' '), std::string(70000, '&')};
     // Every character at every place of a block of the scanning code.
-    for (int i = 0; i < 40; ++i) texts.push_back(std::string(static_cast<std::size_t>(i), '.') + every);
-    for (const std::string& text : texts)
+    for (int i = 0; i < 40; ++i) {
+        texts.push_back(std::string(static_cast<size_t>(i), '.') + every);
+    }
+    for (const std::string& text : texts) {
         for (const bool formatted : {true, false}) {
             XMLNode top = XMLNode::createTop("a");
             XMLNode child = top.addChild("b");
@@ -98,6 +103,7 @@ TEST(Write, StoredTextsReadBackEqual) {
             ASSERT_EQ(orNull(again.getChild("c").getChild("d").getText()), text) << written;
             ASSERT_EQ(dumpXml(again), dumpXml(top));
         }
+    }
 }
 
 TEST(Write, WhatXmlCannotHoldIsReplacedWhenStored) {
@@ -115,7 +121,7 @@ TEST(Write, WhatXmlCannotHoldIsReplacedWhenStored) {
         {"\xC3\xBC \xFC", "\xC3\x83\xC2\xBC \xC3\xBC", "\xC3\xBC \xFC"},
         {"\xED\xA0\x80.", "\xC3\xAD\xC2\xA0\xE2\x82\xAC.", "\xED\xA0\x80."},
     };
-    for (const XMLCharset charset : {XMLCharset::Utf8, XMLCharset::Platform})
+    for (const XMLCharset charset : {XMLCharset::Utf8, XMLCharset::Platform}) {
         for (const auto& row : rows) {
             const WithCharset with(charset);
             XMLNode top = XMLNode::createTop("a");
@@ -128,6 +134,7 @@ TEST(Write, WhatXmlCannotHoldIsReplacedWhenStored) {
             EXPECT_EQ(orNull(again.getAttribute("v")), expected);
             EXPECT_EQ(orNull(again.getText()), expected);
         }
+    }
 }
 
 TEST(Write, TreesMadeByAProgram) {
@@ -152,7 +159,7 @@ TEST(Write, TreesMadeByAProgram) {
 
 // The growing buffer and the blocks of the scanning code, at every length.
 TEST(Write, EveryLength) {
-    for (std::size_t length = 0; length < 70; ++length) {
+    for (size_t length = 0; length < 70; ++length) {
         const std::string name = "n" + std::string(length, 'm'), value(length, 'v');
         const std::string text =
             "<" + name + " " + name + "=\"" + value + "\">" + value + "x<" + name + "/></" + name + ">";

@@ -8,11 +8,11 @@
 #include "templates/CatalogueCheck.h"
 #include "templates/CatalogueXml.h"
 #include "templates/HelpPages.h"
-#include "util/LineDiff.h"
 #include "templates/ScriptSearch.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -21,7 +21,9 @@ namespace zoka::cli {
 
 ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& path) {
     XMLResults results;
-    if (loadCatalogue(catalogue, suitePath(path), &results)) return ExitStatus::Done;
+    if (loadCatalogue(catalogue, suitePath(path), &results)) {
+        return ExitStatus::Done;
+    }
     if (results.code == kXmlFileNotFound) {
         complain("cannot read " + path + ": " + XMLNode::errorText(results.code));
         return ExitStatus::Failed;
@@ -40,12 +42,14 @@ void print(const std::string& text) {
 ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>& findings, bool json) {
     if (json) {
         nlohmann::ordered_json list = nlohmann::ordered_json::array();
-        for (const CatalogueFinding& finding : findings)
+        for (const CatalogueFinding& finding : findings) {
             list.push_back({{"script", jsonText(finding.script)}, {"text", jsonText(finding.text)}});
+        }
         printJson({{"findings", list}});
     } else {
-        for (const CatalogueFinding& finding : findings)
+        for (const CatalogueFinding& finding : findings) {
             print(where + ": " + (finding.script.empty() ? "" : finding.script + ": ") + finding.text + "\n");
+        }
     }
     return findings.empty() ? ExitStatus::Done : ExitStatus::Findings;
 }
@@ -69,15 +73,20 @@ ExitStatus build(const BuildOptions& options) {
         complain("there is no KEZ script in " + options.folder);
         return ExitStatus::Failed;
     }
-    for (const std::string& name : unreadable) complain("cannot read " + name);
-    if (!unreadable.empty()) return ExitStatus::Failed;
+    for (const std::string& name : unreadable) {
+        complain("cannot read " + name);
+    }
+    if (!unreadable.empty()) {
+        return ExitStatus::Failed;
+    }
     const std::string output =
         options.output.empty() ? joinPath(folder, kCatalogueFile) : suitePath(options.output);
     const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
     const ExitStatus status = report(options.folder, findings, options.json);
     if (options.dryRun) {
-        if (!options.json)
+        if (!options.json) {
             print(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
+        }
         return status;
     }
     return writeOutput(output, text) ? status : ExitStatus::Failed;
@@ -98,11 +107,13 @@ nlohmann::ordered_json asJson(const CScriptElm& script) {
         {"needs", jsonTexts(script.m_needs)},
     };
     nlohmann::ordered_json actions = nlohmann::ordered_json::array();
-    for (const CScriptSection& section : script.m_sections)
-        for (const CScriptAction& action : section.m_actions)
+    for (const CScriptSection& section : script.m_sections) {
+        for (const CScriptAction& action : section.m_actions) {
             actions.push_back({{"name", jsonText(action.m_name)},
                                {"filename", jsonText(action.m_filename)},
                                {"description", jsonText(action.m_desc)}});
+        }
+    }
     json["actions"] = actions;
     return json;
 }
@@ -115,28 +126,39 @@ struct ListOptions {
 ExitStatus list(const ListOptions& options) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, options.file);
-    if (loaded != ExitStatus::Done) return loaded;
+    if (loaded != ExitStatus::Done) {
+        return loaded;
+    }
     nlohmann::ordered_json scripts = nlohmann::ordered_json::array();
     ScriptSearch search(catalogue);
     for (const std::uint32_t record : search.find(options.className, options.query)) {
         const CScriptElm& script = catalogue.scripts()[record];
-        if (!options.type.empty() && !equalNoCase(script.m_type, options.type)) continue;
-        if (options.json)
+        if (!options.type.empty() && !equalNoCase(script.m_type, options.type)) {
+            continue;
+        }
+        if (options.json) {
             scripts.push_back(asJson(script));
-        else
+        } else {
             print(script.m_filename + "\t" + script.m_vers + "\t" + script.m_date + "\t" + script.m_class +
                   "\t" + script.m_name + "\n");
+        }
     }
-    if (options.json) printJson({{"scripts", scripts}});
+    if (options.json) {
+        printJson({{"scripts", scripts}});
+    }
     return ExitStatus::Done;
 }
 
 ExitStatus show(const std::string& file, const std::string& name, bool json) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
-    if (loaded != ExitStatus::Done) return loaded;
+    if (loaded != ExitStatus::Done) {
+        return loaded;
+    }
     std::optional<CScriptElm> script = catalogue.findByName(name);
-    if (!script) script = catalogue.findByFilenameNoCase(name);
+    if (!script) {
+        script = catalogue.findByFilenameNoCase(name);
+    }
     if (!script) {
         complain("the catalogue has no script " + name);
         return ExitStatus::Usage;
@@ -146,21 +168,27 @@ ExitStatus show(const std::string& file, const std::string& name, bool json) {
         return ExitStatus::Done;
     }
     std::string needs;
-    for (const std::string& need : script->m_needs) needs += (needs.empty() ? "" : ", ") + need;
+    for (const std::string& need : script->m_needs) {
+        needs += (needs.empty() ? "" : ", ") + need;
+    }
     print("Name:     " + script->m_name + "\nFile:     " + script->m_filename + "\nClass:    " +
           script->m_class + "\nType:     " + script->m_type + "\nVersion:  " + script->m_vers +
           "\nDate:     " + script->m_date + "\nEngine:   " + script->m_engreq.AsText() +
           "\nNeeds:    " + needs + "\n\n" + script->m_desc + "\n");
-    for (const CScriptSection& section : script->m_sections)
-        for (const CScriptAction& action : section.m_actions)
+    for (const CScriptSection& section : script->m_sections) {
+        for (const CScriptAction& action : section.m_actions) {
             print("\naction " + action.m_name + "\n" + action.m_desc + "\n");
+        }
+    }
     return ExitStatus::Done;
 }
 
 ExitStatus check(const std::string& file, const std::string& templates, bool json) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
-    if (loaded != ExitStatus::Done) return loaded;
+    if (loaded != ExitStatus::Done) {
+        return loaded;
+    }
     return report(file, checkCatalogue(catalogue, templates.empty() ? templates : suitePath(templates)),
                   json);
 }
@@ -168,7 +196,9 @@ ExitStatus check(const std::string& file, const std::string& templates, bool jso
 ExitStatus writePages(const std::string& file, const std::string& output, bool dryRun) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
-    if (loaded != ExitStatus::Done) return loaded;
+    if (loaded != ExitStatus::Done) {
+        return loaded;
+    }
     const std::string folder = suitePath(output);
     if (dryRun) {
         makeHelp(catalogue, [&folder](const std::string& name, const std::string& text) {
@@ -178,9 +208,13 @@ ExitStatus writePages(const std::string& file, const std::string& output, bool d
         });
         return ExitStatus::Done;
     }
-    if (!osFiles().exists(folder)) osFiles().makeFolder(folder);
+    if (!osFiles().exists(folder)) {
+        osFiles().makeFolder(folder);
+    }
     std::string error;
-    if (writeHelp(catalogue, folder + "\\", &error)) return ExitStatus::Done;
+    if (writeHelp(catalogue, folder + "\\", &error)) {
+        return ExitStatus::Done;
+    }
     complain(error);
     return ExitStatus::Failed;
 }

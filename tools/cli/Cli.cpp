@@ -38,7 +38,9 @@ std::optional<std::string> readStream(std::FILE* stream, const std::string& name
             return std::nullopt;
         }
     }
-    if (!std::ferror(stream)) return bytes;
+    if (!std::ferror(stream)) {
+        return bytes;
+    }
     complain("cannot read " + name + ": " + std::strerror(errno));
     return std::nullopt;
 }
@@ -52,23 +54,31 @@ bool isPipe(const std::string& path) {
 }  // namespace
 
 std::optional<std::string> readInput(const std::string& path) {
-    if (isStandardStream(path)) return readStream(stdin, "the standard input");
+    if (isStandardStream(path)) {
+        return readStream(stdin, "the standard input");
+    }
     if (isPipe(path)) {
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(std::fopen(path.c_str(), "rb"),
                                                                    std::fclose);
-        if (pipe) return readStream(pipe.get(), path);
+        if (pipe) {
+            return readStream(pipe.get(), path);
+        }
         complain("cannot read " + path + ": " + std::strerror(errno));
         return std::nullopt;
     }
     std::optional<std::string> bytes = osFiles().readWhole(path);
-    if (!bytes) complain("cannot read " + path + ": " + osFiles().lastError());
+    if (!bytes) {
+        complain("cannot read " + path + ": " + osFiles().lastError());
+    }
     return bytes;
 }
 
 bool writeOutput(const std::string& path, std::string_view bytes) {
     if (!isStandardStream(path)) {
         const SafeWriteResult result = safeWrite(path, bytes);
-        if (!result) complain(result.error);
+        if (!result) {
+            complain(result.error);
+        }
         return static_cast<bool>(result);
     }
     std::fwrite(bytes.data(), 1, bytes.size(), stdout);
@@ -76,7 +86,9 @@ bool writeOutput(const std::string& path, std::string_view bytes) {
 }
 
 bool flushOutput() {
-    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return true;
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) {
+        return true;
+    }
     complain(std::string("cannot write the standard output: ") + std::strerror(errno));
     return false;
 }

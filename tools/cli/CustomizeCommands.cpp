@@ -13,10 +13,10 @@
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
 #include "plugin/host/FolderHost.h"
-#include "util/LineDiff.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -38,10 +38,11 @@ void print(const std::string& text) {
 std::string oneLine(const std::string& text) {
     std::string made;
     for (const char c : text) {
-        if (c == '\n')
+        if (c == '\n') {
             made += "\\n";
-        else if (c != '\r')
+        } else if (c != '\r') {
             made += c;
+        }
     }
     return made;
 }
@@ -54,7 +55,9 @@ public:
           m_host({.project = std::string(folderOf(m_path)), .suite = std::string(folderOf(m_path))}),
           m_session(m_host, userPrompt()) {
         m_open = m_session.open(m_path);
-        if (!m_open) complain("cannot read " + file + ": " + osFiles().lastError());
+        if (!m_open) {
+            complain("cannot read " + file + ": " + osFiles().lastError());
+        }
     }
 
     bool isOpen() const { return m_open; }
@@ -68,15 +71,21 @@ public:
         for (const bool byId : {true, false}) {
             for (size_t i = 0; i < m_session.size() && matches < 2; ++i) {
                 const CustomEntry& entry = m_session.entry(i);
-                if (!entry.hasValue()) continue;
+                if (!entry.hasValue()) {
+                    continue;
+                }
                 if (byId ? number && entry.id >= 1 && std::to_string(entry.id) == name
                          : equalNoCase(entry.label, name)) {
                     found = matches++ == 0 ? static_cast<int>(i) : found;
                 }
             }
-            if (matches > 0) break;
+            if (matches > 0) {
+                break;
+            }
         }
-        if (matches == 1) return found;
+        if (matches == 1) {
+            return found;
+        }
         complain(matches == 0 ? "no entry has the id or label \"" + name + "\""
                               : "several entries are called \"" + name + "\"; name it by its id");
         return -1;
@@ -115,7 +124,9 @@ private:
 std::string templateFile(const std::string& script, const std::string& given) {
     const std::string path = osFiles().fullPath(suitePath(given));
     const auto entry = osFiles().search(path);
-    if (!entry || !entry->isFolder) return path;
+    if (!entry || !entry->isFolder) {
+        return path;
+    }
     const std::string same = joinPath(path, fileNameOf(script)), numbered = numberedTemplateOf(script);
     return osFiles().exists(same) || numbered.empty() ? same : joinPath(path, numbered);
 }
@@ -125,9 +136,15 @@ Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
     one["line"] = entry.line;
     one["kind"] = customKeywordName(entry.kind);
     one["label"] = jsonText(entry.label);
-    if (!entry.help.empty()) one["help"] = jsonText(entry.help);
-    if (!entry.hasValue()) return one;
-    if (entry.id >= 1) one["id"] = entry.id;
+    if (!entry.help.empty()) {
+        one["help"] = jsonText(entry.help);
+    }
+    if (!entry.hasValue()) {
+        return one;
+    }
+    if (entry.id >= 1) {
+        one["id"] = entry.id;
+    }
     one["value"] = jsonText(entry.value);
     const EntryFacts facts = specOf(script, entry);
     if (isNumber(facts.field) && facts.limited) {
@@ -135,13 +152,17 @@ Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
         one["maximum"] = facts.maximum;
         one["step"] = EntryModel(facts).step();
     }
-    if (!facts.options.empty()) one["options"] = jsonTexts(facts.options);
+    if (!facts.options.empty()) {
+        one["options"] = jsonTexts(facts.options);
+    }
     return one;
 }
 
 ExitStatus list(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     const CustomScript& script = open.session().script();
     if (options.json) {
         Json all;
@@ -149,15 +170,21 @@ ExitStatus list(const CustomizeOptions& options) {
         all["version"] = script.version;
         all["date"] = script.date;
         all["entries"] = Json::array();
-        for (const CustomEntry& entry : script.entries) all["entries"].push_back(jsonOf(script, entry));
+        for (const CustomEntry& entry : script.entries) {
+            all["entries"].push_back(jsonOf(script, entry));
+        }
         printJson(all);
     } else if (options.full) {
         print(entriesText(script));
     } else {
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
-            if (entry.kind == kSection) print("\n" + oneLine(entry.label) + "\n");
-            if (!entry.hasValue()) continue;
+            if (entry.kind == kSection) {
+                print("\n" + oneLine(entry.label) + "\n");
+            }
+            if (!entry.hasValue()) {
+                continue;
+            }
             const std::string range = allowedRange(open.session().row(i).facts());
             print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
                   oneLine(entry.label) + " = " + oneLine(entry.value) +
@@ -169,25 +196,35 @@ ExitStatus list(const CustomizeOptions& options) {
 
 ExitStatus get(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     std::vector<int> found;
-    for (const std::string& name : options.words)
-        if (found.push_back(open.find(name)); found.back() < 0) return ExitStatus::Usage;
+    for (const std::string& name : options.words) {
+        if (found.push_back(open.find(name)); found.back() < 0) {
+            return ExitStatus::Usage;
+        }
+    }
     Json all = Json::array();
     for (const int i : found) {
         const CustomEntry& entry = open.session().entry(static_cast<size_t>(i));
-        if (options.json)
+        if (options.json) {
             all.push_back(jsonOf(open.session().script(), entry));
-        else
+        } else {
             print(entry.value + "\n");
+        }
     }
-    if (options.json) printJson(all);
+    if (options.json) {
+        printJson(all);
+    }
     return ExitStatus::Done;
 }
 
 ExitStatus set(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     for (const std::string& word : options.words) {
         const size_t equals = word.find('=');
         if (equals == word.npos) {
@@ -195,7 +232,9 @@ ExitStatus set(const CustomizeOptions& options) {
             return ExitStatus::Usage;
         }
         const int i = open.find(word.substr(0, equals));
-        if (i < 0) return ExitStatus::Usage;
+        if (i < 0) {
+            return ExitStatus::Usage;
+        }
         std::string why;
         if (!open.session().setValue(static_cast<size_t>(i), word.substr(equals + 1), &why)) {
             complain("\"" + open.session().entry(static_cast<size_t>(i)).label + "\": " + why +
@@ -218,30 +257,41 @@ std::optional<std::vector<std::optional<std::string>>> templateValues(OpenScript
     CustomScript original;
     takeCustomText(std::move(*text), original);
     std::vector<std::optional<std::string>> values;
-    for (const std::ptrdiff_t place : matchEntries(open.session().script(), original))
+    for (const std::ptrdiff_t place : matchEntries(open.session().script(), original)) {
         values.push_back(place < 0 ? std::nullopt
                                    : std::optional(original.entries[static_cast<size_t>(place)].value));
+    }
     return values;
 }
 
 ExitStatus reset(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     const auto values = templateValues(open, options.other);
-    if (!values) return ExitStatus::Failed;
+    if (!values) {
+        return ExitStatus::Failed;
+    }
     std::vector<bool> chosen(values->size(), options.words.empty());
     for (const std::string& name : options.words) {
         const int i = open.find(name);
-        if (i < 0) return ExitStatus::Usage;
+        if (i < 0) {
+            return ExitStatus::Usage;
+        }
         chosen[static_cast<size_t>(i)] = true;
     }
     ExitStatus status = ExitStatus::Done;
     for (size_t i = 0; i < values->size(); ++i) {
         const auto& value = (*values)[i];
         const CustomEntry& entry = open.session().entry(i);
-        if (!chosen[i] || !entry.hasValue()) continue;
+        if (!chosen[i] || !entry.hasValue()) {
+            continue;
+        }
         std::string why = "the template has no such entry.";
-        if (value && open.session().setValue(i, *value, &why)) continue;
+        if (value && open.session().setValue(i, *value, &why)) {
+            continue;
+        }
         complain("\"" + entry.label + "\": " + why);
         status = ExitStatus::Findings;
     }
@@ -250,24 +300,37 @@ ExitStatus reset(const CustomizeOptions& options) {
 
 ExitStatus diff(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     const auto values = templateValues(open, options.other);
-    if (!values) return ExitStatus::Failed;
+    if (!values) {
+        return ExitStatus::Failed;
+    }
     Json all = Json::array();
     for (size_t i = 0; i < values->size(); ++i) {
         const CustomEntry& entry = open.session().entry(i);
         const auto& other = (*values)[i];
-        if (!entry.hasValue() || (other && *other == entry.value)) continue;
+        if (!entry.hasValue() || (other && *other == entry.value)) {
+            continue;
+        }
         Json one{{"label", jsonText(entry.label)}, {"value", jsonText(entry.value)}};
-        if (entry.id >= 1) one["id"] = entry.id;
-        if (other) one["other"] = jsonText(*other);
+        if (entry.id >= 1) {
+            one["id"] = entry.id;
+        }
+        if (other) {
+            one["other"] = jsonText(*other);
+        }
         all.push_back(one);
-        if (!options.json)
+        if (!options.json) {
             print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
                   oneLine(entry.label) + ": " + oneLine(entry.value) +
                   (other ? " (there " + oneLine(*other) + ")" : " (missing there)") + "\n");
+        }
     }
-    if (options.json) printJson(all);
+    if (options.json) {
+        printJson(all);
+    }
     return all.empty() ? ExitStatus::Done : ExitStatus::Findings;
 }
 
@@ -289,9 +352,9 @@ ExitStatus update(const CustomizeOptions& options) {
         complain(why);
         return ExitStatus::Failed;
     }
-    if (options.dryRun)
+    if (options.dryRun) {
         print(unifiedDifference(plan->before, plan->after, path, path));
-    else if (!updateKeepingValues(path, original, why, &plan->unplaced)) {
+    } else if (!updateKeepingValues(path, original, why, &plan->unplaced)) {
         complain(why + "; not updated");
         return ExitStatus::Failed;
     }
@@ -304,7 +367,9 @@ ExitStatus update(const CustomizeOptions& options) {
 
 ExitStatus exportValues(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     const std::string target = options.other.empty()             ? open.path() + kValueFileEnding
                                : isStandardStream(options.other) ? options.other
                                                                  : suitePath(options.other);
@@ -318,11 +383,15 @@ ExitStatus exportValues(const CustomizeOptions& options) {
 
 ExitStatus import(const CustomizeOptions& options) {
     OpenScript open(options.file);
-    if (!open.isOpen()) return ExitStatus::Failed;
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
     const auto bytes = readInput(options.other.empty()             ? open.path() + kValueFileEnding
                                  : isStandardStream(options.other) ? options.other
                                                                    : suitePath(options.other));
-    if (!bytes) return ExitStatus::Failed;
+    if (!bytes) {
+        return ExitStatus::Failed;
+    }
     const ValueRecords stored = parseValueFile(*bytes);
     ExitStatus status = ExitStatus::Done;
     if (stored.error || !bytes->starts_with('1')) {
@@ -332,13 +401,20 @@ ExitStatus import(const CustomizeOptions& options) {
     }
     CustomizeSession& session = open.session();
     std::unordered_map<int, size_t> firstOf;
-    for (size_t i = 0; i < session.size(); ++i)
-        if (session.entry(i).hasValue()) firstOf.try_emplace(session.entry(i).id, i);
+    for (size_t i = 0; i < session.size(); ++i) {
+        if (session.entry(i).hasValue()) {
+            firstOf.try_emplace(session.entry(i).id, i);
+        }
+    }
     for (const ValueRecord& record : stored.records) {
         const auto found = firstOf.find(record.id);
         std::string value = record.value, why = "the script has no such entry.";
-        if (value.ends_with('\r')) value.pop_back();
-        if (found != firstOf.end() && session.setValue(found->second, value, &why)) continue;
+        if (value.ends_with('\r')) {
+            value.pop_back();
+        }
+        if (found != firstOf.end() && session.setValue(found->second, value, &why)) {
+            continue;
+        }
         complain("id " + std::to_string(record.id) + " (" + value + "): " + why);
         status = ExitStatus::Findings;
     }
@@ -352,14 +428,17 @@ ExitStatus checkFile(const std::string& path, Json* json) {
         return ExitStatus::Failed;
     }
     for (const MarkupFinding& finding : script.findings.kept()) {
-        if (json)
+        if (json) {
             json->push_back(
                 {{"file", jsonText(path)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
-        else
+        } else {
             print(path + ':' + std::to_string(finding.line) + ": " + oneLine(finding.what) + "\n");
+        }
     }
     const size_t left = script.findings.count() - script.findings.kept().size();
-    if (left > 0) complain(path + ": " + std::to_string(left) + " more findings are not listed");
+    if (left > 0) {
+        complain(path + ": " + std::to_string(left) + " more findings are not listed");
+    }
     return script.findings.count() > 0 ? ExitStatus::Findings : ExitStatus::Done;
 }
 
@@ -374,10 +453,15 @@ ExitStatus check(const CustomizeOptions& options) {
             status = worse(status, checkFile(path, json));
             continue;
         }
-        for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez")))
-            if (!file.isFolder) status = worse(status, checkFile(joinPath(path, file.name), json));
+        for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez"))) {
+            if (!file.isFolder) {
+                status = worse(status, checkFile(joinPath(path, file.name), json));
+            }
+        }
     }
-    if (json) printJson(all);
+    if (json) {
+        printJson(all);
+    }
     return status;
 }
 

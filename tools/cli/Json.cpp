@@ -7,15 +7,21 @@
 namespace zoka::cli {
 
 std::string jsonText(const std::string& text) {
-    if (isUtf8(text.c_str())) return text;
+    if (isUtf8(text.c_str())) {
+        return text;
+    }
     std::string result;
-    for (const char c : text) appendUtf8(result, windows1252(static_cast<unsigned char>(c)));
+    for (const char c : text) {
+        appendUtf8(result, windows1252(static_cast<unsigned char>(c)));
+    }
     return result;
 }
 
 nlohmann::ordered_json jsonTexts(const std::vector<std::string>& texts) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const std::string& text : texts) list.push_back(jsonText(text));
+    for (const std::string& text : texts) {
+        list.push_back(jsonText(text));
+    }
     return list;
 }
 

@@ -11,13 +11,13 @@
 
 #include "plugin/host/FolderHost.h"
 #include "templates/CatalogueXml.h"
-#include "util/LineDiff.h"
 #include "templates/NotesReport.h"
 #include "templates/ScriptManagerSession.h"
 #include "templates/ValueKeepingUpdater.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/LineDiff.h"
 #include "util/PathRules.h"
 
 namespace zoka::cli {
@@ -49,7 +49,9 @@ public:
             return;
         }
         m_status = loadCatalogueOrComplain(m_catalogue, file);
-        if (m_status != ExitStatus::Done) return;
+        if (m_status != ExitStatus::Done) {
+            return;
+        }
         m_session = std::make_unique<ScriptManagerSession>(
             m_host, m_catalogue, [](CTemplateData&, JobProgress*) { return true; }, m_updater, userPrompt());
         m_session->open();
@@ -67,18 +69,30 @@ public:
 
     // The file of a script named by its title or its file name; nothing, and a complaint, when it is unknown.
     std::optional<std::string> fileOf(const std::string& name) const {
-        if (const auto titled = m_catalogue.findByName(name)) return titled->m_filename;
-        if (const auto filed = m_catalogue.findByFilenameNoCase(name)) return filed->m_filename;
-        for (const IncludedScript& entry : m_session->included())
-            if (equalNoCase(entry.fileName, name) || entry.text == name) return entry.fileName;
-        if (m_folders.LocateScript(name) != ScriptPlace::NotFound) return name;
+        if (const auto titled = m_catalogue.findByName(name)) {
+            return titled->m_filename;
+        }
+        if (const auto filed = m_catalogue.findByFilenameNoCase(name)) {
+            return filed->m_filename;
+        }
+        for (const IncludedScript& entry : m_session->included()) {
+            if (equalNoCase(entry.fileName, name) || entry.text == name) {
+                return entry.fileName;
+            }
+        }
+        if (m_folders.LocateScript(name) != ScriptPlace::NotFound) {
+            return name;
+        }
         complain("no script is called " + name);
         return {};
     }
 
     std::optional<int> includedIndex(const std::string& fileName) const {
-        for (size_t i = 0; i < m_session->included().size(); ++i)
-            if (equalNoCase(m_session->included()[i].fileName, fileName)) return static_cast<int>(i);
+        for (size_t i = 0; i < m_session->included().size(); ++i) {
+            if (equalNoCase(m_session->included()[i].fileName, fileName)) {
+                return static_cast<int>(i);
+            }
+        }
         return {};
     }
 
@@ -89,7 +103,9 @@ private:
         folders.project = suitePath(options.project);
         folders.suite = std::string(folderOf(templates));
         folders.templateSubfolder = std::string(fileNameOf(templates));
-        if (!options.mainScript.empty()) folders.mainScript = suitePath(options.mainScript);
+        if (!options.mainScript.empty()) {
+            folders.mainScript = suitePath(options.mainScript);
+        }
         return folders;
     }
 
@@ -117,7 +133,7 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
         manager.folders().ReadVersionAndDate(entry.fileName, version, date, false);
         const char* const place = placeName(manager.folders().LocateScript(entry.fileName));
         const std::string neededBy = manager.session().neededBy(i);
-        if (options.json)
+        if (options.json) {
             scripts.push_back({{"filename", jsonText(entry.fileName)},
                                {"title", entry.script ? jsonText(entry.script->m_name) : ""},
                                {"template", entry.script.has_value()},
@@ -125,25 +141,30 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
                                {"version", jsonText(version)},
                                {"date", jsonText(date)},
                                {"neededBy", jsonText(neededBy)}});
-        else
+        } else {
             print(entry.fileName + "\t" + place + "\t" + version + "\t" + date + "\t" +
                   (entry.script ? entry.text : "(USER)") + (neededBy.empty() ? "" : "\t" + neededBy) + "\n");
+        }
     }
-    if (options.json) printJson({{"mainScript", jsonText(manager.mainScript())}, {"scripts", scripts}});
+    if (options.json) {
+        printJson({{"mainScript", jsonText(manager.mainScript())}, {"scripts", scripts}});
+    }
     return ExitStatus::Done;
 }
 
 nlohmann::ordered_json asJson(const AddPlan& plan) {
     nlohmann::ordered_json copies = nlohmann::ordered_json::array(), lines = nlohmann::ordered_json::array();
-    for (const AddPlan::Copy& copy : plan.copies)
+    for (const AddPlan::Copy& copy : plan.copies) {
         copies.push_back({{"source", jsonText(copy.source)},
                           {"destination", jsonText(copy.destination)},
                           {"overwrites", copy.overwrites}});
-    for (const AddPlan::Line& line : plan.lines)
+    }
+    for (const AddPlan::Line& line : plan.lines) {
         lines.push_back({{"name", jsonText(line.name)},
                          {"need", !line.asked},
                          {"present", line.present},
                          {"found", line.found}});
+    }
     return {{"summary", jsonText(plan.summary())}, {"copies", copies}, {"includes", lines}};
 }
 
@@ -151,7 +172,9 @@ ExitStatus add(Manager& manager, const ScriptOptions& options) {
     std::vector<std::string> paths;
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
-        if (!file) return ExitStatus::Usage;
+        if (!file) {
+            return ExitStatus::Usage;
+        }
         std::string path;
         if (manager.folders().LocateScript(*file, path) == ScriptPlace::NotFound) {
             complain("Can't find script file (1129).\nFile not added.");
@@ -161,23 +184,31 @@ ExitStatus add(Manager& manager, const ScriptOptions& options) {
     }
     ScriptAdding adding(manager.host(), userPrompt());
     const AddPlan plan = adding.plan(paths);
-    if (options.json)
+    if (options.json) {
         printJson(asJson(plan));
-    else
+    } else {
         print(plan.summary() + "\n");
-    if (!plan.problem.empty()) return ExitStatus::Findings;
+    }
+    if (!plan.problem.empty()) {
+        return ExitStatus::Findings;
+    }
     if (plan.before.empty()) {
         complain("the main script is empty or can't be read: nothing is included");
         return ExitStatus::Findings;
     }
     if (options.dryRun) {
-        if (options.json) return ExitStatus::Done;
-        for (const AddPlan::Copy& copy : plan.copies)
+        if (options.json) {
+            return ExitStatus::Done;
+        }
+        for (const AddPlan::Copy& copy : plan.copies) {
             print("copy " + copy.source + " -> " + copy.destination + "\n");
+        }
         manager.printDifference(plan.before, plan.after);
         return ExitStatus::Done;
     }
-    if (adding.AddScriptsToProject(paths) && adding.error().empty()) return ExitStatus::Done;
+    if (adding.AddScriptsToProject(paths) && adding.error().empty()) {
+        return ExitStatus::Done;
+    }
     complain(adding.error());
     return ExitStatus::Failed;
 }
@@ -192,19 +223,29 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
         const std::optional<std::string> file = manager.fileOf(name);
         const std::optional<int> index = file ? manager.includedIndex(*file) : std::nullopt;
         if (!index) {
-            if (file) complain("the main script doesn't include " + *file);
+            if (file) {
+                complain("the main script doesn't include " + *file);
+            }
             return ExitStatus::Usage;
         }
         const auto entry = static_cast<size_t>(*index);
-        if (chosen.insert(entry).second) files.push_back(session.included()[entry].fileName);
+        if (chosen.insert(entry).second) {
+            files.push_back(session.included()[entry].fileName);
+        }
     }
     std::set<size_t> needing;
-    for (const size_t entry : chosen)
-        for (const size_t dependent : session.dependents(entry))
-            if (!chosen.contains(dependent)) needing.insert(dependent);
+    for (const size_t entry : chosen) {
+        for (const size_t dependent : session.dependents(entry)) {
+            if (!chosen.contains(dependent)) {
+                needing.insert(dependent);
+            }
+        }
+    }
     if (!needing.empty()) {
         std::vector<std::string> titles;
-        for (const size_t dependent : needing) titles.push_back(session.included()[dependent].text);
+        for (const size_t dependent : needing) {
+            titles.push_back(session.included()[dependent].text);
+        }
         session.refuseRemoval(titles);
         return ExitStatus::Findings;
     }
@@ -214,13 +255,17 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
         return ExitStatus::Done;
     }
     std::string error;
-    if (RemoveIncludes(manager.host(), files, &error)) return ExitStatus::Done;
+    if (RemoveIncludes(manager.host(), files, &error)) {
+        return ExitStatus::Done;
+    }
     complain(error.empty() ? "the main script doesn't include them any more" : error);
     return ExitStatus::Failed;
 }
 
 std::string withoutLineEnd(std::string line) {
-    while (line.ends_with('\n')) line.pop_back();
+    while (line.ends_with('\n')) {
+        line.pop_back();
+    }
     return line;
 }
 
@@ -232,16 +277,19 @@ void reportUpdates(Manager& manager, const ScriptOptions& options, const std::ve
         list.push_back({{"filename", jsonText(entry.fileName)},
                         {"line", jsonText(withoutLineEnd(entry.line))},
                         {"missingNeeds", jsonTexts(entry.missingNeeds)}});
-        if (options.json) continue;
+        if (options.json) {
+            continue;
+        }
         print(withoutLineEnd(entry.line) + "\n");
         // One of two entries of a script, for its needs and for its version, shows its lines.
         const bool isLast = &entry == &entries.back() || (&entry)[1].fileName != entry.fileName;
         if (isLast && folders.LocateScript(entry.fileName) == ScriptPlace::Project &&
-            folders.inTemplates(entry.fileName))
+            folders.inTemplates(entry.fileName)) {
             print(unifiedDifference(osFiles().readWhole(folders.projectPath(entry.fileName)).value_or(""),
                                     osFiles().readWhole(folders.templatePath(entry.fileName)).value_or(""),
                                     folders.projectPath(entry.fileName),
                                     folders.templatePath(entry.fileName)));
+        }
     }
     if (options.json) {
         printJson({{"updates", list}});
@@ -251,10 +299,11 @@ void reportUpdates(Manager& manager, const ScriptOptions& options, const std::ve
     CLex lexer(before.data(), static_cast<long>(before.size()));
     const Insertion missing =
         planInsertion(lexer, manager.mainScript(), missingNeedsOf(entries, folders), folders.locator());
-    if (missing.problem.empty())
+    if (missing.problem.empty()) {
         manager.printDifference(before, applyInsertion(before, missing));
-    else
+    } else {
         complain(missing.problem);
+    }
 }
 
 ExitStatus update(Manager& manager, const ScriptOptions& options) {
@@ -262,30 +311,48 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
     std::set<std::string> files, listed;  // lowered names
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
-        if (!file) return ExitStatus::Usage;
+        if (!file) {
+            return ExitStatus::Usage;
+        }
         files.insert(lowered(*file));
     }
     std::vector<UpdateEntry> entries;
     for (const UpdateEntry& entry : session.updates()) {
         const std::string key = lowered(entry.fileName);
-        if (!files.empty() && !files.contains(key)) continue;
+        if (!files.empty() && !files.contains(key)) {
+            continue;
+        }
         entries.push_back(entry);
         listed.insert(key);
     }
-    if (options.json || options.dryRun) reportUpdates(manager, options, entries);
-    if (options.dryRun) return entries.empty() ? ExitStatus::Done : ExitStatus::Findings;
-    if (files.empty())
-        session.updateListed();
-    else if (!entries.empty())
-        session.updateEntries(entries);
-    if (!options.json) {
-        for (const std::string& file : files)
-            if (!listed.contains(file)) print(file + ": nothing to update\n");
-        if (!session.status().empty()) print(session.status() + "\n");
+    if (options.json || options.dryRun) {
+        reportUpdates(manager, options, entries);
     }
-    if (!session.updateRun().problems().empty()) return ExitStatus::Failed;
+    if (options.dryRun) {
+        return entries.empty() ? ExitStatus::Done : ExitStatus::Findings;
+    }
+    if (files.empty()) {
+        session.updateListed();
+    } else if (!entries.empty()) {
+        session.updateEntries(entries);
+    }
+    if (!options.json) {
+        for (const std::string& file : files) {
+            if (!listed.contains(file)) {
+                print(file + ": nothing to update\n");
+            }
+        }
+        if (!session.status().empty()) {
+            print(session.status() + "\n");
+        }
+    }
+    if (!session.updateRun().problems().empty()) {
+        return ExitStatus::Failed;
+    }
     std::string unplaced = session.updateRun().unplaced();
-    if (unplaced.empty()) return ExitStatus::Done;
+    if (unplaced.empty()) {
+        return ExitStatus::Done;
+    }
     std::erase(unplaced, '\r');
     complain("no place for these values, which are kept beside each script (.zoka.old):\n" + unplaced);
     return ExitStatus::Findings;
@@ -295,33 +362,39 @@ ExitStatus restore(Manager& manager, const ScriptOptions& options) {
     std::vector<std::string> files;
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
-        if (!file) return ExitStatus::Usage;
+        if (!file) {
+            return ExitStatus::Usage;
+        }
         files.push_back(*file);
     }
     ExitStatus status = ExitStatus::Done;
     for (const std::string& file : files) {
-        if (!(options.dryRun ? canRestore(manager.host(), file) : manager.session().restore(file)))
+        if (!(options.dryRun ? canRestore(manager.host(), file) : manager.session().restore(file))) {
             status = ExitStatus::Findings;
-        else if (options.dryRun)
+        } else if (options.dryRun) {
             print("copy " + manager.folders().templatePath(file) + " -> " +
                   manager.folders().projectPath(file) + "\n");
+        }
     }
     return status;
 }
 
 ExitStatus notes(Manager& manager, const ScriptOptions& options) {
     const std::string text = manager.session().notes();
-    if (options.json)
+    if (options.json) {
         printJson({{"notes", jsonText(text)}});
-    else
+    } else {
         print(text);
+    }
     return ExitStatus::Done;
 }
 
 // The included scripts that need this one, and those that need them, each once.
 ExitStatus why(Manager& manager, const ScriptOptions& options) {
     const std::optional<std::string> file = manager.fileOf(options.names.front());
-    if (!file) return ExitStatus::Usage;
+    if (!file) {
+        return ExitStatus::Usage;
+    }
     const auto& included = manager.session().included();
     const std::optional<int> start = manager.includedIndex(*file);
     if (!start) {
@@ -332,7 +405,9 @@ ExitStatus why(Manager& manager, const ScriptOptions& options) {
     for (size_t i = 0; i < included.size(); ++i) {
         std::string path;
         manager.folders().LocateScript(included[i].fileName, path);
-        for (const std::string& need : readScriptFacts(path).needs) needers[lowered(need)].push_back(i);
+        for (const std::string& need : readScriptFacts(path).needs) {
+            needers[lowered(need)].push_back(i);
+        }
     }
     struct Step {
         size_t script;
@@ -343,16 +418,23 @@ ExitStatus why(Manager& manager, const ScriptOptions& options) {
     std::unordered_set<size_t> seen = {way[0].script};
     for (size_t at = 0; at < way.size(); ++at) {
         const Step step = way[at];
-        for (const size_t needer : needers[lowered(included[step.script].fileName)])
-            if (seen.insert(needer).second)
+        for (const size_t needer : needers[lowered(included[step.script].fileName)]) {
+            if (seen.insert(needer).second) {
                 way.push_back({needer, step.chain + " <- " + included[needer].fileName});
-        if (at > 0) chains.push_back(jsonText(step.chain));
-        if (at > 0 && !options.json) print(step.chain + "\n");
+            }
+        }
+        if (at > 0) {
+            chains.push_back(jsonText(step.chain));
+        }
+        if (at > 0 && !options.json) {
+            print(step.chain + "\n");
+        }
     }
-    if (options.json)
+    if (options.json) {
         printJson({{"filename", jsonText(*file)}, {"neededBy", chains}});
-    else if (way.size() == 1)
+    } else if (way.size() == 1) {
         print(*file + " is included by itself: no included script needs it\n");
+    }
     return ExitStatus::Done;
 }
 
@@ -371,13 +453,20 @@ void addCommand(CLI::App& scripts, Work& chosen, const char* name, const char* d
                         "The main script, where the project has several scripts");
     if (takes & (kNames | kOneName)) {
         CLI::Option* names = command->add_option("NAME", options->names, "Title or file name of a script");
-        if (takes & kOneName) names->expected(1);
-        if (takes & kNeedsNames) names->required();
+        if (takes & kOneName) {
+            names->expected(1);
+        }
+        if (takes & kNeedsNames) {
+            names->required();
+        }
     }
-    if (takes & kDryRun)
+    if (takes & kDryRun) {
         command->add_flag("--dry-run", options->dryRun,
                           "Change nothing; print what would be changed and copied");
-    if (takes & kJson) command->add_flag("--json", options->json, "Print the report as JSON");
+    }
+    if (takes & kJson) {
+        command->add_flag("--json", options->json, "Print the report as JSON");
+    }
     setExample(*command, example);
     command->callback([=, &chosen] {
         chosen = [=] {

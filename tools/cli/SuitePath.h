@@ -12,9 +12,22 @@ namespace zoka::cli {
 // An argument as the suite writes paths: absolute, with backslashes alone and none at its end.
 inline std::string suitePath(const std::string& argument) {
     std::string path = osFiles().fullPath(argument);
-    for (char& c : path)
-        if (c == '/') c = '\\';
-    while (path.size() > 3 && path.ends_with('\\')) path.pop_back();
+    for (char& c : path) {
+        {
+            {
+                if (c == '/') {
+                    {
+                        { c = '\\'; }
+                    }
+                }
+            }
+        }
+    }
+    while (path.size() > 3 && path.ends_with('\\')) {
+        {
+            { path.pop_back(); }
+        }
+    }
     return path;
 }
 

@@ -26,18 +26,25 @@ struct FileForm {
 
 // The name in encoding="..." of the XML declaration, or empty.
 std::string_view declaredEncoding(std::string_view bytes) {
-    if (!bytes.starts_with("<?xml")) return {};
+    if (!bytes.starts_with("<?xml")) {
+        return {};
+    }
     const std::string_view declaration = bytes.substr(0, bytes.find("?>"));
     const size_t word = declaration.find("encoding");
     const size_t open = declaration.find_first_of("\"'", word);
-    if (word == declaration.npos || open == declaration.npos) return {};
+    if (word == declaration.npos || open == declaration.npos) {
+        return {};
+    }
     const size_t close = declaration.find(declaration[open], open + 1);
     return close == declaration.npos ? std::string_view() : declaration.substr(open + 1, close - open - 1);
 }
 
 FileForm formOf(std::string_view bytes) {
-    for (const std::string_view mark : {kUtf8Mark, kUtf16LeMark, kUtf16BeMark})
-        if (bytes.starts_with(mark)) return {mark};
+    for (const std::string_view mark : {kUtf8Mark, kUtf16LeMark, kUtf16BeMark}) {
+        if (bytes.starts_with(mark)) {
+            return {mark};
+        }
+    }
     const std::string_view name = declaredEncoding(bytes);
     return {{}, !name.empty() && !equalNoCase(name.substr(0, 3), "utf")};
 }
@@ -46,8 +53,9 @@ FileForm formOf(std::string_view bytes) {
 std::string utf16From(const std::string& text, bool bigEndian) {
     std::u16string units;
     char32_t c = 0;
-    for (const char* p = text.c_str(); unsigned length = *p ? utf8Sequence(p, c) : 0; p += length)
+    for (const char* p = text.c_str(); unsigned length = *p ? utf8Sequence(p, c) : 0; p += length) {
         appendUtf16(units, c);
+    }
     std::string bytes;
     bytes.reserve(units.size() * 2);
     for (const char16_t unit : units) {
@@ -64,7 +72,9 @@ XMLNode parse(const std::string& path, std::string_view bytes, const FileForm& f
     setXmlCharset(form.platformBytes ? XMLCharset::Platform : XMLCharset::Utf8);
     XMLResults results;
     XMLNode document = XMLNode::parseBytes(bytes, nullptr, &results);
-    if (results.code == kXmlNone) return document;
+    if (results.code == kXmlNone) {
+        return document;
+    }
     // Where no place can be named, the file's first is as good as any.
     std::fprintf(findings, "%s:%d:%d: %s\n", isStandardStream(path) ? "<stdin>" : path.c_str(),
                  results.line > 0 ? results.line : 1, results.column > 0 ? results.column : 1,
@@ -76,11 +86,16 @@ XMLNode parse(const std::string& path, std::string_view bytes, const FileForm& f
 std::string format(const XMLNode& document, const FileForm& form) {
     int length = 0;
     const std::unique_ptr<char, void (*)(void*)> text(document.toText(true, &length), std::free);
-    if (!text) return {};
+    if (!text) {
+        return {};
+    }
     std::string bytes(text.get(), static_cast<size_t>(length));
-    if (!bytes.ends_with('\n')) bytes += '\n';
-    if (form.mark == kUtf16LeMark || form.mark == kUtf16BeMark)
+    if (!bytes.ends_with('\n')) {
+        bytes += '\n';
+    }
+    if (form.mark == kUtf16LeMark || form.mark == kUtf16BeMark) {
         bytes = utf16From(bytes, form.mark == kUtf16BeMark);
+    }
     return std::string(form.mark) + bytes;
 }
 
@@ -88,10 +103,11 @@ ExitStatus check(const std::vector<std::string>& paths) {
     ExitStatus status = ExitStatus::Done;
     for (const std::string& path : paths) {
         const auto bytes = readInput(path);
-        if (!bytes)
+        if (!bytes) {
             status = ExitStatus::Failed;
-        else if (parse(path, *bytes, formOf(*bytes), stdout).isEmpty())
+        } else if (parse(path, *bytes, formOf(*bytes), stdout).isEmpty()) {
             status = worse(status, ExitStatus::Findings);
+        }
     }
     return status;
 }
@@ -99,16 +115,22 @@ ExitStatus check(const std::vector<std::string>& paths) {
 // Formats one file to `target`; null stands for the file itself, which is then left alone if nothing changes.
 ExitStatus formatFile(const std::string& path, const std::string* target) {
     const auto bytes = readInput(path);
-    if (!bytes) return ExitStatus::Failed;
+    if (!bytes) {
+        return ExitStatus::Failed;
+    }
     const FileForm form = formOf(*bytes);
     const XMLNode document = parse(path, *bytes, form, stderr);
-    if (document.isEmpty()) return ExitStatus::Findings;
+    if (document.isEmpty()) {
+        return ExitStatus::Findings;
+    }
     const std::string formatted = format(document, form);
     if (formatted.empty()) {
         complain("not enough memory to format " + path);
         return ExitStatus::Failed;
     }
-    if (!target && formatted == *bytes) return ExitStatus::Done;
+    if (!target && formatted == *bytes) {
+        return ExitStatus::Done;
+    }
     return writeOutput(target ? *target : path, formatted) ? ExitStatus::Done : ExitStatus::Failed;
 }
 
@@ -137,15 +159,19 @@ void addFormat(CLI::App& xml, Work& chosen) {
         ->excludes(output);
     setExample(*command, "zoka xml format main.xml -o formatted.xml");
     command->callback([=, &chosen] {
-        for (const std::string& path : options->paths)
-            if (options->inPlace && isStandardStream(path))
+        for (const std::string& path : options->paths) {
+            if (options->inPlace && isStandardStream(path)) {
                 throw CLI::ValidationError("--in-place", "the standard input has no place to write back to");
-        if (!options->inPlace && options->paths.size() > 1)
+            }
+        }
+        if (!options->inPlace && options->paths.size() > 1) {
             throw CLI::ValidationError("FILE", "several files can be formatted with --in-place only");
+        }
         chosen = [=] {
             ExitStatus status = ExitStatus::Done;
-            for (const std::string& path : options->paths)
+            for (const std::string& path : options->paths) {
                 status = worse(status, formatFile(path, options->inPlace ? nullptr : &options->output));
+            }
             return status;
         };
     });

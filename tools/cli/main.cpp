@@ -38,12 +38,16 @@ cli::ExitStatus run(int argc, char** argv) {
         return usageError(error.what());
     }
     // Not left to the parser, which would say this of a misspelt command too.
-    if (!chosen) return usageError("a command is missing");
+    if (!chosen) {
+        return usageError("a command is missing");
+    }
     ConsolePrompt prompt(std::cin, std::cerr, assumeYes);
     setUserPrompt(&prompt);
     const cli::ExitStatus status = chosen();
     setUserPrompt(nullptr);
-    if (status == cli::ExitStatus::Failed) return status;  // why was said already
+    if (status == cli::ExitStatus::Failed) {
+        return status;  // why was said already
+    }
     return cli::flushOutput() ? status : cli::ExitStatus::Failed;
 }
 

@@ -12,14 +12,16 @@ constexpr std::string_view kBlanks = " \t\r";
 // The words of one line, quotes taken off. A text in `fault` tells what is wrong.
 std::vector<std::string> splitWords(std::string_view line, std::string& fault) {
     std::vector<std::string> words;
-    std::size_t at = 0;
+    size_t at = 0;
     while ((at = line.find_first_not_of(kBlanks, at)) != std::string_view::npos) {
         std::string word;
         if (line[at] != '"') {
-            const std::size_t end = std::min(line.find_first_of(kBlanks, at), line.size());
+            const size_t end = std::min(line.find_first_of(kBlanks, at), line.size());
             word = line.substr(at, end - at);
             at = end;
-            if (words.empty() && word[0] == '#') return words;
+            if (words.empty() && word[0] == '#') {
+                return words;
+            }
         } else {
             for (++at;; ++at) {
                 if (at >= line.size()) {
@@ -27,7 +29,9 @@ std::vector<std::string> splitWords(std::string_view line, std::string& fault) {
                     return words;
                 }
                 if (line[at] == '"') {
-                    if (line.substr(at + 1, 1) != "\"") break;
+                    if (line.substr(at + 1, 1) != "\"") {
+                        break;
+                    }
                     ++at;
                 }
                 word += line[at];
@@ -41,8 +45,8 @@ std::vector<std::string> splitWords(std::string_view line, std::string& fault) {
 
 // Puts values in the place of ${NAME}. An unknown name is a fault.
 void substitute(std::string& word, const std::map<std::string, std::string>& values, std::string& fault) {
-    for (std::size_t at = 0; (at = word.find("${", at)) != std::string::npos;) {
-        const std::size_t end = word.find('}', at);
+    for (size_t at = 0; (at = word.find("${", at)) != std::string::npos;) {
+        const size_t end = word.find('}', at);
         const auto value =
             end == std::string::npos ? values.end() : values.find(word.substr(at + 2, end - at - 2));
         if (value == values.end()) {
@@ -58,38 +62,49 @@ void substitute(std::string& word, const std::map<std::string, std::string>& val
 
 bool readDriveScript(std::string_view text, const std::map<std::string, std::string>& values,
                      DriveScript& script, std::string& error) {
-    std::vector<std::size_t> open;  // repeats without an end so far
+    std::vector<size_t> open;  // repeats without an end so far
     int number = 0;
     const auto fault = [&](int line, const std::string& what) {
         error = std::to_string(line) + ": " + what;
         return false;
     };
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
+        const size_t end = std::min(text.find('\n'), text.size());
         DriveLine line;
         line.number = ++number;
         std::string what;
         line.words = splitWords(text.substr(0, end), what);
         text.remove_prefix(std::min(end + 1, text.size()));
-        for (std::string& word : line.words) substitute(word, values, what);
-        if (!what.empty()) return fault(number, what);
-        if (line.words.empty()) continue;
-        const std::size_t index = script.lines.size();
+        for (std::string& word : line.words) {
+            substitute(word, values, what);
+        }
+        if (!what.empty()) {
+            return fault(number, what);
+        }
+        if (line.words.empty()) {
+            continue;
+        }
+        const size_t index = script.lines.size();
         if (line.words[0] == "repeat") {
             const std::string count = line.words.size() == 2 ? line.words[1] : "";
             const auto [last, bad] = std::from_chars(count.data(), count.data() + count.size(), line.times);
-            if (bad != std::errc() || *last != 0 || line.times < 1)
+            if (bad != std::errc() || *last != 0 || line.times < 1) {
                 return fault(number, "repeat needs a count of 1 or more");
+            }
             open.push_back(index);
         } else if (line.words[0] == "end") {
-            if (open.empty()) return fault(number, "end without repeat");
+            if (open.empty()) {
+                return fault(number, "end without repeat");
+            }
             line.partner = open.back();
             script.lines[open.back()].partner = index;
             open.pop_back();
         }
         script.lines.push_back(std::move(line));
     }
-    if (!open.empty()) return fault(script.lines[open.back()].number, "repeat without end");
+    if (!open.empty()) {
+        return fault(script.lines[open.back()].number, "repeat without end");
+    }
     return true;
 }
 

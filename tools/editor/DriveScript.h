@@ -14,7 +14,7 @@ namespace zoka {
 struct DriveLine {
     int number = 0;                  // counted from 1, for messages
     std::vector<std::string> words;  // never empty
-    std::size_t partner = 0;         // of a repeat: index of its end; of an end: index of its repeat
+    size_t partner = 0;              // of a repeat: index of its end; of an end: index of its repeat
     int times = 0;                   // of a repeat
 };
 

@@ -11,12 +11,12 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r";
 
 std::string_view nextWord(std::string_view& line) {
-    const std::size_t start = line.find_first_not_of(kBlanks);
+    const size_t start = line.find_first_not_of(kBlanks);
     if (start == std::string_view::npos) {
         line = {};
         return {};
     }
-    const std::size_t end = std::min(line.find_first_of(kBlanks, start), line.size());
+    const size_t end = std::min(line.find_first_of(kBlanks, start), line.size());
     const std::string_view word = line.substr(start, end - start);
     line.remove_prefix(end);
     return word;
@@ -37,27 +37,35 @@ std::string readProperty(std::string_view keyword, std::string_view rest, LevelE
     if (keyword == "action") {
         entity.script = nextWord(rest);
         entity.action = nextWord(rest);
-        if (entity.action.empty()) return "action needs a script file and an action's name";
+        if (entity.action.empty()) {
+            return "action needs a script file and an action's name";
+        }
     } else if (keyword == "position") {
         for (float& axis : entity.position) {
-            if (!readFinite(nextWord(rest), axis)) return "position needs three numbers";
+            if (!readFinite(nextWord(rest), axis)) {
+                return "position needs three numbers";
+            }
         }
     } else if (keyword == "skill") {
         int number = 0;
         float value = 0;
         if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntitySkills ||
-            !readFinite(nextWord(rest), value))
+            !readFinite(nextWord(rest), value)) {
             return "skill needs a number from 1 to 20 and a value";
-        entity.skills[static_cast<std::size_t>(number - 1)] = value;
+        }
+        entity.skills[static_cast<size_t>(number - 1)] = value;
     } else if (keyword == "flag") {
         int number = 0;
-        if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntityFlags)
+        if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntityFlags) {
             return "flag needs a number from 1 to 8";
+        }
         entity.flags |= 1U << (number - 1);
     } else {
         return "unknown word \"" + std::string(keyword) + "\"";
     }
-    if (!nextWord(rest).empty()) return "too many words after " + std::string(keyword);
+    if (!nextWord(rest).empty()) {
+        return "too many words after " + std::string(keyword);
+    }
     return {};
 }
 
@@ -81,33 +89,45 @@ bool isWordChar(char c) {
 }
 
 // Past a comment or a quoted text that begins at `at`; `at` itself when neither does.
-std::size_t skipQuiet(std::string_view text, std::size_t at) {
-    const auto past = [&](std::string_view mark, std::size_t from) {
-        const std::size_t found = text.find(mark, from);
+size_t skipQuiet(std::string_view text, size_t at) {
+    const auto past = [&](std::string_view mark, size_t from) {
+        const size_t found = text.find(mark, from);
         return found == std::string_view::npos ? text.size() : found + mark.size();
     };
-    if (text.substr(at, 2) == "//") return past("\n", at);
-    if (text.substr(at, 2) == "/*") return past("*/", at + 2);
-    if (text[at] == '"') return past("\"", at + 1);
+    if (text.substr(at, 2) == "//") {
+        return past("\n", at);
+    }
+    if (text.substr(at, 2) == "/*") {
+        return past("*/", at + 2);
+    }
+    if (text[at] == '"') {
+        return past("\"", at + 1);
+    }
     return at;
 }
 
 // The word that begins at `at`; empty when none does.
-std::string_view wordAt(std::string_view text, std::size_t at) {
-    std::size_t end = at;
-    while (end < text.size() && isWordChar(text[end])) ++end;
+std::string_view wordAt(std::string_view text, size_t at) {
+    size_t end = at;
+    while (end < text.size() && isWordChar(text[end])) {
+        ++end;
+    }
     return text.substr(at, end - at);
 }
 
-std::size_t endOfBody(std::string_view text, std::size_t at) {
+size_t endOfBody(std::string_view text, size_t at) {
     int depth = 0;
     while (at < text.size()) {
-        if (const std::size_t past = skipQuiet(text, at); past != at) {
+        if (const size_t past = skipQuiet(text, at); past != at) {
             at = past;
             continue;
         }
-        if (text[at] == '{') ++depth;
-        if (text[at] == '}' && --depth <= 0) return at + 1;
+        if (text[at] == '{') {
+            ++depth;
+        }
+        if (text[at] == '}' && --depth <= 0) {
+            return at + 1;
+        }
         ++at;
     }
     return text.size();
@@ -126,11 +146,13 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
     };
     while (!text.empty()) {
         ++lineNumber;
-        const std::size_t lineEnd = std::min(text.find('\n'), text.size());
+        const size_t lineEnd = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, lineEnd);
         text.remove_prefix(std::min(lineEnd + 1, text.size()));
         const std::string_view keyword = nextWord(line);
-        if (keyword.empty()) continue;
+        if (keyword.empty()) {
+            continue;
+        }
         if (keyword.starts_with("//")) {
             std::string& comments = inEntity ? level.entities.back().comments : level.comments;
             comments.append(keyword)
@@ -139,13 +161,16 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
             continue;
         }
         if (!sawHeader) {
-            if (keyword != "level" || nextWord(line) != "1") return fault("a level begins with \"level 1\"");
+            if (keyword != "level" || nextWord(line) != "1") {
+                return fault("a level begins with \"level 1\"");
+            }
             sawHeader = true;
         } else if (!inEntity) {
             LevelEntity entity;
             entity.name = nextWord(line);
-            if (keyword != "entity" || entity.name.empty() || !nextWord(line).empty())
+            if (keyword != "entity" || entity.name.empty() || !nextWord(line).empty()) {
                 return fault("expected \"entity NAME\"");
+            }
             entity.comments.swap(level.comments);
             level.entities.push_back(std::move(entity));
             inEntity = true;
@@ -156,8 +181,12 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
             return fault(what);
         }
     }
-    if (!sawHeader) return fault("a level begins with \"level 1\"");
-    if (inEntity) return fault("the entity \"" + level.entities.back().name + "\" has no end");
+    if (!sawHeader) {
+        return fault("a level begins with \"level 1\"");
+    }
+    if (inEntity) {
+        return fault("the entity \"" + level.entities.back().name + "\" has no end");
+    }
     return level;
 }
 
@@ -165,29 +194,39 @@ std::string writeLevelMap(const LevelMap& level) {
     std::string out = "level 1\r\n";
     for (const LevelEntity& entity : level.entities) {
         out += "\r\n" + entity.comments + "entity " + entity.name + "\r\n";
-        if (!entity.script.empty()) out += "    action   " + entity.script + " " + entity.action + "\r\n";
+        if (!entity.script.empty()) {
+            out += "    action   " + entity.script + " " + entity.action + "\r\n";
+        }
         out += "    position";
-        for (const float axis : entity.position) appendNumber(out, axis);
+        for (const float axis : entity.position) {
+            appendNumber(out, axis);
+        }
         out += "\r\n";
-        for (std::size_t i = 0; i < entity.skills.size(); ++i) {
-            if (entity.skills[i] == 0) continue;
+        for (size_t i = 0; i < entity.skills.size(); ++i) {
+            if (entity.skills[i] == 0) {
+                continue;
+            }
             out += "    skill    " + std::to_string(i + 1);
             appendNumber(out, entity.skills[i]);
             out += "\r\n";
         }
         for (int flag = 1; flag <= kEntityFlags; ++flag) {
-            if (entity.flags >> (flag - 1) & 1U) out += "    flag     " + std::to_string(flag) + "\r\n";
+            if (entity.flags >> (flag - 1) & 1U) {
+                out += "    flag     " + std::to_string(flag) + "\r\n";
+            }
         }
         out += "end\r\n";
     }
-    if (!level.comments.empty()) out += "\r\n" + level.comments;
+    if (!level.comments.empty()) {
+        out += "\r\n" + level.comments;
+    }
     return out;
 }
 
 std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action) {
-    std::size_t at = 0;
+    size_t at = 0;
     while (at < script.size()) {
-        if (const std::size_t past = skipQuiet(script, at); past != at) {
+        if (const size_t past = skipQuiet(script, at); past != at) {
             at = past;
             continue;
         }
@@ -196,11 +235,15 @@ std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_
             ++at;
             continue;
         }
-        const std::size_t start = at;
+        const size_t start = at;
         at += word.size();
-        if (!equalFolded(word, "action")) continue;
-        const std::size_t name = std::min(script.find_first_not_of(" \t\r\n", at), script.size());
-        if (!equalFolded(wordAt(script, name), action)) continue;
+        if (!equalFolded(word, "action")) {
+            continue;
+        }
+        const size_t name = std::min(script.find_first_not_of(" \t\r\n", at), script.size());
+        if (!equalFolded(wordAt(script, name), action)) {
+            continue;
+        }
         return ActionBlock{start, endOfBody(script, name) - start};
     }
     return std::nullopt;

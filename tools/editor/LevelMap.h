@@ -51,8 +51,8 @@ std::string writeLevelMap(const LevelMap& level);
 // to the end of the text when no brace does. Nothing when the script has no such action. Comments and quoted
 // texts are passed over; names are compared without regard to case.
 struct ActionBlock {
-    std::size_t start;
-    std::size_t length;
+    size_t start;
+    size_t length;
 };
 std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action);
 

@@ -26,22 +26,26 @@ public:
         return 0;
     }
 
-    bool step(std::size_t done, std::size_t total, const std::string& what) override {
+    bool step(size_t done, size_t total, const std::string& what) override {
         m_done.store(done);
         m_total.store(total);
         // The text is for the eye: where the window reads it just now, it keeps the last one.
-        if (const std::unique_lock lock(m_lock, std::try_to_lock); lock) m_what = what;
+        if (const std::unique_lock lock(m_lock, std::try_to_lock); lock) {
+            m_what = what;
+        }
         return !m_stop.load();
     }
     std::string what() {
         const std::lock_guard lock(m_lock);
         return m_what;
     }
-    std::size_t done() const { return m_done.load(); }
-    std::size_t total() const { return m_total.load(); }
+    size_t done() const { return m_done.load(); }
+    size_t total() const { return m_total.load(); }
     void stop() { m_stop.store(true); }
     void rethrow() const {
-        if (m_error) std::rethrow_exception(m_error);
+        if (m_error) {
+            std::rethrow_exception(m_error);
+        }
     }
 
 private:
@@ -54,7 +58,7 @@ private:
     }
 
     const std::function<void(JobProgress&)>& m_job;
-    std::atomic<std::size_t> m_done{0}, m_total{0};
+    std::atomic<size_t> m_done{0}, m_total{0};
     std::atomic<bool> m_stop{false};
     std::mutex m_lock;
     std::string m_what;
@@ -71,19 +75,29 @@ ProgressWindow::ProgressWindow(HWND owner, const WindowFonts& fonts, std::string
       m_ownerWasEnabled(owner && IsWindowEnabled(owner)),
       m_start(GetTickCount()),
       m_lastPump(m_start) {
-    if (m_owner) EnableWindow(m_owner, FALSE);
+    if (m_owner) {
+        EnableWindow(m_owner, FALSE);
+    }
 }
 
 ProgressWindow::~ProgressWindow() {
     // The owner first, so that the system finds it when it looks for a window to go on with.
-    if (m_owner && m_ownerWasEnabled) EnableWindow(m_owner, TRUE);
-    if (m_window) DestroyWindow(m_window);
-    if (m_ownerWasEnabled && IsWindow(m_focus)) SetFocus(m_focus);
+    if (m_owner && m_ownerWasEnabled) {
+        EnableWindow(m_owner, TRUE);
+    }
+    if (m_window) {
+        DestroyWindow(m_window);
+    }
+    if (m_ownerWasEnabled && IsWindow(m_focus)) {
+        SetFocus(m_focus);
+    }
 }
 
-bool ProgressWindow::step(std::size_t done, std::size_t total, const std::string& what) {
+bool ProgressWindow::step(size_t done, size_t total, const std::string& what) {
     const DWORD now = GetTickCount();
-    if (now - m_lastPump < kPumpEvery) return !m_cancelled;
+    if (now - m_lastPump < kPumpEvery) {
+        return !m_cancelled;
+    }
     show(done, total, what);
     pumpMessages();
     m_lastPump = GetTickCount();
@@ -101,26 +115,36 @@ void ProgressWindow::runOnThread(const std::function<void(JobProgress&)>& job) {
     while (MsgWaitForMultipleObjects(1, &thread, FALSE, kPumpEvery, QS_ALLINPUT) != WAIT_OBJECT_0) {
         show(shared.done(), shared.total(), shared.what());
         pumpMessages();
-        if (m_cancelled) shared.stop();
+        if (m_cancelled) {
+            shared.stop();
+        }
     }
     CloseHandle(thread);
     shared.rethrow();
 }
 
 void ProgressWindow::hide() {
-    if (m_window) ShowWindow(m_window, SW_HIDE);
+    if (m_window) {
+        ShowWindow(m_window, SW_HIDE);
+    }
     m_start = GetTickCount();
 }
 
-void ProgressWindow::show(std::size_t done, std::size_t total, const std::string& what) {
-    if (GetTickCount() - m_start < kShownAfter) return;
+void ProgressWindow::show(size_t done, size_t total, const std::string& what) {
+    if (GetTickCount() - m_start < kShownAfter) {
+        return;
+    }
     if (!m_window) {
         m_window = makeDialog(m_owner, WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_CLIPCHILDREN,
                               0, dialogProc, reinterpret_cast<LPARAM>(this));
-        if (!m_window) return;
+        if (!m_window) {
+            return;
+        }
     }
-    if (!m_cancelled) setText(m_text, what);
-    const std::size_t position = total == 0 ? 0 : done * kBarSteps / total;
+    if (!m_cancelled) {
+        setText(m_text, what);
+    }
+    const size_t position = total == 0 ? 0 : done * kBarSteps / total;
     SendMessageA(m_bar, PBM_SETPOS, position, 0);
     if (!IsWindowVisible(m_window)) {
         ShowWindow(m_window, SW_SHOW);
@@ -137,14 +161,18 @@ void ProgressWindow::pumpMessages() {
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
-        if (m_window && IsDialogMessageA(m_window, &message)) continue;
+        if (m_window && IsDialogMessageA(m_window, &message)) {
+            continue;
+        }
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
 }
 
 void ProgressWindow::cancel() {
-    if (m_cancelled) return;
+    if (m_cancelled) {
+        return;
+    }
     m_cancelled = true;
     setText(m_text, "Stopping...");
     enable(m_button, false);
@@ -179,7 +207,9 @@ INT_PTR CALLBACK ProgressWindow::dialogProc(HWND window, UINT message, WPARAM wP
         return FALSE;
     }
     auto* const self = reinterpret_cast<ProgressWindow*>(GetWindowLongPtrA(window, DWLP_USER));
-    if (!self) return FALSE;
+    if (!self) {
+        return FALSE;
+    }
     if (message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)) {
         self->cancel();
         return TRUE;

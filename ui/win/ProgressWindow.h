@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "util/JobProgress.h"
 #include "ui/win/WindowKit.h"
+#include "util/JobProgress.h"
 
 namespace zoka {
 
@@ -22,7 +22,7 @@ public:
     ProgressWindow& operator=(const ProgressWindow&) = delete;
 
     // For jobs on this thread: shows messages now and then. False once the user has cancelled.
-    bool step(std::size_t done, std::size_t total, const std::string& what) override;
+    bool step(size_t done, size_t total, const std::string& what) override;
     // For jobs that can't be cut into short pieces: runs the job on a thread of its own and returns when that
     // thread has ended. What the job throws is thrown here. Only the job's own data may be used in it.
     void runOnThread(const std::function<void(JobProgress&)>& job);
@@ -34,7 +34,7 @@ public:
 private:
     static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void createControls(HWND window);
-    void show(std::size_t done, std::size_t total, const std::string& what);
+    void show(size_t done, size_t total, const std::string& what);
     void pumpMessages();
     void cancel();
 

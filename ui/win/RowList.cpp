@@ -45,7 +45,9 @@ void RowList::fitColumns() const {
     int left = static_cast<int>(inside.right), growing = 0;
     for (const ListColumn& column : m_columns) {
         left -= m_fonts->x(column.units);
-        if (column.grows) growing += column.units;
+        if (column.grows) {
+            growing += column.units;
+        }
     }
     for (size_t i = 0; i < m_columns.size(); ++i) {
         const ListColumn& column = m_columns[i];
@@ -86,8 +88,9 @@ void RowList::select(int row) {
     LVITEMA item{};
     item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
     m_settling = true;
-    if (selected() >= 0 && selected() != row)
+    if (selected() >= 0 && selected() != row) {
         SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+    }
     if (row >= 0) {
         item.state = item.stateMask;
         SendMessageA(m_window, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
@@ -97,9 +100,15 @@ void RowList::select(int row) {
 }
 
 bool RowList::userMayHaveSelected(const NMHDR& header) const {
-    if (m_settling) return false;
-    if (header.code == static_cast<UINT>(LVN_ODSTATECHANGED)) return true;
-    if (header.code != static_cast<UINT>(LVN_ITEMCHANGED)) return false;
+    if (m_settling) {
+        return false;
+    }
+    if (header.code == static_cast<UINT>(LVN_ODSTATECHANGED)) {
+        return true;
+    }
+    if (header.code != static_cast<UINT>(LVN_ITEMCHANGED)) {
+        return false;
+    }
     const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
     return (change.uChanged & LVIF_STATE) != 0 &&
            ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) != 0;
@@ -126,7 +135,9 @@ LRESULT RowList::notified(NMHDR& header) const {
 
 // The typed beginning of a row's first text, from a row on and around the end.
 int RowList::find(const NMLVFINDITEMA& search) const {
-    if ((search.lvfi.flags & LVFI_STRING) == 0 || !search.lvfi.psz) return -1;
+    if ((search.lvfi.flags & LVFI_STRING) == 0 || !search.lvfi.psz) {
+        return -1;
+    }
     const int rows = count();
     const int length = static_cast<int>(std::strlen(search.lvfi.psz));
     const bool partial = (search.lvfi.flags & LVFI_PARTIAL) != 0;
@@ -137,8 +148,9 @@ int RowList::find(const NMLVFINDITEMA& search) const {
             partial ? std::min(length, static_cast<int>(text.size())) : static_cast<int>(text.size());
         if (compared >= (partial ? length : 0) &&
             CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(), compared, search.lvfi.psz,
-                           length) == CSTR_EQUAL)
+                           length) == CSTR_EQUAL) {
             return row;
+        }
     }
     return -1;
 }

@@ -30,9 +30,10 @@ private:
         const HWND owner = GetWindow(window, GW_OWNER);
         // Without an icon of its own the system looks for another when it draws the caption, and needs the
         // loader's lock for it.
-        for (const int size : {ICON_SMALL, ICON_BIG})
+        for (const int size : {ICON_SMALL, ICON_BIG}) {
             SendMessageA(window, WM_SETICON, static_cast<WPARAM>(size),
                          SendMessageA(owner, WM_GETICON, static_cast<WPARAM>(size), 0));
+        }
         const HFONT font = m_fonts.text();
         m_heading = makeControl(window, "STATIC", m_headingText.c_str(), SS_NOPREFIX, 0, kHeading, font);
         m_text = makeReadOnlyText(window, kText, m_look == TextLook::FixedWidth ? m_fonts.fixed() : font);
@@ -87,7 +88,9 @@ private:
             return FALSE;
         }
         auto* const self = reinterpret_cast<TextWindow*>(GetWindowLongPtrA(window, DWLP_USER));
-        if (!self) return FALSE;
+        if (!self) {
+            return FALSE;
+        }
         switch (message) {
             case WM_SIZE:
                 self->layout();

@@ -31,7 +31,9 @@ void showScrollBarAsNeeded(HWND text) {
     const bool needed = lines * metrics.tmHeight > area.bottom - area.top;
     const bool shown = (GetWindowLongPtrA(text, GWL_STYLE) & WS_VSCROLL) != 0;
     // Showing it makes the lines shorter and so never fewer: this comes to rest.
-    if (needed != shown) ShowScrollBar(text, SB_VERT, needed);
+    if (needed != shown) {
+        ShowScrollBar(text, SB_VERT, needed);
+    }
 }
 
 LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
@@ -152,20 +154,27 @@ std::string textOf(HWND window) {
 }
 
 void setText(HWND window, const std::string& text) {
-    if (textOf(window) != text) SetWindowTextA(window, text.c_str());
+    if (textOf(window) != text) {
+        SetWindowTextA(window, text.c_str());
+    }
 }
 
 void enable(HWND control, bool enabled) {
-    if ((IsWindowEnabled(control) != 0) == enabled) return;
+    if ((IsWindowEnabled(control) != 0) == enabled) {
+        return;
+    }
     // The keyboard would be lost in a control that takes no input.
-    if (!enabled && GetFocus() == control)
+    if (!enabled && GetFocus() == control) {
         SendMessageA(GetAncestor(control, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
+    }
     EnableWindow(control, enabled);
 }
 
 std::string chosenItem(HWND dropList) {
     const LRESULT chosen = SendMessageA(dropList, CB_GETCURSEL, 0, 0);
-    if (chosen < 0) return {};
+    if (chosen < 0) {
+        return {};
+    }
     const LRESULT length = SendMessageA(dropList, CB_GETLBTEXTLEN, static_cast<WPARAM>(chosen), 0);
     std::string text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, '\0');
     SendMessageA(dropList, CB_GETLBTEXT, static_cast<WPARAM>(chosen), reinterpret_cast<LPARAM>(text.data()));
@@ -196,7 +205,9 @@ void centreOver(HWND window, HWND owner, int width, int height) {
     GetMonitorInfoA(MonitorFromWindow(owner ? owner : window, MONITOR_DEFAULTTONEAREST), &monitor);
     const RECT& area = monitor.rcWork;
     RECT over = area;
-    if (owner && !IsIconic(owner) && IsWindowVisible(owner)) GetWindowRect(owner, &over);
+    if (owner && !IsIconic(owner) && IsWindowVisible(owner)) {
+        GetWindowRect(owner, &over);
+    }
     width = std::min(width, static_cast<int>(area.right - area.left));
     height = std::min(height, static_cast<int>(area.bottom - area.top));
     const auto within = [](LONG middle, int size, LONG low, LONG high) {
@@ -210,7 +221,9 @@ void centreOver(HWND window, HWND owner, int width, int height) {
 
 bool copyToClipboard(HWND owner, const std::string& text) {
     const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, text.size() + 1);
-    if (!memory) return false;
+    if (!memory) {
+        return false;
+    }
     std::memcpy(GlobalLock(memory), text.c_str(), text.size() + 1);
     GlobalUnlock(memory);
     bool done = false;
@@ -219,7 +232,9 @@ bool copyToClipboard(HWND owner, const std::string& text) {
         done = EmptyClipboard() && SetClipboardData(CF_TEXT, memory);
         CloseClipboard();
     }
-    if (!done) GlobalFree(memory);
+    if (!done) {
+        GlobalFree(memory);
+    }
     return done;
 }
 

@@ -40,9 +40,9 @@ std::string toNativePath(std::string_view path) {
         return native;
     }
     std::string found;  // the part of the path that was found so far, up to and with its last slash
-    std::size_t at = 0;
+    size_t at = 0;
     while (at < native.size()) {
-        const std::size_t end = std::min(native.find('/', at), native.size());
+        const size_t end = std::min(native.find('/', at), native.size());
         std::string part = native.substr(at, end - at);
         if (!part.empty() && !existsNative(found + part)) {
             part = findNoCase(found, part);

@@ -20,7 +20,7 @@ constexpr std::uint64_t kTicksPerSecond = 10'000'000;
 constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr std::int64_t kLastSecond =  // counted from 1970
     static_cast<std::int64_t>(~std::uint64_t{0} / kTicksPerSecond) - 1 - kSecondsFrom1601To1970;
-constexpr std::size_t kMostBytes = 0x7fffffff;  // that a file read whole may have
+constexpr size_t kMostBytes = 0x7fffffff;  // that a file read whole may have
 constexpr int kMostLinks = 40;
 
 // A file system may hold times that the suite can't count: those become its first or last second.
@@ -68,7 +68,7 @@ public:
         while (!bytes.empty()) {
             const ssize_t written = ::write(m_file.get(), bytes.data(), bytes.size());
             if (written > 0) {
-                bytes.remove_prefix(static_cast<std::size_t>(written));
+                bytes.remove_prefix(static_cast<size_t>(written));
             } else if (written == 0 || errno != EINTR) {
                 return false;
             }
@@ -195,14 +195,14 @@ public:
         if (fstat(file.get(), &info) != 0) {
             return std::nullopt;
         }
-        if (static_cast<std::size_t>(info.st_size) > kMostBytes) {
+        if (static_cast<size_t>(info.st_size) > kMostBytes) {
             errno = EFBIG;
             return std::nullopt;
         }
         std::string content;
-        std::size_t used = 0;
+        size_t used = 0;
         // One byte more than it should have, so that the end is met without growing.
-        content.resize(static_cast<std::size_t>(info.st_size) + 1);
+        content.resize(static_cast<size_t>(info.st_size) + 1);
         while (true) {
             const ssize_t got = ::read(file.get(), content.data() + used, content.size() - used);
             if (got < 0 && errno == EINTR) {
@@ -211,7 +211,7 @@ public:
             if (got < 0) {
                 return std::nullopt;
             }
-            used += static_cast<std::size_t>(got);
+            used += static_cast<size_t>(got);
             if (got == 0) {
                 break;
             }
@@ -243,7 +243,7 @@ public:
             if (size < 0) {
                 return fromNativePath(native);
             }
-            const std::string_view link(target, static_cast<std::size_t>(size));
+            const std::string_view link(target, static_cast<size_t>(size));
             native = link.starts_with('/') ? std::string(link)
                                            : native.substr(0, native.rfind('/') + 1).append(link);
         }

@@ -69,7 +69,7 @@ public:
     explicit WinOutFile(HANDLE handle) : m_file(handle) {}
     bool write(std::string_view bytes) override {
         while (!bytes.empty()) {
-            const auto size = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 30));
+            const auto size = static_cast<DWORD>(std::min<size_t>(bytes.size(), 1u << 30));
             DWORD written = 0;
             if (!WriteFile(m_file.get(), bytes.data(), size, &written, nullptr) || written == 0) {
                 return false;
@@ -197,7 +197,7 @@ public:
             SetLastError(ERROR_FILE_TOO_LARGE);
             return std::nullopt;
         }
-        std::string content(static_cast<std::size_t>(size.QuadPart), '\0');
+        std::string content(static_cast<size_t>(size.QuadPart), '\0');
         DWORD used = 0;
         while (used < content.size()) {
             DWORD got = 0;

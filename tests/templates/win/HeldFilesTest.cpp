@@ -65,8 +65,9 @@ TEST(HeldFiles, AreLeftAloneAndNamed) {
         SCOPED_TRACE(std::string(row.held) + " " + row.said);
         Project project(kMain);
         project.folder.write("fog.kez", kCopy);
-        for (const char* name : {"fog.kez", "rain.kez", "camera_.kez"})
+        for (const char* name : {"fog.kez", "rain.kez", "camera_.kez"}) {
             project.addTemplate(name, "// ver: 2\r\n");
+        }
         const std::string held = row.held == std::string("template") ? project.templatePath("rain.kez")
                                                                      : project.folder.path(row.held);
         const HANDLE other =

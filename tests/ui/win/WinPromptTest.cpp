@@ -20,7 +20,9 @@ HWND findOwnDialog() {
     for (HWND box = nullptr; (box = FindWindowExA(nullptr, box, "#32770", nullptr));) {
         DWORD process = 0;
         GetWindowThreadProcessId(box, &process);
-        if (process == GetCurrentProcessId()) return box;
+        if (process == GetCurrentProcessId()) {
+            return box;
+        }
     }
     return nullptr;
 }

@@ -41,8 +41,9 @@ TEST(NativePath, FindsNamesWithoutRegardToCase) {
         {"same", "same"},
         {"sub\\..\\sAMe", "Sub/../SAME"},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(toNativePath(folder.path(row.path)), root + row.native) << row.path;
+    }
     EXPECT_EQ(toNativePath("Q:\\none\\x"), "/none/x") << "one root serves as every drive";
     EXPECT_EQ(toNativePath("Q:none"), "none");
     EXPECT_EQ(toNativePath(""), "");

@@ -6,5 +6,7 @@
 #include "tools/cli/Cli.h"
 
 void zoka::cli::makeStandardStreamsBinary() {
-    for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    for (std::FILE* stream : {stdin, stdout, stderr}) {
+        _setmode(_fileno(stream), _O_BINARY);
+    }
 }

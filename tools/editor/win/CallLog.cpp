@@ -11,14 +11,20 @@ std::string flat(const CallLogLine& line) {
 }  // namespace
 
 CallLog::~CallLog() {
-    if (m_file) std::fclose(m_file);
+    if (m_file) {
+        std::fclose(m_file);
+    }
 }
 
 bool CallLog::openFile(const std::string& path) {
     std::FILE* const file = std::fopen(path.c_str(), "w");
-    if (!file) return false;
+    if (!file) {
+        return false;
+    }
     const std::lock_guard lock(m_mutex);
-    if (m_file) std::fclose(m_file);
+    if (m_file) {
+        std::fclose(m_file);
+    }
     m_file = file;
     return true;
 }
@@ -43,7 +49,9 @@ void CallLog::add(const std::string& call, const std::string& answer) {
         std::fflush(stdout);
     }
     m_lines.push_back(std::move(line));
-    if (m_window && !m_told) m_told = PostMessageA(m_window, m_message, 0, 0) != 0;
+    if (m_window && !m_told) {
+        m_told = PostMessageA(m_window, m_message, 0, 0) != 0;
+    }
 }
 
 void CallLog::setEcho(bool on) {
@@ -51,13 +59,13 @@ void CallLog::setEcho(bool on) {
     m_echo = on;
 }
 
-std::size_t CallLog::size() {
+size_t CallLog::size() {
     const std::lock_guard lock(m_mutex);
     m_told = false;
     return m_lines.size();
 }
 
-CallLogLine CallLog::line(std::size_t index) {
+CallLogLine CallLog::line(size_t index) {
     const std::lock_guard lock(m_mutex);
     return index < m_lines.size() ? m_lines[index] : CallLogLine{};
 }
@@ -65,21 +73,27 @@ CallLogLine CallLog::line(std::size_t index) {
 void CallLog::clear() {
     const std::lock_guard lock(m_mutex);
     m_lines.clear();
-    if (m_window) PostMessageA(m_window, m_message, 0, 0);
+    if (m_window) {
+        PostMessageA(m_window, m_message, 0, 0);
+    }
 }
 
-bool CallLog::holds(const std::string& text, std::size_t first) {
+bool CallLog::holds(const std::string& text, size_t first) {
     const std::lock_guard lock(m_mutex);
-    for (std::size_t i = first; i < m_lines.size(); ++i) {
-        if (flat(m_lines[i]).find(text) != std::string::npos) return true;
+    for (size_t i = first; i < m_lines.size(); ++i) {
+        if (flat(m_lines[i]).find(text) != std::string::npos) {
+            return true;
+        }
     }
     return false;
 }
 
-std::string quoted(const char* text, std::size_t limit) {
-    if (!text) return "null";
+std::string quoted(const char* text, size_t limit) {
+    if (!text) {
+        return "null";
+    }
     std::string out = "\"";
-    for (std::size_t i = 0; text[i]; ++i) {
+    for (size_t i = 0; text[i]; ++i) {
         if (i == limit) {
             out += "...";
             break;

@@ -38,11 +38,11 @@ public:
     void add(const std::string& call, const std::string& answer);
     void setEcho(bool on);
 
-    std::size_t size();
-    CallLogLine line(std::size_t index);
+    size_t size();
+    CallLogLine line(size_t index);
     void clear();
     // Whether a kept line from `first` on, in the form of the file, holds `text`.
-    bool holds(const std::string& text, std::size_t first = 0);
+    bool holds(const std::string& text, size_t first = 0);
 
 private:
     SlimLock m_mutex;
@@ -56,6 +56,6 @@ private:
 };
 
 // Text between quotes, cut where it grows long, control characters shown as dots: for log lines.
-std::string quoted(const char* text, std::size_t limit = 300);
+std::string quoted(const char* text, size_t limit = 300);
 
 }  // namespace zoka

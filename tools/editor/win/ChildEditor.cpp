@@ -20,7 +20,9 @@ bool isChildEditor() {
 bool runInChild(unsigned limitSeconds, int& status) {
     wchar_t program[MAX_PATH];
     const DWORD length = GetModuleFileNameW(nullptr, program, MAX_PATH);
-    if (length == 0 || length == MAX_PATH) return false;
+    if (length == 0 || length == MAX_PATH) {
+        return false;
+    }
     // Closed with this process, however that ends; the child goes with it.
     const HANDLE job = CreateJobObjectW(nullptr, nullptr);
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};

@@ -18,8 +18,9 @@ LONG WINAPI report(EXCEPTION_POINTERS* fault) {
     char path[MAX_PATH] = "";
     constexpr DWORD kByAddress =
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (GetModuleHandleExA(kByAddress, reinterpret_cast<const char*>(address), &module))
+    if (GetModuleHandleExA(kByAddress, reinterpret_cast<const char*>(address), &module)) {
         GetModuleFileNameA(module, path, sizeof path - 1);
+    }
     const char* const separator = std::strrchr(path, '\\');
     const char* const name = separator ? separator + 1 : module ? path : "no module";
     char line[MAX_PATH + 128];

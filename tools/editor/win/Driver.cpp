@@ -46,7 +46,9 @@ long driveNumber(const std::string& word) {
     const char* const last = word.data() + word.size();
     long number = 0;
     const auto [end, error] = std::from_chars(first, last, number, hex ? 16 : 10);
-    if (error != std::errc() || end != last) throw DriveFault("\"" + word + "\" is no number");
+    if (error != std::errc() || end != last) {
+        throw DriveFault("\"" + word + "\" is no number");
+    }
     return number;
 }
 
@@ -84,13 +86,15 @@ void Driver::run() {
 
 void Driver::runLines() {
     std::vector<int> left(m_script.lines.size(), 0);  // rounds of each repeat still to come
-    for (std::size_t at = 0; at < m_script.lines.size(); ++at) {
+    for (size_t at = 0; at < m_script.lines.size(); ++at) {
         const DriveLine& line = m_script.lines[at];
         m_line = line.number;
         if (line.words[0] == "repeat") {
             left[at] = line.times;
         } else if (line.words[0] == "end") {
-            if (--left[line.partner] > 0) at = line.partner;
+            if (--left[line.partner] > 0) {
+                at = line.partner;
+            }
         } else {
             carryOut(line.words);
         }
@@ -99,18 +103,23 @@ void Driver::runLines() {
 
 void Driver::carryOut(const Words& words) {
     const auto found = commands().find(words[0]);
-    if (found == commands().end()) throw DriveFault("there is no command \"" + words[0] + "\"");
+    if (found == commands().end()) {
+        throw DriveFault("there is no command \"" + words[0] + "\"");
+    }
     const Command& command = found->second;
     const Words rest(words.begin() + 1, words.end());
-    if (rest.size() < command.least || rest.size() > command.most)
+    if (rest.size() < command.least || rest.size() > command.most) {
         throw DriveFault("wrong number of words for this command: " + joined(words));
+    }
     (this->*command.run)(rest);
 }
 
 void Driver::fail(const std::string& what) {
     std::string text = m_file + ":" + std::to_string(m_line) + ": " + what + "\n";
     for (const DriveLine& line : m_script.lines) {
-        if (line.number == m_line) text += "  in: " + joined(line.words) + "\n";
+        if (line.number == m_line) {
+            text += "  in: " + joined(line.words) + "\n";
+        }
     }
     const std::string name = m_file.substr(m_file.find_last_of("\\/") + 1);
     const std::string path = m_pictures + "\\" + name + "-" + std::to_string(m_line) + ".png";
@@ -125,7 +134,9 @@ void Driver::fail(const std::string& what) {
 bool Driver::until(const std::function<bool()>& condition) const {
     const ULONGLONG end = GetTickCount64() + m_patience;
     while (!condition()) {
-        if (GetTickCount64() > end) return false;
+        if (GetTickCount64() > end) {
+            return false;
+        }
         Sleep(kBetweenLooks);
     }
     return true;
@@ -133,11 +144,15 @@ bool Driver::until(const std::function<bool()>& condition) const {
 
 void Driver::expect(const std::function<bool()>& condition, const std::string& expected,
                     const std::function<std::string()>& seen) const {
-    if (!until(condition)) throw DriveFault("expected " + expected + "; saw " + seen());
+    if (!until(condition)) {
+        throw DriveFault("expected " + expected + "; saw " + seen());
+    }
 }
 
 void Driver::onEditor(std::function<std::int32_t()> work) {
-    if (m_job) throw DriveFault("what was started before has not been finished (\"finish\")");
+    if (m_job) {
+        throw DriveFault("what was started before has not been finished (\"finish\")");
+    }
     const auto job = std::make_shared<Job>();
     job->work = std::move(work);
     m_job = job;
@@ -149,16 +164,22 @@ void Driver::onEditor(std::function<std::int32_t()> work) {
         }
         job->done = true;
     });
-    if (!m_start) awaitJob();
+    if (!m_start) {
+        awaitJob();
+    }
 }
 
 void Driver::awaitJob() {
-    if (!m_job) throw DriveFault("nothing was started");
+    if (!m_job) {
+        throw DriveFault("nothing was started");
+    }
     const std::shared_ptr<Job> job = m_job;
     expect([&] { return job->done.load(); }, "the call to return",
            [] { return std::string("it still runs"); });
     m_job.reset();
-    if (!job->fault.empty()) throw DriveFault(job->fault);
+    if (!job->fault.empty()) {
+        throw DriveFault(job->fault);
+    }
     m_result = job->result;
 }
 
@@ -173,18 +194,24 @@ void Driver::askEditor(std::function<void()> work) {
 
 ProcedureState& Driver::procedure(const std::string& name) {
     ProcedureState* const state = m_editor.procedure(name);
-    if (!state) throw DriveFault("the plug-in has no procedure \"" + name + "\"");
+    if (!state) {
+        throw DriveFault("the plug-in has no procedure \"" + name + "\"");
+    }
     return *state;
 }
 
 HWND Driver::window() const {
-    if (!m_window || !IsWindow(m_window)) throw DriveFault("the window that the script worked with is gone");
+    if (!m_window || !IsWindow(m_window)) {
+        throw DriveFault("the window that the script worked with is gone");
+    }
     return m_window;
 }
 
 void Driver::picture(const std::string& path, const RECT& area) const {
     std::string error;
-    if (!takePicture(area, path, m_patience, error)) throw DriveFault(error);
+    if (!takePicture(area, path, m_patience, error)) {
+        throw DriveFault(error);
+    }
 }
 
 }  // namespace zoka

@@ -38,7 +38,7 @@ public:
 private:
     using Words = std::vector<std::string>;
     struct Command {
-        std::size_t least, most;  // words behind the command's name
+        size_t least, most;  // words behind the command's name
         void (Driver::*run)(const Words& words);
     };
     static const std::map<std::string, Command>& commands();
@@ -168,7 +168,7 @@ private:
     HWND m_window = nullptr;
     ResourceCount m_mark;
     std::vector<HeldHandle> m_markHandles;  // held at the mark
-    std::size_t m_logMark = 0;
+    size_t m_logMark = 0;
 };
 
 // The number in a word; a fault when it is none.

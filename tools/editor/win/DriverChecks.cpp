@@ -12,8 +12,9 @@ constexpr const char* kResources[] = {"handles", "threads", "windows", "gdi", "u
 
 std::string resourceText(const ResourceCount& count) {
     std::string text;
-    for (const char* const name : kResources)
+    for (const char* const name : kResources) {
         text += (text.empty() ? "" : ", ") + std::to_string(resourceField(count, name)) + " " + name;
+    }
     return text;
 }
 
@@ -24,20 +25,38 @@ std::string handlesGained(const std::vector<HeldHandle>& before, const std::vect
         const bool held = std::any_of(before.begin(), before.end(), [&](const HeldHandle& other) {
             return other.value == handle.value && other.kind == handle.kind;
         });
-        if (!held) text += (text.empty() ? "" : ", ") + hexText(handle.value) + " " + handle.kind;
+        if (!held) {
+            text += (text.empty() ? "" : ", ") + hexText(handle.value) + " " + handle.kind;
+        }
     }
     return text;
 }
 
 std::string recordField(const PluginProcDef& record, const std::string& field) {
-    if (field == "flags") return hexText(record.flags);
-    if (field == "kind") return hexText(record.kind);
-    if (field == "id") return hexText(record.id);
-    if (field == "name") return record.name ? record.name : "null";
-    if (field == "menu") return record.menuPath ? record.menuPath : "null";
-    if (field == "self") return record.self == &record ? "itself" : "another";
-    if (field == "execute") return record.execute ? "set" : "null";
-    if (field == "terminate") return record.terminate ? "set" : "null";
+    if (field == "flags") {
+        return hexText(record.flags);
+    }
+    if (field == "kind") {
+        return hexText(record.kind);
+    }
+    if (field == "id") {
+        return hexText(record.id);
+    }
+    if (field == "name") {
+        return record.name ? record.name : "null";
+    }
+    if (field == "menu") {
+        return record.menuPath ? record.menuPath : "null";
+    }
+    if (field == "self") {
+        return record.self == &record ? "itself" : "another";
+    }
+    if (field == "execute") {
+        return record.execute ? "set" : "null";
+    }
+    if (field == "terminate") {
+        return record.terminate ? "set" : "null";
+    }
     if (field == "reserved") {
         const bool zero =
             !(record.reserved5 | record.reserved6 | record.reserved7 | record.reserved11 | record.reserved12);
@@ -66,8 +85,9 @@ void Driver::addCheckCommands(std::map<std::string, Command>& table) {
 }
 
 void Driver::expectResult(const Words& words) {
-    if (m_result != driveNumber(words[0]))
+    if (m_result != driveNumber(words[0])) {
         throw DriveFault("expected the result " + words[0] + "; saw " + std::to_string(m_result));
+    }
 }
 
 void Driver::expectRecord(const Words& words) {
@@ -75,20 +95,24 @@ void Driver::expectRecord(const Words& words) {
     std::string seen;
     askEditor([&] {
         const auto& records = m_editor.library().records();
-        if (index >= 0 && static_cast<std::size_t>(index) < records.size())
-            seen = recordField(*records[static_cast<std::size_t>(index)], words[1]);
-        else
+        if (index >= 0 && static_cast<size_t>(index) < records.size()) {
+            seen = recordField(*records[static_cast<size_t>(index)], words[1]);
+        } else {
             seen = "no such record (" + std::to_string(records.size()) + " in all)";
+        }
     });
-    if (seen != words[2])
+    if (seen != words[2]) {
         throw DriveFault("expected " + words[1] + " of record " + words[0] + " \"" + words[2] + "\"; saw \"" +
                          seen + "\"");
+    }
 }
 
 void Driver::expectBusy(const Words& words) {
     ProcedureState* state = nullptr;
     askEditor([&] { state = m_editor.procedure(words[0]); });
-    if (!state) throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
+    if (!state) {
+        throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
+    }
     expect([&] { return state->isBusy(); }, words[0] + " to be busy",
            [] { return std::string("it is idle"); });
 }
@@ -96,13 +120,17 @@ void Driver::expectBusy(const Words& words) {
 void Driver::expectIdle(const Words& words) {
     ProcedureState* state = nullptr;
     askEditor([&] { state = m_editor.procedure(words[0]); });
-    if (!state) throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
+    if (!state) {
+        throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
+    }
     expect([&] { return !state->isBusy(); }, words[0] + " to be idle",
            [] { return std::string("it is busy"); });
 }
 
 void Driver::expectModule(const Words& words) {
-    if (words[1] != "loaded" && words[1] != "gone") throw DriveFault("a module is loaded or gone");
+    if (words[1] != "loaded" && words[1] != "gone") {
+        throw DriveFault("a module is loaded or gone");
+    }
     const bool loaded = words[1] == "loaded";
     expect([&] { return (GetModuleHandleA(words[0].c_str()) != nullptr) == loaded; },
            words[0] + " " + words[1], [&] { return loaded ? "it is not" : "it is still loaded"; });
@@ -112,7 +140,7 @@ void Driver::expectLog(const Words& words) {
     expect([&] { return m_editor.log().holds(words[0]); }, "the log to hold \"" + words[0] + "\"",
            [&] {
                std::string text = "\n";
-               for (std::size_t i = 0; i < m_editor.log().size(); ++i) {
+               for (size_t i = 0; i < m_editor.log().size(); ++i) {
                    const CallLogLine line = m_editor.log().line(i);
                    text += "    " + line.thread + ": " + line.call + " -> " + line.answer + "\n";
                }
@@ -121,8 +149,9 @@ void Driver::expectLog(const Words& words) {
 }
 
 void Driver::expectNoLog(const Words& words) {
-    if (m_editor.log().holds(words[0]))
+    if (m_editor.log().holds(words[0])) {
         throw DriveFault("expected no \"" + words[0] + "\" in the log; it is there");
+    }
 }
 
 void Driver::clearLog(const Words&) {
@@ -136,13 +165,16 @@ void Driver::mark(const Words&) {
 
 void Driver::expectNoGain(const Words& words) {
     // Words: kinds, each followed by the gain that is allowed where it is not 0.
-    for (std::size_t i = 0; i < words.size(); ++i) {
+    for (size_t i = 0; i < words.size(); ++i) {
         const std::string kind = words[i];
         const long before = resourceField(m_mark, kind);
-        if (before < 0) throw DriveFault("\"" + kind + "\" can't be counted");
+        if (before < 0) {
+            throw DriveFault("\"" + kind + "\" can't be counted");
+        }
         long allowed = 0;
-        if (i + 1 < words.size() && resourceField(m_mark, words[i + 1]) < 0)
+        if (i + 1 < words.size() && resourceField(m_mark, words[i + 1]) < 0) {
             allowed = driveNumber(words[++i]);
+        }
         long now = before;
         // Threads that are just ending hold their things a moment longer.
         expect([&] { return (now = resourceField(countResources(), kind)) - before <= allowed; },
@@ -159,7 +191,9 @@ void Driver::expectNoGain(const Words& words) {
 void Driver::counts(const Words&) {
     std::printf("%s\n", resourceText(countResources()).c_str());
     const std::string gained = handlesGained(m_markHandles, heldHandles());
-    if (!gained.empty()) std::printf("handles that were not there at the mark: %s\n", gained.c_str());
+    if (!gained.empty()) {
+        std::printf("handles that were not there at the mark: %s\n", gained.c_str());
+    }
 }
 
 void Driver::timeout(const Words& words) {
@@ -168,7 +202,9 @@ void Driver::timeout(const Words& words) {
 
 void Driver::print(const Words& words) {
     std::string text;
-    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
     std::printf("%s\n", text.c_str());
     std::fflush(stdout);
 }

@@ -26,7 +26,9 @@ constexpr ListMessages kLists[] = {
 
 const ListMessages* listOf(HWND control) {
     for (const ListMessages& list : kLists) {
-        if (lstrcmpiA(windowClass(control).c_str(), list.className) == 0) return &list;
+        if (lstrcmpiA(windowClass(control).c_str(), list.className) == 0) {
+            return &list;
+        }
     }
     return nullptr;
 }
@@ -52,14 +54,16 @@ std::vector<std::string> itemsOf(HWND control) {
         const LRESULT count = ask(control, list->count);
         for (LRESULT i = 0; i < count; ++i) {
             const LRESULT length = ask(control, list->length, static_cast<WPARAM>(i));
-            std::string text(static_cast<std::size_t>(length > 0 ? length : 0) + 1, '\0');
+            std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
             ask(control, list->text, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text.data()));
             text.pop_back();
             items.push_back(text);
         }
     } else if (isClass(control, WC_LISTVIEWA)) {
         const LRESULT count = ask(control, LVM_GETITEMCOUNT);
-        for (LRESULT i = 0; i < count; ++i) items.push_back(listViewText(control, static_cast<int>(i), 0));
+        for (LRESULT i = 0; i < count; ++i) {
+            items.push_back(listViewText(control, static_cast<int>(i), 0));
+        }
     } else if (isClass(control, WC_TABCONTROLA)) {
         const LRESULT count = ask(control, TCM_GETITEMCOUNT);
         for (LRESULT i = 0; i < count; ++i) {
@@ -79,7 +83,9 @@ std::vector<std::string> itemsOf(HWND control) {
 
 std::string listed(const std::vector<std::string>& texts) {
     std::string all;
-    for (const std::string& text : texts) all += (all.empty() ? "\"" : " \"") + text + "\"";
+    for (const std::string& text : texts) {
+        all += (all.empty() ? "\"" : " \"") + text + "\"";
+    }
     return all.empty() ? "nothing" : all;
 }
 
@@ -88,7 +94,9 @@ void chooseTab(HWND control, int index) {
     const auto tell = [&] {
         return ask(GetParent(control), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
     };
-    if (tell()) throw DriveFault("the window refuses to leave its page");
+    if (tell()) {
+        throw DriveFault("the window refuses to leave its page");
+    }
     ask(control, TCM_SETCURSEL, static_cast<WPARAM>(index));
     header.code = static_cast<UINT>(TCN_SELCHANGE);
     tell();
@@ -104,13 +112,14 @@ void chooseRow(HWND control, int index) {
 
 // What a user reads in a control: of a list that shows one item, that item.
 std::string valueOf(HWND control) {
-    if (isClass(control, TRACKBAR_CLASSA)) return std::to_string(ask(control, TBM_GETPOS));
+    if (isClass(control, TRACKBAR_CLASSA)) {
+        return std::to_string(ask(control, TBM_GETPOS));
+    }
     if (isClass(control, "ListBox")) {
         const LRESULT chosen = ask(control, LB_GETCURSEL);
         const std::vector<std::string> items = itemsOf(control);
-        return chosen >= 0 && static_cast<std::size_t>(chosen) < items.size()
-                   ? items[static_cast<std::size_t>(chosen)]
-                   : "";
+        return chosen >= 0 && static_cast<size_t>(chosen) < items.size() ? items[static_cast<size_t>(chosen)]
+                                                                         : "";
     }
     if (isClass(control, WC_LISTVIEWA)) {
         const LRESULT row = ask(control, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
@@ -119,7 +128,9 @@ std::string valueOf(HWND control) {
     if (isClass(control, STATUSCLASSNAMEA)) {
         char text[1024] = {};
         ask(control, SB_GETTEXTA, SB_SIMPLEID, reinterpret_cast<LPARAM>(text));
-        if (!text[0]) ask(control, SB_GETTEXTA, 0, reinterpret_cast<LPARAM>(text));
+        if (!text[0]) {
+            ask(control, SB_GETTEXTA, 0, reinterpret_cast<LPARAM>(text));
+        }
         return text;
     }
     return isClass(control, "Button") ? visibleText(control) : windowText(control);
@@ -131,17 +142,29 @@ bool isChecked(HWND control) {
 
 // Whether a control is as a word says; a fault for a word that says nothing.
 bool hasState(HWND control, const std::string& state) {
-    if (state == "enabled") return IsWindowEnabled(control) != 0;
-    if (state == "disabled") return !IsWindowEnabled(control);
-    if (state == "checked") return isChecked(control);
-    if (state == "unchecked") return !isChecked(control);
-    if (state == "focused") return focusOf(control) == control;
+    if (state == "enabled") {
+        return IsWindowEnabled(control) != 0;
+    }
+    if (state == "disabled") {
+        return !IsWindowEnabled(control);
+    }
+    if (state == "checked") {
+        return isChecked(control);
+    }
+    if (state == "unchecked") {
+        return !isChecked(control);
+    }
+    if (state == "focused") {
+        return focusOf(control) == control;
+    }
     throw DriveFault("a control can't be expected to be \"" + state + "\"");
 }
 
 std::string stateText(HWND control) {
     std::string text = describe(control);
-    if (isClass(control, "Button")) text += isChecked(control) ? ", checked" : ", unchecked";
+    if (isClass(control, "Button")) {
+        text += isChecked(control) ? ", checked" : ", unchecked";
+    }
     return text + ", value \"" + valueOf(control) + "\"; the keyboard is in " + describe(focusOf(control));
 }
 
@@ -156,7 +179,9 @@ bool isInSight(HWND control) {
         RECT inside;
         GetClientRect(parent, &inside);
         MapWindowPoints(parent, nullptr, reinterpret_cast<POINT*>(&inside), 2);
-        if (!IntersectRect(&area, &area, &inside)) return false;
+        if (!IntersectRect(&area, &area, &inside)) {
+            return false;
+        }
     }
     return true;
 }
@@ -164,7 +189,9 @@ bool isInSight(HWND control) {
 // Whether a label's text, broken into lines at its width, is higher than the label.
 bool isCutOff(HWND label, const RECT& area) {
     const LONG style = GetWindowLongA(label, GWL_STYLE);
-    if ((style & (SS_TYPEMASK | SS_ELLIPSISMASK)) != SS_LEFT) return false;
+    if ((style & (SS_TYPEMASK | SS_ELLIPSISMASK)) != SS_LEFT) {
+        return false;
+    }
     const HDC dc = GetDC(label);
     const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(ask(label, WM_GETFONT)));
     RECT needed = area;
@@ -180,17 +207,24 @@ bool isCutOff(HWND label, const RECT& area) {
 std::string partFault(HWND control) {
     RECT area;
     GetClientRect(control, &area);
-    if (isClass(control, "Static")) return isCutOff(control, area) ? " is too low for its text" : "";
-    if (isClass(control, UPDOWN_CLASSA) && !(GetWindowLongA(control, GWL_STYLE) & UDS_HORZ))
+    if (isClass(control, "Static")) {
+        return isCutOff(control, area) ? " is too low for its text" : "";
+    }
+    if (isClass(control, UPDOWN_CLASSA) && !(GetWindowLongA(control, GWL_STYLE) & UDS_HORZ)) {
         return area.right * 2 < area.bottom ? " is too narrow" : "";
+    }
     // A thumb takes its place when it's drawn.
-    if (!isClass(control, TRACKBAR_CLASSA) || !isInSight(control)) return "";
+    if (!isClass(control, TRACKBAR_CLASSA) || !isInSight(control)) {
+        return "";
+    }
     RECT thumb{};
     RECT channel{};
     ask(control, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
     ask(control, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
     const LRESULT least = ask(control, TBM_GETRANGEMIN), range = ask(control, TBM_GETRANGEMAX) - least;
-    if (range <= 0) return "";
+    if (range <= 0) {
+        return "";
+    }
     const LRESULT place =
         channel.left + (channel.right - channel.left) * (ask(control, TBM_GETPOS) - least) / range;
     const bool there =
@@ -204,7 +238,9 @@ std::string layoutFaults(HWND top) {
     std::string faults;
     std::vector<HWND> seen;
     for (const HWND control : childWindows(top)) {
-        if (!IsWindowVisible(control) || isGroupBox(control)) continue;
+        if (!IsWindowVisible(control) || isGroupBox(control)) {
+            continue;
+        }
         RECT area;
         RECT parent;
         RECT common;
@@ -213,19 +249,24 @@ std::string layoutFaults(HWND top) {
         MapWindowPoints(GetParent(control), nullptr, reinterpret_cast<POINT*>(&parent), 2);
         // What is scrolled may reach over the upper and the lower edge.
         if (GetWindowLongA(GetParent(control), GWL_STYLE) & WS_VSCROLL) {
-            if (area.bottom <= parent.top || area.top >= parent.bottom) continue;
+            if (area.bottom <= parent.top || area.top >= parent.bottom) {
+                continue;
+            }
             parent.top = std::min(parent.top, area.top);
             parent.bottom = std::max(parent.bottom, area.bottom);
         }
-        if (IsRectEmpty(&area) || !IntersectRect(&common, &area, &parent) || !EqualRect(&common, &area))
+        if (IsRectEmpty(&area) || !IntersectRect(&common, &area, &parent) || !EqualRect(&common, &area)) {
             faults += "\n    " + describe(control) + " is not wholly inside";
-        if (const std::string fault = partFault(control); !fault.empty())
+        }
+        if (const std::string fault = partFault(control); !fault.empty()) {
             faults += "\n    " + describe(control) + fault;
+        }
         for (const HWND other : seen) {
             RECT place;
             GetWindowRect(other, &place);
-            if (GetParent(other) == GetParent(control) && IntersectRect(&common, &place, &area))
+            if (GetParent(other) == GetParent(control) && IntersectRect(&common, &place, &area)) {
                 faults += "\n    " + describe(control) + " lies over " + describe(other);
+            }
         }
         seen.push_back(control);
     }
@@ -259,8 +300,11 @@ HWND Driver::control(const std::string& name) const {
            [&] {
                return listed([&] {
                    std::vector<std::string> all;
-                   for (const HWND child : childWindows(top))
-                       if (IsWindowVisible(child)) all.push_back(describe(child));
+                   for (const HWND child : childWindows(top)) {
+                       if (IsWindowVisible(child)) {
+                           all.push_back(describe(child));
+                       }
+                   }
                    return all;
                }());
            });
@@ -272,7 +316,9 @@ HWND Driver::usableControl(const std::string& name) const {
     HWND found = control(name);
     // Looked up anew each time: a search may just be taking away the row that it was in.
     const auto usable = [&] {
-        if (const HWND now = findControl(top, name)) found = now;
+        if (const HWND now = findControl(top, name)) {
+            found = now;
+        }
         return IsWindowEnabled(found) && IsWindowEnabled(top);
     };
     expect(usable, name + " to be enabled", [] { return std::string("it is disabled"); });
@@ -291,23 +337,29 @@ void Driver::click(const Words& words) {
 void Driver::focus(const Words& words) {
     const HWND found = usableControl(words[0]);
     const HWND top = GetAncestor(found, GA_ROOT);
-    if (!bringToFront(top, m_patience)) throw DriveFault(describe(top) + " does not come to the front");
+    if (!bringToFront(top, m_patience)) {
+        throw DriveFault(describe(top) + " does not come to the front");
+    }
     PostMessageA(top, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(found), TRUE);
     expect([&] { return focusOf(found) == found; }, "the keyboard in " + describe(found),
            [&] { return describe(focusOf(found)); });
 }
 
 void Driver::type(const Words& words) {
-    if (!bringToFront(window(), m_patience))
+    if (!bringToFront(window(), m_patience)) {
         throw DriveFault(describe(window()) + " does not come to the front");
+    }
     typeText(words[0]);
 }
 
 void Driver::key(const Words& words) {
-    if (!bringToFront(window(), m_patience))
+    if (!bringToFront(window(), m_patience)) {
         throw DriveFault(describe(window()) + " does not come to the front");
+    }
     for (const std::string& name : words) {
-        if (!pressKey(name)) throw DriveFault("there is no key \"" + name + "\"");
+        if (!pressKey(name)) {
+            throw DriveFault("there is no key \"" + name + "\"");
+        }
     }
 }
 
@@ -325,12 +377,14 @@ void Driver::set(const Words& words) {
 void Driver::choose(const Words& words) {
     const HWND found = usableControl(words[0]);
     std::vector<std::string> items;
-    std::size_t index = 0;
+    size_t index = 0;
     expect(
         [&] {
             items = itemsOf(found);
             for (index = 0; index < items.size(); ++index) {
-                if (items[index] == words[1]) return true;
+                if (items[index] == words[1]) {
+                    return true;
+                }
             }
             return false;
         },
@@ -354,7 +408,9 @@ void Driver::uncheck(const Words& words) {
 
 void Driver::setCheck(const Words& words, bool on) {
     const HWND found = usableControl(words[0]);
-    if (isChecked(found) == on) return;
+    if (isChecked(found) == on) {
+        return;
+    }
     PostMessageA(found, BM_CLICK, 0, 0);
     expect([&] { return isChecked(found) == on; }, describe(found) + (on ? " checked" : " unchecked"),
            [&] { return stateText(found); });
@@ -377,14 +433,18 @@ void Driver::expectControl(const Words& words) {
     const HWND top = window();
     HWND found = control(words[0]);
     const auto again = [&] {
-        if (const HWND now = findControl(top, words[0])) found = now;
+        if (const HWND now = findControl(top, words[0])) {
+            found = now;
+        }
         return found;
     };
     const auto seen = [&] { return stateText(found); };
-    if (words.size() == 2)
+    if (words.size() == 2) {
         return expect([&] { return hasState(again(), relation); }, words[0] + " " + relation, seen);
-    if (relation != "equals" && relation != "contains")
+    }
+    if (relation != "equals" && relation != "contains") {
         throw DriveFault("a value is expected with equals or contains, not \"" + relation + "\"");
+    }
     expect(
         [&] {
             const std::string value = valueOf(again());
@@ -408,17 +468,23 @@ void Driver::expectLayout(const Words&) {
 }
 
 void Driver::tabOrderOf(const Words&) {
-    for (const HWND found : tabOrder(window())) std::printf("tab %s\n", describe(found).c_str());
+    for (const HWND found : tabOrder(window())) {
+        std::printf("tab %s\n", describe(found).c_str());
+    }
 }
 
 void Driver::expectTabOrder(const Words& words) {
     const HWND top = window();
     std::vector<HWND> wanted;
-    for (const std::string& name : words) wanted.push_back(control(name));
+    for (const std::string& name : words) {
+        wanted.push_back(control(name));
+    }
     expect([&] { return tabOrder(top) == wanted; }, "the Tab order " + listed(words),
            [&] {
                std::vector<std::string> order;
-               for (const HWND found : tabOrder(top)) order.push_back(describe(found));
+               for (const HWND found : tabOrder(top)) {
+                   order.push_back(describe(found));
+               }
                return listed(order);
            });
 }

@@ -39,7 +39,9 @@ void Driver::finish(const Words&) {
 void Driver::open(const Words& words) {
     onEditor([this, folder = words[0]] {
         std::string error;
-        if (!m_editor.openProject(folder, error)) throw DriveFault(error);
+        if (!m_editor.openProject(folder, error)) {
+            throw DriveFault(error);
+        }
         return 1;
     });
 }
@@ -47,7 +49,9 @@ void Driver::open(const Words& words) {
 void Driver::load(const Words& words) {
     onEditor([this, path = words[0]] {
         std::string error;
-        if (!m_editor.library().load(path, error)) throw DriveFault(path + ": " + error);
+        if (!m_editor.library().load(path, error)) {
+            throw DriveFault(path + ": " + error);
+        }
         return 1;
     });
 }
@@ -55,15 +59,18 @@ void Driver::load(const Words& words) {
 void Driver::loadPlugin(const Words& words) {
     onEditor([this, path = words[0]] {
         std::string error;
-        if (!m_editor.loadPlugin(path, error)) throw DriveFault(path + ": " + error);
+        if (!m_editor.loadPlugin(path, error)) {
+            throw DriveFault(path + ": " + error);
+        }
         return 1;
     });
 }
 
 void Driver::init(const Words& words) {
     const std::string with = words.empty() ? "editor" : words[0];
-    if (with != "editor" && with != "null" && with != "no-editor")
+    if (with != "editor" && with != "null" && with != "no-editor") {
         throw DriveFault("init takes nothing, null or no-editor");
+    }
     onEditor([this, with] {
         m_editor.hostTable().setEditorPresent(with != "no-editor");
         return m_editor.library().initialize(with == "null" ? nullptr : m_editor.hostTable().appInterface());
@@ -101,18 +108,23 @@ void Driver::runProcedure(const Words& words) {
 
 void Driver::execute(const Words& words) {
     const bool noFlags = words.size() > 1;
-    if (noFlags && words[1] != "no-flags") throw DriveFault("execute takes a name and, if at all, no-flags");
+    if (noFlags && words[1] != "no-flags") {
+        throw DriveFault("execute takes a name and, if at all, no-flags");
+    }
     onEditor([this, name = words[0], noFlags] {
         ProcedureState& state = procedure(name);
-        if (noFlags) return m_editor.library().execute(state.record, nullptr, nullptr);
+        if (noFlags) {
+            return m_editor.library().execute(state.record, nullptr, nullptr);
+        }
         return m_editor.execute(state);
     });
 }
 
 void Driver::executeStale(const Words& words) {
     const bool noFlags = words.size() > 1;
-    if (noFlags && words[1] != "no-flags")
+    if (noFlags && words[1] != "no-flags") {
         throw DriveFault("execute-stale takes a name and, if at all, no-flags");
+    }
     onEditor([this, name = words[0], noFlags] {
         static std::int32_t busy;
         busy = 0;
@@ -128,7 +140,9 @@ void Driver::select(const Words& words) {
     onEditor([this, name = words[0]] {
         const bool there =
             name.empty() || m_editor.level().withEntity(name, [](LevelEntity&) { return true; });
-        if (!there) throw DriveFault("the level has no entity \"" + name + "\"");
+        if (!there) {
+            throw DriveFault("the level has no entity \"" + name + "\"");
+        }
         m_editorWindow.selectEntity(name);
         return 1;
     });
@@ -149,7 +163,9 @@ void Driver::freeLibrary(const Words&) {
 }
 
 void Driver::editorInterface(const Words& words) {
-    if (words[0] != "on" && words[0] != "off") throw DriveFault("editor-interface is on or off");
+    if (words[0] != "on" && words[0] != "off") {
+        throw DriveFault("editor-interface is on or off");
+    }
     onEditor([this, on = words[0] == "on"] {
         m_editor.hostTable().setEditorPresent(on);
         return 1;
@@ -158,7 +174,9 @@ void Driver::editorInterface(const Words& words) {
 
 void Driver::hostFault(const Words& words) {
     HostFault fault = HostFault::None;
-    if (!readHostFault(words[0], fault)) throw DriveFault("host is normal, fail, empty or full");
+    if (!readHostFault(words[0], fault)) {
+        throw DriveFault("host is normal, fail, empty or full");
+    }
     m_editor.hostTable().setFault(fault);
 }
 

@@ -23,13 +23,16 @@ void Driver::addFileCommands(std::map<std::string, Command>& table) {
 }
 
 void Driver::copyFile(const Words& words) {
-    if (!CopyFileA(words[0].c_str(), words[1].c_str(), FALSE))
+    if (!CopyFileA(words[0].c_str(), words[1].c_str(), FALSE)) {
         throw DriveFault(words[0] + " can't be copied to " + words[1]);
+    }
 }
 
 static std::string linesFrom(const std::vector<std::string>& words) {
     std::string lines;
-    for (std::size_t i = 1; i < words.size(); ++i) lines += words[i] + "\r\n";
+    for (size_t i = 1; i < words.size(); ++i) {
+        lines += words[i] + "\r\n";
+    }
     return lines;
 }
 
@@ -37,7 +40,9 @@ static std::string linesFrom(const std::vector<std::string>& words) {
 void Driver::addLines(const Words& words) {
     const std::string text = contentOf(words[0]) + linesFrom(words);
     const auto file = osFiles().openForWriting(words[0], OsOpen::Truncate);
-    if (!file || !file->write(text)) throw DriveFault(words[0] + " can't be written");
+    if (!file || !file->write(text)) {
+        throw DriveFault(words[0] + " can't be written");
+    }
 }
 
 void Driver::expectLines(const Words& words) {
@@ -47,8 +52,9 @@ void Driver::expectLines(const Words& words) {
 }
 
 void Driver::expectNoLines(const Words& words) {
-    if (("\n" + contentOf(words[0])).find("\n" + linesFrom(words)) != std::string::npos)
+    if (("\n" + contentOf(words[0])).find("\n" + linesFrom(words)) != std::string::npos) {
         throw DriveFault("expected no such lines in " + words[0] + "; they are there");
+    }
 }
 
 void Driver::expectSameFile(const Words& words) {

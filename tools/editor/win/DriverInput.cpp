@@ -51,9 +51,14 @@ public:
     // False when nothing was taken for so long, or the window is gone.
     bool emptied(HWND window, DWORD patience) {
         ResetEvent(m_taken);
-        if (!PostMessageA(window, mark(), 0, 0)) return false;
-        for (const ULONGLONG end = GetTickCount64() + patience; GetTickCount64() < end && IsWindow(window);)
-            if (WaitForSingleObject(m_taken, 20) == WAIT_OBJECT_0) return true;
+        if (!PostMessageA(window, mark(), 0, 0)) {
+            return false;
+        }
+        for (const ULONGLONG end = GetTickCount64() + patience; GetTickCount64() < end && IsWindow(window);) {
+            if (WaitForSingleObject(m_taken, 20) == WAIT_OBJECT_0) {
+                return true;
+            }
+        }
         return false;
     }
 
@@ -61,8 +66,9 @@ private:
     static UINT mark() { return RegisterWindowMessageA("ZunHostQueueMark"); }
     static LRESULT CALLBACK see(int code, WPARAM wParam, LPARAM lParam) {
         if (code == HC_ACTION && wParam == PM_REMOVE &&
-            reinterpret_cast<const MSG*>(lParam)->message == mark())
+            reinterpret_cast<const MSG*>(lParam)->message == mark()) {
             SetEvent(s_taken);
+        }
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
@@ -97,8 +103,9 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
             made.message = WM_KEYDOWN;
             made.wParam = static_cast<WPARAM>(kKeys[below(kKeys.size())]);
             // Seldom, as all that closes the window or opens another: most messages should meet a busy one.
-            if ((made.wParam == VK_RETURN || made.wParam == VK_ESCAPE) && below(kSeldom))
+            if ((made.wParam == VK_RETURN || made.wParam == VK_ESCAPE) && below(kSeldom)) {
                 made.wParam = VK_TAB;
+            }
             break;
         case 2:
         case 3:
@@ -136,7 +143,9 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
             // What stands behind a timer's number is a procedure.
             made.message = below(4 * kSeldom) ? WM_TIMER : WM_CONTEXTMENU;
             made.wParam = below(8);
-            if (made.message == WM_CONTEXTMENU) made.lParam = below(2) ? point : -1;
+            if (made.message == WM_CONTEXTMENU) {
+                made.lParam = below(2) ? point : -1;
+            }
             break;
         case 11:
             made.message = WM_SIZE;
@@ -149,12 +158,15 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
             break;
         default:
             made.message = kOfControls[below(kOfControls.size())];
-            if (made.message == BM_CLICK && below(kSeldom)) made.message = BM_SETCHECK;
+            if (made.message == BM_CLICK && below(kSeldom)) {
+                made.message = BM_SETCHECK;
+            }
             made.wParam = below(8) ? below(40) : random();
-            if (made.message == WM_NEXTDLGCTL)
+            if (made.message == WM_NEXTDLGCTL) {
                 made.wParam = below(2);
-            else
+            } else {
                 made.lParam = static_cast<LPARAM>(below(200)) - 50;
+            }
             break;
     }
     return made;
@@ -188,8 +200,11 @@ void Driver::hover(const Words& words) {
     SetCursorPos(area.left + 4, area.top + 4);
     const auto shown = [] {
         std::string texts;
-        for (const HWND one : topWindows())
-            if (windowClass(one) == TOOLTIPS_CLASSA) texts += windowText(one) + '\n';
+        for (const HWND one : topWindows()) {
+            if (windowClass(one) == TOOLTIPS_CLASSA) {
+                texts += windowText(one) + '\n';
+            }
+        }
         return texts;
     };
     expect([&] { return shown().find(words[1]) != std::string::npos; }, "a tooltip with \"" + words[1] + "\"",
@@ -200,16 +215,19 @@ void Driver::hover(const Words& words) {
 void Driver::hold(const Words& words) {
     const HWND found = usableControl(words[0]);
     const HWND field = GetWindow(found, GW_HWNDPREV);
-    if (!field || (words[1] != "up" && words[1] != "down")) throw DriveFault("can't hold " + describe(found));
+    if (!field || (words[1] != "up" && words[1] != "down")) {
+        throw DriveFault("can't hold " + describe(found));
+    }
     RECT area;
     GetClientRect(found, &area);
     const LPARAM at = MAKELPARAM(area.right / 2, words[1] == "up" ? 2 : area.bottom - 3);
     PostMessageA(found, WM_LBUTTONDOWN, MK_LBUTTON, at);
     const bool reached = until([&] { return windowText(field) == words[2]; });
     PostMessageA(found, WM_LBUTTONUP, 0, at);
-    if (!reached)
+    if (!reached) {
         throw DriveFault("expected " + describe(field) + " to come to " + words[2] + "; saw " +
                          windowText(field));
+    }
 }
 
 void Driver::contextMenu(const Words& words) {
@@ -218,17 +236,24 @@ void Driver::contextMenu(const Words& words) {
     PostMessageA(usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
     expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
            [] { return std::string("none"); });
-    if (words.size() < 2) return;
+    if (words.size() < 2) {
+        return;
+    }
     const HMENU menu = reinterpret_cast<HMENU>(ask(openPopUp(), kMenuHandle));
     int wanted = -1;
     std::string all;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        if (itemText(menu, i) == words[1]) wanted = i;
+        if (itemText(menu, i) == words[1]) {
+            wanted = i;
+        }
         all += "\n    " + itemText(menu, i);
     }
-    if (wanted < 0) throw DriveFault("the menu has no item \"" + words[1] + "\", only" + all);
-    if (GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED))
+    if (wanted < 0) {
+        throw DriveFault("the menu has no item \"" + words[1] + "\", only" + all);
+    }
+    if (GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED)) {
         throw DriveFault("the menu item \"" + words[1] + "\" is greyed");
+    }
     const HWND owner = window();
     const auto chosen = [&] {
         return GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & MF_HILITE;
@@ -236,8 +261,11 @@ void Driver::contextMenu(const Words& words) {
     // A key is posted once the one before has moved the mark.
     for (int i = 0; i < kMostItems && !chosen(); ++i) {
         const auto marked = [&] {
-            for (int at = 0; at < GetMenuItemCount(menu); ++at)
-                if (GetMenuState(menu, static_cast<UINT>(at), MF_BYPOSITION) & MF_HILITE) return at;
+            for (int at = 0; at < GetMenuItemCount(menu); ++at) {
+                if (GetMenuState(menu, static_cast<UINT>(at), MF_BYPOSITION) & MF_HILITE) {
+                    return at;
+                }
+            }
             return -1;
         };
         const int before = marked();
@@ -249,7 +277,9 @@ void Driver::contextMenu(const Words& words) {
         };
         expect(moved, "the next item of the menu", [&] { return all; });
     }
-    if (!chosen()) throw DriveFault("the menu's mark does not come to \"" + words[1] + "\"");
+    if (!chosen()) {
+        throw DriveFault("the menu's mark does not come to \"" + words[1] + "\"");
+    }
     PostMessageA(owner, WM_KEYDOWN, VK_RETURN, 0);
     expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
 }
@@ -274,17 +304,22 @@ void Driver::randomMessages(const Words& words) {
             probe = std::make_unique<QueueProbe>(GetWindowThreadProcessId(top, nullptr));
             ++runs;
         }
-        if (!probe->emptied(top, m_patience) && IsWindow(top))
+        if (!probe->emptied(top, m_patience) && IsWindow(top)) {
             throw DriveFault("the window takes no messages after " + std::to_string(sent) +
                              " at random, seed " + words[0]);
+        }
         // The innermost dialog stands first.
         const DWORD thread = GetWindowThreadProcessId(top, nullptr);
         HWND target = nullptr;
-        for (const HWND one : topWindows())
+        for (const HWND one : topWindows()) {
             if (!target && thread && GetWindowThreadProcessId(one, nullptr) == thread &&
-                IsWindowEnabled(one) && (windowClass(one) == "#32770" || one == top))
+                IsWindowEnabled(one) && (windowClass(one) == "#32770" || one == top)) {
                 target = one;
-        if (!target) continue;
+            }
+        }
+        if (!target) {
+            continue;
+        }
         if (target != top && !findControl(target, "#1302")) {  // not one of the panel's own
             ++boxes;
             PostMessageA(target, WM_COMMAND, random() % 2 ? IDCANCEL : IDNO, 0);
@@ -300,7 +335,9 @@ void Driver::randomMessages(const Words& words) {
         }
         PostMessageA(target, WM_CANCELMODE, 0, 0);  // ends menus
     }
-    if (!probe->emptied(top, m_patience) && IsWindow(top)) throw DriveFault("the window takes no messages");
+    if (!probe->emptied(top, m_patience) && IsWindow(top)) {
+        throw DriveFault("the window takes no messages");
+    }
     std::printf("%ld sent; %ld runs, %ld boxes\n", count, runs, boxes);
     std::fflush(stdout);
 }

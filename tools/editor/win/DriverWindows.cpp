@@ -12,19 +12,25 @@ namespace {
 
 std::string openTitles() {
     std::string text;
-    for (const HWND window : topWindows()) text += (text.empty() ? "" : ", ") + describe(window);
+    for (const HWND window : topWindows()) {
+        text += (text.empty() ? "" : ", ") + describe(window);
+    }
     return text.empty() ? "no window" : text;
 }
 
 std::string boxTexts() {
     std::string text;
-    for (const std::string& box : messageBoxTexts()) text += (text.empty() ? "\"" : ", \"") + box + "\"";
+    for (const std::string& box : messageBoxTexts()) {
+        text += (text.empty() ? "\"" : ", \"") + box + "\"";
+    }
     return text.empty() ? "no message box; windows: " + openTitles() : text;
 }
 
 std::string listed(const std::vector<std::string>& texts) {
     std::string all;
-    for (const std::string& text : texts) all += (all.empty() ? "" : ", ") + text;
+    for (const std::string& text : texts) {
+        all += (all.empty() ? "" : ", ") + text;
+    }
     return all;
 }
 
@@ -81,8 +87,9 @@ void Driver::expectBox(const Words& words) {
 }
 
 void Driver::expectNoWindow(const Words& words) {
-    if (const HWND found = findTopWindow(words[0], words.size() > 1 ? words[1] : ""))
+    if (const HWND found = findTopWindow(words[0], words.size() > 1 ? words[1] : "")) {
         throw DriveFault("expected no window \"" + words[0] + "\"; saw " + describe(found));
+    }
 }
 
 void Driver::closeWindow(const Words&) {
@@ -104,8 +111,9 @@ void Driver::expectPlace(const Words& words) {
         RECT area{};
         GetWindowRect(window(), &area);
         std::string text;
-        for (const LONG one : {area.left, area.top, area.right - area.left, area.bottom - area.top})
+        for (const LONG one : {area.left, area.top, area.right - area.left, area.bottom - area.top}) {
             text += (text.empty() ? "" : " ") + std::to_string(one);
+        }
         return text;
     };
     const std::string wanted = words[0] + ' ' + words[1] + ' ' + words[2] + ' ' + words[3];
@@ -121,14 +129,20 @@ void Driver::menu(const Words& words) {
         SendMessageA(editor, WM_INITMENUPOPUP, 0, 0);
         found = findMenuItem(GetMenu(editor), words[0], command, state);
     });
-    if (!found || !command) throw DriveFault("the menu has no item \"" + words[0] + "\"");
-    if (state & MFS_GRAYED) throw DriveFault("the menu item \"" + words[0] + "\" is greyed");
+    if (!found || !command) {
+        throw DriveFault("the menu has no item \"" + words[0] + "\"");
+    }
+    if (state & MFS_GRAYED) {
+        throw DriveFault("the menu item \"" + words[0] + "\" is greyed");
+    }
     PostMessageA(editor, WM_COMMAND, command, 0);
 }
 
 void Driver::openMenu(const Words& words) {
     const HWND editor = m_editorWindow.handle();
-    if (!bringToFront(editor, m_patience)) throw DriveFault("the editor's window does not come to the front");
+    if (!bringToFront(editor, m_patience)) {
+        throw DriveFault("the editor's window does not come to the front");
+    }
     int position = -1;
     askEditor([&] {
         const HMENU bar = GetMenu(editor);
@@ -137,13 +151,19 @@ void Driver::openMenu(const Words& words) {
             GetMenuStringA(bar, static_cast<UINT>(i), text, sizeof text, MF_BYPOSITION);
             std::string plain = text;
             std::erase(plain, '&');
-            if (plain == words[0]) position = i;
+            if (plain == words[0]) {
+                position = i;
+            }
         }
     });
-    if (position < 0) throw DriveFault("there is no menu \"" + words[0] + "\"");
+    if (position < 0) {
+        throw DriveFault("there is no menu \"" + words[0] + "\"");
+    }
     // As a user does it: into the menu bar with the keyboard, along to the menu, open.
     PostMessageA(editor, WM_SYSCOMMAND, SC_KEYMENU, 0);
-    for (int i = 0; i < position; ++i) pressKey("RIGHT");
+    for (int i = 0; i < position; ++i) {
+        pressKey("RIGHT");
+    }
     pressKey("DOWN");
     expect([] { return findTopWindow("*", "#32768") != nullptr; }, "the menu to open", openTitles);
 }
@@ -164,21 +184,25 @@ void Driver::expectMenu(const Words& words) {
             }
             seen = std::string(state & MFS_CHECKED ? "checked" : "unchecked") + ", " +
                    (state & MFS_GRAYED ? "grayed" : "enabled");
-            for (std::size_t i = 1; i < words.size(); ++i) {
+            for (size_t i = 1; i < words.size(); ++i) {
                 if ((words[i] == "checked") != ((state & MFS_CHECKED) != 0) &&
-                    (words[i] == "checked" || words[i] == "unchecked"))
+                    (words[i] == "checked" || words[i] == "unchecked")) {
                     all = false;
+                }
                 if ((words[i] == "grayed") != ((state & MFS_GRAYED) != 0) &&
-                    (words[i] == "grayed" || words[i] == "enabled"))
+                    (words[i] == "grayed" || words[i] == "enabled")) {
                     all = false;
+                }
             }
         });
         return all;
     };
-    for (std::size_t i = 1; i < words.size(); ++i) {
-        if (words[i] != "checked" && words[i] != "unchecked" && words[i] != "grayed" && words[i] != "enabled")
+    for (size_t i = 1; i < words.size(); ++i) {
+        if (words[i] != "checked" && words[i] != "unchecked" && words[i] != "grayed" &&
+            words[i] != "enabled") {
             throw DriveFault("a menu item is checked, unchecked, grayed or enabled, not \"" + words[i] +
                              "\"");
+        }
     }
     expect(matches, "the menu item " + listed(words), [&] { return seen; });
 }
@@ -190,24 +214,29 @@ void Driver::expectNoMenu(const Words& words) {
         UINT state = 0;
         found = findMenuItem(GetMenu(m_editorWindow.handle()), words[0], command, state);
     });
-    if (found) throw DriveFault("expected no menu item \"" + words[0] + "\"; it is there");
+    if (found) {
+        throw DriveFault("expected no menu item \"" + words[0] + "\"; it is there");
+    }
 }
 
 void Driver::printMenu(const Words&) {
     std::vector<std::string> paths;
     askEditor([&] { paths = menuPaths(GetMenu(m_editorWindow.handle())); });
-    for (const std::string& path : paths) std::printf("menu %s\n", path.c_str());
+    for (const std::string& path : paths) {
+        std::printf("menu %s\n", path.c_str());
+    }
 }
 
 void Driver::screenshot(const Words& words) {
     RECT area = windowsArea();
     if (words.size() > 1) {
-        if (words[1] == "window")
+        if (words[1] == "window") {
             GetWindowRect(window(), &area);
-        else if (words[1] == "screen")
+        } else if (words[1] == "screen") {
             area = screenArea();
-        else
+        } else {
             throw DriveFault("a screenshot is of the window, the screen or, without a word, all windows");
+        }
     }
     picture(words[0], area);
 }

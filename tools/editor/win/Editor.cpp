@@ -13,7 +13,9 @@ Editor::Editor(CallLog& log)
     m_host.onOpenMap = [this](const std::string& path) {
         std::string error;
         const bool done = openLevel(path, error);
-        if (!done) m_log.add("open the level", error);
+        if (!done) {
+            m_log.add("open the level", error);
+        }
         return done;
     };
 }
@@ -22,7 +24,9 @@ bool Editor::openProject(const std::string& folder, std::string& error) {
     char full[MAX_PATH];
     const DWORD length = GetFullPathNameA(folder.c_str(), sizeof full, full, nullptr);
     std::string path(full, length < sizeof full ? length : 0);
-    while (path.size() > 3 && path.back() == '\\') path.pop_back();
+    while (path.size() > 3 && path.back() == '\\') {
+        path.pop_back();
+    }
     std::string map = path + "\\main.zlm";
     if (GetFileAttributesA(map.c_str()) == INVALID_FILE_ATTRIBUTES) {
         WIN32_FIND_DATAA found;
@@ -38,7 +42,9 @@ bool Editor::openProject(const std::string& folder, std::string& error) {
 }
 
 bool Editor::openLevel(const std::string& path, std::string& error) {
-    if (!m_level.open(path, error)) return false;
+    if (!m_level.open(path, error)) {
+        return false;
+    }
     m_projectFolder = m_level.folder();
     m_selected.clear();
     m_log.add("open " + quoted(path.c_str()), std::to_string(m_level.map().entities.size()) + " entities");
@@ -48,7 +54,9 @@ bool Editor::openLevel(const std::string& path, std::string& error) {
 
 bool Editor::loadPlugin(const std::string& path, std::string& error) {
     unloadPlugin();
-    if (!m_library.load(path, error)) return false;
+    if (!m_library.load(path, error)) {
+        return false;
+    }
     if (!m_library.initialize(m_table.appInterface())) {
         error = "The plug-in refused to be initialised.";
         freePlugin();
@@ -63,8 +71,9 @@ bool Editor::loadPlugin(const std::string& path, std::string& error) {
 void Editor::readProcedures() {
     forgetProcedures();
     for (PluginProcDef* const record : m_library.readRecords()) {
-        if (m_procedures.size() == m_states.size())
+        if (m_procedures.size() == m_states.size()) {
             m_states.push_back(std::make_unique<ProcedureState>(m_level));
+        }
         ProcedureState* const state = m_states[m_procedures.size()].get();
         state->record = record;
         m_procedures.push_back(state);
@@ -73,13 +82,17 @@ void Editor::readProcedures() {
 }
 
 void Editor::forgetProcedures() {
-    for (ProcedureState* const state : m_procedures) state->record = nullptr;
+    for (ProcedureState* const state : m_procedures) {
+        state->record = nullptr;
+    }
     m_procedures.clear();
 }
 
 void Editor::unloadPlugin() {
     for (ProcedureState* const state : m_procedures) {
-        if (state->isBusy()) terminate(*state);
+        if (state->isBusy()) {
+            terminate(*state);
+        }
     }
     freePlugin();
 }
@@ -92,13 +105,17 @@ void Editor::freePlugin() {
 
 ProcedureState* Editor::procedure(const std::string& name) const {
     for (ProcedureState* const state : m_procedures) {
-        if (state->name() == name) return state;
+        if (state->name() == name) {
+            return state;
+        }
     }
     return nullptr;
 }
 
 std::int32_t Editor::execute(ProcedureState& procedure) {
-    if (!procedure.record || !procedure.record->execute) return 0;
+    if (!procedure.record || !procedure.record->execute) {
+        return 0;
+    }
     HostContext* context = nullptr;
     if (!m_selected.empty()) {
         procedure.entity.select(m_selected);
@@ -109,7 +126,9 @@ std::int32_t Editor::execute(ProcedureState& procedure) {
 }
 
 std::int32_t Editor::terminate(ProcedureState& procedure) {
-    if (!procedure.record || !procedure.record->terminate) return 1;
+    if (!procedure.record || !procedure.record->terminate) {
+        return 1;
+    }
     return m_library.terminate(procedure.record);
 }
 

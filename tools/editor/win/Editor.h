@@ -74,7 +74,29 @@ public:
 
 private:
     void changed() {
-        if (onChange) onChange();
+        if (onChange) {
+            {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    { onChange(); }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
     }
     void forgetProcedures();
 

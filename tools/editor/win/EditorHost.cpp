@@ -16,7 +16,7 @@ bool exists(const std::string& path) {
 
 // The main script beside a level: its name with the extension of scripts.
 std::string mainScriptOf(const std::string& level) {
-    const std::size_t dot = level.find_last_of('.');
+    const size_t dot = level.find_last_of('.');
     return dot == std::string::npos ? std::string() : level.substr(0, dot) + ".kez";
 }
 
@@ -29,25 +29,33 @@ void EditorHost::setSuite(const std::string& folder, const std::string& template
 
 void EditorHost::CreateMainScript() {
     const std::string path = mainScriptOf(m_level.path());
-    if (path.empty() || exists(path)) return;
+    if (path.empty() || exists(path)) {
+        return;
+    }
     std::ofstream(path, std::ios::binary) << "// main script\r\n";
 }
 
 std::optional<std::string> EditorHost::GetMainScriptPath() {
     std::string path = mainScriptOf(m_level.path());
-    if (path.empty() || !exists(path)) return std::nullopt;
+    if (path.empty() || !exists(path)) {
+        return std::nullopt;
+    }
     return path;
 }
 
 std::optional<std::string> EditorHost::GetListItemName(int index) {
     const LevelMap map = m_level.map();
-    if (index < 0 || static_cast<std::size_t>(index) >= map.entities.size()) return std::nullopt;
-    return map.entities[static_cast<std::size_t>(index)].name.substr(0, kHostItemNameSize - 1);
+    if (index < 0 || static_cast<size_t>(index) >= map.entities.size()) {
+        return std::nullopt;
+    }
+    return map.entities[static_cast<size_t>(index)].name.substr(0, kHostItemNameSize - 1);
 }
 
 std::optional<std::string> EditorHost::ChooseFile(const std::string& preset) {
     char path[kHostPathSize] = {};
-    if (preset.size() < sizeof path) preset.copy(path, sizeof path - 1);
+    if (preset.size() < sizeof path) {
+        preset.copy(path, sizeof path - 1);
+    }
     const std::string folder = QueryFolder(CmdGetSuiteFolder) + "\\" + m_templates;
     OPENFILENAMEA chooser{};
     chooser.lStructSize = sizeof chooser;
@@ -58,7 +66,9 @@ std::optional<std::string> EditorHost::ChooseFile(const std::string& preset) {
     chooser.lpstrInitialDir = folder.c_str();
     chooser.lpstrTitle = "Choose a template";
     chooser.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER;
-    if (!GetOpenFileNameA(&chooser)) return std::nullopt;
+    if (!GetOpenFileNameA(&chooser)) {
+        return std::nullopt;
+    }
     return std::string(path);
 }
 

@@ -17,7 +17,9 @@ struct MenuItem {
 std::string plainText(const char* text) {
     std::string plain;
     for (; *text && *text != '\t'; ++text) {
-        if (*text == '&' && *++text == 0) break;
+        if (*text == '&' && *++text == 0) {
+            break;
+        }
         plain += *text;
     }
     return plain;
@@ -37,14 +39,18 @@ MenuItem itemAt(HMENU menu, int position) {
 HMENU submenuNamed(HMENU menu, const std::string& name) {
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         const MenuItem item = itemAt(menu, i);
-        if (item.submenu && item.text == name) return item.submenu;
+        if (item.submenu && item.text == name) {
+            return item.submenu;
+        }
     }
     return nullptr;
 }
 
 // An ampersand in a plug-in's text is a letter, not a key mark.
 std::string menuText(std::string text) {
-    for (std::size_t at = 0; (at = text.find('&', at)) != std::string::npos; at += 2) text.insert(at, "&");
+    for (size_t at = 0; (at = text.find('&', at)) != std::string::npos; at += 2) {
+        text.insert(at, "&");
+    }
     return text;
 }
 
@@ -63,10 +69,11 @@ HMENU appendMenu(HMENU bar, const char* text) {
 void collectPaths(HMENU menu, const std::string& above, std::vector<std::string>& paths) {
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         const MenuItem item = itemAt(menu, i);
-        if (item.submenu)
+        if (item.submenu) {
             collectPaths(item.submenu, above + item.text + "\\", paths);
-        else if (!item.text.empty())
+        } else if (!item.text.empty()) {
             paths.push_back(above + item.text);
+        }
     }
 }
 
@@ -90,7 +97,9 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
     const HMENU plugins = appendMenu(m_bar, "&Plug-ins");
     append(plugins, kCommandLoadPlugin, "&Load plug-in...\tCtrl+L");
     append(plugins, kCommandUnloadPlugin, "&Unload plug-in");
-    if (pluginLoaded) separate(plugins);
+    if (pluginLoaded) {
+        separate(plugins);
+    }
     const HMENU host = appendMenu(m_bar, "H&ost");
     append(host, kCommandHostNormal, "&Answer as usual");
     append(host, kCommandHostFail, "&Fail every call");
@@ -101,7 +110,9 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
 
     UINT index = 0;
     for (const ProcedureState* const procedure : procedures) {
-        if (index < kCommandLimit) addProcedure(m_bar, plugins, *procedure, index);
+        if (index < kCommandLimit) {
+            addProcedure(m_bar, plugins, *procedure, index);
+        }
         ++index;
     }
     if (std::any_of(procedures.begin(), procedures.end(),
@@ -109,29 +120,36 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
         separate(plugins);
         const HMENU terminate = appendMenu(plugins, "&Terminate");
         for (UINT i = 0; i < procedures.size() && i < kCommandLimit; ++i) {
-            if (procedures[i]->record->terminate)
+            if (procedures[i]->record->terminate) {
                 append(terminate, kCommandTerminate + i, menuText(procedures[i]->name()).c_str());
+            }
         }
     }
     constexpr int kOwnFileItems = 4;  // with the line below them
-    if (GetMenuItemCount(file) > kOwnFileItems) separate(file);
+    if (GetMenuItemCount(file) > kOwnFileItems) {
+        separate(file);
+    }
     append(file, kCommandExit, "E&xit\tAlt+F4");
     const HMENU help = appendMenu(m_bar, "&Help");
     append(help, kCommandAbout, "&About the stand-in editor");
 
     SetMenu(window, m_bar);
     DrawMenuBar(window);
-    if (old) DestroyMenu(old);
+    if (old) {
+        DestroyMenu(old);
+    }
 }
 
 void EditorMenu::addProcedure(HMENU bar, HMENU plugins, const ProcedureState& procedure, UINT index) {
     const std::string path = procedure.record->menuPath ? procedure.record->menuPath : "";
     HMENU menu = path.empty() ? plugins : bar;
-    std::size_t start = 0;
-    for (std::size_t cut; (cut = path.find('\\', start)) != std::string::npos; start = cut + 1) {
+    size_t start = 0;
+    for (size_t cut; (cut = path.find('\\', start)) != std::string::npos; start = cut + 1) {
         const std::string level = path.substr(start, cut - start);
         HMENU below = submenuNamed(menu, level);
-        if (!below) below = appendMenu(menu, menuText(level).c_str());
+        if (!below) {
+            below = appendMenu(menu, menuText(level).c_str());
+        }
         menu = below;
     }
     const std::string text = path.empty() ? procedure.name() : path.substr(start);
@@ -145,7 +163,9 @@ void EditorMenu::refresh(HWND window, const Editor& editor) {
         const bool busy = procedures[i]->isBusy();
         check(bar, kCommandProcedure + i, busy);
         enable(bar, kCommandProcedure + i, procedures[i]->record->execute != nullptr);
-        if (procedures[i]->record->terminate) enable(bar, kCommandTerminate + i, busy);
+        if (procedures[i]->record->terminate) {
+            enable(bar, kCommandTerminate + i, busy);
+        }
     }
     const bool open = !editor.projectFolder().empty();
     enable(bar, kCommandReload, open);
@@ -157,14 +177,16 @@ void EditorMenu::refresh(HWND window, const Editor& editor) {
 
 bool findMenuItem(HMENU bar, const std::string& path, UINT& command, UINT& state) {
     HMENU menu = bar;
-    std::size_t start = 0;
+    size_t start = 0;
     for (;;) {
-        const std::size_t cut = path.find('\\', start);
+        const size_t cut = path.find('\\', start);
         const std::string name = path.substr(start, cut == std::string::npos ? cut : cut - start);
         bool found = false;
         for (int i = 0; i < GetMenuItemCount(menu) && !found; ++i) {
             const MenuItem item = itemAt(menu, i);
-            if (item.text != name) continue;
+            if (item.text != name) {
+                continue;
+            }
             found = true;
             if (cut == std::string::npos) {
                 command = item.command;
@@ -173,7 +195,9 @@ bool findMenuItem(HMENU bar, const std::string& path, UINT& command, UINT& state
             }
             menu = item.submenu;
         }
-        if (!found || !menu) return false;
+        if (!found || !menu) {
+            return false;
+        }
         start = cut + 1;
     }
 }

@@ -26,8 +26,10 @@ std::string numbersText(const LevelEntity& entity) {
     std::string text;
     char part[48];
     for (int i = 0; i < kEntitySkills; ++i) {
-        const float value = entity.skills[static_cast<std::size_t>(i)];
-        if (value == 0) continue;
+        const float value = entity.skills[static_cast<size_t>(i)];
+        if (value == 0) {
+            continue;
+        }
         std::snprintf(part, sizeof part, "%s%d = %g", text.empty() ? "" : ",  ", i + 1,
                       static_cast<double>(value));
         text += part;
@@ -38,7 +40,9 @@ std::string numbersText(const LevelEntity& entity) {
 std::string flagsText(const LevelEntity& entity) {
     std::string text;
     for (int i = 0; i < kEntityFlags; ++i) {
-        if (entity.flags >> i & 1U) text += (text.empty() ? "" : ", ") + std::to_string(i + 1);
+        if (entity.flags >> i & 1U) {
+            text += (text.empty() ? "" : ", ") + std::to_string(i + 1);
+        }
     }
     return text;
 }
@@ -58,7 +62,9 @@ void setCell(HWND list, int row, int column, const std::string& text) {
 void fillLastColumn(HWND list, int column, int width) {
     constexpr int kLeastWidth = 60;
     int others = 2 * GetSystemMetrics(SM_CXEDGE) + GetSystemMetrics(SM_CXVSCROLL);
-    for (int i = 0; i < column; ++i) others += ListView_GetColumnWidth(list, i);
+    for (int i = 0; i < column; ++i) {
+        others += ListView_GetColumnWidth(list, i);
+    }
     ListView_SetColumnWidth(list, column, std::max(kLeastWidth, width - others));
 }
 
@@ -67,9 +73,15 @@ void fillLastColumn(HWND list, int column, int width) {
 EditorWindow::EditorWindow(Editor& editor) : m_editor(editor) {}
 
 EditorWindow::~EditorWindow() {
-    if (m_window) DestroyWindow(m_window);
-    if (m_font) DeleteObject(m_font);
-    if (m_keys) DestroyAcceleratorTable(m_keys);
+    if (m_window) {
+        DestroyWindow(m_window);
+    }
+    if (m_font) {
+        DeleteObject(m_font);
+    }
+    if (m_keys) {
+        DestroyAcceleratorTable(m_keys);
+    }
 }
 
 bool EditorWindow::create(bool show) {
@@ -78,8 +90,9 @@ bool EditorWindow::create(bool show) {
     InitCommonControlsEx(&controls);
     NONCLIENTMETRICSA metrics{};
     metrics.cbSize = sizeof metrics;
-    if (SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0))
+    if (SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0)) {
         m_font = CreateFontIndirectA(&metrics.lfMessageFont);
+    }
 
     WNDCLASSA windowClass{};
     windowClass.lpfnWndProc = windowProc;
@@ -98,12 +111,16 @@ bool EditorWindow::create(bool show) {
 
     CreateWindowExA(0, kClassName, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 60, 40, 900, 640, nullptr,
                     nullptr, GetModuleHandleA(nullptr), this);
-    if (!m_window) return false;
+    if (!m_window) {
+        return false;
+    }
     m_editor.onChange = [this] { editorChanged(); };
     m_editor.log().notify(m_window, kMessageLog);
     editorChanged();
     showLog();
-    if (show) ShowWindow(m_window, SW_SHOW);
+    if (show) {
+        ShowWindow(m_window, SW_SHOW);
+    }
     UpdateWindow(m_window);
     return true;
 }
@@ -111,8 +128,12 @@ bool EditorWindow::create(bool show) {
 int EditorWindow::run() {
     MSG message;
     while (GetMessageA(&message, nullptr, 0, 0) > 0) {
-        if (TranslateAcceleratorA(m_window, m_keys, &message)) continue;
-        if (IsDialogMessageA(m_window, &message)) continue;
+        if (TranslateAcceleratorA(m_window, m_keys, &message)) {
+            continue;
+        }
+        if (IsDialogMessageA(m_window, &message)) {
+            continue;
+        }
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
@@ -132,7 +153,9 @@ void EditorWindow::runJobs() {
         std::function<void()> job;
         {
             const std::lock_guard lock(m_jobMutex);
-            if (m_jobs.empty()) return;
+            if (m_jobs.empty()) {
+                return;
+            }
             job = std::move(m_jobs.front());
             m_jobs.pop();
         }
@@ -164,7 +187,9 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {420, 300};
             return 0;
         case WM_COMMAND:
-            if (!lParam) onCommand(LOWORD(wParam));
+            if (!lParam) {
+                onCommand(LOWORD(wParam));
+            }
             return 0;
         case WM_NOTIFY:
             return onNotify(*reinterpret_cast<NMHDR*>(lParam));
@@ -173,7 +198,9 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             return 0;
         case WM_TIMER:
             showStatus();
-            if (m_editor.level().changes() != m_shownChanges) showEntities();
+            if (m_editor.level().changes() != m_shownChanges) {
+                showEntities();
+            }
             return 0;
         case WM_SETFOCUS:
             SetFocus(m_entities);
@@ -183,10 +210,14 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             SetCapture(m_window);
             return 0;
         case WM_MOUSEMOVE:
-            if (m_dragging) dragSplitter(GET_Y_LPARAM(lParam));
+            if (m_dragging) {
+                dragSplitter(GET_Y_LPARAM(lParam));
+            }
             return 0;
         case WM_LBUTTONUP:
-            if (m_dragging) ReleaseCapture();
+            if (m_dragging) {
+                ReleaseCapture();
+            }
             return 0;
         case WM_CAPTURECHANGED:
             m_dragging = false;
@@ -273,7 +304,9 @@ void EditorWindow::dragSplitter(int y) {
     GetClientRect(m_window, &client);
     GetWindowRect(m_status, &status);
     const int height = static_cast<int>(client.bottom - (status.bottom - status.top));
-    if (height <= 0) return;
+    if (height <= 0) {
+        return;
+    }
     m_logShare = std::clamp(100 - y * 100 / height, 5, 95);
     layOut();
 }
@@ -281,12 +314,13 @@ void EditorWindow::dragSplitter(int y) {
 LRESULT EditorWindow::onNotify(NMHDR& header) {
     if (header.hwndFrom == m_log && header.code == LVN_GETDISPINFOA) {
         LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
-        const CallLogLine line = m_editor.log().line(static_cast<std::size_t>(item.iItem));
+        const CallLogLine line = m_editor.log().line(static_cast<size_t>(item.iItem));
         const std::string& text = item.iSubItem == 0   ? line.thread
                                   : item.iSubItem == 1 ? line.call
                                                        : line.answer;
-        if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0)
+        if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0) {
             lstrcpynA(item.pszText, text.c_str(), item.cchTextMax);
+        }
     } else if (header.hwndFrom == m_entities && header.code == LVN_ITEMCHANGED) {
         const auto& change = reinterpret_cast<NMLISTVIEW&>(header);
         if ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) {
@@ -297,7 +331,9 @@ LRESULT EditorWindow::onNotify(NMHDR& header) {
             showStatus();
         }
     } else if (header.hwndFrom == m_entities && header.code == NM_DBLCLK) {
-        if (ProcedureState* const procedure = m_editor.procedure("Entity Behavior")) choose(*procedure);
+        if (ProcedureState* const procedure = m_editor.procedure("Entity Behavior")) {
+            choose(*procedure);
+        }
     }
     return 0;
 }
@@ -308,15 +344,17 @@ void EditorWindow::onCommand(UINT command) {
         m_editor.terminate(*procedures[command - kCommandTerminate]);
         return showStatus();
     }
-    if (command >= kCommandProcedure && command - kCommandProcedure < procedures.size())
+    if (command >= kCommandProcedure && command - kCommandProcedure < procedures.size()) {
         return choose(*procedures[command - kCommandProcedure]);
+    }
     switch (command) {
         case kCommandOpen:
             return openProject();
         case kCommandReload:
             if (std::string error, path = m_editor.level().path();
-                !path.empty() && !m_editor.openLevel(path, error))
+                !path.empty() && !m_editor.openLevel(path, error)) {
                 complain(error);
+            }
             return;
         case kCommandSave:
             return saveLevel();
@@ -349,12 +387,14 @@ void EditorWindow::choose(ProcedureState& procedure) {
         m_editor.execute(procedure);
         return showStatus();
     }
-    if (!procedure.record->terminate)
+    if (!procedure.record->terminate) {
         return complain(procedure.name() + " is running and can't be terminated.");
+    }
     const std::string question = procedure.name() + " is running.\n\nTerminate it?";
     if (MessageBoxA(m_window, question.c_str(), kTitle, MB_YESNO | MB_ICONQUESTION) == IDYES &&
-        procedure.record)
+        procedure.record) {
         m_editor.terminate(procedure);
+    }
     showStatus();
 }
 
@@ -405,20 +445,30 @@ void EditorWindow::selectEntity(const std::string& name) {
 void EditorWindow::showLog() {
     const int count = static_cast<int>(m_editor.log().size());
     ListView_SetItemCountEx(m_log, count, LVSICF_NOSCROLL);
-    if (count) ListView_EnsureVisible(m_log, count - 1, FALSE);
+    if (count) {
+        ListView_EnsureVisible(m_log, count - 1, FALSE);
+    }
 }
 
 void EditorWindow::showStatus() {
     std::string running;
     for (const ProcedureState* const procedure : m_editor.procedures()) {
-        if (procedure->isBusy()) running += (running.empty() ? "" : ", ") + procedure->name();
+        if (procedure->isBusy()) {
+            running += (running.empty() ? "" : ", ") + procedure->name();
+        }
     }
     std::string text = m_editor.projectFolder().empty() ? "No project open" : m_editor.level().path();
     text += "    |    ";
     text += m_editor.library().loaded() ? m_editor.library().path() : "no plug-in";
-    if (!running.empty()) text += "    |    running: " + running;
-    if (m_editor.hostTable().fault() != HostFault::None) text += "    |    host answers faultily";
-    if (text == m_shownStatus) return;
+    if (!running.empty()) {
+        text += "    |    running: " + running;
+    }
+    if (m_editor.hostTable().fault() != HostFault::None) {
+        text += "    |    host answers faultily";
+    }
+    if (text == m_shownStatus) {
+        return;
+    }
     m_shownStatus = text;
     SendMessageA(m_status, SB_SETTEXTA, SB_SIMPLEID, reinterpret_cast<LPARAM>(text.c_str()));
     SendMessageA(m_status, SB_SIMPLE, TRUE, 0);
@@ -430,11 +480,15 @@ void EditorWindow::openProject() {
     browse.lpszTitle = "Choose a project folder (one that holds a level, main.zlm).";
     browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_USENEWUI;
     ITEMIDLIST* const chosen = SHBrowseForFolderA(&browse);
-    if (!chosen) return;
+    if (!chosen) {
+        return;
+    }
     char folder[MAX_PATH] = {};
     SHGetPathFromIDListA(chosen, folder);
     CoTaskMemFree(chosen);
-    if (std::string error; !m_editor.openProject(folder, error)) complain(error);
+    if (std::string error; !m_editor.openProject(folder, error)) {
+        complain(error);
+    }
 }
 
 void EditorWindow::loadPlugin() {
@@ -447,14 +501,22 @@ void EditorWindow::loadPlugin() {
     chooser.nMaxFile = sizeof path;
     chooser.lpstrTitle = "Load plug-in";
     chooser.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER;
-    if (!GetOpenFileNameA(&chooser)) return;
-    if (std::string error; !m_editor.loadPlugin(path, error)) complain(std::string(path) + "\n\n" + error);
+    if (!GetOpenFileNameA(&chooser)) {
+        return;
+    }
+    if (std::string error; !m_editor.loadPlugin(path, error)) {
+        complain(std::string(path) + "\n\n" + error);
+    }
 }
 
 void EditorWindow::saveLevel() {
     std::string error;
-    if (m_editor.projectFolder().empty()) return;
-    if (!m_editor.level().save(error)) complain(error);
+    if (m_editor.projectFolder().empty()) {
+        return;
+    }
+    if (!m_editor.level().save(error)) {
+        complain(error);
+    }
 }
 
 void EditorWindow::about() {

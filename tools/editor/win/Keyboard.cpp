@@ -23,15 +23,22 @@ constexpr NamedKey kKeys[] = {
 
 // 0 for a name it does not know.
 WORD keyCode(std::string name) {
-    for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    for (const NamedKey& key : kKeys) {
-        if (name == key.name) return key.code;
+    for (char& c : name) {
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     }
-    if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
+    for (const NamedKey& key : kKeys) {
+        if (name == key.name) {
+            return key.code;
+        }
+    }
+    if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0]))) {
         return static_cast<WORD>(name[0]);
+    }
     if (name.size() > 1 && name[0] == 'F') {
         const int number = std::atoi(name.c_str() + 1);
-        if (number >= 1 && number <= 12) return static_cast<WORD>(VK_F1 + number - 1);
+        if (number >= 1 && number <= 12) {
+            return static_cast<WORD>(VK_F1 + number - 1);
+        }
     }
     return 0;
 }
@@ -58,7 +65,9 @@ bool bringToFront(HWND window, unsigned patience) {
     do {
         GUITHREADINFO info{};
         info.cbSize = sizeof info;
-        if (GetForegroundWindow() == top && GetGUIThreadInfo(thread, &info) && info.hwndFocus) return true;
+        if (GetForegroundWindow() == top && GetGUIThreadInfo(thread, &info) && info.hwndFocus) {
+            return true;
+        }
         SetForegroundWindow(top);
         Sleep(5);
     } while (GetTickCount64() < end);
@@ -67,30 +76,39 @@ bool bringToFront(HWND window, unsigned patience) {
 
 void typeText(const std::string& text) {
     std::wstring wide(text.size() + 1, L'\0');
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(
-        CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(), static_cast<int>(wide.size()))));
+    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
+                                                        wide.data(), static_cast<int>(wide.size()))));
     std::vector<INPUT> inputs;
     for (const wchar_t c : wide) {
         inputs.push_back(keyInput(0, static_cast<WORD>(c), KEYEVENTF_UNICODE));
         inputs.push_back(keyInput(0, static_cast<WORD>(c), KEYEVENTF_UNICODE | KEYEVENTF_KEYUP));
     }
-    if (!inputs.empty()) send(inputs);
+    if (!inputs.empty()) {
+        send(inputs);
+    }
 }
 
 bool pressKey(const std::string& name) {
     std::vector<WORD> codes;
-    for (std::size_t start = 0; start <= name.size();) {
-        const std::size_t plus = name.find('+', start);
+    for (size_t start = 0; start <= name.size();) {
+        const size_t plus = name.find('+', start);
         const WORD code = keyCode(name.substr(start, plus == std::string::npos ? plus : plus - start));
-        if (!code) return false;
+        if (!code) {
+            return false;
+        }
         codes.push_back(code);
-        if (plus == std::string::npos) break;
+        if (plus == std::string::npos) {
+            break;
+        }
         start = plus + 1;
     }
     std::vector<INPUT> inputs;
-    for (const WORD code : codes) inputs.push_back(keyInput(code, 0, 0));
-    for (auto code = codes.rbegin(); code != codes.rend(); ++code)
+    for (const WORD code : codes) {
+        inputs.push_back(keyInput(code, 0, 0));
+    }
+    for (auto code = codes.rbegin(); code != codes.rend(); ++code) {
         inputs.push_back(keyInput(*code, 0, KEYEVENTF_KEYUP));
+    }
     send(inputs);
     return true;
 }

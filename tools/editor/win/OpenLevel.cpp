@@ -25,7 +25,9 @@ std::string floatText(float value) {
 
 std::optional<std::string> readWholeFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
+    if (!in) {
+        return std::nullopt;
+    }
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
@@ -67,7 +69,7 @@ std::string OpenLevel::path() const {
 
 std::string OpenLevel::folder() const {
     const std::string file = path();
-    const std::size_t cut = file.find_last_of("\\/");
+    const size_t cut = file.find_last_of("\\/");
     return cut == std::string::npos ? std::string() : file.substr(0, cut);
 }
 
@@ -106,7 +108,7 @@ EntityHandle::EntityHandle(OpenLevel& level) : HostEntityOperations{}, m_level(l
 std::int32_t EntityHandle::readSkill(std::int32_t number, float* value) {
     const bool done =
         inRange(number, kEntitySkills) && value && m_level.withEntity(m_entity, [&](LevelEntity& e) {
-            *value = e.skills[static_cast<std::size_t>(number - 1)];
+            *value = e.skills[static_cast<size_t>(number - 1)];
             return true;
         });
     m_level.log().add("entity " + m_entity + ": getSkill(" + std::to_string(number) + ")",
@@ -116,13 +118,15 @@ std::int32_t EntityHandle::readSkill(std::int32_t number, float* value) {
 
 std::int32_t EntityHandle::writeSkill(std::int32_t number, float value) {
     const bool done = inRange(number, kEntitySkills) && m_level.withEntity(m_entity, [&](LevelEntity& e) {
-        e.skills[static_cast<std::size_t>(number - 1)] = value;
+        e.skills[static_cast<size_t>(number - 1)] = value;
         return true;
     });
     m_level.log().add(
         "entity " + m_entity + ": setSkill(" + std::to_string(number) + ", " + floatText(value) + ")",
         done ? "1" : "0");
-    if (done) m_level.entityChanged();
+    if (done) {
+        m_level.entityChanged();
+    }
     return done;
 }
 
@@ -146,7 +150,9 @@ std::int32_t EntityHandle::writeFlag(std::int32_t number, std::int32_t value) {
     m_level.log().add(
         "entity " + m_entity + ": setFlag(" + std::to_string(number) + ", " + std::to_string(value) + ")",
         done ? "1" : "0");
-    if (done) m_level.entityChanged();
+    if (done) {
+        m_level.entityChanged();
+    }
     return done;
 }
 
@@ -162,8 +168,9 @@ std::int32_t EntityHandle::actionBlock(char* path, std::int32_t size, std::int32
     const std::string file = m_level.folder() + "\\" + script;
     std::optional<ActionBlock> block;
     if (!script.empty() && path && start && length && size > static_cast<std::int32_t>(file.size())) {
-        if (const std::optional<std::string> text = readWholeFile(file))
+        if (const std::optional<std::string> text = readWholeFile(file)) {
             block = findActionBlock(*text, action);
+        }
     }
     if (block) {
         std::memcpy(path, file.c_str(), file.size() + 1);

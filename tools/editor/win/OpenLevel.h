@@ -33,7 +33,33 @@ public:
     bool withEntity(const std::string& name, Use use) {
         const std::lock_guard lock(m_mutex);
         for (LevelEntity& entity : m_map.entities) {
-            if (entity.name == name) return use(entity);
+            if (entity.name == name) {
+                {
+                    {
+                        {
+                            {
+                                {
+                                    {
+                                        {
+                                            {
+                                                {
+                                                    {
+                                                        {
+                                                            {
+                                                                { return use(entity); }
+                                                            }
+                                                        }
+                                                    }
+                                                }
+                                            }
+                                        }
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
         }
         return false;
     }

@@ -43,7 +43,9 @@ std::string lastErrorText() {
     char text[512];
     DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code,
                                   0, text, sizeof text, nullptr);
-    while (length && static_cast<unsigned char>(text[length - 1]) <= ' ') --length;
+    while (length && static_cast<unsigned char>(text[length - 1]) <= ' ') {
+        --length;
+    }
     return "error " + std::to_string(code) + (length ? ": " + std::string(text, length) : "");
 }
 
@@ -79,7 +81,9 @@ bool PluginLibrary::load(const std::string& path, std::string& error) {
 }
 
 void PluginLibrary::free() {
-    if (!m_module) return;
+    if (!m_module) {
+        return;
+    }
     m_records.clear();
     const HMODULE module = m_module;
     m_module = nullptr;
@@ -113,10 +117,13 @@ const std::vector<PluginProcDef*>& PluginLibrary::readRecords() {
     m_remembered.clear();
     for (std::int32_t i = 0; i < kMostRecords; ++i) {
         PluginProcDef* const record = procDef(i);
-        if (!record) break;
+        if (!record) {
+            break;
+        }
         m_records.push_back(record);
-        if (record->execute)
+        if (record->execute) {
             m_remembered.push_back({nameOf(record), addressOf(record->execute) - addressOf(m_module)});
+        }
     }
     return m_records;
 }
@@ -139,7 +146,9 @@ std::int32_t PluginLibrary::terminate(PluginProcDef* record) {
 
 std::int32_t PluginLibrary::executeRemembered(const std::string& name, std::int32_t* busy) {
     for (const Remembered& entry : m_remembered) {
-        if (entry.name != name || !m_module) continue;
+        if (entry.name != name || !m_module) {
+            continue;
+        }
         PluginExecute function;
         const std::uintptr_t address = addressOf(m_module) + entry.offset;
         std::memcpy(&function, &address, sizeof address);

@@ -44,21 +44,29 @@ bool listHandles(std::vector<unsigned>& values) {
     constexpr LONG kTooSmall = static_cast<LONG>(0xC0000004);
     LONG status;
     while ((status = query(kSystemHandleInformation, buffer.data(),
-                           static_cast<ULONG>(buffer.size() * sizeof buffer[0]), nullptr)) == kTooSmall)
+                           static_cast<ULONG>(buffer.size() * sizeof buffer[0]), nullptr)) == kTooSmall) {
         buffer.resize(buffer.size() * 2);
-    if (status < 0) return false;
+    }
+    if (status < 0) {
+        return false;
+    }
     ULONG total;
     std::memcpy(&total, buffer.data(), sizeof total);
     const auto* const first = reinterpret_cast<const SystemHandle*>(
         reinterpret_cast<const char*>(buffer.data()) + alignof(SystemHandle));
-    for (const SystemHandle* handle = first; handle != first + total; ++handle)
-        if (handle->process == GetCurrentProcessId()) values.push_back(handle->value);
+    for (const SystemHandle* handle = first; handle != first + total; ++handle) {
+        if (handle->process == GetCurrentProcessId()) {
+            values.push_back(handle->value);
+        }
+    }
     return true;
 }
 
 long countHandles() {
     DWORD direct = 0;
-    if (GetProcessHandleCount(GetCurrentProcess(), &direct) && direct) return static_cast<long>(direct);
+    if (GetProcessHandleCount(GetCurrentProcess(), &direct) && direct) {
+        return static_cast<long>(direct);
+    }
     std::vector<unsigned> values;
     return listHandles(values) ? static_cast<long>(values.size()) : -1;
 }
@@ -73,27 +81,36 @@ std::string objectText(unsigned value, ULONG question) {
         wchar_t space[512];
     } answer{};
     const HANDLE handle = reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(value));
-    if (query(handle, question, &answer, sizeof answer, nullptr) < 0 || !answer.text) return {};
+    if (query(handle, question, &answer, sizeof answer, nullptr) < 0 || !answer.text) {
+        return {};
+    }
     std::string text;
-    for (USHORT i = 0; i < answer.bytes / sizeof(wchar_t); ++i) text += static_cast<char>(answer.text[i]);
+    for (USHORT i = 0; i < answer.bytes / sizeof(wchar_t); ++i) {
+        text += static_cast<char>(answer.text[i]);
+    }
     return text;
 }
 
 long countThreads() {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    if (snapshot == INVALID_HANDLE_VALUE) return -1;
+    if (snapshot == INVALID_HANDLE_VALUE) {
+        return -1;
+    }
     long count = 0;
     THREADENTRY32 entry{};
     entry.dwSize = sizeof entry;
-    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
         count += entry.th32OwnerProcessID == GetCurrentProcessId();
+    }
     CloseHandle(snapshot);
     return count;
 }
 
 long countWindows() {
     long count = 0;
-    for (const HWND window : topWindows(false)) count += 1 + static_cast<long>(childWindows(window).size());
+    for (const HWND window : topWindows(false)) {
+        count += 1 + static_cast<long>(childWindows(window).size());
+    }
     return count;
 }
 
@@ -107,23 +124,30 @@ long countByPlace(int gaps, Make make, Destroy destroy) {
         made.push_back(make());
         last = std::max(last, static_cast<long>(reinterpret_cast<std::uintptr_t>(made.back()) & 0xFFFF));
     }
-    for (const auto object : made) destroy(object);
+    for (const auto object : made) {
+        destroy(object);
+    }
     return last - gaps;
 }
 
 long countGdi() {
     const DWORD direct = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    if (direct) return static_cast<long>(direct);
+    if (direct) {
+        return static_cast<long>(direct);
+    }
     // Where the system doesn't tell, it knows an object by its place in the table alone.
     long count = 0;
-    for (std::uintptr_t place = 1; place <= 0xFFFF; ++place)
+    for (std::uintptr_t place = 1; place <= 0xFFFF; ++place) {
         count += GetObjectType(reinterpret_cast<HGDIOBJ>(place)) != 0;
+    }
     return count;
 }
 
 long countUser() {
     const DWORD direct = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    if (direct) return static_cast<long>(direct);
+    if (direct) {
+        return static_cast<long>(direct);
+    }
     // Places are counted in twos here.
     constexpr int kGaps = 500;
     return (countByPlace(
@@ -153,11 +177,21 @@ std::vector<HeldHandle> heldHandles() {
 }
 
 long resourceField(const ResourceCount& count, const std::string& name) {
-    if (name == "handles") return count.handles;
-    if (name == "threads") return count.threads;
-    if (name == "windows") return count.windows;
-    if (name == "gdi") return count.gdi;
-    if (name == "user") return count.user;
+    if (name == "handles") {
+        return count.handles;
+    }
+    if (name == "threads") {
+        return count.threads;
+    }
+    if (name == "windows") {
+        return count.windows;
+    }
+    if (name == "gdi") {
+        return count.gdi;
+    }
+    if (name == "user") {
+        return count.user;
+    }
     return -1;
 }
 

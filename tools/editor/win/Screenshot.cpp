@@ -38,14 +38,19 @@ std::vector<std::uint8_t> look(const RECT& area) {
         if (BitBlt(memory, 0, 0, width, height, screen, area.left, area.top, SRCCOPY)) {
             GdiFlush();
             const auto* pixel = static_cast<const std::uint8_t*>(bits);
-            picture.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
-            for (int i = 0; i < width * height; ++i, pixel += 4)
+            picture.reserve(static_cast<size_t>(width) * static_cast<size_t>(height) * 3);
+            for (int i = 0; i < width * height; ++i, pixel += 4) {
                 picture.insert(picture.end(), {pixel[2], pixel[1], pixel[0]});
+            }
         }
         SelectObject(memory, before);
     }
-    if (bitmap) DeleteObject(bitmap);
-    if (memory) DeleteDC(memory);
+    if (bitmap) {
+        DeleteObject(bitmap);
+    }
+    if (memory) {
+        DeleteDC(memory);
+    }
     ReleaseDC(nullptr, screen);
     return picture;
 }
@@ -64,7 +69,9 @@ RECT windowsArea() {
     RECT all{};
     for (const HWND window : topWindows()) {
         RECT one;
-        if (GetWindowRect(window, &one)) UnionRect(&all, &all, &one);
+        if (GetWindowRect(window, &one)) {
+            UnionRect(&all, &all, &one);
+        }
     }
     const RECT screen = screenArea();
     RECT area{};
@@ -78,7 +85,9 @@ bool takePicture(const RECT& wanted, const std::string& path, unsigned patience,
         error = "it is not on the screen";
         return false;
     }
-    for (const HWND window : topWindows()) ask(window, WM_NULL);
+    for (const HWND window : topWindows()) {
+        ask(window, WM_NULL);
+    }
     std::vector<std::uint8_t> picture = look(area);
     const ULONGLONG end = GetTickCount64() + patience;
     for (;;) {
@@ -86,7 +95,9 @@ bool takePicture(const RECT& wanted, const std::string& path, unsigned patience,
         std::vector<std::uint8_t> next = look(area);
         const bool same = next == picture;
         picture = std::move(next);
-        if (same || GetTickCount64() > end) break;
+        if (same || GetTickCount64() > end) {
+            break;
+        }
     }
     if (picture.empty()) {
         error = "the screen can't be read";
@@ -97,7 +108,9 @@ bool takePicture(const RECT& wanted, const std::string& path, unsigned patience,
     const int height = static_cast<int>(area.bottom - area.top);
     const int written = stbi_write_png_to_func(writeBytes, &out, width, height, 3, picture.data(), width * 3);
     out.close();
-    if (!written || !out) error = path + " can't be written";
+    if (!written || !out) {
+        error = path + " can't be written";
+    }
     return error.empty();
 }
 

@@ -12,12 +12,15 @@ constexpr LONG kNinePoints = -12;  // the system scales it with the resolution
 
 void put(const char* key, const char* name, DWORD type, const void* bytes, DWORD size) {
     HKEY opened = nullptr;
-    if (RegCreateKeyExA(HKEY_CURRENT_USER, key, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &opened, nullptr) != 0)
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, key, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &opened, nullptr) !=
+        0) {
         return;
-    if (bytes)
+    }
+    if (bytes) {
         RegSetValueExA(opened, name, 0, type, static_cast<const BYTE*>(bytes), size);
-    else
+    } else {
         RegDeleteValueA(opened, name);
+    }
     RegCloseKey(opened);
 }
 
@@ -25,7 +28,9 @@ void put(const char* key, const char* name, DWORD type, const void* bytes, DWORD
 
 SystemLook::SystemLook(int dpi, const std::string& font) {
     const HMODULE system = GetModuleHandleA("ntdll.dll");
-    if (!system || !GetProcAddress(system, "wine_get_version")) return;
+    if (!system || !GetProcAddress(system, "wine_get_version")) {
+        return;
+    }
     if (dpi > 0) {
         const auto value = static_cast<DWORD>(dpi);
         change(kDesktop, "LogPixels", REG_DWORD, &value, sizeof value);
@@ -35,15 +40,17 @@ SystemLook::SystemLook(int dpi, const std::string& font) {
         face.lfHeight = kNinePoints;
         face.lfWeight = FW_NORMAL;
         MultiByteToWideChar(CP_ACP, 0, font.c_str(), -1, face.lfFaceName, LF_FACESIZE - 1);
-        for (const char* name : {"MessageFont", "CaptionFont", "SmCaptionFont", "MenuFont", "StatusFont"})
+        for (const char* name : {"MessageFont", "CaptionFont", "SmCaptionFont", "MenuFont", "StatusFont"}) {
             change(kMetrics, name, REG_BINARY, &face, sizeof face);
+        }
     }
 }
 
 SystemLook::~SystemLook() {
-    for (const Saved& was : m_saved)
+    for (const Saved& was : m_saved) {
         put(was.key, was.name, was.type, was.there ? was.bytes.data() : nullptr,
             static_cast<DWORD>(was.bytes.size()));
+    }
 }
 
 void SystemLook::change(const char* key, const char* name, unsigned long type, const void* bytes,

@@ -22,7 +22,9 @@ bool isMessageBox(HWND window) {
 
 void appendControls(HWND window, std::string& out) {
     for (const HWND child : childWindows(window)) {
-        if (IsWindowVisible(child)) out += "      " + describe(child) + "\n";
+        if (IsWindowVisible(child)) {
+            out += "      " + describe(child) + "\n";
+        }
     }
 }
 
@@ -30,17 +32,20 @@ void appendControls(HWND window, std::string& out) {
 
 LRESULT ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     DWORD_PTR result = 0;
-    if (!SendMessageTimeoutA(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kAnswerTime, &result))
+    if (!SendMessageTimeoutA(window, message, wParam, lParam, SMTO_ABORTIFHUNG, kAnswerTime, &result)) {
         return 0;
+    }
     return static_cast<LRESULT>(result);
 }
 
 std::string windowText(HWND window) {
     const LRESULT length = ask(window, WM_GETTEXTLENGTH);
-    if (length <= 0) return {};
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    if (length <= 0) {
+        return {};
+    }
+    std::string text(static_cast<size_t>(length) + 1, '\0');
     const LRESULT got = ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
-    text.resize(static_cast<std::size_t>(std::clamp<LRESULT>(got, 0, length)));
+    text.resize(static_cast<size_t>(std::clamp<LRESULT>(got, 0, length)));
     return text;
 }
 
@@ -53,8 +58,10 @@ std::string windowClass(HWND window) {
 std::string visibleText(HWND window) {
     std::string plain;
     const std::string text = windowText(window);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '&' && ++i == text.size()) break;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '&' && ++i == text.size()) {
+            break;
+        }
         plain += text[i];
     }
     return plain;
@@ -83,16 +90,22 @@ HWND findTopWindow(const std::string& title, const std::string& className) {
         const std::string text = windowText(window);
         const bool same =
             open ? text.compare(0, title.size() - 1, title, 0, title.size() - 1) == 0 : text == title;
-        if (same && (className.empty() || equalNoCase(windowClass(window), className))) return window;
+        if (same && (className.empty() || equalNoCase(windowClass(window), className))) {
+            return window;
+        }
     }
     return nullptr;
 }
 
 HWND findMessageBox(const std::string& text) {
     for (const HWND window : topWindows()) {
-        if (!isMessageBox(window)) continue;
+        if (!isMessageBox(window)) {
+            continue;
+        }
         for (const HWND child : childWindows(window)) {
-            if (equalNoCase(windowClass(child), "Static") && windowText(child) == text) return window;
+            if (equalNoCase(windowClass(child), "Static") && windowText(child) == text) {
+                return window;
+            }
         }
     }
     return nullptr;
@@ -101,10 +114,14 @@ HWND findMessageBox(const std::string& text) {
 std::vector<std::string> messageBoxTexts() {
     std::vector<std::string> texts;
     for (const HWND window : topWindows()) {
-        if (!isMessageBox(window)) continue;
+        if (!isMessageBox(window)) {
+            continue;
+        }
         for (const HWND child : childWindows(window)) {
             const std::string text = windowText(child);
-            if (equalNoCase(windowClass(child), "Static") && !text.empty()) texts.push_back(text);
+            if (equalNoCase(windowClass(child), "Static") && !text.empty()) {
+                texts.push_back(text);
+            }
         }
     }
     return texts;
@@ -113,24 +130,36 @@ std::vector<std::string> messageBoxTexts() {
 HWND findControl(HWND window, const std::string& name) {
     const char kind = name.empty() ? '\0' : name[0];
     const std::string rest = kind ? name.substr(1) : name;
-    const std::size_t colon = rest.find(':');
+    const size_t colon = rest.find(':');
     int wanted = colon == std::string::npos ? 1 : std::atoi(rest.c_str() + colon + 1);
     bool afterLabel = false;
     for (const HWND child : childWindows(window)) {
-        if (!IsWindowVisible(child)) continue;
-        if (afterLabel && !equalNoCase(windowClass(child), "Static")) return child;
+        if (!IsWindowVisible(child)) {
+            continue;
+        }
+        if (afterLabel && !equalNoCase(windowClass(child), "Static")) {
+            return child;
+        }
         switch (kind) {
             case '#':
-                if (GetDlgCtrlID(child) == std::atoi(rest.c_str())) return child;
+                if (GetDlgCtrlID(child) == std::atoi(rest.c_str())) {
+                    return child;
+                }
                 break;
             case '@':
-                if (equalNoCase(windowClass(child), rest.substr(0, colon)) && --wanted == 0) return child;
+                if (equalNoCase(windowClass(child), rest.substr(0, colon)) && --wanted == 0) {
+                    return child;
+                }
                 break;
             case '>':
-                if (visibleText(child) == rest) afterLabel = true;
+                if (visibleText(child) == rest) {
+                    afterLabel = true;
+                }
                 break;
             default:
-                if (visibleText(child) == name) return child;
+                if (visibleText(child) == name) {
+                    return child;
+                }
         }
     }
     return nullptr;
@@ -147,20 +176,29 @@ std::vector<HWND> tabOrder(HWND window) {
     std::vector<HWND> order;
     for (HWND control = GetNextDlgTabItem(window, nullptr, FALSE);
          control && std::find(order.begin(), order.end(), control) == order.end();
-         control = GetNextDlgTabItem(window, control, FALSE))
+         control = GetNextDlgTabItem(window, control, FALSE)) {
         order.push_back(control);
+    }
     return order;
 }
 
 std::string describe(HWND window) {
-    if (!window) return "nothing";
+    if (!window) {
+        return "nothing";
+    }
     std::string text = visibleText(window);
-    if (text.size() > 200) text = text.substr(0, 200) + "...";
+    if (text.size() > 200) {
+        text = text.substr(0, 200) + "...";
+    }
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     std::string line = windowClass(window) + " \"" + text + "\"";
-    if (GetWindowLongA(window, GWL_STYLE) & WS_CHILD) line += " #" + std::to_string(GetDlgCtrlID(window));
-    if (!IsWindowEnabled(window)) line += " (disabled)";
+    if (GetWindowLongA(window, GWL_STYLE) & WS_CHILD) {
+        line += " #" + std::to_string(GetDlgCtrlID(window));
+    }
+    if (!IsWindowEnabled(window)) {
+        line += " (disabled)";
+    }
     return line;
 }
 

@@ -40,15 +40,18 @@ constexpr unsigned kMoreSeconds = 2;
 // Reports what keeps the program from starting: to the one who drives it, or to the user.
 int complain(const Options& options, const std::string& text) {
     std::fprintf(stderr, "zunhost: %s\n", text.c_str());
-    if (options.script.empty())
+    if (options.script.empty()) {
         MessageBoxA(nullptr, text.c_str(), "ZUN stand-in editor", MB_OK | MB_ICONERROR);
+    }
     return kCannot;
 }
 
 bool readValues(const std::vector<std::string>& texts, std::map<std::string, std::string>& values) {
     for (const std::string& text : texts) {
-        const std::size_t equals = text.find('=');
-        if (equals == std::string::npos || equals == 0) return false;
+        const size_t equals = text.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            return false;
+        }
         values[text.substr(0, equals)] = text.substr(equals + 1);
     }
     return true;
@@ -65,18 +68,24 @@ void watch(const zoka::Driver& driver, const std::string& script, unsigned secon
 int runEditor(const Options& options) {
     using namespace zoka;
     CallLog log(GetCurrentThreadId());
-    if (!options.logFile.empty() && !log.openFile(options.logFile))
+    if (!options.logFile.empty() && !log.openFile(options.logFile)) {
         return complain(options, options.logFile + " can't be written");
+    }
     HostFault fault = HostFault::None;
-    if (!readHostFault(options.fault, fault))
+    if (!readHostFault(options.fault, fault)) {
         return complain(options, "--host is normal, fail, empty or full");
+    }
 
     DriveScript script;
     if (!options.script.empty()) {
         std::map<std::string, std::string> values;
-        if (!readValues(options.values, values)) return complain(options, "--set takes NAME=VALUE");
+        if (!readValues(options.values, values)) {
+            return complain(options, "--set takes NAME=VALUE");
+        }
         const std::optional<std::string> text = readWholeFile(options.script);
-        if (!text) return complain(options, options.script + " can't be read");
+        if (!text) {
+            return complain(options, options.script + " can't be read");
+        }
         std::string error;
         if (!readDriveScript(*text, values, script, error)) {
             std::fprintf(stderr, "%s:%s\n", options.script.c_str(), error.c_str());
@@ -88,16 +97,24 @@ int runEditor(const Options& options) {
     editor.hostTable().setFault(fault);
     editor.host().setSuite(options.suite, options.templates);
     EditorWindow window(editor);
-    if (!window.create(!options.hidden)) return complain(options, "the window can't be created");
+    if (!window.create(!options.hidden)) {
+        return complain(options, "the window can't be created");
+    }
     std::string error;
-    if (!options.project.empty() && !editor.openProject(options.project, error))
+    if (!options.project.empty() && !editor.openProject(options.project, error)) {
         return complain(options, error);
-    if (!options.plugin.empty() && !editor.loadPlugin(options.plugin, error))
+    }
+    if (!options.plugin.empty() && !editor.loadPlugin(options.plugin, error)) {
         return complain(options, options.plugin + ": " + error);
-    if (options.script.empty()) return window.run();
+    }
+    if (options.script.empty()) {
+        return window.run();
+    }
 
     Driver driver(editor, window, options.script, std::move(script), options.pictures);
-    if (options.limit) std::thread(watch, std::cref(driver), options.script, options.limit).detach();
+    if (options.limit) {
+        std::thread(watch, std::cref(driver), options.script, options.limit).detach();
+    }
     std::thread([&driver] { driver.run(); }).detach();
     const int status = window.run();
     // The script closed the editor's window: that is an end of its own.
@@ -141,8 +158,9 @@ int main(int argc, char** argv) {
         const zoka::SystemLook look(options.dpi, options.font);
         // Its own watch names the line that it hangs at; this one is for a process that does not end.
         int status = 0;
-        if (!zoka::runInChild(options.limit ? options.limit + kMoreSeconds : 0, status))
+        if (!zoka::runInChild(options.limit ? options.limit + kMoreSeconds : 0, status)) {
             return complain(options, "the driven editor can't be started");
+        }
         return status;
     }
     return runEditor(options);

@@ -36,7 +36,9 @@ void projectFolder(char (&folder)[zoka::kHostPathSize]) {
 }
 
 std::int32_t showFolder(PluginProcDef*, HostContext*, std::int32_t* busy) {
-    if (!busy) return 0;
+    if (!busy) {
+        return 0;
+    }
     *busy = 1;
     char folder[zoka::kHostPathSize];
     projectFolder(folder);
@@ -46,8 +48,9 @@ std::int32_t showFolder(PluginProcDef*, HostContext*, std::int32_t* busy) {
 }
 
 INT_PTR CALLBACK panelProc(HWND panel, UINT message, WPARAM wParam, LPARAM) {
-    if (message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL))
+    if (message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)) {
         return DestroyWindow(panel);
+    }
     return FALSE;
 }
 
@@ -62,13 +65,16 @@ DWORD WINAPI runPanel(void* busyWord) {
     CreateWindowExA(0, "BUTTON", "Close", WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, 222, 60, 80,
                     26, panel, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDCANCEL)), nullptr, nullptr);
     SetWindowLongPtrA(panel, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(panelProc));
-    for (HWND control = GetWindow(panel, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
+    for (HWND control = GetWindow(panel, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
         SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+    }
     ShowWindow(panel, SW_SHOW);
     g_panel = panel;
     MSG message;
     while (IsWindow(panel) && GetMessageA(&message, nullptr, 0, 0) > 0) {
-        if (IsDialogMessageA(panel, &message)) continue;
+        if (IsDialogMessageA(panel, &message)) {
+            continue;
+        }
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
@@ -78,11 +84,15 @@ DWORD WINAPI runPanel(void* busyWord) {
 }
 
 std::int32_t endPanel() {
-    if (!g_panelThread) return 1;
+    if (!g_panelThread) {
+        return 1;
+    }
     // Asked again until it is gone: the window may not be there yet when the first request comes.
     constexpr DWORD kAgain = 20;  // ms
     do {
-        if (const HWND panel = g_panel) PostMessageA(panel, WM_CLOSE, 0, 0);
+        if (const HWND panel = g_panel) {
+            PostMessageA(panel, WM_CLOSE, 0, 0);
+        }
     } while (WaitForSingleObject(g_panelThread, kAgain) == WAIT_TIMEOUT);
     CloseHandle(g_panelThread);
     g_panelThread = nullptr;
@@ -90,11 +100,15 @@ std::int32_t endPanel() {
 }
 
 std::int32_t openPanel(PluginProcDef*, HostContext*, std::int32_t* busy) {
-    if (!busy) return 0;
+    if (!busy) {
+        return 0;
+    }
     endPanel();
     *busy = 1;
     g_panelThread = CreateThread(nullptr, 0, runPanel, busy, 0, nullptr);
-    if (!g_panelThread) *busy = 0;
+    if (!g_panelThread) {
+        *busy = 0;
+    }
     return 0;
 }
 
@@ -108,15 +122,23 @@ constexpr std::int32_t kRecordCount = 2;
 }  // namespace
 
 std::int32_t PIInitialize(AppInterface* appInterface) {
-    if (g_application || !appInterface || !appInterface->editor) return 0;
+    if (g_application || !appInterface || !appInterface->editor) {
+        return 0;
+    }
     g_application = appInterface;
     return 1;
 }
 
 std::int32_t PIGetPIInfo(std::uint32_t* a, std::uint32_t* b, std::uint32_t* c) {
-    if (a) *a = 0;
-    if (b) *b = 1;
-    if (c) *c = 0;
+    if (a) {
+        *a = 0;
+    }
+    if (b) {
+        *b = 1;
+    }
+    if (c) {
+        *c = 0;
+    }
     return 0;
 }
 
