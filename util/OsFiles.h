@@ -21,6 +21,21 @@ struct OsEntry {
     std::uint64_t size = 0;
 };
 
+// What a path names, links followed.
+enum class OsKind {
+    Missing,
+    File,
+    Folder,
+    Other,    // a device, a pipe, a link to nowhere
+    Unknown,  // the system does not say: lastError tells why
+};
+
+// An entry of a folder.
+struct OsListed {
+    std::string name;
+    OsKind kind = OsKind::Unknown;
+};
+
 // A file open for writing, unbuffered. Its destructor closes it silently; whoever wants to know whether the
 // bytes arrived calls flush and close. False means the operation failed, and OsFiles::lastError says why.
 class OsOutFile {
@@ -71,6 +86,16 @@ public:
     // as it is when there is no current folder any more.
     virtual std::string fullPath(const std::string& path) = 0;
 
+    virtual OsKind kindOf(const std::string& path) = 0;
+    // Appends a folder's entries in the order in which the system gives them; false when it can't be read, or
+    // not to its end.
+    virtual bool listFolder(const std::string& path, std::vector<OsListed>& entries) = 0;
+
+    // Makes a folder and those that it lies in; true when it is there afterwards, also when it was before.
+    virtual bool makeFolders(const std::string& path) = 0;
+    // Copies a file's content to a new file, which is writable whatever the source is. False when something of
+    // that name exists, which stays as it is, and when a part could not be copied; no half of a copy is left.
+    virtual bool copyNew(const std::string& from, const std::string& to) = 0;
     // False when the folder could not be made, also when it exists already.
     virtual bool makeFolder(const std::string& path) = 0;
     virtual bool deleteFile(const std::string& path) = 0;

@@ -43,6 +43,12 @@ public:
         return !bad("setCurrentFolder", p) && m_real.setCurrentFolder(p);
     }
     std::string fullPath(Path p) override { return m_real.fullPath(p); }
+    OsKind kindOf(Path p) override { return bad("kindOf", p) ? OsKind::Unknown : m_real.kindOf(p); }
+    bool listFolder(Path p, std::vector<OsListed>& entries) override {
+        return !bad("listFolder", p) && m_real.listFolder(p, entries);
+    }
+    bool makeFolders(Path p) override { return !bad("makeFolders", p) && m_real.makeFolders(p); }
+    bool copyNew(Path from, Path to) override { return !bad("copyNew", to) && m_real.copyNew(from, to); }
     bool makeFolder(Path p) override { return !bad("makeFolder", p) && m_real.makeFolder(p); }
     bool deleteFile(Path p) override { return !bad("deleteFile", p) && m_real.deleteFile(p); }
     bool deleteFolder(Path p) override { return !bad("deleteFolder", p) && m_real.deleteFolder(p); }

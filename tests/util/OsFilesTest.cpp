@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -103,6 +106,56 @@ TEST_F(OsFilesTest, RenamesAndReplaces) {
     EXPECT_EQ(folder.read("b"), "A");
     EXPECT_TRUE(files.deleteFile(b));
     EXPECT_FALSE(files.deleteFile(b));
+}
+
+TEST_F(OsFilesTest, TellsWhatAPathNames) {
+    folder.write("One.kez", "123");
+    ASSERT_TRUE(files.makeFolder(folder.path("sub")));
+    EXPECT_EQ(files.kindOf(folder.path("one.KEZ")), OsKind::File);
+    EXPECT_EQ(files.kindOf(folder.path("sub")), OsKind::Folder);
+    EXPECT_EQ(files.kindOf(folder.path("sub\\")), OsKind::Folder);
+    EXPECT_EQ(files.kindOf(folder.path("none")), OsKind::Missing);
+    EXPECT_EQ(files.kindOf(folder.path("none\\sub")), OsKind::Missing);
+
+    std::vector<OsListed> found;
+    ASSERT_TRUE(files.listFolder(folder.path(), found));
+    std::ranges::sort(found, {}, &OsListed::name);
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].name, "One.kez");
+    EXPECT_EQ(found[0].kind, OsKind::File);
+    EXPECT_EQ(found[1].kind, OsKind::Folder);
+    EXPECT_FALSE(files.listFolder(folder.path("none"), found));
+    EXPECT_FALSE(files.lastError().empty());
+}
+
+TEST_F(OsFilesTest, MakesFoldersAndCopiesFilesToNewNamesAlone) {
+    EXPECT_TRUE(files.makeFolders(folder.path("a\\b\\c\\")));
+    EXPECT_TRUE(files.makeFolders(folder.path("a\\b\\c"))) << "it is there";
+    EXPECT_EQ(files.kindOf(folder.path("a\\b\\c")), OsKind::Folder);
+    const std::string from = folder.write("from", std::string("new\r\n\x1a\0", 6));
+    EXPECT_FALSE(files.makeFolders(folder.path("from\\x"))) << "in the place of a file";
+    EXPECT_FALSE(files.makeFolders(from));
+
+    EXPECT_TRUE(files.copyNew(from, folder.path("a\\to")));
+    EXPECT_EQ(files.readWhole(folder.path("a\\to")), files.readWhole(from));
+    folder.write("kept", "old");
+    for (const std::string& source : {from, folder.path("none"), folder.path("a")}) {
+        EXPECT_FALSE(files.copyNew(source, folder.path("kept"))) << source;
+        EXPECT_EQ(folder.read("kept"), "old") << source;
+        EXPECT_FALSE(files.lastError().empty());
+    }
+    EXPECT_FALSE(files.copyNew(folder.path("none"), folder.path("n")));
+    EXPECT_FALSE(files.copyNew(from, folder.path("none\\n")));
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "from", "kept"}));
+}
+
+TEST_F(OsFilesTest, CopiesOfReadOnlyFilesCanBeWritten) {
+    const std::string from = folder.write("from", "x");
+    std::filesystem::permissions(folder.native("from"), std::filesystem::perms::owner_read);
+    ASSERT_TRUE(files.copyNew(from, folder.path("to")));
+    const auto mode = std::filesystem::status(folder.native("to")).permissions();
+    EXPECT_NE(mode & std::filesystem::perms::owner_write, std::filesystem::perms::none);
+    std::filesystem::permissions(folder.native("from"), std::filesystem::perms::owner_all);
 }
 
 }  // namespace

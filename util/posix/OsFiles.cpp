@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstring>
 
+#include "util/BoostFiles.h"
 #include "util/PathRules.h"
 #include "util/posix/NativePath.h"
 
@@ -170,6 +171,19 @@ public:
         return folder.empty() ? path : normalizePath(joinPath(drive + folder.substr(2), rest));
     }
 
+    OsKind kindOf(const std::string& path) override {
+        OsKind kind;
+        told(boostKindOf(toNativePath(path), kind));
+        return kind;
+    }
+    bool listFolder(const std::string& path, std::vector<OsListed>& entries) override {
+        return told(boostListFolder(toNativePath(path), entries));
+    }
+    bool makeFolders(const std::string& path) override { return told(boostMakeFolders(toNativePath(path))); }
+    bool copyNew(const std::string& from, const std::string& to) override {
+        return told(boostCopyNew(toNativePath(from), toNativePath(to)));
+    }
+
     bool makeFolder(const std::string& path) override { return mkdir(toNativePath(path).c_str(), 0777) == 0; }
     bool deleteFile(const std::string& path) override { return unlink(toNativePath(path).c_str()) == 0; }
     bool deleteFolder(const std::string& path) override { return rmdir(toNativePath(path).c_str()) == 0; }
@@ -292,6 +306,12 @@ public:
     std::string lastError() override { return std::strerror(errno); }
 
 private:
+    // Keeps the number of an error for lastError.
+    static bool told(int error) {
+        errno = error;
+        return error == 0;
+    }
+
     static std::vector<OsEntry> matches(const std::string& pattern, bool withDots) {
         std::vector<OsEntry> found;
         const std::string_view wildcard = fileNameOf(pattern);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "util/BoostFiles.h"
 #include "util/PathRules.h"
 
 namespace zoka {
@@ -178,6 +179,19 @@ public:
         return full;
     }
 
+    OsKind kindOf(const std::string& path) override {
+        OsKind kind;
+        told(boostKindOf(path, kind));
+        return kind;
+    }
+    bool listFolder(const std::string& path, std::vector<OsListed>& entries) override {
+        return told(boostListFolder(path, entries));
+    }
+    bool makeFolders(const std::string& path) override { return told(boostMakeFolders(path)); }
+    bool copyNew(const std::string& from, const std::string& to) override {
+        return told(boostCopyNew(from, to));
+    }
+
     bool makeFolder(const std::string& path) override { return CreateDirectoryA(path.c_str(), nullptr) != 0; }
     bool deleteFile(const std::string& path) override { return DeleteFileA(path.c_str()) != 0; }
     bool deleteFolder(const std::string& path) override { return RemoveDirectoryA(path.c_str()) != 0; }
@@ -281,6 +295,13 @@ public:
             --size;
         }
         return size > 0 ? std::string(text, size) : "system error " + std::to_string(code);
+    }
+
+private:
+    // Keeps the number of an error for lastError.
+    static bool told(int error) {
+        SetLastError(static_cast<DWORD>(error));
+        return error == 0;
     }
 };
 

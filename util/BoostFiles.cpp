@@ -1,0 +1,95 @@
+#include "util/BoostFiles.h"
+
+#include <boost/filesystem.hpp>
+#include <exception>
+
+namespace zoka {
+namespace {
+
+namespace fs = boost::filesystem;
+using boost::system::error_code;
+
+// Runs `work(error)` and gives the number of what went wrong in it, whether it was told or thrown (a path that
+// can't be converted, no memory).
+template <class Work>
+int numberOfError(Work work) {
+    error_code error;
+    try {
+        work(error);
+    } catch (const fs::filesystem_error& thrown) {
+        error = thrown.code();
+    } catch (const std::exception&) {
+        error = boost::system::errc::make_error_code(boost::system::errc::not_enough_memory);
+    }
+    return error.value();
+}
+
+OsKind kindOf(const fs::file_status& status) {
+    switch (status.type()) {
+        case fs::file_not_found:
+            return OsKind::Missing;
+        case fs::regular_file:
+            return OsKind::File;
+        case fs::directory_file:
+            return OsKind::Folder;
+        case fs::status_error:
+            return OsKind::Unknown;
+        default:
+            return OsKind::Other;
+    }
+}
+
+// A copy that the disk had no room for, or could not write, is half a file. No other error comes after the
+// target was made.
+bool leavesHalf(const error_code& error) {
+    namespace errc = boost::system::errc;
+    return error == errc::no_space_on_device || error == errc::io_error || error == errc::file_too_large;
+}
+
+}  // namespace
+
+int boostKindOf(const std::string& path, OsKind& kind) {
+    kind = OsKind::Unknown;
+    return numberOfError([&](error_code& error) {
+        kind = kindOf(fs::status(path, error));
+        if (kind != OsKind::Unknown) {
+            error.clear();  // Boost tells of a missing file as an error, too
+        }
+    });
+}
+
+int boostListFolder(const std::string& folder, std::vector<OsListed>& entries) {
+    return numberOfError([&](error_code& error) {
+        fs::directory_iterator at(folder, error);
+        while (!error && at != fs::directory_iterator()) {
+            error_code unknown;
+            entries.push_back({at->path().filename().string(), kindOf(at->status(unknown))});
+            at.increment(error);
+        }
+    });
+}
+
+int boostMakeFolders(const std::string& path) {
+    return numberOfError([&](error_code& error) {
+        fs::create_directories(path, error);
+        if (!error && !fs::is_directory(path, error) && !error) {
+            error = boost::system::errc::make_error_code(boost::system::errc::not_a_directory);
+        }
+    });
+}
+
+int boostCopyNew(const std::string& from, const std::string& to) {
+    return numberOfError([&](error_code& error) {
+        const bool free = fs::symlink_status(to, error).type() == fs::file_not_found;
+        error.clear();
+        fs::copy_file(from, to, fs::copy_options::none, error);
+        error_code ignored;
+        if (error && free && leavesHalf(error)) {
+            fs::remove(to, ignored);
+        } else if (!error) {
+            fs::permissions(to, fs::add_perms | fs::owner_write, ignored);
+        }
+    });
+}
+
+}  // namespace zoka
