@@ -21,51 +21,7 @@ public:
     void add(int line, std::string what, bool ofValue = false) {
         ++m_count;
         if (m_kept.size() < kKept) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    {
-                                                        {
-                                                            {
-                                                                {
-                                                                    {
-                                                                        {
-                                                                            {
-                                                                                {
-                                                                                    {
-                                                                                        {
-                                                                                            m_kept.push_back(
-                                                                                                {line,
-                                                                                                 std::move(
-                                                                                                     what),
-                                                                                                 ofValue});
-                                                                                        }
-                                                                                    }
-                                                                                }
-                                                                            }
-                                                                        }
-                                                                    }
-                                                                }
-                                                            }
-                                                        }
-                                                    }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            m_kept.push_back({line, std::move(what), ofValue});
         }
     }
     bool wantsMore() const { return m_kept.size() < kKept; }

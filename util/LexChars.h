@@ -38,54 +38,11 @@ inline char lower(char c) {
 
 inline bool equalsIgnoringCase(const char* a, const char* b, size_t n) {
     for (size_t i = 0; i < n; ++i) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    if (lower(a[i]) != lower(b[i])) {
-                                                        {
-                                                            {
-                                                                {
-                                                                    {
-                                                                        {
-                                                                            {
-                                                                                {
-                                                                                    {
-                                                                                        {
-                                                                                            {
-                                                                                                {
-                                                                                                    return false;
-                                                                                                }
-                                                                                            }
-                                                                                        }
-                                                                                    }
-                                                                                }
-                                                                            }
-                                                                        }
-                                                                    }
-                                                                }
-                                                            }
-                                                        }
-                                                    }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+        if (lower(a[i]) != lower(b[i])) {
+            return false;
         }
     }
+
     return true;
 }
 

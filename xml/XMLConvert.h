@@ -19,64 +19,25 @@ inline unsigned utf8Sequence(const char* p, char32_t& c) {
         return 1;
     }
     if (lead < 0xc2 || lead > 0xf4 || !trail(1)) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    { return 0; }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        return 0;
     }
+
     if (lead < 0xe0) {
         c = (lead & 0x1f) << 6 | bits(1);
         return 2;
     }
     if (!trail(2)) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    { return 0; }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        return 0;
     }
+
     if (lead < 0xf0) {
         c = (lead & 0x0f) << 12 | bits(1) << 6 | bits(2);
         return c < 0x800 || (c >= 0xd800 && c < 0xe000) ? 0 : 3;
     }
     if (!trail(3)) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    { return 0; }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        return 0;
     }
+
     c = (lead & 0x07) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
     return c < 0x10000 || c > 0x10ffff ? 0 : 4;
 }
@@ -94,22 +55,9 @@ char16_t windows1252(unsigned char byte);
 // Whether XML 1.0 allows the character in a document at all.
 inline bool isXmlChar(char32_t c) {
     if (c < 0x20) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    { return c == '\t' || c == '\n' || c == '\r'; }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        return c == '\t' || c == '\n' || c == '\r';
     }
+
     return c < 0xd800 || (c >= 0xe000 && c < 0xfffe) || (c >= 0x10000 && c <= 0x10ffff);
 }
 bool isXmlNameStart(char32_t c);

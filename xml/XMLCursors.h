@@ -31,54 +31,26 @@ public:
     // until the next call; null when there is none.
     const XMLCursor* find(const XMLElement* owner, XMLCursorKind kind, const XMLName* name, int index) const {
         if (index < kFrom) {
-            {
-                {
-                    {
-                        {
-                            { return nullptr; }
-                        }
-                    }
-                }
-            }
+            return nullptr;
         }
+
         const Place& recent = recent_[slotOf(owner, kind)];
         if (recent.owner != owner || !fits(recent.cursor, kind, name)) {
-            {
-                {
-                    {
-                        {
-                            { return findOld(owner, kind, name, index); }
-                        }
-                    }
-                }
-            }
+            return findOld(owner, kind, name, index);
         }
+
         return recent.cursor.index <= index ? &recent.cursor : nullptr;
     }
     void remember(const XMLElement* owner, const XMLCursor& cursor, const XMLName* name) {
         if (cursor.index < kFrom) {
-            {
-                {
-                    {
-                        {
-                            { return; }
-                        }
-                    }
-                }
-            }
+            return;
         }
+
         Place& recent = recent_[slotOf(owner, cursor.kind)];
         if (recent.owner && (recent.owner != owner || !fits(recent.cursor, cursor.kind, name))) {
-            {
-                {
-                    {
-                        {
-                            { keep(recent); }
-                        }
-                    }
-                }
-            }
+            keep(recent);
         }
+
         recent = {owner, cursor};
         // A long list is most likely being walked: what lies behind is wanted next.
         __builtin_prefetch(cursor.item->next);
@@ -106,27 +78,13 @@ private:
     }
     static bool fits(const XMLCursor& cursor, XMLCursorKind kind, const XMLName* name) {
         if (cursor.kind != kind) {
-            {
-                {
-                    {
-                        {
-                            { return false; }
-                        }
-                    }
-                }
-            }
+            return false;
         }
+
         if (!name) {
-            {
-                {
-                    {
-                        {
-                            { return true; }
-                        }
-                    }
-                }
-            }
+            return true;
         }
+
         const auto* element = static_cast<const XMLElement*>(cursor.item);
         return name->matches(element->key, element->name);
     }

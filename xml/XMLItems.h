@@ -77,16 +77,9 @@ struct XMLElement : XMLItem {
     void appendItem(XMLItem* item) {
         item->next = last_ ? last_->next : item;
         if (last_) {
-            {
-                {
-                    {
-                        {
-                            { last_->next = item; }
-                        }
-                    }
-                }
-            }
+            last_->next = item;
         }
+
         last_ = item;
     }
     void clearContent() {

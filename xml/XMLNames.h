@@ -38,114 +38,35 @@ inline std::uint64_t foldNameBytes(std::uint64_t bytes) {
 // The key of a 0-terminated name.
 inline std::uint64_t xmlNameKey(const char* name) {
     if (xmlLeadBytes) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        { return xmlNameKeyWithLeads(name, SIZE_MAX); }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        return xmlNameKeyWithLeads(name, SIZE_MAX);
     }
+
     std::uint64_t bytes = 0;
     for (unsigned i = 0; i < 64 && *name; i += 8) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        { bytes |= std::uint64_t{static_cast<unsigned char>(*name++)} << i; }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        bytes |= std::uint64_t{static_cast<unsigned char>(*name++)} << i;
     }
+
     return foldNameBytes(bytes);
 }
 
 // The same of a name of `length` bytes in a text that may be read eight bytes from its start.
 inline std::uint64_t xmlNameKey(const char* name, size_t length) {
     if (xmlLeadBytes) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        { return xmlNameKeyWithLeads(name, length); }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        return xmlNameKeyWithLeads(name, length);
     }
+
     std::uint64_t bytes = 0;
     if constexpr (std::endian::native == std::endian::little) {
         std::memcpy(&bytes, name, 8);
     } else {
         for (unsigned i = 0; i < 8; ++i) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                bytes |= std::uint64_t{static_cast<unsigned char>(name[i])}
-                                                         << (8 * i);
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            bytes |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
         }
     }
     if (length < 8) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        { bytes &= (std::uint64_t{1} << (8 * length)) - 1; }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        bytes &= (std::uint64_t{1} << (8 * length)) - 1;
     }
+
     return foldNameBytes(bytes);
 }
 
@@ -158,83 +79,20 @@ struct XMLName {
     // `otherName` is null for the document node, which no name matches.
     bool matches(std::uint64_t otherKey, const char* otherName) const {
         if (otherKey != key || !otherName) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            { return false; }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            return false;
         }
+
         if (key >> 56 == 0) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            { return true; }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            return true;
         }
+
         // Mostly the case is the same too.
         for (const char *a = otherName + 8, *b = name + 8; *a == *b; ++a, ++b) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                if (*a == 0) {
-                                                    {
-                                                        {
-                                                            {
-                                                                {
-                                                                    {
-                                                                        {
-                                                                            {
-                                                                                {
-                                                                                    { return true; }
-                                                                                }
-                                                                            }
-                                                                        }
-                                                                    }
-                                                                }
-                                                            }
-                                                        }
-                                                    }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
+            if (*a == 0) {
+                return true;
             }
         }
+
         return xmlSameTail(otherName, name);
     }
     std::uint64_t key;

@@ -27,14 +27,7 @@ inline constexpr std::array<std::uint8_t, 256> kCharClass = [] {
     std::array<std::uint8_t, 256> table{};
     const auto set = [&table](int from, int to, int bits) {
         for (int c = from; c <= to; ++c) {
-            {
-                {
-                    {
-                        table[static_cast<size_t>(c)] =
-                            static_cast<std::uint8_t>(table[static_cast<size_t>(c)] | bits);
-                    }
-                }
-            }
+            table[static_cast<size_t>(c)] = static_cast<std::uint8_t>(table[static_cast<size_t>(c)] | bits);
         }
     };
     set(0, 0x1f, kCharControl);
@@ -60,24 +53,18 @@ inline bool isXmlBlank(char c) {
 template <class Char>
 Char* skipBlanks(Char* p) {
     while (isXmlBlank(*p)) {
-        {
-            {
-                { ++p; }
-            }
-        }
+        ++p;
     }
+
     return p;
 }
 
 // Stops at what is no ASCII character of a name.
 inline char* scanName(char* p) {
     while (hasClass(*p, kCharName)) {
-        {
-            {
-                { ++p; }
-            }
-        }
+        ++p;
     }
+
     return p;
 }
 
@@ -85,20 +72,11 @@ inline char* scanName(char* p) {
 template <size_t N>
 bool startsWith(const char* p, const char (&text)[N]) {
     for (size_t i = 0; i + 1 < N; ++i) {
-        {
-            {
-                {
-                    if (p[i] != text[i]) {
-                        {
-                            {
-                                { return false; }
-                            }
-                        }
-                    }
-                }
-            }
+        if (p[i] != text[i]) {
+            return false;
         }
     }
+
     return true;
 }
 
@@ -118,12 +96,9 @@ inline __m128i either(__m128i a, __m128i b) {
 template <bool Utf8>
 __m128i odd(__m128i bytes) {
     if constexpr (Utf8) {
-        {
-            {
-                { return _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)); }
-            }
-        }
+        return _mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20));
     }
+
     return _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(0x1f)), bytes);
 }
 template <class Stops>
@@ -131,11 +106,7 @@ char* run(char* p, Stops stops) {
     for (;; p += 16) {
         const auto mask = static_cast<unsigned>(_mm_movemask_epi8(stops(load(p))));
         if (mask) {
-            {
-                {
-                    { return p + std::countr_zero(mask); }
-                }
-            }
+            return p + std::countr_zero(mask);
         }
     }
 }

@@ -39,14 +39,9 @@ public:
 
     XMLElement* newElement() {
         if (elementsLeft_ == 0) {
-            {
-                {
-                    {
-                        { nextBlock(); }
-                    }
-                }
-            }
+            nextBlock();
         }
+
         --elementsLeft_;
         return ::new (static_cast<void*>(nextElement_++)) XMLElement();
     }
@@ -60,14 +55,9 @@ public:
     void* allocate(size_t size) {
         size = (size + 7) & ~size_t{7};
         if (size > arenaLeft_) {
-            {
-                {
-                    {
-                        { return allocateSlowly(size); }
-                    }
-                }
-            }
+            return allocateSlowly(size);
         }
+
         void* result = arena_;
         arena_ += size;
         arenaLeft_ -= size;
@@ -83,13 +73,7 @@ public:
     XMLAttribute* growRun(const XMLAttribute* run, size_t& room);
     void closeRun(const XMLAttribute* run, size_t count) {
         if (reinterpret_cast<const char*>(run) == arena_) {
-            {
-                {
-                    {
-                        { allocate(count * sizeof(XMLAttribute)); }
-                    }
-                }
-            }
+            allocate(count * sizeof(XMLAttribute));
         }
     }
     const char* copyString(const char* text);
@@ -105,27 +89,17 @@ public:
     // Puts an item at the end of an element's content.
     void append(XMLElement* element, XMLItem* item) {
         if (element->textUse == XMLTextUse::Alone) {
-            {
-                {
-                    {
-                        { listTextAlone(element); }
-                    }
-                }
-            }
+            listTextAlone(element);
         }
+
         element->appendItem(item);
     }
     // The same with a text that lives as long as the document.
     void appendText(XMLElement* element, const char* text) {
         if (element->isBare()) {
-            {
-                {
-                    {
-                        { return element->setTextAlone(text); }
-                    }
-                }
-            }
+            return element->setTextAlone(text);
         }
+
         append(element, newTextItem(XMLItemKind::Text, text));
         element->textUse = XMLTextUse::AmongItems;
     }

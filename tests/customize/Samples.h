@@ -22,33 +22,14 @@ inline std::map<std::string, std::string> sampleScripts() {
     std::map<std::string, std::string> scripts;
     const std::filesystem::path samples = zoka::test::sourceDir() / "samples";
     for (const char* folder : {"templates", "templates-newer"}) {
-        {
-            {
-                {
-                    for (const auto& file : std::filesystem::directory_iterator(samples / folder)) {
-                        {
-                            {
-                                {
-                                    if (file.path().extension() == ".kez") {
-                                        {
-                                            {
-                                                {
-                                                    scripts[(folder == std::string("templates") ? ""
-                                                                                                : "newer/") +
-                                                            file.path().stem().string()] =
-                                                        readNative(file.path());
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
+        for (const auto& file : std::filesystem::directory_iterator(samples / folder)) {
+            if (file.path().extension() == ".kez") {
+                scripts[(folder == std::string("templates") ? "" : "newer/") + file.path().stem().string()] =
+                    readNative(file.path());
             }
         }
     }
+
     return scripts;
 }
 
@@ -60,18 +41,11 @@ inline std::vector<std::string> formsOf(const std::string& crlf) {
     for (size_t i = 0; i < crlf.size(); ++i) {
         const bool end = crlf[i] == '\r' && i + 1 < crlf.size() && crlf[i + 1] == '\n';
         if (!end) {
-            {
-                {
-                    { lf += crlf[i]; }
-                }
-            }
+            lf += crlf[i];
         }
+
         if (!end || ++line % 3 != 0) {
-            {
-                {
-                    { mixed += crlf[i]; }
-                }
-            }
+            mixed += crlf[i];
         }
     }
     const std::string bare = lf.substr(0, lf.find_last_not_of('\n') + 1);

@@ -78,20 +78,11 @@ struct Session : testing::Test {
     }
     size_t rowOf(const std::string& label) {
         for (size_t i = 0; i < session.size(); ++i) {
-            {
-                {
-                    {
-                        if (session.entry(i).label == label) {
-                            {
-                                {
-                                    { return i; }
-                                }
-                            }
-                        }
-                    }
-                }
+            if (session.entry(i).label == label) {
+                return i;
             }
         }
+
         ADD_FAILURE() << label;
         return 0;
     }

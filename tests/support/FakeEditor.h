@@ -70,10 +70,9 @@ public:
         std::span<const std::pair<std::string, std::string>> substitutions) override {
         std::vector<std::string> arguments = {source, destination};
         for (const auto& [find, replacement] : substitutions) {
-            {
-                { arguments.push_back(find + "->" + replacement); }
-            }
+            arguments.push_back(find + "->" + replacement);
         }
+
         return record("CopyFileWithSubstitutions", arguments);
     }
     std::string QueryFolder(ZunCommandCode code) override {
@@ -88,10 +87,9 @@ private:
     bool record(const std::string& name, const std::vector<std::string>& arguments) {
         std::string text = name + "(";
         for (const std::string& argument : arguments) {
-            {
-                { text += (text.back() == '(' ? "" : ", ") + argument; }
-            }
+            text += (text.back() == '(' ? "" : ", ") + argument;
         }
+
         m_calls.add(text + ")");
         return !failing.contains(name);
     }

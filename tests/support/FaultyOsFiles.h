@@ -79,41 +79,7 @@ public:
     }
     void flushFolder(Path p) override {
         if (!bad("flushFolder", p)) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    {
-                                                        {
-                                                            {
-                                                                {
-                                                                    {
-                                                                        {
-                                                                            {
-                                                                                { m_real.flushFolder(p); }
-                                                                            }
-                                                                        }
-                                                                    }
-                                                                }
-                                                            }
-                                                        }
-                                                    }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            m_real.flushFolder(p);
         }
     }
     std::string lastError() override { return m_injected ? "injected fault" : m_real.lastError(); }

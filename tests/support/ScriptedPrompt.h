@@ -47,28 +47,9 @@ public:
     std::vector<std::string> texts() const {
         std::vector<std::string> all;
         for (const Asked& one : asked) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    { all.push_back(one.text); }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            all.push_back(one.text);
         }
+
         return all;
     }
 
@@ -76,28 +57,9 @@ public:
                      PromptIcon icon) override {
         asked.push_back({text, title, buttons, icon});
         if (buttons == PromptButtons::Ok) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    { return PromptAnswer::Ok; }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            return PromptAnswer::Ok;
         }
+
         if (answers.empty()) {
             ADD_FAILURE() << "no answer is laid down for: " << text;
             return buttons == PromptButtons::YesNo ? PromptAnswer::No : PromptAnswer::Cancel;

@@ -39,22 +39,9 @@ inline Names fields(const CScriptAction& action) {
 inline std::string includes(const Names& names) {
     std::string lines;
     for (const std::string& name : names) {
-        {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    { lines += includeLine(name); }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-        }
+        lines += includeLine(name);
     }
+
     return lines;
 }
 
@@ -65,21 +52,7 @@ void withEachFault(const Round& round) {
         const FaultyOsFiles disk(FaultyOsFiles::nth(n));
         round(n);
         if (n > disk.operations()) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        { return; }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            return;
         }
     }
 }

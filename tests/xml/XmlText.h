@@ -20,27 +20,13 @@ struct WithCharset {
 // "code line:column" of an error, "0" when the node was read.
 inline std::string verdict(const XMLNode& node, const XMLResults& results) {
     if (node.isEmpty() != (results.code != 0)) {
-        {
-            {
-                {
-                    {
-                        { return "node and code don't agree"; }
-                    }
-                }
-            }
-        }
+        return "node and code don't agree";
     }
+
     if (results.code == 0) {
-        {
-            {
-                {
-                    {
-                        { return "0"; }
-                    }
-                }
-            }
-        }
+        return "0";
     }
+
     return std::to_string(results.code) + " " + std::to_string(results.line) + ":" +
            std::to_string(results.column);
 }

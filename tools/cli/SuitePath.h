@@ -13,21 +13,15 @@ namespace zoka::cli {
 inline std::string suitePath(const std::string& argument) {
     std::string path = osFiles().fullPath(argument);
     for (char& c : path) {
-        {
-            {
-                if (c == '/') {
-                    {
-                        { c = '\\'; }
-                    }
-                }
-            }
+        if (c == '/') {
+            c = '\\';
         }
     }
+
     while (path.size() > 3 && path.ends_with('\\')) {
-        {
-            { path.pop_back(); }
-        }
+        path.pop_back();
     }
+
     return path;
 }
 

@@ -75,27 +75,7 @@ public:
 private:
     void changed() {
         if (onChange) {
-            {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    { onChange(); }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
-            }
+            onChange();
         }
     }
     void forgetProcedures();

@@ -34,31 +34,7 @@ public:
         const std::lock_guard lock(m_mutex);
         for (LevelEntity& entity : m_map.entities) {
             if (entity.name == name) {
-                {
-                    {
-                        {
-                            {
-                                {
-                                    {
-                                        {
-                                            {
-                                                {
-                                                    {
-                                                        {
-                                                            {
-                                                                { return use(entity); }
-                                                            }
-                                                        }
-                                                    }
-                                                }
-                                            }
-                                        }
-                                    }
-                                }
-                            }
-                        }
-                    }
-                }
+                return use(entity);
             }
         }
         return false;
