@@ -15,9 +15,6 @@ constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't 
 enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
 constexpr ListColumn kColumns[] = {{"Script", 80, true}, {"Class", 54, true}, {"Version", 37},
                                    {"Date", 36},         {"Engine", 40},      {"In project", 44}};
-constexpr const char* kClassLabel = "&Class:";
-constexpr const char* kSearchLabel = "S&earch:";
-constexpr const char* kTitleLabel = "Sc&ript to add:";
 // Dialog units.
 constexpr int kClassWidth = 96;
 constexpr int kPlanHeight = 30;
@@ -26,18 +23,16 @@ constexpr int kPlanHeight = 30;
 
 void AddPage::createControls() {
     const HFONT font = fonts().text();
-    const DWORD dropList = CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP;
-    m_classLabel = label(kClassLabel);
-    m_class = makeControl(window(), "COMBOBOX", "", dropList, 0, kClass, font);
-    m_searchLabel = label(kSearchLabel);
-    m_search =
-        makeControl(window(), "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE, kSearch, font);
+    m_classLabel = label("&Class:");
+    m_class = makeDropList(window(), kClass, fonts());
+    m_searchLabel = label("S&earch:");
+    m_search = makeField(window(), kSearch, fonts());
     SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
     m_found = label("");
     m_list.create(window(), kList, fonts(), font, kColumns,
                   [this](int row, int column) { return cell(row, column); });
-    m_titleLabel = label(kTitleLabel);
-    m_titles = makeControl(window(), "COMBOBOX", "", dropList, 0, kTitles, font);
+    m_titleLabel = label("Sc&ript to add:");
+    m_titles = makeDropList(window(), kTitles, fonts());
     m_add = button("&Add", kAdd, true);
     m_planLabel = label("&What adding it will do:");
     m_plan = makeReadOnlyText(window(), kPlan, font);
@@ -54,47 +49,27 @@ void AddPage::createControls() {
     filter();
 }
 
-void AddPage::layout(int width, int height) {
-    const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits);
-    const int labelHeight = fonts().y(kLabelHeightUnits), field = fonts().y(kFieldHeightUnits);
-    const int labelDrop = (field - labelHeight) / 2;  // brings a label to the height of the text beside it
+void AddPage::layout(Area page) {
+    const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits), field = fonts().y(kFieldHeightUnits);
+    const int labelHeight = fonts().y(kLabelHeightUnits), plan = fonts().y(kPlanHeight);
+    Area filter = page.takeTop(field, gapY);
+    placeLabel(m_classLabel, filter, fonts());
+    placeDropList(m_class, filter.takeLeft(fonts().x(kClassWidth), 2 * gapX));
+    placeLabel(m_searchLabel, filter, fonts());
+    place(m_search, filter);
 
-    int x = 0, y = 0;
-    const auto placeLabel = [&](HWND label, const char* text) {
-        const int labelWidth = fonts().labelWidth(text);
-        place(label, x, y + labelDrop, labelWidth, labelHeight);
-        x += labelWidth + gapX;
-    };
-    placeLabel(m_classLabel, kClassLabel);
-    placeDropList(m_class, x, y, fonts().x(kClassWidth), field);
-    x += fonts().x(kClassWidth) + 2 * gapX;
-    placeLabel(m_searchLabel, kSearchLabel);
-    place(m_search, x, y, width - x, field);
-    y += field + gapY;
-
-    // What the fixed rows leave is shared by the list and the details.
-    const int plan = fonts().y(kPlanHeight);
-    const int shared = height - y - 3 * labelHeight - 2 * gapY - field - gapY - plan - gapY;
-    const int listHeight = shared * 3 / 5;
-    place(m_found, 0, y, width, labelHeight);
-    y += labelHeight;
-    m_list.place(0, y, width, listHeight);
-    y += listHeight + gapY;
-
-    const int button = fonts().x(kButtonWidthUnits);
-    x = 0;
-    placeLabel(m_titleLabel, kTitleLabel);
-    placeDropList(m_titles, x, y, width - x - gapX - button, field);
-    place(m_add, width - button, y, button, field);
-    y += field + gapY;
-
-    place(m_planLabel, 0, y, width, labelHeight);
-    y += labelHeight;
-    place(m_plan, 0, y, width, plan);
-    y += plan + gapY;
-    place(m_detailsLabel, 0, y, width, labelHeight);
-    y += labelHeight;
-    place(m_details, 0, y, width, height - y);
+    // The list and the details share what the fixed rows leave.
+    const int shared = page.height - 3 * labelHeight - field - plan - 3 * gapY;
+    placeLabelAbove(m_found, page, fonts());
+    m_list.place(page.takeTop(shared * 3 / 5, gapY));
+    Area title = page.takeTop(field, gapY);
+    place(m_add, title.takeRight(fonts().x(kButtonWidthUnits), gapX));
+    placeLabel(m_titleLabel, title, fonts());
+    placeDropList(m_titles, title);
+    placeLabelAbove(m_planLabel, page, fonts());
+    place(m_plan, page.takeTop(plan, gapY));
+    placeLabelAbove(m_detailsLabel, page, fonts());
+    place(m_details, page);
 }
 
 std::string AddPage::cell(int row, int column) {

@@ -20,7 +20,7 @@ public:
 
 protected:
     void createControls() override;
-    void layout(int width, int height) override;
+    void layout(Area page) override;
     LRESULT notified(NMHDR& header) override;
     void settled() override;
     void timer(UINT_PTR id) override;

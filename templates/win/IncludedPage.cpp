@@ -22,14 +22,12 @@ void IncludedPage::createControls() {
     m_button = button(look().buttonText, look().button, true);
 }
 
-void IncludedPage::layout(int width, int height) {
-    const int gap = fonts().y(kGapUnits), labelHeight = fonts().y(kLabelHeightUnits);
-    const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
-    place(m_label, 0, 0, width, labelHeight);
-    m_list.place(0, labelHeight, width, height - labelHeight - gap - field);
-    place(m_note, 0, height - field + (field - labelHeight) / 2, width - button - fonts().x(kGapUnits),
-          labelHeight);
-    place(m_button, width - button, height - field, button, field);
+void IncludedPage::layout(Area page) {
+    Area foot = page.takeBottom(fonts().y(kButtonHeightUnits), fonts().y(kGapUnits));
+    placeButtonsRight({m_button}, foot, fonts());
+    place(m_note, foot.middle(fonts().y(kLabelHeightUnits)));
+    placeLabelAbove(m_label, page, fonts());
+    m_list.place(page);
 }
 
 void IncludedPage::refresh() {

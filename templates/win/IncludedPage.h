@@ -29,7 +29,7 @@ protected:
     virtual bool canDo(size_t index) const = 0;
 
     void createControls() override;
-    void layout(int width, int height) override;
+    void layout(Area page) override;
     LRESULT notified(NMHDR& header) override;
     void settled() override { showSelection(); }
     const RowList& list() const { return m_list; }

@@ -16,12 +16,11 @@ void NotesPage::createControls() {
     m_copy = button("C&opy", kCopy, true);
 }
 
-void NotesPage::layout(int width, int height) {
-    const int gap = fonts().y(kGapUnits), labelHeight = fonts().y(kLabelHeightUnits);
-    const int button = fonts().x(kButtonWidthUnits), field = fonts().y(kButtonHeightUnits);
-    place(m_label, 0, 0, width, labelHeight);
-    place(m_notes, 0, labelHeight, width, height - labelHeight - gap - field);
-    place(m_copy, width - button, height - field, button, field);
+void NotesPage::layout(Area page) {
+    Area foot = page.takeBottom(fonts().y(kButtonHeightUnits), fonts().y(kGapUnits));
+    placeButtonsRight({m_copy}, foot, fonts());
+    placeLabelAbove(m_label, page, fonts());
+    place(m_notes, page);
 }
 
 void NotesPage::refresh() {

@@ -15,7 +15,7 @@ public:
 
 protected:
     void createControls() override;
-    void layout(int width, int height) override;
+    void layout(Area page) override;
 
 private:
     HWND m_label = nullptr, m_notes = nullptr, m_copy = nullptr;

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "templates/ScriptManagerSession.h"
-#include "ui/win/WindowKit.h"
+#include "ui/win/PageShell.h"
 
 namespace zoka {
 
@@ -32,54 +32,14 @@ public:
     virtual void customize(const std::string& scriptPath) = 0;
 };
 
-// A window without frame inside the dialog. Its controls are made when the page is first shown.
-class PageWindow {
+class PageWindow : public Page {
 public:
-    explicit PageWindow(ManagerFrame& frame) : m_frame(frame) {}
-    virtual ~PageWindow() = default;
-    PageWindow(const PageWindow&) = delete;
-    PageWindow& operator=(const PageWindow&) = delete;
-
-    // Makes the window with its controls, not visible; false on failure. Its window goes with the dialog.
-    bool create(HWND dialog);
-    HWND window() const { return m_window; }
-
-    // Shows the session's present state.
-    virtual void refresh() = 0;
-    // What Enter does where no button has the keyboard.
-    virtual void mainAction() = 0;
-    // Where the keyboard goes when the page is first shown.
-    virtual HWND firstField() const = 0;
-    // A control of the page did something.
-    virtual void command(int id, int code) = 0;
+    explicit PageWindow(ManagerFrame& frame) : Page(frame.fonts()), m_frame(frame) {}
 
 protected:
-    virtual void createControls() = 0;
-    // Places the controls on a page of that size, in pixels.
-    virtual void layout(int width, int height) = 0;
-    // The answer goes back to the control.
-    virtual LRESULT notified(NMHDR&) { return 0; }
-    virtual void timer(UINT_PTR) {}
-    // Has settled() called before the next input. A list drops its selection before it takes another one: what hangs
-    // on it is shown when both are done.
-    void settleSoon();
-    virtual void settled() {}
-    // Of owner-drawn lists.
-    virtual void measure(MEASUREITEMSTRUCT&) {}
-    virtual void draw(const DRAWITEMSTRUCT&) {}
-
     ScriptManagerSession& session() const { return m_frame.session(); }
-    const WindowFonts& fonts() const { return m_frame.fonts(); }
-    HWND label(const char* text);
-    HWND button(const char* text, int id, bool isMain = false);
 
     ManagerFrame& m_frame;
-
-private:
-    static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
-    HWND m_window = nullptr;
-    bool m_settlesSoon = false;
 };
 
 }  // namespace zoka

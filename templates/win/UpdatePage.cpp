@@ -14,7 +14,6 @@ constexpr size_t kLongestRow = 259;  // characters that a row shows
 constexpr int kTabWidth = 4;
 constexpr int kRowPadding = 1;     // dialog units above and below
 constexpr int kHighestItem = 255;  // pixels, the most that the list box takes
-constexpr const char* kRestoreLabel = "Without a copy in the &project:";
 
 constexpr COLORREF kOnlyLocal = RGB(255, 235, 233), kOnlyTemplate = RGB(230, 250, 232),
                    kHeading = RGB(232, 238, 247);
@@ -72,35 +71,25 @@ void UpdatePage::createControls() {
     });
     m_update = button("&Update", kUpdate, true);
     m_updateAll = button("Update a&ll", kUpdateAll);
-    m_restoreLabel = label(kRestoreLabel);
-    m_missing = makeControl(window(), "COMBOBOX", "",
-                            CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0, kMissing, font);
+    m_restoreLabel = label("Without a copy in the &project:");
+    m_missing = makeDropList(window(), kMissing, fonts());
     m_restore = button("Res&tore", kRestore);
 }
 
-void UpdatePage::layout(int width, int height) {
-    const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits);
-    const int labelHeight = fonts().y(kLabelHeightUnits), field = fonts().y(kButtonHeightUnits);
-    const int button = fonts().x(kButtonWidthUnits);
-    // What the fixed rows leave is shared by the two lists.
-    const int shared = height - 2 * labelHeight - 2 * (field + gapY) - 2 * gapY;
-    const int listHeight = shared * 2 / 5;
-    int y = 0;
-    place(m_label, 0, y, width, labelHeight);
-    y += labelHeight;
-    place(m_list, 0, y, width, listHeight);
-    y += listHeight + gapY;
-    place(m_changesLabel, 0, y, width, labelHeight);
-    y += labelHeight;
-    m_changes.place(0, y, width, shared - listHeight);
-    y += shared - listHeight + gapY;
-    place(m_update, width - 2 * button - gapX, y, button, field);
-    place(m_updateAll, width - button, y, button, field);
-    y = height - field;
-    const int restoreLabel = fonts().labelWidth(kRestoreLabel) + gapX;
-    place(m_restoreLabel, 0, y + (field - labelHeight) / 2, restoreLabel, labelHeight);
-    placeDropList(m_missing, restoreLabel, y, width - restoreLabel - gapX - button, field);
-    place(m_restore, width - button, y, button, field);
+void UpdatePage::layout(Area page) {
+    const int gap = fonts().y(kGapUnits), button = fonts().x(kButtonWidthUnits);
+    Area restore = page.takeBottom(fonts().y(kButtonHeightUnits), gap);
+    place(m_restore, restore.takeRight(button, fonts().x(kGapUnits)));
+    placeLabel(m_restoreLabel, restore, fonts());
+    placeDropList(m_missing, restore);
+    Area buttons = page.takeBottom(fonts().y(kButtonHeightUnits), gap);
+    placeButtonsRight({m_updateAll, m_update}, buttons, fonts());
+    // The two lists share what the fixed rows leave.
+    const int shared = page.height - 2 * fonts().y(kLabelHeightUnits) - gap;
+    placeLabelAbove(m_label, page, fonts());
+    place(m_list, page.takeTop(shared * 2 / 5, gap));
+    placeLabelAbove(m_changesLabel, page, fonts());
+    m_changes.place(page);
     InvalidateRect(m_list, nullptr, TRUE);  // its texts are cut to the new width
 }
 

@@ -19,7 +19,7 @@ public:
 
 protected:
     void createControls() override;
-    void layout(int width, int height) override;
+    void layout(Area page) override;
     LRESULT notified(NMHDR& header) override;
     void measure(MEASUREITEMSTRUCT& item) override;
     void draw(const DRAWITEMSTRUCT& item) override;

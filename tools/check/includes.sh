@@ -68,7 +68,7 @@ FNR == 1 {
         finding("\"" name "\" is not named from the root")
         next
     }
-    if (name ~ /^ui\// && !in_win) {
+    if (name ~ /^ui\/win\// && !in_win) {
         finding("\"" name "\" may be included in win/ folders only")
         next
     }

@@ -13,6 +13,7 @@ namespace {
 constexpr DWORD kShownAfter = 300;  // milliseconds
 constexpr DWORD kPumpEvery = 30;
 constexpr int kWidth = 220, kBarHeight = 10;  // dialog units
+constexpr int kHeight = 3 * kMarginUnits + kLabelHeightUnits + kGapUnits + kBarHeight + kButtonHeightUnits;
 constexpr int kBarSteps = 1000;
 enum { kText = 100, kBar };
 
@@ -67,10 +68,9 @@ private:
 
 }  // namespace
 
-ProgressWindow::ProgressWindow(HWND owner, const WindowFonts& fonts, std::string title)
-    : m_owner(owner),
-      m_fonts(fonts),
-      m_title(std::move(title)),
+ProgressWindow::ProgressWindow(HWND owner, std::string title)
+    : DialogShell({.title = std::move(title), .width = kWidth + 2 * kMarginUnits, .height = kHeight}),
+      m_owner(owner),
       m_focus(GetFocus()),
       m_ownerWasEnabled(owner && IsWindowEnabled(owner)),
       m_start(GetTickCount()),
@@ -85,8 +85,8 @@ ProgressWindow::~ProgressWindow() {
     if (m_owner && m_ownerWasEnabled) {
         EnableWindow(m_owner, TRUE);
     }
-    if (m_window) {
-        DestroyWindow(m_window);
+    if (window()) {
+        DestroyWindow(window());
     }
     if (m_ownerWasEnabled && IsWindow(m_focus)) {
         SetFocus(m_focus);
@@ -124,8 +124,8 @@ void ProgressWindow::runOnThread(const std::function<void(JobProgress&)>& job) {
 }
 
 void ProgressWindow::hide() {
-    if (m_window) {
-        ShowWindow(m_window, SW_HIDE);
+    if (window()) {
+        ShowWindow(window(), SW_HIDE);
     }
     m_start = GetTickCount();
 }
@@ -134,20 +134,16 @@ void ProgressWindow::show(size_t done, size_t total, const std::string& what) {
     if (GetTickCount() - m_start < kShownAfter) {
         return;
     }
-    if (!m_window) {
-        m_window = makeDialog(m_owner, WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | WS_CLIPCHILDREN,
-                              0, dialogProc, reinterpret_cast<LPARAM>(this));
-        if (!m_window) {
-            return;
-        }
+    if (!window() && !create(m_owner)) {
+        return;
     }
     if (!m_cancelled) {
         setText(m_text, what);
     }
     const size_t position = total == 0 ? 0 : done * kBarSteps / total;
     SendMessageA(m_bar, PBM_SETPOS, position, 0);
-    if (!IsWindowVisible(m_window)) {
-        ShowWindow(m_window, SW_SHOW);
+    if (!IsWindowVisible(window())) {
+        ShowWindow(window(), SW_SHOW);
         SetFocus(m_button);
     }
 }
@@ -161,60 +157,39 @@ void ProgressWindow::pumpMessages() {
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
-        if (m_window && IsDialogMessageA(m_window, &message)) {
+        if (window() && IsDialogMessageA(window(), &message)) {
             continue;
         }
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
-}
-
-void ProgressWindow::cancel() {
-    if (m_cancelled) {
-        return;
+    // Nobody is left to see what the job does.
+    if (m_owner && !IsWindow(m_owner)) {
+        m_cancelled = true;
     }
-    m_cancelled = true;
-    setText(m_text, "Stopping...");
-    enable(m_button, false);
 }
 
-void ProgressWindow::createControls(HWND window) {
-    m_window = window;
-    SetWindowTextA(window, m_title.c_str());
-    m_text = makeControl(window, "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kText, m_fonts.text());
-    m_bar = makeControl(window, PROGRESS_CLASSA, "", 0, 0, kBar, m_fonts.text());
-    m_button =
-        makeControl(window, "BUTTON", "Cancel", BS_DEFPUSHBUTTON | WS_TABSTOP, 0, IDCANCEL, m_fonts.text());
+bool ProgressWindow::mayClose() {
+    if (!m_cancelled) {
+        m_cancelled = true;
+        setText(m_text, "Stopping...");
+        enable(m_button, false);
+    }
+    return false;
+}
+
+void ProgressWindow::createControls() {
+    m_text = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kText, fonts().text());
+    m_bar = makeControl(window(), PROGRESS_CLASSA, "", 0, 0, kBar, fonts().text());
+    m_button = makeButton(window(), "Cancel", IDCANCEL, fonts(), true);
     SendMessageA(m_bar, PBM_SETRANGE32, 0, kBarSteps);
-
-    const int x = m_fonts.x(kMarginUnits), width = m_fonts.x(kWidth), gap = m_fonts.y(kGapUnits);
-    int y = m_fonts.y(kMarginUnits);
-    place(m_text, x, y, width, m_fonts.y(kLabelHeightUnits));
-    y += m_fonts.y(kLabelHeightUnits) + gap;
-    place(m_bar, x, y, width, m_fonts.y(kBarHeight));
-    y += m_fonts.y(kBarHeight) + m_fonts.y(kMarginUnits);
-    const int button = m_fonts.x(kButtonWidthUnits);
-    place(m_button, x + width - button, y, button, m_fonts.y(kButtonHeightUnits));
-    y += m_fonts.y(kButtonHeightUnits) + m_fonts.y(kMarginUnits);
-    const SIZE size = outerSize(window, width + 2 * x, y);
-    centreOver(window, m_owner, size.cx, size.cy);
 }
 
-INT_PTR CALLBACK ProgressWindow::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrA(window, DWLP_USER, static_cast<LONG_PTR>(lParam));
-        reinterpret_cast<ProgressWindow*>(lParam)->createControls(window);
-        return FALSE;
-    }
-    auto* const self = reinterpret_cast<ProgressWindow*>(GetWindowLongPtrA(window, DWLP_USER));
-    if (!self) {
-        return FALSE;
-    }
-    if (message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)) {
-        self->cancel();
-        return TRUE;
-    }
-    return FALSE;
+void ProgressWindow::layout(Area inside) {
+    Area foot = inside.takeBottom(fonts().y(kButtonHeightUnits));
+    placeButtonsRight({m_button}, foot, fonts());
+    place(m_text, inside.takeTop(fonts().y(kLabelHeightUnits), fonts().y(kGapUnits)));
+    place(m_bar, inside.takeTop(fonts().y(kBarHeight)));
 }
 
 }  // namespace zoka

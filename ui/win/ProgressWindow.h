@@ -6,20 +6,18 @@
 #include <functional>
 #include <string>
 
-#include "ui/win/WindowKit.h"
+#include "ui/win/DialogShell.h"
 #include "util/JobProgress.h"
 
 namespace zoka {
 
 // Lives as long as one job. The owner takes no input meanwhile; a job that is done within a moment shows
 // nothing. All on the owner's thread, but for what runOnThread runs.
-class ProgressWindow : public JobProgress {
+class ProgressWindow : public JobProgress, private DialogShell {
 public:
-    // `owner` may be null. `fonts` outlives the object.
-    ProgressWindow(HWND owner, const WindowFonts& fonts, std::string title);
+    // `owner` may be null.
+    ProgressWindow(HWND owner, std::string title);
     ~ProgressWindow() override;
-    ProgressWindow(const ProgressWindow&) = delete;
-    ProgressWindow& operator=(const ProgressWindow&) = delete;
 
     // For jobs on this thread: shows messages now and then. False once the user has cancelled.
     bool step(size_t done, size_t total, const std::string& what) override;
@@ -32,16 +30,16 @@ public:
     void hide();
 
 private:
-    static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void createControls(HWND window);
-    void show(size_t done, size_t total, const std::string& what);
+    void createControls() override;
+    void layout(Area inside) override;
+    HWND firstField() override { return m_button; }
+    // Nobody closes it but the job's end.
+    bool mayClose() override;
+    void show(std::size_t done, std::size_t total, const std::string& what);
     void pumpMessages();
-    void cancel();
 
     HWND m_owner;
-    const WindowFonts& m_fonts;
-    std::string m_title;
-    HWND m_window = nullptr, m_text = nullptr, m_bar = nullptr, m_button = nullptr;
+    HWND m_text = nullptr, m_bar = nullptr, m_button = nullptr;
     HWND m_focus;
     bool m_ownerWasEnabled;
     bool m_cancelled = false;

@@ -5,6 +5,18 @@
 
 namespace zoka {
 
+namespace {
+
+// A third of the highlight's colour on the window's.
+COLORREF paleHighlight() {
+    const COLORREF strong = GetSysColor(COLOR_HIGHLIGHT), plain = GetSysColor(COLOR_WINDOW);
+    const auto mix = [](int a, int b) { return (a + 2 * b) / 3; };
+    return RGB(mix(GetRValue(strong), GetRValue(plain)), mix(GetGValue(strong), GetGValue(plain)),
+               mix(GetBValue(strong), GetBValue(plain)));
+}
+
+}  // namespace
+
 void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
                      std::span<const ListColumn> columns, CellText text) {
     m_text = std::move(text);
@@ -28,8 +40,8 @@ void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
     }
 }
 
-void RowList::place(int x, int y, int width, int height) {
-    zoka::place(m_window, x, y, width, height);
+void RowList::place(const Area& area) {
+    zoka::place(m_window, area);
     fitColumns();
 }
 
@@ -126,11 +138,28 @@ LRESULT RowList::notified(NMHDR& header) const {
             }
             return 0;
         }
+        case static_cast<UINT>(NM_CUSTOMDRAW):
+            return paint(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
         case static_cast<UINT>(LVN_ODFINDITEMA):
             return find(reinterpret_cast<const NMLVFINDITEMA&>(header));
         default:
             return 0;
     }
+}
+
+// The system gives a row selected in a list without the keyboard nearly the colour of the others.
+LRESULT RowList::paint(NMLVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {
+        return CDRF_NOTIFYITEMDRAW;
+    }
+    if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && GetFocus() != m_window &&
+        SendMessageA(m_window, LVM_GETITEMSTATE, draw.nmcd.dwItemSpec, LVIS_SELECTED) != 0) {
+        draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
+        draw.clrText = GetSysColor(COLOR_WINDOWTEXT);
+        draw.clrTextBk = paleHighlight();
+        return CDRF_NEWFONT;
+    }
+    return CDRF_DODEFAULT;
 }
 
 // The typed beginning of a row's first text, from a row on and around the end.

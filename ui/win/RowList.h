@@ -29,7 +29,7 @@ public:
     void create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
                 std::span<const ListColumn> columns, CellText text);
     HWND window() const { return m_window; }
-    void place(int x, int y, int width, int height);
+    void place(const Area& area);
 
     // The rows are other ones now; none is selected.
     void setCount(int rows);
@@ -42,11 +42,14 @@ public:
     // What the texts of the only column take, in pixels, for a list that scrolls sideways.
     void setTextWidth(int width);
 
+    // Answers the control's notifications, and paints the selected row so that it is seen while the keyboard is
+    // elsewhere.
     LRESULT notified(NMHDR& header) const;
     // Whether the notification may mean that the user has selected another row.
     bool userMayHaveSelected(const NMHDR& header) const;
 
 private:
+    LRESULT paint(NMLVCUSTOMDRAW& draw) const;
     int find(const NMLVFINDITEMA& search) const;
     void fitColumns() const;
 

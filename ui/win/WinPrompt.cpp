@@ -10,24 +10,10 @@
 #include <cstring>
 #include <vector>
 
+#include "ui/win/WindowKit.h"
+
 namespace zoka {
 namespace {
-
-BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) {
-    if (!IsWindowVisible(window)) {
-        return TRUE;
-    }
-    *reinterpret_cast<HWND*>(result) = window;
-    return FALSE;
-}
-
-HWND ownerWindow() {
-    HWND owner = GetActiveWindow();
-    if (!owner) {
-        EnumThreadWindows(GetCurrentThreadId(), takeFirstVisible, reinterpret_cast<LPARAM>(&owner));
-    }
-    return owner;
-}
 
 UINT buttonFlags(PromptButtons buttons) {
     switch (buttons) {
@@ -89,7 +75,7 @@ private:
 
 PromptAnswer WinPrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
                             PromptIcon icon) {
-    switch (MessageBoxA(ownerWindow(), text.c_str(), title.c_str(), buttonFlags(buttons) | iconFlags(icon))) {
+    switch (MessageBoxA(modalOwner(), text.c_str(), title.c_str(), buttonFlags(buttons) | iconFlags(icon))) {
         case IDYES:
             return PromptAnswer::Yes;
         case IDNO:
@@ -109,7 +95,7 @@ std::optional<std::string> WinPrompt::chooseFile(const ChooserRequest& request) 
     const std::string filter = chooserFilter(request.filter);
     OPENFILENAMEA chooser = {};
     chooser.lStructSize = sizeof chooser;
-    chooser.hwndOwner = ownerWindow();
+    chooser.hwndOwner = modalOwner();
     chooser.lpstrFilter = filter.c_str();
     chooser.lpstrFile = path.data();
     chooser.nMaxFile = static_cast<DWORD>(path.size());
@@ -126,7 +112,7 @@ std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request
     const ComScope com;
     char shown[MAX_PATH];
     BROWSEINFOA chooser = {};
-    chooser.hwndOwner = ownerWindow();
+    chooser.hwndOwner = modalOwner();
     chooser.pszDisplayName = shown;
     chooser.lpszTitle = request.title.c_str();
     chooser.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
@@ -140,7 +126,7 @@ std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request
 }
 
 void WinPrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
-    MessageBoxA(ownerWindow(), text.c_str(), title.c_str(),
+    MessageBoxA(modalOwner(), text.c_str(), title.c_str(),
                 MB_OK | MB_ICONERROR | MB_SYSTEMMODAL | MB_SETFOREGROUND);  // system-modal boxes stay on top
     ExitProcess(static_cast<UINT>(exitStatus));
 }

@@ -64,15 +64,121 @@ LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPAR
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
-// Without a menu, a class or a title of its own.
-struct EmptyDialog {
-    DLGTEMPLATE dialog;
-    WORD menu, className, title;
+int textHeightOf(HWND control) {
+    TEXTMETRICA metrics;
+    const HDC dc = GetDC(control);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    GetTextMetricsA(dc, &metrics);
+    SelectObject(dc, old);
+    ReleaseDC(control, dc);
+    return static_cast<int>(metrics.tmHeight);
+}
+
+// The bands above and below the inside of a field are its border's; they get the field's own colour.
+void paintFieldBands(HWND field) {
+    RECT frame, inside;
+    GetWindowRect(field, &frame);
+    GetClientRect(field, &inside);
+    MapWindowPoints(field, nullptr, reinterpret_cast<POINT*>(&inside), 2);
+    OffsetRect(&inside, -frame.left, -frame.top);
+    const bool writable = IsWindowEnabled(field) && (GetWindowLongPtrA(field, GWL_STYLE) & ES_READONLY) == 0;
+    const HDC dc = GetWindowDC(field);
+    const auto brush = reinterpret_cast<HBRUSH>(
+        SendMessageA(GetParent(field), writable ? WM_CTLCOLOREDIT : WM_CTLCOLORSTATIC,
+                     reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(field)));
+    const LONG edge = GetSystemMetrics(SM_CYEDGE), height = frame.bottom - frame.top;
+    const RECT above{inside.left, edge, inside.right, inside.top};
+    const RECT below{inside.left, inside.bottom, inside.right, height - edge};
+    for (const RECT& band : {above, below}) {
+        if (brush && band.bottom > band.top) {
+            FillRect(dc, &band, brush);
+        }
+    }
+    ReleaseDC(field, dc);
+}
+
+// A field of one line shows its text at the top of its inside, so the inside is made as high as the text.
+LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    constexpr LONG kAir = 1;  // the field keeps that itself
+    switch (message) {
+        case WM_NCCALCSIZE: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            RECT& inside = *reinterpret_cast<RECT*>(lParam);  // the first member of either structure
+            const LONG spare = inside.bottom - inside.top - textHeightOf(window) - 2 * kAir;
+            if (spare > 1) {
+                inside.top += spare / 2;
+                inside.bottom -= spare - spare / 2;
+            }
+            return result;
+        }
+        case WM_NCPAINT: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            paintFieldBands(window);
+            return result;
+        }
+        case WM_NCHITTEST: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            return result == HTNOWHERE || result == HTBORDER ? HTCLIENT : result;
+        }
+        case WM_ENABLE:
+        case EM_SETREADONLY: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            RedrawWindow(window, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE);
+            return result;
+        }
+        case WM_SETFONT: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            SetWindowPos(window, nullptr, 0, 0, 0, 0,
+                         SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+            return result;
+        }
+        case WM_NCDESTROY:
+            RemoveWindowSubclass(window, fieldProc, id);
+            break;
+        default:
+            break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) {
+    if (!IsWindowVisible(window)) {
+        return TRUE;
+    }
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
+struct FontChange {
+    HFONT from[2], to[2];
 };
+
+BOOL CALLBACK giveNewFont(HWND control, LPARAM data) {
+    const auto& change = *reinterpret_cast<const FontChange*>(data);
+    const auto has = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
+    for (int i = 0; i < 2; ++i) {
+        if (has == change.from[i]) {
+            SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(change.to[i]), FALSE);
+        }
+    }
+    return TRUE;
+}
 
 }  // namespace
 
+HINSTANCE ownModule() {
+    static const char kHere = 0;
+    HMODULE module = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       &kHere, &module);
+    return module;
+}
+
 WindowFonts::WindowFonts() {
+    make(0);
+}
+
+void WindowFonts::make(int dpi) {
     NONCLIENTMETRICSA metrics{};
     metrics.cbSize = sizeof metrics;
     LOGFONTA font{};
@@ -81,15 +187,34 @@ WindowFonts::WindowFonts() {
     } else {
         GetObjectA(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
     }
+    const HDC dc = GetDC(nullptr);
+    const int systemDpi = std::max(GetDeviceCaps(dc, LOGPIXELSY), 96);
+    m_dpi = dpi > 0 ? dpi : systemDpi;
+    font.lfHeight = MulDiv(static_cast<int>(font.lfHeight), m_dpi, systemDpi);
     m_text = CreateFontIndirectA(&font);
     font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
     std::strcpy(font.lfFaceName, "Courier New");
     m_fixed = CreateFontIndirectA(&font);
-    const HDC dc = GetDC(nullptr);
     m_base = averageCharacter(dc, m_text);
-    m_fixedWidth = averageCharacter(dc, m_fixed).cx;
-    m_dpi = std::max(GetDeviceCaps(dc, LOGPIXELSY), 96);
+    m_fixedWidth = static_cast<int>(averageCharacter(dc, m_fixed).cx);
     ReleaseDC(nullptr, dc);
+}
+
+bool WindowFonts::renew(HWND window, int dpi) {
+    const FontChange old{{m_text, m_fixed}, {}};
+    const SIZE base = m_base;
+    const int oldDpi = m_dpi;
+    make(dpi);
+    LOGFONTA before{}, after{};
+    GetObjectA(old.from[0], sizeof before, &before);
+    GetObjectA(m_text, sizeof after, &after);
+    const bool changed = base.cx != m_base.cx || base.cy != m_base.cy || oldDpi != m_dpi ||
+                         std::memcmp(&before, &after, sizeof before) != 0;
+    const FontChange change{{old.from[0], old.from[1]}, {m_text, m_fixed}};
+    EnumChildWindows(window, giveNewFont, reinterpret_cast<LPARAM>(&change));
+    DeleteObject(old.from[0]);
+    DeleteObject(old.from[1]);
+    return changed;
 }
 
 WindowFonts::~WindowFonts() {
@@ -104,16 +229,45 @@ int WindowFonts::labelWidth(const std::string& text) const {
     DrawTextA(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_SINGLELINE);
     SelectObject(dc, old);
     ReleaseDC(nullptr, dc);
-    return static_cast<int>(area.right);
+    // The measure knows nothing of the last letter's overhang, nor of how a control smooths its text.
+    return static_cast<int>(area.right) + px(3);
 }
 
 HWND makeControl(HWND parent, const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                  HFONT font) {
-    const HWND control = CreateWindowExA(exStyle, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0,
-                                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-                                         GetModuleHandleA(nullptr), nullptr);
+    const HWND control =
+        CreateWindowExA(exStyle, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ownModule(), nullptr);
     SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     return control;
+}
+
+HWND makeLabel(HWND parent, const char* text, const WindowFonts& fonts, int id) {
+    return makeControl(parent, "STATIC", text, SS_LEFTNOWORDWRAP, 0, id, fonts.text());
+}
+
+HWND makeButton(HWND parent, const char* text, int id, const WindowFonts& fonts, bool isDefault) {
+    return makeControl(parent, "BUTTON", text,
+                       WS_TABSTOP | static_cast<DWORD>(isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON), 0, id,
+                       fonts.text());
+}
+
+HWND makeDropList(HWND parent, int id, const WindowFonts& fonts) {
+    return makeControl(parent, "COMBOBOX", "", CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0,
+                       id, fonts.text());
+}
+
+HWND makeField(HWND parent, int id, const WindowFonts& fonts, DWORD style) {
+    const HWND field = makeControl(parent, "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP | style, WS_EX_CLIENTEDGE,
+                                   id, fonts.text());
+    centreFieldText(field);
+    return field;
+}
+
+void centreFieldText(HWND edit) {
+    SetWindowSubclass(edit, fieldProc, 3, 0);
+    SetWindowPos(edit, nullptr, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
 }
 
 HWND makeReadOnlyText(HWND parent, int id, HFONT font) {
@@ -144,6 +298,21 @@ void placeDropList(HWND control, int x, int y, int width, int height) {
     for (int i = 0; i < 2 && missing() != 0; ++i) {
         item += missing();
         SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item);
+    }
+}
+
+void placeLabel(HWND label, Area& row, const WindowFonts& fonts, int width) {
+    const Area at = row.takeLeft(width > 0 ? width : fonts.labelWidth(textOf(label)), fonts.x(kGapUnits));
+    place(label, at.middle(fonts.lineHeight()));
+}
+
+void placeLabelAbove(HWND label, Area& area, const WindowFonts& fonts) {
+    place(label, area.takeTop(fonts.y(kLabelHeightUnits)));
+}
+
+void placeButtonsRight(std::initializer_list<HWND> buttons, Area& row, const WindowFonts& fonts, int units) {
+    for (const HWND button : buttons) {
+        place(button, row.takeRight(fonts.x(units), fonts.x(kGapUnits)));
     }
 }
 
@@ -182,14 +351,24 @@ std::string chosenItem(HWND dropList) {
     return text;
 }
 
-void runDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter) {
-    const EmptyDialog form{{style, exStyle, 0, 0, 0, 0, 0}, 0, 0, 0};
-    DialogBoxIndirectParamA(GetModuleHandleA(nullptr), &form.dialog, owner, procedure, parameter);
+void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner) {
+    const auto give = [&](WPARAM kind, int width, int height) {
+        const LPARAM shared = module ? reinterpret_cast<LPARAM>(LoadImageA(
+                                           module, MAKEINTRESOURCEA(icon), IMAGE_ICON,
+                                           GetSystemMetrics(width), GetSystemMetrics(height), LR_SHARED))
+                                     : SendMessageA(owner, WM_GETICON, kind, 0);
+        SendMessageA(window, WM_SETICON, kind, shared);
+    };
+    give(ICON_BIG, SM_CXICON, SM_CYICON);
+    give(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
 }
 
-HWND makeDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter) {
-    const EmptyDialog form{{style, exStyle, 0, 0, 0, 0, 0}, 0, 0, 0};
-    return CreateDialogIndirectParamA(GetModuleHandleA(nullptr), &form.dialog, owner, procedure, parameter);
+HWND modalOwner() {
+    HWND owner = GetActiveWindow();
+    if (!owner) {
+        EnumThreadWindows(GetCurrentThreadId(), takeFirstVisible, reinterpret_cast<LPARAM>(&owner));
+    }
+    return owner;
 }
 
 SIZE outerSize(HWND window, int width, int height) {

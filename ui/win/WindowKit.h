@@ -4,9 +4,15 @@
 
 #include <windows.h>
 
+#include <initializer_list>
 #include <string>
 
+#include "ui/Area.h"
+
 namespace zoka {
+
+// The module that this code is in, the DLL or the program: what its window classes are registered with.
+HINSTANCE ownModule();
 
 // The fonts of one window, and sizes in dialog units (quarters of the font's average width, eighths of its
 // height), so that everything grows with the font and the font with the screen's resolution. Outlives the
@@ -17,6 +23,10 @@ public:
     ~WindowFonts();
     WindowFonts(const WindowFonts&) = delete;
     WindowFonts& operator=(const WindowFonts&) = delete;
+
+    // The system's font or the screen has changed: gives all controls of `window` their new fonts and sizes. `dpi` is
+    // the resolution of the window's screen, 0: the system's. False when nothing is different.
+    bool renew(HWND window, int dpi);
 
     HFONT text() const { return m_text; }
     // As large, each character as wide as the others.
@@ -29,10 +39,12 @@ public:
     int dpi() const { return m_dpi; }
     int lineHeight() const { return m_base.cy; }
     int fixedWidth() const { return m_fixedWidth; }
-    // Width of a label's text in pixels; its '&' is not shown.
+    // Width that a label needs for its text, in pixels; its '&' is not shown.
     int labelWidth(const std::string& text) const;
 
 private:
+    void make(int dpi);
+
     HFONT m_text = nullptr;
     HFONT m_fixed = nullptr;
     SIZE m_base{};
@@ -51,13 +63,37 @@ inline constexpr int kLabelHeightUnits = 9;
 // A visible child without a size yet; null when it can't be made.
 HWND makeControl(HWND parent, const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                  HFONT font);
+// A label of one line; its '&' marks the letter of the control that is made next.
+HWND makeLabel(HWND parent, const char* text, const WindowFonts& fonts, int id = -1);
+HWND makeButton(HWND parent, const char* text, int id, const WindowFonts& fonts, bool isDefault = false);
+// A drop list of fixed choices.
+HWND makeDropList(HWND parent, int id, const WindowFonts& fonts);
+// A field of one line, with its text in the middle of its height, as the labels, lists and buttons beside it have it.
+// `style`: further edit styles.
+HWND makeField(HWND parent, int id, const WindowFonts& fonts, DWORD style = 0);
+// Gives that to an edit control of one line, whatever its class.
+void centreFieldText(HWND edit);
 // A field of several lines to read and copy from: Tab, Enter and Escape are the dialog's, Ctrl+A selects all.
 // Its scroll bar is there when it is needed.
 HWND makeReadOnlyText(HWND parent, int id, HFONT font);
 // `x`, `y`, `width`, `height` in pixels of the parent.
 void place(HWND control, int x, int y, int width, int height);
+inline void place(HWND control, const Area& area) {
+    place(control, area.x, area.y, area.width, area.height);
+}
 // For a drop list: `height` is the closed one; it opens for up to 16 items.
 void placeDropList(HWND control, int x, int y, int width, int height);
+inline void placeDropList(HWND control, const Area& area) {
+    placeDropList(control, area.x, area.y, area.width, area.height);
+}
+// Cuts the width of a label off the left of a row of controls, or `width` where several are to be alike, and puts it
+// there, its text as high as that of the controls.
+void placeLabel(HWND label, Area& row, const WindowFonts& fonts, int width = 0);
+// Puts a label above what it names, and cuts its height off the top of that area.
+void placeLabelAbove(HWND label, Area& area, const WindowFonts& fonts);
+// Cuts buttons of the usual width off the right of a row, the last one first.
+void placeButtonsRight(std::initializer_list<HWND> buttons, Area& row, const WindowFonts& fonts,
+                       int units = kButtonWidthUnits);
 
 std::string textOf(HWND window);
 // Does nothing when the window shows the text already, so nothing flickers.
@@ -66,10 +102,13 @@ void enable(HWND control, bool enabled);
 // The chosen item of a drop list; empty when none is.
 std::string chosenItem(HWND dropList);
 
-// Runs a modal dialog made from its styles alone, without controls and without a size, until its procedure ends it.
-void runDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter);
-// Makes a dialog from its styles alone, without controls, not visible and without a size; null on failure.
-HWND makeDialog(HWND owner, DWORD style, DWORD exStyle, DLGPROC procedure, LPARAM parameter);
+// Both icons of a window's caption, shared, so that nobody frees them; without a module those of `owner`. Without an icon
+// of its own the system looks for another each time that it draws the caption, and needs the loader's lock for it: a
+// panel that closes while its library is unmapped would never get it.
+void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner = nullptr);
+// The window that a modal one belongs over: the thread's active window or, while another program is in front, its first
+// visible one. Null when it has none.
+HWND modalOwner();
 // Sizes a window and centres it over its owner, or on the screen without one, inside the screen's work area.
 void centreOver(HWND window, HWND owner, int width, int height);
 // Outer size of a window whose inner size is given.
