@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,7 @@ enum class EntryField {
     Picture,
     Text,
     Heading,
-    Switch,  // "1" on, "0" off
+    Switch,  // one of two values, on or off
     Slider,  // with its number field
     IntField,
     FloatField,
@@ -28,6 +29,13 @@ enum class ValueShape {
     Bare,       // ends at a blank, ':', ';', '=' or ','
     Quoted,     // between double quotes
     Bracketed,  // between '<' and '>'
+};
+
+// What few rows have.
+struct EntryExtras {
+    std::optional<std::string> standard = {};   // the value that it has where nobody has set one
+    std::vector<std::string> optionNames = {};  // as EntryFacts::options are shown; empty: as they are
+    std::string on = "1", off = "0";            // the values of a switch
 };
 
 struct EntryFacts {
@@ -52,7 +60,15 @@ struct EntryFacts {
     int lines = 0;           // of a text field: lines shown, 0 and 1 alike are one
     bool bareFeeds = false;  // its lines end in LF, not in CR LF
     int maxChars = 0;        // 0: as many as one likes
+
+    bool different = false;  // the row stands for several values, which are not equal; `value` is empty then
+    std::shared_ptr<const EntryExtras> extras = {};  // null: none
 };
+
+inline const EntryExtras& extrasOf(const EntryFacts& facts) {
+    static const EntryExtras kNone;
+    return facts.extras ? *facts.extras : kNone;
+}
 
 inline bool hasValue(EntryField field) {
     return field >= EntryField::Switch;

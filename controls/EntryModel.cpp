@@ -33,7 +33,8 @@ double nearest(double value) {
 
 }  // namespace
 
-EntryModel::EntryModel(EntryFacts facts) : m_facts(std::move(facts)), m_value(m_facts.value) {
+EntryModel::EntryModel(EntryFacts facts)
+    : m_facts(std::move(facts)), m_value(m_facts.value), m_different(m_facts.different) {
     if (isNumber(m_facts.field)) {
         m_step = m_facts.step > 0 ? m_facts.step : fallbackStep(m_facts);
         if (!m_facts.decimal) {
@@ -47,8 +48,27 @@ bool EntryModel::SetValueFromText(const std::string& text) {
     if (value != m_facts.value && !fieldRefusal(m_facts, value).empty()) {
         return false;
     }
-    m_value = std::move(value);
+    putBack(std::move(value));
     return true;
+}
+
+void EntryModel::putBack(std::string value) {
+    m_value = std::move(value);
+    m_different = false;
+}
+
+void EntryModel::setDifferent() {
+    m_value.clear();
+    m_different = true;
+}
+
+const std::string& EntryModel::blocked() const {
+    static const std::string kNot;
+    return m_blocked ? *m_blocked : kNot;
+}
+
+void EntryModel::setBlocked(const std::string& reason) {
+    m_blocked = reason.empty() ? nullptr : std::make_shared<const std::string>(reason);
 }
 
 int EntryModel::GetHeight() const {
@@ -90,11 +110,15 @@ std::string EntryModel::asWritten(const std::string& typed) const {
     return m_facts.keepPoint && digitsOnly ? typed + ".0" : typed;
 }
 
+std::string EntryModel::refusalOf(const std::string& value) const {
+    return m_blocked ? *m_blocked : entryRefusal(m_facts, value);
+}
+
 bool EntryModel::edit(const std::string& typed, std::string* why) {
     std::string value = asWritten(typed);
-    std::string refusal = entryRefusal(m_facts, value);
+    std::string refusal = refusalOf(value);
     if (refusal.empty()) {
-        m_value = std::move(value);
+        putBack(std::move(value));
         return true;
     }
     if (why) {

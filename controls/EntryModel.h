@@ -1,6 +1,7 @@
 // The value of one row: what was loaded, what it is now, which texts it takes.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,21 +18,37 @@ public:
     // Values outside the limits are taken: an entity or a script may hold them.
     bool SetValueFromText(const std::string& text) override;
     std::string GetValueText() const override { return m_value; }
-    bool HasChanged() const override { return m_value != m_facts.value; }
+    bool HasChanged() const override { return m_value != m_facts.value || m_different != m_facts.different; }
     int GetHeight() const override;
 
     const EntryFacts& facts() const { return m_facts; }
     const std::string& value() const { return m_value; }
     const std::string& loadedValue() const { return m_facts.value; }
 
+    // Puts a value there that was there before, or that comes from outside: whatever it is.
+    void putBack(std::string value);
+    // The row stands for several values, which are not equal, until it's given one.
+    bool isDifferent() const { return m_different; }
+    void setDifferent();
+    // Why the value can't be changed now, in words for the user; empty when it can.
+    const std::string& blocked() const;
+    void setBlocked(const std::string& reason);
+
     // What a user typed or chose, in the form in which it will be written: the loaded text where the number
     // is the same, and ".0" where the number must keep its point. `typed` itself where it is no number.
     std::string asWritten(const std::string& typed) const;
+    // Why the row doesn't take that form of it; empty when it does.
+    std::string refusalOf(const std::string& value) const;
     // Takes what a user typed or chose. False, with the value as it was, when it's refused; `why` (may be
     // null) then tells the reason and the allowed range.
     bool edit(const std::string& typed, std::string* why = nullptr);
 
-    bool isOn() const { return m_value != "0"; }  // of a switch
+    // Of a switch.
+    bool isOn() const { return isOnValue(m_value); }
+    bool isOnValue(const std::string& value) const { return value != extrasOf(m_facts).off; }
+    const std::string& switchValue(bool on) const {
+        return on ? extrasOf(m_facts).on : extrasOf(m_facts).off;
+    }
 
     // Of numbers: the step of the spin buttons and the slider, never 0.
     double step() const { return m_step; }
@@ -51,6 +68,8 @@ private:
     EntryFacts m_facts;
     std::string m_value;
     double m_step = 1;
+    bool m_different = false;
+    std::shared_ptr<const std::string> m_blocked;  // null: it isn't
 };
 
 }  // namespace zoka

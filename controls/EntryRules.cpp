@@ -115,8 +115,9 @@ std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
     if (std::string why = shapeRefusal(facts, text); !why.empty()) {
         return why;
     }
-    if (facts.field == EntryField::Switch && text != "0" && text != "1") {
-        return "A switch is either 1 (on) or 0 (off).";
+    if (const EntryExtras& is = extrasOf(facts);
+        facts.field == EntryField::Switch && text != is.on && text != is.off) {
+        return "A switch is either " + is.on + " (on) or " + is.off + " (off).";
     }
     if (isNumber(facts.field)) {
         return refusalOfNumber(facts, text);
@@ -125,7 +126,7 @@ std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
 }
 
 std::string entryRefusal(const EntryFacts& facts, std::string_view text) {
-    if (hasValue(facts.field) && text == facts.value) {
+    if (hasValue(facts.field) && !facts.different && text == facts.value) {
         return {};
     }
     if (std::string why = fieldRefusal(facts, text); !why.empty()) {
@@ -172,6 +173,12 @@ bool isChoice(const EntryFacts& facts, std::string_view text) {
         return std::find(list.begin(), list.end(), text) != list.end();
     };
     return in(facts.options) || (facts.hostNames && in(*facts.hostNames));
+}
+
+std::string choiceName(const EntryFacts& facts, const std::string& value) {
+    const std::vector<std::string>& names = extrasOf(facts).optionNames;
+    const auto at = std::find(facts.options.begin(), facts.options.end(), value) - facts.options.begin();
+    return static_cast<size_t>(at) < names.size() ? names[static_cast<size_t>(at)] : value;
 }
 
 std::string numberText(double value, int decimals) {

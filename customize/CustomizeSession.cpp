@@ -55,15 +55,12 @@ bool CustomizeSession::load(const std::string& fileName) {
 // Makes the rows of a script just loaded.
 void CustomizeSession::show() {
     m_panel.makeRows(hostNames());
-    showRows(false);
+    rowsMade(false);
 }
 
-void CustomizeSession::showRows(bool keepHistory) {
+void CustomizeSession::rowsMade(bool keepHistory) {
     m_defaults.reset();
-    if (!keepHistory) {
-        m_history.clear();
-    }
-    m_view->rowsReplaced();
+    showRows(m_panel.rows(), keepHistory);
 }
 
 HostNames CustomizeSession::hostNames() {
@@ -190,14 +187,8 @@ bool CustomizeSession::update() {
         m_unplaced.push_back(std::move(lost));
     }
     keepUnplaced();
-    EditHistory::Step step;
-    for (size_t i = 0; i < size(); ++i) {
-        if (row(i).HasChanged()) {
-            step.push_back({i, row(i).loadedValue(), row(i).value()});
-        }
-    }
-    m_history.add(std::move(step));
-    m_view->valuesChanged();
+    addChangesToHistory();
+    listener().valuesChanged();
     return true;
 }
 
@@ -256,95 +247,7 @@ void CustomizeSession::keepUnplaced() {
     }
 }
 
-bool CustomizeSession::setValue(size_t i, const std::string& text, std::string* why, bool typing) {
-    EntryModel& model = m_panel.row(i);
-    const std::string before = model.value();
-    if (!model.edit(text, why)) {
-        return false;
-    }
-    if (model.value() != before) {
-        m_history.add({{i, before, model.value()}}, typing);
-        m_view->valuesChanged();
-    }
-    return true;
-}
-
-void CustomizeSession::apply(size_t i, const std::string& value) {
-    m_panel.row(i).SetValueFromText(value);
-}
-
-std::optional<size_t> CustomizeSession::undo() {
-    if (!canUndo()) {
-        return std::nullopt;
-    }
-    const EditHistory::Step& step = m_history.undo();
-    for (auto change = step.rbegin(); change != step.rend(); ++change) {
-        apply(change->entry, change->before);
-    }
-    m_view->valuesChanged();
-    return step.front().entry;
-}
-
-std::optional<size_t> CustomizeSession::redo() {
-    if (!canRedo()) {
-        return std::nullopt;
-    }
-    const EditHistory::Step& step = m_history.redo();
-    for (const EditChange& change : step) {
-        apply(change.entry, change.after);
-    }
-    m_view->valuesChanged();
-    return step.front().entry;
-}
-
-size_t CustomizeSession::sectionEnd(size_t heading) const {
-    size_t last = heading + 1;
-    while (last < size() && row(last).facts().field != EntryField::Heading) {
-        ++last;
-    }
-    return last;
-}
-
-// The value that resetting would give the row; nothing when it stays as it is.
-std::optional<std::string> CustomizeSession::resetValue(size_t i, ResetTo to) {
-    if (!hasValue(row(i).facts().field)) {
-        return std::nullopt;
-    }
-    auto value = to == ResetTo::Loaded ? std::optional(row(i).loadedValue()) : defaultOf(i);
-    return value && *value != row(i).value() ? value : std::nullopt;
-}
-
-bool CustomizeSession::canReset(size_t first, size_t last, ResetTo to) {
-    for (size_t i = first; i < last; ++i) {
-        if (resetValue(i, to)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-size_t CustomizeSession::reset(size_t first, size_t last, ResetTo to) {
-    EditHistory::Step step;
-    for (size_t i = first; i < last; ++i) {
-        EntryModel& model = m_panel.row(i);
-        const auto value = resetValue(i, to);
-        if (!value) {
-            continue;
-        }
-        EditChange change{i, model.value(), *value};
-        if (model.SetValueFromText(*value)) {
-            step.push_back(std::move(change));
-        }
-    }
-    const size_t changed = step.size();
-    m_history.add(std::move(step));
-    if (changed > 0) {
-        m_view->valuesChanged();
-    }
-    return changed;
-}
-
-std::optional<std::string> CustomizeSession::defaultOf(size_t i) {
+std::optional<std::string> CustomizeSession::defaultOf(size_t i) const {
     if (!m_defaults) {
         // Once a load: the template's values matched as an update would match them.
         m_defaults.emplace(size());

@@ -7,8 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "controls/EditHistory.h"
-#include "controls/PanelFilter.h"
+#include "controls/RowEditing.h"
 #include "customize/CarryValues.h"
 #include "customize/ScriptPanel.h"
 #include "customize/WriteBack.h"
@@ -24,10 +23,6 @@ public:
     virtual void bringToFront() {}
     // To the top of all windows and released again, so that the panel isn't left behind the editor's window.
     virtual void raiseOnce() {}
-    // All rows are others than before: forget every window of a row.
-    virtual void rowsReplaced() {}
-    // Values changed, of whichever rows: show them anew.
-    virtual void valuesChanged() {}
 };
 
 enum class SaveResult {
@@ -37,14 +32,10 @@ enum class SaveResult {
     Failed,         // the user has been told
 };
 
-enum class ResetTo { Loaded, Default };
-
 // One panel's script. Host, prompt and view must outlive it. [panel thread]
-class CustomizeSession {
+class CustomizeSession : public RowEditing {
 public:
     CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view = nullptr);
-    CustomizeSession(const CustomizeSession&) = delete;
-    CustomizeSession& operator=(const CustomizeSession&) = delete;
 
     // Loads a script; without a name the level's main script. False, with the rows as they were, when there
     // is none or it can't be read; no message.
@@ -63,40 +54,20 @@ public:
     bool restore();
     bool update();
 
-    // --- Rows
+    // --- The script
     const CustomScript& script() const { return m_panel.script; }
-    size_t size() const { return m_panel.size(); }
-    const EntryModel& row(size_t i) const { return m_panel.row(i); }
     const CustomEntry& entry(size_t i) const { return m_panel.script.entries[i]; }
-    size_t changedCount() const { return countChanges(m_panel.script); }
-
-    // --- Edits
-    // What the user typed or chose. False with the reason, and the value as it was, when it's refused. With
-    // `typing` the edits of one field become one step of undo, until leaveField.
-    bool setValue(size_t i, const std::string& text, std::string* why = nullptr, bool typing = false);
-    void leaveField() { m_history.endJoining(); }
-    bool canUndo() const { return m_history.canUndo(); }
-    bool canRedo() const { return m_history.canRedo(); }
-    // The row to be shown; nothing when there was nothing to undo or do again.
-    std::optional<size_t> undo();
-    std::optional<size_t> redo();
-    // Each is one step of undo; how many values changed. Rows without a known default keep their values.
-    size_t resetRow(size_t i, ResetTo to) { return reset(i, i + 1, to); }
-    size_t resetSection(size_t heading, ResetTo to) { return reset(heading, sectionEnd(heading), to); }
-    size_t resetAll(ResetTo to) { return reset(0, size(), to); }
-    // Whether that would change any of the rows from `first` to in front of `last`.
-    bool canReset(size_t first, size_t last, ResetTo to);
-    // Behind the last row of a section.
-    size_t sectionEnd(size_t heading) const;
+    std::string subject() const override { return m_panel.script.scriptPath; }
     // The value in the template folder's copy of the script; nothing where it has no such entry.
-    std::optional<std::string> defaultOf(size_t i);
+    std::optional<std::string> defaultOf(size_t i) const override;
+    const char* defaultName() const override { return "the template's &default"; }
 
     // --- What is shown
-    PanelFilter filter;
-    std::vector<bool> visibleRows() const;
-    // Label, default, allowed range, id and the script's line, a line each.
-    std::string tooltip(size_t i);
-    std::string helpText(size_t i) const;
+    // The entry's id and its line in the script.
+    std::string details(size_t i) const override;
+    // Beside the script, or else in the template folder.
+    std::string picturePath(const std::string& name) const override;
+    std::string emptyText() const override;
     // "C:\game\fog.kez:12".
     std::string placeInScript(size_t i) const;
     std::vector<LineChange> changes() const;
@@ -112,12 +83,9 @@ private:
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
     bool load(const std::string& fileName);
     void show();
-    void showRows(bool keepHistory);
+    void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
     bool mayDropChanges();
-    std::optional<std::string> resetValue(size_t i, ResetTo to);
-    size_t reset(size_t first, size_t last, ResetTo to);
-    void apply(size_t i, const std::string& value);
 
     // Save's steps; each tells the user itself when it fails.
     std::optional<SaveResult> settleChangesFromOutside();
@@ -136,8 +104,7 @@ private:
     CustomizeView* m_view;
     CustomizeView m_noView;
     ScriptPanel m_panel;
-    EditHistory m_history;
-    std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for
+    mutable std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for
     std::vector<UnplacedValue> m_unplaced;
     std::string m_problem;
 };

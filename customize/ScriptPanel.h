@@ -1,6 +1,7 @@
 // A loaded script with the rows that show it.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ public:
     // names anew. The script holds the new values already, and has the same entries.
     void settleRows(const HostNames& hostNames);
     size_t size() const { return m_rows.size(); }
+    std::span<EntryModel> rows() { return m_rows; }
     EntryModel& row(size_t i) { return m_rows[i]; }
     const EntryModel& row(size_t i) const { return m_rows[i]; }
 

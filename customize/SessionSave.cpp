@@ -75,14 +75,8 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
     }
     show();
     m_unplaced = carryValues(values, m_panel);
-    EditHistory::Step step;
-    for (size_t i = 0; i < size(); ++i) {
-        if (row(i).HasChanged()) {
-            step.push_back({i, row(i).loadedValue(), row(i).value()});
-        }
-    }
-    m_history.add(std::move(step));
-    m_view->valuesChanged();
+    addChangesToHistory();
+    listener().valuesChanged();
     if (m_unplaced.empty()) {
         return hasChanges(m_panel.script) ? std::nullopt : std::optional(SaveResult::NothingToSave);
     }
@@ -187,13 +181,13 @@ SaveResult CustomizeSession::save() {
         if (kept) {
             applyEdits(m_panel.script, edits, std::move(text));
             m_panel.settleRows(hostNames());
-            showRows(true);
+            rowsMade(true);
         } else {
             saved.script.scriptPath = path;
             const bool keepHistory = sameRows(m_panel.script, saved.script);
             m_panel = std::move(saved);
             m_panel.makeRows(hostNames());
-            showRows(keepHistory);
+            rowsMade(keepHistory);
         }
         return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.error);
     }

@@ -1,59 +1,30 @@
 // What the panel says about its rows.
-#include "controls/EntryRules.h"
 #include "customize/CustomizeSession.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
 
 namespace zoka {
-namespace {
 
-std::string onOneLine(const std::string& text) {
-    std::string made;
-    for (const char c : text) {
-        if (c == '\n') {
-            made += ' ';
-        } else if (c != '\r') {
-            made += c;
-        }
+std::string CustomizeSession::details(size_t i) const {
+    std::string text;
+    if (hasValue(row(i).facts().field)) {
+        text = entry(i).id >= 1 ? "id " + std::to_string(entry(i).id)
+                                : "no id: an update does not keep the value";
+        text += "\r\n";
     }
-    return made;
+    return text + "line " + std::to_string(entry(i).line);
 }
 
-}  // namespace
-
-std::vector<bool> CustomizeSession::visibleRows() const {
-    std::vector<FilterItem> items;
-    items.reserve(size());
-    for (size_t i = 0; i < size(); ++i) {
-        items.push_back({row(i).facts().field, entry(i).label, entry(i).help, row(i).HasChanged()});
-    }
-    return filter.visible(items);
+std::string CustomizeSession::picturePath(const std::string& name) const {
+    const std::string own = joinPath(folderOf(script().scriptPath), name);
+    return osFiles().search(own) ? own : m_host.TemplatePath(name);
 }
 
-std::string CustomizeSession::tooltip(size_t i) {
-    const EntryFacts& facts = row(i).facts();
-    std::string text = facts.label;
-    const auto line = [&](const std::string& one) { text += "\r\n" + one; };
-    if (hasValue(facts.field)) {
-        if (const auto value = defaultOf(i)) {
-            line("default: " + onOneLine(*value));
-        }
-        if (row(i).HasChanged()) {
-            line("loaded: " + onOneLine(row(i).loadedValue()));
-        }
-        if (const std::string range = allowedRange(facts); !range.empty()) {
-            line(range);
-        }
-        if (facts.maxChars > 0) {
-            line("at most " + std::to_string(facts.maxChars) + " characters");
-        }
-        line(entry(i).id >= 1 ? "id " + std::to_string(entry(i).id)
-                              : "no id: an update does not keep the value");
+std::string CustomizeSession::emptyText() const {
+    if (script().scriptPath.empty()) {
+        return m_problem.empty() ? "There is no script." : m_problem;
     }
-    line("line " + std::to_string(entry(i).line));
-    return text;
-}
-
-std::string CustomizeSession::helpText(size_t i) const {
-    return entry(i).help.empty() ? "No Help" : entry(i).help;
+    return size() == 0 ? "This script has nothing to customize." : "No entry matches.";
 }
 
 std::string CustomizeSession::placeInScript(size_t i) const {

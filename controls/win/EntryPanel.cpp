@@ -14,7 +14,7 @@ constexpr size_t kSearchedForField = 200;  // rows without a field are passed ov
 
 }  // namespace
 
-EntryPanel::EntryPanel(EntryHost& host) : m_host(host), m_layout(0, 0, 0) {}
+EntryPanel::EntryPanel(RowEditing& rows, RowHost& host) : m_editing(rows), m_host(host), m_layout(0, 0, 0) {}
 
 EntryPanel::~EntryPanel() {
     freeFonts();
@@ -69,8 +69,8 @@ void EntryPanel::freeFonts() {
 }
 
 const PictureStore::Bitmap& EntryPanel::picture(size_t row) {
-    const std::string& name = m_host.rowModel(row).facts().label;
-    return m_pictures.get(name, [&] { return m_host.picturePath(name); });
+    const std::string& name = m_editing.row(row).facts().label;
+    return m_pictures.get(name, [&] { return m_editing.picturePath(name); });
 }
 
 SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) const {
@@ -98,7 +98,7 @@ int EntryPanel::textHeight(const std::string& text, int width) const {
 }
 
 int EntryPanel::heightOf(size_t row, int width) {
-    const EntryModel& model = m_host.rowModel(row);
+    const EntryModel& model = m_editing.row(row);
     const EntryFacts& facts = model.facts();
     if (facts.field == EntryField::Picture) {
         const PictureStore::Bitmap& shown = picture(row);
@@ -130,6 +130,7 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
         m_lastFocused.reset();
         m_top = 0;
     }
+    m_filled = true;
     // A window that goes away with the keyboard has nothing to say about its row any more.
     m_live.clear();
     m_pictures.clear();
@@ -142,8 +143,8 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     }
     const HDC dc = GetDC(m_window);
     const HGDIOBJ old = SelectObject(dc, m_bold);
-    for (size_t row = 0; row < std::min(m_host.rowCount(), kMeasuredLabels); ++row) {
-        const EntryFacts& facts = m_host.rowModel(row).facts();
+    for (size_t row = 0; row < std::min(m_editing.size(), kMeasuredLabels); ++row) {
+        const EntryFacts& facts = m_editing.row(row).facts();
         SIZE size{};
         if (hasValue(facts.field) && facts.field != EntryField::Switch &&
             GetTextExtentPoint32A(dc, facts.label.c_str(), static_cast<int>(facts.label.size()), &size)) {
@@ -165,6 +166,11 @@ void EntryPanel::showValues() {
     }
 }
 
+void EntryPanel::fold(size_t heading, bool folded) {
+    m_editing.filter.setFolded(heading, folded);
+    layoutSoon();
+}
+
 void EntryPanel::layoutSoon() {
     if (m_window && !m_laidOutSoon) {
         m_laidOutSoon = PostMessageA(m_window, kLayoutRows, 0, 0) != 0;
@@ -179,22 +185,22 @@ void EntryPanel::layout() {
     GetClientRect(m_window, &area);
     const int height = static_cast<int>(area.bottom);
     const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
-    std::vector<PanelItem> items(m_host.rowCount());
+    std::vector<PanelItem> items(m_editing.size());
     if (m_textHeights.size() != items.size() || m_textWidth != width) {
         m_textHeights.assign(items.size(), 0);
     }
     m_textWidth = width;
-    const std::vector<bool> shown = m_host.rowsShown();
+    const std::vector<bool> shown = m_editing.visibleRows();
     for (size_t row = 0; row < items.size(); ++row) {
         items[row].visible = shown[row];
         if (!shown[row]) {
             continue;
         }
         items[row].height = heightOf(row, width);
-        items[row].gapAfter = m_host.rowModel(row).facts().field != EntryField::Text;
+        items[row].gapAfter = m_editing.row(row).facts().field != EntryField::Text;
     }
     m_layout.stack(items);
-    setText(m_window, m_layout.rows().empty() ? m_host.emptyText() : "");
+    setText(m_window, m_filled && m_layout.rows().empty() ? m_editing.emptyText() : "");
     const std::vector<size_t>& rows = m_layout.rows();
     const EntryWindow* const focus = focused();
     if (!focus || m_layout.rowOfItem(focus->row()) < rows.size()) {
@@ -204,7 +210,7 @@ void EntryPanel::layout() {
     m_top = m_layout.clampScroll(m_top, height);
     const PanelLayout::Range seen = m_layout.rowsWithin(m_top, height);
     size_t next = seen.first;
-    while (next < seen.last && m_host.rowModel(rows[next]).facts().field < EntryField::Heading) {
+    while (next < seen.last && m_editing.row(rows[next]).facts().field < EntryField::Heading) {
         ++next;
     }
     if (next == seen.last) {
@@ -245,7 +251,7 @@ size_t EntryPanel::nextField(size_t row, int step) const {
             break;
         }
         at = step < 0 ? at - 1 : at + 1;
-        if (m_host.rowModel(rows[at]).facts().field >= EntryField::Heading) {
+        if (m_editing.row(rows[at]).facts().field >= EntryField::Heading) {
             return at;
         }
     }
@@ -426,7 +432,7 @@ void EntryPanel::focusLast() {
 
 void EntryPanel::focusFirst() {
     for (const size_t row : m_layout.rows()) {
-        if (hasValue(m_host.rowModel(row).facts().field)) {
+        if (hasValue(m_editing.row(row).facts().field)) {
             return focusRow(row);
         }
     }

@@ -12,19 +12,20 @@
 #include <vector>
 
 #include "controls/PanelLayout.h"
-#include "controls/win/EntryHost.h"
+#include "controls/RowEditing.h"
 #include "controls/win/EntryWindow.h"
 #include "controls/win/PictureStore.h"
+#include "controls/win/RowHost.h"
 #include "ui/win/WindowKit.h"
 
 namespace zoka {
 
 // Rows have windows while they are in sight, so that tens of thousands of rows open at once. The row with the
-// keyboard and the next ones to reach by Tab have windows too, wherever they are. The host and the object
+// keyboard and the next ones to reach by Tab have windows too, wherever they are. Rows, host and the object
 // outlive the window. [panel thread]
 class EntryPanel {
 public:
-    explicit EntryPanel(EntryHost& host);
+    EntryPanel(RowEditing& rows, RowHost& host);
     ~EntryPanel();
     EntryPanel(const EntryPanel&) = delete;
     EntryPanel& operator=(const EntryPanel&) = delete;
@@ -39,6 +40,7 @@ public:
     void showValues();
     // Which rows are shown has changed.
     void layoutSoon();
+    void layoutNow() { layout(); }
 
     // Takes what is typed in the field with the keyboard, or was in the one that has just lost it. False when
     // that was refused: the field has the keyboard again then, with the reason below it.
@@ -53,7 +55,9 @@ public:
 
     // --- For the rows' windows.
     HWND window() const { return m_window; }
-    EntryHost& host() { return m_host; }
+    RowEditing& rows() { return m_editing; }
+    RowHost& host() { return m_host; }
+    void fold(size_t heading, bool folded);
     const WindowFonts& fonts() const { return *m_fonts; }
     HFONT boldFont() const { return m_bold; }
     HFONT titleFont() const { return m_title; }
@@ -101,7 +105,8 @@ private:
     std::optional<size_t> keyboardRow();
     size_t nextField(size_t row, int step) const;
 
-    EntryHost& m_host;
+    RowEditing& m_editing;
+    RowHost& m_host;
     HWND m_window = nullptr, m_tooltip = nullptr, m_balloon = nullptr;
     const WindowFonts* m_fonts = nullptr;
     HFONT m_bold = nullptr, m_title = nullptr;
@@ -118,6 +123,7 @@ private:
     std::string m_refusal;  // and what stands below a field
     std::optional<size_t> m_refused, m_lastFocused;
     HWND m_menuField = nullptr;
+    bool m_filled = false;  // rows have been handed over
     bool m_laidOutSoon = false, m_placing = false;
     bool m_refusing = false;  // a refusal is shown, or will be
 };

@@ -53,7 +53,7 @@ void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARA
 
 void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
     const EntryWindow* const window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
-    m_tip = window ? m_host.rowTooltip(window->row()) : std::string();
+    m_tip = window ? m_editing.tooltip(window->row()) : std::string();
     info.lpszText = m_tip.data();
 }
 
@@ -94,12 +94,12 @@ void EntryPanel::menuSoon(size_t row, HWND field, LPARAM at) {
 }
 
 void EntryPanel::browse(size_t row) {
-    if (row >= m_host.rowCount()) {
+    if (row >= m_editing.size()) {
         return;
     }
     ChooserRequest request;
-    const std::string before = m_host.rowModel(row).value();
-    request.title = m_host.rowModel(row).facts().label;
+    const std::string before = m_editing.row(row).value();
+    request.title = m_editing.row(row).facts().label;
     request.startFolder = osFiles().currentFolder();
     request.filter = fileFilterFor(before);
     while (request.filter.ends_with('|')) {
@@ -107,11 +107,11 @@ void EntryPanel::browse(size_t row) {
     }
     const auto chosen = userPrompt().chooseFile(request);
     // The window may be gone, or show another script.
-    if (!chosen || !m_window || row >= m_host.rowCount()) {
+    if (!chosen || !m_window || row >= m_editing.size()) {
         return;
     }
     std::string why;
-    if (m_host.editRow(row, std::string(fileNameOf(*chosen)), &why, false)) {
+    if (m_editing.setValue(row, std::string(fileNameOf(*chosen)), &why, false)) {
         return;
     }
     const auto live = m_live.find(row);
@@ -257,7 +257,7 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             browse(wParam);
             return 0;
         case kMenuRow: {
-            if (wParam >= m_host.rowCount()) {
+            if (wParam >= m_editing.size()) {
                 m_menuField = nullptr;
                 return 0;
             }

@@ -66,7 +66,7 @@ EntryWindow::~EntryWindow() {
 }
 
 const EntryModel& EntryWindow::model() const {
-    return m_panel.host().rowModel(m_row);
+    return m_panel.rows().row(m_row);
 }
 
 bool EntryWindow::isEdit() const {
@@ -176,7 +176,7 @@ void EntryWindow::fitControls() {
 }
 
 bool EntryWindow::canTakeOver(size_t row) const {
-    const EntryFacts &is = facts(), &other = m_panel.host().rowModel(row).facts();
+    const EntryFacts &is = facts(), &other = m_panel.rows().row(row).facts();
     // What hangs on the control itself (the keyboard, the mouse, a menu) is the entry's, not the next one's.
     return m_window && is.field == other.field && is.decimal == other.decimal &&
            isMultiLine() == (other.field == EntryField::StringField && other.lines > 1) &&
@@ -298,18 +298,18 @@ void EntryWindow::typed() {
     const std::string text = fieldText();
     if (GetFocus() != m_field) {  // set by another program
         std::string why;
-        if (!m_panel.host().editRow(m_row, text, &why, false)) {
+        if (!m_panel.rows().setValue(m_row, text, &why, false)) {
             refused(why);
         }
         return showValue();
     }
     m_typing = true;
     m_why.clear();
-    if (m_panel.host().editRow(m_row, text, &m_why, true)) {
+    if (m_panel.rows().setValue(m_row, text, &m_why, true)) {
         m_panel.hideRefusal();
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
-        m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
+        m_panel.rows().setValue(m_row, m_atFocus, nullptr, true);
         if (!isNumber(facts().field)) {
             refused(m_why);
         }
@@ -334,7 +334,7 @@ bool EntryWindow::revert() {
     if (!isEdit() || (m_why.empty() && model().value() == m_atFocus)) {
         return false;
     }
-    m_panel.host().editRow(m_row, m_atFocus, nullptr, true);
+    m_panel.rows().setValue(m_row, m_atFocus, nullptr, true);
     m_panel.hideRefusal();
     showValue();
     return true;
@@ -346,7 +346,7 @@ void EntryWindow::step(int steps) {
     if (next == model().value()) {
         return refused(allowedRange(facts()));
     }
-    if (!m_panel.host().editRow(m_row, next, &why, true)) {
+    if (!m_panel.rows().setValue(m_row, next, &why, true)) {
         refused(why);
     }
     showValue();
@@ -363,12 +363,12 @@ void EntryWindow::slid(WORD code) {
     const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
     std::string why;
     if (position != model().sliderPosition() &&
-        !m_panel.host().editRow(m_row, model().textAt(position), &why, true)) {
+        !m_panel.rows().setValue(m_row, model().textAt(position), &why, true)) {
         refused(why);
     }
     showValue();
     if (code == TB_ENDTRACK) {
-        m_panel.host().rowLeft(m_row);
+        m_panel.rows().leaveField();
     }
 }
 
@@ -386,14 +386,14 @@ void EntryWindow::command(WORD code, HWND control) {
         return;
     }
     if (facts().field == EntryField::Heading && code == BN_CLICKED) {
-        m_panel.host().fold(m_row, !m_panel.host().isFolded(m_row));
+        m_panel.fold(m_row, !m_panel.rows().filter.isFolded(m_row));
         InvalidateRect(m_field, nullptr, TRUE);
     } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
         const bool on = SendMessageA(m_field, BM_GETCHECK, 0, 0) == BST_CHECKED;
-        m_panel.host().editRow(m_row, on ? "1" : "0", nullptr, false);
+        m_panel.rows().setValue(m_row, on ? "1" : "0", nullptr, false);
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
         std::string why;
-        if (!m_panel.host().editRow(m_row, chosenItem(m_field), &why, false)) {
+        if (!m_panel.rows().setValue(m_row, chosenItem(m_field), &why, false)) {
             refused(why);
             showValue();
         }
@@ -435,7 +435,7 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
                 if (!self->commit()) {
                     self->m_panel.refusedOnLeaving(self->m_row);
                 }
-                self->m_panel.host().rowLeft(self->m_row);
+                self->m_panel.rows().leaveField();
             }
             break;
         case WM_LBUTTONDOWN:

@@ -108,7 +108,7 @@ void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
     const int size = m_panel.fonts().lineHeight() / 2, left = m_panel.fonts().x(5);
     const int middle = static_cast<int>(area.top + area.bottom) / 2;
     POINT mark[3];
-    if (m_panel.host().isFolded(m_row)) {
+    if (m_panel.rows().filter.isFolded(m_row)) {
         mark[0] = {left + size / 4, middle - size / 2};
         mark[1] = {left + size / 4, middle + size / 2};
         mark[2] = {left + size * 3 / 4, middle};

@@ -42,7 +42,7 @@ public:
     bool refuses = false;
 };
 
-class NotingView : public CustomizeView {
+class NotingView : public CustomizeView, public RowsListener {
 public:
     void bringToFront() override { calls += "front "; }
     void raiseOnce() override { calls += "raise "; }
@@ -64,6 +64,7 @@ inline constexpr char kNew[] =
 
 struct Session : testing::Test {
     Session() {
+        session.setListener(&view);
         std::filesystem::create_directories(suite.native("templates"));
         host.setListItems({"me", "lamp_1", "lamp_1", "lamp_2"});
     }

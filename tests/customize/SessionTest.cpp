@@ -86,7 +86,7 @@ TEST_F(Session, ResetsGoToTheValueLoadedOrTheTemplates) {
     EXPECT_EQ(value("Lamp"), "1");
     session.redo();
     EXPECT_EQ(value("Lamp"), "0");
-    EXPECT_EQ(session.tooltip(rowOf("Range")), "Range\r\ndefault: 20\r\nallowed: 0 to 200\r\nid 1\r\nline 3");
+    EXPECT_EQ(session.tooltip(rowOf("Range")), "Range\r\nDefault: 20\r\nallowed: 0 to 200\r\nid 1\r\nline 3");
     EXPECT_EQ(session.placeInScript(rowOf("Range")), project.path("s.kez") + ":3");
     EXPECT_EQ(session.helpText(rowOf("Range")), "No Help");
     // A numbered copy has those of the template that it was made of.

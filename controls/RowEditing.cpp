@@ -1,0 +1,213 @@
+#include "controls/RowEditing.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "controls/EntryRules.h"
+
+namespace zoka {
+namespace {
+
+std::string onOneLine(const std::string& text) {
+    std::string made;
+    for (const char c : text) {
+        if (c == '\n') {
+            made += ' ';
+        } else if (c != '\r') {
+            made += c;
+        }
+    }
+    return made;
+}
+
+// A value as the row shows it.
+std::string shownValue(const EntryModel& row, const std::string& value) {
+    if (row.facts().field == EntryField::Switch) {
+        return row.isOnValue(value) ? "on" : "off";
+    }
+    return onOneLine(choiceName(row.facts(), value));
+}
+
+}  // namespace
+
+size_t RowEditing::changedCount() const {
+    return static_cast<size_t>(
+        std::count_if(m_rows.begin(), m_rows.end(), [](const EntryModel& row) { return row.HasChanged(); }));
+}
+
+void RowEditing::showRows(std::span<EntryModel> rows, bool keepHistory) {
+    m_rows = rows;
+    if (!keepHistory) {
+        m_history.clear();
+    }
+    m_listener->rowsReplaced();
+}
+
+void RowEditing::addChangesToHistory() {
+    EditHistory::Step step;
+    for (size_t i = 0; i < size(); ++i) {
+        if (row(i).HasChanged()) {
+            step.push_back({i, row(i).loadedValue(), row(i).value()});
+        }
+    }
+    m_history.add(std::move(step));
+}
+
+bool RowEditing::setValue(size_t i, const std::string& text, std::string* why, bool typing) {
+    EntryModel& model = m_rows[i];
+    std::string value = model.asWritten(text), refusal = model.refusalOf(value);
+    if (refusal.empty() && !model.isDifferent() && value == model.value()) {
+        return true;
+    }
+    std::string before = stateOf(i);
+    if (!refusal.empty() || !store(i, value, refusal)) {
+        if (why) {
+            *why = std::move(refusal);
+        }
+        return false;
+    }
+    model.putBack(value);
+    m_history.add({{i, std::move(before), stateOf(i)}}, typing);
+    m_listener->valuesChanged();
+    return true;
+}
+
+bool RowEditing::putState(size_t i, const std::string& state, std::string& why) {
+    if (!store(i, state, why)) {
+        return false;
+    }
+    m_rows[i].putBack(state);
+    return true;
+}
+
+std::optional<size_t> RowEditing::go(bool forward, std::string* why) {
+    if (forward ? !canRedo() : !canUndo()) {
+        return std::nullopt;
+    }
+    const EditHistory::Step& step = forward ? m_history.redo() : m_history.undo();
+    bool any = false;
+    std::string refusal;
+    for (size_t n = 0; n < step.size(); ++n) {
+        const EditChange& change = forward ? step[n] : step[step.size() - 1 - n];
+        any = putState(change.entry, forward ? change.after : change.before, refusal) || any;
+    }
+    const size_t shown = step.front().entry;
+    if (!any) {  // the step stays where it was
+        forward ? m_history.undo() : m_history.redo();
+        if (why) {
+            *why = std::move(refusal);
+        }
+        return std::nullopt;
+    }
+    m_listener->valuesChanged();
+    return shown;
+}
+
+std::optional<size_t> RowEditing::undo(std::string* why) {
+    return go(false, why);
+}
+
+std::optional<size_t> RowEditing::redo(std::string* why) {
+    return go(true, why);
+}
+
+size_t RowEditing::sectionEnd(size_t heading) const {
+    size_t last = heading + 1;
+    while (last < size() && row(last).facts().field != EntryField::Heading) {
+        ++last;
+    }
+    return last;
+}
+
+// The value that resetting would give the row; nothing when it stays as it is.
+std::optional<std::string> RowEditing::resetValue(size_t i, ResetTo to) const {
+    const EntryModel& model = row(i);
+    if (!hasValue(model.facts().field) || !model.blocked().empty()) {
+        return std::nullopt;
+    }
+    if (to == ResetTo::Loaded) {
+        return model.HasChanged() && !model.facts().different ? std::optional(model.loadedValue())
+                                                              : std::nullopt;
+    }
+    auto value = defaultOf(i);
+    return value && (model.isDifferent() || *value != model.value()) ? value : std::nullopt;
+}
+
+bool RowEditing::canReset(size_t first, size_t last, ResetTo to) const {
+    for (size_t i = first; i < last; ++i) {
+        if (resetValue(i, to)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+size_t RowEditing::reset(size_t first, size_t last, ResetTo to) {
+    EditHistory::Step step;
+    std::string why;
+    for (size_t i = first; i < last; ++i) {
+        const auto value = resetValue(i, to);
+        if (!value || (*value != row(i).loadedValue() && !fieldRefusal(row(i).facts(), *value).empty())) {
+            continue;
+        }
+        std::string before = stateOf(i);
+        if (!store(i, *value, why)) {
+            continue;
+        }
+        m_rows[i].putBack(*value);
+        step.push_back({i, std::move(before), stateOf(i)});
+    }
+    const size_t changed = step.size();
+    m_history.add(std::move(step));
+    if (changed > 0) {
+        m_listener->valuesChanged();
+    }
+    return changed;
+}
+
+std::vector<bool> RowEditing::visibleRows() const {
+    std::vector<FilterItem> items;
+    items.reserve(size());
+    for (const EntryModel& one : m_rows) {
+        items.push_back({one.facts().field, one.facts().label, one.facts().help, one.HasChanged()});
+    }
+    return filter.visible(items);
+}
+
+std::string RowEditing::tooltip(size_t i) const {
+    const EntryModel& model = row(i);
+    const EntryFacts& facts = model.facts();
+    std::string text = facts.label;
+    const auto line = [&](const std::string& one) { text += "\r\n" + one; };
+    if (hasValue(facts.field)) {
+        if (!model.blocked().empty()) {
+            line(model.blocked());
+        }
+        if (const auto value = defaultOf(i)) {
+            line("Default: " + shownValue(model, *value));
+        }
+        if (model.HasChanged() && !facts.different) {
+            line("Saved: " + shownValue(model, model.loadedValue()));
+        }
+        if (const std::string range = allowedRange(facts); !range.empty()) {
+            line(range);
+        }
+        if (facts.maxChars > 0) {
+            line("at most " + std::to_string(facts.maxChars) + " characters");
+        }
+    }
+    if (const std::string more = details(i); !more.empty()) {
+        line(more);
+    }
+    return text;
+}
+
+std::string RowEditing::helpText(size_t i) const {
+    return row(i).facts().help.empty() ? "No Help" : row(i).facts().help;
+}
+
+std::string RowEditing::emptyText() const {
+    return size() == 0 ? "There is nothing to edit." : "No entry matches.";
+}
+
+}  // namespace zoka

@@ -1,0 +1,22 @@
+// The window around a panel's rows, as the rows need it.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+namespace zoka {
+
+// Rows are counted from 0. [panel thread]
+class RowHost {
+public:
+    virtual ~RowHost() = default;
+
+    virtual void rowFocused(size_t row) = 0;  // its field got the keyboard
+    // `field` has the keyboard or the mouse; `at` is on the screen.
+    virtual void rowMenu(size_t row, HWND field, POINT at) = 0;
+    // A key pressed with Ctrl in a field; true when it was one of the panel's own.
+    virtual bool shortcut(WPARAM key) = 0;
+};
+
+}  // namespace zoka

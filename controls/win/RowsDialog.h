@@ -1,0 +1,134 @@
+// A window of rows: a chooser above them, search, rows and help, a row of buttons, a status line.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controls/win/RowsView.h"
+#include "ui/win/WindowKit.h"
+
+namespace zoka {
+
+struct RowsButton {
+    int id;
+    const char* text;    // with its '&'; of one whose text changes the first one
+    int units;           // its width, in dialog units
+    bool left = false;   // at the left end of the row, not at the right one
+    bool check = false;  // a check box
+};
+struct ButtonState {
+    bool enabled = true;
+    std::string text = {};  // empty: as it is
+};
+
+// Derive from it, with the session as a member, and say what the buttons do:
+//
+//     class PropertiesDialog : public RowsDialog {
+//     public:
+//         PropertiesDialog() : RowsDialog({.title = "Properties", .buttons = {{kApply, "&Apply", 44}}}) {}
+//     private:
+//         RowEditing& rows() override { return m_session; }
+//         void fillRows() override { m_session.open(...); }
+//         void pressed(int id) override { if (id == kApply) m_session.apply(); }
+//         PropertiesSession m_session;
+//     };
+//
+// A Close button stands at the right end. Made and freed on the editor's thread, everything else happens on the thread
+// of its window, which it outlives.
+class RowsDialog : protected RowsOwner {
+public:
+    struct Look {
+        std::string title;           // its place is remembered by it, until the plug-in ends
+        HINSTANCE module = nullptr;  // holds the dialog's resource and the icon
+        int icon = 0;
+        int firstId = 0;  // of its controls: chooser's label and chooser, those of a RowsView, status
+        std::vector<RowsButton> buttons = {};  // from the left; Close is added
+        const char* chooserLabel = nullptr;    // with its '&'; null: there is no chooser
+        bool statusLine = false;
+    };
+    explicit RowsDialog(Look look);
+    ~RowsDialog() override;
+    RowsDialog(const RowsDialog&) = delete;
+    RowsDialog& operator=(const RowsDialog&) = delete;
+
+    // Makes the modeless window from the dialog resource `number`, not shown yet; null on failure. On WM_CLOSE
+    // it asks mayClose() and destroys itself.
+    HWND create(HINSTANCE instance, int number);
+    // Makes the window over `owner`, which takes no input meanwhile, and returns when it is gone.
+    void runModal(HINSTANCE instance, int number, HWND owner);
+    // Fills the rows; called once, when the window is on the screen.
+    void load();
+
+protected:
+    // --- What a derived window says
+    virtual RowEditing& rows() = 0;  // the session, the same each time
+    virtual void fillRows() = 0;     // of load()
+    // A button, after what is typed was taken; rowMenuItems' items go to rowMenuChosen.
+    virtual void pressed(int id) = 0;
+    virtual ButtonState stateOf(int /*id*/) const { return {}; }
+    virtual std::string caption() const { return m_look.title; }
+    virtual std::string status() const { return {}; }
+    // False keeps the window open.
+    virtual bool mayClose() { return true; }
+    virtual void chosen(size_t /*item*/) {}  // in the chooser, by the user
+    // The window becomes the active one.
+    virtual void activated() {}
+
+    // --- What it may use
+    HWND window() const { return m_window; }  // null before and after
+    RowsView& view() { return *m_view; }      // with a window
+    const WindowFonts& fonts() const { return *m_fonts; }
+    bool isLoaded() const { return m_loaded; }
+    HWND button(int id) const { return GetDlgItem(m_window, id); }
+    // The chooser's items; it's hidden while there are fewer than two. `at`: the chosen one, or no item.
+    void setChoices(const std::vector<std::string>& items, size_t at);
+    // Shows caption, buttons and status anew.
+    void showState();
+    // Does what a button does, as by a click.
+    void press(int id) { PostMessageA(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
+    // No commands are taken while it lives: a question is open.
+    class Busy {
+    public:
+        explicit Busy(RowsDialog& dialog) : m_dialog(dialog), m_before(dialog.m_busy) {
+            dialog.m_busy = true;
+        }
+        ~Busy() { m_dialog.m_busy = m_before; }
+        Busy(const Busy&) = delete;
+        Busy& operator=(const Busy&) = delete;
+
+    private:
+        RowsDialog& m_dialog;
+        bool m_before;
+    };
+
+    void rowsChanged() override { showState(); }
+    bool takesNoCommands() const override { return m_busy; }
+
+private:
+    static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void initialise(HWND window);
+    void makeControls();
+    void layout();
+    SIZE leastSize() const;
+    INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam);
+    void command(int id, int code);
+    void closeWindow();
+    int chooserLabelId() const { return m_look.firstId; }
+    int chooserId() const { return m_look.firstId + 1; }
+    int viewId() const { return m_look.firstId + 2; }
+    int statusId() const { return viewId() + RowsView::kControls; }
+
+    Look m_look;
+    ControlClasses m_classes;
+    std::optional<RowsView> m_view;  // from the window's making on
+    std::unique_ptr<WindowFonts> m_fonts;
+    HWND m_window = nullptr;
+    size_t m_choices = 0;
+    bool m_loaded = false, m_busy = false, m_filling = false;
+};
+
+}  // namespace zoka
