@@ -275,8 +275,13 @@ void RowsDialog::command(int id, int code) {
     if (m_busy || m_view->command(id, code)) {
         return;
     }
-    if (id == IDOK) {  // Enter in a field
-        m_view->enter();
+    if (id == IDOK) {  // Enter
+        const HWND focus = GetFocus();
+        if (SendMessageA(focus, WM_GETDLGCODE, 0, 0) & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) {
+            SendMessageA(focus, BM_CLICK, 0, 0);
+        } else {
+            m_view->enter();
+        }
     } else if (id == IDCANCEL) {
         if (code == BN_CLICKED && !(GetKeyState(VK_ESCAPE) < 0 && m_view->escape())) {
             closeWindow();
