@@ -1,0 +1,44 @@
+// The numbered copies beside a file.
+#include "util/Backups.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/TempFolder.h"
+
+using namespace zoka;
+using test::TempFolder;
+
+TEST(Backups, TheNewestTenAreKept) {
+    const TempFolder folder;
+    // None of these is a copy of fog.kez.
+    for (const char* name : {"fog.kez", "fog.kez.x.bak", "fog.kez..bak", "rain.kez.40.bak"}) {
+        folder.write(name, "other");
+    }
+    const std::string path = folder.path("fog.kez");
+    for (int i = 1; i <= 12; ++i) {
+        const BackupResult kept = keepBackup(path, "text " + std::to_string(i));
+        EXPECT_TRUE(kept);
+        EXPECT_EQ(kept.path, path + "." + std::to_string(i) + ".bak");
+        EXPECT_EQ(keepBackup(path, "text " + std::to_string(i)).path, kept.path) << "not twice in a row";
+    }
+    EXPECT_EQ(folder.names().size(), 4 + kMostBackups);
+    EXPECT_EQ(folder.read("fog.kez.2.bak"), "<missing>");
+    EXPECT_EQ(folder.read("fog.kez.3.bak"), "text 3");
+    EXPECT_EQ(folder.read("fog.kez.12.bak"), "text 12");
+    EXPECT_EQ(folder.read("fog.kez.x.bak") + folder.read("rain.kez.40.bak"), "otherother");
+}
+
+TEST(Backups, OneThatCantBeMadeCostsNoOlderOne) {
+    const TempFolder folder;
+    const std::string path = folder.path("fog.kez");
+    for (int i = 1; i <= 10; ++i) {
+        keepBackup(path, std::to_string(i));
+    }
+    const auto before = folder.names();
+    const test::FaultyOsFiles full(test::FaultyOsFiles::every("write"));
+    const BackupResult kept = keepBackup(path, "new");
+    EXPECT_FALSE(kept);
+    EXPECT_NE(kept.error.find("fog.kez.11.bak"), std::string::npos) << kept.error;
+    EXPECT_EQ(folder.names(), before);
+}
