@@ -26,6 +26,7 @@ std::span<const Choice> choicesOf(PromptButtons buttons) {
         case PromptButtons::OkCancel:
             return kOkCancel;
         case PromptButtons::YesNo:
+        case PromptButtons::YesNoDefaultNo:
             return kYesNo;
         case PromptButtons::YesNoCancel:
             return kYesNoCancel;

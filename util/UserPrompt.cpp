@@ -16,6 +16,7 @@ public:
             case PromptButtons::Ok:
                 return PromptAnswer::Ok;
             case PromptButtons::YesNo:
+            case PromptButtons::YesNoDefaultNo:
                 return PromptAnswer::No;
             default:
                 return PromptAnswer::Cancel;

@@ -7,7 +7,8 @@
 
 namespace zoka {
 
-enum class PromptButtons { Ok, OkCancel, YesNo, YesNoCancel };
+// YesNoDefaultNo: where Yes gives something up, so that Enter alone doesn't.
+enum class PromptButtons { Ok, OkCancel, YesNo, YesNoDefaultNo, YesNoCancel };
 enum class PromptIcon { None, Information, Warning, Error };
 enum class PromptAnswer { Ok, Cancel, Yes, No };
 

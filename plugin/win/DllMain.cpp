@@ -23,6 +23,7 @@ public:
             case zoka::PromptButtons::Ok:
                 return zoka::PromptAnswer::Ok;
             case zoka::PromptButtons::YesNo:
+            case zoka::PromptButtons::YesNoDefaultNo:
                 return zoka::PromptAnswer::No;
             default:
                 return zoka::PromptAnswer::Cancel;

@@ -62,7 +62,9 @@ public:
 
         if (answers.empty()) {
             ADD_FAILURE() << "no answer is laid down for: " << text;
-            return buttons == PromptButtons::YesNo ? PromptAnswer::No : PromptAnswer::Cancel;
+            return buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoDefaultNo
+                       ? PromptAnswer::No
+                       : PromptAnswer::Cancel;
         }
         const PromptAnswer answer = answers.front();
         answers.pop_front();

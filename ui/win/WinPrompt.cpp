@@ -21,6 +21,8 @@ UINT buttonFlags(PromptButtons buttons) {
             return MB_OKCANCEL;
         case PromptButtons::YesNo:
             return MB_YESNO;
+        case PromptButtons::YesNoDefaultNo:
+            return MB_YESNO | MB_DEFBUTTON2;
         case PromptButtons::YesNoCancel:
             return MB_YESNOCANCEL;
         default:
@@ -83,9 +85,10 @@ PromptAnswer WinPrompt::ask(const std::string& text, const std::string& title, P
         case IDOK:
             return PromptAnswer::Ok;
         default:  // closed, or no box could be shown
-            return buttons == PromptButtons::Ok      ? PromptAnswer::Ok
-                   : buttons == PromptButtons::YesNo ? PromptAnswer::No
-                                                     : PromptAnswer::Cancel;
+            return buttons == PromptButtons::Ok ? PromptAnswer::Ok
+                   : buttons == PromptButtons::YesNo || buttons == PromptButtons::YesNoDefaultNo
+                       ? PromptAnswer::No
+                       : PromptAnswer::Cancel;
     }
 }
 
