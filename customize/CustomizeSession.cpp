@@ -4,8 +4,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
+#include "util/Backups.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -131,10 +133,28 @@ bool CustomizeSession::fetchTemplateCopy() {
     if (!equalNoCase(chosen->substr(from), path.substr(to))) {
         return refuse("Script name are not the same.\nNo Update.");
     }
+    if (!keepOwnLines(*chosen)) {
+        return false;
+    }
     if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) {
         return refuse("Copy error (1128).\nNo Update.");
     }
     return true;
+}
+
+// A script with lines that its template lacks is kept beside the new one: the user may have written them.
+bool CustomizeSession::keepOwnLines(const std::string& templatePath) {
+    const std::string& path = m_panel.script.scriptPath;
+    std::string unread;  // the copying says it
+    const auto plan = planValueUpdate(path, templatePath, unread);
+    if (!plan || plan->ownLines == 0) {
+        return true;
+    }
+    const BackupResult kept = keepBackup(path, plan->before);
+    if (!kept) {
+        m_prompt.tell(kept.error + "\nNo Update.");
+    }
+    return static_cast<bool>(kept);
 }
 
 bool CustomizeSession::restore() {
@@ -249,23 +269,11 @@ void CustomizeSession::keepUnplaced() {
 
 std::optional<std::string> CustomizeSession::defaultOf(size_t i) const {
     if (!m_defaults) {
-        // Once a load: the template's values matched as an update would match them.
-        m_defaults.emplace(size());
-        const std::string& path = m_panel.script.scriptPath;
-        auto text = templateTextFor(path, m_host.TemplatePath(std::string(fileNameOf(path))));
-        if (const std::string name = numberedTemplateOf(path); !text && !name.empty()) {
-            text = templateTextFor(path, m_host.TemplatePath(name));
-        }
-        if (text) {
-            ScriptPanel original;
-            takeCustomText(std::move(*text), original.script);
-            const std::vector<std::ptrdiff_t> places = matchEntries(m_panel.script, original.script);
-            for (size_t row = 0; row < places.size(); ++row) {
-                if (places[row] >= 0) {
-                    (*m_defaults)[row] = original.script.entries[static_cast<size_t>(places[row])].value;
-                }
-            }
-        }
+        // Once a load.
+        const CustomScript& script = m_panel.script;
+        const auto original = templatePathFor(script.scriptPath, m_host.TemplatePath(""));
+        auto values = original ? templateDefaults(script, *original) : std::nullopt;
+        m_defaults = values ? std::move(*values) : std::vector<std::optional<std::string>>(size());
     }
     return (*m_defaults)[i];
 }

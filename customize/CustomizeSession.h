@@ -85,6 +85,7 @@ private:
     void show();
     void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
+    bool keepOwnLines(const std::string& templatePath);
     bool mayDropChanges();
 
     // Save's steps; each tells the user itself when it fails.

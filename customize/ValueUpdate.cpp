@@ -1,10 +1,13 @@
 #include "customize/ValueUpdate.h"
 
+#include <algorithm>
+#include <unordered_map>
 #include <utility>
 
+#include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/WriteBack.h"
-#include "util/LexChars.h"
+#include "util/Backups.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -12,25 +15,25 @@
 namespace zoka {
 namespace {
 
-constexpr std::string_view kNumberMark = "%_%";
-
-// What stands between "_" and the extension, when that is a number: "3" of "lift_3.kez".
-std::string_view copyNumberOf(std::string_view name) {
-    size_t digits = 0;
-    while (digits < name.size() && lex::isDecimal(name[name.size() - digits - 1])) {
-        ++digits;
+// The lines of `text` that count for linesLost: without their ends and the blanks before them.
+template <class OnLine>
+void forEachLine(std::string_view text, const OnLine& onLine) {
+    while (!text.empty()) {
+        const size_t length = std::min(text.find('\n'), text.size());
+        const std::string_view line = text.substr(0, length);
+        onLine(line.substr(0, line.find_last_not_of(" \t\r") + 1));
+        text.remove_prefix(std::min(length + 1, text.size()));
     }
-    const bool numbered = digits > 0 && digits < name.size() && name[name.size() - digits - 1] == '_';
-    return numbered ? name.substr(name.size() - digits) : std::string_view();
 }
 
-std::string withNumber(const std::string& text, const std::string& replacement) {
-    std::string made;
-    size_t at = 0;
-    for (size_t mark; (mark = text.find(kNumberMark, at)) != text.npos; at = mark + kNumberMark.size()) {
-        made.append(text, at, mark - at).append(replacement);
+// "// ver: 2" and "// date: 260101".
+bool isVersionLine(std::string_view line) {
+    if (!line.starts_with("//")) {
+        return false;
     }
-    return made.append(text, at);
+    const size_t start = std::min(line.find_first_not_of("/ \t"), line.size());
+    const std::string_view word = line.substr(start, line.find_first_of(":,; \t", start) - start);
+    return equalNoCase(word, "ver") || equalNoCase(word, "date");
 }
 
 // The edits that put the panel's values into its script. Values that would not read back are taken out.
@@ -64,24 +67,6 @@ std::string cantRead(const std::string& path) {
 
 }  // namespace
 
-std::string numberedTemplateOf(const std::string& scriptPath) {
-    const PathParts parts = splitPath(scriptPath);
-    const std::string_view number = copyNumberOf(parts.name);
-    if (number.empty()) {
-        return {};
-    }
-    return std::string(parts.name.substr(0, parts.name.size() - number.size())) + std::string(parts.ext);
-}
-
-std::optional<std::string> templateTextFor(const std::string& scriptPath, const std::string& templatePath) {
-    auto text = osFiles().readWhole(templatePath);
-    const std::string_view number = copyNumberOf(splitPath(scriptPath).name);
-    if (text && !number.empty() && equalNoCase(numberedTemplateOf(scriptPath), fileNameOf(templatePath))) {
-        return withNumber(*text, "_" + std::string(number));
-    }
-    return text;
-}
-
 std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath,
                                                std::string& why) {
     ValueUpdatePlan plan;
@@ -107,36 +92,98 @@ std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, co
     const std::vector<ScriptEdit> edits = soundEdits(updated, plan.unplaced);
     plan.kept = edits.size();
     plan.after = editedText(updated.script.fileText(), edits);
+    plan.ownLines = linesLost(plan.before, plan.after);
     return plan;
 }
 
-bool updateKeepingValues(const std::string& scriptPath, const std::string& templatePath, std::string& why,
-                         std::vector<UnplacedValue>* unplaced) {
-    auto plan = planValueUpdate(scriptPath, templatePath, why);
-    if (!plan) {
+bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
+    const std::string& path = plan.old.script.scriptPath;
+    const std::optional<std::string> now = osFiles().readWhole(path);
+    if (!now) {
+        why = cantRead(path);
         return false;
     }
-    const std::string valueFile = scriptPath + kValueFileEnding;
+    if (*now != plan.before) {
+        why = "'" + path + "' was changed on the disk meanwhile";
+        return false;
+    }
+    if (plan.after == plan.before) {
+        return true;
+    }
+    if (plan.ownLines > 0) {
+        if (const BackupResult kept = keepBackup(path, plan.before); !kept) {
+            why = kept.error;
+            return false;
+        }
+    }
+    const std::string valueFile = path + kValueFileEnding;
     // What the script holds is safe in the value file before anything is replaced.
-    SafeWriteResult written = safeWrite(valueFile, valueFileText(plan->old.script, false));
-    if (written && !keepOldValues(plan->old.script, plan->unplaced, why)) {
+    SafeWriteResult written = safeWrite(valueFile, valueFileText(plan.old.script, false));
+    if (written && !keepOldValues(plan.old.script, plan.unplaced, why)) {
         return false;
     }
     if (written) {
-        written = safeWrite(scriptPath, plan->after);
+        written = safeWrite(path, plan.after);
     }
     if (!written) {
         why = written.error;
         return false;
     }
     CustomScript updated;
-    takeCustomText(std::move(plan->after), updated);
+    takeCustomText(plan.after, updated);
     // The script has the values; a value file that can't be brought up to date still holds the same ones.
     safeWrite(valueFile, valueFileText(updated, false));
-    if (unplaced) {
-        *unplaced = std::move(plan->unplaced);
-    }
     return true;
+}
+
+std::string ownLinesQuestion(const std::vector<OwnLines>& scripts) {
+    constexpr size_t kMostNamed = 15;  // a box must fit on the screen
+    std::string text = "The template folder's version lacks lines that are in:\n";
+    for (size_t i = 0; i < std::min(scripts.size(), kMostNamed); ++i) {
+        text += "\n" + scripts[i].script + " (" + std::to_string(scripts[i].lines) +
+                (scripts[i].lines == 1 ? " line)" : " lines)");
+    }
+    if (scripts.size() > kMostNamed) {
+        text += "\nand " + std::to_string(scripts.size() - kMostNamed) + " more";
+    }
+    return text + (scripts.size() == 1
+                       ? "\n\nReplace it all the same? It is kept beside the new one, as " +
+                             scripts.front().script + ".N.bak."
+                       : "\n\nReplace these too? Each is kept beside the new one, as NAME.N.bak.");
+}
+
+std::optional<std::vector<std::optional<std::string>>> templateDefaults(const CustomScript& script,
+                                                                        const std::string& templatePath) {
+    auto text = templateTextFor(script.scriptPath, templatePath);
+    if (!text) {
+        return std::nullopt;
+    }
+    CustomScript original;
+    takeCustomText(std::move(*text), original);
+    std::vector<std::optional<std::string>> values;
+    for (const std::ptrdiff_t place : matchEntries(script, original)) {
+        values.push_back(place < 0 ? std::nullopt
+                                   : std::optional(original.entries[static_cast<size_t>(place)].value));
+    }
+    return values;
+}
+
+size_t linesLost(std::string_view before, std::string_view after) {
+    std::unordered_map<std::string_view, size_t> there;
+    forEachLine(after, [&there](std::string_view line) { ++there[line]; });
+    size_t lost = 0;
+    forEachLine(before, [&](std::string_view line) {
+        if (line.empty() || isVersionLine(line)) {
+            return;
+        }
+        const auto found = there.find(line);
+        if (found != there.end() && found->second > 0) {
+            --found->second;
+        } else {
+            ++lost;
+        }
+    });
+    return lost;
 }
 
 }  // namespace zoka

@@ -3,33 +3,47 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "customize/CarryValues.h"
 
 namespace zoka {
 
+// What an update will do, made before anything is done.
 struct ValueUpdatePlan {
     std::string before;                   // the script's bytes
-    std::string after;                    // what they will be
+    std::string after;                    // what they will be; equal to `before`: there is nothing to do
     ScriptPanel old;                      // the script as it is
     std::vector<UnplacedValue> unplaced;  // values that the new version has no place for
     size_t kept = 0;                      // values that differ from the template's own and were put in
+    size_t ownLines = 0;  // lines that the new version lacks; the script is kept beside it then
 };
 // Nothing, with the reason in `why`, when one of the two can't be read.
 std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath,
                                                std::string& why);
 
-// Replaces the script by its template with the values put in; the value file then holds them too, and what
-// found no place is added to the file of old values first. False, with the script as it was, when any of it
-// can't be done; `why` then says so in words. `unplaced` may be null.
-bool updateKeepingValues(const std::string& scriptPath, const std::string& templatePath, std::string& why,
-                         std::vector<UnplacedValue>* unplaced = nullptr);
+// Carries the plan out. A script with lines of its own is first kept as a numbered copy beside it (see
+// keepBackup), values without a place are added to the file of old values, and the value file holds the values
+// before and after. False, with the script as it was, when any of it can't be done or the script is another
+// one by now than was planned for; `why` then says so in words.
+bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why);
 
-// The template's bytes as they are for the script: a numbered copy ("lift_3.kez" of "lift_.kez") has its
-// number in the place of each "%_%". Nothing when the file can't be read.
-std::optional<std::string> templateTextFor(const std::string& scriptPath, const std::string& templatePath);
-// The file name of the template that a numbered copy was made of; empty for a name that ends in no number.
-std::string numberedTemplateOf(const std::string& scriptPath);
+struct OwnLines {
+    std::string script;  // its file name
+    size_t lines = 0;
+};
+// The question before scripts with lines of their own are replaced; Yes replaces them too.
+std::string ownLinesQuestion(const std::vector<OwnLines>& scripts);
+
+// For each entry of `script` the value that it has in its template, the counterparts found as an update finds
+// them. Nothing when the template can't be read.
+std::optional<std::vector<std::optional<std::string>>> templateDefaults(const CustomScript& script,
+                                                                        const std::string& templatePath);
+
+// How many lines of `before` a text `after` lacks: each counts as often as it stands there, wherever it stands.
+// Neither its line end nor blanks behind it count, nor do empty lines and the comments that name a script's
+// version and date, which every version has its own of. Linear.
+size_t linesLost(std::string_view before, std::string_view after);
 
 }  // namespace zoka

@@ -17,18 +17,12 @@ std::string destinationIn(const std::string& folder, const std::string& source) 
     return folder + "\\" + std::string(fileNameOf(source));
 }
 
-// "camera_.kez" and 3 make "camera_3.kez".
-std::string numbered(const std::string& path, unsigned number) {
-    const size_t dot = path.rfind('.');
-    return path.substr(0, dot) + std::to_string(number) + path.substr(dot);
-}
-
 // The number of the first copy of the numbered template that exists neither on the disk nor in `taken`
 // (lowered paths); nothing when the name would become too long.
 std::optional<unsigned> freeNumber(const std::string& path,
                                    const std::unordered_set<std::string>& taken = {}) {
     for (unsigned number = 0;; ++number) {
-        const std::string candidate = numbered(path, number);
+        const std::string candidate = numberedCopy(path, number);
         if (candidate.size() > kLongestPath) {
             return {};
         }
@@ -41,21 +35,13 @@ std::optional<unsigned> freeNumber(const std::string& path,
 // The needs of a copy that doesn't exist yet.
 ScriptFacts factsOfCopy(const std::string& source, unsigned number) {
     ScriptFacts facts = readScriptFacts(source);
-    const std::string marker = kCopyMarker;
     for (std::string& need : facts.needs) {
-        for (size_t at; (at = need.find(marker)) != std::string::npos;) {
-            need.replace(at, marker.size(), "_" + std::to_string(number));
-        }
+        need = withCopyMark(need, copyMark(number));
     }
     return facts;
 }
 
 }  // namespace
-
-bool IsNumberedTemplate(const std::string& path) {
-    const PathParts parts = splitPath(path);
-    return equalNoCase(parts.ext, ".kez") && parts.name.ends_with('_');
-}
 
 std::string AddPlan::summary() const {
     if (!problem.empty()) {
@@ -111,8 +97,8 @@ bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string
             m_error = destination + " is too long a path for one more copy";
             return false;
         }
-        destination = numbered(destination, *number);
-        substitutions.emplace_back(kCopyMarker, "_" + std::to_string(*number));
+        destination = numberedCopy(destination, *number);
+        substitutions.emplace_back(kCopyMarker, copyMark(*number));
     } else if (osFiles().exists(destination) &&
                m_prompt.ask(destination + "\nFile exist! Overwrite?", "ZOKA", PromptButtons::OkCancel,
                             PromptIcon::Warning) != PromptAnswer::Ok) {
@@ -233,7 +219,7 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
             plan.problem = path + " is too long a path for one more copy";
             return plan;
         }
-        path = numbered(path, *number);
+        path = numberedCopy(path, *number);
         taken.insert(lowered(path));
         sources[path] = {source, *number};
         plan.copies.push_back({source, path});

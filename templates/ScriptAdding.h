@@ -6,19 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "customize/NumberedScripts.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/IncludeList.h"
 #include "templates/ScriptFolders.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
-
-// In a numbered template's text; each copy holds "_" and its number there instead.
-inline constexpr const char* kCopyMarker = "%_%";
-
-// Whether the file is copied under a fresh number each time: its extension is "kez", in any case, and the
-// last character of its name before that is "_".
-bool IsNumberedTemplate(const std::string& path);
 
 // What adding would do, told before it is done.
 struct AddPlan {

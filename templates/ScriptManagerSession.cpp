@@ -87,14 +87,8 @@ std::optional<std::uint32_t> ScriptManagerSession::templateOf(const std::string&
     if (const auto record = m_catalogue.recordByFilenameNoCase(fileName)) {
         return record;
     }
-    // A numbered copy: "camera_12.kez" is one of "camera_.kez".
-    const PathParts parts = splitPath(fileName);
-    const size_t end = parts.name.find_last_not_of("0123456789");
-    if (end == std::string_view::npos || parts.name[end] != '_' || end + 1 == parts.name.size()) {
-        return std::nullopt;
-    }
-    const std::string original = std::string(parts.name.substr(0, end + 1)) + std::string(parts.ext);
-    return IsNumberedTemplate(original) ? m_catalogue.recordByFilenameNoCase(original) : std::nullopt;
+    const std::string original = numberedTemplateOf(fileName);
+    return original.empty() ? std::nullopt : m_catalogue.recordByFilenameNoCase(original);
 }
 
 void ScriptManagerSession::readIncluded() {

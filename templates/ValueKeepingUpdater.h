@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "customize/ValueUpdate.h"
@@ -13,7 +14,12 @@ class ValueKeepingUpdater : public ScriptUpdater {
 public:
     bool update(const std::string& projectCopy, const std::string& templateCopy, std::string& why) override {
         m_unplaced.clear();
-        return updateKeepingValues(projectCopy, templateCopy, why, &m_unplaced);
+        auto plan = planValueUpdate(projectCopy, templateCopy, why);
+        if (!plan || !updateKeepingValues(*plan, why)) {
+            return false;
+        }
+        m_unplaced = std::move(plan->unplaced);
+        return true;
     }
     // They are in the file of old values too.
     std::string unplaced() const override { return unplacedText(m_unplaced); }

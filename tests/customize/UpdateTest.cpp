@@ -20,7 +20,8 @@ TEST_F(Session, RestoreLoadsTheTemplatesCopy) {
     EXPECT_EQ(session.changedCount(), 0u);
     EXPECT_THAT(prompt.texts(), ElementsAre("Restore values to default??", "Restore values to default??"));
     EXPECT_EQ(view.calls, "raise rows front ");
-    EXPECT_THAT(project.names(), ElementsAre("s.kez"));
+    EXPECT_THAT(project.names(), ElementsAre("s.kez", "s.kez.1.bak"));
+    EXPECT_EQ(project.read("s.kez.1.bak"), kOld) << "it held lines that the template lacks";
 }
 
 TEST_F(Session, FetchingACopyRefusesWhatIsNoCopyOfTheScript) {
@@ -121,7 +122,8 @@ TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
         const std::string path = project.write("s.kez", mine);
         std::string why;
         FaultyOsFiles disk(FaultyOsFiles::nth(failing));
-        const bool updated = updateKeepingValues(path, original, why);
+        const auto plan = planValueUpdate(path, original, why);
+        const bool updated = plan && updateKeepingValues(*plan, why);
         done = disk.operations() < failing;
         EXPECT_EQ(project.read("s.kez"), updated ? expected : mine) << failing;
         EXPECT_EQ(why.empty(), updated) << why;
@@ -134,12 +136,50 @@ TEST_F(Session, ASwitchThatBecameAListGivesItsValueBack) {
     const auto samples = sampleScripts();
     std::string why;
     const std::string path = project.write("weapon_pistol.kez", samples.at("weapon_pistol"));
-    std::vector<UnplacedValue> unplaced;
-    ASSERT_TRUE(updateKeepingValues(path, suite.write("weapon_pistol.kez", samples.at("newer/weapon_pistol")),
-                                    why, &unplaced));
-    ASSERT_EQ(unplaced.size(), 1u);
-    EXPECT_EQ(unplaced[0].kept.id, 9);
-    EXPECT_THAT(unplaced[0].reason, HasSubstr("not one of its choices"));
+    const auto plan =
+        planValueUpdate(path, suite.write("weapon_pistol.kez", samples.at("newer/weapon_pistol")), why);
+    ASSERT_TRUE(plan);
+    ASSERT_EQ(plan->unplaced.size(), 1u);
+    EXPECT_EQ(plan->unplaced[0].kept.id, 9);
+    EXPECT_THAT(plan->unplaced[0].reason, HasSubstr("not one of its choices"));
+}
+
+TEST(ValueUpdate, CountsTheLinesThatTheNewVersionLacks) {
+    struct Row {
+        const char *before, *after;
+        size_t lost;
+    };
+    for (const Row& row : {Row{"", "a\n", 0}, Row{"a\nb", "b\r\na  \r\n", 0}, Row{"a\na\na", "a\n", 2},
+                           Row{"\r\n \n", "", 0}, Row{"// ver: 1\n//DATE: 5\n// date;", "", 0},
+                           Row{"// verse: 1\n//\nver: 1\n// mine", "", 4}, Row{"x", "X", 1}}) {
+        EXPECT_EQ(linesLost(row.before, row.after), row.lost) << row.before;
+    }
+}
+
+TEST_F(Session, AScriptWithLinesOfItsOwnIsKeptBesideTheNewOne) {
+    std::string mine = kOld;
+    mine += "function mine() {}\n";
+    const std::string original = suite.write("templates/s.kez", kNew), path = project.write("s.kez", mine);
+    std::string why;
+    const auto plan = planValueUpdate(path, original, why);
+    ASSERT_TRUE(plan);
+    EXPECT_GE(plan->ownLines, 1u);
+    // One that was changed since it was planned for is left alone.
+    project.write("s.kez", mine + "// later\n");
+    EXPECT_FALSE(updateKeepingValues(*plan, why));
+    EXPECT_THAT(why, HasSubstr("changed on the disk"));
+    EXPECT_EQ(project.names(), std::vector<std::string>{"s.kez"});
+    project.write("s.kez", mine);
+    {
+        // Without the copy nothing is replaced.
+        const FaultyOsFiles full(FaultyOsFiles::every("write"));
+        EXPECT_FALSE(updateKeepingValues(*plan, why));
+        EXPECT_THAT(why, HasSubstr("s.kez.1.bak"));
+    }
+    EXPECT_EQ(project.read("s.kez"), mine);
+    EXPECT_TRUE(updateKeepingValues(*plan, why)) << why;
+    EXPECT_EQ(project.read("s.kez.1.bak"), mine);
+    EXPECT_EQ(project.read("s.kez"), plan->after);
 }
 
 }  // namespace

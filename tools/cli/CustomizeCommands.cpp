@@ -10,6 +10,7 @@
 #include "controls/EntryRules.h"
 #include "customize/CustomizeSession.h"
 #include "customize/EntriesText.h"
+#include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
 #include "plugin/host/FolderHost.h"
@@ -127,8 +128,7 @@ std::string templateFile(const std::string& script, const std::string& given) {
     if (!entry || !entry->isFolder) {
         return path;
     }
-    const std::string same = joinPath(path, fileNameOf(script)), numbered = numberedTemplateOf(script);
-    return osFiles().exists(same) || numbered.empty() ? same : joinPath(path, numbered);
+    return templatePathFor(script, joinPath(path, "")).value_or(joinPath(path, fileNameOf(script)));
 }
 
 Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
@@ -249,17 +249,9 @@ ExitStatus set(const CustomizeOptions& options) {
 std::optional<std::vector<std::optional<std::string>>> templateValues(OpenScript& open,
                                                                       const std::string& given) {
     const std::string path = templateFile(open.path(), given);
-    auto text = templateTextFor(open.path(), path);
-    if (!text) {
+    auto values = templateDefaults(open.session().script(), path);
+    if (!values) {
         complain("cannot read " + path + ": " + osFiles().lastError());
-        return std::nullopt;
-    }
-    CustomScript original;
-    takeCustomText(std::move(*text), original);
-    std::vector<std::optional<std::string>> values;
-    for (const std::ptrdiff_t place : matchEntries(open.session().script(), original)) {
-        values.push_back(place < 0 ? std::nullopt
-                                   : std::optional(original.entries[static_cast<size_t>(place)].value));
     }
     return values;
 }
@@ -354,7 +346,7 @@ ExitStatus update(const CustomizeOptions& options) {
     }
     if (options.dryRun) {
         print(unifiedDifference(plan->before, plan->after, path, path));
-    } else if (!updateKeepingValues(path, original, why, &plan->unplaced)) {
+    } else if (!updateKeepingValues(*plan, why)) {
         complain(why + "; not updated");
         return ExitStatus::Failed;
     }
