@@ -13,12 +13,13 @@ enum class EntryField {
     Picture,
     Text,
     Heading,
-    Switch,  // one of two values, on or off
+    Switch,  // "1" on, "0" off
     Slider,  // with its number field
     IntField,
     FloatField,
     FileField,
     StringField,
+    ColourField,  // a text with a swatch and a chooser; see Colour.h
     DropList,
 };
 
@@ -33,9 +34,7 @@ enum class ValueShape {
 
 // What few rows have.
 struct EntryExtras {
-    std::optional<std::string> standard = {};   // the value that it has where nobody has set one
-    std::vector<std::string> optionNames = {};  // as EntryFacts::options are shown; empty: as they are
-    std::string on = "1", off = "0";            // the values of a switch
+    std::optional<std::string> standard = {};  // the value that it has where nobody has set one
 };
 
 struct EntryFacts {

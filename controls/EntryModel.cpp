@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "controls/Colour.h"
 #include "controls/EntryRules.h"
 
 namespace zoka {
@@ -89,6 +90,7 @@ int EntryModel::GetHeight() const {
         case EntryField::IntField:
         case EntryField::FloatField:
         case EntryField::FileField:
+        case EntryField::ColourField:
         case EntryField::DropList:
             break;
     }
@@ -96,6 +98,12 @@ int EntryModel::GetHeight() const {
 }
 
 std::string EntryModel::asWritten(const std::string& typed) const {
+    if (m_facts.field == EntryField::ColourField) {
+        const auto colour = colourOf(typed);
+        return !colour                             ? typed
+               : colourOf(m_facts.value) == colour ? m_facts.value
+                                                   : colourText(*colour, m_facts.value);
+    }
     if (!isNumber(m_facts.field)) {
         return typed;
     }

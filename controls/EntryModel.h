@@ -43,12 +43,7 @@ public:
     // null) then tells the reason and the allowed range.
     bool edit(const std::string& typed, std::string* why = nullptr);
 
-    // Of a switch.
-    bool isOn() const { return isOnValue(m_value); }
-    bool isOnValue(const std::string& value) const { return value != extrasOf(m_facts).off; }
-    const std::string& switchValue(bool on) const {
-        return on ? extrasOf(m_facts).on : extrasOf(m_facts).off;
-    }
+    bool isOn() const { return m_value != "0"; }  // of a switch
 
     // Of numbers: the step of the spin buttons and the slider, never 0.
     double step() const { return m_step; }

@@ -4,12 +4,13 @@
 #include <charconv>
 #include <cmath>
 
+#include "controls/Colour.h"
 #include "util/LexChars.h"
 
 namespace zoka {
 namespace {
 
-constexpr std::string_view kEmptyBare = "A value must stand here: without one the definition would break.";
+constexpr std::string_view kEmptyBare = "A value is required here.";
 constexpr double kNoLimit = 999999.0;  // what a missing limit is read as
 
 std::string refusalOfBare(std::string_view text) {
@@ -50,12 +51,11 @@ std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
     }
     const std::string range = allowedRange(facts).empty() ? "" : " (" + allowedRange(facts) + ")";
     if (!numberOf(text) || text.find_first_of("0123456789") == text.npos) {
-        return (facts.decimal ? "Only a number fits here: digits, one point, a sign in front"
-                              : "Only a whole number fits here") +
-               range + ".";
+        return (facts.decimal ? "Enter a number such as -1.5" : "Enter a whole number such as 15") + range +
+               ".";
     }
     if (!facts.decimal && (text.find('.') != text.npos || text.front() == '+')) {
-        return "Only a whole number fits here" + range + ".";
+        return "Enter a whole number such as 15" + range + ".";
     }
     return {};
 }
@@ -115,9 +115,11 @@ std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
     if (std::string why = shapeRefusal(facts, text); !why.empty()) {
         return why;
     }
-    if (const EntryExtras& is = extrasOf(facts);
-        facts.field == EntryField::Switch && text != is.on && text != is.off) {
-        return "A switch is either " + is.on + " (on) or " + is.off + " (off).";
+    if (facts.field == EntryField::Switch && text != "0" && text != "1") {
+        return "A switch is either 1 (on) or 0 (off).";
+    }
+    if (facts.field == EntryField::ColourField && !colourOf(text)) {
+        return "Enter a color such as #3080ff, or as three numbers from 0 to 255 such as 48 128 255.";
     }
     if (isNumber(facts.field)) {
         return refusalOfNumber(facts, text);
@@ -173,12 +175,6 @@ bool isChoice(const EntryFacts& facts, std::string_view text) {
         return std::find(list.begin(), list.end(), text) != list.end();
     };
     return in(facts.options) || (facts.hostNames && in(*facts.hostNames));
-}
-
-std::string choiceName(const EntryFacts& facts, const std::string& value) {
-    const std::vector<std::string>& names = extrasOf(facts).optionNames;
-    const auto at = std::find(facts.options.begin(), facts.options.end(), value) - facts.options.begin();
-    return static_cast<size_t>(at) < names.size() ? names[static_cast<size_t>(at)] : value;
 }
 
 std::string numberText(double value, int decimals) {

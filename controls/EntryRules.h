@@ -26,9 +26,6 @@ std::string allowedRange(const EntryFacts& facts);
 bool hasChoices(const EntryFacts& facts);
 bool isChoice(const EntryFacts& facts, std::string_view text);
 
-// How a choice is shown: by its name, or as it is.
-std::string choiceName(const EntryFacts& facts, const std::string& value);
-
 // A number with at most `decimals` digits behind the point, without zeros at its end.
 std::string numberText(double value, int decimals);
 // Digits behind the point of a number in text, and those that `value` needs (at most 6).

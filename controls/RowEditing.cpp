@@ -23,9 +23,9 @@ std::string onOneLine(const std::string& text) {
 // A value as the row shows it.
 std::string shownValue(const EntryModel& row, const std::string& value) {
     if (row.facts().field == EntryField::Switch) {
-        return row.isOnValue(value) ? "on" : "off";
+        return value != "0" ? "on" : "off";
     }
-    return onOneLine(choiceName(row.facts(), value));
+    return onOneLine(value);
 }
 
 }  // namespace

@@ -29,8 +29,7 @@ bool hasFraction(double value) {
 
 void checkEncoding(CustomScript& script) {
     if (script.text.starts_with("\xFF\xFE") || script.text.starts_with("\xFE\xFF")) {
-        script.findings.add(
-            1, "the script is UTF-16 text, in which no markup is found; save it with 8-bit characters");
+        script.findings.add(1, "This file is UTF-16; save it as 8-bit or UTF-8 text to customize it");
     } else if (script.text.starts_with("\xEF\xBB\xBF")) {
         script.findings.add(
             1, "a byte order mark stands in front of the first line, which is not read as markup");
@@ -195,7 +194,12 @@ EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const Ho
             // A whole number whose limits or step have fractions is one that happens to be whole.
             facts.decimal =
                 hasFraction(facts.minimum) || hasFraction(facts.maximum) || hasFraction(facts.step);
-            facts.keepPoint = entry.kind == kEntryNumEditF && !facts.decimal;
+            // One with a sign counts as a decimal number. It stays whole, and goes by whole steps.
+            if (!facts.decimal && entry.value.find('.') == entry.value.npos) {
+                facts.step = facts.step > 0 ? facts.step : 1;
+            } else {
+                facts.keepPoint = entry.kind == kEntryNumEditF && !facts.decimal;
+            }
             facts.decimal = facts.decimal || entry.kind == kEntryNumEditF;
             facts.field = entry.controlKind == kSliderControl ? EntryField::Slider
                           : facts.decimal                     ? EntryField::FloatField

@@ -1,13 +1,44 @@
 #include "customize/ScriptPanel.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "util/LexChars.h"
+
 namespace zoka {
+namespace {
+
+// Lines below one switch have one label; the line itself tells them apart.
+std::string labelOf(const CustomScript& script, size_t i) {
+    const CustomEntry& entry = script.entries[i];
+    const auto shares = [&](size_t other) {
+        return other < script.entries.size() && script.entries[other].line == entry.line;
+    };
+    if (entry.kind != kEnable || !(shares(i - 1) || shares(i + 1))) {
+        return entry.label;
+    }
+    size_t start = entry.valueStart;
+    while (start < script.text.size() && (lex::isBlank(script.text[start]) || script.text[start] == '/')) {
+        ++start;
+    }
+    const size_t end = std::min(script.text.find_first_of("\r\n", start), start + 80);
+    return entry.label + ": " + script.text.substr(start, end - start);
+}
+
+EntryModel rowOf(const CustomScript& script, size_t i, const HostNames& hostNames) {
+    EntryFacts facts = specOf(script, script.entries[i], hostNames);
+    facts.label = labelOf(script, i);
+    return EntryModel(std::move(facts));
+}
+
+}  // namespace
 
 void ScriptPanel::makeRows(const HostNames& hostNames) {
     m_rows.clear();
     m_rows.reserve(script.entries.size());
-    for (CustomEntry& entry : script.entries) {
-        m_rows.emplace_back(specOf(script, entry, hostNames));
-        entry.control = &m_rows.back();
+    for (size_t i = 0; i < script.entries.size(); ++i) {
+        m_rows.push_back(rowOf(script, i, hostNames));
+        script.entries[i].control = &m_rows.back();
     }
 }
 
@@ -15,7 +46,7 @@ void ScriptPanel::settleRows(const HostNames& hostNames) {
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
         if (m_rows[i].HasChanged() || entry.kind == kEntryEntity || entry.kind == kEntryPath) {
-            m_rows[i] = EntryModel(specOf(script, entry, hostNames));
+            m_rows[i] = rowOf(script, i, hostNames);
         }
     }
 }

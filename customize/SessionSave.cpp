@@ -58,7 +58,7 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
         return std::nullopt;
     }
     const PromptAnswer answer = m_prompt.ask(
-        "The script was changed by another program since it was loaded.\n\n"
+        "The script was changed on the disk since it was loaded.\n\n"
         "Yes: load it again, keep my values and save them.\n"
         "No: overwrite it, the other changes are lost.\n"
         "Cancel: don't save.",
@@ -100,8 +100,8 @@ bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
         labels += "and " + std::to_string(lost.size() - kListed) + " more\n";
     }
     return question(
-        "With these values the script would save, but the following could not be customized again "
-        "(an emptied field, for instance, is not found any more):\n\n" +
+        "After saving, these entries will disappear from this panel "
+        "(an empty value, for instance, is not found any more):\n\n" +
         labels + "\nSave all the same?");
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "controls/Colour.h"
 #include "controls/EditHistory.h"
 #include "controls/EntryRules.h"
 
@@ -58,14 +59,14 @@ TEST(EntryRules, RefusalsNameTheReason) {
         {whole, "100", nullptr},
         {whole, "101", "101 is too large (allowed: 0 to 100)."},
         {whole, "-1", "-1 is too small (allowed: 0 to 100)."},
-        {whole, "2.5", "Only a whole number"},
+        {whole, "2.5", "Enter a whole number such as 15"},
         {whole, "abc", "(allowed: 0 to 100)"},
-        {whole, "", "A value must stand here"},
-        {whole, "-", "Only a whole number"},
+        {whole, "", "A value is required here."},
+        {whole, "-", "Enter a whole number such as 15"},
         {low, "0", "(allowed: 1 or more)"},
         {decimal, "2.5", nullptr},
         {decimal, "4.01", "too large (allowed: 0 to 4)"},
-        {decimal, "1e1", "Only a number"},
+        {decimal, "1e1", "Enter a number such as -1.5"},
         {decimal, "0,5", "\",\" is not allowed here"},
         {bare, "open", nullptr},
         {bare, "two words", "A blank"},
@@ -77,7 +78,7 @@ TEST(EntryRules, RefusalsNameTheReason) {
         {bare, "a//b", "comment"},
         {bare, "a/*b", "comment"},
         {bare, "/a", "comment"},
-        {bare, "", "A value must stand here"},
+        {bare, "", "A value is required here."},
         {bare, "a\nb", "A line end"},
         {quoted, "", nullptr},
         {quoted, "a; b", nullptr},
@@ -200,6 +201,25 @@ TEST(EditHistory, JoinsKeystrokesOfOneFieldOnly) {
     EXPECT_FALSE(history.canRedo());
     EXPECT_EQ(history.undo()[0].entry, 9u);
     EXPECT_EQ(history.undo()[0].entry, 3u);
+}
+
+TEST(Colour, IsReadInEachFormAndWrittenInTheFilesOwn) {
+    const struct {
+        const char *like, *typed, *written;
+    } rows[] = {{"#102030", "#A0b0C0", "#a0b0c0"},   {"#10203040", "1 2 3", "#01020340"},
+                {"16 32 48", "#102031", "16 32 49"}, {"16 32 48", "#102030", "16 32 48"},
+                {"255,0, 0", "0 255 0", "0,255, 0"}, {"1.0 0.5 0", "#ff0080", "1.0 0.0 0.502"},
+                {"1 2 3 77", "#040506", "4 5 6 77"}, {"red", "9,8,7", "#090807"},
+                {"", "255 255 255", "#ffffff"}};
+    for (const auto& row : rows) {
+        EntryModel model({.field = EntryField::ColourField, .value = row.like});
+        EXPECT_TRUE(model.edit(row.typed)) << row.typed;
+        EXPECT_EQ(model.value(), row.written) << row.typed;
+    }
+    for (const char* bad : {"", "#12345", "#12345g", "1 2", "1 2 3 4 5", "1,,2,3", "256 0 0", "-1 0 0",
+                            "1.5 0 0", "red", "1 2 3 ,"}) {
+        EXPECT_FALSE(colourOf(bad)) << bad;
+    }
 }
 
 }  // namespace

@@ -118,4 +118,29 @@ TEST_F(Session, SearchAndChangesDecideWhatIsShown) {
     EXPECT_EQ(shown(), "First Lamp ");
 }
 
+TEST_F(Session, WholeNumbersStayWholeOnTheirWayThroughNegativeOnes) {
+    open(
+        "// entry: Depth\r\n// id: 1\r\nvar depth = 14;\r\n\r\n"
+        "// entry: Old\r\n// id: 2\r\n// cntl: spin 0 10 1\r\nvar old = 99;\r\n");
+    set("Depth", "-3");
+    set("Old", "5");
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_EQ(session.row(0).step(), 1);
+    EXPECT_EQ(session.row(0).stepped(5), "2");
+    session.undo();
+    session.undo();
+    EXPECT_EQ(value("Depth"), "14");
+    EXPECT_EQ(value("Old"), "99");  // undone, though only loading allowed it
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("var depth = 14;\r\n"));
+}
+
+TEST_F(Session, LinesBelowOneSwitchAreToldApart) {
+    open("// enable: Lamps\r\n//define NORTH;\r\n//  define SOUTH;\r\ndefine WEST;\r\n");
+    EXPECT_EQ(session.row(0).facts().label, "Lamps: define NORTH;");
+    EXPECT_EQ(session.row(1).facts().label, "Lamps: define SOUTH;");
+    EXPECT_EQ(session.row(2).facts().label, "Lamps: define WEST;");
+    EXPECT_EQ(session.entry(1).label, "Lamps");
+}
+
 }  // namespace
