@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "J8ProjectManager/J8ProjectManager.h"
 #include "util/DebugLog.h"
 #include "util/OsFiles.h"
 #include "util/UserPrompt.h"
@@ -309,6 +310,7 @@ void shutDownPlugin() {
         g_panels = nullptr;
     }
     g_appInterface = nullptr;
+    CJ8ProjectManager::deleteInstance();
     closeDebugLog();
 }
 

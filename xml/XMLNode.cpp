@@ -216,6 +216,10 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
     return {};
 }
 
+std::uint32_t XMLNode::place() const {
+    return element_ && element_->name ? XMLDocument::of(element_)->placeOf(element_->name) : 0;
+}
+
 XMLNode XMLNode::firstChild(const char* tag) const {
     if (!element_) {
         return {};

@@ -115,6 +115,9 @@ public:
     const char* getName() const;
     // Written as "<?name ...?>". Of one that was read, other than "xml" itself, the data is its text.
     bool isDeclaration() const;
+    // Where the element's name stands in the text that was parsed, in bytes; 0 for an element that a program made.
+    // zoka::XMLPlaces makes lines and columns of it.
+    std::uint32_t place() const;
     // The empty node for the top.
     XMLNode getParent() const;
 

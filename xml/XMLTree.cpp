@@ -145,6 +145,7 @@ char* XMLDocument::growText(size_t used, size_t size) {
         std::free(text_);
     }
     text_ = text;
+    textSize_ = size;
     std::memset(text_ + size, 0, kXmlPadding);
     return text_;
 }

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "xml/XMLCursors.h"
@@ -86,6 +87,13 @@ public:
     // Makes room for `size` bytes where newText gave less; the first `used` bytes stay.
     char* growText(size_t used, size_t size);
 
+    // Where in the parsed text `part` stands; 0 for what stands elsewhere.
+    std::uint32_t placeOf(const char* part) const {
+        const bool parsed =
+            text_ && std::less_equal<>()(text_, part) && std::less<>()(part, text_ + textSize_);
+        return parsed ? static_cast<std::uint32_t>(part - text_) : 0;
+    }
+
     // Puts an item at the end of an element's content.
     void append(XMLElement* element, XMLItem* item) {
         if (element->textUse == XMLTextUse::Alone) {
@@ -132,6 +140,7 @@ private:
     size_t arenaChunk_ = 0;
 
     char* text_ = nullptr;
+    size_t textSize_ = 0;
     std::vector<void*> blockChunks_;
     std::vector<void*> arenaChunks_;
 };

@@ -1,0 +1,33 @@
+// A behaviour that entities can have as their parent.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/J8Types.h"
+
+namespace zoka {
+
+struct J8ComponentEdit {
+    std::string component, name, value;
+    bool operator==(const J8ComponentEdit&) const = default;
+};
+
+}  // namespace zoka
+
+// Copies are deep.
+class CJ8BehaviorData {
+public:
+    void Clear();
+
+    std::string m_name;  // empty: its element had none
+    std::string m_class;
+    std::string m_group;
+    std::string m_doc;
+    std::vector<zoka::J8Skill> m_apSkillEdits;
+    std::vector<std::string> m_apCMPNames;  // of the components that it uses, in the file's order
+    std::vector<zoka::J8ComponentEdit> m_apCMPEdits;
+    std::uint32_t m_source = 0;  // its file, an index of CJ8ProjectManager::sources()
+    std::uint32_t m_place = 0;   // of its element there
+};

@@ -1,0 +1,334 @@
+#include "J8ProjectManager/J8ProjectManager.h"
+
+#include <mutex>
+#include <utility>
+
+#include "J8ProjectManager/DeleteLogged.h"
+#include "J8ProjectManager/ReportTexts.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "xml/XMLRead.h"
+
+namespace texts = zoka::texts;
+using zoka::J8Section;
+
+namespace zoka {
+namespace {
+
+// A section, and the lines of its report.
+struct SectionFacts {
+    const char* tag;
+    const texts::FileLines* lines;
+    const ReportEntry* missing;  // null: may be missing
+};
+
+constexpr SectionFacts kSections[kJ8Sections] = {
+    {"Camera", &texts::kCameraFile, nullptr},
+    {"UI", &texts::kUIFile, nullptr},
+    {"AnimationPool", &texts::kAnimationFile, nullptr},
+    {"WeaponDefPool", &texts::kWeaponDefFile, nullptr},
+    {"Display", &texts::kDisplayFile, &texts::kDisplayMissing},
+    {"UserInput", &texts::kUserInputFile, &texts::kUserInputMissing},
+};
+
+// The attributes that name a file, the first one present counts.
+struct FileAttribute {
+    const char* name;
+    CJ8File::eType type;
+};
+constexpr FileAttribute kFileAttributes[] = {
+    {"proj_file", CJ8File::kProjFile}, {"j8_file", CJ8File::kJ8File}, {"file", CJ8File::kFile}};
+
+// In the order of trying.
+constexpr CJ8File::eType kTried[] = {CJ8File::kFile, CJ8File::kProjFile, CJ8File::kJ8File};
+
+const ReportEntry& lineOf(const texts::FileLines& lines, CJ8File::eType type) {
+    switch (type) {
+        case CJ8File::kInline:
+            return lines.isInline;
+        case CJ8File::kCustomPath:
+            return lines.custom;
+        case CJ8File::kFile:
+            return lines.local;
+        case CJ8File::kProjFile:
+            return lines.proj;
+        case CJ8File::kJ8File:
+            return lines.j8;
+        default:
+            return lines.notValid;
+    }
+}
+
+std::mutex g_instanceLock;
+std::unique_ptr<CJ8ProjectManager> g_instance;
+
+}  // namespace
+
+const char* sectionTag(J8Section section) {
+    return kSections[static_cast<int>(section)].tag;
+}
+
+}  // namespace zoka
+
+CJ8ProjectManager* CJ8ProjectManager::Instance() {
+    const std::lock_guard lock(zoka::g_instanceLock);
+    if (!zoka::g_instance) {
+        zoka::g_instance = std::make_unique<CJ8ProjectManager>();
+    }
+    return zoka::g_instance.get();
+}
+
+void CJ8ProjectManager::deleteInstance() {
+    const std::lock_guard lock(zoka::g_instanceLock);
+    zoka::g_instance.reset();
+}
+
+CJ8ProjectManager::~CJ8ProjectManager() {
+    constexpr const char* kFunc = "CJ8ProjectManager::~CJ8ProjectManager()";
+    zoka::deleteLogged(m_apLevels, kFunc, "Throw while deleting m_apLevels");
+    zoka::deleteLogged(m_apBehavior, kFunc, "Throw while deleting m_apBehavior");
+    zoka::deleteLogged(m_apComponents, kFunc, "Throw while deleting m_apComponents");
+    zoka::deleteLogged(m_apBehaviorFiles, kFunc, "Throw while deleting m_apBehaviorFiles");
+}
+
+void CJ8ProjectManager::clearContent() {
+    m_report.clear();
+    m_apBehaviorFiles.clear();
+    m_apLostBehaviorFiles.clear();
+    for (CJ8File& file : m_sections) {
+        file.Clear();
+    }
+    m_apLevels.clear();
+    m_apBehavior.clear();
+    m_apComponents.clear();
+    m_sources.clear();
+    m_source = 0;
+    m_referrer = 0;
+    m_findings.clear();
+    m_componentIndex.clear();
+    m_behaviorIndex.clear();
+    m_loadedComponents.clear();
+}
+
+void CJ8ProjectManager::Clear() {
+    clearContent();
+    m_roots = {};
+    m_name.clear();
+    m_date.clear();
+    m_vers.clear();
+    m_projectFile.Clear();
+}
+
+std::string CJ8ProjectManager::projectFile() const {
+    std::string path;
+    return m_projectFile.GetFilepath(path, m_roots) ? path : std::string();
+}
+
+void CJ8ProjectManager::setProjectFile(const std::string& path) {
+    const std::string full = zoka::osFiles().fullPath(path);
+    const std::string_view name = zoka::fileNameOf(full);
+    m_projectFile.Set(std::string(name), CJ8File::kCustomPath);
+    m_projectFile.m_base = full.substr(0, full.size() - name.size());
+}
+
+const CJ8CMPData* CJ8ProjectManager::component(std::string_view name) const {
+    const auto found = m_componentIndex.find(name);
+    return found ? &m_apComponents[*found] : nullptr;
+}
+
+const CJ8BehaviorData* CJ8ProjectManager::behavior(std::string_view name) const {
+    const auto found = m_behaviorIndex.find(name);
+    return found ? &m_apBehavior[*found] : nullptr;
+}
+
+void CJ8ProjectManager::add(const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
+                            std::source_location where) {
+    addTo(m_report, entry, arguments, place, where);
+}
+
+void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments,
+                              std::uint32_t place, std::source_location where) {
+    std::string line = zoka::writeReport(texts::kSource, report, entry, arguments, where);
+    if (entry.severity == 0) {
+        return;
+    }
+    if (line.empty()) {
+        line = zoka::filledText(entry.log, arguments);
+    }
+    std::string text;
+    for (const char c : line) {
+        if (c != '\r' && c != '\n') {
+            text += c;
+        }
+    }
+    m_findings.push_back({entry.severity, m_source, place, std::move(text)});
+}
+
+std::uint32_t CJ8ProjectManager::addSource(const std::string& path) {
+    m_sources.push_back(path);
+    return static_cast<std::uint32_t>(m_sources.size() - 1);
+}
+
+XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
+                                    const zoka::ReportEntry& missing, const zoka::ReportEntry& bad) {
+    if (!zoka::isProjectFileThere(path)) {
+        add(missing, {path}, m_referrer);
+        return {};
+    }
+    XMLResults results;
+    XMLNode top = XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results);
+    if (top.isEmpty()) {
+        add(bad, {path}, m_referrer);
+        tellParseError(path, results);
+    }
+    return top;
+}
+
+// The place in the broken file, for those who mend it.
+void CJ8ProjectManager::tellParseError(const std::string& path, const XMLResults& results) {
+    zoka::J8Finding finding{zoka::kReportError, addSource(path), 0, XMLNode::errorText(results.code)};
+    finding.line = results.line;
+    finding.column = results.column;
+    m_findings.push_back(std::move(finding));
+}
+
+CJ8File::eType CJ8ProjectManager::GetFilenameFromXML(CJ8File& file, const XMLNode& element) {
+    file.Clear();
+    file.m_type = CJ8File::kNotValid;
+    file.m_place = element.place();
+    const char* text = nullptr;
+    for (const zoka::FileAttribute& each : zoka::kFileAttributes) {
+        if (const char* const value = element.getAttribute(each.name)) {
+            text = value;
+            file.Set(value, each.type);
+            break;
+        }
+    }
+    if (!text) {
+        add(texts::kNoFilename, {}, element.place());
+        return CJ8File::kNotValid;
+    }
+    for (const CJ8File::eType kind : zoka::kTried) {
+        std::string path;
+        if (*text && file.GetFilepath(path, kind, m_roots) && zoka::isProjectFileThere(path)) {
+            file.m_type = kind;
+            return kind;
+        }
+    }
+    file.m_type = CJ8File::kNotValid;
+    return CJ8File::kNotValid;
+}
+
+bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
+    const auto entry = zoka::hasWildcard(path) ? std::nullopt : zoka::osFiles().search(path);
+    if (entry && !entry->isFolder) {
+        XMLResults results;
+        const XMLNode root = XMLNode::parseFile(path.c_str(), "Project", &results);
+        const bool loaded = loadFromTree(root, path, keepFilled);
+        if (!loaded) {
+            tellParseError(path, results);
+        }
+        return loaded;
+    }
+    keepFilled ? clearContent() : Clear();
+    m_sources.push_back(path);
+    add(texts::kXmlMissing, {path}, 0);
+    return false;
+}
+
+bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled) {
+    keepFilled ? clearContent() : Clear();
+    m_sources.push_back(path);
+    if (root.isEmpty()) {
+        add(texts::kRootMissing, {path}, 0);
+        return false;
+    }
+    setProjectFile(path);
+    m_sources[0] = projectFile();
+    const auto take = [&](std::string& field, const char* name, const zoka::ReportEntry& missing) {
+        if (!field.empty()) {
+            return;  // kept: a load that keeps nothing has emptied it
+        }
+        if (const char* const value = root.getAttribute(name)) {
+            field = value;
+        } else {
+            add(missing, {path}, root.place());
+        }
+    };
+    take(m_name, "name", texts::kNoName);
+    take(m_vers, "vers", texts::kNoVers);
+    take(m_date, "date", texts::kNoDate);
+    loadPaths(root);
+    loadBehaviorFiles(root);
+    loadSections(root);
+    for (XMLNode node = root.firstChild("Level"); !node.isEmpty(); node = node.nextSibling("Level")) {
+        if (!LoadLevel(m_apLevels.emplace_back(), node, m_report)) {
+            add(texts::kLevelFailed, {}, node.place());
+        }
+    }
+    return true;
+}
+
+void CJ8ProjectManager::loadPaths(const XMLNode& root) {
+    // What is filled here is kept: a load that keeps nothing has emptied both.
+    if (!m_roots.data().empty() && !m_roots.project().empty()) {
+        return;
+    }
+    const XMLNode paths = root.firstChild("Paths");
+    if (paths.isEmpty()) {
+        add(texts::kPathsMissing, {}, root.place());
+        return;
+    }
+    if (m_roots.data().empty()) {
+        if (const char* const value = paths.getAttribute("j8_file")) {
+            m_roots.setData(value);
+            add(texts::kJ8Path, {m_roots.data()}, 0);
+        } else {
+            add(texts::kJ8PathMissing, {}, paths.place());
+        }
+    }
+    if (m_roots.project().empty()) {
+        if (const char* const value = paths.getAttribute("proj_file")) {
+            m_roots.setProject(value);
+            add(texts::kProjPath, {m_roots.project()}, 0);
+        } else {
+            add(texts::kProjPathMissing, {}, paths.place());
+        }
+    }
+}
+
+void CJ8ProjectManager::reportFile(const CJ8File& file, const texts::FileLines& lines) {
+    add(zoka::lineOf(lines, file.m_type), {file.m_path}, file.m_place);
+}
+
+void CJ8ProjectManager::loadBehaviorFiles(const XMLNode& root) {
+    for (XMLNode node = root.firstChild("Behavior"); !node.isEmpty(); node = node.nextSibling("Behavior")) {
+        CJ8File file;
+        GetFilenameFromXML(file, node);
+        reportFile(file, texts::kBehaviorFile);
+        std::string path;
+        if (!file.GetFilepath(path, m_roots)) {
+            add(texts::kNoBehaviorPath, {}, node.place());
+        }
+        m_referrer = node.place();
+        if (LoadBehaviorXML(path)) {
+            m_apBehaviorFiles.push_back(std::move(file));
+        } else {
+            add(texts::kBehaviorProblem, {file.m_path, path}, node.place());
+            m_apLostBehaviorFiles.push_back(std::move(file));
+        }
+    }
+}
+
+void CJ8ProjectManager::loadSections(const XMLNode& root) {
+    for (int i = 0; i < zoka::kJ8Sections; ++i) {
+        const zoka::SectionFacts& facts = zoka::kSections[i];
+        const XMLNode node = root.firstChild(facts.tag);
+        if (!node.isEmpty()) {
+            GetFilenameFromXML(m_sections[i], node);
+            reportFile(m_sections[i], *facts.lines);
+        } else if (facts.missing) {
+            add(*facts.missing, {}, root.place());
+        }
+    }
+}

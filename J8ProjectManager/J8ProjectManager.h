@@ -1,0 +1,149 @@
+// A J8 project in memory: what its project file, its behaviours files and their components files hold.
+//
+// Texts are UTF-8, as in the XML tree; paths in them become the system's characters at the disk. One object is
+// used by one thread at a time; different objects by different threads at once.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "J8ProjectManager/J8BehaviorData.h"
+#include "J8ProjectManager/J8CMPData.h"
+#include "J8ProjectManager/J8File.h"
+#include "J8ProjectManager/J8LevelData.h"
+#include "J8ProjectManager/NameIndex.h"
+#include "J8ProjectManager/ReportWriter.h"
+#include "J8ProjectManager/StepReport.h"
+#include "xml/XMLNode.h"
+
+namespace zoka {
+
+namespace texts {
+struct FileLines;
+}
+
+// The six files of a project beside behaviours and levels, in the order of the project file.
+enum class J8Section { Camera, UI, AnimationPool, WeaponDefPool, Display, UserInput };
+inline constexpr int kJ8Sections = 6;
+// The section's element in the project file. Static.
+const char* sectionTag(J8Section section);
+
+// Something odd that loading found.
+struct J8Finding {
+    int severity = kReportWarning;
+    std::uint32_t source = 0;  // the file, an index of CJ8ProjectManager::sources()
+    std::uint32_t place = 0;   // in that file, see XMLNode::place; 0: the file as a whole
+    std::string text;          // one line without its end
+    int line = 0, column = 0;  // from 1, where they are known and `place` is not
+};
+
+}  // namespace zoka
+
+class CJ8ProjectManager {
+public:
+    CJ8ProjectManager() = default;
+    // Logs what deleting throws.
+    ~CJ8ProjectManager();
+    CJ8ProjectManager(const CJ8ProjectManager&) = delete;
+    CJ8ProjectManager& operator=(const CJ8ProjectManager&) = delete;
+
+    // The one object of the process, made at the first call. It belongs to the library; deleteInstance, called
+    // when the library shuts down and no window is left, frees it. [editor thread]
+    static CJ8ProjectManager* Instance();
+    static void deleteInstance();
+
+    // Loads the project file `path`, a path of the disk, in place of all that was loaded before. With
+    // `keepFilled` a name, date, version or root that isn't empty stays. False when there is no such file or it
+    // has no Project element: the model is empty then, but for what `keepFilled` keeps. Everything else is
+    // reported, and loading goes on.
+    bool LoadFromXML(const std::string& path, bool keepFilled);
+    // The same with the tree of that file, which may be empty.
+    bool loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled);
+
+    // Reads a reference's path text from its element and finds the kind under which the file exists, whatever
+    // kind it was declared with. kNotValid when there is no such file.
+    CJ8File::eType GetFilenameFromXML(CJ8File& file, const XMLNode& element);
+    // Each loads one file, named by a path in the texts' characters. False when it can't be read at all.
+    bool LoadCMPXML(const std::string& path);
+    bool LoadBehaviorXML(const std::string& path);
+    // Each reads one element. False when it has no name.
+    bool LoadProperty(CJ8CMPData* cmp, const XMLNode& node, std::string& report);
+    bool LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& node, std::string& report);
+    bool LoadLevel(CJ8LevelData& level, const XMLNode& node, std::string& report);
+
+    // The project file's tree; the empty node when memory runs out. The steps go below `report`. `date` is the
+    // text to write as the date.
+    XMLNode createXMLTopNode(const zoka::StepReport& report, const std::string& date) const;
+    // Writes the project file that was loaded, or set; afterwards the model holds the date and the version that
+    // were written. False, with the model as it was, when that failed.
+    bool SaveProjectXML(const zoka::StepReport& report);
+    // The same with a step report of its own, the file J8ProjectManagerDebug.xml in the current folder.
+    bool SaveProjectXML();
+
+    // Forgets everything, roots and project file too.
+    void Clear();
+
+    // The project file: its path on the disk; empty when none was loaded or set. Any path may be given to the
+    // setter, which makes it absolute.
+    std::string projectFile() const;
+    void setProjectFile(const std::string& path);
+
+    zoka::J8Roots m_roots;
+
+    std::string m_name;
+    std::string m_date;
+    std::string m_vers;
+    std::string m_report;
+    std::vector<CJ8File> m_apBehaviorFiles;
+    CJ8File m_sections[zoka::kJ8Sections];  // by J8Section
+    std::vector<CJ8LevelData> m_apLevels;
+    std::vector<CJ8BehaviorData> m_apBehavior;
+    std::vector<CJ8CMPData> m_apComponents;
+    // References to behaviours files that did not load. They are not written.
+    std::vector<CJ8File> m_apLostBehaviorFiles;
+
+    CJ8File& section(zoka::J8Section which) { return m_sections[static_cast<int>(which)]; }
+    const CJ8File& section(zoka::J8Section which) const { return m_sections[static_cast<int>(which)]; }
+
+    // Null when there is none of that name, compared to the letter. Of several the first.
+    const CJ8CMPData* component(std::string_view name) const;
+    const CJ8BehaviorData* behavior(std::string_view name) const;
+
+    // The files that were read, in the order of reading; the project file is the first. Paths as the texts hold
+    // them, but for the project file's full path.
+    const std::vector<std::string>& sources() const { return m_sources; }
+    // What the report's warnings are about.
+    const std::vector<zoka::J8Finding>& findings() const { return m_findings; }
+
+private:
+    using Arguments = std::initializer_list<std::string_view>;
+
+    void clearContent();
+    void loadBehaviorFiles(const XMLNode& root);
+    void loadSections(const XMLNode& root);
+    void loadComponentsOf(const XMLNode& root);
+    void loadPaths(const XMLNode& root);
+    void reportFile(const CJ8File& file, const zoka::texts::FileLines& lines);
+    void add(const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
+             std::source_location where = std::source_location::current());
+    void addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
+               std::source_location where = std::source_location::current());
+    std::uint32_t addSource(const std::string& path);
+    // The root of a file that the model reads; the empty node, and one of the two reported, when there is none.
+    XMLNode openFile(const std::string& path, const char* root, const zoka::ReportEntry& missing,
+                     const zoka::ReportEntry& bad);
+    void tellParseError(const std::string& path, const XMLResults& results);
+
+    CJ8File m_projectFile;
+    std::vector<std::string> m_sources;
+    std::uint32_t m_source = 0;    // the one that is being read
+    std::uint32_t m_referrer = 0;  // in it, the element that names the file to be opened next
+    std::vector<zoka::J8Finding> m_findings;
+    zoka::NameIndex m_componentIndex, m_behaviorIndex;
+    zoka::NameIndex m_loadedComponents;  // by path
+};

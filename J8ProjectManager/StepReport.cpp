@@ -1,0 +1,37 @@
+#include "J8ProjectManager/StepReport.h"
+
+#include <utility>
+
+namespace zoka {
+
+StepReport StepReport::start(const char* root, const char* action) {
+    StepReport report(XMLNode::createTop(root));
+    XMLNode node = report.m_node;
+    node.addAttribute("action", action);
+    node.addAttribute("ver", kJ8Version);
+    return report;
+}
+
+StepReport StepReport::add(const char* key, const std::string& text, std::source_location where) const {
+    XMLNode parent = m_node;
+    XMLNode step = parent.addChild(key);
+    step.addAttribute("line", std::to_string(where.line()).c_str());
+    step.addText(text.c_str());
+    return StepReport(step);
+}
+
+StepReport StepReport::group(const char* key) const {
+    XMLNode parent = m_node;
+    return StepReport(parent.addChild(key));
+}
+
+void StepReport::markSucceeded() const {
+    XMLNode node = m_node;
+    node.addAttribute("err", "none");
+}
+
+bool StepReport::write(const char* path) const {
+    return m_node.writeFile(path) == kXmlNone;
+}
+
+}  // namespace zoka
