@@ -4,6 +4,10 @@
 #include <utility>
 
 #include "controls/EntryRules.h"
+#include "controls/FileFilter.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/UserPrompt.h"
 
 namespace zoka {
 namespace {
@@ -187,7 +191,7 @@ std::string RowEditing::tooltip(size_t i) const {
             line("Default: " + shownValue(model, *value));
         }
         if (model.HasChanged() && !facts.different) {
-            line("Saved: " + shownValue(model, model.loadedValue()));
+            line(std::string(loadedName()) + ": " + shownValue(model, model.loadedValue()));
         }
         if (const std::string range = allowedRange(facts); !range.empty()) {
             line(range);
@@ -200,6 +204,18 @@ std::string RowEditing::tooltip(size_t i) const {
         line(more);
     }
     return text;
+}
+
+std::optional<std::string> RowEditing::browse(size_t i) {
+    ChooserRequest request;
+    request.title = row(i).facts().label;
+    request.startFolder = osFiles().currentFolder();
+    request.filter = fileFilterFor(row(i).value());
+    while (request.filter.ends_with('|')) {
+        request.filter.pop_back();
+    }
+    const auto chosen = userPrompt().chooseFile(request);
+    return chosen ? std::optional(std::string(fileNameOf(*chosen))) : std::nullopt;
 }
 
 std::string RowEditing::helpText(size_t i) const {

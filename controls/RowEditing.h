@@ -51,13 +51,14 @@ public:
     // What the user typed or chose. False with the reason, and the value as it was, when it's refused. With
     // `typing` the edits of one field become one step of undo, until leaveField.
     bool setValue(size_t i, const std::string& text, std::string* why = nullptr, bool typing = false);
-    void leaveField() { m_history.endJoining(); }
-    bool canUndo() const { return m_history.canUndo(); }
-    bool canRedo() const { return m_history.canRedo(); }
+    virtual void leaveField() { m_history.endJoining(); }
+    // Undo may be someone else's, who holds the values.
+    virtual bool canUndo() const { return m_history.canUndo(); }
+    virtual bool canRedo() const { return m_history.canRedo(); }
     // The row to be shown; nothing when there was nothing to undo or do again, or when none of it was taken, with
     // the reason in `why` (may be null) then.
-    std::optional<size_t> undo(std::string* why = nullptr);
-    std::optional<size_t> redo(std::string* why = nullptr);
+    virtual std::optional<size_t> undo(std::string* why = nullptr);
+    virtual std::optional<size_t> redo(std::string* why = nullptr);
     // Each is one step of undo; how many values changed. Rows without a known default keep their values, and those
     // that don't take the value.
     size_t resetRow(size_t i, ResetTo to) { return reset(i, i + 1, to); }
@@ -81,6 +82,10 @@ public:
     virtual std::optional<std::string> defaultOf(size_t i) const { return extrasOf(row(i).facts()).standard; }
     // Whose value defaultOf gives, as in "Reset to the template's default"; with its '&' for menus.
     virtual const char* defaultName() const { return "the &default"; }
+    // What the row was loaded with, in its tooltip: "Saved".
+    virtual const char* loadedName() const { return "Saved"; }
+    // Lets the user choose a file for a row with a browse button; the value to give it, or nothing.
+    virtual std::optional<std::string> browse(size_t i);
     // More lines of the row's tooltip, parted by CR LF; may be empty.
     virtual std::string details(size_t) const { return {}; }
     virtual std::string helpText(size_t i) const;

@@ -97,21 +97,13 @@ void EntryPanel::browse(size_t row) {
     if (row >= m_editing.size()) {
         return;
     }
-    ChooserRequest request;
-    const std::string before = m_editing.row(row).value();
-    request.title = m_editing.row(row).facts().label;
-    request.startFolder = osFiles().currentFolder();
-    request.filter = fileFilterFor(before);
-    while (request.filter.ends_with('|')) {
-        request.filter.pop_back();
-    }
-    const auto chosen = userPrompt().chooseFile(request);
+    const auto chosen = m_editing.browse(row);
     // The window may be gone, or show another script.
     if (!chosen || !m_window || row >= m_editing.size()) {
         return;
     }
     std::string why;
-    if (m_editing.setValue(row, std::string(fileNameOf(*chosen)), &why, false)) {
+    if (m_editing.setValue(row, *chosen, &why, false)) {
         return;
     }
     const auto live = m_live.find(row);

@@ -174,6 +174,11 @@ void PageShell::refreshPages() {
     refreshPage();
 }
 
+void PageShell::refreshOtherPagesLater() {
+    m_stale.assign(m_stale.size(), true);
+    m_stale[static_cast<size_t>(m_current)] = false;
+}
+
 void PageShell::setStatus(const std::string& text) {
     setText(m_status, text);
 }

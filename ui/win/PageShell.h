@@ -83,6 +83,8 @@ public:
     void goToPage(int index);
     // All pages show what is older than the present state; the current one is brought up to date at once.
     void refreshPages();
+    // The current page shows the present state already.
+    void refreshOtherPagesLater();
 
 protected:
     virtual std::unique_ptr<Page> makePage(int index) = 0;
