@@ -58,6 +58,27 @@ enum class OsOpen {
     Truncate,  // made when missing, emptied otherwise
 };
 
+// Why an operation failed, as far as the logic tells reasons apart.
+enum class OsFault { NoPermission, NoRoom, Other };
+
+// A lock file that this process holds; its destructor removes it.
+class OsLock {
+public:
+    virtual ~OsLock() = default;
+};
+enum class OsLockState {
+    Taken,
+    TakenOver,   // taken; the lock file was there already, and its holder is gone
+    Held,        // another holds it
+    Impossible,  // the folder takes no lock file
+};
+
+// What a listing left out.
+struct OsListing {
+    std::string error;                 // why the folder can't be read to its end; else empty
+    std::vector<std::string> skipped;  // names that no path of the suite can hold (a backslash in them)
+};
+
 // Every path is the suite's own text: 8-bit, backslashes (slashes are understood too), drive letters. On
 // Linux it becomes a native path here, at the last moment (see util/posix/NativePath.h). Operations may be
 // called on every thread and never throw for a failure of the disk.
@@ -69,7 +90,8 @@ public:
     // A path that ends with a separator finds nothing.
     virtual std::optional<OsEntry> search(const std::string& path) = 0;
     // All entries that match the wildcard in the pattern's last part, without "." and "..", sorted by name.
-    virtual std::vector<OsEntry> list(const std::string& pattern) = 0;
+    // `left` gets what is missing in them; may be null.
+    virtual std::vector<OsEntry> list(const std::string& pattern, OsListing* left = nullptr) = 0;
 
     // False when the file cannot be opened for reading; otherwise true, with the last-write time in `time`,
     // which stays as it was in the rare case that the time of the open file can't be had. `time` may be null.
@@ -110,8 +132,19 @@ public:
     // Null when it can't be opened that way.
     virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;
 
+    // Makes a new file, open for writing, whose mode, owner and access rights are those of the file `like` before
+    // the first byte is in it; those of any new file when `like` is empty. Null when it can't be made.
+    virtual std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) = 0;
+    // Deletes a file that openSibling or tryLock has made, unless the program that made it still works on it.
+    virtual void deleteAbandoned(const std::string& path) = 0;
+    // Makes and holds a lock file, without waiting. Null for Held and Impossible. The lock ends with its process,
+    // however that ends.
+    virtual std::unique_ptr<OsLock> tryLock(const std::string& path, OsLockState& state) = 0;
+
+    // True for a symbolic link (or another reparse point), wherever it leads.
+    virtual bool isLink(const std::string& path) = 0;
     // The file that a link leads to, as an absolute path; for anything else the absolute path itself. Nothing
-    // when the links run in a circle.
+    // when the links run in a circle or can't be read.
     virtual std::optional<std::string> resolveLinks(const std::string& path) = 0;
     // Puts `replacement` into the place of the existing file `target`, in one step that a crash can't cut:
     // whoever looks sees the old or the new content. The target's mode, attributes and (on Windows) creation
@@ -125,9 +158,14 @@ public:
 
     // Why this thread's last operation that failed did so, in the system's words ("Permission denied").
     virtual std::string lastError() = 0;
+    virtual OsFault lastFault() = 0;
 
     bool exists(const std::string& path) { return search(path).has_value(); }
 };
+
+// From now on a signal that ends the program (SIGINT, SIGTERM, SIGHUP; a console's end) removes the temporary
+// files that it has at that moment. For programs, not for libraries.
+void removeOwnFilesAtSignals();
 
 // The running program's own disk.
 OsFiles& systemFiles();

@@ -1,33 +1,64 @@
 #include "util/SafeWrite.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <list>
-#include <optional>
 #include <set>
 
+#include "util/FileLock.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/UserPrompt.h"
 
 namespace zoka {
 namespace {
 
 constexpr int kSiblingNames = 4;
+constexpr std::uint64_t kTicksPerDay = 24ull * 60 * 60 * 10'000'000;
+constexpr std::uint64_t kTicksFrom1601To1970 = 11'644'473'600ull * 10'000'000;
+
+std::atomic<InPlace> g_inPlace{InPlace::Ask};
 
 std::string failure(const std::string& what, const std::string& path, const std::string& reason) {
     return what + " '" + path + "': " + reason;
 }
 
+// Removes what programs that were killed left in the folder more than a day ago. Once for a folder that is
+// written again and again.
+void clearAbandoned(OsFiles& files, const std::string& folder) {
+    static std::atomic_flag busy;
+    static std::string lastCleared;
+    if (busy.test_and_set()) {
+        return;
+    }
+    if (folder != lastCleared) {
+        lastCleared = folder;
+        const auto sinceUnix = std::chrono::system_clock::now().time_since_epoch();
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceUnix).count();
+        const std::uint64_t now = kTicksFrom1601To1970 + static_cast<std::uint64_t>(seconds) * 10'000'000;
+        for (const char* pattern : {"~zk????????.tmp", "~zk-*.lock"}) {
+            for (const OsEntry& entry : files.list(joinPath(folder, pattern))) {
+                if (!entry.isFolder && entry.lastWrite.ticks() + kTicksPerDay < now) {
+                    files.deleteAbandoned(joinPath(folder, entry.name));
+                }
+            }
+        }
+    }
+    busy.clear();
+}
+
 // A file of our own beside the target; deleted again unless it took the target's place.
 class Sibling {
 public:
-    Sibling(OsFiles& files, const std::string& target) : m_files(files) {
+    // `like` gives it its mode and access rights; empty: those of any new file.
+    Sibling(OsFiles& files, const std::string& target, const std::string& like) : m_files(files) {
         const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
         for (int i = 0; i < kSiblingNames && !m_out; ++i) {
             char name[32];
             std::snprintf(name, sizeof name, "~zk%08x.tmp", static_cast<unsigned>(ticks + i));
             m_path = joinPath(folderOf(target), name);
-            m_out = m_files.openForWriting(m_path, OsOpen::New);
+            m_out = m_files.openSibling(m_path, like);
         }
         m_ours = m_out != nullptr;
     }
@@ -79,27 +110,23 @@ std::string writeInPlace(OsFiles& files, const std::string& target, std::string_
     return failure("Can't write", target, reason + "; the old content could not be put back");
 }
 
+bool mayWriteInPlace(const std::string& target, const std::string& reason) {
+    const InPlace choice = g_inPlace.load();
+    return choice == InPlace::Allowed ||
+           (choice == InPlace::Ask &&
+            userPrompt().ask("The folder of '" + target + "' takes no new file (" + reason +
+                                 "), so the file can't be replaced in one step.\n\nWrite it in place? If the "
+                                 "computer stops in the middle of it, the file is damaged.",
+                             "ZOKA", PromptButtons::YesNo, PromptIcon::Warning) == PromptAnswer::Yes);
+}
+
 // One file on its way. Each step returns what went wrong, or nothing.
 class PendingFile {
 public:
-    PendingFile(OsFiles& files, const FileContent& content) : m_files(files), m_bytes(content.bytes) {
-        const auto target = files.resolveLinks(files.fullPath(content.path));
-        if (!target) {
-            m_fault = failure("Can't follow the link", content.path, files.lastError());
-            return;
-        }
-        m_target = *target;
-        m_exists = files.exists(m_target);
-        if (m_exists && !files.openForWriting(m_target, OsOpen::Existing)) {
-            m_fault = failure("Can't write", m_target, files.lastError());
-            return;
-        }
-        m_sibling.emplace(files, m_target);
-        if (m_sibling->isMade()) {
-            m_fault = m_sibling->write(m_bytes) ? "" : failure("Can't write", m_target, files.lastError());
-        } else if (!m_exists) {
-            m_fault = failure("Can't make", m_target, files.lastError());
-        }
+    // `settled` are the folders for which writing in place was allowed already.
+    PendingFile(OsFiles& files, const FileContent& content, std::set<std::string>& settled)
+        : m_files(files), m_content(content) {
+        m_fault = prepare(settled);
     }
 
     const std::string& fault() const { return m_fault; }
@@ -111,9 +138,14 @@ public:
                    : failure("Can't write", m_target, m_files.lastError());
     }
 
+    // Whether the file is still the one that was read.
+    bool isAsExpected() const {
+        return !m_content.expected || m_files.readWhole(m_target).value_or("") == *m_content.expected;
+    }
+
     std::string place() {
         if (!m_sibling->isMade()) {
-            return writeInPlace(m_files, m_target, m_bytes);
+            return writeInPlace(m_files, m_target, m_content.bytes);
         }
         if (m_exists ? m_files.replaceFile(m_target, m_sibling->path())
                      : m_files.renameNew(m_sibling->path(), m_target)) {
@@ -134,9 +166,52 @@ public:
     }
 
 private:
+    std::string prepare(std::set<std::string>& settled) {
+        const std::string path = m_files.fullPath(m_content.path);
+        if (m_content.kind == FileKind::Generated && m_files.isLink(path)) {
+            return failure("Can't write", path, "a link stands in its place");
+        }
+        const auto target = m_files.resolveLinks(path);
+        if (!target) {
+            return failure("Can't follow the link", m_content.path, m_files.lastError());
+        }
+        m_target = *target;
+        if (m_content.expected) {
+            m_lock.emplace(m_target);
+            if (!*m_lock) {
+                return m_lock->error();
+            }
+        }
+        m_exists = m_files.exists(m_target);
+        if (m_exists && !m_files.openForWriting(m_target, OsOpen::Existing)) {
+            return failure("Can't write", m_target, m_files.lastError());
+        }
+        const std::string folder(folderOf(m_target));
+        clearAbandoned(m_files, folder);
+        m_sibling.emplace(m_files, m_target, m_exists ? m_target : m_content.like);
+        if (m_sibling->isMade()) {
+            return m_sibling->write(m_content.bytes) ? ""
+                                                     : failure("Can't write", m_target, m_files.lastError());
+        }
+        const std::string reason = m_files.lastError();
+        if (!m_exists) {
+            return failure("Can't make", m_target, reason);
+        }
+        if (m_files.lastFault() != OsFault::NoPermission) {
+            return failure("Can't write", m_target, reason);
+        }
+        if (!settled.contains(folder) && !mayWriteInPlace(m_target, reason)) {
+            return failure("Can't write", m_target,
+                           "its folder takes no new file (" + reason + "), and it was not written in place");
+        }
+        settled.insert(folder);
+        return {};
+    }
+
     OsFiles& m_files;
-    std::string_view m_bytes;
+    const FileContent& m_content;
     std::string m_target;
+    std::optional<FileLock> m_lock;
     bool m_exists = false;
     std::optional<Sibling> m_sibling;
     std::string m_fault;
@@ -148,8 +223,9 @@ SafeWriteResult safeWrite(std::span<const FileContent> files) {
     OsFiles& disk = osFiles();
     SafeWriteResult result;
     std::list<PendingFile> pending;
+    std::set<std::string> settled;
     for (const FileContent& file : files) {
-        pending.emplace_back(disk, file);
+        pending.emplace_back(disk, file, settled);
         if (result.error = pending.back().fault(); !result.error.empty()) {
             pending.pop_back();
             break;
@@ -161,6 +237,14 @@ SafeWriteResult safeWrite(std::span<const FileContent> files) {
         if (fault = end->flush(); !fault.empty()) {
             result.error = fault;
             break;
+        }
+    }
+    for (auto file = pending.begin(); file != end; ++file) {
+        if (!file->isAsExpected()) {
+            result.error = failure("Can't write", file->target(),
+                                   "another program has changed it meanwhile; its content was left alone");
+            result.changedMeanwhile = true;
+            return result;
         }
     }
     std::set<std::string> folders;
@@ -178,9 +262,13 @@ SafeWriteResult safeWrite(std::span<const FileContent> files) {
     return result;
 }
 
-SafeWriteResult safeWrite(const std::string& path, std::string_view bytes) {
-    const FileContent file = {path, bytes};
+SafeWriteResult safeWrite(const std::string& path, std::string_view bytes, FileKind kind) {
+    const FileContent file = {path, bytes, kind};
     return safeWrite({&file, 1});
+}
+
+void setInPlace(InPlace choice) {
+    g_inPlace.store(choice);
 }
 
 }  // namespace zoka

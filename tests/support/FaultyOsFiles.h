@@ -6,10 +6,11 @@
 #include <utility>
 
 #include "util/OsFiles.h"
+#include "util/SafeWrite.h"
 
 namespace zoka::test {
 
-// Installs itself as the disk for its lifetime. A failing write leaves half of its bytes, a failing close
+// Installs itself as the disk for its lifetime, on which files may be written in place. A failing write leaves half of its bytes, a failing close
 // closes.
 class FaultyOsFiles : public OsFiles {
 public:
@@ -17,8 +18,14 @@ public:
     using Path = const std::string&;
     using Rule = std::function<bool(int n, std::string_view op, Path path)>;
 
-    explicit FaultyOsFiles(Rule fails) : m_fails(std::move(fails)) { setOsFiles(this); }
-    ~FaultyOsFiles() override { setOsFiles(nullptr); }
+    explicit FaultyOsFiles(Rule fails) : m_fails(std::move(fails)) {
+        setOsFiles(this);
+        setInPlace(InPlace::Allowed);
+    }
+    ~FaultyOsFiles() override {
+        setInPlace(InPlace::Ask);
+        setOsFiles(nullptr);
+    }
 
     static Rule nth(int failing) {
         return [failing](int n, std::string_view, Path) { return n == failing; };
@@ -33,8 +40,14 @@ public:
     std::optional<OsEntry> search(Path p) override {
         return bad("search", p) ? std::nullopt : m_real.search(p);
     }
-    std::vector<OsEntry> list(Path p) override {
-        return bad("list", p) ? std::vector<OsEntry>() : m_real.list(p);
+    std::vector<OsEntry> list(Path p, OsListing* left) override {
+        if (!bad("list", p)) {
+            return m_real.list(p, left);
+        }
+        if (left) {
+            left->error = "injected fault";
+        }
+        return {};
     }
     bool readTime(Path p, FileTime* time) override { return !bad("readTime", p) && m_real.readTime(p, time); }
     bool setTimes(Path p, FileTime time) override { return !bad("setTimes", p) && m_real.setTimes(p, time); }
@@ -68,6 +81,23 @@ public:
         auto file = m_real.openForWriting(p, how);
         return file ? std::make_unique<OutFile>(*this, p, std::move(file)) : nullptr;
     }
+    std::unique_ptr<OsOutFile> openSibling(Path p, Path like) override {
+        if (bad("openNew", p)) {
+            return nullptr;
+        }
+        auto file = m_real.openSibling(p, like);
+        return file ? std::make_unique<OutFile>(*this, p, std::move(file)) : nullptr;
+    }
+    void deleteAbandoned(Path p) override {
+        if (!bad("deleteAbandoned", p)) {
+            m_real.deleteAbandoned(p);
+        }
+    }
+    std::unique_ptr<OsLock> tryLock(Path p, OsLockState& state) override {
+        state = OsLockState::Impossible;
+        return bad("tryLock", p) ? nullptr : m_real.tryLock(p, state);
+    }
+    bool isLink(Path p) override { return m_real.isLink(p); }
     std::optional<std::string> resolveLinks(Path p) override {
         return bad("resolveLinks", p) ? std::nullopt : m_real.resolveLinks(p);
     }
@@ -83,6 +113,10 @@ public:
         }
     }
     std::string lastError() override { return m_injected ? "injected fault" : m_real.lastError(); }
+    OsFault lastFault() override { return m_injected ? injectedFault : m_real.lastFault(); }
+
+    // Why an operation failed that a rule names.
+    OsFault injectedFault = OsFault::NoPermission;
 
 private:
     class OutFile : public OsOutFile {

@@ -158,4 +158,18 @@ TEST_F(OsFilesTest, CopiesOfReadOnlyFilesCanBeWritten) {
     std::filesystem::permissions(folder.native("from"), std::filesystem::perms::owner_all);
 }
 
+TEST_F(OsFilesTest, ALockHasOneHolder) {
+    OsLockState state = OsLockState::Impossible;
+    {
+        const auto lock = files.tryLock(folder.path("l"), state);
+        EXPECT_TRUE(lock && state == OsLockState::Taken);
+        EXPECT_EQ(files.tryLock(folder.path("l"), state), nullptr);
+        EXPECT_EQ(state, OsLockState::Held);
+    }
+    EXPECT_TRUE(folder.names().empty());
+    EXPECT_TRUE(files.tryLock(folder.path("l"), state));
+    EXPECT_EQ(files.tryLock(folder.path("none\\l"), state), nullptr);
+    EXPECT_EQ(state, OsLockState::Impossible);
+}
+
 }  // namespace

@@ -126,6 +126,32 @@ TEST(SafeWrite, SaysWhatIsWrong) {
     EXPECT_NE(safeWrite(path, "new").error.find("could not be put back"), std::string::npos);
 }
 
+// Only a folder without permission is a reason to write in place.
+TEST(SafeWrite, WritesNothingWithoutRoomForASibling) {
+    for (const zoka::OsFault fault : {zoka::OsFault::NoRoom, zoka::OsFault::Other}) {
+        const TempFolder folder;
+        const std::string path = folder.write("a", "old");
+        FaultyOsFiles disk(FaultyOsFiles::every(kSibling));
+        disk.injectedFault = fault;
+        EXPECT_TRUE(safeWrite(path, "new").error.ends_with("injected fault"));
+        EXPECT_EQ(folder.read("a"), "old");
+    }
+}
+
+TEST(SafeWrite, NoticesWhatAnotherHasWritten) {
+    const TempFolder folder;
+    const std::string a = folder.write("a", "read"), b = folder.write("b", "other");
+    const zoka::FileContent files[] = {{a, "new", zoka::FileKind::Named, "read"},
+                                       {b, "new", zoka::FileKind::Named, "read"},
+                                       {folder.path("c"), "new"}};
+    const SafeWriteResult result = safeWrite(files);
+    EXPECT_TRUE(result.changedMeanwhile);
+    EXPECT_NE(result.error.find("another program"), std::string::npos);
+    EXPECT_EQ(folder.names(), (Names{"a", "b"}));
+    EXPECT_EQ(folder.read("a") + folder.read("b"), "readother") << "of several files none is written";
+    EXPECT_EQ(safeWrite({files, 1}).error, "");
+}
+
 TEST(SafeWrite, RefusesWhatIsNoFile) {
     const TempFolder folder;
     EXPECT_FALSE(safeWrite(folder.path(), "x"));

@@ -2,15 +2,20 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <utility>
 
 #include "util/BoostFiles.h"
+#include "util/OwnFiles.h"
 #include "util/PathRules.h"
 #include "util/posix/NativePath.h"
 
@@ -45,6 +50,7 @@ public:
     explicit Descriptor(int fd) : m_fd(fd) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
     ~Descriptor() { close(); }
     int get() const { return m_fd; }
     bool isOpen() const { return m_fd >= 0; }
@@ -103,6 +109,43 @@ int openFile(const std::string& path, int flags) {
     return open(native.c_str(), flags | O_CLOEXEC, 0666);
 }
 
+// What the system lets us copy; the rest is not worth a refusal. Access lists are among them.
+void copyExtendedAttributes(int from, int to) {
+    const ssize_t size = flistxattr(from, nullptr, 0);
+    std::string names(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    const ssize_t used = names.empty() ? 0 : flistxattr(from, names.data(), names.size());
+    names.resize(used > 0 ? static_cast<std::size_t>(used) : 0);
+    std::string value;
+    for (std::size_t at = 0; at < names.size();) {
+        const char* const name = names.c_str() + at;
+        at += std::strlen(name) + 1;
+        const ssize_t length = fgetxattr(from, name, nullptr, 0);
+        value.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        const ssize_t got = length >= 0 ? fgetxattr(from, name, value.data(), value.size()) : -1;
+        if (got >= 0) {
+            fsetxattr(to, name, value.data(), static_cast<std::size_t>(got), 0);
+        }
+    }
+}
+
+// Removed while it is held, so that nobody can take a file that is about to go.
+class PosixLock : public OsLock {
+public:
+    PosixLock(Descriptor file, std::string native) : m_file(std::move(file)), m_native(std::move(native)) {}
+    PosixLock(const PosixLock&) = delete;
+    PosixLock& operator=(const PosixLock&) = delete;
+    ~PosixLock() override {
+        const int before = errno;
+        unlink(m_native.c_str());
+        forgetOwnFile(m_native);
+        errno = before;
+    }
+
+private:
+    Descriptor m_file;
+    std::string m_native;
+};
+
 OsEntry describe(const std::string& name, const struct stat& info) {
     return {name, S_ISDIR(info.st_mode), toFileTime(info.st_mtim), static_cast<std::uint64_t>(info.st_size)};
 }
@@ -129,7 +172,9 @@ public:
         return describe(native.substr(native.rfind('/') + 1), info);
     }
 
-    std::vector<OsEntry> list(const std::string& pattern) override { return matches(pattern, false); }
+    std::vector<OsEntry> list(const std::string& pattern, OsListing* left) override {
+        return matches(pattern, false, left);
+    }
 
     bool readTime(const std::string& path, FileTime* time) override {
         const Descriptor file(openFile(path, O_RDONLY));
@@ -185,7 +230,14 @@ public:
     }
 
     bool makeFolder(const std::string& path) override { return mkdir(toNativePath(path).c_str(), 0777) == 0; }
-    bool deleteFile(const std::string& path) override { return unlink(toNativePath(path).c_str()) == 0; }
+    bool deleteFile(const std::string& path) override {
+        const std::string native = toNativePath(path);
+        if (unlink(native.c_str()) != 0) {
+            return false;
+        }
+        forgetOwnFile(native);
+        return true;
+    }
     bool deleteFolder(const std::string& path) override { return rmdir(toNativePath(path).c_str()) == 0; }
 
     std::FILE* openStream(const std::string& path, const char* mode) override {
@@ -249,15 +301,91 @@ public:
         return fd >= 0 ? std::make_unique<PosixOutFile>(fd) : nullptr;
     }
 
+    std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) override {
+        struct stat info;
+        const Descriptor model(like.empty() ? -1 : open(toNativePath(like).c_str(), O_RDONLY | O_CLOEXEC));
+        const bool known = model.isOpen() ? fstat(model.get(), &info) == 0
+                                          : !like.empty() && stat(toNativePath(like).c_str(), &info) == 0;
+        const std::string native = toNativePath(path);
+        const int fd = open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, known ? 0600 : 0666);
+        if (fd < 0) {
+            return nullptr;
+        }
+        noteOwnFile(native);
+        flock(fd, LOCK_EX | LOCK_NB);  // so that nobody takes it for abandoned
+        auto file = std::make_unique<PosixOutFile>(fd);
+        if (known) {
+            // The owner first: changing it clears bits of the mode. Only the superuser may give files away.
+            const bool owned = fchown(fd, info.st_uid, info.st_gid) == 0 || errno == EPERM;
+            if (model.isOpen()) {
+                copyExtendedAttributes(model.get(), fd);
+            }
+            if (!owned || fchmod(fd, info.st_mode & 07777) != 0) {
+                const int why = errno;
+                deleteFile(path);
+                errno = why;
+                return nullptr;
+            }
+        }
+        return file;
+    }
+
+    void deleteAbandoned(const std::string& path) override {
+        const std::string native = toNativePath(path);
+        const Descriptor file(open(native.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file.isOpen() && flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+            unlink(native.c_str());
+        }
+    }
+
+    std::unique_ptr<OsLock> tryLock(const std::string& path, OsLockState& state) override {
+        const std::string native = toNativePath(path);
+        state = OsLockState::Impossible;
+        while (true) {
+            Descriptor file(open(native.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666));
+            if (!file.isOpen()) {
+                return nullptr;
+            }
+            if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+                state = errno == EWOULDBLOCK ? OsLockState::Held : OsLockState::Impossible;
+                return nullptr;
+            }
+            struct stat ours, there;
+            if (fstat(file.get(), &ours) != 0) {
+                return nullptr;
+            }
+            if (stat(native.c_str(), &there) != 0 || there.st_ino != ours.st_ino ||
+                there.st_dev != ours.st_dev) {
+                continue;  // its holder has just removed it
+            }
+            // Whoever holds it writes its number; a file that has one already was left behind.
+            state = ours.st_size > 0 ? OsLockState::TakenOver : OsLockState::Taken;
+            const std::string number = std::to_string(getpid()) + "\n";
+            if (ftruncate(file.get(), 0) != 0 || ::write(file.get(), number.data(), number.size()) < 0) {
+                // A full disk: the lock holds without the number.
+            }
+            noteOwnFile(native);
+            return std::make_unique<PosixLock>(std::move(file), native);
+        }
+    }
+
+    bool isLink(const std::string& path) override {
+        struct stat info;
+        return lstat(toNativePath(path).c_str(), &info) == 0 && S_ISLNK(info.st_mode);
+    }
+
     std::optional<std::string> resolveLinks(const std::string& path) override {
         std::string native = toNativePath(fullPath(path));
         for (int i = 0; i < kMostLinks; ++i) {
             char target[PATH_MAX];
             const ssize_t size = readlink(native.c_str(), target, sizeof target);
             if (size < 0) {
-                return fromNativePath(native);
+                // What is no link, or isn't there yet, leads to itself.
+                return errno == EINVAL || errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG
+                           ? std::optional(fromNativePath(native))
+                           : std::nullopt;
             }
-            const std::string_view link(target, static_cast<size_t>(size));
+            const std::string_view link(target, static_cast<std::size_t>(size));
             native = link.starts_with('/') ? std::string(link)
                                            : native.substr(0, native.rfind('/') + 1).append(link);
         }
@@ -265,18 +393,15 @@ public:
         return std::nullopt;
     }
 
+    // The replacement has the target's mode and owner from its making.
     bool replaceFile(const std::string& target, const std::string& replacement) override {
-        const std::string to = toNativePath(target);
-        const std::string from = toNativePath(replacement);
+        const std::string from = toNativePath(replacement), to = toNativePath(target);
         struct stat info;
-        if (stat(to.c_str(), &info) != 0) {
+        if (stat(to.c_str(), &info) != 0 || rename(from.c_str(), to.c_str()) != 0) {
             return false;
         }
-        // The owner first: changing it clears bits of the mode. Only the superuser may give files away.
-        if (lchown(from.c_str(), info.st_uid, info.st_gid) != 0 && errno != EPERM) {
-            return false;
-        }
-        return chmod(from.c_str(), info.st_mode & 07777) == 0 && rename(from.c_str(), to.c_str()) == 0;
+        forgetOwnFile(from);
+        return true;
     }
 
     bool renameNew(const std::string& from, const std::string& to) override {
@@ -291,8 +416,11 @@ public:
                 errno = EEXIST;
                 return false;
             }
-            return rename(nativeFrom.c_str(), nativeTo.c_str()) == 0;
+            if (rename(nativeFrom.c_str(), nativeTo.c_str()) != 0) {
+                return false;
+            }
         }
+        forgetOwnFile(nativeFrom);
         return true;
     }
 
@@ -304,6 +432,19 @@ public:
     }
 
     std::string lastError() override { return std::strerror(errno); }
+    OsFault lastFault() override {
+        switch (errno) {
+            case EACCES:
+            case EPERM:
+            case EROFS:
+                return OsFault::NoPermission;
+            case ENOSPC:
+            case EDQUOT:
+                return OsFault::NoRoom;
+            default:
+                return OsFault::Other;
+        }
+    }
 
 private:
     // Keeps the number of an error for lastError.
@@ -312,7 +453,8 @@ private:
         return error == 0;
     }
 
-    static std::vector<OsEntry> matches(const std::string& pattern, bool withDots) {
+    static std::vector<OsEntry> matches(const std::string& pattern, bool withDots,
+                                        OsListing* left = nullptr) {
         std::vector<OsEntry> found;
         const std::string_view wildcard = fileNameOf(pattern);
         std::string folder =
@@ -321,13 +463,24 @@ private:
             folder = "./";
         }
         const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.c_str()), closedir);
+        errno = dir ? 0 : errno;
         while (const dirent* entry = dir ? readdir(dir.get()) : nullptr) {
             const std::string_view name = entry->d_name;
             struct stat info;
-            if ((withDots || (name != "." && name != "..")) && matchesWildcard(wildcard, name) &&
-                statEntry(folder + entry->d_name, info)) {
-                found.push_back(describe(entry->d_name, info));
+            if ((withDots || (name != "." && name != "..")) && matchesWildcard(wildcard, name)) {
+                // As a path such a name would be another file's, in a folder.
+                if (name.find('\\') != name.npos) {
+                    if (left) {
+                        left->skipped.emplace_back(name);
+                    }
+                } else if (statEntry(folder + entry->d_name, info)) {
+                    found.push_back(describe(entry->d_name, info));
+                }
             }
+            errno = 0;
+        }
+        if (left && errno != 0) {
+            left->error = std::strerror(errno);
         }
         std::ranges::sort(found,
                           [](const OsEntry& a, const OsEntry& b) { return lessNoCase(a.name, b.name); });
@@ -335,7 +488,23 @@ private:
     }
 };
 
+extern "C" void removeAndEnd(int number) {
+    removeOwnFiles([](const char* path) { unlink(path); });
+    signal(number, SIG_DFL);
+    raise(number);
+}
+
 }  // namespace
+
+void removeOwnFilesAtSignals() {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction now;
+        // One that is ignored (nohup) stays so.
+        if (sigaction(number, nullptr, &now) == 0 && now.sa_handler == SIG_DFL) {
+            signal(number, removeAndEnd);
+        }
+    }
+}
 
 OsFiles& systemFiles() {
     static PosixFiles files;

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "util/BoostFiles.h"
+#include "util/OwnFiles.h"
 #include "util/PathRules.h"
 
 namespace zoka {
@@ -42,10 +43,82 @@ private:
     HANDLE m_handle;
 };
 
+std::string describeError(DWORD code) {
+    char text[512];
+    DWORD size = FormatMessageA(
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK, nullptr,
+        code, 0, text, sizeof text, nullptr);
+    while (size > 0 && (text[size - 1] == ' ' || text[size - 1] == '.')) {
+        --size;
+    }
+    return size > 0 ? std::string(text, size) : "system error " + std::to_string(code);
+}
+
+constexpr DWORD kPatienceMs = 1000;
+constexpr DWORD kRetryMs = 20;
+
+// Does it again for a second while another program holds the file: virus scanners look into fresh ones.
+// `failed` says whether the last try did.
+template <class Try, class Failed>
+auto patiently(const Try& attempt, const Failed& failed) {
+    const DWORD start = GetTickCount();
+    auto result = attempt();
+    while (failed(result) &&
+           (GetLastError() == ERROR_SHARING_VIOLATION || GetLastError() == ERROR_LOCK_VIOLATION) &&
+           GetTickCount() - start < kPatienceMs) {
+        Sleep(kRetryMs);
+        result = attempt();
+    }
+    return result;
+}
+
+std::string fullPathOf(const std::string& path) {
+    std::string full(GetFullPathNameA(path.c_str(), 0, nullptr, nullptr), '\0');
+    const DWORD size = GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (size == 0 || size >= full.size()) {
+        return path;
+    }
+    full.resize(size);
+    return full;
+}
+
+std::wstring wide(const std::string& text) {
+    const auto size = static_cast<int>(text.size());
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
+    std::wstring made(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), size, made.data(), length);
+    return made;
+}
+
+std::string narrow(const wchar_t* text) {
+    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string made(length > 0 ? static_cast<std::size_t>(length) : 1, '\0');
+    WideCharToMultiByte(CP_ACP, 0, text, -1, made.data(), length, nullptr, nullptr);
+    made.pop_back();
+    return made;
+}
+
+// The path as system calls take it, in the form without a limit of 260 where it is that long: the suite's own
+// paths aren't, but those of files beside them can be. The calls for 8-bit paths know no such form.
+std::wstring nativePath(const std::string& path) {
+    if (path.size() < MAX_PATH - 12 || path.starts_with("\\\\?\\")) {
+        return wide(path);
+    }
+    const std::string full = fullPathOf(path);
+    return wide(full.starts_with("\\\\") ? "\\\\?\\UNC" + full.substr(1) : "\\\\?\\" + full);
+}
+
+HANDLE openPatiently(const std::string& path, DWORD access, DWORD share, DWORD disposition, DWORD flags) {
+    const std::wstring native = nativePath(path);
+    return patiently(
+        [&] { return CreateFileW(native.c_str(), access, share, nullptr, disposition, flags, nullptr); },
+        [](HANDLE file) { return file == INVALID_HANDLE_VALUE; });
+}
+
 class FindHandle {
 public:
-    FindHandle(const std::string& pattern, WIN32_FIND_DATAA& data)
-        : m_handle(FindFirstFileA(pattern.c_str(), &data)) {}
+    FindHandle(const std::string& pattern, WIN32_FIND_DATAW& data)
+        : m_handle(FindFirstFileW(nativePath(pattern).c_str(), &data)) {}
     FindHandle(const FindHandle&) = delete;
     FindHandle& operator=(const FindHandle&) = delete;
     ~FindHandle() {
@@ -54,14 +127,14 @@ public:
         }
     }
     bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
-    bool next(WIN32_FIND_DATAA& data) { return FindNextFileA(m_handle, &data) != 0; }
+    bool next(WIN32_FIND_DATAW& data) { return FindNextFileW(m_handle, &data) != 0; }
 
 private:
     HANDLE m_handle;
 };
 
-OsEntry describe(const WIN32_FIND_DATAA& data) {
-    return {data.cFileName, (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+OsEntry describe(const WIN32_FIND_DATAW& data) {
+    return {narrow(data.cFileName), (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
             fromSystem(data.ftLastWriteTime), (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow};
 }
 
@@ -83,7 +156,14 @@ public:
         return SetFilePointer(m_file.get(), 0, nullptr, FILE_BEGIN) != INVALID_SET_FILE_POINTER;
     }
     bool cutHere() override { return SetEndOfFile(m_file.get()) != 0; }
-    bool flush() override { return FlushFileBuffers(m_file.get()) != 0; }
+    bool flush() override {
+        if (FlushFileBuffers(m_file.get())) {
+            return true;
+        }
+        // What cannot be synchronised (a pipe, some network shares) is as safe as it gets.
+        const DWORD why = GetLastError();
+        return why == ERROR_INVALID_FUNCTION || why == ERROR_NOT_SUPPORTED || why == ERROR_INVALID_PARAMETER;
+    }
     bool close() override { return m_file.close(); }
 
 private:
@@ -91,27 +171,36 @@ private:
 };
 
 // Both do what the system allows: neither is worth a refusal.
-void setCreationTime(const std::string& path, const FILETIME& time) {
-    const Handle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
+void setCreationTime(const std::wstring& path, const FILETIME& time) {
+    const Handle file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                   nullptr, OPEN_EXISTING, 0, nullptr));
     if (file.isOpen()) {
         SetFileTime(file.get(), &time, nullptr, nullptr);
     }
 }
 
-void copyAccessRights(const std::string& from, const std::string& to) {
+void copyAccessRights(const std::wstring& from, const std::wstring& to) {
     DWORD size = 0;
-    GetFileSecurityA(from.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
     std::vector<std::uint64_t> rights(size / sizeof(std::uint64_t) + 1);  // aligned as the system wants it
-    if (size > 0 && GetFileSecurityA(from.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size)) {
-        SetFileSecurityA(to.c_str(), DACL_SECURITY_INFORMATION, rights.data());
+    if (size > 0 && GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size)) {
+        SetFileSecurityW(to.c_str(), DACL_SECURITY_INFORMATION, rights.data());
     }
 }
+
+// The system removes the file with the last handle, also when the process is killed.
+class WinLock : public OsLock {
+public:
+    explicit WinLock(HANDLE file) : m_file(file) {}
+
+private:
+    Handle m_file;
+};
 
 class WinFiles : public OsFiles {
 public:
     std::optional<OsEntry> search(const std::string& path) override {
-        WIN32_FIND_DATAA data;
+        WIN32_FIND_DATAW data;
         // The system would look for a folder's first entry here.
         if (path.empty() || isSeparator(path.back())) {
             return std::nullopt;
@@ -120,18 +209,22 @@ public:
         return find.isOpen() ? std::optional(describe(data)) : std::nullopt;
     }
 
-    std::vector<OsEntry> list(const std::string& pattern) override {
+    std::vector<OsEntry> list(const std::string& pattern, OsListing* left) override {
         // Everything is listed and matched by our own rule: the system's one also takes the short names of
         // old, by which "*.htm" finds "a.html".
         const std::string_view wildcard = fileNameOf(pattern);
         std::vector<OsEntry> found;
-        WIN32_FIND_DATAA data;
+        WIN32_FIND_DATAW data;
         FindHandle find(pattern.substr(0, pattern.size() - wildcard.size()) + "*", data);
         for (bool more = find.isOpen(); more; more = find.next(data)) {
-            const std::string_view name = data.cFileName;
+            const std::string name = narrow(data.cFileName);
             if (name != "." && name != ".." && matchesWildcard(wildcard, name)) {
                 found.push_back(describe(data));
             }
+        }
+        const DWORD why = GetLastError();
+        if (left && why != ERROR_NO_MORE_FILES && why != ERROR_FILE_NOT_FOUND) {
+            left->error = describeError(why);
         }
         std::ranges::sort(found,
                           [](const OsEntry& a, const OsEntry& b) { return lessNoCase(a.name, b.name); });
@@ -139,8 +232,8 @@ public:
     }
 
     bool readTime(const std::string& path, FileTime* time) override {
-        const Handle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+        const Handle file(CreateFileW(nativePath(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
         FILETIME lastWrite;
         if (file.isOpen() && time && GetFileTime(file.get(), nullptr, nullptr, &lastWrite)) {
             *time = fromSystem(lastWrite);
@@ -149,8 +242,8 @@ public:
     }
 
     bool setTimes(const std::string& path, FileTime time) override {
-        const Handle file(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+        const Handle file(
+            openPatiently(path, GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
         if (!file.isOpen()) {
             return false;
         }
@@ -168,15 +261,22 @@ public:
         return SetCurrentDirectoryA(path.c_str()) != 0;
     }
 
-    std::string fullPath(const std::string& path) override {
-        std::string full(GetFullPathNameA(path.c_str(), 0, nullptr, nullptr), '\0');
-        const DWORD size =
-            GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
-        if (size == 0 || size >= full.size()) {
-            return path;
+    std::string fullPath(const std::string& path) override { return fullPathOf(path); }
+
+    bool makeFolder(const std::string& path) override {
+        return CreateDirectoryW(nativePath(path).c_str(), nullptr) != 0;
+    }
+    bool deleteFile(const std::string& path) override {
+        const std::wstring native = nativePath(path);
+        const bool deleted =
+            patiently([&] { return DeleteFileW(native.c_str()) != 0; }, [](bool done) { return !done; });
+        if (deleted) {
+            forgetOwnFile(path);
         }
-        full.resize(size);
-        return full;
+        return deleted;
+    }
+    bool deleteFolder(const std::string& path) override {
+        return RemoveDirectoryW(nativePath(path).c_str()) != 0;
     }
 
     OsKind kindOf(const std::string& path) override {
@@ -192,17 +292,13 @@ public:
         return told(boostCopyNew(from, to));
     }
 
-    bool makeFolder(const std::string& path) override { return CreateDirectoryA(path.c_str(), nullptr) != 0; }
-    bool deleteFile(const std::string& path) override { return DeleteFileA(path.c_str()) != 0; }
-    bool deleteFolder(const std::string& path) override { return RemoveDirectoryA(path.c_str()) != 0; }
-
     std::FILE* openStream(const std::string& path, const char* mode) override {
-        return std::fopen(path.c_str(), mode);
+        return _wfopen(nativePath(path).c_str(), wide(mode).c_str());
     }
 
     std::optional<std::string> readWhole(const std::string& path) override {
-        const Handle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+        const Handle file(openPatiently(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
+                                        FILE_FLAG_SEQUENTIAL_SCAN));
         LARGE_INTEGER size;
         if (!file.isOpen() || !GetFileSizeEx(file.get(), &size)) {
             return std::nullopt;
@@ -232,19 +328,72 @@ public:
         const DWORD disposition = how == OsOpen::Existing ? OPEN_EXISTING
                                   : how == OsOpen::New    ? CREATE_NEW
                                                           : CREATE_ALWAYS;
-        const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, disposition,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr);
+        const DWORD attributes = GetFileAttributesW(nativePath(path).c_str());
+        if (how == OsOpen::Existing && attributes != INVALID_FILE_ATTRIBUTES &&
+            (attributes & FILE_ATTRIBUTE_READONLY)) {  // which not every system that runs us minds
+            SetLastError(ERROR_ACCESS_DENIED);
+            return nullptr;
+        }
+        const HANDLE file =
+            openPatiently(path, GENERIC_WRITE, FILE_SHARE_READ, disposition, FILE_ATTRIBUTE_NORMAL);
         return file != INVALID_HANDLE_VALUE ? std::make_unique<WinOutFile>(file) : nullptr;
+    }
+
+    std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) override {
+        const std::wstring native = nativePath(path);
+        // Others may delete it, so that a console's end can.
+        const HANDLE file = CreateFileW(native.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                        nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE) {
+            return nullptr;
+        }
+        noteOwnFile(path);
+        if (!like.empty()) {
+            copyAccessRights(nativePath(like), native);
+        }
+        return std::make_unique<WinOutFile>(file);
+    }
+
+    // The system refuses while a program has it open, since none lets others delete it but us.
+    void deleteAbandoned(const std::string& path) override {
+        const Handle file(CreateFileW(nativePath(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    }
+
+    std::unique_ptr<OsLock> tryLock(const std::string& path, OsLockState& state) override {
+        const std::wstring native = nativePath(path);
+        const HANDLE file = CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                                        FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        const DWORD why = GetLastError();
+        if (file != INVALID_HANDLE_VALUE) {
+            state = why == ERROR_ALREADY_EXISTS ? OsLockState::TakenOver : OsLockState::Taken;
+            return std::make_unique<WinLock>(file);
+        }
+        // One that is just being removed is refused as if it were forbidden.
+        const bool there = GetFileAttributesW(native.c_str()) != INVALID_FILE_ATTRIBUTES ||
+                           (GetLastError() != ERROR_FILE_NOT_FOUND && GetLastError() != ERROR_PATH_NOT_FOUND);
+        state = why == ERROR_SHARING_VIOLATION || why == ERROR_DELETE_PENDING ||
+                        (why == ERROR_ACCESS_DENIED && there)
+                    ? OsLockState::Held
+                    : OsLockState::Impossible;
+        SetLastError(why);
+        return nullptr;
+    }
+
+    bool isLink(const std::string& path) override {
+        const DWORD attributes = GetFileAttributesW(nativePath(path).c_str());
+        return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
     }
 
     std::optional<std::string> resolveLinks(const std::string& path) override {
         const std::string full = fullPath(path);
-        const DWORD attributes = GetFileAttributesA(full.c_str());
+        const DWORD attributes = GetFileAttributesW(nativePath(full).c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
             return full;
         }
-        const Handle file(CreateFileA(full.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        const Handle file(CreateFileW(nativePath(full).c_str(), 0,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         char target[1024];
         const DWORD size =
             file.isOpen() ? GetFinalPathNameByHandleA(file.get(), target, sizeof target, FILE_NAME_NORMALIZED)
@@ -264,40 +413,47 @@ public:
     bool replaceFile(const std::string& target, const std::string& replacement) override {
         constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                                 FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+        const std::wstring to = nativePath(target), from = nativePath(replacement);
         WIN32_FILE_ATTRIBUTE_DATA old;
-        if (!GetFileAttributesExA(target.c_str(), GetFileExInfoStandard, &old)) {
+        if (!GetFileAttributesExW(to.c_str(), GetFileExInfoStandard, &old)) {
             return false;
         }
-        if (old.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {  // which not every system that runs us minds
-            SetLastError(ERROR_ACCESS_DENIED);
-            return false;
-        }
-        copyAccessRights(target, replacement);
-        setCreationTime(replacement, old.ftCreationTime);
+        setCreationTime(from, old.ftCreationTime);
         const DWORD attributes = old.dwFileAttributes & kKept;
-        SetFileAttributesA(replacement.c_str(), attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL);
-        return MoveFileExA(replacement.c_str(), target.c_str(),
-                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+        SetFileAttributesW(from.c_str(), attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL);
+        return moveFile(replacement, from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
     }
 
     bool renameNew(const std::string& from, const std::string& to) override {
-        return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
+        return moveFile(from, nativePath(from), nativePath(to), MOVEFILE_WRITE_THROUGH);
     }
     void flushFolder(const std::string&) override {}  // the file system's own log keeps the order
 
-    std::string lastError() override {
-        char text[512];
-        const DWORD code = GetLastError();
-        DWORD size = FormatMessageA(
-            FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
-            nullptr, code, 0, text, sizeof text, nullptr);
-        while (size > 0 && (text[size - 1] == ' ' || text[size - 1] == '.')) {
-            --size;
+    std::string lastError() override { return describeError(GetLastError()); }
+    OsFault lastFault() override {
+        switch (GetLastError()) {
+            case ERROR_ACCESS_DENIED:
+            case ERROR_WRITE_PROTECT:
+                return OsFault::NoPermission;
+            case ERROR_DISK_FULL:
+            case ERROR_HANDLE_DISK_FULL:
+                return OsFault::NoRoom;
+            default:
+                return OsFault::Other;
         }
-        return size > 0 ? std::string(text, size) : "system error " + std::to_string(code);
     }
 
 private:
+    static bool moveFile(const std::string& own, const std::wstring& from, const std::wstring& to,
+                         DWORD how) {
+        const bool moved = patiently([&] { return MoveFileExW(from.c_str(), to.c_str(), how) != 0; },
+                                     [](bool done) { return !done; });
+        if (moved) {
+            forgetOwnFile(own);
+        }
+        return moved;
+    }
+
     // Keeps the number of an error for lastError.
     static bool told(int error) {
         SetLastError(static_cast<DWORD>(error));
@@ -305,7 +461,16 @@ private:
     }
 };
 
+BOOL WINAPI removeAtConsoleEnd(DWORD) {
+    removeOwnFiles([](const char* path) { DeleteFileA(path); });
+    return FALSE;  // the next handler ends the process
+}
+
 }  // namespace
+
+void removeOwnFilesAtSignals() {
+    SetConsoleCtrlHandler(removeAtConsoleEnd, TRUE);
+}
 
 OsFiles& systemFiles() {
     static WinFiles files;

@@ -5,13 +5,18 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <limits>
+#include <optional>
+#include <set>
 
 #include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"
 #include "util/File.h"
+#include "util/FileLock.h"
 #include "util/SafeWrite.h"
 #include "util/posix/NativePath.h"
 
@@ -133,6 +138,154 @@ TEST(SafeWrite, KeepsTheModeAndTheLink) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.native("real")), {}), 2) << "no sibling is left";
 }
 
+// Whoever could read the new content may have read the old one, at no moment others. What a program makes for
+// itself never goes through a link.
+TEST(SafeWrite, NewContentHasTheOldModeFromItsFirstByteAndGeneratedFilesFollowNoLink) {
+    const TempFolder folder;
+    folder.write("secret", "old");
+    ASSERT_EQ(chmod(folder.native("secret").c_str(), 0600), 0);
+    const bool hasAttributes = setxattr(folder.native("secret").c_str(), "user.note", "kept", 4, 0) == 0;
+    std::set<mode_t> modes;
+    const FaultyOsFiles disk([&](int, std::string_view op, const std::string& path) {
+        struct stat info;
+        if (op == "write" && stat(toNativePath(path).c_str(), &info) == 0) {
+            modes.insert(info.st_mode & 07777);
+        }
+        return false;
+    });
+    const FileContent files[] = {
+        {folder.path("secret"), "new"},
+        {folder.path("secret.zoka"), "values", FileKind::Generated, std::nullopt, folder.path("secret")}};
+    EXPECT_EQ(safeWrite(files).error, "");
+    EXPECT_EQ(modes, std::set<mode_t>{0600});
+    char note[5] = "";
+    EXPECT_TRUE(!hasAttributes || getxattr(folder.native("secret").c_str(), "user.note", note, 4) == 4);
+
+    folder.write("outside", "precious");
+    for (const char* target : {"outside", "nothing"}) {
+        fs::create_symlink(target, folder.native("page.htm"));
+        const std::string error = safeWrite(folder.path("page.htm"), "x", FileKind::Generated).error;
+        EXPECT_TRUE(error.ends_with("a link stands in its place")) << error;
+        EXPECT_TRUE(fs::is_symlink(folder.native("page.htm")));
+        fs::remove(folder.native("page.htm"));
+    }
+    EXPECT_EQ(folder.read("outside"), "precious");
+    EXPECT_EQ(folder.read("nothing"), "<missing>");
+}
+
+// Programs that add a line each to one file, at the same time and as fast as they can, lose none; the second
+// way of theirs is to take no lock for reading and to start again when the file is another one.
+TEST(FileLock, WritersAtOnceLoseNothing) {
+    constexpr int kWriters = 4, kLines = 8;
+    for (const bool locks : {true, false}) {
+        const TempFolder folder;
+        const std::string path = folder.write("main.kez", "");
+        for (int writer = 0; writer < kWriters; ++writer) {
+            if (fork() == 0) {
+                for (int line = 0; line < kLines;) {
+                    std::optional<FileLock> lock;
+                    if (locks) {
+                        lock.emplace(path);
+                    }
+                    const auto before = systemFiles().readWhole(path);
+                    const std::string after = *before + std::to_string(writer) + "\n";
+                    const FileContent file{path, after, FileKind::Named, before};
+                    const SafeWriteResult result = safeWrite({&file, 1});
+                    if (!result && !result.changedMeanwhile) {
+                        _exit(1);
+                    }
+                    line += result ? 1 : 0;
+                }
+                _exit(0);
+            }
+        }
+        for (int writer = 0; writer < kWriters; ++writer) {
+            int status = 0;
+            ASSERT_GT(wait(&status), 0);
+            EXPECT_EQ(status, 0);
+        }
+        EXPECT_EQ(folder.read("main.kez").size(), size_t{kWriters * kLines * 2}) << locks;
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"main.kez"});
+    }
+}
+
+TEST(FileLock, WaitsForItsHolderAndOutlivesOneThatIsGone) {
+    const TempFolder folder;
+    const std::string path = folder.write("main.kez", "x"), link = folder.path("link.kez");
+    fs::create_symlink("main.kez", folder.native("link.kez"));
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const FileLock held(path);
+        EXPECT_EQ(write(ready[1], "x", 1), 1);
+        pause();
+    }
+    char byte;
+    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    const std::string refusal = FileLock(link, std::chrono::milliseconds(30)).error();
+    EXPECT_NE(refusal.find("main.kez': another program is changing it"), std::string::npos) << refusal;
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    zoka::test::ScriptedPrompt prompt;
+    {
+        const FileLock taken(path), again(link);
+        EXPECT_TRUE(taken && again);
+    }
+    ASSERT_EQ(prompt.texts().size(), 1u);
+    EXPECT_NE(prompt.texts()[0].find("~zk-main.kez.lock"), std::string::npos);
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"link.kez", "main.kez"}));
+    // A folder that takes no lock file stops nobody.
+    const FaultyOsFiles disk(FaultyOsFiles::every("tryLock"));
+    EXPECT_TRUE(FileLock(path));
+    close(ready[0]);
+    close(ready[1]);
+}
+
+// What an ended program leaves: nothing after a signal, and what is old goes with the next save.
+TEST(SafeWrite, TemporaryFilesGo) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        const TempFolder folder;
+        const std::string path = folder.write("a", "old");
+        const pid_t child = fork();
+        if (child == 0) {
+            removeOwnFilesAtSignals();
+            const FaultyOsFiles disk([&](int, std::string_view op, const std::string&) {
+                return op == "flush" && raise(number) == 0;
+            });
+            safeWrite(path, "new");
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == number);
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
+    }
+    const TempFolder folder;
+    const time_t now = time(nullptr);
+    for (const auto& [name, age] :
+         {std::pair("~zk00000001.tmp", 90'000), std::pair("~zk00000002.tmp", 80'000),
+          std::pair("~zk-a.lock", 90'000), std::pair("~zkother", 90'000)}) {
+        folder.write(name, "x");
+        const timespec times[2] = {{now - age, 0}, {now - age, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, folder.native(name).c_str(), times, 0), 0);
+    }
+    EXPECT_EQ(safeWrite(folder.path("a"), "x").error, "");
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "~zk00000002.tmp", "~zkother"}));
+}
+
+TEST(OsFiles, NamesWithABackslashAreNoPaths) {
+    const TempFolder folder;
+    folder.write("a.kez", "");
+    folder.write("..\\b.kez", "");
+    OsListing left;
+    EXPECT_EQ(systemFiles().list(folder.path("*"), &left).size(), 1u);
+    EXPECT_EQ(left.skipped, std::vector<std::string>{"..\\b.kez"});
+    EXPECT_EQ(left.error, "");
+    systemFiles().list(folder.path("none\\*"), &left);
+    EXPECT_EQ(left.error, "No such file or directory");
+}
+
 // The superuser may write everything, so the tests of refused access run as nobody.
 class AsNobody {
 public:
@@ -160,7 +313,15 @@ TEST(SafeWrite, RespectsRefusedAccess) {
     fs::permissions(folder.native(""), fs::perms(0555));
     {
         const AsNobody nobody;
+        // In place only by the user's choice.
+        zoka::test::ScriptedPrompt prompt;
+        prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+        EXPECT_TRUE(safeWrite(folder.path("writable"), "new").error.ends_with("not written in place"));
+        EXPECT_EQ(folder.read("writable"), "old content");
         EXPECT_EQ(safeWrite(folder.path("writable"), "new").error, "") << "written in place";
+        setInPlace(InPlace::Refused);
+        EXPECT_NE(safeWrite(folder.path("writable"), "newer").error, "");
+        setInPlace(InPlace::Ask);
         EXPECT_FALSE(safeWrite(folder.path("another"), "new"));
     }
     EXPECT_EQ(folder.read("writable"), "new");

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <thread>
+
 #include "tests/support/TempFolder.h"
 #include "util/File.h"
 #include "util/OsFiles.h"
@@ -74,6 +76,36 @@ TEST(SafeWrite, RefusesAFileThatIsReadOnlyOrThatAnotherProgramHolds) {
     CloseHandle(other);
     EXPECT_EQ(folder.read("a.kez"), "old");
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
+}
+
+// A virus scanner looks into what was just written.
+TEST(SafeWrite, WaitsForAProgramThatHoldsTheFileForAMoment) {
+    const TempFolder folder;
+    const std::string path = folder.write("a.kez", "old");
+    HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+    std::thread scanner([other] {
+        Sleep(200);
+        CloseHandle(other);
+    });
+    EXPECT_EQ(safeWrite(path, "new").error, "");
+    scanner.join();
+    EXPECT_EQ(folder.read("a.kez"), "new");
+}
+
+// The suite's longest path leaves no room for the name of a sibling.
+TEST(SafeWrite, TakesTheLongestPath) {
+    const TempFolder folder;
+    std::string path = folder.path();
+    while (path.size() + 60 < 255) {
+        path += "\\" + std::string(50, 'f');
+        ASSERT_TRUE(zoka::systemFiles().makeFolder(path));
+    }
+    path += "\\" + std::string(254 - path.size(), 'f') + ".kez";
+    ASSERT_EQ(path.size(), 259u);
+    EXPECT_EQ(safeWrite(path, "new").error, "");
+    EXPECT_EQ(safeWrite(path, "newer").error, "");
+    EXPECT_EQ(zoka::systemFiles().readWhole(path), "newer");
 }
 
 TEST(FileTimes, SetAllThree) {
