@@ -1,12 +1,12 @@
 #include "plugin/Procedures.h"
 
 #include <atomic>
-#include <exception>
 #include <memory>
-#include <new>
+#include <utility>
 
 #include "J8ProjectManager/J8ProjectManager.h"
 #include "util/DebugLog.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/UserPrompt.h"
 
@@ -59,22 +59,30 @@ private:
     bool& m_mark;
 };
 
-// Marks a modal procedure as running, in the host's word (which may be missing) and in our own.
-class ModalRun {
+// The host's busy word, which may be missing: 1 as long as this lives, unless a panel's run has taken it over.
+class BusyWord {
 public:
-    ModalRun(bool& running, std::int32_t* busy) : m_running(running), m_busy(busy) { set(1); }
-    ~ModalRun() { set(0); }
-    ModalRun(const ModalRun&) = delete;
-    ModalRun& operator=(const ModalRun&) = delete;
+    explicit BusyWord(std::int32_t* word) : m_word(word) { set(1); }
+    ~BusyWord() { set(0); }
+    BusyWord(const BusyWord&) = delete;
+    BusyWord& operator=(const BusyWord&) = delete;
+
+    std::int32_t* handOver() { return std::exchange(m_word, nullptr); }
 
 private:
     void set(std::int32_t value) {
-        if (m_busy) {
-            std::atomic_ref<std::int32_t>(*m_busy).store(value);
+        if (m_word) {
+            std::atomic_ref<std::int32_t>(*m_word).store(value);
         }
     }
-    const Marked m_running;
-    std::int32_t* m_busy;
+    std::int32_t* m_word;
+};
+
+// Marks a modal procedure as running, in the host's word and in our own.
+struct ModalRun {
+    ModalRun(bool& running, std::int32_t* word) : mark(running), busy(word) {}
+    const Marked mark;
+    const BusyWord busy;
 };
 
 std::string entityName(const HostContext* context) {
@@ -93,25 +101,24 @@ void finish(Panel& panel) {
     }
 }
 
-// True when the panel stands open already: it is in front now. This call of the procedure is over then, so a
-// word other than the one that the open panel keeps busy says so.
+// True when the panel stands open already: it is in front now. This call of the procedure is over then, and a
+// word of its own says so; the one that the open panel keeps busy stays busy, also when the host has cleared it.
 bool showOpenPanel(Panel& panel, std::int32_t* executeFlags) {
     PanelThread* const thread = panel.state.thread();
     if (!thread || !thread->bringToFront()) {
         return false;
     }
-    if (executeFlags != panel.state.busyWord()) {
-        std::atomic_ref<std::int32_t>(*executeFlags).store(0);
-    }
+    const bool isThePanels = executeFlags == panel.state.busyWord();
+    std::atomic_ref<std::int32_t>(*executeFlags).store(isThePanels ? 1 : 0);
     return true;
 }
 
 void startPanel(Panel& panel, PanelDialog& dialog, std::unique_ptr<ZunEditorInterface> editor,
-                std::int32_t* executeFlags) {
+                BusyWord& busy) {
     panel.run.editor = std::move(editor);
     const std::shared_ptr<PanelThread> thread = g_seams->makeThread(panel.state, dialog, kPanelDialog);
     panel.run.thread = thread;
-    panel.state.begin(thread.get(), executeFlags);
+    panel.state.begin(thread.get(), busy.handOver());
     if (!thread->start()) {
         finish(panel);
         userPrompt().tell("The panel could not be opened: the system refused its thread or window.");
@@ -151,9 +158,10 @@ std::int32_t executeCustomize(PluginProcDef*, HostContext*, std::int32_t* execut
     }
     const Marked opening(panel.opening);
     finish(panel);
+    BusyWord busy(executeFlags);
     auto editor = g_seams->makeEditor(g_appInterface->editor);
     panels().customizeDialog = g_seams->makeCustomizePanel(*editor);
-    startPanel(panel, *panels().customizeDialog, std::move(editor), executeFlags);
+    startPanel(panel, *panels().customizeDialog, std::move(editor), busy);
     return 0;
 }
 
@@ -188,11 +196,12 @@ std::int32_t executeBehavior(PluginProcDef*, HostContext* context, std::int32_t*
     }
     const Marked opening(panel.opening);
     finish(panel);
+    BusyWord busy(executeFlags);
     freeBehaviorDialog();
     auto editor = g_seams->makeEditor(g_appInterface->editor);
     const auto descriptor = testBehavior(*editor, context);
     g_behaviorDialog = g_seams->makeBehaviorPanel(*editor, entityName(context), descriptor).release();
-    startPanel(panel, *g_behaviorDialog, std::move(editor), executeFlags);
+    startPanel(panel, *g_behaviorDialog, std::move(editor), busy);
     return 0;
 }
 
@@ -258,17 +267,17 @@ std::int32_t executeWizard(PluginProcDef*, HostContext*, std::int32_t* executeFl
     return 1;
 }
 
-// The host can't catch what is thrown through it: that would end its process.
 template <PluginExecute Execute>
 std::int32_t guarded(PluginProcDef* record, HostContext* context, std::int32_t* executeFlags) {
-    try {
-        return Execute(record, context, executeFlags);
-    } catch (const std::bad_alloc&) {
-        userPrompt().tell("There is not enough memory for this.");
-    } catch (const std::exception& fault) {
-        userPrompt().tell(fault.what());
-    }
-    return 0;
+    std::int32_t result = 0;
+    keepInside([&] { result = Execute(record, context, executeFlags); });
+    return result;
+}
+
+template <PluginTerminate Terminate>
+std::int32_t guarded() {
+    keepInside([] { Terminate(); });
+    return 1;
 }
 
 }  // namespace
@@ -278,10 +287,10 @@ PanelDialog* g_behaviorDialog = nullptr;
 
 PluginProcDef g_procDefs[kProcCount] = {
     {0, 2, 0x84, "KEZ Customize", nullptr, 0, 0, 0, &g_procDefs[0], guarded<executeCustomize>,
-     terminateCustomize, 0, 0},
+     guarded<terminateCustomize>, 0, 0},
     {0, 1, 0x85, "Add Script", nullptr, 0, 0, 0, &g_procDefs[1], guarded<executeAddScript>, nullptr, 0, 0},
     {0, 2, 0x8b, "Entity Behavior", nullptr, 0, 0, 0, &g_procDefs[2], guarded<executeBehavior>,
-     terminateBehavior, 0, 0},
+     guarded<terminateBehavior>, 0, 0},
     {0x80000, 5, 0, "Project Wizard", "File\\Project Wizard", 0, 0, 0, &g_procDefs[3], guarded<executeWizard>,
      nullptr, 0, 0},
 };
@@ -332,11 +341,11 @@ std::int32_t PIInitialize(AppInterface* appInterface) {
     }
     zoka::g_appInterface = appInterface;
     if (!appInterface) {
-        zoka::userPrompt().tell("No AppInterface (ec11-1)");
+        zoka::tellFault("No AppInterface (ec11-1)");
         return 0;
     }
     if (!appInterface->editor) {
-        zoka::userPrompt().tell("Invalid Zun Interface (ec11-2)");
+        zoka::tellFault("Invalid Zun Interface (ec11-2)");
         return 0;
     }
     return 1;
