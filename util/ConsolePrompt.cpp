@@ -1,5 +1,6 @@
 #include "util/ConsolePrompt.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <istream>
 #include <ostream>
@@ -43,10 +44,32 @@ std::string_view trimmed(std::string_view line) {
 
 }  // namespace
 
+std::string shownText(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        const bool plain = c >= ' ' ? c != 0x7f : c == '\n' || c == '\r' || c == '\t';
+        // The controls of the upper half, as UTF-8 writes them.
+        const bool upper = c == 0xc2 && i + 1 < text.size() &&
+                           static_cast<unsigned char>(text[i + 1]) >= 0x80 &&
+                           static_cast<unsigned char>(text[i + 1]) < 0xa0;
+        if (plain && !upper) {
+            shown += text[i];
+            continue;
+        }
+        char code[8];
+        std::snprintf(code, sizeof code, "\\x%02x",
+                      static_cast<unsigned>(upper ? static_cast<unsigned char>(text[++i]) : c));
+        shown += code;
+    }
+    return shown;
+}
+
 PromptAnswer ConsolePrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
                                 PromptIcon) {
     const auto choices = choicesOf(buttons);
-    m_out << title << ": " << text;
+    m_out << shownText(title + ": " + text);
     if (choices.empty()) {
         m_out << std::endl;
         return PromptAnswer::Ok;
@@ -77,14 +100,14 @@ PromptAnswer ConsolePrompt::ask(const std::string& text, const std::string& titl
 std::optional<std::string> ConsolePrompt::choose(const ChooserRequest& request, const char* what) {
     const std::optional<std::string> preset =
         request.fileName.empty() ? std::nullopt : std::optional(request.fileName);
-    m_out << request.title << " (" << what;
+    m_out << shownText(request.title) << " (" << what;
     if (preset) {
-        m_out << ", empty for " << *preset;
+        m_out << ", empty for " << shownText(*preset);
     }
     m_out << "): " << std::flush;
     std::string line;
     if (m_yes) {
-        m_out << preset.value_or("") << std::endl;
+        m_out << shownText(preset.value_or("")) << std::endl;
         return preset;
     }
     if (!std::getline(m_in, line)) {
@@ -104,7 +127,7 @@ std::optional<std::string> ConsolePrompt::chooseFolder(const ChooserRequest& req
 }
 
 void ConsolePrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
-    m_out << title << ": " << text << std::endl;
+    m_out << shownText(title + ": " + text) << std::endl;
     std::exit(exitStatus);
 }
 

@@ -2,10 +2,15 @@
 #pragma once
 
 #include <iosfwd>
+#include <string_view>
 
 #include "util/UserPrompt.h"
 
 namespace zoka {
+
+// The text as a terminal may show it: control characters, which could move its cursor, rename its window or
+// worse, as "\\x1b"; line ends and tabs stay.
+std::string shownText(std::string_view text);
 
 // Writes questions to `out` and reads one line for each answer from `in`. An answer it doesn't understand is
 // asked for again; the end of the input is the answer of a closed box. With `assumeYes` nothing is read:

@@ -21,6 +21,7 @@ namespace zoka::cli {
 
 ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& path) {
     XMLResults results;
+    workOn(path);
     if (loadCatalogue(catalogue, suitePath(path), &results)) {
         return ExitStatus::Done;
     }
@@ -28,15 +29,16 @@ ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& 
         complain("cannot read " + path + ": " + XMLNode::errorText(results.code));
         return ExitStatus::Failed;
     }
-    std::printf("%s:%d:%d: %s\n", path.c_str(), results.line > 0 ? results.line : 1,
-                results.column > 0 ? results.column : 1, XMLNode::errorText(results.code));
+    printShown(path + ":" + std::to_string(results.line > 0 ? results.line : 1) + ":" +
+               std::to_string(results.column > 0 ? results.column : 1) + ": " +
+               XMLNode::errorText(results.code) + "\n");
     return ExitStatus::Findings;
 }
 
 namespace {
 
 void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    printShown(text);
 }
 
 ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>& findings, bool json) {
@@ -85,7 +87,7 @@ ExitStatus build(const BuildOptions& options) {
     const ExitStatus status = report(options.folder, findings, options.json);
     if (options.dryRun) {
         if (!options.json) {
-            print(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
+            printPatch(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
         }
         return status;
     }
@@ -203,7 +205,7 @@ ExitStatus writePages(const std::string& file, const std::string& output, bool d
     if (dryRun) {
         makeHelp(catalogue, [&folder](const std::string& name, const std::string& text) {
             const std::string path = joinPath(folder, name);
-            print(unifiedDifference(osFiles().readWhole(path).value_or(""), text, path, path));
+            printPatch(unifiedDifference(osFiles().readWhole(path).value_or(""), text, path, path));
             return true;
         });
         return ExitStatus::Done;

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "util/ConsolePrompt.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
 
@@ -54,6 +55,7 @@ bool isPipe(const std::string& path) {
 }  // namespace
 
 std::optional<std::string> readInput(const std::string& path) {
+    workOn(path);
     if (isStandardStream(path)) {
         return readStream(stdin, "the standard input");
     }
@@ -94,7 +96,34 @@ bool flushOutput() {
 }
 
 void complain(const std::string& text) {
-    std::fprintf(stderr, "zoka: %s\n", text.c_str());
+    std::fprintf(stderr, "zoka: %s\n", shownText(text).c_str());
+}
+
+void printShown(const std::string& text) {
+    const std::string shown = shownText(text);
+    std::fwrite(shown.data(), 1, shown.size(), stdout);
+}
+
+void printPatch(const std::string& difference) {
+    if (isTerminal(stdout)) {
+        printShown(difference);
+    } else {
+        std::fwrite(difference.data(), 1, difference.size(), stdout);
+    }
+}
+
+namespace {
+
+std::string g_workedOn;
+
+}  // namespace
+
+void workOn(const std::string& path) {
+    g_workedOn = path;
+}
+
+const std::string& workedOn() {
+    return g_workedOn;
 }
 
 }  // namespace zoka::cli

@@ -3,6 +3,7 @@
 // been read, checks what the parser can't and leaves the work to be done in `chosen`; main runs it.
 #pragma once
 
+#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -51,9 +52,17 @@ bool writeOutput(const std::string& path, std::string_view bytes);
 // Sends on what was written to the standard output so far. False when not all of it
 // arrived; it has then said so.
 bool flushOutput();
-// A line on the standard error stream.
+// A line on the standard error stream, with control characters shown.
 void complain(const std::string& text);
+// On the standard output: names and texts from files, with control characters shown; line differences, which
+// other programs apply, exactly as they are unless a terminal shows them.
+void printShown(const std::string& text);
+void printPatch(const std::string& difference);
+// The file that the work is about from here on: memory that runs out is told with its name.
+void workOn(const std::string& path);
+const std::string& workedOn();
 
+bool isTerminal(std::FILE* stream);
 // Makes the standard streams pass bytes on as they are.
 void makeStandardStreamsBinary();
 

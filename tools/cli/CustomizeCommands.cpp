@@ -33,7 +33,7 @@ struct CustomizeOptions {
 };
 
 void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    printShown(text);
 }
 
 std::string oneLine(const std::string& text) {
@@ -55,6 +55,7 @@ public:
         : m_path(osFiles().fullPath(suitePath(file))),
           m_host({.project = std::string(folderOf(m_path)), .suite = std::string(folderOf(m_path))}),
           m_session(m_host, userPrompt()) {
+        workOn(file);
         m_open = m_session.open(m_path);
         if (!m_open) {
             complain("cannot read " + file + ": " + osFiles().lastError());
@@ -96,8 +97,8 @@ public:
     ExitStatus finish(bool dryRun) {
         if (dryRun) {
             const std::vector<ScriptEdit> edits = editsOf(m_session.script());
-            print(unifiedDifference(m_session.script().fileText(),
-                                    editedText(m_session.script().fileText(), edits), m_path, m_path));
+            printPatch(unifiedDifference(m_session.script().fileText(),
+                                         editedText(m_session.script().fileText(), edits), m_path, m_path));
             return ExitStatus::Done;
         }
         switch (m_session.save()) {
@@ -345,7 +346,7 @@ ExitStatus update(const CustomizeOptions& options) {
         return ExitStatus::Failed;
     }
     if (options.dryRun) {
-        print(unifiedDifference(plan->before, plan->after, path, path));
+        printPatch(unifiedDifference(plan->before, plan->after, path, path));
     } else if (!updateKeepingValues(*plan, why)) {
         complain(why + "; not updated");
         return ExitStatus::Failed;

@@ -1,13 +1,28 @@
 #include "tools/cli/Json.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "xml/XMLConvert.h"
 
 namespace zoka::cli {
 
+namespace {
+
+// Also behind zeros, where a C string would end.
+bool isUtf8Throughout(const std::string& text) {
+    for (size_t at = 0; at < text.size(); at += std::strlen(text.c_str() + at) + 1) {
+        if (!isUtf8(text.c_str() + at)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
 std::string jsonText(const std::string& text) {
-    if (isUtf8(text.c_str())) {
+    if (isUtf8Throughout(text)) {
         return text;
     }
     std::string result;

@@ -31,7 +31,7 @@ struct ScriptOptions {
 };
 
 void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    printShown(text);
 }
 
 // One project, its host and its session. Its session is made only when the catalogue could be loaded.
@@ -64,7 +64,7 @@ public:
     const std::string& mainScript() const { return m_mainScript; }
     std::string mainText() const { return osFiles().readWhole(m_mainScript).value_or(""); }
     void printDifference(const std::string& before, const std::string& after) const {
-        print(unifiedDifference(before, after, m_mainScript, m_mainScript));
+        printPatch(unifiedDifference(before, after, m_mainScript, m_mainScript));
     }
 
     // The file of a script named by its title or its file name; nothing, and a complaint, when it is unknown.
@@ -285,10 +285,10 @@ void reportUpdates(Manager& manager, const ScriptOptions& options, const std::ve
         const bool isLast = &entry == &entries.back() || (&entry)[1].fileName != entry.fileName;
         if (isLast && folders.LocateScript(entry.fileName) == ScriptPlace::Project &&
             folders.inTemplates(entry.fileName)) {
-            print(unifiedDifference(osFiles().readWhole(folders.projectPath(entry.fileName)).value_or(""),
-                                    osFiles().readWhole(folders.templatePath(entry.fileName)).value_or(""),
-                                    folders.projectPath(entry.fileName),
-                                    folders.templatePath(entry.fileName)));
+            printPatch(
+                unifiedDifference(osFiles().readWhole(folders.projectPath(entry.fileName)).value_or(""),
+                                  osFiles().readWhole(folders.templatePath(entry.fileName)).value_or(""),
+                                  folders.projectPath(entry.fileName), folders.templatePath(entry.fileName)));
         }
     }
     if (options.json) {

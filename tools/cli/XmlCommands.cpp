@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/cli/Cli.h"
+#include "util/ConsolePrompt.h"
 #include "util/PathRules.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLNode.h"
@@ -76,7 +77,7 @@ XMLNode parse(const std::string& path, std::string_view bytes, const FileForm& f
         return document;
     }
     // Where no place can be named, the file's first is as good as any.
-    std::fprintf(findings, "%s:%d:%d: %s\n", isStandardStream(path) ? "<stdin>" : path.c_str(),
+    std::fprintf(findings, "%s:%d:%d: %s\n", isStandardStream(path) ? "<stdin>" : shownText(path).c_str(),
                  results.line > 0 ? results.line : 1, results.column > 0 ? results.column : 1,
                  XMLNode::errorText(results.code));
     return {};

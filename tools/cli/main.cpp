@@ -5,6 +5,9 @@
 
 #include "tools/cli/Cli.h"
 #include "util/ConsolePrompt.h"
+#include "util/Doors.h"
+#include "util/OsFiles.h"
+#include "util/SafeWrite.h"
 
 using namespace zoka;
 
@@ -18,10 +21,12 @@ cli::ExitStatus usageError(const std::string& text) {
 cli::ExitStatus run(int argc, char** argv) {
     CLI::App app("Checks and edits the files of a ZUN project.", "zoka");
     cli::Work chosen;
-    bool assumeYes = false;
+    bool assumeYes = false, inPlace = false;
     app.set_version_flag("--version", "zoka " ZOKA_VERSION, "Print the version and end");
     app.set_help_flag("-h,--help", "Print this help and end");
     app.add_flag("--yes", assumeYes, "Answer every question with yes");
+    app.add_flag("--in-place-if-needed", inPlace,
+                 "Write a file in place where its folder takes no new file; a crash would damage it");
     app.fallthrough();
     cli::setExample(app, "zoka xml check template_6.xml");
     cli::addXmlCommands(app, chosen);
@@ -41,6 +46,7 @@ cli::ExitStatus run(int argc, char** argv) {
     if (!chosen) {
         return usageError("a command is missing");
     }
+    setInPlace(inPlace ? InPlace::Allowed : InPlace::Refused);
     ConsolePrompt prompt(std::cin, std::cerr, assumeYes);
     setUserPrompt(&prompt);
     const cli::ExitStatus status = chosen();
@@ -55,9 +61,13 @@ cli::ExitStatus run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     cli::makeStandardStreamsBinary();
+    removeOwnFilesAtSignals();
     try {
         return static_cast<int>(run(argc, argv));
-    } catch (const std::exception& error) {  // no memory left
+    } catch (const std::bad_alloc&) {
+        cli::complain(outOfMemoryText(cli::workedOn()));
+        return static_cast<int>(cli::ExitStatus::Failed);
+    } catch (const std::exception& error) {
         cli::complain(error.what());
         return static_cast<int>(cli::ExitStatus::Failed);
     }

@@ -36,4 +36,36 @@ TEST(Streams, FindingsThatDoNotArriveAreAFailure) {
     EXPECT_THAT(run.err, HasSubstr("cannot write the standard output: File too large"));
 }
 
+// A name that would recolour the terminal or move its cursor is shown; JSON and value files hold it as it is.
+TEST(Streams, ControlCharactersAreShown) {
+    ToolFolder folder;
+    folder.write("a.kez", "// entry: Re\x1b[31md\xc2\x9b\r\nx = 5;\r\n");
+    folder.write("b\x1b.xml", "<a>");
+    const std::string list = folder.run("customize list a.kez").out;
+    EXPECT_THAT(list, HasSubstr("\\x1b[31m"));
+    EXPECT_EQ(list.find('\x1b'), list.npos);
+    EXPECT_THAT(folder.run("customize list --json a.kez").out, HasSubstr("\\u001b[31m"));
+    EXPECT_THAT(folder.run("xml check b\x1b.xml").out, HasSubstr("b\\x1b.xml:1:"));
+    EXPECT_THAT(folder.run("customize list none\x1b.kez").err, HasSubstr("none\\x1b.kez"));
+}
+
+// What is written in place could be damaged: only by the user's word.
+TEST(Streams, AFolderThatTakesNoFileNeedsTheUsersWord) {
+    ToolFolder folder;
+    std::filesystem::create_directory(folder.path("locked"));
+    folder.write("locked/a.xml", "<a/>");
+    const std::string asNobody =
+        "chmod 666 locked/a.xml; chmod 777 .; chmod 555 locked; "
+        "run() { if [ $(id -u) = 0 ]; then setpriv --reuid 65534 --clear-groups \"$@\"; else \"$@\"; fi; }; "
+        "run ";
+    const ToolRun refused = folder.run("xml format locked/a.xml -o locked/a.xml", "", asNobody);
+    EXPECT_EQ(refused.status, 3) << refused;
+    EXPECT_THAT(refused.err, HasSubstr("not written in place"));
+    EXPECT_EQ(folder.read("locked/a.xml"), "<a/>");
+    EXPECT_EQ(folder.run("--in-place-if-needed xml format locked/a.xml -o locked/a.xml", "", asNobody).status,
+              0);
+    EXPECT_NE(folder.read("locked/a.xml"), "<a/>");
+    std::filesystem::permissions(folder.path("locked"), std::filesystem::perms::all);
+}
+
 }  // namespace

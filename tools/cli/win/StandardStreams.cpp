@@ -10,3 +10,7 @@ void zoka::cli::makeStandardStreamsBinary() {
         _setmode(_fileno(stream), _O_BINARY);
     }
 }
+
+bool zoka::cli::isTerminal(std::FILE* stream) {
+    return _isatty(_fileno(stream)) != 0;
+}
