@@ -10,6 +10,11 @@
 extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
 extern "C" BOOL WINAPI DllMainCRTStartup(HINSTANCE instance, DWORD reason, LPVOID processEnds);
 
+namespace __gnu_cxx {
+// Frees the memory that the runtime keeps for exceptions when there is no other; made for leak checkers.
+void __freeres();
+}  // namespace __gnu_cxx
+
 namespace zoka {
 
 void freeThreadRuntime() {
@@ -96,6 +101,7 @@ extern "C" BOOL WINAPI ZokaEntry(HINSTANCE instance, DWORD reason, LPVOID proces
     const BOOL result = DllMainCRTStartup(instance, reason, processEnds);
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         zoka::freeThreadRuntime();
+        __gnu_cxx::__freeres();  // nothing is thrown from here on
         zoka::closeKeySemaphores();
         if (zoka::g_runtimeSlot != TLS_OUT_OF_INDEXES) {
             TlsFree(zoka::g_runtimeSlot);

@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "plugin/win/ThreadRuntime.h"
+#include "util/Doors.h"
 
 using zoka::moduleInstance;
 
@@ -192,7 +193,8 @@ DWORD WINAPI CViewThread::threadMain(void* self) {
 }
 
 __attribute__((noinline)) void CViewThread::run() {
-    const HWND window = m_panel.create(moduleInstance(), m_number);
+    HWND window = nullptr;
+    zoka::keepInside([&] { window = m_panel.create(moduleInstance(), m_number); });
     if (window) {
         SetWindowSubclass(window, mainWindowProc, 1, reinterpret_cast<DWORD_PTR>(this));
         m_window.store(window);
@@ -213,13 +215,22 @@ __attribute__((noinline)) void CViewThread::run() {
     m_state.end();
 }
 
+// Ends with the window. Its end can't be told by WM_QUIT alone: a loop within this one takes that message (a
+// chooser of the host's with a loop of its own, a window that is being moved) and may keep it.
 void CViewThread::messageLoop(HWND window) {
     MSG message;
-    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+    while (m_window.load()) {
+        const BOOL got = GetMessageA(&message, nullptr, 0, 0);
+        if (got <= 0) {
+            break;
+        }
         if (!IsDialogMessageA(window, &message)) {
             TranslateMessage(&message);
             DispatchMessageA(&message);
         }
+    }
+    if (m_window.load()) {  // the thread was told to quit by somebody else
+        DestroyWindow(window);
     }
 }
 
@@ -240,8 +251,10 @@ LRESULT CALLBACK CViewThread::mainWindowProc(HWND window, UINT message, WPARAM w
             }
             break;
         case kLoadMessage:
-            if (!self->m_closeRequested.load()) {
-                self->m_panel.load();
+            // What can't be loaded can't be worked with: the panel goes, the editor stays.
+            if (!self->m_closeRequested.load() && !zoka::keepInside([self] { self->m_panel.load(); }) &&
+                IsWindow(window)) {
+                DestroyWindow(window);
             }
             return 0;
         case WM_DESTROY:
