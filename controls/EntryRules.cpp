@@ -112,6 +112,10 @@ std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
     if (!hasValue(facts.field)) {
         return "Nothing can be entered here.";
     }
+    // A number's own reason is the plainer one, and its characters can break nothing.
+    if (isNumber(facts.field)) {
+        return refusalOfNumber(facts, text);
+    }
     if (std::string why = shapeRefusal(facts, text); !why.empty()) {
         return why;
     }
@@ -120,9 +124,6 @@ std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
     }
     if (facts.field == EntryField::ColourField && !colourOf(text)) {
         return "Enter a color such as #3080ff, or as three numbers from 0 to 255 such as 48 128 255.";
-    }
-    if (isNumber(facts.field)) {
-        return refusalOfNumber(facts, text);
     }
     return {};
 }

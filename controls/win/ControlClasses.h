@@ -11,9 +11,6 @@ inline constexpr const char* kFloatEditClass = "ZT_FloatEdit";
 inline constexpr const char* kSliderClass = "ZT_SliderV";    // a slider with its number field
 inline constexpr const char* kEntryPanelClass = "ZK_PANEL";  // the rows and their scroll bar
 
-// Codes of WM_COMMAND with which a number field tells its parent of a character or a text that it refused.
-inline constexpr WORD kFieldRefused = 0x7001;
-
 // While one of these lives, the classes can be used. Each panel has one, which is made before and freed after
 // its windows: a library that is unmapped must leave no class behind. [editor thread]
 class ControlClasses {

@@ -136,7 +136,7 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     m_pictures.clear();
     m_textHeights.clear();
     hideRefusal();
-    m_refused.reset();
+    m_drafts.clear();
     m_widestLabel = 0;
     if (!m_window) {
         return;
@@ -370,35 +370,73 @@ std::optional<size_t> EntryPanel::keyboardRow() {
 }
 
 void EntryPanel::fieldFocused(size_t row) {
-    m_refused.reset();
     m_lastFocused = row;
     PostMessageA(m_window, kFocused, row, 0);
 }
 
 bool EntryPanel::commit() {
-    if (EntryWindow* const window = focused()) {
-        if (window->isRefused()) {
-            bringIntoSight(window->row());
+    EntryWindow* const window = focused();
+    if (window && !window->commit()) {
+        bringIntoSight(window->row());
+        return false;
+    }
+    for (auto draft = m_drafts.begin(); draft != m_drafts.end(); draft = m_drafts.begin()) {
+        const size_t row = draft->first;
+        if (!draftOf(row)) {
+            continue;
         }
-        return window->commit();
+        if (m_layout.rowOfItem(row) >= m_layout.rows().size()) {  // filtered out, it couldn't be mended
+            m_editing.filter.search.clear();
+            m_editing.filter.changedOnly = false;
+            m_editing.filter.unfoldAll();
+            m_host.filterDropped();
+            layout();
+        }
+        focusRow(row);
+        const auto live = m_live.find(row);
+        if (live != m_live.end()) {
+            live->second->commit();
+        }
+        return false;
     }
-    if (!m_refused) {
-        return true;
-    }
-    const size_t row = *m_refused;
-    m_refused.reset();
-    const std::string why = m_refusal;
-    focusRow(row);
-    const auto live = m_live.find(row);
-    if (live != m_live.end()) {
-        showRefusal(live->second->field(), why);
-    }
-    return false;
+    return true;
 }
 
 bool EntryPanel::revert() {
     EntryWindow* const window = focused();
-    return window && window->revert();
+    if (window && window->revert()) {
+        return true;
+    }
+    if (!m_refusing) {
+        return false;
+    }
+    hideRefusal();
+    return true;
+}
+
+bool EntryPanel::revertDraft() {
+    EntryWindow* const window = focused();
+    return window && draftOf(window->row()) && window->revert();
+}
+
+const EntryPanel::Draft* EntryPanel::draftOf(size_t row) {
+    const auto draft = m_drafts.find(row);
+    if (draft == m_drafts.end()) {
+        return nullptr;
+    }
+    if (row < m_editing.size() && m_editing.row(row).value() == draft->second.value) {
+        return &draft->second;
+    }
+    m_drafts.erase(draft);
+    return nullptr;
+}
+
+void EntryPanel::keepDraft(size_t row, std::string text, std::string why) {
+    m_drafts[row] = {std::move(text), std::move(why), m_editing.row(row).value()};
+}
+
+bool EntryPanel::dropDraft(size_t row) {
+    return m_drafts.erase(row) > 0;
 }
 
 void EntryPanel::bringIntoSight(size_t row) {

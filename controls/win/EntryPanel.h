@@ -42,11 +42,13 @@ public:
     void layoutSoon();
     void layoutNow() { layout(); }
 
-    // Takes what is typed in the field with the keyboard, or was in the one that has just lost it. False when
-    // that was refused: the field has the keyboard again then, with the reason below it.
+    // Takes what is typed. False when a text is refused: its field has the keyboard then, with the reason at it.
     bool commit();
-    // Gives up what is typed in the field with the keyboard; false when there is nothing to give up.
+    // Gives up what is typed in the field with the keyboard, or the refusal that is shown; false when there is
+    // nothing to give up.
     bool revert();
+    // The same of a refused text alone.
+    bool revertDraft();
     // Scrolls the row into view and gives it the keyboard; the first one with a field.
     void focusRow(size_t row);
     void focusFirst();
@@ -74,7 +76,14 @@ public:
     // Has the keyboard (or had it last), the mouse or a menu.
     bool isUsed(const EntryWindow& row) const;
     void fieldFocused(size_t row);
-    void refusedOnLeaving(size_t row) { m_refused = row; }
+    // A text that was refused stays in its field until it's mended or given up.
+    struct Draft {
+        std::string text, why;
+        std::string value;  // of the row, when it was typed; with another one the text is forgotten
+    };
+    const Draft* draftOf(size_t row);
+    void keepDraft(size_t row, std::string text, std::string why);
+    bool dropDraft(size_t row);
     // Both open a window with a loop of its own, so they are left for later.
     void browseSoon(size_t row);
     void menuSoon(size_t row, HWND field, LPARAM at);
@@ -98,6 +107,8 @@ private:
     void scroll(WORD code);
     void wheel(int delta);
     void browse(size_t row);
+    std::optional<std::string> chooseColour(const std::string& before);
+    RECT balloonPlace(HWND field) const;
     void paintEmpty();
     void tooltipText(NMTTDISPINFOA& info);
     EntryWindow* windowOf(HWND control);
@@ -116,13 +127,14 @@ private:
     // Of the rows of text in a panel of that width, so that a search doesn't measure them anew; 0: not measured.
     std::vector<int> m_textHeights;
     int m_textWidth = 0;
-    int m_top = 0;          // of the view in the content
-    int m_wheel = 0;        // what is left of turns smaller than a notch
-    int m_widestLabel = 0;  // of the rows measured
-    std::string m_tip;      // what the tooltip shows
-    std::string m_refusal;  // and what stands below a field
-    std::optional<size_t> m_refused, m_lastFocused;
-    HWND m_menuField = nullptr;
+    int m_top = 0;                     // of the view in the content
+    int m_wheel = 0;                   // what is left of turns smaller than a notch
+    int m_widestLabel = 0;             // of the rows measured
+    std::string m_tip;                 // what the tooltip shows
+    std::string m_refusal;             // and what stands below a field
+    std::map<size_t, Draft> m_drafts;  // by row
+    std::optional<size_t> m_lastFocused;
+    HWND m_menuField = nullptr, m_refusedField = nullptr;
     bool m_filled = false;  // rows have been handed over
     bool m_laidOutSoon = false, m_placing = false;
     bool m_refusing = false;  // a refusal is shown, or will be

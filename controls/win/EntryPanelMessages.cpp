@@ -1,7 +1,12 @@
 // What the panel's window answers to: scrolling, tooltips, what its rows left for later.
 
+#include <windows.h>
+
+#include <commdlg.h>
+
 #include <algorithm>
 
+#include "controls/Colour.h"
 #include "controls/FileFilter.h"
 #include "controls/win/EntryPanel.h"
 #include "util/OsFiles.h"
@@ -53,7 +58,9 @@ void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARA
 
 void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
     const EntryWindow* const window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
-    m_tip = window ? m_editing.tooltip(window->row()) : std::string();
+    const Draft* const draft = window ? draftOf(window->row()) : nullptr;
+    m_tip = draft ? "Not taken: " + draft->why + "\r\n" : "";
+    m_tip += window ? m_editing.tooltip(window->row()) : std::string();
     info.lpszText = m_tip.data();
 }
 
@@ -62,16 +69,32 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
         return;
     }
     m_refusal = text;
+    m_refusedField = field;
     TTTOOLINFOA tool = toolOf(m_window);
     tool.lpszText = m_refusal.data();
     SendMessageA(m_balloon, TTM_UPDATETIPTEXTA, 0, reinterpret_cast<LPARAM>(&tool));
-    RECT area;
-    GetWindowRect(field, &area);
-    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.bottom + 2));
+    const RECT area = balloonPlace(field);
+    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
     // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
     // it can stay below the panel.
     m_refusing = PostMessageA(m_window, kShowRefusal, 0, 0) != 0;
     SetTimer(m_window, kHideTimer, kRefusalMs, nullptr);
+}
+
+// Below the field, or above it where it would hide the one that has the keyboard.
+RECT EntryPanel::balloonPlace(HWND field) const {
+    const TTTOOLINFOA tool = toolOf(m_window);
+    const auto size =
+        static_cast<DWORD>(SendMessageA(m_balloon, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool)));
+    RECT at, focus, both;
+    GetWindowRect(field, &at);
+    RECT below{at.left, at.bottom + 2, at.left + LOWORD(size), at.bottom + 2 + HIWORD(size)};
+    const HWND keyboard = GetFocus();
+    if (keyboard && keyboard != field && GetWindowRect(keyboard, &focus) &&
+        IntersectRect(&both, &below, &focus)) {
+        OffsetRect(&below, 0, static_cast<int>(at.top - 2 - below.bottom));
+    }
+    return below;
 }
 
 void EntryPanel::hideRefusal() {
@@ -97,12 +120,16 @@ void EntryPanel::browse(size_t row) {
     if (row >= m_editing.size()) {
         return;
     }
-    const auto chosen = m_editing.browse(row);
+    // A color's chooser is the window's own, a file's the session's.
+    const auto chosen = m_editing.row(row).facts().field == EntryField::ColourField
+                            ? chooseColour(m_editing.row(row).value())
+                            : m_editing.browse(row);
     // The window may be gone, or show another script.
     if (!chosen || !m_window || row >= m_editing.size()) {
         return;
     }
     std::string why;
+    dropDraft(row);
     if (m_editing.setValue(row, *chosen, &why, false)) {
         return;
     }
@@ -110,6 +137,22 @@ void EntryPanel::browse(size_t row) {
     if (live != m_live.end()) {
         showRefusal(live->second->field(), why);
     }
+}
+
+std::optional<std::string> EntryPanel::chooseColour(const std::string& before) {
+    static COLORREF own[16] = {};  // what the user mixed, as long as the plug-in is loaded
+    const auto now = colourOf(before);
+    CHOOSECOLORA chooser{};
+    chooser.lStructSize = sizeof chooser;
+    chooser.hwndOwner = GetAncestor(m_window, GA_ROOT);
+    chooser.Flags = CC_FULLOPEN | CC_RGBINIT;
+    chooser.rgbResult = now ? RGB(now->red, now->green, now->blue) : RGB(255, 255, 255);
+    chooser.lpCustColors = own;
+    if (!ChooseColorA(&chooser)) {
+        return std::nullopt;
+    }
+    return colourText(
+        {GetRValue(chooser.rgbResult), GetGValue(chooser.rgbResult), GetBValue(chooser.rgbResult)}, before);
 }
 
 void EntryPanel::scroll(WORD code) {
@@ -241,6 +284,10 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
                 return 0;
             }
             TTTOOLINFOA tool = toolOf(m_window);
+            if (IsWindow(m_refusedField)) {  // the keyboard may be elsewhere by now
+                const RECT at = balloonPlace(m_refusedField);
+                SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(at.left, at.top));
+            }
             SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
             SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
             return 0;

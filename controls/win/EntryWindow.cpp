@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "controls/EntryRules.h"
 #include "controls/win/ControlClasses.h"
@@ -14,6 +15,8 @@ namespace zoka {
 namespace {
 
 enum { kLabel = 1, kField, kBrowse, kSpin };
+
+constexpr const char* kDifferent = "(different)";
 
 std::string withCrLf(const std::string& text) {
     std::string made;
@@ -33,6 +36,15 @@ std::string switchText(const std::string& label) {
         shown.append(c == '&' ? "&&" : std::string(1, c));
     }
     return shown;
+}
+
+// Whether a refused text may be the beginning of one that is taken, so that its writer is let alone.
+bool mayBecomeRight(const EntryFacts& facts, const std::string& text) {
+    const auto number = numberOf(text);
+    return isNumber(facts.field) && number &&
+           (text.find_first_of("0123456789") == text.npos ||
+            (facts.limited && (facts.decimal || text.find('.') == text.npos) &&
+             std::abs(*number) <= std::max(std::abs(facts.minimum), std::abs(facts.maximum))));
 }
 
 }  // namespace
@@ -71,7 +83,8 @@ const EntryModel& EntryWindow::model() const {
 
 bool EntryWindow::isEdit() const {
     const EntryField field = facts().field;
-    return isNumber(field) || field == EntryField::StringField || field == EntryField::FileField;
+    return isNumber(field) || field == EntryField::StringField || field == EntryField::FileField ||
+           field == EntryField::ColourField;
 }
 
 HWND EntryWindow::child(HWND control) {
@@ -124,8 +137,8 @@ void EntryWindow::makeControls(const Parts& at) {
                            m_panel.boldFont(), at.field);
             return;
         case EntryField::Switch:
-            m_field = make("BUTTON", switchText(is.label).c_str(), BS_AUTOCHECKBOX | WS_TABSTOP, 0, kField,
-                           text, at.field);
+            m_field = make("BUTTON", switchText(is.label).c_str(), BS_3STATE | WS_TABSTOP, 0, kField, text,
+                           at.field);
             return;
         default:
             break;
@@ -150,6 +163,11 @@ void EntryWindow::makeControls(const Parts& at) {
                 make("COMBOBOX", "", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, 0, kField, text, at.field);
             placeDropList(m_field, at.field.x, at.field.y, at.field.width, at.field.height);
             break;
+        case EntryField::ColourField:
+            edit("EDIT", 0);
+            m_browse =
+                make("BUTTON", "Choose a color", BS_OWNERDRAW | WS_TABSTOP, 0, kBrowse, text, at.button);
+            break;
         case EntryField::FileField:
             edit("EDIT", 0);
             m_browse = make("BUTTON", "Browse...", BS_PUSHBUTTON | WS_TABSTOP, 0, kBrowse, text, at.button);
@@ -173,6 +191,38 @@ void EntryWindow::fitControls() {
     if (isEdit()) {
         SendMessageA(m_field, EM_LIMITTEXT, is.maxChars > 0 ? static_cast<WPARAM>(is.maxChars) : 0, 0);
     }
+    fitSwitchText();
+}
+
+// A label that is too long for its switch ends in dots; the tooltip has all of it.
+void EntryWindow::fitSwitchText() {
+    if (facts().field != EntryField::Switch || !m_field) {
+        return;
+    }
+    RECT area;
+    GetClientRect(m_field, &area);
+    const int width = static_cast<int>(area.right) - m_panel.fonts().x(12);
+    const std::string& label = facts().label;
+    std::string shown = label;
+    if (width > 0 &&
+        static_cast<int>(std::min<size_t>(label.size(), 100000)) * m_panel.fonts().x(8) > width) {
+        const HDC dc = GetDC(m_field);
+        // As wide as it is with a changed value.
+        const HGDIOBJ old = SelectObject(dc, m_panel.boldFont());
+        SIZE size{}, dots{};
+        int fits = 0;
+        GetTextExtentPoint32A(dc, "...", 3, &dots);
+        GetTextExtentExPointA(dc, label.c_str(), static_cast<int>(label.size()), width, &fits, nullptr,
+                              &size);
+        if (static_cast<size_t>(fits) < label.size()) {
+            GetTextExtentExPointA(dc, label.c_str(), static_cast<int>(label.size()), width - dots.cx, &fits,
+                                  nullptr, &size);
+            shown = label.substr(0, static_cast<size_t>(std::max(fits, 0))) + "...";
+        }
+        SelectObject(dc, old);
+        ReleaseDC(m_field, dc);
+    }
+    setText(m_field, switchText(shown));
 }
 
 bool EntryWindow::canTakeOver(size_t row) const {
@@ -187,8 +237,9 @@ void EntryWindow::takeOver(size_t row) {
     const EntryFacts& before = facts();
     m_row = row;
     const EntryFacts& is = facts();
-    m_why.clear();
-    setText(m_label ? m_label : m_field, is.field == EntryField::Switch ? switchText(is.label) : is.label);
+    if (is.field != EntryField::Switch) {
+        setText(m_label ? m_label : m_field, is.label);
+    }
     if (is.field == EntryField::DropList) {
         if (before.options != is.options || before.hostNames != is.hostNames) {
             SendMessageA(m_field, CB_RESETCONTENT, 0, 0);
@@ -250,6 +301,15 @@ std::string EntryWindow::fieldText() const {
     if (facts().bareFeeds) {
         std::erase(text, '\r');
     }
+    // Where people write a comma for the point it is one.
+    char point[4] = "";
+    if (isNumber(facts().field) && facts().decimal && text.find('.') == text.npos &&
+        GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, point, sizeof point) > 0 && point[0] == ',') {
+        const size_t comma = text.find(',');
+        if (comma != text.npos) {
+            text[comma] = '.';
+        }
+    }
     return text;
 }
 
@@ -262,25 +322,47 @@ void EntryWindow::setFieldText(const std::string& value) {
     SetWindowTextA(m_field, shown.c_str());
     if (GetFocus() == m_field) {
         SendMessageA(m_field, EM_SETSEL, 0, -1);
+    } else {
+        showBeginning();
     }
     m_updating = false;
+}
+
+void EntryWindow::showBeginning() {
+    SendMessageA(m_field, EM_SETSEL, 0, 0);
+    SendMessageA(m_field, EM_SCROLLCARET, 0, 0);
 }
 
 void EntryWindow::showValue() {
     if (!m_window || !hasValue(facts().field)) {
         return;
     }
-    const std::string& value = model().value();
+    const bool different = model().isDifferent();
+    const std::string value = different ? kDifferent : model().value();
+    const bool blocked = !model().blocked().empty();
+    for (const HWND control : {m_field, m_track, m_spin, m_browse}) {
+        if (control) {
+            enable(control, !blocked);
+        }
+    }
     if (facts().field == EntryField::Switch) {
-        SendMessageA(m_field, BM_SETCHECK, model().isOn() ? BST_CHECKED : BST_UNCHECKED, 0);
+        SendMessageA(m_field, BM_SETCHECK,
+                     different        ? BST_INDETERMINATE
+                     : model().isOn() ? BST_CHECKED
+                                      : BST_UNCHECKED,
+                     0);
     } else if (facts().field == EntryField::DropList) {
         showChoice(value);
     } else if (!m_typing) {
-        setFieldText(value);
-        m_why.clear();
+        const EntryPanel::Draft* const draft = m_panel.draftOf(m_row);
+        setFieldText(draft ? draft->text : value);
+        InvalidateRect(m_field, nullptr, TRUE);
     }
     if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition()) {
         SendMessageA(m_track, TBM_SETPOS, TRUE, model().sliderPosition());
+    }
+    if (facts().field == EntryField::ColourField) {
+        InvalidateRect(m_browse, nullptr, FALSE);
     }
     if (m_marked != model().HasChanged()) {
         m_marked = model().HasChanged();
@@ -294,47 +376,65 @@ void EntryWindow::refused(const std::string& why) {
     m_panel.showRefusal(m_field, why);
 }
 
+// The value is again what it was when the field got the keyboard.
+void EntryWindow::giveBack() {
+    if (!m_differentAtFocus) {
+        m_panel.rows().setValue(m_row, m_atFocus, nullptr, true);
+    } else if (!model().isDifferent()) {
+        m_panel.rows().undo();  // what was typed is one step
+    }
+}
+
 void EntryWindow::typed() {
     const std::string text = fieldText();
+    std::string why;
     if (GetFocus() != m_field) {  // set by another program
-        std::string why;
         if (!m_panel.rows().setValue(m_row, text, &why, false)) {
             refused(why);
         }
         return showValue();
     }
     m_typing = true;
-    m_why.clear();
-    if (m_panel.rows().setValue(m_row, text, &m_why, true)) {
+    if (m_panel.rows().setValue(m_row, text, &why, true)) {
+        m_panel.dropDraft(m_row);
         m_panel.hideRefusal();
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
-        m_panel.rows().setValue(m_row, m_atFocus, nullptr, true);
-        if (!isNumber(facts().field)) {
-            refused(m_why);
+        giveBack();
+        m_panel.keepDraft(m_row, textOf(m_field), why);
+        if (mayBecomeRight(facts(), text)) {
+            m_panel.hideRefusal();
+        } else {
+            refused(why);
         }
     }
     m_typing = false;
+    InvalidateRect(m_field, nullptr, TRUE);
 }
 
 bool EntryWindow::commit() {
     if (!isEdit() || m_updating) {
         return true;
     }
-    const std::string why = m_why;
-    if (!why.empty()) {
-        refused(why);
+    if (const EntryPanel::Draft* const draft = m_panel.draftOf(m_row)) {
+        refused(draft->why);
+        return false;
     }
     showValue();
     m_atFocus = model().value();
-    return why.empty();
+    m_differentAtFocus = model().isDifferent();
+    return true;
 }
 
 bool EntryWindow::revert() {
-    if (!isEdit() || (m_why.empty() && model().value() == m_atFocus)) {
+    const bool drafted = m_panel.dropDraft(m_row);
+    const bool changed = model().value() != m_atFocus || model().isDifferent() != m_differentAtFocus;
+    if (!isEdit() || !(drafted || changed)) {
         return false;
     }
-    m_panel.rows().setValue(m_row, m_atFocus, nullptr, true);
+    if (changed) {
+        giveBack();
+    }
     m_panel.hideRefusal();
     showValue();
     return true;
@@ -376,9 +476,6 @@ void EntryWindow::command(WORD code, HWND control) {
     if (m_updating) {
         return;
     }
-    if (code == kFieldRefused) {
-        return refused(fieldRefusal(facts(), "x"));
-    }
     if (m_browse && control == m_browse && code == BN_CLICKED) {
         return m_panel.browseSoon(m_row);
     }
@@ -389,8 +486,11 @@ void EntryWindow::command(WORD code, HWND control) {
         m_panel.fold(m_row, !m_panel.rows().filter.isFolded(m_row));
         InvalidateRect(m_field, nullptr, TRUE);
     } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
-        const bool on = SendMessageA(m_field, BM_GETCHECK, 0, 0) == BST_CHECKED;
-        m_panel.rows().setValue(m_row, on ? "1" : "0", nullptr, false);
+        std::string why;
+        if (!m_panel.rows().setValue(m_row, model().isOn() && !model().isDifferent() ? "0" : "1", &why,
+                                     false)) {
+            refused(why);
+        }
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
         std::string why;
         if (!m_panel.rows().setValue(m_row, chosenItem(m_field), &why, false)) {
@@ -428,12 +528,14 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
     switch (message) {
         case WM_SETFOCUS:
             self->m_atFocus = self->model().value();
+            self->m_differentAtFocus = self->model().isDifferent();
             self->m_panel.fieldFocused(self->m_row);
             break;
         case WM_KILLFOCUS:
             if (window == self->m_field && !self->m_updating) {
-                if (!self->commit()) {
-                    self->m_panel.refusedOnLeaving(self->m_row);
+                self->commit();
+                if (self->isEdit() && !self->isMultiLine()) {
+                    self->showBeginning();
                 }
                 self->m_panel.rows().leaveField();
             }
@@ -507,6 +609,7 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:
             layout(partsIn(LOWORD(lParam), HIWORD(lParam)));
+            fitSwitchText();
             return 0;
         case WM_PAINT:
             paint();
@@ -534,8 +637,20 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_DRAWITEM:
             if (lParam && facts().field == EntryField::Heading) {
                 drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            } else if (lParam && facts().field == EntryField::ColourField) {
+                drawColour(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
             }
             return TRUE;
+        case WM_CTLCOLOREDIT: {  // what was refused stands on another ground
+            if (!m_panel.draftOf(m_row)) {
+                return DefWindowProcA(m_window, message, wParam, lParam);
+            }
+            const auto dc = reinterpret_cast<HDC>(wParam);
+            SetTextColor(dc, RGB(120, 0, 0));
+            SetBkColor(dc, RGB(255, 225, 225));
+            SetDCBrushColor(dc, RGB(255, 225, 225));
+            return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
+        }
         case WM_LBUTTONDOWN:
             if (m_field) {
                 SetFocus(m_field);

@@ -39,10 +39,8 @@ public:
     void takeOver(size_t row);
     // Shows the model's value, except in a field that is being typed in.
     void showValue();
-    // Takes what stands in the field. False when it's refused: the field then shows its value again, and the
-    // reason stands below it.
+    // Takes what stands in the field. False when it's refused: it stays, marked, and the reason stands at the field.
     bool commit();
-    bool isRefused() const { return !m_why.empty(); }  // commit() would be false
     // Back to the value that the field had when it got the keyboard; false when it has that already.
     bool revert();
     // Changes a number by so many steps; at a limit it says which numbers the field takes.
@@ -67,6 +65,7 @@ private:
     void layout(const Parts& at);
     void paint();
     void drawHeading(const DRAWITEMSTRUCT& item) const;
+    void drawColour(const DRAWITEMSTRUCT& item) const;
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void command(WORD code, HWND control);
@@ -76,6 +75,9 @@ private:
     bool keyDown(HWND control, WPARAM key);
     std::string fieldText() const;
     void setFieldText(const std::string& value);
+    void showBeginning();
+    void fitSwitchText();
+    void giveBack();
     void refused(const std::string& why);
 
     const EntryModel& model() const;
@@ -94,7 +96,7 @@ private:
     std::vector<std::pair<HWND, WNDPROC>> m_procedures;
     DWORD m_spinPressed = 0;  // ticks
     std::string m_atFocus;    // the value when the field got the keyboard
-    std::string m_why;        // what speaks against the text typed; empty when nothing does
+    bool m_differentAtFocus = false;
     bool m_updating = false, m_typing = false, m_marked = false;
     bool m_foreign = false;  // the drop list begins with a value that is no choice
 };

@@ -1,6 +1,7 @@
 // Where the parts of a row stand, and what it draws itself.
 #include <algorithm>
 
+#include "controls/Colour.h"
 #include "controls/win/EntryPanel.h"
 #include "controls/win/EntryWindow.h"
 #include "ui/win/WindowKit.h"
@@ -51,6 +52,10 @@ EntryWindow::Parts EntryWindow::partsIn(int width, int height) const {
         const int spin = std::min(fieldHeight, fonts.x(11));
         parts.field.width = std::max(std::min(fonts.x(70), room) - spin, 0);
         parts.button = {x + parts.field.width, top, spin, fieldHeight};
+    } else if (facts().field == EntryField::ColourField) {
+        const int button = std::min(fonts.x(24), room / 2);
+        parts.field.width = std::max(std::min(fonts.x(94), room) - button - gap, 0);
+        parts.button = {x + parts.field.width + gap, top, button, fieldHeight};
     } else if (facts().field == EntryField::FileField) {
         const int button = std::min(fonts.x(46), room / 2);
         parts.field.width = std::max(room - button - gap, 0);
@@ -140,6 +145,29 @@ void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
         RECT focus{text.left - 2, middle - m_panel.fonts().lineHeight() / 2 - 1,
                    std::min(extent.right + 2, area.right), middle + m_panel.fonts().lineHeight() / 2 + 1};
         DrawFocusRect(item.hDC, &focus);
+    }
+}
+
+// The color on a button that chooses another one; a value that is none is crossed out.
+void EntryWindow::drawColour(const DRAWITEMSTRUCT& item) const {
+    RECT area = item.rcItem;
+    const bool pressed = (item.itemState & ODS_SELECTED) != 0;
+    DrawFrameControl(item.hDC, &area, DFC_BUTTON, DFCS_BUTTONPUSH | (pressed ? DFCS_PUSHED : 0u));
+    const int border = m_panel.fonts().px(4);
+    InflateRect(&area, -border, -border);
+    const auto colour = colourOf(model().value());
+    if (colour && !model().isDifferent()) {
+        SetDCBrushColor(item.hDC, RGB(colour->red, colour->green, colour->blue));
+        FillRect(item.hDC, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+    } else {
+        FillRect(item.hDC, &area, GetSysColorBrush(COLOR_WINDOW));
+        MoveToEx(item.hDC, area.left, area.bottom - 1, nullptr);
+        LineTo(item.hDC, area.right, area.top - 1);
+    }
+    FrameRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNSHADOW));
+    if (item.itemState & ODS_FOCUS) {
+        InflateRect(&area, 1, 1);
+        DrawFocusRect(item.hDC, &area);
     }
 }
 

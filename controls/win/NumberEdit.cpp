@@ -10,15 +10,6 @@ namespace {
 
 WNDPROC g_edit = nullptr;  // the system's own
 
-bool belongsToNumber(char c, bool decimal) {
-    return (c >= '0' && c <= '9') || c == '-' || c == '+' || (decimal && c == '.');
-}
-
-void tellRefused(HWND field) {
-    SendMessageA(GetParent(field), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(field), kFieldRefused),
-                 reinterpret_cast<LPARAM>(field));
-}
-
 // The clipboard's text without the blanks around it; empty when it has none.
 std::string clipboardText(HWND window) {
     std::string text;
@@ -36,30 +27,13 @@ std::string clipboardText(HWND window) {
     return first == text.npos ? std::string() : text.substr(first, last - first + 1);
 }
 
-LRESULT edit(HWND window, UINT message, WPARAM wParam, LPARAM lParam, bool decimal) {
-    if (message == WM_CHAR && wParam >= ' ' && !belongsToNumber(static_cast<char>(wParam), decimal)) {
-        tellRefused(window);
-        return 0;
-    }
+// What is typed is judged as a whole: a character left out would make another number of the rest.
+LRESULT CALLBACK numberEdit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_PASTE) {
-        const std::string text = clipboardText(window);
-        for (const char c : text) {
-            if (!belongsToNumber(c, decimal)) {
-                tellRefused(window);
-                return 0;
-            }
-        }
-        SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+        SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(clipboardText(window).c_str()));
         return 0;
     }
     return CallWindowProcA(g_edit, window, message, wParam, lParam);
-}
-
-LRESULT CALLBACK intEdit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return edit(window, message, wParam, lParam, false);
-}
-LRESULT CALLBACK floatEdit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return edit(window, message, wParam, lParam, true);
 }
 
 }  // namespace
@@ -73,10 +47,9 @@ void registerNumberEdits(HINSTANCE instance) {
     model.hInstance = instance;
     model.style &= ~static_cast<UINT>(CS_GLOBALCLASS);
     model.lpszClassName = kIntEditClass;
-    model.lpfnWndProc = intEdit;
+    model.lpfnWndProc = numberEdit;
     RegisterClassExA(&model);
     model.lpszClassName = kFloatEditClass;
-    model.lpfnWndProc = floatEdit;
     RegisterClassExA(&model);
 }
 

@@ -15,6 +15,8 @@ public:
     virtual void rowFocused(size_t row) = 0;  // its field got the keyboard
     // `field` has the keyboard or the mouse; `at` is on the screen.
     virtual void rowMenu(size_t row, HWND field, POINT at) = 0;
+    // The rows show a row that was filtered out: the filter is empty now.
+    virtual void filterDropped() = 0;
     // A key pressed with Ctrl in a field; true when it was one of the panel's own.
     virtual bool shortcut(WPARAM key) = 0;
 };

@@ -179,6 +179,8 @@ void RowsView::undoOrRedo(bool undo) {
     const auto row = undo ? m_rows.undo(&why) : m_rows.redo(&why);
     if (row) {
         m_panel.focusRow(*row);
+    } else if (!why.empty()) {
+        setText(m_help, why);
     }
 }
 
@@ -221,14 +223,21 @@ void RowsView::rowFocused(size_t row) {
     }
 }
 
+void RowsView::filterDropped() {
+    setText(m_search, "");
+    CheckDlgButton(m_parent, m_firstId + kChangedOnly, BST_UNCHECKED);
+}
+
 bool RowsView::shortcut(WPARAM key) {
     switch (key) {
         case 'Z':
-        case 'Y':
-            if (m_panel.commit()) {
-                undoOrRedo(key == 'Z' && GetKeyState(VK_SHIFT) >= 0);
+        case 'Y': {
+            const bool undo = key == 'Z' && GetKeyState(VK_SHIFT) >= 0;
+            if (!(undo && m_panel.revertDraft())) {
+                undoOrRedo(undo);
             }
             return true;
+        }
         case 'F':
             focusSearch();
             return true;

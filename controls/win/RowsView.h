@@ -82,6 +82,7 @@ private:
                                         DWORD_PTR self);
     void rowFocused(size_t row) override;
     void rowMenu(size_t row, HWND field, POINT at) override;
+    void filterDropped() override;
     bool shortcut(WPARAM key) override;
     std::vector<RowMenuItem> menuItems(size_t row, HWND field);
     void menuChosen(size_t row, HWND field, int id);

@@ -57,6 +57,7 @@ LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARA
         }
         case WM_COMMAND:
         case WM_HSCROLL:
+        case WM_CTLCOLOREDIT:
             return SendMessageA(GetParent(window), message, wParam, lParam);
         default:
             return DefWindowProcA(window, message, wParam, lParam);
