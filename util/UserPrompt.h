@@ -15,6 +15,7 @@ enum class PromptAnswer { Ok, Cancel, Yes, No };
 // What a file or folder chooser shows. All texts are in the process's 8-bit character set.
 struct ChooserRequest {
     std::string title;
+    std::string text;         // of folder choosers, what to choose, above the folders; empty: the title
     std::string startFolder;  // empty: wherever the chooser was last
     std::string fileName;     // preset name, may be empty
     // Pairs "description|pattern;pattern", e.g. "KEZ scripts|*.kez"; empty: all files.

@@ -1,0 +1,177 @@
+#include "J8ProjectWizard/CreationPlan.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "J8ProjectWizard/WizardNames.h"
+#include "util/PathRules.h"
+#include "xml/XMLRead.h"
+
+namespace zoka {
+namespace {
+
+std::string refusalOf(const char* what, const std::string& name) {
+    const std::string why = nameRefusal(name);
+    return why.empty() ? why : std::string(what) + " \"" + name + "\" " + why + ".";
+}
+
+std::string lowered(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return text;
+}
+
+// A `File` or `Check` element. `folder` is its target's, with a separator; null: it is not copied.
+PlannedFile planFile(const XMLNode& element, const std::string* folder) {
+    PlannedFile file;
+    file.place = element.place();
+    const std::string name = pathFromXml(xmlAttribute(element, "name"));
+    const std::string in = pathFromXml(xmlAttribute(element, "folder"));
+    file.hasFolder = !in.empty();
+    if (name.empty()) {
+        return file;
+    }
+    file.source = kTemplatesRoot + (in.empty() ? in : in + "\\") + name;
+    file.refusal = refusalOf("The file name", name);
+    if (file.refusal.empty()) {
+        file.refusal = refusalOf("The folder name", in);
+    }
+    if (folder) {
+        file.target = *folder + name;
+    }
+    return file;
+}
+
+// The files of `element`, which may be missing, under the name `target`, or their own where that is null.
+PlannedSet planSet(const XMLNode& element, const std::string* target,
+                   std::initializer_list<const char*> extensions) {
+    PlannedSet set;
+    set.isDeclared = !element.isEmpty();
+    const XMLNode first = element.getChild("File");
+    const PlannedFile base = planFile(first, nullptr);
+    set.place = first.isEmpty() ? element.place() : first.place();
+    if (base.source.empty()) {
+        return set;
+    }
+    set.target = target ? *target : std::string(fileNameOf(base.source));
+    set.refusal = base.refusal;
+    if (set.refusal.empty() && set.target.empty()) {
+        set.refusal = "The file name \"" + base.source + "\" ends with a separator.";
+    }
+    for (const char* extension : extensions) {
+        PlannedFile file = base;
+        file.source += extension;
+        file.target = set.target + extension;
+        set.files.push_back(std::move(file));
+    }
+    return set;
+}
+
+void markRepeated(CreationPlan& plan) {
+    std::unordered_set<std::string> targets;
+    const auto mark = [&targets](std::vector<PlannedFile>& files) {
+        for (PlannedFile& file : files) {
+            file.isRepeated =
+                !file.source.empty() && !targets.insert(lowered(normalizePath(file.target))).second;
+        }
+    };
+    for (PlannedFolder& folder : plan.folders) {
+        if (!folder.isNameless) {
+            mark(folder.files);
+        }
+    }
+    mark(plan.level.files);
+    mark(plan.projectFiles.files);
+}
+
+}  // namespace
+
+std::string withSeparator(std::string folder) {
+    if (folder.empty() || !isSeparator(folder.back())) {
+        folder += '\\';
+    }
+    return folder;
+}
+
+PlannedFolder planFolder(const XMLNode& element) {
+    PlannedFolder folder;
+    folder.place = element.place();
+    folder.name = pathFromXml(xmlAttribute(element, "name"));
+    folder.isNameless = folder.name.empty();
+    folder.refusal = refusalOf("The folder name", folder.name);
+    if (folder.name == ".") {
+        folder.name.clear();
+    }
+    const std::string prefix = folder.name.empty() ? folder.name : withSeparator(folder.name);
+    for (XMLNode child = element.firstChild("Check"); !child.isEmpty(); child = child.nextSibling("Check")) {
+        folder.checked.push_back(planFile(child, nullptr));
+    }
+    for (XMLNode child = element.firstChild("File"); !child.isEmpty(); child = child.nextSibling("File")) {
+        folder.files.push_back(planFile(child, &prefix));
+    }
+    return folder;
+}
+
+CreationPlan planCreation(const XMLNode& wizard, const std::string& levelMap) {
+    CreationPlan plan;
+    for (XMLNode child = wizard.firstChild("Folder"); !child.isEmpty(); child = child.nextSibling("Folder")) {
+        plan.folders.push_back(planFolder(child));
+    }
+    const std::string map = levelMap.empty() ? "map" : pathFromXml(levelMap);
+    const std::string why = plainNameRefusal(map);
+    plan.levelRefusal = why.empty() ? why : "The level map's name \"" + map + "\" " + why + ".";
+    plan.level = planSet(wizard.getChild("Level"), &map, {".zlm", ".zlb", ".zun"});
+    plan.projectFiles = planSet(wizard.getChild("J8ProjectFiles"), nullptr, {".c", ".kez", ".xml"});
+    plan.loadsProjectFile = !plan.projectFiles.target.empty();
+    plan.projectFile = (plan.loadsProjectFile ? plan.projectFiles.target : map) + ".xml";
+    markRepeated(plan);
+    return plan;
+}
+
+std::string lengthRefusal(const std::string& path) {
+    return path.size() <= kLongestPath
+               ? std::string()
+               : "The path \"" + path + "\" has " + std::to_string(path.size()) +
+                     " characters; the system takes " + std::to_string(kLongestPath) + ".";
+}
+
+PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFolder) {
+    const std::string root = withSeparator(projectFolder);
+    const auto refused = [&root](const std::string& target, const std::string& refusal, bool isFolder) {
+        PlanRefusal found{isFolder, root + target, refusal};
+        if (found.text.empty()) {
+            found.text = lengthRefusal(found.path);
+        }
+        return found;
+    };
+    for (const PlannedFolder& folder : plan.folders) {
+        if (folder.isNameless) {
+            continue;
+        }
+        if (PlanRefusal found = refused(folder.name, folder.refusal, true); !found.text.empty()) {
+            return found;
+        }
+        for (const PlannedFile& file : folder.files) {
+            if (file.source.empty()) {
+                break;
+            }
+            if (PlanRefusal found = refused(file.target, file.refusal, false); !found.text.empty()) {
+                return found;
+            }
+        }
+    }
+    if (!plan.levelRefusal.empty()) {
+        return {false, root + plan.level.target, plan.levelRefusal};
+    }
+    for (const PlannedSet* set : {&plan.level, &plan.projectFiles}) {
+        for (const PlannedFile& file : set->files) {
+            if (PlanRefusal found = refused(file.target, set->refusal, false); !found.text.empty()) {
+                return found;
+            }
+        }
+    }
+    return refused(plan.projectFile, {}, false);
+}
+
+}  // namespace zoka

@@ -1,0 +1,85 @@
+#include "J8ProjectWizard/CreationRecord.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+std::string withoutSeparator(std::string path) {
+    while (path.size() > 3 && isSeparator(path.back())) {
+        path.pop_back();
+    }
+    return path;
+}
+
+}  // namespace
+
+bool CreationRecord::makeFolders(const std::string& path) {
+    std::vector<std::string> missing;
+    for (std::string folder = withoutSeparator(osFiles().fullPath(path));
+         osFiles().kindOf(folder) == OsKind::Missing; folder = folderOf(folder)) {
+        missing.push_back(folder);
+        if (folderOf(folder).size() >= folder.size()) {
+            break;
+        }
+    }
+    const bool made = osFiles().makeFolders(path);
+    for (const std::string& folder : missing | std::views::reverse) {
+        if (osFiles().kindOf(folder) == OsKind::Folder) {
+            m_folders.push_back(folder);
+        }
+    }
+    return made && osFiles().kindOf(path) == OsKind::Folder;
+}
+
+bool CreationRecord::makeNewFolder(const std::string& path) {
+    const std::string folder = withoutSeparator(osFiles().fullPath(path));
+    if (!osFiles().makeFolder(folder)) {
+        return false;
+    }
+    m_folders.push_back(folder);
+    return true;
+}
+
+void CreationRecord::fileMade(const std::string& path) {
+    const auto entry = osFiles().search(path);
+    if (!entry) {
+        return;
+    }
+    const std::string full = osFiles().fullPath(path);
+    // A file that is written anew was made a moment ago: it is among the last.
+    const auto known = std::ranges::find(m_files | std::views::reverse, full, &File::path);
+    if (known != m_files.rend()) {
+        *known = {full, entry->size, entry->lastWrite};
+    } else {
+        m_files.push_back({full, entry->size, entry->lastWrite});
+    }
+}
+
+std::vector<std::string> CreationRecord::remove() {
+    std::vector<std::string> left;
+    for (const File& file : m_files) {
+        const auto entry = osFiles().search(file.path);
+        if (!entry) {
+            continue;
+        }
+        const bool same = entry->size == file.size && entry->lastWrite == file.time;
+        if (!same || !osFiles().deleteFile(file.path)) {
+            left.push_back(file.path);
+        }
+    }
+    for (const std::string& folder : m_folders | std::views::reverse) {
+        if (!osFiles().deleteFolder(folder) && osFiles().kindOf(folder) != OsKind::Missing) {
+            left.push_back(folder);
+        }
+    }
+    m_files.clear();
+    m_folders.clear();
+    return left;
+}
+
+}  // namespace zoka

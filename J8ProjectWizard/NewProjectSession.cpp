@@ -1,0 +1,332 @@
+#include "J8ProjectWizard/NewProjectSession.h"
+
+#include "J8ProjectWizard/WizardNames.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "xml/XMLRead.h"
+
+namespace zoka {
+namespace {
+
+// Where a chooser was confirmed last in this run of the program, for Path and TemplatesPath.
+std::string& lastChosen(ProjectField field) {
+    static std::string path, templatesPath;
+    return field == ProjectField::Path ? path : templatesPath;
+}
+
+// Texts of XML files as fields show them, and back.
+std::string fieldText(const std::string& text) {
+    std::string shown;
+    for (const char c : pathFromXml(text)) {
+        if (c == '\n' && !shown.ends_with('\r')) {
+            shown += '\r';
+        }
+        shown += c;
+    }
+    return shown;
+}
+std::string xmlText(const std::string& shown) {
+    std::string text;
+    for (const char c : shown) {
+        if (c != '\r') {
+            text += c;
+        }
+    }
+    return xmlFromPath(text);
+}
+
+std::string nearestFolder(std::string path) {
+    while (!path.empty() && osFiles().kindOf(path) != OsKind::Folder) {
+        std::string above(folderOf(path));
+        if (above.size() >= path.size()) {
+            return {};
+        }
+        path = std::move(above);
+    }
+    return path;
+}
+
+std::string filled(const char* before, const std::string& folder, const char* after) {
+    return before + ("\n\n" + folder + "\n\n") + after;
+}
+
+}  // namespace
+
+const char* runMessage(int code) {
+    switch (code) {
+        case kWizardBadIndex:
+        case kWizardNoManager:
+        case kWizardNotSaved:
+            return "Error running wizard (check j8 wizard folder).";
+        case kWizardBadFile:
+            return "Could not find a file (check j8 wizard folder).";
+        case kWizardFolderExists:
+            return "Could not overwrite a file/folder (make sure folder doesn't already exist).";
+        case kWizardNoFolder:
+            return "Could not create a directory (make sure folder doesn't already exist).";
+        case kWizardNoCopy:
+            return "Could not copy a file (check j8 wizard folder).";
+        case -6:
+            return "File bad (check j8 wizard folder).";
+        default:
+            return "";
+    }
+}
+
+NewProjectSession::NewProjectSession(UserPrompt& prompt) : m_prompt(prompt) {
+    field(ProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
+    m_filled = m_texts;
+}
+
+std::string NewProjectSession::title(size_t wizard) const {
+    return pathFromXml(m_wizard.titles()[wizard]);
+}
+
+void NewProjectSession::select(int wizard) {
+    if (m_selected >= 0) {
+        if (m_texts != m_filled) {
+            m_typed[m_selected] = m_texts;
+        } else {
+            m_typed.erase(m_selected);
+        }
+    }
+    m_selected = wizard;
+    m_tree = {};
+    for (std::string* text : {&m_data.m_strName, &m_data.m_strDocs, &m_data.m_strLevelName,
+                              &m_data.m_strLevelMap, &m_data.m_strLevelDocs}) {
+        text->clear();
+    }
+    if (wizard < 0 || static_cast<size_t>(wizard) >= wizards()) {
+        m_description = wizard < 0 ? "" : "<bad path>";
+        return;
+    }
+    std::string description;
+    const auto index = static_cast<unsigned>(wizard);
+    if (!CJ8Wizard::GetWizardDesc(description, m_wizard.paths()[index])) {
+        m_description = "<none>";
+    } else {
+        m_description = fieldText(description);
+        if (m_wizard.LoadDefaults(m_data, index)) {
+            fillFields();
+        }
+    }
+    m_filled = m_texts;
+    if (const auto typed = m_typed.find(wizard); typed != m_typed.end()) {
+        m_texts = typed->second;
+    }
+    if (const auto plan = m_wizard.plan(index, m_data.m_strLevelMap)) {
+        m_tree = PlanTree(*plan);
+    }
+    lookAtTarget();
+}
+
+void NewProjectSession::fillFields() {
+    field(ProjectField::Name) = fieldText(m_data.m_strName);
+    field(ProjectField::Docs) = fieldText(m_data.m_strDocs);
+    field(ProjectField::Path) = m_data.m_strProjectFolder;
+    field(ProjectField::FolderName).clear();
+    field(ProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
+}
+
+void NewProjectSession::setText(ProjectField which, const std::string& text) {
+    if (field(which) == text) {
+        return;
+    }
+    field(which) = text;
+    // Another wizard that is chosen now starts with the same folders.
+    if (which == ProjectField::Path) {
+        m_data.m_strProjectFolder = text;
+    }
+    if (which == ProjectField::Path || which == ProjectField::FolderName) {
+        m_targetExists = false;
+    }
+}
+
+bool NewProjectSession::browse(ProjectField which) {
+    ChooserRequest request;
+    request.title = "Select a folder...";
+    request.text = which == ProjectField::Path ? "Where do you want to create this project?"
+                                               : "Find you J8 Templates Path";
+    request.startFolder = nearestFolder(text(which).empty() ? lastChosen(which) : text(which));
+    const auto chosen = m_prompt.chooseFolder(request);
+    if (!chosen) {
+        return false;
+    }
+    if (osFiles().kindOf(*chosen) != OsKind::Folder) {
+        const std::string question =
+            filled("The folder:", *chosen, "does not exist. Do you want the folder to be created?");
+        if (m_prompt.ask(question, request.title, PromptButtons::YesNo, PromptIcon::None) !=
+            PromptAnswer::Yes) {
+            return false;
+        }
+        if (!osFiles().makeFolders(*chosen)) {
+            m_prompt.ask(filled("The folder:", *chosen, "can not be created. Please double check."),
+                         request.title, PromptButtons::Ok, PromptIcon::Error);
+            return false;
+        }
+    }
+    lastChosen(which) = *chosen;
+    setText(which, *chosen);
+    lookAtTarget();
+    return true;
+}
+
+std::string NewProjectSession::projectFolder() const {
+    const std::string& path = text(ProjectField::Path);
+    const std::string& name = text(ProjectField::FolderName);
+    return path.empty() || name.empty() ? std::string() : withSeparator(osFiles().fullPath(path)) + name;
+}
+
+std::string NewProjectSession::rowName(size_t row) const {
+    if (row > 0) {
+        return m_tree.rows()[row].name;
+    }
+    const std::string folder = projectFolder();
+    return folder.empty() ? "(the project folder)" : folder + "\\";
+}
+
+std::string NewProjectSession::rowSource(size_t row) const {
+    const PlanRow& one = m_tree.rows()[row];
+    if (one.isOnlyChecked) {
+        return one.source + " (only looked for)";
+    }
+    return one.source.empty() && !one.isFolder ? "(written from your texts)" : one.source;
+}
+
+void NewProjectSession::lookAtTarget() {
+    const std::string folder = projectFolder();
+    m_targetExists = !folder.empty() && osFiles().kindOf(folder) != OsKind::Missing;
+}
+
+std::string NewProjectSession::hindrance() const {
+    if (m_selected < 0) {
+        return wizards() == 0 ? std::string("There is no wizard in ") + kWizardsFolder : "Select a Wizard.";
+    }
+    const std::string folder = projectFolder();
+    if (std::string problem = m_tree.firstProblem(folder); !problem.empty()) {
+        return problem;
+    }
+    if (m_data.m_strLevelMap.empty()) {
+        return "Error: Bad LevelMap name.";
+    }
+    const std::string& name = text(ProjectField::FolderName);
+    if (const std::string why = nameRefusal(name); !why.empty()) {
+        return "The folder name \"" + name + "\" " + why + ".";
+    }
+    if (m_targetExists) {
+        return "There is a folder or file of that name already: " + folder;
+    }
+    if (std::string why = lengthRefusal(folder); !why.empty()) {
+        return why;
+    }
+    const std::pair<ProjectField, const char*> needed[] = {
+        {ProjectField::Name, "Enter a Project Name."},
+        {ProjectField::Path, "Enter a Project Path."},
+        {ProjectField::FolderName, "Enter a Project Folder Name."},
+        {ProjectField::TemplatesPath, "Enter a J8 Templates Path."},
+    };
+    for (const auto& [which, message] : needed) {
+        if (text(which).empty()) {
+            return message;
+        }
+    }
+    return {};
+}
+
+std::string NewProjectSession::state() const {
+    if (std::string what = hindrance(); !what.empty()) {
+        return what;
+    }
+    return "OK makes " + m_tree.summary() + (m_tree.unseen() > 0 ? " so far..." : ".");
+}
+
+std::string NewProjectSession::storedText(ProjectField which, const std::string& original) const {
+    // A default that the user left alone stays as it is, also where the field can't show all its characters.
+    return text(which) == fieldText(original) ? original : xmlText(text(which));
+}
+
+// What the user typed, into the data; false when something is missing, which the user has been told.
+bool NewProjectSession::takeFields() {
+    const auto refuse = [this](const char* message) {
+        m_prompt.tell(message);
+        return false;
+    };
+    if (m_selected < 0 || static_cast<size_t>(m_selected) >= wizards()) {
+        return refuse("Select a Wizard.");
+    }
+    if (text(ProjectField::Name).empty()) {
+        return refuse("Enter a Project Name.");
+    }
+    m_data.m_strName = storedText(ProjectField::Name, m_data.m_strName);
+    if (text(ProjectField::Path).empty()) {
+        return refuse("Enter a Project Path.");
+    }
+    if (text(ProjectField::FolderName).empty()) {
+        return refuse("Enter a Project Folder Name.");
+    }
+    m_data.m_strProjectFolder = projectFolder();
+    if (!text(ProjectField::Docs).empty()) {
+        m_data.m_strDocs = storedText(ProjectField::Docs, m_data.m_strDocs);
+    }
+    if (m_data.m_strLevelMap.empty()) {
+        return refuse("Error: Bad LevelMap name.");
+    }
+    if (text(ProjectField::TemplatesPath).empty()) {
+        return refuse("Enter a J8 Templates Path.");
+    }
+    m_data.m_strTemplatesPath = text(ProjectField::TemplatesPath);
+    return true;
+}
+
+std::optional<NewProject> NewProjectSession::ok(const std::function<void(const Job&)>& runJob) {
+    auto made = takeFields() ? create(runJob) : std::nullopt;
+    if (!made) {
+        m_data.m_strProjectFolder = text(ProjectField::Path);
+        m_tree.forgetSeen();
+        lookAtTarget();
+    }
+    return made;
+}
+
+std::optional<NewProject> NewProjectSession::create(const std::function<void(const Job&)>& runJob) {
+    m_data.m_strMessage.clear();
+    const auto index = static_cast<unsigned>(m_selected);
+    int code = m_wizard.Check(m_data.m_strMessage, index, m_data);
+    CreationRecord record;
+    if (code >= 0) {
+        runJob([&](JobProgress* progress) { code = m_wizard.Run(m_data, index, {progress, &record}); });
+        if (code >= 0) {
+            return NewProject{withSeparator(m_data.m_strProjectFolder), pathFromXml(m_data.m_strLevelMap)};
+        }
+        if (const char* message = runMessage(code); *message) {
+            m_prompt.tell(message);
+        }
+    }
+    if (!m_data.m_strMessage.empty()) {
+        m_prompt.tell(m_data.m_strMessage);
+    }
+    offerRemoval(record, code == kWizardCancelled);
+    return std::nullopt;
+}
+
+void NewProjectSession::offerRemoval(CreationRecord& record, bool cancelled) {
+    if (record.isEmpty()) {
+        return;
+    }
+    const std::string made =
+        countOf(record.folders(), "folder", "folders") + " and " + countOf(record.files(), "file", "files");
+    const std::string question =
+        (cancelled ? "Creating the project was cancelled." : "The project is not complete.") +
+        std::string("\n\nRemove what was made of it (") + made + ")?";
+    if (m_prompt.ask(question, "ZOKA", PromptButtons::YesNo, PromptIcon::Warning) != PromptAnswer::Yes) {
+        return;
+    }
+    const auto left = record.remove();
+    if (!left.empty()) {
+        m_prompt.tell("Not everything could be removed, or it was changed meanwhile. This is left:\n\n" +
+                      left.front() +
+                      (left.size() > 1 ? "\nand " + std::to_string(left.size() - 1) + " more" : ""));
+    }
+}
+
+}  // namespace zoka

@@ -1,0 +1,96 @@
+// The new-project dialog without its window: what it shows, and what its buttons do, in which order and with
+// which texts.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "J8ProjectWizard/J8Wizard.h"
+#include "J8ProjectWizard/PlanTree.h"
+#include "util/JobProgress.h"
+#include "util/UserPrompt.h"
+
+namespace zoka {
+
+enum class ProjectField { Name, Docs, Path, FolderName, TemplatesPath };
+inline constexpr size_t kProjectFields = 5;
+
+// What was made.
+struct NewProject {
+    std::string folder;  // with its trailing separator
+    std::string level;   // name of the level map without extension
+};
+
+// Field texts, descriptions and messages are in the system's character set; lines end in CR LF. [editor thread]
+class NewProjectSession {
+public:
+    // Lists the wizards. `prompt` outlives the session.
+    explicit NewProjectSession(UserPrompt& prompt);
+
+    size_t wizards() const { return m_wizard.titles().size(); }
+    std::string title(size_t wizard) const;
+
+    // -1: none. Fills description and fields; what the user typed for that wizard before comes back.
+    void select(int wizard);
+    int selected() const { return m_selected; }
+    const std::string& description() const { return m_description; }
+
+    const std::string& text(ProjectField field) const { return m_texts[static_cast<size_t>(field)]; }
+    // The user has typed; no disk is touched.
+    void setText(ProjectField field, const std::string& text);
+    // The browse button of Path or TemplatesPath: true when a folder was chosen, which is the field's text then.
+    bool browse(ProjectField field);
+
+    // What will be made. The tree stays while the user types.
+    const PlanTree& tree() const { return m_tree; }
+    // The cells of a row; a row's problem may change with the project folder.
+    std::string rowName(size_t row) const;
+    std::string rowSource(size_t row) const;
+    std::string rowProblem(size_t row) const { return m_tree.problem(m_tree.rows()[row], projectFolder()); }
+    // Looks at a part of what is still to be looked at among the templates; true while there is more.
+    bool lookAtSources(std::chrono::milliseconds time) { return m_tree.look(time); }
+    // Looks whether the project folder exists. Called when the user has stopped typing.
+    void lookAtTarget();
+    // What keeps OK from being pressed with success, or what it will make: one line.
+    std::string state() const;
+    // Whether that line is about a hindrance.
+    bool isHindered() const { return !hindrance().empty(); }
+
+    // The OK button: the new project when it was made. Otherwise the user has been told why. `runJob` runs its
+    // argument with a progress that shows how far it is.
+    using Job = std::function<void(JobProgress*)>;
+    std::optional<NewProject> ok(const std::function<void(const Job&)>& runJob);
+
+private:
+    using Texts = std::array<std::string, kProjectFields>;
+
+    std::string& field(ProjectField which) { return m_texts[static_cast<size_t>(which)]; }
+    void fillFields();
+    // The texts of name and documentation as the data holds them.
+    std::string storedText(ProjectField which, const std::string& original) const;
+    std::string projectFolder() const;
+    std::string hindrance() const;
+    bool takeFields();
+    std::optional<NewProject> create(const std::function<void(const Job&)>& runJob);
+    void offerRemoval(CreationRecord& record, bool cancelled);
+
+    UserPrompt& m_prompt;
+    CJ8Wizard m_wizard;
+    CJ8WizardUserData m_data;
+    int m_selected = -1;
+    std::string m_description;
+    Texts m_texts;                 // as they stand in the fields
+    Texts m_filled;                // as the wizard filled them
+    std::map<int, Texts> m_typed;  // of wizards that the user has left, where something was typed
+    PlanTree m_tree;
+    bool m_targetExists = false;
+};
+
+// The message for a code of CJ8Wizard::Run; empty for one that needs none. Static.
+const char* runMessage(int code);
+
+}  // namespace zoka

@@ -1,0 +1,256 @@
+#include "J8ProjectWizard/PlanTree.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+std::string lowered(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return text;
+}
+
+// Puts the rows together: folders with what is in them, in the order in which they are named first.
+class TreeBuilder {
+public:
+    TreeBuilder() { m_nodes.push_back({}); }
+
+    size_t folder(const std::string& path) {
+        size_t at = 0;
+        std::string_view rest = path;
+        std::string so;
+        while (!rest.empty()) {
+            const size_t end = std::min(rest.find_first_of("\\/"), rest.size());
+            const std::string_view part = rest.substr(0, end);
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+            if (part.empty() || part == ".") {
+                continue;
+            }
+            so.append(part).append("\\");
+            const auto [place, isNew] = m_folders.try_emplace(lowered(so), m_nodes.size());
+            if (isNew) {
+                PlanRow row;
+                row.isFolder = true;
+                row.name = std::string(part) + "\\";
+                row.target = so;
+                add(at, std::move(row));
+            }
+            at = place->second;
+        }
+        return at;
+    }
+    void add(size_t parent, PlanRow row) {
+        m_nodes[parent].children.push_back(m_nodes.size());
+        m_nodes.push_back({std::move(row), {}});
+    }
+    PlanRow& row(size_t node) { return m_nodes[node].row; }
+
+    std::vector<PlanRow> rows() {
+        std::vector<PlanRow> made;
+        std::vector<std::pair<size_t, int>> open{{0, 0}};
+        m_nodes[0].row.isFolder = true;
+        while (!open.empty()) {
+            const auto [node, depth] = open.back();
+            open.pop_back();
+            m_nodes[node].row.depth = depth;
+            made.push_back(std::move(m_nodes[node].row));
+            const std::vector<size_t>& children = m_nodes[node].children;
+            for (auto child = children.rbegin(); child != children.rend(); ++child) {
+                open.emplace_back(*child, depth + 1);
+            }
+        }
+        return made;
+    }
+
+private:
+    struct Node {
+        PlanRow row;
+        std::vector<size_t> children;
+    };
+    std::vector<Node> m_nodes;
+    std::unordered_map<std::string, size_t> m_folders;
+};
+
+PlanRow rowOf(const PlannedFile& file) {
+    PlanRow row;
+    row.name = fileNameOf(file.target);
+    row.target = file.target;
+    row.source = file.source;
+    row.refusal = file.refusal;
+    row.isRepeated = file.isRepeated;
+    return row;
+}
+
+void addFile(TreeBuilder& tree, const PlannedFile& file, const std::string& refusal, bool isOptional) {
+    PlanRow row = rowOf(file);
+    row.isOptional = isOptional;
+    if (row.refusal.empty()) {
+        row.refusal = refusal;
+    }
+    // A refused name leads to no place in the tree.
+    const size_t at = row.refusal.empty() ? tree.folder(std::string(folderOf(file.target))) : 0;
+    tree.add(at, std::move(row));
+}
+
+}  // namespace
+
+PlanTree::PlanTree(const CreationPlan& plan) {
+    TreeBuilder tree;
+    for (const PlannedFolder& folder : plan.folders) {
+        if (folder.isNameless) {
+            continue;
+        }
+        if (!folder.refusal.empty()) {
+            PlanRow row;
+            row.isFolder = true;
+            row.name = row.target = folder.name;
+            row.refusal = folder.refusal;
+            tree.add(0, std::move(row));
+            continue;
+        }
+        const size_t at = tree.folder(folder.name);
+        for (const PlannedFile& file : folder.checked) {
+            PlanRow row = rowOf(file);
+            row.name = fileNameOf(file.source);
+            row.isOnlyChecked = true;
+            tree.add(at, std::move(row));
+        }
+        for (const PlannedFile& file : folder.files) {
+            if (file.source.empty()) {
+                PlanRow row;
+                row.name = "?";
+                row.refusal = "A file of the wizard has no name.";
+                tree.add(at, std::move(row));
+                break;
+            }
+            addFile(tree, file, {}, false);
+        }
+    }
+    for (const PlannedFile& file : plan.level.files) {
+        addFile(tree, file, plan.levelRefusal, !file.target.ends_with(".zlm"));
+    }
+    for (const PlannedFile& file : plan.projectFiles.files) {
+        addFile(tree, file, plan.projectFiles.refusal, !file.target.ends_with(".xml"));
+    }
+    if (!plan.loadsProjectFile) {
+        PlannedFile project;
+        project.target = plan.projectFile;
+        addFile(tree, project, plan.levelRefusal, false);
+    }
+    m_rows = tree.rows();
+    for (const PlanRow& row : m_rows) {
+        if (!row.source.empty() && m_facts.try_emplace(row.source).second) {
+            m_sources.push_back(row.source);
+        }
+    }
+}
+
+bool PlanTree::look(std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (m_seen < m_sources.size()) {
+        const std::string& source = m_sources[m_seen++];
+        Seen& facts = m_facts[source];
+        facts.known = true;
+        const auto entry = osFiles().search(source);
+        if (entry && !entry->isFolder) {
+            facts.kind = OsKind::File;
+            facts.size = entry->size;
+        } else {
+            facts.kind = osFiles().kindOf(source);
+        }
+        if (std::chrono::steady_clock::now() >= end) {
+            break;
+        }
+    }
+    return m_seen < m_sources.size();
+}
+
+void PlanTree::lookAtAll() {
+    while (look(std::chrono::hours(1))) {
+    }
+}
+
+const PlanTree::Seen* PlanTree::seen(const PlanRow& row) const {
+    const auto found = m_facts.find(row.source);
+    return found != m_facts.end() && found->second.known ? &found->second : nullptr;
+}
+
+std::string PlanTree::sizeText(const PlanRow& row) const {
+    const Seen* facts = seen(row);
+    return facts && facts->kind == OsKind::File && !row.isOnlyChecked ? byteText(facts->size) : "";
+}
+
+std::string PlanTree::problem(const PlanRow& row, const std::string& projectFolder) const {
+    if (!row.refusal.empty()) {
+        return row.refusal;
+    }
+    if (const Seen* facts = seen(row)) {
+        if (facts->kind == OsKind::Missing) {
+            return row.isOptional ? "not among the templates" : "Missing file: " + row.source;
+        }
+        if (facts->kind != OsKind::File) {
+            return facts->kind == OsKind::Unknown ? "can't be looked at" : "is no file";
+        }
+    }
+    if (row.isRepeated) {
+        return "another file of that name is copied before";
+    }
+    return row.isOnlyChecked || projectFolder.empty()
+               ? ""
+               : lengthRefusal(withSeparator(projectFolder) + row.target);
+}
+
+std::string PlanTree::firstProblem(const std::string& projectFolder) const {
+    std::string first;
+    size_t count = 0;
+    for (const PlanRow& row : m_rows) {
+        const Seen* facts = seen(row);
+        const bool harmless = row.refusal.empty() &&
+                              (row.isRepeated || (row.isOptional && facts && facts->kind == OsKind::Missing));
+        const std::string text = harmless ? std::string() : problem(row, projectFolder);
+        if (text.empty()) {
+            continue;
+        }
+        if (count++ == 0) {
+            first = text;
+        }
+    }
+    return count > 1 ? first + " (and " + std::to_string(count - 1) + " more)" : first;
+}
+
+std::string PlanTree::summary() const {
+    size_t folders = 0, files = 0;
+    std::uint64_t bytes = 0;
+    for (const PlanRow& row : m_rows) {
+        const Seen* facts = seen(row);
+        if (row.isOnlyChecked || row.isRepeated || (facts && facts->kind != OsKind::File)) {
+            continue;
+        }
+        ++(row.isFolder ? folders : files);
+        bytes += facts ? facts->size : 0;
+    }
+    return countOf(folders, "folder", "folders") + " and " + countOf(files, "file", "files") + ", " +
+           byteText(bytes);
+}
+
+std::string countOf(size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+std::string byteText(std::uint64_t bytes) {
+    if (bytes < 1024) {
+        return countOf(static_cast<size_t>(bytes), "byte", "bytes");
+    }
+    if (bytes < 1024 * 1024) {
+        return std::to_string((bytes + 1023) / 1024) + " KB";
+    }
+    const std::uint64_t tenths = bytes * 10 / (1024 * 1024);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " MB";
+}
+
+}  // namespace zoka

@@ -1,0 +1,73 @@
+// A creation plan as the rows of a tree, with what the disk says of the sources.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "J8ProjectWizard/CreationPlan.h"
+#include "util/OsFiles.h"
+
+namespace zoka {
+
+// A folder or file below the project folder. The first row is the project folder itself.
+struct PlanRow {
+    int depth = 0;
+    bool isFolder = false;
+    std::string name;    // of folders with a separator at its end
+    std::string target;  // below the project folder
+    std::string source;  // empty for what comes from no template
+    std::string refusal;
+    bool isRepeated = false;
+    bool isOptional = false;     // one of a set of which some may be missing
+    bool isOnlyChecked = false;  // has to be among the templates, and is not copied
+};
+
+class PlanTree {
+public:
+    PlanTree() = default;
+    explicit PlanTree(const CreationPlan& plan);
+
+    const std::vector<PlanRow>& rows() const { return m_rows; }
+
+    // Looks at sources that were not looked at yet, until that much time is over; at one at least. True while
+    // there are more.
+    bool look(std::chrono::milliseconds time);
+    // All of them.
+    void lookAtAll();
+    // They may have changed.
+    void forgetSeen() { m_seen = 0; }
+    size_t unseen() const { return m_sources.size() - m_seen; }
+
+    // "12 KB", empty where it isn't known or there is none.
+    std::string sizeText(const PlanRow& row) const;
+    // What is wrong with a row, in words; empty: nothing, as far as is known.
+    std::string problem(const PlanRow& row, const std::string& projectFolder) const;
+    // Of the rows that would keep creation from being started, or leave the project without a file: the first
+    // one's problem, and how many more there are.
+    std::string firstProblem(const std::string& projectFolder) const;
+    // "4 folders and 12 files, 48 KB".
+    std::string summary() const;
+
+private:
+    struct Seen {
+        OsKind kind = OsKind::Unknown;
+        std::uint64_t size = 0;
+        bool known = false;
+    };
+    const Seen* seen(const PlanRow& row) const;
+
+    std::vector<PlanRow> m_rows;
+    std::vector<std::string> m_sources;  // each once, in the order of the rows
+    std::unordered_map<std::string, Seen> m_facts;
+    size_t m_seen = 0;
+};
+
+// "1 file", "3 files".
+std::string countOf(size_t count, const char* one, const char* many);
+// "512 bytes", "48 KB", "1.5 MB".
+std::string byteText(std::uint64_t bytes);
+
+}  // namespace zoka

@@ -1,0 +1,69 @@
+#include "J8ProjectWizard/WizardNames.h"
+
+#include <algorithm>
+
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+constexpr const char* kDevices[] = {"con", "prn", "aux", "nul", "conin$", "conout$", "clock$"};
+
+// A device is one in every folder and with every extension: "aux.kez", "con .txt".
+bool isDevice(std::string_view part) {
+    std::string_view stem = part.substr(0, part.find('.'));
+    while (stem.ends_with(' ')) {
+        stem.remove_suffix(1);
+    }
+    if (stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9') {
+        return equalNoCase(stem.substr(0, 3), "com") || equalNoCase(stem.substr(0, 3), "lpt");
+    }
+    return std::ranges::any_of(kDevices, [stem](const char* device) { return equalNoCase(stem, device); });
+}
+
+std::string partRefusal(std::string_view part) {
+    if (part.empty() || part == ".") {
+        return {};
+    }
+    if (part == "..") {
+        return "leads out of its folder";
+    }
+    if (std::ranges::any_of(part, [](char c) { return static_cast<unsigned char>(c) < 0x20; })) {
+        return "holds a control character";
+    }
+    if (part.find_first_of("<>\"|?*") != part.npos) {
+        return "holds a character that no file name may hold";
+    }
+    if (part.ends_with('.') || part.ends_with(' ')) {
+        return "ends with a dot or a blank, which the system would drop";
+    }
+    return isDevice(part) ? "is a device of the system" : "";
+}
+
+}  // namespace
+
+std::string nameRefusal(std::string_view name) {
+    if (!name.empty() && isSeparator(name.front())) {
+        return "leads out of its folder";
+    }
+    if (name.size() > 1 && name[1] == ':') {
+        return "leads to a drive";
+    }
+    if (name.find(':') != name.npos) {
+        return "holds a colon, which means a stream of a file";
+    }
+    for (size_t at = 0; at <= name.size();) {
+        const size_t end = std::min(name.find_first_of("\\/", at), name.size());
+        if (std::string refusal = partRefusal(name.substr(at, end - at)); !refusal.empty()) {
+            return refusal;
+        }
+        at = end + 1;
+    }
+    return {};
+}
+
+std::string plainNameRefusal(std::string_view name) {
+    return name.find_first_of("\\/") != name.npos ? "holds a separator of folders" : nameRefusal(name);
+}
+
+}  // namespace zoka

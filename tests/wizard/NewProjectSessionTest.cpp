@@ -1,0 +1,240 @@
+// The new-project dialog without its window.
+#include "J8ProjectWizard/NewProjectSession.h"
+
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/wizard/Suite.h"
+
+namespace {
+
+using namespace zoka;
+using namespace zoka::test;
+using Texts = std::vector<std::string>;
+
+class NewProjectSessionTest : public testing::Test {
+protected:
+    void SetUp() override { addFullWizard(suite); }
+
+    void fill(NewProjectSession& session) const {
+        session.setText(ProjectField::Name, "Game");
+        session.setText(ProjectField::Path, suite.folder.path("games"));
+        session.setText(ProjectField::FolderName, "g");
+    }
+    static std::optional<NewProject> ok(NewProjectSession& session) {
+        return session.ok([](const NewProjectSession::Job& job) { job(nullptr); });
+    }
+
+    Suite suite;
+    ScriptedPrompt prompt;
+};
+
+TEST_F(NewProjectSessionTest, SaysWhatIsMissingInItsOrder) {
+    suite.wizard("full.xml", "<Desc>d</Desc><Defaults/>");
+    std::filesystem::remove_all(suite.folder.native("templates/xml"));
+    NewProjectSession session(prompt);
+    EXPECT_EQ(session.state(), "Select a Wizard.");
+    EXPECT_FALSE(ok(session));
+    session.select(0);
+    const std::pair<ProjectField, const char*> steps[] = {
+        {ProjectField::Name, "Enter a Project Name."},
+        {ProjectField::Path, "Enter a Project Path."},
+        {ProjectField::FolderName, "Enter a Project Folder Name."}};
+    Texts expected = {"Select a Wizard."};
+    for (const auto& [field, message] : steps) {
+        EXPECT_FALSE(ok(session));
+        expected.push_back(message);
+        session.setText(field, suite.folder.path("games"));
+    }
+    EXPECT_FALSE(ok(session));
+    expected.push_back("Error: Bad LevelMap name.");
+    EXPECT_EQ(session.state(), "Error: Bad LevelMap name.");
+    suite.wizard("full.xml", "<Desc>d</Desc><Defaults><LevelMap>m</LevelMap></Defaults>");
+    session.select(0);
+    fill(session);
+    EXPECT_FALSE(ok(session));
+    expected.push_back("Enter a J8 Templates Path.");
+    EXPECT_EQ(prompt.texts(), expected);
+    EXPECT_EQ(session.state(), "Enter a J8 Templates Path.");
+}
+
+TEST_F(NewProjectSessionTest, FillsTheFieldsAndRemembersWhatWasTyped) {
+    suite.wizard(
+        "full.xml",
+        "<Title>A</Title><Desc>one&#10;two</Desc><Defaults><Name>NA</Name><Docs>D1&#10;D2</Docs></Defaults>");
+    suite.wizard("plain.xml", "<Title>B</Title>");
+    NewProjectSession session(prompt);
+    const int a = session.title(0) == "A" ? 0 : 1;
+    session.select(a);
+    EXPECT_EQ(session.description(), "one\r\ntwo");
+    EXPECT_EQ(session.text(ProjectField::Name), "NA");
+    EXPECT_EQ(session.text(ProjectField::Docs), "D1\r\nD2");
+    EXPECT_EQ(session.text(ProjectField::TemplatesPath),
+              systemFiles().currentFolder() + "\\templates\\xml\\");
+    session.setText(ProjectField::Name, "Typed");
+    session.setText(ProjectField::Path, "C:\\games");
+    session.setText(ProjectField::FolderName, "f");
+    session.select(1 - a);
+    EXPECT_EQ(session.description(), "<none>");
+    session.select(5);
+    EXPECT_EQ(session.description(), "<bad path>");
+    session.select(a);
+    EXPECT_EQ(session.text(ProjectField::Name), "Typed");
+    EXPECT_EQ(session.text(ProjectField::FolderName), "f");
+    EXPECT_EQ(session.rowName(0), "C:\\games\\f\\");
+}
+
+TEST_F(NewProjectSessionTest, MakesWhatItShows) {
+    NewProjectSession session(prompt);
+    session.select(0);
+    fill(session);
+    while (session.lookAtSources(std::chrono::milliseconds(0))) {
+        EXPECT_TRUE(session.state().ends_with(" so far...")) << session.state();
+    }
+    EXPECT_EQ(session.state(), "OK makes 3 folders and 8 files, 149 bytes.");
+    std::string rows;
+    for (size_t i = 0; i < session.tree().rows().size(); ++i) {
+        rows +=
+            std::string(static_cast<size_t>(session.tree().rows()[i].depth), ' ') + session.rowName(i) + "|";
+    }
+    EXPECT_EQ(rows,
+              suite.folder.path("games") +
+                  "\\g\\| c.txt| one.txt| maps\\|  deep\\|   two.txt| harbour.zlm| harbour.zlb| harbour.zun| "
+                  "main.c| main.kez| main.xml|");
+    const auto made = ok(session);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->folder, suite.folder.path("games") + "\\g\\");
+    EXPECT_EQ(made->level, "harbour");
+    EXPECT_EQ(suite.tree("games/g").size(), 10u);
+    EXPECT_EQ(prompt.texts(), Texts());
+}
+
+TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
+    suite.write("games/there/x", "");
+    NewProjectSession session(prompt);
+    session.select(0);
+    fill(session);
+    const std::pair<const char*, const char*> rows[] = {
+        {"there", "There is a folder or file of that name already: "},
+        {"con", "The folder name \"con\" is a device of the system."},
+        {"a.", "The folder name \"a.\" ends with a dot or a blank, which the system would drop."},
+        {"", "Enter a Project Folder Name."},
+        {"fine", "OK makes "},
+    };
+    for (const auto& [name, text] : rows) {
+        session.setText(ProjectField::FolderName, name);
+        session.lookAtTarget();
+        EXPECT_TRUE(session.state().starts_with(text)) << session.state();
+    }
+    session.setText(ProjectField::FolderName, std::string(250, 'x'));
+    EXPECT_NE(session.state().find("the system takes 259"), std::string::npos) << session.state();
+    std::filesystem::remove(suite.folder.native("templates/a/one.txt"));
+    std::filesystem::remove(suite.folder.native("templates/a/lev.zlb"));
+    session.select(0);
+    session.setText(ProjectField::FolderName, "g");
+    while (session.lookAtSources(std::chrono::milliseconds(10))) {
+    }
+    EXPECT_EQ(session.state(), "Missing file: .\\templates\\a\\one.txt");
+    // No keystroke touches the disk.
+    FaultyOsFiles files(FaultyOsFiles::never());
+    session.setText(ProjectField::FolderName, "typed");
+    session.setText(ProjectField::Path, "C:\\else");
+    session.state();
+    session.rowProblem(3);
+    EXPECT_EQ(files.operations(), 0);
+}
+
+TEST_F(NewProjectSessionTest, ShowsBothTextsOfAFailedRunAndTakesBackWhatItMade) {
+    suite.write("games/there/kept", "");
+    NewProjectSession session(prompt);
+    session.select(0);
+    fill(session);
+    session.setText(ProjectField::FolderName, "there");
+    EXPECT_FALSE(ok(session));
+    EXPECT_EQ(prompt.texts(),
+              (Texts{"Could not overwrite a file/folder (make sure folder doesn't already exist).",
+                     suite.folder.path("games") + "\\there"}));
+    EXPECT_EQ(session.text(ProjectField::Path), suite.folder.path("games"));
+
+    prompt.asked.clear();
+    prompt.answers = {PromptAnswer::Yes};
+    session.setText(ProjectField::FolderName, "g");
+    {
+        FaultyOsFiles files([](int, std::string_view op, const std::string& path) {
+            return op == "makeFolders" && path.ends_with("deep");
+        });
+        EXPECT_FALSE(ok(session));
+    }
+    EXPECT_EQ(prompt.texts(),
+              (Texts{"Could not create a directory (make sure folder doesn't already exist).",
+                     suite.folder.path("games") + "\\g\\maps\\deep",
+                     "The project is not complete.\n\nRemove what was made of it (1 folder and 1 "
+                     "file)?"}));
+    EXPECT_FALSE(suite.has("games/g"));
+    EXPECT_TRUE(ok(session)) << "so the second try can succeed";
+}
+
+TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
+    class StopAt : public JobProgress {
+    public:
+        explicit StopAt(size_t at) : m_at(at) {}
+        bool step(size_t done, size_t total, const std::string&) override {
+            EXPECT_EQ(total, 8u);
+            return done < m_at;
+        }
+        size_t m_at;
+    };
+    for (const size_t at : {size_t{0}, size_t{1}, size_t{4}, size_t{7}}) {
+        NewProjectSession session(prompt);
+        session.select(0);
+        fill(session);
+        prompt.answers = {PromptAnswer::Yes};
+        StopAt progress(at);
+        EXPECT_FALSE(session.ok([&](const NewProjectSession::Job& job) { job(&progress); }));
+        EXPECT_TRUE(prompt.asked.back().text.starts_with("Creating the project was cancelled.\n\nRemove"));
+        EXPECT_EQ(suite.tree("games"), Texts());
+        EXPECT_TRUE(suite.reportKeys().ends_with(" Cancelled"));
+    }
+}
+
+TEST_F(NewProjectSessionTest, ChoosersStartNearAndMakeFoldersOnRequest) {
+    const std::string games = suite.folder.path("games");
+    NewProjectSession session(prompt);
+    session.select(0);
+    session.setText(ProjectField::Path, games + "\\none\\deeper");
+    const struct {
+        const char* chosen;
+        std::deque<PromptAnswer> answers;
+        bool takes;
+    } rows[] = {{nullptr, {}, false},
+                {"", {}, true},
+                {"\\new\\one", {PromptAnswer::No}, false},
+                {"\\new\\one", {PromptAnswer::Yes}, true}};
+    for (const auto& row : rows) {
+        prompt.paths = {row.chosen ? std::optional(games + row.chosen) : std::nullopt};
+        prompt.answers = row.answers;
+        EXPECT_EQ(session.browse(ProjectField::Path), row.takes);
+    }
+    EXPECT_EQ(prompt.requests[0].startFolder, games);
+    EXPECT_EQ(prompt.requests[0].title, "Select a folder...");
+    EXPECT_EQ(prompt.requests[0].text, "Where do you want to create this project?");
+    EXPECT_EQ(
+        prompt.asked[0].text,
+        "The folder:\n\n" + games + "\\new\\one\n\ndoes not exist. Do you want the folder to be created?");
+    EXPECT_EQ(session.text(ProjectField::Path), games + "\\new\\one");
+    EXPECT_TRUE(suite.has("games/new/one"));
+
+    suite.write("games/file", "");
+    prompt.paths = {games + "\\file\\x"};
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_FALSE(session.browse(ProjectField::TemplatesPath));
+    EXPECT_EQ(prompt.requests.back().text, "Find you J8 Templates Path");
+    EXPECT_EQ(prompt.asked.back().text,
+              "The folder:\n\n" + games + "\\file\\x\n\ncan not be created. Please double check.");
+    // An empty field: where the last chooser was confirmed.
+    NewProjectSession next(prompt);
+    prompt.paths = {std::nullopt};
+    next.browse(ProjectField::Path);
+    EXPECT_EQ(prompt.requests.back().startFolder, games + "\\new\\one");
+}
+
+}  // namespace

@@ -1,0 +1,87 @@
+// The wizards that come with the suite are sound and make projects that load.
+#include "J8ProjectWizard/PlanTree.h"
+#include "tests/support/SourceDir.h"
+#include "tests/wizard/Suite.h"
+
+namespace {
+
+using namespace zoka;
+using namespace zoka::test;
+
+class WizardSamples : public testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::copy(sourceDir() / "samples" / "templates", suite.folder.native("templates"),
+                              std::filesystem::copy_options::recursive);
+    }
+    Suite suite;
+};
+
+TEST_F(WizardSamples, MakeProjects) {
+    const CJ8Wizard wizards;
+    ASSERT_EQ(wizards.titles().size(), 4u);
+    for (unsigned i = 0; i < 4; ++i) {
+        SCOPED_TRACE(wizards.titles()[i]);
+        CJ8WizardUserData data;
+        ASSERT_TRUE(wizards.LoadDefaults(data, i));
+        data.m_strProjectFolder = suite.folder.path("games") + "\\game" + std::to_string(i);
+        ASSERT_EQ(wizards.Check(data.m_strMessage, i, data), 0) << data.m_strMessage;
+        const auto plan = wizards.plan(i, data.m_strLevelMap);
+        ASSERT_TRUE(plan);
+        PlanTree tree(*plan);
+        tree.lookAtAll();
+        EXPECT_EQ(tree.firstProblem(data.m_strProjectFolder), "");
+        ASSERT_EQ(wizards.Run(data, i), 0) << data.m_strMessage;
+
+        // What is there is what the plan said.
+        std::vector<std::string> planned;
+        for (const PlanRow& row : tree.rows()) {
+            if (row.depth > 0 && !row.isOnlyChecked) {
+                std::string name = row.target;
+                std::replace(name.begin(), name.end(), '\\', '/');
+                planned.push_back(name);
+            }
+        }
+        std::sort(planned.begin(), planned.end());
+        EXPECT_EQ(suite.tree("games/game" + std::to_string(i)), planned);
+
+        CJ8ProjectManager project;
+        EXPECT_TRUE(project.LoadFromXML(data.m_strProjectFolder + "\\main.xml", false));
+        EXPECT_EQ(project.m_name, data.m_strName);
+        ASSERT_FALSE(project.m_apLevels.empty());
+        EXPECT_EQ(project.m_apLevels[0].m_name, data.m_strLevelName);
+        EXPECT_EQ(project.m_apLostBehaviorFiles.size(), 0u) << project.m_report;
+        EXPECT_TRUE(systemFiles().exists(data.m_strProjectFolder + "\\main.zlm"));
+    }
+    EXPECT_EQ(suite.logged(), "");
+}
+
+// Cut off anywhere or with any byte changed, a wizard is none, or one that Check and Run answer for; nothing is made
+// beside the project folder.
+TEST_F(WizardSamples, SurviveEveryCutAndChange) {
+    const auto read = [&](const char* name) { return suite.read(std::string("templates/wizards/") + name); };
+    const std::string whole = read("guided_tour.xml");
+    std::filesystem::remove_all(suite.folder.native("templates/wizards"));
+    suite.write("templates/wizards/x.xml", whole);
+    const CJ8Wizard wizards;
+    ASSERT_EQ(wizards.titles().size(), 1u);
+    const auto before = suite.tree("templates");
+    int made = 0;
+    for (size_t i = 0; i < 2 * whole.size(); i += 31) {
+        std::string changed = whole.substr(0, i < whole.size() ? i : whole.size());
+        if (i >= whole.size()) {
+            changed[i - whole.size()] = static_cast<char>("\\./:<\"\0 x"[i % 9]);
+        }
+        suite.folder.write("templates/wizards/x.xml", changed);
+        CJ8WizardUserData data;
+        wizards.LoadDefaults(data, 0);
+        data.m_strProjectFolder = suite.folder.path("games") + "\\g";
+        made += wizards.Run(data, 0) == 0;
+        std::filesystem::remove_all(suite.folder.native("games/g"));
+    }
+    EXPECT_GT(made, 5);
+    EXPECT_EQ(suite.tree("templates"), before);
+    EXPECT_EQ(suite.tree("games"), std::vector<std::string>());
+}
+
+}  // namespace
