@@ -200,14 +200,14 @@ void NewProjectSession::lookAtTarget() {
 
 std::string NewProjectSession::hindrance() const {
     if (m_selected < 0) {
-        return wizards() == 0 ? std::string("There is no wizard in ") + kWizardsFolder : "Select a Wizard.";
+        return wizards() == 0 ? std::string("There is no wizard in ") + kWizardsFolder : "Choose a wizard.";
     }
     const std::string folder = projectFolder();
     if (std::string problem = m_tree.firstProblem(folder); !problem.empty()) {
         return problem;
     }
     if (m_data.m_strLevelMap.empty()) {
-        return "Error: Bad LevelMap name.";
+        return "This wizard names no level map: no project can be made with it here.";
     }
     const std::string& name = text(ProjectField::FolderName);
     if (const std::string why = nameRefusal(name); !why.empty()) {
@@ -220,17 +220,18 @@ std::string NewProjectSession::hindrance() const {
         return why;
     }
     const std::pair<ProjectField, const char*> needed[] = {
-        {ProjectField::Name, "Enter a Project Name."},
-        {ProjectField::Path, "Enter a Project Path."},
-        {ProjectField::FolderName, "Enter a Project Folder Name."},
-        {ProjectField::TemplatesPath, "Enter a J8 Templates Path."},
+        {ProjectField::Name, "a project name"},
+        {ProjectField::Path, "a project path"},
+        {ProjectField::FolderName, "a project folder name"},
+        {ProjectField::TemplatesPath, "a J8 templates path"},
     };
-    for (const auto& [which, message] : needed) {
+    std::string missing;
+    for (const auto& [which, what] : needed) {
         if (text(which).empty()) {
-            return message;
+            missing.append(missing.empty() ? "Still needed: " : ", ").append(what);
         }
     }
-    return {};
+    return missing.empty() ? missing : missing + ".";
 }
 
 std::string NewProjectSession::state() const {
@@ -305,11 +306,11 @@ std::optional<NewProject> NewProjectSession::create(const std::function<void(con
     if (!m_data.m_strMessage.empty()) {
         m_prompt.tell(m_data.m_strMessage);
     }
-    offerRemoval(record, code == kWizardCancelled);
+    offerRemoval(m_prompt, record, code == kWizardCancelled);
     return std::nullopt;
 }
 
-void NewProjectSession::offerRemoval(CreationRecord& record, bool cancelled) {
+void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled) {
     if (record.isEmpty()) {
         return;
     }
@@ -318,14 +319,14 @@ void NewProjectSession::offerRemoval(CreationRecord& record, bool cancelled) {
     const std::string question =
         (cancelled ? "Creating the project was cancelled." : "The project is not complete.") +
         std::string("\n\nRemove what was made of it (") + made + ")?";
-    if (m_prompt.ask(question, "ZOKA", PromptButtons::YesNo, PromptIcon::Warning) != PromptAnswer::Yes) {
+    if (prompt.ask(question, "ZOKA", PromptButtons::YesNo, PromptIcon::Warning) != PromptAnswer::Yes) {
         return;
     }
     const auto left = record.remove();
     if (!left.empty()) {
-        m_prompt.tell("Not everything could be removed, or it was changed meanwhile. This is left:\n\n" +
-                      left.front() +
-                      (left.size() > 1 ? "\nand " + std::to_string(left.size() - 1) + " more" : ""));
+        prompt.tell("Not everything could be removed, or it was changed meanwhile. This is left:\n\n" +
+                    left.front() +
+                    (left.size() > 1 ? "\nand " + std::to_string(left.size() - 1) + " more" : ""));
     }
 }
 

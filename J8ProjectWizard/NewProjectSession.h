@@ -76,7 +76,6 @@ private:
     std::string hindrance() const;
     bool takeFields();
     std::optional<NewProject> create(const std::function<void(const Job&)>& runJob);
-    void offerRemoval(CreationRecord& record, bool cancelled);
 
     UserPrompt& m_prompt;
     CJ8Wizard m_wizard;
@@ -89,6 +88,9 @@ private:
     PlanTree m_tree;
     bool m_targetExists = false;
 };
+
+// Asks whether what a run has made is to be removed, if it has made anything, and removes it.
+void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled);
 
 // The message for a code of CJ8Wizard::Run; empty for one that needs none. Static.
 const char* runMessage(int code);

@@ -4,6 +4,7 @@
 
 #include <commctrl.h>
 
+#include "J8ProjectWizard/win/J8WizardNewDlg.h"
 #include "plugin/PanelText.h"
 #include "plugin/host/HostAdapter.h"
 #include "plugin/win/CustomizePanel.h"
@@ -77,19 +78,9 @@ void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::stri
     runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, customize});
 }
 
-std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface& editor) {
-    std::string folder = editor.GetProjectFolder();
-    StatusWindow window("New Project", [&] {
-        return StatusLines{"Project folder: " + (folder.empty() ? "none" : folder),
-                           "OK opens this level map in the editor; without a name, \"map\"."};
-    });
-    if (window.runModal(g_module, IDD_NEW_PROJECT) != IDOK) {
-        return std::nullopt;
-    }
-    if (!folder.empty() && folder.back() != '\\' && folder.back() != '/') {
-        folder += '\\';
-    }
-    return NewProjectChoice{folder, window.level()};
+std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface&) {
+    const auto made = CJ8WizardNewDlg(g_module, IDI_ZOKA).run();
+    return made ? std::optional(NewProjectChoice{made->folder, made->level}) : std::nullopt;
 }
 
 }  // namespace zoka

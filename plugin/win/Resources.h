@@ -5,9 +5,6 @@
 
 #define IDD_PANEL 1001   // the panels: what the number given to a panel's thread selects
 #define IDD_STATUS 1002  // the modal windows that show a status
-#define IDD_NEW_PROJECT 1003
 
 #define IDC_STATUS 1010  // first status line; the others follow
 #define IDC_STATUS_LAST 1013
-#define IDC_LEVEL_LABEL 1020
-#define IDC_LEVEL 1021

@@ -13,7 +13,6 @@ constexpr int kGap = 4;
 constexpr int kLineHeight = 10;
 constexpr int kButtonWidth = 50;
 constexpr int kButtonHeight = 14;
-constexpr int kLabelWidth = 44;
 constexpr int kMinimumWidth = 160;
 
 // The font of the system's own messages; null when the system doesn't say. The caller deletes it.
@@ -97,12 +96,7 @@ INT_PTR CALLBACK StatusWindow::dialogProc(HWND window, UINT message, WPARAM wPar
             return TRUE;
         }
         case WM_COMMAND:
-            if (LOWORD(wParam) == IDOK && GetDlgItem(window, IDOK)) {
-                char level[kHostPathSize] = "";
-                GetDlgItemTextA(window, IDC_LEVEL, level, sizeof level);
-                self->m_level = level;
-                self->end(IDOK);
-            } else if (LOWORD(wParam) == IDCANCEL) {
+            if (LOWORD(wParam) == IDCANCEL) {
                 SendMessageA(window, WM_CLOSE, 0, 0);
             }
             return TRUE;
@@ -133,7 +127,6 @@ void StatusWindow::initialise(HWND window) {
             SendMessageA(child, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
         }
     }
-    SendDlgItemMessageA(window, IDC_LEVEL, EM_LIMITTEXT, kHostPathSize - 1, 0);
     placeControls();
     if (m_modal) {
         load();
@@ -145,7 +138,7 @@ int StatusWindow::pixels(int dialogUnits, bool vertical) const {
                     : MulDiv(dialogUnits, static_cast<int>(m_fontBase.cx), 4);
 }
 
-// Lines from the top, the level field below them, the buttons in the lower right corner.
+// Lines from the top, the button in the lower right corner.
 void StatusWindow::placeControls() {
     RECT client;
     GetClientRect(m_window, &client);
@@ -159,22 +152,11 @@ void StatusWindow::placeControls() {
             y += pixels(kLineHeight, true);
         }
     }
-    if (const HWND level = GetDlgItem(m_window, IDC_LEVEL)) {
-        const int label = pixels(kLabelWidth, false);
-        y += pixels(kGap, true);
-        MoveWindow(GetDlgItem(m_window, IDC_LEVEL_LABEL), marginX, y + pixels(2, true), label,
-                   pixels(kLineHeight, true), TRUE);
-        MoveWindow(level, marginX + label, y, width - label, pixels(kButtonHeight, true), TRUE);
-    }
-    int right = static_cast<int>(client.right) - marginX;
-    for (const int id : {IDCANCEL, IDOK}) {
-        if (const HWND button = GetDlgItem(m_window, id)) {
-            const int buttonWidth = pixels(kButtonWidth, false);
-            MoveWindow(button, right - buttonWidth,
-                       static_cast<int>(client.bottom) - marginY - pixels(kButtonHeight, true), buttonWidth,
-                       pixels(kButtonHeight, true), TRUE);
-            right -= buttonWidth + pixels(kGap, false);
-        }
+    if (const HWND button = GetDlgItem(m_window, IDCANCEL)) {
+        const int buttonWidth = pixels(kButtonWidth, false);
+        MoveWindow(button, static_cast<int>(client.right) - marginX - buttonWidth,
+                   static_cast<int>(client.bottom) - marginY - pixels(kButtonHeight, true), buttonWidth,
+                   pixels(kButtonHeight, true), TRUE);
     }
 }
 

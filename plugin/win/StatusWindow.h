@@ -22,8 +22,6 @@ public:
     // [editor thread] Shows the dialog resource `number` modally over the thread's active window; returns
     // what EndDialog was given.
     INT_PTR runModal(HINSTANCE instance, int number);
-    // What the level field held when OK was pressed.
-    const std::string& level() const { return m_level; }
 
 private:
     static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -34,7 +32,6 @@ private:
 
     std::string m_title;
     std::function<StatusLines()> m_status;
-    std::string m_level;
     HWND m_window = nullptr;
     HFONT m_font = nullptr;
     SIZE m_fontBase{};  // average character's width and the height of the font

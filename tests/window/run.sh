@@ -64,11 +64,9 @@ large_catalogue() { # scripts
 
 # Runs one script; its output is in output.txt.
 drive() { # script, folder, part
-    local project suite options fits try status=1
+    local project suite options try status=1
     project=$(windows_path "$2/project")
     suite=$(windows_path "$2/suite")
-    # Names of levels: folder, separator, name and extension make a path of 260 characters, and one more.
-    fits=$(head -c $((260 - 4 - ${#project} - 1)) /dev/zero | tr '\0' 'a')
     options=$(directives "$1" options | tr '\n' ' ')
     options=${options//'${EMPTY}'/$(windows_path "$2/empty")}
     for ((try = 0; try < tries; try++)); do
@@ -78,7 +76,7 @@ drive() { # script, folder, part
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
             --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" \
-            --set "PART=${3:-1}" --set LF=$'\n' --set "OUT=$(windows_path "$2")" --set "LEVEL_FITS=$fits" --set "LEVEL_TOO_LONG=${fits}a" \
+            --set "PART=${3:-1}" --set LF=$'\n' --set "OUT=$(windows_path "$2")" \
             --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
             --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \
             --set "LEAKY=$(windows_path "$build/tests/window/leaky_plugin.dll")" \

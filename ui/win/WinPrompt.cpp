@@ -50,9 +50,16 @@ std::string chooserFilter(const std::string& filter) {
     return parts.append(2, '\0');
 }
 
-int CALLBACK openOnFolder(HWND dialog, UINT message, LPARAM, LPARAM folder) {
-    if (message == BFFM_INITIALIZED && folder) {
-        SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, folder);
+int CALLBACK openOnFolder(HWND dialog, UINT message, LPARAM, LPARAM parameter) {
+    const auto& request = *reinterpret_cast<const ChooserRequest*>(parameter);
+    if (message == BFFM_INITIALIZED) {
+        if (!request.text.empty()) {
+            SetWindowTextA(dialog, request.title.c_str());
+        }
+        if (!request.startFolder.empty()) {
+            SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE,
+                         reinterpret_cast<LPARAM>(request.startFolder.c_str()));
+        }
     }
     return 0;
 }
@@ -117,10 +124,10 @@ std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request
     BROWSEINFOA chooser = {};
     chooser.hwndOwner = modalOwner();
     chooser.pszDisplayName = shown;
-    chooser.lpszTitle = request.title.c_str();
+    chooser.lpszTitle = request.text.empty() ? request.title.c_str() : request.text.c_str();
     chooser.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
     chooser.lpfn = openOnFolder;
-    chooser.lParam = request.startFolder.empty() ? 0 : reinterpret_cast<LPARAM>(request.startFolder.c_str());
+    chooser.lParam = reinterpret_cast<LPARAM>(&request);
     LPITEMIDLIST item = SHBrowseForFolderA(&chooser);
     char path[MAX_PATH];
     const bool chosen = item && SHGetPathFromIDListA(item, path);

@@ -65,8 +65,20 @@ void watch(const zoka::Driver& driver, const std::string& script, unsigned secon
     TerminateProcess(GetCurrentProcess(), 1);
 }
 
-int runEditor(const Options& options) {
+// What is opened later must not depend on the current folder.
+void makeAbsolute(std::string& path) {
+    char full[MAX_PATH];
+    const DWORD size = path.empty() ? 0 : GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
+    if (size > 0 && size < sizeof full) {
+        path.assign(full, size);
+    }
+}
+
+int runEditor(Options options) {
     using namespace zoka;
+    for (std::string* path : {&options.project, &options.plugin, &options.suite, &options.pictures}) {
+        makeAbsolute(*path);
+    }
     CallLog log(GetCurrentThreadId());
     if (!options.logFile.empty() && !log.openFile(options.logFile)) {
         return complain(options, options.logFile + " can't be written");
@@ -106,6 +118,10 @@ int runEditor(const Options& options) {
     }
     if (!options.plugin.empty() && !editor.loadPlugin(options.plugin, error)) {
         return complain(options, options.plugin + ": " + error);
+    }
+    // Where the editor's own current folder is.
+    if (!options.suite.empty() && !SetCurrentDirectoryA(options.suite.c_str())) {
+        return complain(options, options.suite + " is no folder");
     }
     if (options.script.empty()) {
         return window.run();
