@@ -34,6 +34,8 @@ void addXmlCommands(CLI::App& app, Work& chosen);
 void addCatalogueCommands(CLI::App& app, Work& chosen);  // zoka help-pages too
 void addScriptCommands(CLI::App& app, Work& chosen);
 void addCustomizeCommands(CLI::App& app, Work& chosen);
+// zoka wizard, and zoka project new: called last, because other commands of the group may be there already.
+void addWizardCommands(CLI::App& app, Work& chosen);
 
 // The end of a command's --help: an example line and the exit codes.
 void setExample(CLI::App& command, const std::string& line);

@@ -1,0 +1,79 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "tests/cli/Tool.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct WizardTool : testing::Test {
+    WizardTool() {
+        for (const char* name : {"suite/templates/wizards", "suite/templates/xml", "suite/templates/a"}) {
+            fs::create_directories(folder.path(name));
+        }
+        folder.write("suite/templates/a/one.txt", "1");
+        write("<Folder name='.'><File name='one.txt' folder='a'/></Folder>");
+    }
+    void write(const std::string& content) {
+        folder.write(
+            "suite/templates/wizards/w.xml",
+            "<Wizard>\n<Title>Wiz</Title><Desc>D</Desc><Defaults><Name>N</Name><LevelMap>m</LevelMap>"
+            "</Defaults>\n" +
+                content + "</Wizard>");
+    }
+    ToolFolder folder;
+};
+
+TEST_F(WizardTool, ListsAndShows) {
+    EXPECT_THAT(folder.run("wizard list suite").out, testing::StartsWith("Wiz\t"));
+    EXPECT_EQ(json::parse(folder.run("wizard list suite --json").out)[0]["title"], "Wiz");
+    EXPECT_THAT(folder.run("wizard show w suite").out,
+                HasSubstr("  one.txt  (from .\\templates\\a\\one.txt, 1 byte)"));
+    EXPECT_EQ(folder.run("wizard show none suite").status, 2);
+    EXPECT_EQ(folder.run("wizard list nowhere").status, 3);
+}
+
+TEST_F(WizardTool, ChecksWithPlaces) {
+    EXPECT_EQ(folder.run("wizard check suite"), (ToolRun{0, "", ""}));
+    write("<Folder name='..'>\n  <File name='none' folder='a'/></Folder>");
+    folder.write("suite/templates/wizards/broken.xml", "<Wizard>\n<Folder></Wizard>");
+    const ToolRun run = folder.run("wizard check suite");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("w.xml:3:1: The folder name \"..\" leads out of its folder."));
+    EXPECT_THAT(run.out, HasSubstr("w.xml:4:3: Missing file: .\\templates\\a\\none"));
+    EXPECT_THAT(run.out, HasSubstr("broken.xml:2:"));
+    EXPECT_EQ(json::parse(folder.run("wizard check suite --json").out)[1]["line"], 3);
+}
+
+TEST_F(WizardTool, MakesProjects) {
+    const ToolRun dry = folder.run("project new Wiz --suite suite --folder g/new --dry-run");
+    EXPECT_EQ(dry.status, 0) << dry;
+    EXPECT_THAT(dry.out, HasSubstr("one.txt"));
+    EXPECT_FALSE(fs::exists(folder.path("g")));
+    const ToolRun made = folder.run("project new Wiz --suite suite --folder g/new --name Mine");
+    EXPECT_EQ(made.status, 0) << made;
+    EXPECT_THAT(made.out, HasSubstr("made 2 folders and 2 files"));
+    EXPECT_EQ(folder.read("g/new/one.txt"), "1");
+    EXPECT_THAT(folder.read("g/new/m.xml"), HasSubstr("name=\"Mine\""));
+    const ToolRun again = folder.run("project new Wiz --suite suite --folder g/new");
+    EXPECT_EQ(again.status, 1);
+    EXPECT_THAT(again.err, HasSubstr("already"));
+    write("<Folder name='../up'/>");
+    EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other").status, 1);
+    EXPECT_FALSE(fs::exists(folder.path("g/other")));
+    // What a failed run made goes on request.
+    write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Folder name='one.txt'/>");
+    const ToolRun failed = folder.run("--yes project new Wiz --suite suite --folder g/other");
+    EXPECT_EQ(failed.status, 3);
+    EXPECT_THAT(failed.err, HasSubstr("Could not create a directory"));
+    EXPECT_FALSE(fs::exists(folder.path("g/other")));
+}
+
+}  // namespace

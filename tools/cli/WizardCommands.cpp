@@ -1,0 +1,309 @@
+// zoka wizard and zoka project new: project wizards without their dialog.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "J8ProjectWizard/J8Wizard.h"
+#include "J8ProjectWizard/NewProjectSession.h"
+#include "J8ProjectWizard/PlanTree.h"
+#include "J8ProjectWizard/WizardFindings.h"
+#include "tools/cli/Cli.h"
+#include "tools/cli/Json.h"
+#include "tools/cli/SuitePath.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "xml/XMLRead.h"
+
+namespace zoka::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct WizardOptions {
+    std::string suite = ".", wizard, folder;
+    std::string name, docs, level, levelDocs, map, templates;
+    bool json = false, dryRun = false;
+};
+
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+// The suite's folder becomes the current one: wizards name their templates from there.
+bool enterSuite(const std::string& folder) {
+    if (osFiles().setCurrentFolder(suitePath(folder))) {
+        return true;
+    }
+    complain("cannot enter the folder " + folder + ": " + osFiles().lastError());
+    return false;
+}
+
+// The wizard of that title or file name, with or without ".xml"; nothing, and a complaint, when there is none.
+std::optional<unsigned> find(const CJ8Wizard& wizards, const std::string& name) {
+    for (unsigned i = 0; i < wizards.paths().size(); ++i) {
+        const std::string_view file = fileNameOf(wizards.paths()[i]);
+        if (wizards.titles()[i] == name || pathFromXml(wizards.titles()[i]) == name ||
+            equalNoCase(file, name) || equalNoCase(file, name + ".xml")) {
+            return i;
+        }
+    }
+    complain("no wizard is called \"" + name + "\"; see zoka wizard list");
+    return std::nullopt;
+}
+
+Json jsonOf(const CJ8WizardUserData& data) {
+    return {{"name", jsonText(data.m_strName)},
+            {"docs", jsonText(data.m_strDocs)},
+            {"levelName", jsonText(data.m_strLevelName)},
+            {"levelMap", jsonText(data.m_strLevelMap)},
+            {"levelDocs", jsonText(data.m_strLevelDocs)}};
+}
+
+Json jsonOf(const PlanTree& tree, const std::string& folder) {
+    Json rows = Json::array();
+    for (const PlanRow& row : tree.rows()) {
+        Json one{{"kind", row.isOnlyChecked ? "checked"
+                          : row.isFolder    ? "folder"
+                                            : "file"},
+                 {"target", jsonText(row.target)}};
+        if (!row.source.empty()) {
+            one["source"] = jsonText(row.source);
+        }
+        if (const std::string problem = tree.problem(row, folder); !problem.empty()) {
+            one["problem"] = jsonText(problem);
+        }
+        rows.push_back(std::move(one));
+    }
+    return rows;
+}
+
+void printTree(const PlanTree& tree, const std::string& folder) {
+    for (const PlanRow& row : tree.rows()) {
+        std::string line(2 * static_cast<size_t>(row.depth), ' ');
+        line += row.depth == 0 ? (folder.empty() ? "(the project folder)" : folder + "\\") : row.name;
+        if (!row.source.empty()) {
+            line += (row.isOnlyChecked ? "  (looked for: " : "  (from ") + row.source;
+            const std::string size = tree.sizeText(row);
+            line += (size.empty() ? size : ", " + size) + ")";
+        }
+        if (const std::string problem = tree.problem(row, folder); !problem.empty()) {
+            line += "  ! " + problem;
+        }
+        print(line + "\n");
+    }
+}
+
+ExitStatus list(const WizardOptions& options) {
+    if (!enterSuite(options.suite)) {
+        return ExitStatus::Failed;
+    }
+    const CJ8Wizard wizards;
+    Json all = Json::array();
+    for (size_t i = 0; i < wizards.paths().size(); ++i) {
+        if (options.json) {
+            all.push_back({{"title", jsonText(wizards.titles()[i])}, {"path", jsonText(wizards.paths()[i])}});
+        } else {
+            print(wizards.titles()[i] + "\t" + wizards.paths()[i] + "\n");
+        }
+    }
+    if (options.json) {
+        printJson(all);
+    }
+    return ExitStatus::Done;
+}
+
+ExitStatus show(const WizardOptions& options) {
+    if (!enterSuite(options.suite)) {
+        return ExitStatus::Failed;
+    }
+    const CJ8Wizard wizards;
+    const auto index = find(wizards, options.wizard);
+    if (!index) {
+        return ExitStatus::Usage;
+    }
+    CJ8WizardUserData data;
+    wizards.LoadDefaults(data, *index);
+    std::string description;
+    CJ8Wizard::GetWizardDesc(description, wizards.paths()[*index]);
+    const auto plan = wizards.plan(*index, data.m_strLevelMap);
+    PlanTree tree(plan ? *plan : CreationPlan());
+    tree.lookAtAll();
+    if (options.json) {
+        printJson({{"title", jsonText(wizards.titles()[*index])},
+                   {"path", jsonText(wizards.paths()[*index])},
+                   {"description", jsonText(description)},
+                   {"defaults", jsonOf(data)},
+                   {"plan", jsonOf(tree, {})}});
+        return ExitStatus::Done;
+    }
+    print(wizards.titles()[*index] + "\n" + description + "\n\nProject: " + data.m_strName +
+          "\nLevel: " + data.m_strLevelName + " (" + data.m_strLevelMap + ")\n\n");
+    printTree(tree, {});
+    return ExitStatus::Done;
+}
+
+ExitStatus check(const WizardOptions& options) {
+    if (!enterSuite(options.suite)) {
+        return ExitStatus::Failed;
+    }
+    const auto files = osFiles().list(std::string(kWizardsFolder) + "*.xml");
+    if (files.empty()) {
+        complain(std::string("there is no wizard in ") + kWizardsFolder);
+        return ExitStatus::Findings;
+    }
+    Json all = Json::array();
+    bool any = false;
+    for (const OsEntry& file : files) {
+        const std::string path = osFiles().fullPath(kWizardsFolder + file.name);
+        for (const WizardFinding& finding : wizardFindings(path)) {
+            any = true;
+            if (options.json) {
+                all.push_back({{"file", jsonText(path)},
+                               {"line", finding.line},
+                               {"column", finding.column},
+                               {"finding", jsonText(finding.text)}});
+            } else {
+                print(path + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
+                      ": " + finding.text + "\n");
+            }
+        }
+    }
+    if (options.json) {
+        printJson(all);
+    }
+    return any ? ExitStatus::Findings : ExitStatus::Done;
+}
+
+void take(std::string& field, const std::string& given) {
+    if (!given.empty()) {
+        field = xmlFromPath(given);
+    }
+}
+
+ExitStatus create(const WizardOptions& options) {
+    const std::string folder = suitePath(options.folder);
+    const std::string templates = options.templates.empty() ? "" : suitePath(options.templates);
+    if (!enterSuite(options.suite)) {
+        return ExitStatus::Failed;
+    }
+    const CJ8Wizard wizards;
+    const auto index = find(wizards, options.wizard);
+    if (!index) {
+        return ExitStatus::Usage;
+    }
+    CJ8WizardUserData data;
+    wizards.LoadDefaults(data, *index);
+    data.m_strProjectFolder = folder;
+    take(data.m_strName, options.name);
+    take(data.m_strDocs, options.docs);
+    take(data.m_strLevelName, options.level);
+    take(data.m_strLevelDocs, options.levelDocs);
+    take(data.m_strLevelMap, options.map);
+    if (!templates.empty()) {
+        data.m_strTemplatesPath = templates;
+    }
+    if (data.m_strTemplatesPath.empty()) {
+        complain("there is no folder " + std::string(kTemplatesXmlFolder) +
+                 "; name the data folder with --templates");
+        return ExitStatus::Usage;
+    }
+    const int checked = wizards.Check(data.m_strMessage, *index, data);
+    const bool exists = osFiles().kindOf(folder) != OsKind::Missing;
+    if (options.dryRun) {
+        const auto plan = wizards.plan(*index, data.m_strLevelMap);
+        PlanTree tree(plan ? *plan : CreationPlan());
+        tree.lookAtAll();
+        if (options.json) {
+            printJson({{"project", jsonText(folder)}, {"exists", exists}, {"plan", jsonOf(tree, folder)}});
+        } else {
+            printTree(tree, folder);
+        }
+    }
+    if (checked < 0) {
+        complain(data.m_strMessage + (data.m_strMessage.ends_with('\n') ? "" : "\n") + "Nothing was made.");
+        return ExitStatus::Findings;
+    }
+    if (exists) {
+        complain("there is a folder or file of that name already: " + folder + "; nothing was made");
+        return ExitStatus::Findings;
+    }
+    if (options.dryRun) {
+        return ExitStatus::Done;
+    }
+    CreationRecord record;
+    const int code = wizards.Run(data, *index, {nullptr, &record});
+    if (code < 0) {
+        complain(runMessage(code));
+        if (!data.m_strMessage.empty()) {
+            complain(data.m_strMessage);
+        }
+        offerRemoval(userPrompt(), record, false);
+        return ExitStatus::Failed;
+    }
+    if (options.json) {
+        printJson({{"project", jsonText(folder)},
+                   {"level", jsonText(data.m_strLevelMap)},
+                   {"folders", record.folders()},
+                   {"files", record.files()}});
+    } else {
+        print("made " + countOf(record.folders(), "folder", "folders") + " and " +
+              countOf(record.files(), "file", "files") + " in " + folder + "\n");
+    }
+    return ExitStatus::Done;
+}
+
+}  // namespace
+
+void addWizardCommands(CLI::App& app, Work& chosen) {
+    const auto add = [&chosen](CLI::App& group, const char* name, const char* what,
+                               const std::string& example, ExitStatus (*work)(const WizardOptions&),
+                               auto&& more) {
+        CLI::App* command = group.add_subcommand(name, what);
+        const auto options = std::make_shared<WizardOptions>();
+        more(*command, *options);
+        command->add_flag("--json", options->json, "Print JSON");
+        setExample(*command, example);
+        command->callback([=, &chosen] { chosen = [=] { return work(*options); }; });
+    };
+    const auto suite = [](CLI::App& command, WizardOptions& options) {
+        command.add_option("FOLDER", options.suite,
+                           "The suite's folder, which holds templates (default: the current one)");
+    };
+    CLI::App* wizard = app.add_subcommand("wizard", "The suite's project wizards");
+    setExample(*wizard, "zoka wizard list");
+    add(*wizard, "list", "List the wizards", "zoka wizard list", list, suite);
+    add(*wizard, "show", "Show a wizard and what it makes", "zoka wizard show \"Empty project\"", show,
+        [&suite](CLI::App& command, WizardOptions& options) {
+            command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
+            suite(command, options);
+        });
+    add(*wizard, "check", "Tell what is wrong in the wizards' files", "zoka wizard check", check, suite);
+
+    // The group may be there already.
+    const auto groups =
+        app.get_subcommands([](const CLI::App* group) { return group->get_name() == "project"; });
+    CLI::App* project = groups.empty() ? nullptr : groups.front();
+    if (!project) {
+        project = app.add_subcommand("project", "J8 projects");
+        setExample(*project, "zoka project new empty --folder C:\\games\\mine");
+    }
+    add(*project, "new", "Make a project with a wizard",
+        "zoka project new \"Empty project\" --name \"My game\" --folder C:\\games\\mine", create,
+        [](CLI::App& command, WizardOptions& options) {
+            command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
+            command.add_option("--folder", options.folder, "The new project's folder, which must not exist")
+                ->required();
+            command.add_option("--name", options.name, "The project's name");
+            command.add_option("--docs", options.docs, "What the project is about");
+            command.add_option("--level", options.level, "The first level's name");
+            command.add_option("--level-docs", options.levelDocs, "What the first level is about");
+            command.add_option("--map", options.map, "File name of the first level's map, without extension");
+            command.add_option("--templates", options.templates, "The J8 templates path");
+            command.add_option("--suite", options.suite, "The suite's folder (default: the current one)");
+            command.add_flag("-n,--dry-run", options.dryRun, "Make nothing; print what would be made");
+        });
+}
+
+}  // namespace zoka::cli
