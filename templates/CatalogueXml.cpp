@@ -10,58 +10,51 @@
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
 #include "xml/XMLEncoding.h"
+#include "xml/XMLRead.h"
 
 namespace zoka {
 
 namespace {
 
-const char* attribute(const XMLNode& node, const char* name) {
-    const char* const value = node.getAttribute(name);
-    return value ? value : "";
-}
-const char* firstText(const XMLNode& node) {
-    const char* const text = node.getText();
-    return text ? text : "";
-}
 const char* engineVersion(const XMLNode& node) {
-    return attribute(node.getChild("EngineReq"), "vers");
+    return xmlAttribute(node.getChild("EngineReq"), "vers");
 }
 
 void readSection(const XMLNode& node, CScriptSection& section) {
-    section.m_name = attribute(node, "name");
+    section.m_name = xmlAttribute(node, "name");
     for (XMLNode child = node.firstChild("action"); !child.isEmpty(); child = child.nextSibling("action")) {
         CScriptAction& action = section.m_actions.emplace_back();
-        action.m_name = attribute(child, "name");
-        action.m_filename = attribute(child, "filename");
+        action.m_name = xmlAttribute(child, "name");
+        action.m_filename = xmlAttribute(child, "filename");
         action.m_engreq.vers = engineVersion(child);
-        action.m_desc = firstText(child);
+        action.m_desc = xmlFirstText(child);
     }
 }
 
 CScriptElm readScript(const XMLNode& node) {
     CScriptElm script;
-    script.m_name = attribute(node, "name");
-    script.m_id = attribute(node, "id");
-    script.m_directory = attribute(node, "directory");
-    script.m_filename = attribute(node, "filename");
-    script.m_type = attribute(node, "type");
-    script.m_vers = attribute(node, "vers");
-    script.m_date = attribute(node, "date");
+    script.m_name = xmlAttribute(node, "name");
+    script.m_id = xmlAttribute(node, "id");
+    script.m_directory = xmlAttribute(node, "directory");
+    script.m_filename = xmlAttribute(node, "filename");
+    script.m_type = xmlAttribute(node, "type");
+    script.m_vers = xmlAttribute(node, "vers");
+    script.m_date = xmlAttribute(node, "date");
     // One walk over the children, whatever their number.
     bool hasReq = false, hasClass = false, hasDesc = false;
     const auto first = [](bool& had) { return !std::exchange(had, true); };
     for (XMLNode child = node.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
         const std::string_view name = child.getName() ? child.getName() : "";
         if (equalNoCase(name, "need")) {
-            script.m_needs.emplace_back(firstText(child));
+            script.m_needs.emplace_back(xmlFirstText(child));
         } else if (equalNoCase(name, "section")) {
             readSection(child, script.m_sections.emplace_back());
         } else if (equalNoCase(name, "class") && first(hasClass)) {
-            script.m_class = firstText(child);
+            script.m_class = xmlFirstText(child);
         } else if (equalNoCase(name, "desc") && first(hasDesc)) {
-            script.m_desc = firstText(child);
+            script.m_desc = xmlFirstText(child);
         } else if (equalNoCase(name, "EngineReq") && first(hasReq)) {
-            script.m_engreq.vers = attribute(child, "vers");
+            script.m_engreq.vers = xmlAttribute(child, "vers");
         }
     }
     return script;
@@ -69,8 +62,8 @@ CScriptElm readScript(const XMLNode& node) {
 
 // The same fields of the same element, without making its record.
 CTemplateData::Row readRow(const XMLNode& node) {
-    return {attribute(node, "name"), attribute(node, "filename"), firstText(node.firstChild("class")),
-            attribute(node, "type")};
+    return {xmlAttribute(node, "name"), xmlAttribute(node, "filename"), xmlFirstText(node.firstChild("class")),
+            xmlAttribute(node, "type")};
 }
 
 class CatalogueText {
@@ -300,7 +293,7 @@ void CTemplateData::AddScript(const XMLNode& node) {
 std::string_view CTemplateData::description(size_t record) const {
     const Source& source = m_sources[record];
     const XMLNode* const node = std::get_if<XMLNode>(&source);
-    return node ? zoka::firstText(node->firstChild("desc"))
+    return node ? zoka::xmlFirstText(node->firstChild("desc"))
                 : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_desc);
 }
 
@@ -312,10 +305,10 @@ CScriptElm CTemplateData::script(size_t record) const {
 
 bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progress) {
     Empty();
-    m_name = zoka::attribute(root, "name");
-    m_type = zoka::attribute(root, "type");
-    m_version = zoka::attribute(root, "version");
-    m_date = zoka::attribute(root, "date");
+    m_name = zoka::xmlAttribute(root, "name");
+    m_type = zoka::xmlAttribute(root, "type");
+    m_version = zoka::xmlAttribute(root, "version");
+    m_date = zoka::xmlAttribute(root, "date");
     // One walk over the children: the elements of a large file are far apart in memory, and each visit is felt.
     const auto total = static_cast<size_t>(root.childCount());
     reserveScripts(total);
@@ -325,9 +318,9 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
         const char* const name = node.getName();
         if (!zoka::equalNoCase(name, "Script")) {
             if (zoka::equalNoCase(name, "Directory")) {
-                AddDirectory(zoka::attribute(node, "type"), zoka::attribute(node, "path"));
+                AddDirectory(zoka::xmlAttribute(node, "type"), zoka::xmlAttribute(node, "path"));
             } else if (zoka::equalNoCase(name, "EngineReq") && !std::exchange(hasReq, true)) {
-                m_engreq.vers = zoka::attribute(node, "vers");
+                m_engreq.vers = zoka::xmlAttribute(node, "vers");
             }
             continue;
         }

@@ -223,9 +223,9 @@ XMLNode XMLNode::loadFileOrExit(const char* path, const char* tag) {
     return node;
 }
 
-int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) const {
-    if (!element_ || !path) {
-        return kXmlCannotOpenForWriting;
+std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool formatted) const {
+    if (!element_) {
+        return std::nullopt;
     }
     const bool utf8 = zoka::xmlCharset() == XMLCharset::Utf8;
     std::string head;
@@ -253,11 +253,26 @@ int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) c
     }
     const zoka::XMLText text = zoka::writeXml(element_, formatted, instead);
     if (!text.bytes) {
-        return kXmlCannotWrite;
+        return std::nullopt;
     }
     const std::string_view body(text.bytes.get(), text.length);
-    head += writesUtf8 && !utf8 ? zoka::utf8FromPlatform(body) : std::string(body);
-    if (zoka::safeWrite(path, head)) {
+    if (writesUtf8 && !utf8) {
+        head += zoka::utf8FromPlatform(body);
+    } else {
+        head += body;
+    }
+    return head;
+}
+
+int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) const {
+    if (!element_ || !path) {
+        return kXmlCannotOpenForWriting;
+    }
+    const auto bytes = toFileBytes(encoding, formatted);
+    if (!bytes) {
+        return kXmlCannotWrite;
+    }
+    if (zoka::safeWrite(path, *bytes)) {
         return kXmlNone;
     }
     return zoka::canOpenForWriting(path) ? kXmlCannotWrite : kXmlCannotOpenForWriting;

@@ -217,7 +217,25 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
 }
 
 std::uint32_t XMLNode::place() const {
-    return element_ && element_->name ? XMLDocument::of(element_)->placeOf(element_->name) : 0;
+    if (!element_) {
+        return 0;
+    }
+    // Names are shared, values and texts stand where they were read.
+    const XMLDocument* const document = XMLDocument::of(element_);
+    const auto own = [document](const XMLElement* element) {
+        for (std::uint32_t i = 0; i < element->attributeCount; ++i) {
+            if (const std::uint32_t place = document->placeOf(element->attributes[i].value)) {
+                return place;
+            }
+        }
+        return document->placeOf(element->textAlone());
+    };
+    for (const XMLElement* element = element_; element; element = element->parent) {
+        if (const std::uint32_t place = own(element)) {
+            return place;
+        }
+    }
+    return 0;
 }
 
 XMLNode XMLNode::firstChild(const char* tag) const {

@@ -21,6 +21,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -115,8 +117,9 @@ public:
     const char* getName() const;
     // Written as "<?name ...?>". Of one that was read, other than "xml" itself, the data is its text.
     bool isDeclaration() const;
-    // Where the element's name stands in the text that was parsed, in bytes; 0 for an element that a program made.
-    // zoka::XMLPlaces makes lines and columns of it.
+    // A place in the text that was parsed, in bytes, that lies in the element's start tag or right behind it; of an
+    // element without attributes and text its parent's. 0 for what a program made. zoka::XMLPlaces makes lines and
+    // columns of it. Takes as long as the element lies deep, where it and those around it have no attributes.
     std::uint32_t place() const;
     // The empty node for the top.
     XMLNode getParent() const;
@@ -166,6 +169,8 @@ public:
     // platform's; null or with UTF-8 set, the file is UTF-8 with a mark. UTF-16 is not written: UTF-8 takes its
     // place. 0, or 16 when the file can't be opened, 17 when writing fails.
     int writeFile(const char* path, const char* encoding = nullptr, bool formatted = true) const;
+    // What writeFile writes; nothing for the empty node, or when memory runs out.
+    std::optional<std::string> toFileBytes(const char* encoding = nullptr, bool formatted = true) const;
 
     // --- the rest ---
 

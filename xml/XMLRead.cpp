@@ -77,7 +77,8 @@ XMLPlace XMLPlaces::at(std::uint32_t place) const {
     if (place == 0 || place > m_text.size()) {
         return {};
     }
-    const std::uint32_t first = place - 1;
+    const size_t tag = m_text.rfind('<', place - 1);
+    const auto first = static_cast<std::uint32_t>(tag == m_text.npos ? 0 : tag);
     const auto behind = std::upper_bound(m_lines.begin(), m_lines.end(), first);
     const std::uint32_t start = std::max(*(behind - 1), m_skip);
     int column = 1;

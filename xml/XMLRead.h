@@ -39,7 +39,7 @@ public:
     XMLPlaces() = default;
     // `bytes` are those that the tree was made from.
     explicit XMLPlaces(std::string bytes);
-    // Of the "<" in front of the element's name.
+    // Of the "<" that begins the tag.
     XMLPlace at(std::uint32_t place) const;
 
 private:
