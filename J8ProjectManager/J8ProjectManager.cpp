@@ -59,8 +59,10 @@ const ReportEntry& lineOf(const texts::FileLines& lines, CJ8File::eType type) {
     }
 }
 
+// Freed by deleteInstance, never by the process's end: a static's destructor would run when the library's other
+// parts are gone.
 std::mutex g_instanceLock;
-std::unique_ptr<CJ8ProjectManager> g_instance;
+CJ8ProjectManager* g_instance = nullptr;
 
 }  // namespace
 
@@ -73,14 +75,15 @@ const char* sectionTag(J8Section section) {
 CJ8ProjectManager* CJ8ProjectManager::Instance() {
     const std::lock_guard lock(zoka::g_instanceLock);
     if (!zoka::g_instance) {
-        zoka::g_instance = std::make_unique<CJ8ProjectManager>();
+        zoka::g_instance = new CJ8ProjectManager();
     }
-    return zoka::g_instance.get();
+    return zoka::g_instance;
 }
 
 void CJ8ProjectManager::deleteInstance() {
     const std::lock_guard lock(zoka::g_instanceLock);
-    zoka::g_instance.reset();
+    delete zoka::g_instance;
+    zoka::g_instance = nullptr;
 }
 
 CJ8ProjectManager::~CJ8ProjectManager() {
@@ -108,6 +111,8 @@ void CJ8ProjectManager::clearContent() {
     m_componentIndex.clear();
     m_behaviorIndex.clear();
     m_loadedComponents.clear();
+    m_behaviorNames.reset();
+    m_problem.clear();
 }
 
 void CJ8ProjectManager::Clear() {
@@ -164,6 +169,10 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
     m_findings.push_back({entry.severity, m_source, place, std::move(text)});
 }
 
+void CJ8ProjectManager::log(const zoka::ReportEntry& entry, std::source_location where) {
+    zoka::writeReport(texts::kSource, m_report, entry, {}, where);
+}
+
 std::uint32_t CJ8ProjectManager::addSource(const std::string& path) {
     m_sources.push_back(path);
     return static_cast<std::uint32_t>(m_sources.size() - 1);
@@ -208,9 +217,14 @@ CJ8File::eType CJ8ProjectManager::GetFilenameFromXML(CJ8File& file, const XMLNod
         add(texts::kNoFilename, {}, element.place());
         return CJ8File::kNotValid;
     }
+    return resolve(file);
+}
+
+CJ8File::eType CJ8ProjectManager::resolve(CJ8File& file) const {
+    file.m_type = file.m_declared;  // so that a path can be asked for
     for (const CJ8File::eType kind : zoka::kTried) {
         std::string path;
-        if (*text && file.GetFilepath(path, kind, m_roots) && zoka::isProjectFileThere(path)) {
+        if (!file.m_path.empty() && file.GetFilepath(path, kind, m_roots) && zoka::isProjectFileThere(path)) {
             file.m_type = kind;
             return kind;
         }
@@ -219,16 +233,33 @@ CJ8File::eType CJ8ProjectManager::GetFilenameFromXML(CJ8File& file, const XMLNod
     return CJ8File::kNotValid;
 }
 
+void CJ8ProjectManager::resolveSections() {
+    for (CJ8File& file : m_sections) {
+        if (file.isNamed()) {
+            resolve(file);
+        }
+    }
+}
+
+std::shared_ptr<const std::vector<std::string>> CJ8ProjectManager::behaviorNames() const {
+    if (!m_behaviorNames) {
+        auto names = std::make_shared<std::vector<std::string>>();
+        for (const CJ8BehaviorData& behavior : m_apBehavior) {
+            if (!behavior.m_name.empty()) {
+                names->push_back(behavior.m_name);
+            }
+        }
+        m_behaviorNames = std::move(names);
+    }
+    return m_behaviorNames;
+}
+
 bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
     const auto entry = zoka::hasWildcard(path) ? std::nullopt : zoka::osFiles().search(path);
     if (entry && !entry->isFolder) {
         XMLResults results;
         const XMLNode root = XMLNode::parseFile(path.c_str(), "Project", &results);
-        const bool loaded = loadFromTree(root, path, keepFilled);
-        if (!loaded) {
-            tellParseError(path, results);
-        }
-        return loaded;
+        return loadFromTree(root, path, keepFilled, &results);
     }
     keepFilled ? clearContent() : Clear();
     m_sources.push_back(path);
@@ -236,11 +267,15 @@ bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
     return false;
 }
 
-bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled) {
+bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
+                                     const XMLResults* results) {
     keepFilled ? clearContent() : Clear();
     m_sources.push_back(path);
     if (root.isEmpty()) {
         add(texts::kRootMissing, {path}, 0);
+        if (results) {
+            tellParseError(path, *results);
+        }
         return false;
     }
     setProjectFile(path);
@@ -263,7 +298,7 @@ bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& pat
     loadSections(root);
     for (XMLNode node = root.firstChild("Level"); !node.isEmpty(); node = node.nextSibling("Level")) {
         if (!LoadLevel(m_apLevels.emplace_back(), node, m_report)) {
-            add(texts::kLevelFailed, {}, node.place());
+            log(texts::kLevelFailed);
         }
     }
     return true;
@@ -308,7 +343,7 @@ void CJ8ProjectManager::loadBehaviorFiles(const XMLNode& root) {
         reportFile(file, texts::kBehaviorFile);
         std::string path;
         if (!file.GetFilepath(path, m_roots)) {
-            add(texts::kNoBehaviorPath, {}, node.place());
+            log(texts::kNoBehaviorPath);
         }
         m_referrer = node.place();
         if (LoadBehaviorXML(path)) {

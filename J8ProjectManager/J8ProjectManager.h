@@ -63,7 +63,9 @@ public:
     // reported, and loading goes on.
     bool LoadFromXML(const std::string& path, bool keepFilled);
     // The same with the tree of that file, which may be empty.
-    bool loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled);
+    // `results` tell why it is empty; null: not known.
+    bool loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
+                      const XMLResults* results = nullptr);
 
     // Reads a reference's path text from its element and finds the kind under which the file exists, whatever
     // kind it was declared with. kNotValid when there is no such file.
@@ -79,11 +81,24 @@ public:
     // The project file's tree; the empty node when memory runs out. The steps go below `report`. `date` is the
     // text to write as the date.
     XMLNode createXMLTopNode(const zoka::StepReport& report, const std::string& date) const;
+    // The bytes of the project file; nothing when memory runs out.
+    std::optional<std::string> fileText(const zoka::StepReport& report, const std::string& date) const;
+    // The present moment as a project file's date: seconds since 1970-01-01 UTC.
+    static std::string dateNow();
     // Writes the project file that was loaded, or set; afterwards the model holds the date and the version that
     // were written. False, with the model as it was, when that failed.
     bool SaveProjectXML(const zoka::StepReport& report);
     // The same with a step report of its own, the file J8ProjectManagerDebug.xml in the current folder.
     bool SaveProjectXML();
+
+    // Why the last SaveProjectXML failed, in words for the user; else empty.
+    const std::string& problem() const { return m_problem; }
+
+    // Finds the kind under which a reference's file exists and makes it the reference's; kNotValid when there is
+    // no such file.
+    CJ8File::eType resolve(CJ8File& file) const;
+    // The same of the six sections, after a root has changed.
+    void resolveSections();
 
     // Forgets everything, roots and project file too.
     void Clear();
@@ -114,6 +129,9 @@ public:
     const CJ8CMPData* component(std::string_view name) const;
     const CJ8BehaviorData* behavior(std::string_view name) const;
 
+    // The names of all behaviours, in the order of loading; never null.
+    std::shared_ptr<const std::vector<std::string>> behaviorNames() const;
+
     // The files that were read, in the order of reading; the project file is the first. Paths as the texts hold
     // them, but for the project file's full path.
     const std::vector<std::string>& sources() const { return m_sources; }
@@ -133,6 +151,8 @@ private:
              std::source_location where = std::source_location::current());
     void addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
                std::source_location where = std::source_location::current());
+    // What follows from a finding that stands already.
+    void log(const zoka::ReportEntry& entry, std::source_location where = std::source_location::current());
     std::uint32_t addSource(const std::string& path);
     // The root of a file that the model reads; the empty node, and one of the two reported, when there is none.
     XMLNode openFile(const std::string& path, const char* root, const zoka::ReportEntry& missing,
@@ -140,6 +160,8 @@ private:
     void tellParseError(const std::string& path, const XMLResults& results);
 
     CJ8File m_projectFile;
+    std::string m_problem;
+    mutable std::shared_ptr<const std::vector<std::string>> m_behaviorNames;  // null: not asked for yet
     std::vector<std::string> m_sources;
     std::uint32_t m_source = 0;    // the one that is being read
     std::uint32_t m_referrer = 0;  // in it, the element that names the file to be opened next

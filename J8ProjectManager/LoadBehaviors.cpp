@@ -29,7 +29,7 @@ bool CJ8ProjectManager::LoadBehaviorXML(const std::string& path) {
         if (LoadBehavior(behavior, node, m_report)) {
             m_behaviorIndex.add(behavior.m_name, static_cast<std::uint32_t>(m_apBehavior.size() - 1));
         } else {
-            add(texts::kLoadBehaviorFailed, {}, node.place());
+            log(texts::kLoadBehaviorFailed);
         }
     }
     m_source = source;

@@ -32,7 +32,7 @@ bool CJ8ProjectManager::LoadCMPXML(const std::string& path) {
         for (XMLNode child = node.firstChild("Property"); !child.isEmpty();
              child = child.nextSibling("Property")) {
             if (!LoadProperty(&component, child, m_report)) {
-                add(texts::kPropertyFailed, {}, child.place());
+                log(texts::kPropertyFailed);
             }
         }
     }

@@ -5,6 +5,7 @@
 
 #include "J8ProjectManager/J8ProjectManager.h"
 #include "J8ProjectManager/SaveTexts.h"
+#include "util/SafeWrite.h"
 
 using zoka::J8Section;
 using zoka::StepReport;
@@ -71,11 +72,6 @@ void addLevel(XMLNode& parent, const CJ8LevelData& level, const StepReport& repo
     }
 }
 
-std::string dateNow() {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count());
-}
-
 }  // namespace
 }  // namespace zoka
 
@@ -109,15 +105,33 @@ XMLNode CJ8ProjectManager::createXMLTopNode(const StepReport& report, const std:
     return {};
 }
 
+std::optional<std::string> CJ8ProjectManager::fileText(const StepReport& report,
+                                                       const std::string& date) const {
+    const XMLNode top = createXMLTopNode(report, date);
+    return top.isEmpty() ? std::nullopt : top.toFileBytes();
+}
+
+std::string CJ8ProjectManager::dateNow() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count());
+}
+
 bool CJ8ProjectManager::SaveProjectXML(const StepReport& report) {
+    m_problem.clear();
     std::string path;
     if (!m_projectFile.GetFilepath(path, m_roots)) {
         report.add(keys::kErrGetFilepath);
+        m_problem = "The project has no file to be saved to.";
         return false;
     }
-    const std::string date = zoka::dateNow();
-    const XMLNode top = createXMLTopNode(report, date);
-    if (top.isEmpty() || top.writeFile(path.c_str()) != kXmlNone) {
+    const std::string date = dateNow();
+    const auto text = fileText(report, date);
+    if (!text) {
+        m_problem = "There is not enough memory to write the project.";
+        return false;
+    }
+    if (const zoka::SafeWriteResult written = zoka::safeWrite(path, *text); !written) {
+        m_problem = written.error;
         return false;
     }
     m_date = date;

@@ -1,0 +1,247 @@
+#include "J8ProjectManager/ProjectCheck.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "J8ProjectManager/PropertyFacts.h"
+#include "util/PathRules.h"
+#include "xml/XMLRead.h"
+
+namespace zoka {
+namespace {
+
+constexpr int kNote = 3;
+
+// The numbers or names of one list, to find those that come again.
+template <class Key>
+class Seen {
+public:
+    bool again(const Key& key) { return !m_keys.insert(key).second; }
+
+private:
+    std::set<Key> m_keys;
+};
+
+// A behaviour's skills and edits by what they are called.
+struct ParentIndex {
+    std::map<int, const J8Skill*> skills;
+};
+
+class Check {
+public:
+    explicit Check(const CJ8ProjectManager& project) : m_project(project) {}
+
+    std::vector<J8Finding> run() {
+        checkSections();
+        checkComponents();
+        checkBehaviors();
+        checkLevels();
+        checkUse();
+        return std::move(m_findings);
+    }
+
+private:
+    void find(int severity, std::uint32_t source, std::uint32_t place, std::string text) {
+        J8Finding finding;
+        finding.severity = severity;
+        finding.source = source;
+        finding.place = place;
+        finding.text = std::move(text);
+        m_findings.push_back(std::move(finding));
+    }
+    void warn(std::uint32_t source, std::uint32_t place, std::string text) {
+        find(kReportWarning, source, place, std::move(text));
+    }
+
+    void checkSections() {
+        for (int i = 0; i < kJ8Sections; ++i) {
+            const CJ8File& file = m_project.m_sections[i];
+            std::string path;
+            if (!file.GetFilepath(path, m_project.m_roots)) {
+                continue;
+            }
+            XMLResults results;
+            if (XMLNode::parseFile(pathFromXml(path).c_str(), nullptr, &results).isEmpty()) {
+                find(kReportError, 0, file.m_place,
+                     std::string(sectionTag(static_cast<J8Section>(i))) + " file \"" + file.m_path +
+                         "\" can't be read: " + XMLNode::errorText(results.code) + " (line " +
+                         std::to_string(results.line) + ")");
+            }
+        }
+    }
+
+    void checkValue(const J8TypedValue& typed, std::string_view value, std::uint32_t source,
+                    std::uint32_t place, const std::string& what) {
+        if (const std::string refusal = valueRefusal(typed, value); !refusal.empty()) {
+            warn(source, place, what + " is \"" + std::string(value) + "\": " + refusal);
+        }
+    }
+
+    void checkComponents() {
+        for (const CJ8CMPData& component : m_project.m_apComponents) {
+            Seen<std::string_view> names;
+            for (const J8Property& property : component.m_properties) {
+                const std::string what =
+                    "property \"" + property.name + "\" of component \"" + component.m_name + "\"";
+                if (names.again(property.name)) {
+                    warn(component.m_source, property.place, what + " is there twice");
+                }
+                if (!property.value.empty()) {
+                    checkValue(J8TypedValue::of(property), property.value, component.m_source, property.place,
+                               what);
+                }
+            }
+        }
+    }
+
+    void checkBehaviors() {
+        Seen<std::string_view> names;
+        for (const CJ8BehaviorData& behavior : m_project.m_apBehavior) {
+            if (behavior.m_name.empty()) {
+                continue;
+            }
+            const std::string of = " of behavior \"" + behavior.m_name + "\"";
+            if (names.again(behavior.m_name)) {
+                warn(behavior.m_source, behavior.m_place,
+                     "behavior \"" + behavior.m_name + "\" is there twice; the first one counts");
+            }
+            Seen<int> numbers;
+            for (const J8Skill& skill : behavior.m_apSkillEdits) {
+                const std::string what = "skill " + std::to_string(skill.num) + " (" + skill.name + ")" + of;
+                if (numbers.again(skill.num)) {
+                    warn(behavior.m_source, skill.place, what + " is there twice; the first one counts");
+                }
+                if (!skill.value.empty()) {
+                    checkValue(J8TypedValue::of(skill), skill.value, behavior.m_source, skill.place, what);
+                }
+            }
+            for (const std::string& name : behavior.m_apCMPNames) {
+                if (!m_project.component(name)) {
+                    warn(behavior.m_source, behavior.m_place,
+                         "component \"" + name + "\"" + of + " is in no components file");
+                }
+            }
+            for (const J8ComponentEdit& edit : behavior.m_apCMPEdits) {
+                checkEdit(edit.component, edit.name, edit.value, behavior.m_source, behavior.m_place, of);
+            }
+        }
+    }
+
+    void checkEdit(const std::string& componentName, const std::string& name, const std::string& value,
+                   std::uint32_t source, std::uint32_t place, const std::string& of) {
+        const CJ8CMPData* const component = m_project.component(componentName);
+        if (!component) {
+            return;  // said once for the component
+        }
+        const std::string what = "\"" + name + "\" of component \"" + componentName + "\"" + of;
+        if (const J8Property* const property = propertyOf(*component, name)) {
+            checkValue(J8TypedValue::of(*property), value, source, place, what);
+        } else {
+            warn(source, place, what + " is no property of that component");
+        }
+    }
+
+    // An index is made at the first question for a component.
+    const J8Property* propertyOf(const CJ8CMPData& component, std::string_view name) {
+        const auto [index, isNew] = m_properties.try_emplace(&component);
+        if (isNew) {
+            for (const J8Property& property : component.m_properties) {
+                index->second.try_emplace(property.name, &property);
+            }
+        }
+        const auto found = index->second.find(name);
+        return found == index->second.end() ? nullptr : found->second;
+    }
+    const J8Skill* skillOf(const CJ8BehaviorData& behavior, int num) {
+        const auto [index, isNew] = m_skills.try_emplace(&behavior);
+        if (isNew) {
+            for (const J8Skill& skill : behavior.m_apSkillEdits) {
+                index->second.try_emplace(skill.num, &skill);
+            }
+        }
+        const auto found = index->second.find(num);
+        return found == index->second.end() ? nullptr : found->second;
+    }
+
+    void checkLevels() {
+        Seen<std::string_view> names;
+        for (const CJ8LevelData& level : m_project.m_apLevels) {
+            const std::string quoted = "level \"" + level.m_name + "\"";
+            if (names.again(level.m_name)) {
+                warn(0, level.m_place, quoted + " is there twice");
+            }
+            const std::string& map = level.m_mapFile.m_path;
+            if (map.empty()) {
+                warn(0, level.m_place, quoted + " has no map file");
+            } else if (!isProjectFileThere(m_project.m_roots.project() + map) && !isProjectFileThere(map)) {
+                find(kReportError, 0, level.m_place, "map file \"" + map + "\" of " + quoted + " is missing");
+            }
+            Seen<std::string_view> entities;
+            for (const J8LevelEntity& entity : level.m_entities) {
+                if (entities.again(entity.name)) {
+                    warn(0, entity.place, "entity \"" + entity.name + "\" is twice in " + quoted);
+                }
+                checkEntity(entity, " of entity \"" + entity.name + "\"");
+            }
+        }
+    }
+
+    void checkEntity(const J8LevelEntity& entity, const std::string& of) {
+        const CJ8BehaviorData* const parent =
+            entity.parent.empty() ? nullptr : m_project.behavior(entity.parent);
+        if (parent) {
+            m_used.insert(parent->m_source);
+        } else if (!entity.parent.empty()) {
+            find(kReportError, 0, entity.place,
+                 "parent \"" + entity.parent + "\"" + of + " is in no behaviors file");
+        }
+        Seen<int> numbers;
+        for (const J8EntitySkill& skill : entity.skills) {
+            const std::string what = "skill " + std::to_string(skill.num) + of;
+            if (numbers.again(skill.num)) {
+                warn(0, skill.place, what + " is there twice");
+            }
+            const J8Skill* const declared = parent ? skillOf(*parent, skill.num) : nullptr;
+            if (declared && skill.value) {
+                checkValue(J8TypedValue::of(*declared), *skill.value, 0, skill.place, what);
+            } else if (parent && !declared) {
+                warn(0, skill.place, what + " is none of its parent \"" + entity.parent + "\"");
+            }
+        }
+        for (const J8EntityComponent& component : entity.components) {
+            if (!m_project.component(component.name)) {
+                warn(0, component.place,
+                     "component \"" + component.name + "\"" + of + " is in no components file");
+            }
+            for (const J8Edit& edit : component.edits) {
+                checkEdit(component.name, edit.name, edit.value, 0, component.place, of);
+            }
+        }
+    }
+
+    void checkUse() {
+        std::set<std::uint32_t> told;
+        for (const CJ8BehaviorData& behavior : m_project.m_apBehavior) {
+            if (!m_used.contains(behavior.m_source) && told.insert(behavior.m_source).second) {
+                find(kNote, behavior.m_source, 0, "no entity of the project uses a behavior of this file");
+            }
+        }
+    }
+
+    const CJ8ProjectManager& m_project;
+    std::vector<J8Finding> m_findings;
+    std::map<const CJ8CMPData*, std::map<std::string_view, const J8Property*>> m_properties;
+    std::map<const CJ8BehaviorData*, std::map<int, const J8Skill*>> m_skills;
+    std::set<std::uint32_t> m_used;  // the sources of behaviours that entities have as their parent
+};
+
+}  // namespace
+
+std::vector<J8Finding> checkProject(const CJ8ProjectManager& project) {
+    return Check(project).run();
+}
+
+}  // namespace zoka

@@ -1,0 +1,222 @@
+#include "J8ProjectManager/ProjectEdits.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zoka {
+namespace {
+
+using Kind = ProjectChange::Kind;
+
+template <class List, class Record>
+void insertAt(List& list, size_t place, const Record& record) {
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(place), record);
+}
+
+template <class List>
+void removeAt(List& list, size_t place) {
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(place));
+}
+
+template <class List>
+void move(List& list, size_t from, size_t to) {
+    auto record = std::move(list[from]);
+    removeAt(list, from);
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(to), std::move(record));
+}
+
+bool isOfEntity(const ProjectField& field) {
+    return field.kind >= ProjectField::Kind::EntityName;
+}
+
+// In the direction of `forward`. False when a value does not fit.
+bool make(CJ8ProjectManager& project, const ProjectChange& change, bool forward) {
+    std::vector<CJ8LevelData>& levels = project.m_apLevels;
+    const size_t level = change.field.level, entity = change.field.entity;
+    switch (change.kind) {
+        case Kind::Value:
+            if (change.entityBefore) {
+                levels[level].m_entities[entity] = forward ? *change.entityAfter : *change.entityBefore;
+                return true;
+            }
+            return setFieldValue(project, change.field, forward ? change.after : change.before);
+        case Kind::LevelAdded:
+        case Kind::LevelRemoved:
+            if ((change.kind == Kind::LevelAdded) == forward) {
+                insertAt(levels, level, *change.level);
+            } else {
+                removeAt(levels, level);
+            }
+            return true;
+        case Kind::LevelMoved:
+            move(levels, forward ? level : change.to, forward ? change.to : level);
+            return true;
+        case Kind::EntityAdded:
+        case Kind::EntityRemoved:
+            if ((change.kind == Kind::EntityAdded) == forward) {
+                insertAt(levels[level].m_entities, entity, *change.entityAfter);
+            } else {
+                removeAt(levels[level].m_entities, entity);
+            }
+            return true;
+        case Kind::EntityMoved:
+            move(levels[level].m_entities, forward ? entity : change.to, forward ? change.to : entity);
+            return true;
+    }
+    return false;
+}
+
+// The place in a list that was loaded anew of what comes behind its last element at most.
+size_t within(size_t place, size_t size) {
+    return std::min(place, size);
+}
+
+// The change as it must be made in the project as it is now; nothing when it has no place there.
+std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const ProjectChange& change) {
+    ProjectChange placed = change;
+    std::string why;
+    if (change.kind == Kind::Value) {
+        const auto field = fieldAt(project, change.address, why);
+        return field ? std::optional(valueChange(project, *field, change.after)) : std::nullopt;
+    }
+    const std::vector<CJ8LevelData>& levels = project.m_apLevels;
+    if (change.kind == Kind::LevelAdded) {
+        placed.field.level = within(change.field.level, levels.size());
+        return placed;
+    }
+    const auto level = levelAt(project, change.address);
+    if (!level) {
+        return std::nullopt;
+    }
+    placed.field.level = *level;
+    if (change.kind == Kind::LevelRemoved) {
+        placed.level = std::make_shared<const CJ8LevelData>(levels[*level]);
+        return placed;
+    }
+    if (change.kind == Kind::LevelMoved) {
+        placed.to = within(change.to, levels.size() - 1);
+        return placed;
+    }
+    const std::vector<J8LevelEntity>& entities = levels[*level].m_entities;
+    if (change.kind == Kind::EntityAdded) {
+        placed.field.entity = within(change.field.entity, entities.size());
+        return placed;
+    }
+    const auto entity = fieldAt(project, change.address + "/name", why);
+    if (!entity) {
+        return std::nullopt;
+    }
+    placed.field.entity = entity->entity;
+    if (change.kind == Kind::EntityRemoved) {
+        placed.entityAfter = std::make_shared<const J8LevelEntity>(entities[entity->entity]);
+    } else {
+        placed.to = within(change.to, entities.size() - 1);
+    }
+    return placed;
+}
+
+}  // namespace
+
+ProjectChange valueChange(const CJ8ProjectManager& project, const ProjectField& field,
+                          std::optional<std::string> value) {
+    ProjectChange change;
+    change.field = field;
+    change.before = fieldValue(project, field);
+    change.after = std::move(value);
+    change.address = addressOf(project, field);
+    return change;
+}
+
+bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
+    for (size_t i = 0; i < step.size(); ++i) {
+        ProjectChange& change = step[i];
+        bool made = false;
+        if (change.kind == Kind::Value && isOfEntity(change.field)) {
+            const J8LevelEntity& entity =
+                project.m_apLevels[change.field.level].m_entities[change.field.entity];
+            change.entityBefore = std::make_shared<const J8LevelEntity>(entity);
+            made = setFieldValue(project, change.field, change.after);
+            change.entityAfter = std::make_shared<const J8LevelEntity>(entity);
+        } else {
+            made = make(project, change, true);
+        }
+        if (!made) {
+            while (i-- > 0) {
+                make(project, step[i], false);
+            }
+            return false;
+        }
+    }
+    if (step.empty()) {
+        return true;
+    }
+    if (m_saved > static_cast<std::ptrdiff_t>(m_done)) {
+        m_saved = -1;
+    }
+    m_steps.resize(m_done);
+    const bool single = step.size() == 1 && step[0].kind == Kind::Value;
+    if (joining && single && m_joinable && m_done > 0 && !isSaved() &&
+        m_steps.back()[0].field == step[0].field) {
+        ProjectChange& last = m_steps.back()[0];
+        last.after = std::move(step[0].after);
+        last.entityAfter = std::move(step[0].entityAfter);
+    } else {
+        m_steps.push_back(std::move(step));
+        ++m_done;
+    }
+    m_joinable = joining && single;
+    return true;
+}
+
+const ProjectEdits::Step& ProjectEdits::undo(CJ8ProjectManager& project) {
+    const Step& step = m_steps[--m_done];
+    for (size_t i = step.size(); i-- > 0;) {
+        make(project, step[i], false);
+    }
+    m_joinable = false;
+    return step;
+}
+
+const ProjectEdits::Step& ProjectEdits::redo(CJ8ProjectManager& project) {
+    const Step& step = m_steps[m_done++];
+    for (const ProjectChange& change : step) {
+        make(project, change, true);
+    }
+    m_joinable = false;
+    return step;
+}
+
+void ProjectEdits::clear() {
+    m_steps.clear();
+    m_done = 0;
+    m_saved = 0;
+    m_joinable = false;
+}
+
+std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
+    const size_t done = std::exchange(m_done, 0);
+    const std::vector<Step> steps = std::exchange(m_steps, {});
+    clear();
+    std::vector<std::string> unplaced;
+    Step all;
+    for (size_t i = 0; i < done; ++i) {
+        for (const ProjectChange& change : steps[i]) {
+            auto placed = placedAnew(project, change);
+            if (placed && apply(project, {std::move(*placed)})) {
+                all.push_back(std::move(m_steps.back()[0]));
+                m_steps.clear();
+                m_done = 0;
+            } else {
+                unplaced.push_back(change.address);
+            }
+        }
+    }
+    m_saved = 0;
+    if (!all.empty()) {
+        m_steps.push_back(std::move(all));
+        m_done = 1;
+    }
+    return unplaced;
+}
+
+}  // namespace zoka

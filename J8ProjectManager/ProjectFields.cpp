@@ -1,0 +1,475 @@
+#include "J8ProjectManager/ProjectFields.h"
+
+#include <charconv>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+using Kind = ProjectField::Kind;
+
+struct SectionForm {
+    const char* prefix;
+    CJ8File::eType type;
+};
+constexpr SectionForm kForms[] = {
+    {"proj:", CJ8File::kProjFile}, {"j8:", CJ8File::kJ8File}, {"file:", CJ8File::kFile}};
+
+std::string sectionText(const CJ8File& file) {
+    for (const SectionForm& form : kForms) {
+        if (file.kindToWrite() == form.type) {
+            return form.prefix + file.m_path;
+        }
+    }
+    return {};
+}
+
+bool setSection(CJ8ProjectManager& project, CJ8File& file, const std::string& text) {
+    for (const SectionForm& form : kForms) {
+        if (text.starts_with(form.prefix)) {
+            file.Clear();
+            file.Set(text.substr(std::string_view(form.prefix).size()), form.type);
+            project.resolve(file);
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string escaped(std::string_view name) {
+    std::string made;
+    for (const char c : name) {
+        if (c == '/') {
+            made += "%2F";
+        } else if (c == '%') {
+            made += "%25";
+        } else if (c == '#') {
+            made += "%23";
+        } else {
+            made += c;
+        }
+    }
+    return made;
+}
+
+std::string unescaped(std::string_view text) {
+    std::string made;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const std::string_view code = text.substr(i, 3);
+        const char c = code == "%2F" || code == "%2f" ? '/' : code == "%25" ? '%' : code == "%23" ? '#' : 0;
+        made += c ? c : text[i];
+        i += c ? 2 : 0;
+    }
+    return made;
+}
+
+// The name's part of an address: which of the equal names before `place` it is.
+template <class List, class Name>
+std::string countedName(const List& list, size_t place, const Name& nameOf) {
+    size_t equal = 1;
+    for (size_t i = 0; i < place; ++i) {
+        equal += nameOf(list[i]) == nameOf(list[place]);
+    }
+    return escaped(nameOf(list[place])) + (equal > 1 ? "#" + std::to_string(equal) : "");
+}
+
+template <class List, class Name>
+std::optional<size_t> findCounted(const List& list, std::string_view part, const Name& nameOf) {
+    size_t wanted = 1;
+    if (const size_t mark = part.rfind('#'); mark != part.npos) {
+        const std::string_view number = part.substr(mark + 1);
+        const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), wanted);
+        if (error != std::errc() || end != number.data() + number.size()) {
+            return std::nullopt;
+        }
+        part = part.substr(0, mark);
+    }
+    const std::string name = unescaped(part);
+    for (size_t i = 0; i < list.size(); ++i) {
+        if (nameOf(list[i]) == name && --wanted == 0) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+const std::string& nameOfLevel(const CJ8LevelData& level) {
+    return level.m_name;
+}
+const std::string& nameOfEntity(const J8LevelEntity& entity) {
+    return entity.name;
+}
+
+std::vector<std::string_view> partsOf(std::string_view address) {
+    std::vector<std::string_view> parts;
+    for (;;) {
+        const size_t end = address.find('/');
+        parts.push_back(address.substr(0, end));
+        if (end == address.npos) {
+            return parts;
+        }
+        address.remove_prefix(end + 1);
+    }
+}
+
+// Behind the entity's own part.
+std::string fieldPart(const ProjectField& field) {
+    switch (field.kind) {
+        case Kind::EntityName:
+            return "/name";
+        case Kind::EntityParent:
+            return "/parent";
+        case Kind::EntitySkill:
+            return "/skill/" + std::to_string(field.num);
+        case Kind::EntityEdit:
+            return "/component/" + escaped(field.component) + "/" + escaped(field.name);
+        case Kind::LevelName:
+            return "/name";
+        case Kind::LevelMap:
+            return "/mapfile";
+        case Kind::LevelDoc:
+            return "/doc";
+        default:
+            return {};
+    }
+}
+
+std::optional<ProjectField> entityField(const std::vector<std::string_view>& parts, ProjectField field) {
+    if (parts.size() == 5 && parts[4] == "name") {
+        field.kind = Kind::EntityName;
+        return field;
+    }
+    if (parts.size() == 5 && parts[4] == "parent") {
+        field.kind = Kind::EntityParent;
+        return field;
+    }
+    if (parts.size() == 6 && parts[4] == "skill") {
+        field.kind = Kind::EntitySkill;
+        const char* const last = parts[5].data() + parts[5].size();
+        const auto [end, error] = std::from_chars(parts[5].data(), last, field.num);
+        return error == std::errc() && end == last ? std::optional(field) : std::nullopt;
+    }
+    if (parts.size() == 7 && parts[4] == "component") {
+        field.kind = Kind::EntityEdit;
+        field.component = unescaped(parts[5]);
+        field.name = unescaped(parts[6]);
+        return field;
+    }
+    return std::nullopt;
+}
+
+// The skill, or the edit, of an entity that a field names; null where the entity has none.
+template <class Entity>
+auto* skillOf(Entity& entity, int num) {
+    for (auto& skill : entity.skills) {
+        if (skill.num == num) {
+            return &skill;
+        }
+    }
+    return static_cast<decltype(entity.skills.data())>(nullptr);
+}
+
+template <class Entity>
+auto* componentOf(Entity& entity, const std::string& name) {
+    for (auto& component : entity.components) {
+        if (component.name == name) {
+            return &component;
+        }
+    }
+    return static_cast<decltype(entity.components.data())>(nullptr);
+}
+
+void setSkill(J8LevelEntity& entity, int num, const std::optional<std::string>& value) {
+    J8EntitySkill* const skill = skillOf(entity, num);
+    if (!value && skill) {
+        entity.skills.erase(entity.skills.begin() + (skill - entity.skills.data()));
+    } else if (skill) {
+        skill->value = value;
+    } else if (value) {
+        entity.skills.push_back({num, 0, value});
+    }
+}
+
+void setEdit(J8LevelEntity& entity, const ProjectField& field, const std::optional<std::string>& value) {
+    J8EntityComponent* component = componentOf(entity, field.component);
+    if (!component) {
+        if (!value) {
+            return;
+        }
+        component = &entity.components.emplace_back();
+        component->name = field.component;
+    }
+    std::vector<J8Edit>& edits = component->edits;
+    for (size_t i = 0; i < edits.size(); ++i) {
+        if (edits[i].name == field.name) {
+            if (value) {
+                edits[i].value = *value;
+            } else {
+                edits.erase(edits.begin() + static_cast<std::ptrdiff_t>(i));
+            }
+            return;
+        }
+    }
+    if (value) {
+        edits.push_back({field.name, *value});
+    }
+}
+
+}  // namespace
+
+std::optional<std::string> fieldValue(const CJ8ProjectManager& project, const ProjectField& field) {
+    if (field.kind == Kind::Name) {
+        return project.m_name;
+    }
+    if (field.kind == Kind::ProjectRoot) {
+        return project.m_roots.project();
+    }
+    if (field.kind == Kind::DataRoot) {
+        return project.m_roots.data();
+    }
+    if (field.kind == Kind::Section) {
+        const CJ8File& file = project.section(field.section);
+        return file.isNamed() ? std::optional(sectionText(file)) : std::nullopt;
+    }
+    const CJ8LevelData& level = project.m_apLevels[field.level];
+    if (field.kind == Kind::LevelName) {
+        return level.m_name;
+    }
+    if (field.kind == Kind::LevelMap) {
+        return level.m_mapFile.m_path.empty() ? std::nullopt : std::optional(level.m_mapFile.m_path);
+    }
+    if (field.kind == Kind::LevelDoc) {
+        return level.m_doc;
+    }
+    const J8LevelEntity& entity = level.m_entities[field.entity];
+    if (field.kind == Kind::EntityName) {
+        return entity.name;
+    }
+    if (field.kind == Kind::EntityParent) {
+        return entity.parent;
+    }
+    if (field.kind == Kind::EntitySkill) {
+        const J8EntitySkill* const skill = skillOf(entity, field.num);
+        return skill ? skill->value : std::nullopt;
+    }
+    if (const J8EntityComponent* const component = componentOf(entity, field.component)) {
+        for (const J8Edit& edit : component->edits) {
+            if (edit.name == field.name) {
+                return edit.value;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
+                   const std::optional<std::string>& value) {
+    const std::string text = value.value_or("");
+    if (field.kind == Kind::Section) {
+        CJ8File& file = project.section(field.section);
+        if (value) {
+            return setSection(project, file, text);
+        }
+        file.Clear();
+        return true;
+    }
+    switch (field.kind) {
+        case Kind::Name:
+            project.m_name = text;
+            return true;
+        case Kind::ProjectRoot:
+            project.m_roots.setProject(text);
+            project.resolveSections();
+            return true;
+        case Kind::DataRoot:
+            project.m_roots.setData(text);
+            project.resolveSections();
+            return true;
+        default:
+            break;
+    }
+    CJ8LevelData& level = project.m_apLevels[field.level];
+    switch (field.kind) {
+        case Kind::LevelName:
+            level.m_name = text;
+            return true;
+        case Kind::LevelMap:
+            level.m_mapFile.Set(text, text.empty() ? CJ8File::kInline : CJ8File::kProjFile);
+            return true;
+        case Kind::LevelDoc:
+            level.m_doc = text;
+            return true;
+        default:
+            break;
+    }
+    J8LevelEntity& entity = level.m_entities[field.entity];
+    if (field.kind == Kind::EntityName) {
+        entity.name = text;
+    } else if (field.kind == Kind::EntityParent) {
+        entity.parent = text;
+    } else if (field.kind == Kind::EntitySkill) {
+        setSkill(entity, field.num, value);
+    } else {
+        setEdit(entity, field, value);
+    }
+    return true;
+}
+
+std::string addressOfLevel(const CJ8ProjectManager& project, size_t level) {
+    return "level/" + countedName(project.m_apLevels, level, nameOfLevel);
+}
+
+std::string addressOfEntity(const CJ8ProjectManager& project, size_t level, size_t entity) {
+    return addressOfLevel(project, level) + "/entity/" +
+           countedName(project.m_apLevels[level].m_entities, entity, nameOfEntity);
+}
+
+std::string addressOf(const CJ8ProjectManager& project, const ProjectField& field) {
+    switch (field.kind) {
+        case Kind::Name:
+            return "name";
+        case Kind::ProjectRoot:
+            return "paths/project";
+        case Kind::DataRoot:
+            return "paths/data";
+        case Kind::Section:
+            return std::string("section/") + sectionTag(field.section);
+        case Kind::LevelName:
+        case Kind::LevelMap:
+        case Kind::LevelDoc:
+            return addressOfLevel(project, field.level) + fieldPart(field);
+        default:
+            return addressOfEntity(project, field.level, field.entity) + fieldPart(field);
+    }
+}
+
+std::optional<size_t> levelAt(const CJ8ProjectManager& project, std::string_view address) {
+    const std::vector<std::string_view> parts = partsOf(address);
+    const bool named = parts.size() >= 2 && parts[0] == "level";
+    return named ? findCounted(project.m_apLevels, parts[1], nameOfLevel) : std::nullopt;
+}
+
+std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::string_view address,
+                                    std::string& why) {
+    const std::vector<std::string_view> parts = partsOf(address);
+    ProjectField field;
+    const auto as = [&field](Kind kind) {
+        field.kind = kind;
+        return std::optional(field);
+    };
+    if (address == "name") {
+        return as(Kind::Name);
+    }
+    if (address == "paths/project") {
+        return as(Kind::ProjectRoot);
+    }
+    if (address == "paths/data") {
+        return as(Kind::DataRoot);
+    }
+    if (parts.size() == 2 && parts[0] == "section") {
+        for (int i = 0; i < kJ8Sections; ++i) {
+            field.section = static_cast<J8Section>(i);
+            if (equalNoCase(sectionTag(field.section), parts[1])) {
+                return as(Kind::Section);
+            }
+        }
+        why = "there is no section \"" + std::string(parts[1]) + "\"";
+        return std::nullopt;
+    }
+    why = "\"" + std::string(address) + "\" is no address of a value";
+    if (parts[0] != "level" || parts.size() < 3) {
+        return std::nullopt;
+    }
+    const auto level = levelAt(project, address);
+    if (!level) {
+        why = "there is no level \"" + std::string(parts[1]) + "\"";
+        return std::nullopt;
+    }
+    field.level = *level;
+    if (parts.size() == 3 && parts[2] == "name") {
+        return as(Kind::LevelName);
+    }
+    if (parts.size() == 3 && parts[2] == "mapfile") {
+        return as(Kind::LevelMap);
+    }
+    if (parts.size() == 3 && parts[2] == "doc") {
+        return as(Kind::LevelDoc);
+    }
+    if (parts[2] != "entity" || parts.size() < 5) {
+        return std::nullopt;
+    }
+    const auto entity = findCounted(project.m_apLevels[*level].m_entities, parts[3], nameOfEntity);
+    if (!entity) {
+        why = "there is no entity \"" + std::string(parts[3]) + "\" in that level";
+        return std::nullopt;
+    }
+    field.entity = *entity;
+    return entityField(parts, field);
+}
+
+namespace {
+
+// Counts names that come again, for addresses made in turn.
+class NameCounter {
+public:
+    std::string next(const std::string& name) {
+        const size_t count = ++m_counts[name];
+        return escaped(name) + (count > 1 ? "#" + std::to_string(count) : "");
+    }
+
+private:
+    std::map<std::string, size_t> m_counts;
+};
+
+}  // namespace
+
+void forEachField(const CJ8ProjectManager& project,
+                  const std::function<void(const ProjectField&, const std::string& address)>& use) {
+    ProjectField field;
+    for (const Kind kind : {Kind::Name, Kind::ProjectRoot, Kind::DataRoot}) {
+        field.kind = kind;
+        use(field, addressOf(project, field));
+    }
+    field.kind = Kind::Section;
+    for (int i = 0; i < kJ8Sections; ++i) {
+        field.section = static_cast<J8Section>(i);
+        use(field, addressOf(project, field));
+    }
+    NameCounter levels;
+    for (field.level = 0; field.level < project.m_apLevels.size(); ++field.level) {
+        const CJ8LevelData& level = project.m_apLevels[field.level];
+        const std::string levelAddress = "level/" + levels.next(level.m_name);
+        for (const Kind kind : {Kind::LevelName, Kind::LevelMap, Kind::LevelDoc}) {
+            field.kind = kind;
+            use(field, levelAddress + fieldPart(field));
+        }
+        NameCounter entities;
+        for (field.entity = 0; field.entity < level.m_entities.size(); ++field.entity) {
+            const J8LevelEntity& entity = level.m_entities[field.entity];
+            const std::string address = levelAddress + "/entity/" + entities.next(entity.name);
+            for (const Kind kind : {Kind::EntityName, Kind::EntityParent}) {
+                field.kind = kind;
+                use(field, address + fieldPart(field));
+            }
+            field.kind = Kind::EntitySkill;
+            for (const J8EntitySkill& skill : entity.skills) {
+                field.num = skill.num;
+                use(field, address + fieldPart(field));
+            }
+            field.kind = Kind::EntityEdit;
+            for (const J8EntityComponent& component : entity.components) {
+                field.component = component.name;
+                for (const J8Edit& edit : component.edits) {
+                    field.name = edit.name;
+                    use(field, address + fieldPart(field));
+                }
+            }
+        }
+    }
+}
+
+}  // namespace zoka

@@ -1,0 +1,61 @@
+// The values of a project that a user can see and change one by one, and the addresses that name them.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "J8ProjectManager/J8ProjectManager.h"
+
+namespace zoka {
+
+// Which value of a project. A number is the place in its list.
+struct ProjectField {
+    enum class Kind {
+        Name,         // "name"
+        ProjectRoot,  // "paths/project"
+        DataRoot,     // "paths/data"
+        Section,      // "section/Camera": "proj:", "j8:" or "file:" and the path text
+        LevelName,    // "level/harbour/name"
+        LevelMap,     // "level/harbour/mapfile"
+        LevelDoc,     // "level/harbour/doc"
+        EntityName,   // "level/harbour/entity/guard/name"
+        EntityParent,
+        EntitySkill,  // "level/harbour/entity/guard/skill/3"
+        EntityEdit,   // "level/harbour/entity/guard/component/body/mass"
+    };
+    Kind kind = Kind::Name;
+    J8Section section = J8Section::Camera;
+    size_t level = 0, entity = 0;
+    int num = 0;                  // of a skill
+    std::string component, name;  // of an edit
+    bool operator==(const ProjectField&) const = default;
+};
+
+// The field's value; nothing where the project has none: a skill that the entity doesn't set, a section without
+// a file, a level without a map file.
+std::optional<std::string> fieldValue(const CJ8ProjectManager& project, const ProjectField& field);
+// Gives the field a value, or takes it away. Only skills, edits, sections and map files can be without; others
+// become empty. A section's file is looked for on the disk. False, with nothing changed, for a text that a
+// section can't have.
+bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
+                   const std::optional<std::string>& value);
+
+// The address. Names stand in it as they are, but for '/', '%' and '#', which become %2F, %25 and %23. Of several
+// levels or entities of one name the second is "guard#2".
+std::string addressOf(const CJ8ProjectManager& project, const ProjectField& field);
+std::string addressOfLevel(const CJ8ProjectManager& project, size_t level);
+std::string addressOfEntity(const CJ8ProjectManager& project, size_t level, size_t entity);
+
+// What an address names; nothing, and the reason in `why`, for one that names nothing. Skills and edits that the
+// entity doesn't set are named all the same.
+std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::string_view address,
+                                    std::string& why);
+std::optional<size_t> levelAt(const CJ8ProjectManager& project, std::string_view address);
+
+// All values that the project file holds, in its order, each with its address. Linear in the project.
+void forEachField(const CJ8ProjectManager& project,
+                  const std::function<void(const ProjectField&, const std::string& address)>& use);
+
+}  // namespace zoka

@@ -1,0 +1,204 @@
+#include "J8ProjectManager/ProjectLosses.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "util/PathRules.h"
+#include "xml/XMLRead.h"
+
+namespace zoka {
+namespace {
+
+std::string lowered(std::string_view text) {
+    std::string made(text);
+    for (char& c : made) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c + 32);
+        }
+    }
+    return made;
+}
+
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
+    for (const std::string_view each : names) {
+        if (equalNoCase(name, each)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+constexpr std::string_view kFileAttributes[] = {"proj_file", "j8_file", "file"};
+
+// The attribute that counts as a reference's, or null.
+const char* referenceOf(const XMLNode& node) {
+    for (const std::string_view name : kFileAttributes) {
+        if (node.getAttribute(name.data())) {
+            return name.data();
+        }
+    }
+    return nullptr;
+}
+
+bool isReference(const XMLNode& node) {
+    return isOneOf(node.getName(),
+                   {"Behavior", "Camera", "UI", "AnimationPool", "WeaponDefPool", "Display", "UserInput"});
+}
+
+// What an element is found again by, among its siblings.
+std::string keyOf(const XMLNode& node) {
+    std::string key = lowered(node.getName());
+    if (isReference(node)) {
+        const char* const attribute = referenceOf(node);
+        key += '\n' + std::string(attribute ? xmlAttribute(node, attribute) : "");
+    } else if (equalNoCase(node.getName(), "Skill")) {
+        const auto num = xmlInteger(node.getAttribute("num"));
+        key += '\n' + (num ? std::to_string(*num) : std::string("none"));
+    } else {
+        const char* const name = node.getAttribute("name");
+        key += name ? '\n' + std::string(name) : "";
+    }
+    return key;
+}
+
+std::string openTag(const XMLNode& node) {
+    std::string text = "<" + std::string(node.getName());
+    for (int i = 0; i < node.attributeCount() && i < 3; ++i) {
+        const XMLAttributeView attribute = node.getAttributeAt(i);
+        text += " " + std::string(attribute.name) + "=\"" + (attribute.value ? attribute.value : "") + "\"";
+    }
+    return text + ">";
+}
+
+std::string shortened(std::string text) {
+    constexpr size_t kShown = 60;
+    constexpr const char* kBlanks = " \t\r\n";
+    text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
+    text.erase(text.find_last_not_of(kBlanks) + 1);
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < 0x20) {
+            c = ' ';
+        }
+    }
+    if (text.size() > kShown) {
+        text.resize(kShown);
+        while (!text.empty() && (text.back() & 0x80) != 0) {
+            text.pop_back();
+        }
+        text += "...";
+    }
+    return text;
+}
+
+// Whether the element that was written has the attribute with the same meaning.
+bool isKept(const XMLNode& old, const XMLAttributeView& attribute, const XMLNode& now) {
+    const std::string_view name = attribute.name, value = attribute.value ? attribute.value : "";
+    if (equalNoCase(old.getName(), "Project") && isOneOf(name, {"date", "vers"})) {
+        return true;
+    }
+    if (isReference(old)) {
+        const char* const counted = referenceOf(old);
+        return counted && equalNoCase(counted, name);  // its text is what the element was found by
+    }
+    const char* const written = now.getAttribute(attribute.name);
+    if (!written) {
+        return value.empty() && isOneOf(name, {"parent", "mapfile"});
+    }
+    if (value == written || (equalNoCase(old.getName(), "Skill") && equalNoCase(name, "num"))) {
+        return true;
+    }
+    const std::string_view text = written;  // a root gets its separator
+    return equalNoCase(old.getName(), "Paths") && text.starts_with(value) && text.size() == value.size() + 1;
+}
+
+class Comparison {
+public:
+    explicit Comparison(std::vector<ProjectLoss>& losses) : m_losses(losses) {}
+
+    void run(const XMLNode& document, const XMLNode& written) {
+        compareClears(document, "");
+        for (XMLNode node = document.firstChild(); !node.isEmpty(); node = node.nextSibling()) {
+            if (!node.isDeclaration()) {
+                m_open.emplace_back(node, written);
+            } else if (!equalNoCase(node.getName(), "xml")) {
+                lose(node, "<?" + std::string(node.getName()) + "?>");
+            }
+        }
+        while (!m_open.empty()) {
+            const auto [old, now] = std::move(m_open.back());
+            m_open.pop_back();
+            compare(old, now);
+        }
+    }
+
+private:
+    void lose(const XMLNode& node, std::string text) { m_losses.push_back({node.place(), std::move(text)}); }
+
+    // Comments and the like; a CDATA section of a text that is kept becomes plain text.
+    void compareClears(const XMLNode& node, const std::string& keptText) {
+        const int count = node.clearCount();
+        for (int i = 0; i < count; ++i) {
+            const XMLClearView clear = node.getClear(i);
+            const std::string_view open = clear.openTag;
+            if (open == "<!--") {
+                lose(node, "the comment \"" + shortened(clear.value) + "\"");
+            } else if (open == "<!DOCTYPE") {
+                lose(node, "the DOCTYPE");
+            } else if (keptText.empty()) {
+                lose(node, "the text \"" + shortened(clear.value) + "\"");
+            }
+        }
+    }
+
+    void compare(const XMLNode& old, const XMLNode& now) {
+        for (int i = 0; i < old.attributeCount(); ++i) {
+            const XMLAttributeView attribute = old.getAttributeAt(i);
+            if (!isKept(old, attribute, now)) {
+                lose(old, std::string("the attribute ") + attribute.name + "=\"" +
+                              shortened(attribute.value ? attribute.value : "") + "\" of " +
+                              shortened(openTag(old)));
+            }
+        }
+        const std::string text = xmlAllText(old), kept = xmlAllText(now);
+        if (text != kept && !text.empty() && old.textCount() > 0) {
+            lose(old, "the text \"" + shortened(text) + "\"");
+        }
+        compareClears(old, kept);
+        // Where the elements that were written stand, by key, in order.
+        std::multimap<std::string, XMLNode> written;
+        for (XMLNode child = now.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
+            written.emplace(keyOf(child), child);
+        }
+        for (XMLNode child = old.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
+            const std::string key = keyOf(child);
+            const auto found = written.lower_bound(key);
+            if (found != written.end() && found->first == key) {
+                m_open.emplace_back(child, found->second);
+                written.erase(found);
+            } else if (!isEmptyDoc(child)) {
+                const bool more = child.childCount() > 0;
+                lose(child, shortened(openTag(child)) + (more ? " and what is in it" : ""));
+            }
+        }
+    }
+
+    static bool isEmptyDoc(const XMLNode& node) {
+        return equalNoCase(node.getName(), "Doc") && node.order().empty();
+    }
+
+    std::vector<ProjectLoss>& m_losses;
+    std::vector<std::pair<XMLNode, XMLNode>> m_open;
+};
+
+}  // namespace
+
+std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written) {
+    std::vector<ProjectLoss> losses;
+    Comparison(losses).run(document, written);
+    std::stable_sort(losses.begin(), losses.end(),
+                     [](const ProjectLoss& a, const ProjectLoss& b) { return a.place < b.place; });
+    return losses;
+}
+
+}  // namespace zoka

@@ -1,0 +1,24 @@
+// What a project file holds that writing the project would not.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "xml/XMLNode.h"
+
+namespace zoka {
+
+struct ProjectLoss {
+    std::uint32_t place =
+        0;             // in the file, of the element that is lost or that holds what is; see XMLNode::place
+    std::string text;  // "<Light name="sun"> and what is in it"
+};
+
+// Compares the document of a project file (with its comments and instructions) with the Project element that
+// would be written for what was loaded from it. Elements are found again by their names, not by their order; date
+// and version, which every save sets, don't count, nor does the kind of a file reference, nor blanks around texts.
+// Linear in both, but for sorting.
+std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written);
+
+}  // namespace zoka

@@ -1,0 +1,264 @@
+#include "J8ProjectManager/ProjectSession.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "J8ProjectManager/ProjectCheck.h"
+#include "util/LineDiff.h"
+#include "util/OsFiles.h"
+
+namespace zoka {
+namespace {
+
+using Kind = ProjectChange::Kind;
+
+// `name`, or with the first number behind it that makes it one that no record has.
+template <class List, class Name>
+std::string freeName(const List& list, std::string name, const Name& nameOf) {
+    std::set<std::string> taken;
+    for (const auto& record : list) {
+        taken.insert(nameOf(record));
+    }
+    if (!taken.contains(name)) {
+        return name;
+    }
+    for (size_t number = 2;; ++number) {
+        const std::string tried = name + std::to_string(number);
+        if (!taken.contains(tried)) {
+            return tried;
+        }
+    }
+}
+
+std::string freeLevelName(const CJ8ProjectManager& project, const std::string& name) {
+    return freeName(project.m_apLevels, name, [](const CJ8LevelData& level) { return level.m_name; });
+}
+
+std::string freeEntityName(const CJ8LevelData& level, const std::string& name) {
+    return freeName(level.m_entities, name, [](const J8LevelEntity& entity) { return entity.name; });
+}
+
+const char* severityWord(int severity) {
+    return severity == kReportError ? "error" : severity == kReportWarning ? "warning" : "note";
+}
+
+}  // namespace
+
+bool ProjectSession::open(const std::string& path) {
+    m_path = osFiles().fullPath(path);
+    return load();
+}
+
+bool ProjectSession::load() {
+    m_problem.clear();
+    m_edits.clear();
+    m_losses.clear();
+    m_places.reset();
+    auto bytes = osFiles().readWhole(m_path);
+    if (!bytes) {
+        m_problem = "Can't read '" + m_path + "': " + osFiles().lastError();
+        m_bytes.clear();
+        m_model.loadFromTree({}, m_path, false);
+        return false;
+    }
+    m_bytes = std::move(*bytes);
+    XMLResults results;
+    const XMLNode document = XMLNode::parseBytes(m_bytes, nullptr, &results);
+    if (!document.isEmpty() && document.firstChild("Project").isEmpty()) {
+        results.code = kXmlFirstTagNotFound;
+    }
+    if (!m_model.loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
+        m_problem = m_path;
+        m_problem +=
+            results.line > 0 ? ":" + std::to_string(results.line) + ":" + std::to_string(results.column) : "";
+        m_problem += std::string(": ") + XMLNode::errorText(results.code);
+        return false;
+    }
+    m_losses = lossesOf(document, m_model.createXMLTopNode({}, m_model.m_date));
+    return true;
+}
+
+std::vector<ProjectProblem> ProjectSession::losses() const {
+    std::vector<ProjectProblem> rows;
+    const XMLPlaces places(m_losses.empty() ? std::string() : m_bytes);
+    for (const ProjectLoss& loss : m_losses) {
+        const XMLPlace place = places.at(loss.place);
+        rows.push_back(
+            {m_path, place.line, place.column, kReportWarning, "a save does not keep " + loss.text});
+    }
+    return rows;
+}
+
+std::vector<ProjectProblem> ProjectSession::problems() const {
+    std::vector<ProjectProblem> rows;
+    ProjectPlaces places(m_model);
+    const auto take = [&](const std::vector<J8Finding>& findings) {
+        for (const J8Finding& finding : findings) {
+            const XMLPlace place = places.of(finding);
+            const std::string file =
+                finding.source < m_model.sources().size() ? m_model.sources()[finding.source] : m_path;
+            rows.push_back({file, place.line, place.column, finding.severity, finding.text});
+        }
+    };
+    take(m_model.findings());
+    take(checkProject(m_model));
+    for (ProjectProblem& loss : losses()) {
+        rows.push_back(std::move(loss));
+    }
+    return rows;
+}
+
+std::string ProjectSession::problemsText(const std::vector<ProjectProblem>& problems) {
+    std::string text;
+    for (const ProjectProblem& each : problems) {
+        text += each.file;
+        if (each.line > 0) {
+            text += ":" + std::to_string(each.line) + ":" + std::to_string(each.column);
+        }
+        text += std::string(": ") + severityWord(each.severity) + ": " + each.text + "\n";
+    }
+    return text;
+}
+
+std::string ProjectSession::placeText(std::uint32_t source, std::uint32_t place) const {
+    if (!m_places) {
+        m_places.emplace(m_model);
+    }
+    J8Finding at;
+    at.source = source;
+    at.place = place;
+    return m_places->text(at);
+}
+
+bool ProjectSession::setValue(const ProjectField& field, const std::optional<std::string>& value,
+                              std::string* why, bool typing) {
+    const auto before = fieldValue(m_model, field);
+    if (before == value) {
+        return true;
+    }
+    std::string refusal = value ? fieldRefusal(m_model, field, *value) : std::string();
+    if (refusal.empty() && !m_edits.apply(m_model, {valueChange(m_model, field, value)}, typing)) {
+        refusal = "This value does not fit here.";
+    }
+    if (why) {
+        *why = refusal;
+    }
+    return refusal.empty();
+}
+
+void ProjectSession::step(ProjectChange change) {
+    ProjectEdits::Step one;
+    one.push_back(std::move(change));
+    m_edits.apply(m_model, std::move(one));
+}
+
+void ProjectSession::addLevel(size_t place, const std::string& name) {
+    CJ8LevelData level;
+    level.m_name = freeLevelName(m_model, name);
+    ProjectChange change;
+    change.kind = Kind::LevelAdded;
+    change.field.level = std::min(place, m_model.m_apLevels.size());
+    change.address = "level/" + level.m_name;
+    change.level = std::make_shared<const CJ8LevelData>(std::move(level));
+    step(std::move(change));
+}
+
+void ProjectSession::duplicateLevel(size_t level) {
+    CJ8LevelData copy = m_model.m_apLevels[level];
+    copy.m_name = freeLevelName(m_model, copy.m_name);
+    ProjectChange change;
+    change.kind = Kind::LevelAdded;
+    change.field.level = level + 1;
+    change.address = "level/" + copy.m_name;
+    change.level = std::make_shared<const CJ8LevelData>(std::move(copy));
+    step(std::move(change));
+}
+
+void ProjectSession::removeLevel(size_t level) {
+    ProjectChange change;
+    change.kind = Kind::LevelRemoved;
+    change.field.level = level;
+    change.address = addressOfLevel(m_model, level);
+    change.level = std::make_shared<const CJ8LevelData>(m_model.m_apLevels[level]);
+    step(std::move(change));
+}
+
+void ProjectSession::moveLevel(size_t from, size_t to) {
+    ProjectChange change;
+    change.kind = Kind::LevelMoved;
+    change.field.level = from;
+    change.to = std::min(to, m_model.m_apLevels.size() - 1);
+    change.address = addressOfLevel(m_model, from);
+    if (change.to != from) {
+        step(std::move(change));
+    }
+}
+
+void ProjectSession::addEntity(size_t level, size_t place, const std::string& name,
+                               const std::string& parent) {
+    const CJ8LevelData& owner = m_model.m_apLevels[level];
+    J8LevelEntity entity;
+    entity.name = freeEntityName(owner, name);
+    entity.parent = parent;
+    ProjectChange change;
+    change.kind = Kind::EntityAdded;
+    change.field.level = level;
+    change.field.entity = std::min(place, owner.m_entities.size());
+    change.address = addressOfLevel(m_model, level);
+    change.entityAfter = std::make_shared<const J8LevelEntity>(std::move(entity));
+    step(std::move(change));
+}
+
+void ProjectSession::duplicateEntity(size_t level, size_t entity) {
+    const CJ8LevelData& owner = m_model.m_apLevels[level];
+    J8LevelEntity copy = owner.m_entities[entity];
+    copy.name = freeEntityName(owner, copy.name);
+    ProjectChange change;
+    change.kind = Kind::EntityAdded;
+    change.field.level = level;
+    change.field.entity = entity + 1;
+    change.address = addressOfLevel(m_model, level);
+    change.entityAfter = std::make_shared<const J8LevelEntity>(std::move(copy));
+    step(std::move(change));
+}
+
+void ProjectSession::removeEntity(size_t level, size_t entity) {
+    ProjectChange change;
+    change.kind = Kind::EntityRemoved;
+    change.field.level = level;
+    change.field.entity = entity;
+    change.address = addressOfEntity(m_model, level, entity);
+    change.entityAfter = std::make_shared<const J8LevelEntity>(m_model.m_apLevels[level].m_entities[entity]);
+    step(std::move(change));
+}
+
+void ProjectSession::moveEntity(size_t level, size_t from, size_t to) {
+    ProjectChange change;
+    change.kind = Kind::EntityMoved;
+    change.field.level = level;
+    change.field.entity = from;
+    change.to = std::min(to, m_model.m_apLevels[level].m_entities.size() - 1);
+    change.address = addressOfEntity(m_model, level, from);
+    if (change.to != from) {
+        step(std::move(change));
+    }
+}
+
+const ProjectChange* ProjectSession::undo() {
+    return m_edits.canUndo() ? &m_edits.undo(m_model).back() : nullptr;
+}
+
+const ProjectChange* ProjectSession::redo() {
+    return m_edits.canRedo() ? &m_edits.redo(m_model).back() : nullptr;
+}
+
+std::string ProjectSession::text() const {
+    return m_model.fileText({}, CJ8ProjectManager::dateNow()).value_or("");
+}
+
+std::string ProjectSession::changesText() const {
+    return unifiedDifference(m_bytes, text(), m_path, m_path);
+}
+
+}  // namespace zoka

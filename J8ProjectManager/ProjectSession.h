@@ -1,0 +1,131 @@
+// The Project Manager of a J8 project without its window: loading, what is wrong, edits, saving.
+//
+//     ProjectSession session(*CJ8ProjectManager::Instance(), userPrompt());
+//     if (!session.open(projectFile)) show(session.problem());
+//     for (const ProjectRow& row : session.entityRows(level, entity)) ...
+//     session.setValue(row.field, row.stored(typed), &why, true);
+//     ... session.close() before the window goes
+//
+// Everything here is used on the thread of the window; model and prompt must outlive the session. After an edit
+// places in the lists below are new: ask again.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/ProjectEdits.h"
+#include "J8ProjectManager/ProjectFields.h"
+#include "J8ProjectManager/ProjectLosses.h"
+#include "J8ProjectManager/ProjectPlaces.h"
+#include "J8ProjectManager/ProjectRows.h"
+#include "util/UserPrompt.h"
+
+namespace zoka {
+
+enum class ProjectSave {
+    Saved,
+    NothingToSave,
+    Cancelled,  // by the user
+    Failed,     // the user has been told
+};
+
+// One thing to mend.
+struct ProjectProblem {
+    std::string file;
+    int line = 0, column = 0;  // 0: the file as a whole
+    int severity = kReportWarning;
+    std::string text;
+};
+
+class ProjectSession {
+public:
+    ProjectSession(CJ8ProjectManager& model, UserPrompt& prompt) : m_model(model), m_prompt(prompt) {}
+    ProjectSession(const ProjectSession&) = delete;
+    ProjectSession& operator=(const ProjectSession&) = delete;
+
+    // Loads a project in place of what the model held. False, with the reason in problem(), when the file can't
+    // be read or holds no project; the model is empty then.
+    bool open(const std::string& path);
+    const CJ8ProjectManager& model() const { return m_model; }
+    const std::string& path() const { return m_path; }
+    // Why the last operation failed; else empty.
+    const std::string& problem() const { return m_problem; }
+
+    // --- What is wrong. The report is model().m_report.
+    // What loading found, what a check of the project as it is now finds, and what a save would lose. Reads the
+    // files to name lines.
+    std::vector<ProjectProblem> problems() const;
+    // A line each, "file:line:column: error: text".
+    static std::string problemsText(const std::vector<ProjectProblem>& problems);
+    // What the file holds that a save can't keep, with its lines.
+    std::vector<ProjectProblem> losses() const;
+    // "C:\game\enemies.xml:12:2": where a behaviour, a component, an entity is declared.
+    std::string placeText(std::uint32_t source, std::uint32_t place) const;
+
+    // --- Rows of the project's own values, of a level, and of an entity with all that its parent gives it.
+    std::vector<ProjectRow> projectRows() const { return zoka::projectRows(m_model); }
+    std::vector<ProjectRow> levelRows(size_t level) const { return zoka::levelRows(m_model, level); }
+    std::vector<ProjectRow> entityRows(size_t level, size_t entity) const {
+        return zoka::entityRows(m_model, level, entity);
+    }
+
+    // --- Edits. Each is one step of undo.
+    // The value in the form in which the file holds it; nothing takes it away, back to what the parent gives.
+    // False with the reason, and everything as it was, when it's refused. With `typing` the edits of one field
+    // become one step, until leaveField.
+    bool setValue(const ProjectField& field, const std::optional<std::string>& value,
+                  std::string* why = nullptr, bool typing = false);
+    void leaveField() { m_edits.endJoining(); }
+    // New ones get a name that is free. `place` is where it will be in its list.
+    void addLevel(size_t place, const std::string& name);
+    void duplicateLevel(size_t level);
+    void removeLevel(size_t level);
+    void moveLevel(size_t from, size_t to);
+    void addEntity(size_t level, size_t place, const std::string& name, const std::string& parent);
+    void duplicateEntity(size_t level, size_t entity);
+    void removeEntity(size_t level, size_t entity);
+    void moveEntity(size_t level, size_t from, size_t to);
+
+    bool canUndo() const { return m_edits.canUndo(); }
+    bool canRedo() const { return m_edits.canRedo(); }
+    // What changed, to be shown; nothing when there was nothing to undo or do again.
+    const ProjectChange* undo();
+    const ProjectChange* redo();
+    bool hasChanges() const { return !m_edits.isSaved(); }
+
+    // --- The file.
+    // The line difference of what a save would write.
+    std::string changesText() const;
+    // Asks what is to be asked, keeps a copy of a file whose content would be lost, writes and loads again; undo
+    // goes on. With `force` also when nothing has changed.
+    ProjectSave save(bool force = false);
+    // Loads again; asks first when edits would be lost.
+    bool reload();
+    // True when the window may close: asks about changes.
+    bool close();
+    // The bytes that a save would write now.
+    std::string text() const;
+
+    // Whether saves leave their step report in the current folder.
+    bool writesStepReport = true;
+
+private:
+    bool load();
+    bool question(const std::string& text);
+    ProjectSave fail(const std::string& message);
+    std::optional<ProjectSave> settleChangesFromOutside(bool& overwrites);
+    void step(ProjectChange change);
+    bool mayDropChanges();
+
+    CJ8ProjectManager& m_model;
+    UserPrompt& m_prompt;
+    std::string m_path;
+    std::string m_bytes;  // of the file, as loaded
+    std::vector<ProjectLoss> m_losses;
+    ProjectEdits m_edits;
+    std::string m_problem;
+    mutable std::optional<ProjectPlaces> m_places;
+};
+
+}  // namespace zoka

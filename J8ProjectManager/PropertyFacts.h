@@ -1,0 +1,54 @@
+// What a typed value of a component or a skill may be, and the row that shows it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "J8ProjectManager/J8Types.h"
+#include "controls/EntryFacts.h"
+
+namespace zoka {
+
+// A property's or a skill's own words; what they point to must outlive it.
+struct J8TypedValue {
+    const std::string& name;
+    J8Type type;
+    const std::string& doc;
+    const std::vector<J8Constraint>& constraints;
+    const std::vector<J8Enum>& enums;
+
+    static J8TypedValue of(const J8Property& property) {
+        return {property.name, property.type, property.doc, property.constraints, property.enums};
+    }
+    static J8TypedValue of(const J8Skill& skill) {
+        return {skill.name, skill.type, skill.doc, skill.constraints, skill.enums};
+    }
+};
+
+// The limits among the constraints, whose words are compared without regard to case: "min", "max" and "step"
+// hold numbers, "list" the values allowed, separated by commas. Other words, and numbers that are none, limit
+// nothing.
+struct J8Limits {
+    std::optional<double> minimum, maximum, step;
+    std::vector<std::string> list;
+};
+J8Limits limitsOf(const std::vector<J8Constraint>& constraints);
+
+// The row of a value that the file holds. A drop list shows the names of enumeration entries. `inherited` is what
+// holds without the value.
+EntryFacts factsOf(const J8TypedValue& typed, const std::string& value,
+                   const std::optional<std::string>& inherited = std::nullopt);
+// Between what a file holds and what the row's control shows: names of enumeration entries, "1" and "0" of switches.
+// `before` tells how the file wrote it, so that "true" becomes "false" and "1" becomes "0".
+std::string shownValue(const J8TypedValue& typed, const std::string& stored);
+std::string storedValue(const J8TypedValue& typed, const std::string& shown, const std::string& before);
+
+// Why a file may not hold that value, in words for the user; empty when it may.
+std::string valueRefusal(const J8TypedValue& typed, std::string_view value);
+
+// "min 0, max 100, step 5", for help and lists; empty without limits.
+std::string limitsText(const J8TypedValue& typed);
+
+}  // namespace zoka

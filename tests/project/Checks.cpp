@@ -1,0 +1,101 @@
+#include "tests/project/Checks.h"
+
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/ProjectCheck.h"
+#include "J8ProjectManager/ProjectFields.h"
+#include "J8ProjectManager/ProjectLosses.h"
+#include "J8ProjectManager/ProjectPlaces.h"
+#include "J8ProjectManager/ProjectRows.h"
+#include "util/OsFiles.h"
+
+namespace zoka::test {
+namespace {
+
+void put(const std::string& path, std::string_view bytes) {
+    if (const auto file = osFiles().openForWriting(path, OsOpen::Truncate)) {
+        file->write(bytes);
+    }
+}
+
+// Writes the files beside the project; gives the project file's own bytes.
+std::string_view spread(std::string_view files, const std::string& folder) {
+    constexpr std::string_view kMark = "\n---\n";
+    std::vector<std::string_view> parts;
+    while (parts.size() < 2 && files.find(kMark) != files.npos) {
+        parts.push_back(files.substr(0, files.find(kMark)));
+        files.remove_prefix(files.find(kMark) + kMark.size());
+    }
+    parts.push_back(files);
+    put(folder + "\\b.xml", parts.size() > 1 ? parts[1] : "");
+    put(folder + "\\c.xml", parts.size() > 2 ? parts[2] : "");
+    return parts[0];
+}
+
+void load(CJ8ProjectManager& project, std::string_view bytes, const std::string& folder) {
+    XMLResults results;
+    project.loadFromTree(XMLNode::parseBytes(bytes, "Project", &results), folder + "\\game.xml", false,
+                         &results);
+}
+
+std::string allFields(const CJ8ProjectManager& project) {
+    std::string text;
+    forEachField(project, [&](const ProjectField& field, const std::string& address) {
+        text += address + "=" + fieldValue(project, field).value_or("<none>") + "\n";
+    });
+    return text;
+}
+
+}  // namespace
+
+std::string loadFault(std::string_view files, const std::string& folder) {
+    const std::string_view bytes = spread(files, folder);
+    CJ8ProjectManager project;
+    load(project, bytes, folder);
+    ProjectPlaces places(project);
+    for (const J8Finding& finding : project.findings()) {
+        if (finding.source >= project.sources().size() || places.text(finding).empty()) {
+            return "a finding of no file: " + finding.text;
+        }
+    }
+    for (const J8Finding& finding : checkProject(project)) {
+        if (finding.text.empty()) {
+            return "a finding without a text";
+        }
+    }
+    const XMLNode document = XMLNode::parseBytes(bytes);
+    if (!document.isEmpty()) {
+        lossesOf(document, project.createXMLTopNode({}, "1"));
+    }
+    for (size_t level = 0; level < project.m_apLevels.size() && level < 20; ++level) {
+        for (size_t entity = 0; entity < project.m_apLevels[level].m_entities.size() && entity < 20;
+             ++entity) {
+            for (const ProjectRow& row : entityRows(project, level, entity)) {
+                std::string why;
+                if (row.hasField && fieldAt(project, addressOf(project, row.field), why) != row.field) {
+                    return "not found again: " + addressOf(project, row.field);
+                }
+            }
+        }
+    }
+    return {};
+}
+
+std::string saveFault(std::string_view files, const std::string& folder) {
+    CJ8ProjectManager project, again;
+    load(project, spread(files, folder), folder);
+    const auto text = project.fileText({}, "1");
+    if (!text) {
+        return "not written";
+    }
+    load(again, *text, folder);
+    project.m_date = again.m_date;
+    if (allFields(project) != allFields(again)) {
+        return "read back as\n" + allFields(again) + "and not as\n" + allFields(project);
+    }
+    const auto second = again.fileText({}, "1");
+    return second == text ? "" : "written again as\n" + second.value_or("") + "\nand not as\n" + *text;
+}
+
+}  // namespace zoka::test

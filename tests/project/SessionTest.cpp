@@ -1,0 +1,306 @@
+// What the Project Manager decides: edits, undo, what a save asks and keeps.
+#include "J8ProjectManager/ProjectSession.h"
+
+#include <algorithm>
+#include <random>
+
+#include "tests/project/ProjectFiles.h"
+#include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using zoka::ProjectField;
+using zoka::ProjectSave;
+using zoka::ProjectSession;
+using zoka::PromptAnswer;
+using Kind = zoka::ProjectField::Kind;
+
+namespace {
+
+constexpr char kElements[] =
+    "\t<Behavior proj_file=\"b.xml\"/>\n\t<Level name=\"harbour\" mapfile=\"h.zlb\">\n\t\t<Doc>by the "
+    "sea</Doc>\n"
+    "\t\t<Entity name=\"guard\" parent=\"g\">\n\t\t\t<Skill num=\"1\" value=\"5\"/>\n"
+    "\t\t\t<Component name=\"body\">\n\t\t\t\t<Edit name=\"mass\" value=\"7\"/>\n\t\t\t</Component>\n"
+    "\t\t</Entity>\n\t\t<Entity name=\"guard\"/>\n\t</Level>\n\t<Level name=\"a/b#1\"/>";
+constexpr char kBehaviors[] =
+    "<Behaviors><Component proj_file='c.xml'/><Behavior name='g'><Skill num='1' name='Health' type='int' "
+    "value='9'>"
+    "<Constraint type='min' value='0'/><Constraint type='max' value='10'/></Skill>"
+    "<Skill num='2' name='Side' value='t'><Enum name='Town' value='t'/><Enum name='Fort' value='f'/></Skill>"
+    "<Component name='body'><Edit name='solid' value='FALSE'/></Component></Behavior></Behaviors>";
+constexpr char kComponents[] =
+    "<Components><Component name='body'><Property name='mass' type='int' value='3' edit='true'/>"
+    "<Property name='solid' type='bool' value='true' edit='true'/><Property name='fixed' type='string' "
+    "value='x'/>"
+    "</Component></Components>";
+
+class ProjectSessionTest : public zoka::test::ProjectFiles {
+protected:
+    ProjectSessionTest() {
+        folder.write("b.xml", kBehaviors);
+        folder.write("c.xml", kComponents);
+        path = project(kElements);
+        session.writesStepReport = false;
+        EXPECT_TRUE(session.open(path)) << session.problem();
+    }
+    bool set(const std::string& address, std::optional<std::string> value, bool typing = false) {
+        why.clear();
+        const auto field = zoka::fieldAt(manager, address, why);
+        return field && session.setValue(*field, value, &why, typing);
+    }
+    std::string get(const std::string& address) {
+        const auto field = zoka::fieldAt(manager, address, why);
+        return field ? zoka::fieldValue(manager, *field).value_or("<none>") : "<" + why + ">";
+    }
+    std::string all() const {
+        std::string text;
+        zoka::forEachField(manager, [&](const ProjectField& field, const std::string& address) {
+            text += address + "=" + zoka::fieldValue(manager, field).value_or("<none>") + "\n";
+        });
+        return text;
+    }
+
+    zoka::test::ScriptedPrompt prompt;
+    ProjectSession session{manager, prompt};
+    std::string path, why;
+};
+
+}  // namespace
+
+TEST_F(ProjectSessionTest, AddressesNameEveryValue) {
+    EXPECT_THAT(all(), HasSubstr("level/harbour/entity/guard/skill/1=5\n"
+                                 "level/harbour/entity/guard/component/body/mass=7\n"
+                                 "level/harbour/entity/guard#2/name=guard\n"));
+    EXPECT_THAT(all(), HasSubstr("level/a%2Fb%231/name=a/b#1\n"));
+    zoka::forEachField(manager, [&](const ProjectField& field, const std::string& address) {
+        EXPECT_EQ(zoka::addressOf(manager, field), address);
+        const auto found = zoka::fieldAt(manager, address, why);
+        EXPECT_TRUE(found && zoka::fieldValue(manager, *found) == zoka::fieldValue(manager, field))
+            << address;
+    });
+    for (const char* bad : {"", "level", "level/", "level/none/name", "level/harbour", "level/harbour#3/name",
+                            "level/harbour#x/name", "level/harbour/entity/guard/skill/x", "section/sky",
+                            "level/harbour/entity/guard/component/body", "level/harbour/entity//name"}) {
+        EXPECT_FALSE(zoka::fieldAt(manager, bad, why)) << bad;
+        EXPECT_NE(why, "");
+    }
+}
+
+TEST_F(ProjectSessionTest, EditsAreRefusedTakenAndUndone) {
+    const std::string before = all();
+    const struct {
+        const char* address;
+        const char* value;
+        const char* why;
+    } refused[] = {
+        {"level/harbour/entity/guard/skill/1", "11", "outside its limits (min 0, max 10)"},
+        {"level/harbour/entity/guard/skill/1", "1.5", "a whole number is needed"},
+        {"level/harbour/entity/guard/skill/2", "x", "one of these is needed: t, f"},
+        {"level/harbour/entity/guard/component/body/solid", "maybe", "true or false is needed"},
+        {"level/harbour/name", "", "A name is needed"},
+        {"section/UI", "ui.xml", "must stand in front"},
+    };
+    for (const auto& row : refused) {
+        EXPECT_FALSE(set(row.address, row.value)) << row.address;
+        EXPECT_THAT(why, HasSubstr(row.why));
+        EXPECT_EQ(all(), before);
+        EXPECT_FALSE(session.hasChanges());
+    }
+    EXPECT_TRUE(set("level/harbour/entity/guard/skill/2", "f"));
+    EXPECT_TRUE(set("level/harbour/entity/guard/skill/1", std::nullopt)) << "back to the parent's";
+    EXPECT_TRUE(set("section/UI", "proj:b.xml"));
+    EXPECT_EQ(manager.section(zoka::J8Section::UI).m_type, CJ8File::kProjFile) << "found on the disk";
+    EXPECT_EQ(get("level/harbour/entity/guard/skill/1"), "<none>");
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(session.undo());
+    }
+    EXPECT_FALSE(session.undo());
+    EXPECT_EQ(all(), before);
+    EXPECT_FALSE(session.hasChanges());
+    for (const char* typed : {"h", "ha", "har"}) {
+        EXPECT_TRUE(set("name", typed, true));
+    }
+    EXPECT_TRUE(session.undo());
+    EXPECT_EQ(get("name"), "Game") << "typing is one step";
+}
+
+TEST_F(ProjectSessionTest, LevelsAndEntitiesMoveAndComeBack) {
+    const std::string before = session.text();
+    std::mt19937 random(20);
+    const auto below = [&](size_t n) { return n ? random() % n : 0; };
+    for (int i = 0; i < 400; ++i) {
+        const size_t levels = manager.m_apLevels.size(), level = below(levels);
+        const size_t entities = levels ? manager.m_apLevels[level].m_entities.size() : 0;
+        switch (random() % 9) {
+            case 0:
+                session.addLevel(below(levels + 1), "new");
+                break;
+            case 1:
+                levels ? session.duplicateLevel(level) : (void)0;
+                break;
+            case 2:
+                levels > 3 ? session.removeLevel(level) : (void)0;
+                break;
+            case 3:
+                levels ? session.moveLevel(level, below(levels)) : (void)0;
+                break;
+            case 4:
+                levels ? session.addEntity(level, below(entities + 1), "e", "g") : (void)0;
+                break;
+            case 5:
+                entities ? session.duplicateEntity(level, below(entities)) : (void)0;
+                break;
+            case 6:
+                entities ? session.removeEntity(level, below(entities)) : (void)0;
+                break;
+            case 7:
+                entities ? session.moveEntity(level, below(entities), below(entities)) : (void)0;
+                break;
+            default:
+                if (entities) {
+                    ProjectField field;
+                    field.kind = Kind::EntitySkill;
+                    field.level = level;
+                    field.entity = below(entities);
+                    field.num = 1 + static_cast<int>(below(3));
+                    session.setValue(field, random() % 3 ? std::optional<std::string>("1") : std::nullopt);
+                }
+        }
+    }
+    const std::string after = all();
+    while (session.undo()) {
+    }
+    const auto withoutDate = [](std::string text) { return text.erase(text.find("date="), 17); };
+    EXPECT_EQ(withoutDate(session.text()), withoutDate(before));
+    while (session.redo()) {
+    }
+    EXPECT_EQ(all(), after);
+    ASSERT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(all(), after);
+    while (session.undo()) {
+    }
+    EXPECT_EQ(withoutDate(session.text()), withoutDate(before)) << "undo goes on after a save";
+}
+
+TEST_F(ProjectSessionTest, RowsOfAnEntityTakeItsParentsWords) {
+    std::string text;
+    for (const zoka::ProjectRow& row : session.entityRows(0, 0)) {
+        text += row.facts.label + "|" + row.facts.value + "|" + row.inherited.value_or("-") + "|" +
+                (row.isOwn ? "own" : "") + (row.differs() ? " differs" : "") +
+                (row.hasField && !row.editable ? " shown" : "") + "\n";
+    }
+    EXPECT_EQ(text,
+              "Name|guard|-|own differs\nParent|g|-|own differs\nSkills||-|\nHealth|5|9|own differs\n"
+              "Side|Town|t|\nbody||-|\nmass|7|3|own differs\nsolid|0|FALSE|\nfixed|x|x| shown\n");
+    const std::vector<zoka::ProjectRow> rows = session.entityRows(0, 0);
+    EXPECT_EQ(rows[3].facts.field, zoka::EntryField::Slider);
+    EXPECT_THAT(rows[4].facts.options, ElementsAre("Town", "Fort"));
+    EXPECT_EQ(rows[4].stored("Fort"), "f");
+    EXPECT_EQ(rows[7].stored("1"), "true") << "in the words of the file";
+    EXPECT_EQ(zoka::extrasOf(rows[3].facts).standard, "9");
+}
+
+TEST_F(ProjectSessionTest, SaveTellsWhatItLosesAndKeepsACopy) {
+    const std::string with =
+        project(std::string("<!-- mine -->") + kElements + "\n\t<Level name='c' sky='blue'/>\n" +
+                "\t<Fog depth='2'><Color/></Fog>\n\t<Behavior proj_file='gone.xml'/>");
+    ASSERT_TRUE(session.open(with));
+    const std::string old = folder.read("game.xml");
+    std::vector<std::string> lost;
+    for (const zoka::ProjectProblem& loss : session.losses()) {
+        lost.push_back(std::to_string(loss.line) + ": " + loss.text.substr(21));
+    }
+    EXPECT_THAT(lost, ElementsAre("1: the comment \"mine\"",
+                                  "15: the attribute sky=\"blue\" of <Level name=\"c\" sky=\"blue\">",
+                                  "16: <Fog depth=\"2\"> and what is in it",
+                                  "17: <Behavior proj_file=\"gone.xml\">"));
+    EXPECT_EQ(session.save(), ProjectSave::NothingToSave);
+    ASSERT_TRUE(set("name", "New"));
+    prompt.answers = {PromptAnswer::No};
+    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(folder.read("game.xml"), old);
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_THAT(prompt.asked.back().text, HasSubstr("line 16: <Fog depth=\"2\"> and what is in it\n"));
+    EXPECT_EQ(folder.read("game.xml.1.bak"), old);
+    EXPECT_TRUE(session.losses().empty());
+    ASSERT_TRUE(set("name", "Newer"));
+    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(folder.read("game.xml.2.bak"), "<missing>") << "nothing was lost";
+}
+
+TEST_F(ProjectSessionTest, ChangesFromOutside) {
+    const auto touch = [&] {
+        std::string text = folder.read("game.xml");
+        folder.write("game.xml", text.insert(text.find("<Level"), "<Level name='theirs'/>"));
+    };
+    ASSERT_TRUE(set("level/harbour/doc", "mine"));
+    touch();
+    const std::string theirs = folder.read("game.xml");
+    prompt.answers = {PromptAnswer::Cancel, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(folder.read("game.xml"), theirs);
+    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(get("level/harbour/doc"), "mine");
+    EXPECT_EQ(manager.m_apLevels[0].m_name, "theirs");
+    EXPECT_TRUE(session.undo());
+    EXPECT_EQ(get("level/harbour/doc"), "by the sea");
+
+    ASSERT_TRUE(set("level/harbour/doc", "again"));
+    touch();
+    const std::string lost = folder.read("game.xml");
+    prompt.answers = {PromptAnswer::No};
+    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(folder.read("game.xml.1.bak"), lost) << "what is overwritten is kept";
+
+    ASSERT_TRUE(set("level/harbour/doc", "third"));
+    folder.write("game.xml", "<Project><Level name='other'/></Project>");
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), ProjectSave::Failed);
+    EXPECT_THAT(session.problem(), HasSubstr("nothing was saved yet:\n\nlevel/harbour/doc\n"));
+    folder.write("game.xml", "<Project");
+    ASSERT_TRUE(set("name", "x"));
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), ProjectSave::Failed);
+    EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
+}
+
+TEST_F(ProjectSessionTest, CloseAndReloadAsk) {
+    EXPECT_TRUE(session.close());
+    ASSERT_TRUE(set("name", "x"));
+    prompt.answers = {PromptAnswer::Cancel, PromptAnswer::No, PromptAnswer::No, PromptAnswer::Yes};
+    EXPECT_FALSE(session.close());
+    EXPECT_TRUE(session.close());
+    EXPECT_FALSE(session.reload());
+    EXPECT_EQ(get("name"), "x");
+    EXPECT_TRUE(session.reload());
+    EXPECT_EQ(get("name"), "Game");
+}
+
+TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
+    project(std::string("<!-- kept in the copy -->") + kElements);
+    ASSERT_TRUE(session.open(path));
+    const std::string old = folder.read("game.xml");
+    for (int failing = 1;; ++failing) {
+        folder.write("game.xml", old);
+        ASSERT_TRUE(session.open(path));
+        ASSERT_TRUE(set("name", "x"));
+        prompt.answers = {PromptAnswer::Yes};
+        zoka::test::FaultyOsFiles faulty(zoka::test::FaultyOsFiles::nth(failing));
+        const ProjectSave saved = session.save();
+        prompt.answers.clear();
+        const std::string now = folder.read("game.xml");
+        if (faulty.operations() < failing) {
+            EXPECT_EQ(saved, ProjectSave::Saved);
+            break;
+        }
+        EXPECT_TRUE(now == old || now.find("name=\"x\"") != now.npos) << failing << "\n" << now;
+        EXPECT_TRUE(saved == ProjectSave::Saved || !session.problem().empty()) << failing;
+        if (now == old) {
+            EXPECT_EQ(get("name"), "x") << "operation " << failing << " cost the edit";
+        }
+        ASSERT_LT(failing, 200);
+    }
+}
