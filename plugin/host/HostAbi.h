@@ -86,13 +86,28 @@ struct AppInterface {
 static_assert(sizeof(void*) != 4 || sizeof(ZunCommandRecord) == zoka::kRecordSize);
 static_assert(offsetof(AppInterface, editor) == 10 * sizeof(void*));
 
-// --- The selected entity
+// --- Entities
 
-// What the host lets a panel do with the selected entity, reached through the host context's third word. A
-// table of cdecl functions, each handed the table itself; the host's own, valid as long as the context.
-// Callable on the editor's thread and on a panel's thread: the host does its own locking. Results: 1 done, 0
-// not (no such number, or the entity is gone), and then the outputs are untouched.
+namespace zoka {
+
+inline constexpr int kEntitySkills = 20;  // numbered from 1
+inline constexpr int kEntityFlags = 8;    // likewise
+
+// Bytes of the buffer for an entity's name, the terminator included.
+inline constexpr size_t kHostEntityNameSize = 256;
+
+}  // namespace zoka
+
+// What the host lets a panel do with entities, reached through the host context's third word. A table of cdecl
+// functions, each handed the table itself; the host's own, valid as long as the context. Callable on the
+// editor's thread and on a panel's thread: the host does its own locking. Results: 1 done, 0 not (no such
+// number, or the entity is gone), and then the outputs are untouched.
 struct HostEntityOperations {
+    // Bytes of this table as the host knows it; a host of an earlier kind ends it before the optional part.
+    std::int32_t size;
+
+    // The entity that the context names.
+
     // Where the entity's behaviour stands: full path of the script (zero-terminated, at most `size`
     // bytes), and the action's block in it in bytes. 0 when the entity has no behaviour or its
     // script has no such action.
@@ -103,13 +118,35 @@ struct HostEntityOperations {
     std::int32_t (*setSkill)(HostEntityOperations* self, std::int32_t number, float value);
     std::int32_t (*getFlag)(HostEntityOperations* self, std::int32_t number, std::int32_t* value);
     std::int32_t (*setFlag)(HostEntityOperations* self, std::int32_t number, std::int32_t value);
+
+    // Optional: the table may end here, or these may be null. A host has all of them or is taken to have none.
+
+    // How many entities are selected at this moment, and their names (zero-terminated, at most `size` bytes) by
+    // index from 0.
+    std::int32_t (*countSelected)(HostEntityOperations* self);
+    std::int32_t (*getSelectedName)(HostEntityOperations* self, std::int32_t index, char* name,
+                                    std::int32_t size);
+    // The operations above, on any entity of the level by its name.
+    std::int32_t (*getActionBlockOf)(HostEntityOperations* self, const char* entity, char* path,
+                                     std::int32_t size, std::int32_t* start, std::int32_t* length);
+    std::int32_t (*getSkillOf)(HostEntityOperations* self, const char* entity, std::int32_t number,
+                               float* value);
+    std::int32_t (*setSkillOf)(HostEntityOperations* self, const char* entity, std::int32_t number,
+                               float value);
+    std::int32_t (*getFlagOf)(HostEntityOperations* self, const char* entity, std::int32_t number,
+                              std::int32_t* value);
+    std::int32_t (*setFlagOf)(HostEntityOperations* self, const char* entity, std::int32_t number,
+                              std::int32_t value);
+
+    // Optional by itself: another number whenever an entity, the level or the selection has changed.
+    std::int32_t (*getChangeCount)(HostEntityOperations* self, std::uint32_t* count);
 };
 
 // --- Procedures
 
-// What the host hands to a panel procedure besides the procedure's record. Owned by the host; it stays valid until the panel is closed. The entity's name is copied when the
-// procedure starts, so the host may change that text later. A null context, a null name and null
-// operations are all allowed.
+// What the host hands to a panel procedure besides the procedure's record. Owned by the host; it stays valid
+// until the panel is closed. The entity's name is copied when the procedure starts, so the host may change that
+// text later. A null context, a null name and null operations are all allowed.
 struct HostContext {
     std::intptr_t taken;     // set to 1 when the plug-in takes the context for a panel of the project's own
     const char* entityName;  // zero-terminated
