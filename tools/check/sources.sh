@@ -1,9 +1,8 @@
 #!/bin/bash
 # Checks that no source has been forgotten: sources.sh LINUX_BUILD [WINDOWS_BUILD] [ROOT]
 #
-# Every .cpp file must be compiled in each build that it is meant for: those in win/ folders,
-# the stand-in editor and the window tests on Windows, those in posix/ folders natively, all
-# others in both. Without WINDOWS_BUILD ("") only the native ones are looked at. Benchmarks
+# Every .cpp file must be compiled in each build that it is meant for: those in win/ folders
+# on Windows, those in posix/ folders natively, all others in both. Without WINDOWS_BUILD ("") only the native ones are looked at. Benchmarks
 # and fuzz targets have builds of their own; their folder's CMakeLists.txt must name them.
 set -euo pipefail
 linux=$1 windows=${2:-}
@@ -30,7 +29,7 @@ while IFS= read -r source; do
         grep -qwFs -- "$(basename "$source" .cpp)" "$list" || finding "$source: not named in $list"
         continue
         ;;
-    */win/* | tools/editor/* | tests/window/*) for_linux=no for_windows=yes ;;
+    */win/*) for_linux=no for_windows=yes ;;
     */posix/*) for_linux=yes for_windows=no ;;
     *) for_linux=yes for_windows=yes ;;
     esac

@@ -133,6 +133,33 @@ size_t endOfBody(std::string_view text, size_t at) {
     return text.size();
 }
 
+// The start of the comment lines directly above `at` that describe the action: from the line "// action: NAME"
+// on. `at` itself when there are none.
+size_t startOfDescription(std::string_view text, size_t at, std::string_view action) {
+    size_t below = text.substr(0, at).find_last_of('\n') + 1;  // the line's start
+    if (text.substr(below, at - below).find_first_not_of(kBlanks) != text.npos) {
+        return at;
+    }
+    while (below > 0) {
+        const size_t above = text.substr(0, below - 1).find_last_of('\n') + 1;
+        std::string_view line = text.substr(above, below - above);
+        line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+        if (!line.starts_with("//")) {
+            break;
+        }
+        line.remove_prefix(2);
+        line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+        const std::string_view word = wordAt(line, 0);
+        const size_t name = std::min(line.find_first_not_of(": \t", word.size()), line.size());
+        if (equalFolded(word, "action") && name > word.size() && equalFolded(wordAt(line, name), action) &&
+            line.substr(word.size(), name - word.size()).find(':') != line.npos) {
+            return above;
+        }
+        below = above;
+    }
+    return at;
+}
+
 }  // namespace
 
 std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) {
@@ -244,7 +271,8 @@ std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_
         if (!equalFolded(wordAt(script, name), action)) {
             continue;
         }
-        return ActionBlock{start, endOfBody(script, name) - start};
+        const size_t first = startOfDescription(script, start, action);
+        return ActionBlock{first, endOfBody(script, name) - first};
     }
     return std::nullopt;
 }

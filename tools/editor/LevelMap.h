@@ -21,10 +21,9 @@
 #include <string_view>
 #include <vector>
 
-namespace zoka {
+#include "plugin/host/HostAbi.h"
 
-inline constexpr int kEntitySkills = 20;
-inline constexpr int kEntityFlags = 8;
+namespace zoka {
 
 struct LevelEntity {
     std::string name;
@@ -47,8 +46,8 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error);
 // The level as text, lines ended by CR LF; reads back equal. An entity's comments stand in front of it.
 std::string writeLevelMap(const LevelMap& level);
 
-// Where an action's text stands in its script: from the word "action" to the brace that closes its body, or
-// to the end of the text when no brace does. Nothing when the script has no such action. Comments and quoted
+// Where an action's text stands in its script: from the word "action", or the comment "// action: NAME" directly
+// above it, to the brace that closes its body, or to the end of the text when no brace does. Nothing when the script has no such action. Comments and quoted
 // texts are passed over; names are compared without regard to case.
 struct ActionBlock {
     size_t start;

@@ -65,6 +65,7 @@ private:
     // Like onEditor(), but always waits, and the result goes nowhere.
     void askEditor(std::function<void()> work);
     ProcedureState& procedure(const std::string& name);  // to be called on the editor's thread
+    LevelEntity entity(const std::string& name) const;   // a fault when the level has none of that name
     HWND window() const;                                 // the current one; a fault when it is gone
     HWND control(const std::string& name) const;         // waits for it to be there
     HWND usableControl(const std::string& name) const;   // waits for it to be there and enabled
@@ -87,6 +88,12 @@ private:
     void executeStale(const Words&);
     void terminate(const Words&);
     void select(const Words&);
+    void deleteEntity(const Words&);
+    void setSkill(const Words&);
+    void setFlag(const Words&);
+    void expectSkill(const Words&);
+    void expectFlag(const Words&);
+    void entityAnswers(const Words&);
     void unload(const Words&);
     void freeLibrary(const Words&);
     void editorInterface(const Words&);

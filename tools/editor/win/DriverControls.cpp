@@ -105,6 +105,9 @@ void chooseTab(HWND control, int index) {
 void chooseRow(HWND control, int index) {
     LVITEMA item{};
     item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    if (!(GetWindowLongPtrA(control, GWL_STYLE) & LVS_SINGLESEL)) {
+        ask(control, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+    }
     item.state = item.stateMask;
     ask(control, LVM_SETITEMSTATE, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
     ask(control, LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);

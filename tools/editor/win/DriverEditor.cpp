@@ -1,4 +1,5 @@
 // The drive script's commands that call the plug-in and steer the editor.
+#include <charconv>
 #include <cstdio>
 
 #include "tools/editor/win/Driver.h"
@@ -19,7 +20,13 @@ void Driver::addEditorCommands(std::map<std::string, Command>& table) {
     table["execute"] = {1, 2, &Driver::execute};
     table["execute-stale"] = {1, 2, &Driver::executeStale};
     table["terminate"] = {1, 1, &Driver::terminate};
-    table["select"] = {1, 1, &Driver::select};
+    table["select"] = {1, 1000, &Driver::select};
+    table["delete-entity"] = {1, 1, &Driver::deleteEntity};
+    table["set-skill"] = {3, 3, &Driver::setSkill};
+    table["set-flag"] = {3, 3, &Driver::setFlag};
+    table["expect-skill"] = {3, 3, &Driver::expectSkill};
+    table["expect-flag"] = {3, 3, &Driver::expectFlag};
+    table["entities"] = {1, 1, &Driver::entityAnswers};
     table["unload"] = {0, 0, &Driver::unload};
     table["free-library"] = {0, 0, &Driver::freeLibrary};
     table["editor-interface"] = {1, 1, &Driver::editorInterface};
@@ -137,15 +144,102 @@ void Driver::terminate(const Words& words) {
 }
 
 void Driver::select(const Words& words) {
-    onEditor([this, name = words[0]] {
-        const bool there =
-            name.empty() || m_editor.level().withEntity(name, [](LevelEntity&) { return true; });
-        if (!there) {
-            throw DriveFault("the level has no entity \"" + name + "\"");
+    onEditor([this, words] {
+        std::vector<std::string> names;
+        for (const std::string& name : words) {
+            if (!name.empty()) {
+                entity(name);
+                names.push_back(name);
+            }
         }
-        m_editorWindow.selectEntity(name);
+        m_editorWindow.selectEntities(names);
         return 1;
     });
+}
+
+LevelEntity Driver::entity(const std::string& name) const {
+    LevelEntity found;
+    const auto copy = [&](LevelEntity& one) {
+        found = one;
+        return true;
+    };
+    if (!m_editor.level().withEntity(name, copy)) {
+        throw DriveFault("the level has no entity \"" + name + "\"");
+    }
+    return found;
+}
+
+void Driver::deleteEntity(const Words& words) {
+    entity(words[0]);
+    m_editor.level().erase(words[0]);
+}
+
+namespace {
+
+// The place of skill or flag `word` among `last` of them.
+size_t placeOf(const std::string& word, int last) {
+    const long number = driveNumber(word);
+    if (number < 1 || number > last) {
+        throw DriveFault("there are the numbers 1 to " + std::to_string(last) + " only");
+    }
+    return static_cast<size_t>(number - 1);
+}
+
+float skillValue(const std::string& word) {
+    float value = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (error != std::errc() || end != word.data() + word.size()) {
+        throw DriveFault("\"" + word + "\" is no number");
+    }
+    return value;
+}
+
+}  // namespace
+
+void Driver::setSkill(const Words& words) {
+    entity(words[0]);
+    const size_t place = placeOf(words[1], kEntitySkills);
+    const float value = skillValue(words[2]);
+    m_editor.level().withEntity(words[0], [&](LevelEntity& one) {
+        one.skills[place] = value;
+        return true;
+    });
+    m_editor.level().entityChanged();
+}
+
+void Driver::setFlag(const Words& words) {
+    entity(words[0]);
+    const std::uint32_t bit = 1U << placeOf(words[1], kEntityFlags);
+    const bool on = words[2] != "0";
+    m_editor.level().withEntity(words[0], [&](LevelEntity& one) {
+        one.flags = on ? one.flags | bit : one.flags & ~bit;
+        return true;
+    });
+    m_editor.level().entityChanged();
+}
+
+void Driver::expectSkill(const Words& words) {
+    const size_t place = placeOf(words[1], kEntitySkills);
+    const float value = skillValue(words[2]);
+    expect([&] { return entity(words[0]).skills[place] == value; },
+           "skill " + words[1] + " of " + words[0] + " to be " + words[2],
+           [&] { return std::to_string(entity(words[0]).skills[place]); });
+}
+
+void Driver::expectFlag(const Words& words) {
+    const size_t place = placeOf(words[1], kEntityFlags);
+    const auto value = [&] { return entity(words[0]).flags >> place & 1U; };
+    expect([&] { return value() == (words[2] != "0"); },
+           "flag " + words[1] + " of " + words[0] + " to be " + words[2],
+           [&] { return std::to_string(value()); });
+}
+
+void Driver::entityAnswers(const Words& words) {
+    EntityAnswers answers = EntityAnswers::All;
+    if (!readEntityAnswers(words[0], answers)) {
+        throw DriveFault("entities is all, one or refuse");
+    }
+    m_editor.setEntityAnswers(answers);
 }
 
 void Driver::unload(const Words&) {

@@ -46,7 +46,6 @@ bool Editor::openLevel(const std::string& path, std::string& error) {
         return false;
     }
     m_projectFolder = m_level.folder();
-    m_selected.clear();
     m_log.add("open " + quoted(path.c_str()), std::to_string(m_level.map().entities.size()) + " entities");
     changed();
     return true;
@@ -72,7 +71,7 @@ void Editor::readProcedures() {
     forgetProcedures();
     for (PluginProcDef* const record : m_library.readRecords()) {
         if (m_procedures.size() == m_states.size()) {
-            m_states.push_back(std::make_unique<ProcedureState>(m_level));
+            m_states.push_back(std::make_unique<ProcedureState>(m_level, m_answers));
         }
         ProcedureState* const state = m_states[m_procedures.size()].get();
         state->record = record;
@@ -116,12 +115,15 @@ std::int32_t Editor::execute(ProcedureState& procedure) {
     if (!procedure.record || !procedure.record->execute) {
         return 0;
     }
-    HostContext* context = nullptr;
-    if (!m_selected.empty()) {
-        procedure.entity.select(m_selected);
-        procedure.context = {0, procedure.entity.entity().c_str(), &procedure.entity};
-        context = &procedure.context;
+    // An open panel keeps the context that it was given.
+    if (!procedure.isBusy()) {
+        const std::vector<std::string> selected = m_level.selection();
+        procedure.entity.select(selected.empty() ? "" : selected.front());
+        const char* const name = selected.empty() ? nullptr : procedure.entity.entity().c_str();
+        procedure.context = {0, name, &procedure.entity};
     }
+    const bool any = procedure.context.entityName || m_answers != EntityAnswers::One;
+    HostContext* const context = any ? &procedure.context : nullptr;
     return m_library.execute(procedure.record, context, &procedure.busy);
 }
 

@@ -2,6 +2,7 @@
 // they run. The window shows it; the drive scripts steer it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -11,6 +12,7 @@
 #include "plugin/host/HostAbi.h"
 #include "tools/editor/win/CallLog.h"
 #include "tools/editor/win/EditorHost.h"
+#include "tools/editor/win/EntityHandle.h"
 #include "tools/editor/win/HostTable.h"
 #include "tools/editor/win/OpenLevel.h"
 #include "tools/editor/win/PluginLibrary.h"
@@ -20,7 +22,7 @@ namespace zoka {
 // What a procedure of the plug-in is given besides its record. Kept as long as the editor, so that a panel
 // which outlives its procedure never writes into freed memory.
 struct ProcedureState {
-    explicit ProcedureState(OpenLevel& level) : entity(level) {}
+    ProcedureState(OpenLevel& level, const std::atomic<EntityAnswers>& answers) : entity(level, answers) {}
 
     PluginProcDef* record = nullptr;  // null once the plug-in is unloaded
     std::int32_t busy = 0;            // written by the plug-in on any thread: use isBusy()
@@ -53,15 +55,16 @@ public:
     const std::vector<ProcedureState*>& procedures() const { return m_procedures; }
     ProcedureState* procedure(const std::string& name) const;
 
-    // Calls the procedure's execute for the selected entity (none selected: no context). Does not look at the
+    // Calls the procedure's execute for the selected entities, the first of which the context names. Where none
+    // is selected there is a context only if its operations can tell of a later selection. Does not look at the
     // busy word.
     std::int32_t execute(ProcedureState& procedure);
     // 1 without a call when the procedure has no terminate.
     std::int32_t terminate(ProcedureState& procedure);
 
-    // The entity that procedures are run for; empty: none.
-    void selectEntity(const std::string& name) { m_selected = name; }
-    const std::string& selectedEntity() const { return m_selected; }
+    // How the operations on entities answer. The table's size counts for panels opened from now on.
+    void setEntityAnswers(EntityAnswers answers) { m_answers = answers; }
+    EntityAnswers entityAnswers() const { return m_answers; }
 
     PluginLibrary& library() { return m_library; }
     HostTable& hostTable() { return m_table; }
@@ -86,7 +89,7 @@ private:
     HostTable m_table;
     PluginLibrary m_library;
     std::string m_projectFolder;
-    std::string m_selected;
+    std::atomic<EntityAnswers> m_answers{EntityAnswers::All};
     std::vector<std::unique_ptr<ProcedureState>> m_states;  // grows to the longest table seen; never shrinks
     std::vector<ProcedureState*> m_procedures;
 };

@@ -106,6 +106,10 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
     append(host, kCommandHostEmpty, "Answer &empty texts");
     append(host, kCommandHostFull, "Fill &whole buffers");
     separate(host);
+    append(host, kCommandEntitiesAll, "&Several entities at once");
+    append(host, kCommandEntitiesOne, "&One entity alone");
+    append(host, kCommandEntitiesRefuse, "&Refuse entities");
+    separate(host);
     append(host, kCommandClearLog, "&Clear the log");
 
     UINT index = 0;
@@ -173,6 +177,9 @@ void EditorMenu::refresh(HWND window, const Editor& editor) {
     enable(bar, kCommandUnloadPlugin, const_cast<Editor&>(editor).library().loaded());
     const auto fault = static_cast<UINT>(const_cast<Editor&>(editor).hostTable().fault());
     CheckMenuRadioItem(bar, kCommandHostNormal, kCommandHostFull, kCommandHostNormal + fault, MF_BYCOMMAND);
+    const auto answers = static_cast<UINT>(editor.entityAnswers());
+    CheckMenuRadioItem(bar, kCommandEntitiesAll, kCommandEntitiesRefuse, kCommandEntitiesAll + answers,
+                       MF_BYCOMMAND);
 }
 
 bool findMenuItem(HMENU bar, const std::string& path, UINT& command, UINT& state) {

@@ -22,6 +22,9 @@ enum EditorCommand : UINT {
     kCommandHostFail,
     kCommandHostEmpty,
     kCommandHostFull,
+    kCommandEntitiesAll,
+    kCommandEntitiesOne,
+    kCommandEntitiesRefuse,
     kCommandClearLog,
     kCommandAbout,
     kCommandProcedure = 0x1000,  // and the procedure's index

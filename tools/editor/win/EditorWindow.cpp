@@ -16,6 +16,7 @@ constexpr char kClassName[] = "ZunStandInEditor";
 constexpr char kTitle[] = "ZUN stand-in editor";
 constexpr UINT kMessageJobs = WM_APP + 1;
 constexpr UINT kMessageLog = WM_APP + 2;
+constexpr UINT kMessageSelection = WM_APP + 3;
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerPeriod = 200;  // ms between looks at the busy words
 constexpr int kSplitter = 6;        // pixels between list and log
@@ -225,6 +226,9 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
         case kMessageJobs:
             runJobs();
             return 0;
+        case kMessageSelection:
+            takeSelection();
+            return 0;
         case kMessageLog:
             showLog();
             return 0;
@@ -257,8 +261,8 @@ void EditorWindow::addColumn(HWND list, int index, const char* title, int width,
 HWND EditorWindow::createList(int id, DWORD style) {
     const HWND list = CreateWindowExA(
         WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
-        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | LVS_SINGLESEL | style, 0, 0, 0,
-        0, m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr), nullptr);
+        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | style, 0, 0, 0, 0, m_window,
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr), nullptr);
     ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
     SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
     return list;
@@ -271,7 +275,7 @@ void EditorWindow::onCreate() {
     addColumn(m_entities, 2, "Position", 140, false);
     addColumn(m_entities, 3, "Skills", 250, false);
     addColumn(m_entities, 4, "Flags", 90, false);
-    m_log = createList(kIdLog, LVS_OWNERDATA | LVS_NOSORTHEADER);
+    m_log = createList(kIdLog, LVS_OWNERDATA | LVS_NOSORTHEADER | LVS_SINGLESEL);
     addColumn(m_log, 0, "Thread", 90, false);
     addColumn(m_log, 1, "Call", 430, false);
     addColumn(m_log, 2, "Answer", 320, false);
@@ -323,12 +327,18 @@ LRESULT EditorWindow::onNotify(NMHDR& header) {
         }
     } else if (header.hwndFrom == m_entities && header.code == LVN_ITEMCHANGED) {
         const auto& change = reinterpret_cast<NMLISTVIEW&>(header);
-        if ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) {
-            char name[300] = {};
-            const int row = ListView_GetNextItem(m_entities, -1, LVNI_SELECTED);
-            if (row >= 0) ListView_GetItemText(m_entities, row, 0, name, sizeof name);
-            m_editor.selectEntity(name);
-            showStatus();
+        // A click changes several rows one after the other: looked at when it is done with.
+        if (((change.uNewState ^ change.uOldState) & LVIS_SELECTED) && !m_filling && !m_selectionChanged) {
+            m_selectionChanged = true;
+            PostMessageA(m_window, kMessageSelection, 0, 0);
+        }
+    } else if (header.hwndFrom == m_entities && header.code == LVN_KEYDOWN) {
+        if (reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE) {
+            takeSelection();
+            for (const std::string& name : m_editor.level().selection()) {
+                m_editor.level().erase(name);
+            }
+            showEntities();
         }
     } else if (header.hwndFrom == m_entities && header.code == NM_DBLCLK) {
         if (ProcedureState* const procedure = m_editor.procedure("Entity Behavior")) {
@@ -372,6 +382,11 @@ void EditorWindow::onCommand(UINT command) {
         case kCommandHostFull:
             m_editor.hostTable().setFault(static_cast<HostFault>(command - kCommandHostNormal));
             return showStatus();
+        case kCommandEntitiesAll:
+        case kCommandEntitiesOne:
+        case kCommandEntitiesRefuse:
+            m_editor.setEntityAnswers(static_cast<EntityAnswers>(command - kCommandEntitiesAll));
+            return showStatus();
         case kCommandClearLog:
             m_editor.log().clear();
             return;
@@ -383,6 +398,7 @@ void EditorWindow::onCommand(UINT command) {
 }
 
 void EditorWindow::choose(ProcedureState& procedure) {
+    takeSelection();
     if (!procedure.isBusy()) {
         m_editor.execute(procedure);
         return showStatus();
@@ -411,8 +427,10 @@ void EditorWindow::editorChanged() {
 
 void EditorWindow::showEntities() {
     m_shownChanges = m_editor.level().changes();
-    const std::string selected = m_editor.selectedEntity();
+    takeSelection();
+    const std::vector<std::string> selected = m_editor.level().selection();
     const LevelMap map = m_editor.level().map();
+    m_filling = true;
     SendMessageA(m_entities, WM_SETREDRAW, FALSE, 0);
     ListView_DeleteAllItems(m_entities);
     int row = 0;
@@ -427,18 +445,36 @@ void EditorWindow::showEntities() {
         setCell(m_entities, row, 2, positionText(entity));
         setCell(m_entities, row, 3, numbersText(entity));
         setCell(m_entities, row, 4, flagsText(entity));
-        if (entity.name == selected)
+        if (std::find(selected.begin(), selected.end(), entity.name) != selected.end()) {
             ListView_SetItemState(m_entities, row, LVIS_SELECTED | LVIS_FOCUSED,
                                   LVIS_SELECTED | LVIS_FOCUSED);
+        }
         ++row;
     }
-    m_editor.selectEntity(selected);
+    m_filling = false;
     SendMessageA(m_entities, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(m_entities, nullptr, TRUE);
 }
 
-void EditorWindow::selectEntity(const std::string& name) {
-    m_editor.selectEntity(name);
+// What the user has selected in the list since it was last looked at.
+void EditorWindow::takeSelection() {
+    if (!m_selectionChanged) {
+        return;
+    }
+    m_selectionChanged = false;
+    std::vector<std::string> names;
+    for (int row = -1; (row = ListView_GetNextItem(m_entities, row, LVNI_SELECTED)) >= 0;) {
+        char name[kHostEntityNameSize] = {};
+        ListView_GetItemText(m_entities, row, 0, name, sizeof name);
+        names.push_back(name);
+    }
+    m_editor.level().select(std::move(names));
+    showStatus();
+}
+
+void EditorWindow::selectEntities(const std::vector<std::string>& names) {
+    m_selectionChanged = false;
+    m_editor.level().select(names);
     showEntities();
 }
 
@@ -465,6 +501,9 @@ void EditorWindow::showStatus() {
     }
     if (m_editor.hostTable().fault() != HostFault::None) {
         text += "    |    host answers faultily";
+    }
+    if (m_editor.entityAnswers() == EntityAnswers::Refuse) {
+        text += "    |    entities refuse";
     }
     if (text == m_shownStatus) {
         return;

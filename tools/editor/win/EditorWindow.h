@@ -7,6 +7,7 @@
 #include <mutex>
 #include <queue>
 #include <string>
+#include <vector>
 
 #include "tools/editor/win/Editor.h"
 #include "tools/editor/win/EditorMenu.h"
@@ -36,8 +37,8 @@ public:
     // terminate it.
     void choose(ProcedureState& procedure);
 
-    // Marks the entity in the list; an empty name marks none.
-    void selectEntity(const std::string& name);
+    // Selects the entities, in the list too.
+    void selectEntities(const std::vector<std::string>& names);
 
 private:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -51,6 +52,7 @@ private:
     void layOut();
     void dragSplitter(int y);
     void showEntities();
+    void takeSelection();
     void showLog();
     void showStatus();
     void editorChanged();
@@ -73,6 +75,8 @@ private:
     HACCEL m_keys = nullptr;
     int m_logShare = 40;  // percent of the height that the log takes
     bool m_dragging = false;
+    bool m_filling = false;           // the list of entities is being made anew
+    bool m_selectionChanged = false;  // by the user, and not yet looked at
     unsigned m_shownChanges = 0;
     std::string m_shownStatus;
 

@@ -4,8 +4,8 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "plugin/host/HostAbi.h"
 #include "tools/editor/LevelMap.h"
 #include "tools/editor/win/CallLog.h"
 #include "tools/editor/win/SlimLock.h"
@@ -41,6 +41,14 @@ public:
     }
     // To be called after a change, without the lock.
     void entityChanged();
+    void erase(const std::string& entity);
+
+    // The names of the entities that the user has selected, in the level's order. Opening a level clears them.
+    void select(std::vector<std::string> entities);
+    std::vector<std::string> selection() const;
+    // Counts up with every change of an entity or of the selection.
+    unsigned allChanges() const;
+
     CallLog& log() { return m_log; }
 
 private:
@@ -48,31 +56,8 @@ private:
     mutable SlimLock m_mutex;
     std::string m_path;
     LevelMap m_map;
-    unsigned m_changes = 0;
-};
-
-// The operations on one entity as they are handed to a plug-in. Must outlive the panel that was given it;
-// made anew for another entity with select().
-class EntityHandle : public HostEntityOperations {
-public:
-    explicit EntityHandle(OpenLevel& level);
-    EntityHandle(const EntityHandle&) = delete;
-    EntityHandle& operator=(const EntityHandle&) = delete;
-
-    // [editor thread], while no panel holds the handle.
-    void select(const std::string& entity) { m_entity = entity; }
-    const std::string& entity() const { return m_entity; }
-
-private:
-    static EntityHandle& of(HostEntityOperations* self) { return *static_cast<EntityHandle*>(self); }
-    std::int32_t readSkill(std::int32_t number, float* value);
-    std::int32_t writeSkill(std::int32_t number, float value);
-    std::int32_t readFlag(std::int32_t number, std::int32_t* value);
-    std::int32_t writeFlag(std::int32_t number, std::int32_t value);
-    std::int32_t actionBlock(char* path, std::int32_t size, std::int32_t* start, std::int32_t* length);
-
-    OpenLevel& m_level;
-    std::string m_entity;
+    std::vector<std::string> m_selection;
+    unsigned m_changes = 0, m_selectionChanges = 0;
 };
 
 // A file's whole bytes; nothing when it can't be read.

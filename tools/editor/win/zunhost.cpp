@@ -24,6 +24,7 @@ struct Options {
     std::string templates = "templates";
     std::string logFile;
     std::string fault = "normal";
+    std::string entities = "all";
     std::string script;
     std::vector<std::string> values;
     std::string pictures = ".";
@@ -88,6 +89,11 @@ int runEditor(Options options) {
         return complain(options, "--host is normal, fail, empty or full");
     }
 
+    EntityAnswers answers = EntityAnswers::All;
+    if (!readEntityAnswers(options.entities, answers)) {
+        return complain(options, "--entities is all, one or refuse");
+    }
+
     DriveScript script;
     if (!options.script.empty()) {
         std::map<std::string, std::string> values;
@@ -107,6 +113,7 @@ int runEditor(Options options) {
 
     Editor editor(log);
     editor.hostTable().setFault(fault);
+    editor.setEntityAnswers(answers);
     editor.host().setSuite(options.suite, options.templates);
     EditorWindow window(editor);
     if (!window.create(!options.hidden)) {
@@ -153,6 +160,8 @@ int main(int argc, char** argv) {
     app.add_option("--templates", options.templates, "Name of the template folder in it");
     app.add_option("--log", options.logFile, "Write every call to this file");
     app.add_option("--host", options.fault, "How the host answers: normal, fail, empty, full");
+    app.add_option("--entities", options.entities,
+                   "What the operations on entities offer: all, one (the context's alone), refuse");
     app.add_option("--drive", options.script, "Carry out the commands of this file, then end");
     app.add_option("--set", options.values,
                    "NAME=VALUE: what ${NAME} stands for in the script; may be repeated")
