@@ -76,6 +76,30 @@ bool RowEditing::setValue(size_t i, const std::string& text, std::string* why, b
     return true;
 }
 
+size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::string>* refusals) {
+    EditHistory::Step step;
+    for (const RowValue& one : values) {
+        EntryModel& model = m_rows[one.row];
+        std::string value = model.asWritten(one.text), refusal = model.refusalOf(value);
+        if (refusal.empty() && (model.isDifferent() || value != model.value())) {
+            std::string before = stateOf(one.row);
+            if (store(one.row, value, refusal)) {
+                model.putBack(value);
+                step.push_back({one.row, std::move(before), stateOf(one.row)});
+            }
+        }
+        if (refusals) {
+            refusals->push_back(std::move(refusal));
+        }
+    }
+    const size_t changed = step.size();
+    m_history.add(std::move(step));
+    if (changed > 0) {
+        m_listener->valuesChanged();
+    }
+    return changed;
+}
+
 bool RowEditing::putState(size_t i, const std::string& state, std::string& why) {
     if (!store(i, state, why)) {
         return false;

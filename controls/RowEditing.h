@@ -25,6 +25,12 @@ public:
 
 enum class ResetTo { Loaded, Default };
 
+// A value for a row, as a user would type it.
+struct RowValue {
+    size_t row = 0;
+    std::string text;
+};
+
 // What a panel's session is derived from. To make a panel of rows:
 // 1. Derive a session. Keep the rows in a std::vector<EntryModel>, made from EntryFacts, and hand them over with
 //    showRows. Where the values are held by someone else (an entity, a project), override store, which may refuse.
@@ -52,6 +58,9 @@ public:
     // `typing` the edits of one field become one step of undo, until leaveField.
     bool setValue(size_t i, const std::string& text, std::string* why = nullptr, bool typing = false);
     virtual void leaveField() { m_history.endJoining(); }
+    // Several values at once, in one step of undo; how many rows have another value now. `refusals` (may be null)
+    // gets the reason of each that is refused, and an empty text for the others.
+    size_t setValues(std::span<const RowValue> values, std::vector<std::string>* refusals = nullptr);
     // Undo may be someone else's, who holds the values.
     virtual bool canUndo() const { return m_history.canUndo(); }
     virtual bool canRedo() const { return m_history.canRedo(); }

@@ -14,14 +14,4 @@ StatusLines projectStatus(ZunEditorInterface& editor) {
             line("Project folder", editor.GetProjectFolder())};
 }
 
-StatusLines behaviorStatus(ZunEditorInterface& editor, const std::string& entity,
-                           const std::optional<EntityDescriptor>& descriptor) {
-    StatusLines lines = {line("Entity", entity), descriptor ? line("Behavior", descriptor->behavior)
-                                                            : std::string("No Behavior Panel Defined.")};
-    for (std::string& text : projectStatus(editor)) {
-        lines.push_back(std::move(text));
-    }
-    return lines;
-}
-
 }  // namespace zoka

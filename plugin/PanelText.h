@@ -12,8 +12,5 @@ using StatusLines = std::vector<std::string>;
 
 // Main script and project folder as the host answers them at this moment. [editor or panel thread]
 StatusLines projectStatus(ZunEditorInterface& editor);
-// The same, below the entity and whether it has a panel.
-StatusLines behaviorStatus(ZunEditorInterface& editor, const std::string& entity,
-                           const std::optional<EntityDescriptor>& descriptor);
 
 }  // namespace zoka

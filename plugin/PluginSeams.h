@@ -71,9 +71,10 @@ public:
     // the descriptor then.
     virtual bool behaviorPanelDefined(const std::string& projectFile, const std::string& entity,
                                       EntityDescriptor& descriptor) = 0;
-    // The panel form (mode 2) for a descriptor, the plain form ("No Behavior Panel Defined.") without one.
+    // The panel form (mode 2) for a descriptor, the plain form without one. `context` may be null; the dialog
+    // takes from it what it needs.
     virtual std::unique_ptr<PanelDialog> makeBehaviorPanel(
-        ZunEditorInterface& editor, const std::string& entity,
+        ZunEditorInterface& editor, const HostContext* context,
         const std::optional<EntityDescriptor>& descriptor) = 0;
     virtual std::unique_ptr<PanelThread> makeThread(PanelState& state, PanelDialog& dialog, int number) = 0;
 

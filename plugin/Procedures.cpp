@@ -200,7 +200,7 @@ std::int32_t executeBehavior(PluginProcDef*, HostContext* context, std::int32_t*
     freeBehaviorDialog();
     auto editor = g_seams->makeEditor(g_appInterface->editor);
     const auto descriptor = testBehavior(*editor, context);
-    g_behaviorDialog = g_seams->makeBehaviorPanel(*editor, entityName(context), descriptor).release();
+    g_behaviorDialog = g_seams->makeBehaviorPanel(*editor, context, descriptor).release();
     startPanel(panel, *g_behaviorDialog, std::move(editor), busy);
     return 0;
 }

@@ -560,7 +560,8 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
             break;
         case WM_CHAR:
             // The letters of Ctrl+Z and the like, whose keys were seen already.
-            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 && wParam != 3 && wParam != 22 && wParam != 24) {
+            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 &&
+                (GetKeyState(VK_SHIFT) < 0 || (wParam != 3 && wParam != 22 && wParam != 24))) {
                 return 0;
             }
             break;

@@ -1,28 +1,20 @@
 #include "controls/win/NumberEdit.h"
 
-#include <cstring>
 #include <string>
 
 #include "controls/win/ControlClasses.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 namespace {
 
 WNDPROC g_edit = nullptr;  // the system's own
 
+constexpr size_t kMostPasted = 256;
+
 // The clipboard's text without the blanks around it; empty when it has none.
-std::string clipboardText(HWND window) {
-    std::string text;
-    if (!OpenClipboard(window)) {
-        return text;
-    }
-    if (const HANDLE data = GetClipboardData(CF_TEXT)) {
-        if (const auto* const bytes = static_cast<const char*>(GlobalLock(data))) {
-            text.assign(bytes, strnlen(bytes, 256));
-            GlobalUnlock(data);
-        }
-    }
-    CloseClipboard();
+std::string pastedNumber(HWND window) {
+    const std::string text = clipboardText(window, kMostPasted);
     const size_t first = text.find_first_not_of(" \t\r\n"), last = text.find_last_not_of(" \t\r\n");
     return first == text.npos ? std::string() : text.substr(first, last - first + 1);
 }
@@ -30,7 +22,7 @@ std::string clipboardText(HWND window) {
 // What is typed is judged as a whole: a character left out would make another number of the rest.
 LRESULT CALLBACK numberEdit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_PASTE) {
-        SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(clipboardText(window).c_str()));
+        SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(pastedNumber(window).c_str()));
         return 0;
     }
     return CallWindowProcA(g_edit, window, message, wParam, lParam);

@@ -58,7 +58,8 @@ LRESULT CALLBACK RowsView::controlProc(HWND window, UINT message, WPARAM wParam,
             break;
         case WM_CHAR:
             // The characters of Ctrl+A, F, S, Y and Z, whose keys were taken.
-            if (wParam == 1 || wParam == 6 || wParam == 19 || wParam == 25 || wParam == 26) {
+            if (wParam == 1 || wParam == 6 || wParam == 19 || wParam == 25 || wParam == 26 ||
+                ((wParam == 3 || wParam == 22) && GetKeyState(VK_SHIFT) < 0)) {
                 return 0;
             }
             break;

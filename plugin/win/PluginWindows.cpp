@@ -5,7 +5,9 @@
 #include <commctrl.h>
 
 #include "J8ProjectWizard/win/J8WizardNewDlg.h"
+#include "customize/win/BehaviorDialog.h"
 #include "plugin/PanelText.h"
+#include "plugin/host/EntityAccess.h"
 #include "plugin/host/HostAdapter.h"
 #include "plugin/win/CustomizePanel.h"
 #include "plugin/win/Resources.h"
@@ -21,6 +23,20 @@ static_assert(kPanelDialog == IDD_PANEL);
 namespace {
 
 HINSTANCE g_module = nullptr;
+
+// "Entity Behavior" as a panel of the editor.
+class BehaviorWindow : public PanelWindow {
+public:
+    BehaviorWindow(ZunEditorInterface& editor, const HostContext* context)
+        : m_entities(makeEntityAccess(context)), m_dialog({m_entities.get(), editor, g_module, IDI_ZOKA}) {}
+
+    HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
+    void load() override { m_dialog.load(); }
+
+private:
+    std::unique_ptr<EntityAccess> m_entities;
+    BehaviorDialog m_dialog;
+};
 
 }  // namespace
 
@@ -49,12 +65,10 @@ bool PluginWindows::behaviorPanelDefined(const std::string&, const std::string&,
     return false;
 }
 
-std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
-    ZunEditorInterface& editor, const std::string& entity,
-    const std::optional<EntityDescriptor>& descriptor) {
-    return std::make_unique<StatusWindow>("Entity Behavior", [&editor, entity, descriptor] {
-        return behaviorStatus(editor, entity, descriptor);
-    });
+std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(ZunEditorInterface& editor,
+                                                              const HostContext* context,
+                                                              const std::optional<EntityDescriptor>&) {
+    return std::make_unique<BehaviorWindow>(editor, context);
 }
 
 std::unique_ptr<PanelThread> PluginWindows::makeThread(PanelState& state, PanelDialog& dialog, int number) {

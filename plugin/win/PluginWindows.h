@@ -12,7 +12,7 @@ public:
     bool behaviorPanelDefined(const std::string& projectFile, const std::string& entity,
                               EntityDescriptor& descriptor) override;
     std::unique_ptr<PanelDialog> makeBehaviorPanel(
-        ZunEditorInterface& editor, const std::string& entity,
+        ZunEditorInterface& editor, const HostContext* context,
         const std::optional<EntityDescriptor>& descriptor) override;
     std::unique_ptr<PanelThread> makeThread(PanelState& state, PanelDialog& dialog, int number) override;
     void runProjectManager(ZunEditorInterface& editor, const std::string& projectFile) override;

@@ -113,8 +113,9 @@ public:
         return definesBehavior;
     }
     std::unique_ptr<PanelDialog> makeBehaviorPanel(
-        ZunEditorInterface&, const std::string& entity,
+        ZunEditorInterface&, const HostContext* context,
         const std::optional<EntityDescriptor>& descriptor) override {
+        const std::string entity = context && context->entityName ? context->entityName : "";
         return std::make_unique<FakeDialog>(
             log, (descriptor ? "panel " + descriptor->behavior : "plain") + " " + entity);
     }

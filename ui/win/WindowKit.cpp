@@ -417,4 +417,19 @@ bool copyToClipboard(HWND owner, const std::string& text) {
     return done;
 }
 
+std::string clipboardText(HWND owner, size_t most) {
+    std::string text;
+    if (!OpenClipboard(owner)) {
+        return text;
+    }
+    if (const HANDLE data = GetClipboardData(CF_TEXT)) {
+        if (const auto* const bytes = static_cast<const char*>(GlobalLock(data))) {
+            text.assign(bytes, strnlen(bytes, std::min<size_t>(most, GlobalSize(data))));
+            GlobalUnlock(data);
+        }
+    }
+    CloseClipboard();
+    return text;
+}
+
 }  // namespace zoka

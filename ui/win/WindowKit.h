@@ -116,5 +116,7 @@ SIZE outerSize(HWND window, int width, int height);
 
 // Puts text on the clipboard; false when it can't be had.
 bool copyToClipboard(HWND owner, const std::string& text);
+// The clipboard's text, cut at that many bytes; empty when it has none.
+std::string clipboardText(HWND owner, size_t most);
 
 }  // namespace zoka

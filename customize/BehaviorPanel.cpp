@@ -1,0 +1,366 @@
+#include "customize/BehaviorPanel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+
+#include "controls/EntryRules.h"
+#include "customize/CustomMarkup.h"
+#include "plugin/host/EntityAccess.h"
+#include "util/Lex.h"
+#include "util/LexChars.h"
+#include "util/OsFiles.h"
+
+namespace zoka {
+namespace {
+
+std::string inQuotes(std::string_view text) {
+    constexpr size_t kShown = 60;
+    return '"' + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "...\"" : "\"");
+}
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && lex::isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && lex::isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+// The next token of `rest`, which moves behind it; empty at the end.
+std::string_view nextToken(std::string_view& rest) {
+    rest = trimmed(rest);
+    size_t end = 0;
+    while (end < rest.size() && rest[end] && !lex::isSpace(rest[end])) {
+        ++end;
+    }
+    const std::string_view token = rest.substr(0, end);
+    rest.remove_prefix(end);
+    return token;
+}
+
+// "skill21": one of the words with a number that no entity has. The word without its number, or nothing.
+std::string_view numberedWord(std::string_view keyword) {
+    for (const std::string_view word : {"skill", "flag"}) {
+        const bool begins = keyword.size() > word.size() && keyword.size() < 16 &&
+                            lex::equalsIgnoringCase(keyword.data(), word.data(), word.size());
+        if (begins && keyword.find_first_not_of("0123456789", word.size()) == keyword.npos) {
+            return word;
+        }
+    }
+    return {};
+}
+
+class BehaviorReader {
+public:
+    BehaviorReader(std::string_view block, int firstLine, BehaviorPanel& panel)
+        : m_panel(panel), m_rest(block), m_line(firstLine) {}
+
+    void run() {
+        for (; !m_rest.empty(); ++m_line) {
+            const size_t end = std::min(m_rest.find('\n'), m_rest.size());
+            readLine(m_rest.substr(0, end));
+            m_rest.remove_prefix(std::min(end + 1, m_rest.size()));
+        }
+        checkValues();
+    }
+
+private:
+    void readLine(std::string_view line) {
+        while (!line.empty() && lex::isBlank(line.front())) {
+            line.remove_prefix(1);
+        }
+        if (!line.starts_with("//")) {
+            return;
+        }
+        if (line.starts_with("///")) {
+            take(m_keyword, trimmed(line.substr(3)), true);
+            return;
+        }
+        const MarkupLine parts = splitMarkupLine(line);
+        m_keyword = LookupCustomKeyword(parts.keyword);
+        if (m_keyword == kNoKeyword) {
+            reportUnknown(parts);
+        }
+        take(m_keyword, parts.text, false);
+    }
+
+    void take(int keyword, std::string_view text, bool continued) {
+        std::vector<CustomEntry>& rows = m_panel.rows;
+        switch (keyword) {
+            case kTitle:
+            case kImage:
+            case kText:
+            case kSection:
+                add(keyword, -1, text);
+                return;
+            case kDesc:
+                if (continued && !rows.empty()) {
+                    rows.back().label.append(rows.back().label.empty() ? "" : " ").append(text);
+                } else {
+                    add(kDesc, -1, text);
+                }
+                return;
+            case kHelp:
+            case kEntryHelp:
+                if (!rows.empty()) {
+                    rows.back().help.append(rows.back().help.empty() ? "" : "\r\n").append(text);
+                }
+                return;
+            case kCntl:
+                if (!rows.empty()) {
+                    readCntl(text, rows.back());
+                }
+                return;
+            default:
+                break;
+        }
+        if (keyword >= kFlag1 && keyword < kFlag1 + kEntityFlags) {
+            declare(kFlag, kFlagIds + keyword - kFlag1 + 1, text);
+        } else if (keyword >= kSkill1 && keyword < kSkill1 + kEntitySkills) {
+            declare(kSkill, kSkillIds + keyword - kSkill1 + 1, text);
+        }
+    }
+
+    CustomEntry& add(int kind, int id, std::string_view label) {
+        CustomEntry& row = m_panel.rows.emplace_back();
+        row.kind = kind;
+        row.id = id;
+        row.line = m_line;
+        row.label = label;
+        return row;
+    }
+
+    void declare(int kind, int id, std::string_view text) {
+        CustomEntry& row = add(kind, id, nextToken(text));
+        const std::string_view value = nextToken(text);
+        row.value = value.empty() ? "0" : value;
+        ++m_panel.declaredCount;
+        const auto [first, isNew] = m_declared.emplace(id, m_line);
+        if (!isNew) {
+            report(fieldName(row) + " stands in line " + std::to_string(first->second) +
+                   " already; both rows show the same value");
+        }
+    }
+
+    void readCntl(std::string_view text, CustomEntry& row) {
+        std::string fault;
+        if (!readControl(text, row, &fault)) {
+            report("unknown control word in " + inQuotes(text) + "; it was ignored");
+        } else if (!fault.empty()) {
+            report(fault);
+        } else if (row.kind != kSkill) {
+            report("a control word suits a skill alone; that of " + inQuotes(row.label) + " was ignored");
+        }
+    }
+
+    void reportUnknown(const MarkupLine& line) {
+        if (const std::string_view word = numberedWord(line.keyword); !word.empty()) {
+            const int last = word == "skill" ? kEntitySkills : kEntityFlags;
+            report("there is no " + std::string(line.keyword) + ": an entity's are numbered 1 to " +
+                   std::to_string(last) + "; the line was passed over");
+            return;
+        }
+        const int near = line.colon ? nearCustomKeyword(line.keyword) : kNoKeyword;
+        if (near >= 0) {
+            report(inQuotes(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
+                   "\" meant? The line was taken as a comment");
+        }
+    }
+
+    // Once the block is read: the control of a row stands below it.
+    void checkValues() {
+        for (const CustomEntry& row : m_panel.rows) {
+            if (row.kind == kFlag && row.value != "0" && row.value != "1") {
+                reportAt(row.line, "the default " + inQuotes(row.value) + " of the flag " +
+                                       inQuotes(row.label) + " is neither 0 nor 1");
+            } else if (row.kind == kSkill && !skillOfText(row.value)) {
+                reportAt(row.line, "the default " + inQuotes(row.value) + " of " + inQuotes(row.label) +
+                                       " is no number");
+            } else if (row.kind == kSkill) {
+                const EntryFacts facts = behaviorFacts(row);
+                const float value = *skillOfText(row.value);
+                const double number = static_cast<double>(value);
+                if (facts.limited && facts.minimum <= facts.maximum &&
+                    (number < facts.minimum || number > facts.maximum)) {
+                    reportAt(row.line, "the default " + row.value + " of " + inQuotes(row.label) +
+                                           " lies outside its limits (" + allowedRange(facts) + ")");
+                }
+                for (const std::string& option : facts.options) {
+                    if (!skillOfText(option)) {
+                        reportAt(row.line, "the choice " + inQuotes(option) + " of " + inQuotes(row.label) +
+                                               " is no number; no skill can hold it");
+                    }
+                }
+            }
+        }
+        m_panel.findings.sortByLine();
+    }
+
+    void report(std::string what) { reportAt(m_line, std::move(what)); }
+    void reportAt(int line, std::string what) { m_panel.findings.add(line, std::move(what)); }
+
+    BehaviorPanel& m_panel;
+    std::string_view m_rest;
+    int m_line;
+    int m_keyword = kNoKeyword;     // of the last line with two slashes
+    std::map<int, int> m_declared;  // the line of each id's first row
+};
+
+// Flags have a box, whatever control is asked for; of a skill's choices and limits those that are there count.
+void setSkillField(const CustomEntry& row, EntryFacts& facts) {
+    facts.decimal = true;
+    switch (row.controlKind) {
+        case kDropList:
+            facts.options = row.options;
+            break;
+        case kDropPair:
+            facts.options = {"1", "0"};
+            break;
+        case kSpin:
+        case kSliderControl:
+            facts.limited = true;
+            facts.minimum = row.minimum;
+            facts.maximum = row.maximum;
+            facts.step = std::max(0.0, row.step);
+            break;
+        default:
+            break;
+    }
+    facts.field = row.controlKind == kSliderControl ? EntryField::Slider
+                  : facts.options.empty()           ? EntryField::FloatField
+                                                    : EntryField::DropList;
+}
+
+}  // namespace
+
+std::string BehaviorPanel::caption() const {
+    const auto title =
+        std::find_if(rows.rbegin(), rows.rend(), [](const CustomEntry& row) { return row.kind == kTitle; });
+    return title == rows.rend() ? "" : title->label;
+}
+
+void LoadBehaviorPanel(BehaviorPanel& panel) {
+    panel.rows.clear();
+    panel.declaredCount = 0;
+    panel.findings = {};
+    if (panel.scriptName.empty()) {
+        return;
+    }
+    if (const auto text = osFiles().readWhole(panel.scriptName)) {
+        readBehaviorMarkup(*text, panel);
+    }
+}
+
+void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel) {
+    panel.rows.clear();
+    panel.declaredCount = 0;
+    panel.findings = {};
+    const std::int64_t start = panel.blockStart, length = panel.blockLength;
+    if (script.empty()) {
+        return;
+    }
+    if (start < 0 || length < 0 || static_cast<std::int64_t>(script.size()) < start + length) {
+        panel.findings.add(1, "the action's place (position " + std::to_string(start) + ", length " +
+                                  std::to_string(length) +
+                                  ") lies outside the script, which has changed since");
+        return;
+    }
+    const std::string_view before = script.substr(0, static_cast<size_t>(start));
+    const auto lines = std::count(before.begin(), before.end(), '\n');
+    BehaviorReader(script.substr(static_cast<size_t>(start), static_cast<size_t>(length)),
+                   static_cast<int>(lines) + 1, panel)
+        .run();
+    if (panel.declaredCount == 0) {
+        addUndeclaredRows(panel);
+    }
+}
+
+void addUndeclaredRows(BehaviorPanel& panel) {
+    const auto add = [&panel](int kind, int id, const std::string& label, const char* value) {
+        CustomEntry& row = panel.rows.emplace_back();
+        row.kind = kind;
+        row.id = id;
+        row.label = label;
+        row.value = value;
+    };
+    for (const NumberedName& skill : panel.defaultSkillNames) {
+        add(kSkill, kSkillIds + skill.number, skill.name, "0.0");
+    }
+    for (const NumberedName& flag : panel.defaultFlagNames) {
+        add(kFlag, kFlagIds + flag.number, flag.name, "0");
+    }
+    if (panel.defaultSkillNames.empty() && panel.defaultFlagNames.empty()) {
+        add(kDesc, -1, "No Behavior Panel Defined.", "0.0");
+        add(kDesc, -1, "Use \"Properties\" to change values.", "0.0");
+    }
+}
+
+int skillNumber(const CustomEntry& row) {
+    const int number = row.id - kSkillIds;
+    return row.kind == kSkill && number >= 1 && number <= kEntitySkills ? number : 0;
+}
+
+int flagNumber(const CustomEntry& row) {
+    const int number = row.id - kFlagIds;
+    return row.kind == kFlag && number >= 1 && number <= kEntityFlags ? number : 0;
+}
+
+std::string fieldName(const CustomEntry& row) {
+    if (const int skill = skillNumber(row)) {
+        return "skill" + std::to_string(skill);
+    }
+    if (const int flag = flagNumber(row)) {
+        return "flag" + std::to_string(flag);
+    }
+    return {};
+}
+
+EntryFacts behaviorFacts(const CustomEntry& row) {
+    EntryFacts facts;
+    facts.label = row.label;
+    facts.help = row.help;
+    facts.value = row.value;
+    switch (row.kind) {
+        case kTitle:
+            facts.field = EntryField::Caption;
+            break;
+        case kImage:
+            facts.field = EntryField::Picture;
+            break;
+        case kSection:
+            facts.field = EntryField::Heading;
+            break;
+        case kFlag:
+            facts.field = EntryField::Switch;
+            break;
+        case kSkill:
+            setSkillField(row, facts);
+            break;
+        default:
+            facts.field = EntryField::Text;
+            break;
+    }
+    if (facts.label.empty()) {
+        facts.label = fieldName(row);
+    }
+    return facts;
+}
+
+std::string skillText(float value) {
+    std::array<char, 400> digits{};
+    const int length = CLex::FormatFloat(digits.data(), static_cast<double>(value));
+    return std::string(digits.data(), static_cast<size_t>(length));
+}
+
+std::optional<float> skillOfText(std::string_view text) {
+    const auto number = numberOf(text);
+    const float value = static_cast<float>(number.value_or(0));
+    const bool hasDigit = text.find_first_of("0123456789") != text.npos;
+    return number && hasDigit && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+}  // namespace zoka

@@ -1,0 +1,365 @@
+#include "customize/BehaviorSession.h"
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <tuple>
+
+#include "controls/EntryRules.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+constexpr const char* kRefused = "The editor has refused the value";
+constexpr const char* kUnreadable = "The editor no longer gives this value";
+
+std::optional<FileTime> timeOf(const std::string& script) {
+    FileTime time;
+    return !script.empty() && osFiles().readTime(script, &time) ? std::optional(time) : std::nullopt;
+}
+
+bool allEqual(const std::vector<float>& values) {
+    return std::all_of(values.begin(), values.end(), [&](float one) { return one == values.front(); });
+}
+
+bool isValue(const CustomEntry& row) {
+    return skillNumber(row) > 0 || flagNumber(row) > 0;
+}
+
+// The narrower limits of two: a value must suit both.
+void narrow(CustomEntry& row, const CustomEntry& other) {
+    const auto limited = [](const CustomEntry& one) {
+        return one.controlKind == kSpin || one.controlKind == kSliderControl;
+    };
+    if (!limited(other)) {
+        return;
+    }
+    if (!limited(row)) {
+        row.controlKind = other.controlKind;
+        row.minimum = other.minimum;
+        row.maximum = other.maximum;
+        row.step = other.step;
+        return;
+    }
+    row.minimum = std::max(row.minimum, other.minimum);
+    row.maximum = std::min(row.maximum, other.maximum);
+}
+
+}  // namespace
+
+BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host)
+    : m_access(entities), m_host(host) {}
+
+void BehaviorSession::open() {
+    m_changes = m_access ? m_access->changes() : std::nullopt;
+    show(m_access ? m_access->selected() : std::vector<std::string>());
+}
+
+void BehaviorSession::setFollowing(bool follows) {
+    m_follows = follows;
+    refresh(true);
+}
+
+void BehaviorSession::refresh(bool always) {
+    if (!m_access) {
+        return;
+    }
+    const auto changes = m_access->changes();
+    if (!always && (!changes || changes == m_changes)) {
+        return;
+    }
+    m_changes = changes;
+    std::vector<std::string> entities = follows() ? m_access->selected() : m_entities;
+    const auto gone = [this](const std::string& entity) { return !isThere(entity); };
+    if (std::all_of(entities.begin(), entities.end(), gone) &&
+        std::all_of(m_entities.begin(), m_entities.end(), gone)) {
+        entities = m_entities;  // what was shown has been deleted: that is told
+    } else {
+        std::erase_if(entities, gone);
+    }
+    if (entities != m_entities || (!m_gone.empty() && isThere(m_entities.front())) || actionsChanged()) {
+        show(std::move(entities));
+        return;
+    }
+    bool any = m_gone.empty() && !m_entities.empty() && gone(m_entities.front());
+    if (any) {
+        m_gone = m_entities.front();
+    }
+    for (size_t i = 0; i < m_sources.size(); ++i) {
+        any = reread(i) || any;
+    }
+    if (any) {
+        listener().valuesChanged();
+    }
+}
+
+bool BehaviorSession::isThere(const std::string& entity) const {
+    return m_access->action(entity) || m_access->skill(entity, 1) || m_access->flag(entity, 1);
+}
+
+bool BehaviorSession::actionsChanged() const {
+    for (size_t i = 0; i < m_entities.size(); ++i) {
+        // An entity that is gone keeps its rows, so that its values can still be read.
+        if (isThere(m_entities[i]) && m_access->action(m_entities[i]) != m_actions[i]) {
+            return true;
+        }
+    }
+    for (size_t i = 0; i < m_panels.size(); ++i) {
+        if (timeOf(m_panels[i].scriptName) != m_scriptTimes[i]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void BehaviorSession::show(std::vector<std::string> entities) {
+    m_entities = std::move(entities);
+    m_gone = m_entities.size() == 1 && !isThere(m_entities.front()) ? m_entities.front() : "";
+    loadPanels();
+    m_title = m_panels.empty() ? "" : m_panels.front().caption();
+    for (const BehaviorPanel& panel : m_panels) {
+        if (panel.caption() != m_title) {
+            m_title.clear();
+        }
+    }
+    m_models.clear();
+    m_sources.clear();
+    for (const CustomEntry& row : sharedRows()) {
+        addRow(row);
+    }
+    showRows(m_models);
+}
+
+void BehaviorSession::loadPanels() {
+    m_actions.clear();
+    m_panelOf.clear();
+    m_panels.clear();
+    m_scriptTimes.clear();
+    std::map<std::tuple<std::string, std::int32_t, std::int32_t>, size_t> known;
+    const auto add = [&](const std::optional<ActionPlace>& place) {
+        const ActionPlace at = place.value_or(ActionPlace{});
+        const auto [found, isNew] = known.try_emplace({at.script, at.start, at.length}, m_panels.size());
+        if (isNew) {
+            BehaviorPanel& panel = m_panels.emplace_back();
+            panel.scriptName = at.script;
+            panel.blockStart = at.start;
+            panel.blockLength = at.length;
+            m_scriptTimes.push_back(timeOf(at.script));
+            if (place) {
+                LoadBehaviorPanel(panel);
+            } else {
+                addUndeclaredRows(panel);
+            }
+        }
+        m_panelOf.push_back(found->second);
+    };
+    for (const std::string& entity : m_entities) {
+        add(m_actions.emplace_back(m_access->action(entity)));
+    }
+    if (!m_access) {
+        add(std::nullopt);
+    }
+}
+
+// The rows of the one action, or those values that several have in common, below their headings.
+std::vector<CustomEntry> BehaviorSession::sharedRows() const {
+    if (m_panels.size() < 2) {
+        return m_panels.empty() ? std::vector<CustomEntry>() : m_panels.front().rows;
+    }
+    std::vector<std::map<int, const CustomEntry*>> byId(m_panels.size());
+    for (size_t i = 1; i < m_panels.size(); ++i) {
+        for (const CustomEntry& row : m_panels[i].rows) {
+            byId[i].try_emplace(row.id, &row);
+        }
+    }
+    std::vector<CustomEntry> shared;
+    const CustomEntry* heading = nullptr;
+    for (const CustomEntry& row : m_panels.front().rows) {
+        if (row.kind == kSection) {
+            heading = &row;
+        }
+        if (!isValue(row)) {
+            continue;
+        }
+        CustomEntry made = row;
+        bool inAll = true;
+        for (size_t i = 1; i < m_panels.size() && inAll; ++i) {
+            const auto other = byId[i].find(row.id);
+            inAll = other != byId[i].end() && equalNoCase(other->second->label, row.label);
+            if (inAll) {
+                narrow(made, *other->second);
+            }
+        }
+        if (!inAll) {
+            continue;
+        }
+        if (heading) {
+            shared.push_back(*std::exchange(heading, nullptr));
+        }
+        shared.push_back(std::move(made));
+    }
+    return shared;
+}
+
+void BehaviorSession::addRow(const CustomEntry& entry) {
+    if (entry.kind == kTitle) {  // the window's caption
+        return;
+    }
+    Source source{entry.kind, skillNumber(entry) + flagNumber(entry), entry.line, {}};
+    EntryFacts facts = behaviorFacts(entry);
+    std::string blocked;
+    if (source.number > 0) {
+        for (const std::string& entity : m_entities) {
+            const auto value = read(source, entity);
+            source.values.push_back(value.value_or(0));
+            if (!value) {
+                blocked = std::string(kUnreadable) + " of " + entity + '.';
+            }
+        }
+        auto extras = std::make_shared<EntryExtras>();
+        const auto standard = skillOfText(entry.value);
+        if (standard && entry.line > 0) {
+            extras->standard = entry.kind == kFlag ? (*standard != 0 ? "1" : "0") : skillText(*standard);
+        }
+        facts.extras = std::move(extras);
+        facts.different = !allEqual(source.values);
+        facts.value.clear();
+    }
+    m_sources.push_back(std::move(source));
+    const size_t i = m_sources.size() - 1;
+    if (m_sources[i].number > 0 && !facts.different) {
+        m_models.emplace_back(facts);  // for its choices, which textOf looks at
+        facts.value = textOf(i, m_sources[i].values.empty() ? 0 : m_sources[i].values.front());
+        m_models.pop_back();
+    }
+    m_models.emplace_back(std::move(facts)).setBlocked(blocked);
+}
+
+// A value as the row writes it: the choice that is equal, or a number.
+std::string BehaviorSession::textOf(size_t i, float value) const {
+    if (m_sources[i].kind == kFlag) {
+        return value != 0 ? "1" : "0";
+    }
+    for (const std::string& option : m_models[i].facts().options) {
+        if (skillOfText(option) == value) {
+            return option;
+        }
+    }
+    return skillText(value);
+}
+
+std::optional<float> BehaviorSession::read(const Source& source, const std::string& entity) const {
+    if (source.kind == kSkill) {
+        return m_access->skill(entity, source.number);
+    }
+    const auto on = m_access->flag(entity, source.number);
+    return on ? std::optional(*on ? 1.0F : 0.0F) : std::nullopt;
+}
+
+bool BehaviorSession::write(const Source& source, const std::string& entity, float value) {
+    return source.kind == kSkill ? m_access->setSkill(entity, source.number, value)
+                                 : m_access->setFlag(entity, source.number, value != 0);
+}
+
+// All entities get their value, or none: those already written get back what they had.
+bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::string& why) {
+    const Source source = m_sources[i];
+    for (size_t n = 0; n < m_entities.size(); ++n) {
+        if (write(source, m_entities[n], values[n])) {
+            continue;
+        }
+        while (n-- > 0) {
+            write(source, m_entities[n], source.values[n]);
+        }
+        why = std::string(kRefused) + '.';
+        reread(i);
+        m_models[i].setBlocked(why);
+        listener().valuesChanged();
+        return false;
+    }
+    // A number that is declared twice has two rows.
+    for (size_t row = 0; row < m_sources.size(); ++row) {
+        if (m_sources[row].number == source.number && m_sources[row].kind == source.kind) {
+            m_sources[row].values = values;
+            if (row != i) {
+                showValues(row);
+            }
+        }
+    }
+    m_changes = m_access->changes();
+    return true;
+}
+
+bool BehaviorSession::store(size_t i, const std::string& value, std::string& why) {
+    const auto number = skillOfText(value);
+    if (!number || m_sources[i].number == 0) {
+        why = "Only a number fits here: digits, one point, a sign in front.";
+        return false;
+    }
+    return writeAll(i, std::vector<float>(m_entities.size(), *number), why);
+}
+
+std::string BehaviorSession::stateOf(size_t i) const {
+    std::string state;
+    for (const float value : m_sources[i].values) {
+        char digits[32];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        state.append(digits, end).push_back(' ');
+    }
+    return state;
+}
+
+bool BehaviorSession::putState(size_t i, const std::string& state, std::string& why) {
+    std::vector<float> values(m_entities.size());
+    const char* at = state.data();
+    const char* const end = at + state.size();
+    for (float& value : values) {
+        at = std::from_chars(at, end, value).ptr;
+        at += at < end ? 1 : 0;
+    }
+    if (!writeAll(i, values, why)) {
+        return false;
+    }
+    showValues(i);
+    return true;
+}
+
+// True when what the row shows is another thing than before.
+bool BehaviorSession::reread(size_t i) {
+    Source& source = m_sources[i];
+    if (source.number == 0) {
+        return false;
+    }
+    std::vector<float> values;
+    for (const std::string& entity : m_entities) {
+        const auto value = read(source, entity);
+        if (!value) {
+            const std::string why = std::string(kUnreadable) + " of " + entity + '.';
+            const bool isNews = m_models[i].blocked() != why;
+            m_models[i].setBlocked(why);
+            return isNews;
+        }
+        values.push_back(*value);
+    }
+    const bool isNews = values != source.values || !m_models[i].blocked().empty();
+    m_models[i].setBlocked({});
+    // A text that is being typed is not written anew while its number stays.
+    if (values != source.values) {
+        source.values = std::move(values);
+        showValues(i);
+    }
+    return isNews;
+}
+
+void BehaviorSession::showValues(size_t i) {
+    const std::vector<float>& values = m_sources[i].values;
+    if (allEqual(values)) {
+        m_models[i].putBack(textOf(i, values.front()));
+    } else {
+        m_models[i].setDifferent();
+    }
+}
+
+}  // namespace zoka

@@ -1,0 +1,106 @@
+// Entity Behavior without its window: the skills and flags of the selected entities as rows.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controls/RowEditing.h"
+#include "customize/BehaviorPanel.h"
+#include "plugin/host/EntityAccess.h"
+#include "plugin/host/ZunEditorInterface.h"
+#include "util/FileTime.h"
+
+namespace zoka {
+
+// What a paste did.
+struct PasteResult {
+    size_t taken = 0;                  // values that are others now
+    std::vector<std::string> refused;  // the lines that found no place, each with the reason
+};
+
+// An edit reaches the entities at once, all that are shown or none; undo gives each its own value back. What the
+// host refuses is told, and its row takes nothing until the values are read again. [panel thread]
+class BehaviorSession : public RowEditing {
+public:
+    // `entities` is null where the host has none. Both outlive the session.
+    BehaviorSession(EntityAccess* entities, ZunEditorInterface& host);
+
+    // Shows the entities that are selected now.
+    void open();
+    // Looks at the host again: at the selection, if it's followed, at the actions, at the values. Unless `always`,
+    // only when the host says that something has changed. Rows are made anew when they must be; history goes then.
+    void refresh(bool always);
+
+    // Where the host can tell of the selection, the rows follow it as long as the user wants that.
+    bool canFollow() const { return m_access && m_access->followsSelection(); }
+    bool follows() const { return m_follows && canFollow(); }
+    void setFollowing(bool follows);
+
+    const std::vector<std::string>& entities() const { return m_entities; }
+    // The title that the action's markup gives the window; empty when there is none or they differ.
+    const std::string& title() const { return m_title; }
+    // Which entities the rows are of, and what is the matter with them.
+    std::string status() const;
+
+    // Faults of the actions' markup, and values outside their limits; one line each.
+    size_t findingCount() const { return findings().size(); }
+    std::string findingsText() const;
+
+    // "skill3 Speed = 2.5", a line for each value of the rows [first, last); those that differ are left out.
+    std::string copyText(size_t first, size_t last) const;
+    // Takes such lines, in one step of undo. A value goes to the row of the same number and name, or else of the
+    // same name.
+    PasteResult paste(const std::string& text);
+
+    std::string subject() const override;
+    std::string details(size_t i) const override;
+    std::string picturePath(const std::string& name) const override;
+    std::string emptyText() const override;
+    const char* defaultName() const override { return "the script's &default"; }
+
+private:
+    // What a row stands for. Number 0: nothing but its text.
+    struct Source {
+        int kind = kNoKeyword;
+        int number = 0;
+        int line = 0;
+        std::vector<float> values;  // one an entity, as last read or written; a flag's are 0 and 1
+    };
+
+    bool store(size_t i, const std::string& value, std::string& why) override;
+    std::string stateOf(size_t i) const override;
+    bool putState(size_t i, const std::string& state, std::string& why) override;
+
+    void show(std::vector<std::string> entities);
+    void loadPanels();
+    void addRow(const CustomEntry& entry);
+    std::vector<CustomEntry> sharedRows() const;
+    bool isThere(const std::string& entity) const;
+    bool actionsChanged() const;
+    std::optional<float> read(const Source& source, const std::string& entity) const;
+    bool write(const Source& source, const std::string& entity, float value);
+    bool writeAll(size_t i, const std::vector<float>& values, std::string& why);
+    bool reread(size_t i);
+    void showValues(size_t i);
+    std::string textOf(size_t i, float value) const;
+    std::optional<size_t> rowFor(const std::string& field, const std::string& label, std::string& why) const;
+    std::vector<std::string> findings() const;
+
+    EntityAccess* m_access;
+    ZunEditorInterface& m_host;
+    bool m_follows = true;
+    std::vector<std::string> m_entities;
+    // Of each entity which of the panels is its own; entities with one action share one.
+    std::vector<std::optional<ActionPlace>> m_actions;
+    std::vector<size_t> m_panelOf;
+    std::vector<BehaviorPanel> m_panels;
+    std::vector<std::optional<FileTime>> m_scriptTimes;  // of the panels' scripts
+    std::vector<EntryModel> m_models;
+    std::vector<Source> m_sources;
+    std::string m_title, m_gone;
+    std::optional<std::uint32_t> m_changes;
+};
+
+}  // namespace zoka

@@ -1,0 +1,226 @@
+// What the panel of Entity Behavior says about its rows, and the lines that are copied and pasted.
+#include <algorithm>
+#include <utility>
+
+#include "controls/EntryRules.h"
+#include "customize/BehaviorSession.h"
+#include "util/LexChars.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+namespace {
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && lex::isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && lex::isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::string nameOfField(int kind, int number) {
+    return (kind == kSkill ? "skill" : "flag") + std::to_string(number);
+}
+
+// "skill3" or "flag1" in front of a label.
+bool isFieldName(std::string_view word) {
+    const int keyword = LookupCustomKeyword(word);
+    return keyword > kFlag && keyword < kBehavior && keyword != kSkill;
+}
+
+struct PastedLine {
+    std::string_view field;  // may be empty
+    std::string_view label;
+    std::string_view value;
+};
+
+// Nothing for a line that isn't of the form "name = value".
+std::optional<PastedLine> pastedLine(std::string_view line) {
+    const size_t equals = line.rfind('=');
+    if (equals == line.npos) {
+        return std::nullopt;
+    }
+    PastedLine parts{{}, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1))};
+    const std::string_view word = parts.label.substr(0, parts.label.find_first_of(" \t"));
+    if (isFieldName(word)) {
+        parts.field = word;
+        parts.label = trimmed(parts.label.substr(word.size()));
+    }
+    return parts;
+}
+
+}  // namespace
+
+std::string BehaviorSession::subject() const {
+    std::string all;
+    for (const std::string& entity : m_entities) {
+        all += entity + '\n';
+    }
+    return all;
+}
+
+std::string BehaviorSession::status() const {
+    if (!m_access) {
+        return "The editor tells nothing of its entities.";
+    }
+    if (m_entities.empty()) {
+        return "No entity is selected.";
+    }
+    if (!m_gone.empty()) {
+        return m_gone + " is gone from the level, or the editor gives nothing of it.";
+    }
+    if (m_entities.size() == 1) {
+        return m_entities.front();
+    }
+    constexpr size_t kNamed = 20;
+    std::string text = std::to_string(m_entities.size()) + " entities: ";
+    for (size_t i = 0; i < m_entities.size() && i < kNamed; ++i) {
+        text += (i > 0 ? ", " : "") + m_entities[i];
+    }
+    return text + (m_entities.size() > kNamed ? ", ..." : "");
+}
+
+std::string BehaviorSession::emptyText() const {
+    if (size() > 0) {
+        return RowEditing::emptyText();
+    }
+    if (m_entities.empty()) {
+        return canFollow() ? "Select an entity in the editor." : "No entity is selected.";
+    }
+    return m_panels.size() > 1 ? "The actions of these entities have no value in common."
+                               : "The script of the entity's action can't be read, or has changed.";
+}
+
+std::string BehaviorSession::details(size_t i) const {
+    const Source& source = m_sources[i];
+    if (source.line == 0) {
+        return source.number > 0 ? nameOfField(source.kind, source.number) : "";
+    }
+    const std::string place =
+        std::string(fileNameOf(m_panels.front().scriptName)) + ", line " + std::to_string(source.line);
+    return source.number > 0 ? nameOfField(source.kind, source.number) + "; " + place : place;
+}
+
+std::string BehaviorSession::picturePath(const std::string& name) const {
+    if (!m_panels.empty()) {
+        const std::string own = joinPath(folderOf(m_panels.front().scriptName), name);
+        if (osFiles().exists(own)) {
+            return own;
+        }
+    }
+    return m_host.TemplatePath(name);
+}
+
+std::vector<std::string> BehaviorSession::findings() const {
+    std::vector<std::string> lines;
+    for (const BehaviorPanel& panel : m_panels) {
+        for (const MarkupFinding& one : panel.findings.kept()) {
+            lines.push_back(panel.scriptName + ':' + std::to_string(one.line) + ": " + one.what);
+        }
+    }
+    for (size_t i = 0; i < size(); ++i) {
+        const EntryFacts& facts = row(i).facts();
+        if (!facts.limited || facts.minimum > facts.maximum) {
+            continue;
+        }
+        for (size_t n = 0; n < m_sources[i].values.size(); ++n) {
+            const double value = static_cast<double>(m_sources[i].values[n]);
+            // Compared as they are shown: 0.1 is no float.
+            const bool out = value < facts.minimum || value > facts.maximum;
+            const std::string text = skillText(m_sources[i].values[n]);
+            const double shown = numberOf(text).value_or(value);
+            if (out && (shown < facts.minimum || shown > facts.maximum)) {
+                lines.push_back(m_entities[n] + ": " + facts.label + " is " + text + "; " +
+                                allowedRange(facts));
+            }
+        }
+    }
+    return lines;
+}
+
+std::string BehaviorSession::findingsText() const {
+    std::string text;
+    for (const std::string& line : findings()) {
+        text += line + "\r\n";
+    }
+    return text;
+}
+
+std::string BehaviorSession::copyText(size_t first, size_t last) const {
+    std::string text;
+    for (size_t i = first; i < last && i < size(); ++i) {
+        if (m_sources[i].number > 0 && !row(i).isDifferent()) {
+            text += nameOfField(m_sources[i].kind, m_sources[i].number) + ' ' + row(i).facts().label + " = " +
+                    row(i).value() + "\r\n";
+        }
+    }
+    return text;
+}
+
+std::optional<size_t> BehaviorSession::rowFor(const std::string& field, const std::string& label,
+                                              std::string& why) const {
+    std::optional<size_t> named;
+    for (size_t i = 0; i < size(); ++i) {
+        const Source& source = m_sources[i];
+        if (source.number == 0) {
+            continue;
+        }
+        const bool sameField = equalNoCase(field, nameOfField(source.kind, source.number));
+        const bool sameLabel = equalNoCase(label, row(i).facts().label);
+        if (sameField && (sameLabel || label.empty())) {
+            return i;
+        }
+        if (!sameLabel) {
+            continue;
+        }
+        if (named && m_sources[*named].number != source.number) {
+            why = "several values are called that";
+            return std::nullopt;
+        }
+        named = named.value_or(i);
+    }
+    if (!named) {
+        why = "there is no such value here";
+    }
+    return named;
+}
+
+PasteResult BehaviorSession::paste(const std::string& text) {
+    PasteResult result;
+    std::vector<RowValue> values;
+    std::vector<std::string> lines;
+    const auto refuse = [&](std::string_view line, const std::string& why) {
+        result.refused.push_back(std::string(line) + "  (" + why + ')');
+    };
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size());
+        const std::string_view line = trimmed(std::string_view(text).substr(at, end - at));
+        at = end + 1;
+        if (line.empty()) {
+            continue;
+        }
+        const auto parts = pastedLine(line);
+        std::string why = "it is not of the form \"name = value\"";
+        const auto place =
+            parts ? rowFor(std::string(parts->field), std::string(parts->label), why) : std::nullopt;
+        if (place) {
+            values.push_back({*place, std::string(parts->value)});
+            lines.emplace_back(line);
+        } else {
+            refuse(line, why);
+        }
+    }
+    std::vector<std::string> refusals;
+    result.taken = setValues(values, &refusals);
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (!refusals[i].empty()) {
+            refuse(lines[i], refusals[i]);
+        }
+    }
+    return result;
+}
+
+}  // namespace zoka

@@ -1,0 +1,119 @@
+#include "customize/win/BehaviorDialog.h"
+
+#include "ui/win/TextWindow.h"
+
+namespace zoka {
+namespace {
+
+constexpr const char* kCaption = "Entity Behavior";
+constexpr int kFirstControl = 1200;
+enum : int { kShowFindings = 1220, kFollow };
+enum : int { kCopyRow = kFirstRowItem, kCopyAll, kPasteValues };
+constexpr int kWide = 70, kFollowUnits = 90;  // dialog units: "Problems (1000)...", "Follow the selection"
+constexpr size_t kMostPasted = 1 << 20;
+constexpr UINT kLookMs = 1000;  // between looks at the host's count of changes
+
+bool isTextField(HWND control) {
+    return control && (SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL);
+}
+
+}  // namespace
+
+BehaviorDialog::BehaviorDialog(const Setup& setup)
+    : RowsDialog({.title = kCaption,
+                  .module = setup.module,
+                  .icon = setup.icon,
+                  .firstId = kFirstControl,
+                  .buttons = {{kShowFindings, "&Problems (0)...", kWide, true},
+                              {kFollow, "Fo&llow the selection", kFollowUnits, true, true}},
+                  .statusLine = true}),
+      m_session(setup.entities, setup.editor) {}
+
+void BehaviorDialog::fillRows() {
+    m_session.open();
+    CheckDlgButton(window(), kFollow, m_session.follows() ? BST_CHECKED : BST_UNCHECKED);
+    // The timer goes with its window.
+    SetTimer(window(), reinterpret_cast<UINT_PTR>(this), kLookMs, look);
+}
+
+// The selection changes while the editor is in front, so the panel looks wherever it is.
+void CALLBACK BehaviorDialog::look(HWND, UINT, UINT_PTR self, DWORD) {
+    auto* const dialog = reinterpret_cast<BehaviorDialog*>(self);
+    if (dialog->window() && !dialog->takesNoCommands()) {
+        dialog->m_session.refresh(false);
+    }
+}
+
+// The action's own title, if its markup has one.
+std::string BehaviorDialog::caption() const {
+    return m_session.title().empty() ? kCaption : m_session.title();
+}
+
+ButtonState BehaviorDialog::stateOf(int id) const {
+    if (id == kFollow) {
+        return {m_session.canFollow()};
+    }
+    const size_t findings = m_session.findingCount();
+    return {findings > 0, "&Problems (" + std::to_string(findings) + ")..."};
+}
+
+void BehaviorDialog::pressed(int id) {
+    if (id == kFollow) {
+        m_session.setFollowing(IsDlgButtonChecked(window(), kFollow) == BST_CHECKED);
+    } else if (id == kShowFindings) {
+        showTextWindow(window(), "Problems", "Of the action's markup, and of values outside their limits:",
+                       m_session.findingsText(), TextLook::FixedWidth);
+    }
+}
+
+std::vector<RowMenuItem> BehaviorDialog::rowMenuItems(size_t row) {
+    return {{kCopyRow, "Copy th&is value", !m_session.copyText(row, row + 1).empty()},
+            {kCopyAll, "Copy all &values\tCtrl+Shift+C", !m_session.copyText(0, m_session.size()).empty()},
+            {kPasteValues, "Paste values\tCtrl+Shift+V", IsClipboardFormatAvailable(CF_TEXT) != 0}};
+}
+
+void BehaviorDialog::rowMenuChosen(size_t row, int id) {
+    if (id == kPasteValues) {
+        paste();
+    } else {
+        copy(id == kCopyRow ? row : 0, id == kCopyRow ? row + 1 : m_session.size());
+    }
+}
+
+// In a text field the keys alone are the field's own.
+bool BehaviorDialog::rowShortcut(WPARAM key) {
+    if ((key != 'C' && key != 'V') || (isTextField(GetFocus()) && GetKeyState(VK_SHIFT) >= 0)) {
+        return false;
+    }
+    if (key == 'C') {
+        copy(0, m_session.size());
+    } else {
+        paste();
+    }
+    return true;
+}
+
+void BehaviorDialog::copy(size_t first, size_t last) {
+    copyToClipboard(window(), m_session.copyText(first, last));
+}
+
+void BehaviorDialog::paste() {
+    if (!view().commit()) {
+        return;
+    }
+    m_session.leaveField();
+    const PasteResult result = m_session.paste(clipboardText(window(), kMostPasted));
+    if (result.refused.empty()) {
+        return;
+    }
+    std::string lines;
+    for (const std::string& line : result.refused) {
+        lines += line + "\r\n";
+    }
+    const Busy busy(*this);
+    showTextWindow(window(), "Values that were not pasted",
+                   "These lines suit no value here, or one that does not take them:", lines,
+                   TextLook::FixedWidth);
+}
+
+}  // namespace zoka

@@ -1,0 +1,41 @@
+// The window of "Entity Behavior".
+#pragma once
+
+#include <windows.h>
+
+#include "controls/win/RowsDialog.h"
+#include "customize/BehaviorSession.h"
+
+namespace zoka {
+
+// Shows a session and hands it the user's actions. Threads and lifetime as RowsDialog.
+class BehaviorDialog : public RowsDialog {
+public:
+    struct Setup {
+        EntityAccess* entities;  // outlives the object; null where the host has none
+        ZunEditorInterface& editor;
+        HINSTANCE module;  // holds the dialog's resource and the icon
+        int icon;
+    };
+    explicit BehaviorDialog(const Setup& setup);
+
+private:
+    RowEditing& rows() override { return m_session; }
+    void fillRows() override;
+    void pressed(int id) override;
+    ButtonState stateOf(int id) const override;
+    std::string caption() const override;
+    std::string status() const override { return isLoaded() ? m_session.status() : ""; }
+    void activated() override { m_session.refresh(true); }
+    std::vector<RowMenuItem> rowMenuItems(size_t row) override;
+    void rowMenuChosen(size_t row, int id) override;
+    bool rowShortcut(WPARAM key) override;
+
+    static void CALLBACK look(HWND window, UINT message, UINT_PTR self, DWORD time);
+    void copy(size_t first, size_t last);
+    void paste();
+
+    BehaviorSession m_session;
+};
+
+}  // namespace zoka
