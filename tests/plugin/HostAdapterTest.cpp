@@ -198,12 +198,8 @@ TEST(PanelText, SaysWhatIsLoaded) {
     FakeEditor editor;
     EXPECT_THAT(projectStatus(editor),
                 ElementsAre("Main script: C:\\project\\main.kez", "Project folder: C:\\project"));
-    EXPECT_EQ(behaviorStatus(editor, "Door17", std::nullopt)[1], "No Behavior Panel Defined.");
-    EXPECT_EQ(behaviorStatus(editor, "Door17", EntityDescriptor{"Door17", "Opens"})[1], "Behavior: Opens");
     editor.failing = {"GetMainScriptPath", "GetProjectFolder"};
-    EXPECT_THAT(behaviorStatus(editor, "", std::nullopt),
-                ElementsAre("Entity: none", "No Behavior Panel Defined.", "Main script: none",
-                            "Project folder: none"));
+    EXPECT_THAT(projectStatus(editor), ElementsAre("Main script: none", "Project folder: none"));
 }
 
 }  // namespace
