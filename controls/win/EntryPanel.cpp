@@ -160,6 +160,19 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     }
 }
 
+void EntryPanel::fontsChanged() {
+    if (!m_window) {
+        return;
+    }
+    m_live.clear();  // before the fonts that they show
+    makeFonts();
+    m_layout = PanelLayout(m_fonts->px(kMargin), m_fonts->px(kMargin), m_fonts->px(kSpacing));
+    const std::map<size_t, Draft> drafts = std::move(m_drafts);
+    rowsReplaced(true);
+    m_drafts = drafts;
+    showValues();
+}
+
 void EntryPanel::showValues() {
     for (const auto& [row, window] : m_live) {
         window->showValue();

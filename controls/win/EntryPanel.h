@@ -36,6 +36,8 @@ public:
     // All rows are others than before. With `samePlaces` they stand where the old ones stood, so the view and
     // the keyboard stay.
     void rowsReplaced(bool samePlaces);
+    // The fonts are other ones now: every row is made anew.
+    void fontsChanged();
     // Values have changed, of whichever rows.
     void showValues();
     // Which rows are shown has changed.

@@ -3,13 +3,12 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "controls/win/RowsView.h"
-#include "ui/win/WindowKit.h"
+#include "ui/win/DialogShell.h"
 
 namespace zoka {
 
@@ -39,7 +38,7 @@ struct ButtonState {
 //
 // A Close button stands at the right end. Made and freed on the editor's thread, everything else happens on the thread
 // of its window, which it outlives.
-class RowsDialog : protected RowsOwner {
+class RowsDialog : public DialogShell, protected RowsOwner {
 public:
     struct Look {
         std::string title;           // its place is remembered by it, until the plug-in ends
@@ -51,15 +50,9 @@ public:
         bool statusLine = false;
     };
     explicit RowsDialog(Look look);
-    ~RowsDialog() override;
-    RowsDialog(const RowsDialog&) = delete;
-    RowsDialog& operator=(const RowsDialog&) = delete;
-
     // Makes the modeless window from the dialog resource `number`, not shown yet; null on failure. On WM_CLOSE
-    // it asks mayClose() and destroys itself.
+    // it asks mayLeave() and destroys itself.
     HWND create(HINSTANCE instance, int number);
-    // Makes the window over `owner`, which takes no input meanwhile, and returns when it is gone.
-    void runModal(HINSTANCE instance, int number, HWND owner);
     // Fills the rows; called once, when the window is on the screen.
     void load();
 
@@ -73,23 +66,21 @@ protected:
     virtual std::string caption() const { return m_look.title; }
     virtual std::string status() const { return {}; }
     // False keeps the window open.
-    virtual bool mayClose() { return true; }
+    virtual bool mayLeave() { return true; }
     virtual void chosen(size_t /*item*/) {}  // in the chooser, by the user
     // The window becomes the active one.
     virtual void activated() {}
 
     // --- What it may use
-    HWND window() const { return m_window; }  // null before and after
-    RowsView& view() { return *m_view; }      // with a window
-    const WindowFonts& fonts() const { return *m_fonts; }
+    RowsView& view() { return *m_view; }  // with a window
     bool isLoaded() const { return m_loaded; }
-    HWND button(int id) const { return GetDlgItem(m_window, id); }
+    HWND button(int id) const { return GetDlgItem(window(), id); }
     // The chooser's items; it's hidden while there are fewer than two. `at`: the chosen one, or no item.
     void setChoices(const std::vector<std::string>& items, size_t at);
     // Shows caption, buttons and status anew.
     void showState();
     // Does what a button does, as by a click.
-    void press(int id) { PostMessageA(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
+    void press(int id) { PostMessageA(window(), WM_COMMAND, static_cast<WPARAM>(id), 0); }
     // No commands are taken while it lives: a question is open.
     class Busy {
     public:
@@ -109,14 +100,17 @@ protected:
     bool takesNoCommands() const override { return m_busy; }
 
 private:
-    static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void initialise(HWND window);
-    void makeControls();
-    void layout();
-    SIZE leastSize() const;
-    INT_PTR message(UINT message, WPARAM wParam, LPARAM lParam);
-    void command(int id, int code);
-    void closeWindow();
+    void createControls() override;
+    void layout(Area inside) override;
+    HWND firstField() override { return button(IDCANCEL); }
+    void placeFirst(SIZE size) override;
+    void shown() override { load(); }
+    bool mayClose() override;
+    void entered() override;
+    bool givenUp() override;
+    void command(int id, int code) override;
+    void fontsChanged() override { m_view->fontsChanged(); }
+    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
     int chooserLabelId() const { return m_look.firstId; }
     int chooserId() const { return m_look.firstId + 1; }
     int viewId() const { return m_look.firstId + 2; }
@@ -125,8 +119,6 @@ private:
     Look m_look;
     ControlClasses m_classes;
     std::optional<RowsView> m_view;  // from the window's making on
-    std::unique_ptr<WindowFonts> m_fonts;
-    HWND m_window = nullptr;
     size_t m_choices = 0;
     bool m_loaded = false, m_busy = false, m_filling = false;
 };

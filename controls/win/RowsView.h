@@ -71,6 +71,8 @@ public:
     void focusLast() { m_panel.focusLast(); }
     void focusRow(size_t row);
     void focusSearch();
+    // The fonts are other ones now; place() follows.
+    void fontsChanged() { m_panel.fontsChanged(); }
     // The parent is being destroyed.
     void closed() { m_parent = m_help = m_search = nullptr; }
 

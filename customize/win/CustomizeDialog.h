@@ -34,7 +34,7 @@ private:
     void pressed(int id) override;
     ButtonState stateOf(int id) const override;
     std::string caption() const override;
-    bool mayClose() override { return m_session.close(); }
+    bool mayLeave() override { return m_session.close(); }
     void chosen(size_t item) override;
     void activated() override { listScripts(); }
     void rowsChanged() override;

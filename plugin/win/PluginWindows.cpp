@@ -87,7 +87,7 @@ void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::stri
                                      const std::string& catalogue) {
     ValueKeepingUpdater updater;
     const auto customize = [&editor](HWND owner, const std::string& script) {
-        CustomizeDialog({editor, script, {}, g_module, IDI_ZOKA}).runModal(g_module, IDD_PANEL, owner);
+        CustomizeDialog({editor, script, {}, g_module, IDI_ZOKA}).runModal(owner);
     };
     runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, customize});
 }
