@@ -67,7 +67,7 @@ TEST(EntryRules, RefusalsNameTheReason) {
         {decimal, "2.5", nullptr},
         {decimal, "4.01", "too large (allowed: 0 to 4)"},
         {decimal, "1e1", "Enter a number such as -1.5"},
-        {decimal, "0,5", "\",\" is not allowed here"},
+        {decimal, "0,5", "Enter a number such as -1.5"},
         {bare, "open", nullptr},
         {bare, "two words", "A blank"},
         {bare, "a;b", "\";\" is not allowed"},
