@@ -238,7 +238,9 @@ bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>&
             return false;  // what it keeps must not be overwritten
         }
     }
-    const SafeWriteResult written = safeWrite(path, oldValuesText(earlier.value_or(""), script, values));
+    const std::string text = oldValuesText(earlier.value_or(""), script, values);
+    const FileContent file{path, text, FileKind::Generated, std::nullopt, script.scriptPath};
+    const SafeWriteResult written = safeWrite({&file, 1});
     why = written.error;
     return static_cast<bool>(written);
 }

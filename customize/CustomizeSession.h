@@ -89,7 +89,8 @@ private:
     bool mayDropChanges();
 
     // Save's steps; each tells the user itself when it fails.
-    std::optional<SaveResult> settleChangesFromOutside();
+    // `overwritten` gets what the file holds when the user wants that overwritten.
+    std::optional<SaveResult> settleChangesFromOutside(std::optional<std::string>& overwritten);
     bool confirmLostEntries(const CustomScript& saved);
     bool takeIntoProject(bool& copied);
     SaveResult fail(const std::string& message, const std::string& problem = {});

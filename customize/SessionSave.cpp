@@ -44,7 +44,8 @@ SaveResult CustomizeSession::fail(const std::string& message, const std::string&
 }
 
 // Nothing when saving can go on.
-std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
+std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
+    std::optional<std::string>& overwritten) {
     // The whole content is compared: times are too coarse for two programs that write at once. A file that
     // is gone is simply written again; one that can be written but not read may hold another's work.
     const std::string& path = m_panel.script.scriptPath;
@@ -54,7 +55,11 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
         return fail("Can't read '" + path + "': " + why +
                     "\nAnother program may have changed it, so it was not saved.");
     }
-    if (!now || *now == m_panel.script.fileText()) {
+    if (!now) {
+        overwritten.emplace();
+        return std::nullopt;
+    }
+    if (*now == m_panel.script.fileText()) {
         return std::nullopt;
     }
     const PromptAnswer answer = m_prompt.ask(
@@ -64,6 +69,7 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside() {
         "Cancel: don't save.",
         "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
     if (answer == PromptAnswer::No) {
+        overwritten = now;
         return std::nullopt;
     }
     if (answer != PromptAnswer::Yes) {
@@ -145,7 +151,8 @@ SaveResult CustomizeSession::save() {
         if (!hasChanges(m_panel.script)) {
             return SaveResult::NothingToSave;
         }
-        if (const auto settled = settleChangesFromOutside()) {
+        std::optional<std::string> overwritten;
+        if (const auto settled = settleChangesFromOutside(overwritten)) {
             return *settled;
         }
         const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
@@ -168,8 +175,14 @@ SaveResult CustomizeSession::save() {
         }
         const std::string path = m_panel.script.scriptPath;
         const std::string values = valueFileText(m_panel.script, true);
-        const FileContent files[] = {{path, text}, {path + kValueFileEnding, values}};
+        const std::string_view onDisk = overwritten ? *overwritten : m_panel.script.fileText();
+        const FileContent files[] = {
+            {path, text, FileKind::Named, copied ? std::nullopt : std::optional(onDisk)},
+            {path + kValueFileEnding, values, FileKind::Generated, std::nullopt, path}};
         const SafeWriteResult result = safeWrite(files);
+        if (result.changedMeanwhile) {
+            return save();  // another program was faster: asks what to do with its changes
+        }
         if (result.written == 0) {
             const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
             return fail(opens ? result.error : "Error open file to write", result.error);

@@ -105,8 +105,10 @@ std::string valueFileText(const CustomScript& script, bool useControlValues) {
 }
 
 bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt, std::string* why) {
-    const SafeWriteResult written =
-        safeWrite(script.scriptPath + kValueFileEnding, valueFileText(script, useControlValues));
+    const std::string text = valueFileText(script, useControlValues);
+    const FileContent file{script.scriptPath + kValueFileEnding, text, FileKind::Generated, std::nullopt,
+                           script.scriptPath};
+    const SafeWriteResult written = safeWrite({&file, 1});
     if (written) {
         return true;
     }

@@ -340,6 +340,6 @@ bool CTemplateData::LoadFromXML(const std::string& path) {
 }
 
 bool CTemplateData::WriteXML(const std::string& path) const {
-    return static_cast<bool>(
-        zoka::safeWrite(path, zoka::inTextMode(zoka::catalogueText(*this, GetCurDate()))));
+    return static_cast<bool>(zoka::safeWrite(path, zoka::inTextMode(zoka::catalogueText(*this, GetCurDate())),
+                                             zoka::FileKind::Generated));
 }

@@ -278,7 +278,7 @@ private:
 
 PageTaker intoFolder(const std::string& folder, std::string* error) {
     return [folder, error](const std::string& name, const std::string& text) {
-        const SafeWriteResult result = safeWrite(folder + name, text);
+        const SafeWriteResult result = safeWrite(folder + name, text, FileKind::Generated);
         if (!result && error) {
             *error = result.error;
         }

@@ -80,7 +80,7 @@ bool FolderHost::CopyFileWithSubstitutions(const std::string& source, const std:
         return false;
     }
     const auto content = osFiles().readWhole(source);
-    return content && safeWrite(destination, substituted(*content, substitutions));
+    return content && safeWrite(destination, substituted(*content, substitutions), FileKind::Generated);
 }
 
 std::string FolderHost::QueryFolder(ZunCommandCode code) {

@@ -91,7 +91,7 @@ ExitStatus build(const BuildOptions& options) {
         }
         return status;
     }
-    return writeOutput(output, text) ? status : ExitStatus::Failed;
+    return writeOutput(output, text, FileKind::Generated) ? status : ExitStatus::Failed;
 }
 
 nlohmann::ordered_json asJson(const CScriptElm& script) {

@@ -75,9 +75,9 @@ std::optional<std::string> readInput(const std::string& path) {
     return bytes;
 }
 
-bool writeOutput(const std::string& path, std::string_view bytes) {
+bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind) {
     if (!isStandardStream(path)) {
-        const SafeWriteResult result = safeWrite(path, bytes);
+        const SafeWriteResult result = safeWrite(path, bytes, kind);
         if (!result) {
             complain(result.error);
         }

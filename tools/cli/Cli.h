@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "util/SafeWrite.h"
+
 namespace CLI {
 class App;
 }
@@ -50,7 +52,7 @@ inline bool isStandardStream(std::string_view path) {
 std::optional<std::string> readInput(const std::string& path);
 // Gives a file its new content (the old or the new one is left, whatever happens), or writes to the standard
 // output. False when it can't be written; it has then said why.
-bool writeOutput(const std::string& path, std::string_view bytes);
+bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind = FileKind::Named);
 // Sends on what was written to the standard output so far. False when not all of it
 // arrived; it has then said so.
 bool flushOutput();

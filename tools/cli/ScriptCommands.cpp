@@ -17,6 +17,7 @@
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/FileLock.h"
 #include "util/LineDiff.h"
 #include "util/PathRules.h"
 
@@ -37,7 +38,8 @@ void print(const std::string& text) {
 // One project, its host and its session. Its session is made only when the catalogue could be loaded.
 class Manager {
 public:
-    explicit Manager(const ScriptOptions& options) : m_host(foldersOf(options)), m_folders(m_host) {
+    // Whoever `changes` the project holds its main script's lock meanwhile.
+    Manager(const ScriptOptions& options, bool changes) : m_host(foldersOf(options)), m_folders(m_host) {
         m_folders.listOnce();
         const std::string templates = suitePath(options.templates);
         const std::string file =
@@ -47,6 +49,14 @@ public:
             complain("the project has no main script: name it with --main");
             m_status = ExitStatus::Usage;
             return;
+        }
+        if (changes) {
+            m_lock.emplace(m_mainScript);
+            if (!*m_lock) {
+                complain(m_lock->error());
+                m_status = ExitStatus::Failed;
+                return;
+            }
         }
         m_status = loadCatalogueOrComplain(m_catalogue, file);
         if (m_status != ExitStatus::Done) {
@@ -114,6 +124,7 @@ private:
     CTemplateData m_catalogue;
     ValueKeepingUpdater m_updater;
     std::string m_mainScript;
+    std::optional<FileLock> m_lock;
     ExitStatus m_status = ExitStatus::Done;
     std::unique_ptr<ScriptManagerSession> m_session;
 };
@@ -470,7 +481,7 @@ void addCommand(CLI::App& scripts, Work& chosen, const char* name, const char* d
     setExample(*command, example);
     command->callback([=, &chosen] {
         chosen = [=] {
-            Manager manager(*options);
+            Manager manager(*options, (takes & kDryRun) && !options->dryRun);
             return manager.status() == ExitStatus::Done ? action(manager, *options) : manager.status();
         };
     });
