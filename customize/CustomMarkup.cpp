@@ -104,7 +104,7 @@ public:
     void run() {
         // Moving entries about while their number grows would cost more than reading them.
         m_script.entries.reserve(std::min<size_t>(m_text.size() / kBytesPerEntry, kEntriesForeseen));
-        while (m_next < m_text.size()) {
+        while (m_next < m_text.size() && !m_script.tooLarge) {
             const size_t start = nextLine();
             readLine(start, m_text.substr(start, m_next - start));
         }
@@ -211,8 +211,19 @@ private:
 
     void complete() {
         makeRoom();
+        count(m_entry);
         m_script.entries.push_back(std::move(m_entry));
         forget();
+    }
+
+    // An entry and its row hold each text about twice.
+    void count(const CustomEntry& entry) {
+        constexpr size_t kEntryAndRow = 360;  // bytes, where a pointer has four
+        m_bytes += kEntryAndRow + 2 * (entry.label.size() + entry.help.size() + entry.value.size());
+        for (const std::string& option : entry.options) {
+            m_bytes += 2 * (sizeof option + option.size());
+        }
+        m_script.tooLarge = m_bytes > kMostEntryBytes;
     }
 
     // What was read so far tells how many entries the rest will have. Doubling the room again and again would
@@ -250,6 +261,7 @@ private:
                    " stands above several commented lines: each got a switch of its own with the same id");
         }
         makeRoom();
+        count(m_entry);
         m_script.entries.push_back(m_entry);
         CustomEntry& copy = m_script.entries.back();
         copy.value = "0";
@@ -454,6 +466,7 @@ private:
     bool m_inAction = false;
     bool m_inBehavior = false;  // below a skill, a flag or the like
     int m_switchedLines = 0;    // commented lines that the "enable" under construction has found
+    size_t m_bytes = 0;         // that the entries so far and their rows take
 };
 
 }  // namespace

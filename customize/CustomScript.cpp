@@ -86,17 +86,29 @@ void MarkupFindings::sortByLine() {
                      [](const MarkupFinding& a, const MarkupFinding& b) { return a.line < b.line; });
 }
 
-bool LoadCustomScript(const std::string& fileName, CustomScript& script) {
+bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why) {
     const std::string path = fileName.substr(0, kMaxScriptPath);
     if (path.empty()) {
         return false;
     }
     auto text = osFiles().readWhole(path);
     if (!text || text->size() > INT32_MAX - 2) {
+        if (why) {
+            *why = text ? "it is too large" : osFiles().lastError();
+        }
         return false;
     }
-    script.scriptPath = path;
-    takeCustomText(std::move(*text), script);
+    CustomScript loaded;
+    loaded.scriptPath = path;
+    takeCustomText(std::move(*text), loaded);
+    if (loaded.tooLarge) {
+        if (why) {
+            *why = "it is too large to be customized: more than " + std::to_string(loaded.entries.size()) +
+                   " entries don't fit into the editor's memory";
+        }
+        return false;
+    }
+    script = std::move(loaded);
     return true;
 }
 
@@ -109,6 +121,7 @@ void takeCustomText(std::string fileText, CustomScript& script) {
     script.entries.clear();
     script.version = script.date = 0;
     script.findings = {};
+    script.tooLarge = false;
     checkEncoding(script);
     ParseCustomMarkup(script.text, script);
     checkCustomEntries(script);

@@ -52,16 +52,22 @@ struct CustomScript {
     int version = 0;
     int date = 0;
     MarkupFindings findings;
+    // Reading ended before the script's end, because its entries would take more memory than a panel may.
+    bool tooLarge = false;
 
     std::string_view fileText() const { return std::string_view(text).substr(0, fileLength); }
 };
 
+// What the entries of one script may take, with the rows that show them: some 800,000 of the usual size.
+inline constexpr size_t kMostEntryBytes = 300'000'000;
+
 // A path's longest form; longer names are cut.
 inline constexpr size_t kMaxScriptPath = 259;
 
-// Reads and parses the script. False, with `script` as it was, when the name is empty or the file can't be
-// read or is 2 GiB or larger; no message.
-bool LoadCustomScript(const std::string& fileName, CustomScript& script);
+// Reads and parses the script. False, with `script` as it was, when the name is empty, the file can't be read or
+// is 2 GiB or larger, or has so many entries that they don't fit into the memory that an editor of 32 bits can
+// spare (see kMostEntryBytes); no message. `why` (may be null) gets the reason.
+bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why = nullptr);
 // The same of a text at hand, which is what the file holds.
 void takeCustomText(std::string fileText, CustomScript& script);
 

@@ -44,9 +44,9 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
 
 bool CustomizeSession::load(const std::string& fileName) {
     ScriptPanel loaded;
-    if (!LoadCustomScript(fileName, loaded.script)) {
-        m_problem = fileName.empty() ? "There is no script."
-                                     : "Can't read '" + fileName + "': " + osFiles().lastError();
+    std::string why;
+    if (!LoadCustomScript(fileName, loaded.script, &why)) {
+        m_problem = fileName.empty() ? "There is no script." : "Can't read '" + fileName + "': " + why;
         return false;
     }
     m_panel = std::move(loaded);

@@ -8,6 +8,7 @@
 #include "customize/ValueFile.h"
 #include "customize/WriteBack.h"
 #include "util/Backups.h"
+#include "util/FileLock.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -70,8 +71,9 @@ std::string cantRead(const std::string& path) {
 std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath,
                                                std::string& why) {
     ValueUpdatePlan plan;
-    if (!LoadCustomScript(scriptPath, plan.old.script)) {
-        why = cantRead(scriptPath);
+    std::string reason;
+    if (!LoadCustomScript(scriptPath, plan.old.script, &reason)) {
+        why = "Can't read '" + scriptPath + "': " + reason;
         return std::nullopt;
     }
     auto text = templateTextFor(scriptPath, templatePath);
@@ -98,6 +100,11 @@ std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, co
 
 bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
     const std::string& path = plan.old.script.scriptPath;
+    const FileLock lock(path);
+    if (!lock) {
+        why = lock.error();
+        return false;
+    }
     const std::optional<std::string> now = osFiles().readWhole(path);
     if (!now) {
         why = cantRead(path);
@@ -118,12 +125,15 @@ bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
     }
     const std::string valueFile = path + kValueFileEnding;
     // What the script holds is safe in the value file before anything is replaced.
-    SafeWriteResult written = safeWrite(valueFile, valueFileText(plan.old.script, false));
+    const std::string values = valueFileText(plan.old.script, false);
+    const FileContent valuesFile{valueFile, values, FileKind::Generated, std::nullopt, path};
+    const FileContent scriptFile{path, plan.after, FileKind::Named, plan.before};
+    SafeWriteResult written = safeWrite({&valuesFile, 1});
     if (written && !keepOldValues(plan.old.script, plan.unplaced, why)) {
         return false;
     }
     if (written) {
-        written = safeWrite(path, plan.after);
+        written = safeWrite({&scriptFile, 1});
     }
     if (!written) {
         why = written.error;
@@ -132,7 +142,7 @@ bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
     CustomScript updated;
     takeCustomText(plan.after, updated);
     // The script has the values; a value file that can't be brought up to date still holds the same ones.
-    safeWrite(valueFile, valueFileText(updated, false));
+    safeWrite(valueFile, valueFileText(updated, false), FileKind::Generated);
     return true;
 }
 

@@ -17,6 +17,7 @@
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/FileLock.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -51,14 +52,23 @@ std::string oneLine(const std::string& text) {
 // A script opened as the panel opens it. Its own folder is the project's, so saving stays there.
 class OpenScript {
 public:
-    explicit OpenScript(const std::string& file)
+    // One that `changes` holds its lock as long as it is open.
+    OpenScript(const std::string& file, bool changes)
         : m_path(osFiles().fullPath(suitePath(file))),
           m_host({.project = std::string(folderOf(m_path)), .suite = std::string(folderOf(m_path))}),
           m_session(m_host, userPrompt()) {
         workOn(file);
+        if (changes) {
+            m_lock.emplace(m_path);
+            if (!*m_lock) {
+                complain(m_lock->error());
+                return;
+            }
+        }
         m_open = m_session.open(m_path);
         if (!m_open) {
-            complain("cannot read " + file + ": " + osFiles().lastError());
+            const std::string& problem = m_session.problem();
+            complain("cannot read " + file + ": " + problem.substr(problem.find("': ") + 3));
         }
     }
 
@@ -117,6 +127,7 @@ public:
 
 private:
     std::string m_path;
+    std::optional<FileLock> m_lock;
     FolderHost m_host;
     CustomizeSession m_session;
     bool m_open = false;
@@ -160,7 +171,7 @@ Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
 }
 
 ExitStatus list(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, false);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -196,7 +207,7 @@ ExitStatus list(const CustomizeOptions& options) {
 }
 
 ExitStatus get(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, false);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -222,7 +233,7 @@ ExitStatus get(const CustomizeOptions& options) {
 }
 
 ExitStatus set(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, !options.dryRun);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -258,7 +269,7 @@ std::optional<std::vector<std::optional<std::string>>> templateValues(OpenScript
 }
 
 ExitStatus reset(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, !options.dryRun);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -292,7 +303,7 @@ ExitStatus reset(const CustomizeOptions& options) {
 }
 
 ExitStatus diff(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, false);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -339,6 +350,14 @@ ExitStatus update(const CustomizeOptions& options) {
         complain(original + " is another script's template: the names differ; not updated");
         return ExitStatus::Usage;
     }
+    std::optional<FileLock> lock;
+    if (!options.dryRun) {
+        lock.emplace(path);
+        if (!*lock) {
+            complain(lock->error());
+            return ExitStatus::Failed;
+        }
+    }
     std::string why;
     auto plan = planValueUpdate(path, original, why);
     if (!plan) {
@@ -359,7 +378,7 @@ ExitStatus update(const CustomizeOptions& options) {
 }
 
 ExitStatus exportValues(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, false);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -370,12 +389,13 @@ ExitStatus exportValues(const CustomizeOptions& options) {
         complain("the value file would overwrite the script; nothing was written");
         return ExitStatus::Usage;
     }
-    return writeOutput(target, valueFileText(open.session().script(), false)) ? ExitStatus::Done
-                                                                              : ExitStatus::Failed;
+    return writeOutput(target, valueFileText(open.session().script(), false), FileKind::Generated)
+               ? ExitStatus::Done
+               : ExitStatus::Failed;
 }
 
 ExitStatus import(const CustomizeOptions& options) {
-    OpenScript open(options.file);
+    OpenScript open(options.file, !options.dryRun);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
@@ -416,8 +436,9 @@ ExitStatus import(const CustomizeOptions& options) {
 
 ExitStatus checkFile(const std::string& path, Json* json) {
     CustomScript script;
-    if (!LoadCustomScript(path, script)) {
-        complain("cannot read " + path + ": " + osFiles().lastError());
+    std::string why;
+    if (!LoadCustomScript(path, script, &why)) {
+        complain("cannot read " + path + ": " + why);
         return ExitStatus::Failed;
     }
     for (const MarkupFinding& finding : script.findings.kept()) {
