@@ -5,6 +5,7 @@
 #include <memory>
 #include <thread>
 
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/UserPrompt.h"
@@ -103,8 +104,11 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience) 
     }
     m_key = std::move(key);
     if (result == Registry::Result::TakenOver) {
-        userPrompt().tell("A program that is gone had left the lock '" + lockFile +
-                          "' behind. It was removed.");
+        // Nothing may be thrown while the lock has no owner yet.
+        keepInside([&] {
+            userPrompt().tell("A program that is gone had left the lock '" + lockFile +
+                              "' behind. It was removed.");
+        });
     }
 }
 

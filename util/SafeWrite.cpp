@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cstdio>
 #include <list>
+#include <mutex>
+#include <new>
 #include <set>
 
 #include "util/FileLock.h"
@@ -27,25 +29,23 @@ std::string failure(const std::string& what, const std::string& path, const std:
 // Removes what programs that were killed left in the folder more than a day ago. Once for a folder that is
 // written again and again.
 void clearAbandoned(OsFiles& files, const std::string& folder) {
-    static std::atomic_flag busy;
+    static std::mutex lock;
     static std::string lastCleared;
-    if (busy.test_and_set()) {
+    const std::lock_guard guard(lock);
+    if (folder == lastCleared) {
         return;
     }
-    if (folder != lastCleared) {
-        lastCleared = folder;
-        const auto sinceUnix = std::chrono::system_clock::now().time_since_epoch();
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceUnix).count();
-        const std::uint64_t now = kTicksFrom1601To1970 + static_cast<std::uint64_t>(seconds) * 10'000'000;
-        for (const char* pattern : {"~zk????????.tmp", "~zk-*.lock"}) {
-            for (const OsEntry& entry : files.list(joinPath(folder, pattern))) {
-                if (!entry.isFolder && entry.lastWrite.ticks() + kTicksPerDay < now) {
-                    files.deleteAbandoned(joinPath(folder, entry.name));
-                }
+    lastCleared = folder;
+    const auto sinceUnix = std::chrono::system_clock::now().time_since_epoch();
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceUnix).count();
+    const std::uint64_t now = kTicksFrom1601To1970 + static_cast<std::uint64_t>(seconds) * 10'000'000;
+    for (const char* pattern : {"~zk????????.tmp", "~zk-*.lock"}) {
+        for (const OsEntry& entry : files.list(joinPath(folder, pattern))) {
+            if (!entry.isFolder && entry.lastWrite.ticks() + kTicksPerDay < now) {
+                files.deleteAbandoned(joinPath(folder, entry.name));
             }
         }
     }
-    busy.clear();
 }
 
 // A file of our own beside the target; deleted again unless it took the target's place.
@@ -67,7 +67,11 @@ public:
     ~Sibling() {
         m_out.reset();
         if (m_ours) {
-            m_files.deleteFile(m_path);
+            try {
+                m_files.deleteFile(m_path);
+            } catch (const std::bad_alloc&) {
+                // It goes when it is a day old.
+            }
         }
     }
 

@@ -70,7 +70,7 @@ private:
 
 class PosixOutFile : public OsOutFile {
 public:
-    explicit PosixOutFile(int fd) : m_file(fd) {}
+    explicit PosixOutFile(Descriptor file) : m_file(std::move(file)) {}
     bool write(std::string_view bytes) override {
         while (!bytes.empty()) {
             const ssize_t written = ::write(m_file.get(), bytes.data(), bytes.size());
@@ -127,6 +127,26 @@ void copyExtendedAttributes(int from, int to) {
         }
     }
 }
+
+// Deletes a file that was just made, unless its maker came to the end; takes no memory for it.
+class OwnFile {
+public:
+    explicit OwnFile(const std::string& native) : m_native(&native) {}
+    ~OwnFile() {
+        if (m_native) {
+            const int before = errno;
+            unlink(m_native->c_str());
+            forgetOwnFile(*m_native);
+            errno = before;
+        }
+    }
+    OwnFile(const OwnFile&) = delete;
+    OwnFile& operator=(const OwnFile&) = delete;
+    void keep() { m_native = nullptr; }
+
+private:
+    const std::string* m_native;
+};
 
 // Removed while it is held, so that nobody can take a file that is about to go.
 class PosixLock : public OsLock {
@@ -298,7 +318,8 @@ public:
                           : how == OsOpen::New    ? O_CREAT | O_EXCL
                                                   : O_CREAT | O_TRUNC;
         const int fd = openFile(path, O_WRONLY | flags);
-        return fd >= 0 ? std::make_unique<PosixOutFile>(fd) : nullptr;
+        Descriptor file(fd);
+        return fd >= 0 ? std::make_unique<PosixOutFile>(std::move(file)) : nullptr;
     }
 
     std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) override {
@@ -307,26 +328,25 @@ public:
         const bool known = model.isOpen() ? fstat(model.get(), &info) == 0
                                           : !like.empty() && stat(toNativePath(like).c_str(), &info) == 0;
         const std::string native = toNativePath(path);
-        const int fd = open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, known ? 0600 : 0666);
-        if (fd < 0) {
+        Descriptor made(open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, known ? 0600 : 0666));
+        if (!made.isOpen()) {
             return nullptr;
         }
         noteOwnFile(native);
-        flock(fd, LOCK_EX | LOCK_NB);  // so that nobody takes it for abandoned
-        auto file = std::make_unique<PosixOutFile>(fd);
+        OwnFile own(native);
+        flock(made.get(), LOCK_EX | LOCK_NB);  // so that nobody takes it for abandoned
         if (known) {
             // The owner first: changing it clears bits of the mode. Only the superuser may give files away.
-            const bool owned = fchown(fd, info.st_uid, info.st_gid) == 0 || errno == EPERM;
+            const bool owned = fchown(made.get(), info.st_uid, info.st_gid) == 0 || errno == EPERM;
             if (model.isOpen()) {
-                copyExtendedAttributes(model.get(), fd);
+                copyExtendedAttributes(model.get(), made.get());
             }
-            if (!owned || fchmod(fd, info.st_mode & 07777) != 0) {
-                const int why = errno;
-                deleteFile(path);
-                errno = why;
+            if (!owned || fchmod(made.get(), info.st_mode & 07777) != 0) {
                 return nullptr;
             }
         }
+        auto file = std::make_unique<PosixOutFile>(std::move(made));
+        own.keep();
         return file;
     }
 
@@ -365,7 +385,10 @@ public:
                 // A full disk: the lock holds without the number.
             }
             noteOwnFile(native);
-            return std::make_unique<PosixLock>(std::move(file), native);
+            OwnFile own(native);
+            auto lock = std::make_unique<PosixLock>(std::move(file), native);
+            own.keep();
+            return lock;
         }
     }
 

@@ -26,6 +26,10 @@ public:
     ~Handle() { close(); }
     HANDLE get() const { return m_handle; }
     bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
+    bool hold(HANDLE handle) {
+        m_handle = handle;
+        return isOpen();
+    }
     bool close() {
         if (!isOpen()) {
             return false;
@@ -141,6 +145,8 @@ OsEntry describe(const WIN32_FIND_DATAW& data) {
 class WinOutFile : public OsOutFile {
 public:
     explicit WinOutFile(HANDLE handle) : m_file(handle) {}
+    // For one that was made without a file.
+    bool hold(HANDLE handle) { return m_file.hold(handle); }
     bool write(std::string_view bytes) override {
         while (!bytes.empty()) {
             const auto size = static_cast<DWORD>(std::min<size_t>(bytes.size(), 1u << 30));
@@ -179,22 +185,37 @@ void setCreationTime(const std::wstring& path, const FILETIME& time) {
     }
 }
 
-void copyAccessRights(const std::wstring& from, const std::wstring& to) {
-    DWORD size = 0;
-    GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-    std::vector<std::uint64_t> rights(size / sizeof(std::uint64_t) + 1);  // aligned as the system wants it
-    if (size > 0 && GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size)) {
-        SetFileSecurityW(to.c_str(), DACL_SECURITY_INFORMATION, rights.data());
+// A file's access list, as far as the system lets us have it.
+class AccessRights {
+public:
+    explicit AccessRights(const std::wstring& path) {
+        DWORD size = 0;
+        if (!path.empty()) {
+            GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+        }
+        m_list.resize(size / sizeof(std::uint64_t) + 1);  // aligned as the system wants it
+        m_known = size > 0 &&
+                  GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, m_list.data(), size, &size) != 0;
     }
-}
+    void giveTo(const std::wstring& path) const {
+        if (m_known) {
+            SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION,
+                             const_cast<std::uint64_t*>(m_list.data()));
+        }
+    }
+
+private:
+    std::vector<std::uint64_t> m_list;
+    bool m_known = false;
+};
 
 // The system removes the file with the last handle, also when the process is killed.
 class WinLock : public OsLock {
 public:
-    explicit WinLock(HANDLE file) : m_file(file) {}
+    bool hold(HANDLE file) { return m_file.hold(file); }
 
 private:
-    Handle m_file;
+    Handle m_file{INVALID_HANDLE_VALUE};
 };
 
 class WinFiles : public OsFiles {
@@ -342,16 +363,17 @@ public:
     std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) override {
         const std::wstring native = nativePath(path);
         // Others may delete it, so that a console's end can.
-        const HANDLE file = CreateFileW(native.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                        nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE) {
+        const std::wstring model = like.empty() ? std::wstring() : nativePath(like);
+        // All memory is taken before the file is there.
+        auto file = std::make_unique<WinOutFile>(INVALID_HANDLE_VALUE);
+        const AccessRights rights(model);
+        if (!file->hold(CreateFileW(native.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                    nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr))) {
             return nullptr;
         }
         noteOwnFile(path);
-        if (!like.empty()) {
-            copyAccessRights(nativePath(like), native);
-        }
-        return std::make_unique<WinOutFile>(file);
+        rights.giveTo(native);
+        return file;
     }
 
     // The system refuses while a program has it open, since none lets others delete it but us.
@@ -362,12 +384,14 @@ public:
 
     std::unique_ptr<OsLock> tryLock(const std::string& path, OsLockState& state) override {
         const std::wstring native = nativePath(path);
-        const HANDLE file = CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
-                                        FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+        auto lock = std::make_unique<WinLock>();
+        const bool made =
+            lock->hold(CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                                   FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
         const DWORD why = GetLastError();
-        if (file != INVALID_HANDLE_VALUE) {
+        if (made) {
             state = why == ERROR_ALREADY_EXISTS ? OsLockState::TakenOver : OsLockState::Taken;
-            return std::make_unique<WinLock>(file);
+            return lock;
         }
         // One that is just being removed is refused as if it were forbidden.
         const bool there = GetFileAttributesW(native.c_str()) != INVALID_FILE_ATTRIBUTES ||
