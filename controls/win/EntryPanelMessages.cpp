@@ -9,6 +9,7 @@
 #include "controls/Colour.h"
 #include "controls/FileFilter.h"
 #include "controls/win/EntryPanel.h"
+#include "ui/win/Window.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/UserPrompt.h"
@@ -232,7 +233,7 @@ LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam
         SetWindowLongPtrA(window, GWLP_USERDATA, 0);
         return DefWindowProcA(window, message, wParam, lParam);
     }
-    return self->message(message, wParam, lParam);
+    return answerInside(window, [&] { return self->message(message, wParam, lParam); });
 }
 
 LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {

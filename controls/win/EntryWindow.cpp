@@ -9,6 +9,7 @@
 #include "controls/win/ControlClasses.h"
 #include "controls/win/EntryPanel.h"
 #include "controls/win/SliderField.h"
+#include "ui/win/Window.h"
 #include "ui/win/WindowKit.h"
 
 namespace zoka {
@@ -524,6 +525,11 @@ bool EntryWindow::keyDown(HWND control, WPARAM key) {
 
 LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    return answerInside(window, [&] { return self->fieldMessage(window, message, wParam, lParam); });
+}
+
+LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    EntryWindow* const self = this;
     self->m_panel.relayToTooltip(window, message, wParam, lParam);
     switch (message) {
         case WM_SETFOCUS:
@@ -602,8 +608,10 @@ LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wPara
         SetWindowLongPtrA(window, GWLP_USERDATA, 0);
         return DefWindowProcA(window, message, wParam, lParam);
     }
-    self->m_panel.relayToTooltip(window, message, wParam, lParam);
-    return self->message(message, wParam, lParam);
+    return answerInside(window, [&] {
+        self->m_panel.relayToTooltip(window, message, wParam, lParam);
+        return self->message(message, wParam, lParam);
+    });
 }
 
 LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {

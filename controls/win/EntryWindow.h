@@ -50,6 +50,7 @@ public:
 
 private:
     static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     // Where the parts of the row stand in it; what the row doesn't have stands nowhere.
     struct Parts {
         PanelRect label, field, button;

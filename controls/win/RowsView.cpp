@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "ui/win/Window.h"
+
 namespace zoka {
 namespace {
 
@@ -52,7 +54,8 @@ LRESULT CALLBACK RowsView::controlProc(HWND window, UINT message, WPARAM wParam,
                 SendMessageA(window, EM_SETSEL, 0, -1);
                 return 0;
             }
-            if (self->shortcut(wParam)) {
+            if (answerInside(
+                    window, [&]() -> LRESULT { return self->shortcut(wParam); }, 1)) {
                 return 0;
             }
             break;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ui/win/WindowKit.h"
+#include "util/Doors.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
@@ -131,17 +132,19 @@ LRESULT CALLBACK Window::classProc(HWND window, UINT message, WPARAM wParam, LPA
     return answer ? *answer : DefWindowProcA(window, message, wParam, lParam);
 }
 
-void tellFailure() {
-    try {
-        throw;
-    } catch (const std::bad_alloc&) {
-        userPrompt().tell(
-            "There is not enough memory to go on. The window closes; files are as they were last saved.");
-    } catch (const std::exception& error) {
-        userPrompt().tell(std::string("The window closes, because something failed: ") + error.what());
-    } catch (...) {
-        userPrompt().tell("The window closes, because something failed.");
-    }
+void tellFailure() noexcept {
+    keepInside([] {
+        try {
+            throw;
+        } catch (const std::bad_alloc&) {
+            userPrompt().tell(
+                "There is not enough memory to go on. The window closes; files are as they were last saved.");
+        } catch (const std::exception& error) {
+            userPrompt().tell(std::string("The window closes, because something failed: ") + error.what());
+        } catch (...) {
+            userPrompt().tell("The window closes, because something failed.");
+        }
+    });
 }
 
 }  // namespace zoka

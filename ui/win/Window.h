@@ -50,6 +50,19 @@ private:
 };
 
 // Tells the user what is being handled just now, an exception: "not enough memory", or its own text.
-void tellFailure();
+void tellFailure() noexcept;
+
+// The answer of a window procedure that is no Window's. When something is thrown, the user is told and the
+// whole window is asked to close; then it is `otherwise`.
+template <class Work>
+LRESULT answerInside(HWND window, const Work& work, LRESULT otherwise = 0) noexcept {
+    try {
+        return work();
+    } catch (...) {
+        tellFailure();
+        PostMessageA(GetAncestor(window, GA_ROOT), WM_CLOSE, 0, 0);
+        return otherwise;
+    }
+}
 
 }  // namespace zoka
