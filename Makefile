@@ -52,9 +52,9 @@ fuzz: ## fuzz one reader (fuzz/TARGET.cpp): make fuzz TARGET=xml SECONDS=60
 	@$(call BUILD,fuzz) --target fuzz/all
 	@tools/check/fuzz.sh $(TARGET) $(SECONDS)
 
-dll: setup ## build the plug-in alone: build/zoka.dll
+dll: setup ## build the plug-in alone: build/zoka.dll, its symbols in build/zoka.debug
 	@$(call BUILD,windows) --target zoka
-	@cp build/windows/plugin/zoka.dll build/zoka.dll
+	@cp build/windows/plugin/zoka.dll build/windows/plugin/zoka.debug build/
 	@ls -l build/zoka.dll
 
 clean: ## remove all that was built (what set-up fetched stays)

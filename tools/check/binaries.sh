@@ -2,7 +2,7 @@
 # Checks the Windows binaries as they would be shipped: binaries.sh WINDOWS_BUILD
 #
 # Each may import from libraries of the system only, can be moved in memory and keeps data
-# from being run.
+# from being run. The library has no handlers of structured exceptions and no debug sections.
 set -euo pipefail
 build=$1
 findings=0
@@ -23,6 +23,10 @@ while IFS= read -r binary; do
     grep -q DYNAMIC_BASE <<<"$headers" || finding "$binary: lacks --dynamicbase"
     grep -q NX_COMPAT <<<"$headers" || finding "$binary: lacks --nxcompat"
     grep -qE '^Entry 5 [0-9a-f]+ 0*[1-9a-f]' <<<"$headers" || finding "$binary: has no relocations, so it can't be moved"
+    [[ ${binary##*/} == zoka.dll ]] || continue
+    grep -qE 'NO_SEH|no SEH' <<<"$headers" || finding "$binary: lacks --no-seh"
+    ! $objdump -h "$binary" | grep -q '\.debug_' || finding "$binary: ships its debug sections"
+    [ -s "${binary%.dll}.debug" ] || finding "$binary: has no symbols beside it"
 done < <(find "$build/plugin" "$build/tools" -name '*.dll' -o -name '*.exe' | sort)
 [ $found -gt 0 ] || finding "no binaries in $build"
 exit $findings
