@@ -13,7 +13,7 @@ check() { # stray-allowed what
     for path in project/*; do
         name=${path#project/}
         case $name in
-        '~zk'*.tmp)
+        '~zk'*.tmp | '~zk'*.lock)
             [ "$1" = yes ] || fail "$2: left $name behind"
             ;;
         *.zoka) # first written with the old script's version, before the script is touched
@@ -111,4 +111,19 @@ done
 faults update --yes
 rm before/fog.kez
 faults restore fog.kez
-echo "$runs runs with a fault, no file damaged"
+
+# Two programs that add a script each at the same time: both are included. ROUNDS=1000 for long.
+round=0
+while [ $round -lt "${ROUNDS:-20}" ]; do
+    round=$((round + 1))
+    rm -rf project
+    mkdir project
+    printf '// main\r\n' >project/main.kez
+    "$zoka" scripts add fog.kez -p project -t "$suite" -m project/main.kez >output 2>&1 &
+    first=$!
+    "$zoka" scripts add turret.kez -p project -t "$suite" -m project/main.kez >output2 2>&1
+    wait $first
+    grep -q 'include <fog.kez>' project/main.kez && grep -q 'include <turret.kez>' project/main.kez ||
+        fail "round $round of two writers: a line is lost"
+done
+echo "$runs runs with a fault, no file damaged; $round rounds of two writers, nothing lost"
