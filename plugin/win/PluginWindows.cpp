@@ -4,6 +4,7 @@
 
 #include <commctrl.h>
 
+#include "J8ProjectManager/win/ProjectDialog.h"
 #include "J8ProjectWizard/win/J8WizardNewDlg.h"
 #include "customize/win/BehaviorDialog.h"
 #include "plugin/PanelText.h"
@@ -75,12 +76,8 @@ std::unique_ptr<PanelThread> PluginWindows::makeThread(PanelState& state, PanelD
     return std::make_unique<CViewThread>(state, static_cast<PanelWindow&>(dialog), number);
 }
 
-void PluginWindows::runProjectManager(ZunEditorInterface& editor, const std::string& projectFile) {
-    StatusWindow("J8 Project Manager", [&] {
-        StatusLines lines = projectStatus(editor);
-        lines.push_back("Project file: " + projectFile);
-        return lines;
-    }).runModal(g_module, IDD_STATUS);
+void PluginWindows::runProjectManager(ZunEditorInterface&, const std::string& projectFile) {
+    runProjectDialog({*CJ8ProjectManager::Instance(), projectFile, g_module, IDI_ZOKA});
 }
 
 void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::string&, const std::string&,

@@ -20,6 +20,11 @@ cp -r samples/templates "$demo/suite/templates"
 cp -r samples/project "$demo/bay"
 cp samples/templates/weather*.* "$demo/bay/"
 sed -i 's/^include <lantern.kez>;\r$/&\ninclude <weather.kez>;\r/' "$demo/bay/main.kez"
+# A level of a J8 project, with a project file beside its main script; on the demo's drive it has folders of its own.
+cp -r samples/project "$demo/town"
+cp samples/j8project/* "$demo/town/"
+sed -i 's|<Paths [^>]*>|<Paths proj_file="P:\\town\\" j8_file="P:\\suite\\templates\\xml\\"/>|' "$demo/town/main.xml"
+cp "$demo/town/main.xml" "$demo/steps/main.xml before"
 # The next release of the template set, with its catalogue.
 cp -r samples/templates "$demo/newer"
 cp samples/templates-newer/*.kez "$demo/newer/"
@@ -39,6 +44,8 @@ show() {
 show_sizes() {
     for dpi in 96 192; do
         drive customize-look calls-customize-look --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
+        cp "$demo/steps/main.xml before" "$demo/town/main.xml"
+        drive project calls-project --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
     done
 }
 drive() { # script, log, further options
@@ -75,6 +82,8 @@ done
 echo "  the updated fog.kez"
 diff -u --label before --label after "$demo/steps/fog.kez before its update" "$demo/harbour/fog.kez" | tr -d '\r' |
     iconv -f WINDOWS-1252 -t UTF-8 | sed 's/^/    /' || true
+echo "  the project file of the town, edited and saved"
+diff -u --label before --label after "$demo/steps/main.xml before" "$demo/town/main.xml" | tr -d '\r' | sed 's/^/    /' || true
 echo "  weather.kez, customized and saved"
 diff -u --label before --label after samples/templates/weather.kez "$demo/steps/weather.kez saved" | tr -d '\r' |
     iconv -f WINDOWS-1252 -t UTF-8 | sed 's/^/    /' || true

@@ -1,0 +1,221 @@
+#include "J8ProjectManager/ProjectPanel.h"
+
+#include <memory>
+#include <utility>
+
+#include "util/PathRules.h"
+#include "util/UserPrompt.h"
+
+namespace zoka {
+
+namespace {
+
+using Kind = ProjectField::Kind;
+
+bool canBeWithout(Kind kind) {
+    return kind == Kind::Section || kind == Kind::LevelMap;
+}
+
+bool namesAFile(Kind kind) {
+    return kind == Kind::Section || kind == Kind::LevelMap || kind == Kind::ProjectRoot ||
+           kind == Kind::DataRoot;
+}
+
+bool startsWithoutCase(const std::string& path, const std::string& folder) {
+    return !folder.empty() && path.size() > folder.size() &&
+           equalNoCase(path.substr(0, folder.size()), folder);
+}
+
+}  // namespace
+
+std::string ProjectPanel::shownForm(const ProjectRow& row, const std::string& stored) const {
+    std::string text = stored;
+    if (row.property) {
+        text = shownValue(J8TypedValue::of(*row.property), stored);
+    } else if (row.skill) {
+        text = shownValue(J8TypedValue::of(*row.skill), stored);
+    }
+    return m_texts.shown(text);
+}
+
+EntryModel ProjectPanel::modelOf(const ProjectRow& row) const {
+    EntryFacts facts = row.facts;
+    facts.label = m_texts.shown(facts.label);
+    facts.help = m_texts.shown(facts.help);
+    for (std::string& option : facts.options) {
+        option = m_texts.shown(option);
+    }
+    if (facts.hostNames) {
+        auto names = std::make_shared<std::vector<std::string>>(*facts.hostNames);
+        for (std::string& name : *names) {
+            name = m_texts.shown(name);
+        }
+        facts.hostNames = std::move(names);
+    }
+    if (namesAFile(row.field.kind) && row.hasField) {
+        facts.field = EntryField::FileField;
+    }
+    if (row.hasField && row.field.kind == Kind::Section) {
+        const CJ8File& file = m_session.model().section(row.field.section);
+        if (file.isNamed() && file.m_type == CJ8File::kNotValid) {
+            facts.help = "There is no such file. " + facts.help;
+        }
+    }
+    const std::string value = m_texts.shown(facts.value);
+    facts.value = row.inherited ? shownForm(row, *row.inherited) : value;
+    if (!row.hasField && hasValue(facts.field)) {
+        facts.field = EntryField::Text;
+    }
+    EntryModel model(std::move(facts));
+    model.putBack(value);
+    if (row.hasField && !row.editable) {
+        model.setBlocked("The component does not offer this property for editing.");
+    } else if (row.hasField && m_texts.stored(value) != row.facts.value) {
+        model.setBlocked("The value holds characters that this system's character set lacks.");
+    }
+    return model;
+}
+
+void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
+    m_shown = shown;
+    m_level = level;
+    m_entity = entity;
+    const std::vector<CJ8LevelData>& levels = m_session.model().m_apLevels;
+    if ((shown == Shown::Level || shown == Shown::Entity) && level >= levels.size()) {
+        m_shown = Shown::Nothing;
+    } else if (shown == Shown::Entity && entity >= levels[level].m_entities.size()) {
+        m_shown = Shown::Nothing;
+    }
+    switch (m_shown) {
+        case Shown::Project:
+            m_source = m_session.projectRows();
+            break;
+        case Shown::Level:
+            m_source = m_session.levelRows(level);
+            break;
+        case Shown::Entity:
+            m_source = m_session.entityRows(level, entity);
+            break;
+        default:
+            m_source.clear();
+            break;
+    }
+    m_models.clear();
+    m_models.reserve(m_source.size());
+    for (const ProjectRow& row : m_source) {
+        m_models.push_back(modelOf(row));
+    }
+    showRows(m_models);
+}
+
+bool ProjectPanel::takeReachedFurther() {
+    return std::exchange(m_reachedFurther, false);
+}
+
+std::optional<size_t> ProjectPanel::rowOf(const ProjectField& field) const {
+    for (size_t i = 0; i < m_source.size(); ++i) {
+        if (m_source[i].hasField && m_source[i].field == field) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string ProjectPanel::subject() const {
+    switch (m_shown) {
+        case Shown::Project:
+            return "project";
+        case Shown::Level:
+            return "level " + std::to_string(m_level);
+        case Shown::Entity:
+            return "entity " + std::to_string(m_level) + " " + std::to_string(m_entity);
+        default:
+            return {};
+    }
+}
+
+std::optional<std::string> ProjectPanel::defaultOf(size_t i) const {
+    const ProjectRow& row = m_source[i];
+    return row.inherited ? std::optional(shownForm(row, *row.inherited)) : std::nullopt;
+}
+
+const char* ProjectPanel::loadedName() const {
+    return m_shown == Shown::Entity ? "Parent's" : "Before";
+}
+
+std::string ProjectPanel::details(size_t i) const {
+    const ProjectRow& row = m_source[i];
+    std::string text;
+    const auto line = [&text](const std::string& one) { text += (text.empty() ? "" : "\r\n") + one; };
+    if (row.property || row.skill) {
+        line(std::string("Type: ") + typeWord(row.type));
+    }
+    if (row.property && m_session.model().component(row.field.component)) {
+        const CJ8CMPData& component = *m_session.model().component(row.field.component);
+        line(m_texts.shown("Declared in " + m_session.placeText(component.m_source, row.property->place)));
+    }
+    return text;
+}
+
+std::string ProjectPanel::emptyText() const {
+    return m_source.empty() ? "Nothing is selected." : RowEditing::emptyText();
+}
+
+std::optional<std::string> ProjectPanel::browse(size_t i) {
+    const Kind kind = m_source[i].field.kind;
+    const J8Roots& roots = m_session.model().m_roots;
+    ChooserRequest request;
+    request.title = m_models[i].facts().label;
+    request.startFolder = m_texts.shown(kind == Kind::DataRoot ? roots.data() : roots.project());
+    if (kind == Kind::ProjectRoot || kind == Kind::DataRoot) {
+        return userPrompt().chooseFolder(request);
+    }
+    request.filter =
+        kind == Kind::LevelMap ? "Level maps|*.zlb;*.zlm|All files|*.*" : "XML files|*.xml|All files|*.*";
+    const auto chosen = userPrompt().chooseFile(request);
+    if (!chosen) {
+        return std::nullopt;
+    }
+    // As short as the project's folders allow, so that the project can be moved.
+    const std::string project = m_texts.shown(roots.project()), data = m_texts.shown(roots.data());
+    const bool inProject = startsWithoutCase(*chosen, project);
+    const bool inData = !inProject && startsWithoutCase(*chosen, data);
+    const std::string rest = inProject ? chosen->substr(project.size())
+                             : inData  ? chosen->substr(data.size())
+                                       : *chosen;
+    if (kind != Kind::Section) {
+        return rest;
+    }
+    return (inProject ? "proj:" : inData ? "j8:" : "file:") + rest;
+}
+
+bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
+    ProjectRow& row = m_source[i];
+    const std::string stored = row.stored(m_texts.stored(value));
+    std::optional<std::string> given = stored;
+    if ((row.inherited && stored == *row.inherited) || (stored.empty() && canBeWithout(row.field.kind))) {
+        given.reset();
+    }
+    std::string reason;
+    if (!m_session.setValue(row.field, given, &reason, true)) {
+        why = m_texts.shown(reason);
+        return false;
+    }
+    row.current = stored;
+    row.isOwn = given.has_value();
+    m_reachedFurther = m_reachedFurther || row.field.kind == Kind::EntityParent ||
+                       row.field.kind == Kind::EntityName || row.field.kind == Kind::LevelName;
+    return true;
+}
+
+std::optional<size_t> ProjectPanel::undo(std::string*) {
+    m_undoOrRedo(true);
+    return std::nullopt;
+}
+
+std::optional<size_t> ProjectPanel::redo(std::string*) {
+    m_undoOrRedo(false);
+    return std::nullopt;
+}
+
+}  // namespace zoka

@@ -1,0 +1,72 @@
+// The rows of a project, a level or an entity as a panel shows them, on the values of a ProjectSession.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/ProjectSession.h"
+#include "controls/RowEditing.h"
+
+namespace zoka {
+
+// Between the texts of a project, which are UTF-8, and those of its window.
+struct ProjectTexts {
+    std::string (*shown)(const std::string& utf8);
+    std::string (*stored)(const std::string& shown);
+};
+
+// Undo is the session's, over all pages. A row that its parent gives a value counts as changed while the entity says
+// otherwise, and is reset to the parent's: then the entity's own value goes. The session outlives the object.
+// [thread of the window]
+class ProjectPanel : public RowEditing {
+public:
+    // `undoOrRedo` takes an edit of the project back (true) or makes it again, and shows where.
+    ProjectPanel(ProjectSession& session, ProjectTexts texts, std::function<void(bool undo)> undoOrRedo)
+        : m_session(session), m_texts(texts), m_undoOrRedo(std::move(undoOrRedo)) {}
+
+    void showProject() { show(Shown::Project, 0, 0); }
+    void showLevel(size_t level) { show(Shown::Level, level, 0); }
+    void showEntity(size_t level, size_t entity) { show(Shown::Entity, level, entity); }
+    void showNothing() { show(Shown::Nothing, 0, 0); }
+    // The same rows from the project as it is now.
+    void refresh() { show(m_shown, m_level, m_entity); }
+    // An edit has changed more than its own row: names in lists, or which rows there are.
+    bool takeReachedFurther();
+    // The row of a field; nothing when it is not among those shown.
+    std::optional<size_t> rowOf(const ProjectField& field) const;
+
+    std::string subject() const override;
+    std::optional<std::string> defaultOf(size_t i) const override;
+    const char* defaultName() const override { return "the parent's &value"; }
+    const char* loadedName() const override;
+    std::string details(size_t i) const override;
+    std::string emptyText() const override;
+    std::optional<std::string> browse(size_t i) override;
+    void leaveField() override { m_session.leaveField(); }
+    bool canUndo() const override { return m_session.canUndo(); }
+    bool canRedo() const override { return m_session.canRedo(); }
+    std::optional<size_t> undo(std::string* why = nullptr) override;
+    std::optional<size_t> redo(std::string* why = nullptr) override;
+
+protected:
+    bool store(size_t i, const std::string& value, std::string& why) override;
+
+private:
+    enum class Shown { Nothing, Project, Level, Entity };
+    void show(Shown shown, size_t level, size_t entity);
+    EntryModel modelOf(const ProjectRow& row) const;
+    std::string shownForm(const ProjectRow& row, const std::string& stored) const;
+
+    ProjectSession& m_session;
+    ProjectTexts m_texts;
+    std::function<void(bool undo)> m_undoOrRedo;
+    std::vector<ProjectRow> m_source;
+    std::vector<EntryModel> m_models;
+    Shown m_shown = Shown::Nothing;
+    size_t m_level = 0, m_entity = 0;
+    bool m_reachedFurther = false;
+};
+
+}  // namespace zoka

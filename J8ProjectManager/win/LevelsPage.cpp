@@ -1,0 +1,353 @@
+#include "J8ProjectManager/win/LevelsPage.h"
+
+#include <algorithm>
+
+namespace zoka {
+
+namespace {
+
+enum : int { kLevels = 2601, kSearch, kList, kLevelButtons = 2610, kEntityButtons = 2620, kRows = 2630 };
+// Counted from the first button of either row.
+enum : int { kAdd, kDuplicate, kRemove, kUp, kDown };
+constexpr int kButtons = 5;
+constexpr const char* kLevelTexts[] = {"&New level", "Duplica&te", "Remo&ve", "Earlier", "Later"};
+constexpr const char* kEntityTexts[] = {"&Add", "&Duplicate", "Re&move", "&Up", "Do&wn"};
+constexpr ListColumn kColumns[] = {{"Entity", 70, true}, {"Parent", 60, true}, {"Own values", 50}};
+constexpr UINT kRebuild = WM_APP + 20;
+constexpr int kListWidth = 182;  // dialog units
+
+}  // namespace
+
+LevelsPage::LevelsPage(ProjectFrame& frame)
+    : ProjectPage(frame),
+      m_panel(frame.session(), projectTexts(), [&frame](bool undo) { frame.undoOrRedo(undo); }),
+      m_view(m_panel, *this) {}
+
+void LevelsPage::createControls() {
+    m_levelLabel = label("&Level:");
+    m_levels = makeDropList(window(), kLevels, fonts());
+    for (int i = 0; i < kButtons; ++i) {
+        m_levelButtons.push_back(button(kLevelTexts[i], kLevelButtons + i));
+    }
+    m_searchLabel = label("&Find:");
+    m_search = makeField(window(), kSearch, fonts());
+    SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
+    SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_count = label("");
+    m_list.create(window(), kList, fonts(), fonts().text(), kColumns,
+                  [this](int row, int column) { return cell(row, column); });
+    for (int i = 0; i < kButtons; ++i) {
+        m_entityButtons.push_back(button(kEntityTexts[i], kEntityButtons + i));
+    }
+    m_view.create(window(), fonts(), kRows);
+}
+
+void LevelsPage::layout(Area page) {
+    const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits);
+    const auto placeButtons = [&](std::vector<HWND>& buttons, Area& row) {
+        for (auto button = buttons.rbegin(); button != buttons.rend(); ++button) {
+            place(*button, row.takeRight(fonts().labelWidth(textOf(*button)) + 2 * gapX, gapX));
+        }
+    };
+    Area level = page.takeTop(fonts().y(kButtonHeightUnits), gapY);
+    placeButtons(m_levelButtons, level);
+    placeLabel(m_levelLabel, level, fonts());
+    placeDropList(m_levels, level.middle(fonts().y(kFieldHeightUnits)));
+
+    Area left = page.takeLeft(std::min(fonts().x(kListWidth), page.width * 9 / 20), 2 * gapX);
+    Area search = left.takeTop(fonts().y(kFieldHeightUnits), gapY);
+    placeLabel(m_searchLabel, search, fonts());
+    place(m_search, search);
+    placeLabelAbove(m_count, left, fonts());
+    Area buttons = left.takeBottom(fonts().y(kButtonHeightUnits), gapY);
+    placeButtons(m_entityButtons, buttons);
+    m_list.place(left);
+    m_view.place({page.x, page.y, page.width, page.height});
+}
+
+std::string LevelsPage::cell(int row, int column) const {
+    if (!hasLevel() || row < 0 || static_cast<size_t>(row) > m_entities.size()) {
+        return {};
+    }
+    const CJ8LevelData& level = model().m_apLevels[m_level];
+    if (row == 0) {
+        return column == 0 ? "(the level itself)" : "";
+    }
+    const size_t at = m_entities[static_cast<size_t>(row) - 1];
+    if (at >= level.m_entities.size()) {
+        return {};
+    }
+    const J8LevelEntity& entity = level.m_entities[at];
+    switch (column) {
+        case 0:
+            return shownText(entity.name);
+        case 1:
+            return shownText(entity.parent);
+        default: {
+            size_t own = entity.skills.size();
+            for (const J8EntityComponent& component : entity.components) {
+                own += component.edits.size();
+            }
+            return own == 0 ? "" : std::to_string(own);
+        }
+    }
+}
+
+void LevelsPage::refresh() {
+    m_refreshing = true;
+    const std::optional<size_t> entity = selectedEntity();
+    fillLevels();
+    fillEntities();
+    selectEntity(entity);
+    m_refreshing = false;
+}
+
+void LevelsPage::fillLevels() {
+    const std::vector<CJ8LevelData>& levels = model().m_apLevels;
+    m_level = levels.empty() ? 0 : std::min(m_level, levels.size() - 1);
+    SendMessageA(m_levels, CB_RESETCONTENT, 0, 0);
+    for (const CJ8LevelData& level : levels) {
+        SendMessageA(m_levels, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(shownText(level.m_name).c_str()));
+    }
+    SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
+}
+
+void LevelsPage::fillEntities() {
+    std::string wanted = textOf(m_search);
+    CharLowerBuffA(wanted.data(), static_cast<DWORD>(wanted.size()));
+    m_entities.clear();
+    size_t all = 0;
+    if (hasLevel()) {
+        const std::vector<J8LevelEntity>& entities = model().m_apLevels[m_level].m_entities;
+        all = entities.size();
+        for (size_t i = 0; i < all; ++i) {
+            std::string text = shownText(entities[i].name + "\n" + entities[i].parent);
+            CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
+            if (text.find(wanted) != text.npos) {
+                m_entities.push_back(i);
+            }
+        }
+    }
+    m_list.setCount(hasLevel() ? static_cast<int>(m_entities.size()) + 1 : 0);
+    setText(m_count, "&Entities: " + std::to_string(m_entities.size()) +
+                         (m_entities.size() == all ? "" : " of " + std::to_string(all)));
+}
+
+std::optional<size_t> LevelsPage::selectedEntity() const {
+    const int row = m_list.selected();
+    return row > 0 && static_cast<size_t>(row) <= m_entities.size()
+               ? std::optional(m_entities[static_cast<size_t>(row) - 1])
+               : std::nullopt;
+}
+
+void LevelsPage::selectEntity(std::optional<size_t> entity) {
+    int row = hasLevel() ? 0 : -1;
+    if (entity) {
+        const auto found = std::ranges::lower_bound(m_entities, *entity);
+        if (found != m_entities.end()) {
+            row = static_cast<int>(found - m_entities.begin()) + 1;
+        } else if (!m_entities.empty()) {
+            row = static_cast<int>(m_entities.size());
+        }
+    }
+    m_list.select(row);
+    showSelection();
+}
+
+void LevelsPage::showSelection() {
+    const bool before = m_refreshing;
+    m_refreshing = true;
+    const std::optional<size_t> entity = selectedEntity();
+    if (entity) {
+        m_panel.showEntity(m_level, *entity);
+    } else if (hasLevel()) {
+        m_panel.showLevel(m_level);
+    } else {
+        m_panel.showNothing();
+    }
+    m_refreshing = before;
+    enableButtons();
+}
+
+void LevelsPage::enableButtons() {
+    const size_t levels = model().m_apLevels.size();
+    const auto give = [](std::vector<HWND>& buttons, bool any, size_t at, size_t count, bool mayMove) {
+        enable(buttons[kDuplicate], any);
+        enable(buttons[kRemove], any);
+        enable(buttons[kUp], any && mayMove && at > 0);
+        enable(buttons[kDown], any && mayMove && at + 1 < count);
+    };
+    give(m_levelButtons, hasLevel(), m_level, levels, true);
+    const auto entity = selectedEntity();
+    const size_t entities = hasLevel() ? model().m_apLevels[m_level].m_entities.size() : 0;
+    enable(m_entityButtons[kAdd], hasLevel());
+    // While a search hides entities, a place among them says little.
+    give(m_entityButtons, entity.has_value(), entity.value_or(0), entities, m_entities.size() == entities);
+}
+
+void LevelsPage::rowsChanged() {
+    if (m_refreshing) {
+        return;
+    }
+    m_list.redraw();
+    m_frame.edited();
+    if (m_panel.takeReachedFurther()) {
+        PostMessageA(window(), kRebuild, 0, 0);
+    }
+}
+
+void LevelsPage::changeLevels(int id) {
+    ProjectSession& project = session();
+    const size_t at = m_level;
+    switch (id) {
+        case kAdd:
+            m_level = hasLevel() ? at + 1 : 0;
+            project.addLevel(m_level, "level");
+            break;
+        case kDuplicate:
+            project.duplicateLevel(at);
+            m_level = at + 1;
+            break;
+        case kRemove:
+            project.removeLevel(at);
+            break;
+        default:
+            m_level = id == kUp ? at - 1 : at + 1;
+            project.moveLevel(at, m_level);
+            break;
+    }
+    refresh();
+    if (id != kUp && id != kDown) {
+        selectEntity(std::nullopt);
+    }
+    if (id == kAdd || id == kDuplicate) {
+        m_view.focusFirst();
+    }
+}
+
+void LevelsPage::changeEntities(int id) {
+    ProjectSession& project = session();
+    const std::optional<size_t> at = selectedEntity();
+    std::optional<size_t> next = at;
+    const std::vector<J8LevelEntity>& entities = model().m_apLevels[m_level].m_entities;
+    if (id == kAdd) {
+        next = at ? *at + 1 : entities.size();
+        project.addEntity(m_level, *next, "entity", at ? entities[*at].parent : "");
+        SetWindowTextA(m_search, "");
+    } else if (!at) {
+        return;
+    } else if (id == kDuplicate) {
+        project.duplicateEntity(m_level, *at);
+        next = *at + 1;
+    } else if (id == kRemove) {
+        project.removeEntity(m_level, *at);
+    } else {
+        next = id == kUp ? *at - 1 : *at + 1;
+        project.moveEntity(m_level, *at, *next);
+    }
+    fillEntities();
+    selectEntity(next);
+    if (id == kAdd || id == kDuplicate) {
+        m_view.focusFirst();
+    }
+}
+
+void LevelsPage::command(int id, int code) {
+    if (m_view.command(id, code)) {
+        return;
+    }
+    if (id == kLevels && code == CBN_SELCHANGE) {
+        if (!m_view.commit()) {
+            SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
+            return;
+        }
+        m_level = static_cast<size_t>(std::max<LRESULT>(SendMessageA(m_levels, CB_GETCURSEL, 0, 0), 0));
+        fillEntities();
+        selectEntity(std::nullopt);
+    } else if (id == kSearch && code == EN_CHANGE && !m_refreshing) {
+        const auto entity = selectedEntity();
+        fillEntities();
+        selectEntity(entity);
+    } else if (code == BN_CLICKED && id >= kLevelButtons && id < kLevelButtons + kButtons) {
+        if (m_view.commit()) {
+            changeLevels(id - kLevelButtons);
+            m_frame.edited();
+        }
+    } else if (code == BN_CLICKED && id >= kEntityButtons && id < kEntityButtons + kButtons) {
+        if (m_view.commit() && hasLevel()) {
+            changeEntities(id - kEntityButtons);
+            m_frame.edited();
+        }
+    }
+}
+
+// In the list it goes to the values.
+void LevelsPage::mainAction() {
+    if (GetFocus() == m_list.window() || GetFocus() == m_search) {
+        m_view.focusFirst();
+    } else {
+        m_view.enter();
+    }
+}
+
+bool LevelsPage::givenUp() {
+    if (GetFocus() == m_search && !textOf(m_search).empty()) {
+        SetWindowTextA(m_search, "");
+        return true;
+    }
+    return m_view.escape();
+}
+
+void LevelsPage::select(const ProjectTarget& target) {
+    m_level = target.first;
+    SetWindowTextA(m_search, "");
+    refresh();
+    selectEntity(target.second);
+}
+
+LRESULT LevelsPage::notified(NMHDR& header) {
+    if (header.idFrom != kList) {
+        return 0;
+    }
+    if (m_list.userMayHaveSelected(header)) {
+        settleSoon();
+    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
+        m_view.focusFirst();
+    } else if (header.code == static_cast<UINT>(LVN_KEYDOWN) &&
+               reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey == VK_DELETE) {
+        command(kEntityButtons + int{kRemove}, BN_CLICKED);
+    }
+    return m_list.notified(header);
+}
+
+std::optional<LRESULT> LevelsPage::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case kRebuild:
+            refresh();
+            return 0;
+        case WM_MOUSEWHEEL:
+            m_view.wheel(wParam, lParam);
+            return 0;
+        case WM_DESTROY:
+            m_view.closed();
+            break;
+        default:
+            break;
+    }
+    return ProjectPage::message(message, wParam, lParam);
+}
+
+// The list is at hand while the keyboard is in the search field.
+LRESULT CALLBACK LevelsPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                        DWORD_PTR self) {
+    if (message == WM_KEYDOWN &&
+        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
+        return SendMessageA(reinterpret_cast<LevelsPage*>(self)->m_list.window(), message, wParam, lParam);
+    }
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, searchProc, id);
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+}  // namespace zoka

@@ -1,0 +1,59 @@
+// The page with the levels, their entities, and the values of the one selected.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/win/ProjectPage.h"
+#include "controls/win/RowsView.h"
+#include "ui/win/RowList.h"
+
+namespace zoka {
+
+class LevelsPage : public ProjectPage, private RowsOwner {
+public:
+    explicit LevelsPage(ProjectFrame& frame);
+
+    void refresh() override;
+    void mainAction() override;
+    HWND firstField() const override { return m_search; }
+    void command(int id, int code) override;
+    bool commit() override { return m_view.commit(); }
+    bool givenUp() override;
+    void select(const ProjectTarget& target) override;
+
+protected:
+    void createControls() override;
+    void layout(Area page) override;
+    LRESULT notified(NMHDR& header) override;
+    void settled() override { showSelection(); }
+    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                       DWORD_PTR self);
+    void rowsChanged() override;
+    std::string cell(int row, int column) const;
+    void fillLevels();
+    void fillEntities();
+    // Of the list's rows the first is the level itself.
+    std::optional<size_t> selectedEntity() const;
+    void selectEntity(std::optional<size_t> entity);
+    void showSelection();
+    void enableButtons();
+    void changeLevels(int id);
+    void changeEntities(int id);
+    bool hasLevel() const { return m_level < model().m_apLevels.size(); }
+
+    ProjectPanel m_panel;
+    RowsView m_view;
+    RowList m_list;
+    size_t m_level = 0;
+    std::vector<size_t> m_entities;  // those found, by place
+    HWND m_levelLabel = nullptr, m_levels = nullptr, m_searchLabel = nullptr, m_search = nullptr,
+         m_count = nullptr;
+    std::vector<HWND> m_levelButtons, m_entityButtons;
+    bool m_refreshing = false;
+};
+
+}  // namespace zoka

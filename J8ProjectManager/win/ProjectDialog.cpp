@@ -1,0 +1,242 @@
+#include "J8ProjectManager/win/ProjectDialog.h"
+
+#include <memory>
+#include <vector>
+
+#include "J8ProjectManager/win/LevelsPage.h"
+#include "J8ProjectManager/win/OverviewPage.h"
+#include "J8ProjectManager/win/ProjectLists.h"
+#include "controls/win/ControlClasses.h"
+#include "ui/win/TextWindow.h"
+#include "util/PathRules.h"
+
+namespace zoka {
+
+namespace {
+
+constexpr const char* kTitle = "Project Manager";
+enum { kUndo = 1050, kRedo, kChanges, kReload, kSave };
+
+// What the next window of this process opens with.
+PlaceMemory g_place;
+int g_page = 0;
+
+std::string convert(const std::string& text, UINT from, UINT to) {
+    const int length = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0');
+    wide.resize(static_cast<size_t>(MultiByteToWideChar(from, 0, text.data(), length, wide.data(), length)));
+    const int wideLength = static_cast<int>(wide.size());
+    const int size = WideCharToMultiByte(to, 0, wide.data(), wideLength, nullptr, 0, nullptr, nullptr);
+    std::string made(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(to, 0, wide.data(), wideLength, made.data(), size, nullptr, nullptr);
+    return made;
+}
+
+class ProjectDialog : public ProjectFrame, private PageShell {
+public:
+    explicit ProjectDialog(const ProjectSetup& setup)
+        : PageShell({.title = kTitle,
+                     .module = setup.module,
+                     .icon = setup.icon,
+                     .width = 470,
+                     .height = 330,
+                     .leastWidth = 420,
+                     .leastHeight = 250,
+                     .maximizes = true,
+                     .memory = &g_place},
+                    kProjectTabs, g_page),
+          m_session(setup.project, userPrompt()) {}
+
+    void run(const std::string& projectFile);
+
+    ProjectSession& session() override { return m_session; }
+    const WindowFonts& fonts() const override { return DialogShell::fonts(); }
+    void edited() override;
+    void setStatus(const std::string& text) override { PageShell::setStatus(text); }
+    void undoOrRedo(bool undo) override;
+    void goTo(const ProjectTarget& target) override;
+
+private:
+    std::unique_ptr<Page> makePage(int index) override;
+    std::vector<HWND> makeFoot() override;
+    void pageShown(int index) override;
+    void command(int id, int code) override;
+    bool takesKey(const MSG& message) override;
+    bool mayClose() override;
+    void showState();
+    void save();
+    void reload();
+    ProjectPage* projectPage() const { return static_cast<ProjectPage*>(page()); }
+
+    ControlClasses m_classes;
+    ProjectSession m_session;
+    HWND m_undo = nullptr, m_redo = nullptr, m_changes = nullptr, m_reload = nullptr, m_save = nullptr;
+};
+
+void ProjectDialog::run(const std::string& projectFile) {
+    if (!m_session.open(projectFile)) {
+        userPrompt().ask(shownText(m_session.problem()), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        return;
+    }
+    runModal();
+}
+
+std::unique_ptr<Page> ProjectDialog::makePage(int index) {
+    switch (static_cast<ProjectTab>(index)) {
+        case ProjectTab::Behaviors:
+            return std::make_unique<BehaviorsPage>(*this);
+        case ProjectTab::Components:
+            return std::make_unique<ComponentsPage>(*this);
+        case ProjectTab::Levels:
+            return std::make_unique<LevelsPage>(*this);
+        case ProjectTab::Report:
+            return std::make_unique<ReportPage>(*this);
+        case ProjectTab::Problems:
+            return std::make_unique<ProblemsPage>(*this);
+        default:
+            return std::make_unique<OverviewPage>(*this);
+    }
+}
+
+std::vector<HWND> ProjectDialog::makeFoot() {
+    m_undo = makeButton(window(), "Undo", kUndo, fonts());
+    m_redo = makeButton(window(), "Redo", kRedo, fonts());
+    m_changes = makeButton(window(), "Show chan&ges...", kChanges, fonts());
+    m_reload = makeButton(window(), "Reload", kReload, fonts());
+    m_save = makeButton(window(), "&Save", kSave, fonts());
+    showState();
+    return {m_undo, m_redo, m_changes, m_reload, m_save, makeButton(window(), "Close", IDCANCEL, fonts())};
+}
+
+void ProjectDialog::pageShown(int index) {
+    g_page = index;
+    setStatus("");
+}
+
+// The title names the project, with a mark while it has changes; buttons tell what they would do.
+void ProjectDialog::showState() {
+    const std::string name = shownText(m_session.model().m_name);
+    setTitle(std::string(kTitle) + " - " + (name.empty() ? std::string(fileNameOf(m_session.path())) : name) +
+             (m_session.hasChanges() ? " *" : ""));
+    enable(m_undo, m_session.canUndo());
+    enable(m_redo, m_session.canRedo());
+    enable(m_changes, m_session.hasChanges());
+    enable(m_save, m_session.hasChanges());
+}
+
+void ProjectDialog::edited() {
+    showState();
+    // The page that made the edit shows it already.
+    refreshOtherPagesLater();
+}
+
+void ProjectDialog::undoOrRedo(bool undo) {
+    if (!page() || !page()->commit()) {
+        return;
+    }
+    m_session.leaveField();
+    const ProjectChange* const change = undo ? m_session.undo() : m_session.redo();
+    if (!change) {
+        return;
+    }
+    const ProjectTarget target = targetOf(*change, undo);
+    refreshPages();
+    showState();
+    goTo(target);
+}
+
+void ProjectDialog::goTo(const ProjectTarget& target) {
+    if (currentPage() != static_cast<int>(target.tab)) {
+        goToPage(static_cast<int>(target.tab));
+    }
+    if (page() && currentPage() == static_cast<int>(target.tab)) {
+        projectPage()->select(target);
+    }
+}
+
+bool ProjectDialog::takesKey(const MSG& message) {
+    if (message.message == WM_KEYDOWN && (message.hwnd == window() || IsChild(window(), message.hwnd)) &&
+        GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
+        const bool ownUndo = page() && projectPage()->undoesItself(message.hwnd) &&
+                             (SendMessageA(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) != 0;
+        switch (message.wParam) {
+            case 'Z':
+            case 'Y':
+                if (ownUndo) {
+                    break;
+                }
+                undoOrRedo(message.wParam == 'Z' && GetKeyState(VK_SHIFT) >= 0);
+                return true;
+            case 'S':
+                save();
+                return true;
+            default:
+                break;
+        }
+    }
+    return PageShell::takesKey(message);
+}
+
+void ProjectDialog::command(int id, int code) {
+    switch (id) {
+        case kUndo:
+        case kRedo:
+            undoOrRedo(id == kUndo);
+            break;
+        case kChanges:
+            if (page() && page()->commit()) {
+                showTextWindow(window(), "Changes", "What Save will change in the project file:",
+                               shownText(m_session.changesText()), TextLook::FixedWidth);
+            }
+            break;
+        case kReload:
+            reload();
+            break;
+        case kSave:
+            save();
+            break;
+        default:
+            PageShell::command(id, code);
+            break;
+    }
+}
+
+void ProjectDialog::save() {
+    if (!page() || !page()->commit()) {
+        return;
+    }
+    m_session.leaveField();
+    if (m_session.save() == ProjectSave::Saved) {
+        refreshPages();
+        setStatus("Saved: " + m_session.path());
+    }
+    showState();
+}
+
+void ProjectDialog::reload() {
+    if (m_session.reload()) {
+        refreshPages();
+        setStatus("Loaded again");
+    } else if (!m_session.problem().empty()) {
+        userPrompt().ask(shownText(m_session.problem()), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        refreshPages();
+    }
+    showState();
+}
+
+bool ProjectDialog::mayClose() {
+    return (!page() || page()->commit()) && m_session.close();
+}
+
+}  // namespace
+
+ProjectTexts projectTexts() {
+    return {[](const std::string& utf8) { return convert(utf8, CP_UTF8, CP_ACP); },
+            [](const std::string& shown) { return convert(shown, CP_ACP, CP_UTF8); }};
+}
+
+void runProjectDialog(const ProjectSetup& setup) {
+    ProjectDialog(setup).run(setup.projectFile);
+}
+
+}  // namespace zoka

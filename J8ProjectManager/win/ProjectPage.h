@@ -1,0 +1,50 @@
+// One page of the project's window, and what the window offers to its pages.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "J8ProjectManager/ProjectPanel.h"
+#include "J8ProjectManager/ProjectSession.h"
+#include "J8ProjectManager/ProjectTargets.h"
+#include "ui/win/PageShell.h"
+
+namespace zoka {
+
+class ProjectFrame {
+public:
+    virtual ~ProjectFrame() = default;
+    virtual ProjectSession& session() = 0;
+    virtual const WindowFonts& fonts() const = 0;
+    // After an edit: title, buttons and what other pages show.
+    virtual void edited() = 0;
+    virtual void setStatus(const std::string& text) = 0;
+    virtual void undoOrRedo(bool undo) = 0;
+    // Shows the page of that thing, and the thing selected in it.
+    virtual void goTo(const ProjectTarget& target) = 0;
+};
+
+class ProjectPage : public Page {
+public:
+    explicit ProjectPage(ProjectFrame& frame) : Page(frame.fonts()), m_frame(frame) {}
+
+    // Selects what the target names.
+    virtual void select(const ProjectTarget&) {}
+    // Has the focused field an undo of its own, for what is typed in it?
+    virtual bool undoesItself(HWND field) const { return GetParent(field) == window(); }
+
+protected:
+    ProjectSession& session() const { return m_frame.session(); }
+    const CJ8ProjectManager& model() const { return m_frame.session().model(); }
+
+    ProjectFrame& m_frame;
+};
+
+// The texts of a project for its window.
+ProjectTexts projectTexts();
+inline std::string shownText(const std::string& utf8) {
+    return projectTexts().shown(utf8);
+}
+
+}  // namespace zoka

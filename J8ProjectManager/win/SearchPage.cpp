@@ -1,0 +1,202 @@
+#include "J8ProjectManager/win/SearchPage.h"
+
+#include <algorithm>
+
+namespace zoka {
+
+namespace {
+
+std::string lowerCase(std::string text) {
+    CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
+    return text;
+}
+
+std::vector<std::string> wordsOf(const std::string& text) {
+    std::vector<std::string> words(1);
+    for (const char c : lowerCase(text)) {
+        if (c == ' ' || c == '\t') {
+            words.emplace_back();
+        } else {
+            words.back() += c;
+        }
+    }
+    std::erase(words, "");
+    return words;
+}
+
+}  // namespace
+
+void SearchPage::createControls() {
+    m_searchLabel = label("Searc&h:");
+    m_search = makeField(window(), m_look.firstId + kSearch, fonts());
+    SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
+    SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_name = label("");
+    m_list.create(window(), m_look.firstId + kList, fonts(), fonts().text(), m_look.columns,
+                  [this](int row, int column) -> std::string {
+                      return row >= 0 && static_cast<size_t>(row) < m_rows.size()
+                                 ? cell(m_rows[static_cast<size_t>(row)], column)
+                                 : "";
+                  });
+    if (m_look.detailsName) {
+        m_detailsName = label(m_look.detailsName);
+        m_details = makeReadOnlyText(window(), m_look.firstId + kDetails, fonts().text());
+    }
+}
+
+void SearchPage::layout(Area page) {
+    Area row = page.takeTop(fonts().y(kFieldHeightUnits), fonts().y(kGapUnits));
+    placeLabel(m_searchLabel, row, fonts());
+    place(m_search, row);
+    placeLabelAbove(m_name, page, fonts());
+    if (m_look.detailsName) {
+        m_list.place(page.takeTop(page.height / 2, fonts().y(kGapUnits)));
+        placeLabelAbove(m_detailsName, page, fonts());
+        place(m_details, page);
+    } else {
+        m_list.place(page);
+    }
+}
+
+std::string SearchPage::searchText(size_t row) const {
+    std::string text;
+    for (size_t column = 0; column < m_look.columns.size(); ++column) {
+        text += cell(row, static_cast<int>(column)) + '\n';
+    }
+    return text;
+}
+
+std::string SearchPage::copied(size_t row) const {
+    std::string text;
+    for (size_t column = 0; column < m_look.columns.size(); ++column) {
+        text += (column > 0 ? "\t" : "") + cell(row, static_cast<int>(column));
+    }
+    return text + "\r\n";
+}
+
+void SearchPage::refresh() {
+    collect();
+    m_words.clear();
+    filter();
+}
+
+void SearchPage::filter() {
+    const std::optional<size_t> before = selected();
+    const std::vector<std::string> words = wordsOf(textOf(m_search));
+    const size_t count = rowCount();
+    if (m_words.size() != count && !words.empty()) {
+        m_words.clear();
+        for (size_t row = 0; row < count; ++row) {
+            m_words.push_back(lowerCase(searchText(row)));
+        }
+    }
+    m_rows.clear();
+    for (size_t row = 0; row < count; ++row) {
+        if (std::ranges::all_of(
+                words, [&](const std::string& word) { return m_words[row].find(word) != word.npos; })) {
+            m_rows.push_back(row);
+        }
+    }
+    m_list.setCount(static_cast<int>(m_rows.size()));
+    std::string name = std::string(m_look.name) + ": " + std::to_string(m_rows.size());
+    if (m_rows.size() != count) {
+        name += " of " + std::to_string(count);
+    } else if (count == 0 && *m_look.empty) {
+        name = std::string(m_look.name) + ": " + m_look.empty;
+    }
+    setText(m_name, name);
+    if (before && std::ranges::binary_search(m_rows, *before)) {
+        selectRow(*before);
+    } else {
+        m_list.select(m_rows.empty() ? -1 : 0);
+        showSelection();
+    }
+}
+
+std::optional<size_t> SearchPage::selected() const {
+    const int row = m_list.selected();
+    return row >= 0 && static_cast<size_t>(row) < m_rows.size()
+               ? std::optional(m_rows[static_cast<size_t>(row)])
+               : std::nullopt;
+}
+
+void SearchPage::selectRow(size_t row) {
+    if (!std::ranges::binary_search(m_rows, row)) {
+        SetWindowTextA(m_search, "");  // which shows all rows
+    }
+    const auto found = std::ranges::lower_bound(m_rows, row);
+    m_list.select(found == m_rows.end() ? -1 : static_cast<int>(found - m_rows.begin()));
+    showSelection();
+}
+
+void SearchPage::showSelection() {
+    if (m_details) {
+        const auto row = selected();
+        setText(m_details, row ? details(*row) : "");
+    }
+}
+
+void SearchPage::mainAction() {
+    if (const auto row = selected()) {
+        opened(*row);
+    }
+}
+
+void SearchPage::command(int id, int code) {
+    if (id == m_look.firstId + kSearch && code == EN_CHANGE) {
+        filter();
+    }
+}
+
+bool SearchPage::givenUp() {
+    if (textOf(m_search).empty()) {
+        return false;
+    }
+    SetWindowTextA(m_search, "");
+    return true;
+}
+
+bool SearchPage::takesKey(const MSG& message) {
+    if (GetKeyState(VK_CONTROL) >= 0 || GetKeyState(VK_MENU) < 0) {
+        return false;
+    }
+    if (message.wParam == 'F') {
+        SendMessageA(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_search), TRUE);
+        return true;
+    }
+    const auto row = selected();
+    if (message.wParam == 'C' && message.hwnd == m_list.window() && row) {
+        m_frame.setStatus(copyToClipboard(window(), copied(*row))
+                              ? "Copied"
+                              : "Not copied: another program uses the clipboard");
+        return true;
+    }
+    return false;
+}
+
+LRESULT SearchPage::notified(NMHDR& header) {
+    if (static_cast<int>(header.idFrom) != m_look.firstId + kList) {
+        return 0;
+    }
+    if (m_list.userMayHaveSelected(header)) {
+        settleSoon();
+    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
+        mainAction();
+    }
+    return m_list.notified(header);
+}
+
+// The list is at hand while the keyboard is in the search field.
+LRESULT CALLBACK SearchPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                        DWORD_PTR self) {
+    if (message == WM_KEYDOWN &&
+        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
+        return SendMessageA(reinterpret_cast<SearchPage*>(self)->m_list.window(), message, wParam, lParam);
+    }
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, searchProc, id);
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+}  // namespace zoka

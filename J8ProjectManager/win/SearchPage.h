@@ -1,0 +1,68 @@
+// A page with a list that is searched by words, and texts about the selected row below it.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/win/ProjectPage.h"
+#include "ui/win/RowList.h"
+
+namespace zoka {
+
+class SearchPage : public ProjectPage {
+public:
+    // What the page is made of. Identifiers are counted from `firstId`: search, list, details.
+    struct Look {
+        int firstId;
+        const char* name;  // "&Behaviors"; the count of rows follows
+        std::span<const ListColumn> columns;
+        const char* detailsName = nullptr;  // "&Details:"; null: the list takes the whole page
+        const char* empty = "";             // in the place of rows
+    };
+    SearchPage(ProjectFrame& frame, const Look& look) : ProjectPage(frame), m_look(look) {}
+
+    void refresh() override;
+    void mainAction() override;
+    HWND firstField() const override { return m_search; }
+    void command(int id, int code) override;
+    bool givenUp() override;
+    bool takesKey(const MSG& message) override;
+
+protected:
+    virtual size_t rowCount() const = 0;
+    virtual std::string cell(size_t row, int column) const = 0;
+    // Where the words of a search are looked for.
+    virtual std::string searchText(size_t row) const;
+    virtual std::string details(size_t) const { return {}; }
+    // Enter in the list, or a double click.
+    virtual void opened(size_t) {}
+    // What Ctrl+C copies.
+    virtual std::string copied(size_t row) const;
+    // Brings what is shown up to date with the project.
+    virtual void collect() {}
+
+    void selectRow(size_t row);
+
+    void createControls() override;
+    void layout(Area page) override;
+    LRESULT notified(NMHDR& header) override;
+    void settled() override { showSelection(); }
+
+private:
+    enum { kSearch, kList, kDetails };
+    static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                       DWORD_PTR self);
+    void filter();
+    void showSelection();
+    std::optional<size_t> selected() const;
+
+    const Look m_look;
+    HWND m_searchLabel = nullptr, m_search = nullptr, m_name = nullptr, m_detailsName = nullptr,
+         m_details = nullptr;
+    RowList m_list;
+    std::vector<std::string> m_words;  // of each row, in lower case, as long as the project stays as it is
+    std::vector<size_t> m_rows;        // those found
+};
+
+}  // namespace zoka

@@ -1,0 +1,179 @@
+// The rows of a project as a panel edits them, and which page a change or a problem is shown on.
+#include "J8ProjectManager/ProjectPanel.h"
+
+#include <algorithm>
+
+#include "J8ProjectManager/ProjectTargets.h"
+#include "tests/project/ProjectFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+
+namespace {
+
+using namespace zoka;
+using Kind = ProjectField::Kind;
+
+constexpr char kElements[] =
+    "\t<Behavior proj_file=\"b.xml\"/>\n\t<UI proj_file=\"gone.xml\"/>\n\t<Level name=\"harbour\" "
+    "mapfile=\"h.zlb\">\n"
+    "\t\t<Entity name=\"one\" parent=\"g\">\n\t\t\t<Skill num=\"1\" value=\"5\"/>\n\t\t</Entity>\n"
+    "\t\t<Entity name=\"two\" parent=\"g\"/>\n\t\t<Entity name=\"t~ree\"/>\n\t</Level>\n\t<Level "
+    "name=\"village\"/>";
+constexpr char kBehaviors[] =
+    "<Behaviors><Component proj_file='c.xml'/><Behavior name='g'><Skill num='1' name='Health' type='int' "
+    "value='9'>"
+    "<Constraint type='min' value='0'/><Constraint type='max' value='10'/></Skill>"
+    "<Skill num='2' name='Side' value='t'><Enum name='Town' value='t'/><Enum name='Fort' value='f'/></Skill>"
+    "<Component name='body'/></Behavior></Behaviors>";
+constexpr char kComponents[] =
+    "<Components><Component name='body'><Property name='mass' type='int' value='3' edit='true'/>"
+    "<Property name='fixed' type='string' value='x'/></Component></Components>";
+
+// A character set that lacks '~'.
+std::string shown(const std::string& utf8) {
+    std::string text = utf8;
+    std::ranges::replace(text, '~', '?');
+    return text;
+}
+std::string stored(const std::string& text) {
+    return text;
+}
+
+class ProjectPanelTest : public zoka::test::ProjectFiles {
+protected:
+    ProjectPanelTest() {
+        folder.write("b.xml", kBehaviors);
+        folder.write("c.xml", kComponents);
+        session.writesStepReport = false;
+        EXPECT_TRUE(session.open(project(kElements))) << session.problem();
+    }
+    size_t rowOf(const std::string& label) {
+        for (size_t i = 0; i < panel.size(); ++i) {
+            if (panel.row(i).facts().label == label) {
+                return i;
+            }
+        }
+        ADD_FAILURE() << "no row " << label;
+        return 0;
+    }
+    const J8LevelEntity& entity(size_t i) const { return session.model().m_apLevels[0].m_entities[i]; }
+
+    test::ScriptedPrompt prompt;
+    ProjectSession session{manager, prompt};
+    std::string asked;
+    ProjectPanel panel{session, {shown, stored}, [this](bool undo) { asked += undo ? "undo " : "redo "; }};
+};
+
+TEST_F(ProjectPanelTest, MarksWhatDiffersFromTheParentAndResetsItByTakingItAway) {
+    panel.showEntity(0, 0);
+    const size_t health = rowOf("Health"), side = rowOf("Side");
+    EXPECT_EQ(panel.row(health).value(), "5");
+    EXPECT_TRUE(panel.row(health).HasChanged());
+    EXPECT_EQ(panel.defaultOf(health), "9");
+    EXPECT_EQ(panel.changedCount(), 1u);
+    EXPECT_EQ(panel.row(side).value(), "Town");
+    EXPECT_FALSE(panel.row(side).HasChanged());
+
+    std::string why;
+    EXPECT_TRUE(panel.setValue(side, "Fort", &why)) << why;
+    EXPECT_EQ(entity(0).skills.size(), 2u);
+    EXPECT_EQ(entity(0).skills[1].value, "f");
+    EXPECT_FALSE(panel.setValue(health, "11", &why));
+    EXPECT_FALSE(why.empty());
+    EXPECT_EQ(panel.resetAll(ResetTo::Default), 2u);
+    EXPECT_TRUE(entity(0).skills.empty());
+    EXPECT_EQ(panel.row(health).value(), "9");
+    // What the component doesn't offer, and what the window's characters can't show, is not touched.
+    EXPECT_FALSE(panel.row(rowOf("fixed")).blocked().empty());
+    panel.showEntity(0, 2);
+    EXPECT_FALSE(panel.row(rowOf("Name")).blocked().empty());
+}
+
+TEST_F(ProjectPanelTest, KeepsTheSessionsUndoAndTellsOfEditsThatReachFurther) {
+    panel.showEntity(0, 1);
+    std::string why;
+    ASSERT_TRUE(panel.setValue(rowOf("mass"), "4", &why)) << why;
+    EXPECT_FALSE(panel.takeReachedFurther());
+    EXPECT_TRUE(panel.canUndo());
+    ASSERT_TRUE(panel.setValue(rowOf("Parent"), "", &why)) << why;
+    EXPECT_TRUE(panel.takeReachedFurther());
+    EXPECT_FALSE(panel.takeReachedFurther());
+    EXPECT_EQ(panel.undo(), std::nullopt);
+    EXPECT_EQ(panel.redo(), std::nullopt);
+    EXPECT_EQ(asked, "undo redo ");
+
+    // What it shows may be gone.
+    session.removeLevel(0);
+    session.removeLevel(0);
+    panel.refresh();
+    EXPECT_EQ(panel.size(), 0u);
+}
+
+TEST_F(ProjectPanelTest, SectionsWithoutATextHaveNoFile) {
+    panel.showProject();
+    ProjectField field;
+    field.kind = Kind::Section;
+    field.section = J8Section::UI;
+    const auto row = panel.rowOf(field);
+    ASSERT_TRUE(row);
+    EXPECT_NE(panel.helpText(*row).find("There is no such file."), std::string::npos);
+    std::string why;
+    EXPECT_FALSE(panel.setValue(*row, "somewhere.xml", &why));
+    ASSERT_TRUE(panel.setValue(*row, "", &why)) << why;
+    EXPECT_FALSE(session.model().section(J8Section::UI).isNamed());
+}
+
+TEST_F(ProjectPanelTest, ProblemsAndChangesHaveTheirPlaces) {
+    const std::string file = session.model().sources()[0];
+    const struct {
+        std::string file;
+        int line;
+        ProjectTarget target;
+    } rows[] = {
+        {file, 0, {}},
+        {file, 1, {}},
+        {file, 5, {ProjectTab::Levels, 0, 0}},
+        {file, 7, {ProjectTab::Levels, 0, 1}},
+        {file, 100, {ProjectTab::Levels, 1, {}}},
+        {"elsewhere.xml", 5, {}},
+    };
+    int levelLine = 0;
+    for (const ProjectProblem& problem : session.problems()) {
+        if (problem.text.find("\"village\"") != std::string::npos && problem.line > 0) {
+            levelLine = problem.line;
+        }
+    }
+    ASSERT_GT(levelLine, 0);
+    const int shift = levelLine - 10;  // the file's head is the fixture's
+    for (const auto& row : rows) {
+        const int line = row.line > 1 ? row.line + shift : row.line;
+        const ProjectTarget target = targetOf(session.model(), {row.file, line, 99, kReportWarning, ""});
+        EXPECT_TRUE(target == row.target)
+            << row.line << ": " << static_cast<int>(target.tab) << ' ' << target.first;
+    }
+
+    using ChangeKind = ProjectChange::Kind;
+    const struct {
+        ChangeKind kind;
+        bool undone;
+        ProjectTarget target;
+    } changes[] = {
+        {ChangeKind::Value, true, {ProjectTab::Levels, 2, 3}},
+        {ChangeKind::LevelAdded, true, {ProjectTab::Levels, 1, {}}},
+        {ChangeKind::LevelAdded, false, {ProjectTab::Levels, 2, {}}},
+        {ChangeKind::LevelMoved, false, {ProjectTab::Levels, 5, {}}},
+        {ChangeKind::EntityRemoved, true, {ProjectTab::Levels, 2, 3}},
+        {ChangeKind::EntityRemoved, false, {ProjectTab::Levels, 2, 2}},
+        {ChangeKind::EntityMoved, false, {ProjectTab::Levels, 2, 5}},
+    };
+    for (const auto& row : changes) {
+        ProjectChange change;
+        change.kind = row.kind;
+        change.field.kind = Kind::EntityName;
+        change.field.level = 2;
+        change.field.entity = 3;
+        change.to = 5;
+        EXPECT_TRUE(targetOf(change, row.undone) == row.target) << static_cast<int>(row.kind);
+    }
+}
+
+}  // namespace
