@@ -185,17 +185,36 @@ std::string NewProjectSession::rowName(size_t row) const {
     return folder.empty() ? "(the project folder)" : folder + "\\";
 }
 
-std::string NewProjectSession::rowSource(size_t row) const {
-    const PlanRow& one = m_tree.rows()[row];
-    if (one.isOnlyChecked) {
-        return one.source + " (only looked for)";
+std::string NewProjectSession::rowNote(size_t row) const {
+    if (row == 0) {
+        return folderProblem();
     }
-    return one.source.empty() && !one.isFolder ? "(written from your texts)" : one.source;
+    const PlanRow& one = m_tree.rows()[row];
+    if (std::string problem = m_tree.problem(one, projectFolder()); !problem.empty()) {
+        return problem;
+    }
+    if (one.isOnlyChecked) {
+        return "only looked for";
+    }
+    return one.source.empty() && !one.isFolder ? "written anew" : "";
 }
 
 void NewProjectSession::lookAtTarget() {
     const std::string folder = projectFolder();
     m_targetExists = !folder.empty() && osFiles().kindOf(folder) != OsKind::Missing;
+}
+
+// What is wrong with the project folder.
+std::string NewProjectSession::folderProblem() const {
+    const std::string folder = projectFolder();
+    const std::string& name = text(ProjectField::FolderName);
+    if (const std::string why = nameRefusal(name); !why.empty()) {
+        return "The folder name \"" + name + "\" " + why + ".";
+    }
+    if (m_targetExists) {
+        return "There is a folder or file of that name already: " + folder;
+    }
+    return lengthRefusal(folder);
 }
 
 std::string NewProjectSession::hindrance() const {
@@ -209,15 +228,8 @@ std::string NewProjectSession::hindrance() const {
     if (m_data.m_strLevelMap.empty()) {
         return "This wizard names no level map: no project can be made with it here.";
     }
-    const std::string& name = text(ProjectField::FolderName);
-    if (const std::string why = nameRefusal(name); !why.empty()) {
-        return "The folder name \"" + name + "\" " + why + ".";
-    }
-    if (m_targetExists) {
-        return "There is a folder or file of that name already: " + folder;
-    }
-    if (std::string why = lengthRefusal(folder); !why.empty()) {
-        return why;
+    if (std::string problem = folderProblem(); !problem.empty()) {
+        return problem;
     }
     const std::pair<ProjectField, const char*> needed[] = {
         {ProjectField::Name, "a project name"},

@@ -49,8 +49,9 @@ public:
     const PlanTree& tree() const { return m_tree; }
     // The cells of a row; a row's problem may change with the project folder.
     std::string rowName(size_t row) const;
-    std::string rowSource(size_t row) const;
-    std::string rowProblem(size_t row) const { return m_tree.problem(m_tree.rows()[row], projectFolder()); }
+    const std::string& rowSource(size_t row) const { return m_tree.rows()[row].source; }
+    // What is wrong with it, or what it is where that doesn't go without saying.
+    std::string rowNote(size_t row) const;
     // Looks at a part of what is still to be looked at among the templates; true while there is more.
     bool lookAtSources(std::chrono::milliseconds time) { return m_tree.look(time); }
     // Looks whether the project folder exists. Called when the user has stopped typing.
@@ -73,6 +74,7 @@ private:
     // The texts of name and documentation as the data holds them.
     std::string storedText(ProjectField which, const std::string& original) const;
     std::string projectFolder() const;
+    std::string folderProblem() const;
     std::string hindrance() const;
     bool takeFields();
     std::optional<NewProject> create(const std::function<void(const Job&)>& runJob);

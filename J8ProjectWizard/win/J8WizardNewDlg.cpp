@@ -191,7 +191,7 @@ std::string CJ8WizardNewDlg::planCell(int index, int column) const {
         case kSource:
             return m_session.rowSource(row);
         default:
-            return m_session.rowProblem(row);
+            return m_session.rowNote(row);
     }
 }
 
@@ -249,6 +249,7 @@ std::optional<LRESULT> CJ8WizardNewDlg::message(UINT message, WPARAM wParam, LPA
     if (wParam == kTargetTimer) {
         KillTimer(window(), kTargetTimer);
         m_session.lookAtTarget();
+        m_plan.redraw();
         showState();
     } else if (wParam == kSourcesTimer && !m_working) {
         if (!m_session.lookAtSources(kSourcesTime)) {

@@ -125,6 +125,9 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
         session.lookAtTarget();
         EXPECT_TRUE(session.state().starts_with(text)) << session.state();
     }
+    session.setText(ProjectField::FolderName, "con");
+    EXPECT_EQ(session.rowNote(0), session.state());
+    EXPECT_EQ(session.rowNote(1), "only looked for");
     session.setText(ProjectField::FolderName, std::string(250, 'x'));
     EXPECT_NE(session.state().find("the system takes 259"), std::string::npos) << session.state();
     std::filesystem::remove(suite.folder.native("templates/a/one.txt"));
@@ -139,7 +142,7 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
     session.setText(ProjectField::FolderName, "typed");
     session.setText(ProjectField::Path, "C:\\else");
     session.state();
-    session.rowProblem(3);
+    session.rowNote(3);
     EXPECT_EQ(files.operations(), 0);
 }
 
