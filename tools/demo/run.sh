@@ -40,12 +40,13 @@ show() {
     drive customize calls-customize
     drive scripts calls-scripts
 }
-# The panel at its usual size and on a screen of twice the resolution.
+# The panel and the new-project dialog at their usual size and on a screen of twice the resolution.
 show_sizes() {
     for dpi in 96 192; do
         drive customize-look calls-customize-look --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
         cp "$demo/steps/main.xml before" "$demo/town/main.xml"
         drive project calls-project --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
+        drive wizard calls-wizard --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
     done
 }
 drive() { # script, log, further options
