@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tools/editor/DriveScript.h"
+#include "tools/editor/LevelEdit.h"
 #include "tools/editor/LevelMap.h"
 
 namespace zoka {
@@ -93,6 +94,40 @@ TEST(LevelMap, findsAnActionsTextPastCommentsAndQuotes) {
             EXPECT_EQ(script.substr(block->start, block->length), row.block);
         }
     }
+}
+
+TEST(LevelMap, namesTheActionsOfAScript) {
+    EXPECT_THAT(actionNames("// action no { }\naction a { }\nACTION b\n{ action = 1; }\naction A { } action"),
+                ElementsAre("a", "b"));
+}
+
+TEST(LevelEdit, changesOneValueAndNoOtherByte) {
+    const std::string text =
+        "level 1\r\n// c\r\nentity a\r\n\tskill\t1  2 \r\n\tflag 2\r\n // x\r\nend\r\nentity b\nend";
+    const struct {
+        LevelValue change;
+        const char* from;  // what is replaced in the text
+        const char* to;
+    } rows[] = {
+        {{"a", true, 1, 0.5F}, "1  2 ", "1  0.5 "},
+        {{"a", true, 3, 4}, " // x\r\n", " // x\r\n\tskill    3 4\r\n"},
+        {{"a", true, 3, 0}, "", ""},
+        {{"a", false, 2, 0}, "\tflag 2\r\n", ""},
+        {{"a", false, 2, 1}, "", ""},
+        {{"a", false, 8, 1}, " // x\r\n", " // x\r\n\tflag     8\r\n"},
+        {{"b", true, 20, -1}, "entity b\n", "entity b\n    skill    20 -1\n"},
+    };
+    for (const auto& row : rows) {
+        std::string expected = text;
+        const std::string from = row.from;
+        expected.replace(expected.find(from), from.size(), row.to);
+        const auto edited = withLevelValue(text, row.change);
+        ASSERT_TRUE(edited);
+        EXPECT_EQ(*edited, expected);
+        std::string error;
+        EXPECT_TRUE(readLevelMap(*edited, error)) << error;
+    }
+    EXPECT_FALSE(withLevelValue(text, {"c", true, 1, 1}));
 }
 
 TEST(DriveScript, splitsWordsAndPutsInValues) {

@@ -33,6 +33,7 @@ cli::ExitStatus run(int argc, char** argv) {
     cli::addCatalogueCommands(app, chosen);
     cli::addScriptCommands(app, chosen);
     cli::addCustomizeCommands(app, chosen);
+    cli::addBehaviorCommands(app, chosen);
     cli::addWizardCommands(app, chosen);
     try {
         app.parse(argc, argv);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <set>
 
 namespace zoka {
 
@@ -250,7 +251,11 @@ std::string writeLevelMap(const LevelMap& level) {
     return out;
 }
 
-std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action) {
+namespace {
+
+// Calls `use` with the place of each word "action" and that of the name behind it, until it answers true.
+template <typename Use>
+void forEachAction(std::string_view script, Use use) {
     size_t at = 0;
     while (at < script.size()) {
         if (const size_t past = skipQuiet(script, at); past != at) {
@@ -258,23 +263,43 @@ std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_
             continue;
         }
         const std::string_view word = wordAt(script, at);
-        if (word.empty()) {
-            ++at;
-            continue;
-        }
         const size_t start = at;
-        at += word.size();
-        if (!equalFolded(word, "action")) {
-            continue;
+        at += std::max<size_t>(word.size(), 1);
+        if (equalFolded(word, "action") &&
+            use(start, std::min(script.find_first_not_of(" \t\r\n", at), script.size()))) {
+            return;
         }
-        const size_t name = std::min(script.find_first_not_of(" \t\r\n", at), script.size());
+    }
+}
+
+}  // namespace
+
+std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action) {
+    std::optional<ActionBlock> found;
+    forEachAction(script, [&](size_t start, size_t name) {
         if (!equalFolded(wordAt(script, name), action)) {
-            continue;
+            return false;
         }
         const size_t first = startOfDescription(script, start, action);
-        return ActionBlock{first, endOfBody(script, name) - first};
-    }
-    return std::nullopt;
+        found = ActionBlock{first, endOfBody(script, name) - first};
+        return true;
+    });
+    return found;
+}
+
+std::vector<std::string> actionNames(std::string_view script) {
+    std::vector<std::string> names;
+    std::set<std::string> known;
+    forEachAction(script, [&](size_t, size_t name) {
+        std::string word(wordAt(script, name));
+        std::string folded = word;
+        std::transform(folded.begin(), folded.end(), folded.begin(), lower);
+        if (!word.empty() && known.insert(std::move(folded)).second) {
+            names.push_back(std::move(word));
+        }
+        return false;
+    });
+    return names;
 }
 
 }  // namespace zoka

@@ -54,5 +54,7 @@ struct ActionBlock {
     size_t length;
 };
 std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action);
+// The names of a script's actions, in their order; of those that come again, the first one counts.
+std::vector<std::string> actionNames(std::string_view script);
 
 }  // namespace zoka

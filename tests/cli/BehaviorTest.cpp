@@ -1,0 +1,70 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "tests/cli/Tool.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr char kScript[] =
+    "action walk\r\n{\r\n// skill1: Speed 2\r\n// cntl: slider 0 10 0.5\r\n// flag3: Lit 1\r\n}\r\n"
+    "action wait { }\r\n";
+constexpr char kLevel[] =
+    "level 1\r\n// the harbour\r\nentity a\r\n    action s.kez walk\r\n    skill 1 3.5 \r\n    skill 9 "
+    "1\r\nend\r\n"
+    "entity b\r\nend";
+
+struct Behavior : testing::Test {
+    Behavior() {
+        folder.write("s.kez", kScript);
+        folder.write("l.zlm", kLevel);
+    }
+    ToolFolder folder;
+};
+
+TEST_F(Behavior, ListsAndChecksActions) {
+    EXPECT_EQ(folder.run("behavior list s.kez"),
+              (ToolRun{0, "walk\n    skill1 Speed = 2\t(allowed: 0 to 10)\n    flag3 Lit = 1\nwait\n"}));
+    const json rows = json::parse(folder.run("behavior list s.kez WALK --json").out)[0]["rows"];
+    EXPECT_EQ(rows[0]["maximum"], 10);
+    EXPECT_EQ(rows[1]["field"], "flag3");
+    EXPECT_EQ(folder.run("behavior list s.kez run").status, 2);
+    EXPECT_EQ(folder.run("behavior check s.kez").status, 0);
+    folder.write("t.kez", "action x {\r\n// skill21: Far\r\n}\r\n");
+    const ToolRun found = folder.run("behavior check .");
+    EXPECT_EQ(found.status, 1);
+    EXPECT_THAT(found.out, HasSubstr("t.kez:2: there is no skill21"));
+    EXPECT_EQ(folder.run("behavior check none.kez").status, 3);
+}
+
+TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
+    EXPECT_EQ(folder.run("level list l.zlm"),
+              (ToolRun{0,
+                       "a\ts.kez walk\n    skill1 Speed = 3.5\t(allowed: 0 to 10)\n    flag3 Lit = 0\n"
+                       "    skill9 = 1\t(not declared)\nb\t\n"}));
+    EXPECT_EQ(folder.run("level get l.zlm a speed flag3 skill9"), (ToolRun{0, "3.5\n0\n1\n"}));
+    const ToolRun dry = folder.run("level set l.zlm a Speed=4 --dry-run");
+    EXPECT_THAT(dry.out, HasSubstr("+    skill 1 4 "));
+    EXPECT_EQ(folder.read("l.zlm"), kLevel);
+    EXPECT_EQ(folder.run("level set l.zlm a Speed=4 lit=1").status, 0);
+    std::string expected = kLevel;
+    expected.replace(expected.find("1 3.5 "), 6, "1 4 ");
+    expected.insert(expected.find("end\r\n"), "    flag     3\r\n");
+    EXPECT_EQ(folder.read("l.zlm"), expected);
+    for (const char* bad : {"a Speed=11", "a Speed=x", "a Speed", "a Reach=1", "c Speed=1", "a skill21=1"}) {
+        EXPECT_EQ(folder.run(std::string("level set l.zlm ") + bad).status, 2) << bad;
+    }
+    EXPECT_EQ(folder.read("l.zlm"), expected);
+    folder.write("old.zlm", kLevel);
+    EXPECT_EQ(folder.run("level diff old.zlm l.zlm").out,
+              "a\tskill1 Speed: 3.5 -> 4\na\tflag3 Lit: 0 -> 1\n");
+    folder.write("bad.zlm", "level 1\nentity a\nsize 3\nend");
+    EXPECT_THAT(folder.run("level list bad.zlm").err, HasSubstr("line 3: unknown word \"size\""));
+}
+
+}  // namespace
