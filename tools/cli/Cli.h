@@ -37,6 +37,7 @@ void addCatalogueCommands(CLI::App& app, Work& chosen);  // zoka help-pages too
 void addScriptCommands(CLI::App& app, Work& chosen);
 void addBehaviorCommands(CLI::App& app, Work& chosen);  // zoka level too
 void addCustomizeCommands(CLI::App& app, Work& chosen);
+void addProjectCommands(CLI::App& app, Work& chosen);
 // zoka wizard, and zoka project new: called last, because other commands of the group may be there already.
 void addWizardCommands(CLI::App& app, Work& chosen);
 

@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "tests/cli/Tool.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+constexpr char kProject[] =
+    "<Project name=\"Game\" date=\"1\" vers=\"8.0303\">\n\t<Paths proj_file=\"\" j8_file=\"\"/>\n"
+    "\t<Behavior file=\"b.xml\"/>\n\t<Level name=\"harbour\" mapfile=\"h.zlb\">\n\t\t<Doc>d</Doc>\n"
+    "\t\t<Entity name=\"guard\" parent=\"g\">\n\t\t\t<Skill num=\"1\" value=\"5\"/>\n\t\t</Entity>\n"
+    "\t\t<Entity name=\"lost\" parent=\"none\"/>\n\t</Level>\n</Project>\n";
+
+struct Project : testing::Test {
+    Project() {
+        folder.write("game.xml", kProject);
+        folder.write("h.zlb", "");
+        folder.write(
+            "b.xml",
+            "<Behaviors><Behavior name='g' class='c' group='g'><Doc>d</Doc><Skill num='1' name='Health' "
+            "type='int' value='9'><Constraint type='max' value='10'/></Skill><Skill num='2' name='Speed' "
+            "type='float' value='2.5'/></Behavior></Behaviors>");
+    }
+    ToolFolder folder;
+};
+
+}  // namespace
+
+TEST_F(Project, ChecksAndShows) {
+    ToolRun run = folder.run("project check .");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(
+        run.out,
+        HasSubstr("game.xml:9:3: error: parent \"none\" of entity \"lost\" is in no behaviors file\n"));
+    const json found = json::parse(folder.run("project check game.xml --json").out);
+    EXPECT_EQ(found.back()["line"], 9);
+    EXPECT_EQ(folder.run("project check none.xml").status, 3);
+    folder.write("bad.xml", "<Project>\n<Level>");
+    run = folder.run("project check bad.xml");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("bad.xml:2:"));
+    EXPECT_THAT(folder.run("project report game.xml").out, HasSubstr("Behavior File: b.xml (local)\n"));
+    EXPECT_THAT(folder.run("project show game.xml").out, HasSubstr("  harbour  mapfile h.zlb  entities 2\n"));
+    EXPECT_EQ(json::parse(folder.run("project show game.xml --json").out)["behaviors"][0]["skills"], 2);
+}
+
+TEST_F(Project, ListsAndGetsValues) {
+    EXPECT_EQ(folder.run("project list game.xml level/harbour/entity/guard").out,
+              "level/harbour/entity/guard/name = guard\nlevel/harbour/entity/guard/parent = g\n"
+              "level/harbour/entity/guard/skill/1 = 5\n");
+    EXPECT_EQ(folder.run("project get game.xml name level/harbour/entity/guard/skill/2"),
+              (ToolRun{0, "Game\n2.5\n"}))
+        << "the parent's value holds";
+    EXPECT_EQ(folder.run("project get game.xml level/none/name").status, 2);
+    EXPECT_EQ(json::parse(
+                  folder.run("project get game.xml level/harbour/entity/guard/skill/1 --json").out)[0]["own"],
+              true);
+}
+
+TEST_F(Project, SetsValuesAllOrNone) {
+    const std::string guard = "level/harbour/entity/guard/skill/";
+    ToolRun run = folder.run("project set game.xml name=New " + guard + "1=11");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("outside its limits (max 10)"));
+    EXPECT_EQ(folder.read("game.xml"), kProject);
+    EXPECT_EQ(folder.run("project set game.xml name").status, 2);
+    run = folder.run("project set game.xml " + guard + "2=3 --dry-run");
+    EXPECT_THAT(run.out, HasSubstr("+\t\t\t<Skill num=\"2\" value=\"3\"/>\n"));
+    EXPECT_EQ(folder.read("game.xml"), kProject);
+    EXPECT_EQ(folder.run("project set game.xml " + guard + "2=3 -u " + guard + "1"), (ToolRun{0}));
+    EXPECT_THAT(folder.read("game.xml"), HasSubstr("<Skill num=\"2\" value=\"3\"/>"));
+    EXPECT_THAT(folder.read("game.xml"), testing::Not(HasSubstr("num=\"1\"")));
+    EXPECT_EQ(folder.fileCount(), 3u) << "no logs are left behind";
+}
+
+TEST_F(Project, SavesAndFormats) {
+    EXPECT_EQ(folder.run("project format game.xml"), (ToolRun{0}));
+    const std::string formatted = folder.read("game.xml");
+    EXPECT_THAT(formatted, HasSubstr("date=\"1\""));
+    folder.write("game.xml", std::string("<!-- mine -->") + kProject);
+    EXPECT_EQ(folder.run("project format game.xml").status, 1);
+    EXPECT_EQ(folder.run("project save game.xml").status, 1) << "nobody answered the question";
+    EXPECT_THAT(folder.read("game.xml"), StartsWith("<!-- mine -->"));
+    EXPECT_EQ(folder.run("project save game.xml --yes").status, 0);
+    EXPECT_THAT(folder.read("game.xml.1.bak"), StartsWith("<!-- mine -->"));
+}

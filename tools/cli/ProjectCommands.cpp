@@ -1,0 +1,438 @@
+// zoka project: J8 projects, without the dialog.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/ProjectSession.h"
+#include "tools/cli/Cli.h"
+#include "tools/cli/Json.h"
+#include "tools/cli/SuitePath.h"
+#include "util/DebugLog.h"
+#include "util/LineDiff.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
+
+namespace zoka::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct ProjectOptions {
+    std::string file;
+    std::vector<std::string> words;  // files, addresses, or address=value
+    std::vector<std::string> unset;
+    bool json = false, dryRun = false;
+};
+
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+std::string oneLine(const std::string& text) {
+    std::string made;
+    for (const char c : text) {
+        made += c == '\n' ? "\\n" : c == '\r' ? "" : std::string(1, c);
+    }
+    return made;
+}
+
+// A project opened as the dialog opens it, but for the logs, which a run of a tool does not leave behind.
+class OpenProject {
+public:
+    explicit OpenProject(const std::string& file) : m_session(m_model, userPrompt()) {
+        debugLogFileName().clear();
+        m_session.writesStepReport = false;
+        m_open = m_session.open(suitePath(file));
+        if (!m_open) {
+            complain(m_session.problem());
+        }
+    }
+
+    bool isOpen() const { return m_open; }
+    ProjectSession& session() { return m_session; }
+    const CJ8ProjectManager& model() const { return m_model; }
+
+    std::optional<ProjectField> find(const std::string& address) {
+        std::string why;
+        auto field = fieldAt(m_model, address, why);
+        if (!field) {
+            complain(why);
+        }
+        return field;
+    }
+
+    ExitStatus finish(bool dryRun, bool force) {
+        if (dryRun) {
+            print(m_session.changesText());
+            return ExitStatus::Done;
+        }
+        switch (m_session.save(force)) {
+            case ProjectSave::Saved:
+            case ProjectSave::NothingToSave:
+                return ExitStatus::Done;
+            case ProjectSave::Cancelled:
+                complain("not saved");
+                return ExitStatus::Findings;
+            case ProjectSave::Failed:
+                break;
+        }
+        return ExitStatus::Failed;
+    }
+
+private:
+    CJ8ProjectManager m_model;
+    ProjectSession m_session;
+    bool m_open = false;
+};
+
+const char* kindWord(const CJ8File& file) {
+    switch (file.m_type) {
+        case CJ8File::kFile:
+            return "local";
+        case CJ8File::kProjFile:
+            return "proj";
+        case CJ8File::kJ8File:
+            return "j8";
+        default:
+            return file.isNamed() ? "missing" : "none";
+    }
+}
+
+Json jsonOf(const ProjectProblem& problem) {
+    Json one{{"file", jsonText(problem.file)}};
+    if (problem.line > 0) {
+        one["line"] = problem.line;
+        one["column"] = problem.column;
+    }
+    one["severity"] = problem.severity == kReportError     ? "error"
+                      : problem.severity == kReportWarning ? "warning"
+                                                           : "note";
+    one["text"] = jsonText(problem.text);
+    return one;
+}
+
+// The XML files of a folder that are projects.
+std::vector<std::string> projectsIn(const std::string& folder) {
+    std::vector<std::string> found;
+    for (const OsEntry& entry : osFiles().list(joinPath(folder, "*.xml"))) {
+        const std::string path = joinPath(folder, entry.name);
+        if (!entry.isFolder && !XMLNode::parseFile(path.c_str(), "Project").isEmpty()) {
+            found.push_back(path);
+        }
+    }
+    return found;
+}
+
+ExitStatus check(const ProjectOptions& options) {
+    ExitStatus status = ExitStatus::Done;
+    Json all = Json::array();
+    for (const std::string& word : options.words) {
+        const std::string path = suitePath(word);
+        const auto entry = osFiles().search(path);
+        std::vector<std::string> files = {path};
+        if (entry && entry->isFolder) {
+            files = projectsIn(path);
+            if (files.empty()) {
+                complain("there is no project file in " + path);
+                status = worse(status, ExitStatus::Failed);
+            }
+        }
+        for (const std::string& file : files) {
+            OpenProject open(file);
+            if (!open.isOpen()) {
+                status = worse(status, osFiles().exists(file) ? ExitStatus::Findings : ExitStatus::Failed);
+                continue;
+            }
+            const std::vector<ProjectProblem> problems = open.session().problems();
+            for (const ProjectProblem& problem : problems) {
+                if (problem.severity <= kReportWarning) {
+                    status = worse(status, ExitStatus::Findings);
+                }
+                all.push_back(options.json ? jsonOf(problem) : Json());
+            }
+            if (!options.json) {
+                print(ProjectSession::problemsText(problems));
+            }
+        }
+    }
+    if (options.json) {
+        printJson(all);
+    }
+    return status;
+}
+
+ExitStatus report(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    std::string text;
+    for (const char c : open.model().m_report) {
+        if (c != '\r') {
+            text += c;
+        }
+    }
+    print(text);
+    return open.isOpen() ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+Json jsonOf(const CJ8File& file) {
+    return {{"file", jsonText(file.m_path)}, {"kind", kindWord(file)}};
+}
+
+Json overview(const CJ8ProjectManager& model) {
+    Json all{{"name", jsonText(model.m_name)},
+             {"version", jsonText(model.m_vers)},
+             {"date", jsonText(model.m_date)},
+             {"project folder", jsonText(model.m_roots.project())},
+             {"data folder", jsonText(model.m_roots.data())}};
+    for (int i = 0; i < kJ8Sections; ++i) {
+        all["sections"][sectionTag(static_cast<J8Section>(i))] = jsonOf(model.m_sections[i]);
+    }
+    all["behavior files"] = Json::array();
+    for (const CJ8File& file : model.m_apBehaviorFiles) {
+        all["behavior files"].push_back(jsonOf(file));
+    }
+    all["behavior files not loaded"] = Json::array();
+    for (const CJ8File& file : model.m_apLostBehaviorFiles) {
+        all["behavior files not loaded"].push_back(jsonOf(file));
+    }
+    all["behaviors"] = Json::array();
+    for (const CJ8BehaviorData& behavior : model.m_apBehavior) {
+        all["behaviors"].push_back({{"name", jsonText(behavior.m_name)},
+                                    {"class", jsonText(behavior.m_class)},
+                                    {"group", jsonText(behavior.m_group)},
+                                    {"skills", behavior.m_apSkillEdits.size()},
+                                    {"components", jsonTexts(behavior.m_apCMPNames)}});
+    }
+    all["components"] = Json::array();
+    for (const CJ8CMPData& component : model.m_apComponents) {
+        all["components"].push_back(
+            {{"name", jsonText(component.m_name)}, {"properties", component.m_properties.size()}});
+    }
+    all["levels"] = Json::array();
+    for (const CJ8LevelData& level : model.m_apLevels) {
+        all["levels"].push_back({{"name", jsonText(level.m_name)},
+                                 {"mapfile", jsonText(level.m_mapFile.m_path)},
+                                 {"entities", level.m_entities.size()}});
+    }
+    return all;
+}
+
+ExitStatus show(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
+    const Json all = overview(open.model());
+    if (options.json) {
+        printJson(all);
+        return ExitStatus::Done;
+    }
+    // The same, a line a value; what a list holds is indented below its name.
+    for (const auto& [name, value] : all.items()) {
+        if (value.is_string()) {
+            print(name + ": " + value.get<std::string>() + "\n");
+            continue;
+        }
+        print(name + ":" + (value.empty() ? " none" : "") + "\n");
+        for (const auto& [key, entry] : value.items()) {
+            std::string line = value.is_object() ? key + ":" : "";
+            for (const auto& [what, part] : entry.items()) {
+                const std::string text = part.is_string()  ? part.get<std::string>()
+                                         : part.is_array() ? std::to_string(part.size())
+                                                           : part.dump();
+                const bool first = what == "name" || what == "file" || what == "kind";
+                line += (line.empty() ? "" : "  ") + (first ? text : what + " " + text);
+            }
+            print("  " + line + "\n");
+        }
+    }
+    return ExitStatus::Done;
+}
+
+ExitStatus list(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
+    Json all = Json::array();
+    forEachField(open.model(), [&](const ProjectField& field, const std::string& address) {
+        bool wanted = options.words.empty();
+        for (const std::string& word : options.words) {
+            wanted = wanted || address == word || address.starts_with(word + "/");
+        }
+        const auto value = fieldValue(open.model(), field);
+        if (!wanted || !value) {
+            return;
+        }
+        if (options.json) {
+            all.push_back({{"address", jsonText(address)}, {"value", jsonText(*value)}});
+        } else {
+            print(address + " = " + oneLine(*value) + "\n");
+        }
+    });
+    if (options.json) {
+        printJson(all);
+    }
+    return ExitStatus::Done;
+}
+
+// What holds for the field: its own value or what the parent gives.
+std::string valueThatHolds(OpenProject& open, const ProjectField& field) {
+    if (const auto own = fieldValue(open.model(), field)) {
+        return *own;
+    }
+    if (field.kind >= ProjectField::Kind::EntitySkill) {
+        for (const ProjectRow& row : open.session().entityRows(field.level, field.entity)) {
+            if (row.hasField && row.field == field) {
+                return row.current;
+            }
+        }
+    }
+    return {};
+}
+
+ExitStatus get(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
+    std::vector<ProjectField> fields;
+    for (const std::string& word : options.words) {
+        const auto field = open.find(word);
+        if (!field) {
+            return ExitStatus::Usage;
+        }
+        fields.push_back(*field);
+    }
+    Json all = Json::array();
+    for (const ProjectField& field : fields) {
+        const std::string value = valueThatHolds(open, field);
+        if (options.json) {
+            all.push_back({{"address", jsonText(addressOf(open.model(), field))},
+                           {"value", jsonText(value)},
+                           {"own", fieldValue(open.model(), field).has_value()}});
+        } else {
+            print(value + "\n");
+        }
+    }
+    if (options.json) {
+        printJson(all);
+    }
+    return ExitStatus::Done;
+}
+
+ExitStatus set(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
+    const auto give = [&](const std::string& address, const std::optional<std::string>& value) {
+        const auto field = open.find(address);
+        if (!field) {
+            return ExitStatus::Usage;
+        }
+        std::string why;
+        if (!open.session().setValue(*field, value, &why)) {
+            complain(address + ": " + why + " (nothing was changed)");
+            return ExitStatus::Findings;
+        }
+        return ExitStatus::Done;
+    };
+    for (const std::string& word : options.words) {
+        const size_t equals = word.find('=');
+        if (equals == word.npos) {
+            complain("\"" + word + "\" is not of the form address=value");
+            return ExitStatus::Usage;
+        }
+        if (const ExitStatus given = give(word.substr(0, equals), word.substr(equals + 1));
+            given != ExitStatus::Done) {
+            return given;
+        }
+    }
+    for (const std::string& address : options.unset) {
+        if (const ExitStatus given = give(address, std::nullopt); given != ExitStatus::Done) {
+            return given;
+        }
+    }
+    return open.finish(options.dryRun, false);
+}
+
+ExitStatus save(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    return open.isOpen() ? open.finish(options.dryRun, true) : ExitStatus::Failed;
+}
+
+ExitStatus format(const ProjectOptions& options) {
+    OpenProject open(options.file);
+    if (!open.isOpen()) {
+        return ExitStatus::Failed;
+    }
+    const std::vector<ProjectProblem> losses = open.session().losses();
+    if (!losses.empty()) {
+        print(ProjectSession::problemsText(losses));
+        complain("not formatted: something would be lost (save keeps a copy)");
+        return ExitStatus::Findings;
+    }
+    const std::string path = open.session().path();
+    const auto before = osFiles().readWhole(path);
+    const auto after = open.model().fileText({}, open.model().m_date);
+    if (!before || !after) {
+        complain("cannot read " + path);
+        return ExitStatus::Failed;
+    }
+    if (options.dryRun) {
+        print(unifiedDifference(*before, *after, path, path));
+        return ExitStatus::Done;
+    }
+    return *before == *after || writeOutput(path, *after) ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+}  // namespace
+
+void addProjectCommands(CLI::App& app, Work& chosen) {
+    const auto options = std::make_shared<ProjectOptions>();
+    CLI::App& group = *app.add_subcommand("project", "Check, list and change J8 projects");
+    group.require_subcommand(1);
+    setExample(group, "zoka project set game.xml level/harbour/entity/guard/skill/3=40");
+    const auto add = [&](const char* name, const char* about, const char* example,
+                         ExitStatus (*work)(const ProjectOptions&)) -> CLI::App& {
+        CLI::App& command = *group.add_subcommand(name, about);
+        setExample(command, example);
+        command.callback([&chosen, options, work] { chosen = [options, work] { return work(*options); }; });
+        return command;
+    };
+    const auto file = [&](CLI::App& command) -> CLI::App& {
+        command.add_option("PROJECT", options->file, "The project file")->required();
+        return command;
+    };
+    const auto json = [&](CLI::App& command) { command.add_flag("--json", options->json, "Print JSON"); };
+    const auto dryRun = [&](CLI::App& command) {
+        command.add_flag("--dry-run", options->dryRun, "Write nothing, print the lines that would change");
+    };
+
+    CLI::App& checked = add("check", "Print what is wrong in projects", "zoka project check game.xml", check);
+    checked.add_option("PATH", options->words, "Project files, or folders of them")->required();
+    json(checked);
+    file(add("report", "Print the report of loading a project", "zoka project report game.xml", report));
+    json(file(add("show", "Print what a project consists of", "zoka project show game.xml", show)));
+    CLI::App& listed =
+        file(add("list", "Print addresses and values", "zoka project list game.xml level/harbour", list));
+    listed.add_option("ADDRESS", options->words, "Only what lies there or below");
+    json(listed);
+    CLI::App& got =
+        file(add("get", "Print values", "zoka project get game.xml level/harbour/entity/guard/skill/3", get));
+    got.add_option("ADDRESS", options->words, "Which values")->required();
+    json(got);
+    CLI::App& setting = file(add("set", "Change values, all of them or none",
+                                 "zoka project set game.xml level/harbour/entity/guard/skill/3=40", set));
+    setting.add_option("ADDRESS=VALUE", options->words, "What to change");
+    setting.add_option("-u,--unset", options->unset, "Take an entity's own value away: its parent's holds");
+    dryRun(setting);
+    dryRun(file(add("save", "Load a project and write it again", "zoka project save game.xml", save)));
+    dryRun(file(add("format", "Lay a project file out as a save does, when nothing is lost by that",
+                    "zoka project format game.xml", format)));
+}
+
+}  // namespace zoka::cli
