@@ -1,0 +1,171 @@
+// J8 projects: loading against pugixml's parse of the same files, growth, saving against a flushed copy.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <pugixml.hpp>
+#include <string>
+#include <vector>
+
+#include "J8ProjectManager/ProjectSession.h"
+#include "bench/Ratio.h"
+#include "tests/support/TempFolder.h"
+#include "util/DebugLog.h"
+#include "util/OsFiles.h"
+
+namespace zoka::bench {
+namespace {
+
+constexpr int kRounds = 7;
+bool g_allMet = true;
+
+// Behaviours in files of 100, components in files of 1,000: as many as their counts, used by the entities in turn.
+void writeProject(const test::TempFolder& folder, const std::string& name, int levels, int entities,
+                  int behaviors, int components) {
+    const auto text = [](int n) { return std::to_string(n); };
+    std::string project =
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<Project name=\"Large\" date=\"1\" "
+        "vers=\"8.0303\">\n\t<Paths proj_file=\"" +
+        folder.path() + "\\\" j8_file=\"" + folder.path() + "\\\"/>\n";
+    for (int file = 0; file * 1000 < components; ++file) {
+        std::string cmp = "<Components>\n";
+        for (int i = file * 1000; i < std::min(components, (file + 1) * 1000); ++i) {
+            cmp += "\t<Component name=\"component" + text(i) + "\">\n\t\t<Doc>What it is for.</Doc>\n";
+            for (int p = 0; p < 4; ++p) {
+                cmp += "\t\t<Property name=\"property" + text(p) + "\" type=\"int\" value=\"" + text(p) +
+                       "\" edit=\"true\">\n\t\t\t<Doc>How much of it.</Doc>\n\t\t\t<Constraint type=\"min\" "
+                       "value=\"0\"/>\n\t\t</Property>\n";
+            }
+            cmp += "\t</Component>\n";
+        }
+        folder.write(name + "c" + text(file) + ".xml", cmp + "</Components>\n");
+    }
+    for (int file = 0; file * 100 < behaviors; ++file) {
+        const std::string behaviorFile = name + "b" + text(file) + ".xml";
+        std::string beh = "<Behaviors>\n\t<Component proj_file=\"" + name + "c" +
+                          text(file * 100 * components / behaviors / 1000) + ".xml\"/>\n";
+        for (int i = file * 100; i < std::min(behaviors, (file + 1) * 100); ++i) {
+            beh += "\t<Behavior name=\"behavior" + text(i) +
+                   "\" class=\"Actor\" group=\"Enemies\">\n"
+                   "\t\t<Doc>What it does.</Doc>\n\t\t<Skill num=\"1\" name=\"Health\" type=\"int\" "
+                   "value=\"5\">\n"
+                   "\t\t\t<Doc>How strong.</Doc>\n\t\t</Skill>\n\t\t<Component name=\"component" +
+                   text(i) + "\"/>\n\t</Behavior>\n";
+        }
+        folder.write(behaviorFile, beh + "</Behaviors>\n");
+        project += "\t<Behavior proj_file=\"" + behaviorFile + "\"/>\n";
+    }
+    for (int level = 0; level < levels; ++level) {
+        project +=
+            "\t<Level name=\"level" + text(level) + "\" mapfile=\"map.zlb\">\n\t\t<Doc>A level.</Doc>\n";
+        for (int i = 0; i < entities; ++i) {
+            project +=
+                "\t\t<Entity name=\"entity" + text(i) + "\" parent=\"behavior" +
+                text(i % std::max(behaviors, 1)) + "\">\n\t\t\t<Skill num=\"1\" value=\"" + text(i) +
+                "\"/>\n\t\t\t<Component name=\"component" + text(i) +
+                "\">\n\t\t\t\t<Edit name=\"property1\" value=\"7\"/>\n\t\t\t</Component>\n\t\t</Entity>\n";
+        }
+        project += "\t</Level>\n";
+    }
+    folder.write(name + ".xml", project + "</Project>\n");
+}
+
+std::vector<std::string> filesOf(const test::TempFolder& folder, const std::string& name) {
+    std::vector<std::string> files;
+    for (const std::string& each : folder.names()) {
+        if (each.starts_with(name)) {
+            files.push_back(folder.native(each).string());
+        }
+    }
+    return files;
+}
+
+void row(const char* what, const Pair& times, const char* against, double wanted) {
+    g_allMet &= printRatio(what, times, against, wanted);
+}
+
+double loadTime(const std::string& path, size_t entities) {
+    CJ8ProjectManager project;
+    const double time = millisecondsOf([&] {
+        if (!project.LoadFromXML(path, false)) {
+            std::abort();
+        }
+    });
+    size_t found = 0;
+    for (const CJ8LevelData& level : project.m_apLevels) {
+        found += level.m_entities.size();
+    }
+    if (found != entities) {
+        std::abort();
+    }
+    return time;
+}
+
+void benchLoading(const test::TempFolder& folder) {
+    writeProject(folder, "large", 50, 200, 1000, 10000);
+    const std::vector<std::string> files = filesOf(folder, "large");
+    const Pair times = leastOf(
+        kRounds, [&] { return loadTime(folder.path("large.xml"), 10000); },
+        [&] {
+            return millisecondsOf([&] {
+                std::vector<pugi::xml_document> documents(files.size());
+                for (size_t i = 0; i < files.size(); ++i) {
+                    if (!documents[i].load_file(files[i].c_str())) {
+                        std::abort();
+                    }
+                }
+            });
+        });
+    row("load 50 x 200 entities, 10,000 components", times, "pugixml parses the files", 1.5);
+
+    writeProject(folder, "small", 5, 1000, 0, 0);
+    writeProject(folder, "huge", 500, 1000, 0, 0);
+    const Pair growth = leastOf(
+        3, [&] { return loadTime(folder.path("huge.xml"), 500000) / 100; },
+        [&] {
+            double sum = 0;
+            for (int i = 0; i < 20; ++i) {
+                sum += loadTime(folder.path("small.xml"), 5000);
+            }
+            return sum / 20;
+        });
+    row("load 500,000 entities, for each 5,000", growth, "load 5,000 entities", 1.2);
+}
+
+void benchSaving(const test::TempFolder& folder) {
+    CJ8ProjectManager project;
+    if (!project.LoadFromXML(folder.path("large.xml"), false)) {
+        std::abort();
+    }
+    project.setProjectFile(folder.path("saved.xml"));
+    const Pair times = leastOf(
+        kRounds,
+        [&] {
+            return millisecondsOf([&] {
+                if (!project.SaveProjectXML(StepReport())) {
+                    std::abort();
+                }
+            });
+        },
+        [&] {
+            return millisecondsOf([&] {
+                const auto bytes = osFiles().readWhole(folder.path("saved.xml"));
+                const auto copy = osFiles().openForWriting(folder.path("copy.xml"), OsOpen::Truncate);
+                if (!bytes || !copy || !copy->write(*bytes) || !copy->flush() || !copy->close()) {
+                    std::abort();
+                }
+            });
+        });
+    row("save 10,000 entities", times, "flushed copy of the file", 2.0);
+}
+
+}  // namespace
+}  // namespace zoka::bench
+
+int main() {
+    zoka::debugLogFileName().clear();
+    const zoka::test::TempFolder folder;
+    zoka::bench::benchLoading(folder);
+    zoka::bench::benchSaving(folder);
+    return zoka::bench::g_allMet ? 0 : 1;
+}
