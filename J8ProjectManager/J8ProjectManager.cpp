@@ -147,13 +147,13 @@ const CJ8BehaviorData* CJ8ProjectManager::behavior(std::string_view name) const 
 }
 
 void CJ8ProjectManager::add(const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
-                            std::source_location where) {
-    addTo(m_report, entry, arguments, place, where);
+                            int sourceLine) {
+    addTo(m_report, entry, arguments, place, sourceLine);
 }
 
 void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments,
-                              std::uint32_t place, std::source_location where) {
-    std::string line = zoka::writeReport(texts::kSource, report, entry, arguments, where);
+                              std::uint32_t place, int sourceLine) {
+    std::string line = zoka::writeReport(texts::kSource, report, entry, arguments, sourceLine);
     if (entry.severity == 0) {
         return;
     }
@@ -169,8 +169,8 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
     m_findings.push_back({entry.severity, m_source, place, std::move(text)});
 }
 
-void CJ8ProjectManager::log(const zoka::ReportEntry& entry, std::source_location where) {
-    zoka::writeReport(texts::kSource, m_report, entry, {}, where);
+void CJ8ProjectManager::log(const zoka::ReportEntry& entry, int sourceLine) {
+    zoka::writeReport(texts::kSource, m_report, entry, {}, sourceLine);
 }
 
 std::uint32_t CJ8ProjectManager::addSource(const std::string& path) {

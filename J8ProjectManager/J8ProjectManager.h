@@ -148,11 +148,11 @@ private:
     void loadPaths(const XMLNode& root);
     void reportFile(const CJ8File& file, const zoka::texts::FileLines& lines);
     void add(const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
-             std::source_location where = std::source_location::current());
+             int sourceLine = __builtin_LINE());
     void addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
-               std::source_location where = std::source_location::current());
+               int sourceLine = __builtin_LINE());
     // What follows from a finding that stands already.
-    void log(const zoka::ReportEntry& entry, std::source_location where = std::source_location::current());
+    void log(const zoka::ReportEntry& entry, int sourceLine = __builtin_LINE());
     std::uint32_t addSource(const std::string& path);
     // The root of a file that the model reads; the empty node, and one of the two reported, when there is none.
     XMLNode openFile(const std::string& path, const char* root, const zoka::ReportEntry& missing,

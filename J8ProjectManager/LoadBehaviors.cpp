@@ -165,7 +165,8 @@ bool CJ8ProjectManager::LoadLevel(CJ8LevelData& level, const XMLNode& node, std:
             if (!component) {
                 continue;
             }
-            auto& edits = entity.components.emplace_back(component, part.place()).edits;
+            entity.components.push_back({component, part.place(), {}});
+            std::vector<zoka::J8Edit>& edits = entity.components.back().edits;
             for (XMLNode edit = part.firstChild("Edit"); !edit.isEmpty(); edit = edit.nextSibling("Edit")) {
                 const char* const editName = edit.getAttribute("name");
                 const char* const value = edit.getAttribute("value");

@@ -133,7 +133,10 @@ public:
     }
 
 private:
-    void lose(const XMLNode& node, std::string text) { m_losses.push_back({node.place(), std::move(text)}); }
+    // What stands outside the top element has the place of the file's beginning.
+    void lose(const XMLNode& node, std::string text) {
+        m_losses.push_back({std::max(node.place(), 1U), std::move(text)});
+    }
 
     // Comments and the like; a CDATA section of a text that is kept becomes plain text.
     void compareClears(const XMLNode& node, const std::string& keptText) {

@@ -20,12 +20,11 @@ std::string filledText(std::string_view pattern, std::initializer_list<std::stri
 }
 
 std::string writeReport(const char* source, std::string& report, const ReportEntry& entry,
-                        std::initializer_list<std::string_view> arguments, std::source_location where) {
+                        std::initializer_list<std::string_view> arguments, int sourceLine) {
     std::string line = filledText(entry.report, arguments);
     report += line;
     if (*entry.log) {
-        debugLog(source, static_cast<int>(where.line()), entry.func, filledText(entry.log, arguments).c_str(),
-                 entry.severity);
+        debugLog(source, sourceLine, entry.func, filledText(entry.log, arguments).c_str(), entry.severity);
     }
     return line;
 }

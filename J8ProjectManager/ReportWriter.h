@@ -2,7 +2,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -26,6 +25,6 @@ std::string filledText(std::string_view pattern, std::initializer_list<std::stri
 // caller's. Gives what was appended.
 std::string writeReport(const char* source, std::string& report, const ReportEntry& entry,
                         std::initializer_list<std::string_view> arguments = {},
-                        std::source_location where = std::source_location::current());
+                        int sourceLine = __builtin_LINE());
 
 }  // namespace zoka

@@ -12,10 +12,10 @@ StepReport StepReport::start(const char* root, const char* action) {
     return report;
 }
 
-StepReport StepReport::add(const char* key, const std::string& text, std::source_location where) const {
+StepReport StepReport::add(const char* key, const std::string& text, int sourceLine) const {
     XMLNode parent = m_node;
     XMLNode step = parent.addChild(key);
-    step.addAttribute("line", std::to_string(where.line()).c_str());
+    step.addAttribute("line", std::to_string(sourceLine).c_str());
     step.addText(text.c_str());
     return StepReport(step);
 }

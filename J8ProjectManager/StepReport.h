@@ -2,7 +2,6 @@
 // and the place in our source that wrote it.
 #pragma once
 
-#include <source_location>
 #include <string>
 
 #include "xml/XMLNode.h"
@@ -21,8 +20,7 @@ public:
     static StepReport start(const char* root, const char* action);
 
     // Adds a step below this element and gives it. The text may be empty.
-    StepReport add(const char* key, const std::string& text = {},
-                   std::source_location where = std::source_location::current()) const;
+    StepReport add(const char* key, const std::string& text = {}, int sourceLine = __builtin_LINE()) const;
     // Adds an element that groups steps.
     StepReport group(const char* key) const;
     // Adds err="none".

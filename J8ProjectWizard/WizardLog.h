@@ -1,7 +1,6 @@
 // The wizard's entries in the debug log. Internal to this folder.
 #pragma once
 
-#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -11,11 +10,11 @@ namespace zoka {
 
 // An error found in the function `func`; `detail`, where there is one, is the path that it is about.
 inline void logWizardError(const char* func, std::string text, std::string_view detail = {},
-                           std::source_location where = std::source_location::current()) {
+                           int sourceLine = __builtin_LINE()) {
     if (!detail.empty()) {
         text.append(": ").append(detail);
     }
-    debugLog("J8ProjectWizard\\J8Wizard", static_cast<int>(where.line()), func, text, 1);
+    debugLog("J8ProjectWizard\\J8Wizard", sourceLine, func, text, 1);
 }
 
 }  // namespace zoka

@@ -231,6 +231,12 @@ TEST_F(ProjectSessionTest, SaveTellsWhatItLosesAndKeepsACopy) {
     EXPECT_EQ(folder.read("game.xml.2.bak"), "<missing>") << "nothing was lost";
 }
 
+TEST_F(ProjectSessionTest, CommentsOutsideOfTheProjectStandOnTheFirstLine) {
+    ASSERT_TRUE(session.open(folder.write("outside.xml", "<!-- first --><Project name='x'/>")));
+    ASSERT_EQ(session.losses().size(), 1u);
+    EXPECT_EQ(session.losses()[0].line, 1);
+}
+
 TEST_F(ProjectSessionTest, ChangesFromOutside) {
     const auto touch = [&] {
         std::string text = folder.read("game.xml");
