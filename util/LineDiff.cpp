@@ -71,9 +71,40 @@ std::string_view body(std::string_view line) {
     return line;
 }
 
+// What all lines of a text end with: "LF", "CR LF", or nothing where they differ or none has an end.
+std::string_view commonLineEnd(std::string_view text) {
+    bool lf = false, crLf = false;
+    for (size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos; ++at) {
+        (at > 0 && text[at - 1] == '\r' ? crLf : lf) = true;
+    }
+    return lf == crLf ? "" : lf ? "LF" : "CR LF";
+}
+
+std::string inLf(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
 }  // namespace
 
+std::string lineEndChange(std::string_view before, std::string_view after) {
+    const std::string_view from = commonLineEnd(before), to = commonLineEnd(after);
+    if (from.empty() || to.empty() || from == to) {
+        return {};
+    }
+    return "line ends change from " + std::string(from) + " to " + std::string(to);
+}
+
 std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view after) {
+    if (!lineEndChange(before, after).empty()) {
+        return lineDifference(inLf(before), inLf(after));
+    }
     const Lines a = linesOf(before), b = linesOf(after);
     size_t head = 0;
     while (head < a.size() && head < b.size() && a[head] == b[head]) {
@@ -159,10 +190,14 @@ std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view a
 std::string unifiedDifference(std::string_view before, std::string_view after, const std::string& oldName,
                               const std::string& newName) {
     const std::vector<DiffHunk> hunks = lineDifference(before, after);
-    if (hunks.empty()) {
-        return {};
+    std::string text = lineEndChange(before, after);
+    if (!text.empty()) {
+        text = newName + ": " + text + "\n";
     }
-    std::string text = "--- " + oldName + "\n+++ " + newName + "\n";
+    if (hunks.empty()) {
+        return text;
+    }
+    text += "--- " + oldName + "\n+++ " + newName + "\n";
     const auto range = [](size_t start, size_t count) {
         return std::to_string(start) + (count == 1 ? "" : "," + std::to_string(count));
     };

@@ -18,12 +18,18 @@ struct DiffHunk {
     std::vector<DiffLine> lines;
 };
 
-// Empty when the texts are equal. Lines that differ in their line end alone are different; the text of such a
-// line then ends with a visible "\r". Where the texts differ in very many lines, all between the first and
+// "line ends change from LF to CR LF", where every line of one text ends otherwise than every line of the other;
+// else empty.
+std::string lineEndChange(std::string_view before, std::string_view after);
+
+// Empty when the texts are equal. Where lineEndChange says so of all lines at once, their ends don't count.
+// Otherwise lines that differ in their line end alone are different; the text of such a line then ends with a
+// visible "\r". Where the texts differ in very many lines, all between the first and
 // the last difference counts as replaced, so that the time stays linear.
 std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view after);
 
-// The hunks in the unified format, lines ended with LF; empty when the texts are equal.
+// The hunks in the unified format, lines ended with LF; empty when the texts are equal. A change of all line ends
+// is a line in front.
 std::string unifiedDifference(std::string_view before, std::string_view after, const std::string& oldName,
                               const std::string& newName);
 
