@@ -69,7 +69,12 @@ std::string shownText(std::string_view text) {
 PromptAnswer ConsolePrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
                                 PromptIcon) {
     const auto choices = choicesOf(buttons);
-    m_out << shownText(title + ": " + text);
+    // A message that needs no answer looks like the tool's own.
+    const bool own = title == "ZOKA";
+    m_out << (choices.empty() ? "zoka: "
+              : own           ? "ZOKA: "
+                              : "")
+          << shownText((own ? "" : title + ": ") + text);
     if (choices.empty()) {
         m_out << std::endl;
         return PromptAnswer::Ok;

@@ -34,7 +34,8 @@ TEST(ConsolePrompt, UnderstandsAnswers) {
         EXPECT_EQ(ConsolePrompt(in, out, false).ask("Save?", "ZOKA", row.buttons, PromptIcon::None),
                   row.answer)
             << row.input;
-        EXPECT_EQ(out.str().substr(0, 11), "ZOKA: Save?");
+        // What needs no answer is the tool's own message.
+        EXPECT_EQ(out.str().substr(0, 11), row.buttons == PromptButtons::Ok ? "zoka: Save?" : "ZOKA: Save?");
     }
     std::istringstream in("no\n");
     std::ostringstream out;
