@@ -16,7 +16,7 @@ namespace zoka::cli {
 
 void setExample(CLI::App& command, const std::string& line) {
     command.footer("Example:\n  " + line +
-                   "\n\nExit codes:\n"
+                   "\n\nEvery command takes --yes, which answers every question with yes.\n\nExit codes:\n"
                    "  0  done\n"
                    "  1  findings: something is wrong with the content\n"
                    "  2  usage: the arguments make no sense, nothing was done\n"

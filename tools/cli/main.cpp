@@ -1,7 +1,14 @@
 // zoka: what the plug-in can do, without a window.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
+#include <numeric>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tools/cli/Cli.h"
 #include "util/ConsolePrompt.h"
@@ -16,6 +23,50 @@ namespace {
 cli::ExitStatus usageError(const std::string& text) {
     cli::complain(text + "\nRun with --help for more information.");
     return cli::ExitStatus::Usage;
+}
+
+// How many letters have to be put in, taken out or changed to make one word the other.
+size_t wordDistance(std::string_view a, std::string_view b) {
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 0; i < a.size(); ++i) {
+        size_t diagonal = std::exchange(row[0], i + 1);
+        for (size_t j = 0; j < b.size(); ++j) {
+            const size_t changed = diagonal + (a[i] != b[j]);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+// What is wrong with the command words of the arguments, in words; empty where they are known. The parser's own
+// words for it name neither the word nor what was meant.
+std::string unknownCommand(const CLI::App& app, std::span<char*> arguments) {
+    constexpr size_t kTypingErrors = 2;
+    const CLI::App* group = &app;
+    for (const std::string_view word : arguments) {
+        const std::vector<const CLI::App*> commands =
+            group->get_subcommands([](const CLI::App*) { return true; });
+        if (word.starts_with('-') || commands.empty()) {
+            continue;
+        }
+        const CLI::App* nearest = nullptr;
+        size_t distance = kTypingErrors + 1;
+        for (const CLI::App* command : commands) {
+            const size_t candidate = wordDistance(word, command->get_name());
+            if (candidate < distance) {
+                distance = candidate;
+                nearest = command;
+            }
+        }
+        if (distance > 0) {
+            return "unknown command " + std::string(word) +
+                   (nearest ? "; did you mean " + nearest->get_name() + "?" : std::string());
+        }
+        group = nearest;
+    }
+    return {};
 }
 
 cli::ExitStatus run(int argc, char** argv) {
@@ -43,7 +94,9 @@ cli::ExitStatus run(int argc, char** argv) {
         std::cout.flush();
         return cli::flushOutput() ? cli::ExitStatus::Done : cli::ExitStatus::Failed;
     } catch (const CLI::ParseError& error) {
-        return usageError(error.what());
+        const std::string unknown =
+            unknownCommand(app, std::span(argv, static_cast<size_t>(argc)).subspan(1));
+        return usageError(unknown.empty() ? error.what() : unknown);
     }
     // Not left to the parser, which would say this of a misspelt command too.
     if (!chosen) {
