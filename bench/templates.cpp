@@ -190,8 +190,7 @@ void benchManagement(const test::TempFolder& folder) {
     folder.write("game/main.kez", main + "\r\n");
     FolderHost host(FolderHost::Folders{folder.path("game"), folder.path(), "templates",
                                         folder.path("game") + "\\main.kez"});
-    NoUpdater updater;
-    ScriptManagerSession session(host, catalogue, {}, updater, userPrompt());
+    ScriptManagerSession session(host, catalogue, {}, userPrompt());
     std::unordered_map<std::string, int> reads;
     double list = 0, dependents = 0;
     int readsBefore = 0;
@@ -200,7 +199,7 @@ void benchManagement(const test::TempFolder& folder) {
             if (op == "readWhole") ++reads[path];
             return false;
         });
-        ScriptUpdate update(host, catalogue, updater, userPrompt());
+        ScriptUpdate update(host, catalogue, userPrompt());
         list = millisecondsOf([&] { update.FillUpdateList(false); });
         if (update.entries().size() != kScripts) std::abort();
         const int most = std::max_element(reads.begin(), reads.end(), [](const auto& a, const auto& b) {

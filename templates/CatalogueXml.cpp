@@ -31,6 +31,13 @@ void readSection(const XMLNode& node, CScriptSection& section) {
     }
 }
 
+// An element without a name needs nothing.
+void takeNeed(CScriptElm& script, std::string_view name) {
+    if (!name.empty()) {
+        script.m_needs.emplace_back(name);
+    }
+}
+
 CScriptElm readScript(const XMLNode& node) {
     CScriptElm script;
     script.m_name = xmlAttribute(node, "name");
@@ -46,7 +53,7 @@ CScriptElm readScript(const XMLNode& node) {
     for (XMLNode child = node.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
         const std::string_view name = child.getName() ? child.getName() : "";
         if (equalNoCase(name, "need")) {
-            script.m_needs.emplace_back(xmlFirstText(child));
+            takeNeed(script, xmlFirstText(child));
         } else if (equalNoCase(name, "section")) {
             readSection(child, script.m_sections.emplace_back());
         } else if (equalNoCase(name, "class") && first(hasClass)) {
@@ -171,10 +178,10 @@ std::string withoutMarkup(std::string_view text) {
             case '&':
                 result += "and";
                 break;
-            case '\0':
-                break;
             default:
-                result += c;
+                if (!isDroppedFromCatalogue(c)) {
+                    result += c;
+                }
         }
     }
     return result;
@@ -288,6 +295,27 @@ bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults
 
 void CTemplateData::AddScript(const XMLNode& node) {
     AddScript(zoka::readScript(node));
+}
+
+std::string_view CTemplateData::version(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::xmlAttribute(*node, "vers")
+                : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_vers);
+}
+
+std::string_view CTemplateData::date(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::xmlAttribute(*node, "date")
+                : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_date);
+}
+
+std::string CTemplateData::engineReqText(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::engineVersion(*node)
+                : std::get<std::shared_ptr<const CScriptElm>>(source)->m_engreq.AsText();
 }
 
 std::string_view CTemplateData::description(size_t record) const {

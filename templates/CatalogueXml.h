@@ -23,9 +23,13 @@ bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults
 // The bytes of the catalogue file, with the line ends "\n". `date` is what stands as its date.
 std::string catalogueText(const CTemplateData& catalogue, const std::string& date);
 
-// Double quotes become single ones, '<' and '>' become '[' and ']', '&' becomes "and". Bytes of value 0,
-// which would end the file for its readers, are dropped.
+// Double quotes become single ones, '<' and '>' become '[' and ']', '&' becomes "and". Control
+// characters that XML can't hold, which would make readers refuse the file, are dropped.
 std::string withoutMarkup(std::string_view text);
+// Whether withoutMarkup would drop the character.
+inline bool isDroppedFromCatalogue(char c) {
+    return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r';
+}
 
 // The text as a file opened in text mode would hold it: each LF as the platform's line end, CR LF on Windows.
 // A CR LF in the text counts as one line end.

@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "templates/ScriptFacts.h"
+#include "util/FileLock.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -13,6 +14,7 @@ namespace zoka {
 namespace {
 
 constexpr std::string_view kKeyword = "include";
+constexpr const char* kNotIncluded = "The main script doesn't include it any more.";
 // A semicolon parts the name's token from what follows.
 constexpr std::string_view kDelims = ";";
 
@@ -113,9 +115,10 @@ long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames) {
     return position;
 }
 
-Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
+Insertion planInsertion(std::string_view text, const std::string& mainScriptPath,
                         std::span<const std::string> scriptPaths, const LocateFile& locate,
                         const std::function<ScriptFacts(const std::string&)>& read) {
+    CLex lexer(text.data(), static_cast<long>(text.size()));
     std::unordered_set<std::string> included;
     Insertion insertion;
     insertion.position =
@@ -124,9 +127,8 @@ Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
         collectNeeds(scriptPaths, std::string(fileNameOf(mainScriptPath)), included, locate, read);
     insertion.names = std::move(needed.names);
     insertion.present = std::move(needed.present);
-    insertion.problem = isUtf16(textOf(lexer))
-                            ? mainScriptPath + " is a UTF-16 file: include lines would damage it."
-                            : describe(needed.refused);
+    insertion.problem = isUtf16(text) ? mainScriptPath + " is a UTF-16 file: include lines would damage it."
+                                      : describe(needed.refused);
     return insertion;
 }
 
@@ -147,17 +149,19 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<con
     if (lexer.getBufSize() == 0) {
         return 0;
     }
-    const Insertion insertion = planInsertion(lexer, mainScriptPath, scriptPaths, locate);
-    if (error) {
-        *error = insertion.problem;
-    }
-    if (insertion.names.empty() || !insertion.problem.empty()) {
+    const std::string before(textOf(lexer));
+    const auto change = [&](std::string_view text, std::string& why) -> std::optional<std::string> {
+        const Insertion insertion = planInsertion(text, mainScriptPath, scriptPaths, locate);
+        why = insertion.problem;
+        return why.empty() ? std::optional(applyInsertion(text, insertion)) : std::nullopt;
+    };
+    std::string ownError;
+    std::string& why = error ? *error : ownError;
+    const std::optional<std::string> after = change(before, why);
+    if (!after || *after == before) {
         return 0;
     }
-    const SafeWriteResult written = safeWrite(mainScriptPath, applyInsertion(textOf(lexer), insertion));
-    if (error) {
-        *error = written.error;
-    }
+    writeMainScript({mainScriptPath, before, *after}, change, why);
     return 1;
 }
 
@@ -196,31 +200,74 @@ std::optional<std::string> withoutIncludes(std::string_view text, std::span<cons
     return result += text.substr(copied);
 }
 
-bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names, std::string* error) {
+bool writeMainScript(const MainScriptPlan& plan, const PlanAgain& again, std::string& error) {
+    error.clear();
+    const FileLock lock(plan.path);
+    if (!lock) {
+        error = lock.error();
+        return false;
+    }
+    const std::optional<std::string> now = osFiles().readWhole(plan.path);
+    if (!now) {
+        error = "Can't read '" + plan.path + "': " + osFiles().lastError();
+        return false;
+    }
+    std::optional<std::string> after = plan.after;
+    if (*now != plan.before) {
+        after = again(*now, error);
+    }
+    if (!after || *after == *now) {
+        return error.empty();
+    }
+    error = safeWrite(plan.path, *after).error;
+    return error.empty();
+}
+
+RemovePlan planRemoval(ZunEditorInterface& host, std::span<const std::string> names) {
+    RemovePlan plan;
+    plan.names.assign(names.begin(), names.end());
     const std::optional<std::string> path = host.GetMainScriptPath();
-    if (!path) {
-        return false;
-    }
-    const std::optional<std::string> text = osFiles().readWhole(*path);
+    const std::optional<std::string> text = path ? osFiles().readWhole(*path) : std::nullopt;
     if (!text) {
-        if (error) {
-            *error = *path + ": " + osFiles().lastError();
+        plan.problem =
+            path ? "Can't read '" + *path + "': " + osFiles().lastError() : "The project has no main script.";
+        return plan;
+    }
+    std::optional<std::string> after = withoutIncludes(*text, names);
+    if (!after) {
+        plan.problem = kNotIncluded;
+        after = *text;
+    }
+    plan.main = {*path, *text, std::move(*after)};
+    return plan;
+}
+
+bool removeIncludes(ZunEditorInterface& host, const RemovePlan& plan, std::string& error) {
+    error = plan.problem;
+    if (!error.empty()) {
+        return false;
+    }
+    const auto again = [&plan](const std::string& text, std::string& why) {
+        std::optional<std::string> after = withoutIncludes(text, plan.names);
+        if (!after) {
+            why = kNotIncluded;
         }
-        return false;
-    }
-    const std::optional<std::string> rest = withoutIncludes(*text, names);
-    if (!rest) {
-        return false;
-    }
-    const SafeWriteResult written = safeWrite(*path, *rest);
-    if (error) {
-        *error = written.error;
-    }
-    if (!written) {
+        return after;
+    };
+    if (!writeMainScript(plan.main, again, error)) {
         return false;
     }
     host.MainScriptChanged();
     return true;
+}
+
+bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names, std::string* error) {
+    std::string why;
+    const bool removed = removeIncludes(host, planRemoval(host, names), why);
+    if (error) {
+        *error = why;
+    }
+    return removed;
 }
 
 bool IsInFolder(const std::string& folder, const std::string& path) {

@@ -3,6 +3,7 @@
 // out stays byte for byte.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -50,9 +51,9 @@ struct Insertion {
     std::vector<std::string> present;  // asked for or needed, but included already
     std::string problem;               // why nothing may be done, in words; else empty
 };
-// What including the scripts at `scriptPaths` means for a main script. Scripts already included are left out,
+// What including the scripts at `scriptPaths` means for a main script that holds `text`. Scripts already included are left out,
 // needs come before the script that needs them; their files are found with `locate`.
-Insertion planInsertion(CLex& lexer, const std::string& mainScriptPath,
+Insertion planInsertion(std::string_view text, const std::string& mainScriptPath,
                         std::span<const std::string> scriptPaths, const LocateFile& locate,
                         const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);
 // The text with the new lines in it.
@@ -66,13 +67,36 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<con
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,
                    const LocateFile& locate = {}, std::string* error = nullptr);
 
+// A change of a main script: its text, and what it will be. Equal texts: nothing is to be written.
+struct MainScriptPlan {
+    std::string path;
+    std::string before;
+    std::string after;
+};
+// Makes the new text of one that is not the planned one; nothing when it can't be done there, with the reason in
+// `error`.
+using PlanAgain = std::function<std::optional<std::string>(const std::string& text, std::string& error)>;
+// Puts the planned text into the file, under the file's lock. Where the file holds another text by now, what
+// `again` makes of that one is put there: of two writers neither loses what the other has just written. False,
+// with the file as it was and the reason in `error`, when it can't be done.
+bool writeMainScript(const MainScriptPlan& plan, const PlanAgain& again, std::string& error);
+
 // The text without the first include line of each name, wherever in the text it stands; nothing when a name has
 // none. A name that is given twice takes two lines. Throws EmptyScriptError for an empty text.
 std::optional<std::string> withoutIncludes(std::string_view text, std::span<const std::string> names);
 
-// Removes the first include line of each name from the host's main script, in one rewrite, and tells the host.
-// False, with nothing changed, when there is no main script, a name has no such line, or the file can't be read or
-// written (`error`, where not null, says why). Throws EmptyScriptError.
+// Which include lines go from the host's main script.
+struct RemovePlan {
+    MainScriptPlan main;
+    std::vector<std::string> names;
+    std::string problem;  // why nothing will be done, in words; else empty
+};
+// The first include line of each name goes, in one rewrite. Throws EmptyScriptError.
+RemovePlan planRemoval(ZunEditorInterface& host, std::span<const std::string> names);
+// Carries the plan out and tells the host. False, with nothing changed and the reason in `error`, when it can't.
+// Throws EmptyScriptError.
+bool removeIncludes(ZunEditorInterface& host, const RemovePlan& plan, std::string& error);
+// Both in one. `error` may be null.
 bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names,
                     std::string* error = nullptr);
 inline bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error = nullptr) {

@@ -6,7 +6,7 @@
 namespace zoka {
 
 bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTemplateData& catalogue,
-                      const std::string& mainScriptPath) {
+                      const std::string& mainScriptPath, JobProgress* progress) {
     text = std::string("Project Manager: ") + kReportVersion + "\r\n";
     text += "Template: " + catalogue.GetName() + "\r\n";
     text += "\tType: " + catalogue.GetType() + "\r\n";
@@ -24,7 +24,11 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
     ScriptFolders folders(host);
     folders.listOnce();
     ScriptFactsReader facts;
-    for (const std::string& name : names) {
+    for (size_t i = 0; i < names.size(); ++i) {
+        const std::string& name = names[i];
+        if (!goOn(progress, i, names.size(), name)) {
+            return false;
+        }
         if (folders.LocateScript(name) == ScriptPlace::NotFound) {
             text += "!";
         }

@@ -5,6 +5,7 @@
 
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/TemplateData.h"
+#include "util/JobProgress.h"
 
 namespace zoka {
 
@@ -14,8 +15,8 @@ inline constexpr const char* kReportVersion = "2.1";
 // Builds the report, lines ended with CR LF. A script that is found nowhere is marked with "!", one that
 // isn't a template with "(USER)", one whose copy differs from the template with the template's version and
 // date. `mainScriptPath` is empty when the project has none; the report then says so and the result is false.
-// Each script file is read once.
+// Each script file is read once. False too, with the report cut there, when `progress` stopped it.
 bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTemplateData& catalogue,
-                      const std::string& mainScriptPath);
+                      const std::string& mainScriptPath, JobProgress* progress = nullptr);
 
 }  // namespace zoka

@@ -1,11 +1,10 @@
 #include "templates/ScriptAdding.h"
 
 #include <algorithm>
-#include <map>
+#include <unordered_map>
 
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
-#include "util/SafeWrite.h"
 
 namespace zoka {
 
@@ -19,8 +18,7 @@ std::string destinationIn(const std::string& folder, const std::string& source) 
 
 // The number of the first copy of the numbered template that exists neither on the disk nor in `taken`
 // (lowered paths); nothing when the name would become too long.
-std::optional<unsigned> freeNumber(const std::string& path,
-                                   const std::unordered_set<std::string>& taken = {}) {
+std::optional<unsigned> freeNumber(const std::string& path, const std::unordered_set<std::string>& taken) {
     for (unsigned number = 0;; ++number) {
         const std::string candidate = numberedCopy(path, number);
         if (candidate.size() > kLongestPath) {
@@ -33,12 +31,19 @@ std::optional<unsigned> freeNumber(const std::string& path,
 }
 
 // The needs of a copy that doesn't exist yet.
-ScriptFacts factsOfCopy(const std::string& source, unsigned number) {
-    ScriptFacts facts = readScriptFacts(source);
+ScriptFacts factsOfCopy(const AddPlan::Copy& copy) {
+    ScriptFacts facts = readScriptFacts(copy.source);
     for (std::string& need : facts.needs) {
-        need = withCopyMark(need, copyMark(number));
+        need = withCopyMark(need, copyMark(*copy.number));
     }
     return facts;
+}
+
+void append(std::string& list, const std::string& item) {
+    if (!list.empty()) {
+        list += ", ";
+    }
+    list += item;
 }
 
 }  // namespace
@@ -48,16 +53,22 @@ std::string AddPlan::summary() const {
         return problem;
     }
     std::string adds, needs, copied, result;
-    const auto append = [](std::string& list, const std::string& item) {
-        if (!list.empty()) {
-            list += ", ";
-        }
-        list += item;
-    };
     for (const Line& line : lines) {
         append(line.asked ? adds : needs, line.name + (line.present ? " (already included)"
                                                        : line.found ? ""
                                                                     : " (not found)"));
+    }
+    if (isIncludedAlready()) {
+        std::string names;
+        size_t asked = 0;
+        for (const Line& line : lines) {
+            if (line.asked) {
+                append(names, line.name);
+                ++asked;
+            }
+        }
+        return asked == 0 ? "nothing: the main script never includes itself"
+                          : names + (asked == 1 ? " is" : " are") + " already included; nothing to add";
     }
     for (const Copy& copy : copies) {
         append(copied, std::string(fileNameOf(copy.source)) + " as " +
@@ -76,119 +87,77 @@ std::string AddPlan::summary() const {
     part("adds ", adds);
     part("needs ", needs);
     part("copies ", copied);
-    return result.empty() ? "nothing: the main script never includes itself" : result;
+    return result;
+}
+
+std::optional<AddPlan::Copy> ScriptAdding::planCopy(const std::string& source, const std::string& folder,
+                                                    const Paths& taken, std::string& problem) {
+    AddPlan::Copy copy{source, destinationIn(folder, source), {}, false};
+    if (copy.destination.size() > kLongestPath) {
+        problem = copy.destination + " is too long a path";
+        return {};
+    }
+    if (!IsNumberedTemplate(copy.destination)) {
+        copy.overwrites = osFiles().exists(copy.destination);
+        return copy;
+    }
+    copy.number = freeNumber(copy.destination, taken);
+    if (!copy.number) {
+        problem = copy.destination + " is too long a path for one more copy";
+        return {};
+    }
+    copy.destination = numberedCopy(copy.destination, *copy.number);
+    return copy;
+}
+
+bool ScriptAdding::makeCopy(const AddPlan::Copy& copy) {
+    if (osFiles().exists(copy.destination)) {
+        if (copy.number) {
+            m_error = copy.destination + " was made by somebody else meanwhile; try again";
+            return false;
+        }
+        m_declined = m_prompt.ask(copy.destination + "\nFile exist! Overwrite?", "ZOKA",
+                                  PromptButtons::OkCancel, PromptIcon::Warning) != PromptAnswer::Ok;
+        if (m_declined) {
+            m_error = copy.destination + " exists and was kept";
+            return false;
+        }
+    }
+    std::vector<std::pair<std::string, std::string>> substitutions;
+    if (copy.number) {
+        substitutions.emplace_back(kCopyMarker, copyMark(*copy.number));
+    }
+    if (!m_host.CopyFileWithSubstitutions(copy.source, copy.destination, substitutions)) {
+        m_error = copy.source + " could not be copied to " + copy.destination;
+        return false;
+    }
+    if (copy.number) {
+        m_copies.push_back(copy.destination);
+    }
+    return true;
 }
 
 bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string& destPath, size_t destSize,
                                       const std::string& destFolder) {
+    m_error.clear();
+    m_declined = false;
     if (!osFiles().exists(sourcePath)) {
         m_error = sourcePath + " does not exist";
         return false;
     }
-    std::string destination = destinationIn(destFolder, sourcePath);
-    if (destination.size() > kLongestPath) {
-        m_error = destination + " is too long a path";
+    const auto copy = planCopy(sourcePath, destFolder, {}, m_error);
+    if (!copy || !makeCopy(*copy)) {
         return false;
     }
-    std::vector<std::pair<std::string, std::string>> substitutions;
-    if (IsNumberedTemplate(destination)) {
-        const std::optional<unsigned> number = freeNumber(destination);
-        if (!number) {
-            m_error = destination + " is too long a path for one more copy";
-            return false;
-        }
-        destination = numberedCopy(destination, *number);
-        substitutions.emplace_back(kCopyMarker, copyMark(*number));
-    } else if (osFiles().exists(destination) &&
-               m_prompt.ask(destination + "\nFile exist! Overwrite?", "ZOKA", PromptButtons::OkCancel,
-                            PromptIcon::Warning) != PromptAnswer::Ok) {
-        m_error = destination + " exists and was kept";
-        return false;
-    }
-    if (!m_host.CopyFileWithSubstitutions(sourcePath, destination, substitutions)) {
-        m_error = sourcePath + " could not be copied to " + destination;
-        return false;
-    }
-    destPath = destination.substr(0, destSize > 0 ? destSize - 1 : 0);
+    destPath = copy->destination.substr(0, destSize > 0 ? destSize - 1 : 0);
     return true;
 }
 
-std::optional<std::string> ScriptAdding::mainScript() {
-    std::optional<std::string> path = m_host.GetMainScriptPath();
-    if (path) {
-        return path;
+void ScriptAdding::deleteCopies() {
+    for (const std::string& copy : m_copies) {
+        osFiles().deleteFile(copy);
     }
-    m_host.CreateMainScript();
-    path = m_host.GetMainScriptPath();
-    if (!path) {
-        m_error = "the project has no main script";
-    }
-    return path;
-}
-
-bool ScriptAdding::copyInto(std::string& path, const std::string& folder) {
-    const std::string source = path;
-    return CopyTemplateScript(source, path, kHostPathSize, folder);
-}
-
-bool ScriptAdding::AddScriptsToProject(std::span<const std::string> scriptPaths) {
-    m_changed = false;
-    m_error.clear();
     m_copies.clear();
-    const std::string folder = m_host.GetProjectFolder();
-    std::optional<std::string> mainPath = mainScript();
-    if (!mainPath) {
-        return false;
-    }
-    if (!IsInFolder(folder, *mainPath) && !copyInto(*mainPath, folder)) {
-        return false;
-    }
-
-    const auto deleteCopies = [this] {
-        for (const std::string& copy : m_copies) {
-            osFiles().deleteFile(copy);
-        }
-        m_copies.clear();
-    };
-    std::vector<std::string> paths(scriptPaths.begin(), scriptPaths.end());
-    for (std::string& path : paths) {
-        if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) {
-            continue;
-        }
-        if (!copyInto(path, folder)) {
-            deleteCopies();
-            return false;
-        }
-        m_copies.push_back(path);
-    }
-    const bool done = insertInto(*mainPath, paths);
-    if (!m_error.empty()) {
-        deleteCopies();
-    }
-    return done;
-}
-
-bool ScriptAdding::insertInto(const std::string& mainPath, const std::vector<std::string>& paths) {
-    const std::optional<std::string> text = osFiles().readWhole(mainPath);
-    if (!text) {
-        m_error = mainPath + ": " + osFiles().lastError();
-        return false;
-    }
-    if (text->empty()) {
-        m_error = mainPath + " is empty: nothing can be included";
-        return true;
-    }
-    CLex lexer(text->data(), static_cast<long>(text->size()));
-    const ScriptFolders folders(m_host);
-    if (InsertIncludes(lexer, mainPath, paths, folders.locator(), &m_error) == 1) {
-        m_changed = m_error.empty();
-        m_host.MainScriptChanged();
-    } else if (!m_error.empty()) {
-        // A need that can't be included, or a file of another kind: nobody would see it otherwise.
-        m_prompt.tell(m_error + "\nFile not added.");
-        return false;
-    }
-    return true;
 }
 
 AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
@@ -196,45 +165,56 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
     const std::string folder = m_host.GetProjectFolder();
     const ScriptFolders folders(m_host);
     const std::optional<std::string> mainPath = m_host.GetMainScriptPath();
-    if (mainPath) {
-        plan.mainScript = *mainPath;
-        plan.before = osFiles().readWhole(*mainPath).value_or("");
-        if (!IsInFolder(folder, *mainPath)) {
-            plan.mainScript = destinationIn(folder, *mainPath);
-            plan.copies.push_back({*mainPath, plan.mainScript, osFiles().exists(plan.mainScript)});
-        }
+    std::optional<std::string> text = mainPath ? osFiles().readWhole(*mainPath) : std::nullopt;
+    if (!text) {
+        plan.problem = mainPath ? "Can't read '" + *mainPath + "': " + osFiles().lastError()
+                                : "The project has no main script.";
+        return plan;
     }
-    std::map<std::string, std::pair<std::string, unsigned>>
-        sources;  // of the copies to be made, with their numbers
-    std::unordered_set<std::string> taken;
-    std::vector<std::string> paths(scriptPaths.begin(), scriptPaths.end());
-    for (std::string& path : paths) {
+    plan.main = {*mainPath, *text, *text};
+    if (text->empty()) {
+        plan.emptyMain = true;
+        plan.problem = *mainPath + " is empty: nothing can be included";
+        return plan;
+    }
+    if (!IsInFolder(folder, *mainPath)) {
+        const auto copy = planCopy(*mainPath, folder, {}, plan.problem);
+        if (!copy) {
+            return plan;
+        }
+        if (copy->number) {
+            plan.main.before = withCopyMark(*text, copyMark(*copy->number));
+        }
+        plan.main.path = copy->destination;
+        plan.copies.push_back(*copy);
+    }
+
+    std::unordered_map<std::string, AddPlan::Copy> sources;  // by the paths of the copies to be made
+    Paths taken;
+    plan.paths.assign(scriptPaths.begin(), scriptPaths.end());
+    for (std::string& path : plan.paths) {
         if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) {
             continue;
         }
-        const std::string source = path;
-        path = destinationIn(folder, source);
-        const std::optional<unsigned> number = freeNumber(path, taken);
-        if (!number) {
-            plan.problem = path + " is too long a path for one more copy";
+        const auto copy = planCopy(path, folder, taken, plan.problem);
+        if (!copy) {
             return plan;
         }
-        path = numberedCopy(path, *number);
+        path = copy->destination;
         taken.insert(lowered(path));
-        sources[path] = {source, *number};
-        plan.copies.push_back({source, path});
+        sources.emplace(path, *copy);
+        plan.copies.push_back(*copy);
     }
     const auto read = [&sources](const std::string& path) {
         const auto copy = sources.find(path);
-        return copy == sources.end() ? readScriptFacts(path)
-                                     : factsOfCopy(copy->second.first, copy->second.second);
+        return copy == sources.end() ? readScriptFacts(path) : factsOfCopy(copy->second);
     };
-    CLex lexer(plan.before.data(), static_cast<long>(plan.before.size()));
-    const Insertion insertion = planInsertion(lexer, plan.mainScript, paths, folders.locator(), read);
+    const Insertion insertion =
+        planInsertion(plan.main.before, plan.main.path, plan.paths, folders.locator(), read);
     plan.problem = insertion.problem;
 
     std::unordered_set<std::string> asked;
-    for (const std::string& path : paths) {
+    for (const std::string& path : plan.paths) {
         asked.insert(lowered(fileNameOf(path)));
     }
     const auto addLines = [&](const std::vector<std::string>& names, bool present) {
@@ -246,10 +226,45 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
     };
     addLines(insertion.names, false);
     addLines(insertion.present, true);
-    // An empty main script stays empty.
-    const bool changes = plan.problem.empty() && !plan.before.empty();
-    plan.after = changes ? applyInsertion(plan.before, insertion) : plan.before;
+    plan.main.after = plan.problem.empty() ? applyInsertion(plan.main.before, insertion) : plan.main.before;
     return plan;
+}
+
+bool ScriptAdding::carryOut(const AddPlan& plan) {
+    m_changed = m_declined = false;
+    m_copies.clear();
+    m_error = plan.problem;
+    if (!m_error.empty()) {
+        return plan.emptyMain;
+    }
+    for (const AddPlan::Copy& copy : plan.copies) {
+        if (!makeCopy(copy)) {
+            deleteCopies();
+            return false;
+        }
+    }
+    if (plan.main.after == plan.main.before) {
+        return true;
+    }
+    const auto again = [&](const std::string& text, std::string& why) -> std::optional<std::string> {
+        const ScriptFolders folders(m_host);
+        const Insertion insertion = planInsertion(text, plan.main.path, plan.paths, folders.locator());
+        why = insertion.problem;
+        return why.empty() ? std::optional(applyInsertion(text, insertion)) : std::nullopt;
+    };
+    m_changed = writeMainScript(plan.main, again, m_error);
+    if (!m_changed) {
+        deleteCopies();
+    }
+    m_host.MainScriptChanged();
+    return true;
+}
+
+bool ScriptAdding::AddScriptsToProject(std::span<const std::string> scriptPaths) {
+    if (!m_host.GetMainScriptPath()) {
+        m_host.CreateMainScript();
+    }
+    return carryOut(plan(scriptPaths));
 }
 
 }  // namespace zoka

@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "customize/NumberedScripts.h"
@@ -14,12 +15,13 @@
 
 namespace zoka {
 
-// What adding would do, told before it is done.
+// What adding will do, made before anything is done; the preview shows it and the deed carries it out.
 struct AddPlan {
     struct Copy {
         std::string source;
         std::string destination;
-        bool overwrites = false;  // the user is asked first
+        std::optional<unsigned> number;  // of a numbered template's copy
+        bool overwrites = false;         // the user is asked first
     };
     struct Line {
         std::string name;
@@ -29,12 +31,15 @@ struct AddPlan {
     };
     std::vector<Copy> copies;
     std::vector<Line> lines;  // in the order of the main script's new lines; those present already last
-    std::string mainScript;   // its path, after copying
-    std::string before;       // its text
-    std::string after;        // equal to `before` when no line goes in
-    std::string problem;      // why nothing will be done, in words; else empty
+    std::vector<std::string> paths;  // of the scripts asked for, a numbered template's being its copy's
+    MainScriptPlan main;             // its path is the one after copying
+    std::string problem;             // why nothing will be done, in words; else empty
+    bool emptyMain = false;          // the problem is that there is no text to include anything in
 
-    // "adds fog.kez; needs weather.kez, noise.kez (already included); copies camera_.kez as camera_2.kez"
+    // Whether there is nothing to do because all that was asked for is included.
+    bool isIncludedAlready() const { return problem.empty() && copies.empty() && main.before == main.after; }
+    // "adds fog.kez; needs weather.kez, noise.kez (already included); copies camera_.kez as camera_2.kez"; or the
+    // problem; or that there is nothing to do.
     std::string summary() const;
 };
 
@@ -50,32 +55,39 @@ public:
     bool CopyTemplateScript(const std::string& sourcePath, std::string& destPath, size_t destSize,
                             const std::string& destFolder);
 
-    // Adds scripts by their full paths, in one rewrite of the main script. True when done, also when nothing
-    // had to change; false when a copy failed or was declined, when a need can't be included or the main
-    // script is UTF-16 (the user is told), or when there is no main script. When the main script is empty,
-    // which it stays, or could not be written, the result is true as the file is whole, and error() tells. The
-    // copies made are deleted again when nothing was included.
+    // What adding the scripts at these full paths means. Changes nothing.
+    AddPlan plan(std::span<const std::string> scriptPaths);
+    // Carries the plan out, in one rewrite of the main script. True when done, also when nothing had to change;
+    // false when the plan has a problem or a copy failed or was declined. When the main script is empty, which it
+    // stays, or could not be written, the result is true as the file is whole, and error() tells. The copies made
+    // are deleted again when nothing was included.
+    bool carryOut(const AddPlan& plan);
+    // Both in one; a project without a main script first has the editor asked to make one.
     bool AddScriptsToProject(std::span<const std::string> scriptPaths);
     bool AddScriptToProject(const std::string& scriptPath) {
         return AddScriptsToProject(std::span(&scriptPath, 1));
     }
-    AddPlan plan(std::span<const std::string> scriptPaths);
 
-    // What the last operation could not do, in words; else empty.
+    // What the last operation could not do, in words; else empty. Nobody has been told yet.
     const std::string& error() const { return m_error; }
+    // Whether the user declined, and hence knows.
+    bool declined() const { return m_declined; }
     // Whether the last operation rewrote the main script.
     bool changed() const { return m_changed; }
     // The numbered copies that the last operation made, with their full paths.
     const std::vector<std::string>& copies() const { return m_copies; }
 
 private:
-    std::optional<std::string> mainScript();
-    bool copyInto(std::string& path, const std::string& folder);
-    bool insertInto(const std::string& mainPath, const std::vector<std::string>& paths);
+    using Paths = std::unordered_set<std::string>;  // lowered
+    static std::optional<AddPlan::Copy> planCopy(const std::string& source, const std::string& folder,
+                                                 const Paths& taken, std::string& problem);
+    bool makeCopy(const AddPlan::Copy& copy);
+    void deleteCopies();
 
     ZunEditorInterface& m_host;
     UserPrompt& m_prompt;
     std::string m_error;
+    bool m_declined = false;
     bool m_changed = false;
     std::vector<std::string> m_copies;
 };

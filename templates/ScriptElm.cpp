@@ -11,9 +11,10 @@ void CEngineReq::SetFromText(const std::string& value) {
     *this = {};
     for (const std::string_view token : zoka::headerTokens(value)) {
         const std::string text(token);
-        std::string& part = zoka::editionCode(text) > 0 ? edition : vers;
-        if (part.empty()) {
-            part = text;
+        if (edition.empty() && zoka::editionCode(text) > 0) {
+            edition = text;
+        } else {
+            vers += (vers.empty() ? "" : " ") + text;
         }
     }
 }

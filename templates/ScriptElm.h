@@ -15,8 +15,8 @@ struct ZOKA_API CEngineReq {
     // "6.1 STD"; one part alone where the other is empty.
     std::string AsText() const;
     // Takes the value of a header line: tokens parted by blanks and commas. The first that names an edition
-    // is the edition, the first other one the version; the rest is left out. "6.1 STD", "pro" and "6.1" are
-    // all fine.
+    // is the edition, all others are the version: "6.1 STD", "pro", "6.1" and "6.1 GOLD" (which names no edition)
+    // are all kept whole.
     void SetFromText(const std::string& value);
 };
 

@@ -10,6 +10,8 @@ namespace zoka {
 
 namespace {
 
+// What an editor may put in front of a UTF-8 text; it belongs to no line.
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kHeaderDelims = ":,;";
 constexpr std::string_view kValueDelims = ",";
 // A value stands behind its keyword, a colon and a blank.
@@ -74,6 +76,9 @@ std::string_view LineTokens::next() {
 ScriptFacts parseScriptFacts(std::string_view text) {
     ScriptFacts facts;
     facts.readable = true;
+    if (text.starts_with(kUtf8Mark)) {
+        text.remove_prefix(kUtf8Mark.size());
+    }
     while (!text.empty()) {
         const size_t length = std::min(text.find('\n'), text.size());
         takeLine(text.substr(0, length), facts);

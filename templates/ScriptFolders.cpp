@@ -1,5 +1,6 @@
 #include "templates/ScriptFolders.h"
 
+#include "customize/NumberedScripts.h"
 #include "util/OsFiles.h"
 
 namespace zoka {
@@ -18,6 +19,15 @@ std::unordered_set<std::string> filesOf(const std::string& folder) {
 
 }  // namespace
 
+std::string placeProblem(const std::string& fileName) {
+    if (fileName.empty()) {
+        return "The catalogue names no file for this script.";
+    }
+    return staysInFolder(fileName)
+               ? fileName + " is neither in the project folder nor in the template folder."
+               : "\"" + fileName + "\" is no file name that stays in the project or template folder.";
+}
+
 ScriptFolders::ScriptFolders(ZunEditorInterface& host)
     : m_project(host.GetProjectFolder()), m_templates(host.TemplatePath("")) {}
 
@@ -29,10 +39,10 @@ void ScriptFolders::listOnce() {
 
 bool ScriptFolders::isFile(const std::string& path, const std::string& fileName,
                            const Listing& listing) const {
-    if (!isPlainFileName(fileName)) {
+    if (!staysInFolder(fileName)) {
         return false;
     }
-    if (m_listed) {
+    if (m_listed && isPlainFileName(fileName)) {
         return listing.contains(lowered(fileName));
     }
     const std::optional<OsEntry> entry = osFiles().search(path);
@@ -60,6 +70,14 @@ bool ScriptFolders::inTemplates(const std::string& fileName) const {
     return isFile(templatePath(fileName), fileName, m_templateFiles);
 }
 
+std::optional<std::string> ScriptFolders::templateOf(const std::string& fileName) const {
+    if (inTemplates(fileName)) {
+        return templatePath(fileName);
+    }
+    const std::string numbered = numberedTemplateOf(fileName);
+    return !numbered.empty() && inTemplates(numbered) ? std::optional(templatePath(numbered)) : std::nullopt;
+}
+
 LocateFile ScriptFolders::locator() const {
     return [this](const std::string& fileName) {
         std::string path;
@@ -71,7 +89,7 @@ LocateFile ScriptFolders::locator() const {
 bool ScriptFolders::DeleteProjectScript(const std::string& fileName) const {
     const std::string path = projectPath(fileName);
     const std::optional<OsEntry> entry =
-        isPlainFileName(fileName) ? osFiles().search(path) : std::optional<OsEntry>();
+        staysInFolder(fileName) ? osFiles().search(path) : std::optional<OsEntry>();
     return entry && !entry->isFolder && osFiles().deleteFile(path);
 }
 
@@ -81,7 +99,7 @@ bool ScriptFolders::ReadVersionAndDate(const std::string& fileName, std::string&
     ScriptFactsReader& facts = reader ? *reader : own;
     static const ScriptFacts kNone;
     const ScriptFacts* found = &kNone;
-    if (isPlainFileName(fileName)) {
+    if (staysInFolder(fileName)) {
         if (!fromTemplate && LocateScript(fileName) == ScriptPlace::Project) {
             found = &facts.of(projectPath(fileName));
         } else {

@@ -1,6 +1,7 @@
 // The two folders that a project's scripts lie in: its own, and the suite's template folder.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_set>
 
@@ -9,10 +10,13 @@
 
 namespace zoka {
 
+// Why a script of that name is not found, in words for the user.
+std::string placeProblem(const std::string& fileName);
+
 enum class ScriptPlace { NotFound = 0, Template = 1, Project = 2 };
 
-// Asks the host for its folders once, when it is made: made anew for each action of the user. Only plain file
-// names are ever looked for, so that no name leads out of the folders.
+// Asks the host for its folders once, when it is made: made anew for each action of the user. Only names that stay in
+// their folder are ever looked for ("fog.kez", ".\fog.kez", "sub\fog.kez"), so that none leads out.
 class ScriptFolders {
 public:
     explicit ScriptFolders(ZunEditorInterface& host);
@@ -29,6 +33,9 @@ public:
     ScriptPlace LocateScript(const std::string& fileName) const;
     ScriptPlace LocateScript(const std::string& fileName, std::string& path) const;
     bool inTemplates(const std::string& fileName) const;
+    // The full path of a script's template: the file of its own name, else the numbered template that it is a
+    // copy of. Nothing when the template folder has neither.
+    std::optional<std::string> templateOf(const std::string& fileName) const;
     // For collectNeeds. The object must outlive it.
     LocateFile locator() const;
 

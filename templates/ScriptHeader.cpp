@@ -260,6 +260,9 @@ private:
 
 CScriptElm parseScriptHeader(std::string_view text, const std::string& filename, std::string& errorText) {
     HeaderParser parser(filename, errorText);
+    if (constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF"; text.starts_with(kUtf8Mark)) {
+        text.remove_prefix(kUtf8Mark.size());  // it belongs to no line
+    }
     while (!text.empty()) {
         const size_t length = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, length);

@@ -12,10 +12,10 @@ namespace {
 
 constexpr const char* kNothingAdded = "<none>";
 
-const char* textOf(PageError::Code code) {
+std::string textOf(PageError::Code code, const std::string& script) {
     return code == PageError::CatalogueNotLoaded
-               ? "The template catalogue can't be loaded (page error 1)."
-               : "The script is not in the template catalogue (page error 2).";
+               ? "The template catalogue can't be loaded."
+               : "The script " + script + " is not in the template catalogue.";
 }
 
 // For an edit field: every line end is CR LF.
@@ -43,15 +43,29 @@ std::string joined(const std::vector<std::string>& items) {
 
 }  // namespace
 
-PageError::PageError(Code code) : std::runtime_error(textOf(code)), m_code(code) {}
+PageError::PageError(Code code, const std::string& script)
+    : std::runtime_error(textOf(code, script)), m_code(code) {}
+
+bool leavesDamagedCatalogue(UserPrompt& prompt, const std::string& path, const XMLResults& results) {
+    std::string text = "The template catalogue can't be read:\n" + path;
+    if (results.line > 0) {
+        text += ", line " + std::to_string(results.line) + ", column " + std::to_string(results.column);
+    }
+    return prompt.ask(
+               text + "\n" + XMLNode::errorText(results.code) +
+                   "\n\nLeave Add Script? Nothing has been changed.\nNo reads the catalogue all the same, "
+                   "which ends the editor, and unsaved work in the level with it.",
+               kManagerTitle, PromptButtons::YesNo, PromptIcon::Error) == PromptAnswer::Yes;
+}
 
 ScriptManagerSession::ScriptManagerSession(ZunEditorInterface& host, CTemplateData& catalogue,
-                                           CatalogueLoader loader, ScriptUpdater& updater, UserPrompt& prompt)
+                                           CatalogueLoader loader, UserPrompt& prompt)
     : m_host(host),
       m_catalogue(catalogue),
       m_loader(std::move(loader)),
       m_prompt(prompt),
-      m_update(host, catalogue, updater, prompt) {}
+      m_update(host, catalogue, prompt),
+      m_included(host, catalogue) {}
 
 void ScriptManagerSession::needCatalogue(JobProgress* progress) {
     if (m_catalogue.IsEmpty() && !m_loader(m_catalogue, progress)) {
@@ -79,51 +93,8 @@ bool ScriptManagerSession::prepareSearch(JobProgress* progress) {
 }
 
 void ScriptManagerSession::refresh() {
-    readIncluded();
+    m_included.read();
     m_updatesListed = false;
-}
-
-std::optional<std::uint32_t> ScriptManagerSession::templateOf(const std::string& fileName) const {
-    if (const auto record = m_catalogue.recordByFilenameNoCase(fileName)) {
-        return record;
-    }
-    const std::string original = numberedTemplateOf(fileName);
-    return original.empty() ? std::nullopt : m_catalogue.recordByFilenameNoCase(original);
-}
-
-void ScriptManagerSession::readIncluded() {
-    m_included.clear();
-    m_byText.clear();
-    m_needers.clear();
-    m_includedRecords.clear();
-    std::vector<std::string> names;
-    if (const auto mainPath = m_host.GetMainScriptPath()) {
-        ReadIncludeList(*mainPath, names);
-    }
-    for (std::string& name : names) {
-        IncludedScript entry{name, name, {}};
-        if (const auto record = templateOf(name)) {
-            entry.script = m_catalogue.script(*record);
-            entry.text = entry.script->DisplayName();
-            // A title stands for one file: where it would mean another, the file name makes it plain.
-            const auto named = m_catalogue.findByName(entry.text);
-            if (!named || !equalNoCase(named->m_filename, name)) {
-                entry.text += " (" + name + ")";
-            }
-            m_includedRecords.insert(*record);
-        }
-        const size_t index = m_included.size();
-        m_byText.try_emplace(entry.text, index);
-        if (entry.script) {
-            for (const std::string& need : entry.script->m_needs) {
-                std::vector<size_t>& needers = m_needers[need];
-                if (needers.empty() || needers.back() != index) {
-                    needers.push_back(index);
-                }
-            }
-        }
-        m_included.push_back(std::move(entry));
-    }
 }
 
 // --- Add
@@ -145,7 +116,11 @@ const std::vector<std::uint32_t>& ScriptManagerSession::search(const std::string
 bool ScriptManagerSession::isIncluded(std::uint32_t record) const {
     // Of records with one file name the include list knows the first.
     const auto first = m_catalogue.recordByFilenameNoCase(m_catalogue.rows()[record].filename);
-    return first && m_includedRecords.contains(*first);
+    return first && m_included.contains(*first);
+}
+
+bool ScriptManagerSession::canAdd(std::uint32_t record) const {
+    return !isIncluded(record) || IsNumberedTemplate(std::string(m_catalogue.rows()[record].filename));
 }
 
 ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
@@ -171,32 +146,25 @@ ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
     return details;
 }
 
-bool ScriptManagerSession::pathsOf(std::span<const std::uint32_t> records,
-                                   std::vector<std::string>& paths) const {
+std::string ScriptManagerSession::pathsOf(std::span<const std::uint32_t> records,
+                                          std::vector<std::string>& paths) const {
     const ScriptFolders folders(m_host);
     for (const std::uint32_t record : records) {
+        const std::string name(m_catalogue.rows()[record].filename);
         std::string path;
-        if (folders.LocateScript(std::string(m_catalogue.rows()[record].filename), path) ==
-            ScriptPlace::NotFound) {
-            return false;
+        if (folders.LocateScript(name, path) == ScriptPlace::NotFound) {
+            return placeProblem(name);
         }
         paths.push_back(std::move(path));
     }
-    return true;
+    return {};
 }
 
 AddPlan ScriptManagerSession::plan(std::span<const std::uint32_t> records) {
     std::vector<std::string> paths;
-    if (pathsOf(records, paths)) {
-        AddPlan plan = ScriptAdding(m_host, m_prompt).plan(paths);
-        if (plan.problem.empty() && plan.before.empty()) {
-            plan.problem = "The main script is empty or can't be read.";
-        }
-        return plan;
-    }
     AddPlan none;
-    none.problem = "The script file is not found.";
-    return none;
+    none.problem = pathsOf(records, paths);
+    return none.problem.empty() ? ScriptAdding(m_host, m_prompt).plan(paths) : none;
 }
 
 bool ScriptManagerSession::add(std::optional<std::uint32_t> record) {
@@ -209,7 +177,8 @@ bool ScriptManagerSession::add(std::span<const std::uint32_t> records) {
     }
     m_status.clear();
     std::vector<std::string> paths;
-    if (!pathsOf(records, paths)) {
+    if (const std::string problem = pathsOf(records, paths); !problem.empty()) {
+        m_status = "Not added: " + problem;
         m_prompt.tell("Can't find script file (1129).\nFile not added.");
         m_lastAdded = kNothingAdded;
         return false;
@@ -217,11 +186,15 @@ bool ScriptManagerSession::add(std::span<const std::uint32_t> records) {
     ScriptAdding adding(m_host, m_prompt);
     const bool added = adding.AddScriptsToProject(paths) && adding.error().empty();
     m_lastAdded = added ? std::string(m_catalogue.rows()[records.back()].displayName()) : kNothingAdded;
-    if (!added) {
-        m_status = "Not added: " + adding.error();
+    if (added) {
+        m_status = adding.changed()
+                       ? "Added: " + m_lastAdded
+                       : std::string(fileNameOf(paths.back())) + " is already included; nothing to add";
     } else {
-        m_status = adding.changed() ? "Added: " + m_lastAdded
-                                    : "Nothing to add: " + m_lastAdded + " is included already";
+        m_status = "Not added: " + adding.error();
+        if (!adding.declined()) {
+            m_prompt.tell("Not added:\n" + adding.error());
+        }
     }
     refresh();
     return added;
@@ -229,56 +202,42 @@ bool ScriptManagerSession::add(std::span<const std::uint32_t> records) {
 
 // --- Remove
 
-std::vector<size_t> ScriptManagerSession::dependentsOf(const std::string& fileName,
-                                                       const IncludedScript* self) const {
-    std::vector<size_t> dependents;
-    const auto found = m_needers.find(fileName);
-    if (found == m_needers.end()) {
-        return dependents;
-    }
-    for (const size_t index : found->second) {
-        if (!self || m_included[index].text != self->text) {
-            dependents.push_back(index);
-        }
-    }
-    return dependents;
-}
-
 bool ScriptManagerSession::FindDependents(const std::string& title, std::vector<std::string>& titles) {
     titles.clear();
     const bool loaded = !m_catalogue.IsEmpty();
     needCatalogue(nullptr);
     if (!loaded) {
-        readIncluded();
+        m_included.read();
     }
-    const auto entry = m_byText.find(title);
-    const IncludedScript* const self = entry == m_byText.end() ? nullptr : &m_included[entry->second];
+    const IncludedScript* const self = m_included.byText(title);
     std::string fileName;
     if (self && self->script) {
         // A copy has a name of its own; else the catalogue's spelling counts.
         fileName =
             equalNoCase(self->script->m_filename, self->fileName) ? self->script->m_filename : self->fileName;
     } else if (!m_catalogue.GetScriptFilename(fileName, title, false)) {
-        throw PageError(PageError::ScriptNotInCatalogue);
+        throw PageError(PageError::ScriptNotInCatalogue, title);
     }
-    for (const size_t index : dependentsOf(fileName, self)) {
-        titles.push_back(m_included[index].text);
+    for (const size_t index : m_included.dependents(fileName, self)) {
+        titles.push_back(included()[index].text);
     }
     return !titles.empty();
 }
 
-std::vector<size_t> ScriptManagerSession::dependents(size_t index) const {
-    const IncludedScript& entry = m_included[index];
-    const bool own = entry.script && equalNoCase(entry.script->m_filename, entry.fileName);
-    return dependentsOf(own ? entry.script->m_filename : entry.fileName, &entry);
-}
-
 std::string ScriptManagerSession::neededBy(size_t index) const {
     std::vector<std::string> titles;
-    for (const size_t dependent : dependents(index)) {
-        titles.push_back(m_included[dependent].text);
+    for (const size_t dependent : m_included.dependents(index)) {
+        titles.push_back(included()[dependent].text);
     }
-    return titles.empty() ? std::string() : "needed by " + joined(titles);
+    return joined(titles);
+}
+
+std::string ScriptManagerSession::removalProblem(size_t index) const {
+    if (!included()[index].script) {
+        return "Not a template script: delete its include line from the main script yourself.";
+    }
+    const std::string needed = neededBy(index);
+    return needed.empty() ? std::string() : "Can't be removed yet: needed by " + needed;
 }
 
 void ScriptManagerSession::refuseRemoval(const std::vector<std::string>& dependents) {
@@ -290,11 +249,11 @@ void ScriptManagerSession::refuseRemoval(const std::vector<std::string>& depende
 }
 
 bool ScriptManagerSession::remove(int index) {
-    if (index < 0 || static_cast<size_t>(index) >= m_included.size()) {
+    if (index < 0 || static_cast<size_t>(index) >= included().size()) {
         return false;
     }
     m_status.clear();
-    const IncludedScript entry = m_included[static_cast<size_t>(index)];
+    const IncludedScript entry = included()[static_cast<size_t>(index)];
     bool removed = false;
     try {
         std::vector<std::string> titles;
@@ -304,13 +263,14 @@ bool ScriptManagerSession::remove(int index) {
         }
         std::string error;
         removed = RemoveInclude(m_host, entry.fileName, &error);
-        m_status = removed         ? "Removed: " + entry.text
-                   : error.empty() ? "Not removed: the main script doesn't include it any more"
-                                   : "Not removed: " + error;
+        m_status = removed ? "Removed: " + entry.text : "Not removed: " + error;
+        if (!removed) {
+            m_prompt.tell("Not removed:\n" + error);
+        }
     } catch (const PageError& error) {
         m_prompt.tell(error.what());
     } catch (const EmptyScriptError& error) {
-        m_status = std::string("Not removed: ") + error.what();
+        m_prompt.tell(std::string("Not removed:\n") + error.what());
     }
     refresh();
     return removed;
@@ -319,7 +279,7 @@ bool ScriptManagerSession::remove(int index) {
 std::optional<std::string> ScriptManagerSession::pathOf(size_t index) const {
     std::string path;
     const ScriptFolders folders(m_host);
-    if (folders.LocateScript(m_included[index].fileName, path) == ScriptPlace::NotFound) {
+    if (folders.LocateScript(included()[index].fileName, path) == ScriptPlace::NotFound) {
         return {};
     }
     return path;
@@ -327,11 +287,11 @@ std::optional<std::string> ScriptManagerSession::pathOf(size_t index) const {
 
 // --- Notes
 
-std::string ScriptManagerSession::notes() {
+std::string ScriptManagerSession::notes(JobProgress* progress) {
     std::string text = std::string("Project Manager: ") + kReportVersion + "\r\n";
     try {
         needCatalogue(nullptr);
-        BuildNotesReport(text, m_host, m_catalogue, m_host.GetMainScriptPath().value_or(""));
+        BuildNotesReport(text, m_host, m_catalogue, m_host.GetMainScriptPath().value_or(""), progress);
     } catch (const PageError& error) {
         m_prompt.tell(error.what());
     }
@@ -348,25 +308,27 @@ const std::vector<UpdateEntry>& ScriptManagerSession::updates() {
     return m_update.entries();
 }
 
-std::vector<DiffHunk> ScriptManagerSession::difference(size_t index) {
-    const ScriptFolders folders(m_host);
-    const std::string& name = updates()[index].fileName;
-    if (folders.LocateScript(name) != ScriptPlace::Project || !folders.inTemplates(name)) {
-        return {};
-    }
-    return lineDifference(osFiles().readWhole(folders.projectPath(name)).value_or(""),
-                          osFiles().readWhole(folders.templatePath(name)).value_or(""));
+UpdatePlan ScriptManagerSession::updatePlan(size_t index) {
+    return m_update.plan({updates()[index]});
 }
 
-void ScriptManagerSession::tellUpdated() {
-    m_status = m_update.updated().empty() ? "" : "Updated: " + joined(m_update.updated());
-    if (!m_update.included().empty()) {
-        m_status += (m_status.empty() ? "" : "; ") + ("Included: " + joined(m_update.included()));
-    }
+void ScriptManagerSession::tellUpdated(bool ran) {
+    m_status.clear();
+    const auto tell = [this](const char* what, const std::vector<std::string>& names) {
+        if (!names.empty()) {
+            m_status += (m_status.empty() ? "" : "; ") + (what + joined(names));
+        }
+    };
+    tell("Updated: ", m_update.updated());
+    tell("Included: ", m_update.included());
+    tell("Left as they are: ", m_update.leftAlone());
     if (!m_update.unplaced().empty()) {
         m_status += "; some values found no place";
     }
-    readIncluded();
+    if (ran && m_status.empty() && m_update.problems().empty()) {
+        m_status = "Nothing had to be changed";
+    }
+    m_included.read();
 }
 
 void ScriptManagerSession::updateSelected(int index) {
@@ -386,18 +348,19 @@ void ScriptManagerSession::updateAll(JobProgress* progress) {
     updateListed(progress);
 }
 
-void ScriptManagerSession::updateListed(JobProgress* progress) {
-    updates();
-    m_update.UpdateAll(progress);
+bool ScriptManagerSession::updateListed(JobProgress* progress) {
+    const bool any = !updates().empty();
+    const bool agreed = m_update.UpdateAll(progress);
     m_update.FillUpdateList(false);
-    tellUpdated();
+    tellUpdated(any && agreed);
+    return agreed;
 }
 
 std::vector<std::string> ScriptManagerSession::restorable() const {
     ScriptFolders folders(m_host);
     folders.listOnce();
     std::vector<std::string> names;
-    for (const IncludedScript& entry : m_included) {
+    for (const IncludedScript& entry : included()) {
         if (entry.script && folders.LocateScript(entry.fileName) == ScriptPlace::Template) {
             names.push_back(entry.fileName);
         }

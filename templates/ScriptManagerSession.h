@@ -14,13 +14,15 @@
 #include <vector>
 
 #include "plugin/host/ZunEditorInterface.h"
+#include "templates/IncludedScripts.h"
 #include "templates/ScriptAdding.h"
+#include "templates/ScriptRestore.h"
 #include "templates/ScriptSearch.h"
 #include "templates/ScriptUpdate.h"
 #include "templates/TemplateData.h"
 #include "util/JobProgress.h"
-#include "util/LineDiff.h"
 #include "util/UserPrompt.h"
+#include "xml/XMLNode.h"
 
 namespace zoka {
 
@@ -32,20 +34,17 @@ inline constexpr const char* kManagerPages[] = {"Add", "Customize", "Remove", "N
 class PageError : public std::runtime_error {
 public:
     enum Code { CatalogueNotLoaded = 1, ScriptNotInCatalogue = 2 };
-    explicit PageError(Code code);
+    // `script` is the one that is not in the catalogue.
+    explicit PageError(Code code, const std::string& script = {});
     Code code() const { return m_code; }
 
 private:
     Code m_code;
 };
 
-// A script of the include block, as the remove and customize pages list it.
-struct IncludedScript {
-    std::string text;  // the title; of a numbered copy with its file name; a script that is no template: its
-                       // file name
-    std::string fileName;
-    std::optional<CScriptElm> script;  // as the catalogue has it; of a numbered copy its template
-};
+// Says what is wrong with a catalogue that can't be loaded, and offers to leave it alone: whoever loads it all the
+// same has the process ended. True when the user wants to leave, which is what Enter answers.
+bool leavesDamagedCatalogue(UserPrompt& prompt, const std::string& path, const XMLResults& results);
 
 // What the add page shows of the selected script.
 struct ScriptDetails {
@@ -61,7 +60,7 @@ public:
     using CatalogueLoader = std::function<bool(CTemplateData& catalogue, JobProgress* progress)>;
     // None of the references is owned; all outlive the session. `catalogue` is loaded when it is empty.
     ScriptManagerSession(ZunEditorInterface& host, CTemplateData& catalogue, CatalogueLoader loader,
-                         ScriptUpdater& updater, UserPrompt& prompt);
+                         UserPrompt& prompt);
 
     // Loads the catalogue if need be and reads the include block. False when the catalogue can't be loaded
     // (the user has been told) or `progress` stopped it.
@@ -82,6 +81,8 @@ public:
     const std::vector<std::uint32_t>& search(const std::string& className, const std::string& query);
     // Whether the script, or a copy of it, is included.
     bool isIncluded(std::uint32_t record) const;
+    // Whether adding it would change anything: a numbered template always makes one more copy.
+    bool canAdd(std::uint32_t record) const;
     ScriptDetails details(std::uint32_t record) const;
     // What the button would do, before it is pressed.
     AddPlan plan(std::span<const std::uint32_t> records);
@@ -93,14 +94,15 @@ public:
     const std::string& lastAdded() const { return m_lastAdded; }
 
     // --- Remove, Customize
-    const std::vector<IncludedScript>& included() const { return m_included; }
+    const std::vector<IncludedScript>& included() const { return m_included.all(); }
+    const IncludedScripts& includedScripts() const { return m_included; }
     // Whether an included script needs the one of that title, which is an entry's text or a catalogue title;
     // `titles` is set to their entries' texts. Throws PageError.
     bool FindDependents(const std::string& title, std::vector<std::string>& titles);
-    // The entries that need that one.
-    std::vector<size_t> dependents(size_t index) const;
-    // "needed by Fog, Rain"; empty when nobody needs it.
+    // "Fog, Rain": the entries that need that one; empty when nobody does.
     std::string neededBy(size_t index) const;
+    // Why the button can't remove that entry, in words; empty when it can.
+    std::string removalProblem(size_t index) const;
     // The button; -1: nothing happens. True when the script's include line was removed.
     bool remove(int index);
     // Tells the user which scripts, by their entries' texts, stand in the way.
@@ -109,19 +111,21 @@ public:
     std::optional<std::string> pathOf(size_t index) const;
 
     // --- Notes
-    // Read-only text, lines ended with CR LF.
-    std::string notes();
+    // Read-only text, lines ended with CR LF. `progress` may stop it; the text then ends where it was.
+    std::string notes(JobProgress* progress = nullptr);
 
     // --- Update
     const std::vector<UpdateEntry>& updates();
-    // The difference between the project's copy and the template's of an entry; empty when there is none.
-    std::vector<DiffHunk> difference(size_t index);
+    // What the update page says when updates() is empty.
+    std::string nothingListedText() const { return m_update.nothingListedText(); }
+    // What updating an entry will do.
+    UpdatePlan updatePlan(size_t index);
     // The buttons.
     void updateSelected(int index);
     void updateEntries(const std::vector<UpdateEntry>& entries);  // some of updates()
     void updateAll(JobProgress* progress = nullptr);              // every script of the project folder
-    // Only those that updates() lists.
-    void updateListed(JobProgress* progress = nullptr);
+    // Only those that updates() lists. False when the user declined.
+    bool updateListed(JobProgress* progress = nullptr);
     // Included template scripts with no copy in the project folder but one in the template folder.
     std::vector<std::string> restorable() const;
     bool restore(const std::string& fileName);
@@ -129,11 +133,9 @@ public:
 
 private:
     void needCatalogue(JobProgress* progress);
-    void readIncluded();
-    std::optional<std::uint32_t> templateOf(const std::string& fileName) const;
-    std::vector<size_t> dependentsOf(const std::string& fileName, const IncludedScript* self) const;
-    bool pathsOf(std::span<const std::uint32_t> records, std::vector<std::string>& paths) const;
-    void tellUpdated();
+    // Empty when all are found; else why one isn't, in words.
+    std::string pathsOf(std::span<const std::uint32_t> records, std::vector<std::string>& paths) const;
+    void tellUpdated(bool ran = true);
 
     ZunEditorInterface& m_host;
     CTemplateData& m_catalogue;
@@ -142,10 +144,7 @@ private:
     ScriptUpdate m_update;
     bool m_updatesListed = false;
     std::unique_ptr<ScriptSearch> m_search;
-    std::vector<IncludedScript> m_included;
-    std::unordered_map<std::string, size_t> m_byText;                // the first entry of that text
-    std::unordered_map<std::string, std::vector<size_t>> m_needers;  // file name -> entries that need it
-    std::unordered_set<std::uint32_t> m_includedRecords;
+    IncludedScripts m_included;
     std::string m_lastAdded = "<none>";
     std::string m_status;
 };

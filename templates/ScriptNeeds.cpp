@@ -12,7 +12,7 @@ namespace {
 constexpr size_t kLongestName = 255;
 constexpr std::string_view kNotInFileNames = ":/\\*?\"|";
 constexpr std::string_view kNotInIncludes = " ;<>";
-constexpr const char* kDevices[] = {"con", "prn", "aux", "nul"};
+constexpr const char* kDevices[] = {"con", "prn", "aux", "nul", "conin$", "conout$", "clock$"};
 
 // A script on the way down through the needs.
 struct Level {
@@ -48,7 +48,8 @@ std::string lowered(std::string_view text) {
 }
 
 bool isPlainFileName(std::string_view name) {
-    if (name.empty() || name.size() > kLongestName || name == "." || name == ".." || isDeviceName(name)) {
+    if (name.empty() || name.size() > kLongestName || name.ends_with('.') || name.ends_with(' ') ||
+        isDeviceName(name)) {
         return false;
     }
     return std::none_of(name.begin(), name.end(), [](char c) {
@@ -56,8 +57,22 @@ bool isPlainFileName(std::string_view name) {
     });
 }
 
+bool staysInFolder(std::string_view name) {
+    for (;;) {
+        const size_t length = std::min(name.find_first_of("\\/"), name.size());
+        const std::string_view part = name.substr(0, length);
+        if (length == name.size()) {
+            return isPlainFileName(part);
+        }
+        if (part != "." && !isPlainFileName(part)) {
+            return false;
+        }
+        name.remove_prefix(length + 1);
+    }
+}
+
 bool isIncludableName(std::string_view name) {
-    return isPlainFileName(name) && name.find_first_of(kNotInIncludes) == std::string_view::npos;
+    return staysInFolder(name) && name.find_first_of(kNotInIncludes) == std::string_view::npos;
 }
 
 std::string describe(std::span<const RefusedNeed> refused) {
@@ -82,15 +97,16 @@ NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::
     seen.insert(lowered(mainScriptName));
     std::unordered_set<std::string> listed;
     std::vector<Level> way;
+    const auto open = [&](const std::string& name, const std::string& path) {
+        way.push_back({name, path.empty() ? std::vector<std::string>() : read(path).needs, 0});
+    };
     const auto enter = [&](const std::string& name, const std::string& path) {
         const std::string key = lowered(name);
-        if (!seen.insert(key).second) {
-            if (included.contains(key) && listed.insert(key).second) {
-                result.present.push_back(name);
-            }
-            return;
+        if (seen.insert(key).second) {
+            open(name, path);
+        } else if (included.contains(key) && listed.insert(key).second) {
+            result.present.push_back(name);
         }
-        way.push_back({name, path.empty() ? std::vector<std::string>() : read(path).needs, 0});
     };
     for (const std::string& path : scriptPaths) {
         const std::string_view name = fileNameOf(path);
@@ -98,11 +114,17 @@ NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::
             result.refused.push_back({std::string(name), std::string(name)});
             continue;
         }
+        const std::string key = lowered(name);
         enter(std::string(name), path);
+        if (included.contains(key) && key != lowered(fileNameOf(mainScriptName))) {
+            open(std::string(name), path);  // of one that is there already the needs may be missing
+        }
         while (!way.empty()) {
             Level& level = way.back();
             if (level.next == level.needs.size()) {
-                result.names.push_back(std::move(level.name));
+                if (!included.contains(lowered(level.name))) {
+                    result.names.push_back(std::move(level.name));
+                }
                 way.pop_back();
                 continue;
             }

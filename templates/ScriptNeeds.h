@@ -20,11 +20,13 @@ int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names);
 std::string lowered(std::string_view text);
 
 // Whether it names a file in a folder and nothing outside it: no separator, drive, wildcard or control
-// character, not "." or "..", no device such as "con" (which might wait for a key when it is read), at most
-// 255 bytes.
+// character, not "." or "..", no dot or blank at its end (which the system leaves out, so that it means another
+// file), no device such as "con" (which might wait for a key when it is read), at most 255 bytes.
 bool isPlainFileName(std::string_view name);
-// Whether a name can stand between the brackets of an include line and be found again there: a plain file
-// name without blanks, brackets and semicolons.
+// Whether it names a file in a folder or in a folder below it: plain names and "." parted by separators.
+bool staysInFolder(std::string_view name);
+// Whether a name can stand between the brackets of an include line and be found again there: one that stays in
+// its folder, without blanks, brackets and semicolons.
 bool isIncludableName(std::string_view name);
 
 // A name that a needs line holds but that can't be included.
@@ -47,7 +49,7 @@ using LocateFile = std::function<std::string(const std::string& fileName)>;
 
 // The scripts that have to be included for those at `scriptPaths`: each one's needs first, with their own
 // needs before them, then the script itself. Nothing comes twice, nothing of `included` (lowered names)
-// comes, and those aren't looked into either; nor does the main script, which never includes itself. Needs
+// comes, and of those only the ones asked for are looked into, as their needs may be missing; nor does the main script, which never includes itself. Needs
 // that form a circle are each taken once. A need that isn't found is taken by its name alone. Each file is
 // read once; a depth of any size is fine.
 NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::string& mainScriptName,

@@ -1,13 +1,67 @@
 #include "templates/ScriptUpdate.h"
 
-#include "templates/IncludeList.h"
+#include <algorithm>
+#include <map>
+#include <optional>
+
+#include "customize/NumberedScripts.h"
+#include "templates/IncludedScripts.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
 namespace zoka {
 
+namespace {
+
+// The project's copy of a script beside its template.
+struct Copies {
+    ScriptFacts own, original;  // "-1" for what can't be read
+    bool equal = false;         // byte for byte, a numbered copy with its number
+
+    bool sameVersion() const { return own.version == original.version && own.date == original.date; }
+};
+
+Copies compare(const ScriptFolders& folders, const std::string& fileName) {
+    Copies copies;
+    const std::string path = folders.projectPath(fileName);
+    const std::optional<std::string> own = osFiles().readWhole(path);
+    const std::optional<std::string> templatePath = folders.templateOf(fileName);
+    const std::optional<std::string> original =
+        templatePath ? templateTextFor(path, *templatePath) : std::nullopt;
+    if (own) {
+        copies.own = parseScriptFacts(*own);
+    }
+    if (original) {
+        copies.original = parseScriptFacts(*original);
+    }
+    copies.equal = own && original && *own == *original;
+    return copies;
+}
+
+std::string joined(const std::vector<std::string>& items) {
+    std::string text;
+    for (const std::string& item : items) {
+        text += (text.empty() ? "" : ", ") + item;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::vector<OwnLines> UpdatePlan::ownLines() const {
+    std::vector<OwnLines> own;
+    for (const Script& script : scripts) {
+        if (script.change.ownLines > 0) {
+            own.push_back({script.fileName, script.change.ownLines});
+        }
+    }
+    return own;
+}
+
 int ScriptUpdate::FillUpdateList(bool showAll) {
     m_entries.clear();
+    m_differing.clear();
+    m_ownScripts = false;
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
         ReadIncludeList(*mainPath, names);
@@ -19,38 +73,47 @@ int ScriptUpdate::FillUpdateList(bool showAll) {
 
     ScriptFolders folders(m_host);
     folders.listOnce();
-    ScriptFactsReader facts;
+    std::map<std::string, Copies> compared;  // by lowered names: one may be included twice
     for (const std::string& name : names) {
-        const std::optional<CScriptElm> script = m_catalogue.findByFilenameNoCase(name);
-        if (!script) {
+        const auto record = templateRecordOf(m_catalogue, name);
+        if (!record) {
+            m_ownScripts = true;
             continue;
         }
-        addEntryOfNeeds(*script, name, included);
+        const CScriptElm script = m_catalogue.script(*record);
+        const bool isCopy = !equalNoCase(script.m_filename, name);
+        const std::string title = isCopy ? script.DisplayName() + " (" + name + ")" : script.m_name;
+        addEntryOfNeeds(script, title, name, included);
         if (folders.LocateScript(name) != ScriptPlace::Project) {
             continue;
         }
         if (showAll) {
-            m_entries.push_back({script->m_name, name, {}});
+            m_entries.push_back({title, name, {}});
             continue;
         }
-        std::string version, date, templateVersion, templateDate;
-        folders.ReadVersionAndDate(name, version, date, false, &facts);
-        folders.ReadVersionAndDate(name, templateVersion, templateDate, true, &facts);
-        if (version == templateVersion && date == templateDate) {
-            continue;
+        const auto [found, isNew] = compared.try_emplace(lowered(name));
+        if (isNew) {
+            found->second = compare(folders, name);
         }
-        m_entries.push_back({script->m_name + "--[Local ver: " + version + " date: " + date +
-                                 " --> Template ver: " + templateVersion + " date: " + templateDate + "]\n",
-                             name,
-                             {}});
+        const auto& [own, original, equal] = found->second;
+        if (!found->second.sameVersion()) {
+            m_entries.push_back({title + "--[Local ver: " + own.version + " date: " + own.date +
+                                     " --> Template ver: " + original.version + " date: " + original.date +
+                                     "]\n",
+                                 name,
+                                 {}});
+        } else if (!equal && isNew) {
+            m_differing.push_back(name);
+        }
     }
     return 1;
 }
 
-void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& fileName,
+void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& title,
+                                   const std::string& fileName,
                                    const std::unordered_set<std::string>& included) {
-    UpdateEntry entry{script.m_name + "--Is missing the following Needs:", fileName, {}};
-    for (const std::string& need : script.m_needs) {
+    UpdateEntry entry{title + "--Is missing the following Needs:", fileName, {}};
+    for (const std::string& need : needsOf(script, fileName)) {
         if (included.contains(lowered(need))) {
             continue;
         }
@@ -62,32 +125,103 @@ void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& 
     }
 }
 
+std::string ScriptUpdate::nothingListedText() const {
+    if (!m_differing.empty()) {
+        return "Versions and dates are the template folder's, but these scripts have other lines or "
+               "values: " +
+               joined(m_differing);
+    }
+    return m_ownScripts ? "Every template script in the project folder is as the template folder has it."
+                        : "Every script in the project folder is as the template folder has it.";
+}
+
+UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgress* progress,
+                              bool* stopped) const {
+    UpdatePlan plan;
+    ScriptFolders folders(m_host);
+    folders.listOnce();
+    std::unordered_set<std::string> done;
+    for (size_t i = 0; i < entries.size(); ++i) {
+        const std::string& fileName = entries[i].fileName;
+        for (const std::string& need : entries[i].missingNeeds) {
+            std::string path = need;
+            folders.LocateScript(need, path);
+            plan.needs.push_back(std::move(path));
+        }
+        // Comparing is the first half of the work.
+        if (!goOn(progress, i, 2 * entries.size(), fileName)) {
+            if (stopped) {
+                *stopped = true;
+            }
+            return plan;
+        }
+        std::string path, why;
+        const ScriptPlace place = folders.LocateScript(fileName, path);
+        // One that is used from the template folder is its own template.
+        if (place == ScriptPlace::Template || !done.insert(lowered(fileName)).second) {
+            continue;
+        }
+        const std::optional<std::string> original = folders.templateOf(fileName);
+        if (place == ScriptPlace::NotFound) {
+            plan.problems.push_back(fileName + ": the script is not found");
+        } else if (!original) {
+            plan.problems.push_back(fileName + ": the template folder has no such script");
+        } else if (auto change = planValueUpdate(path, *original, why); !change) {
+            plan.problems.push_back(fileName + ": " + why);
+        } else if (change->before == change->after) {
+            plan.unchanged.push_back(fileName);
+        } else {
+            plan.scripts.push_back({fileName, std::move(*change)});
+        }
+    }
+    if (plan.needs.empty()) {
+        return plan;
+    }
+    const std::optional<std::string> mainPath = m_host.GetMainScriptPath();
+    const std::optional<std::string> text = mainPath ? osFiles().readWhole(*mainPath) : std::nullopt;
+    if (!text) {
+        plan.problems.push_back(mainPath ? "Can't read '" + *mainPath + "': " + osFiles().lastError()
+                                         : "The project has no main script.");
+        return plan;
+    }
+    Insertion insertion = planInsertion(*text, *mainPath, plan.needs, folders.locator());
+    plan.main = {*mainPath, *text, *text};
+    if (!insertion.problem.empty()) {
+        plan.problems.push_back(insertion.problem);
+    } else {
+        plan.main.after = applyInsertion(*text, insertion);
+        plan.included = std::move(insertion.names);
+    }
+    return plan;
+}
+
 void ScriptUpdate::forgetLastRun() {
     m_problems.clear();
     m_updated.clear();
     m_included.clear();
+    m_leftAlone.clear();
     m_unplaced.clear();
 }
 
-void ScriptUpdate::UpdateAll(JobProgress* progress) {
+bool ScriptUpdate::UpdateAll(JobProgress* progress) {
     forgetLastRun();
     if (m_entries.empty()) {
         m_prompt.ask("Everything Up-to-Date.", "Can't Update", PromptButtons::Ok, PromptIcon::Information);
-        return;
+        return true;
     }
     if (m_prompt.ask("Update All Scripts Listed?", "ZOKA", PromptButtons::YesNo, PromptIcon::None) !=
         PromptAnswer::Yes) {
-        return;
+        return false;
     }
     update(m_entries, progress);
+    return true;
 }
 
 void ScriptUpdate::UpdateSelected(int index) {
     forgetLastRun();
-    if (index < 0 || static_cast<size_t>(index) >= m_entries.size()) {
-        return;
+    if (index >= 0 && static_cast<size_t>(index) < m_entries.size()) {
+        update({m_entries[static_cast<size_t>(index)]}, nullptr);
     }
-    update({m_entries[static_cast<size_t>(index)]}, nullptr);
 }
 
 void ScriptUpdate::UpdateEntries(const std::vector<UpdateEntry>& entries) {
@@ -96,31 +230,11 @@ void ScriptUpdate::UpdateEntries(const std::vector<UpdateEntry>& entries) {
 }
 
 void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* progress) {
-    includeMissing(entries);
-    ScriptFolders folders(m_host);
-    folders.listOnce();
-    std::unordered_set<std::string> done;
-    for (size_t i = 0; i < entries.size(); ++i) {
-        const std::string& fileName = entries[i].fileName;
-        if (!goOn(progress, i, entries.size(), fileName)) {
-            break;
-        }
-        std::string path;
-        const ScriptPlace place = folders.LocateScript(fileName, path);
-        // One that is used from the template folder is its own template.
-        if (place == ScriptPlace::Template || !done.insert(lowered(fileName)).second) {
-            continue;
-        }
-        std::string why;
-        if (place == ScriptPlace::NotFound) {
-            m_problems.push_back(fileName + ": the script is not found");
-        } else if (!folders.inTemplates(fileName)) {
-            m_problems.push_back(fileName + ": the template folder has no such script");
-        } else if (m_updater.update(path, folders.templatePath(fileName), why)) {
-            noteUpdated(fileName);
-        } else {
-            m_problems.push_back(why.empty() ? fileName : fileName + ": " + why);
-        }
+    bool stopped = false;
+    UpdatePlan toDo = plan(entries, progress, &stopped);
+    if (!stopped) {
+        leaveOwnLines(toDo);
+        carryOut(toDo, progress);
     }
     FillUpdateList(false);
     if (m_problems.empty()) {
@@ -133,94 +247,68 @@ void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* 
     m_prompt.tell(text);
 }
 
-void ScriptUpdate::noteUpdated(const std::string& fileName) {
-    m_updated.push_back(fileName);
-    const std::string unplaced = m_updater.unplaced();
+// Asks about scripts with lines that their templates lack; those that the user keeps leave the plan.
+void ScriptUpdate::leaveOwnLines(UpdatePlan& plan) {
+    const std::vector<OwnLines> own = plan.ownLines();
+    if (own.empty() || m_prompt.ask(ownLinesQuestion(own), "ZOKA", PromptButtons::YesNoDefaultNo,
+                                    PromptIcon::Warning) == PromptAnswer::Yes) {
+        return;
+    }
+    for (const OwnLines& script : own) {
+        m_leftAlone.push_back(script.script);
+    }
+    std::erase_if(plan.scripts, [](const UpdatePlan::Script& script) { return script.change.ownLines > 0; });
+}
+
+void ScriptUpdate::carryOut(const UpdatePlan& plan, JobProgress* progress) {
+    m_problems = plan.problems;
+    includeMissing(plan);
+    const size_t total = plan.scripts.size();
+    for (size_t i = 0; i < total; ++i) {
+        const UpdatePlan::Script& script = plan.scripts[i];
+        if (!goOn(progress, total + i, 2 * total, script.fileName)) {
+            break;
+        }
+        std::string why;
+        if (updateKeepingValues(script.change, why)) {
+            noteUpdated(script);
+        } else {
+            m_problems.push_back(script.fileName + ": " + why);
+        }
+    }
+}
+
+void ScriptUpdate::noteUpdated(const UpdatePlan::Script& script) {
+    m_updated.push_back(script.fileName);
+    const std::string unplaced = unplacedText(script.change.unplaced);
     if (unplaced.empty()) {
         return;
     }
     if (!m_unplaced.empty()) {
         m_unplaced += "\r\n";
     }
-    m_unplaced += fileName + "\r\n" + unplaced;
+    m_unplaced += script.fileName + "\r\n" + unplaced;
 }
 
-std::vector<std::string> missingNeedsOf(const std::vector<UpdateEntry>& entries,
-                                        const ScriptFolders& folders) {
-    std::vector<std::string> paths;
-    for (const UpdateEntry& entry : entries) {
-        for (const std::string& need : entry.missingNeeds) {
-            std::string path = need;
-            folders.LocateScript(need, path);
-            paths.push_back(std::move(path));
-        }
-    }
-    return paths;
-}
-
-void ScriptUpdate::includeMissing(const std::vector<UpdateEntry>& entries) {
-    const ScriptFolders folders(m_host);
-    const std::vector<std::string> paths = missingNeedsOf(entries, folders);
-    if (paths.empty()) {
+void ScriptUpdate::includeMissing(const UpdatePlan& plan) {
+    if (plan.main.before == plan.main.after) {
         return;
     }
-    const auto mainPath = m_host.GetMainScriptPath();
-    const auto text = mainPath ? osFiles().readWhole(*mainPath) : std::nullopt;
-    if (!text) {
-        return;
-    }
-    CLex lexer(text->data(), static_cast<long>(text->size()));
-    std::vector<std::string> before, after;
-    ScanIncludeBlock(lexer, before);
+    m_included = plan.included;
+    const auto again = [&](const std::string& text, std::string& why) -> std::optional<std::string> {
+        const ScriptFolders folders(m_host);
+        const Insertion insertion = planInsertion(text, plan.main.path, plan.needs, folders.locator());
+        why = insertion.problem;
+        m_included = insertion.names;
+        return why.empty() ? std::optional(applyInsertion(text, insertion)) : std::nullopt;
+    };
     std::string error;
-    const int changed = InsertIncludes(lexer, *mainPath, paths, folders.locator(), &error);
-    if (!error.empty()) {
+    if (writeMainScript(plan.main, again, error)) {
+        m_host.MainScriptChanged();
+    } else {
         m_problems.push_back(error);
+        m_included.clear();
     }
-    if (changed == 0 || !error.empty()) {
-        return;
-    }
-    ReadIncludeList(*mainPath, after);
-    std::unordered_set<std::string> known(before.begin(), before.end());
-    for (const std::string& name : after) {
-        if (!known.contains(name)) {
-            m_included.push_back(name);
-        }
-    }
-    m_host.MainScriptChanged();
-}
-
-namespace {
-
-bool refuse(UserPrompt& prompt, const char* text, const char* title) {
-    prompt.ask(text, title, PromptButtons::Ok, PromptIcon::Error);
-    return false;
-}
-
-}  // namespace
-
-bool canRestore(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt) {
-    const ScriptFolders folders(editor);
-    const std::string project = folders.projectPath(fileName);
-    if (isPlainFileName(fileName) && osFiles().exists(project)) {
-        return refuse(prompt, "Original file still there.", "Can't Update Script");
-    }
-    if (!folders.inTemplates(fileName)) {
-        return refuse(prompt, "Can't find the original in template folder.", "Can't Update Script");
-    }
-    if (equalNoCase(project, folders.templatePath(fileName))) {
-        return refuse(prompt, "Same File!\nNo Update.", "ZOKA");
-    }
-    return true;
-}
-
-bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt) {
-    if (!canRestore(editor, fileName, prompt)) {
-        return false;
-    }
-    const ScriptFolders folders(editor);
-    return editor.CopyFileToFolder(folders.templatePath(fileName), folders.project()) ||
-           refuse(prompt, "Copy error (1128).\nNo Update.", "ZOKA");
 }
 
 }  // namespace zoka

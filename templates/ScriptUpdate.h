@@ -1,10 +1,14 @@
-// Brings a project's scripts up to the template folder's: what differs, updating, restoring.
+// Brings a project's scripts up to the template folder's: what differs, and updating it.
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
+#include "customize/ValueUpdate.h"
 #include "plugin/host/ZunEditorInterface.h"
+#include "templates/IncludeList.h"
 #include "templates/ScriptFolders.h"
 #include "templates/TemplateData.h"
 #include "util/JobProgress.h"
@@ -12,92 +16,89 @@
 
 namespace zoka {
 
-// Replaces a project's script by its template's version and keeps the values that the user has set in it.
-class ScriptUpdater {
-public:
-    virtual ~ScriptUpdater() = default;
-    // Both are full paths of existing files. False, with the project's copy as it was, when it can't be done;
-    // `why` then says so in words.
-    virtual bool update(const std::string& projectCopy, const std::string& templateCopy,
-                        std::string& why) = 0;
-    // The values that the last update found no place for, a line for each, ended with CR LF; empty when there
-    // are none.
-    virtual std::string unplaced() const { return {}; }
-};
-
-// Where the customization of scripts is not at hand: changes nothing and says so.
-class NoUpdater : public ScriptUpdater {
-public:
-    bool update(const std::string&, const std::string&, std::string& why) override {
-        why = "updating with the values kept is not available here";
-        return false;
-    }
-};
-
 struct UpdateEntry {
     std::string line;  // as the list shows it
     std::string fileName;
     std::vector<std::string> missingNeeds;  // of an entry that stands for needs, else empty
 };
 
-// What updating these entries includes: their missing needs, with their full paths where they are found.
-std::vector<std::string> missingNeedsOf(const std::vector<UpdateEntry>& entries,
-                                        const ScriptFolders& folders);
+// What updating some entries will do, made before anything is done; previews show it and the deed carries it out.
+struct UpdatePlan {
+    struct Script {
+        std::string fileName;
+        ValueUpdatePlan change;
+    };
+    std::vector<Script> scripts;         // those that will be replaced
+    std::vector<std::string> unchanged;  // file names: the template's already, but for the values
+    std::vector<std::string> problems;   // what will not be done, a line for each script
+    MainScriptPlan main;                 // equal texts, or no path: the main script stays
+    std::vector<std::string> needs;      // the missing ones, with their full paths where they are found
+    std::vector<std::string> included;   // the names on the new lines
+
+    // The scripts with lines that their templates lack.
+    std::vector<OwnLines> ownLines() const;
+};
 
 // The update page's list and its buttons. References given must outlive the object. [editor thread]
 class ScriptUpdate {
 public:
-    ScriptUpdate(ZunEditorInterface& host, const CTemplateData& catalogue, ScriptUpdater& updater,
-                 UserPrompt& prompt)
-        : m_host(host), m_catalogue(catalogue), m_updater(updater), m_prompt(prompt) {}
+    ScriptUpdate(ZunEditorInterface& host, const CTemplateData& catalogue, UserPrompt& prompt)
+        : m_host(host), m_catalogue(catalogue), m_prompt(prompt) {}
 
     // Rebuilds the list from the include block: an entry for each script whose needs are not all included,
     // and one for each script of the project folder whose version or date differs from the template's, or
-    // with `showAll` for each one at all. A script can have both. Each file is read once. Always 1.
+    // with `showAll` for each one at all. A script can have both; a numbered copy is compared with its
+    // template. Each file is read once. Always 1.
     int FillUpdateList(bool showAll);
     const std::vector<UpdateEntry>& entries() const { return m_entries; }
+    // What the page says when nothing is listed: whether all is as the template folder has it, or which scripts
+    // differ though their versions and dates don't.
+    std::string nothingListedText() const;
+
+    // What updating these entries will do. Each script is compared once, whole; `progress` may stop it
+    // (`stopped` is then set, and the plan is of no use). Changes nothing.
+    UpdatePlan plan(const std::vector<UpdateEntry>& entries, JobProgress* progress = nullptr,
+                    bool* stopped = nullptr) const;
 
     // Updates the scripts listed, after a question, and rebuilds the list. An entry that stands for needs has
-    // them included, all in one rewrite of the main script. Each script is updated once, whole or not at all;
-    // `progress` can stop the run between two.
-    void UpdateAll(JobProgress* progress = nullptr);
-    // The same for one entry, without the question. Nothing happens for an index outside the list.
+    // them included, all in one rewrite of the main script. Scripts with lines that their templates lack are
+    // replaced only when the user agrees once more. Each script is updated once, whole or not at all; `progress`
+    // can stop the run between two. False when the user declined the first question.
+    bool UpdateAll(JobProgress* progress = nullptr);
+    // The same for one entry, without the first question. Nothing happens for an index outside the list.
     void UpdateSelected(int index);
-    // The same for several, their missing needs in one rewrite of the main script.
+    // The same for several.
     void UpdateEntries(const std::vector<UpdateEntry>& entries);
 
     // What the last run could not do, a line for each script; the user has been told.
     const std::vector<std::string>& problems() const { return m_problems; }
-    // The scripts that it updated, and those it included as missing needs.
+    // The scripts that it updated, those it included as missing needs, and those with lines of their own that the
+    // user kept.
     const std::vector<std::string>& updated() const { return m_updated; }
     const std::vector<std::string>& included() const { return m_included; }
+    const std::vector<std::string>& leftAlone() const { return m_leftAlone; }
     // The user's values that found no place in the new versions: for each script that had any its file name and
     // below it a line for each value. Lines end in CR LF; empty when there are none.
     const std::string& unplaced() const { return m_unplaced; }
 
 private:
-    void addEntryOfNeeds(const CScriptElm& script, const std::string& fileName,
+    void addEntryOfNeeds(const CScriptElm& script, const std::string& title, const std::string& fileName,
                          const std::unordered_set<std::string>& included);
     void update(const std::vector<UpdateEntry>& entries, JobProgress* progress);
+    void leaveOwnLines(UpdatePlan& plan);
+    void carryOut(const UpdatePlan& plan, JobProgress* progress);
+    void includeMissing(const UpdatePlan& plan);
     void forgetLastRun();
-    void noteUpdated(const std::string& fileName);
-    void includeMissing(const std::vector<UpdateEntry>& entries);
+    void noteUpdated(const UpdatePlan::Script& script);
 
     ZunEditorInterface& m_host;
     const CTemplateData& m_catalogue;
-    ScriptUpdater& m_updater;
     UserPrompt& m_prompt;
     std::vector<UpdateEntry> m_entries;
-    std::vector<std::string> m_problems, m_updated, m_included;
+    std::vector<std::string> m_differing;  // same version and date, other bytes; or unreadable
+    bool m_ownScripts = false;             // the project includes scripts that are no templates
+    std::vector<std::string> m_problems, m_updated, m_included, m_leftAlone;
     std::string m_unplaced;
 };
-
-// Whether RestoreFromTemplate would copy. False, after a message, when the project has a copy, the template
-// folder has none, or both folders are one.
-bool canRestore(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt = userPrompt());
-// Copies the template file into the project folder through the host. False, after a message, when it can't be
-// restored or copying fails.
-bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName,
-                         UserPrompt& prompt = userPrompt());
 
 }  // namespace zoka

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* kAllClasses = "<ALL>";
 
-bool isAllClasses(const std::string& className) {
+bool isAllClasses(std::string_view className) {
     return zoka::equalNoCase(className, kAllClasses);
 }
 
@@ -81,7 +81,8 @@ bool CTemplateData::GetClassList(StringList& list) const {
     zoka::RecordIndex<true> seen;
     const auto classOf = [this](std::uint32_t record) { return m_rows[record].className; };
     for (std::uint32_t record = 0; record < m_rows.size(); ++record) {
-        if (seen.add(record, classOf)) {
+        // A class that is called like the list's first line is in the list already.
+        if (!isAllClasses(m_rows[record].className) && seen.add(record, classOf)) {
             list.emplace_back(m_rows[record].className);
         }
     }
@@ -90,7 +91,7 @@ bool CTemplateData::GetClassList(StringList& list) const {
 
 bool CTemplateData::GetClassListOfType(StringList& list, const std::string& type) const {
     list.assign(1, kAllClasses);
-    std::unordered_set<std::string_view> seen;
+    std::unordered_set<std::string_view> seen = {kAllClasses};
     for (const std::uint32_t record : recordsOf(m_byType, type)) {
         if (seen.insert(m_rows[record].className).second) {
             list.emplace_back(m_rows[record].className);

@@ -155,7 +155,11 @@ public:
     };
     Scripts scripts() const { return Scripts(*this); }
     CScriptElm script(size_t record) const;
+    // What a list shows of a script besides its row, without making its record.
     std::string_view description(size_t record) const;
+    std::string_view version(size_t record) const;
+    std::string_view date(size_t record) const;
+    std::string engineReqText(size_t record) const;
     const std::vector<Row>& rows() const { return m_rows; }
     const std::vector<Directory>& directories() const { return m_directories; }
     const CEngineReq& engineReq() const { return m_engreq; }

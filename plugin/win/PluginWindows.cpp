@@ -14,7 +14,6 @@
 #include "plugin/win/Resources.h"
 #include "plugin/win/StatusWindow.h"
 #include "plugin/win/ViewThread.h"
-#include "templates/ValueKeepingUpdater.h"
 #include "templates/win/ManagerDialog.h"
 
 namespace zoka {
@@ -82,11 +81,10 @@ void PluginWindows::runProjectManager(ZunEditorInterface&, const std::string& pr
 
 void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::string&, const std::string&,
                                      const std::string& catalogue) {
-    ValueKeepingUpdater updater;
     const auto customize = [&editor](HWND owner, const std::string& script) {
         CustomizeDialog({editor, script, {}, g_module, IDI_ZOKA}).runModal(owner);
     };
-    runManagerDialog({editor, updater, catalogue, g_module, IDI_ZOKA, customize});
+    runManagerDialog({editor, catalogue, g_module, IDI_ZOKA, customize});
 }
 
 std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface&) {

@@ -12,7 +12,7 @@ constexpr UINT kFillEvery = 10;      // milliseconds
 constexpr size_t kFillAtOnce = 500;  // titles
 constexpr UINT kPlanAfter = 60;      // so that moving through the list doesn't read files at each row
 
-enum Column { kTitle, kClassName, kVersion, kDate, kEngine, kIncluded };
+enum Column { kTitleColumn, kClassColumn, kVersionColumn, kDateColumn, kEngineColumn, kIncludedColumn };
 constexpr ListColumn kColumns[] = {{"Script", 80, true}, {"Class", 54, true}, {"Version", 37},
                                    {"Date", 36},         {"Engine", 40},      {"In project", 44}};
 // Dialog units.
@@ -77,18 +77,19 @@ std::string AddPage::cell(int row, int column) {
         return {};
     }
     const std::uint32_t record = (*m_rows)[static_cast<size_t>(row)];
-    const CScriptElm& script = session().catalogue().scripts()[record];
+    const CTemplateData& catalogue = session().catalogue();
+    const CTemplateData::Row& shown = catalogue.rows()[record];
     switch (column) {
-        case kTitle:
-            return script.DisplayName();
-        case kClassName:
-            return script.m_class;
-        case kVersion:
-            return script.m_vers;
-        case kDate:
-            return script.m_date;
-        case kEngine:
-            return script.m_engreq.AsText();
+        case kTitleColumn:
+            return std::string(shown.displayName());
+        case kClassColumn:
+            return std::string(shown.className);
+        case kVersionColumn:
+            return std::string(catalogue.version(record));
+        case kDateColumn:
+            return std::string(catalogue.date(record));
+        case kEngineColumn:
+            return catalogue.engineReqText(record);
         default:
             return session().isIncluded(record) ? "included" : "";
     }
@@ -133,7 +134,12 @@ void AddPage::showSelection() {
     if (SendMessageA(m_titles, CB_GETCURSEL, 0, 0) != static_cast<LRESULT>(title)) {
         SendMessageA(m_titles, CB_SETCURSEL, title, 0);
     }
-    enable(m_add, m_record.has_value());
+    if (m_record != m_planned) {
+        // Nothing of another script stays in sight until this one's plan is made.
+        setText(m_plan, "");
+        m_planned.reset();
+    }
+    enable(m_add, m_record && session().canAdd(*m_record));
     std::string text;
     if (m_record) {
         const ScriptDetails details = session().details(*m_record);
@@ -155,7 +161,10 @@ void AddPage::showPlan() {
         return;
     }
     const AddPlan plan = session().plan(*m_record);
-    setText(m_plan, plan.problem.empty() ? plan.summary() : plan.problem);
+    m_planned = m_record;
+    setText(m_plan, plan.summary());
+    // One that is included already may have needs that are missing.
+    enable(m_add, !plan.isIncludedAlready());
 }
 
 void AddPage::fillTitles(size_t atMost) {

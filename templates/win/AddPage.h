@@ -41,9 +41,11 @@ private:
     HWND m_planLabel = nullptr, m_plan = nullptr, m_detailsLabel = nullptr, m_details = nullptr;
     RowList m_list;
     const std::vector<std::uint32_t>* m_rows = nullptr;  // records, ascending; the session's
-    std::optional<std::uint32_t> m_record;               // the selected one
-    size_t m_titlesFilled = 0;                           // records that the drop list of titles holds so far
-    bool m_settling = false;                             // the filter is changed by the program
+    std::optional<std::uint32_t> m_record;
+    std::optional<std::uint32_t> m_planned;  // the record whose plan is shown
+                                             // the selected one
+    size_t m_titlesFilled = 0;               // records that the drop list of titles holds so far
+    bool m_settling = false;                 // the filter is changed by the program
 };
 
 }  // namespace zoka

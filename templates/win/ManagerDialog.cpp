@@ -38,8 +38,7 @@ public:
           m_owner(modalOwner()),
           m_session(
               setup.editor, m_catalogue,
-              [this](CTemplateData& catalogue, JobProgress*) { return load(catalogue); }, setup.updater,
-              *this) {}
+              [this](CTemplateData& catalogue, JobProgress*) { return load(catalogue); }, *this) {}
 
     void run();
 
@@ -84,14 +83,15 @@ private:
 bool ManagerDialog::load(CTemplateData& catalogue) {
     ProgressWindow progress(m_owner, "Loading the template catalogue");
     bool loaded = false;
+    XMLResults results;
     progress.runOnThread([&](JobProgress& steps) {
         loaded =
-            loadCatalogue(catalogue, m_setup.catalogue, nullptr, &steps) && m_session.prepareSearch(&steps);
+            loadCatalogue(catalogue, m_setup.catalogue, &results, &steps) && m_session.prepareSearch(&steps);
     });
     if (loaded) {
         return true;
     }
-    if (progress.cancelled()) {
+    if (progress.cancelled() || leavesDamagedCatalogue(userPrompt(), m_setup.catalogue, results)) {
         throw LoadingCancelled();
     }
     return catalogue.LoadFromXML(

@@ -24,7 +24,10 @@ void NotesPage::layout(Area page) {
 }
 
 void NotesPage::refresh() {
-    setText(m_notes, session().notes());
+    std::string text;
+    m_frame.runJob("Reading the project's scripts",
+                   [&](JobProgress& progress) { text = session().notes(&progress); });
+    setText(m_notes, text);
 }
 
 void NotesPage::mainAction() {

@@ -9,22 +9,17 @@ const IncludedPage::Look& RemovePage::look() const {
 }
 
 std::string RemovePage::lastColumn(size_t index) const {
-    // The column's title says "Needed by" already.
-    constexpr std::string_view kPrefix = "needed by ";
-    std::string text = session().neededBy(index);
-    if (text.starts_with(kPrefix)) {
-        text.erase(0, kPrefix.size());
-    }
-    return text;
+    return session().neededBy(index);
 }
 
 std::string RemovePage::note(size_t index) const {
-    const std::string needed = session().neededBy(index);
-    if (needed.empty() && !session().included()[index].script) {
-        return "Not a template script: take its include line out by hand.";
-    }
-    return needed.empty() ? "Takes the include line out. The script file stays where it is."
-                          : "Can't go yet: " + needed;
+    const std::string problem = session().removalProblem(index);
+    return problem.empty() ? "Takes the include line out. The script file stays where it is." : problem;
+}
+
+// A script that others need can be asked for: the answer names them.
+bool RemovePage::canDo(size_t index) const {
+    return session().included()[index].script.has_value();
 }
 
 void RemovePage::mainAction() {

@@ -14,7 +14,7 @@ protected:
     const Look& look() const override;
     std::string lastColumn(size_t index) const override;
     std::string note(size_t index) const override;
-    bool canDo(size_t) const override { return true; }  // the refusal says who needs the script
+    bool canDo(size_t index) const override;
     LRESULT notified(NMHDR& header) override;
 };
 

@@ -135,25 +135,11 @@ void UpdatePage::showDifference() {
     enable(m_update, index >= 0);
     std::string heading = "&Differences:";
     if (index < 0) {
-        m_lines.push_back({'.', "Every script in the project folder is as the template folder has it."});
+        m_lines.push_back({'.', session().nothingListedText()});
     } else {
-        const UpdateEntry& entry = session().updates()[static_cast<size_t>(index)];
-        heading = "&Differences of the template from the project's " + entry.fileName + ":";
-        if (!entry.missingNeeds.empty()) {
-            m_lines.push_back({'@', "The main script will include what is missing:"});
-            for (const std::string& need : entry.missingNeeds) {
-                m_lines.push_back({'+', "include <" + need + ">;"});
-            }
-        }
-        const std::vector<DiffHunk> hunks = session().difference(static_cast<size_t>(index));
-        for (const DiffHunk& hunk : hunks) {
-            m_lines.push_back({'@', "Line " + std::to_string(hunk.oldStart) + ", in the template line " +
-                                        std::to_string(hunk.newStart) + ":"});
-            m_lines.insert(m_lines.end(), hunk.lines.begin(), hunk.lines.end());
-        }
-        if (hunks.empty() && entry.missingNeeds.empty()) {
-            m_lines.push_back({'.', "The two copies are equal, or one of them can't be read."});
-        }
+        heading = "&Differences of the template from the project's " +
+                  session().updates()[static_cast<size_t>(index)].fileName + ":";
+        showPlan(session().updatePlan(static_cast<size_t>(index)));
     }
     setText(m_changesLabel, heading);
     size_t longest = 0;
@@ -162,6 +148,41 @@ void UpdatePage::showDifference() {
     }
     m_changes.setCount(static_cast<int>(m_lines.size()));
     m_changes.setTextWidth((static_cast<int>(longest) + 2) * fonts().fixedWidth());
+}
+
+void UpdatePage::showPlan(const UpdatePlan& plan) {
+    if (!plan.included.empty()) {
+        m_lines.push_back({'@', "The main script will include what is missing:"});
+        for (const std::string& name : plan.included) {
+            m_lines.push_back({'+', "include <" + name + ">;"});
+        }
+    }
+    for (const UpdatePlan::Script& script : plan.scripts) {
+        const ValueUpdatePlan& change = script.change;
+        if (change.ownLines > 0) {
+            m_lines.push_back({'@', "Lines that the template lacks: " + std::to_string(change.ownLines) +
+                                        ". The script will be kept beside the new one, as " +
+                                        script.fileName + ".N.bak."});
+        }
+        if (const std::string ends = lineEndChange(change.before, change.after); !ends.empty()) {
+            m_lines.push_back({'@', ends});
+        }
+        for (const DiffHunk& hunk : lineDifference(change.before, change.after)) {
+            m_lines.push_back({'@', "Line " + std::to_string(hunk.oldStart) + ", in the new version line " +
+                                        std::to_string(hunk.newStart) + ":"});
+            m_lines.insert(m_lines.end(), hunk.lines.begin(), hunk.lines.end());
+        }
+        for (const UnplacedValue& lost : change.unplaced) {
+            const std::string line = unplacedText({lost});
+            m_lines.push_back({'@', "No place for " + line.substr(0, line.find('\r'))});
+        }
+    }
+    for (const std::string& problem : plan.problems) {
+        m_lines.push_back({'@', problem});
+    }
+    if (m_lines.empty()) {
+        m_lines.push_back({'.', "The project's copy is the template's already, with its own values."});
+    }
 }
 
 void UpdatePage::mainAction() {

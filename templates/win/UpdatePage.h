@@ -6,6 +6,7 @@
 
 #include "templates/win/PageWindow.h"
 #include "ui/win/RowList.h"
+#include "util/LineDiff.h"
 
 namespace zoka {
 
@@ -28,6 +29,7 @@ private:
     int chosen() const;
     void showEntries();
     void showDifference();
+    void showPlan(const UpdatePlan& plan);
     void showUnplaced();
     LRESULT paintDifference(NMLVCUSTOMDRAW& draw) const;
 

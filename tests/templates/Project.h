@@ -6,11 +6,9 @@
 #include <vector>
 
 #include "plugin/host/FolderHost.h"
-#include "templates/ScriptUpdate.h"
 #include "tests/support/TempFolder.h"
 #include "tests/templates/Scripts.h"
 #include "util/OsFiles.h"
-#include "util/SafeWrite.h"
 
 namespace zoka::test {
 
@@ -60,23 +58,6 @@ public:
 
     TempFolder folder, suite;
     Host host{FolderHost::Folders{folder.path(), suite.path(), "template_6", folder.path("main.kez")}};
-};
-
-// Copies the template's file and remembers for which scripts it was asked.
-class FakeUpdater : public ScriptUpdater {
-public:
-    Names projectCopies, templateCopies;
-    std::string failure;  // of every update; empty: they work
-    std::string lost;     // what each update finds no place for
-
-    bool update(const std::string& projectCopy, const std::string& templateCopy, std::string& why) override {
-        projectCopies.push_back(projectCopy);
-        templateCopies.push_back(templateCopy);
-        why = failure;
-        const std::optional<std::string> text = osFiles().readWhole(templateCopy);
-        return failure.empty() && text && safeWrite(projectCopy, *text);
-    }
-    std::string unplaced() const override { return lost; }
 };
 
 }  // namespace zoka::test

@@ -37,6 +37,8 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
     project.addTemplate("both.kez", "// ver: 2\n// date: 5\n");
     project.addTemplate("fog.kez", "// ver: 3\n");
     project.suite.write("outside.kez", "x");
+    std::filesystem::create_directory(project.suite.native("template_6/sub"));
+    project.addTemplate("sub/deep.kez", "x");
     std::filesystem::create_directory(project.folder.native("dir.kez"));
     for (const bool listed : {false, true}) {
         ScriptFolders folders(project.host);
@@ -50,10 +52,15 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
         EXPECT_EQ(path, project.templatePath("fog.kez"));
         path = "untouched";
         for (const char* name :
-             {"none.kez", "dir.kez", "..\\outside.kez", "../outside.kez", "", ".", "*.kez"}) {
+             {"none.kez", "dir.kez", "..\\outside.kez", "../outside.kez", "", ".", "*.kez",
+              "sub\\..\\fog.kez", "C:fog.kez", "\\fog.kez", "fog.kez.", "fog.kez ", "conin$", "fog.kez:x"}) {
             EXPECT_EQ(folders.LocateScript(name, path), ScriptPlace::NotFound) << name;
         }
         EXPECT_EQ(path, "untouched");
+
+        for (const char* name : {".\\fog.kez", "sub\\deep.kez", "sub/deep.kez", ".\\sub\\.\\deep.kez"}) {
+            EXPECT_EQ(folders.LocateScript(name), ScriptPlace::Template) << name;
+        }
 
         const auto facts = [&folders](const char* name, bool fromTemplate) {
             std::string version, date;
@@ -115,12 +122,12 @@ TEST(ScriptAdding, NeedsComeFirstAndOnlyWhatIsMissing) {
     const std::string fog = project.templatePath("fog.kez");
     const AddPlan plan = adding.plan(std::span(&fog, 1));
     EXPECT_EQ(plan.summary(), "adds fog.kez; needs maths.kez, base.kez, weather.kez, noise.kez (not found)");
-    EXPECT_EQ(plan.before, kRest);
+    EXPECT_EQ(plan.main.before, kRest);
     EXPECT_EQ(project.main(), kRest) << "a plan changes nothing";
 
     EXPECT_TRUE(adding.AddScriptToProject(fog));
     EXPECT_EQ(project.main(), mainWith({"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez"}));
-    EXPECT_EQ(plan.after, project.main());
+    EXPECT_EQ(plan.main.after, project.main());
 
     project.host.calls.clear();
     EXPECT_TRUE(adding.AddScriptToProject(fog)) << "also when nothing has to change";
@@ -129,8 +136,19 @@ TEST(ScriptAdding, NeedsComeFirstAndOnlyWhatIsMissing) {
     EXPECT_TRUE(f.add("rain.kez"));
     EXPECT_EQ(project.main(),
               mainWith({"maths.kez", "base.kez", "weather.kez", "noise.kez", "fog.kez", "rain.kez"}));
-    EXPECT_EQ(adding.plan(std::span(&fog, 1)).summary(), "adds fog.kez (already included)");
+    EXPECT_EQ(adding.plan(std::span(&fog, 1)).summary(), "fog.kez is already included; nothing to add");
     EXPECT_EQ(project.folder.names(), Names{"main.kez"}) << "scripts without number are not copied";
+}
+
+TEST(ScriptAdding, AnIncludedScriptBringsTheNeedsThatAreMissing) {
+    Fixture f(includes({"fog.kez", "there.kez"}) + kRest);
+    auto& [project, prompt, adding] = f;
+    project.addTemplate("fog.kez", "\xEF\xBB\xBF// needs: there.kez, gone.kez, sub\\lib.kez\r\n");
+    project.addTemplate("gone.kez", "// needs: deep.kez\r\n");
+    project.addTemplate("there.kez", "// needs: other.kez\r\n");
+    EXPECT_TRUE(f.add("fog.kez"));
+    EXPECT_EQ(project.main(),
+              includes({"fog.kez", "there.kez", "deep.kez", "gone.kez", "sub\\lib.kez"}) + kRest);
 }
 
 TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
@@ -146,7 +164,7 @@ TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
     EXPECT_EQ(project.host.calls, (Names{"copy %_%=_0", "copy %_%=_1", "changed"}));
     EXPECT_EQ(project.main(),
               mainWith({"n_0.lib", "n_0.kez", "c.kez", "a.kez", "b.kez", "n_1.lib", "n_1.kez"}));
-    EXPECT_EQ(plan.after, project.main());
+    EXPECT_EQ(plan.main.after, project.main());
     EXPECT_EQ(plan.summary(),
               "adds n_0.kez, a.kez, b.kez, n_1.kez; needs n_0.lib (not found), c.kez (not found), n_1.lib "
               "(not found); "
@@ -155,16 +173,15 @@ TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
 
 TEST(ScriptAdding, ANeedThatLeavesTheFolderIsRefused) {
     for (const std::string& need :
-         {std::string("..\\x.kez"), std::string("lib/x.kez"), std::string(300, 'x')}) {
+         {std::string("..\\x.kez"), std::string("lib/../../x.kez"), std::string(300, 'x')}) {
         Fixture f;
         auto& [project, prompt, adding] = f;
         project.addTemplate("bad_.kez", "// needs: good.kez, " + need + "\n");
         EXPECT_FALSE(f.add("bad_.kez"));
-        EXPECT_EQ(prompt.texts(),
-                  Names{"bad_0.kez needs \"" + need +
-                        "\": this is not a file name that can be included.\nFile not added."});
+        EXPECT_EQ(adding.error(),
+                  "bad_0.kez needs \"" + need + "\": this is not a file name that can be included.");
         EXPECT_EQ(project.main(), kRest);
-        EXPECT_EQ(project.folder.names(), Names{"main.kez"}) << "the copy is gone again";
+        EXPECT_EQ(project.folder.names(), Names{"main.kez"}) << "nothing is copied";
     }
 }
 

@@ -120,7 +120,7 @@ TEST(ScriptHeader, EngineRequirementIsTakenApart) {
     };
     for (const Row& row :
          {Row{"6.1 STD", "6.1", "STD"}, Row{"Comm, 6", "6", "Comm"}, Row{"extra", "", "extra"},
-          Row{"6.1 6.2 PRO STD", "6.1", "PRO"}, Row{"", "", ""}}) {
+          Row{"6.1 6.2 PRO STD", "6.1 6.2 STD", "PRO"}, Row{"6.1, GOLD", "6.1 GOLD", ""}, Row{"", "", ""}}) {
         CEngineReq req;
         req.SetFromText(row.value);
         EXPECT_EQ(req.vers, row.vers) << row.value;

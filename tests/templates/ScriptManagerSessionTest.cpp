@@ -49,10 +49,9 @@ struct Fixture {
     }
     Project project;
     CTemplateData catalogue;
-    test::FakeUpdater updater;
     test::ScriptedPrompt prompt;
     ScriptManagerSession session{project.host, catalogue, [](CTemplateData&, JobProgress*) { return false; },
-                                 updater, prompt};
+                                 prompt};
 };
 
 }  // namespace
@@ -81,7 +80,7 @@ TEST(ScriptManagerSession, AddPageShowsAndAdds) {
     EXPECT_EQ(f.session.plan(2).summary(),
               "adds camera_1.kez; needs noise.kez (already included); copies camera_.kez as camera_1.kez");
     EXPECT_TRUE(f.session.add(0));
-    EXPECT_EQ(f.session.status(), "Nothing to add: Fog is included already");
+    EXPECT_EQ(f.session.status(), "fog.kez is already included; nothing to add");
     EXPECT_TRUE(f.prompt.asked.empty());
 
     for (const std::uint32_t record : {4U, 5U}) {
@@ -100,7 +99,7 @@ TEST(ScriptManagerSession, RemovePageRefusesWhatIsNeeded) {
     f.include({"mine.kez", "noise.kez", "fog.kez", "camera_4.kez", "fog2.kez", "odd_x.kez"});
     EXPECT_EQ(f.included(),
               (Names{"mine.kez", "Noise", "Fog", "Camera (camera_4.kez)", "Fog (fog2.kez)", "odd_x.kez"}));
-    EXPECT_EQ(f.session.neededBy(1), "needed by Fog, Camera (camera_4.kez)");
+    EXPECT_EQ(f.session.neededBy(1), "Fog, Camera (camera_4.kez)");
     EXPECT_EQ(f.session.neededBy(2), "");
     const std::string before = f.project.main();
 
@@ -114,7 +113,7 @@ TEST(ScriptManagerSession, RemovePageRefusesWhatIsNeeded) {
     EXPECT_EQ(f.prompt.asked[0].text,
               "The following scripts must be removed first: \n\nFog\n\nCamera (camera_4.kez)");
     EXPECT_FALSE(f.session.remove(0));
-    EXPECT_EQ(f.prompt.texts().back(), "The script is not in the template catalogue (page error 2).");
+    EXPECT_EQ(f.prompt.texts().back(), "The script mine.kez is not in the template catalogue.");
     EXPECT_EQ(f.project.main(), before);
 
     // The second script of one title, the copy, then the first: each is the one that the entry stands for.
@@ -147,10 +146,9 @@ TEST(ScriptManagerSession, ACatalogueThatCannotBeLoadedIsPageErrorOne) {
     CTemplateData none;
     int loads = 0;
     ScriptManagerSession session(
-        f.project.host, none, [&loads](CTemplateData&, JobProgress*) { return ++loads, false; }, f.updater,
-        f.prompt);
+        f.project.host, none, [&loads](CTemplateData&, JobProgress*) { return ++loads, false; }, f.prompt);
     EXPECT_FALSE(session.open());
-    EXPECT_EQ(f.prompt.texts().back(), "The template catalogue can't be loaded (page error 1).");
+    EXPECT_EQ(f.prompt.texts().back(), "The template catalogue can't be loaded.");
     EXPECT_EQ(session.notes(), "Project Manager: 2.1\r\n");
     Names titles;
     EXPECT_THROW(session.FindDependents("Fog", titles), PageError);
@@ -162,10 +160,9 @@ TEST(ScriptManagerSession, UpdatePageShowsDifferencesAndRestores) {
     f.project.folder.write("fog.kez", "// needs: noise.kez\r\n// ver: 1\r\n");
     f.include({"noise.kez", "fog.kez"});
     ASSERT_EQ(f.session.updates().size(), 1U);
-    const auto hunks = f.session.difference(0);
-    ASSERT_EQ(hunks.size(), 1U);
-    EXPECT_EQ(hunks[0].lines[1].text, "// ver: 1");
-    EXPECT_EQ(hunks[0].lines[2].text, "// ver: 2");
+    const UpdatePlan plan = f.session.updatePlan(0);
+    ASSERT_EQ(plan.scripts.size(), 1U);
+    EXPECT_EQ(plan.scripts[0].change.after, "// needs: noise.kez\r\n// ver: 2\r\n");
     EXPECT_EQ(f.session.restorable(), Names{"noise.kez"});
     f.session.updateSelected(0);
     EXPECT_EQ(f.session.status(), "Updated: fog.kez");
@@ -173,8 +170,39 @@ TEST(ScriptManagerSession, UpdatePageShowsDifferencesAndRestores) {
     EXPECT_TRUE(f.session.restore("noise.kez"));
     EXPECT_TRUE(f.session.restorable().empty());
     f.prompt.answers = {PromptAnswer::Yes};
-    f.updater.projectCopies.clear();
+    f.project.folder.write("fog.kez", "// needs: noise.kez\r\n// ver: 1\r\n");
     f.session.updateAll();
-    EXPECT_EQ(f.updater.projectCopies.size(), 2U) << "the button offers every script of the project folder";
+    EXPECT_EQ(f.session.status(), "Updated: fog.kez");
     EXPECT_TRUE(f.session.updates().empty());
+}
+
+TEST(ScriptManagerSession, ADamagedCatalogueIsAskedAboutBeforeItEndsTheEditor) {
+    test::ScriptedPrompt prompt;
+    prompt.answers = {PromptAnswer::Yes, PromptAnswer::No};
+    XMLResults results;
+    XMLNode::parseText("<TavrixTemplate>\n<x></TavrixTemplate>", "TavrixTemplate", &results);
+    ASSERT_NE(results.line, 0);
+    EXPECT_TRUE(leavesDamagedCatalogue(prompt, "C:\\t.xml", results));
+    EXPECT_FALSE(leavesDamagedCatalogue(prompt, "C:\\t.xml", results));
+    EXPECT_NE(prompt.asked[0].text.find("C:\\t.xml, line " + std::to_string(results.line) + ", column "),
+              std::string::npos);
+    EXPECT_NE(prompt.asked[0].text.find(XMLNode::errorText(results.code)), std::string::npos);
+    EXPECT_EQ(prompt.asked[0].buttons, PromptButtons::YesNo) << "Enter leaves";
+}
+
+TEST(ScriptManagerSession, RemoveAndWhyAgreeOnWhoNeedsWhom) {
+    Fixture f;
+    f.project.folder.write("mine.kez", "// needs: fog.kez\r\n");
+    f.include({"mine.kez", "noise.kez", "fog.kez"});
+    EXPECT_EQ(f.session.neededBy(2), "mine.kez") << "the user's own script";
+    EXPECT_EQ(f.session.removalProblem(1), "Can't be removed yet: needed by Fog");
+    EXPECT_EQ(f.session.removalProblem(0),
+              "Not a template script: delete its include line from the main script yourself.");
+    EXPECT_FALSE(f.session.remove(2));
+    EXPECT_EQ(f.prompt.asked.back().text, "The following scripts must be removed first: \n\nmine.kez");
+    const auto needs = f.session.includedScripts().allThatNeed(1);
+    ASSERT_EQ(needs.size(), 2U);
+    EXPECT_EQ(f.included()[needs[0].script], "Fog");
+    EXPECT_EQ(f.included()[needs[1].script], "mine.kez");
+    EXPECT_EQ(needs[1].depth, 2U);
 }

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "templates/NotesReport.h"
+#include "templates/ScriptRestore.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/templates/Project.h"
 
@@ -42,9 +43,8 @@ struct Fixture {
     }
     Project project;
     CTemplateData catalogue;
-    test::FakeUpdater updater;
     ScriptedPrompt prompt;
-    ScriptUpdate update{project.host, catalogue, updater, prompt};
+    ScriptUpdate update{project.host, catalogue, prompt};
 };
 
 // Two scripts differ, and the user is about to agree.
@@ -109,77 +109,159 @@ TEST(ScriptUpdate, ReadsEachFileOnce) {
 }
 
 TEST(ScriptUpdate, AllAsksThenUpdatesEachOnce) {
-    Fixture f({"fog.kez", "old.kez", "weather.kez"});
+    Fixture f({"fog.kez", "old.kez", "weather.kez", "old.kez"});
     f.update.FillUpdateList(false);
+    const std::string old = f.project.folder.read("old.kez");
     f.prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
-    f.update.UpdateAll();
-    EXPECT_TRUE(f.updater.projectCopies.empty());
-    f.update.UpdateAll();
+    EXPECT_FALSE(f.update.UpdateAll());
+    EXPECT_EQ(f.project.folder.read("old.kez"), old);
+    EXPECT_TRUE(f.update.UpdateAll());
     EXPECT_EQ(f.prompt.texts(), (Names{"Update All Scripts Listed?", "Update All Scripts Listed?"}));
     EXPECT_EQ(f.prompt.asked[0].buttons, PromptButtons::YesNo);
-    EXPECT_EQ(f.updater.projectCopies,
-              (Names{f.project.folder.path("fog.kez"), f.project.folder.path("old.kez")}));
-    EXPECT_EQ(f.updater.templateCopies,
-              (Names{f.project.templatePath("fog.kez"), f.project.templatePath("old.kez")}));
+    EXPECT_EQ(f.update.updated(), Names{"old.kez"}) << "not fog.kez, which is the template's already";
     EXPECT_EQ(f.project.folder.read("old.kez"), "// ver: 2, new\r\n");
     // The need that was missing came in.
-    EXPECT_EQ(f.project.main(), includes({"fog.kez", "old.kez", "weather.kez", "noise.kez"}) + "\r\n");
+    EXPECT_EQ(f.project.main(),
+              includes({"fog.kez", "old.kez", "weather.kez", "old.kez", "noise.kez"}) + "\r\n");
     EXPECT_EQ(f.update.included(), Names{"noise.kez"});
     EXPECT_EQ(f.project.host.calls, Names{"changed"});
     EXPECT_TRUE(f.update.entries().empty()) << "the list is rebuilt";
 }
 
 TEST(ScriptUpdate, SelectedUpdatesOneWithoutAsking) {
-    Fixture f({"old.kez", "plain.kez"});
+    Fixture f({"old.kez", "fog.kez"});
     f.update.FillUpdateList(true);
     f.update.UpdateSelected(-1);
-    f.update.UpdateSelected(2);
-    EXPECT_TRUE(f.updater.projectCopies.empty());
+    f.update.UpdateSelected(99);
+    EXPECT_TRUE(f.update.updated().empty());
     f.update.UpdateSelected(0);
-    EXPECT_EQ(f.updater.projectCopies, Names{f.project.folder.path("old.kez")});
+    EXPECT_EQ(f.update.updated(), Names{"old.kez"});
     EXPECT_TRUE(f.prompt.asked.empty());
+}
+
+TEST(ScriptUpdate, LinesThatTheTemplateLacksAreAskedForAndKept) {
+    const std::string mine = "// ver: 1\r\nfunction mine() {}\r\n";
+    for (const PromptAnswer answer : {PromptAnswer::No, PromptAnswer::Yes}) {
+        Fixture f({"old.kez", "weather.kez", "plain.kez"});
+        f.project.folder.write("old.kez", mine);
+        f.project.folder.write("weather.kez", "// ver: 0\r\n");
+        f.update.FillUpdateList(true);
+        const UpdatePlan plan = f.update.plan(f.update.entries());
+        ASSERT_EQ(plan.scripts.size(), 3U);
+        EXPECT_EQ(plan.ownLines().size(), 2U);
+        f.prompt.answers = {PromptAnswer::Yes, answer};
+        f.update.UpdateAll();
+        ASSERT_EQ(f.prompt.asked.size(), 2U);
+        EXPECT_EQ(
+            f.prompt.asked[1].text,
+            "The template folder's version lacks lines that are in:\n\nold.kez (1 line)\nplain.kez (1 line)"
+            "\n\nReplace these too? Each is kept beside the new one, as NAME.N.bak.");
+        EXPECT_EQ(f.prompt.asked[1].buttons, PromptButtons::YesNoDefaultNo);
+        const bool replaced = answer == PromptAnswer::Yes;
+        EXPECT_EQ(f.project.folder.read("old.kez"), replaced ? plan.scripts[0].change.after : mine);
+        EXPECT_EQ(f.project.folder.read("old.kez.1.bak"), replaced ? mine : "<missing>");
+        EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 1\r\n");
+        EXPECT_EQ(f.project.folder.read("weather.kez.1.bak"), "<missing>") << "only its version went";
+        EXPECT_EQ(f.update.leftAlone(), replaced ? Names{} : (Names{"old.kez", "plain.kez"}));
+    }
+}
+
+TEST(ScriptUpdate, SaysWhetherAllIsTheTemplates) {
+    Fixture f({"fog.kez", "weather.kez", "noise.kez"});
+    f.update.FillUpdateList(false);
+    EXPECT_TRUE(f.update.entries().empty());
+    EXPECT_EQ(f.update.nothingListedText(),
+              "Every template script in the project folder is as the template folder has it.")
+        << "noise.kez is no template script";
+    f.project.folder.write("main.kez", includes({"fog.kez", "weather.kez"}));
+    f.catalogue = {};
+    f.catalogue.AddScript(script("Fog", "fog.kez"));
+    f.catalogue.AddScript(script("Weather", "weather.kez"));
+    f.update.FillUpdateList(false);
+    EXPECT_EQ(f.update.nothingListedText(),
+              "Every script in the project folder is as the template folder has it.");
+    f.project.folder.write("fog.kez", "// ver: 3\r\n// date: 260101\r\nfunction mine() {}\r\n");
+    f.update.FillUpdateList(false);
+    EXPECT_EQ(f.update.nothingListedText(),
+              "Versions and dates are the template folder's, but these scripts have other lines or values: "
+              "fog.kez");
+}
+
+TEST(ScriptUpdate, ANumberedCopyFollowsItsTemplate) {
+    Fixture f({"camera_3.kez", "noise.kez"});
+    f.catalogue.AddScript(script("Camera", "camera_.kez", "", "", {"base%_%.kez", "noise.kez"}));
+    f.project.addTemplate("camera_.kez", "// ver: 2\r\nvar x%_%;\r\n");
+    f.project.folder.write("camera_3.kez", "// ver: 1\r\nvar x_3;\r\n");
+    f.update.FillUpdateList(false);
+    EXPECT_EQ(f.lines(),
+              (Names{"Camera (camera_3.kez)--Is missing the following Needs: \nbase_3.kez",
+                     "Camera (camera_3.kez)--[Local ver: 1 date: -1 --> Template ver: 2 date: -1]\n"}));
+    f.update.UpdateSelected(1);
+    EXPECT_EQ(f.project.folder.read("camera_3.kez"), "// ver: 2\r\nvar x_3;\r\n");
+    EXPECT_EQ(f.update.updated(), Names{"camera_3.kez"});
 }
 
 TEST(ScriptUpdate, ValuesWithoutAPlaceAreNamedByScript) {
     TwoOld f;
-    f.updater.lost = "Range: 5 - gone\r\nColour: 7 - gone\r\n";
+    const std::string value = "// entry: Range\r\n// id: 1\r\nvar range = 5;\r\n";
+    f.project.folder.write("weather.kez", "// ver: 0\r\n\r\n" + value);
+    f.project.folder.write("old.kez", "// ver: 1\r\n\r\n" + value);
+    f.prompt.answers.push_back(PromptAnswer::Yes);
     f.update.UpdateAll();
-    EXPECT_EQ(f.update.unplaced(), "weather.kez\r\n" + f.updater.lost + "\r\nold.kez\r\n" + f.updater.lost);
+    EXPECT_EQ(f.update.unplaced().find("weather.kez\r\nRange (id 1): 5"), 0U) << f.update.unplaced();
+    EXPECT_NE(f.update.unplaced().find("\r\n\r\nold.kez\r\nRange"), std::string::npos);
     // Of a run that the user declines nothing is told, nor of a script that was not updated.
     f.prompt.answers = {PromptAnswer::No};
     f.project.folder.write("old.kez", "// ver: 0\r\n");
     f.update.FillUpdateList(false);
     f.update.UpdateAll();
     EXPECT_EQ(f.update.unplaced(), "");
-    EXPECT_TRUE(f.update.updated().empty());
-    f.updater.failure = "no way";
-    f.update.UpdateSelected(0);
-    EXPECT_EQ(f.update.unplaced(), "");
+    EXPECT_TRUE(f.update.updated().empty() && f.update.included().empty() && f.update.problems().empty());
 }
 
 TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
     TwoOld f;
-    f.updater.failure = "no way";
-    f.update.UpdateAll();
-    EXPECT_EQ(f.prompt.texts().back(), "Not updated:\nweather.kez: no way\nold.kez: no way");
-    EXPECT_EQ(f.update.entries().size(), 2U);
-
-    NoUpdater none;
-    ScriptUpdate update(f.project.host, f.catalogue, none, f.prompt);
-    update.FillUpdateList(false);
-    update.UpdateSelected(0);
-    EXPECT_EQ(f.prompt.texts().back(),
-              "Not updated:\nweather.kez: updating with the values kept is not available here");
+    {
+        const test::FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+            return op == "replaceFile" && path.ends_with("weather.kez");
+        });
+        f.update.UpdateAll();
+    }
+    EXPECT_EQ(f.prompt.texts().back().find("Not updated:\nweather.kez: "), 0U) << f.prompt.texts().back();
+    EXPECT_EQ(f.update.updated(), Names{"old.kez"});
     EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 0\r\n");
+    ASSERT_EQ(f.update.entries().size(), 1U);
+
+    std::filesystem::remove(f.project.suite.native("template_6/weather.kez"));
+    f.update.UpdateSelected(0);
+    EXPECT_EQ(f.prompt.texts().back(), "Not updated:\nweather.kez: the template folder has no such script");
 }
 
 TEST(ScriptUpdate, CanBeStoppedBetweenTwoScripts) {
     TwoOld f;
-    StopAfter one(1);
+    StopAfter one(3);  // two are compared, one is updated
     f.update.UpdateAll(&one);
     EXPECT_EQ(f.update.updated(), Names{"weather.kez"});
     ASSERT_EQ(f.update.entries().size(), 1U);
     EXPECT_EQ(f.update.entries()[0].fileName, "old.kez");
+    StopAfter soon(0);
+    f.prompt.answers = {PromptAnswer::Yes};
+    f.update.UpdateAll(&soon);
+    EXPECT_TRUE(f.update.updated().empty());
+}
+
+TEST(ScriptUpdate, TwoWritersOfTheMainScriptLoseNothing) {
+    Project project("// main\r\n\r\n");
+    const std::string path = project.folder.path("main.kez"), text = project.main();
+    const auto including = [](const char* name) {
+        return
+            [name](const std::string& now, std::string&) { return std::optional(includeLine(name) + now); };
+    };
+    std::string error;
+    EXPECT_TRUE(writeMainScript({path, text, includeLine("a.kez") + text}, including("a.kez"), error));
+    // Planned from the text before the first one came.
+    EXPECT_TRUE(writeMainScript({path, text, includeLine("b.kez") + text}, including("b.kez"), error));
+    EXPECT_EQ(project.main(), includes({"b.kez", "a.kez"}) + text);
 }
 
 TEST(ScriptUpdate, Restore) {

@@ -50,6 +50,11 @@ TEST(TemplateData, ListQueries) {
     EXPECT_EQ(got(data.GetClassList(list)), (List{"<ALL>", "Camera", "Weapon", "Library", ""}));
     EXPECT_EQ(got(data.GetClassListOfType(list, "USER")), (List{"<ALL>", "Camera", "camera", "Weapon"}));
     EXPECT_EQ(got(data.GetClassListOfType(list, "User")), List{"<ALL>"}) << "case regarded";
+    CTemplateData odd;
+    odd.AddScript(script("A", "a.kez", "<all>", "USER"));
+    odd.AddScript(script("B", "b.kez", "<ALL>", "USER"));
+    EXPECT_EQ(got(odd.GetClassList(list)), List{"<ALL>"}) << "it is in the list already";
+    EXPECT_EQ(got(odd.GetClassListOfType(list, "USER")), (List{"<ALL>", "<all>"}));
     EXPECT_EQ(got(data.GetScriptList(list)), all);
     EXPECT_EQ(got(data.GetScriptList(list, "<ALL>")), all);
     EXPECT_EQ(got(data.GetScriptList(list, "<all>")), all);

@@ -13,7 +13,6 @@
 #include "templates/CatalogueXml.h"
 #include "templates/NotesReport.h"
 #include "templates/ScriptManagerSession.h"
-#include "templates/ValueKeepingUpdater.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
@@ -39,15 +38,10 @@ void print(const std::string& text) {
 class Manager {
 public:
     // Whoever `changes` the project holds its main script's lock meanwhile.
-    Manager(const ScriptOptions& options, bool changes) : m_host(foldersOf(options)), m_folders(m_host) {
-        m_folders.listOnce();
-        const std::string templates = suitePath(options.templates);
-        const std::string file =
-            options.catalogue.empty() ? joinPath(templates, kCatalogueFile) : options.catalogue;
-        m_mainScript = m_host.GetMainScriptPath().value_or("");
-        if (m_mainScript.empty() || !osFiles().exists(m_mainScript)) {
-            complain("the project has no main script: name it with --main");
-            m_status = ExitStatus::Usage;
+    Manager(const ScriptOptions& options, bool changes)
+        : m_options(options), m_host(foldersOf(options)), m_folders(m_host) {
+        m_status = openProject(options);
+        if (m_status != ExitStatus::Done) {
             return;
         }
         if (changes) {
@@ -58,12 +52,16 @@ public:
                 return;
             }
         }
+        m_folders.listOnce();
+        const std::string file = options.catalogue.empty()
+                                     ? joinPath(suitePath(options.templates), kCatalogueFile)
+                                     : options.catalogue;
         m_status = loadCatalogueOrComplain(m_catalogue, file);
         if (m_status != ExitStatus::Done) {
             return;
         }
         m_session = std::make_unique<ScriptManagerSession>(
-            m_host, m_catalogue, [](CTemplateData&, JobProgress*) { return true; }, m_updater, userPrompt());
+            m_host, m_catalogue, [](CTemplateData&, JobProgress*) { return true; }, userPrompt());
         m_session->open();
     }
 
@@ -72,9 +70,14 @@ public:
     FolderHost& host() { return m_host; }
     const ScriptFolders& folders() const { return m_folders; }  // as they were at first
     const std::string& mainScript() const { return m_mainScript; }
-    std::string mainText() const { return osFiles().readWhole(m_mainScript).value_or(""); }
-    void printDifference(const std::string& before, const std::string& after) const {
-        printPatch(unifiedDifference(before, after, m_mainScript, m_mainScript));
+    // A path as the user wrote its folder.
+    std::string shown(const std::string& path) const {
+        const std::string inProject = asGiven(path, suitePath(m_options.project), m_options.project);
+        return inProject == path ? asGiven(path, suitePath(m_options.templates), m_options.templates)
+                                 : inProject;
+    }
+    void printDifference(const std::string& path, const std::string& before, const std::string& after) const {
+        printPatch(unifiedDifference(before, after, shown(path), shown(path)));
     }
 
     // The file of a script named by its title or its file name; nothing, and a complaint, when it is unknown.
@@ -97,16 +100,38 @@ public:
         return {};
     }
 
-    std::optional<int> includedIndex(const std::string& fileName) const {
-        for (size_t i = 0; i < m_session->included().size(); ++i) {
-            if (equalNoCase(m_session->included()[i].fileName, fileName)) {
-                return static_cast<int>(i);
-            }
-        }
-        return {};
+    std::optional<size_t> includedIndex(const std::string& fileName) const {
+        return m_session->includedScripts().byFile(fileName);
     }
 
 private:
+    // Done when the folders and the main script are there.
+    ExitStatus openProject(const ScriptOptions& options) {
+        for (const std::string& folder : {options.project, options.templates}) {
+            const auto entry = osFiles().search(suitePath(folder));
+            if (!entry || !entry->isFolder) {
+                complain("there is no folder " + folder);
+                return ExitStatus::Usage;
+            }
+        }
+        m_mainScript = m_host.GetMainScriptPath().value_or("");
+        if (m_mainScript.empty() || !osFiles().exists(m_mainScript)) {
+            complain(options.mainScript.empty() ? "the project has no main script: name it with --main"
+                                                : "there is no main script " + options.mainScript);
+            return ExitStatus::Usage;
+        }
+        if (!equalNoCase(folderOf(m_mainScript), m_host.GetProjectFolder())) {
+            complain("the main script " + options.mainScript + " is not in the project folder " +
+                     options.project);
+            return ExitStatus::Usage;
+        }
+        if (!osFiles().readWhole(m_mainScript)) {
+            complain("cannot read " + shown(m_mainScript) + ": " + osFiles().lastError());
+            return ExitStatus::Failed;
+        }
+        return ExitStatus::Done;
+    }
+
     static FolderHost::Folders foldersOf(const ScriptOptions& options) {
         const std::string templates = suitePath(options.templates);
         FolderHost::Folders folders;
@@ -119,10 +144,10 @@ private:
         return folders;
     }
 
+    const ScriptOptions& m_options;
     FolderHost m_host;
     ScriptFolders m_folders;
     CTemplateData m_catalogue;
-    ValueKeepingUpdater m_updater;
     std::string m_mainScript;
     std::optional<FileLock> m_lock;
     ExitStatus m_status = ExitStatus::Done;
@@ -143,6 +168,10 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
         std::string version, date;
         manager.folders().ReadVersionAndDate(entry.fileName, version, date, false);
         const char* const place = placeName(manager.folders().LocateScript(entry.fileName));
+        std::vector<std::string> needers;
+        for (const size_t needer : manager.session().includedScripts().dependents(i)) {
+            needers.push_back(included[needer].fileName);
+        }
         const std::string neededBy = manager.session().neededBy(i);
         if (options.json) {
             scripts.push_back({{"filename", jsonText(entry.fileName)},
@@ -151,10 +180,11 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
                                {"place", place},
                                {"version", jsonText(version)},
                                {"date", jsonText(date)},
-                               {"neededBy", jsonText(neededBy)}});
+                               {"neededBy", jsonTexts(needers)}});
         } else {
             print(entry.fileName + "\t" + place + "\t" + version + "\t" + date + "\t" +
-                  (entry.script ? entry.text : "(USER)") + (neededBy.empty() ? "" : "\t" + neededBy) + "\n");
+                  (entry.script ? entry.text : "(USER)") +
+                  (neededBy.empty() ? "" : "\tneeded by " + neededBy) + "\n");
         }
     }
     if (options.json) {
@@ -188,40 +218,37 @@ ExitStatus add(Manager& manager, const ScriptOptions& options) {
         }
         std::string path;
         if (manager.folders().LocateScript(*file, path) == ScriptPlace::NotFound) {
-            complain("Can't find script file (1129).\nFile not added.");
+            complain(placeProblem(*file));
             return ExitStatus::Findings;
         }
         paths.push_back(path);
     }
     ScriptAdding adding(manager.host(), userPrompt());
     const AddPlan plan = adding.plan(paths);
+    if (!plan.problem.empty()) {
+        complain(plan.problem);
+        return ExitStatus::Findings;
+    }
     if (options.json) {
         printJson(asJson(plan));
     } else {
         print(plan.summary() + "\n");
-    }
-    if (!plan.problem.empty()) {
-        return ExitStatus::Findings;
-    }
-    if (plan.before.empty()) {
-        complain("the main script is empty or can't be read: nothing is included");
-        return ExitStatus::Findings;
     }
     if (options.dryRun) {
         if (options.json) {
             return ExitStatus::Done;
         }
         for (const AddPlan::Copy& copy : plan.copies) {
-            print("copy " + copy.source + " -> " + copy.destination + "\n");
+            print("copy " + manager.shown(copy.source) + " -> " + manager.shown(copy.destination) + "\n");
         }
-        manager.printDifference(plan.before, plan.after);
+        manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
         return ExitStatus::Done;
     }
-    if (adding.AddScriptsToProject(paths) && adding.error().empty()) {
+    if (adding.carryOut(plan) && adding.error().empty()) {
         return ExitStatus::Done;
     }
     complain(adding.error());
-    return ExitStatus::Failed;
+    return adding.declined() ? ExitStatus::Findings : ExitStatus::Failed;
 }
 
 // All of them in one rewrite, or none: those that need each other go together. The user's own scripts too, which
@@ -232,21 +259,20 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
     std::vector<std::string> files;
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
-        const std::optional<int> index = file ? manager.includedIndex(*file) : std::nullopt;
-        if (!index) {
+        const std::optional<size_t> entry = file ? manager.includedIndex(*file) : std::nullopt;
+        if (!entry) {
             if (file) {
                 complain("the main script doesn't include " + *file);
             }
             return ExitStatus::Usage;
         }
-        const auto entry = static_cast<size_t>(*index);
-        if (chosen.insert(entry).second) {
-            files.push_back(session.included()[entry].fileName);
+        if (chosen.insert(*entry).second) {
+            files.push_back(session.included()[*entry].fileName);
         }
     }
     std::set<size_t> needing;
     for (const size_t entry : chosen) {
-        for (const size_t dependent : session.dependents(entry)) {
+        for (const size_t dependent : session.includedScripts().dependents(entry)) {
             if (!chosen.contains(dependent)) {
                 needing.insert(dependent);
             }
@@ -260,16 +286,16 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
         session.refuseRemoval(titles);
         return ExitStatus::Findings;
     }
-    if (options.dryRun) {
-        const std::string before = manager.mainText();
-        manager.printDifference(before, withoutIncludes(before, files).value_or(before));
+    const RemovePlan plan = planRemoval(manager.host(), files);
+    std::string error = plan.problem;
+    if (options.dryRun && error.empty()) {
+        manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
         return ExitStatus::Done;
     }
-    std::string error;
-    if (RemoveIncludes(manager.host(), files, &error)) {
+    if (error.empty() && removeIncludes(manager.host(), plan, error)) {
         return ExitStatus::Done;
     }
-    complain(error.empty() ? "the main script doesn't include them any more" : error);
+    complain(error);
     return ExitStatus::Failed;
 }
 
@@ -280,41 +306,49 @@ std::string withoutLineEnd(std::string line) {
     return line;
 }
 
-// What `zoka scripts update` is about to do: the list's entries, of the files named or of all.
-void reportUpdates(Manager& manager, const ScriptOptions& options, const std::vector<UpdateEntry>& entries) {
+// What `zoka scripts update` is about to do with these entries of the list.
+ExitStatus reportUpdates(Manager& manager, const ScriptOptions& options,
+                         const std::vector<UpdateEntry>& entries) {
+    const UpdatePlan plan = manager.session().updateRun().plan(entries);
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    const ScriptFolders& folders = manager.folders();
     for (const UpdateEntry& entry : entries) {
         list.push_back({{"filename", jsonText(entry.fileName)},
                         {"line", jsonText(withoutLineEnd(entry.line))},
                         {"missingNeeds", jsonTexts(entry.missingNeeds)}});
-        if (options.json) {
-            continue;
+        if (!options.json) {
+            print(withoutLineEnd(entry.line) + "\n");
         }
-        print(withoutLineEnd(entry.line) + "\n");
-        // One of two entries of a script, for its needs and for its version, shows its lines.
-        const bool isLast = &entry == &entries.back() || (&entry)[1].fileName != entry.fileName;
-        if (isLast && folders.LocateScript(entry.fileName) == ScriptPlace::Project &&
-            folders.inTemplates(entry.fileName)) {
-            printPatch(
-                unifiedDifference(osFiles().readWhole(folders.projectPath(entry.fileName)).value_or(""),
-                                  osFiles().readWhole(folders.templatePath(entry.fileName)).value_or(""),
-                                  folders.projectPath(entry.fileName), folders.templatePath(entry.fileName)));
+    }
+    nlohmann::ordered_json scripts = nlohmann::ordered_json::array();
+    for (const UpdatePlan::Script& script : plan.scripts) {
+        const ValueUpdatePlan& change = script.change;
+        scripts.push_back({{"filename", jsonText(script.fileName)},
+                           {"valuesKept", change.kept},
+                           {"valuesWithoutPlace", change.unplaced.size()},
+                           {"linesLost", change.ownLines}});
+        if (!options.json) {
+            manager.printDifference(change.old.script.scriptPath, change.before, change.after);
         }
     }
     if (options.json) {
-        printJson({{"updates", list}});
-        return;
-    }
-    const std::string before = manager.mainText();
-    CLex lexer(before.data(), static_cast<long>(before.size()));
-    const Insertion missing =
-        planInsertion(lexer, manager.mainScript(), missingNeedsOf(entries, folders), folders.locator());
-    if (missing.problem.empty()) {
-        manager.printDifference(before, applyInsertion(before, missing));
+        printJson({{"updates", list},
+                   {"scripts", scripts},
+                   {"includes", jsonTexts(plan.included)},
+                   {"problems", jsonTexts(plan.problems)}});
     } else {
-        complain(missing.problem);
+        manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
     }
+    for (const UpdatePlan::Script& script : plan.scripts) {
+        if (script.change.ownLines > 0) {
+            complain(script.fileName + ": " + std::to_string(script.change.ownLines) +
+                     " lines that the template lacks; it is kept beside the new one as " + script.fileName +
+                     ".N.bak");
+        }
+    }
+    for (const std::string& problem : plan.problems) {
+        complain(problem);
+    }
+    return plan.problems.empty() ? ExitStatus::Findings : ExitStatus::Failed;
 }
 
 ExitStatus update(Manager& manager, const ScriptOptions& options) {
@@ -336,16 +370,23 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
         entries.push_back(entry);
         listed.insert(key);
     }
-    if (options.json || options.dryRun) {
-        reportUpdates(manager, options, entries);
+    if ((options.json || options.dryRun) && (options.json || !entries.empty())) {
+        const ExitStatus found = reportUpdates(manager, options, entries);
+        if (options.dryRun) {
+            return entries.empty() ? ExitStatus::Done : found;
+        }
+    } else if (options.dryRun) {
+        return ExitStatus::Done;
     }
-    if (options.dryRun) {
-        return entries.empty() ? ExitStatus::Done : ExitStatus::Findings;
-    }
+    bool agreed = true;
     if (files.empty()) {
-        session.updateListed();
+        agreed = session.updateListed();
     } else if (!entries.empty()) {
         session.updateEntries(entries);
+    }
+    if (!agreed) {
+        complain("declined; nothing was updated");
+        return ExitStatus::Findings;
     }
     if (!options.json) {
         for (const std::string& file : files) {
@@ -362,7 +403,7 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
     }
     std::string unplaced = session.updateRun().unplaced();
     if (unplaced.empty()) {
-        return ExitStatus::Done;
+        return session.updateRun().leftAlone().empty() ? ExitStatus::Done : ExitStatus::Findings;
     }
     std::erase(unplaced, '\r');
     complain("no place for these values, which are kept beside each script (.zoka.old):\n" + unplaced);
@@ -380,11 +421,16 @@ ExitStatus restore(Manager& manager, const ScriptOptions& options) {
     }
     ExitStatus status = ExitStatus::Done;
     for (const std::string& file : files) {
-        if (!(options.dryRun ? canRestore(manager.host(), file) : manager.session().restore(file))) {
+        if (!options.dryRun) {
+            status = manager.session().restore(file) ? status : ExitStatus::Findings;
+            continue;
+        }
+        const RestorePlan plan = planRestore(manager.host(), file);
+        if (plan.problem.empty()) {
+            print("copy " + manager.shown(plan.source) + " -> " + manager.shown(plan.destination) + "\n");
+        } else {
+            complain(file + ": " + plan.problem);
             status = ExitStatus::Findings;
-        } else if (options.dryRun) {
-            print("copy " + manager.folders().templatePath(file) + " -> " +
-                  manager.folders().projectPath(file) + "\n");
         }
     }
     return status;
@@ -400,51 +446,37 @@ ExitStatus notes(Manager& manager, const ScriptOptions& options) {
     return ExitStatus::Done;
 }
 
-// The included scripts that need this one, and those that need them, each once.
+// The included scripts that need this one and those that need them, as a tree that has each once. Far down it is no
+// longer moved to the right: a long chain would fill the page with blanks.
 ExitStatus why(Manager& manager, const ScriptOptions& options) {
+    constexpr size_t kDeepest = 20;
     const std::optional<std::string> file = manager.fileOf(options.names.front());
     if (!file) {
         return ExitStatus::Usage;
     }
-    const auto& included = manager.session().included();
-    const std::optional<int> start = manager.includedIndex(*file);
+    const IncludedScripts& scripts = manager.session().includedScripts();
+    const std::optional<size_t> start = scripts.byFile(*file);
     if (!start) {
         print(*file + " is not included\n");
         return ExitStatus::Findings;
     }
-    std::unordered_map<std::string, std::vector<size_t>> needers;
-    for (size_t i = 0; i < included.size(); ++i) {
-        std::string path;
-        manager.folders().LocateScript(included[i].fileName, path);
-        for (const std::string& need : readScriptFacts(path).needs) {
-            needers[lowered(need)].push_back(i);
-        }
-    }
-    struct Step {
-        size_t script;
-        std::string chain;
-    };
-    nlohmann::ordered_json chains = nlohmann::ordered_json::array();
-    std::vector<Step> way = {{static_cast<size_t>(*start), included[static_cast<size_t>(*start)].fileName}};
-    std::unordered_set<size_t> seen = {way[0].script};
-    for (size_t at = 0; at < way.size(); ++at) {
-        const Step step = way[at];
-        for (const size_t needer : needers[lowered(included[step.script].fileName)]) {
-            if (seen.insert(needer).second) {
-                way.push_back({needer, step.chain + " <- " + included[needer].fileName});
-            }
-        }
-        if (at > 0) {
-            chains.push_back(jsonText(step.chain));
-        }
-        if (at > 0 && !options.json) {
-            print(step.chain + "\n");
-        }
-    }
+    const std::vector<IncludedScripts::Need> needs = scripts.allThatNeed(*start);
+    const auto name = [&scripts](size_t script) { return scripts.all()[script].fileName; };
     if (options.json) {
-        printJson({{"filename", jsonText(*file)}, {"neededBy", chains}});
-    } else if (way.size() == 1) {
-        print(*file + " is included by itself: no included script needs it\n");
+        std::vector<std::string> names;
+        nlohmann::ordered_json tree = nlohmann::ordered_json::array();
+        for (const auto& [script, needed, depth] : needs) {
+            names.push_back(name(script));
+            tree.push_back({{"filename", jsonText(name(script))}, {"needs", jsonText(name(needed))}});
+        }
+        printJson({{"filename", jsonText(name(*start))}, {"neededBy", jsonTexts(names)}, {"tree", tree}});
+        return ExitStatus::Done;
+    }
+    print(name(*start) + (needs.empty() ? " is included by itself: no included script needs it\n" : "\n"));
+    for (const auto& [script, needed, depth] : needs) {
+        print(std::string(2 * std::min(depth, kDeepest), ' ') + name(script) +
+              (depth > kDeepest ? " (level " + std::to_string(depth) + ", needs " + name(needed) + ")" : "") +
+              "\n");
     }
     return ExitStatus::Done;
 }
@@ -472,7 +504,7 @@ void addCommand(CLI::App& scripts, Work& chosen, const char* name, const char* d
         }
     }
     if (takes & kDryRun) {
-        command->add_flag("--dry-run", options->dryRun,
+        command->add_flag("-n,--dry-run", options->dryRun,
                           "Change nothing; print what would be changed and copied");
     }
     if (takes & kJson) {

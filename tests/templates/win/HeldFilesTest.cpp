@@ -4,7 +4,8 @@
 #include <windows.h>
 
 #include "templates/ScriptAdding.h"
-#include "templates/ValueKeepingUpdater.h"
+#include "templates/ScriptRestore.h"
+#include "templates/ScriptUpdate.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/templates/Project.h"
 
@@ -33,8 +34,7 @@ std::string remove(Project& project, ScriptedPrompt&) {
 std::string update(Project& project, ScriptedPrompt& prompt) {
     CTemplateData catalogue;
     catalogue.AddScript(test::script("Fog", "fog.kez"));
-    ValueKeepingUpdater updater;
-    ScriptUpdate run(project.host, catalogue, updater, prompt);
+    ScriptUpdate run(project.host, catalogue, prompt);
     run.FillUpdateList(true);
     run.UpdateSelected(0);
     EXPECT_TRUE(run.updated().empty());
