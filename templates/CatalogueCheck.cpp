@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "templates/CatalogueXml.h"
 #include "templates/ScriptHeader.h"
 #include "templates/ScriptNeeds.h"
 #include "util/OsFiles.h"
@@ -17,6 +18,38 @@ void addLines(std::vector<CatalogueFinding>& findings, const std::string& script
         const size_t end = std::min(report.find('\n', at), report.size());
         findings.push_back({script, report.substr(at, end - at)});
         at = end + 1;
+    }
+}
+
+// Names the fields with characters that a catalogue can't hold.
+void findDropped(std::vector<CatalogueFinding>& findings, const CScriptElm& script) {
+    const auto look = [&](const char* field, const std::string& text) {
+        const auto at = std::find_if(text.begin(), text.end(), isDroppedFromCatalogue);
+        if (at != text.end()) {
+            findings.push_back({script.m_filename, std::string("its ") + field +
+                                                       " holds the control character " +
+                                                       std::to_string(static_cast<unsigned char>(*at)) +
+                                                       ", which a catalogue can't hold; it is left out"});
+        }
+    };
+    look("id", script.m_id);
+    look("prefix", script.m_prefix);
+    look("title", script.m_name);
+    look("description", script.m_desc);
+    look("note", script.m_note);
+    look("class", script.m_class);
+    look("type", script.m_type);
+    look("version", script.m_vers);
+    look("date", script.m_date);
+    look("engine requirement", script.m_engreq.AsText());
+    for (const std::string& need : script.m_needs) {
+        look("needs line", need);
+    }
+    for (const CScriptSection& section : script.m_sections) {
+        look("section", section.m_name + section.m_text + section.m_imgfile);
+        for (const CScriptAction& action : section.m_actions) {
+            look("action", action.m_name + action.m_filename + action.m_desc + action.m_engreq.AsText());
+        }
     }
 }
 
@@ -55,6 +88,9 @@ public:
             if (!script.m_directory.empty() && !m_catalogue.findDirectory(script.m_directory)) {
                 find(i, "the catalogue has no directory \"" + script.m_directory + "\"");
             }
+            if (!script.m_filename.empty() && !staysInFolder(script.m_filename)) {
+                find(i, "its file name is none that stays in the template folder");
+            }
             checkNeeds(i);
             if (!m_folder.empty()) {
                 checkFile(i);
@@ -84,8 +120,8 @@ private:
 
     void checkFile(size_t i) {
         const CScriptElm& script = m_scripts[i];
-        if (!isPlainFileName(script.m_filename)) {
-            return;
+        if (!staysInFolder(script.m_filename)) {
+            return;  // found above
         }
         CScriptElm file;
         std::string ignored;
@@ -150,7 +186,7 @@ std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
     return Checker(catalogue, templateFolder).run();
 }
 
-bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
+bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder, const CTemplateData* earlier,
                     std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable) {
     bool any = false;
     for (const OsEntry& entry : osFiles().list(joinPath(templateFolder, "*.kez"))) {
@@ -162,9 +198,13 @@ bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
         std::string report;
         if (!loadScriptHeader(joinPath(templateFolder, entry.name), entry.name, script, report)) {
             unreadable.push_back(entry.name);
+            if (auto known = earlier ? earlier->findByFilenameNoCase(entry.name) : std::nullopt) {
+                catalogue.AddScript(std::move(*known));
+            }
             continue;
         }
         addLines(findings, entry.name, report);
+        findDropped(findings, script);
         catalogue.AddScript(std::move(script));
     }
     return any;

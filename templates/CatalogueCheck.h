@@ -22,8 +22,9 @@ std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
                                              const std::string& templateFolder);
 
 // Makes a catalogue of all KEZ files of a folder, sorted by name, and appends to `findings` what their
-// headers lack. False when there is none; `unreadable` gets the names of those that can't be read.
-bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
+// headers lack and what a catalogue can't hold. False when there is none; `unreadable` gets the names of those that can't be read.
+// A script that can't be read stays as `earlier` (may be null) has it.
+bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder, const CTemplateData* earlier,
                     std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable);
 
 }  // namespace zoka

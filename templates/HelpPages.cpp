@@ -1,14 +1,17 @@
 #include "templates/HelpPages.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "templates/CatalogueXml.h"
 #include "templates/HelpStyle.h"
 #include "templates/ScriptNeeds.h"
+#include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
+#include "xml/XMLConvert.h"
 
 namespace zoka {
 
@@ -23,10 +26,21 @@ constexpr const char* kAfterTitle =
 constexpr const char* kFoot = "\n</body>\n</html>";
 constexpr const char* kDocumentedType = "USER";
 
-std::string escaped(std::string_view text) {
+// The pages' character set is fixed, so each character beyond ASCII is written as a reference. A text is UTF-8 where
+// all of it can be, else of the 8-bit set.
+std::string escaped(const std::string& text) {
+    const bool utf8 = isUtf8(text.c_str());
     std::string result;
     result.reserve(text.size());
-    for (const char c : text) {
+    for (size_t i = 0; i < text.size();) {
+        const char c = text[i];
+        if (static_cast<unsigned char>(c) >= 0x80) {
+            char32_t character = windows1252(static_cast<unsigned char>(c));
+            i += utf8 ? std::max(utf8Sequence(text.c_str() + i, character), 1U) : 1;
+            result += "&#" + std::to_string(static_cast<std::uint32_t>(character)) + ";";
+            continue;
+        }
+        ++i;
         switch (c) {
             case '&':
                 result += "&amp;";
@@ -47,7 +61,7 @@ std::string escaped(std::string_view text) {
 }
 
 // With "<br>" for each line end.
-std::string inLines(std::string_view text) {
+std::string inLines(const std::string& text) {
     std::string result;
     for (const char c : escaped(text)) {
         if (c == '\n') {
@@ -294,7 +308,12 @@ std::string asFileName(std::string name) {
             c = '_';
         }
     }
-    return name;
+    constexpr size_t kLongest = 200;  // bytes, with room for a number
+    constexpr std::string_view kEnding = ".htm";
+    if (name.size() > kLongest) {
+        name = name.substr(0, kLongest - kEnding.size()) + std::string(kEnding);
+    }
+    return isPlainFileName(name) ? name : "_" + name;  // a device's name
 }
 
 }  // namespace
@@ -336,6 +355,22 @@ bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder,
 
 bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
     return makeHelp(catalogue, intoFolder(folder, error));
+}
+
+std::vector<std::string> pagesOfOthers(const std::string& folder,
+                                       const std::unordered_set<std::string>& names) {
+    constexpr std::string_view kMark = "<!-- saved from KEZ2XML -->";
+    std::vector<std::string> others;
+    for (const OsEntry& entry : osFiles().list(folder + "*.htm")) {
+        if (entry.isFolder || names.contains(lowered(entry.name))) {
+            continue;
+        }
+        const std::optional<std::string> text = osFiles().readWhole(folder + entry.name);
+        if (text && text->starts_with(kMark)) {
+            others.push_back(entry.name);
+        }
+    }
+    return others;
 }
 
 bool makeHelp(const CTemplateData& catalogue, const PageTaker& take) {

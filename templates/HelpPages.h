@@ -4,6 +4,8 @@
 
 #include <functional>
 #include <string>
+#include <unordered_set>
+#include <vector>
 
 #include "templates/TemplateData.h"
 
@@ -25,6 +27,11 @@ bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::s
 // The same for any taker of the files; false as soon as it returns false.
 using PageTaker = std::function<bool(const std::string& name, const std::string& text)>;
 bool makeHelp(const CTemplateData& catalogue, const PageTaker& take);
+
+// The pages in `folder` (with a separator at its end) that an earlier run made and whose lowered names are not in
+// `names`: those of scripts and classes that are gone. Pages of other programs are left out.
+std::vector<std::string> pagesOfOthers(const std::string& folder,
+                                       const std::unordered_set<std::string>& names);
 
 // The page names: "template_" + class + ".htm"; the script's name, or its file name, without the characters
 // that don't go well into links, + ".htm". What no file name can hold is made "_". Names are unique without

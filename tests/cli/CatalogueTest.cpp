@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "tests/cli/Tool.h"
@@ -136,8 +137,10 @@ TEST(Scripts, AddRemoveAndWhy) {
     EXPECT_EQ(suite.read("game/main.kez"), suite.main(all));
     EXPECT_THAT(suite.read("game/camera_1.kez"), HasSubstr("// image: x_1.bmp\r\n"));
     EXPECT_EQ(suite.run("scripts why" + kOptions + "noise.kez").out,
-              "noise.kez <- weather.kez\nnoise.kez <- camera_0.kez\nnoise.kez <- camera_1.kez\n"
-              "noise.kez <- weather.kez <- fog.kez\n");
+              "noise.kez\n  weather.kez\n    fog.kez\n  camera_0.kez\n  camera_1.kez\n");
+    const json reasons = json::parse(suite.run("scripts why" + kOptions + "noise.kez --json").out);
+    EXPECT_EQ(reasons["neededBy"], json::array({"weather.kez", "fog.kez", "camera_0.kez", "camera_1.kez"}));
+    EXPECT_EQ(reasons["tree"][1], (json{{"filename", "fog.kez"}, {"needs", "weather.kez"}}));
 
     const ToolRun refused = suite.run("scripts remove" + kOptions + "weather.kez");
     EXPECT_EQ(refused.status, 1);
@@ -165,7 +168,10 @@ TEST(Scripts, ListNotesUpdateAndRestore) {
               "noise.kez\ttemplate\t2\t260101\tThe noise\tneeded by The camera_ (camera_7.kez)\n"
               "fog.kez\tproject\t1\t-1\tThe fog\n"
               "camera_7.kez\tmissing\t-1\t-1\tThe camera_ (camera_7.kez)\n");
-    EXPECT_EQ(json::parse(suite.run("scripts list" + kOptions + "--json").out)["scripts"].size(), 4U);
+    const json listed = json::parse(suite.run("scripts list" + kOptions + "--json").out)["scripts"];
+    ASSERT_EQ(listed.size(), 4U);
+    EXPECT_EQ(listed[0]["neededBy"], json::array());
+    EXPECT_EQ(listed[1]["neededBy"], json::array({"camera_7.kez"}));
     EXPECT_THAT(suite.run("scripts notes" + kOptions).out,
                 HasSubstr("fog.kez  (1) (-1) --> **(2) (260101)**\r\n"));
 
@@ -222,4 +228,104 @@ TEST(Scripts, ValuesWithoutAPlaceAreNamedWithExitCode1) {
                 AllOf(HasSubstr("no place for these values"), HasSubstr("fog.kez\n"), HasSubstr("77")));
     EXPECT_THAT(suite.read("game/fog.kez"), HasSubstr("// ver: 2\r\n"));
     EXPECT_EQ(suite.run("--yes scripts update" + kOptions).status, 0) << "told once";
+}
+
+TEST(Scripts, ExitCodesSayWhatWentWrong) {
+    Suite suite;
+    suite.write("game/main.kez", suite.main({"noise.kez", "fog.kez"}));
+    suite.write("game/noise.kez", "// ver: 1\r\n");
+    suite.write("outside.kez", "x");
+    struct Row {
+        const char* command;
+        int status;
+        const char* says;
+    };
+    for (const Row& row :
+         {Row{"scripts list -p nosuch -t suite/templates", 2, "zoka: there is no folder nosuch"},
+          Row{"scripts list -p game -t nosuch", 2, "zoka: there is no folder nosuch"},
+          Row{"scripts list -p game -t suite/templates -m game/none.kez", 2,
+              "zoka: there is no main script game/none.kez"},
+          Row{"scripts list -p game -t suite/templates -m outside.kez", 2,
+              "is not in the project folder game"},
+          Row{"scripts update -p game -t suite/templates -m game/main.kez", 1,
+              "declined; nothing was updated"},
+          Row{"scripts lst -p game", 2, "zoka: unknown command lst; did you mean list?"},
+          Row{"scirpts list", 2, "zoka: unknown command scirpts; did you mean scripts?"},
+          Row{"quite-another", 2, "zoka: unknown command quite-another\n"}}) {
+        const ToolRun run = suite.run(row.command);
+        EXPECT_EQ(run.status, row.status) << row.command;
+        EXPECT_THAT(run.err, HasSubstr(row.says)) << row.command;
+    }
+    EXPECT_EQ(suite.read("game/noise.kez"), "// ver: 1\r\n");
+}
+
+TEST(Scripts, ADryRunShowsWhatTheRunDoes) {
+    Suite suite;
+    const std::string entry = "\r\n// entry: Depth\r\n// id: 1\r\nvar depth = ";
+    suite.write("game/main.kez", suite.main({"noise.kez"}));
+    suite.write("game/noise.kez", "// ver: 1\r\n" + entry + "77;\r\nfunction mine() {}\r\n");
+    suite.write("suite/templates/noise.kez", "// ver: 2\r\n" + entry + "5;\r\n");
+    const ToolRun dry = suite.run("scripts update" + kOptions + "-n");
+    EXPECT_EQ(dry.status, 1);
+    EXPECT_THAT(dry.out, AllOf(HasSubstr("\n-function mine() {}\n"), HasSubstr("\n var depth = 77;\n")))
+        << "the value is kept";
+    EXPECT_THAT(dry.out, HasSubstr("--- game")) << "the path as it was given";
+    EXPECT_THAT(dry.err, HasSubstr("noise.kez: 1 lines that the template lacks"));
+    EXPECT_EQ(suite.run("--yes scripts update" + kOptions).status, 0);
+    EXPECT_EQ(suite.read("game/noise.kez"), "// ver: 2\r\n" + entry + "77;\r\n");
+    EXPECT_THAT(suite.read("game/noise.kez.1.bak"), HasSubstr("function mine() {}"));
+}
+
+TEST(Scripts, WhyStaysShortOnALongChain) {
+    Suite suite;
+    std::vector<std::string> names;
+    for (int i = 0; i < 300; ++i) {
+        const std::string name = "s" + std::to_string(i);
+        suite.addTemplate(name, i == 0 ? "" : "needs: s" + std::to_string(i - 1) + ".kez\r\n");
+        names.push_back(name + ".kez");
+    }
+    suite.write("game/main.kez", suite.main(names));
+    suite.run("catalogue build suite/templates");
+    const std::string out = suite.run("scripts why" + kOptions + "s0.kez").out;
+    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 300);
+    EXPECT_LT(out.size(), 300U * 90);
+    EXPECT_THAT(out, HasSubstr("s299.kez (level 299, needs s298.kez)\n"));
+}
+
+TEST(Catalogue, BuildingAnewKeepsWhatItIsNotTold) {
+    Suite suite;
+    const std::string build = "catalogue build suite/templates ";
+    EXPECT_EQ(suite.run(build + "--name Harbour --vers 6.2 --enginereq \"6.1 GOLD\"").status, 0);
+    std::string text = suite.read("suite/templates/template_6.xml");
+    text.insert(text.find("<Directory"), "<Directory type=\"art\" path=\".\\art\"/>\n");
+    suite.write("suite/templates/template_6.xml", text);
+    suite.addTemplate("rain", "note: \x01 odd\r\n");
+    const ToolRun run = suite.run(build + "--vers 6.3");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("rain.kez: its note holds the control character 1"));
+    const std::string built = suite.read("suite/templates/template_6.xml");
+    for (const char* part :
+         {"name=\"Harbour\"", "version=\"6.3\"", "vers =\"6.1 GOLD\"", "type=\"art\"", "rain.kez"}) {
+        EXPECT_THAT(built, HasSubstr(part));
+    }
+    EXPECT_EQ(suite.run("catalogue check " + kCatalogue).status, 0) << "what is written can be read";
+    for (const char* file : {"-", "suite/templates"}) {
+        EXPECT_EQ(suite.run(std::string("catalogue list ") + file).status, 2) << file;
+    }
+}
+
+TEST(Catalogue, PagesOfScriptsThatAreGoneArePruned) {
+    Suite suite;
+    const std::string command = "help-pages " + kCatalogue + "-o pages";
+    EXPECT_EQ(suite.run(command).status, 0);
+    suite.write("pages/own.htm", "<html>mine</html>");
+    std::filesystem::remove(suite.path("suite/templates/fog.kez"));
+    suite.run("catalogue build suite/templates");
+    EXPECT_THAT(suite.run(command).err,
+                HasSubstr("1 page is of a script that is gone; --prune deletes them"));
+    EXPECT_THAT(suite.run(command + " -n --prune").out, HasSubstr("delete Thefog.htm\n"));
+    EXPECT_TRUE(std::filesystem::exists(suite.path("pages/Thefog.htm")));
+    EXPECT_EQ(suite.run(command + " --prune").err, "");
+    EXPECT_FALSE(std::filesystem::exists(suite.path("pages/Thefog.htm")));
+    EXPECT_TRUE(std::filesystem::exists(suite.path("pages/own.htm")));
 }

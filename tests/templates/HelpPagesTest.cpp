@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "templates/CatalogueXml.h"
 #include "tests/support/TempFolder.h"
 #include "tests/templates/Scripts.h"
@@ -161,4 +163,22 @@ TEST(HelpPages, TheCataloguesOwnOperationsWriteBesideTheCurrentFolder) {
     osFiles().setCurrentFolder(before);
     EXPECT_TRUE(std::filesystem::exists(folder.native("docs/template_Camera.htm")));
     EXPECT_TRUE(std::filesystem::exists(folder.native("docs/Chase.htm")));
+}
+
+TEST(HelpPages, CharactersBeyondAsciiAreReferencesAndDevicesAreNoPages) {
+    CTemplateData data;
+    CScriptElm elm = script("con", "a.kez", "C");
+    elm.m_desc = "caf\xE9 \x80";              // of the 8-bit set
+    elm.m_note = "caf\xC3\xA9 \xE2\x82\xAC";  // UTF-8
+    data.AddScript(elm);
+    std::string page;
+    makeHelp(data, [&page](const std::string& name, const std::string& text) {
+        if (name == "_con.htm") {
+            page = text;
+        }
+        return true;
+    });
+    EXPECT_NE(page.find("caf&#233; &#8364;"), std::string::npos);
+    EXPECT_NE(page.find("<h3>Remarks:</h3>\ncaf&#233; &#8364;"), std::string::npos);
+    EXPECT_EQ(std::count_if(page.begin(), page.end(), [](char c) { return (c & 0x80) != 0; }), 0);
 }

@@ -2,12 +2,15 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "templates/CatalogueCheck.h"
 #include "templates/CatalogueXml.h"
 #include "templates/HelpPages.h"
+#include "templates/ScriptNeeds.h"
 #include "templates/ScriptSearch.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
@@ -16,10 +19,18 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
+#include "xml/XMLConvert.h"
+#include "xml/XMLEncoding.h"
 
 namespace zoka::cli {
 
 ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& path) {
+    const auto entry = isStandardStream(path) ? std::nullopt : osFiles().search(suitePath(path));
+    if (isStandardStream(path) || (entry && entry->isFolder)) {
+        complain(path +
+                 (entry ? " is a folder: name its catalogue file" : " is no file: name the catalogue file"));
+        return ExitStatus::Usage;
+    }
     XMLResults results;
     workOn(path);
     if (loadCatalogue(catalogue, suitePath(path), &results)) {
@@ -57,37 +68,65 @@ ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>&
 }
 
 struct BuildOptions {
-    std::string folder, output, name = "Templates", type = "full", version = "1", engineReq;
+    std::string folder, output;
+    std::optional<std::string> name, type, version, engineReq;  // where not given, those of the old catalogue
     bool dryRun = false, json = false;
 };
 
+// Gives the catalogue its own header: the old one's, but for what is asked for.
+void setHeader(CTemplateData& catalogue, const CTemplateData* earlier, const BuildOptions& options,
+               const std::string& folder) {
+    catalogue.SetName(options.name.value_or(earlier ? earlier->GetName() : "Templates"));
+    catalogue.SetType(options.type.value_or(earlier ? earlier->GetType() : "full"));
+    catalogue.SetVers(options.version.value_or(earlier ? earlier->GetVers() : "1"));
+    catalogue.SetEngReq(options.engineReq.value_or(earlier ? earlier->GetEngReq() : ""));
+    if (earlier) {
+        for (const auto& [type, path] : earlier->directories()) {
+            catalogue.AddDirectory(type, path);
+        }
+    }
+    if (!catalogue.findDirectory("code")) {
+        catalogue.AddDirectory("code", ".\\" + std::string(fileNameOf(folder)));
+    }
+}
+
 ExitStatus build(const BuildOptions& options) {
     const std::string folder = suitePath(options.folder);
-    CTemplateData catalogue;
-    catalogue.SetName(options.name);
-    catalogue.SetType(options.type);
-    catalogue.SetVers(options.version);
-    catalogue.SetEngReq(options.engineReq);
-    catalogue.AddDirectory("code", ".\\" + std::string(fileNameOf(folder)));
+    const std::string output =
+        options.output.empty() ? joinPath(folder, kCatalogueFile) : suitePath(options.output);
+    const std::string shown =
+        options.output.empty() ? asGiven(output, folder, options.folder) : options.output;
+    CTemplateData catalogue, old;
+    const bool exists = osFiles().exists(output);
+    const bool known = exists && loadCatalogue(old, output, nullptr);
+    if (exists && !known) {
+        complain(shown + " can't be read as a catalogue: its name, version and directories are not kept");
+    }
+    setHeader(catalogue, known ? &old : nullptr, options, folder);
     std::vector<CatalogueFinding> findings;
     std::vector<std::string> unreadable;
-    if (!buildCatalogue(catalogue, folder, findings, unreadable)) {
+    if (!buildCatalogue(catalogue, folder, known ? &old : nullptr, findings, unreadable)) {
         complain("there is no KEZ script in " + options.folder);
         return ExitStatus::Failed;
     }
+    const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
+    ExitStatus status = report(options.folder, findings, options.json);
     for (const std::string& name : unreadable) {
-        complain("cannot read " + name);
+        complain("cannot read " + name +
+                 (known && old.recordByFilenameNoCase(name) ? "; it stays as it was" : "; it is left out"));
+        status = ExitStatus::Failed;
     }
-    if (!unreadable.empty()) {
+    // What Add Script could not read would end the editor.
+    XMLResults results;
+    setXmlCharset(isUtf8(text.c_str()) ? XMLCharset::Utf8 : XMLCharset::Platform);
+    if (XMLNode::parseBytes(text, kCatalogueRoot, &results).isEmpty()) {
+        complain(shown + ":" + std::to_string(results.line) + ":" + std::to_string(results.column) + ": " +
+                 XMLNode::errorText(results.code) + ". Nothing was written.");
         return ExitStatus::Failed;
     }
-    const std::string output =
-        options.output.empty() ? joinPath(folder, kCatalogueFile) : suitePath(options.output);
-    const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
-    const ExitStatus status = report(options.folder, findings, options.json);
     if (options.dryRun) {
         if (!options.json) {
-            printPatch(unifiedDifference(osFiles().readWhole(output).value_or(""), text, output, output));
+            printPatch(unifiedDifference(osFiles().readWhole(output).value_or(""), text, shown, shown));
         }
         return status;
     }
@@ -195,30 +234,54 @@ ExitStatus check(const std::string& file, const std::string& templates, bool jso
                   json);
 }
 
-ExitStatus writePages(const std::string& file, const std::string& output, bool dryRun) {
+struct PagesOptions {
+    std::string file, output = "docs";
+    bool dryRun = false, prune = false;
+};
+
+ExitStatus writePages(const PagesOptions& options) {
     CTemplateData catalogue;
-    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, options.file);
     if (loaded != ExitStatus::Done) {
         return loaded;
     }
-    const std::string folder = suitePath(output);
-    if (dryRun) {
-        makeHelp(catalogue, [&folder](const std::string& name, const std::string& text) {
-            const std::string path = joinPath(folder, name);
-            printPatch(unifiedDifference(osFiles().readWhole(path).value_or(""), text, path, path));
-            return true;
-        });
+    const std::string folder = suitePath(options.output) + "\\";
+    std::unordered_set<std::string> names;
+    makeHelp(catalogue, [&](const std::string& name, const std::string& text) {
+        names.insert(lowered(name));
+        if (options.dryRun) {
+            const std::string path = folder + name,
+                              shown = asGiven(path, suitePath(options.output), options.output);
+            printPatch(unifiedDifference(osFiles().readWhole(path).value_or(""), text, shown, shown));
+        }
+        return true;
+    });
+    const std::vector<std::string> gone = pagesOfOthers(folder, names);
+    if (options.dryRun) {
+        for (const std::string& page : gone) {
+            print((options.prune ? "delete " : "of a script that is gone: ") + page + "\n");
+        }
         return ExitStatus::Done;
     }
-    if (!osFiles().exists(folder)) {
-        osFiles().makeFolder(folder);
-    }
+    osFiles().makeFolders(suitePath(options.output));  // where it can't, the first page says so
     std::string error;
-    if (writeHelp(catalogue, folder + "\\", &error)) {
-        return ExitStatus::Done;
+    if (!writeHelp(catalogue, folder, &error)) {
+        complain(error);
+        return ExitStatus::Failed;
     }
-    complain(error);
-    return ExitStatus::Failed;
+    if (!options.prune && !gone.empty()) {
+        complain(
+            std::to_string(gone.size()) +
+            (gone.size() == 1 ? " page is of a script that is gone" : " pages are of scripts that are gone") +
+            "; --prune deletes them");
+    }
+    for (const std::string& page : gone) {
+        if (options.prune && !osFiles().deleteFile(folder + page)) {
+            complain("cannot delete " + page + ": " + osFiles().lastError());
+            return ExitStatus::Failed;
+        }
+    }
+    return ExitStatus::Done;
 }
 
 void addBuild(CLI::App& catalogue, Work& chosen) {
@@ -227,11 +290,11 @@ void addBuild(CLI::App& catalogue, Work& chosen) {
     const auto options = std::make_shared<BuildOptions>();
     command->add_option("FOLDER", options->folder, "The template folder")->required();
     command->add_option("-o,--output", options->output, "The catalogue file [FOLDER/template_6.xml]");
-    command->add_option("--name", options->name, "The template set's name")->capture_default_str();
-    command->add_option("--type", options->type, "Its type")->capture_default_str();
-    command->add_option("--vers", options->version, "Its version")->capture_default_str();
+    command->add_option("--name", options->name, "The template set's name [that of the old catalogue]");
+    command->add_option("--type", options->type, "Its type [that of the old catalogue]");
+    command->add_option("--vers", options->version, "Its version [that of the old catalogue]");
     command->add_option("--enginereq", options->engineReq, "The engine it needs, as in \"6.1 PRO\"");
-    command->add_flag("--dry-run", options->dryRun, "Write nothing; print the line difference");
+    command->add_flag("-n,--dry-run", options->dryRun, "Write nothing; print the line difference");
     command->add_flag("--json", options->json, "Print the findings as JSON, without the difference");
     setExample(*command, "zoka catalogue build templates --name \"Harbour Lights\" --vers 6.2");
     command->callback([=, &chosen] { chosen = [=] { return build(*options); }; });
@@ -283,14 +346,13 @@ void addCatalogueCommands(CLI::App& app, Work& chosen) {
     addShow(*catalogue, chosen);
 
     CLI::App* pages = app.add_subcommand("help-pages", "Write HTML help about a catalogue's scripts");
-    const auto file = std::make_shared<std::string>();
-    const auto output = std::make_shared<std::string>("docs");
-    pages->add_option("FILE", *file, "The catalogue file")->required();
-    pages->add_option("-o,--output", *output, "The folder for the pages")->capture_default_str();
-    const auto dryRun = std::make_shared<bool>(false);
-    pages->add_flag("--dry-run", *dryRun, "Write nothing; print the line differences");
+    const auto options = std::make_shared<PagesOptions>();
+    pages->add_option("FILE", options->file, "The catalogue file")->required();
+    pages->add_option("-o,--output", options->output, "The folder for the pages")->capture_default_str();
+    pages->add_flag("--prune", options->prune, "Delete the pages of scripts that are gone");
+    pages->add_flag("-n,--dry-run", options->dryRun, "Write nothing; print the line differences");
     setExample(*pages, "zoka help-pages templates/template_6.xml -o docs");
-    pages->callback([=, &chosen] { chosen = [=] { return writePages(*file, *output, *dryRun); }; });
+    pages->callback([=, &chosen] { chosen = [=] { return writePages(*options); }; });
 }
 
 }  // namespace zoka::cli
