@@ -233,49 +233,14 @@ std::string catalogueText(const CTemplateData& catalogue, const std::string& dat
 
 namespace {
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-// The catalogue's writer leaves the platform's 8-bit characters as they are and declares nothing, so a file
-// can look like UTF-8 at its start and not be. The process's XML character set is then set right.
-XMLNode parseCatalogue(const std::string& path, XMLResults* results, JobProgress* progress = nullptr) {
+XMLNode parseCatalogue(const std::string& path, XMLResults* results, JobProgress* progress) {
     XMLWatch watch;
-    bool stopped = false;
     if (progress) {
         watch = [&, what = std::string(fileNameOf(path))](size_t done, size_t total) {
-            stopped = !progress->step(done, total, what);
-            return !stopped;
+            return progress->step(done, total, what);
         };
     }
-    bool utf8 = false;
-    if (const File file{osFiles().openStream(path, "rb")}) {
-        char head[kXmlGuessBytes];
-        utf8 = guessUtf8(std::string_view(head, std::fread(head, 1, sizeof head, file.get())));
-        setXmlCharset(utf8 ? XMLCharset::Utf8 : XMLCharset::Platform);
-    }
-    const XMLNode root = XMLNode::parseFile(path.c_str(), kCatalogueRoot, results, watch);
-    if (!root.isEmpty() || stopped || !utf8) {
-        return root;
-    }
-    const std::optional<std::string> bytes = osFiles().readWhole(path);
-    const auto isEightBit = [](char c) { return (c & 0x80) != 0; };
-    if (!bytes || std::none_of(bytes->begin(), bytes->end(), isEightBit)) {
-        return root;
-    }
-    setXmlCharset(XMLCharset::Platform);
-    XMLNode again = XMLNode::parseBytes(*bytes, kCatalogueRoot, nullptr, watch);
-    if (stopped && results) {
-        *results = {};
-    }
-    if (again.isEmpty()) {
-        setXmlCharset(XMLCharset::Utf8);
-    }
-    if (!again.isEmpty() && results) {
-        *results = {};
-    }
-    return again;
+    return XMLNode::parseFileInItsSet(path.c_str(), kCatalogueRoot, results, watch);
 }
 
 }  // namespace
@@ -363,8 +328,7 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
 }
 
 bool CTemplateData::LoadFromXML(const std::string& path) {
-    const XMLNode root = zoka::parseCatalogue(path, nullptr);
-    return LoadFromNode(root.isEmpty() ? XMLNode::loadFileOrExit(path.c_str(), zoka::kCatalogueRoot) : root);
+    return LoadFromNode(XMLNode::loadFileOrExit(path.c_str(), zoka::kCatalogueRoot));
 }
 
 bool CTemplateData::WriteXML(const std::string& path) const {

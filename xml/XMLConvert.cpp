@@ -1,7 +1,7 @@
 #include "xml/XMLConvert.h"
 
 #include "xml/PlatformCharset.h"
-#include "xml/XMLEncoding.h"
+#include "xml/XMLPosition.h"
 
 namespace zoka {
 namespace {
@@ -47,9 +47,9 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-// The encoding that the declaration at the start names, in lower case; empty without one. Whether the
+// The encoding that the declaration at the start names, as it stands there; empty without one. Whether the
 // declaration is right is the parser's affair.
-std::string declaredEncoding(std::string_view text) {
+std::string_view declaredEncoding(std::string_view text) {
     if (!text.starts_with("<?xml") || text.size() < 6 || !isBlank(text[5])) {
         return {};
     }
@@ -73,39 +73,66 @@ std::string declaredEncoding(std::string_view text) {
         return {};
     }
     const size_t end = text.find(text[at], at + 1);
-    return end == text.npos ? std::string() : lower(text.substr(at + 1, end - at - 1));
+    return end == text.npos ? std::string_view() : text.substr(at + 1, end - at - 1);
 }
 
-// Appends characters to a text in the process's set.
+bool namesUtf8(std::string_view lowerCase) {
+    return lowerCase.starts_with("utf-8") || lowerCase.starts_with("utf8");
+}
+bool namesUtf16(std::string_view lowerCase) {
+    return lowerCase.starts_with("utf-16") || lowerCase.starts_with("utf16") ||
+           lowerCase.starts_with("iso-10646-ucs-2") || lowerCase.starts_with("ucs-2");
+}
+
+// By mark and declaration alone.
+XMLFileForm formBySigns(std::string_view bytes) {
+    XMLFileForm form;
+    if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
+        form.set = bytes[0] == '\xff' ? XMLFileSet::Utf16Le : XMLFileSet::Utf16Be;
+        form.mark = 2;
+    } else if (bytes.starts_with(kUtf8Mark)) {
+        form.mark = kUtf8Mark.size();
+    } else {
+        const std::string declared = lower(declaredEncoding(bytes));
+        if (declared == "iso-8859-1" || declared == "latin1") {
+            form.set = XMLFileSet::Latin1;
+        } else if (declared == "windows-1252" || declared == "cp1252") {
+            form.set = XMLFileSet::Windows1252;
+        }
+    }
+    return form;
+}
+
+// Appends characters to a text in a character set.
 class Output {
 public:
-    explicit Output(XMLDecoded& result) : result_(result), utf8_(xmlCharset() == XMLCharset::Utf8) {
-        result_.converted = true;
+    Output(XMLDecoded& result, XMLCharset charset) : m_result(result), m_utf8(charset == XMLCharset::Utf8) {
+        m_result.converted = true;
     }
     void put(char32_t c) {
-        if (!result_.ok) {
+        if (!m_result.ok) {
             return;
         }
-        if (utf8_ || c < 0x80) {
-            appendUtf8(result_.text, c);
+        if (m_utf8 || c < 0x80) {
+            appendUtf8(m_result.text, c);
             return;
         }
         std::u16string unit;
         appendUtf16(unit, c);
-        if (!appendPlatform(result_.text, unit)) {
-            result_.ok = false;
+        if (!appendPlatform(m_result.text, unit)) {
+            m_result.ok = false;
         }
     }
-    void fail() { result_.ok = false; }
+    void fail() { m_result.ok = false; }
 
 private:
-    XMLDecoded& result_;
-    const bool utf8_;
+    XMLDecoded& m_result;
+    const bool m_utf8;
 };
 
-XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian) {
+XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian, XMLCharset charset) {
     XMLDecoded result;
-    Output out(result);
+    Output out(result, charset);
     const auto unit = [&](size_t i) {
         const auto a = static_cast<unsigned char>(bytes[i]), b = static_cast<unsigned char>(bytes[i + 1]);
         return static_cast<char32_t>(bigEndian ? a << 8 | b : b << 8 | a);
@@ -127,28 +154,19 @@ XMLDecoded decodeUtf16(std::string_view bytes, bool bigEndian) {
     if (result.ok && i != bytes.size()) {
         out.fail();
     }
-    const std::string declared = declaredEncoding(result.text);
-    if (result.ok && !declared.empty() && !declared.starts_with("utf-16") && !declared.starts_with("utf16") &&
-        !declared.starts_with("iso-10646-ucs-2") && !declared.starts_with("ucs-2")) {
-        out.fail();
-        result.text.clear();
-    }
     return result;
 }
 
-XMLDecoded decodeUtf8(std::string_view bytes, size_t skip) {
+// `bytes` are UTF-8 from `skip` on.
+XMLDecoded decodeUtf8(std::string_view bytes, size_t skip, XMLCharset charset) {
     XMLDecoded result;
-    Output out(result);
+    Output out(result, charset);
     const char* p = bytes.data() + skip;
     const char* const end = bytes.data() + bytes.size();
     while (result.ok && p < end) {
         char32_t c = 0;
         const unsigned length = utf8Sequence(p, c);
-        if (length == 0) {
-            out.fail();
-        } else {
-            out.put(c);
-        }
+        out.put(c);
         p += length;
     }
     return result;
@@ -156,17 +174,11 @@ XMLDecoded decodeUtf8(std::string_view bytes, size_t skip) {
 
 XMLDecoded decodeLatin(std::string_view bytes, bool windows) {
     XMLDecoded result;
-    Output out(result);
+    Output out(result, XMLCharset::Utf8);
     for (const char byte : bytes) {
         const auto c = static_cast<unsigned char>(byte);
         out.put(windows ? char32_t{windows1252(c)} : char32_t{c});
     }
-    return result;
-}
-
-XMLDecoded refused() {
-    XMLDecoded result;
-    result.ok = false;
     return result;
 }
 
@@ -229,15 +241,19 @@ std::string utf8FromUtf16(std::u16string_view text) {
 }
 
 bool isUtf8(const char* text) {
-    while (*text) {
+    return firstNotUtf8(text) == std::string_view::npos;
+}
+
+size_t firstNotUtf8(std::string_view text) {
+    for (size_t at = 0; at < text.size();) {
         char32_t c = 0;
-        const unsigned length = utf8Sequence(text, c);
+        const unsigned length = utf8Sequence(text.data() + at, c);
         if (length == 0) {
-            return false;
+            return at;
         }
-        text += length;
+        at += length;
     }
-    return true;
+    return text.npos;
 }
 
 bool isXmlNameStart(char32_t c) {
@@ -254,39 +270,83 @@ bool isXmlNameChar(char32_t c) {
     return isXmlNameStart(c) || inRanges(c, std::begin(kNameMore), std::end(kNameMore));
 }
 
-XMLDecoded decodeXmlFile(std::string_view bytes) {
-    const bool utf8 = xmlCharset() == XMLCharset::Utf8;
+XMLFileForm xmlFileForm(std::string_view bytes) {
+    XMLFileForm form = formBySigns(bytes);
+    const bool is16 = form.set == XMLFileSet::Utf16Le || form.set == XMLFileSet::Utf16Be;
+    std::string converted;
+    std::string_view text = bytes.substr(form.mark);
+    if (is16) {
+        converted = decodeUtf16(bytes, form.set == XMLFileSet::Utf16Be, XMLCharset::Utf8).text;
+        text = converted;
+    }
+    const auto tell = [&](size_t offset, std::string what) {
+        const XMLPosition::Place place = XMLPosition(text.data(), true, nullptr).at(text.data() + offset);
+        form.line = place.line;
+        form.column = place.column;
+        form.untrue = std::move(what);
+    };
+    const std::string_view given = declaredEncoding(text);
+    const auto givenAt = static_cast<size_t>(given.empty() ? 0 : given.data() - text.data());
+    const std::string declared = lower(given);
+    if (is16) {
+        if (!declared.empty() && !namesUtf16(declared)) {
+            tell(givenAt, "\"" + std::string(given) + "\" is declared, but the file is UTF-16 by its mark");
+        }
+        return form;
+    }
+    const bool saysUtf8 = form.mark > 0 || namesUtf8(declared);
+    const size_t bad = form.set == XMLFileSet::Utf8 ? firstNotUtf8(text) : text.npos;
+    if (bad != text.npos) {
+        form.set = XMLFileSet::Platform;
+        if (saysUtf8) {
+            tell(bad, std::string(form.mark ? "the mark says UTF-8" : "UTF-8 is declared") +
+                          ", but this is none: the file is read in the system's character set");
+        }
+    } else if (form.mark > 0 && !declared.empty() && !namesUtf8(declared)) {
+        tell(givenAt, "\"" + std::string(given) + "\" is declared, but the file is UTF-8 by its mark");
+    }
+    if (form.mark == 0 && namesUtf16(declared)) {
+        tell(givenAt, "\"" + std::string(given) + "\" is declared, but the file is 8-bit text");
+    }
+    return form;
+}
+
+XMLDecoded decodeXmlFile(std::string_view bytes, XMLCharset charset, bool notUtf8) {
     if (!xmlCharsetGuessing()) {
         return {};
     }
-    if (bytes.starts_with("\xff\xfe")) {
-        return decodeUtf16(bytes, false);
+    const XMLFileForm form = formBySigns(bytes);
+    XMLDecoded asItIs;
+    asItIs.skip = form.mark;
+    const std::string_view text = bytes.substr(form.mark);
+    switch (form.set) {
+        case XMLFileSet::Utf16Le:
+        case XMLFileSet::Utf16Be:
+            return decodeUtf16(bytes, form.set == XMLFileSet::Utf16Be, charset);
+        case XMLFileSet::Latin1:
+        case XMLFileSet::Windows1252:
+            return charset == XMLCharset::Utf8 ? decodeLatin(bytes, form.set == XMLFileSet::Windows1252)
+                                               : asItIs;
+        default:
+            break;
     }
-    if (bytes.starts_with("\xfe\xff")) {
-        return decodeUtf16(bytes, true);
+    if (charset == XMLCharset::Platform) {
+        const bool saysUtf8 = form.mark > 0 || namesUtf8(lower(declaredEncoding(bytes)));
+        return saysUtf8 && firstNotUtf8(text) == text.npos ? decodeUtf8(bytes, form.mark, charset) : asItIs;
     }
-    const size_t skip = bytes.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
-    const std::string declared = declaredEncoding(bytes.substr(skip));
-    const bool declaredUtf8 = declared.starts_with("utf-8") || declared.starts_with("utf8");
-    // Eight-bit bytes can't be UTF-16, nor bytes with the mark of UTF-8 anything else.
-    if (declared.starts_with("utf-16")) {
-        return refused();
-    }
-    if (skip && !declared.empty() && !declaredUtf8) {
-        return refused();
-    }
-    if (!utf8) {
-        if (skip || declaredUtf8) {
-            return decodeUtf8(bytes, skip);
-        }
-    } else if (declared == "iso-8859-1" || declared == "latin1") {
-        return decodeLatin(bytes, false);
-    } else if (declared == "windows-1252" || declared == "cp1252") {
-        return decodeLatin(bytes, true);
+    if (!notUtf8) {
+        return asItIs;
     }
     XMLDecoded result;
-    result.skip = skip;
+    result.converted = true;
+    result.text = utf8FromPlatform(text);
     return result;
+}
+
+std::string utf8FromPlatform(std::string_view text) {
+    std::u16string wide;
+    appendUtf16(wide, text);
+    return utf8FromUtf16(wide);
 }
 
 }  // namespace zoka

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "xml/XMLEncoding.h"
+
 namespace zoka {
 
 // Length of the UTF-8 sequence at `p`, 0 when it is malformed (cut off, overlong, a surrogate, above 10FFFF);
@@ -49,6 +51,8 @@ void appendUtf16(std::u16string& out, char32_t c);
 // UTF-16 to UTF-8; lone surrogates become U+FFFD.
 std::string utf8FromUtf16(std::u16string_view text);
 bool isUtf8(const char* text);
+// Text in the platform's set as UTF-8.
+std::string utf8FromPlatform(std::string_view text);
 // The character of a byte of the Windows-1252 set.
 char16_t windows1252(unsigned char byte);
 
@@ -65,7 +69,26 @@ bool isXmlNameChar(char32_t c);
 
 inline constexpr std::string_view kUtf8Mark = "\xef\xbb\xbf";
 
-// A file's bytes in the process's character set.
+// What the bytes of a file stand for, by its mark, its declaration and the bytes themselves: a mark counts more than
+// a declaration, and bytes that are no UTF-8 more than either.
+enum class XMLFileSet { Utf8, Utf16Le, Utf16Be, Latin1, Windows1252, Platform };
+
+struct XMLFileForm {
+    XMLFileSet set = XMLFileSet::Utf8;
+    size_t mark = 0;  // bytes in front of the text
+    // Where the file says of itself what isn't so: the place, and what. No text where all is well. (A file that
+    // declares nothing and is in the platform's set says nothing wrong.)
+    int line = 0;
+    int column = 0;
+    std::string untrue;
+};
+// Looks at every byte. `bytes` must be followed by a 0.
+XMLFileForm xmlFileForm(std::string_view bytes);
+
+// The offset of the first byte that is no UTF-8, or npos. `text` must be followed by a 0.
+size_t firstNotUtf8(std::string_view text);
+
+// A file's bytes in another character set.
 struct XMLDecoded {
     // False: cannot be converted; `text` holds what comes before the first character that can't.
     bool ok = true;
@@ -74,7 +97,8 @@ struct XMLDecoded {
     std::string text;
     size_t skip = 0;
 };
-// `bytes` must be followed by a 0.
-XMLDecoded decodeXmlFile(std::string_view bytes);
+// The bytes as a tree in `charset` needs them. Bytes that seem to be UTF-8 by mark and declaration are taken for it
+// without a look at them, unless `notUtf8` says that they aren't. `bytes` must be followed by a 0.
+XMLDecoded decodeXmlFile(std::string_view bytes, XMLCharset charset, bool notUtf8 = false);
 
 }  // namespace zoka

@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "xml/XMLTree.h"
+
 namespace zoka {
 
 const XMLCursor* XMLCursors::findOld(const XMLElement* owner, XMLCursorKind kind, const XMLName* name,
@@ -23,7 +25,8 @@ void XMLCursors::keep(const Place& place) {
     const XMLCursorKind kind = place.cursor.kind;
     std::optional<XMLName> name;
     if (kind == XMLCursorKind::Named || kind == XMLCursorKind::Position) {
-        name.emplace(static_cast<const XMLElement*>(place.cursor.item)->name);
+        name.emplace(static_cast<const XMLElement*>(place.cursor.item)->name,
+                     XMLDocument::leadsOf(place.owner));
     }
     for (XMLCursor& old : list) {
         if (fits(old, kind, name ? &*name : nullptr)) {

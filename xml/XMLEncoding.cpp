@@ -1,18 +1,17 @@
 #include "xml/XMLEncoding.h"
 
 #include <algorithm>
+#include <atomic>
 
-#include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
-#include "xml/XMLNames.h"
 
 namespace zoka {
 namespace {
 
 constexpr size_t kFewestBytes = 25;
 
-XMLCharset theCharset = XMLCharset::Utf8;
-bool guessing = true;
+std::atomic<XMLCharset> theCharset = XMLCharset::Utf8;
+std::atomic<bool> guessing = true;
 
 bool sequencesAreUtf8(std::string_view head) {
     for (size_t i = 0; i < head.size();) {
@@ -51,7 +50,6 @@ XMLCharset xmlCharset() {
 }
 void setXmlCharset(XMLCharset charset) {
     theCharset = charset;
-    xmlLeadBytes = charset == XMLCharset::Platform ? platformLeadBytes() : nullptr;
 }
 bool xmlCharsetGuessing() {
     return guessing;

@@ -1,4 +1,4 @@
-// The character set of XML texts in memory: one choice for the whole process.
+// The character sets of XML texts in memory, and which one a file is in.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,12 @@ enum class XMLCharset { Utf8, Platform };
 
 namespace zoka {
 
-// Utf8 until set. Used from one thread at a time; set it before trees exist or their texts are misread.
+// The set that a tree gets whose maker names none: Utf8 until set. Each tree keeps the set that it was made with, so
+// that threads may read files in different sets at once. [any thread]
 XMLCharset xmlCharset();
 void setXmlCharset(XMLCharset charset);
 
-// Whether reading a file looks for UTF-16 and byte-order marks. On until switched off.
+// Whether reading a file looks for marks, UTF-16 and what its declaration says. On until switched off. [any thread]
 bool xmlCharsetGuessing();
 void setXmlCharsetGuessing(bool on);
 

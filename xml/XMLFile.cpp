@@ -3,12 +3,13 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "util/OsFiles.h"
+#include "util/PathRules.h"
 #include "util/SafeWrite.h"
 #include "util/UserPrompt.h"
-#include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLNode.h"
 #include "xml/XMLParser.h"
@@ -59,42 +60,6 @@ bool readAll(std::FILE* file, XMLDocument& document, char*& text, size_t& size) 
     return true;
 }
 
-// The first bytes of a file; empty when it can't be read.
-std::string headOf(const char* path) {
-    const File file(osFiles().openStream(path, "rb"));
-    if (!file) {
-        return {};
-    }
-    std::string head(kXmlGuessBytes, '\0');
-    head.resize(std::fread(head.data(), 1, head.size(), file.get()));
-    return head;
-}
-
-// `text` has `size` bytes in the process's character set, behind which stand a 0 and the padding.
-XMLElement* parseOwned(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,
-                       XMLResults& results, const XMLWatch& watch = {}) {
-    XMLElement* top = parseXml(document, root, text, size, tag, results, watch);
-    return top && !tag ? root : top;
-}
-
-// The same with the bytes of a file.
-XMLElement* parseFileBytes(XMLDocument& document, XMLElement* root, char* bytes, size_t size, const char* tag,
-                           XMLResults& results, const XMLWatch& watch) {
-    const XMLDecoded decoded = decodeXmlFile({bytes, size});
-    if (!decoded.ok) {
-        const XMLPosition position(decoded.text.c_str(), xmlCharset() == XMLCharset::Utf8);
-        const XMLPosition::Place place = position.at(decoded.text.c_str() + decoded.text.size());
-        results = {kXmlCannotConvert, place.line, place.column};
-        return nullptr;
-    }
-    if (!decoded.converted) {
-        return parseOwned(document, root, bytes + decoded.skip, size - decoded.skip, tag, results, watch);
-    }
-    char* text = document.newText(decoded.text.size());
-    std::memcpy(text, decoded.text.data(), decoded.text.size());
-    return parseOwned(document, root, text, decoded.text.size(), tag, results, watch);
-}
-
 // Whether a file of that name could be written. Called after writing failed, to tell why.
 bool canOpenForWriting(const char* path) {
     OsFiles& files = osFiles();
@@ -118,89 +83,175 @@ const XMLElement* ownDeclaration(const XMLElement* top) {
         return nullptr;
     }
     const auto* element = static_cast<const XMLElement*>(first);
-    return element->isDeclaration && XMLName("xml").matches(element->key, element->name) ? element : nullptr;
+    return element->isDeclaration && XMLName("xml", nullptr).matches(element->key, element->name) ? element
+                                                                                                  : nullptr;
 }
 
 bool namesUtf8(const char* encoding) {
-    const std::uint64_t key = xmlNameKey(encoding);
-    return key == xmlNameKey("utf-8") || key == xmlNameKey("utf8");
+    return equalNoCase(encoding, "utf-8") || equalNoCase(encoding, "utf8");
 }
 bool namesUtf(const char* encoding) {
-    return (xmlNameKey(encoding) & 0xffffff) == xmlNameKey("utf");
+    return equalNoCase(std::string_view(encoding).substr(0, 3), "utf");
 }
 
-std::string utf8FromPlatform(std::string_view text) {
-    std::u16string wide;
-    appendUtf16(wide, text);
-    return utf8FromUtf16(wide);
+// What is parsed into a document of its own.
+class Parsing {
+public:
+    Parsing(const char* tag, XMLResults& results, const XMLWatch& watch)
+        : m_tag(tag), m_results(results), m_watch(watch) {}
+
+    // A text in the document's character set, of `size` bytes at `text` in its buffer, behind which stand a 0 and
+    // the padding. Null on an error.
+    XMLElement* text(XMLDocument& document, char* text, size_t size) {
+        XMLElement* root = document.newElement();
+        XMLElement* top = parseXml(document, root, text, size, m_tag, m_results, m_watch);
+        return top && !m_tag ? root : top;
+    }
+    // The same with the bytes of a file.
+    XMLElement* fileBytes(XMLDocument& document, char* bytes, size_t size, bool notUtf8) {
+        const XMLDecoded decoded = decodeXmlFile({bytes, size}, document.charset, notUtf8);
+        if (!decoded.ok) {
+            const XMLPosition position(decoded.text.c_str(), document.charset == XMLCharset::Utf8,
+                                       document.leads);
+            const XMLPosition::Place place = position.at(decoded.text.c_str() + decoded.text.size());
+            m_results = {kXmlCannotConvert, place.line, place.column};
+            return nullptr;
+        }
+        if (!decoded.converted) {
+            return text(document, bytes + decoded.skip, size - decoded.skip);
+        }
+        char* own = document.newText(decoded.text.size());
+        std::memcpy(own, decoded.text.data(), decoded.text.size());
+        return text(document, own, decoded.text.size());
+    }
+
+private:
+    const char* m_tag;
+    XMLResults& m_results;
+    const XMLWatch& m_watch;
+};
+
+// The node, whose document is the first handle's to free.
+XMLElement* handedOut(std::unique_ptr<XMLDocument>& document, XMLElement* node) {
+    if (node) {
+        (void)document.release();
+    }
+    return node;
 }
 
-}  // namespace
-}  // namespace zoka
+// Parses what `fill(document, bytes, size)` puts into a document's text, in the set `charset`; without one in that
+// of the bytes, UTF-8 or the platform's. Whether they are UTF-8 is seen by parsing them: only when that fails are
+// they looked through, got again and taken for what they are then.
+template <class Fill>
+XMLElement* parseFilled(const char* tag, XMLResults& results, const XMLWatch& watch,
+                        std::optional<XMLCharset> charset, const Fill& fill) {
+    Parsing parsing(tag, results, watch);
+    char* bytes = nullptr;
+    size_t size = 0;
+    const auto filled = [&](XMLCharset set) {
+        auto document = std::make_unique<XMLDocument>(set);
+        if (!fill(*document, bytes, size)) {
+            results = {kXmlFileNotFound};
+            document.reset();
+        }
+        return document;
+    };
+    XMLCharset set = charset.value_or(XMLCharset::Utf8);
+    std::unique_ptr<XMLDocument> document = filled(set);
+    if (document && !charset && !guessUtf8({bytes, size})) {
+        set = XMLCharset::Platform;
+        document = filled(set);
+    }
+    if (!document) {
+        return nullptr;
+    }
+    XMLElement* const node = parsing.fileBytes(*document, bytes, size, false);
+    const bool asked = results.code == kXmlNone || results.code == kXmlFirstTagNotFound;
+    if (node || asked || set == XMLCharset::Platform || !xmlCharsetGuessing()) {
+        return handedOut(document, node);
+    }
+    const XMLResults first = results;
+    document = filled(charset.value_or(XMLCharset::Platform));
+    if (!document) {
+        return nullptr;
+    }
+    if (firstNotUtf8({bytes, size}) == std::string_view::npos) {
+        results = first;
+        return nullptr;
+    }
+    results = {};
+    return handedOut(document, parsing.fileBytes(*document, bytes, size, true));
+}
 
-namespace {
+XMLElement* parseStream(const char* path, const char* tag, XMLResults& results, const XMLWatch& watch,
+                        std::optional<XMLCharset> charset) {
+    const File file(path ? osFiles().openStream(path, "rb") : nullptr);
+    if (!file) {
+        results = {kXmlFileNotFound};
+        return nullptr;
+    }
+    return parseFilled(tag, results, watch, charset, [&](XMLDocument& document, char*& bytes, size_t& size) {
+        return readAll(file.get(), document, bytes, size);
+    });
+}
 
-// Runs `parse(document, root, results)` on a new document. Gives its node, whose document is the first
-// handle's to free, or null.
+// Runs `parse(results)`, which may run out of memory.
 template <class Parse>
 XMLElement* parsed(XMLResults* results, Parse parse) {
     XMLResults own;
     XMLResults& found = results ? *results : own;
     found = {};
     try {
-        auto document = std::make_unique<XMLDocument>();
-        XMLElement* node = parse(*document, document->newElement(), found);
-        if (node) {
-            (void)document.release();
-        }
-        return node;
+        return parse(found);
     } catch (const std::bad_alloc&) {
-        found = {kXmlNoData, 0, 0};
+        found = {kXmlNoData, 0, 0, true};
         return nullptr;
     }
 }
 
 }  // namespace
+}  // namespace zoka
 
-XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* results, const XMLWatch& watch) {
-    return XMLNode(
-        parsed(results, [&](XMLDocument& document, XMLElement* root, XMLResults& found) -> XMLElement* {
-            found.code = kXmlFileNotFound;
-            if (!path) {
-                return nullptr;
-            }
-            const zoka::File file(zoka::osFiles().openStream(path, "rb"));
-            char* bytes = nullptr;
-            size_t size = 0;
-            if (!file || !zoka::readAll(file.get(), document, bytes, size)) {
-                return nullptr;
-            }
-            return zoka::parseFileBytes(document, root, bytes, size, tag, found, watch);
-        }));
+XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* results, const XMLWatch& watch,
+                           XMLCharset charset) {
+    return XMLNode(zoka::parsed(
+        results, [&](XMLResults& found) { return zoka::parseStream(path, tag, found, watch, charset); }));
 }
 
-XMLNode XMLNode::parseBytes(std::string_view bytes, const char* tag, XMLResults* results,
-                            const XMLWatch& watch) {
-    return XMLNode(parsed(results, [&](XMLDocument& document, XMLElement* root, XMLResults& found) {
-        char* text = document.newText(bytes.size());
-        if (!bytes.empty()) {
-            std::memcpy(text, bytes.data(), bytes.size());
-        }
-        return zoka::parseFileBytes(document, root, text, bytes.size(), tag, found, watch);
+XMLNode XMLNode::parseFileInItsSet(const char* path, const char* tag, XMLResults* results,
+                                   const XMLWatch& watch) {
+    return XMLNode(zoka::parsed(results, [&](XMLResults& found) {
+        return zoka::parseStream(path, tag, found, watch, std::nullopt);
     }));
 }
 
-XMLNode XMLNode::parseText(const char* text, const char* tag, XMLResults* results) {
-    return XMLNode(parsed(results, [&](XMLDocument& document, XMLElement* root, XMLResults& found) {
+XMLNode XMLNode::parseBytes(std::string_view bytes, const char* tag, XMLResults* results,
+                            const XMLWatch& watch, XMLCharset charset) {
+    const auto fill = [&](XMLDocument& document, char*& text, size_t& size) {
+        text = document.newText(bytes.size());
+        size = bytes.size();
+        if (!bytes.empty()) {
+            std::memcpy(text, bytes.data(), bytes.size());
+        }
+        return true;
+    };
+    return XMLNode(zoka::parsed(
+        results, [&](XMLResults& found) { return zoka::parseFilled(tag, found, watch, charset, fill); }));
+}
+
+XMLNode XMLNode::parseText(const char* text, const char* tag, XMLResults* results, XMLCharset charset) {
+    return XMLNode(zoka::parsed(results, [&](XMLResults& found) {
         std::string_view given = text ? text : "";
         if (zoka::xmlCharsetGuessing() && given.starts_with(zoka::kUtf8Mark)) {
             given.remove_prefix(zoka::kUtf8Mark.size());
         }
-        char* own = document.newText(given.size());
+        auto document = std::make_unique<XMLDocument>(charset);
+        char* own = document->newText(given.size());
         if (!given.empty()) {
             std::memcpy(own, given.data(), given.size());
         }
-        return zoka::parseOwned(document, root, own, given.size(), tag, found);
+        XMLElement* node = zoka::Parsing(tag, found, {}).text(*document, own, given.size());
+        return zoka::handedOut(document, node);
     }));
 }
 
@@ -208,9 +259,11 @@ XMLNode XMLNode::loadFileOrExit(const char* path, const char* tag) {
     if (!path) {
         path = "";
     }
-    zoka::setXmlCharset(zoka::guessUtf8(zoka::headOf(path)) ? XMLCharset::Utf8 : XMLCharset::Platform);
     XMLResults results;
-    XMLNode node = parseFile(path, tag, &results);
+    XMLNode node = parseFileInItsSet(path, tag, &results);
+    if (!node.isEmpty()) {
+        zoka::setXmlCharset(node.charset());
+    }
     if (results.code != kXmlNone) {
         std::string text = "XML Parsing error inside file '" + std::string(path) + "'.\n" +
                            errorText(results.code) + "\nAt line " + std::to_string(results.line) +
@@ -227,7 +280,7 @@ std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool forma
     if (!element_) {
         return std::nullopt;
     }
-    const bool utf8 = zoka::xmlCharset() == XMLCharset::Utf8;
+    const bool utf8 = charset() == XMLCharset::Utf8;
     std::string head;
     // Whether the file's bytes are UTF-8, whatever the texts in memory are.
     bool writesUtf8 = true;
@@ -268,7 +321,12 @@ int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) c
     if (!element_ || !path) {
         return kXmlCannotOpenForWriting;
     }
-    const auto bytes = toFileBytes(encoding, formatted);
+    std::optional<std::string> bytes;
+    try {
+        bytes = toFileBytes(encoding, formatted);
+    } catch (const std::bad_alloc&) {
+        bytes.reset();
+    }
     if (!bytes) {
         return kXmlCannotWrite;
     }

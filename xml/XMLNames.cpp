@@ -1,5 +1,7 @@
 #include "xml/XMLNames.h"
 
+#include "xml/PlatformCharset.h"
+
 namespace zoka {
 namespace {
 
@@ -9,22 +11,21 @@ unsigned char fold(unsigned char c) {
 
 }  // namespace
 
-const bool* xmlLeadBytes = nullptr;
+XMLLeads xmlPlatformLeads = platformLeadBytes();
 
-std::uint64_t xmlNameKeyWithLeads(const char* name, size_t length) {
+std::uint64_t xmlNameKeyWithLeads(const char* name, size_t length, XMLLeads leads) {
     std::uint64_t key = 0;
     bool trail = false;
     for (size_t i = 0; i < 8 && i < length && name[i]; ++i) {
         const auto c = static_cast<unsigned char>(name[i]);
         key |= std::uint64_t{trail ? c : fold(c)} << (8 * i);
-        trail = !trail && xmlLeadBytes[c];
+        trail = !trail && leads[c];
     }
     return key;
 }
 
-bool xmlSameTail(const char* a, const char* b) {
+bool xmlSameTail(const char* a, const char* b, XMLLeads leads) {
     // Whether the ninth byte is a trail byte follows from the first eight alone.
-    const bool* leads = xmlLeadBytes;
     bool trail = false;
     if (leads) {
         for (int i = 0; i < 8; ++i) {

@@ -13,17 +13,23 @@
 
 namespace zoka {
 
-// 256 flags, by byte: whether it begins a two-byte character in the process's character set; the byte behind
-// it belongs to it, whatever it looks like. Null where the set has none. Changed by setXmlCharset alone.
-extern const bool* xmlLeadBytes;
+// 256 flags, by byte: whether it begins a two-byte character in a tree's character set; the byte behind it belongs
+// to it, whatever it looks like. Null where the set has none.
+using XMLLeads = const bool*;
+
+// Those of the platform's set. Fixed but for tests.
+extern XMLLeads xmlPlatformLeads;
+inline XMLLeads xmlLeads(XMLCharset charset) {
+    return charset == XMLCharset::Platform ? xmlPlatformLeads : nullptr;
+}
 
 // Length of the character at `p`, which is not the terminator, in the platform's set.
-inline unsigned platformCharacter(const char* p) {
-    return xmlLeadBytes && xmlLeadBytes[static_cast<unsigned char>(*p)] && p[1] ? 2 : 1;
+inline unsigned platformCharacter(const char* p, XMLLeads leads) {
+    return leads && leads[static_cast<unsigned char>(*p)] && p[1] ? 2 : 1;
 }
 
 // The forms for sets with two-byte characters; `length` as below.
-std::uint64_t xmlNameKeyWithLeads(const char* name, size_t length);
+std::uint64_t xmlNameKeyWithLeads(const char* name, size_t length, XMLLeads leads);
 
 // A to Z in the eight bytes folded to lower case.
 inline std::uint64_t foldNameBytes(std::uint64_t bytes) {
@@ -36,25 +42,22 @@ inline std::uint64_t foldNameBytes(std::uint64_t bytes) {
 }
 
 // The key of a 0-terminated name.
-inline std::uint64_t xmlNameKey(const char* name) {
-    if (xmlLeadBytes) {
-        return xmlNameKeyWithLeads(name, SIZE_MAX);
+inline std::uint64_t xmlNameKey(const char* name, XMLLeads leads) {
+    if (leads) {
+        return xmlNameKeyWithLeads(name, SIZE_MAX, leads);
     }
-
     std::uint64_t bytes = 0;
     for (unsigned i = 0; i < 64 && *name; i += 8) {
         bytes |= std::uint64_t{static_cast<unsigned char>(*name++)} << i;
     }
-
     return foldNameBytes(bytes);
 }
 
 // The same of a name of `length` bytes in a text that may be read eight bytes from its start.
-inline std::uint64_t xmlNameKey(const char* name, size_t length) {
-    if (xmlLeadBytes) {
-        return xmlNameKeyWithLeads(name, length);
+inline std::uint64_t xmlNameKey(const char* name, size_t length, XMLLeads leads) {
+    if (leads) {
+        return xmlNameKeyWithLeads(name, length, leads);
     }
-
     std::uint64_t bytes = 0;
     if constexpr (std::endian::native == std::endian::little) {
         std::memcpy(&bytes, name, 8);
@@ -66,37 +69,35 @@ inline std::uint64_t xmlNameKey(const char* name, size_t length) {
     if (length < 8) {
         bytes &= (std::uint64_t{1} << (8 * length)) - 1;
     }
-
     return foldNameBytes(bytes);
 }
 
 // Whether two names are equal behind their first eight bytes, which are.
-bool xmlSameTail(const char* a, const char* b);
+bool xmlSameTail(const char* a, const char* b, XMLLeads leads);
 
-// A name to look for.
+// A name to look for in a tree whose character set has these leads.
 struct XMLName {
-    explicit XMLName(const char* text) : key(xmlNameKey(text)), name(text) {}
+    XMLName(const char* text, XMLLeads treeLeads)
+        : key(xmlNameKey(text, treeLeads)), name(text), leads(treeLeads) {}
     // `otherName` is null for the document node, which no name matches.
     bool matches(std::uint64_t otherKey, const char* otherName) const {
         if (otherKey != key || !otherName) {
             return false;
         }
-
         if (key >> 56 == 0) {
             return true;
         }
-
         // Mostly the case is the same too.
         for (const char *a = otherName + 8, *b = name + 8; *a == *b; ++a, ++b) {
             if (*a == 0) {
                 return true;
             }
         }
-
-        return xmlSameTail(otherName, name);
+        return xmlSameTail(otherName, name, leads);
     }
     std::uint64_t key;
     const char* name;
+    XMLLeads leads;
 };
 
 }  // namespace zoka

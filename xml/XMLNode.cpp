@@ -88,12 +88,12 @@ void XMLNode::freeTree(const XMLElement* element) {
     delete XMLDocument::of(element);
 }
 
-XMLNode XMLNode::createTop(const char* name, bool isDeclaration) {
-    auto document = std::make_unique<XMLDocument>();
+XMLNode XMLNode::createTop(const char* name, bool isDeclaration, XMLCharset charset) {
+    auto document = std::make_unique<XMLDocument>(charset);
     XMLElement* element = document->newElement();
     if (name) {
         element->name = document->copyString(name);
-        element->key = zoka::xmlNameKey(name);
+        element->key = zoka::xmlNameKey(name, document->leads);
     }
     element->isDeclaration = isDeclaration;
     XMLNode node(element);
@@ -109,7 +109,7 @@ XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
     const char* ownName = document->copyString(name);
     XMLElement* child = document->newElement();
     child->name = ownName;
-    child->key = zoka::xmlNameKey(name);
+    child->key = zoka::xmlNameKey(name, document->leads);
     child->isDeclaration = isDeclaration;
     child->parent = element_;
     document->append(element_, child);
@@ -132,6 +132,10 @@ const char* XMLNode::getName() const {
     return element_ ? element_->name : nullptr;
 }
 
+XMLCharset XMLNode::charset() const {
+    return element_ ? XMLDocument::of(element_)->charset : zoka::xmlCharset();
+}
+
 bool XMLNode::isDeclaration() const {
     return element_ && element_->isDeclaration;
 }
@@ -151,7 +155,7 @@ int XMLNode::childCount(const char* tag) const {
     if (!element_ || !tag) {
         return 0;
     }
-    const XMLName name(tag);
+    const XMLName name(tag, XMLDocument::leadsOf(element_));
     return countItems(element_, [&](const XMLItem* item) { return isChild(item, &name); });
 }
 
@@ -167,7 +171,7 @@ XMLNode XMLNode::getChild(const char* tag, int index) const {
     if (!element_ || !tag) {
         return {};
     }
-    const XMLName name(tag);
+    const XMLName name(tag, XMLDocument::leadsOf(element_));
     return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Named, &name, index,
                                     [&](const XMLItem* item) { return isChild(item, &name); })));
 }
@@ -179,7 +183,7 @@ XMLNode XMLNode::getChild(const char* tag, int* position) const {
     if (!tag) {
         return childFrom(position, nullptr);
     }
-    const XMLName name(tag);
+    const XMLName name(tag, XMLDocument::leadsOf(element_));
     return childFrom(position, &name);
 }
 
@@ -242,7 +246,7 @@ XMLNode XMLNode::firstChild(const char* tag) const {
     if (!element_) {
         return {};
     }
-    const XMLName wanted(tag ? tag : "");
+    const XMLName wanted(tag ? tag : "", XMLDocument::leadsOf(element_));
     const XMLName* name = tag ? &wanted : nullptr;
     return XMLNode(elementOf(
         findItem(element_, element_->firstItem(), [&](const XMLItem* item) { return isChild(item, name); })));
@@ -252,7 +256,7 @@ XMLNode XMLNode::nextSibling(const char* tag) const {
     if (!element_ || !element_->parent) {
         return {};
     }
-    const XMLName wanted(tag ? tag : "");
+    const XMLName wanted(tag ? tag : "", XMLDocument::leadsOf(element_));
     const XMLName* name = tag ? &wanted : nullptr;
     const XMLElement* parent = element_->parent;
     return XMLNode(elementOf(findItem(parent, parent->itemAfter(element_),
@@ -279,7 +283,7 @@ const char* XMLNode::getAttribute(const char* name, int* position) const {
     if (!element_ || !name) {
         return nullptr;
     }
-    const XMLName wanted(name);
+    const XMLName wanted(name, XMLDocument::leadsOf(element_));
     const int start = position ? *position : 0;
     const auto count = static_cast<int>(element_->attributeCount);
     for (int i = start < 0 ? count : start; i < count; ++i) {

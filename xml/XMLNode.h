@@ -14,7 +14,7 @@
 //
 // Names (arguments and in the tree) are compared without regard to the case of the letters A to Z. A lookup
 // on the empty node gives the empty node, null or 0; adding to it does nothing. Texts are 0-terminated, in
-// the process's XML character set (XMLCharset). What is kept of a file and how texts are escaped is written
+// the tree's character set (XMLCharset), which the operation that makes it takes as `charset`. What is kept of a file and how texts are escaped is written
 // down in docs/xml.md.
 #pragma once
 
@@ -48,6 +48,8 @@ struct XMLResults {
     int code = 0;  // XMLErrorCode
     int line = 0;
     int column = 0;
+    // Nothing is wrong with the text: memory ran out while it was read. The code is 2 then.
+    bool outOfMemory = false;
 };
 
 // One attribute; null pointers where there is none of that index. `value` may be null for an attribute that a
@@ -81,17 +83,23 @@ public:
     // empty node with code 0.
 
     // Reads a file. `path` as in all file operations (util/). With guessing on (zoka::setXmlCharsetGuessing,
-    // the default) UTF-16 with a byte-order mark is converted and a UTF-8 mark is skipped.
+    // the default) what is in another set than `charset` is converted; docs/xml.md says what is taken for what.
     static XMLNode parseFile(const char* path, const char* tag = nullptr, XMLResults* results = nullptr,
-                             const XMLWatch& watch = {});
-    // Parses a text, which is copied. A null text gives code 2.
-    static XMLNode parseText(const char* text, const char* tag = nullptr, XMLResults* results = nullptr);
+                             const XMLWatch& watch = {}, XMLCharset charset = zoka::xmlCharset());
+    // The same in the set that the file is in: UTF-8, or the platform's where guessUtf8 says that it is none or any
+    // of its bytes does. The tree's charset() tells which.
+    static XMLNode parseFileInItsSet(const char* path, const char* tag = nullptr,
+                                     XMLResults* results = nullptr, const XMLWatch& watch = {});
+    // Parses a text in the character set `charset`, which is copied. A null text gives code 2.
+    static XMLNode parseText(const char* text, const char* tag = nullptr, XMLResults* results = nullptr,
+                             XMLCharset charset = zoka::xmlCharset());
     // Parses bytes as a file would hold them, marks and conversion included (what parseFile does after
     // reading).
     static XMLNode parseBytes(std::string_view bytes, const char* tag = nullptr,
-                              XMLResults* results = nullptr, const XMLWatch& watch = {});
-    // Like parseFile, for files the program can't go on without: sets the process's XML character set to what
-    // guessUtf8 says of the file, and an error shows its message through zoka::userPrompt().fatalStop (title
+                              XMLResults* results = nullptr, const XMLWatch& watch = {},
+                              XMLCharset charset = zoka::xmlCharset());
+    // Like parseFileInItsSet, for files the program can't go on without: the file's set becomes the process's, and an
+    // error shows its message through zoka::userPrompt().fatalStop (title
     // "XML Parsing error", exit status 255).
     static XMLNode loadFileOrExit(const char* path, const char* tag);
 
@@ -102,7 +110,8 @@ public:
 
     // A tree of its own with one element at its top. With a null name an empty document node, to which a declaration
     // and a top element can be added.
-    static XMLNode createTop(const char* name, bool isDeclaration = false);
+    static XMLNode createTop(const char* name, bool isDeclaration = false,
+                             XMLCharset charset = zoka::xmlCharset());
     // The new element, at the end of this one's content. What is added to a declaration is written behind it.
     XMLNode addChild(const char* name, bool isDeclaration = false);
     void addAttribute(const char* name, const char* value);
@@ -115,6 +124,8 @@ public:
     bool isEmpty() const { return element_ == nullptr; }
     // Null for the document node and the empty node.
     const char* getName() const;
+    // Of all texts in the tree; that of trees to come for the empty node.
+    XMLCharset charset() const;
     // Written as "<?name ...?>". Of one that was read, other than "xml" itself, the data is its text.
     bool isDeclaration() const;
     // A place in the text that was parsed, in bytes, that lies in the element's start tag or right behind it; of an
@@ -165,8 +176,8 @@ public:
     // *length when that is not null. Null for the empty node, or when memory runs out.
     char* toText(bool formatted = true, int* length = nullptr) const;
     // Writes the subtree to a file with the declaration in front (none if the tree brings its own).
-    // `encoding` names the character set in that declaration and counts only while the process's set is the
-    // platform's; null or with UTF-8 set, the file is UTF-8 with a mark. UTF-16 is not written: UTF-8 takes its
+    // `encoding` names the character set in that declaration and counts only for a tree in the
+    // platform's set; null or of a tree in UTF-8, the file is UTF-8 with a mark. UTF-16 is not written: UTF-8 takes its
     // place. 0, or 16 when the file can't be opened, 17 when writing fails.
     int writeFile(const char* path, const char* encoding = nullptr, bool formatted = true) const;
     // What writeFile writes; nothing for the empty node, or when memory runs out.

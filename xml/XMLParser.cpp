@@ -29,7 +29,7 @@ public:
           end_(text + size),
           watch_(watch),
           nextWatch_(watch ? text : end_),
-          position_(text, Utf8) {}
+          position_(text, Utf8, document.leads) {}
 
     XMLElement* parse(const char* tag, XMLResults& results);
 
@@ -60,7 +60,8 @@ private:
         return fail(Utf8 && utf8Sequence(place, c) == 0 ? kXmlCannotConvert : kXmlUnexpectedToken, place);
     }
     // Whether the text may hold characters of two bytes that pass as two ASCII ones to the scanning code.
-    static bool hasPairs() { return !Utf8 && xmlLeadBytes; }
+    bool hasPairs() const { return leads() != nullptr; }
+    XMLLeads leads() const { return Utf8 ? nullptr : document_.leads; }
     // Past one character from 80 hex on, or a control character, which is an error.
     char* oddCharacter(char* p) {
         char32_t c = 0;
@@ -129,7 +130,7 @@ private:
 
     XMLElement* newElement(char* name, size_t length) {
         XMLElement* element = document_.newElement();
-        element->key = xmlNameKey(name, length);
+        element->key = xmlNameKey(name, length, leads());
         element->name = sharedName(name, length, element->key);
         element->parent = current_;
         document_.append(current_, element);
@@ -201,7 +202,7 @@ XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
     if (place_) {
         place = position_.at(place_);
     }
-    if (code_ == kXmlNone && !stopped_ && tag && !XMLName(tag).matches(top_->key, top_->name)) {
+    if (code_ == kXmlNone && !stopped_ && tag && !XMLName(tag, leads()).matches(top_->key, top_->name)) {
         code_ = kXmlFirstTagNotFound;
         place = topPlace_;
     }
@@ -218,7 +219,7 @@ char* Parser<Utf8>::unusualNameEnd(char* start, char* p) {
             return p;
         }
         char32_t c = 0;
-        const unsigned length = Utf8 ? utf8Sequence(p, c) : platformCharacter(p);
+        const unsigned length = Utf8 ? utf8Sequence(p, c) : platformCharacter(p, leads());
         if (length == 0) {
             return p;
         }
@@ -237,7 +238,7 @@ char* Parser<Utf8>::reference(char* p) {
         return fail(kXmlUnknownEntity, p);
     }
     shifts_ |= c >= 0x80 || c == '\n' || c == '\r';
-    return Utf8 || xmlHasCharacter(c) ? end : fail(kXmlCannotConvert, p);
+    return Utf8 || xmlPlatformHas(c) ? end : fail(kXmlCannotConvert, p);
 }
 
 template <bool Utf8>
@@ -323,7 +324,7 @@ char* Parser<Utf8>::declaration(char* p) {
         }
         position_.end(nameEndsAt);
         *q++ = 0;
-        addToRun({xmlNameKey(name, word.size()), name, start});
+        addToRun({xmlNameKey(name, word.size(), leads()), name, start});
         next = which + 1;
     }
     if (next == 0) {
@@ -410,7 +411,7 @@ char* Parser<Utf8>::text(char* p) {
         if (shifts) {
             position_.beforeEdit(start, p);
         }
-        const XMLDecodedRange range = xmlDecode(start, p, false);
+        const XMLDecodedRange range = xmlDecode(start, p, false, Utf8);
         for (end = range.end; end > range.afterReference && isXmlBlank(end[-1]);) {
             --end;
         }
@@ -486,7 +487,7 @@ char* Parser<Utf8>::startTag(char* p) {
             return unexpected(q);
         }
         const auto length = static_cast<size_t>(attributeEnd - attribute);
-        const std::uint64_t key = xmlNameKey(attribute, length);
+        const std::uint64_t key = xmlNameKey(attribute, length, leads());
         if (isDouble(attribute, length, key)) {
             return fail(kXmlInvalidTag, attribute);
         }
@@ -536,7 +537,7 @@ char* Parser<Utf8>::value(char* p, char quote) {
         if (shifts_) {
             position_.beforeEdit(start, p);
         }
-        *xmlDecode(start, p, true).end = 0;
+        *xmlDecode(start, p, true, Utf8).end = 0;
         if (shifts_) {
             position_.afterEdit(start, p);
         }
@@ -744,7 +745,7 @@ char* Parser<Utf8>::instruction(char* p) {
 
 XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,
                      XMLResults& results, const XMLWatch& watch) {
-    if (xmlCharset() == XMLCharset::Utf8) {
+    if (document.charset == XMLCharset::Utf8) {
         return Parser<true>(document, root, text, size, watch).parse(tag, results);
     }
     return Parser<false>(document, root, text, size, watch).parse(tag, results);

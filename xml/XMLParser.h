@@ -9,7 +9,7 @@
 namespace zoka {
 
 // Parses `size` bytes at `text`, which lie in the document's text buffer (followed by a 0 and the padding) in
-// the process's character set, into the document node `root`. Returns the top element, or null on an error.
+// the document's character set, into the document node `root`. Returns the top element, or null on an error.
 // `results` is filled with the first error's code and place; with `tag` given and another name at the top
 // that is code 13. Stopped by `watch`: null with code 0. Throws std::bad_alloc. Uses no recursion.
 XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,

@@ -1,7 +1,5 @@
 #include "xml/XMLPosition.h"
 
-#include "xml/XMLNames.h"
-
 namespace zoka {
 namespace {
 
@@ -23,11 +21,11 @@ int lineEnds(const char* first, const char* last) {
 int XMLPosition::characters(const char* first, const char* last) const {
     int count = 0;
     if (!utf8_) {
-        if (!xmlLeadBytes) {
+        if (!leads_) {
             return static_cast<int>(last - first);
         }
         // A terminator counts, too: names and values are ended in place.
-        for (; first < last; first += platformCharacter(first)) {
+        for (; first < last; first += platformCharacter(first, leads_)) {
             ++count;
         }
         return count;

@@ -6,7 +6,7 @@
 // only.
 #pragma once
 
-#include <string_view>
+#include "xml/XMLNames.h"
 
 namespace zoka {
 
@@ -17,7 +17,9 @@ public:
         int column;
     };
 
-    XMLPosition(const char* begin, bool utf8) : begin_(begin), anchor_(begin), utf8_(utf8) {}
+    // `leads` are those of the text's character set.
+    XMLPosition(const char* begin, bool utf8, XMLLeads leads)
+        : begin_(begin), anchor_(begin), utf8_(utf8), leads_(leads) {}
 
     // Puts a 0 at `at`.
     void end(char* at) {
@@ -46,6 +48,7 @@ private:
     const char* anchor_;    // the end of the last edit that matters for columns
     int anchorColumn_ = 0;  // characters in front of it on its line
     const bool utf8_;
+    const XMLLeads leads_;
 };
 
 }  // namespace zoka

@@ -5,7 +5,6 @@
 
 #include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
-#include "xml/XMLEncoding.h"
 #include "xml/XMLScan.h"
 
 namespace zoka {
@@ -24,8 +23,8 @@ int digit(char c, bool hexadecimal) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-char* put(char* out, char32_t c) {
-    if (c < 0x80 || xmlCharset() == XMLCharset::Utf8) {
+char* put(char* out, char32_t c, bool utf8) {
+    if (c < 0x80 || utf8) {
         return putUtf8(out, c);
     }
     std::u16string unit;
@@ -77,8 +76,8 @@ char* xmlReference(char* p, char32_t& c) {
     return p > digits && *p == ';' && isXmlChar(c) ? p + 1 : nullptr;
 }
 
-bool xmlHasCharacter(char32_t c) {
-    if (c < 0x80 || xmlCharset() == XMLCharset::Utf8) {
+bool xmlPlatformHas(char32_t c) {
+    if (c < 0x80) {
         return true;
     }
     std::u16string unit;
@@ -87,7 +86,7 @@ bool xmlHasCharacter(char32_t c) {
     return appendPlatform(bytes, unit);
 }
 
-XMLDecodedRange xmlDecode(char* first, char* last, bool isValue) {
+XMLDecodedRange xmlDecode(char* first, char* last, bool isValue, bool utf8) {
     char* out = first;
     char* afterReference = first;
     const char stop = *last;
@@ -105,7 +104,7 @@ XMLDecodedRange xmlDecode(char* first, char* last, bool isValue) {
         if (*p == '&') {
             char32_t character = 0;
             p = xmlReference(p, character);
-            out = afterReference = put(out, character);
+            out = afterReference = put(out, character, utf8);
         } else {
             if (p[0] == '\r' && p[1] == '\n') {
                 ++p;

@@ -7,8 +7,8 @@ namespace zoka {
 // reference to a character that XML allows.
 char* xmlReference(char* p, char32_t& c);
 
-// Whether the process's character set has the character (UTF-8 has them all).
-bool xmlHasCharacter(char32_t c);
+// Whether the platform's character set has the character.
+bool xmlPlatformHas(char32_t c);
 
 struct XMLDecodedRange {
     char* end;             // behind the last character
@@ -17,6 +17,7 @@ struct XMLDecodedRange {
 // Decodes the bytes from `first` to `last`, which the parser has checked: references become their characters,
 // CR LF and CR become LF; in an attribute value white space becomes a blank. The result is never longer; no 0
 // is put.
-XMLDecodedRange xmlDecode(char* first, char* last, bool isValue);
+// `utf8`: they are UTF-8, otherwise in the platform's set.
+XMLDecodedRange xmlDecode(char* first, char* last, bool isValue, bool utf8);
 
 }  // namespace zoka

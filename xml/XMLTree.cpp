@@ -10,7 +10,6 @@
 
 #include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
-#include "xml/XMLEncoding.h"
 #include "xml/XMLScan.h"
 
 namespace zoka {
@@ -57,7 +56,7 @@ void XMLDocument::nextBlock() {
         chunkBlocks_ = blocks;
         blocksLeft_ = blocks;
     }
-    ::new (static_cast<void*>(nextBlock_)) BlockHeader{&handles, this};
+    ::new (static_cast<void*>(nextBlock_)) BlockHeader{&handles, this, leads};
     nextElement_ = reinterpret_cast<XMLElement*>(nextBlock_ + kHeaderRoom);
     nextBlock_ += kBlockSize;
     --blocksLeft_;
@@ -105,7 +104,7 @@ const char* XMLDocument::copyValue(const char* text) {
         return copyString(text);
     }
     std::string bytes(text);
-    if (xmlCharset() == XMLCharset::Utf8) {
+    if (charset == XMLCharset::Utf8) {
         if (!isUtf8(text)) {
             std::u16string wide;
             appendUtf16(wide, bytes);
@@ -162,7 +161,7 @@ void XMLDocument::addAttribute(XMLElement* element, const char* name, const char
     }
     const char* ownName = copyString(name);
     ::new (static_cast<void*>(element->attributes + count))
-        XMLAttribute{xmlNameKey(ownName), ownName, value ? copyValue(value) : nullptr};
+        XMLAttribute{xmlNameKey(ownName, leads), ownName, value ? copyValue(value) : nullptr};
     ++element->attributeCount;
 }
 

@@ -26,15 +26,14 @@ class XMLDocument {
 public:
     static constexpr size_t kBlockSize = kXmlBlockSize;
 
-    XMLDocument() = default;
+    // `set` is that of all the tree's texts.
+    explicit XMLDocument(XMLCharset set) : charset(set), leads(xmlLeads(set)) {}
     XMLDocument(const XMLDocument&) = delete;
     XMLDocument& operator=(const XMLDocument&) = delete;
     ~XMLDocument();
 
-    static XMLDocument* of(const XMLElement* element) {
-        const auto address = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kBlockSize - 1};
-        return reinterpret_cast<const BlockHeader*>(address)->document;
-    }
+    static XMLDocument* of(const XMLElement* element) { return headerOf(element)->document; }
+    static XMLLeads leadsOf(const XMLElement* element) { return headerOf(element)->leads; }
 
     // All of these throw std::bad_alloc when memory runs out.
 
@@ -114,6 +113,8 @@ public:
     void addAttribute(XMLElement* element, const char* name, const char* value);
     void addText(XMLElement* element, const char* text);
 
+    const XMLCharset charset;
+    const XMLLeads leads;
     XMLCursors cursors;
     size_t handles = 0;
 
@@ -121,7 +122,12 @@ private:
     struct BlockHeader {
         size_t* handles;  // see xmlHandles
         XMLDocument* document;
+        XMLLeads leads;  // lookups find them here without touching the document
     };
+    static const BlockHeader* headerOf(const XMLElement* element) {
+        const auto address = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kBlockSize - 1};
+        return reinterpret_cast<const BlockHeader*>(address);
+    }
     static constexpr size_t kHeaderRoom = 64;
     static constexpr size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
 

@@ -135,7 +135,7 @@ private:
     }
 
     void attributes(const XMLElement& element, const char* encoding) {
-        static const XMLName encodingName("encoding");
+        static const XMLName encodingName("encoding", nullptr);
         for (std::uint32_t i = 0; i < element.attributeCount; ++i) {
             const XMLAttribute& attribute = element.attributes[i];
             out_.put(' ');

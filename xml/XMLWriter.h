@@ -18,7 +18,7 @@ struct XMLText {
     size_t length = 0;
 };
 
-// The subtree of `top` as text in the process's character set. With `declaredEncoding` not null, that stands
+// The subtree of `top` as text in the tree's character set. With `declaredEncoding` not null, that stands
 // in the place of the encoding that a declaration in the tree names. Uses no recursion.
 XMLText writeXml(const XMLElement* top, bool formatted, const char* declaredEncoding = nullptr);
 

@@ -35,18 +35,28 @@ struct XmlCheck : testing::Test {
 using XmlFormat = XmlCheck;
 
 TEST_F(XmlCheck, SaysNothingOfGoodFiles) {
-    folder.write("a.xml", "<a/>");
+    // Without a declaration, bytes that are no UTF-8 are in the system's set.
+    folder.write("a.xml", "<a>" + std::string(300, ' ') + "\xE9</a>");
     folder.write("b c.xml", kMessy);
     EXPECT_EQ(folder.run("xml check a.xml \"b c.xml\""), (ToolRun{0}));
 }
 
 TEST_F(XmlCheck, NamesThePlaceOfEachError) {
-    const std::pair<const char*, const char*> rows[] = {
+    const std::pair<std::string, const char*> rows[] = {
         {"<a>\n  <b x='1' y=2/>\n</a>", ":2:14: Error: Unexpected token found\n"},
         {"<a>\r\n\t<b>&nix;</b></a>", ":2:5: Error: Unknown character entity\n"},
         {"<a><b></a>", ":1:7: Error: Unmatched end tag\n"},
         {"", ":1:1: Error: No XML data\n"},
-        {"<a>\xC3\xA4\xFF</a>", ":1:5: "},
+        // What a file says of its own bytes and isn't so: the mark's word, the declaration's.
+        {"\xEF\xBB\xBF<a>\xC3\xA4\xFF</a>", ":1:5: Warning: the mark says UTF-8, but this is none"},
+        {"<?xml version='1.0' encoding='UTF-8'?>\n<a>\xE4</a>",
+         ":2:4: Warning: UTF-8 is declared, but this is none"},
+        {"\xEF\xBB\xBF<?xml version='1.0' encoding='latin1'?><a/>",
+         ":1:31: Warning: \"latin1\" is declared, but the file is UTF-8 by its mark\n"},
+        {"<?xml version='1.0' encoding='UTF-16'?><a/>",
+         ":1:31: Warning: \"UTF-16\" is declared, but the file is 8-bit text\n"},
+        {std::string("\xFF\xFE<\0a\0>\0\0\xD8", 10),
+         ":1:4: Error: unable to convert between UNICODE and MultiByte chars\n"},
     };
     for (const auto& [bytes, finding] : rows) {
         folder.write("bad.xml", bytes);
@@ -111,8 +121,10 @@ TEST_F(XmlFormat, KeepsTheEncoding) {
     const std::string wide =
         utf16("<a>", false) + std::string("\x3C\x26\x3D\xD8\x00\xDE", 6) + utf16("</a>\n", false).substr(2);
     const std::string utf8 = "<a>\xC3\xA4</a>\n";
+    const std::string system = "<a>\xC3\xA4\xE4</a>\n";
+    const std::string lying = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<a>\xE4</a>\n";
     for (const std::string& bytes :
-         {utf8, "\xEF\xBB\xBF" + utf8, latin, utf16(plain, false), utf16(plain, true), wide}) {
+         {utf8, "\xEF\xBB\xBF" + utf8, latin, system, lying, utf16(plain, false), utf16(plain, true), wide}) {
         folder.write("a.xml", bytes);
         EXPECT_EQ(folder.run("xml format a.xml"), (ToolRun{0, bytes}));
     }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <future>
 #include <string>
 
 #include "tests/support/TempFolder.h"
@@ -74,15 +75,22 @@ TEST(Charset, FilesBecomeUtf8) {
         {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9\x80</a>", "\xC3\xA9\xC2\x80"},
         {"<?xml version='1.0' encoding='windows-1252'?><a>\xE9\x80</a>", "\xC3\xA9\xE2\x82\xAC"},
         {"<?xml version='1.0' encoding='x-unknown'?><a>x</a>", "x"},
-        // what contradicts itself or can't be converted
+        // what isn't as it says: a mark counts more than a declaration, the bytes more than both
+        {utf16(u"<?xml version='1.0' encoding='utf-8'?><a>\u00E9</a>", false), "\xC3\xA9"},
+        {std::string(kMark) + "<?xml version='1.0' encoding='iso-8859-1'?><a>\xC3\xA9</a>", "\xC3\xA9"},
+        {"<?xml version='1.0' encoding='UTF-16'?><a>\xC3\xA9</a>", "\xC3\xA9"},
+        {"<a>" + std::string(300, 'x') + "\xE9</a>", std::string(300, 'x') + "\xC3\xA9"},
+        {"<a>\xC3\xA9 \x80</a>", "\xC3\x83\xC2\xA9 \xE2\x82\xAC"},
+        {"<?xml version='1.0' encoding='utf-8'?><a>\xE9</a>", "\xC3\xA9"},
+        {"<?xml version='1.0' encoding='x-unknown'?><a>\n\xE9</a>", "\xC3\xA9"},
+        {kMark + std::string("<a>\xE9</a>"), "\xC3\xA9"},
+        {"<!--\xE9--><a b='\xE9'>x</a>", "x"},
+        {"<a>x\xE9</b>", "7 1:6"},
+        // what can't be converted
         {utf16(u"<a>\n<", false) + "x", "15 2:2"},
         {utf16(u"<a>\xD800</a>", false), "15 1:4"},
         {utf16(u"<a>x\xDC00</a>", true), "15 1:5"},
         {utf16(u"<a>\xD800", true), "15 1:4"},
-        {utf16(u"<?xml version='1.0' encoding='utf-8'?><a/>", false), "15 1:1"},
-        {std::string(kMark) + "<?xml version='1.0' encoding='iso-8859-1'?><a/>", "15 1:1"},
-        {"<?xml version='1.0' encoding='UTF-16'?><a/>", "15 1:1"},
-        {"<?xml version='1.0' encoding='x-unknown'?><a>\n\xE9</a>", "15 2:1"},
         {kMark, "2 0:0"},
         {"\xFF\xFE", "2 0:0"},
     };
@@ -126,7 +134,11 @@ TEST(Charset, TwoByteCharactersAreWhole) {
         }
         return flags;
     }();
-    zoka::xmlLeadBytes = leads.data();
+    struct Restore {
+        zoka::XMLLeads before = zoka::xmlPlatformLeads;
+        ~Restore() { zoka::xmlPlatformLeads = before; }
+    } const restore;
+    zoka::xmlPlatformLeads = leads.data();
     const std::string text = "<\x83[x\x83K><b \x83K=\"1\" \x83k=\"2\"/></\x83[x\x83K>";
     const XMLNode document = XMLNode::parseText(text.c_str());
     EXPECT_EQ(textOf(document), text);
@@ -143,6 +155,42 @@ TEST(Charset, TwoByteCharactersAreWhole) {
     EXPECT_EQ(verdict("<a \x83K='\x83[&amp;\x83]'>\x83K&lt;\x83K</b>"), "7 1:22");
     // A lead byte without a second one is a character of its own.
     EXPECT_EQ(verdict("<a\x83"), "10 1:4");
+}
+
+// Each tree keeps its own set: neither the process's choice nor another tree's changes it.
+TEST(Charset, TreesInDifferentSetsLiveSideBySide) {
+    TempFolder folder;
+    const std::string latin = folder.write("latin.xml", "<a>" + std::string(300, ' ') + "\xE9</a>");
+    const std::string utf8 = folder.write("utf8.xml", "<a>" + std::string(30, ' ') + "\xC3\xA9</a>");
+    const XMLNode own = XMLNode::parseFileInItsSet(latin.c_str(), "a");
+    EXPECT_EQ(own.charset(), XMLCharset::Platform);
+    EXPECT_STREQ(own.getText(), "\xE9");
+    EXPECT_EQ(XMLNode::parseFileInItsSet(utf8.c_str()).charset(), XMLCharset::Utf8);
+    EXPECT_EQ(zoka::xmlCharset(), XMLCharset::Utf8);
+    EXPECT_STREQ(XMLNode::parseFile(latin.c_str(), "a").getText(), "\xC3\xA9");
+    EXPECT_STREQ(XMLNode::parseFile(utf8.c_str(), "a", nullptr, {}, XMLCharset::Platform).getText(),
+                 "\xC3\xA9");
+    XMLNode made = XMLNode::createTop("a", false, XMLCharset::Platform);
+    made.addText("\xE9");
+    EXPECT_EQ(made.writeFile(latin.c_str(), "windows-1252", false), 0);
+    EXPECT_EQ(folder.read("latin.xml"), "<?xml version=\"1.0\" encoding=\"windows-1252\"?>\n<a>\xE9</a>");
+}
+
+// Two threads read and write files in different sets at once.
+TEST(Charset, ThreadsReadInDifferentSetsAtOnce) {
+    TempFolder folder;
+    const std::string path = folder.write("a.xml", "<a>" + std::string(300, 'x') + "\xE9&#233;</a>");
+    const auto read = [&](XMLCharset charset, const std::string& end) {
+        int wrong = 0;
+        for (int round = 0; round < 200; ++round) {
+            const XMLNode node = XMLNode::parseFile(path.c_str(), "A", nullptr, {}, charset);
+            wrong += node.charset() != charset || !orNull(node.getText()).ends_with("x" + end + end);
+        }
+        return wrong;
+    };
+    auto platform = std::async(std::launch::async, read, XMLCharset::Platform, "\xE9");
+    EXPECT_EQ(read(XMLCharset::Utf8, "\xC3\xA9"), 0);
+    EXPECT_EQ(platform.get(), 0);
 }
 
 // What a file says of its encoding is true, whatever set the texts are in.

@@ -126,6 +126,11 @@ TEST(File, TheFatalLoaderSetsTheCharacterSet) {
     const std::string latin = folder.write("latin.xml", "<a>                         \xE9</a>");
     EXPECT_STREQ(XMLNode::loadFileOrExit(latin.c_str(), "a").getText(), "\xE9");
     EXPECT_EQ(zoka::xmlCharset(), XMLCharset::Platform);
+    // Also where the byte stands far behind the start.
+    zoka::setXmlCharset(XMLCharset::Utf8);
+    const std::string far = folder.write("far.xml", "<a>" + std::string(1000, ' ') + "\xE9</a>");
+    EXPECT_STREQ(XMLNode::loadFileOrExit(far.c_str(), "a").getText(), "\xE9");
+    EXPECT_EQ(zoka::xmlCharset(), XMLCharset::Platform);
     const std::string utf8 = folder.write("utf8.xml", "<a>                         \xC3\xA9</a>");
     EXPECT_STREQ(XMLNode::loadFileOrExit(utf8.c_str(), "a").getText(), "\xC3\xA9");
     EXPECT_EQ(zoka::xmlCharset(), XMLCharset::Utf8);

@@ -9,45 +9,17 @@
 
 #include "tools/cli/Cli.h"
 #include "util/ConsolePrompt.h"
-#include "util/PathRules.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLNode.h"
 
 namespace zoka::cli {
 namespace {
 
-constexpr std::string_view kUtf16LeMark = "\xFF\xFE";
-constexpr std::string_view kUtf16BeMark = "\xFE\xFF";
-
-// How a file's bytes stand for characters: formatting keeps it.
-struct FileForm {
-    std::string_view mark;       // the byte-order mark it begins with, or empty
-    bool platformBytes = false;  // declares an 8-bit set: bytes are kept as they are
-};
-
-// The name in encoding="..." of the XML declaration, or empty.
-std::string_view declaredEncoding(std::string_view bytes) {
-    if (!bytes.starts_with("<?xml")) {
-        return {};
-    }
-    const std::string_view declaration = bytes.substr(0, bytes.find("?>"));
-    const size_t word = declaration.find("encoding");
-    const size_t open = declaration.find_first_of("\"'", word);
-    if (word == declaration.npos || open == declaration.npos) {
-        return {};
-    }
-    const size_t close = declaration.find(declaration[open], open + 1);
-    return close == declaration.npos ? std::string_view() : declaration.substr(open + 1, close - open - 1);
-}
-
-FileForm formOf(std::string_view bytes) {
-    for (const std::string_view mark : {kUtf8Mark, kUtf16LeMark, kUtf16BeMark}) {
-        if (bytes.starts_with(mark)) {
-            return {mark};
-        }
-    }
-    const std::string_view name = declaredEncoding(bytes);
-    return {{}, !name.empty() && !equalNoCase(name.substr(0, 3), "utf")};
+// How a file's bytes stand for characters: formatting keeps it. Bytes of an 8-bit set are kept as they are.
+XMLCharset charsetFor(const XMLFileForm& form) {
+    const bool eightBit = form.set == XMLFileSet::Latin1 || form.set == XMLFileSet::Windows1252 ||
+                          form.set == XMLFileSet::Platform;
+    return eightBit ? XMLCharset::Platform : XMLCharset::Utf8;
 }
 
 // `text` is what the XML layer made: well-formed UTF-8.
@@ -67,24 +39,35 @@ std::string utf16From(const std::string& text, bool bigEndian) {
     return bytes;
 }
 
-// The document in `bytes`, in the form `form`. On an error it tells where on
-// `findings`, and the node is empty.
-XMLNode parse(const std::string& path, std::string_view bytes, const FileForm& form, std::FILE* findings) {
-    setXmlCharset(form.platformBytes ? XMLCharset::Platform : XMLCharset::Utf8);
-    XMLResults results;
-    XMLNode document = XMLNode::parseBytes(bytes, nullptr, &results);
-    if (results.code == kXmlNone) {
-        return document;
-    }
+void printPlace(std::FILE* out, const std::string& path, int line, int column) {
     // Where no place can be named, the file's first is as good as any.
-    std::fprintf(findings, "%s:%d:%d: %s\n", isStandardStream(path) ? "<stdin>" : shownText(path).c_str(),
-                 results.line > 0 ? results.line : 1, results.column > 0 ? results.column : 1,
-                 XMLNode::errorText(results.code));
-    return {};
+    std::fprintf(out, "%s:%d:%d: ", isStandardStream(path) ? "<stdin>" : shownText(path).c_str(),
+                 line > 0 ? line : 1, column > 0 ? column : 1);
+}
+
+struct Parsed {
+    XMLNode document;  // empty: `status` tells why
+    ExitStatus status = ExitStatus::Done;
+};
+
+// The document in `bytes`. On an error it tells where on `findings`.
+Parsed parse(const std::string& path, std::string_view bytes, XMLCharset charset, std::FILE* findings) {
+    XMLResults results;
+    XMLNode document = XMLNode::parseBytes(bytes, nullptr, &results, {}, charset);
+    if (results.outOfMemory) {
+        complain("not enough memory for " + path);
+        return {{}, ExitStatus::Failed};
+    }
+    if (results.code == kXmlNone) {
+        return {document};
+    }
+    printPlace(findings, path, results.line, results.column);
+    std::fprintf(findings, "%s\n", XMLNode::errorText(results.code));
+    return {{}, ExitStatus::Findings};
 }
 
 // The formatted document, in the form that its file has; empty when memory runs out.
-std::string format(const XMLNode& document, const FileForm& form) {
+std::string format(const XMLNode& document, const XMLFileForm& form, std::string_view mark) {
     int length = 0;
     const std::unique_ptr<char, void (*)(void*)> text(document.toText(true, &length), std::free);
     if (!text) {
@@ -94,10 +77,10 @@ std::string format(const XMLNode& document, const FileForm& form) {
     if (!bytes.ends_with('\n')) {
         bytes += '\n';
     }
-    if (form.mark == kUtf16LeMark || form.mark == kUtf16BeMark) {
-        bytes = utf16From(bytes, form.mark == kUtf16BeMark);
+    if (form.set == XMLFileSet::Utf16Le || form.set == XMLFileSet::Utf16Be) {
+        bytes = utf16From(bytes, form.set == XMLFileSet::Utf16Be);
     }
-    return std::string(form.mark) + bytes;
+    return std::string(mark) + bytes;
 }
 
 ExitStatus check(const std::vector<std::string>& paths) {
@@ -106,9 +89,15 @@ ExitStatus check(const std::vector<std::string>& paths) {
         const auto bytes = readInput(path);
         if (!bytes) {
             status = ExitStatus::Failed;
-        } else if (parse(path, *bytes, formOf(*bytes), stdout).isEmpty()) {
+            continue;
+        }
+        if (const XMLFileForm form = xmlFileForm(*bytes); !form.untrue.empty()) {
+            printPlace(stdout, path, form.line, form.column);
+            std::printf("Warning: %s\n", shownText(form.untrue).c_str());
             status = worse(status, ExitStatus::Findings);
         }
+        // As the plug-in reads all but the catalogue, which in the other set has the same errors.
+        status = worse(status, parse(path, *bytes, XMLCharset::Utf8, stdout).status);
     }
     return status;
 }
@@ -119,12 +108,12 @@ ExitStatus formatFile(const std::string& path, const std::string* target) {
     if (!bytes) {
         return ExitStatus::Failed;
     }
-    const FileForm form = formOf(*bytes);
-    const XMLNode document = parse(path, *bytes, form, stderr);
+    const XMLFileForm form = xmlFileForm(*bytes);
+    const auto [document, status] = parse(path, *bytes, charsetFor(form), stderr);
     if (document.isEmpty()) {
-        return ExitStatus::Findings;
+        return status;
     }
-    const std::string formatted = format(document, form);
+    const std::string formatted = format(document, form, std::string_view(*bytes).substr(0, form.mark));
     if (formatted.empty()) {
         complain("not enough memory to format " + path);
         return ExitStatus::Failed;
