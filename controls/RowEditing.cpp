@@ -7,22 +7,11 @@
 #include "controls/FileFilter.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
 namespace {
-
-std::string onOneLine(const std::string& text) {
-    std::string made;
-    for (const char c : text) {
-        if (c == '\n') {
-            made += ' ';
-        } else if (c != '\r') {
-            made += c;
-        }
-    }
-    return made;
-}
 
 // A value as the row shows it.
 std::string shownValue(const EntryModel& row, const std::string& value) {

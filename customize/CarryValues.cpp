@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <deque>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "controls/EntryRules.h"
 #include "customize/CustomMarkup.h"
 #include "customize/ValueFile.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -43,20 +43,8 @@ private:
         std::vector<size_t> rows;
         size_t given = 0;
     };
-    std::unordered_map<std::string, Place> m_places;
+    KeyedMap<std::string, Place> m_places;
 };
-
-std::string onOneLine(const std::string& text) {
-    std::string made;
-    for (const char c : text) {
-        if (c == '\n') {
-            made += "\\n";
-        } else if (c != '\r') {
-            made += c;
-        }
-    }
-    return made;
-}
 
 constexpr size_t kLabelKept = 200;
 constexpr size_t kPiece = 250;  // with its label less than a line of a value file
@@ -167,7 +155,7 @@ std::string unplacedText(const std::vector<UnplacedValue>& values) {
         if (one.kept.id >= 1) {
             text += " (id " + std::to_string(one.kept.id) + ")";
         }
-        text += ": " + onOneLine(one.kept.value) + " - " + one.reason + "\r\n";
+        text += ": " + onOneLine(one.kept.value, "\\n") + " - " + one.reason + "\r\n";
     }
     return text;
 }
@@ -175,11 +163,11 @@ std::string unplacedText(const std::vector<UnplacedValue>& values) {
 std::string oldValuesText(const std::string& earlier, const CustomScript& script,
                           const std::vector<UnplacedValue>& values) {
     OldValues all;
-    std::unordered_set<int> newIds;
-    std::unordered_set<std::string_view> newLabels;
+    KeyedSet<int> newIds;
+    KeyedSet<std::string_view> newLabels;
     for (const UnplacedValue& one : values) {
-        const std::string value = onOneLine(one.kept.value);
-        std::string label = onOneLine(one.kept.label).substr(0, kLabelKept);
+        const std::string value = onOneLine(one.kept.value, "\\n");
+        std::string label = onOneLine(one.kept.label, "\\n").substr(0, kLabelKept);
         std::replace(label.begin(), label.end(), '\t', ' ');
         if (one.kept.id >= 1) {
             newIds.insert(one.kept.id);

@@ -85,8 +85,7 @@ constexpr auto kSlots = [] {
     slots.fill(kFree);
     for (size_t i = 0; i < kNames.size(); ++i) {
         const std::string_view name = kNames[i];
-        const auto low = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-        size_t slot = slotOf(low(name.front()), low(name.back()), name.size());
+        size_t slot = slotOf(foldCase(name.front()), foldCase(name.back()), name.size());
         while (slots[slot] != kFree) {
             slot = (slot + 1) & 127u;
         }
@@ -104,7 +103,7 @@ bool oneSlipApart(std::string_view a, std::string_view b) {
         return false;
     }
     size_t same = 0;
-    while (same < a.size() && lex::lower(a[same]) == lex::lower(b[same])) {
+    while (same < a.size() && foldCase(a[same]) == foldCase(b[same])) {
         ++same;
     }
     a.remove_prefix(same);
@@ -118,7 +117,7 @@ bool oneSlipApart(std::string_view a, std::string_view b) {
     if (equalNoCase(a.substr(1), b.substr(1))) {
         return true;
     }
-    return a.size() > 1 && lex::lower(a[0]) == lex::lower(b[1]) && lex::lower(a[1]) == lex::lower(b[0]) &&
+    return a.size() > 1 && foldCase(a[0]) == foldCase(b[1]) && foldCase(a[1]) == foldCase(b[0]) &&
            equalNoCase(a.substr(2), b.substr(2));
 }
 
@@ -128,8 +127,8 @@ int LookupCustomKeyword(const char* word, size_t length) {
     if (length < 2 || length > kLongest) {
         return kNoKeyword;
     }
-    const char first = lex::lower(word[0]);
-    size_t slot = slotOf(first, lex::lower(word[length - 1]), length);
+    const char first = foldCase(word[0]);
+    size_t slot = slotOf(first, foldCase(word[length - 1]), length);
     for (; kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
         const std::string_view name = kNames[kSlots[slot]];
         if (name.size() != length || name[0] != first) {

@@ -10,40 +10,18 @@
 #include "customize/DefinitionTokens.h"
 #include "util/LexChars.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
 
+// Of a keyword: a colon may stand with or without blanks.
+constexpr std::string_view kKeywordSeparators = " \t:";
 constexpr size_t kBytesPerEntry = 160;
 constexpr size_t kEntriesForeseen = 32768;
 constexpr double kMostGrowth = 15;  // a text may begin with many entries and then have none
 constexpr double kMinimumDefault = -999999.0;
 constexpr double kMaximumDefault = 999999.0;
-
-std::string_view trimmedLine(std::string_view text) {
-    while (!text.empty() && lex::isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && lex::isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-// The next token of `rest`, which moves behind it.
-std::string_view nextToken(std::string_view& rest) {
-    size_t start = 0;
-    while (start < rest.size() && lex::isBlank(rest[start])) {
-        ++start;
-    }
-    size_t end = start;
-    while (end < rest.size() && rest[end] && !lex::isSpace(rest[end])) {
-        ++end;
-    }
-    const std::string_view token = rest.substr(start, end - start);
-    rest.remove_prefix(end);
-    return token;
-}
 
 std::string inQuotes(std::string_view text) {
     constexpr size_t kShown = 60;
@@ -87,9 +65,7 @@ std::string_view readTextNumbers(std::string_view text, int& first, int& second)
         }
         number = markupInteger(rest);
         rest.remove_prefix(digits + 1);
-        while (!rest.empty() && lex::isBlank(rest.front())) {
-            rest.remove_prefix(1);
-        }
+        rest = withoutLeadingBlanks(rest);
     }
     first = numbers[0];
     second = numbers[1];
@@ -377,7 +353,7 @@ private:
         m_entry.valueStart = start;
         m_entry.valueLength = token.size();
         if (kind == kEntryChooseFile) {
-            token = trimmedLine(token);
+            token = trimmed(token);
         }
         if (token.empty()) {
             drop("the value is empty");
@@ -476,34 +452,19 @@ void ParseCustomMarkup(std::string_view text, CustomScript& script) {
 }
 
 MarkupLine splitMarkupLine(std::string_view line) {
-    size_t at = 2;
-    const auto skip = [&] {
-        while (at < line.size() && (lex::isBlank(line[at]) || line[at] == ':')) {
-            ++at;
-        }
-        return at < line.size() && line[at] && !lex::isLineEnd(line[at]);
-    };
+    LineTokens tokens(line.substr(2), kKeywordSeparators);
     MarkupLine parts;
-    if (!skip()) {
-        return parts;
-    }
-    const size_t word = at;
-    while (at < line.size() && line[at] && line[at] != ':' && !lex::isSpace(line[at])) {
-        ++at;
-    }
-    parts.keyword = line.substr(word, at - word);
-    while (at < line.size() && lex::isBlank(line[at])) {
-        ++at;
-    }
-    parts.colon = at < line.size() && line[at] == ':';
-    if (skip()) {
-        parts.text = trimmedLine(line.substr(at));
+    parts.keyword = tokens.next();
+    parts.colon = withoutLeadingBlanks(tokens.rest()).starts_with(':');
+    if (const std::string_view first = tokens.next(); !first.empty()) {
+        parts.text = trimmed(line.substr(static_cast<size_t>(first.data() - line.data())));
     }
     return parts;
 }
 
 bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) {
-    const std::string_view word = nextToken(text);
+    LineTokens tokens(text, kBlanks);
+    const std::string_view word = tokens.next();
     const auto complain = [&](std::string what) {
         if (fault && fault->empty()) {
             *fault = std::move(what);
@@ -512,7 +473,7 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
     if (equalNoCase(word, "drop_list") || equalNoCase(word, "drop")) {
         entry.controlKind = kDropList;
         entry.options.clear();
-        for (std::string_view option = nextToken(text); !option.empty(); option = nextToken(text)) {
+        for (std::string_view option = tokens.next(); !option.empty(); option = tokens.next()) {
             entry.options.emplace_back(option);
         }
         if (entry.options.empty()) {
@@ -535,7 +496,7 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
     for (const auto& [value, ifX] :
          {std::pair(&entry.minimum, kMinimumDefault), std::pair(&entry.maximum, kMaximumDefault),
           std::pair(&entry.step, slider ? 1.0 : 0.0)}) {
-        const std::string_view token = nextToken(text);
+        const std::string_view token = tokens.next();
         if (!readLimit(token, ifX, *value)) {
             complain(inQuotes(token) + " in the limits of " + inQuotes(entry.label) + " is no number; " +
                      numberText(*value, 6) + " was taken");
@@ -551,9 +512,7 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
 }
 
 int markupInteger(std::string_view text, bool* fits) {
-    while (!text.empty() && lex::isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
+    text = withoutLeadingBlanks(text);
     if (text.starts_with('+') && text.size() > 1 && lex::isDecimal(text[1])) {
         text.remove_prefix(1);
     }

@@ -9,6 +9,7 @@
 #include "customize/CustomMarkup.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -28,9 +29,9 @@ bool hasFraction(double value) {
 }
 
 void checkEncoding(CustomScript& script) {
-    if (script.text.starts_with("\xFF\xFE") || script.text.starts_with("\xFE\xFF")) {
+    if (hasUtf16Mark(script.text)) {
         script.findings.add(1, "This file is UTF-16; save it as 8-bit or UTF-8 text to customize it");
-    } else if (script.text.starts_with("\xEF\xBB\xBF")) {
+    } else if (utf8MarkLength(script.text) > 0) {
         script.findings.add(
             1, "a byte order mark stands in front of the first line, which is not read as markup");
     }

@@ -2,10 +2,9 @@
 
 #include <charconv>
 #include <optional>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "customize/CustomMarkup.h"
+#include "util/KeyedHash.h"
 #include "util/LexChars.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
@@ -125,7 +124,7 @@ bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& si
         prompt.tell("Error open file to read\n(Code 2801)");
         return false;
     }
-    std::unordered_map<int, CustomEntry*> firstOf;
+    KeyedMap<int, CustomEntry*> firstOf;
     for (CustomEntry& entry : script.entries) {
         if (entry.id >= 1) {
             firstOf.try_emplace(entry.id, &entry);
@@ -151,7 +150,7 @@ bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& si
 }
 
 bool valueFileCarriesAll(const CustomScript& script, bool useControlValues) {
-    std::unordered_set<int> ids;
+    KeyedSet<int> ids;
     for (const CustomEntry& entry : script.entries) {
         if (entry.id < 1) {
             continue;

@@ -26,7 +26,7 @@ bool isDigits(std::string_view text) {
 
 bool isPlainWord(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) {
-        return lex::isDecimal(c) || (lex::lower(c) >= 'a' && lex::lower(c) <= 'z') || c == '_' || c == '.' ||
+        return lex::isDecimal(c) || (foldCase(c) >= 'a' && foldCase(c) <= 'z') || c == '_' || c == '.' ||
                lex::isSign(c);
     });
 }

@@ -1,8 +1,7 @@
 #include "templates/HeaderLine.h"
 
-#include <algorithm>
-
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -25,18 +24,9 @@ constexpr Keyword kKeywords[] = {
     {"title", HeaderCode::Title},     {"type", HeaderCode::Type},
     {"ver", HeaderCode::Ver},         {"ENDHEADER", HeaderCode::EndHeader},
 };
-constexpr std::string_view kAround = " \t\r\n";
 constexpr std::string_view kSeparators = " ,";
 
 }  // namespace
-
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(kAround);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kAround) - first + 1);
-}
 
 std::string_view headerKeyword(std::string_view line) {
     const size_t colon = line.find(':');
@@ -81,22 +71,16 @@ std::string_view headerValue(std::string_view line) {
 }
 
 std::vector<std::string_view> headerTokens(std::string_view value) {
-    std::vector<std::string_view> tokens;
-    for (;;) {
-        const size_t start = value.find_first_not_of(kSeparators);
-        if (start == std::string_view::npos) {
-            return tokens;
-        }
-        value.remove_prefix(start);
-        const size_t length = std::min(value.find_first_of(kSeparators), value.size());
-        tokens.push_back(value.substr(0, length));
-        value.remove_prefix(length);
+    std::vector<std::string_view> names;
+    LineTokens tokens(value, kSeparators);
+    for (std::string_view name = tokens.next(); !name.empty(); name = tokens.next()) {
+        names.push_back(name);
     }
+    return names;
 }
 
 std::string_view firstHeaderToken(std::string_view value) {
-    value.remove_prefix(std::min(value.find_first_not_of(kSeparators), value.size()));
-    return value.substr(0, value.find_first_of(kSeparators));
+    return LineTokens(value, kSeparators).next();
 }
 
 }  // namespace zoka

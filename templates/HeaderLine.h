@@ -53,7 +53,4 @@ std::vector<std::string_view> headerTokens(std::string_view value);
 // The first token, or nothing.
 std::string_view firstHeaderToken(std::string_view value);
 
-// Without the blanks, tabs and carriage returns around it.
-std::string_view trimmed(std::string_view text);
-
 }  // namespace zoka

@@ -8,6 +8,7 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -16,18 +17,7 @@ namespace {
 constexpr std::string_view kKeyword = "include";
 constexpr const char* kNotIncluded = "The main script doesn't include it any more.";
 // A semicolon parts the name's token from what follows.
-constexpr std::string_view kDelims = ";";
-
-// What an editor may put in front of a UTF-8 text; it belongs to no line.
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-
-size_t markLength(std::string_view text) {
-    return text.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
-}
-// Of two bytes a character: lines of one byte a character would break it.
-bool isUtf16(std::string_view text) {
-    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
-}
+constexpr std::string_view kDelims = " \t;";
 
 std::string_view textOf(const CLex& lexer) {
     return {lexer.getBuf(), static_cast<size_t>(lexer.getBufSize())};
@@ -40,7 +30,7 @@ std::string_view currentLine(const CLex& lexer) {
     const std::string_view line = lexer.getLineNum() < lexer.getLinesNumber()
                                       ? std::string_view(start, static_cast<size_t>(lexer.getLineLen()))
                                       : textOf(lexer).substr(static_cast<size_t>(start - lexer.getBuf()));
-    return start == lexer.getBuf() ? line.substr(markLength(line)) : line;
+    return start == lexer.getBuf() ? line.substr(utf8MarkLength(line)) : line;
 }
 
 bool isComment(std::string_view line) {
@@ -68,7 +58,7 @@ long walkBlock(CLex& lexer, const OnName& onName) {
     if (lastInclude >= 0) {
         return lastInclude;
     }
-    return firstCode >= 0 ? firstCode : static_cast<long>(markLength(textOf(lexer)));
+    return firstCode >= 0 ? firstCode : static_cast<long>(utf8MarkLength(textOf(lexer)));
 }
 
 }  // namespace
@@ -127,8 +117,9 @@ Insertion planInsertion(std::string_view text, const std::string& mainScriptPath
         collectNeeds(scriptPaths, std::string(fileNameOf(mainScriptPath)), included, locate, read);
     insertion.names = std::move(needed.names);
     insertion.present = std::move(needed.present);
-    insertion.problem = isUtf16(text) ? mainScriptPath + " is a UTF-16 file: include lines would damage it."
-                                      : describe(needed.refused);
+    insertion.problem = hasUtf16Mark(text)
+                            ? mainScriptPath + " is a UTF-16 file: include lines would damage it."
+                            : describe(needed.refused);
     return insertion;
 }
 

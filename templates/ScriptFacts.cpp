@@ -2,18 +2,16 @@
 
 #include <algorithm>
 
-#include "util/LexChars.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 
 namespace {
 
-// What an editor may put in front of a UTF-8 text; it belongs to no line.
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view kHeaderDelims = ":,;";
-constexpr std::string_view kValueDelims = ",";
+constexpr std::string_view kHeaderDelims = " \t:,;";
+constexpr std::string_view kValueDelims = " \t,";
 // A value stands behind its keyword, a colon and a blank.
 constexpr size_t kVersionOffset = 5;
 constexpr size_t kDateOffset = 6;
@@ -54,24 +52,6 @@ void takeLine(std::string_view line, ScriptFacts& facts) {
 }
 
 }  // namespace
-
-std::string_view LineTokens::next() {
-    const auto separates = [this](char c) {
-        return lex::isBlank(c) || m_delims.find(c) != std::string_view::npos;
-    };
-    const auto endsLine = [](char c) { return c == 0 || lex::isLineEnd(c); };
-    size_t start = 0;
-    while (start < m_rest.size() && separates(m_rest[start])) {
-        ++start;
-    }
-    size_t end = start;
-    while (end < m_rest.size() && !separates(m_rest[end]) && !endsLine(m_rest[end])) {
-        ++end;
-    }
-    const std::string_view token = m_rest.substr(start, end - start);
-    m_rest.remove_prefix(token.empty() ? m_rest.size() : end);
-    return token;
-}
 
 ScriptFacts parseScriptFacts(std::string_view text) {
     ScriptFacts facts;

@@ -8,20 +8,6 @@
 
 namespace zoka {
 
-// Tokens of one line: runs of characters bounded by blanks, tabs and `delims`. A CR, LF or 0 ends the line.
-// The same tokens as CLex's walk, but without its process-wide state, so that a panel's thread may walk lines
-// meanwhile.
-class LineTokens {
-public:
-    LineTokens(std::string_view line, std::string_view delims) : m_rest(line), m_delims(delims) {}
-    // The next token, as a part of the line; empty at its end.
-    std::string_view next();
-
-private:
-    std::string_view m_rest;
-    std::string_view m_delims;
-};
-
 struct ScriptFacts {
     bool readable = false;  // the file could be opened
     std::vector<std::string> needs;

@@ -7,6 +7,7 @@
 #include "templates/TemplateData.h"
 #include "util/File.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 

@@ -4,6 +4,7 @@
 
 #include "util/LexChars.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -37,14 +38,6 @@ int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names) {
     const ScriptFacts facts = readScriptFacts(scriptPath);
     names.insert(names.end(), facts.needs.begin(), facts.needs.end());
     return static_cast<int>(facts.needs.size());
-}
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        c = lex::lower(c);
-    }
-    return result;
 }
 
 bool isPlainFileName(std::string_view name) {

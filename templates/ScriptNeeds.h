@@ -9,15 +9,13 @@
 #include <vector>
 
 #include "templates/ScriptFacts.h"
+#include "util/Text.h"
 
 namespace zoka {
 
 // Appends the names on the "needs" lines of the file at `scriptPath`, as they stand there and in that order;
 // returns how many. 0 when the file can't be read.
 int ReadNeeds(const std::string& scriptPath, std::vector<std::string>& names);
-
-// Letters A to Z in their small form, for sets of names that are compared without regard to case.
-std::string lowered(std::string_view text);
 
 // Whether it names a file in a folder and nothing outside it: no separator, drive, wildcard or control
 // character, not "." or "..", no dot or blank at its end (which the system leaves out, so that it means another

@@ -7,6 +7,7 @@
 #include <span>
 
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -34,12 +35,6 @@ std::span<const Choice> choicesOf(PromptButtons buttons) {
         default:
             return {};
     }
-}
-
-std::string_view trimmed(std::string_view line) {
-    const size_t first = line.find_first_not_of(" \t\r");
-    return first == std::string_view::npos ? ""
-                                           : line.substr(first, line.find_last_not_of(" \t\r") - first + 1);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "util/Fold.h"
+
 namespace zoka::lex {
 
 inline bool isBlank(char c) {
@@ -32,13 +34,9 @@ inline const char* lineEnd(const char* text) {
     return text + std::strcspn(text, "\r\n");
 }
 
-inline char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
 inline bool equalsIgnoringCase(const char* a, const char* b, size_t n) {
     for (size_t i = 0; i < n; ++i) {
-        if (lower(a[i]) != lower(b[i])) {
+        if (foldCase(a[i]) != foldCase(b[i])) {
             return false;
         }
     }

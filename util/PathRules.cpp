@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <vector>
 
+#include "util/Fold.h"
+
 namespace zoka {
 namespace {
-
-char foldCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 bool hasDrive(std::string_view path) {
     return path.size() > 1 && path[1] == ':';

@@ -1,5 +1,6 @@
 #include "xml/XMLConvert.h"
 
+#include "util/Text.h"
 #include "xml/PlatformCharset.h"
 #include "xml/XMLPosition.h"
 
@@ -32,16 +33,6 @@ constexpr char16_t kWindows1252[32] = {
     0x2039, 0x0152, 0x008d, 0x017d, 0x008f, 0x0090, 0x2018, 0x2019, 0x201c, 0x201d, 0x2022,
     0x2013, 0x2014, 0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0x009d, 0x017e, 0x0178,
 };
-
-std::string lower(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c + 32);
-        }
-    }
-    return result;
-}
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
@@ -93,7 +84,7 @@ XMLFileForm formBySigns(std::string_view bytes) {
     } else if (bytes.starts_with(kUtf8Mark)) {
         form.mark = kUtf8Mark.size();
     } else {
-        const std::string declared = lower(declaredEncoding(bytes));
+        const std::string declared = lowered(declaredEncoding(bytes));
         if (declared == "iso-8859-1" || declared == "latin1") {
             form.set = XMLFileSet::Latin1;
         } else if (declared == "windows-1252" || declared == "cp1252") {
@@ -287,7 +278,7 @@ XMLFileForm xmlFileForm(std::string_view bytes) {
     };
     const std::string_view given = declaredEncoding(text);
     const auto givenAt = static_cast<size_t>(given.empty() ? 0 : given.data() - text.data());
-    const std::string declared = lower(given);
+    const std::string declared = lowered(given);
     if (is16) {
         if (!declared.empty() && !namesUtf16(declared)) {
             tell(givenAt, "\"" + std::string(given) + "\" is declared, but the file is UTF-16 by its mark");
@@ -331,7 +322,7 @@ XMLDecoded decodeXmlFile(std::string_view bytes, XMLCharset charset, bool notUtf
             break;
     }
     if (charset == XMLCharset::Platform) {
-        const bool saysUtf8 = form.mark > 0 || namesUtf8(lower(declaredEncoding(bytes)));
+        const bool saysUtf8 = form.mark > 0 || namesUtf8(lowered(declaredEncoding(bytes)));
         return saysUtf8 && firstNotUtf8(text) == text.npos ? decodeUtf8(bytes, form.mark, charset) : asItIs;
     }
     if (!notUtf8) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "util/Text.h"
 #include "xml/XMLEncoding.h"
 
 namespace zoka {
@@ -66,8 +67,6 @@ inline bool isXmlChar(char32_t c) {
 }
 bool isXmlNameStart(char32_t c);
 bool isXmlNameChar(char32_t c);
-
-inline constexpr std::string_view kUtf8Mark = "\xef\xbb\xbf";
 
 // What the bytes of a file stand for, by its mark, its declaration and the bytes themselves: a mark counts more than
 // a declaration, and bytes that are no UTF-8 more than either.

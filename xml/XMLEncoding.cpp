@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "util/PathRules.h"
 #include "xml/XMLConvert.h"
 
 namespace zoka {
@@ -35,12 +36,8 @@ bool sequencesAreUtf8(std::string_view head) {
     return true;
 }
 
-bool startsWithFolded(std::string_view text, std::string_view lowerCase) {
-    if (text.size() < lowerCase.size()) {
-        return false;
-    }
-    return std::equal(lowerCase.begin(), lowerCase.end(), text.begin(),
-                      [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + 32 : b); });
+bool startsWithNoCase(std::string_view text, std::string_view start) {
+    return equalNoCase(text.substr(0, start.size()), start);
 }
 
 }  // namespace
@@ -89,7 +86,7 @@ bool guessUtf8(std::string_view bytes) {
         return true;
     }
     const std::string_view value = head.substr(at + 1);
-    return startsWithFolded(value, "utf-8") || startsWithFolded(value, "utf8");
+    return startsWithNoCase(value, "utf-8") || startsWithNoCase(value, "utf8");
 }
 
 }  // namespace zoka

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "controls/EntryRules.h"
@@ -18,9 +17,11 @@
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/FileLock.h"
+#include "util/KeyedHash.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka::cli {
 namespace {
@@ -37,17 +38,7 @@ void print(const std::string& text) {
     printShown(text);
 }
 
-std::string oneLine(const std::string& text) {
-    std::string made;
-    for (const char c : text) {
-        if (c == '\n') {
-            made += "\\n";
-        } else if (c != '\r') {
-            made += c;
-        }
-    }
-    return made;
-}
+constexpr std::string_view kLineEndShown = "\\n";
 
 // A script opened as the panel opens it. Its own folder is the project's, so saving stays there.
 class OpenScript {
@@ -192,14 +183,14 @@ ExitStatus list(const CustomizeOptions& options) {
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
             if (entry.kind == kSection) {
-                print("\n" + oneLine(entry.label) + "\n");
+                print("\n" + onOneLine(entry.label, kLineEndShown) + "\n");
             }
             if (!entry.hasValue()) {
                 continue;
             }
             const std::string range = allowedRange(open.session().row(i).facts());
             print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
-                  oneLine(entry.label) + " = " + oneLine(entry.value) +
+                  onOneLine(entry.label, kLineEndShown) + " = " + onOneLine(entry.value, kLineEndShown) +
                   (range.empty() ? "" : "\t(" + range + ")") + "\n");
         }
     }
@@ -328,8 +319,8 @@ ExitStatus diff(const CustomizeOptions& options) {
         all.push_back(one);
         if (!options.json) {
             print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
-                  oneLine(entry.label) + ": " + oneLine(entry.value) +
-                  (other ? " (there " + oneLine(*other) + ")" : " (missing there)") + "\n");
+                  onOneLine(entry.label, kLineEndShown) + ": " + onOneLine(entry.value, kLineEndShown) +
+                  (other ? " (there " + onOneLine(*other, kLineEndShown) + ")" : " (missing there)") + "\n");
         }
     }
     if (options.json) {
@@ -413,7 +404,7 @@ ExitStatus import(const CustomizeOptions& options) {
         return ExitStatus::Findings;
     }
     CustomizeSession& session = open.session();
-    std::unordered_map<int, size_t> firstOf;
+    KeyedMap<int, size_t> firstOf;
     for (size_t i = 0; i < session.size(); ++i) {
         if (session.entry(i).hasValue()) {
             firstOf.try_emplace(session.entry(i).id, i);
@@ -446,7 +437,8 @@ ExitStatus checkFile(const std::string& path, Json* json) {
             json->push_back(
                 {{"file", jsonText(path)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
         } else {
-            print(path + ':' + std::to_string(finding.line) + ": " + oneLine(finding.what) + "\n");
+            print(path + ':' + std::to_string(finding.line) + ": " + onOneLine(finding.what, kLineEndShown) +
+                  "\n");
         }
     }
     const size_t left = script.findings.count() - script.findings.kept().size();

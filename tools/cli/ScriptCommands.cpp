@@ -6,7 +6,6 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "plugin/host/FolderHost.h"
@@ -17,6 +16,7 @@
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/FileLock.h"
+#include "util/KeyedHash.h"
 #include "util/LineDiff.h"
 #include "util/PathRules.h"
 
