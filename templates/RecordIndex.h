@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "util/KeyedHash.h"
+#include "util/PathRules.h"
+
 namespace zoka {
 
 // An open hash table of record numbers. Of records with equal texts the first one added is found. `Text`
@@ -34,7 +37,6 @@ public:
         if (!m_slots.empty()) {
             __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);
         }
-
         return hash;
     }
 
@@ -45,12 +47,10 @@ public:
         if ((m_used + 1) * 2 > m_slots.size()) {
             grow(m_used + 1);
         }
-
         Slot& slot = m_slots[place(text(record), hash, text)];
         if (slot.record != kNone) {
             return false;
         }
-
         slot = {hash, record};
         ++m_used;
         return true;
@@ -72,36 +72,11 @@ private:
         std::uint32_t record = kNone;
     };
 
-    static char fold(char c) {
-        return NoCase && c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-    }
-
     static std::uint32_t hashOf(std::string_view key) {
-        std::uint32_t hash = 2166136261U;
-        for (const char c : key) {
-            hash = (hash ^ static_cast<unsigned char>(fold(c))) * 16777619U;
-        }
-
-        return hash ^ (hash >> 15);
+        return static_cast<std::uint32_t>(NoCase ? keyedHashNoCase(key) : keyedHash(key));
     }
 
-    static bool equal(std::string_view a, std::string_view b) {
-        if (!NoCase) {
-            return a == b;
-        }
-
-        if (a.size() != b.size()) {
-            return false;
-        }
-
-        for (size_t i = 0; i < a.size(); ++i) {
-            if (fold(a[i]) != fold(b[i])) {
-                return false;
-            }
-        }
-
-        return true;
-    }
+    static bool equal(std::string_view a, std::string_view b) { return NoCase ? equalNoCase(a, b) : a == b; }
 
     template <class Text>
     size_t place(std::string_view key, std::uint32_t hash, const Text& text) const {
@@ -111,7 +86,6 @@ private:
                (m_slots[at].hash != hash || !equal(text(m_slots[at].record), key))) {
             at = (at + 1) & mask;
         }
-
         return at;
     }
 
@@ -120,7 +94,6 @@ private:
         while (size < records * 2) {
             size *= 2;
         }
-
         std::vector<Slot> old(size);
         old.swap(m_slots);
         // The texts of the records in the index all differ, so any free slot is the right one.
@@ -128,12 +101,10 @@ private:
             if (slot.record == kNone) {
                 continue;
             }
-
             size_t at = slot.hash & (size - 1);
             while (m_slots[at].record != kNone) {
                 at = (at + 1) & (size - 1);
             }
-
             m_slots[at] = slot;
         }
     }

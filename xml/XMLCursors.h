@@ -1,23 +1,14 @@
-// Places that lookups by index remember, so that asking for 0, 1, 2, ... in turn takes linear time. Internal
-// to this folder.
+// Places that lookups by index remember, so that asking for 0, 1, 2, ... in turn takes linear time, and indexes of
+// elements in which they go another way. Internal to this folder.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <unordered_map>
-#include <vector>
 
-#include "xml/XMLItems.h"
+#include "xml/XMLContentIndex.h"
 
 namespace zoka {
-
-enum class XMLCursorKind : std::uint8_t {
-    Named,     // the index counts children of the item's name
-    Position,  // the index counts children of every name, the walk being over the item's name
-    Any,       // the index counts children of every name
-    Text,
-    Clear
-};
 
 struct XMLCursor {
     const XMLItem* item;
@@ -36,25 +27,34 @@ public:
 
         const Place& recent = recent_[slotOf(owner, kind)];
         if (recent.owner != owner || !fits(recent.cursor, kind, name)) {
-            return findOld(owner, kind, name, index);
+            return nullptr;
         }
 
         return recent.cursor.index <= index ? &recent.cursor : nullptr;
     }
-    void remember(const XMLElement* owner, const XMLCursor& cursor, const XMLName* name) {
+    void remember(const XMLElement* owner, const XMLCursor& cursor) {
         if (cursor.index < kFrom) {
             return;
         }
 
         Place& recent = recent_[slotOf(owner, cursor.kind)];
-        if (recent.owner && (recent.owner != owner || !fits(recent.cursor, cursor.kind, name))) {
-            keep(recent);
-        }
-
         recent = {owner, cursor};
         // A long list is most likely being walked: what lies behind is wanted next.
         __builtin_prefetch(cursor.item->next);
     }
+
+    // The element's index, up to date, where it has one; else null.
+    const XMLContentIndex* indexOf(const XMLElement* owner) {
+        return owner->walkedFar ? updated(owner, false) : nullptr;
+    }
+    // To be told of a lookup that has walked over kFarWalk items. Gives an index to use instead from the second such
+    // walk on: a lookup here and there isn't worth one. Null when memory for it runs out, too.
+    const XMLContentIndex* walksFar(const XMLElement* owner) {
+        const bool again = owner->walkedFar;
+        owner->walkedFar = true;
+        return again ? updated(owner, true) : nullptr;
+    }
+    static constexpr int kFarWalk = 64;
 
     // The child that a walk by position found last, whatever its name; most walks go on from there.
     const XMLElement* walked = nullptr;  // its owner
@@ -68,8 +68,6 @@ private:
     };
     // Below this index a walk from the first item is as good.
     static constexpr int kFrom = 8;
-    // Loops over that many names of one element at once keep their places; with more the oldest is forgotten.
-    static constexpr size_t kPerElement = 8;
     static constexpr size_t kRecent = 16;
 
     static size_t slotOf(const XMLElement* owner, XMLCursorKind kind) {
@@ -88,13 +86,11 @@ private:
         const auto* element = static_cast<const XMLElement*>(cursor.item);
         return name->matches(element->key, element->name);
     }
-    const XMLCursor* findOld(const XMLElement* owner, XMLCursorKind kind, const XMLName* name,
-                             int index) const;
-    void keep(const Place& place);
+    const XMLContentIndex* updated(const XMLElement* owner, bool make);
 
-    // The latest places, one a slot; what loses its slot goes to the map.
+    // The latest places, one a slot.
     Place recent_[kRecent];
-    std::unordered_map<const XMLElement*, std::vector<XMLCursor>> old_;
+    std::unordered_map<const XMLElement*, XMLContentIndex> indexes_;
 };
 
 }  // namespace zoka

@@ -23,7 +23,9 @@ struct XMLItem {
     // Of elements only:
     bool isDeclaration = false;  // written as <?name ...?>
     XMLTextUse textUse = XMLTextUse::None;
-    bool grownRun = false;  // its attributes' run has room for a power of two
+    bool grownRun : 1 = false;  // its attributes' run has room for a power of two
+    // A lookup has walked far in its content; XMLCursors may hold an index of it.
+    mutable bool walkedFar : 1 = false;
 };
 
 struct XMLTextItem : XMLItem {

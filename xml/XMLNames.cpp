@@ -6,7 +6,7 @@ namespace zoka {
 namespace {
 
 unsigned char fold(unsigned char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + 32) : c;
+    return static_cast<unsigned char>(foldCase(static_cast<char>(c)));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "util/Fold.h"
 #include "xml/XMLEncoding.h"
 
 namespace zoka {
@@ -31,16 +32,6 @@ inline unsigned platformCharacter(const char* p, XMLLeads leads) {
 // The forms for sets with two-byte characters; `length` as below.
 std::uint64_t xmlNameKeyWithLeads(const char* name, size_t length, XMLLeads leads);
 
-// A to Z in the eight bytes folded to lower case.
-inline std::uint64_t foldNameBytes(std::uint64_t bytes) {
-    // The high bit of each byte of `upper`: whether that byte is a letter A to Z.
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    const std::uint64_t low = bytes & (0x7f * ones);
-    const std::uint64_t upper =
-        (low + (0x80 - 'A') * ones) & ~(low + (0x7f - 'Z') * ones) & ~bytes & (0x80 * ones);
-    return bytes | (upper >> 2);
-}
-
 // The key of a 0-terminated name.
 inline std::uint64_t xmlNameKey(const char* name, XMLLeads leads) {
     if (leads) {
@@ -50,7 +41,7 @@ inline std::uint64_t xmlNameKey(const char* name, XMLLeads leads) {
     for (unsigned i = 0; i < 64 && *name; i += 8) {
         bytes |= std::uint64_t{static_cast<unsigned char>(*name++)} << i;
     }
-    return foldNameBytes(bytes);
+    return foldCase(bytes);
 }
 
 // The same of a name of `length` bytes in a text that may be read eight bytes from its start.
@@ -69,7 +60,7 @@ inline std::uint64_t xmlNameKey(const char* name, size_t length, XMLLeads leads)
     if (length < 8) {
         bytes &= (std::uint64_t{1} << (8 * length)) - 1;
     }
-    return foldNameBytes(bytes);
+    return foldCase(bytes);
 }
 
 // Whether two names are equal behind their first eight bytes, which are.

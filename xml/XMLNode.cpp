@@ -3,6 +3,7 @@
 #include "xml/XMLTree.h"
 #include "xml/XMLWriter.h"
 
+using zoka::XMLContentIndex;
 using zoka::XMLCursor;
 using zoka::XMLCursorKind;
 using zoka::XMLCursors;
@@ -55,12 +56,41 @@ const XMLItem* itemAt(const XMLElement* owner, XMLCursorKind kind, const XMLName
     if (const XMLCursor* place = cursors.find(owner, kind, name, index)) {
         item = place->item;
         left -= place->index;
+    } else if (const XMLContentIndex* all = cursors.indexOf(owner)) {
+        return all->at(kind, name, index);
     }
-    item = findItem(owner, item, [&](const XMLItem* one) { return counts(one) && left-- == 0; });
-    if (item) {
-        cursors.remember(owner, {item, index, kind}, name);
+    int steps = 0;
+    for (; item; item = owner->itemAfter(item)) {
+        if (counts(item) && left-- == 0) {
+            cursors.remember(owner, {item, index, kind});
+            return item;
+        }
+        if (++steps == XMLCursors::kFarWalk) {
+            if (const XMLContentIndex* all = cursors.walksFar(owner)) {
+                return all->at(kind, name, index);
+            }
+        }
     }
-    return item;
+    return nullptr;
+}
+
+// How many children of that name (null: any).
+int countChildren(const XMLElement* owner, const XMLName* name) {
+    XMLCursors& cursors = XMLDocument::of(owner)->cursors;
+    if (const XMLContentIndex* all = cursors.indexOf(owner)) {
+        return all->count(name);
+    }
+    int count = 0;
+    int steps = 0;
+    for (const XMLItem* item = owner->firstItem(); item; item = owner->itemAfter(item)) {
+        count += isChild(item, name);
+        if (++steps == XMLCursors::kFarWalk) {
+            if (const XMLContentIndex* all = cursors.walksFar(owner)) {
+                return all->count(name);
+            }
+        }
+    }
+    return count;
 }
 
 template <class Counts>
@@ -148,7 +178,7 @@ int XMLNode::childCount() const {
     if (!element_) {
         return 0;
     }
-    return countItems(element_, [](const XMLItem* item) { return isChild(item, nullptr); });
+    return countChildren(element_, nullptr);
 }
 
 int XMLNode::childCount(const char* tag) const {
@@ -156,7 +186,7 @@ int XMLNode::childCount(const char* tag) const {
         return 0;
     }
     const XMLName name(tag, XMLDocument::leadsOf(element_));
-    return countItems(element_, [&](const XMLItem* item) { return isChild(item, &name); });
+    return countChildren(element_, &name);
 }
 
 XMLNode XMLNode::getChild(int index) const {
@@ -190,6 +220,13 @@ XMLNode XMLNode::getChild(const char* tag, int* position) const {
 inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
     const XMLCursorKind kind = name ? XMLCursorKind::Position : XMLCursorKind::Any;
     XMLCursors& cursors = XMLDocument::of(element_)->cursors;
+    const auto indexed = [&](const XMLContentIndex& all) {
+        const XMLContentIndex::Child child = all.from(name, *position);
+        if (child.item) {
+            *position = child.number + 1;
+        }
+        return XMLNode(elementOf(child.item));
+    };
     const XMLItem* item = element_->firstItem();
     int at = 0;  // of `item`, counting children
     // The place remembered is that of the child found last, one in front of *position.
@@ -199,16 +236,21 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
     } else if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
         item = place->item;
         at = place->index;
+    } else if (const XMLContentIndex* all = cursors.indexOf(element_)) {
+        return indexed(*all);
     }
-    for (; item && at < *position; item = element_->itemAfter(item)) {
-        at += item->kind == XMLItemKind::Element;
-    }
+    int steps = 0;
     for (; item; item = element_->itemAfter(item)) {
+        if (++steps == XMLCursors::kFarWalk) {
+            if (const XMLContentIndex* all = cursors.walksFar(element_)) {
+                return indexed(*all);
+            }
+        }
         if (item->kind != XMLItemKind::Element) {
             continue;
         }
-        if (isChild(item, name)) {
-            cursors.remember(element_, {item, at, kind}, name);
+        if (at >= *position && isChild(item, name)) {
+            cursors.remember(element_, {item, at, kind});
             cursors.walked = element_;
             cursors.walkedItem = item;
             cursors.walkedIndex = at;

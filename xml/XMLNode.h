@@ -135,11 +135,11 @@ public:
     // The empty node for the top.
     XMLNode getParent() const;
 
-    // Child elements: of any name, of a name. Declarations count as children. Counted at each call.
+    // Child elements: of any name, of a name. Declarations count as children.
     int childCount() const;
     int childCount(const char* tag) const;
-    // The index-th child of any name, or of that name, counting from 0. Asking for 0, 1, 2, ... in turn takes
-    // linear time in all.
+    // The index-th child of any name, or of that name, counting from 0. Asking for all of them takes linear time, in
+    // whatever order.
     XMLNode getChild(int index) const;
     XMLNode getChild(const char* tag, int index = 0) const;
     // The first child of that name (null: any) at or after child number *position (counting children of every

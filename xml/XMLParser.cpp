@@ -4,8 +4,8 @@
 #include <cstring>
 #include <new>
 #include <string_view>
-#include <unordered_set>
 
+#include "util/KeyedHash.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLNode.h"
 #include "xml/XMLPosition.h"
@@ -184,7 +184,7 @@ private:
     size_t runRoom_ = 0;
     const char* longNames_[64] = {};
     std::uint64_t seenKeys_ = 0;
-    std::unordered_set<std::string_view> seenNames_;
+    KeyedSet<std::string_view> seenNames_;
 };
 
 template <bool Utf8>

@@ -233,10 +233,52 @@ TEST(Tree, LookupsByIndexInTurnAreLinear) {
         steps += a.getChild("y", &y).isEmpty() ? 1 : 2;
     }
     EXPECT_EQ(steps, count + count / 2);
-    // Going back is right too, if not fast.
+    // Going back.
     EXPECT_STREQ(a.getChild("x", count - 1).getChild(0).getName(), "i");
     EXPECT_STREQ(a.getChild(2).getName(), "y");
     EXPECT_STREQ(a.getChild(10).getName(), "x");
+}
+
+// Each of these, too: from the end, over many names in turn, at random, counting each time, and while it grows.
+TEST(Tree, LookupsByIndexInAnyOrderAreLinear) {
+    constexpr int count = 60000;
+    constexpr int names = 12;
+    std::string text = "<a>";
+    for (int i = 0; i < count; ++i) {
+        const std::string name = "LongEnoughName" + std::string(1, static_cast<char>('a' + i % names));
+        text += "t<" + name + " i='" + std::to_string(i) + "'/><!---->";
+    }
+    XMLNode a = XMLNode::parseText((text + "</a>").c_str(), "a");
+    const auto number = [](const XMLNode& node) {
+        const char* const value = node.getAttribute("i");
+        return value ? std::atoi(value) : -1;
+    };
+    int wrong = 0;
+    for (int i = count - 1; i >= 0; --i) {
+        wrong += number(a.getChild(i)) != i;
+        wrong += a.getText(i) == nullptr || a.getClear(i).value == nullptr;
+    }
+    int positions[names] = {};
+    for (int i = 0; i < count; ++i) {
+        const std::string name = "longenoughname" + std::string(1, static_cast<char>('A' + i % names));
+        wrong += number(a.getChild(name.c_str(), i / names)) != i;
+        wrong += number(a.getChild(name.c_str(), &positions[i % names])) != i;
+        wrong += number(a.getChild(static_cast<int>(i * 7919LL % count))) != i * 7919LL % count;
+        wrong += a.childCount(name.c_str()) != count / names;
+        wrong += !a.getChild("longenoughname").isEmpty();
+    }
+    EXPECT_EQ(wrong, 0);
+    for (int i = count; i < 2 * count; ++i) {
+        a.addChild("new").addAttribute("i", std::to_string(i).c_str());
+        wrong += number(a.getChild("New", i - count)) != i || number(a.getChild(i / 2)) != i / 2;
+        wrong += a.childCount() != i + 1;
+    }
+    int position = count + 5;
+    EXPECT_EQ(number(a.getChild("new", &position)), count + 5);
+    EXPECT_EQ(position, count + 6);
+    EXPECT_TRUE(a.getChild("new", count).isEmpty());
+    EXPECT_TRUE(a.getChild(2 * count).isEmpty());
+    EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace
