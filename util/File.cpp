@@ -128,7 +128,7 @@ char* file_t::Gets(char* buf, int n) {
 }
 
 size_t file_t::Read(void* buf, size_t size, size_t n) {
-    return fp ? std::fread(buf, size, n, fp) : 0;
+    return fp && isCount(n) ? std::fread(buf, size, n, fp) : 0;
 }
 
 size_t file_t::Write(const void* buf, size_t size, size_t n) {
@@ -174,6 +174,12 @@ void* file_t::GetMemPtr() {
 
 // The rule of memory files and windows: never beyond `len`.
 int file_t::seekWithinLen(long off, int whence) {
+    // What no content of 32 bits has a place for is refused before it is counted with.
+    constexpr std::int64_t kFarthest = std::numeric_limits<std::int32_t>::max();
+    const std::int64_t distance = off;
+    if (distance > kFarthest || distance < -kFarthest) {
+        return -1;
+    }
     std::int64_t target;
     switch (whence) {
         case SEEK_SET:
@@ -262,7 +268,7 @@ char* partof_file_t::Gets(char* buf, int n) {
 }
 
 size_t partof_file_t::Read(void* buf, size_t size, size_t n) {
-    if (size == 0 || n == 0 || !seekStream()) {
+    if (size == 0 || !isCount(n) || !seekStream()) {
         return 0;
     }
     const auto left = static_cast<size_t>(len - pos);
@@ -277,6 +283,6 @@ bool partof_file_t::IsLodEntry() {
 }
 
 file_t* partof_file_t::create_part(const char* partName, long partLen, long start) {
-    const std::int32_t inStream = to32(std::int64_t{offset} + start);
+    const std::int32_t inStream = to32(std::int64_t{offset} + to32(start));
     return new (std::nothrow) partof_file_t(partName, fp, partLen == -1 ? len : partLen, inStream);
 }

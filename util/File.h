@@ -1,5 +1,6 @@
-// One file interface over disk files, windows onto them, growing memory and fixed memory. Exported: other
-// modules of the suite call the virtual operations by slot, so their order stays.
+// One file interface over disk files, windows onto them, growing memory and fixed memory. Exported for other modules
+// of the suite that are made with the same compiler: the order of the virtual operations stays, but how a call is made,
+// what a string is and where the destructor's slot lies are the compiler's own.
 #pragma once
 
 #include <cstddef>
@@ -52,7 +53,7 @@ public:
     // A line with its end, 0-terminated; null at the end. From memory CR LF and LF CR are line ends of two
     // bytes, and such an end is completed past n - 1: the buffer must hold n + 1 bytes there.
     virtual char* Gets(char* buf, int n);
-    // Whole items read or written. At the end of the data the bytes of a last, broken item are delivered too.
+    // Whole items read or written; a count below 1 reads nothing. At the end of the data the bytes of a last, broken item are delivered too.
     virtual size_t Read(void* buf, size_t size, size_t n);
     virtual size_t Write(const void* buf, size_t size, size_t n);
     // True for what lies inside another file (and for a stream that isn't open).
@@ -79,7 +80,7 @@ public:
     // each leading "..\" that folder loses a part, while the name keeps them all; with no part left the
     // name comes back unchanged.
     static std::string AbsPath(const char* name);
-    // Finds a folder by search, so neither "." nor a path that ends with a separator is one.
+    // Finds a folder by search. Neither "." nor a path that ends so or with a separator is one.
     static bool DirExist(const char* path);
     // Makes the folder and those above it; failures show only in DirExist.
     static void MakeDir(const char* path);
@@ -96,6 +97,8 @@ public:
 protected:
     void setName(const char* newName, size_t maxChars);
     int seekWithinLen(long off, int whence);
+    // A count of items; other modules count in int, and one below 0 arrives as a very large one.
+    static bool isCount(size_t n) { return static_cast<std::ptrdiff_t>(n) > 0; }
 
     char name[260];
     std::FILE* fp;

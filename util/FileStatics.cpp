@@ -4,6 +4,7 @@
 
 #include "util/File.h"
 #include "util/OsFiles.h"
+#include "util/PathRules.h"
 
 namespace {
 
@@ -78,7 +79,12 @@ std::string file_t::AbsPath(const char* fileName) {
 }
 
 bool file_t::DirExist(const char* path) {
-    const auto entry = zoka::osFiles().search(path ? path : "");
+    // Systems differ in what name a search for "." finds.
+    const std::string_view asked = path ? path : "";
+    if (zoka::fileNameOf(asked) == ".") {
+        return false;
+    }
+    const auto entry = zoka::osFiles().search(std::string(asked));
     return entry && entry->isFolder && entry->name != ".";
 }
 

@@ -186,7 +186,10 @@ char* dmemfile_t::Gets(char* buf, int n) {
 }
 
 size_t dmemfile_t::Read(void* buf, size_t size, size_t n) {
-    if (n == 0 || size == 0) {
+    if (!isCount(n)) {
+        return 0;
+    }
+    if (size == 0) {
         return n;  // any number of empty items fits
     }
     const auto left = static_cast<size_t>(len - pos);
@@ -209,7 +212,7 @@ void dmemfile_t::SetFp(std::FILE* stream) {
 
 file_t* dmemfile_t::create_part(const char* partName, long partLen, long offset) {
     const std::int64_t size = partLen == -1 ? len : partLen;
-    if (size < 0 || offset < 0 || size + offset > len) {
+    if (size < 0 || offset < 0 || offset > len || size > len - offset) {
         return nullptr;
     }
     return new (std::nothrow)

@@ -98,6 +98,9 @@ TEST(FileExist, TellsNameTimeAndSize) {
     EXPECT_FALSE(file_t::DirExist((folder.path() + "\\").c_str()));
     EXPECT_FALSE(file_t::DirExist(path.c_str()));
     EXPECT_FALSE(file_t::DirExist(""));
+    EXPECT_FALSE(file_t::DirExist("."));
+    EXPECT_FALSE(file_t::DirExist((folder.path() + "\\.").c_str()));
+    EXPECT_TRUE(file_t::DirExist(".."));
 }
 
 TEST(FileTimes, AreSetAndRead) {

@@ -1,6 +1,8 @@
 // Memory files: growing, fixed and borrowed.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -300,6 +302,28 @@ TEST(MemFile, AgreesWithItsModel) {
         }
         ASSERT_EQ(zoka::test::runMemFileOps(operations.data(), operations.size()), "") << "round " << round;
     }
+}
+
+// Numbers far outside of the content: refused, nothing moves, nothing overflows.
+TEST(MemFile, RefusesCountsAndPlacesThatNoContentHas) {
+    unsigned char block[] = "0123456789";
+    smemfile_t file("block", block, 10, true);
+    file.Seek(4, SEEK_SET);
+    char buffer[16] = {};
+    for (const long n : {0L, -1L, -5L, std::numeric_limits<long>::min()}) {
+        EXPECT_EQ(file.Read(buffer, 1, static_cast<size_t>(n)), 0u) << n;
+        EXPECT_EQ(file.Read(buffer, 0, static_cast<size_t>(n)), 0u) << n;
+    }
+    for (const long off :
+         {std::numeric_limits<long>::max(), std::numeric_limits<long>::min(), 1L << 30, -(1L << 30)}) {
+        for (const int whence : {SEEK_SET, SEEK_CUR, SEEK_END}) {
+            EXPECT_EQ(file.Seek(off, whence), -1) << off << " " << whence;
+        }
+        EXPECT_EQ(file.create_part("part", 4, off), nullptr) << off;
+        EXPECT_EQ(file.create_part("part", off, 4), nullptr) << off;
+    }
+    EXPECT_EQ(file.Tell(), 4);
+    EXPECT_EQ(buffer[0], 0);
 }
 
 }  // namespace
