@@ -45,7 +45,9 @@ private:
     };
     Children& childrenLike(const XMLElement* element);
     const Children* find(const XMLName& name) const;
-    Recent& recentOf(std::uint64_t key) const { return m_recent[(key * 0x9e3779b97f4a7c15u) >> 60]; }
+    Recent& recentOf(std::uint64_t key) const {
+        return m_recent[static_cast<size_t>((key * 0x9e3779b97f4a7c15u) >> 60)];
+    }
 
     const XMLElement* m_owner;
     const XMLItem* m_last = nullptr;  // the last one taken in

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLConvert.h"
 
 namespace zoka {
@@ -46,10 +47,7 @@ std::optional<int> xmlInteger(const char* value) {
     if (!value) {
         return std::nullopt;
     }
-    constexpr std::string_view kBlanks = " \t\r\n";
-    std::string_view text = value;
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    text.remove_suffix(text.size() - (text.find_last_not_of(kBlanks) + 1));
+    std::string_view text = trimmed(value);
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
         text.remove_prefix(1);
     }
@@ -60,7 +58,9 @@ std::optional<int> xmlInteger(const char* value) {
 }
 
 XMLPlaces::XMLPlaces(std::string bytes) : m_text(std::move(bytes)), m_lines{0} {
-    XMLDecoded decoded = decodeXmlFile(m_text);
+    // As the parser took the bytes: what is no UTF-8 was converted from the platform's set.
+    const bool notUtf8 = firstNotUtf8(m_text) != m_text.npos;
+    XMLDecoded decoded = decodeXmlFile(m_text, xmlCharset(), notUtf8);
     if (decoded.converted) {
         m_text = std::move(decoded.text);
     }
