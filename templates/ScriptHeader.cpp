@@ -261,7 +261,7 @@ private:
 
 CScriptElm parseScriptHeader(std::string_view text, const std::string& filename, std::string& errorText) {
     HeaderParser parser(filename, errorText);
-    if (constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF"; text.starts_with(kUtf8Mark)) {
+    if (text.starts_with(kUtf8Mark)) {
         text.remove_prefix(kUtf8Mark.size());  // it belongs to no line
     }
     while (!text.empty()) {
