@@ -69,8 +69,8 @@ CScriptElm readScript(const XMLNode& node) {
 
 // The same fields of the same element, without making its record.
 CTemplateData::Row readRow(const XMLNode& node) {
-    return {xmlAttribute(node, "name"), xmlAttribute(node, "filename"), xmlFirstText(node.firstChild("class")),
-            xmlAttribute(node, "type")};
+    return {xmlAttribute(node, "name"), xmlAttribute(node, "filename"),
+            xmlFirstText(node.firstChild("class")), xmlAttribute(node, "type")};
 }
 
 class CatalogueText {

@@ -76,6 +76,15 @@ expect "a file with CR LF" 1 "dos.kez: has line ends crlf" "$checks/lineends.sh"
 echo '*.kez -text' >"$tree/.gitattributes"
 expect "a file with CR LF kept as it is" 0 "" "$checks/lineends.sh" "$tree"
 
+# Layout.
+tree=$scratch/format
+mkdir -p "$tree/util"
+cp "$checks/../../.clang-format" "$tree"
+printf 'int  x;\n' >"$tree/util/A.h"
+expect "two blanks" 123 "util/A.h:1:4: error: code should be clang-formatted" "$checks/format.sh" "$tree"
+printf 'int x;\n' >"$tree/util/A.h"
+expect "laid out as it should be" 0 "" "$checks/format.sh" "$tree"
+
 # Counting: CTest's status of the program, its results file, the count.
 tree=$scratch/count
 while IFS='|' read -r ended results counts; do

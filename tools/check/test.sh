@@ -80,6 +80,7 @@ end_window_tests() {
 
 check includes $here/includes.sh
 check lineends $here/lineends.sh
+check format $here/format.sh
 check checks tests/check/run.sh
 
 linux= asan= windows=
