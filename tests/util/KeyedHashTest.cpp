@@ -31,7 +31,7 @@ TEST(KeyedHash, SpreadsOverAllPlaces) {
     for (int i = 0; i < count; ++i) {
         const std::uint64_t hash = keyedHash("script" + std::to_string(i));
         ++low[hash % 64];
-        ++high[hash >> 58];
+        ++high[static_cast<size_t>(hash >> 58)];
         ++numbers[zoka::KeyedHash()(i * 1024) % 64];
     }
     for (const auto& places : {low, high, numbers}) {
