@@ -11,8 +11,19 @@ using namespace zoka::test;
 class WizardSamples : public testing::Test {
 protected:
     void SetUp() override {
-        std::filesystem::copy(sourceDir() / "samples" / "templates", suite.folder.native("templates"),
-                              std::filesystem::copy_options::recursive);
+        // Entry by entry: the library's recursive copy takes a folder that is there for an error on Windows.
+        const auto from = sourceDir() / "samples" / "templates";
+        const std::filesystem::path to = suite.folder.native("templates");
+        std::filesystem::create_directories(to);
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(from)) {
+            const auto target = to / entry.path().lexically_relative(from);
+            if (entry.is_directory()) {
+                std::filesystem::create_directories(target);
+            } else {
+                std::filesystem::copy_file(entry.path(), target,
+                                           std::filesystem::copy_options::overwrite_existing);
+            }
+        }
     }
     Suite suite;
 };
