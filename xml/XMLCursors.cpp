@@ -5,17 +5,17 @@
 namespace zoka {
 
 const XMLContentIndex* XMLCursors::updated(const XMLElement* owner, bool make) {
-    const auto found = indexes_.find(owner);
-    if (found == indexes_.end() && !make) {
+    const auto found = m_indexes.find(owner);
+    if (found == m_indexes.end() && !make) {
         return nullptr;
     }
     try {
         XMLContentIndex& index =
-            found == indexes_.end() ? indexes_.try_emplace(owner, owner).first->second : found->second;
+            found == m_indexes.end() ? m_indexes.try_emplace(owner, owner).first->second : found->second;
         index.update();
         return &index;
     } catch (const std::bad_alloc&) {
-        indexes_.erase(owner);
+        m_indexes.erase(owner);
         return nullptr;
     }
 }

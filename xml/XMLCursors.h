@@ -25,7 +25,7 @@ public:
             return nullptr;
         }
 
-        const Place& recent = recent_[slotOf(owner, kind)];
+        const Place& recent = m_recent[slotOf(owner, kind)];
         if (recent.owner != owner || !fits(recent.cursor, kind, name)) {
             return nullptr;
         }
@@ -37,7 +37,7 @@ public:
             return;
         }
 
-        Place& recent = recent_[slotOf(owner, cursor.kind)];
+        Place& recent = m_recent[slotOf(owner, cursor.kind)];
         recent = {owner, cursor};
         // A long list is most likely being walked: what lies behind is wanted next.
         __builtin_prefetch(cursor.item->next);
@@ -89,8 +89,8 @@ private:
     const XMLContentIndex* updated(const XMLElement* owner, bool make);
 
     // The latest places, one a slot.
-    Place recent_[kRecent];
-    std::unordered_map<const XMLElement*, XMLContentIndex> indexes_;
+    Place m_recent[kRecent];
+    std::unordered_map<const XMLElement*, XMLContentIndex> m_indexes;
 };
 
 }  // namespace zoka

@@ -97,7 +97,7 @@ bool namesUtf(const char* encoding) {
 // What is parsed into a document of its own.
 class Parsing {
 public:
-    Parsing(const char* tag, XMLResults& results, const XMLWatch& watch)
+    Parsing(const char* tag, XMLResults& results, const XMLProgress& watch)
         : m_tag(tag), m_results(results), m_watch(watch) {}
 
     // A text in the document's character set, of `size` bytes at `text` in its buffer, behind which stand a 0 and
@@ -128,7 +128,7 @@ public:
 private:
     const char* m_tag;
     XMLResults& m_results;
-    const XMLWatch& m_watch;
+    const XMLProgress& m_watch;
 };
 
 // The node, whose document is the first handle's to free.
@@ -143,7 +143,7 @@ XMLElement* handedOut(std::unique_ptr<XMLDocument>& document, XMLElement* node) 
 // of the bytes, UTF-8 or the platform's. Whether they are UTF-8 is seen by parsing them: only when that fails are
 // they looked through, got again and taken for what they are then.
 template <class Fill>
-XMLElement* parseFilled(const char* tag, XMLResults& results, const XMLWatch& watch,
+XMLElement* parseFilled(const char* tag, XMLResults& results, const XMLProgress& watch,
                         std::optional<XMLCharset> charset, const Fill& fill) {
     Parsing parsing(tag, results, watch);
     char* bytes = nullptr;
@@ -183,7 +183,7 @@ XMLElement* parseFilled(const char* tag, XMLResults& results, const XMLWatch& wa
     return handedOut(document, parsing.fileBytes(*document, bytes, size, true));
 }
 
-XMLElement* parseStream(const char* path, const char* tag, XMLResults& results, const XMLWatch& watch,
+XMLElement* parseStream(const char* path, const char* tag, XMLResults& results, const XMLProgress& watch,
                         std::optional<XMLCharset> charset) {
     const File file(path ? osFiles().openStream(path, "rb") : nullptr);
     if (!file) {
@@ -212,21 +212,21 @@ XMLElement* parsed(XMLResults* results, Parse parse) {
 }  // namespace
 }  // namespace zoka
 
-XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* results, const XMLWatch& watch,
+XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* results, const XMLProgress& watch,
                            XMLCharset charset) {
     return XMLNode(zoka::parsed(
         results, [&](XMLResults& found) { return zoka::parseStream(path, tag, found, watch, charset); }));
 }
 
 XMLNode XMLNode::parseFileInItsSet(const char* path, const char* tag, XMLResults* results,
-                                   const XMLWatch& watch) {
+                                   const XMLProgress& watch) {
     return XMLNode(zoka::parsed(results, [&](XMLResults& found) {
         return zoka::parseStream(path, tag, found, watch, std::nullopt);
     }));
 }
 
 XMLNode XMLNode::parseBytes(std::string_view bytes, const char* tag, XMLResults* results,
-                            const XMLWatch& watch, XMLCharset charset) {
+                            const XMLProgress& watch, XMLCharset charset) {
     const auto fill = [&](XMLDocument& document, char*& text, size_t& size) {
         text = document.newText(bytes.size());
         size = bytes.size();
@@ -277,7 +277,7 @@ XMLNode XMLNode::loadFileOrExit(const char* path, const char* tag) {
 }
 
 std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool formatted) const {
-    if (!element_) {
+    if (!m_element) {
         return std::nullopt;
     }
     const bool utf8 = charset() == XMLCharset::Utf8;
@@ -286,7 +286,7 @@ std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool forma
     bool writesUtf8 = true;
     // What takes the place of the encoding that the tree's own declaration names.
     const char* instead = nullptr;
-    if (const XMLElement* declaration = zoka::ownDeclaration(element_)) {
+    if (const XMLElement* declaration = zoka::ownDeclaration(m_element)) {
         const char* declared = XMLNode(const_cast<XMLElement*>(declaration)).getAttribute("encoding");
         writesUtf8 = utf8 || !declared || zoka::namesUtf(declared);
         if (declared && writesUtf8 && !zoka::namesUtf8(declared)) {
@@ -304,7 +304,7 @@ std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool forma
         }
         head = "<?xml version=\"1.0\" encoding=\"" + std::string(encoding) + "\"?>\n";
     }
-    const zoka::XMLText text = zoka::writeXml(element_, formatted, instead);
+    const zoka::XMLText text = zoka::writeXml(m_element, formatted, instead);
     if (!text.bytes) {
         return std::nullopt;
     }
@@ -318,7 +318,7 @@ std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool forma
 }
 
 int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) const {
-    if (!element_ || !path) {
+    if (!m_element || !path) {
         return kXmlCannotOpenForWriting;
     }
     std::optional<std::string> bytes;

@@ -60,39 +60,39 @@ struct XMLElement : XMLItem {
     XMLElement* parent = nullptr;
     XMLAttribute* attributes = nullptr;  // in one run
 
-    XMLItem* lastItem() const { return textUse == XMLTextUse::Alone ? nullptr : last_; }
+    XMLItem* lastItem() const { return textUse == XMLTextUse::Alone ? nullptr : m_last; }
     XMLItem* firstItem() const {
         XMLItem* last = lastItem();
         return last ? last->next : nullptr;
     }
     // The one behind `item`; null behind the last.
-    XMLItem* itemAfter(const XMLItem* item) const { return item == last_ ? nullptr : item->next; }
+    XMLItem* itemAfter(const XMLItem* item) const { return item == m_last ? nullptr : item->next; }
     // The text that is all the content, or null. Of a declaration other than "xml": its data, kept as it is.
-    const char* textAlone() const { return textUse == XMLTextUse::Alone ? text_ : nullptr; }
-    bool isBare() const { return textUse == XMLTextUse::None && !last_; }
+    const char* textAlone() const { return textUse == XMLTextUse::Alone ? m_text : nullptr; }
+    bool isBare() const { return textUse == XMLTextUse::None && !m_last; }
 
     void setTextAlone(const char* text) {
-        text_ = text;
+        m_text = text;
         textUse = XMLTextUse::Alone;
     }
     // Only while no text stands alone; see XMLDocument::append.
     void appendItem(XMLItem* item) {
-        item->next = last_ ? last_->next : item;
-        if (last_) {
-            last_->next = item;
+        item->next = m_last ? m_last->next : item;
+        if (m_last) {
+            m_last->next = item;
         }
 
-        last_ = item;
+        m_last = item;
     }
     void clearContent() {
-        last_ = nullptr;
+        m_last = nullptr;
         textUse = XMLTextUse::None;
     }
 
 private:
     union {
-        XMLItem* last_ = nullptr;
-        const char* text_;
+        XMLItem* m_last = nullptr;
+        const char* m_text;
     };
 };
 static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 56 && sizeof(XMLAttribute) == 24));

@@ -132,94 +132,94 @@ XMLNode XMLNode::createTop(const char* name, bool isDeclaration, XMLCharset char
 }
 
 XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
-    if (!element_ || !name) {
+    if (!m_element || !name) {
         return {};
     }
-    XMLDocument* document = XMLDocument::of(element_);
+    XMLDocument* document = XMLDocument::of(m_element);
     const char* ownName = document->copyString(name);
     XMLElement* child = document->newElement();
     child->name = ownName;
     child->key = zoka::xmlNameKey(name, document->leads);
     child->isDeclaration = isDeclaration;
-    child->parent = element_;
-    document->append(element_, child);
+    child->parent = m_element;
+    document->append(m_element, child);
     return XMLNode(child);
 }
 
 void XMLNode::addAttribute(const char* name, const char* value) {
-    if (element_ && name) {
-        XMLDocument::of(element_)->addAttribute(element_, name, value);
+    if (m_element && name) {
+        XMLDocument::of(m_element)->addAttribute(m_element, name, value);
     }
 }
 
 void XMLNode::addText(const char* text) {
-    if (element_ && text && *text) {
-        XMLDocument::of(element_)->addText(element_, text);
+    if (m_element && text && *text) {
+        XMLDocument::of(m_element)->addText(m_element, text);
     }
 }
 
 const char* XMLNode::getName() const {
-    return element_ ? element_->name : nullptr;
+    return m_element ? m_element->name : nullptr;
 }
 
 XMLCharset XMLNode::charset() const {
-    return element_ ? XMLDocument::of(element_)->charset : zoka::xmlCharset();
+    return m_element ? XMLDocument::of(m_element)->charset : zoka::xmlCharset();
 }
 
 bool XMLNode::isDeclaration() const {
-    return element_ && element_->isDeclaration;
+    return m_element && m_element->isDeclaration;
 }
 
 XMLNode XMLNode::getParent() const {
-    return XMLNode(element_ ? element_->parent : nullptr);
+    return XMLNode(m_element ? m_element->parent : nullptr);
 }
 
 int XMLNode::childCount() const {
-    if (!element_) {
+    if (!m_element) {
         return 0;
     }
-    return countChildren(element_, nullptr);
+    return countChildren(m_element, nullptr);
 }
 
 int XMLNode::childCount(const char* tag) const {
-    if (!element_ || !tag) {
+    if (!m_element || !tag) {
         return 0;
     }
-    const XMLName name(tag, XMLDocument::leadsOf(element_));
-    return countChildren(element_, &name);
+    const XMLName name(tag, XMLDocument::leadsOf(m_element));
+    return countChildren(m_element, &name);
 }
 
 XMLNode XMLNode::getChild(int index) const {
-    if (!element_) {
+    if (!m_element) {
         return {};
     }
-    return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Any, nullptr, index,
+    return XMLNode(elementOf(itemAt(m_element, XMLCursorKind::Any, nullptr, index,
                                     [](const XMLItem* item) { return isChild(item, nullptr); })));
 }
 
 XMLNode XMLNode::getChild(const char* tag, int index) const {
-    if (!element_ || !tag) {
+    if (!m_element || !tag) {
         return {};
     }
-    const XMLName name(tag, XMLDocument::leadsOf(element_));
-    return XMLNode(elementOf(itemAt(element_, XMLCursorKind::Named, &name, index,
+    const XMLName name(tag, XMLDocument::leadsOf(m_element));
+    return XMLNode(elementOf(itemAt(m_element, XMLCursorKind::Named, &name, index,
                                     [&](const XMLItem* item) { return isChild(item, &name); })));
 }
 
 XMLNode XMLNode::getChild(const char* tag, int* position) const {
-    if (!element_ || !position || *position < 0) {
+    if (!m_element || !position || *position < 0) {
         return {};
     }
     if (!tag) {
         return childFrom(position, nullptr);
     }
-    const XMLName name(tag, XMLDocument::leadsOf(element_));
+    const XMLName name(tag, XMLDocument::leadsOf(m_element));
     return childFrom(position, &name);
 }
 
 inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
     const XMLCursorKind kind = name ? XMLCursorKind::Position : XMLCursorKind::Any;
-    XMLCursors& cursors = XMLDocument::of(element_)->cursors;
+    XMLCursors& cursors = XMLDocument::of(m_element)->cursors;
     const auto indexed = [&](const XMLContentIndex& all) {
         const XMLContentIndex::Child child = all.from(name, *position);
         if (child.item) {
@@ -227,22 +227,22 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
         }
         return XMLNode(elementOf(child.item));
     };
-    const XMLItem* item = element_->firstItem();
+    const XMLItem* item = m_element->firstItem();
     int at = 0;  // of `item`, counting children
     // The place remembered is that of the child found last, one in front of *position.
-    if (cursors.walked == element_ && cursors.walkedIndex + 1 == *position) {
-        item = element_->itemAfter(cursors.walkedItem);
+    if (cursors.walked == m_element && cursors.walkedIndex + 1 == *position) {
+        item = m_element->itemAfter(cursors.walkedItem);
         at = *position;
-    } else if (const XMLCursor* place = cursors.find(element_, kind, name, *position)) {
+    } else if (const XMLCursor* place = cursors.find(m_element, kind, name, *position)) {
         item = place->item;
         at = place->index;
-    } else if (const XMLContentIndex* all = cursors.indexOf(element_)) {
+    } else if (const XMLContentIndex* all = cursors.indexOf(m_element)) {
         return indexed(*all);
     }
     int steps = 0;
-    for (; item; item = element_->itemAfter(item)) {
+    for (; item; item = m_element->itemAfter(item)) {
         if (++steps == XMLCursors::kFarWalk) {
-            if (const XMLContentIndex* all = cursors.walksFar(element_)) {
+            if (const XMLContentIndex* all = cursors.walksFar(m_element)) {
                 return indexed(*all);
             }
         }
@@ -250,8 +250,8 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
             continue;
         }
         if (at >= *position && isChild(item, name)) {
-            cursors.remember(element_, {item, at, kind});
-            cursors.walked = element_;
+            cursors.remember(m_element, {item, at, kind});
+            cursors.walked = m_element;
             cursors.walkedItem = item;
             cursors.walkedIndex = at;
             *position = at + 1;
@@ -263,11 +263,11 @@ inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
 }
 
 std::uint32_t XMLNode::place() const {
-    if (!element_) {
+    if (!m_element) {
         return 0;
     }
     // Names are shared, values and texts stand where they were read.
-    const XMLDocument* const document = XMLDocument::of(element_);
+    const XMLDocument* const document = XMLDocument::of(m_element);
     const auto own = [document](const XMLElement* element) {
         for (std::uint32_t i = 0; i < element->attributeCount; ++i) {
             if (const std::uint32_t place = document->placeOf(element->attributes[i].value)) {
@@ -276,7 +276,7 @@ std::uint32_t XMLNode::place() const {
         }
         return document->placeOf(element->textAlone());
     };
-    for (const XMLElement* element = element_; element; element = element->parent) {
+    for (const XMLElement* element = m_element; element; element = element->parent) {
         if (const std::uint32_t place = own(element)) {
             return place;
         }
@@ -285,51 +285,51 @@ std::uint32_t XMLNode::place() const {
 }
 
 XMLNode XMLNode::firstChild(const char* tag) const {
-    if (!element_) {
+    if (!m_element) {
         return {};
     }
-    const XMLName wanted(tag ? tag : "", XMLDocument::leadsOf(element_));
+    const XMLName wanted(tag ? tag : "", XMLDocument::leadsOf(m_element));
     const XMLName* name = tag ? &wanted : nullptr;
-    return XMLNode(elementOf(
-        findItem(element_, element_->firstItem(), [&](const XMLItem* item) { return isChild(item, name); })));
+    return XMLNode(elementOf(findItem(m_element, m_element->firstItem(),
+                                      [&](const XMLItem* item) { return isChild(item, name); })));
 }
 
 XMLNode XMLNode::nextSibling(const char* tag) const {
-    if (!element_ || !element_->parent) {
+    if (!m_element || !m_element->parent) {
         return {};
     }
-    const XMLName wanted(tag ? tag : "", XMLDocument::leadsOf(element_));
+    const XMLName wanted(tag ? tag : "", XMLDocument::leadsOf(m_element));
     const XMLName* name = tag ? &wanted : nullptr;
-    const XMLElement* parent = element_->parent;
-    return XMLNode(elementOf(findItem(parent, parent->itemAfter(element_),
+    const XMLElement* parent = m_element->parent;
+    return XMLNode(elementOf(findItem(parent, parent->itemAfter(m_element),
                                       [&](const XMLItem* item) { return isChild(item, name); })));
 }
 
 void XMLNode::prefetch() const {
-    if (!element_) {
+    if (!m_element) {
         return;
     }
     constexpr unsigned kLine = 64;
     // Behind the name in the text stand the attributes' values. Addresses as numbers: they may lie outside of both.
-    const auto text = reinterpret_cast<std::uintptr_t>(element_->name);
-    const auto attributes = reinterpret_cast<std::uintptr_t>(element_->attributes);
+    const auto text = reinterpret_cast<std::uintptr_t>(m_element->name);
+    const auto attributes = reinterpret_cast<std::uintptr_t>(m_element->attributes);
     for (unsigned line = 0; line < 4; ++line) {
         __builtin_prefetch(reinterpret_cast<const void*>(text + line * kLine));
         __builtin_prefetch(reinterpret_cast<const void*>(attributes + line * kLine));
     }
-    __builtin_prefetch(element_->lastItem());
-    __builtin_prefetch(element_->next);
+    __builtin_prefetch(m_element->lastItem());
+    __builtin_prefetch(m_element->next);
 }
 
 const char* XMLNode::getAttribute(const char* name, int* position) const {
-    if (!element_ || !name) {
+    if (!m_element || !name) {
         return nullptr;
     }
-    const XMLName wanted(name, XMLDocument::leadsOf(element_));
+    const XMLName wanted(name, XMLDocument::leadsOf(m_element));
     const int start = position ? *position : 0;
-    const auto count = static_cast<int>(element_->attributeCount);
+    const auto count = static_cast<int>(m_element->attributeCount);
     for (int i = start < 0 ? count : start; i < count; ++i) {
-        const zoka::XMLAttribute& attribute = element_->attributes[i];
+        const zoka::XMLAttribute& attribute = m_element->attributes[i];
         if (!wanted.matches(attribute.key, attribute.name)) {
             continue;
         }
@@ -348,43 +348,43 @@ bool XMLNode::hasAttribute(const char* name) const {
 }
 
 int XMLNode::attributeCount() const {
-    return element_ ? static_cast<int>(element_->attributeCount) : 0;
+    return m_element ? static_cast<int>(m_element->attributeCount) : 0;
 }
 
 XMLAttributeView XMLNode::getAttributeAt(int index) const {
     if (index < 0 || index >= attributeCount()) {
         return {};
     }
-    return {element_->attributes[index].name, element_->attributes[index].value};
+    return {m_element->attributes[index].name, m_element->attributes[index].value};
 }
 
 const char* XMLNode::getText(int index) const {
-    if (!element_) {
+    if (!m_element) {
         return nullptr;
     }
-    if (const char* alone = element_->textAlone()) {
+    if (const char* alone = m_element->textAlone()) {
         return index == 0 ? alone : nullptr;
     }
-    const XMLItem* item = itemAt(element_, XMLCursorKind::Text, nullptr, index,
+    const XMLItem* item = itemAt(m_element, XMLCursorKind::Text, nullptr, index,
                                  [](const XMLItem* one) { return one->kind == XMLItemKind::Text; });
     return item ? static_cast<const XMLTextItem*>(item)->value : nullptr;
 }
 
 int XMLNode::textCount() const {
-    if (!element_) {
+    if (!m_element) {
         return 0;
     }
-    if (element_->textAlone()) {
+    if (m_element->textAlone()) {
         return 1;
     }
-    return countItems(element_, [](const XMLItem* item) { return item->kind == XMLItemKind::Text; });
+    return countItems(m_element, [](const XMLItem* item) { return item->kind == XMLItemKind::Text; });
 }
 
 XMLClearView XMLNode::getClear(int index) const {
-    if (!element_) {
+    if (!m_element) {
         return {};
     }
-    const XMLItem* item = itemAt(element_, XMLCursorKind::Clear, nullptr, index, isClear);
+    const XMLItem* item = itemAt(m_element, XMLCursorKind::Clear, nullptr, index, isClear);
     if (!item) {
         return {};
     }
@@ -393,22 +393,22 @@ XMLClearView XMLNode::getClear(int index) const {
 }
 
 int XMLNode::clearCount() const {
-    return element_ ? countItems(element_, isClear) : 0;
+    return m_element ? countItems(m_element, isClear) : 0;
 }
 
 std::vector<int> XMLNode::order() const {
     std::vector<int> entries;
-    if (!element_) {
+    if (!m_element) {
         return entries;
     }
     for (int i = 0; i < attributeCount(); ++i) {
         entries.push_back(i * 4 + kXmlAttribute);
     }
     int children = 0, texts = 0, clears = 0;
-    if (element_->textAlone()) {
+    if (m_element->textAlone()) {
         entries.push_back(texts++ * 4 + kXmlText);
     }
-    findItem(element_, element_->firstItem(), [&](const XMLItem* item) {
+    findItem(m_element, m_element->firstItem(), [&](const XMLItem* item) {
         if (item->kind == XMLItemKind::Element) {
             entries.push_back(children++ * 4 + kXmlChild);
         } else if (item->kind == XMLItemKind::Text) {
@@ -425,10 +425,10 @@ char* XMLNode::toText(bool formatted, int* length) const {
     if (length) {
         *length = 0;
     }
-    if (!element_) {
+    if (!m_element) {
         return nullptr;
     }
-    zoka::XMLText text = zoka::writeXml(element_, formatted);
+    zoka::XMLText text = zoka::writeXml(m_element, formatted);
     if (length) {
         *length = static_cast<int>(text.length);
     }

@@ -72,7 +72,7 @@ struct XMLClearView {
 enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear = 3 };
 
 // Told now and then, on the thread that parses, how many bytes of how many are parsed. False stops the parsing.
-using XMLWatch = std::function<bool(size_t done, size_t total)>;
+using XMLProgress = std::function<bool(size_t done, size_t total)>;
 
 class XMLNode {
 public:
@@ -85,18 +85,18 @@ public:
     // Reads a file. `path` as in all file operations (util/). With guessing on (zoka::setXmlCharsetGuessing,
     // the default) what is in another set than `charset` is converted; docs/xml.md says what is taken for what.
     static XMLNode parseFile(const char* path, const char* tag = nullptr, XMLResults* results = nullptr,
-                             const XMLWatch& watch = {}, XMLCharset charset = zoka::xmlCharset());
+                             const XMLProgress& watch = {}, XMLCharset charset = zoka::xmlCharset());
     // The same in the set that the file is in: UTF-8, or the platform's where guessUtf8 says that it is none or any
     // of its bytes does. The tree's charset() tells which.
     static XMLNode parseFileInItsSet(const char* path, const char* tag = nullptr,
-                                     XMLResults* results = nullptr, const XMLWatch& watch = {});
+                                     XMLResults* results = nullptr, const XMLProgress& watch = {});
     // Parses a text in the character set `charset`, which is copied. A null text gives code 2.
     static XMLNode parseText(const char* text, const char* tag = nullptr, XMLResults* results = nullptr,
                              XMLCharset charset = zoka::xmlCharset());
     // Parses bytes as a file would hold them, marks and conversion included (what parseFile does after
     // reading).
     static XMLNode parseBytes(std::string_view bytes, const char* tag = nullptr,
-                              XMLResults* results = nullptr, const XMLWatch& watch = {},
+                              XMLResults* results = nullptr, const XMLProgress& watch = {},
                               XMLCharset charset = zoka::xmlCharset());
     // Like parseFileInItsSet, for files the program can't go on without: the file's set becomes the process's, and an
     // error shows its message through zoka::userPrompt().fatalStop (title
@@ -121,7 +121,7 @@ public:
 
     // --- looking ---
 
-    bool isEmpty() const { return element_ == nullptr; }
+    bool isEmpty() const { return m_element == nullptr; }
     // Null for the document node and the empty node.
     const char* getName() const;
     // Of all texts in the tree; that of trees to come for the empty node.
@@ -190,44 +190,44 @@ public:
     static const XMLNode& emptyNode();
 
     XMLNode() = default;
-    XMLNode(const XMLNode& other) : element_(other.element_) { retain(); }
-    XMLNode(XMLNode&& other) noexcept : element_(other.element_) { other.element_ = nullptr; }
+    XMLNode(const XMLNode& other) : m_element(other.m_element) { retain(); }
+    XMLNode(XMLNode&& other) noexcept : m_element(other.m_element) { other.m_element = nullptr; }
     XMLNode& operator=(const XMLNode& other) {
         other.retain();
         release();
-        element_ = other.element_;
+        m_element = other.m_element;
         return *this;
     }
     XMLNode& operator=(XMLNode&& other) noexcept {
         if (this != &other) {
             release();
-            element_ = other.element_;
-            other.element_ = nullptr;
+            m_element = other.m_element;
+            other.m_element = nullptr;
         }
         return *this;
     }
     ~XMLNode() { release(); }
     // Whether both are handles on the same node.
-    bool operator==(const XMLNode& other) const { return element_ == other.element_; }
+    bool operator==(const XMLNode& other) const { return m_element == other.m_element; }
 
 private:
-    explicit XMLNode(zoka::XMLElement* element) : element_(element) { retain(); }
+    explicit XMLNode(zoka::XMLElement* element) : m_element(element) { retain(); }
     void retain() const {
-        if (element_)
+        if (m_element)
 
         {
-            ++zoka::xmlHandles(element_);
+            ++zoka::xmlHandles(m_element);
         }
     }
     void release() const {
-        if (element_ && --zoka::xmlHandles(element_) == 0)
+        if (m_element && --zoka::xmlHandles(m_element) == 0)
 
         {
-            freeTree(element_);
+            freeTree(m_element);
         }
     }
     XMLNode childFrom(int* position, const zoka::XMLName* name) const;
     static void freeTree(const zoka::XMLElement* element);
 
-    zoka::XMLElement* element_ = nullptr;
+    zoka::XMLElement* m_element = nullptr;
 };

@@ -21,20 +21,20 @@ public:
             return;
         }
         make(text.size());
-        std::memcpy(at_, text.data(), text.size());
-        at_ += text.size();
+        std::memcpy(m_at, text.data(), text.size());
+        m_at += text.size();
     }
     void put(char c) {
         make(1);
-        *at_++ = c;
+        *m_at++ = c;
     }
     void put(char c, size_t count) {
         if (count == 0) {
             return;  // there may be no buffer yet
         }
         make(count);
-        std::memset(at_, c, count);
-        at_ += count;
+        std::memset(m_at, c, count);
+        m_at += count;
     }
     // A padded name, or anything else that stands as it is.
     void putRaw(const char* text) {
@@ -63,25 +63,25 @@ public:
             }
             putReference(*text);
         }
-        if (size() > start && isXmlBlank(at_[-1])) {
-            putReference(*--at_);
+        if (size() > start && isXmlBlank(m_at[-1])) {
+            putReference(*--m_at);
         }
     }
 
-    size_t size() const { return static_cast<size_t>(at_ - buffer_.get()); }
+    size_t size() const { return static_cast<size_t>(m_at - m_buffer.get()); }
 
     // Ends the text and hands it out; without what was asked for in vain.
     XMLText take() {
         put('\0');
         XMLText result;
         result.length = size() - 1;
-        char* fitted = static_cast<char*>(std::realloc(buffer_.get(), size()));
+        char* fitted = static_cast<char*>(std::realloc(m_buffer.get(), size()));
         if (!fitted) {
-            fitted = buffer_.get();
+            fitted = m_buffer.get();
         }
-        (void)buffer_.release();
+        (void)m_buffer.release();
         result.bytes.reset(fitted);
-        at_ = limit_ = nullptr;
+        m_at = m_limit = nullptr;
         return result;
     }
 
@@ -108,10 +108,10 @@ private:
         for (;;) {
             make(16);
             const __m128i bytes = scan::load(text);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(at_), bytes);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(m_at), bytes);
             const auto mask = static_cast<unsigned>(_mm_movemask_epi8(stops(bytes)));
             const int length = mask ? std::countr_zero(mask) : 16;
-            at_ += length;
+            m_at += length;
             text += length;
             if (mask) {
                 return text;
@@ -158,30 +158,30 @@ private:
         }
     }
     void make(size_t bytes) {
-        if (static_cast<size_t>(limit_ - at_) < bytes) {
+        if (static_cast<size_t>(m_limit - m_at) < bytes) {
             grow(bytes);
         }
     }
     void grow(size_t bytes) {
         const size_t used = size();
-        size_t room = static_cast<size_t>(limit_ - buffer_.get());
+        size_t room = static_cast<size_t>(m_limit - m_buffer.get());
         room = room ? room * 2 : kFirst;
         if (room < used + bytes) {
             room = used + bytes;
         }
-        auto* larger = static_cast<char*>(std::realloc(buffer_.get(), room));
+        auto* larger = static_cast<char*>(std::realloc(m_buffer.get(), room));
         if (!larger) {
             throw std::bad_alloc();
         }
-        (void)buffer_.release();
-        buffer_.reset(larger);
-        at_ = larger + used;
-        limit_ = larger + room;
+        (void)m_buffer.release();
+        m_buffer.reset(larger);
+        m_at = larger + used;
+        m_limit = larger + room;
     }
 
-    std::unique_ptr<char, XMLFree> buffer_;
-    char* at_ = nullptr;
-    char* limit_ = nullptr;
+    std::unique_ptr<char, XMLFree> m_buffer;
+    char* m_at = nullptr;
+    char* m_limit = nullptr;
 };
 
 }  // namespace zoka

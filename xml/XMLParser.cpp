@@ -22,38 +22,38 @@ constexpr size_t kWatchEvery = size_t{1} << 18;  // bytes
 template <bool Utf8>
 class Parser {
 public:
-    Parser(XMLDocument& document, XMLElement* root, char* text, size_t size, const XMLWatch& watch)
-        : document_(document),
-          root_(root),
-          begin_(text),
-          end_(text + size),
-          watch_(watch),
-          nextWatch_(watch ? text : end_),
-          position_(text, Utf8, document.leads) {}
+    Parser(XMLDocument& document, XMLElement* root, char* text, size_t size, const XMLProgress& watch)
+        : m_document(document),
+          m_root(root),
+          m_begin(text),
+          m_end(text + size),
+          m_watch(watch),
+          m_nextWatch(watch ? text : m_end),
+          m_position(text, Utf8, document.leads) {}
 
     XMLElement* parse(const char* tag, XMLResults& results);
 
 private:
     char* fail(XMLErrorCode code, const char* place) {
-        code_ = code;
-        place_ = place;
+        m_code = code;
+        m_place = place;
         return nullptr;
     }
     // Tells the watch that the text is parsed up to `p`; `p` again, or null when it stops.
     char* tellWatch(char* p) {
-        if (!watch_) {
+        if (!m_watch) {
             return p;
         }
-        nextWatch_ = p + std::min(kWatchEvery, static_cast<size_t>(end_ - p));
-        stopped_ = !watch_(static_cast<size_t>(p - begin_), static_cast<size_t>(end_ - begin_));
-        return stopped_ ? nullptr : p;
+        m_nextWatch = p + std::min(kWatchEvery, static_cast<size_t>(m_end - p));
+        m_stopped = !m_watch(static_cast<size_t>(p - m_begin), static_cast<size_t>(m_end - m_begin));
+        return m_stopped ? nullptr : p;
     }
     // For what may not stand at `place`; at the end that the text is cut off there.
     char* unexpected(char* place) {
-        if (place == end_ && current_ != root_) {
+        if (place == m_end && m_current != m_root) {
             return fail(kXmlMissingEndTag, place);
         }
-        if (place == end_) {
+        if (place == m_end) {
             return fail(kXmlInvalidTag, place);
         }
         char32_t c = 0;
@@ -61,12 +61,12 @@ private:
     }
     // Whether the text may hold characters of two bytes that pass as two ASCII ones to the scanning code.
     bool hasPairs() const { return leads() != nullptr; }
-    XMLLeads leads() const { return Utf8 ? nullptr : document_.leads; }
+    XMLLeads leads() const { return Utf8 ? nullptr : m_document.leads; }
     // Past one character from 80 hex on, or a control character, which is an error.
     char* oddCharacter(char* p) {
         char32_t c = 0;
         const unsigned length = hasClass(*p, kCharHigh) ? utf8Sequence(p, c) : 0;
-        shifts_ = true;
+        m_shifts = true;
         return length && isXmlChar(c) ? p + length : unexpected(p);
     }
     // The end of the name at `p`; `p` itself when none starts there.
@@ -94,7 +94,7 @@ private:
     char* endTag(char* p);
     // The end of the name at `p` when it is that of the open element, else null.
     char* sameNameEnd(char* p) {
-        for (const char* open = current_->name;; ++open, ++p) {
+        for (const char* open = m_current->name;; ++open, ++p) {
             if (*open == 0) {
                 return hasClass(*p, kCharName | kCharHigh) ? nullptr : p;
             }
@@ -116,7 +116,7 @@ private:
         if (length < sizeof key) {
             return name;
         }
-        const char*& place = longNames_[slotOf(key)];
+        const char*& place = m_longNames[slotOf(key)];
         // The one before ends in front of this one, so that it may be read that far.
         if (!place || std::memcmp(place, name, length) != 0 || place[length] != 0) {
             place = name;
@@ -129,87 +129,87 @@ private:
     }
 
     XMLElement* newElement(char* name, size_t length) {
-        XMLElement* element = document_.newElement();
+        XMLElement* element = m_document.newElement();
         element->key = xmlNameKey(name, length, leads());
         element->name = sharedName(name, length, element->key);
-        element->parent = current_;
-        document_.append(current_, element);
+        element->parent = m_current;
+        m_document.append(m_current, element);
         return element;
     }
     void newClear(const char* value, XMLItemKind kind) {
-        document_.append(current_, document_.newTextItem(kind, value));
+        m_document.append(m_current, m_document.newTextItem(kind, value));
         if (kind == XMLItemKind::CData) {
-            current_->textUse = XMLTextUse::AmongItems;
+            m_current->textUse = XMLTextUse::AmongItems;
         }
     }
     void openRun() {
-        run_ = document_.openRun(runRoom_);
-        runCount_ = 0;
+        m_run = m_document.openRun(m_runRoom);
+        m_runCount = 0;
     }
     void addToRun(const XMLAttribute& attribute) {
-        if (runCount_ == runRoom_) {
-            run_ = document_.growRun(run_, runRoom_);
+        if (m_runCount == m_runRoom) {
+            m_run = m_document.growRun(m_run, m_runRoom);
         }
-        ::new (static_cast<void*>(run_ + runCount_++)) XMLAttribute(attribute);
+        ::new (static_cast<void*>(m_run + m_runCount++)) XMLAttribute(attribute);
     }
     void closeRun(XMLElement* element) {
-        if (runCount_ == 0) {
+        if (m_runCount == 0) {
             return;
         }
-        document_.closeRun(run_, runCount_);
-        element->attributes = run_;
-        element->attributeCount = static_cast<std::uint32_t>(runCount_);
+        m_document.closeRun(m_run, m_runCount);
+        element->attributes = m_run;
+        element->attributeCount = static_cast<std::uint32_t>(m_runCount);
     }
 
-    XMLDocument& document_;
-    XMLElement* const root_;
-    char* const begin_;
-    char* const end_;
-    const XMLWatch& watch_;
-    char* nextWatch_;
-    bool stopped_ = false;
-    XMLElement* current_ = root_;
-    XMLElement* top_ = nullptr;
-    bool doctypeSeen_ = false;
-    XMLPosition position_;
+    XMLDocument& m_document;
+    XMLElement* const m_root;
+    char* const m_begin;
+    char* const m_end;
+    const XMLProgress& m_watch;
+    char* m_nextWatch;
+    bool m_stopped = false;
+    XMLElement* m_current = m_root;
+    XMLElement* m_top = nullptr;
+    bool m_doctypeSeen = false;
+    XMLPosition m_position;
     // Whether the text or value being read has characters that must be accounted for when it is decoded: line
     // ends or such as are not ASCII, be it by a reference.
-    bool shifts_ = false;
-    XMLErrorCode code_ = kXmlNone;
-    const char* place_ = nullptr;
-    XMLPosition::Place topPlace_{0, 0};
+    bool m_shifts = false;
+    XMLErrorCode m_code = kXmlNone;
+    const char* m_place = nullptr;
+    XMLPosition::Place m_topPlace{0, 0};
     // Of the tag being read.
-    XMLAttribute* run_ = nullptr;
-    size_t runCount_ = 0;
-    size_t runRoom_ = 0;
-    const char* longNames_[64] = {};
-    std::uint64_t seenKeys_ = 0;
-    KeyedSet<std::string_view> seenNames_;
+    XMLAttribute* m_run = nullptr;
+    size_t m_runCount = 0;
+    size_t m_runRoom = 0;
+    const char* m_longNames[64] = {};
+    std::uint64_t m_seenKeys = 0;
+    KeyedSet<std::string_view> m_seenNames;
 };
 
 template <bool Utf8>
 XMLElement* Parser<Utf8>::parse(const char* tag, XMLResults& results) {
-    if (skipBlanks(begin_) == end_) {
+    if (skipBlanks(m_begin) == m_end) {
         fail(kXmlNoData, nullptr);
     } else {
-        const bool declared = startsWith(begin_, "<?xml") && (isXmlBlank(begin_[5]) || begin_[5] == '?');
-        char* p = declared ? declaration(begin_) : begin_;
-        if (p && content(p) && !top_) {
-            fail(kXmlNoElements, end_);
+        const bool declared = startsWith(m_begin, "<?xml") && (isXmlBlank(m_begin[5]) || m_begin[5] == '?');
+        char* p = declared ? declaration(m_begin) : m_begin;
+        if (p && content(p) && !m_top) {
+            fail(kXmlNoElements, m_end);
         }
     }
     XMLPosition::Place place{0, 0};
-    if (place_) {
-        place = position_.at(place_);
+    if (m_place) {
+        place = m_position.at(m_place);
     }
-    if (code_ == kXmlNone && !stopped_ && tag && !XMLName(tag, leads()).matches(top_->key, top_->name)) {
-        code_ = kXmlFirstTagNotFound;
-        place = topPlace_;
+    if (m_code == kXmlNone && !m_stopped && tag && !XMLName(tag, leads()).matches(m_top->key, m_top->name)) {
+        m_code = kXmlFirstTagNotFound;
+        place = m_topPlace;
     }
-    results.code = code_;
+    results.code = m_code;
     results.line = place.line;
     results.column = place.column;
-    return code_ == kXmlNone && !stopped_ ? top_ : nullptr;
+    return m_code == kXmlNone && !m_stopped ? m_top : nullptr;
 }
 
 template <bool Utf8>
@@ -237,7 +237,7 @@ char* Parser<Utf8>::reference(char* p) {
     if (!end) {
         return fail(kXmlUnknownEntity, p);
     }
-    shifts_ |= c >= 0x80 || c == '\n' || c == '\r';
+    m_shifts |= c >= 0x80 || c == '\n' || c == '\r';
     return Utf8 || xmlPlatformHas(c) ? end : fail(kXmlCannotConvert, p);
 }
 
@@ -250,7 +250,7 @@ char* Parser<Utf8>::findClose(char* p, std::string_view close, char* opening) {
                 return p;
             }
             ++p;
-        } else if (p == end_) {
+        } else if (p == m_end) {
             return fail(kXmlUnmatchedClear, opening);
         } else {
             p = oddCharacter(p);
@@ -283,7 +283,7 @@ char* Parser<Utf8>::declaration(char* p) {
         return fail(kXmlInvalidTag, p + 5);
     }
     openRun();
-    position_.end(p + 5);
+    m_position.end(p + 5);
     char* q = p + 6;
     size_t next = 0;
     for (;;) {
@@ -317,12 +317,12 @@ char* Parser<Utf8>::declaration(char* p) {
             ++q;
         }
         if (*q != quote) {
-            return q == end_ ? fail(kXmlUnmatchedQuote, start - 1) : fail(kXmlInvalidTag, q);
+            return q == m_end ? fail(kXmlUnmatchedQuote, start - 1) : fail(kXmlInvalidTag, q);
         }
         if (!allowed(which, {start, static_cast<size_t>(q - start)})) {
             return fail(kXmlInvalidTag, start);
         }
-        position_.end(nameEndsAt);
+        m_position.end(nameEndsAt);
         *q++ = 0;
         addToRun({xmlNameKey(name, word.size(), leads()), name, start});
         next = which + 1;
@@ -341,16 +341,16 @@ char* Parser<Utf8>::content(char* p) {
     while (p) {
         p = skipBlanks(p);
         if (*p != '<') {
-            if (current_ != root_) {
+            if (m_current != m_root) {
                 p = text(p);
                 if (!p) {
                     break;
                 }
             } else {
-                if (p == end_) {
+                if (p == m_end) {
                     return p;
                 }
-                return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
+                return fail(m_top ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
             }
         }
         // A text's terminator may stand in the place of the '<'.
@@ -365,7 +365,7 @@ char* Parser<Utf8>::content(char* p) {
                 p = instruction(p);
                 break;
             default:
-                if (p >= nextWatch_ && !tellWatch(p)) {
+                if (p >= m_nextWatch && !tellWatch(p)) {
                     return nullptr;
                 }
                 p = startTag(p);
@@ -379,7 +379,7 @@ template <bool Utf8>
 char* Parser<Utf8>::text(char* p) {
     char* const start = p;
     bool edits = false;
-    shifts_ = hasPairs();
+    m_shifts = hasPairs();
     for (; p;) {
         p = scanText<Utf8>(p);
         const char c = *p;
@@ -391,7 +391,7 @@ char* Parser<Utf8>::text(char* p) {
             edits = true;
         } else if (c == '\r') {
             ++p;
-            edits = shifts_ = true;
+            edits = m_shifts = true;
         } else if (c == ']') {
             if (p[1] == ']' && p[2] == '>') {
                 return fail(kXmlUnmatchedClear, p);
@@ -407,9 +407,9 @@ char* Parser<Utf8>::text(char* p) {
 
     char* end = p;
     if (edits) {
-        const bool shifts = shifts_ || std::memchr(start, '\n', static_cast<size_t>(p - start));
+        const bool shifts = m_shifts || std::memchr(start, '\n', static_cast<size_t>(p - start));
         if (shifts) {
-            position_.beforeEdit(start, p);
+            m_position.beforeEdit(start, p);
         }
         const XMLDecodedRange range = xmlDecode(start, p, false, Utf8);
         for (end = range.end; end > range.afterReference && isXmlBlank(end[-1]);) {
@@ -417,15 +417,15 @@ char* Parser<Utf8>::text(char* p) {
         }
         *end = 0;
         if (shifts) {
-            position_.afterEdit(start, p);
+            m_position.afterEdit(start, p);
         }
     } else {
         while (isXmlBlank(end[-1])) {
             --end;
         }
-        position_.end(end);
+        m_position.end(end);
     }
-    document_.appendText(current_, start);
+    m_document.appendText(m_current, start);
     return p;
 }
 
@@ -434,9 +434,9 @@ char* Parser<Utf8>::startTag(char* p) {
     char* const name = p + 1;
     char* q = nameEnd(name);
     if (q == name) {
-        return name == end_ ? unexpected(name) : fail(kXmlMissingTagName, name);
+        return name == m_end ? unexpected(name) : fail(kXmlMissingTagName, name);
     }
-    if (current_ == root_ && top_) {
+    if (m_current == m_root && m_top) {
         return fail(kXmlUnexpectedToken, p);
     }
     char c = *q;
@@ -444,15 +444,15 @@ char* Parser<Utf8>::startTag(char* p) {
         return unexpected(q);
     }
     XMLElement* element = newElement(name, static_cast<size_t>(q - name));
-    if (current_ == root_) {
-        top_ = element;
-        topPlace_ = position_.at(p);
+    if (m_current == m_root) {
+        m_top = element;
+        m_topPlace = m_position.at(p);
     }
-    position_.end(q);
+    m_position.end(q);
     openRun();
     for (;;) {
         if (c == '>') {
-            current_ = element;
+            m_current = element;
             ++q;
             break;
         }
@@ -491,7 +491,7 @@ char* Parser<Utf8>::startTag(char* p) {
         if (isDouble(attribute, length, key)) {
             return fail(kXmlInvalidTag, attribute);
         }
-        position_.end(attributeEnd);
+        m_position.end(attributeEnd);
         addToRun({key, attribute, q + 1});
         q = value(q + 1, quote);
         if (!q) {
@@ -508,7 +508,7 @@ template <bool Utf8>
 char* Parser<Utf8>::value(char* p, char quote) {
     char* const start = p;
     bool edits = false;
-    shifts_ = hasPairs();
+    m_shifts = hasPairs();
     while (p) {
         p = scanValue<Utf8>(p, quote);
         const char c = *p;
@@ -521,8 +521,8 @@ char* Parser<Utf8>::value(char* p, char quote) {
         } else if (isXmlBlank(c)) {
             ++p;
             edits = true;
-            shifts_ |= c != '\t';
-        } else if (p == end_) {
+            m_shifts |= c != '\t';
+        } else if (p == m_end) {
             return fail(kXmlUnmatchedQuote, start - 1);
         } else if (c == '<') {
             return fail(kXmlUnexpectedToken, p);
@@ -534,12 +534,12 @@ char* Parser<Utf8>::value(char* p, char quote) {
         return nullptr;
     }
     if (edits) {
-        if (shifts_) {
-            position_.beforeEdit(start, p);
+        if (m_shifts) {
+            m_position.beforeEdit(start, p);
         }
         *xmlDecode(start, p, true, Utf8).end = 0;
-        if (shifts_) {
-            position_.afterEdit(start, p);
+        if (m_shifts) {
+            m_position.afterEdit(start, p);
         }
     } else {
         *p = 0;
@@ -552,26 +552,26 @@ char* Parser<Utf8>::value(char* p, char quote) {
 template <bool Utf8>
 bool Parser<Utf8>::isDouble(const char* name, size_t length, std::uint64_t key) {
     constexpr size_t many = 32;
-    if (runCount_ == 0) {
-        seenKeys_ = 0;
+    if (m_runCount == 0) {
+        m_seenKeys = 0;
     }
-    if (runCount_ >= many) {
-        if (runCount_ == many) {
-            seenNames_.clear();
+    if (m_runCount >= many) {
+        if (m_runCount == many) {
+            m_seenNames.clear();
             for (size_t i = 0; i < many; ++i) {
-                seenNames_.emplace(run_[i].name);
+                m_seenNames.emplace(m_run[i].name);
             }
         }
-        return !seenNames_.emplace(name, length).second;
+        return !m_seenNames.emplace(name, length).second;
     }
     const std::uint64_t bit = std::uint64_t{1} << slotOf(key);
-    const bool maybe = (seenKeys_ & bit) != 0;
-    seenKeys_ |= bit;
+    const bool maybe = (m_seenKeys & bit) != 0;
+    m_seenKeys |= bit;
     if (!maybe) {
         return false;
     }
-    for (size_t i = 0; i < runCount_; ++i) {
-        const XMLAttribute& other = run_[i];
+    for (size_t i = 0; i < m_runCount; ++i) {
+        const XMLAttribute& other = m_run[i];
         if (other.key == key && std::strncmp(other.name, name, length) == 0 && other.name[length] == 0) {
             return true;
         }
@@ -581,14 +581,14 @@ bool Parser<Utf8>::isDouble(const char* name, size_t length, std::uint64_t key) 
 
 template <bool Utf8>
 char* Parser<Utf8>::endTag(char* p) {
-    if (current_ == root_) {
-        return fail(top_ ? kXmlUnmatchedEndTag : kXmlFirstNotStartTag, p);
+    if (m_current == m_root) {
+        return fail(m_top ? kXmlUnmatchedEndTag : kXmlFirstNotStartTag, p);
     }
     char* const name = p + 2;
     char* q = sameNameEnd(name);
     if (!q) {
         char* const end = nameEnd(name);
-        if (end == end_) {
+        if (end == m_end) {
             return unexpected(end);
         }
         return end == name ? fail(kXmlMissingEndTagName, name) : fail(kXmlUnmatchedEndTag, p);
@@ -597,7 +597,7 @@ char* Parser<Utf8>::endTag(char* p) {
     if (*q != '>') {
         return unexpected(q);
     }
-    current_ = current_->parent;
+    m_current = m_current->parent;
     return q + 1;
 }
 
@@ -624,7 +624,7 @@ char* Parser<Utf8>::comment(char* p) {
         return nullptr;
     }
     if (close[2] != '>') {
-        return fail(kXmlUnmatchedClear, close + 2 == end_ ? p : close);
+        return fail(kXmlUnmatchedClear, close + 2 == m_end ? p : close);
     }
     *close = 0;
     newClear(start, XMLItemKind::Comment);
@@ -633,8 +633,8 @@ char* Parser<Utf8>::comment(char* p) {
 
 template <bool Utf8>
 char* Parser<Utf8>::cdata(char* p) {
-    if (current_ == root_) {
-        return fail(top_ ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
+    if (m_current == m_root) {
+        return fail(m_top ? kXmlUnexpectedToken : kXmlFirstNotStartTag, p);
     }
     char* const start = p + 9;
     char* const close = findClose(start, "]]>", p);
@@ -651,19 +651,19 @@ template <bool Utf8>
 char* Parser<Utf8>::doctype(char* p) {
     char* const start = p + 9;
     char* const name = skipBlanks(start);
-    if (current_ != root_ || top_ || doctypeSeen_ || name == start) {
+    if (m_current != m_root || m_top || m_doctypeSeen || name == start) {
         return fail(kXmlInvalidTag, p);
     }
-    doctypeSeen_ = true;
+    m_doctypeSeen = true;
     char* q = nameEnd(name);
     if (q == name) {
-        return q == end_ ? fail(kXmlUnmatchedClear, p) : unexpected(q);
+        return q == m_end ? fail(kXmlUnmatchedClear, p) : unexpected(q);
     }
     bool inSubset = false;
     int open = 0;
     while (q) {
         const char c = *q;
-        if (q == end_) {
+        if (q == m_end) {
             return fail(kXmlUnmatchedClear, p);
         }
         if (c == '"' || c == '\'') {
@@ -713,14 +713,14 @@ char* Parser<Utf8>::instruction(char* p) {
     char* const name = p + 2;
     char* const end = nameEnd(name);
     if (end == name) {
-        return name == end_ ? fail(kXmlUnmatchedClear, p) : fail(kXmlMissingTagName, name);
+        return name == m_end ? fail(kXmlUnmatchedClear, p) : fail(kXmlMissingTagName, name);
     }
     const auto length = static_cast<size_t>(end - name);
     const auto fold = [name](int i) { return name[i] | 0x20; };
     if (length == 3 && fold(0) == 'x' && fold(1) == 'm' && fold(2) == 'l') {
         return fail(kXmlInvalidTag, p);
     }
-    if (end == end_) {
+    if (end == m_end) {
         return fail(kXmlUnmatchedClear, p);
     }
     if (!isXmlBlank(*end) && (end[0] != '?' || end[1] != '>')) {
@@ -736,7 +736,7 @@ char* Parser<Utf8>::instruction(char* p) {
     if (close > data) {
         element->setTextAlone(data);
     }
-    position_.end(end);
+    m_position.end(end);
     *close = 0;
     return close + 2;
 }
@@ -744,7 +744,7 @@ char* Parser<Utf8>::instruction(char* p) {
 }  // namespace
 
 XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,
-                     XMLResults& results, const XMLWatch& watch) {
+                     XMLResults& results, const XMLProgress& watch) {
     if (document.charset == XMLCharset::Utf8) {
         return Parser<true>(document, root, text, size, watch).parse(tag, results);
     }

@@ -13,6 +13,6 @@ namespace zoka {
 // `results` is filled with the first error's code and place; with `tag` given and another name at the top
 // that is code 13. Stopped by `watch`: null with code 0. Throws std::bad_alloc. Uses no recursion.
 XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,
-                     XMLResults& results, const XMLWatch& watch);
+                     XMLResults& results, const XMLProgress& watch);
 
 }  // namespace zoka

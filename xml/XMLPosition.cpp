@@ -21,11 +21,11 @@ int lineEnds(const char* first, const char* last) {
 int XMLPosition::characters(const char* first, const char* last) const {
     int count = 0;
     if (!utf8_) {
-        if (!leads_) {
+        if (!m_leads) {
             return static_cast<int>(last - first);
         }
         // A terminator counts, too: names and values are ended in place.
-        for (; first < last; first += platformCharacter(first, leads_)) {
+        for (; first < last; first += platformCharacter(first, m_leads)) {
             ++count;
         }
         return count;
@@ -38,27 +38,27 @@ int XMLPosition::characters(const char* first, const char* last) const {
 
 int XMLPosition::columnOf(const char* place) const {
     const char* p = place;
-    while (p > anchor_) {
+    while (p > m_anchor) {
         if (endsLine(--p)) {
             return characters(p + 1, place);
         }
     }
-    return anchorColumn_ + characters(anchor_, place);
+    return m_anchorColumn + characters(m_anchor, place);
 }
 
 void XMLPosition::beforeEdit(const char* first, const char* last) {
-    anchorColumn_ = columnOf(last);
-    anchor_ = last;
+    m_anchorColumn = columnOf(last);
+    m_anchor = last;
     // The byte in front belongs to the line ends counted: a CR there may become one with a LF decoded here.
-    lost_ += lineEnds(first - 1, last);
+    m_lost += lineEnds(first - 1, last);
 }
 
 void XMLPosition::afterEdit(const char* first, const char* last) {
-    lost_ -= lineEnds(first - 1, last);
+    m_lost -= lineEnds(first - 1, last);
 }
 
 XMLPosition::Place XMLPosition::at(const char* place) const {
-    return {1 + lost_ + lineEnds(begin_, place), 1 + columnOf(place)};
+    return {1 + m_lost + lineEnds(m_begin, place), 1 + columnOf(place)};
 }
 
 }  // namespace zoka

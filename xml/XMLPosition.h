@@ -19,16 +19,16 @@ public:
 
     // `leads` are those of the text's character set.
     XMLPosition(const char* begin, bool utf8, XMLLeads leads)
-        : begin_(begin), anchor_(begin), utf8_(utf8), leads_(leads) {}
+        : m_begin(begin), m_anchor(begin), utf8_(utf8), m_leads(leads) {}
 
     // Puts a 0 at `at`.
     void end(char* at) {
         const char c = *at;
         *at = 0;
         if (c == '\n' || (c == '\r' && at[1] != '\n')) {
-            ++lost_;
-            anchor_ = at + 1;
-            anchorColumn_ = 0;
+            ++m_lost;
+            m_anchor = at + 1;
+            m_anchorColumn = 0;
         }
     }
     // To be called before and after the bytes from `first` to `last` are rewritten. Needless where there are
@@ -43,12 +43,12 @@ private:
     // Characters between the start of the line that `place` is on and `place`.
     int columnOf(const char* place) const;
 
-    const char* begin_;
-    int lost_ = 0;          // line ends that edits took away
-    const char* anchor_;    // the end of the last edit that matters for columns
-    int anchorColumn_ = 0;  // characters in front of it on its line
+    const char* m_begin;
+    int m_lost = 0;          // line ends that edits took away
+    const char* m_anchor;    // the end of the last edit that matters for columns
+    int m_anchorColumn = 0;  // characters in front of it on its line
     const bool utf8_;
-    const XMLLeads leads_;
+    const XMLLeads m_leads;
 };
 
 }  // namespace zoka

@@ -37,52 +37,52 @@ bool isPlainAscii(const char* text) {
 }  // namespace
 
 XMLDocument::~XMLDocument() {
-    for (void* chunk : blockChunks_) {
+    for (void* chunk : m_blockChunks) {
         ::operator delete (chunk, std::align_val_t{kBlockSize});
     }
-    for (void* chunk : arenaChunks_) {
+    for (void* chunk : m_arenaChunks) {
         std::free(chunk);
     }
-    std::free(text_);
+    std::free(m_text);
 }
 
 void XMLDocument::nextBlock() {
-    if (blocksLeft_ == 0) {
-        const size_t blocks = std::clamp<size_t>(chunkBlocks_ * 2, 1, kLargestChunkBlocks);
-        blockChunks_.push_back(nullptr);
-        nextBlock_ = static_cast<char*>(
+    if (m_blocksLeft == 0) {
+        const size_t blocks = std::clamp<size_t>(m_chunkBlocks * 2, 1, kLargestChunkBlocks);
+        m_blockChunks.push_back(nullptr);
+        m_nextBlock = static_cast<char*>(
             ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize}));
-        blockChunks_.back() = nextBlock_;
-        chunkBlocks_ = blocks;
-        blocksLeft_ = blocks;
+        m_blockChunks.back() = m_nextBlock;
+        m_chunkBlocks = blocks;
+        m_blocksLeft = blocks;
     }
-    ::new (static_cast<void*>(nextBlock_)) BlockHeader{&handles, this, leads};
-    nextElement_ = reinterpret_cast<XMLElement*>(nextBlock_ + kHeaderRoom);
-    nextBlock_ += kBlockSize;
-    --blocksLeft_;
-    elementsLeft_ = kElementsPerBlock;
-    if (blocksLeft_ == 0) {
-        elementsLeft_ -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
+    ::new (static_cast<void*>(m_nextBlock)) BlockHeader{&handles, this, leads};
+    m_nextElement = reinterpret_cast<XMLElement*>(m_nextBlock + kHeaderRoom);
+    m_nextBlock += kBlockSize;
+    --m_blocksLeft;
+    m_elementsLeft = kElementsPerBlock;
+    if (m_blocksLeft == 0) {
+        m_elementsLeft -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
     }
 }
 
 void* XMLDocument::allocateSlowly(size_t size) {
-    const size_t chunk = std::clamp(arenaChunk_ * 2, kFirstArenaChunk, kLargestArenaChunk);
+    const size_t chunk = std::clamp(m_arenaChunk * 2, kFirstArenaChunk, kLargestArenaChunk);
     // What would fill a good part of a chunk gets one of its own, and the open chunk stays open.
     const bool own = size > chunk / 4;
     const size_t bytes = own ? size : chunk - kAllocatorRoom;
-    arenaChunks_.push_back(nullptr);
+    m_arenaChunks.push_back(nullptr);
     auto* memory = static_cast<char*>(std::malloc(bytes + kXmlPadding));
     if (!memory) {
         throw std::bad_alloc();
     }
-    arenaChunks_.back() = memory;
+    m_arenaChunks.back() = memory;
     if (own) {
         return memory;
     }
-    arenaChunk_ = chunk;
-    arena_ = memory + size;
-    arenaLeft_ = bytes - size;
+    m_arenaChunk = chunk;
+    m_arena = memory + size;
+    m_arenaLeft = bytes - size;
     return memory;
 }
 
@@ -136,17 +136,17 @@ char* XMLDocument::growText(size_t used, size_t size) {
         throw std::bad_alloc();
     }
     auto* text =
-        static_cast<char*>(used ? std::realloc(text_, size + kXmlPadding) : std::malloc(size + kXmlPadding));
+        static_cast<char*>(used ? std::realloc(m_text, size + kXmlPadding) : std::malloc(size + kXmlPadding));
     if (!text) {
         throw std::bad_alloc();
     }
     if (!used) {
-        std::free(text_);
+        std::free(m_text);
     }
-    text_ = text;
-    textSize_ = size;
-    std::memset(text_ + size, 0, kXmlPadding);
-    return text_;
+    m_text = text;
+    m_textSize = size;
+    std::memset(m_text + size, 0, kXmlPadding);
+    return m_text;
 }
 
 void XMLDocument::addAttribute(XMLElement* element, const char* name, const char* value) {

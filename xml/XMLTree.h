@@ -38,12 +38,12 @@ public:
     // All of these throw std::bad_alloc when memory runs out.
 
     XMLElement* newElement() {
-        if (elementsLeft_ == 0) {
+        if (m_elementsLeft == 0) {
             nextBlock();
         }
 
-        --elementsLeft_;
-        return ::new (static_cast<void*>(nextElement_++)) XMLElement();
+        --m_elementsLeft;
+        return ::new (static_cast<void*>(m_nextElement++)) XMLElement();
     }
     XMLTextItem* newTextItem(XMLItemKind kind, const char* value) {
         auto* item = ::new (allocate(sizeof(XMLTextItem))) XMLTextItem();
@@ -54,25 +54,25 @@ public:
     // Memory for anything that lives as long as the document, aligned for pointers and keys.
     void* allocate(size_t size) {
         size = (size + 7) & ~size_t{7};
-        if (size > arenaLeft_) {
+        if (size > m_arenaLeft) {
             return allocateSlowly(size);
         }
 
-        void* result = arena_;
-        arena_ += size;
-        arenaLeft_ -= size;
+        void* result = m_arena;
+        m_arena += size;
+        m_arenaLeft -= size;
         return result;
     }
     // An element's attributes are read into the free end of the arena: openRun gives it, `room` attributes
     // wide; growRun gives a wider place for a run that fills its own; closeRun keeps the run. Nothing else
     // may be allocated in between but elements.
     XMLAttribute* openRun(size_t& room) {
-        room = arenaLeft_ / sizeof(XMLAttribute);
-        return reinterpret_cast<XMLAttribute*>(arena_);
+        room = m_arenaLeft / sizeof(XMLAttribute);
+        return reinterpret_cast<XMLAttribute*>(m_arena);
     }
     XMLAttribute* growRun(const XMLAttribute* run, size_t& room);
     void closeRun(const XMLAttribute* run, size_t count) {
-        if (reinterpret_cast<const char*>(run) == arena_) {
+        if (reinterpret_cast<const char*>(run) == m_arena) {
             allocate(count * sizeof(XMLAttribute));
         }
     }
@@ -89,8 +89,8 @@ public:
     // Where in the parsed text `part` stands; 0 for what stands elsewhere.
     std::uint32_t placeOf(const char* part) const {
         const bool parsed =
-            text_ && std::less_equal<>()(text_, part) && std::less<>()(part, text_ + textSize_);
-        return parsed ? static_cast<std::uint32_t>(part - text_) : 0;
+            m_text && std::less_equal<>()(m_text, part) && std::less<>()(part, m_text + m_textSize);
+        return parsed ? static_cast<std::uint32_t>(part - m_text) : 0;
     }
 
     // Puts an item at the end of an element's content.
@@ -135,20 +135,20 @@ private:
     void nextBlock();
     void* allocateSlowly(size_t size);
 
-    XMLElement* nextElement_ = nullptr;
-    size_t elementsLeft_ = 0;
-    char* nextBlock_ = nullptr;  // the next unused block of the last chunk
-    size_t blocksLeft_ = 0;
-    size_t chunkBlocks_ = 0;
+    XMLElement* m_nextElement = nullptr;
+    size_t m_elementsLeft = 0;
+    char* m_nextBlock = nullptr;  // the next unused block of the last chunk
+    size_t m_blocksLeft = 0;
+    size_t m_chunkBlocks = 0;
 
-    char* arena_ = nullptr;
-    size_t arenaLeft_ = 0;
-    size_t arenaChunk_ = 0;
+    char* m_arena = nullptr;
+    size_t m_arenaLeft = 0;
+    size_t m_arenaChunk = 0;
 
-    char* text_ = nullptr;
-    size_t textSize_ = 0;
-    std::vector<void*> blockChunks_;
-    std::vector<void*> arenaChunks_;
+    char* m_text = nullptr;
+    size_t m_textSize = 0;
+    std::vector<void*> m_blockChunks;
+    std::vector<void*> m_arenaChunks;
 };
 
 }  // namespace zoka

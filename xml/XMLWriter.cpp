@@ -15,7 +15,7 @@ constexpr size_t kMostDeepTabs = 16 * 1024 * 1024;
 
 class Writer {
 public:
-    Writer(bool formatted, const char* encoding) : formatted_(formatted), encoding_(encoding) {}
+    Writer(bool formatted, const char* encoding) : m_formatted(formatted), m_encoding(encoding) {}
 
     XMLText write(const XMLElement* top) {
         const XMLItem* item = top;
@@ -38,42 +38,42 @@ public:
                 parent = parent->parent;
             }
             if (item == top) {
-                return out_.take();
+                return m_out.take();
             }
             item = item->next;
         }
     }
 
 private:
-    bool laysOut() const { return formatted_ && !plain_; }
+    bool laysOut() const { return m_formatted && !m_plain; }
     void indent() {
         if (!laysOut()) {
             return;
         }
-        size_t tabs = depth_;
+        size_t tabs = m_depth;
         if (tabs > kDeepLevel) {
-            if (deepTabs_ + tabs > kMostDeepTabs) {
+            if (m_deepTabs + tabs > kMostDeepTabs) {
                 tabs = kDeepLevel;
             }
-            deepTabs_ += tabs;
+            m_deepTabs += tabs;
         }
-        out_.put('\t', tabs);
+        m_out.put('\t', tabs);
     }
     void endLine() {
         if (laysOut()) {
-            out_.put('\n');
+            m_out.put('\n');
         }
     }
 
     void leaf(const XMLTextItem& item) {
         if (item.kind == XMLItemKind::Text) {
-            return out_.putText(item.value);
+            return m_out.putText(item.value);
         }
         indent();
         const XMLClearTags tags = clearTags(item.kind);
-        out_.put(tags.open);
-        out_.putRaw(item.value);
-        out_.put(tags.close);
+        m_out.put(tags.open);
+        m_out.putRaw(item.value);
+        m_out.put(tags.close);
         endLine();
     }
 
@@ -86,23 +86,23 @@ private:
         if (element.isDeclaration) {
             return declaration(element);
         }
-        out_.put('<');
-        out_.putRaw(element.name);
+        m_out.put('<');
+        m_out.putRaw(element.name);
         attributes(element, nullptr);
         if (element.isBare()) {
-            out_.put("/>");
+            m_out.put("/>");
             return endLine();
         }
-        out_.put('>');
-        if (element.textUse != XMLTextUse::None && !plain_) {
-            plain_ = &element;
+        m_out.put('>');
+        if (element.textUse != XMLTextUse::None && !m_plain) {
+            m_plain = &element;
         }
         endLine();
-        ++depth_;
+        ++m_depth;
         if (element.lastItem()) {
             return;
         }
-        out_.putText(element.textAlone());
+        m_out.putText(element.textAlone());
         close(element);
     }
 
@@ -110,27 +110,27 @@ private:
         if (!element.name || element.isDeclaration) {
             return;
         }
-        --depth_;
+        --m_depth;
         indent();
-        out_.put("</");
-        out_.putRaw(element.name);
-        out_.put('>');
-        if (plain_ == &element) {
-            plain_ = nullptr;
+        m_out.put("</");
+        m_out.putRaw(element.name);
+        m_out.put('>');
+        if (m_plain == &element) {
+            m_plain = nullptr;
         }
         endLine();
     }
 
     // What a declaration holds stands behind it, on its own level.
     void declaration(const XMLElement& element) {
-        out_.put("<?");
-        out_.putRaw(element.name);
-        attributes(element, encoding_);
+        m_out.put("<?");
+        m_out.putRaw(element.name);
+        attributes(element, m_encoding);
         if (const char* data = element.textAlone()) {
-            out_.put(' ');
-            out_.putRaw(data);
+            m_out.put(' ');
+            m_out.putRaw(data);
         }
-        out_.put("?>");
+        m_out.put("?>");
         endLine();
     }
 
@@ -138,24 +138,24 @@ private:
         static const XMLName encodingName("encoding", nullptr);
         for (std::uint32_t i = 0; i < element.attributeCount; ++i) {
             const XMLAttribute& attribute = element.attributes[i];
-            out_.put(' ');
-            out_.putRaw(attribute.name);
-            out_.put("=\"");
+            m_out.put(' ');
+            m_out.putRaw(attribute.name);
+            m_out.put("=\"");
             if (encoding && encodingName.matches(attribute.key, attribute.name)) {
-                out_.put(std::string_view(encoding));
+                m_out.put(std::string_view(encoding));
             } else if (attribute.value) {
-                out_.putValue(attribute.value);
+                m_out.putValue(attribute.value);
             }
-            out_.put('"');
+            m_out.put('"');
         }
     }
 
-    XMLOutput out_;
-    const bool formatted_;
-    const char* const encoding_;
-    size_t depth_ = 0;
-    size_t deepTabs_ = 0;                // spent on deep lines
-    const XMLElement* plain_ = nullptr;  // the outermost open element that holds text: no white space inside
+    XMLOutput m_out;
+    const bool m_formatted;
+    const char* const m_encoding;
+    size_t m_depth = 0;
+    size_t m_deepTabs = 0;                // spent on deep lines
+    const XMLElement* m_plain = nullptr;  // the outermost open element that holds text: no white space inside
 };
 
 }  // namespace
