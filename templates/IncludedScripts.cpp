@@ -29,6 +29,29 @@ std::vector<std::string> needsOf(const CScriptElm& script, const std::string& fi
     return needs;
 }
 
+std::vector<std::string> pathsOfIncludedScripts(ZunEditorInterface& host) {
+    std::vector<std::string> paths;
+    const auto mainScript = host.GetMainScriptPath();
+    if (!mainScript) {
+        return paths;
+    }
+    paths.push_back(*mainScript);
+    std::vector<std::string> names;
+    try {
+        ReadIncludeList(*mainScript, names);
+    } catch (const EmptyScriptError&) {
+        return paths;
+    }
+    const ScriptFolders folders(host);
+    for (const std::string& name : names) {
+        std::string path;
+        if (folders.LocateScript(name, path) != ScriptPlace::NotFound) {
+            paths.push_back(path);
+        }
+    }
+    return paths;
+}
+
 void IncludedScripts::read() {
     m_scripts.clear();
     m_byText.clear();

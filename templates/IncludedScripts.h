@@ -27,6 +27,10 @@ struct IncludedScript {
     std::optional<CScriptElm> script;  // as the catalogue has it; of a numbered copy its template
 };
 
+// The full paths of the main script and of the scripts that it includes, as far as they are found; empty where no
+// level is open. [editor or panel thread]
+std::vector<std::string> pathsOfIncludedScripts(ZunEditorInterface& host);
+
 // As they were when they were read. References given must outlive the object. [editor thread]
 class IncludedScripts {
 public:

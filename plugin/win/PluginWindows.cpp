@@ -7,13 +7,12 @@
 #include "J8ProjectManager/win/ProjectDialog.h"
 #include "J8ProjectWizard/win/J8WizardNewDlg.h"
 #include "customize/win/BehaviorDialog.h"
-#include "plugin/PanelText.h"
+#include "customize/win/CustomizeDialog.h"
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/HostAdapter.h"
-#include "plugin/win/CustomizePanel.h"
 #include "plugin/win/Resources.h"
-#include "plugin/win/StatusWindow.h"
 #include "plugin/win/ViewThread.h"
+#include "templates/IncludedScripts.h"
 #include "templates/win/ManagerDialog.h"
 
 namespace zoka {
@@ -23,6 +22,19 @@ static_assert(kPanelDialog == IDD_PANEL);
 namespace {
 
 HINSTANCE g_module = nullptr;
+
+// "KEZ Customize" as a panel of the editor.
+class CustomizeWindow : public PanelWindow {
+public:
+    explicit CustomizeWindow(ZunEditorInterface& editor)
+        : m_dialog({editor, {}, [&editor] { return pathsOfIncludedScripts(editor); }, g_module, IDI_ZOKA}) {}
+
+    HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
+    void load() override { m_dialog.load(); }
+
+private:
+    CustomizeDialog m_dialog;
+};
 
 // "Entity Behavior" as a panel of the editor.
 class BehaviorWindow : public PanelWindow {
@@ -57,7 +69,7 @@ std::unique_ptr<ZunEditorInterface> PluginWindows::makeEditor(void* rawEditor) {
 }
 
 std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterface& editor) {
-    return std::make_unique<CustomizePanel>(editor);
+    return std::make_unique<CustomizeWindow>(editor);
 }
 
 // No project's behaviours are read yet, so none defines a panel.

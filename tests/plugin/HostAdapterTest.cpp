@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "plugin/PanelText.h"
 #include "tests/support/FakeEditor.h"
 
 // Members of a class that we don't have are called through plain pointers.
@@ -192,14 +191,6 @@ TEST_F(Adapter, PathsThatTheHostCannotTakeAreNotCut) {
     EXPECT_FALSE(editor.CopyFileWithSubstitutions(tooLong, "a", {}));
     EXPECT_FALSE(editor.CopyFileWithSubstitutions("a", tooLong, {}));
     EXPECT_THAT(host.calls, IsEmpty());
-}
-
-TEST(PanelText, SaysWhatIsLoaded) {
-    FakeEditor editor;
-    EXPECT_THAT(projectStatus(editor),
-                ElementsAre("Main script: C:\\project\\main.kez", "Project folder: C:\\project"));
-    editor.failing = {"GetMainScriptPath", "GetProjectFolder"};
-    EXPECT_THAT(projectStatus(editor), ElementsAre("Main script: none", "Project folder: none"));
 }
 
 }  // namespace
