@@ -33,8 +33,8 @@ int ProjectCreation::fail(int code, const char* key, const std::string& folder, 
     return code;
 }
 
-bool ProjectCreation::goOnWith(const std::string& target) {
-    if (goOn(m_progress, m_done++, m_total, target)) {
+bool ProjectCreation::mayContinueWith(const std::string& target) {
+    if (mayContinue(m_progress, m_done++, m_total, target)) {
         return true;
     }
     m_report.add("Cancelled", xmlFromPath(target));
@@ -120,7 +120,7 @@ bool ProjectCreation::copySet(const PlannedSet& set, std::initializer_list<const
     const char* const* key = keys.begin();
     for (const PlannedFile& file : set.files) {
         const std::string target = m_root + file.target;
-        if (!goOnWith(target)) {
+        if (!mayContinueWith(target)) {
             return false;
         }
         m_report.add(*key++, base);
@@ -173,7 +173,7 @@ CopyEnd copyPlannedFiles(const std::string& root, const std::vector<PlannedFile>
             return CopyEnd::Nameless;
         }
         const std::string to = root + file.target;
-        if (run && !run->goOnWith(to)) {
+        if (run && !run->mayContinueWith(to)) {
             return CopyEnd::Cancelled;
         }
         // A name that leads elsewhere was refused before; here it is the last door.

@@ -29,7 +29,7 @@ private:
     int saveProject();
     int fail(int code, const char* key, const std::string& folder, const std::string& message);
     // False when the user stopped it.
-    bool goOnWith(const std::string& target);
+    bool mayContinueWith(const std::string& target);
 
     const CreationPlan& m_plan;
     CJ8WizardUserData& m_data;

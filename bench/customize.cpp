@@ -104,8 +104,8 @@ BENCHMARK(parseMarkup)->Arg(1)->Arg(10)->Arg(100);
 void loadRows(benchmark::State& state) {
     const std::string& text = text1MB();
     for (auto _ : state) {
-        zoka::ScriptPanel panel;
-        zoka::takeCustomText(text, panel.script);
+        zoka::ScriptRows panel;
+        zoka::parseCustomText(text, panel.script);
         panel.makeRows();
     }
     bytes(state, text.size());

@@ -83,7 +83,7 @@ std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomS
     return found;
 }
 
-std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly) {
+std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly) {
     std::vector<KeptValue> values;
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = panel.script.entries[i];
@@ -111,7 +111,7 @@ std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const 
     return {};
 }
 
-std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptPanel& panel) {
+std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptRows& panel) {
     std::vector<UnplacedValue> unplaced;
     Places places(panel.script);
     for (const KeptValue& kept : values) {
@@ -131,7 +131,7 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
     return unplaced;
 }
 
-std::vector<UnplacedValue> lostWithoutId(const ScriptPanel& before, const ScriptPanel& after) {
+std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptRows& after) {
     std::vector<UnplacedValue> lost;
     const std::vector<std::ptrdiff_t> places = matchEntries(before.script, after.script);
     for (size_t i = 0; i < before.size(); ++i) {

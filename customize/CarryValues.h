@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "customize/ScriptPanel.h"
+#include "customize/ScriptRows.h"
 
 namespace zoka {
 
@@ -27,7 +27,7 @@ std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomS
 
 // The current values of the rows, of all that have an id (`changedOnly` false: the value file's rule) or of
 // all that have changed.
-std::vector<KeptValue> valuesToKeep(const ScriptPanel& panel, bool changedOnly);
+std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly);
 
 // Why an entry of a new version doesn't take a kept value: its field or its limits refuse it, or it means
 // something else now (a switch that became a list). Empty when it does.
@@ -36,11 +36,11 @@ std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const 
 // Puts each value into the entry with its id, values of an id that stands there several times in their order;
 // without an id into the entry of the same label. Values that the new entry refuses, its limits included, and
 // those without an entry are handed back. Linear.
-std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptPanel& panel);
+std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptRows& panel);
 
 // Values without an id that the user gave to `before` and that `after` doesn't have: no value file keeps
 // them.
-std::vector<UnplacedValue> lostWithoutId(const ScriptPanel& before, const ScriptPanel& after);
+std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptRows& after);
 
 // One line a value: "Range (id 4): 150 - the reason".
 std::string unplacedText(const std::vector<UnplacedValue>& values);

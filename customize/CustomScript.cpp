@@ -101,7 +101,7 @@ bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::st
     }
     CustomScript loaded;
     loaded.scriptPath = path;
-    takeCustomText(std::move(*text), loaded);
+    parseCustomText(std::move(*text), loaded);
     if (loaded.tooLarge) {
         if (why) {
             *why = "it is too large to be customized: more than " + std::to_string(loaded.entries.size()) +
@@ -113,7 +113,7 @@ bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::st
     return true;
 }
 
-void takeCustomText(std::string fileText, CustomScript& script) {
+void parseCustomText(std::string fileText, CustomScript& script) {
     script.text = std::move(fileText);
     script.fileLength = script.text.size();
     if (!script.text.ends_with("\r\n")) {
@@ -134,7 +134,7 @@ void checkCustomValue(CustomScript& script, const CustomEntry& entry) {
         if (value < entry.minimum || value > entry.maximum) {
             script.findings.add(entry.line,
                                 "the value " + entry.value + " of " + inQuotes(entry.label) +
-                                    " lies outside its limits (" + allowedRange(specOf(script, entry)) +
+                                    " lies outside its limits (" + allowedRange(factsOf(script, entry)) +
                                     "); it was left as it is",
                                 true);
         }
@@ -171,7 +171,7 @@ void checkCustomEntries(CustomScript& script) {
     script.findings.sortByLine();
 }
 
-EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames) {
+EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames) {
     EntryFacts facts;
     facts.label = entry.label;
     facts.help = entry.help;

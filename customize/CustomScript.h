@@ -69,7 +69,7 @@ inline constexpr size_t kMaxScriptPath = 259;
 // spare (see kMostEntryBytes); no message. `why` (may be null) gets the reason.
 bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why = nullptr);
 // The same of a text at hand, which is what the file holds.
-void takeCustomText(std::string fileText, CustomScript& script);
+void parseCustomText(std::string fileText, CustomScript& script);
 
 // Findings that need the whole list: an id used twice, values outside their limits, lists without the current
 // value. Part of loading.
@@ -81,7 +81,7 @@ void checkCustomValue(CustomScript& script, const CustomEntry& entry);
 using HostNames = std::shared_ptr<const std::vector<std::string>>;
 
 // The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
-EntryFacts specOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames = {});
+EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames = {});
 
 // The two choices of a "drop_pair": of yes/no, on/off, true/false and 1/0 the pair that `value` belongs to,
 // written as the value is ("No" gives Yes and No); on/off for any other value.

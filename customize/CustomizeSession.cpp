@@ -43,7 +43,7 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
 }
 
 bool CustomizeSession::load(const std::string& fileName) {
-    ScriptPanel loaded;
+    ScriptRows loaded;
     std::string why;
     if (!LoadCustomScript(fileName, loaded.script, &why)) {
         m_problem = fileName.empty() ? "There is no script." : "Can't read '" + fileName + "': " + why;
@@ -188,7 +188,7 @@ bool CustomizeSession::update() {
     if (!fetchTemplateCopy()) {
         return false;
     }
-    ScriptPanel before = std::move(m_panel);
+    ScriptRows before = std::move(m_panel);
     m_panel = {};
     if (!load(before.script.scriptPath)) {
         m_panel = std::move(before);

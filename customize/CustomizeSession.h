@@ -9,7 +9,7 @@
 
 #include "controls/RowEditing.h"
 #include "customize/CarryValues.h"
-#include "customize/ScriptPanel.h"
+#include "customize/ScriptRows.h"
 #include "customize/WriteBack.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "util/UserPrompt.h"
@@ -105,7 +105,7 @@ private:
     UserPrompt& m_prompt;
     CustomizeView* m_view;
     CustomizeView m_noView;
-    ScriptPanel m_panel;
+    ScriptRows m_panel;
     mutable std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for
     std::vector<UnplacedValue> m_unplaced;
     std::string m_problem;

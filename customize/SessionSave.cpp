@@ -162,9 +162,9 @@ SaveResult CustomizeSession::save() {
         std::string text = editedText(m_panel.script.fileText(), edits);
         // Nearly every edit leaves the other entries where they are; only those that may not are read again.
         const bool kept = keepsEntries(m_panel.script, edits);
-        ScriptPanel saved;
+        ScriptRows saved;
         if (!kept) {
-            takeCustomText(text, saved.script);
+            parseCustomText(text, saved.script);
             if (!confirmLostEntries(saved.script)) {
                 return SaveResult::Cancelled;
             }

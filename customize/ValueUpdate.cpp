@@ -38,11 +38,11 @@ bool isVersionLine(std::string_view line) {
 }
 
 // The edits that put the panel's values into its script. Values that would not read back are taken out.
-std::vector<ScriptEdit> soundEdits(ScriptPanel& panel, std::vector<UnplacedValue>& unplaced) {
+std::vector<ScriptEdit> soundEdits(ScriptRows& panel, std::vector<UnplacedValue>& unplaced) {
     for (bool again = true; again;) {
         std::vector<ScriptEdit> edits = editsOf(panel.script);
         CustomScript saved;
-        takeCustomText(editedText(panel.script.fileText(), edits), saved);
+        parseCustomText(editedText(panel.script.fileText(), edits), saved);
         again = false;
         for (const size_t i : notReadBack(panel.script, saved)) {
             EntryModel& row = panel.row(i);
@@ -83,9 +83,9 @@ std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, co
     }
     plan.old.makeRows();
     plan.before = plan.old.script.fileText();
-    ScriptPanel updated;
+    ScriptRows updated;
     updated.script.scriptPath = scriptPath;
-    takeCustomText(std::move(*text), updated.script);
+    parseCustomText(std::move(*text), updated.script);
     updated.makeRows();
     plan.unplaced = carryValues(valuesToKeep(plan.old, false), updated);
     for (UnplacedValue& lost : lostWithoutId(plan.old, updated)) {
@@ -140,7 +140,7 @@ bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
         return false;
     }
     CustomScript updated;
-    takeCustomText(plan.after, updated);
+    parseCustomText(plan.after, updated);
     // The script has the values; a value file that can't be brought up to date still holds the same ones.
     safeWrite(valueFile, valueFileText(updated, false), FileKind::Generated);
     return true;
@@ -169,7 +169,7 @@ std::optional<std::vector<std::optional<std::string>>> templateDefaults(const Cu
         return std::nullopt;
     }
     CustomScript original;
-    takeCustomText(std::move(*text), original);
+    parseCustomText(std::move(*text), original);
     std::vector<std::optional<std::string>> values;
     for (const std::ptrdiff_t place : matchEntries(script, original)) {
         values.push_back(place < 0 ? std::nullopt

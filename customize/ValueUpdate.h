@@ -14,7 +14,7 @@ namespace zoka {
 struct ValueUpdatePlan {
     std::string before;                   // the script's bytes
     std::string after;                    // what they will be; equal to `before`: there is nothing to do
-    ScriptPanel old;                      // the script as it is
+    ScriptRows old;                       // the script as it is
     std::vector<UnplacedValue> unplaced;  // values that the new version has no place for
     size_t kept = 0;                      // values that differ from the template's own and were put in
     size_t ownLines = 0;  // lines that the new version lacks; the script is kept beside it then

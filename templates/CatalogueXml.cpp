@@ -234,7 +234,7 @@ std::string catalogueText(const CTemplateData& catalogue, const std::string& dat
 namespace {
 
 XMLNode parseCatalogue(const std::string& path, XMLResults* results, JobProgress* progress) {
-    XMLWatch watch;
+    XMLProgress watch;
     if (progress) {
         watch = [&, what = std::string(fileNameOf(path))](size_t done, size_t total) {
             return progress->step(done, total, what);
@@ -318,7 +318,7 @@ bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progres
             continue;
         }
         // Often enough to keep a window alive, too seldom to be felt.
-        if (m_rows.size() % 1024 == 0 && !zoka::goOn(progress, m_rows.size(), total, m_name)) {
+        if (m_rows.size() % 1024 == 0 && !zoka::mayContinue(progress, m_rows.size(), total, m_name)) {
             Empty();
             return false;
         }

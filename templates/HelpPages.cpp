@@ -130,7 +130,7 @@ std::string firstSentence(std::string text) {
 // The pages of one catalogue: which scripts and classes have one, under which name, and who needs whom.
 class Help {
 public:
-    Help(const CTemplateData& catalogue, PageTaker take) : m_take(std::move(take)) {
+    Help(const CTemplateData& catalogue, PageSink take) : m_take(std::move(take)) {
         std::unordered_map<std::string, size_t> classes;
         unique(kIndexFile);
         for (const CScriptElm& script : catalogue.scripts()) {
@@ -282,7 +282,7 @@ private:
 
     bool write(const std::string& name, const std::string& text) { return m_take(name, inTextMode(text)); }
 
-    PageTaker m_take;
+    PageSink m_take;
     std::unordered_map<std::string, unsigned> m_taken;
     std::vector<Class> m_classes;   // in catalogue order
     std::vector<Script> m_scripts;  // in catalogue order
@@ -290,7 +290,7 @@ private:
     std::unordered_map<std::string, std::vector<size_t>> m_neededBy;  // file name -> scripts
 };
 
-PageTaker intoFolder(const std::string& folder, std::string* error) {
+PageSink intoFolder(const std::string& folder, std::string* error) {
     return [folder, error](const std::string& name, const std::string& text) {
         const SafeWriteResult result = safeWrite(folder + name, text, FileKind::Generated);
         if (!result && error) {
@@ -373,7 +373,7 @@ std::vector<std::string> pagesOfOthers(const std::string& folder,
     return others;
 }
 
-bool makeHelp(const CTemplateData& catalogue, const PageTaker& take) {
+bool makeHelp(const CTemplateData& catalogue, const PageSink& take) {
     Help help(catalogue, take);
     return help.writeStyle() && help.writeIndex(catalogue) && help.writeClasses() && help.writeScripts();
 }

@@ -25,8 +25,8 @@ bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder,
 // The style sheet, the index that links all classes and scripts, and both kinds of pages.
 bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
 // The same for any taker of the files; false as soon as it returns false.
-using PageTaker = std::function<bool(const std::string& name, const std::string& text)>;
-bool makeHelp(const CTemplateData& catalogue, const PageTaker& take);
+using PageSink = std::function<bool(const std::string& name, const std::string& text)>;
+bool makeHelp(const CTemplateData& catalogue, const PageSink& take);
 
 // The pages in `folder` (with a separator at its end) that an earlier run made and whose lowered names are not in
 // `names`: those of scripts and classes that are gone. Pages of other programs are left out.

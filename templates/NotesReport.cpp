@@ -26,7 +26,7 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
     ScriptFactsReader facts;
     for (size_t i = 0; i < names.size(); ++i) {
         const std::string& name = names[i];
-        if (!goOn(progress, i, names.size(), name)) {
+        if (!mayContinue(progress, i, names.size(), name)) {
             return false;
         }
         if (folders.LocateScript(name) == ScriptPlace::NotFound) {

@@ -32,7 +32,7 @@ public:
 
     // What add and find go by. In a large index its place is not in the processor's caches: it comes closer
     // while the caller does other work.
-    std::uint32_t approach(std::string_view key) const {
+    std::uint32_t hashAndPrefetch(std::string_view key) const {
         const std::uint32_t hash = hashOf(key);
         if (!m_slots.empty()) {
             __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);

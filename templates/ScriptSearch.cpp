@@ -40,7 +40,8 @@ bool ScriptSearch::take(const CTemplateData& catalogue, JobProgress* progress) {
     m_found.reserve(rows.size());
     for (std::uint32_t record = 0; record < rows.size(); ++record) {
         const CTemplateData::Row& row = rows[record];
-        if (record % kStep == 0 && !goOn(progress, record, rows.size(), std::string(row.displayName()))) {
+        if (record % kStep == 0 &&
+            !mayContinue(progress, record, rows.size(), std::string(row.displayName()))) {
             return false;
         }
         m_classes.push_back(lowered(row.className));

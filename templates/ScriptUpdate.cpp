@@ -149,7 +149,7 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
             plan.needs.push_back(std::move(path));
         }
         // Comparing is the first half of the work.
-        if (!goOn(progress, i, 2 * entries.size(), fileName)) {
+        if (!mayContinue(progress, i, 2 * entries.size(), fileName)) {
             if (stopped) {
                 *stopped = true;
             }
@@ -266,7 +266,7 @@ void ScriptUpdate::carryOut(const UpdatePlan& plan, JobProgress* progress) {
     const size_t total = plan.scripts.size();
     for (size_t i = 0; i < total; ++i) {
         const UpdatePlan::Script& script = plan.scripts[i];
-        if (!goOn(progress, total + i, 2 * total, script.fileName)) {
+        if (!mayContinue(progress, total + i, 2 * total, script.fileName)) {
             break;
         }
         std::string why;

@@ -53,8 +53,8 @@ void CTemplateData::reserveScripts(size_t scripts) {
 
 void CTemplateData::append(const Row& row, Source source) {
     const auto record = static_cast<std::uint32_t>(m_rows.size());
-    const std::uint32_t nameHash = m_byName.approach(row.name);
-    const std::uint32_t filenameHash = m_byFilenameNoCase.approach(row.filename);
+    const std::uint32_t nameHash = m_byName.hashAndPrefetch(row.name);
+    const std::uint32_t filenameHash = m_byFilenameNoCase.hashAndPrefetch(row.filename);
     m_rows.push_back(row);
     m_sources.push_back(std::move(source));
     m_byClass[row.className].push_back(record);

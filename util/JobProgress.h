@@ -16,7 +16,7 @@ public:
 };
 
 // For jobs that nobody watches: null is allowed.
-inline bool goOn(JobProgress* progress, size_t done, size_t total, const std::string& what) {
+inline bool mayContinue(JobProgress* progress, size_t done, size_t total, const std::string& what) {
     return !progress || progress->step(done, total, what);
 }
 

@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "customize/EntriesText.h"
-#include "customize/ScriptPanel.h"
+#include "customize/ScriptRows.h"
 #include "customize/ValueFile.h"
 #include "customize/WriteBack.h"
 #include "tests/customize/Checks.h"
@@ -18,14 +18,14 @@ using namespace zoka::test;
 
 namespace {
 
-ScriptPanel panelOf(const std::string& text) {
-    ScriptPanel panel;
-    takeCustomText(text, panel.script);
+ScriptRows panelOf(const std::string& text) {
+    ScriptRows panel;
+    parseCustomText(text, panel.script);
     panel.makeRows();
     return panel;
 }
 
-std::string savedText(const ScriptPanel& panel) {
+std::string savedText(const ScriptRows& panel) {
     const std::vector<ScriptEdit> edits = editsOf(panel.script);
     EXPECT_EQ(editFault(panel.script, edits), "");
     return editedText(panel.script.fileText(), edits);
@@ -39,7 +39,7 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
     for (const auto& [name, bytes] : samples) {
         for (const std::string& form : formsOf(bytes)) {
             SCOPED_TRACE(name);
-            ScriptPanel first = panelOf(form);
+            ScriptRows first = panelOf(form);
             for (size_t i = 0; i < first.size(); ++i) {
                 if (!first.script.entries[i].hasValue() || random() % 4 == 0) {
                     continue;
@@ -55,7 +55,7 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
                 }
             }
             ASSERT_EQ(scriptFault(form, static_cast<unsigned>(edited)), "");
-            ScriptPanel second = panelOf(savedText(first));
+            ScriptRows second = panelOf(savedText(first));
             ASSERT_EQ(second.size(), first.size());
             ASSERT_TRUE(notReadBack(first.script, second.script).empty());
             for (size_t i = 0; i < first.size(); ++i) {
@@ -109,7 +109,7 @@ TEST(Bytes, EveryPrefixAndEveryByteChangedOfTheSamplesIsTaken) {
         SCOPED_TRACE(name);
         breakEveryByte(bytes, scriptFault);
         CustomScript script;
-        takeCustomText(bytes, script);
+        parseCustomText(bytes, script);
         breakEveryByte(valueFileText(script, false),
                        [](const std::string& changed, unsigned) { return valueFileFault(changed); });
     }
@@ -143,7 +143,7 @@ TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
         {"// enable: A\n// define X;\n//Y;\n", "// enable: A\n define X;\nY;\n"},
     };
     for (const auto& row : rows) {
-        ScriptPanel panel = panelOf(row.before);
+        ScriptRows panel = panelOf(row.before);
         for (size_t i = 0; i < panel.size(); ++i) {
             panel.row(i).edit(panel.row(i).isOn() ? "0" : "1");
         }
@@ -152,7 +152,7 @@ TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
 }
 
 TEST(WriteBack, OverlappingAndBackwardSpansAreRefused) {
-    ScriptPanel panel = panelOf("// entry: A\nvar x = 10;\n// entry: B\nvar y = 20;\n");
+    ScriptRows panel = panelOf("// entry: A\nvar x = 10;\n// entry: B\nvar y = 20;\n");
     panel.row(0).edit("1");
     panel.row(1).edit("2");
     panel.script.entries[1].valueStart = panel.script.entries[0].valueStart + 1;
@@ -164,7 +164,7 @@ TEST(WriteBack, OverlappingAndBackwardSpansAreRefused) {
 }
 
 TEST(WriteBack, LineChangesShowWholeLinesOnce) {
-    ScriptPanel panel = panelOf(
+    ScriptRows panel = panelOf(
         "// entry: A\r\nvar x = 1; // one\r\n// enable: B\r\n//define B;\r\n// entry_text: 3, 90, C\r\ns = "
         "\"a\r\nb\";\r\n"
         "// entry: D\r\nvar d = 4;");
@@ -184,7 +184,7 @@ TEST(WriteBack, LineChangesShowWholeLinesOnce) {
 TEST(Golden, TheEntriesOfEverySampleAreThoseApproved) {
     for (const auto& [name, bytes] : sampleScripts()) {
         CustomScript script;
-        takeCustomText(bytes, script);
+        parseCustomText(bytes, script);
         const auto path = zoka::test::sourceDir() / "tests/customize/golden" / (name + ".golden");
         EXPECT_EQ(entriesText(script), readNative(path))
             << "docs/customize-markup.md tells how to approve a change";

@@ -4,7 +4,7 @@
 
 #include "customize/CarryValues.h"
 #include "customize/EntriesText.h"
-#include "customize/ScriptPanel.h"
+#include "customize/ScriptRows.h"
 #include "customize/ValueFile.h"
 #include "customize/WriteBack.h"
 #include "tests/customize/Edits.h"
@@ -13,8 +13,8 @@ namespace zoka::test {
 
 std::string scriptFault(const std::string& text, unsigned seed) {
     std::minstd_rand random(seed);
-    ScriptPanel panel;
-    takeCustomText(text, panel.script);
+    ScriptRows panel;
+    parseCustomText(text, panel.script);
     panel.makeRows();
     CustomScript& script = panel.script;
     if (script.fileText() != text) {
@@ -55,7 +55,7 @@ std::string scriptFault(const std::string& text, unsigned seed) {
     const std::string edited = editedText(text, edits);
     lineChanges(text, edits);
     CustomScript again;
-    takeCustomText(edited, again);
+    parseCustomText(edited, again);
     if (!uncertain) {
         for (const size_t i : notReadBack(script, again)) {
             return "the value of \"" + script.entries[i].label + "\" is lost";
@@ -69,7 +69,7 @@ std::string scriptFault(const std::string& text, unsigned seed) {
         }
     }
     if (certain.size() < edits.size()) {
-        takeCustomText(editedText(text, certain), again);
+        parseCustomText(editedText(text, certain), again);
     }
     applyEdits(script, certain, editedText(text, certain));
     if (script.text != again.text || entriesText(script) != entriesText(again) ||

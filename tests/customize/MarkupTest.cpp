@@ -15,7 +15,7 @@ namespace {
 
 CustomScript parsed(const std::string& text) {
     CustomScript script;
-    takeCustomText(text, script);
+    parseCustomText(text, script);
     return script;
 }
 

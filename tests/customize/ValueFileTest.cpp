@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "customize/CarryValues.h"
-#include "customize/ScriptPanel.h"
+#include "customize/ScriptRows.h"
 #include "tests/customize/Samples.h"
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
@@ -24,7 +24,7 @@ constexpr char kScript[] =
 
 struct ValueFile : testing::Test {
     void load(const std::string& text) {
-        takeCustomText(text, panel.script);
+        parseCustomText(text, panel.script);
         panel.script.scriptPath = folder.path("s.kez");
         panel.makeRows();
     }
@@ -38,7 +38,7 @@ struct ValueFile : testing::Test {
 
     TempFolder folder;
     ScriptedPrompt prompt;
-    ScriptPanel panel;
+    ScriptRows panel;
 };
 
 TEST_F(ValueFile, HoldsTheRecordsOfEntriesWithAnId) {

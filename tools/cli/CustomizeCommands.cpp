@@ -149,7 +149,7 @@ Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
         one["id"] = entry.id;
     }
     one["value"] = jsonText(entry.value);
-    const EntryFacts facts = specOf(script, entry);
+    const EntryFacts facts = factsOf(script, entry);
     if (isNumber(facts.field) && facts.limited) {
         one["minimum"] = facts.minimum;
         one["maximum"] = facts.maximum;

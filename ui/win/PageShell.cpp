@@ -11,7 +11,7 @@ namespace {
 enum { kTabs = 1001, kStatus };
 constexpr UINT kSettle = WM_APP + 1;
 constexpr int kTabsHeight = 16;  // dialog units
-constexpr int kTabPadding = 6;   // pixels at 96 dots an inch, beside and above a tab's text
+constexpr int kTabPadding = 6;   // pixels at 96 dots per inch, beside and above a tab's text
 
 }  // namespace
 

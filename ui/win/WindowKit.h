@@ -34,7 +34,7 @@ public:
     // Pixels of dialog units.
     int x(int units) const { return MulDiv(units, m_base.cx, 4); }
     int y(int units) const { return MulDiv(units, m_base.cy, 8); }
-    // Pixels of those that a screen of 96 dots an inch would have: for what does not grow with the font.
+    // Pixels of those that a screen of 96 dots per inch would have: for what does not grow with the font.
     int px(int pixels) const { return MulDiv(pixels, m_dpi, 96); }
     int dpi() const { return m_dpi; }
     int lineHeight() const { return m_base.cy; }

@@ -10,7 +10,7 @@ namespace zoka {
 // Wine alone, where each process asks for them at its start; elsewhere nothing is changed. [editor thread]
 class SystemLook {
 public:
-    // `dpi`: dots an inch, 0 leaves it. `font`: a face, 9 points high; empty leaves it.
+    // `dpi`: dots per inch, 0 leaves it. `font`: a face, 9 points high; empty leaves it.
     SystemLook(int dpi, const std::string& font);
     ~SystemLook();
     SystemLook(const SystemLook&) = delete;

@@ -1,4 +1,4 @@
-#include "customize/ScriptPanel.h"
+#include "customize/ScriptRows.h"
 
 #include <algorithm>
 #include <utility>
@@ -26,14 +26,14 @@ std::string labelOf(const CustomScript& script, size_t i) {
 }
 
 EntryModel rowOf(const CustomScript& script, size_t i, const HostNames& hostNames) {
-    EntryFacts facts = specOf(script, script.entries[i], hostNames);
+    EntryFacts facts = factsOf(script, script.entries[i], hostNames);
     facts.label = labelOf(script, i);
     return EntryModel(std::move(facts));
 }
 
 }  // namespace
 
-void ScriptPanel::makeRows(const HostNames& hostNames) {
+void ScriptRows::makeRows(const HostNames& hostNames) {
     m_rows.clear();
     m_rows.reserve(script.entries.size());
     for (size_t i = 0; i < script.entries.size(); ++i) {
@@ -42,7 +42,7 @@ void ScriptPanel::makeRows(const HostNames& hostNames) {
     }
 }
 
-void ScriptPanel::settleRows(const HostNames& hostNames) {
+void ScriptRows::settleRows(const HostNames& hostNames) {
     for (size_t i = 0; i < m_rows.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
         if (m_rows[i].HasChanged() || entry.kind == kEntryEntity || entry.kind == kEntryPath) {

@@ -11,11 +11,11 @@
 namespace zoka {
 
 // Row i shows entry i, whose control it is. Movable, not copied. [panel thread]
-class ScriptPanel {
+class ScriptRows {
 public:
-    ScriptPanel() = default;
-    ScriptPanel(ScriptPanel&&) = default;
-    ScriptPanel& operator=(ScriptPanel&&) = default;
+    ScriptRows() = default;
+    ScriptRows(ScriptRows&&) = default;
+    ScriptRows& operator=(ScriptRows&&) = default;
 
     CustomScript script;
 
