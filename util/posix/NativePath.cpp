@@ -4,9 +4,16 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
+#include <iterator>
 #include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
 
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -16,16 +23,80 @@ bool existsNative(const std::string& path) {
     return lstat(path.c_str(), &info) == 0;
 }
 
-// The entry of `folder` that equals `name` but for case; empty when there is none.
-std::string findNoCase(const std::string& folder, std::string_view name) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.empty() ? "." : folder.c_str()), closedir);
-    std::string best;
+// The names in a folder with many of them. Reading it anew for each name that isn't there would take quadratic time
+// where many files are made, so it's good for a while; names that were looked for and not found are among them,
+// because whoever made a file in the meantime looked for it first.
+struct LargeFolder {
+    dev_t device = 0;
+    ino_t number = 0;
+    std::chrono::steady_clock::time_point goodUntil;
+    std::unordered_map<std::string, std::vector<std::string>> names;  // by their lower case
+};
+
+constexpr std::ptrdiff_t kLargeFrom = 256;  // entries; fewer are read anew each time
+constexpr int kGoodFor = 20;                // times as long as reading the folder took
+constexpr size_t kFoldersKept = 4;
+
+std::mutex g_largeMutex;
+std::vector<LargeFolder> g_large;  // the one used last at the end
+
+// The names of `folder` that equal `name` but for case.
+std::vector<std::string> readNames(const std::string& folder, std::string_view name, const struct stat& info) {
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::string> all, equal;
+    const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.c_str()), closedir);
     while (const dirent* entry = dir ? readdir(dir.get()) : nullptr) {
-        if (equalNoCase(entry->d_name, name) && (best.empty() || entry->d_name < best)) {
-            best = entry->d_name;
-        }
+        all.emplace_back(entry->d_name);
     }
-    return best;
+    std::ranges::copy_if(all, std::back_inserter(equal),
+                         [name](const std::string& one) { return equalNoCase(one, name); });
+    if (std::ssize(all) >= kLargeFrom) {
+        LargeFolder large{info.st_dev, info.st_ino, {}, {}};
+        for (std::string& one : all) {
+            std::string key = lowered(one);
+            large.names[std::move(key)].push_back(std::move(one));
+        }
+        if (equal.empty()) {
+            large.names[lowered(name)].emplace_back(name);
+        }
+        const auto end = std::chrono::steady_clock::now();
+        large.goodUntil = end + (end - start) * kGoodFor;
+        if (g_large.size() == kFoldersKept) {
+            g_large.erase(g_large.begin());
+        }
+        g_large.push_back(std::move(large));
+    }
+    return equal;
+}
+
+// The entry of `folder` that equals `name` but for case; empty when there is none.
+std::string findNoCase(std::string folder, std::string_view name) {
+    if (folder.empty()) {
+        folder = "./";
+    }
+    struct stat info;
+    if (stat(folder.c_str(), &info) != 0) {
+        return {};
+    }
+    const std::scoped_lock lock(g_largeMutex);
+    const auto known = std::ranges::find_if(g_large, [&info](const LargeFolder& one) {
+        return one.device == info.st_dev && one.number == info.st_ino;
+    });
+    std::vector<std::string> equal;
+    if (known != g_large.end() && std::chrono::steady_clock::now() < known->goodUntil) {
+        std::vector<std::string>& names = known->names[lowered(name)];
+        std::ranges::copy_if(names, std::back_inserter(equal),
+                             [&folder](const std::string& one) { return existsNative(folder + one); });
+        if (equal.empty() && std::ranges::find(names, name) == names.end()) {
+            names.emplace_back(name);
+        }
+    } else {
+        if (known != g_large.end()) {
+            g_large.erase(known);
+        }
+        equal = readNames(folder, name, info);
+    }
+    return equal.empty() ? std::string() : std::ranges::min(equal);
 }
 
 }  // namespace

@@ -8,6 +8,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <set>
@@ -54,6 +56,35 @@ TEST(NativePath, FindsNamesWithoutRegardToCase) {
     EXPECT_EQ(toNativePath(""), "");
     EXPECT_EQ(fromNativePath("/a/b"), "C:\\a\\b");
     EXPECT_EQ(fromNativePath("a/b"), "a\\b");
+}
+
+// Reading the folder for each name would take a thousand times as long.
+TEST(NativePath, MissingNamesInALargeFolderAreFoundMissingInNoTime) {
+    const TempFolder folder;
+    constexpr int kFiles = 1500;
+    for (int i = 0; i < kFiles; ++i) {
+        folder.write("file" + std::to_string(i), "");
+    }
+    const auto timed = [](const auto& work) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        return std::chrono::steady_clock::now() - start;
+    };
+    const auto one = timed([&] { EXPECT_GE(std::ranges::distance(fs::directory_iterator(folder.native(""))), kFiles); });
+    const auto all = timed([&] {
+        for (int i = 0; i < kFiles; ++i) {
+            const std::string name = "New" + std::to_string(i);
+            ASSERT_EQ(toNativePath(folder.path(name)), folder.native(name));
+        }
+    });
+    EXPECT_LT(all, one * (kFiles / 8));
+
+    const fs::path made = toNativePath(folder.path("Made"));
+    folder.write("Made", "");
+    EXPECT_EQ(toNativePath(folder.path("MADE")), made) << "made since the folder was read";
+    EXPECT_EQ(toNativePath(folder.path("FILE7")), folder.native("file7"));
+    fs::remove(folder.native("file7"));
+    EXPECT_EQ(toNativePath(folder.path("FILE7")), folder.native("FILE7")) << "gone since";
 }
 
 // A pipe would wait; a device may never end, and saving would put a file into its place.
