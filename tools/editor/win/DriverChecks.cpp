@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/DriveContext.h"
 
 namespace zoka {
 
@@ -65,36 +65,17 @@ std::string recordField(const PluginProcDef& record, const std::string& field) {
     throw DriveFault("a record has no field \"" + field + "\"");
 }
 
-}  // namespace
-
-void Driver::addCheckCommands(std::map<std::string, Command>& table) {
-    table["result"] = {1, 1, &Driver::expectResult};
-    table["expect-record"] = {3, 3, &Driver::expectRecord};
-    table["expect-busy"] = {1, 1, &Driver::expectBusy};
-    table["expect-idle"] = {1, 1, &Driver::expectIdle};
-    table["expect-module"] = {2, 2, &Driver::expectModule};
-    table["expect-log"] = {1, 1, &Driver::expectLog};
-    table["expect-no-log"] = {1, 1, &Driver::expectNoLog};
-    table["clear-log"] = {0, 0, &Driver::clearLog};
-    table["mark"] = {0, 0, &Driver::mark};
-    table["expect-no-gain"] = {1, 10, &Driver::expectNoGain};
-    table["counts"] = {0, 0, &Driver::counts};
-    table["timeout"] = {1, 1, &Driver::timeout};
-    table["print"] = {1, 9, &Driver::print};
-    table["exit"] = {1, 1, &Driver::exit};
-}
-
-void Driver::expectResult(const Words& words) {
-    if (m_result != driveNumber(words[0])) {
-        throw DriveFault("expected the result " + words[0] + "; saw " + std::to_string(m_result));
+void expectResult(DriveContext& drive, const Words& words) {
+    if (drive.result != driveNumber(words[0])) {
+        throw DriveFault("expected the result " + words[0] + "; saw " + std::to_string(drive.result));
     }
 }
 
-void Driver::expectRecord(const Words& words) {
+void expectRecord(DriveContext& drive, const Words& words) {
     const long index = driveNumber(words[0]);
     std::string seen;
-    askEditor([&] {
-        const auto& records = m_editor.library().records();
+    drive.askEditor([&] {
+        const auto& records = drive.editor.library().records();
         if (index >= 0 && static_cast<size_t>(index) < records.size()) {
             seen = recordField(*records[static_cast<size_t>(index)], words[1]);
         } else {
@@ -107,100 +88,101 @@ void Driver::expectRecord(const Words& words) {
     }
 }
 
-void Driver::expectBusy(const Words& words) {
+void expectBusy(DriveContext& drive, const Words& words) {
     ProcedureState* state = nullptr;
-    askEditor([&] { state = m_editor.procedure(words[0]); });
+    drive.askEditor([&] { state = drive.editor.procedure(words[0]); });
     if (!state) {
         throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
     }
-    expect([&] { return state->isBusy(); }, words[0] + " to be busy",
-           [] { return std::string("it is idle"); });
+    drive.expect([&] { return state->isBusy(); }, words[0] + " to be busy",
+                 [] { return std::string("it is idle"); });
 }
 
-void Driver::expectIdle(const Words& words) {
+void expectIdle(DriveContext& drive, const Words& words) {
     ProcedureState* state = nullptr;
-    askEditor([&] { state = m_editor.procedure(words[0]); });
+    drive.askEditor([&] { state = drive.editor.procedure(words[0]); });
     if (!state) {
         throw DriveFault("the plug-in has no procedure \"" + words[0] + "\"");
     }
-    expect([&] { return !state->isBusy(); }, words[0] + " to be idle",
-           [] { return std::string("it is busy"); });
+    drive.expect([&] { return !state->isBusy(); }, words[0] + " to be idle",
+                 [] { return std::string("it is busy"); });
 }
 
-void Driver::expectModule(const Words& words) {
+void expectModule(DriveContext& drive, const Words& words) {
     if (words[1] != "loaded" && words[1] != "gone") {
         throw DriveFault("a module is loaded or gone");
     }
     const bool loaded = words[1] == "loaded";
-    expect([&] { return (GetModuleHandleA(words[0].c_str()) != nullptr) == loaded; },
-           words[0] + " " + words[1], [&] { return loaded ? "it is not" : "it is still loaded"; });
+    drive.expect([&] { return (GetModuleHandleA(words[0].c_str()) != nullptr) == loaded; },
+                 words[0] + " " + words[1], [&] { return loaded ? "it is not" : "it is still loaded"; });
 }
 
-void Driver::expectLog(const Words& words) {
-    expect([&] { return m_editor.log().holds(words[0]); }, "the log to hold \"" + words[0] + "\"",
-           [&] {
-               std::string text = "\n";
-               for (size_t i = 0; i < m_editor.log().size(); ++i) {
-                   const CallLogLine line = m_editor.log().line(i);
-                   text += "    " + line.thread + ": " + line.call + " -> " + line.answer + "\n";
-               }
-               return text;
-           });
+void expectLog(DriveContext& drive, const Words& words) {
+    drive.expect([&] { return drive.editor.log().holds(words[0]); }, "the log to hold \"" + words[0] + "\"",
+                 [&] {
+                     std::string text = "\n";
+                     for (size_t i = 0; i < drive.editor.log().size(); ++i) {
+                         const CallLogLine line = drive.editor.log().line(i);
+                         text += "    " + line.thread + ": " + line.call + " -> " + line.answer + "\n";
+                     }
+                     return text;
+                 });
 }
 
-void Driver::expectNoLog(const Words& words) {
-    if (m_editor.log().holds(words[0])) {
+void expectNoLog(DriveContext& drive, const Words& words) {
+    if (drive.editor.log().holds(words[0])) {
         throw DriveFault("expected no \"" + words[0] + "\" in the log; it is there");
     }
 }
 
-void Driver::clearLog(const Words&) {
-    m_editor.log().clear();
+void clearLog(DriveContext& drive, const Words&) {
+    drive.editor.log().clear();
 }
 
-void Driver::mark(const Words&) {
-    m_mark = countResources();
-    m_markHandles = heldHandles();
+void mark(DriveContext& drive, const Words&) {
+    drive.mark = countResources();
+    drive.markHandles = heldHandles();
 }
 
-void Driver::expectNoGain(const Words& words) {
+void expectNoGain(DriveContext& drive, const Words& words) {
     // Words: kinds, each followed by the gain that is allowed where it is not 0.
     for (size_t i = 0; i < words.size(); ++i) {
         const std::string kind = words[i];
-        const long before = resourceField(m_mark, kind);
+        const long before = resourceField(drive.mark, kind);
         if (before < 0) {
             throw DriveFault("\"" + kind + "\" can't be counted");
         }
         long allowed = 0;
-        if (i + 1 < words.size() && resourceField(m_mark, words[i + 1]) < 0) {
+        if (i + 1 < words.size() && resourceField(drive.mark, words[i + 1]) < 0) {
             allowed = driveNumber(words[++i]);
         }
         long now = before;
         // Threads that are just ending hold their things a moment longer.
-        expect([&] { return (now = resourceField(countResources(), kind)) - before <= allowed; },
-               "at most " + std::to_string(allowed) + " " + kind + " more than " + std::to_string(before),
-               [&] {
-                   return std::to_string(now) + " (before: " + resourceText(m_mark) +
-                          "; now: " + resourceText(countResources()) +
-                          "; handles that were not there: " + handlesGained(m_markHandles, heldHandles()) +
-                          ")";
-               });
+        drive.expect(
+            [&] { return (now = resourceField(countResources(), kind)) - before <= allowed; },
+            "at most " + std::to_string(allowed) + " " + kind + " more than " + std::to_string(before),
+            [&] {
+                return std::to_string(now) + " (before: " + resourceText(drive.mark) +
+                       "; now: " + resourceText(countResources()) +
+                       "; handles that were not there: " + handlesGained(drive.markHandles, heldHandles()) +
+                       ")";
+            });
     }
 }
 
-void Driver::counts(const Words&) {
+void counts(DriveContext& drive, const Words&) {
     std::printf("%s\n", resourceText(countResources()).c_str());
-    const std::string gained = handlesGained(m_markHandles, heldHandles());
+    const std::string gained = handlesGained(drive.markHandles, heldHandles());
     if (!gained.empty()) {
         std::printf("handles that were not there at the mark: %s\n", gained.c_str());
     }
 }
 
-void Driver::timeout(const Words& words) {
-    m_patience = static_cast<unsigned>(driveNumber(words[0])) * 1000;
+void timeout(DriveContext& drive, const Words& words) {
+    drive.patience = static_cast<unsigned>(driveNumber(words[0])) * 1000;
 }
 
-void Driver::print(const Words& words) {
+void print(DriveContext&, const Words& words) {
     std::string text;
     for (const std::string& word : words) {
         text += (text.empty() ? "" : " ") + word;
@@ -211,13 +193,32 @@ void Driver::print(const Words& words) {
 
 // The process ends as the editor's does: on the editor's thread, with whatever of the plug-in's is still
 // open.
-void Driver::exit(const Words& words) {
+void exit(DriveContext& drive, const Words& words) {
     const UINT status = static_cast<UINT>(driveNumber(words[0]));
-    m_editorWindow.post([status] {
+    drive.editorWindow.post([status] {
         std::fflush(stdout);
         ExitProcess(status);
     });
     Sleep(INFINITE);
+}
+
+}  // namespace
+
+void addCheckCommands(DriveCommands& table) {
+    table["result"] = {1, 1, expectResult};
+    table["expect-record"] = {3, 3, expectRecord};
+    table["expect-busy"] = {1, 1, expectBusy};
+    table["expect-idle"] = {1, 1, expectIdle};
+    table["expect-module"] = {2, 2, expectModule};
+    table["expect-log"] = {1, 1, expectLog};
+    table["expect-no-log"] = {1, 1, expectNoLog};
+    table["clear-log"] = {0, 0, clearLog};
+    table["mark"] = {0, 0, mark};
+    table["expect-no-gain"] = {1, 10, expectNoGain};
+    table["counts"] = {0, 0, counts};
+    table["timeout"] = {1, 1, timeout};
+    table["print"] = {1, 9, print};
+    table["exit"] = {1, 1, exit};
 }
 
 }  // namespace zoka

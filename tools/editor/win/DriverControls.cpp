@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/DriveContext.h"
 #include "tools/editor/win/Keyboard.h"
 #include "tools/editor/win/WindowSearch.h"
 
@@ -79,14 +79,6 @@ std::vector<std::string> itemsOf(HWND control) {
         throw DriveFault(describe(control) + " holds no list");
     }
     return items;
-}
-
-std::string listed(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts) {
-        all += (all.empty() ? "\"" : " \"") + text + "\"";
-    }
-    return all.empty() ? "nothing" : all;
 }
 
 void chooseTab(HWND control, int index) {
@@ -276,88 +268,31 @@ std::string layoutFaults(HWND top) {
     return faults;
 }
 
-}  // namespace
-
-void Driver::addControlCommands(std::map<std::string, Command>& table) {
-    table["click"] = {1, 1, &Driver::click};
-    table["focus"] = {1, 1, &Driver::focus};
-    table["type"] = {1, 1, &Driver::type};
-    table["key"] = {1, 9, &Driver::key};
-    table["set"] = {2, 2, &Driver::set};
-    table["choose"] = {2, 2, &Driver::choose};
-    table["check"] = {1, 1, &Driver::check};
-    table["uncheck"] = {1, 1, &Driver::uncheck};
-    table["read"] = {1, 1, &Driver::read};
-    table["expect"] = {2, 3, &Driver::expectControl};
-    table["expect-items"] = {1, 99, &Driver::expectItems};
-    table["expect-layout"] = {0, 0, &Driver::expectLayout};
-    table["taborder"] = {0, 0, &Driver::tabOrderOf};
-    table["expect-taborder"] = {1, 99, &Driver::expectTabOrder};
+void click(DriveContext& drive, const Words& words) {
+    PostMessageA(drive.usableControl(words[0]), BM_CLICK, 0, 0);
 }
 
-HWND Driver::control(const std::string& name) const {
-    const HWND top = window();
-    HWND found = nullptr;
-    expect([&] { return (found = findControl(top, name)) != nullptr; },
-           "a control " + name + " in " + describe(top),
-           [&] {
-               return listed([&] {
-                   std::vector<std::string> all;
-                   for (const HWND child : childWindows(top)) {
-                       if (IsWindowVisible(child)) {
-                           all.push_back(describe(child));
-                       }
-                   }
-                   return all;
-               }());
-           });
-    return found;
-}
-
-HWND Driver::usableControl(const std::string& name) const {
-    const HWND top = window();
-    HWND found = control(name);
-    // Looked up anew each time: a search may just be taking away the row that it was in.
-    const auto usable = [&] {
-        if (const HWND now = findControl(top, name)) {
-            found = now;
-        }
-        return IsWindowEnabled(found) && IsWindowEnabled(top);
-    };
-    expect(usable, name + " to be enabled", [] { return std::string("it is disabled"); });
-    return found;
-}
-
-void Driver::notifyParent(HWND control, WORD code) const {
-    PostMessageA(GetParent(control), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
-                 reinterpret_cast<LPARAM>(control));
-}
-
-void Driver::click(const Words& words) {
-    PostMessageA(usableControl(words[0]), BM_CLICK, 0, 0);
-}
-
-void Driver::focus(const Words& words) {
-    const HWND found = usableControl(words[0]);
+void focus(DriveContext& drive, const Words& words) {
+    const HWND found = drive.usableControl(words[0]);
     const HWND top = GetAncestor(found, GA_ROOT);
-    if (!bringToFront(top, m_patience)) {
+    if (!bringToFront(top, drive.patience)) {
         throw DriveFault(describe(top) + " does not come to the front");
     }
     PostMessageA(top, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(found), TRUE);
-    expect([&] { return focusOf(found) == found; }, "the keyboard in " + describe(found),
-           [&] { return describe(focusOf(found)); });
+    drive.expect([&] { return focusOf(found) == found; }, "the keyboard in " + describe(found),
+                 [&] { return describe(focusOf(found)); });
 }
 
-void Driver::type(const Words& words) {
-    if (!bringToFront(window(), m_patience)) {
-        throw DriveFault(describe(window()) + " does not come to the front");
+void type(DriveContext& drive, const Words& words) {
+    if (!bringToFront(drive.window(), drive.patience)) {
+        throw DriveFault(describe(drive.window()) + " does not come to the front");
     }
     typeText(words[0]);
 }
 
-void Driver::key(const Words& words) {
-    if (!bringToFront(window(), m_patience)) {
-        throw DriveFault(describe(window()) + " does not come to the front");
+void key(DriveContext& drive, const Words& words) {
+    if (!bringToFront(drive.window(), drive.patience)) {
+        throw DriveFault(describe(drive.window()) + " does not come to the front");
     }
     for (const std::string& name : words) {
         if (!pressKey(name)) {
@@ -366,8 +301,8 @@ void Driver::key(const Words& words) {
     }
 }
 
-void Driver::set(const Words& words) {
-    const HWND found = usableControl(words[0]);
+void set(DriveContext& drive, const Words& words) {
+    const HWND found = drive.usableControl(words[0]);
     if (isClass(found, TRACKBAR_CLASSA)) {
         ask(found, TBM_SETPOS, TRUE, driveNumber(words[1]));
         ask(GetParent(found), WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(found));
@@ -377,11 +312,11 @@ void Driver::set(const Words& words) {
     ask(found, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(words[1].c_str()));
 }
 
-void Driver::choose(const Words& words) {
-    const HWND found = usableControl(words[0]);
+void choose(DriveContext& drive, const Words& words) {
+    const HWND found = drive.usableControl(words[0]);
     std::vector<std::string> items;
     size_t index = 0;
-    expect(
+    drive.expect(
         [&] {
             items = itemsOf(found);
             for (index = 0; index < items.size(); ++index) {
@@ -394,7 +329,7 @@ void Driver::choose(const Words& words) {
         "the item \"" + words[1] + "\" in " + describe(found), [&] { return listed(items); });
     if (const ListMessages* const list = listOf(found)) {
         ask(found, list->select, index);
-        notifyParent(found, list->selected);
+        drive.notifyParent(found, list->selected);
     } else if (isClass(found, WC_TABCONTROLA)) {
         chooseTab(found, static_cast<int>(index));
     } else {
@@ -402,39 +337,40 @@ void Driver::choose(const Words& words) {
     }
 }
 
-void Driver::check(const Words& words) {
-    setCheck(words, true);
-}
-void Driver::uncheck(const Words& words) {
-    setCheck(words, false);
-}
-
-void Driver::setCheck(const Words& words, bool on) {
-    const HWND found = usableControl(words[0]);
+void setCheck(DriveContext& drive, const Words& words, bool on) {
+    const HWND found = drive.usableControl(words[0]);
     if (isChecked(found) == on) {
         return;
     }
     PostMessageA(found, BM_CLICK, 0, 0);
-    expect([&] { return isChecked(found) == on; }, describe(found) + (on ? " checked" : " unchecked"),
-           [&] { return stateText(found); });
+    drive.expect([&] { return isChecked(found) == on; }, describe(found) + (on ? " checked" : " unchecked"),
+                 [&] { return stateText(found); });
 }
 
-void Driver::read(const Words& words) {
-    const HWND found = control(words[0]);
+void check(DriveContext& drive, const Words& words) {
+    setCheck(drive, words, true);
+}
+
+void uncheck(DriveContext& drive, const Words& words) {
+    setCheck(drive, words, false);
+}
+
+void read(DriveContext& drive, const Words& words) {
+    const HWND found = drive.control(words[0]);
     std::printf("%s = %s\n", words[0].c_str(), valueOf(found).c_str());
 }
 
-void Driver::expectControl(const Words& words) {
+void expectControl(DriveContext& drive, const Words& words) {
     const std::string& relation = words[1];
     if (words.size() == 2 && (relation == "absent" || relation == "present")) {
-        const HWND top = window();
-        expect([&] { return (findControl(top, words[0]) != nullptr) == (relation == "present"); },
-               "the control " + words[0] + " to be " + relation, [&] { return "\n" + describeAll(); });
+        const HWND top = drive.window();
+        drive.expect([&] { return (findControl(top, words[0]) != nullptr) == (relation == "present"); },
+                     "the control " + words[0] + " to be " + relation, [&] { return "\n" + describeAll(); });
         return;
     }
     // Looked up anew each time: a tab page that is just being left may have one of that name, too.
-    const HWND top = window();
-    HWND found = control(words[0]);
+    const HWND top = drive.window();
+    HWND found = drive.control(words[0]);
     const auto again = [&] {
         if (const HWND now = findControl(top, words[0])) {
             found = now;
@@ -443,12 +379,12 @@ void Driver::expectControl(const Words& words) {
     };
     const auto seen = [&] { return stateText(found); };
     if (words.size() == 2) {
-        return expect([&] { return hasState(again(), relation); }, words[0] + " " + relation, seen);
+        return drive.expect([&] { return hasState(again(), relation); }, words[0] + " " + relation, seen);
     }
     if (relation != "equals" && relation != "contains") {
         throw DriveFault("a value is expected with equals or contains, not \"" + relation + "\"");
     }
-    expect(
+    drive.expect(
         [&] {
             const std::string value = valueOf(again());
             return relation == "equals" ? value == words[2] : value.find(words[2]) != std::string::npos;
@@ -456,40 +392,59 @@ void Driver::expectControl(const Words& words) {
         words[0] + " " + relation + " \"" + words[2] + "\"", seen);
 }
 
-void Driver::expectItems(const Words& words) {
-    const HWND found = control(words[0]);
+void expectItems(DriveContext& drive, const Words& words) {
+    const HWND found = drive.control(words[0]);
     const Words wanted(words.begin() + 1, words.end());
-    expect([&] { return itemsOf(found) == wanted; }, "the items " + listed(wanted),
-           [&] { return listed(itemsOf(found)); });
+    drive.expect([&] { return itemsOf(found) == wanted; }, "the items " + listed(wanted),
+                 [&] { return listed(itemsOf(found)); });
 }
 
-void Driver::expectLayout(const Words&) {
-    const HWND top = window();
+void expectLayout(DriveContext& drive, const Words&) {
+    const HWND top = drive.window();
     std::string faults;
-    expect([&] { return (faults = layoutFaults(top)).empty(); },
-           "every control inside its window and none over another", [&] { return faults; });
+    drive.expect([&] { return (faults = layoutFaults(top)).empty(); },
+                 "every control inside its window and none over another", [&] { return faults; });
 }
 
-void Driver::tabOrderOf(const Words&) {
-    for (const HWND found : tabOrder(window())) {
+void tabOrderOf(DriveContext& drive, const Words&) {
+    for (const HWND found : tabOrder(drive.window())) {
         std::printf("tab %s\n", describe(found).c_str());
     }
 }
 
-void Driver::expectTabOrder(const Words& words) {
-    const HWND top = window();
+void expectTabOrder(DriveContext& drive, const Words& words) {
+    const HWND top = drive.window();
     std::vector<HWND> wanted;
     for (const std::string& name : words) {
-        wanted.push_back(control(name));
+        wanted.push_back(drive.control(name));
     }
-    expect([&] { return tabOrder(top) == wanted; }, "the Tab order " + listed(words),
-           [&] {
-               std::vector<std::string> order;
-               for (const HWND found : tabOrder(top)) {
-                   order.push_back(describe(found));
-               }
-               return listed(order);
-           });
+    drive.expect([&] { return tabOrder(top) == wanted; }, "the Tab order " + listed(words),
+                 [&] {
+                     std::vector<std::string> order;
+                     for (const HWND found : tabOrder(top)) {
+                         order.push_back(describe(found));
+                     }
+                     return listed(order);
+                 });
+}
+
+}  // namespace
+
+void addControlCommands(DriveCommands& table) {
+    table["click"] = {1, 1, click};
+    table["focus"] = {1, 1, focus};
+    table["type"] = {1, 1, type};
+    table["key"] = {1, 9, key};
+    table["set"] = {2, 2, set};
+    table["choose"] = {2, 2, choose};
+    table["check"] = {1, 1, check};
+    table["uncheck"] = {1, 1, uncheck};
+    table["read"] = {1, 1, read};
+    table["expect"] = {2, 3, expectControl};
+    table["expect-items"] = {1, 99, expectItems};
+    table["expect-layout"] = {0, 0, expectLayout};
+    table["taborder"] = {0, 0, tabOrderOf};
+    table["expect-taborder"] = {1, 99, expectTabOrder};
 }
 
 }  // namespace zoka

@@ -1,7 +1,7 @@
 // The drive script's commands about files.
 #include <windows.h>
 
-#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/DriveContext.h"
 #include "util/OsFiles.h"
 
 namespace zoka {
@@ -12,23 +12,13 @@ std::string contentOf(const std::string& path) {
     return osFiles().readWhole(path).value_or("");
 }
 
-}  // namespace
-
-void Driver::addFileCommands(std::map<std::string, Command>& table) {
-    table["copy-file"] = {2, 2, &Driver::copyFile};
-    table["add-lines"] = {2, 40, &Driver::addLines};
-    table["expect-lines"] = {2, 40, &Driver::expectLines};
-    table["expect-no-lines"] = {2, 40, &Driver::expectNoLines};
-    table["expect-same-file"] = {2, 2, &Driver::expectSameFile};
-}
-
-void Driver::copyFile(const Words& words) {
+void copyFile(DriveContext&, const Words& words) {
     if (!CopyFileA(words[0].c_str(), words[1].c_str(), FALSE)) {
         throw DriveFault(words[0] + " can't be copied to " + words[1]);
     }
 }
 
-static std::string linesFrom(const std::vector<std::string>& words) {
+std::string linesFrom(const std::vector<std::string>& words) {
     std::string lines;
     for (size_t i = 1; i < words.size(); ++i) {
         lines += words[i] + "\r\n";
@@ -37,7 +27,7 @@ static std::string linesFrom(const std::vector<std::string>& words) {
 }
 
 // At the end of a file, which is made when there is none.
-void Driver::addLines(const Words& words) {
+void addLines(DriveContext&, const Words& words) {
     const std::string text = contentOf(words[0]) + linesFrom(words);
     const auto file = osFiles().openForWriting(words[0], OsOpen::Truncate);
     if (!file || !file->write(text)) {
@@ -45,24 +35,34 @@ void Driver::addLines(const Words& words) {
     }
 }
 
-void Driver::expectLines(const Words& words) {
+void expectLines(DriveContext& drive, const Words& words) {
     const std::string lines = linesFrom(words);
-    expect([&] { return ("\n" + contentOf(words[0])).find("\n" + lines) != std::string::npos; },
-           words[0] + " to hold\n" + lines, [&] { return "\n" + contentOf(words[0]); });
+    drive.expect([&] { return ("\n" + contentOf(words[0])).find("\n" + lines) != std::string::npos; },
+                 words[0] + " to hold\n" + lines, [&] { return "\n" + contentOf(words[0]); });
 }
 
-void Driver::expectNoLines(const Words& words) {
+void expectNoLines(DriveContext&, const Words& words) {
     if (("\n" + contentOf(words[0])).find("\n" + linesFrom(words)) != std::string::npos) {
         throw DriveFault("expected no such lines in " + words[0] + "; they are there");
     }
 }
 
-void Driver::expectSameFile(const Words& words) {
+void expectSameFile(DriveContext& drive, const Words& words) {
     const auto same = [&] {
         const auto first = osFiles().readWhole(words[0]), second = osFiles().readWhole(words[1]);
         return first && second && *first == *second;
     };
-    expect(same, words[0] + " to equal " + words[1], [] { return std::string("another content"); });
+    drive.expect(same, words[0] + " to equal " + words[1], [] { return std::string("another content"); });
+}
+
+}  // namespace
+
+void addFileCommands(DriveCommands& table) {
+    table["copy-file"] = {2, 2, copyFile};
+    table["add-lines"] = {2, 40, addLines};
+    table["expect-lines"] = {2, 40, expectLines};
+    table["expect-no-lines"] = {2, 40, expectNoLines};
+    table["expect-same-file"] = {2, 2, expectSameFile};
 }
 
 }  // namespace zoka

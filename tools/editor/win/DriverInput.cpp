@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <random>
 
-#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/DriveContext.h"
 #include "tools/editor/win/WindowSearch.h"
 
 namespace zoka {
@@ -172,18 +172,8 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
     return made;
 }
 
-}  // namespace
-
-void Driver::addInputCommands(std::map<std::string, Command>& table) {
-    table["wheel"] = {2, 2, &Driver::wheel};
-    table["hover"] = {2, 2, &Driver::hover};
-    table["hold"] = {3, 3, &Driver::hold};
-    table["context-menu"] = {1, 2, &Driver::contextMenu};
-    table["random-messages"] = {3, 3, &Driver::randomMessages};
-}
-
-void Driver::wheel(const Words& words) {
-    const HWND found = usableControl(words[0]);
+void wheel(DriveContext& drive, const Words& words) {
+    const HWND found = drive.usableControl(words[0]);
     RECT area;
     GetWindowRect(found, &area);
     const auto notches = static_cast<short>(driveNumber(words[1]) * WHEEL_DELTA);
@@ -192,9 +182,9 @@ void Driver::wheel(const Words& words) {
 }
 
 // hover CONTROL TEXT: rests the mouse on it until a tooltip with that text is there.
-void Driver::hover(const Words& words) {
+void hover(DriveContext& drive, const Words& words) {
     RECT area;
-    GetWindowRect(usableControl(words[0]), &area);
+    GetWindowRect(drive.usableControl(words[0]), &area);
     // The second one is a move, wherever the mouse was before.
     SetCursorPos(area.left + 2, area.top + 2);
     SetCursorPos(area.left + 4, area.top + 4);
@@ -207,13 +197,13 @@ void Driver::hover(const Words& words) {
         }
         return texts;
     };
-    expect([&] { return shown().find(words[1]) != std::string::npos; }, "a tooltip with \"" + words[1] + "\"",
-           shown);
+    drive.expect([&] { return shown().find(words[1]) != std::string::npos; },
+                 "a tooltip with \"" + words[1] + "\"", shown);
 }
 
 // hold CONTROL up|down TEXT: presses spin buttons with the mouse until the field beside them shows TEXT.
-void Driver::hold(const Words& words) {
-    const HWND found = usableControl(words[0]);
+void hold(DriveContext& drive, const Words& words) {
+    const HWND found = drive.usableControl(words[0]);
     const HWND field = GetWindow(found, GW_HWNDPREV);
     if (!field || (words[1] != "up" && words[1] != "down")) {
         throw DriveFault("can't hold " + describe(found));
@@ -222,7 +212,7 @@ void Driver::hold(const Words& words) {
     GetClientRect(found, &area);
     const LPARAM at = MAKELPARAM(area.right / 2, words[1] == "up" ? 2 : area.bottom - 3);
     PostMessageA(found, WM_LBUTTONDOWN, MK_LBUTTON, at);
-    const bool reached = until([&] { return windowText(field) == words[2]; });
+    const bool reached = drive.until([&] { return windowText(field) == words[2]; });
     PostMessageA(found, WM_LBUTTONUP, 0, at);
     if (!reached) {
         throw DriveFault("expected " + describe(field) + " to come to " + words[2] + "; saw " +
@@ -230,12 +220,12 @@ void Driver::hold(const Words& words) {
     }
 }
 
-void Driver::contextMenu(const Words& words) {
+void contextMenu(DriveContext& drive, const Words& words) {
     // A menu that opens below the pointer would mark what lies there.
     SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);
-    PostMessageA(usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
-    expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
-           [] { return std::string("none"); });
+    PostMessageA(drive.usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
+    drive.expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
+                 [] { return std::string("none"); });
     if (words.size() < 2) {
         return;
     }
@@ -254,7 +244,7 @@ void Driver::contextMenu(const Words& words) {
     if (GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED)) {
         throw DriveFault("the menu item \"" + words[1] + "\" is greyed");
     }
-    const HWND owner = window();
+    const HWND owner = drive.window();
     const auto chosen = [&] {
         return GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & MF_HILITE;
     };
@@ -275,18 +265,18 @@ void Driver::contextMenu(const Words& words) {
             const int now = marked();
             return now >= 0 && now != before;
         };
-        expect(moved, "the next item of the menu", [&] { return all; });
+        drive.expect(moved, "the next item of the menu", [&] { return all; });
     }
     if (!chosen()) {
         throw DriveFault("the menu's mark does not come to \"" + words[1] + "\"");
     }
     PostMessageA(owner, WM_KEYDOWN, VK_RETURN, 0);
-    expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
+    drive.expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
 }
 
 // random-messages SEED COUNT PROCEDURE: to the window of a procedure, its controls and its own dialogs. The
 // system's boxes and choosers that they open are cancelled, and the procedure is run again when they close it.
-void Driver::randomMessages(const Words& words) {
+void randomMessages(DriveContext& drive, const Words& words) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(driveNumber(words[0])));
     const long count = driveNumber(words[1]);
     const std::string title = words[2] + "*";
@@ -298,13 +288,13 @@ void Driver::randomMessages(const Words& words) {
     for (long sent = 0; sent < count;) {
         if (!IsWindow(top)) {
             probe.reset();
-            execute({words[2]});
-            expect([&] { return (top = findTopWindow(title)) != nullptr; }, title,
-                   [] { return std::string("no such window"); });
+            drive.carryOut({"execute", words[2]});
+            drive.expect([&] { return (top = findTopWindow(title)) != nullptr; }, title,
+                         [] { return std::string("no such window"); });
             probe = std::make_unique<QueueProbe>(GetWindowThreadProcessId(top, nullptr));
             ++runs;
         }
-        if (!probe->emptied(top, m_patience) && IsWindow(top)) {
+        if (!probe->emptied(top, drive.patience) && IsWindow(top)) {
             throw DriveFault("the window takes no messages after " + std::to_string(sent) +
                              " at random, seed " + words[0]);
         }
@@ -335,11 +325,21 @@ void Driver::randomMessages(const Words& words) {
         }
         PostMessageA(target, WM_CANCELMODE, 0, 0);  // ends menus
     }
-    if (!probe->emptied(top, m_patience) && IsWindow(top)) {
+    if (!probe->emptied(top, drive.patience) && IsWindow(top)) {
         throw DriveFault("the window takes no messages");
     }
     std::printf("%ld sent; %ld runs, %ld boxes\n", count, runs, boxes);
     std::fflush(stdout);
+}
+
+}  // namespace
+
+void addInputCommands(DriveCommands& table) {
+    table["wheel"] = {2, 2, wheel};
+    table["hover"] = {2, 2, hover};
+    table["hold"] = {3, 3, hold};
+    table["context-menu"] = {1, 2, contextMenu};
+    table["random-messages"] = {3, 3, randomMessages};
 }
 
 }  // namespace zoka

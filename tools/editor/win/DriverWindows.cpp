@@ -1,7 +1,7 @@
 // The drive script's commands about windows, menus and pictures.
 #include <cstdio>
 
-#include "tools/editor/win/Driver.h"
+#include "tools/editor/win/DriveContext.h"
 #include "tools/editor/win/Keyboard.h"
 #include "tools/editor/win/Screenshot.h"
 #include "tools/editor/win/WindowSearch.h"
@@ -26,90 +26,62 @@ std::string boxTexts() {
     return text.empty() ? "no message box; windows: " + openTitles() : text;
 }
 
-std::string listed(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts) {
-        all += (all.empty() ? "" : ", ") + text;
-    }
-    return all;
-}
-
-}  // namespace
-
-void Driver::addWindowCommands(std::map<std::string, Command>& table) {
-    table["wait-window"] = {1, 2, &Driver::waitWindow};
-    table["wait-gone"] = {1, 2, &Driver::waitGone};
-    table["wait-box"] = {1, 2, &Driver::waitBox};
-    table["expect-box"] = {1, 2, &Driver::expectBox};
-    table["expect-no-window"] = {1, 2, &Driver::expectNoWindow};
-    table["close"] = {0, 0, &Driver::closeWindow};
-    table["size"] = {2, 2, &Driver::sizeWindow};
-    table["move"] = {2, 2, &Driver::moveWindow};
-    table["expect-place"] = {4, 4, &Driver::expectPlace};
-    table["menu"] = {1, 1, &Driver::menu};
-    table["open-menu"] = {1, 1, &Driver::openMenu};
-    table["expect-menu"] = {1, 9, &Driver::expectMenu};
-    table["expect-no-menu"] = {1, 1, &Driver::expectNoMenu};
-    table["print-menu"] = {0, 0, &Driver::printMenu};
-    table["screenshot"] = {1, 2, &Driver::screenshot};
-    table["print-windows"] = {0, 0, &Driver::printWindows};
-}
-
-void Driver::waitWindow(const Words& words) {
+void waitWindow(DriveContext& drive, const Words& words) {
     const std::string className = words.size() > 1 ? words[1] : "";
     HWND found = nullptr;
-    expect([&] { return (found = findTopWindow(words[0], className)) != nullptr; },
-           "a window \"" + words[0] + "\"" + (className.empty() ? "" : " of class " + className), openTitles);
-    m_window = found;
+    drive.expect([&] { return (found = findTopWindow(words[0], className)) != nullptr; },
+                 "a window \"" + words[0] + "\"" + (className.empty() ? "" : " of class " + className),
+                 openTitles);
+    drive.current = found;
 }
 
-void Driver::waitGone(const Words& words) {
+void waitGone(DriveContext& drive, const Words& words) {
     const std::string className = words.size() > 1 ? words[1] : "";
-    expect([&] { return findTopWindow(words[0], className) == nullptr; },
-           "the window \"" + words[0] + "\" to be gone", openTitles);
+    drive.expect([&] { return findTopWindow(words[0], className) == nullptr; },
+                 "the window \"" + words[0] + "\" to be gone", openTitles);
 }
 
-void Driver::waitBox(const Words& words) {
-    const HWND before = words.size() > 1 ? m_window : nullptr;
+void waitBox(DriveContext& drive, const Words& words) {
+    const HWND before = words.size() > 1 ? drive.current : nullptr;
     HWND found = nullptr;
-    expect([&] { return (found = findMessageBox(words[0])) != nullptr && found != before; },
-           "a message box \"" + words[0] + "\"", boxTexts);
-    m_window = found;
+    drive.expect([&] { return (found = findMessageBox(words[0])) != nullptr && found != before; },
+                 "a message box \"" + words[0] + "\"", boxTexts);
+    drive.current = found;
 }
 
-void Driver::expectBox(const Words& words) {
-    const HWND before = m_window;
-    waitBox({words[0]});
-    const HWND box = m_window;
-    click({words.size() > 1 ? words[1] : "OK"});
-    expect([&] { return !IsWindow(box); }, "the message box to close", boxTexts);
-    m_window = before;
+void expectBox(DriveContext& drive, const Words& words) {
+    const HWND before = drive.current;
+    waitBox(drive, {words[0]});
+    const HWND box = drive.current;
+    drive.carryOut({"click", words.size() > 1 ? words[1] : "OK"});
+    drive.expect([&] { return !IsWindow(box); }, "the message box to close", boxTexts);
+    drive.current = before;
 }
 
-void Driver::expectNoWindow(const Words& words) {
+void expectNoWindow(DriveContext&, const Words& words) {
     if (const HWND found = findTopWindow(words[0], words.size() > 1 ? words[1] : "")) {
         throw DriveFault("expected no window \"" + words[0] + "\"; saw " + describe(found));
     }
 }
 
-void Driver::closeWindow(const Words&) {
-    PostMessageA(window(), WM_CLOSE, 0, 0);
+void closeWindow(DriveContext& drive, const Words&) {
+    PostMessageA(drive.window(), WM_CLOSE, 0, 0);
 }
 
-void Driver::sizeWindow(const Words& words) {
-    SetWindowPos(window(), nullptr, 0, 0, static_cast<int>(driveNumber(words[0])),
+void sizeWindow(DriveContext& drive, const Words& words) {
+    SetWindowPos(drive.window(), nullptr, 0, 0, static_cast<int>(driveNumber(words[0])),
                  static_cast<int>(driveNumber(words[1])), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void Driver::moveWindow(const Words& words) {
-    SetWindowPos(window(), nullptr, static_cast<int>(driveNumber(words[0])),
+void moveWindow(DriveContext& drive, const Words& words) {
+    SetWindowPos(drive.window(), nullptr, static_cast<int>(driveNumber(words[0])),
                  static_cast<int>(driveNumber(words[1])), 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void Driver::expectPlace(const Words& words) {
+void expectPlace(DriveContext& drive, const Words& words) {
     const auto place = [&] {
         RECT area{};
-        GetWindowRect(window(), &area);
+        GetWindowRect(drive.window(), &area);
         std::string text;
         for (const LONG one : {area.left, area.top, area.right - area.left, area.bottom - area.top}) {
             text += (text.empty() ? "" : " ") + std::to_string(one);
@@ -117,15 +89,15 @@ void Driver::expectPlace(const Words& words) {
         return text;
     };
     const std::string wanted = words[0] + ' ' + words[1] + ' ' + words[2] + ' ' + words[3];
-    expect([&] { return place() == wanted; }, "the window at " + wanted, place);
+    drive.expect([&] { return place() == wanted; }, "the window at " + wanted, place);
 }
 
-void Driver::menu(const Words& words) {
+void menu(DriveContext& drive, const Words& words) {
     UINT command = 0;
     UINT state = 0;
     bool found = false;
-    const HWND editor = m_editorWindow.handle();
-    askEditor([&] {
+    const HWND editor = drive.editorWindow.handle();
+    drive.askEditor([&] {
         SendMessageA(editor, WM_INITMENUPOPUP, 0, 0);
         found = findMenuItem(GetMenu(editor), words[0], command, state);
     });
@@ -138,13 +110,13 @@ void Driver::menu(const Words& words) {
     PostMessageA(editor, WM_COMMAND, command, 0);
 }
 
-void Driver::openMenu(const Words& words) {
-    const HWND editor = m_editorWindow.handle();
-    if (!bringToFront(editor, m_patience)) {
+void openMenu(DriveContext& drive, const Words& words) {
+    const HWND editor = drive.editorWindow.handle();
+    if (!bringToFront(editor, drive.patience)) {
         throw DriveFault("the editor's window does not come to the front");
     }
     int position = -1;
-    askEditor([&] {
+    drive.askEditor([&] {
         const HMENU bar = GetMenu(editor);
         for (int i = 0; i < GetMenuItemCount(bar) && position < 0; ++i) {
             char text[100] = {};
@@ -165,15 +137,15 @@ void Driver::openMenu(const Words& words) {
         pressKey("RIGHT");
     }
     pressKey("DOWN");
-    expect([] { return findTopWindow("*", "#32768") != nullptr; }, "the menu to open", openTitles);
+    drive.expect([] { return findTopWindow("*", "#32768") != nullptr; }, "the menu to open", openTitles);
 }
 
-void Driver::expectMenu(const Words& words) {
-    const HWND editor = m_editorWindow.handle();
+void expectMenu(DriveContext& drive, const Words& words) {
+    const HWND editor = drive.editorWindow.handle();
     std::string seen;
     const auto matches = [&] {
         bool all = true;
-        askEditor([&] {
+        drive.askEditor([&] {
             UINT command = 0;
             UINT state = 0;
             SendMessageA(editor, WM_INITMENUPOPUP, 0, 0);
@@ -204,45 +176,66 @@ void Driver::expectMenu(const Words& words) {
                              "\"");
         }
     }
-    expect(matches, "the menu item " + listed(words), [&] { return seen; });
+    drive.expect(matches, "the menu item " + listed(words), [&] { return seen; });
 }
 
-void Driver::expectNoMenu(const Words& words) {
+void expectNoMenu(DriveContext& drive, const Words& words) {
     bool found = false;
-    askEditor([&] {
+    drive.askEditor([&] {
         UINT command = 0;
         UINT state = 0;
-        found = findMenuItem(GetMenu(m_editorWindow.handle()), words[0], command, state);
+        found = findMenuItem(GetMenu(drive.editorWindow.handle()), words[0], command, state);
     });
     if (found) {
         throw DriveFault("expected no menu item \"" + words[0] + "\"; it is there");
     }
 }
 
-void Driver::printMenu(const Words&) {
+void printMenu(DriveContext& drive, const Words&) {
     std::vector<std::string> paths;
-    askEditor([&] { paths = menuPaths(GetMenu(m_editorWindow.handle())); });
+    drive.askEditor([&] { paths = menuPaths(GetMenu(drive.editorWindow.handle())); });
     for (const std::string& path : paths) {
         std::printf("menu %s\n", path.c_str());
     }
 }
 
-void Driver::screenshot(const Words& words) {
+void screenshot(DriveContext& drive, const Words& words) {
     RECT area = windowsArea();
     if (words.size() > 1) {
         if (words[1] == "window") {
-            GetWindowRect(window(), &area);
+            GetWindowRect(drive.window(), &area);
         } else if (words[1] == "screen") {
             area = screenArea();
         } else {
             throw DriveFault("a screenshot is of the window, the screen or, without a word, all windows");
         }
     }
-    picture(words[0], area);
+    drive.picture(words[0], area);
 }
 
-void Driver::printWindows(const Words&) {
+void printWindows(DriveContext&, const Words&) {
     std::fputs(describeAll().c_str(), stdout);
+}
+
+}  // namespace
+
+void addWindowCommands(DriveCommands& table) {
+    table["wait-window"] = {1, 2, waitWindow};
+    table["wait-gone"] = {1, 2, waitGone};
+    table["wait-box"] = {1, 2, waitBox};
+    table["expect-box"] = {1, 2, expectBox};
+    table["expect-no-window"] = {1, 2, expectNoWindow};
+    table["close"] = {0, 0, closeWindow};
+    table["size"] = {2, 2, sizeWindow};
+    table["move"] = {2, 2, moveWindow};
+    table["expect-place"] = {4, 4, expectPlace};
+    table["menu"] = {1, 1, menu};
+    table["open-menu"] = {1, 1, openMenu};
+    table["expect-menu"] = {1, 9, expectMenu};
+    table["expect-no-menu"] = {1, 1, expectNoMenu};
+    table["print-menu"] = {0, 0, printMenu};
+    table["screenshot"] = {1, 2, screenshot};
+    table["print-windows"] = {0, 0, printWindows};
 }
 
 }  // namespace zoka
