@@ -78,9 +78,14 @@ private:
 };
 HANDLE QueueProbe::s_taken = nullptr;
 
+// The identifiers that menus at the controls may have.
+struct MenuIds {
+    unsigned first = 1, count = 11;
+};
+
 // A message as a user, the system or another program could send it, without pointers: these a program that
 // sends them would have to get right.
-MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windows) {
+MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windows, const MenuIds& menu) {
     const auto below = [&](unsigned n) { return static_cast<unsigned>(random() % n); };
     const HWND window = windows[below(static_cast<unsigned>(windows.size()))];
     const LPARAM point = MAKELPARAM(below(700), below(700));
@@ -136,8 +141,9 @@ MSG randomMessage(std::mt19937& random, HWND top, const std::vector<HWND>& windo
         case 9:  // a control's notice or a menu's choice
             made.hwnd = below(3) ? top : window;
             made.message = WM_COMMAND;
-            made.wParam = below(kSeldom) ? MAKEWPARAM(below(2000), 1 + below(0x800))
-                                         : MAKEWPARAM(below(2) ? 1090 + below(50) : below(12), 0);
+            made.wParam = below(kSeldom)
+                              ? MAKEWPARAM(below(2000), 1 + below(0x800))
+                              : MAKEWPARAM(below(2) ? menu.first + below(menu.count) : below(12), 0);
             break;
         case 10:
             // What stands behind a timer's number is a procedure.
@@ -274,12 +280,29 @@ void contextMenu(DriveContext& drive, const Words& words) {
     drive.expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
 }
 
-// random-messages SEED COUNT PROCEDURE: to the window of a procedure, its controls and its own dialogs. The
-// system's boxes and choosers that they open are cancelled, and the procedure is run again when they close it.
+// Whether both were made by one library: the system's boxes and choosers are its own.
+bool sameModule(HWND one, HWND other) {
+    return GetWindowLongPtrA(one, GWLP_HINSTANCE) == GetWindowLongPtrA(other, GWLP_HINSTANCE);
+}
+
+// random-messages SEED COUNT PROCEDURE [FIRST LAST]: to the window of a procedure, its controls and its own dialogs,
+// among them choices of the menu items FIRST to LAST. The system's boxes and choosers that they open are cancelled,
+// and the procedure is run again when they close it.
 void randomMessages(DriveContext& drive, const Words& words) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(driveNumber(words[0])));
     const long count = driveNumber(words[1]);
     const std::string title = words[2] + "*";
+    MenuIds menu;
+    if (words.size() == 4) {
+        throw DriveFault("random-messages takes the first and the last menu item, or none");
+    }
+    if (words.size() > 4) {
+        const long first = driveNumber(words[3]), last = driveNumber(words[4]);
+        if (first < 1 || last < first || last > 0xFFFF) {
+            throw DriveFault("menu items are numbered from 1 to 65535");
+        }
+        menu = {static_cast<unsigned>(first), static_cast<unsigned>(last - first + 1)};
+    }
     std::printf("random messages, seed %s: %ld\n", words[0].c_str(), count);
     std::fflush(stdout);
     long boxes = 0, runs = 0;
@@ -310,7 +333,7 @@ void randomMessages(DriveContext& drive, const Words& words) {
         if (!target) {
             continue;
         }
-        if (target != top && !findControl(target, "#1302")) {  // not one of the panel's own
+        if (target != top && !sameModule(target, top)) {
             ++boxes;
             PostMessageA(target, WM_COMMAND, random() % 2 ? IDCANCEL : IDNO, 0);
             PostMessageA(target, WM_COMMAND, IDCANCEL, 0);
@@ -320,7 +343,7 @@ void randomMessages(DriveContext& drive, const Words& words) {
         std::vector<HWND> windows = childWindows(target);
         windows.push_back(target);
         for (int i = 0; i < kBatch && sent < count; ++i, ++sent) {
-            const MSG message = randomMessage(random, target, windows);
+            const MSG message = randomMessage(random, target, windows, menu);
             PostMessageA(message.hwnd, message.message, message.wParam, message.lParam);
         }
         PostMessageA(target, WM_CANCELMODE, 0, 0);  // ends menus
@@ -339,7 +362,7 @@ void addInputCommands(DriveCommands& table) {
     table["hover"] = {2, 2, hover};
     table["hold"] = {3, 3, hold};
     table["context-menu"] = {1, 2, contextMenu};
-    table["random-messages"] = {3, 3, randomMessages};
+    table["random-messages"] = {3, 5, randomMessages};
 }
 
 }  // namespace zoka

@@ -62,6 +62,10 @@ public:
     // 1 without a call when the procedure has no terminate.
     std::int32_t terminate(ProcedureState& procedure);
 
+    // The procedure that a double click on an entity runs; none when the plug-in has none of that name.
+    void setEntityProcedure(std::string name) { m_entityProcedure = std::move(name); }
+    const std::string& entityProcedure() const { return m_entityProcedure; }
+
     // How the operations on entities answer. The table's size counts for panels opened from now on.
     void setEntityAnswers(EntityAnswers answers) { m_answers = answers; }
     EntityAnswers entityAnswers() const { return m_answers; }
@@ -89,6 +93,7 @@ private:
     HostTable m_table;
     PluginLibrary m_library;
     std::string m_projectFolder;
+    std::string m_entityProcedure;
     std::atomic<EntityAnswers> m_answers{EntityAnswers::All};
     std::vector<std::unique_ptr<ProcedureState>> m_states;  // grows to the longest table seen; never shrinks
     std::vector<ProcedureState*> m_procedures;

@@ -341,7 +341,7 @@ LRESULT EditorWindow::onNotify(NMHDR& header) {
             showEntities();
         }
     } else if (header.hwndFrom == m_entities && header.code == NM_DBLCLK) {
-        if (ProcedureState* const procedure = m_editor.procedure("Entity Behavior")) {
+        if (ProcedureState* const procedure = m_editor.procedure(m_editor.entityProcedure())) {
             choose(*procedure);
         }
     }

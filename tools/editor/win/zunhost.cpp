@@ -25,6 +25,7 @@ struct Options {
     std::string logFile;
     std::string fault = "normal";
     std::string entities = "all";
+    std::string entityProcedure;
     std::string script;
     std::vector<std::string> values;
     std::string pictures = ".";
@@ -114,6 +115,7 @@ int runEditor(Options options) {
     Editor editor(log);
     editor.hostTable().setFault(fault);
     editor.setEntityAnswers(answers);
+    editor.setEntityProcedure(options.entityProcedure);
     editor.host().setSuite(options.suite, options.templates);
     EditorWindow window(editor);
     if (!window.create(!options.hidden)) {
@@ -162,6 +164,8 @@ int main(int argc, char** argv) {
     app.add_option("--host", options.fault, "How the host answers: normal, fail, empty, full");
     app.add_option("--entities", options.entities,
                    "What the operations on entities offer: all, one (the context's alone), refuse");
+    app.add_option("--double-click", options.entityProcedure,
+                   "The procedure that a double click on an entity runs");
     app.add_option("--drive", options.script, "Carry out the commands of this file, then end");
     app.add_option("--set", options.values,
                    "NAME=VALUE: what ${NAME} stands for in the script; may be repeated")
