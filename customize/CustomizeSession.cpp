@@ -25,10 +25,25 @@ bool CustomizeSession::open(const std::string& fileName) {
     if (!load(fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName)) {
         return false;
     }
+    // A list of scripts may be older than the project that is open by now.
+    const bool offered = std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end();
+    m_project = offered ? m_offeredProject : m_host.GetProjectFolder();
+    lookAtProject();
     m_unplaced.clear();
     filter.unfoldAll();
     show();
     return true;
+}
+
+void CustomizeSession::offerScripts(std::vector<std::string> paths) {
+    m_offered = std::move(paths);
+    m_offeredProject = m_host.GetProjectFolder();
+}
+
+bool CustomizeSession::lookAtProject() {
+    const bool before = m_otherProject;
+    m_otherProject = isOpen() && !sameFolder(m_host.GetProjectFolder(), m_project);
+    return m_otherProject != before;
 }
 
 bool CustomizeSession::switchTo(const std::string& fileName) {

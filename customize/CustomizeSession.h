@@ -43,8 +43,15 @@ public:
     // The same from the panel, for another script: asks about changes first, as closing does, and tells why it
     // can't be read.
     bool switchTo(const std::string& fileName);
-    // The scripts that the panel offers to switch to; filled by whoever makes the session.
-    std::vector<std::string> scriptChoices;
+    // The scripts that the panel offers to switch to: of the project that the editor has open now.
+    void offerScripts(std::vector<std::string> paths);
+    const std::vector<std::string>& offeredScripts() const { return m_offered; }
+
+    // Asks the host which project is open. True when the answer of otherProjectOpen() is another one now.
+    bool lookAtProject();
+    // The editor had opened another project than when the script was loaded, when it was looked at last: Save
+    // then asks where to.
+    bool otherProjectOpen() const { return m_otherProject; }
 
     // --- The buttons. All messages go through the prompt. Without a script they do nothing.
     SaveResult save();
@@ -92,7 +99,10 @@ private:
     // `overwritten` gets what the file holds when the user wants that overwritten.
     std::optional<SaveResult> settleChangesFromOutside(std::optional<std::string>& overwritten);
     bool confirmLostEntries(const CustomScript& saved);
-    bool takeIntoProject(bool& copied);
+    std::optional<std::string> projectForSave();
+    SaveResult saveInto(const std::string& project);
+    bool takeIntoProject(const std::string& project, bool& copied);
+    static bool sameFolder(const std::string& a, const std::string& b);
     SaveResult fail(const std::string& message, const std::string& problem = {});
     bool question(const std::string& text);
 
@@ -106,6 +116,10 @@ private:
     CustomizeView* m_view;
     CustomizeView m_noView;
     ScriptRows m_panel;
+    std::string m_project;  // the open one when the script was loaded; empty: none
+    bool m_otherProject = false;
+    std::vector<std::string> m_offered;
+    std::string m_offeredProject;  // which was open when they were listed
     mutable std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for
     std::vector<UnplacedValue> m_unplaced;
     std::string m_problem;

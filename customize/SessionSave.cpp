@@ -10,17 +10,6 @@
 namespace zoka {
 namespace {
 
-bool sameFolder(const std::string& a, const std::string& b) {
-    const auto plain = [](const std::string& path) {
-        std::string full = osFiles().fullPath(path);
-        while (full.size() > 1 && isSeparator(full.back())) {
-            full.pop_back();
-        }
-        return full;
-    };
-    return !a.empty() && !b.empty() && equalNoCase(plain(a), plain(b));
-}
-
 // Whether undo may go on: the rows mean the same as before.
 bool sameRows(const CustomScript& a, const CustomScript& b) {
     if (a.entries.size() != b.entries.size()) {
@@ -36,6 +25,18 @@ bool sameRows(const CustomScript& a, const CustomScript& b) {
 }
 
 }  // namespace
+
+// Two unknown folders are the same.
+bool CustomizeSession::sameFolder(const std::string& a, const std::string& b) {
+    const auto plain = [](const std::string& path) {
+        std::string full = osFiles().fullPath(path);
+        while (full.size() > 1 && isSeparator(full.back())) {
+            full.pop_back();
+        }
+        return full;
+    };
+    return a.empty() || b.empty() ? a.empty() && b.empty() : equalNoCase(plain(a), plain(b));
+}
 
 SaveResult CustomizeSession::fail(const std::string& message, const std::string& problem) {
     m_problem = problem.empty() ? message : problem;
@@ -111,11 +112,44 @@ bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
         labels + "\nSave all the same?");
 }
 
+// The editor may have opened another project since the script was loaded. Nothing when the user wants neither.
+std::optional<std::string> CustomizeSession::projectForSave() {
+    std::string open = m_host.GetProjectFolder();
+    if (sameFolder(open, m_project)) {
+        return open;
+    }
+    if (open.empty()) {
+        return question(
+                   "The project of this script is not open any more.\n\nSave it there all the same, in '" +
+                   m_project + "'?")
+                   ? std::optional(m_project)
+                   : std::nullopt;
+    }
+    if (m_project.empty()) {
+        return question("A project was opened since this script was loaded.\n\nSave a copy in it, in '" +
+                        open + "'?")
+                   ? std::optional(open)
+                   : std::nullopt;
+    }
+    switch (
+        m_prompt.ask("The editor has opened another project since this script was loaded.\n\n"
+                     "Yes: save it in the project that it was loaded for, '" +
+                         m_project + "'.\nNo: save a copy in the project that is open, '" + open +
+                         "'.\nCancel: don't save.",
+                     "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning)) {
+        case PromptAnswer::Yes:
+            return m_project;
+        case PromptAnswer::No:
+            return open;
+        default:
+            return std::nullopt;
+    }
+}
+
 // A script straight from the template folder is never overwritten: the project's copy of it takes its place.
-bool CustomizeSession::takeIntoProject(bool& copied) {
-    const std::string project = m_host.GetProjectFolder();
+bool CustomizeSession::takeIntoProject(const std::string& project, bool& copied) {
     const std::string path = m_panel.script.scriptPath;
-    if (sameFolder(std::string(folderOf(path)), project)) {
+    if (!project.empty() && sameFolder(std::string(folderOf(path)), project)) {
         return true;
     }
     if (project.empty()) {
@@ -147,65 +181,74 @@ SaveResult CustomizeSession::save() {
         return SaveResult::NothingToSave;
     }
     m_problem.clear();
-    if (m_panel.script.fileLength > 0) {
-        if (!hasChanges(m_panel.script)) {
-            return SaveResult::NothingToSave;
+    if (m_panel.script.fileLength == 0) {
+        return WriteValueFile(m_panel.script, true, m_prompt, &m_problem) ? SaveResult::Saved
+                                                                          : SaveResult::Failed;
+    }
+    if (!hasChanges(m_panel.script)) {
+        return SaveResult::NothingToSave;
+    }
+    const std::optional<std::string> project = projectForSave();
+    const SaveResult result = project ? saveInto(*project) : SaveResult::Cancelled;
+    lookAtProject();
+    return result;
+}
+
+SaveResult CustomizeSession::saveInto(const std::string& project) {
+    std::optional<std::string> overwritten;
+    if (const auto settled = settleChangesFromOutside(overwritten)) {
+        return *settled;
+    }
+    const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
+    if (const std::string fault = editFault(m_panel.script, edits); !fault.empty()) {
+        return fail(fault + "\nThe script was not saved.");
+    }
+    std::string text = editedText(m_panel.script.fileText(), edits);
+    // Nearly every edit leaves the other entries where they are; only those that may not are read again.
+    const bool kept = keepsEntries(m_panel.script, edits);
+    ScriptRows saved;
+    if (!kept) {
+        parseCustomText(text, saved.script);
+        if (!confirmLostEntries(saved.script)) {
+            return SaveResult::Cancelled;
         }
-        std::optional<std::string> overwritten;
-        if (const auto settled = settleChangesFromOutside(overwritten)) {
-            return *settled;
-        }
-        const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
-        if (const std::string fault = editFault(m_panel.script, edits); !fault.empty()) {
-            return fail(fault + "\nThe script was not saved.");
-        }
-        std::string text = editedText(m_panel.script.fileText(), edits);
-        // Nearly every edit leaves the other entries where they are; only those that may not are read again.
-        const bool kept = keepsEntries(m_panel.script, edits);
-        ScriptRows saved;
-        if (!kept) {
-            parseCustomText(text, saved.script);
-            if (!confirmLostEntries(saved.script)) {
-                return SaveResult::Cancelled;
-            }
-        }
-        bool copied = false;
-        if (!takeIntoProject(copied)) {
-            return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
-        }
-        const std::string path = m_panel.script.scriptPath;
-        const std::string values = valueFileText(m_panel.script, true);
-        const std::string_view onDisk = overwritten ? *overwritten : m_panel.script.fileText();
-        const FileContent files[] = {
-            {path, text, FileKind::Named, copied ? std::nullopt : std::optional(onDisk)},
-            {path + kValueFileEnding, values, FileKind::Generated, std::nullopt, path}};
-        const SafeWriteResult result = safeWrite(files);
-        if (result.changedMeanwhile) {
-            return save();  // another program was faster: asks what to do with its changes
-        }
-        if (result.written == 0) {
-            const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
-            return fail(opens ? result.error : "Error open file to write", result.error);
-        }
+    }
+    bool copied = false;
+    if (!takeIntoProject(project, copied)) {
+        return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
+    }
+    const std::string path = m_panel.script.scriptPath;
+    const std::string values = valueFileText(m_panel.script, true);
+    const std::string_view onDisk = overwritten ? *overwritten : m_panel.script.fileText();
+    const FileContent files[] = {{path, text, FileKind::Named, copied ? std::nullopt : std::optional(onDisk)},
+                                 {path + kValueFileEnding, values, FileKind::Generated, std::nullopt, path}};
+    const SafeWriteResult result = safeWrite(files);
+    if (result.changedMeanwhile) {
+        return saveInto(project);  // another program was faster: asks what to do with its changes
+    }
+    if (result.written == 0) {
+        const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
+        return fail(opens ? result.error : "Error open file to write", result.error);
+    }
+    if (sameFolder(m_host.GetProjectFolder(), project)) {
+        m_project = project;
         if (copied) {
             m_host.MainScriptChanged();
         }
-        // The script becomes what the file holds now: the spans of the next save are right.
-        if (kept) {
-            applyEdits(m_panel.script, edits, std::move(text));
-            m_panel.settleRows(hostNames());
-            rowsMade(true);
-        } else {
-            saved.script.scriptPath = path;
-            const bool keepHistory = sameRows(m_panel.script, saved.script);
-            m_panel = std::move(saved);
-            m_panel.makeRows(hostNames());
-            rowsMade(keepHistory);
-        }
-        return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.error);
     }
-    return WriteValueFile(m_panel.script, true, m_prompt, &m_problem) ? SaveResult::Saved
-                                                                      : SaveResult::Failed;
+    // The script becomes what the file holds now: the spans of the next save are right.
+    if (kept) {
+        applyEdits(m_panel.script, edits, std::move(text));
+        m_panel.settleRows(hostNames());
+        rowsMade(true);
+    } else {
+        saved.script.scriptPath = path;
+        const bool keepHistory = sameRows(m_panel.script, saved.script);
+        m_panel = std::move(saved);
+        m_panel.makeRows(hostNames());
+        rowsMade(keepHistory);
+    }
+    return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.error);
 }
 
 }  // namespace zoka

@@ -37,11 +37,14 @@ void BehaviorDialog::fillRows() {
 }
 
 // The selection changes while the editor is in front, so the panel looks wherever it is.
-void CALLBACK BehaviorDialog::look(HWND, UINT, UINT_PTR self, DWORD) {
-    auto* const dialog = reinterpret_cast<BehaviorDialog*>(self);
-    if (dialog->window() && !dialog->takesNoCommands()) {
-        dialog->m_session.refresh(false);
-    }
+void CALLBACK BehaviorDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
+    answerInside(window, [self]() -> LRESULT {
+        auto* const dialog = reinterpret_cast<BehaviorDialog*>(self);
+        if (dialog->window() && !dialog->takesNoCommands()) {
+            dialog->m_session.refresh(false);
+        }
+        return 0;
+    });
 }
 
 // The action's own title, if its markup has one.

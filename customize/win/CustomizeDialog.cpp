@@ -13,6 +13,7 @@ constexpr const char* kCaption = "KEZ Customize";
 constexpr int kFirstControl = 1100;
 enum : int { kShowChanges = 1110, kShowFindings, kSave, kRestore, kUpdate };
 enum : int { kCopyPlace = kFirstRowItem };
+constexpr UINT kLookMs = 1000;           // between looks at the project that the editor has open
 constexpr int kWide = 70, kNarrow = 44;  // dialog units: "Problems (1000)...", "Restore"
 
 }  // namespace
@@ -36,6 +37,31 @@ void CustomizeDialog::fillRows() {
     if (!m_session.open(m_setup.scriptPath)) {
         view().rowsReplaced();
     }
+    // The timer goes with its window.
+    SetTimer(window(), reinterpret_cast<UINT_PTR>(this), kLookMs, look);
+}
+
+// Another project is opened while the editor is in front, so the panel looks wherever it is.
+void CALLBACK CustomizeDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
+    answerInside(window, [self]() -> LRESULT {
+        auto* const dialog = reinterpret_cast<CustomizeDialog*>(self);
+        if (dialog->window() && !dialog->takesNoCommands()) {
+            dialog->lookAtProject();
+        }
+        return 0;
+    });
+}
+
+void CustomizeDialog::lookAtProject() {
+    if (m_session.lookAtProject()) {
+        listScripts();
+        showState();
+    }
+}
+
+void CustomizeDialog::activated() {
+    listScripts();
+    lookAtProject();
 }
 
 void CustomizeDialog::bringToFront() {
@@ -67,6 +93,7 @@ std::string CustomizeDialog::caption() const {
         return kCaption;
     }
     return std::string(kCaption) + " - " + std::string(fileNameOf(path)) +
+           (m_session.otherProjectOpen() ? " (another project is open)" : "") +
            (m_session.changedCount() > 0 ? " *" : "");
 }
 
@@ -132,16 +159,17 @@ void CustomizeDialog::save() {
 // The scripts that the level includes now; the user may have added some.
 void CustomizeDialog::listScripts() {
     if (m_setup.choices) {
-        m_session.scriptChoices = m_setup.choices();
+        m_session.offerScripts(m_setup.choices());
     }
     showScripts();
 }
 
 void CustomizeDialog::showScripts() {
-    std::vector<std::string> paths = m_session.scriptChoices;
+    std::vector<std::string> paths = m_session.offeredScripts();
     const std::string open = m_session.script().scriptPath;
     const auto isOpen = [&](const std::string& path) { return equalNoCase(path, open); };
-    if (!open.empty() && std::none_of(paths.begin(), paths.end(), isOpen)) {
+    const bool added = !open.empty() && std::none_of(paths.begin(), paths.end(), isOpen);
+    if (added) {
         paths.insert(paths.begin(), open);
     }
     if (paths == m_choices && open == m_shownPath) {
@@ -152,6 +180,13 @@ void CustomizeDialog::showScripts() {
     std::vector<std::string> names;
     for (const std::string& path : m_choices) {
         names.emplace_back(fileNameOf(path));
+    }
+    // The open script may be one of another project, which has some of the same names.
+    for (size_t i = 1; added && i < names.size(); ++i) {
+        if (equalNoCase(names[i], fileNameOf(open))) {
+            names[i] = m_choices[i];
+            names[0] = open;
+        }
     }
     const auto at = std::find_if(m_choices.begin(), m_choices.end(), isOpen);
     setChoices(names, static_cast<size_t>(at - m_choices.begin()));

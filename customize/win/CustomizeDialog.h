@@ -36,12 +36,14 @@ private:
     std::string caption() const override;
     bool mayLeave() override { return m_session.close(); }
     void chosen(size_t item) override;
-    void activated() override { listScripts(); }
+    void activated() override;
     void rowsChanged() override;
     std::vector<RowMenuItem> rowMenuItems(size_t row) override;
     void rowMenuChosen(size_t row, int id) override;
     bool rowShortcut(WPARAM key) override;
 
+    static void CALLBACK look(HWND window, UINT message, UINT_PTR self, DWORD time);
+    void lookAtProject();
     void save();
     void listScripts();
     void showScripts();

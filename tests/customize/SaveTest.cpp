@@ -7,6 +7,15 @@ using namespace zoka::test;
 
 namespace {
 
+// An editor in which the user opens one project after another.
+class MovingHost : public NotingHost {
+public:
+    explicit MovingHost(Folders folders) : NotingHost(folders), project(folders.project) {}
+    std::string GetProjectFolder() override { return project; }
+    void EndListUpdate() override {}
+    std::string project;
+};
+
 TEST_F(Session, SaveWithoutChangesWritesNothing) {
     open();
     FaultyOsFiles disk(FaultyOsFiles::never());
@@ -69,6 +78,93 @@ TEST_F(Session, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
     prompt.answers = {PromptAnswer::No};
     EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_THAT(project.read("t.kez"), HasSubstr("range = 11;"));
+}
+
+// The editor goes on to another project while the panel is open: nothing gets there unasked.
+TEST_F(Session, SaveAsksWhereToOnceAnotherProjectIsOpen) {
+    using enum PromptAnswer;
+    constexpr auto Saved = SaveResult::Saved, Cancelled = SaveResult::Cancelled;
+    const struct {
+        const char*
+            script;  // "p" the project's, "t" the template folder's, "b" of a list older than the project
+        const char* before;  // the projects open when it was loaded and when it is saved; "-" none
+        const char* after;
+        std::vector<PromptAnswer> answers;
+        SaveResult result;
+        const char* written;  // the project that has the value now; "" none
+        bool other;           // another project is open, as before the save
+        const char* told;     // the host's part: making a copy, learning of it
+    } rows[] = {
+        {"p", "1", "1", {}, Saved, "1", false, ""},
+        {"p", "1", "2", {Cancel}, Cancelled, "", true, ""},
+        {"p", "1", "2", {Yes}, Saved, "1", true, ""},
+        {"p", "1", "2", {No}, Saved, "2", false, "copy changed "},
+        {"p",
+         "1",
+         "3",
+         {No, No},
+         Cancelled,
+         "",
+         true,
+         ""},  // a script of that name is there: not overwritten
+        {"p", "1", "3", {No, Yes}, Saved, "3", false, "copy changed "},
+        {"t", "1", "2", {Yes}, Saved, "1", true, "copy "},
+        {"t", "1", "2", {No}, Saved, "2", false, "copy changed "},
+        {"b", "1", "2", {Cancel}, Cancelled, "", true, ""},
+        {"p", "1", "-", {No}, Cancelled, "", true, ""},
+        {"p", "1", "-", {Yes}, Saved, "1", true, ""},
+        {"t", "-", "2", {No}, Cancelled, "", true, ""},
+        {"t", "-", "2", {Yes}, Saved, "2", false, "copy changed "},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.script) + row.before + row.after + row.written);
+        TempFolder projects;
+        for (const char* name : {"1", "2", "3"}) {
+            std::filesystem::create_directories(projects.native(name));
+        }
+        projects.write("3/s.kez", kNew);
+        const auto folder = [&](const char* name) {
+            return *name == '-' ? std::string() : projects.path(name) + (*name == '2' ? "\\" : "");
+        };
+        const std::string path =
+            *row.script == 't' ? suite.write("templates/s.kez", kOld) : projects.write("1/s.kez", kOld);
+        MovingHost editor({.project = folder(row.before), .suite = suite.path()});
+        CustomizeSession panel(editor, prompt);
+        if (*row.script == 'b') {
+            panel.offerScripts({path});
+            editor.project = folder(row.after);
+        }
+        ASSERT_TRUE(panel.open(path));
+        ASSERT_TRUE(panel.setValue(1, "11"));
+        editor.project = folder(row.after);
+        panel.lookAtProject();
+        EXPECT_EQ(panel.otherProjectOpen(), row.before != std::string(row.after));
+        EXPECT_FALSE(panel.lookAtProject());  // no news
+        prompt.answers.assign(row.answers.begin(), row.answers.end());
+        prompt.asked.clear();
+        editor.calls.clear();
+        EXPECT_EQ(panel.save(), row.result);
+        EXPECT_EQ(panel.otherProjectOpen(), row.other);
+        EXPECT_EQ(editor.calls, row.told);
+        EXPECT_EQ(panel.changedCount(), row.result == Saved ? 0u : 1u);
+        if (*row.script == 't') {
+            EXPECT_EQ(suite.read("templates/s.kez"), kOld);
+        }
+        for (const char* name : {"1", "2", "3"}) {
+            const std::string script = projects.read(std::string(name) + "/s.kez");
+            EXPECT_EQ(script.find("range = 11;") != script.npos, name == std::string(row.written)) << name;
+        }
+        if (row.result == Saved) {
+            // The next save goes there too, without a question where that is the open one.
+            ASSERT_TRUE(panel.setValue(1, "12"));
+            if (row.other) {
+                prompt.answers = {Yes};
+            }
+            EXPECT_EQ(panel.save(), Saved);
+            EXPECT_THAT(projects.read(std::string(row.written) + "/s.kez"), HasSubstr("range = 12;"));
+        }
+        std::filesystem::remove(suite.native("templates/s.kez"));
+    }
 }
 
 TEST_F(Session, ChangesFromOutsideAreSettledBeforeSaving) {
