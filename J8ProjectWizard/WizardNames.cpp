@@ -2,24 +2,11 @@
 
 #include <algorithm>
 
+#include "util/DeviceNames.h"
 #include "util/PathRules.h"
 
 namespace zoka {
 namespace {
-
-constexpr const char* kDevices[] = {"con", "prn", "aux", "nul", "conin$", "conout$", "clock$"};
-
-// A device is one in every folder and with every extension: "aux.kez", "con .txt".
-bool isDevice(std::string_view part) {
-    std::string_view stem = part.substr(0, part.find('.'));
-    while (stem.ends_with(' ')) {
-        stem.remove_suffix(1);
-    }
-    if (stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9') {
-        return equalNoCase(stem.substr(0, 3), "com") || equalNoCase(stem.substr(0, 3), "lpt");
-    }
-    return std::ranges::any_of(kDevices, [stem](const char* device) { return equalNoCase(stem, device); });
-}
 
 std::string partRefusal(std::string_view part) {
     if (part.empty() || part == ".") {
@@ -37,7 +24,7 @@ std::string partRefusal(std::string_view part) {
     if (part.ends_with('.') || part.ends_with(' ')) {
         return "ends with a dot or a blank, which the system would drop";
     }
-    return isDevice(part) ? "is a device of the system" : "";
+    return isDeviceName(part) ? "is a device of the system" : "";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "util/DeviceNames.h"
 #include "util/LexChars.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
@@ -13,7 +14,6 @@ namespace {
 constexpr size_t kLongestName = 255;
 constexpr std::string_view kNotInFileNames = ":/\\*?\"|";
 constexpr std::string_view kNotInIncludes = " ;<>";
-constexpr const char* kDevices[] = {"con", "prn", "aux", "nul", "conin$", "conout$", "clock$"};
 
 // A script on the way down through the needs.
 struct Level {
@@ -21,16 +21,6 @@ struct Level {
     std::vector<std::string> needs;
     size_t next = 0;
 };
-
-// Whether the system takes the name for a device in any folder, whatever extension it has: "con", "aux.kez".
-bool isDeviceName(std::string_view name) {
-    std::string_view stem = name.substr(0, name.find('.'));
-    stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
-    if (stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9') {
-        return equalNoCase(stem.substr(0, 3), "com") || equalNoCase(stem.substr(0, 3), "lpt");
-    }
-    return std::ranges::any_of(kDevices, [stem](const char* device) { return equalNoCase(stem, device); });
-}
 
 }  // namespace
 
