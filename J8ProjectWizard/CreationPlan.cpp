@@ -1,10 +1,10 @@
 #include "J8ProjectWizard/CreationPlan.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 #include "J8ProjectWizard/WizardNames.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace zoka {
@@ -13,13 +13,6 @@ namespace {
 std::string refusalOf(const char* what, const std::string& name) {
     const std::string why = nameRefusal(name);
     return why.empty() ? why : std::string(what) + " \"" + name + "\" " + why + ".";
-}
-
-std::string lowered(std::string text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return text;
 }
 
 // A `File` or `Check` element. `folder` is its target's, with a separator; null: it is not copied.

@@ -1,7 +1,6 @@
 #include "J8ProjectWizard/CreationRecord.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -28,9 +27,9 @@ bool CreationRecord::makeFolders(const std::string& path) {
         }
     }
     const bool made = osFiles().makeFolders(path);
-    for (const std::string& folder : missing | std::views::reverse) {
-        if (osFiles().kindOf(folder) == OsKind::Folder) {
-            m_folders.push_back(folder);
+    for (auto folder = missing.rbegin(); folder != missing.rend(); ++folder) {
+        if (osFiles().kindOf(*folder) == OsKind::Folder) {
+            m_folders.push_back(*folder);
         }
     }
     return made && osFiles().kindOf(path) == OsKind::Folder;
@@ -52,7 +51,8 @@ void CreationRecord::fileMade(const std::string& path) {
     }
     const std::string full = osFiles().fullPath(path);
     // A file that is written anew was made a moment ago: it is among the last.
-    const auto known = std::ranges::find(m_files | std::views::reverse, full, &File::path);
+    const auto known = std::find_if(m_files.rbegin(), m_files.rend(),
+                                    [&full](const File& file) { return file.path == full; });
     if (known != m_files.rend()) {
         *known = {full, entry->size, entry->lastWrite};
     } else {
@@ -72,9 +72,9 @@ std::vector<std::string> CreationRecord::remove() {
             left.push_back(file.path);
         }
     }
-    for (const std::string& folder : m_folders | std::views::reverse) {
-        if (!osFiles().deleteFolder(folder) && osFiles().kindOf(folder) != OsKind::Missing) {
-            left.push_back(folder);
+    for (auto folder = m_folders.rbegin(); folder != m_folders.rend(); ++folder) {
+        if (!osFiles().deleteFolder(*folder) && osFiles().kindOf(*folder) != OsKind::Missing) {
+            left.push_back(*folder);
         }
     }
     m_files.clear();

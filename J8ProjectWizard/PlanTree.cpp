@@ -4,16 +4,10 @@
 #include <cstdio>
 
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
-
-std::string lowered(std::string text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return text;
-}
 
 // Puts the rows together: folders with what is in them, in the order in which they are named first.
 class TreeBuilder {

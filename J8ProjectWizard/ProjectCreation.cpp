@@ -42,7 +42,8 @@ bool ProjectCreation::mayContinueWith(const std::string& target) {
 }
 
 int ProjectCreation::run() {
-    for (const auto step : {&ProjectCreation::refusePlan, &ProjectCreation::makeProjectFolder}) {
+    for (const auto step : {&ProjectCreation::refuseExisting, &ProjectCreation::refusePlan,
+                            &ProjectCreation::makeProjectFolder}) {
         if (const int code = (this->*step)(); code < 0) {
             return code;
         }
@@ -62,6 +63,13 @@ int ProjectCreation::run() {
     return saveProject();
 }
 
+int ProjectCreation::refuseExisting() {
+    const std::string& folder = m_data.m_strProjectFolder;
+    return osFiles().kindOf(folder) == OsKind::Missing
+               ? kWizardDone
+               : fail(kWizardFolderExists, "ErrOverwrite", folder, folder);
+}
+
 // Before anything is made, so that a wizard whose names lead elsewhere leaves no trace.
 int ProjectCreation::refusePlan() {
     const PlanRefusal refusal = firstRefusal(m_plan, m_data.m_strProjectFolder);
@@ -77,7 +85,6 @@ int ProjectCreation::makeProjectFolder() {
     // The last folder is made by itself, which fails where another program was quicker.
     const std::string parent = folder.empty() ? folder : std::string(folderOf(folder));
     const bool made =
-        osFiles().kindOf(folder) == OsKind::Missing &&
         (parent.empty() || osFiles().kindOf(parent) == OsKind::Folder || m_record.makeFolders(parent)) &&
         m_record.makeNewFolder(folder);
     if (!made) {
@@ -137,7 +144,8 @@ int ProjectCreation::saveProject() {
     const std::string file = m_root + m_plan.projectFile;
     CJ8ProjectManager* const project = CJ8ProjectManager::Instance();
     if (!project) {
-        return fail(kWizardNoManager, "ErrLoadingProjectXml", file, m_data.m_strMessage);
+        return fail(kWizardNoManager, "ErrLoadingProjectXml", m_plan.loadsProjectFile ? file : "",
+                    m_data.m_strMessage);
     }
     project->Clear();
     project->m_roots.setProject(xmlFromPath(m_root));

@@ -21,6 +21,7 @@ public:
     int run();
 
 private:
+    int refuseExisting();
     int refusePlan();
     int makeProjectFolder();
     int makeFolder(const PlannedFolder& folder);

@@ -104,6 +104,7 @@ TEST(Creation, RefusesWithTheCodeOfEachStep) {
     } rows[] = {
         {"", "there", -3, "", "FilePath ErrOverwrite"},
         {"", "file", -3, "", "FilePath ErrOverwrite"},
+        {"<Folder name='..\\x'/>", "there", -3, "", "FilePath ErrOverwrite"},
         {"", "file\\below", -3, "", "FilePath ErrOverwrite"},
         {"<Folder name='a'><File folder='a'/></Folder>", "g", -5, "\\a\\",
          "FilePath CreateDir CreateDir ErrCopyFiles"},
