@@ -38,6 +38,7 @@ TEST_F(WizardTool, ListsAndShows) {
                 HasSubstr("  one.txt  (from .\\templates\\a\\one.txt, 1 byte)"));
     EXPECT_EQ(folder.run("wizard show none suite").status, 2);
     EXPECT_EQ(folder.run("wizard list nowhere").status, 3);
+    EXPECT_EQ(folder.run("wizard list suite/templates").status, 1);
 }
 
 TEST_F(WizardTool, ChecksWithPlaces) {
@@ -65,6 +66,10 @@ TEST_F(WizardTool, MakesProjects) {
     const ToolRun again = folder.run("project new Wiz --suite suite --folder g/new");
     EXPECT_EQ(again.status, 1);
     EXPECT_THAT(again.err, HasSubstr("already"));
+    write("<Folder name='.'><File name='none.txt' folder='a'/></Folder>");
+    fs::remove(folder.path("suite/debugLogOut.xml"));
+    EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other -n").status, 1);
+    EXPECT_FALSE(fs::exists(folder.path("suite/debugLogOut.xml"))) << "a dry run makes nothing";
     write("<Folder name='../up'/>");
     EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other").status, 1);
     EXPECT_FALSE(fs::exists(folder.path("g/other")));

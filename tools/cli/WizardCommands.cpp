@@ -1,6 +1,6 @@
 // zoka wizard and zoka project new: project wizards without their dialog.
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,8 +12,10 @@
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/DebugLog.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace zoka::cli {
@@ -27,30 +29,44 @@ struct WizardOptions {
     bool json = false, dryRun = false;
 };
 
-void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
+constexpr std::string_view kWizardEnd = ".xml";
 
-// The suite's folder becomes the current one: wizards name their templates from there.
-bool enterSuite(const std::string& folder) {
-    if (osFiles().setCurrentFolder(suitePath(folder))) {
-        return true;
+enum class Logs { Left, None };
+
+// Does some work on the wizards of a suite, whose folder becomes the current one: they name their templates from there.
+// What only looks leaves no debug log behind.
+template <class Do>
+ExitStatus withWizards(const WizardOptions& options, Logs logs, Do work) {
+    if (!osFiles().setCurrentFolder(suitePath(options.suite))) {
+        complain("cannot enter the folder " + options.suite + ": " + osFiles().lastError());
+        return ExitStatus::Failed;
     }
-    complain("cannot enter the folder " + folder + ": " + osFiles().lastError());
-    return false;
+    if (logs == Logs::None) {
+        debugLogFileName().clear();
+    }
+    return work(CJ8Wizard());
 }
 
-// The wizard of that title or file name, with or without ".xml"; nothing, and a complaint, when there is none.
-std::optional<unsigned> find(const CJ8Wizard& wizards, const std::string& name) {
-    for (unsigned i = 0; i < wizards.paths().size(); ++i) {
-        const std::string_view file = fileNameOf(wizards.paths()[i]);
-        if (wizards.titles()[i] == name || pathFromXml(wizards.titles()[i]) == name ||
-            equalNoCase(file, name) || equalNoCase(file, name + ".xml")) {
-            return i;
+// The same with the wizard of that title or file name, with or without its end.
+template <class Do>
+ExitStatus withWizard(const WizardOptions& options, Logs logs, Do work) {
+    return withWizards(options, logs, [&](const CJ8Wizard& wizards) {
+        const std::string& name = options.wizard;
+        for (unsigned i = 0; i < wizards.paths().size(); ++i) {
+            const std::string_view file = fileNameOf(wizards.paths()[i]);
+            if (wizards.titles()[i] == name || pathFromXml(wizards.titles()[i]) == name ||
+                equalNoCase(file, name) || equalNoCase(file, name + std::string(kWizardEnd))) {
+                return work(wizards, i);
+            }
         }
-    }
-    complain("no wizard is called \"" + name + "\"; see zoka wizard list");
-    return std::nullopt;
+        complain("no wizard is called \"" + name + "\"; see zoka wizard list");
+        return ExitStatus::Usage;
+    });
+}
+
+ExitStatus noWizards() {
+    complain(std::string("there is no wizard in ") + kWizardsFolder);
+    return ExitStatus::Findings;
 }
 
 Json jsonOf(const CJ8WizardUserData& data) {
@@ -91,89 +107,82 @@ void printTree(const PlanTree& tree, const std::string& folder) {
         if (const std::string problem = tree.problem(row, folder); !problem.empty()) {
             line += "  ! " + problem;
         }
-        print(line + "\n");
+        printShown(line + "\n");
     }
 }
 
 ExitStatus list(const WizardOptions& options) {
-    if (!enterSuite(options.suite)) {
-        return ExitStatus::Failed;
-    }
-    const CJ8Wizard wizards;
-    Json all = Json::array();
-    for (size_t i = 0; i < wizards.paths().size(); ++i) {
-        if (options.json) {
-            all.push_back({{"title", jsonText(wizards.titles()[i])}, {"path", jsonText(wizards.paths()[i])}});
-        } else {
-            print(wizards.titles()[i] + "\t" + wizards.paths()[i] + "\n");
+    return withWizards(options, Logs::None, [&](const CJ8Wizard& wizards) {
+        Json all = Json::array();
+        for (size_t i = 0; i < wizards.paths().size(); ++i) {
+            if (options.json) {
+                all.push_back(
+                    {{"title", jsonText(wizards.titles()[i])}, {"path", jsonText(wizards.paths()[i])}});
+            } else {
+                printShown(onOneLine(wizards.titles()[i]) + "\t" + wizards.paths()[i] + "\n");
+            }
         }
-    }
-    if (options.json) {
-        printJson(all);
-    }
-    return ExitStatus::Done;
+        if (options.json) {
+            printJson(all);
+        }
+        return wizards.paths().empty() ? noWizards() : ExitStatus::Done;
+    });
 }
 
 ExitStatus show(const WizardOptions& options) {
-    if (!enterSuite(options.suite)) {
-        return ExitStatus::Failed;
-    }
-    const CJ8Wizard wizards;
-    const auto index = find(wizards, options.wizard);
-    if (!index) {
-        return ExitStatus::Usage;
-    }
-    CJ8WizardUserData data;
-    wizards.LoadDefaults(data, *index);
-    std::string description;
-    CJ8Wizard::GetWizardDesc(description, wizards.paths()[*index]);
-    const auto plan = wizards.plan(*index, data.m_strLevelMap);
-    PlanTree tree(plan ? *plan : CreationPlan());
-    tree.lookAtAll();
-    if (options.json) {
-        printJson({{"title", jsonText(wizards.titles()[*index])},
-                   {"path", jsonText(wizards.paths()[*index])},
-                   {"description", jsonText(description)},
-                   {"defaults", jsonOf(data)},
-                   {"plan", jsonOf(tree, {})}});
+    return withWizard(options, Logs::None, [&](const CJ8Wizard& wizards, unsigned index) {
+        CJ8WizardUserData data;
+        wizards.LoadDefaults(data, index);
+        std::string description;
+        CJ8Wizard::GetWizardDesc(description, wizards.paths()[index]);
+        const auto plan = wizards.plan(index, data.m_strLevelMap);
+        PlanTree tree(plan ? *plan : CreationPlan());
+        tree.lookAtAll();
+        if (options.json) {
+            printJson({{"title", jsonText(wizards.titles()[index])},
+                       {"path", jsonText(wizards.paths()[index])},
+                       {"description", jsonText(description)},
+                       {"defaults", jsonOf(data)},
+                       {"plan", jsonOf(tree, {})}});
+            return ExitStatus::Done;
+        }
+        printShown(wizards.titles()[index] + "\n" + description + "\n\nProject: " + data.m_strName +
+                   "\nLevel: " + data.m_strLevelName + " (" + data.m_strLevelMap + ")\n\n");
+        printTree(tree, {});
         return ExitStatus::Done;
-    }
-    print(wizards.titles()[*index] + "\n" + description + "\n\nProject: " + data.m_strName +
-          "\nLevel: " + data.m_strLevelName + " (" + data.m_strLevelMap + ")\n\n");
-    printTree(tree, {});
-    return ExitStatus::Done;
+    });
 }
 
 ExitStatus check(const WizardOptions& options) {
-    if (!enterSuite(options.suite)) {
-        return ExitStatus::Failed;
-    }
-    const auto files = osFiles().list(std::string(kWizardsFolder) + "*.xml");
-    if (files.empty()) {
-        complain(std::string("there is no wizard in ") + kWizardsFolder);
-        return ExitStatus::Findings;
-    }
-    Json all = Json::array();
-    bool any = false;
-    for (const OsEntry& file : files) {
-        const std::string path = osFiles().fullPath(kWizardsFolder + file.name);
-        for (const WizardFinding& finding : wizardFindings(path)) {
-            any = true;
-            if (options.json) {
-                all.push_back({{"file", jsonText(path)},
-                               {"line", finding.line},
-                               {"column", finding.column},
-                               {"finding", jsonText(finding.text)}});
-            } else {
-                print(path + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
-                      ": " + finding.text + "\n");
+    return withWizards(options, Logs::None, [&](const CJ8Wizard&) {
+        Json all = Json::array();
+        bool any = false, found = false;
+        for (const OsEntry& file : osFiles().list(std::string(kWizardsFolder) + "*")) {
+            const std::string path = osFiles().fullPath(kWizardsFolder + file.name);
+            // What was meant to be a wizard, by its name, and what is one.
+            if (file.isFolder ||
+                (!lowered(file.name).ends_with(kWizardEnd) && !CJ8Wizard::IsWizardFile(path))) {
+                continue;
+            }
+            found = true;
+            for (const WizardFinding& finding : wizardFindings(path)) {
+                any = true;
+                if (options.json) {
+                    all.push_back({{"file", jsonText(path)},
+                                   {"line", finding.line},
+                                   {"column", finding.column},
+                                   {"finding", jsonText(finding.text)}});
+                } else {
+                    printShown(path + ":" + std::to_string(finding.line) + ":" +
+                               std::to_string(finding.column) + ": " + finding.text + "\n");
+                }
             }
         }
-    }
-    if (options.json) {
-        printJson(all);
-    }
-    return any ? ExitStatus::Findings : ExitStatus::Done;
+        if (options.json) {
+            printJson(all);
+        }
+        return !found ? noWizards() : any ? ExitStatus::Findings : ExitStatus::Done;
+    });
 }
 
 void take(std::string& field, const std::string& given) {
@@ -182,58 +191,41 @@ void take(std::string& field, const std::string& given) {
     }
 }
 
-ExitStatus create(const WizardOptions& options) {
-    const std::string folder = suitePath(options.folder);
-    const std::string templates = options.templates.empty() ? "" : suitePath(options.templates);
-    if (!enterSuite(options.suite)) {
-        return ExitStatus::Failed;
-    }
-    const CJ8Wizard wizards;
-    const auto index = find(wizards, options.wizard);
-    if (!index) {
-        return ExitStatus::Usage;
-    }
+// What the arguments say of the new project; what they don't is the wizard's default.
+CJ8WizardUserData dataOf(const WizardOptions& options, const CJ8Wizard& wizards, unsigned index) {
     CJ8WizardUserData data;
-    wizards.LoadDefaults(data, *index);
-    data.m_strProjectFolder = folder;
+    wizards.LoadDefaults(data, index);
+    data.m_strProjectFolder = options.folder;
     take(data.m_strName, options.name);
     take(data.m_strDocs, options.docs);
     take(data.m_strLevelName, options.level);
     take(data.m_strLevelDocs, options.levelDocs);
     take(data.m_strLevelMap, options.map);
-    if (!templates.empty()) {
-        data.m_strTemplatesPath = templates;
+    if (!options.templates.empty()) {
+        data.m_strTemplatesPath = options.templates;
     }
-    if (data.m_strTemplatesPath.empty()) {
-        complain("there is no folder " + std::string(kTemplatesXmlFolder) +
-                 "; name the data folder with --templates");
-        return ExitStatus::Usage;
+    return data;
+}
+
+void printPlan(const WizardOptions& options, const CJ8Wizard& wizards, unsigned index,
+               const CJ8WizardUserData& data, bool exists) {
+    const auto plan = wizards.plan(index, data.m_strLevelMap);
+    PlanTree tree(plan ? *plan : CreationPlan());
+    tree.lookAtAll();
+    if (options.json) {
+        printJson({{"project", jsonText(data.m_strProjectFolder)},
+                   {"exists", exists},
+                   {"plan", jsonOf(tree, data.m_strProjectFolder)}});
+    } else {
+        printTree(tree, data.m_strProjectFolder);
+        printShown("\nThat is " + tree.summary() + ".\n");
     }
-    const int checked = wizards.Check(data.m_strMessage, *index, data);
-    const bool exists = osFiles().kindOf(folder) != OsKind::Missing;
-    if (options.dryRun) {
-        const auto plan = wizards.plan(*index, data.m_strLevelMap);
-        PlanTree tree(plan ? *plan : CreationPlan());
-        tree.lookAtAll();
-        if (options.json) {
-            printJson({{"project", jsonText(folder)}, {"exists", exists}, {"plan", jsonOf(tree, folder)}});
-        } else {
-            printTree(tree, folder);
-        }
-    }
-    if (checked < 0) {
-        complain(data.m_strMessage + (data.m_strMessage.ends_with('\n') ? "" : "\n") + "Nothing was made.");
-        return ExitStatus::Findings;
-    }
-    if (exists) {
-        complain("there is a folder or file of that name already: " + folder + "; nothing was made");
-        return ExitStatus::Findings;
-    }
-    if (options.dryRun) {
-        return ExitStatus::Done;
-    }
+}
+
+ExitStatus make(const WizardOptions& options, const CJ8Wizard& wizards, unsigned index,
+                CJ8WizardUserData& data) {
     CreationRecord record;
-    const int code = wizards.Run(data, *index, {nullptr, &record});
+    const int code = wizards.Run(data, index, {nullptr, &record});
     if (code < 0) {
         complain(runMessage(code));
         if (!data.m_strMessage.empty()) {
@@ -243,23 +235,56 @@ ExitStatus create(const WizardOptions& options) {
         return ExitStatus::Failed;
     }
     if (options.json) {
-        printJson({{"project", jsonText(folder)},
+        printJson({{"project", jsonText(data.m_strProjectFolder)},
                    {"level", jsonText(data.m_strLevelMap)},
                    {"folders", record.folders()},
                    {"files", record.files()}});
     } else {
-        print("made " + countOf(record.folders(), "folder", "folders") + " and " +
-              countOf(record.files(), "file", "files") + " in " + folder + "\n");
+        printShown("made " + countOf(record.folders(), "folder", "folders") + " and " +
+                   countOf(record.files(), "file", "files") + " in " + data.m_strProjectFolder + "\n");
     }
     return ExitStatus::Done;
+}
+
+ExitStatus create(WizardOptions options) {
+    // They are meant from where the tool was started.
+    options.folder = suitePath(options.folder);
+    if (!options.templates.empty()) {
+        options.templates = suitePath(options.templates);
+    }
+    return withWizard(options, options.dryRun ? Logs::None : Logs::Left,
+                      [&](const CJ8Wizard& wizards, unsigned index) {
+                          CJ8WizardUserData data = dataOf(options, wizards, index);
+                          if (data.m_strTemplatesPath.empty()) {
+                              complain("there is no folder " + std::string(kTemplatesXmlFolder) +
+                                       "; name the data folder with --templates");
+                              return ExitStatus::Usage;
+                          }
+                          const int checked = wizards.Check(data.m_strMessage, index, data);
+                          const bool exists = osFiles().kindOf(options.folder) != OsKind::Missing;
+                          if (options.dryRun) {
+                              printPlan(options, wizards, index, data, exists);
+                          }
+                          if (checked < 0) {
+                              complain(data.m_strMessage + (data.m_strMessage.ends_with('\n') ? "" : "\n") +
+                                       "Nothing was made.");
+                              return ExitStatus::Findings;
+                          }
+                          if (exists) {
+                              complain("there is a folder or file of that name already: " + options.folder +
+                                       "; nothing was made");
+                              return ExitStatus::Findings;
+                          }
+                          return options.dryRun ? ExitStatus::Done : make(options, wizards, index, data);
+                      });
 }
 
 }  // namespace
 
 void addWizardCommands(CLI::App& app, Work& chosen) {
     const auto add = [&chosen](CLI::App& group, const char* name, const char* what,
-                               const std::string& example, ExitStatus (*work)(const WizardOptions&),
-                               auto&& more) {
+                               const std::string& example,
+                               const std::function<ExitStatus(const WizardOptions&)>& work, auto&& more) {
         CLI::App* command = group.add_subcommand(name, what);
         const auto options = std::make_shared<WizardOptions>();
         more(*command, *options);
