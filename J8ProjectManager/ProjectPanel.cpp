@@ -108,8 +108,8 @@ void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
     showRows(m_models);
 }
 
-bool ProjectPanel::takeReachedFurther() {
-    return std::exchange(m_reachedFurther, false);
+bool ProjectPanel::takeOtherRows() {
+    return std::exchange(m_otherRows, false);
 }
 
 std::optional<size_t> ProjectPanel::rowOf(const ProjectField& field) const {
@@ -203,8 +203,7 @@ bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
     }
     row.current = stored;
     row.isOwn = given.has_value();
-    m_reachedFurther = m_reachedFurther || row.field.kind == Kind::EntityParent ||
-                       row.field.kind == Kind::EntityName || row.field.kind == Kind::LevelName;
+    m_otherRows = m_otherRows || row.field.kind == Kind::EntityParent;
     return true;
 }
 

@@ -32,8 +32,8 @@ public:
     void showNothing() { show(Shown::Nothing, 0, 0); }
     // The same rows from the project as it is now.
     void refresh() { show(m_shown, m_level, m_entity); }
-    // An edit has changed more than its own row: names in lists, or which rows there are.
-    bool takeReachedFurther();
+    // An edit has changed which rows there are: they are to be shown anew, though not while it is being made.
+    bool takeOtherRows();
     // The row of a field; nothing when it is not among those shown.
     std::optional<size_t> rowOf(const ProjectField& field) const;
 
@@ -66,7 +66,7 @@ private:
     std::vector<EntryModel> m_models;
     Shown m_shown = Shown::Nothing;
     size_t m_level = 0, m_entity = 0;
-    bool m_reachedFurther = false;
+    bool m_otherRows = false;
 };
 
 }  // namespace zoka

@@ -7,6 +7,7 @@
 #include "J8ProjectManager/ProjectCheck.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -258,7 +259,9 @@ std::string ProjectSession::text() const {
 }
 
 std::string ProjectSession::changesText() const {
-    return unifiedDifference(m_bytes, text(), m_path, m_path);
+    const std::string after = text();
+    return unifiedDifference(std::string_view(m_bytes).substr(utf8MarkLength(m_bytes)),
+                             std::string_view(after).substr(utf8MarkLength(after)), m_path, m_path);
 }
 
 }  // namespace zoka

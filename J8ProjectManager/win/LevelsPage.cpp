@@ -12,7 +12,7 @@ enum : int { kAdd, kDuplicate, kRemove, kUp, kDown };
 constexpr int kButtons = 5;
 constexpr const char* kLevelTexts[] = {"&New level", "Duplica&te", "Remo&ve", "Earlier", "Later"};
 constexpr const char* kEntityTexts[] = {"&Add", "&Duplicate", "Re&move", "&Up", "Do&wn"};
-constexpr ListColumn kColumns[] = {{"Entity", 70, true}, {"Parent", 60, true}, {"Own values", 50}};
+constexpr ListColumn kColumns[] = {{"Entity", 62, true}, {"Parent", 52, true}, {"Own values", 54}};
 constexpr UINT kRebuild = WM_APP + 20;
 constexpr int kListWidth = 182;  // dialog units
 
@@ -112,6 +112,19 @@ void LevelsPage::fillLevels() {
     SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
 }
 
+// While the name is being typed, nothing else may be made anew: the keyboard is in its row.
+void LevelsPage::showLevelName() {
+    if (!hasLevel()) {
+        return;
+    }
+    const std::string name = shownText(model().m_apLevels[m_level].m_name);
+    if (textOf(m_levels) != name) {
+        SendMessageA(m_levels, CB_DELETESTRING, m_level, 0);
+        SendMessageA(m_levels, CB_INSERTSTRING, m_level, reinterpret_cast<LPARAM>(name.c_str()));
+        SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
+    }
+}
+
 void LevelsPage::fillEntities() {
     std::string wanted = textOf(m_search);
     CharLowerBuffA(wanted.data(), static_cast<DWORD>(wanted.size()));
@@ -190,8 +203,9 @@ void LevelsPage::rowsChanged() {
         return;
     }
     m_list.redraw();
+    showLevelName();
     m_frame.edited();
-    if (m_panel.takeReachedFurther()) {
+    if (m_panel.takeOtherRows()) {
         PostMessageA(window(), kRebuild, 0, 0);
     }
 }

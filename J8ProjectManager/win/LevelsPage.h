@@ -35,6 +35,7 @@ private:
     void rowsChanged() override;
     std::string cell(int row, int column) const;
     void fillLevels();
+    void showLevelName();
     void fillEntities();
     // Of the list's rows the first is the level itself.
     std::optional<size_t> selectedEntity() const;

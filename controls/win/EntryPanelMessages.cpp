@@ -152,8 +152,10 @@ std::optional<std::string> EntryPanel::chooseColour(const std::string& before) {
     if (!ChooseColorA(&chooser)) {
         return std::nullopt;
     }
-    return colourText(
-        {GetRValue(chooser.rgbResult), GetGValue(chooser.rgbResult), GetBValue(chooser.rgbResult)}, before);
+    const Colour chosen{GetRValue(chooser.rgbResult), GetGValue(chooser.rgbResult),
+                        GetBValue(chooser.rgbResult)};
+    const bool same = now && chosen.red == now->red && chosen.green == now->green && chosen.blue == now->blue;
+    return same ? before : colourText(chosen, before);  // the same one may be written in another way
 }
 
 void EntryPanel::scroll(WORD code) {

@@ -88,15 +88,15 @@ TEST_F(ProjectPanelTest, MarksWhatDiffersFromTheParentAndResetsItByTakingItAway)
     EXPECT_FALSE(panel.row(rowOf("Name")).blocked().empty());
 }
 
-TEST_F(ProjectPanelTest, KeepsTheSessionsUndoAndTellsOfEditsThatReachFurther) {
+TEST_F(ProjectPanelTest, KeepsTheSessionsUndoAndTellsWhichEditsAreOfOtherRows) {
     panel.showEntity(0, 1);
     std::string why;
     ASSERT_TRUE(panel.setValue(rowOf("mass"), "4", &why)) << why;
-    EXPECT_FALSE(panel.takeReachedFurther());
+    EXPECT_FALSE(panel.takeOtherRows());
     EXPECT_TRUE(panel.canUndo());
     ASSERT_TRUE(panel.setValue(rowOf("Parent"), "", &why)) << why;
-    EXPECT_TRUE(panel.takeReachedFurther());
-    EXPECT_FALSE(panel.takeReachedFurther());
+    EXPECT_TRUE(panel.takeOtherRows());
+    EXPECT_FALSE(panel.takeOtherRows());
     EXPECT_EQ(panel.undo(), std::nullopt);
     EXPECT_EQ(panel.redo(), std::nullopt);
     EXPECT_EQ(asked, "undo redo ");

@@ -308,8 +308,14 @@ void set(DriveContext& drive, const Words& words) {
         ask(GetParent(found), WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(found));
         return;
     }
-    // The control itself tells its parent of a change that is made this way.
+    if (isClass(found, "Button") || isClass(found, "Static")) {
+        throw DriveFault(describe(found) + " takes no text");
+    }
+    // The control itself tells its parent of a change that is made this way; of several lines it doesn't.
     ask(found, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(words[1].c_str()));
+    if (isClass(found, "Edit") && (GetWindowLongPtrA(found, GWL_STYLE) & ES_MULTILINE)) {
+        drive.notifyParent(found, EN_CHANGE);
+    }
 }
 
 void choose(DriveContext& drive, const Words& words) {

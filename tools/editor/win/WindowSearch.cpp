@@ -152,7 +152,7 @@ HWND findControl(HWND window, const std::string& name) {
                 }
                 break;
             case '>':
-                if (visibleText(child) == rest) {
+                if (visibleText(child) == rest && !equalNoCase(windowClass(child), "Edit")) {
                     afterLabel = true;
                 }
                 break;
