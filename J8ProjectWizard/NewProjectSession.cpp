@@ -9,9 +9,9 @@ namespace zoka {
 namespace {
 
 // Where a chooser was confirmed last in this run of the program, for Path and TemplatesPath.
-std::string& lastChosen(ProjectField field) {
+std::string& lastChosen(NewProjectField field) {
     static std::string path, templatesPath;
-    return field == ProjectField::Path ? path : templatesPath;
+    return field == NewProjectField::Path ? path : templatesPath;
 }
 
 // Texts of XML files as fields show them, and back.
@@ -74,7 +74,7 @@ const char* runMessage(int code) {
 }
 
 NewProjectSession::NewProjectSession(UserPrompt& prompt) : m_prompt(prompt) {
-    field(ProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
+    field(NewProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
     m_filled = m_texts;
 }
 
@@ -121,32 +121,32 @@ void NewProjectSession::select(int wizard) {
 }
 
 void NewProjectSession::fillFields() {
-    field(ProjectField::Name) = fieldText(m_data.m_strName);
-    field(ProjectField::Docs) = fieldText(m_data.m_strDocs);
-    field(ProjectField::Path) = m_data.m_strProjectFolder;
-    field(ProjectField::FolderName).clear();
-    field(ProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
+    field(NewProjectField::Name) = fieldText(m_data.m_strName);
+    field(NewProjectField::Docs) = fieldText(m_data.m_strDocs);
+    field(NewProjectField::Path) = m_data.m_strProjectFolder;
+    field(NewProjectField::FolderName).clear();
+    field(NewProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
 }
 
-void NewProjectSession::setText(ProjectField which, const std::string& text) {
+void NewProjectSession::setText(NewProjectField which, const std::string& text) {
     if (field(which) == text) {
         return;
     }
     field(which) = text;
     // Another wizard that is chosen now starts with the same folders.
-    if (which == ProjectField::Path) {
+    if (which == NewProjectField::Path) {
         m_data.m_strProjectFolder = text;
     }
-    if (which == ProjectField::Path || which == ProjectField::FolderName) {
+    if (which == NewProjectField::Path || which == NewProjectField::FolderName) {
         m_targetExists = false;
     }
 }
 
-bool NewProjectSession::browse(ProjectField which) {
+bool NewProjectSession::browse(NewProjectField which) {
     ChooserRequest request;
     request.title = "Select a folder...";
-    request.text = which == ProjectField::Path ? "Where do you want to create this project?"
-                                               : "Find you J8 Templates Path";
+    request.text = which == NewProjectField::Path ? "Where do you want to create this project?"
+                                                  : "Find you J8 Templates Path";
     request.startFolder = nearestFolder(text(which).empty() ? lastChosen(which) : text(which));
     const auto chosen = m_prompt.chooseFolder(request);
     if (!chosen) {
@@ -172,8 +172,8 @@ bool NewProjectSession::browse(ProjectField which) {
 }
 
 std::string NewProjectSession::projectFolder() const {
-    const std::string& path = text(ProjectField::Path);
-    const std::string& name = text(ProjectField::FolderName);
+    const std::string& path = text(NewProjectField::Path);
+    const std::string& name = text(NewProjectField::FolderName);
     return path.empty() || name.empty() ? std::string() : withSeparator(osFiles().fullPath(path)) + name;
 }
 
@@ -207,7 +207,7 @@ void NewProjectSession::lookAtTarget() {
 // What is wrong with the project folder.
 std::string NewProjectSession::folderProblem() const {
     const std::string folder = projectFolder();
-    const std::string& name = text(ProjectField::FolderName);
+    const std::string& name = text(NewProjectField::FolderName);
     if (const std::string why = nameRefusal(name); !why.empty()) {
         return "The folder name \"" + name + "\" " + why + ".";
     }
@@ -231,11 +231,11 @@ std::string NewProjectSession::hindrance() const {
     if (std::string problem = folderProblem(); !problem.empty()) {
         return problem;
     }
-    const std::pair<ProjectField, const char*> needed[] = {
-        {ProjectField::Name, "a project name"},
-        {ProjectField::Path, "a project path"},
-        {ProjectField::FolderName, "a project folder name"},
-        {ProjectField::TemplatesPath, "a J8 templates path"},
+    const std::pair<NewProjectField, const char*> needed[] = {
+        {NewProjectField::Name, "a project name"},
+        {NewProjectField::Path, "a project path"},
+        {NewProjectField::FolderName, "a project folder name"},
+        {NewProjectField::TemplatesPath, "a J8 templates path"},
     };
     std::string missing;
     for (const auto& [which, what] : needed) {
@@ -253,7 +253,7 @@ std::string NewProjectSession::state() const {
     return "OK makes " + m_tree.summary() + (m_tree.unseen() > 0 ? " so far..." : ".");
 }
 
-std::string NewProjectSession::storedText(ProjectField which, const std::string& original) const {
+std::string NewProjectSession::storedText(NewProjectField which, const std::string& original) const {
     // A default that the user left alone stays as it is, also where the field can't show all its characters.
     return text(which) == fieldText(original) ? original : xmlText(text(which));
 }
@@ -267,34 +267,34 @@ bool NewProjectSession::takeFields() {
     if (m_selected < 0 || static_cast<size_t>(m_selected) >= wizards()) {
         return refuse("Select a Wizard.");
     }
-    if (text(ProjectField::Name).empty()) {
+    if (text(NewProjectField::Name).empty()) {
         return refuse("Enter a Project Name.");
     }
-    m_data.m_strName = storedText(ProjectField::Name, m_data.m_strName);
-    if (text(ProjectField::Path).empty()) {
+    m_data.m_strName = storedText(NewProjectField::Name, m_data.m_strName);
+    if (text(NewProjectField::Path).empty()) {
         return refuse("Enter a Project Path.");
     }
-    if (text(ProjectField::FolderName).empty()) {
+    if (text(NewProjectField::FolderName).empty()) {
         return refuse("Enter a Project Folder Name.");
     }
     m_data.m_strProjectFolder = projectFolder();
-    if (!text(ProjectField::Docs).empty()) {
-        m_data.m_strDocs = storedText(ProjectField::Docs, m_data.m_strDocs);
+    if (!text(NewProjectField::Docs).empty()) {
+        m_data.m_strDocs = storedText(NewProjectField::Docs, m_data.m_strDocs);
     }
     if (m_data.m_strLevelMap.empty()) {
         return refuse("Error: Bad LevelMap name.");
     }
-    if (text(ProjectField::TemplatesPath).empty()) {
+    if (text(NewProjectField::TemplatesPath).empty()) {
         return refuse("Enter a J8 Templates Path.");
     }
-    m_data.m_strTemplatesPath = text(ProjectField::TemplatesPath);
+    m_data.m_strTemplatesPath = text(NewProjectField::TemplatesPath);
     return true;
 }
 
 std::optional<NewProject> NewProjectSession::ok(const std::function<void(const Job&)>& runJob) {
     auto made = takeFields() ? create(runJob) : std::nullopt;
     if (!made) {
-        m_data.m_strProjectFolder = text(ProjectField::Path);
+        m_data.m_strProjectFolder = text(NewProjectField::Path);
         m_tree.forgetSeen();
         lookAtTarget();
     }

@@ -16,7 +16,7 @@
 
 namespace zoka {
 
-enum class ProjectField { Name, Docs, Path, FolderName, TemplatesPath };
+enum class NewProjectField { Name, Docs, Path, FolderName, TemplatesPath };
 inline constexpr size_t kProjectFields = 5;
 
 // What was made.
@@ -39,11 +39,11 @@ public:
     int selected() const { return m_selected; }
     const std::string& description() const { return m_description; }
 
-    const std::string& text(ProjectField field) const { return m_texts[static_cast<size_t>(field)]; }
+    const std::string& text(NewProjectField field) const { return m_texts[static_cast<size_t>(field)]; }
     // The user has typed; no disk is touched.
-    void setText(ProjectField field, const std::string& text);
+    void setText(NewProjectField field, const std::string& text);
     // The browse button of Path or TemplatesPath: true when a folder was chosen, which is the field's text then.
-    bool browse(ProjectField field);
+    bool browse(NewProjectField field);
 
     // What will be made. The tree stays while the user types.
     const PlanTree& tree() const { return m_tree; }
@@ -69,10 +69,10 @@ public:
 private:
     using Texts = std::array<std::string, kProjectFields>;
 
-    std::string& field(ProjectField which) { return m_texts[static_cast<size_t>(which)]; }
+    std::string& field(NewProjectField which) { return m_texts[static_cast<size_t>(which)]; }
     void fillFields();
     // The texts of name and documentation as the data holds them.
-    std::string storedText(ProjectField which, const std::string& original) const;
+    std::string storedText(NewProjectField which, const std::string& original) const;
     std::string projectFolder() const;
     std::string folderProblem() const;
     std::string hindrance() const;

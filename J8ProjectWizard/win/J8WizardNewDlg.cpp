@@ -64,7 +64,7 @@ CJ8WizardNewDlg::CJ8WizardNewDlg(HINSTANCE module, int icon)
                    .memory = &places()}),
       m_session(userPrompt()) {
     for (size_t i = 0; i < kProjectFields; ++i) {
-        m_fields[i].which = static_cast<ProjectField>(i);
+        m_fields[i].which = static_cast<NewProjectField>(i);
     }
 }
 
@@ -84,7 +84,7 @@ void CJ8WizardNewDlg::createControls() {
         Field& field = m_fields[i];
         const int id = kFirstField + static_cast<int>(i);
         field.label = makeLabel(window(), kLabels[i], fonts());
-        if (field.which == ProjectField::Docs) {
+        if (field.which == NewProjectField::Docs) {
             field.edit = makeControl(window(), "EDIT", "",
                                      WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN,
                                      WS_EX_CLIENTEDGE, id, fonts().text());
@@ -92,9 +92,9 @@ void CJ8WizardNewDlg::createControls() {
         } else {
             field.edit = makeField(window(), id, fonts());
         }
-        if (field.which == ProjectField::Path || field.which == ProjectField::TemplatesPath) {
+        if (field.which == NewProjectField::Path || field.which == NewProjectField::TemplatesPath) {
             field.browse =
-                makeButton(window(), field.which == ProjectField::Path ? "&Browse..." : "B&rowse...",
+                makeButton(window(), field.which == NewProjectField::Path ? "&Browse..." : "B&rowse...",
                            kFirstBrowse + static_cast<int>(i), fonts());
         }
     }
@@ -110,8 +110,8 @@ void CJ8WizardNewDlg::createControls() {
 
 Area CJ8WizardNewDlg::layoutField(Field& field, Area& column, int labels) {
     const int gapX = fonts().x(kGapUnits), gapY = fonts().y(kGapUnits);
-    Area row =
-        column.takeTop(fonts().y(field.which == ProjectField::Docs ? kDocsHeight : kFieldHeightUnits), gapY);
+    Area row = column.takeTop(
+        fonts().y(field.which == NewProjectField::Docs ? kDocsHeight : kFieldHeightUnits), gapY);
     Area labelRow = row;
     labelRow.height = std::min(row.height, fonts().y(kFieldHeightUnits));
     placeLabel(field.label, labelRow, fonts(), labels);

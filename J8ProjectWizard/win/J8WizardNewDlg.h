@@ -21,7 +21,7 @@ public:
 
 private:
     struct Field {
-        zoka::ProjectField which;
+        zoka::NewProjectField which;
         HWND label = nullptr, edit = nullptr, browse = nullptr;
     };
 

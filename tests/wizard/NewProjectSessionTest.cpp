@@ -16,9 +16,9 @@ protected:
     void SetUp() override { addFullWizard(suite); }
 
     void fill(NewProjectSession& session) const {
-        session.setText(ProjectField::Name, "Game");
-        session.setText(ProjectField::Path, suite.folder.path("games"));
-        session.setText(ProjectField::FolderName, "g");
+        session.setText(NewProjectField::Name, "Game");
+        session.setText(NewProjectField::Path, suite.folder.path("games"));
+        session.setText(NewProjectField::FolderName, "g");
     }
     static std::optional<NewProject> ok(NewProjectSession& session) {
         return session.ok([](const NewProjectSession::Job& job) { job(nullptr); });
@@ -35,10 +35,10 @@ TEST_F(NewProjectSessionTest, SaysWhatIsMissingInItsOrder) {
     EXPECT_EQ(session.state(), "Choose a wizard.");
     EXPECT_FALSE(ok(session));
     session.select(0);
-    const std::pair<ProjectField, const char*> steps[] = {
-        {ProjectField::Name, "Enter a Project Name."},
-        {ProjectField::Path, "Enter a Project Path."},
-        {ProjectField::FolderName, "Enter a Project Folder Name."}};
+    const std::pair<NewProjectField, const char*> steps[] = {
+        {NewProjectField::Name, "Enter a Project Name."},
+        {NewProjectField::Path, "Enter a Project Path."},
+        {NewProjectField::FolderName, "Enter a Project Folder Name."}};
     Texts expected = {"Select a Wizard."};
     for (const auto& [field, message] : steps) {
         EXPECT_FALSE(ok(session));
@@ -66,20 +66,20 @@ TEST_F(NewProjectSessionTest, FillsTheFieldsAndRemembersWhatWasTyped) {
     const int a = session.title(0) == "A" ? 0 : 1;
     session.select(a);
     EXPECT_EQ(session.description(), "one\r\ntwo");
-    EXPECT_EQ(session.text(ProjectField::Name), "NA");
-    EXPECT_EQ(session.text(ProjectField::Docs), "D1\r\nD2");
-    EXPECT_EQ(session.text(ProjectField::TemplatesPath),
+    EXPECT_EQ(session.text(NewProjectField::Name), "NA");
+    EXPECT_EQ(session.text(NewProjectField::Docs), "D1\r\nD2");
+    EXPECT_EQ(session.text(NewProjectField::TemplatesPath),
               systemFiles().currentFolder() + "\\templates\\xml\\");
-    session.setText(ProjectField::Name, "Typed");
-    session.setText(ProjectField::Path, "C:\\games");
-    session.setText(ProjectField::FolderName, "f");
+    session.setText(NewProjectField::Name, "Typed");
+    session.setText(NewProjectField::Path, "C:\\games");
+    session.setText(NewProjectField::FolderName, "f");
     session.select(1 - a);
     EXPECT_EQ(session.description(), "<none>");
     session.select(5);
     EXPECT_EQ(session.description(), "<bad path>");
     session.select(a);
-    EXPECT_EQ(session.text(ProjectField::Name), "Typed");
-    EXPECT_EQ(session.text(ProjectField::FolderName), "f");
+    EXPECT_EQ(session.text(NewProjectField::Name), "Typed");
+    EXPECT_EQ(session.text(NewProjectField::FolderName), "f");
     EXPECT_EQ(session.rowName(0), "C:\\games\\f\\");
 }
 
@@ -121,26 +121,26 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
         {"fine", "OK makes "},
     };
     for (const auto& [name, text] : rows) {
-        session.setText(ProjectField::FolderName, name);
+        session.setText(NewProjectField::FolderName, name);
         session.lookAtTarget();
         EXPECT_TRUE(session.state().starts_with(text)) << session.state();
     }
-    session.setText(ProjectField::FolderName, "con");
+    session.setText(NewProjectField::FolderName, "con");
     EXPECT_EQ(session.rowNote(0), session.state());
     EXPECT_EQ(session.rowNote(1), "only looked for");
-    session.setText(ProjectField::FolderName, std::string(250, 'x'));
+    session.setText(NewProjectField::FolderName, std::string(250, 'x'));
     EXPECT_NE(session.state().find("the system takes 259"), std::string::npos) << session.state();
     std::filesystem::remove(suite.folder.native("templates/a/one.txt"));
     std::filesystem::remove(suite.folder.native("templates/a/lev.zlb"));
     session.select(0);
-    session.setText(ProjectField::FolderName, "g");
+    session.setText(NewProjectField::FolderName, "g");
     while (session.lookAtSources(std::chrono::milliseconds(10))) {
     }
     EXPECT_EQ(session.state(), "Missing file: .\\templates\\a\\one.txt");
     // No keystroke touches the disk.
     FaultyOsFiles files(FaultyOsFiles::never());
-    session.setText(ProjectField::FolderName, "typed");
-    session.setText(ProjectField::Path, "C:\\else");
+    session.setText(NewProjectField::FolderName, "typed");
+    session.setText(NewProjectField::Path, "C:\\else");
     session.state();
     session.rowNote(3);
     EXPECT_EQ(files.operations(), 0);
@@ -151,16 +151,16 @@ TEST_F(NewProjectSessionTest, ShowsBothTextsOfAFailedRunAndTakesBackWhatItMade) 
     NewProjectSession session(prompt);
     session.select(0);
     fill(session);
-    session.setText(ProjectField::FolderName, "there");
+    session.setText(NewProjectField::FolderName, "there");
     EXPECT_FALSE(ok(session));
     EXPECT_EQ(prompt.texts(),
               (Texts{"Could not overwrite a file/folder (make sure folder doesn't already exist).",
                      suite.folder.path("games") + "\\there"}));
-    EXPECT_EQ(session.text(ProjectField::Path), suite.folder.path("games"));
+    EXPECT_EQ(session.text(NewProjectField::Path), suite.folder.path("games"));
 
     prompt.asked.clear();
     prompt.answers = {PromptAnswer::Yes};
-    session.setText(ProjectField::FolderName, "g");
+    session.setText(NewProjectField::FolderName, "g");
     {
         FaultyOsFiles files([](int, std::string_view op, const std::string& path) {
             return op == "makeFolders" && path.ends_with("deep");
@@ -203,7 +203,7 @@ TEST_F(NewProjectSessionTest, ChoosersStartNearAndMakeFoldersOnRequest) {
     const std::string games = suite.folder.path("games");
     NewProjectSession session(prompt);
     session.select(0);
-    session.setText(ProjectField::Path, games + "\\none\\deeper");
+    session.setText(NewProjectField::Path, games + "\\none\\deeper");
     const struct {
         const char* chosen;
         std::deque<PromptAnswer> answers;
@@ -215,7 +215,7 @@ TEST_F(NewProjectSessionTest, ChoosersStartNearAndMakeFoldersOnRequest) {
     for (const auto& row : rows) {
         prompt.paths = {row.chosen ? std::optional(games + row.chosen) : std::nullopt};
         prompt.answers = row.answers;
-        EXPECT_EQ(session.browse(ProjectField::Path), row.takes);
+        EXPECT_EQ(session.browse(NewProjectField::Path), row.takes);
     }
     EXPECT_EQ(prompt.requests[0].startFolder, games);
     EXPECT_EQ(prompt.requests[0].title, "Select a folder...");
@@ -223,20 +223,20 @@ TEST_F(NewProjectSessionTest, ChoosersStartNearAndMakeFoldersOnRequest) {
     EXPECT_EQ(
         prompt.asked[0].text,
         "The folder:\n\n" + games + "\\new\\one\n\ndoes not exist. Do you want the folder to be created?");
-    EXPECT_EQ(session.text(ProjectField::Path), games + "\\new\\one");
+    EXPECT_EQ(session.text(NewProjectField::Path), games + "\\new\\one");
     EXPECT_TRUE(suite.has("games/new/one"));
 
     suite.write("games/file", "");
     prompt.paths = {games + "\\file\\x"};
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_FALSE(session.browse(ProjectField::TemplatesPath));
+    EXPECT_FALSE(session.browse(NewProjectField::TemplatesPath));
     EXPECT_EQ(prompt.requests.back().text, "Find you J8 Templates Path");
     EXPECT_EQ(prompt.asked.back().text,
               "The folder:\n\n" + games + "\\file\\x\n\ncan not be created. Please double check.");
     // An empty field: where the last chooser was confirmed.
     NewProjectSession next(prompt);
     prompt.paths = {std::nullopt};
-    next.browse(ProjectField::Path);
+    next.browse(NewProjectField::Path);
     EXPECT_EQ(prompt.requests.back().startFolder, games + "\\new\\one");
 }
 
