@@ -85,6 +85,24 @@ expect "two blanks" 123 "util/A.h:1:4: error: code should be clang-formatted" "$
 printf 'int x;\n' >"$tree/util/A.h"
 expect "laid out as it should be" 0 "" "$checks/format.sh" "$tree"
 
+# Names: a declaration, text of the finding ("" for none).
+tree=$scratch/names
+mkdir -p "$tree/util"
+cp "$checks/../../.clang-tidy" "$tree"
+while IFS='|' read -r code text; do
+    echo "$code" >"$tree/util/A.h"
+    expect "$code" "$([ -z "$text" ] && echo 0 || echo 1)" "$text" "$checks/names.sh" "$tree"
+done <<'ROWS'
+struct bad_name {};|util/A.h:1:8: error: invalid case style for struct 'bad_name'
+class A { int count = 0; };|invalid case style for private member 'count'
+#include "util/None.h"|'util/None.h' file not found
+class A { int m_count = 0; void addTo(int sum); };|
+ROWS
+mkdir -p "$tree/util/win"
+printf '#include <windows.h>\nvoid bad_name(HWND window);\n' >"$tree/util/win/B.h"
+expect "a name in a Windows header" 1 "util/win/B.h:2:6: error: invalid case style for function 'bad_name'" \
+    "$checks/names.sh" "$tree"
+
 # Counting: CTest's status of the program, its results file, the count.
 tree=$scratch/count
 while IFS='|' read -r ended results counts; do

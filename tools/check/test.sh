@@ -85,6 +85,7 @@ check checks tests/check/run.sh
 
 linux= asan= windows=
 build linux && linux=built
+[ -z "$linux" ] || check names $here/names.sh
 build linux-asan && asan=built
 if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
     echo "the Windows half is left out, because ZOKA_NO_WINE=1 is set"

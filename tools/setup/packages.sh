@@ -4,7 +4,7 @@
 # Both builds, native and Windows, with the libraries, Google Test and what the tests run programs under.
 packages_build="g++ cmake ninja-build g++-mingw-w64-i686-posix
     libboost-filesystem1.81-dev libcli11-dev nlohmann-json3-dev libstb-dev libdtl-dev googletest
-    strace xz-utils clang-format"
+    strace xz-utils clang-format clang-tidy"
 
 # Running the Windows programs: 32-bit Wine, a display without a screen, fonts for its windows.
 packages_wine="wine wine32:i386 xvfb fonts-liberation fonts-wine"
