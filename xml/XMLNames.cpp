@@ -11,7 +11,7 @@ unsigned char fold(unsigned char c) {
 
 }  // namespace
 
-XMLLeads xmlPlatformLeads = platformLeadBytes();
+XMLLeads g_xmlPlatformLeads = platformLeadBytes();
 
 std::uint64_t xmlNameKeyWithLeads(const char* name, size_t length, XMLLeads leads) {
     std::uint64_t key = 0;

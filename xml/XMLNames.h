@@ -19,9 +19,9 @@ namespace zoka {
 using XMLLeads = const bool*;
 
 // Those of the platform's set. Fixed but for tests.
-extern XMLLeads xmlPlatformLeads;
+extern XMLLeads g_xmlPlatformLeads;
 inline XMLLeads xmlLeads(XMLCharset charset) {
-    return charset == XMLCharset::Platform ? xmlPlatformLeads : nullptr;
+    return charset == XMLCharset::Platform ? g_xmlPlatformLeads : nullptr;
 }
 
 // Length of the character at `p`, which is not the terminator, in the platform's set.

@@ -20,7 +20,7 @@ int lineEnds(const char* first, const char* last) {
 
 int XMLPosition::characters(const char* first, const char* last) const {
     int count = 0;
-    if (!utf8_) {
+    if (!m_utf8) {
         if (!m_leads) {
             return static_cast<int>(last - first);
         }

@@ -19,7 +19,7 @@ public:
 
     // `leads` are those of the text's character set.
     XMLPosition(const char* begin, bool utf8, XMLLeads leads)
-        : m_begin(begin), m_anchor(begin), utf8_(utf8), m_leads(leads) {}
+        : m_begin(begin), m_anchor(begin), m_utf8(utf8), m_leads(leads) {}
 
     // Puts a 0 at `at`.
     void end(char* at) {
@@ -47,7 +47,7 @@ private:
     int m_lost = 0;          // line ends that edits took away
     const char* m_anchor;    // the end of the last edit that matters for columns
     int m_anchorColumn = 0;  // characters in front of it on its line
-    const bool utf8_;
+    const bool m_utf8;
     const XMLLeads m_leads;
 };
 

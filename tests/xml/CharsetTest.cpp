@@ -135,10 +135,10 @@ TEST(Charset, TwoByteCharactersAreWhole) {
         return flags;
     }();
     struct Restore {
-        zoka::XMLLeads before = zoka::xmlPlatformLeads;
-        ~Restore() { zoka::xmlPlatformLeads = before; }
+        zoka::XMLLeads before = zoka::g_xmlPlatformLeads;
+        ~Restore() { zoka::g_xmlPlatformLeads = before; }
     } const restore;
-    zoka::xmlPlatformLeads = leads.data();
+    zoka::g_xmlPlatformLeads = leads.data();
     const std::string text = "<\x83[x\x83K><b \x83K=\"1\" \x83k=\"2\"/></\x83[x\x83K>";
     const XMLNode document = XMLNode::parseText(text.c_str());
     EXPECT_EQ(textOf(document), text);
