@@ -41,7 +41,8 @@ std::mutex g_largeMutex;
 std::vector<LargeFolder> g_large;  // the one used last at the end
 
 // The names of `folder` that equal `name` but for case.
-std::vector<std::string> readNames(const std::string& folder, std::string_view name, const struct stat& info) {
+std::vector<std::string> readNames(const std::string& folder, std::string_view name,
+                                   const struct stat& info) {
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::string> all, equal;
     const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.c_str()), closedir);

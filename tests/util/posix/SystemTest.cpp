@@ -70,7 +70,8 @@ TEST(NativePath, MissingNamesInALargeFolderAreFoundMissingInNoTime) {
         work();
         return std::chrono::steady_clock::now() - start;
     };
-    const auto one = timed([&] { EXPECT_GE(std::ranges::distance(fs::directory_iterator(folder.native(""))), kFiles); });
+    const auto one =
+        timed([&] { EXPECT_GE(std::ranges::distance(fs::directory_iterator(folder.native(""))), kFiles); });
     const auto all = timed([&] {
         for (int i = 0; i < kFiles; ++i) {
             const std::string name = "New" + std::to_string(i);
