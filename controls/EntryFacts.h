@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "controls/TextSet.h"
+
 namespace zoka {
 
 enum class EntryField {
@@ -25,11 +27,12 @@ enum class EntryField {
 
 // How a value stands in its script, which decides what it may not hold.
 enum class ValueShape {
-    None,       // no value in a script
-    Switch,     // a line commented out or not
-    Bare,       // ends at a blank, ':', ';', '=' or ','
-    Quoted,     // between double quotes
-    Bracketed,  // between '<' and '>'
+    None,          // no value in a script
+    Switch,        // a line commented out or not
+    Bare,          // ends at a blank, ':', ';', '=' or ','
+    Quoted,        // between double quotes
+    Bracketed,     // between '<' and '>'
+    WithBrackets,  // the same, and they are a part of the value
 };
 
 // What few rows have.
@@ -40,7 +43,8 @@ struct EntryExtras {
 struct EntryFacts {
     EntryField field = EntryField::Text;
     ValueShape shape = ValueShape::None;
-    std::string label = {};  // of a picture its file's name
+    TextSet set = TextSet::System;  // of all its texts
+    std::string label = {};         // of a picture its file's name
     std::string help = {};
     std::string value = {};  // as loaded
 

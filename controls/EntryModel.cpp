@@ -6,6 +6,7 @@
 
 #include "controls/Colour.h"
 #include "controls/EntryRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -103,6 +104,14 @@ std::string EntryModel::asWritten(const std::string& typed) const {
         return !colour                             ? typed
                : colourOf(m_facts.value) == colour ? m_facts.value
                                                    : colourText(*colour, m_facts.value);
+    }
+    if (m_facts.shape == ValueShape::WithBrackets && !typed.empty() &&
+        typed.find_first_of("<>") == typed.npos) {
+        return '<' + typed + '>';
+    }
+    if (m_facts.field == EntryField::StringField && m_facts.lines > 1) {
+        const std::string value = onOneLine(typed, m_facts.bareFeeds ? "\n" : "\r\n");
+        return onOneLine(m_facts.value, "\n") == onOneLine(typed, "\n") ? m_facts.value : value;
     }
     if (!isNumber(m_facts.field)) {
         return typed;

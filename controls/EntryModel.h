@@ -35,7 +35,8 @@ public:
     void setBlocked(const std::string& reason);
 
     // What a user typed or chose, in the form in which it will be written: the loaded text where the number
-    // is the same, and ".0" where the number must keep its point. `typed` itself where it is no number.
+    // is the same, ".0" where the number must keep its point, the script's own line ends, brackets where they are a
+    // part of the value.
     std::string asWritten(const std::string& typed) const;
     // Why the row doesn't take that form of it; empty when it does.
     std::string refusalOf(const std::string& value) const;

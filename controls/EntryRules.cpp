@@ -45,6 +45,13 @@ std::string refusalOfBracketed(std::string_view text) {
     return {};
 }
 
+std::string refusalWithBrackets(std::string_view text) {
+    if (text.size() < 2 || text.front() != '<' || text.back() != '>') {
+        return "The value stands between < and > here.";
+    }
+    return text.find_first_of("<>", 1) < text.size() - 1 ? "The value would end at its first >." : "";
+}
+
 std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
     if (text.empty()) {
         return std::string(kEmptyBare);
@@ -88,6 +95,9 @@ std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {
     if (text.find('\0') != text.npos) {
         return "A character of value 0 can't be written.";
     }
+    if (!isWritten(text, facts.set)) {
+        return "The text is no UTF-8, in which this script is written.";
+    }
     const bool severalLines = facts.shape == ValueShape::Quoted && facts.lines > 1;
     if (!severalLines && text.find_first_of("\r\n") != text.npos) {
         return "A line end is not allowed here.";
@@ -97,6 +107,8 @@ std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {
             return refusalOfBare(text);
         case ValueShape::Bracketed:
             return refusalOfBracketed(text);
+        case ValueShape::WithBrackets:
+            return refusalWithBrackets(text);
         case ValueShape::Quoted:
             return text.find('"') == text.npos
                        ? ""
@@ -128,6 +140,15 @@ std::string fieldRefusal(const EntryFacts& facts, std::string_view text) {
     return {};
 }
 
+std::string storedRefusal(const EntryFacts& facts, std::string_view text) {
+    if (!isNumber(facts.field)) {
+        return fieldRefusal(facts, text);
+    }
+    EntryFacts any = facts;
+    any.decimal = true;
+    return refusalOfNumber(any, text);
+}
+
 std::string entryRefusal(const EntryFacts& facts, std::string_view text) {
     if (hasValue(facts.field) && !facts.different && text == facts.value) {
         return {};
@@ -142,9 +163,10 @@ std::string entryRefusal(const EntryFacts& facts, std::string_view text) {
                    allowedRange(facts) + ").";
         }
     }
-    if (facts.maxChars > 0 && text.size() > static_cast<size_t>(facts.maxChars)) {
+    const size_t characters = characterCount(text, facts.set);
+    if (facts.maxChars > 0 && characters > static_cast<size_t>(facts.maxChars)) {
         return "At most " + std::to_string(facts.maxChars) + " characters fit here; these are " +
-               std::to_string(text.size()) + ".";
+               std::to_string(characters) + ".";
     }
     return {};
 }

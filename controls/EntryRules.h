@@ -16,6 +16,9 @@ std::optional<double> numberOf(std::string_view text);
 std::string shapeRefusal(const EntryFacts& facts, std::string_view text);
 // The same of anything that speaks against `text` but the limits: also what the field can't hold.
 std::string fieldRefusal(const EntryFacts& facts, std::string_view text);
+// Why a value that another version of the file holds can't be put there as it stands: only what would break the
+// definition, or make it another kind of entry, speaks against it.
+std::string storedRefusal(const EntryFacts& facts, std::string_view text);
 // Why a user's entry of `text` is refused; empty when it isn't. What was loaded is always allowed.
 std::string entryRefusal(const EntryFacts& facts, std::string_view text);
 

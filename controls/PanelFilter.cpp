@@ -5,29 +5,12 @@
 namespace zoka {
 namespace {
 
-// Letters of the Windows-1252 set in their small form.
-char folded(char c) {
-    const auto u = static_cast<unsigned char>(c);
-    if ((u >= 'A' && u <= 'Z') || (u >= 0xC0 && u <= 0xDE && u != 0xD7)) {
-        return static_cast<char>(u + 0x20);
-    }
-    if (u == 0x8A || u == 0x8C || u == 0x8E) {
-        return static_cast<char>(u + 0x10);
-    }
-    return c;
-}
-
-std::string foldedText(std::string_view text) {
-    std::string made(text);
-    std::transform(made.begin(), made.end(), made.begin(), folded);
-    return made;
-}
-
-std::vector<std::string> wordsOf(std::string_view text) {
+std::vector<std::string> wordsOf(const std::string& search) {
+    const std::string text = foldedText(search, textSetOf(search));
     std::vector<std::string> words;
     for (size_t at = 0; (at = text.find_first_not_of(" \t\r\n", at)) != text.npos;) {
         const size_t end = std::min(text.find_first_of(" \t\r\n", at), text.size());
-        words.push_back(foldedText(text.substr(at, end - at)));
+        words.push_back(text.substr(at, end - at));
         at = end;
     }
     return words;
@@ -61,7 +44,7 @@ std::vector<bool> PanelFilter::visible(std::span<const FilterItem> items) const 
         if (item.field == EntryField::Heading) {
             heading = i;
             fold = isFolded(i);
-            const std::string caption = foldedText(item.label);
+            const std::string caption = foldedText(item.label, item.set);
             for (size_t w = 0; w < words.size(); ++w) {
                 inSection[w] = caption.find(words[w]) != caption.npos;
             }
@@ -74,7 +57,7 @@ std::vector<bool> PanelFilter::visible(std::span<const FilterItem> items) const 
         }
         bool match = !changedOnly || item.changed;
         if (match && !words.empty()) {
-            const std::string own = foldedText(item.label) + '\n' + foldedText(item.help);
+            const std::string own = foldedText(item.label, item.set) + '\n' + foldedText(item.help, item.set);
             for (size_t w = 0; w < words.size() && match; ++w) {
                 match = inSection[w] || own.find(words[w]) != own.npos;
             }

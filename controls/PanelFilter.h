@@ -16,13 +16,15 @@ struct FilterItem {
     std::string_view label;
     std::string_view help;
     bool changed = false;
+    TextSet set = TextSet::System;
 };
 
 // Sections run from their heading to the next one; what stands above the first belongs to none. Case doesn't
 // count, for accented letters neither. [panel thread]
 class PanelFilter {
 public:
-    std::string search;  // every word of it must be in an entry's label, help or section
+    // Every word of it must be in an entry's label, help or section. In UTF-8; what is none is in the system's set.
+    std::string search;
     bool changedOnly = false;
 
     bool isFolded(size_t heading) const { return heading < m_folded.size() && m_folded[heading]; }

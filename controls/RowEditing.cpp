@@ -65,6 +65,27 @@ bool RowEditing::setValue(size_t i, const std::string& text, std::string* why, b
     return true;
 }
 
+bool RowEditing::putValue(size_t i, const std::string& value, std::string* why) {
+    EntryModel& model = m_rows[i];
+    if (!model.isDifferent() && value == model.value()) {
+        return true;
+    }
+    std::string before = stateOf(i), refusal = model.blocked();
+    if (refusal.empty() && value != model.loadedValue()) {
+        refusal = storedRefusal(model.facts(), value);
+    }
+    if (!refusal.empty() || !store(i, value, refusal)) {
+        if (why) {
+            *why = std::move(refusal);
+        }
+        return false;
+    }
+    model.putBack(value);
+    m_history.add({{i, std::move(before), stateOf(i)}});
+    m_listener->valuesChanged();
+    return true;
+}
+
 size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::string>* refusals) {
     EditHistory::Step step;
     for (const RowValue& one : values) {
@@ -164,7 +185,7 @@ size_t RowEditing::reset(size_t first, size_t last, ResetTo to) {
     std::string why;
     for (size_t i = first; i < last; ++i) {
         const auto value = resetValue(i, to);
-        if (!value || (*value != row(i).loadedValue() && !fieldRefusal(row(i).facts(), *value).empty())) {
+        if (!value || (*value != row(i).loadedValue() && !storedRefusal(row(i).facts(), *value).empty())) {
             continue;
         }
         std::string before = stateOf(i);
@@ -186,7 +207,8 @@ std::vector<bool> RowEditing::visibleRows() const {
     std::vector<FilterItem> items;
     items.reserve(size());
     for (const EntryModel& one : m_rows) {
-        items.push_back({one.facts().field, one.facts().label, one.facts().help, one.HasChanged()});
+        items.push_back(
+            {one.facts().field, one.facts().label, one.facts().help, one.HasChanged(), one.facts().set});
     }
     return filter.visible(items);
 }

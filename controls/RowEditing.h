@@ -57,6 +57,8 @@ public:
     // What the user typed or chose. False with the reason, and the value as it was, when it's refused. With
     // `typing` the edits of one field become one step of undo, until leaveField.
     bool setValue(size_t i, const std::string& text, std::string* why = nullptr, bool typing = false);
+    // A value of another version of the file, as it stands: limits and the ways of writing a number don't count.
+    bool putValue(size_t i, const std::string& value, std::string* why = nullptr);
     virtual void leaveField() { m_history.endJoining(); }
     // Several values at once, in one step of undo; how many rows have another value now. `refusals` (may be null)
     // gets the reason of each that is refused, and an empty text for the others.

@@ -14,8 +14,8 @@
 namespace zoka {
 namespace {
 
-std::string keyOf(int id, const std::string& label) {
-    return id >= 1 ? '#' + std::to_string(id) : '=' + label;
+std::string keyOf(int id, const std::string& label, TextSet set) {
+    return id >= 1 ? '#' + std::to_string(id) : '=' + utf8Text(label, set);
 }
 
 // The entries with a value by id or label, in their order; each is given out once.
@@ -25,13 +25,13 @@ public:
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
             if (entry.hasValue()) {
-                m_places[keyOf(entry.id, entry.label)].rows.push_back(i);
+                m_places[keyOf(entry.id, entry.label, script.set)].rows.push_back(i);
             }
         }
     }
     // The next row for it, or -1.
-    ptrdiff_t next(int id, const std::string& label) {
-        const auto found = m_places.find(keyOf(id, label));
+    ptrdiff_t next(int id, const std::string& label, TextSet set) {
+        const auto found = m_places.find(keyOf(id, label, set));
         if (found == m_places.end() || found->second.given == found->second.rows.size()) {
             return -1;
         }
@@ -78,7 +78,7 @@ std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomS
     std::vector<std::ptrdiff_t> found;
     found.reserve(from.entries.size());
     for (const CustomEntry& entry : from.entries) {
-        found.push_back(entry.hasValue() ? places.next(entry.id, entry.label) : -1);
+        found.push_back(entry.hasValue() ? places.next(entry.id, entry.label, from.set) : -1);
     }
     return found;
 }
@@ -88,7 +88,7 @@ std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly) {
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = panel.script.entries[i];
         if (entry.hasValue() && (changedOnly ? panel.row(i).HasChanged() : entry.id >= 1)) {
-            values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value()});
+            values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value(), panel.script.set});
         }
     }
     return values;
@@ -115,15 +115,21 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
     std::vector<UnplacedValue> unplaced;
     Places places(panel.script);
     for (const KeptValue& kept : values) {
-        const ptrdiff_t row = places.next(kept.id, kept.label);
+        const ptrdiff_t row = places.next(kept.id, kept.label, kept.set);
         if (row < 0) {
             unplaced.push_back({kept, "the script has no entry for it"});
             continue;
         }
         EntryModel& model = panel.row(static_cast<size_t>(row));
-        std::string why = carryRefusal(kept, panel.script.entries[static_cast<size_t>(row)], model.facts());
+        std::string why;
+        const auto value = convertText(kept.value, kept.set, panel.script.set, &why);
+        if (value) {
+            KeptValue here = kept;
+            here.value = *value;
+            why = carryRefusal(here, panel.script.entries[static_cast<size_t>(row)], model.facts());
+        }
         if (why.empty()) {
-            model.SetValueFromText(kept.value);
+            model.SetValueFromText(*value);
         } else {
             unplaced.push_back({kept, std::move(why)});
         }
@@ -140,9 +146,10 @@ std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptR
             continue;
         }
         const std::string& value = before.row(i).value();
-        if (places[i] < 0 || after.row(static_cast<size_t>(places[i])).value() != value) {
-            lost.push_back(
-                {{entry.id, entry.kind, entry.label, value}, "entries without an id are not kept"});
+        if (places[i] < 0 || utf8Text(after.row(static_cast<size_t>(places[i])).value(), after.script.set) !=
+                                 utf8Text(value, before.script.set)) {
+            lost.push_back({{entry.id, entry.kind, entry.label, value, before.script.set},
+                            "entries without an id are not kept"});
         }
     }
     return lost;

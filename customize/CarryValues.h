@@ -14,6 +14,7 @@ struct KeptValue {
     int kind = -1;
     std::string label;
     std::string value;
+    TextSet set = TextSet::System;  // of both
 };
 
 struct UnplacedValue {

@@ -4,9 +4,12 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
+#include "util/Fold.h"
 #include "util/LexChars.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -69,6 +72,8 @@ constexpr std::array<std::string_view, kKeywordCount> kNames = {"title",
 // Of a script's header and of comments above functions: no markup, and no slips either.
 constexpr std::string_view kHeaderWords[] = {"class",  "data",  "enginereq", "endheader", "function",
                                              "idcode", "needs", "note",      "prefix",    "type"};
+// Words of ordinary comments that are near to a keyword.
+constexpr std::string_view kOrdinaryWords[] = {"tile", "mage"};
 
 constexpr size_t kLongest = 16;
 
@@ -121,6 +126,14 @@ bool oneSlipApart(std::string_view a, std::string_view b) {
            equalNoCase(a.substr(2), b.substr(2));
 }
 
+// In whatever order.
+bool sameLetters(std::string_view a, std::string_view b) {
+    std::string one = lowered(a), other = lowered(b);
+    std::ranges::sort(one);
+    std::ranges::sort(other);
+    return one == other;
+}
+
 }  // namespace
 
 int LookupCustomKeyword(const char* word, size_t length) {
@@ -156,9 +169,23 @@ int nearCustomKeyword(std::string_view word) {
             return kNoKeyword;
         }
     }
+    for (const std::string_view ordinary : kOrdinaryWords) {
+        if (equalNoCase(word, ordinary)) {
+            return kNoKeyword;
+        }
+    }
+    constexpr size_t kShort =
+        4;  // so many letters, one of them another one, are a word of its own: "next", "test"
     for (int i = 0; i < kKeywordCount; ++i) {
         const std::string_view name = kNames[static_cast<size_t>(i)];
-        if (name.size() >= 3 && oneSlipApart(word, name)) {
+        if (name.size() < 3 || !oneSlipApart(word, name)) {
+            continue;
+        }
+        const bool plural = word.size() == name.size() + 1 && foldCase(word.back()) == 's' &&
+                            name.back() != 'y' && equalNoCase(word.substr(0, name.size()), name);
+        const bool otherWord =
+            word.size() == name.size() && name.size() <= kShort && !sameLetters(word, name);
+        if (!plural && !otherWord) {
             return i;
         }
     }

@@ -50,7 +50,8 @@ inline int LookupCustomKeyword(std::string_view word) {
 const char* customKeywordName(int keyword);
 
 // The keyword that `word` is a slip away from: one letter too many, too few or wrong, or two exchanged. -1
-// for keywords themselves, for words of a script's header ("data" isn't a slip of "date") and for all others.
+// for keywords themselves, for words of a script's header ("data" isn't a slip of "date"), for those of ordinary
+// comments ("next", "texts") and for all others.
 int nearCustomKeyword(std::string_view word);
 
 }  // namespace zoka

@@ -25,7 +25,7 @@ constexpr double kMaximumDefault = 999999.0;
 
 std::string inQuotes(std::string_view text) {
     constexpr size_t kShown = 60;
-    return '"' + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "...\"" : "\"");
+    return '"' + std::string(beginningOf(text, kShown)) + (text.size() > kShown ? "...\"" : "\"");
 }
 
 // A limit of a "cntl" line; false when it's no number (and then 0).
@@ -43,16 +43,20 @@ bool readLimit(std::string_view token, double ifX, double& value) {
         return true;
     }
     // What a number's beginning is worth counts.
-    size_t length = token.size();
-    while (length > 0 && !numberOf(token.substr(0, length))) {
-        --length;
+    size_t length = lex::isSign(token[0]) ? 1 : 0;
+    for (bool point = false; length < token.size(); ++length) {
+        if (token[length] == '.' && !point) {
+            point = true;
+        } else if (!lex::isDecimal(token[length])) {
+            break;
+        }
     }
-    value = length > 0 ? *numberOf(token.substr(0, length)) : 0;
+    value = numberOf(token.substr(0, length)).value_or(0);
     return false;
 }
 
-// "12, 800, Label": two numbers, each with a comma behind it. Both or none.
-std::string_view readTextNumbers(std::string_view text, int& first, int& second) {
+// "12, 800, Label": two numbers, each with a comma behind it. Both or none; `one` tells of the first alone.
+std::string_view readTextNumbers(std::string_view text, int& first, int& second, bool& one) {
     std::string_view rest = text;
     int numbers[2] = {0, 0};
     for (int& number : numbers) {
@@ -61,6 +65,7 @@ std::string_view readTextNumbers(std::string_view text, int& first, int& second)
             ++digits;
         }
         if (digits == 0 || digits == rest.size() || rest[digits] != ',') {
+            one = rest.size() < text.size();
             return text;
         }
         number = markupInteger(rest);
@@ -75,7 +80,7 @@ std::string_view readTextNumbers(std::string_view text, int& first, int& second)
 class MarkupReader {
 public:
     MarkupReader(std::string_view text, CustomScript& script)
-        : m_script(script), m_text(text), m_lastQuote(m_text.rfind('"')) {}
+        : m_script(script), m_text(text), m_lastQuote(m_text.rfind('"')), m_next(utf8MarkLength(text)) {}
 
     void run() {
         // Moving entries about while their number grows would cost more than reading them.
@@ -180,7 +185,13 @@ private:
         m_entry.kind = keyword;
         m_entry.line = lineNumber();
         if (keyword == kEntryText) {
-            text = readTextNumbers(text, m_entry.textParam1, m_entry.textParam2);
+            bool one = false;
+            text = readTextNumbers(text, m_entry.textParam1, m_entry.textParam2, one);
+            if (one) {
+                report(inQuotes(text) +
+                       " begins with one number; it takes two, the lines and the characters, each with a "
+                       "comma behind it. It was taken as the label");
+            }
         }
         m_entry.label.assign(text);
     }
@@ -436,7 +447,7 @@ private:
     CustomScript& m_script;
     std::string_view m_text;
     size_t m_lastQuote;
-    size_t m_next = 0;    // where the next line begins
+    size_t m_next;        // where the next line begins
     int m_line = 0;       // the current line's number
     CustomEntry m_entry;  // under construction while its kind is one
     bool m_inAction = false;
@@ -475,6 +486,13 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
         entry.options.clear();
         for (std::string_view option = tokens.next(); !option.empty(); option = tokens.next()) {
             entry.options.emplace_back(option);
+        }
+        const auto comma = std::ranges::find_if(entry.options, [](const std::string& option) {
+            return option.starts_with(',') || option.ends_with(',');
+        });
+        if (comma != entry.options.end()) {
+            complain("choices are parted by blanks: the comma of " + inQuotes(*comma) +
+                     " is a part of a choice of " + inQuotes(entry.label));
         }
         if (entry.options.empty()) {
             complain("the list of choices of " + inQuotes(entry.label) + " is empty");

@@ -6,7 +6,9 @@
 #include <utility>
 
 #include "controls/EntryRules.h"
+#include "controls/PictureFile.h"
 #include "customize/CustomMarkup.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
@@ -31,9 +33,6 @@ bool hasFraction(double value) {
 void checkEncoding(CustomScript& script) {
     if (hasUtf16Mark(script.text)) {
         script.findings.add(1, "This file is UTF-16; save it as 8-bit or UTF-8 text to customize it");
-    } else if (utf8MarkLength(script.text) > 0) {
-        script.findings.add(
-            1, "a byte order mark stands in front of the first line, which is not read as markup");
     }
 }
 
@@ -76,8 +75,35 @@ bool endsLinesInLf(const CustomScript& script, const CustomEntry& entry) {
     return before != script.text.npos && (before == 0 || script.text[before - 1] != '\r');
 }
 
+// A control that belongs to another kind of entry changes nothing.
+void checkControl(CustomScript& script, const CustomEntry& entry) {
+    const bool list = entry.controlKind == kDropList || entry.controlKind == kDropPair;
+    const bool drop = entry.kind >= kEntryEntity && entry.kind <= kEntryDrop;
+    if ((list && !drop) || (isLimited(entry) && !isNumberKind(entry.kind))) {
+        script.findings.add(entry.line, std::string(list ? "a list of choices" : "a spin or slider") +
+                                            " is no control for " + inQuotes(entry.label) +
+                                            ", whose value is " +
+                                            (isNumberKind(entry.kind) ? "a number"
+                                             : drop                   ? "one of a list"
+                                                                      : "a text") +
+                                            (list ? "; make it an entry_drop" : "") + ". It was ignored");
+    }
+}
+
 bool lacks(const std::vector<std::string>& choices, const std::string& value) {
     return std::find(choices.begin(), choices.end(), value) == choices.end();
+}
+
+std::string pictureFault(const std::string& name, const std::string& path) {
+    if (name.empty()) {
+        return "it has no name";
+    }
+    const auto bytes = osFiles().readWhole(path);
+    if (!bytes) {
+        return osFiles().exists(path) ? osFiles().lastError()
+                                      : "there is no such file beside the script or in the template folder";
+    }
+    return decodePicture(*bytes) ? "" : "it is damaged, or no BMP, TGA or PCX";
 }
 
 }  // namespace
@@ -116,6 +142,7 @@ bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::st
 void parseCustomText(std::string fileText, CustomScript& script) {
     script.text = std::move(fileText);
     script.fileLength = script.text.size();
+    script.set = textSetOf(script.text);
     if (!script.text.ends_with("\r\n")) {
         script.text += "\r\n";
     }
@@ -167,21 +194,45 @@ void checkCustomEntries(CustomScript& script) {
     checkIds(script);
     for (const CustomEntry& entry : script.entries) {
         checkCustomValue(script, entry);
+        if (entry.hasValue() && entry.controlKind != kNoControl) {
+            checkControl(script, entry);
+        }
+    }
+    script.findings.sortByLine();
+}
+
+void checkPictures(CustomScript& script, const std::function<std::string(const std::string&)>& pathOf) {
+    constexpr size_t kMostPictures = 200;  // read here; a script has a few
+    KeyedMap<std::string, std::string> faults;
+    for (const CustomEntry& entry : script.entries) {
+        if (entry.kind != kImage || faults.size() == kMostPictures) {
+            continue;
+        }
+        const auto [known, added] = faults.try_emplace(entry.label);
+        if (added) {
+            known->second = pictureFault(entry.label, pathOf(entry.label));
+        }
+        if (!known->second.empty()) {
+            script.findings.add(entry.line,
+                                "the picture " + inQuotes(entry.label) + " can't be shown: " + known->second);
+        }
     }
     script.findings.sortByLine();
 }
 
 EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames) {
     EntryFacts facts;
+    facts.set = script.set;
     facts.label = entry.label;
     facts.help = entry.help;
     facts.value = entry.value;
     if (entry.kind > kEnable && entry.valueStart > 0) {
         const char before = script.text[entry.valueStart - 1];
         // The span of a bare value begins behind a blank, "=" or a line end.
-        facts.shape = before == '"'   ? ValueShape::Quoted
-                      : before == '<' ? ValueShape::Bracketed
-                                      : ValueShape::Bare;
+        facts.shape = before == '"'                  ? ValueShape::Quoted
+                      : before == '<'                ? ValueShape::Bracketed
+                      : entry.value.starts_with('<') ? ValueShape::WithBrackets
+                                                     : ValueShape::Bare;
     }
     switch (entry.kind) {
         case kTitle:

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -47,6 +48,7 @@ struct CustomEntry {
 struct CustomScript {
     std::string scriptPath;            // at most 259 characters
     std::string text;                  // for reading it always ends with CR LF
+    TextSet set = TextSet::System;     // of the whole text, and so of all texts of the entries
     size_t fileLength = 0;             // how much of the text the file held: what is written back
     std::vector<CustomEntry> entries;  // in the order in which they were completed
     int version = 0;
@@ -76,6 +78,9 @@ void parseCustomText(std::string fileText, CustomScript& script);
 void checkCustomEntries(CustomScript& script);
 // Those of them that are about one entry's value. They stand at the findings' end.
 void checkCustomValue(CustomScript& script, const CustomEntry& entry);
+
+// Pictures that can't be shown; `pathOf` tells where the file of a name is looked for. Reads them.
+void checkPictures(CustomScript& script, const std::function<std::string(const std::string&)>& pathOf);
 
 // The host's names, in one list that all rows share; null when there are none.
 using HostNames = std::shared_ptr<const std::vector<std::string>>;

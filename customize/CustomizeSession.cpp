@@ -66,6 +66,7 @@ bool CustomizeSession::load(const std::string& fileName) {
     }
     m_panel = std::move(loaded);
     m_problem.clear();
+    checkPictures(m_panel.script, [this](const std::string& name) { return picturePath(name); });
     return true;
 }
 
@@ -213,7 +214,7 @@ bool CustomizeSession::update() {
     m_unplaced.clear();
     show();
     m_view->bringToFront();
-    if (byFile) {
+    if (byFile && before.script.set == m_panel.script.set) {
         carryFromValueFile(values);
     } else {
         carryFromMemory(values);
@@ -247,9 +248,9 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
     }
     const auto place = [&](const ValueRecord& record, CustomEntry* entry) {
         const auto found = keptOf.find(record.id);
-        UnplacedValue lost{
-            {record.id, record.kind, found == keptOf.end() ? "" : found->second->label, record.value},
-            "the script has no entry for it"};
+        UnplacedValue lost{{record.id, record.kind, found == keptOf.end() ? "" : found->second->label,
+                            record.value, m_panel.script.set},
+                           "the script has no entry for it"};
         if (lost.kept.value.ends_with('\r')) {
             lost.kept.value.pop_back();
         }

@@ -21,8 +21,10 @@ std::string labelOf(const CustomScript& script, size_t i) {
     while (start < script.text.size() && (lex::isBlank(script.text[start]) || script.text[start] == '/')) {
         ++start;
     }
-    const size_t end = std::min(script.text.find_first_of("\r\n", start), start + 80);
-    return entry.label + ": " + script.text.substr(start, end - start);
+    const size_t end = script.text.find_first_of("\r\n", start);  // the text always ends with one
+    constexpr size_t kShown = 80;
+    return entry.label + ": " +
+           std::string(beginningOf(std::string_view(script.text).substr(start, end - start), kShown));
 }
 
 EntryModel rowOf(const CustomScript& script, size_t i, const HostNames& hostNames) {

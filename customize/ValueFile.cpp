@@ -1,5 +1,6 @@
 #include "customize/ValueFile.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
@@ -149,21 +150,33 @@ bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& si
     return !stored.error;
 }
 
-bool valueFileCarriesAll(const CustomScript& script, bool useControlValues) {
+std::vector<NotCarried> notCarried(const CustomScript& script, bool useControlValues) {
+    std::vector<NotCarried> lost;
     KeyedSet<int> ids;
-    for (const CustomEntry& entry : script.entries) {
+    for (size_t i = 0; i < script.entries.size(); ++i) {
+        const CustomEntry& entry = script.entries[i];
+        const auto add = [&](const std::string& why) { lost.push_back({i, why}); };
         if (entry.id < 1) {
+            if (entry.hasValue()) {
+                add("it has no id");
+            }
             continue;
         }
-        if (!ids.insert(entry.id).second) {
-            return false;
-        }
         const std::string value = valueOf(entry, useControlValues);
-        if (value.size() >= kValueFileLine || value.find_first_of("\r\n") != value.npos) {
-            return false;
+        if (!ids.insert(entry.id).second) {
+            add("another entry has the id " + std::to_string(entry.id) + " too");
+        } else if (value.find_first_of("\r\n") != value.npos) {
+            add("a line end ends the value in the file");
+        } else if (value.size() >= kValueFileLine) {
+            add("a value of more than " + std::to_string(kValueFileLine - 1) + " bytes is cut");
         }
     }
-    return true;
+    return lost;
+}
+
+bool valueFileCarriesAll(const CustomScript& script, bool useControlValues) {
+    const std::vector<NotCarried> lost = notCarried(script, useControlValues);
+    return std::ranges::all_of(lost, [&](const NotCarried& one) { return script.entries[one.entry].id < 1; });
 }
 
 }  // namespace zoka

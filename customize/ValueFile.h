@@ -51,6 +51,13 @@ using ValueSink = std::function<void(const ValueRecord& record, CustomEntry* ent
 // With a sink, values are handed to it in the place of the controls.
 bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& sink = {});
 
+struct NotCarried {
+    size_t entry = 0;
+    std::string why;
+};
+// The values that the file can't give back: of entries without an id, or with that of another one, and those that
+// take more than one line of it.
+std::vector<NotCarried> notCarried(const CustomScript& script, bool useControlValues);
 // Whether reading back what valueFileText writes gives every value to its own entry: no id twice, no line end
 // in a value, none longer than a line.
 bool valueFileCarriesAll(const CustomScript& script, bool useControlValues);

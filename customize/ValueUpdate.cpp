@@ -50,7 +50,7 @@ std::vector<ScriptEdit> soundEdits(ScriptRows& panel, std::vector<UnplacedValue>
                 continue;
             }
             const CustomEntry& entry = panel.script.entries[i];
-            unplaced.push_back({{entry.id, entry.kind, entry.label, row.value()},
+            unplaced.push_back({{entry.id, entry.kind, entry.label, row.value(), panel.script.set},
                                 "the new version would not find it again"});
             row.SetValueFromText(row.loadedValue());
             again = true;
@@ -173,7 +173,8 @@ std::optional<std::vector<std::optional<std::string>>> templateDefaults(const Cu
     std::vector<std::optional<std::string>> values;
     for (const std::ptrdiff_t place : matchEntries(script, original)) {
         values.push_back(place < 0 ? std::nullopt
-                                   : std::optional(original.entries[static_cast<size_t>(place)].value));
+                                   : convertText(original.entries[static_cast<size_t>(place)].value,
+                                                 original.set, script.set));
     }
     return values;
 }

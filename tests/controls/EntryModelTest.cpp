@@ -102,6 +102,33 @@ TEST(EntryRules, RefusalsNameTheReason) {
     }
 }
 
+TEST(EntryModel, WritesWhatIsTypedInTheScriptsOwnForm) {
+    EntryFacts feeds = text(EntryField::StringField, ValueShape::Quoted, "a\nb", 3), returns = feeds;
+    feeds.bareFeeds = true;
+    returns.value = "a\r\nb\nc";
+    const EntryFacts brackets = text(EntryField::DropList, ValueShape::WithBrackets, "<a.bmp>");
+    const struct {
+        const EntryFacts& facts;
+        std::string typed;
+        const char* written;  // null: refused
+    } rows[] = {
+        {feeds, "x\r\ny", "x\ny"},
+        {returns, "x\ny", "x\r\ny"},
+        {returns, "a\nb\nc", "a\r\nb\nc"},
+        {brackets, "b.bmp", "<b.bmp>"},
+        {brackets, "<b c.bmp>", "<b c.bmp>"},
+        {brackets, "", nullptr},
+        {brackets, "<b", nullptr},
+        {brackets, "<b><c>", nullptr},
+        {brackets, "<b\n>", nullptr},
+    };
+    for (const auto& row : rows) {
+        EntryModel model(row.facts);
+        EXPECT_EQ(model.edit(row.typed), row.written != nullptr) << row.typed;
+        EXPECT_EQ(model.value(), row.written ? row.written : row.facts.value) << row.typed;
+    }
+}
+
 TEST(EntryModel, KeepsItsValueWhenAnEditIsRefused) {
     EntryModel model(number("5", 0, 10, 1, false));
     std::string why;

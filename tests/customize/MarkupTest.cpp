@@ -56,7 +56,8 @@ TEST(Keywords, SlipsAreOneEditAwayAndNoHeaderWords) {
     } rows[] = {{"titel", kTitle},     {"entri", kEntry}, {"entrys", kEntry}, {"enabel", kEnable},
                 {"sectoin", kSection}, {"hlep", kHelp},   {"CNTRL", kCntl},   {"entry", -1},
                 {"data", -1},          {"note", -1},      {"type", -1},       {"tx", -1},
-                {"sections2", -1},     {"idd", -1}};
+                {"sections2", -1},     {"idd", -1},       {"next", -1},       {"Test", -1},
+                {"texts", -1},         {"titles", -1},    {"tile", -1},       {"skil", kSkill}};
     for (const auto& row : rows) {
         EXPECT_EQ(nearCustomKeyword(row.word), row.keyword) << row.word;
     }
@@ -238,7 +239,11 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
         {"// entry: A\n// cntl: slider 0 ten 1\nvar x = 0;", 2, "\"ten\" in the limits"},
         {"// entry: A\n// cntl: slider 9 1 1\nvar x = 5;", 2, "above its maximum"},
         {"// entry: A\ns = \"open;\n", 1, "never closed"},
-        {"\xEF\xBB\xBF// entry: A\nvar x = 5;\n", 1, "byte order mark"},
+        {"// entry: A\n// cntl: drop_list a b\nvar x = 5;", 1, "a list of choices is no control for \"A\""},
+        {"// entry_text: A\n// cntl: slider 0 9 1\nx = \"t\";", 1,
+         "a spin or slider is no control for \"A\""},
+        {"// entry_drop: A\n// cntl: drop_list a, b, c\nx = c;", 2, "the comma of \"a,\""},
+        {"// entry_text: 3, A\nx = \"t\";", 1, "\"3, A\" begins with one number"},
         {"\xFF\xFE/", 1, "UTF-16"},
     };
     for (const auto& row : rows) {
@@ -248,8 +253,9 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
         EXPECT_THAT(script.findings.kept()[0].what, HasSubstr(row.what)) << row.text;
     }
     for (const char* good :
-         {"// data: weather.kez", "// test of things", "// date: 1", "// enable: A\n//x;\n\n",
-          "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;",
+         {"// next: B", "// entry_drop: A\n// cntl: drop_list <a> <b>\nx = <b>;",
+          "\xEF\xBB\xBF// entry: A\nvar x = 5;\n", "// data: weather.kez", "// test of things", "// date: 1",
+          "// enable: A\n//x;\n\n", "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;",
           "// skill1: Speed 3\n// cntl: spin 1 2 1\n// help: h\naction a"}) {
         EXPECT_THAT(parsed(good).findings.kept(), IsEmpty()) << good;
     }
