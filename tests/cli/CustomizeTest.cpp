@@ -28,7 +28,7 @@ struct Customize : testing::Test {
 TEST_F(Customize, ListsAndGetsValues) {
     EXPECT_EQ(
         folder.run("customize list s.kez"),
-        (ToolRun{0, "\nRange\n4\tFar end = 10\t(allowed: 0 to 100)\n5\tLamp = 0\n-\tName = caf\xE9\n"}));
+        (ToolRun{0, "\nRange\n4\tFar end = 10\t(allowed: 0 to 100)\n5\tLamp = 0\n@13\tName = caf\xE9\n"}));
     EXPECT_EQ(folder.run("customize get s.kez \"far END\" 5 name"), (ToolRun{0, "10\n0\ncaf\xE9\n"}));
     const json all = json::parse(folder.run("customize list s.kez --json").out);
     EXPECT_EQ(all["version"], 2);
@@ -44,7 +44,7 @@ TEST_F(Customize, SetsValuesAllOrNone) {
     } refused[] = {
         {"4=11 5=2", 1, "\"Lamp\": A switch is either"},
         {"4=101", 1, "101 is too large (allowed: 0 to 100)."},
-        {"4=11 nothing=1", 2, "no entry has the id or label \"nothing\""},
+        {"4=11 nothing=1", 2, "no entry has the id, label or line \"nothing\""},
         {"4=11 5", 2, "not of the form name=value"},
     };
     for (const auto& row : refused) {
@@ -55,7 +55,8 @@ TEST_F(Customize, SetsValuesAllOrNone) {
     }
     ToolRun run = folder.run("customize set s.kez 4=11 lamp=1 --dry-run");
     EXPECT_EQ(run.status, 0);
-    for (const char* line : {"-var far_end = 10;", "+var far_end = 11;", "+define LAMP;"}) {
+    for (const char* line :
+         {"--- s.kez\n+++ s.kez\n", "-var far_end = 10;", "+var far_end = 11;", "+define LAMP;"}) {
         EXPECT_THAT(run.out, HasSubstr(line));
     }
     EXPECT_EQ(folder.read("s.kez"), kScript);
@@ -63,6 +64,112 @@ TEST_F(Customize, SetsValuesAllOrNone) {
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 11"));
     EXPECT_EQ(folder.read("s.kez.zoka"), "1\n2\n0\n\n4\n11\n11\n\n5\n8\n0\n\n");
+}
+
+TEST_F(Customize, NamesEntriesByLineAndInEitherCharacterSet) {
+    folder.write("u.kez",
+                 "// entry: Gr\xC3\xB6\xC3\x9F"
+                 "e\nvar a = 1;\n\n// entry: A\nvar b = 2;\n\n// entry: A\nvar c = 3;\n"
+                 "\n// enable: Part\n//X;\n//Y;\n\n// entry_text: 2, 99, T\nstring t = \"a\nb\";\n");
+    folder.write("l.kez",
+                 "// entry: Gr\xF6\xDF"
+                 "e\r\nstring a = \"1\";\r\n");
+    const struct {
+        const char* name;
+        int status;
+        const char* value;  // or a part of the complaint
+    } rows[] = {
+        {"gr\xC3\x96\xC3\x9F"
+         "e",
+         0, "1\n"},
+        {"@7", 0, "3\n"},
+        {"@8", 0, "3\n"},
+        {"a", 2, "name it by its line: @5, @8"},
+        {"@99", 2, "no entry has"},
+        {"@10", 2, "several entries"},
+        {"@12", 0, "0\n"},
+        {"\"Part: Y;\"", 0, "0\n"},
+    };
+    for (const auto& row : rows) {
+        const ToolRun run = folder.run(std::string("customize get u.kez ") + row.name);
+        EXPECT_EQ(run.status, row.status) << row.name;
+        EXPECT_THAT(row.status == 0 ? run.out : run.err, HasSubstr(row.value)) << row.name;
+    }
+    EXPECT_EQ(folder.run("customize set u.kez \"T=1\r\n2\"").status, 0);
+    EXPECT_THAT(folder.read("u.kez"), HasSubstr("\"1\n2\""));
+    EXPECT_EQ(folder
+                  .run("customize set l.kez gr\xC3\xB6\xC3\x9F"
+                       "e=\xC3\xBC")
+                  .status,
+              0);
+    EXPECT_THAT(folder.read("l.kez"), HasSubstr("\"\xFC\""));
+    const ToolRun run = folder.run("customize set l.kez @1=\xCE\xA9");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("is not in this file's character set; save the file as UTF-8 to use it."));
+}
+
+TEST_F(Customize, TakesValuesOfOtherVersionsAsTheyStand) {
+    const std::string text =
+        "// entry: A\n// id: 1\n// cntl: spin 0 5 1\nvar a = 2;\n\n// entry_drop: B\n// id: 2\n"
+        "// cntl: drop_list x y\nvar b = <x>;\n";
+    const auto put = [&text](std::string value, std::string other) {
+        std::string made = text;
+        made.replace(made.find("2;"), 1, value);
+        return made.replace(made.find("<x>"), 3, other);
+    };
+    std::filesystem::create_directory(folder.path("t"));
+    for (const char* value : {"2.0", "-7", "12", "1"}) {  // of another form, outside the limits
+        folder.write("s.kez", text);
+        folder.write("t/s.kez", put(value, "<z>"));
+        EXPECT_EQ(folder.run("customize reset s.kez -t t").status, 0) << value;
+        EXPECT_EQ(folder.read("s.kez"), put(value, "<z>"));
+        EXPECT_EQ(folder.run("customize diff s.kez -t t").status, 0) << value;
+    }
+    folder.write("s.kez", text);
+    EXPECT_EQ(folder.run("customize import s.kez -i -", "1\n0\n0\n\n1\n11\n9.0\n\n2\n17\n<w>\n\n").status, 0);
+    EXPECT_EQ(folder.read("s.kez"), put("9.0", "<w>"));
+    folder.write("s.kez", put("2", "<mine>"));
+    folder.write("t/s.kez", "// ver: 2\n" + text);
+    EXPECT_EQ(folder.run("customize update s.kez -t t").status, 0);
+    EXPECT_EQ(folder.read("s.kez"), "// ver: 2\n" + put("2", "<mine>"));
+    folder.write("t/other.kez", text);
+    EXPECT_EQ(folder.run("customize reset s.kez -t t/other.kez").status, 2);
+    EXPECT_EQ(folder.read("s.kez"), "// ver: 2\n" + put("2", "<mine>"));
+}
+
+TEST_F(Customize, SaysWhatItWouldLoseOrDoesNotOffer) {
+    folder.write(
+        "d.kez",
+        "// entry_drop: B\n// id: 2\n// cntl: drop_list x y\nvar b = x;\n\n// entry: C\nvar c = 1;\n"
+        "\n// entry_text: 2, 0, D\n// id: 3\nstring d = \"a\nb\";\n\n// entry: E\n// id: 2\nvar e = 1;\n");
+    const std::string before = folder.read("d.kez");
+    ToolRun run = folder.run("customize set d.kez B=z");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("\"z\" is not among its choices (x, y); --force sets it all the same."));
+    EXPECT_EQ(folder.read("d.kez"), before);
+    EXPECT_EQ(folder.run("customize set d.kez B=y").status, 0);
+    EXPECT_EQ(folder.run("customize set d.kez B=z --force").status, 0);
+    run = folder.run("customize export d.kez -o v");
+    EXPECT_EQ(run.status, 1);
+    for (const char* line :
+         {"\"C\" (line 6) can't be read back from the value file: it has no id",
+          "\"D\" (line 9) can't be read back from the value file: a line end",
+          "\"E\" (line 14) can't be read back from the value file: another entry has the id 2"}) {
+        EXPECT_THAT(run.err, HasSubstr(line));
+    }
+    EXPECT_FALSE(folder.read("v").empty());
+    folder.write("p.kez", std::string("BM\0x", 4));
+    run = folder.run("customize list p.kez");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err, HasSubstr("p.kez is no script"));
+    folder.write("n.kez", "nothing\n");
+    EXPECT_THAT(folder.run("customize list n.kez").err, HasSubstr("n.kez offers no values"));
+    folder.write("i.kez", "// image: none.bmp\n// image: p.kez\n");
+    run = folder.run("customize check i.kez");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out,
+                HasSubstr("i.kez:1: the picture \"none.bmp\" can't be shown: there is no such file"));
+    EXPECT_THAT(run.out, HasSubstr("i.kez:2: the picture \"p.kez\" can't be shown: it is damaged"));
 }
 
 TEST_F(Customize, ComparesResetsAndUpdatesByTheTemplate) {
@@ -110,7 +217,7 @@ TEST_F(Customize, ChecksWholeFolders) {
     folder.write("bad.kez", "// entri: A\r\nvar x = 1;\r\n");
     const ToolRun run = folder.run("customize check .");
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.out, HasSubstr("bad.kez:1: \"entri\" is no keyword; is \"entry\" meant?"));
+    EXPECT_THAT(run.out, testing::StartsWith("bad.kez:1: \"entri\" is no keyword; is \"entry\" meant?"));
     EXPECT_EQ(json::parse(folder.run("customize check . --json").out).size(), 1u);
     EXPECT_EQ(folder.run("customize check s.kez"), (ToolRun{0}));
     EXPECT_EQ(folder.run("customize check s.kez none.kez").status, 3);

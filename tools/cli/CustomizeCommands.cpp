@@ -31,7 +31,7 @@ using Json = nlohmann::ordered_json;
 struct CustomizeOptions {
     std::string file, other;
     std::vector<std::string> words;  // files, names of entries, or name=value
-    bool json = false, dryRun = false, full = false;
+    bool json = false, dryRun = false, full = false, force = false;
 };
 
 void print(const std::string& text) {
@@ -40,12 +40,35 @@ void print(const std::string& text) {
 
 constexpr std::string_view kLineEndShown = "\\n";
 
+// The line of each entry's value, in the entries' order.
+std::vector<int> valueLines(const CustomScript& script) {
+    std::vector<int> lines;
+    size_t counted = 0;
+    int line = 1;
+    for (const CustomEntry& entry : script.entries) {
+        if (entry.hasValue() && entry.valueStart >= counted) {
+            line += static_cast<int>(
+                std::count(script.text.begin() + static_cast<ptrdiff_t>(counted),
+                           script.text.begin() + static_cast<ptrdiff_t>(entry.valueStart), '\n'));
+            counted = entry.valueStart;
+        }
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// How a command names the entry: by its id or, without one, by its line.
+std::string nameOf(const CustomEntry& entry, int line) {
+    return entry.id >= 1 ? std::to_string(entry.id) : '@' + std::to_string(line);
+}
+
 // A script opened as the panel opens it. Its own folder is the project's, so saving stays there.
 class OpenScript {
 public:
     // One that `changes` holds its lock as long as it is open.
     OpenScript(const std::string& file, bool changes)
-        : m_path(osFiles().fullPath(suitePath(file))),
+        : m_given(file),
+          m_path(osFiles().fullPath(suitePath(file))),
           m_host({.project = std::string(folderOf(m_path)), .suite = std::string(folderOf(m_path))}),
           m_session(m_host, userPrompt()) {
         workOn(file);
@@ -60,6 +83,11 @@ public:
         if (!m_open) {
             const std::string& problem = m_session.problem();
             complain("cannot read " + file + ": " + problem.substr(problem.find("': ") + 3));
+        } else if (m_session.script().text.find('\0') != std::string::npos) {
+            complain(file + " is no script: it holds bytes that no text has");
+            m_open = false;
+        } else if (std::ranges::none_of(m_session.script().entries, &CustomEntry::hasValue)) {
+            complain(file + " offers no values: no comment of it declares one");
         }
     }
 
@@ -67,31 +95,57 @@ public:
     const std::string& path() const { return m_path; }
     CustomizeSession& session() { return m_session; }
 
-    // The entry of an id or, where it's no id, of a label; -1 after a complaint.
+    // The entry of an id, of a line of the script as "@12", or of a label; -1 after a complaint. Case doesn't count.
     int find(const std::string& name) {
-        const bool number = !name.empty() && name.find_first_not_of("0123456789") == name.npos;
-        int found = -1, matches = 0;
-        for (const bool byId : {true, false}) {
-            for (size_t i = 0; i < m_session.size() && matches < 2; ++i) {
-                const CustomEntry& entry = m_session.entry(i);
-                if (!entry.hasValue()) {
-                    continue;
-                }
-                if (byId ? number && entry.id >= 1 && std::to_string(entry.id) == name
-                         : equalNoCase(entry.label, name)) {
-                    found = matches++ == 0 ? static_cast<int>(i) : found;
+        const CustomScript& script = m_session.script();
+        const std::string label = foldedText(name, textSetOf(name));
+        const std::string line = name.starts_with('@') ? name.substr(1) : std::string();
+        const auto matching = [&](const auto& matches) {
+            std::vector<int> found;
+            for (size_t i = 0; i < m_session.size(); ++i) {
+                if (script.entries[i].hasValue() && matches(i)) {
+                    found.push_back(static_cast<int>(i));
                 }
             }
-            if (matches > 0) {
-                break;
-            }
-        }
-        if (matches == 1) {
             return found;
+        };
+        const auto isLine = [&line](int number) { return std::to_string(number) == line; };
+        std::vector<int> found = matching([&](size_t i) {
+            return script.entries[i].id >= 1 && std::to_string(script.entries[i].id) == name;
+        });
+        if (found.empty() && !line.empty()) {
+            found = matching([&](size_t i) { return isLine(script.entries[i].line); });
         }
-        complain(matches == 0 ? "no entry has the id or label \"" + name + "\""
-                              : "several entries are called \"" + name + "\"; name it by its id");
+        if (found.size() != 1 && !line.empty()) {  // lines below one switch
+            const std::vector<int> lines = valueLines(script);
+            const std::vector<int> byValue = matching([&](size_t i) { return isLine(lines[i]); });
+            found = byValue.empty() ? found : byValue;
+        }
+        if (found.empty()) {
+            found = matching([&](size_t i) {
+                return foldedText(script.entries[i].label, script.set) == label ||
+                       foldedText(m_session.row(i).facts().label, script.set) == label;
+            });
+        }
+        if (found.size() == 1) {
+            return found.front();
+        }
+        if (found.empty()) {
+            complain("no entry has the id, label or line \"" + name + "\"");
+            return -1;
+        }
+        const std::vector<int> lines = valueLines(script);
+        std::string names;
+        for (const int i : found) {
+            names += (names.empty() ? "@" : ", @") + std::to_string(lines[static_cast<size_t>(i)]);
+        }
+        complain("several entries are called \"" + name + "\"; name it by its line: " + names);
         return -1;
+    }
+
+    // What an argument, or a line of a file, means in the script's character set. Nothing after a complaint.
+    std::optional<std::string> inScript(const std::string& text, TextSet set, std::string& why) {
+        return convertText(text, set, m_session.script().set, &why);
     }
 
     // Saves, or with a dry run prints the lines that saving would change.
@@ -99,7 +153,7 @@ public:
         if (dryRun) {
             const std::vector<ScriptEdit> edits = editsOf(m_session.script());
             printPatch(unifiedDifference(m_session.script().fileText(),
-                                         editedText(m_session.script().fileText(), edits), m_path, m_path));
+                                         editedText(m_session.script().fileText(), edits), m_given, m_given));
             return ExitStatus::Done;
         }
         switch (m_session.save()) {
@@ -117,7 +171,7 @@ public:
     }
 
 private:
-    std::string m_path;
+    std::string m_given, m_path;
     std::optional<FileLock> m_lock;
     FolderHost m_host;
     CustomizeSession m_session;
@@ -132,6 +186,16 @@ std::string templateFile(const std::string& script, const std::string& given) {
         return path;
     }
     return templatePathFor(script, joinPath(path, "")).value_or(joinPath(path, fileNameOf(script)));
+}
+
+// False after a complaint: `original` is another script's template.
+bool isTemplateOf(const std::string& script, const std::string& original, const char* notDone) {
+    if (equalNoCase(fileNameOf(script), fileNameOf(original)) ||
+        equalNoCase(numberedTemplateOf(script), fileNameOf(original))) {
+        return true;
+    }
+    complain(original + " is another script's template: the names differ; not " + notDone);
+    return false;
 }
 
 Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
@@ -180,6 +244,7 @@ ExitStatus list(const CustomizeOptions& options) {
     } else if (options.full) {
         print(entriesText(script));
     } else {
+        const std::vector<int> lines = valueLines(script);
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
             if (entry.kind == kSection) {
@@ -189,9 +254,9 @@ ExitStatus list(const CustomizeOptions& options) {
                 continue;
             }
             const std::string range = allowedRange(open.session().row(i).facts());
-            print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
-                  onOneLine(entry.label, kLineEndShown) + " = " + onOneLine(entry.value, kLineEndShown) +
-                  (range.empty() ? "" : "\t(" + range + ")") + "\n");
+            print(nameOf(entry, lines[i]) + "\t" +
+                  onOneLine(open.session().row(i).facts().label, kLineEndShown) + " = " +
+                  onOneLine(entry.value, kLineEndShown) + (range.empty() ? "" : "\t(" + range + ")") + "\n");
         }
     }
     return ExitStatus::Done;
@@ -223,6 +288,20 @@ ExitStatus get(const CustomizeOptions& options) {
     return ExitStatus::Done;
 }
 
+// Why a list doesn't take the value; empty when it offers it, or is no list.
+std::string notOffered(const EntryModel& row, const std::string& value) {
+    const EntryFacts& facts = row.facts();
+    if (facts.field != EntryField::DropList || !hasChoices(facts) || isChoice(facts, value) ||
+        value == row.loadedValue()) {
+        return {};
+    }
+    std::string choices;
+    for (const std::string& option : facts.options) {
+        choices += (choices.empty() ? "" : ", ") + option;
+    }
+    return '"' + value + "\" is not among its choices (" + choices + "); --force sets it all the same.";
+}
+
 ExitStatus set(const CustomizeOptions& options) {
     OpenScript open(options.file, !options.dryRun);
     if (!open.isOpen()) {
@@ -238,10 +317,15 @@ ExitStatus set(const CustomizeOptions& options) {
         if (i < 0) {
             return ExitStatus::Usage;
         }
+        const auto row = static_cast<size_t>(i);
         std::string why;
-        if (!open.session().setValue(static_cast<size_t>(i), word.substr(equals + 1), &why)) {
-            complain("\"" + open.session().entry(static_cast<size_t>(i)).label + "\": " + why +
-                     " Nothing was changed.");
+        const std::string given = word.substr(equals + 1);
+        const auto value = open.inScript(given, textSetOf(given), why);
+        if (value && !options.force) {
+            why = notOffered(open.session().row(row), *value);
+        }
+        if (!why.empty() || !open.session().setValue(row, *value, &why)) {
+            complain("\"" + open.session().entry(row).label + "\": " + why + " Nothing was changed.");
             return ExitStatus::Findings;
         }
     }
@@ -264,6 +348,9 @@ ExitStatus reset(const CustomizeOptions& options) {
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
+    if (!isTemplateOf(open.path(), templateFile(open.path(), options.other), "reset")) {
+        return ExitStatus::Usage;
+    }
     const auto values = templateValues(open, options.other);
     if (!values) {
         return ExitStatus::Failed;
@@ -284,7 +371,7 @@ ExitStatus reset(const CustomizeOptions& options) {
             continue;
         }
         std::string why = "the template has no such entry.";
-        if (value && open.session().setValue(i, *value, &why)) {
+        if (value && open.session().putValue(i, *value, &why)) {
             continue;
         }
         complain("\"" + entry.label + "\": " + why);
@@ -303,6 +390,7 @@ ExitStatus diff(const CustomizeOptions& options) {
         return ExitStatus::Failed;
     }
     Json all = Json::array();
+    const std::vector<int> lines = valueLines(open.session().script());
     for (size_t i = 0; i < values->size(); ++i) {
         const CustomEntry& entry = open.session().entry(i);
         const auto& other = (*values)[i];
@@ -318,8 +406,9 @@ ExitStatus diff(const CustomizeOptions& options) {
         }
         all.push_back(one);
         if (!options.json) {
-            print((entry.id >= 1 ? std::to_string(entry.id) : std::string("-")) + "\t" +
-                  onOneLine(entry.label, kLineEndShown) + ": " + onOneLine(entry.value, kLineEndShown) +
+            print(nameOf(entry, lines[i]) + "\t" +
+                  onOneLine(open.session().row(i).facts().label, kLineEndShown) + ": " +
+                  onOneLine(entry.value, kLineEndShown) +
                   (other ? " (there " + onOneLine(*other, kLineEndShown) + ")" : " (missing there)") + "\n");
         }
     }
@@ -336,9 +425,7 @@ ExitStatus update(const CustomizeOptions& options) {
         complain("the script is its own template; not updated");
         return ExitStatus::Failed;
     }
-    if (!equalNoCase(fileNameOf(path), fileNameOf(original)) &&
-        !equalNoCase(numberedTemplateOf(path), fileNameOf(original))) {
-        complain(original + " is another script's template: the names differ; not updated");
+    if (!isTemplateOf(path, original, "updated")) {
         return ExitStatus::Usage;
     }
     std::optional<FileLock> lock;
@@ -356,7 +443,7 @@ ExitStatus update(const CustomizeOptions& options) {
         return ExitStatus::Failed;
     }
     if (options.dryRun) {
-        printPatch(unifiedDifference(plan->before, plan->after, path, path));
+        printPatch(unifiedDifference(plan->before, plan->after, options.file, options.file));
     } else if (!updateKeepingValues(*plan, why)) {
         complain(why + "; not updated");
         return ExitStatus::Failed;
@@ -380,9 +467,17 @@ ExitStatus exportValues(const CustomizeOptions& options) {
         complain("the value file would overwrite the script; nothing was written");
         return ExitStatus::Usage;
     }
-    return writeOutput(target, valueFileText(open.session().script(), false), FileKind::Generated)
-               ? ExitStatus::Done
-               : ExitStatus::Failed;
+    const CustomScript& script = open.session().script();
+    if (!writeOutput(target, valueFileText(script, false), FileKind::Generated)) {
+        return ExitStatus::Failed;
+    }
+    const std::vector<NotCarried> lost = notCarried(script, false);
+    for (const NotCarried& one : lost) {
+        const CustomEntry& entry = script.entries[one.entry];
+        complain("\"" + onOneLine(entry.label, kLineEndShown) + "\" (line " + std::to_string(entry.line) +
+                 ") can't be read back from the value file: " + one.why);
+    }
+    return lost.empty() ? ExitStatus::Done : ExitStatus::Findings;
 }
 
 ExitStatus import(const CustomizeOptions& options) {
@@ -404,6 +499,7 @@ ExitStatus import(const CustomizeOptions& options) {
         return ExitStatus::Findings;
     }
     CustomizeSession& session = open.session();
+    const TextSet set = textSetOf(*bytes);
     KeyedMap<int, size_t> firstOf;
     for (size_t i = 0; i < session.size(); ++i) {
         if (session.entry(i).hasValue()) {
@@ -416,8 +512,11 @@ ExitStatus import(const CustomizeOptions& options) {
         if (value.ends_with('\r')) {
             value.pop_back();
         }
-        if (found != firstOf.end() && session.setValue(found->second, value, &why)) {
-            continue;
+        if (found != firstOf.end()) {
+            const auto converted = open.inScript(value, set, why);
+            if (converted && session.putValue(found->second, *converted, &why)) {
+                continue;
+            }
         }
         complain("id " + std::to_string(record.id) + " (" + value + "): " + why);
         status = ExitStatus::Findings;
@@ -425,25 +524,28 @@ ExitStatus import(const CustomizeOptions& options) {
     return worse(status, open.finish(options.dryRun));
 }
 
-ExitStatus checkFile(const std::string& path, Json* json) {
+// `shown`: the path as the user gave it.
+ExitStatus checkFile(const std::string& path, const std::string& shown, Json* json) {
     CustomScript script;
     std::string why;
     if (!LoadCustomScript(path, script, &why)) {
-        complain("cannot read " + path + ": " + why);
+        complain("cannot read " + shown + ": " + why);
         return ExitStatus::Failed;
     }
+    const auto besideIt = [&path](const std::string& name) { return joinPath(folderOf(path), name); };
+    checkPictures(script, besideIt);
     for (const MarkupFinding& finding : script.findings.kept()) {
         if (json) {
             json->push_back(
-                {{"file", jsonText(path)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
+                {{"file", jsonText(shown)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
         } else {
-            print(path + ':' + std::to_string(finding.line) + ": " + onOneLine(finding.what, kLineEndShown) +
+            print(shown + ':' + std::to_string(finding.line) + ": " + onOneLine(finding.what, kLineEndShown) +
                   "\n");
         }
     }
     const size_t left = script.findings.count() - script.findings.kept().size();
     if (left > 0) {
-        complain(path + ": " + std::to_string(left) + " more findings are not listed");
+        complain(shown + ": " + std::to_string(left) + " more findings are not listed");
     }
     return script.findings.count() > 0 ? ExitStatus::Findings : ExitStatus::Done;
 }
@@ -456,12 +558,13 @@ ExitStatus check(const CustomizeOptions& options) {
         const std::string path = suitePath(word);
         const auto entry = osFiles().search(path);
         if (!entry || !entry->isFolder) {
-            status = worse(status, checkFile(path, json));
+            status = worse(status, checkFile(path, word, json));
             continue;
         }
         for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez"))) {
             if (!file.isFolder) {
-                status = worse(status, checkFile(joinPath(path, file.name), json));
+                status = worse(status, checkFile(joinPath(path, file.name),
+                                                 asGiven(joinPath(path, file.name), path, word), json));
             }
         }
     }
@@ -514,7 +617,10 @@ void addCustomizeCommands(CLI::App& app, Work& chosen) {
     add("get", "Print values by id or label", "fog.kez 4 \"Far end\"", get, file,
         words("NAME", "Ids or labels of entries", true), json);
     add("set", "Change values by id or label", "fog.kez 4=12 \"Far end=300\"", set, file,
-        words("NAME=VALUE", "What to change", true), dryRun);
+        words("NAME=VALUE", "What to change", true), dryRun,
+        [](CLI::App& command, CustomizeOptions& options) {
+            command.add_flag("--force", options.force, "Also set what a list doesn't offer");
+        });
     add("reset", "Set values back to those of the template", "fog.kez 4 -t templates", reset, file,
         words("NAME", "Ids or labels of entries; none: all", false), original, dryRun);
     add("diff", "List the values that differ from the template's", "fog.kez -t templates", diff, file,
