@@ -38,6 +38,7 @@ public:
     bool apply(CJ8ProjectManager& project, Step step, bool joining = false);
     void endJoining() { m_joinable = false; }
 
+    size_t done() const { return m_done; }
     bool canUndo() const { return m_done > 0; }
     bool canRedo() const { return m_done < m_steps.size(); }
     // The step taken back or done again; only when there is one.

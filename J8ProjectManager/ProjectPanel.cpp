@@ -28,41 +28,35 @@ bool startsWithoutCase(const std::string& path, const std::string& folder) {
 
 }  // namespace
 
-std::string ProjectPanel::shownForm(const ProjectRow& row, const std::string& stored) const {
+std::string shownForm(const ProjectRow& row, const std::string& stored, const ProjectTexts& texts) {
     std::string text = stored;
     if (row.property) {
         text = shownValue(J8TypedValue::of(*row.property), stored);
     } else if (row.skill) {
         text = shownValue(J8TypedValue::of(*row.skill), stored);
     }
-    return m_texts.shown(text);
+    return texts.shown(text);
 }
 
-EntryModel ProjectPanel::modelOf(const ProjectRow& row) const {
+EntryModel rowModel(const ProjectRow& row, const ProjectTexts& texts) {
     EntryFacts facts = row.facts;
-    facts.label = m_texts.shown(facts.label);
-    facts.help = m_texts.shown(facts.help);
+    facts.label = texts.shown(facts.label);
+    facts.help = texts.shown(facts.help);
     for (std::string& option : facts.options) {
-        option = m_texts.shown(option);
+        option = texts.shown(option);
     }
     if (facts.hostNames) {
         auto names = std::make_shared<std::vector<std::string>>(*facts.hostNames);
         for (std::string& name : *names) {
-            name = m_texts.shown(name);
+            name = texts.shown(name);
         }
         facts.hostNames = std::move(names);
     }
     if (namesAFile(row.field.kind) && row.hasField) {
         facts.field = EntryField::FileField;
     }
-    if (row.hasField && row.field.kind == Kind::Section) {
-        const CJ8File& file = m_session.model().section(row.field.section);
-        if (file.isNamed() && file.m_type == CJ8File::kNotValid) {
-            facts.help = "There is no such file. " + facts.help;
-        }
-    }
-    const std::string value = m_texts.shown(facts.value);
-    facts.value = row.inherited ? shownForm(row, *row.inherited) : value;
+    const std::string value = texts.shown(facts.value);
+    facts.value = row.inherited ? shownForm(row, *row.inherited, texts) : value;
     if (!row.hasField && hasValue(facts.field)) {
         facts.field = EntryField::Text;
     }
@@ -70,10 +64,36 @@ EntryModel ProjectPanel::modelOf(const ProjectRow& row) const {
     model.putBack(value);
     if (row.hasField && !row.editable) {
         model.setBlocked("The component does not offer this property for editing.");
-    } else if (row.hasField && m_texts.stored(value) != row.facts.value) {
+    } else if (row.hasField && texts.stored(value) != row.facts.value) {
         model.setBlocked("The value holds characters that this system's character set lacks.");
     }
     return model;
+}
+
+std::string rowDetails(const ProjectSession& session, const ProjectRow& row, const ProjectTexts& texts) {
+    std::string text;
+    const auto line = [&text](const std::string& one) { text += (text.empty() ? "" : "\r\n") + one; };
+    if (row.property || row.skill) {
+        line(std::string("Type: ") + typeWord(row.type));
+    }
+    const CJ8CMPData* const component =
+        row.property ? session.model().component(row.field.component) : nullptr;
+    if (component) {
+        line(texts.shown("Declared in " + session.placeText(component->m_source, row.property->place)));
+    }
+    return text;
+}
+
+EntryModel ProjectPanel::modelOf(const ProjectRow& row) const {
+    if (row.hasField && row.field.kind == Kind::Section) {
+        const CJ8File& file = m_session.model().section(row.field.section);
+        if (file.isNamed() && file.m_type == CJ8File::kNotValid) {
+            ProjectRow missing = row;
+            missing.facts.help = "There is no such file. " + row.facts.help;
+            return rowModel(missing, m_texts);
+        }
+    }
+    return rowModel(row, m_texts);
 }
 
 void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
@@ -136,7 +156,7 @@ std::string ProjectPanel::subject() const {
 
 std::optional<std::string> ProjectPanel::defaultOf(size_t i) const {
     const ProjectRow& row = m_source[i];
-    return row.inherited ? std::optional(shownForm(row, *row.inherited)) : std::nullopt;
+    return row.inherited ? std::optional(shownForm(row, *row.inherited, m_texts)) : std::nullopt;
 }
 
 const char* ProjectPanel::loadedName() const {
@@ -144,17 +164,7 @@ const char* ProjectPanel::loadedName() const {
 }
 
 std::string ProjectPanel::details(size_t i) const {
-    const ProjectRow& row = m_source[i];
-    std::string text;
-    const auto line = [&text](const std::string& one) { text += (text.empty() ? "" : "\r\n") + one; };
-    if (row.property || row.skill) {
-        line(std::string("Type: ") + typeWord(row.type));
-    }
-    if (row.property && m_session.model().component(row.field.component)) {
-        const CJ8CMPData& component = *m_session.model().component(row.field.component);
-        line(m_texts.shown("Declared in " + m_session.placeText(component.m_source, row.property->place)));
-    }
-    return text;
+    return rowDetails(m_session, m_source[i], m_texts);
 }
 
 std::string ProjectPanel::emptyText() const {

@@ -17,6 +17,13 @@ struct ProjectTexts {
     std::string (*stored)(const std::string& shown);
 };
 
+// A value of the row, as a panel shows it, and the row with its value: a value of the entity's own counts as changed
+// where its parent gives another.
+std::string shownForm(const ProjectRow& row, const std::string& stored, const ProjectTexts& texts);
+EntryModel rowModel(const ProjectRow& row, const ProjectTexts& texts);
+// The type of a property or a skill, and where a property is declared; may be empty.
+std::string rowDetails(const ProjectSession& session, const ProjectRow& row, const ProjectTexts& texts);
+
 // Undo is the session's, over all pages. A row that its parent gives a value counts as changed while the entity says
 // otherwise, and is reset to the parent's: then the entity's own value goes. The session outlives the object.
 // [thread of the window]
@@ -57,7 +64,6 @@ private:
     enum class Shown { Nothing, Project, Level, Entity };
     void show(Shown shown, size_t level, size_t entity);
     EntryModel modelOf(const ProjectRow& row) const;
-    std::string shownForm(const ProjectRow& row, const std::string& stored) const;
 
     ProjectSession& m_session;
     ProjectTexts m_texts;

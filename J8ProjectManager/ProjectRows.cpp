@@ -52,6 +52,11 @@ ProjectRow typedRow(const J8TypedValue& typed, ProjectField field, const std::op
     return row;
 }
 
+// Null where no behaviors file has it.
+const CJ8BehaviorData* parentOf(const CJ8ProjectManager& project, const J8LevelEntity& entity) {
+    return entity.parent.empty() ? nullptr : project.behavior(entity.parent);
+}
+
 // A value that nothing declares.
 ProjectRow strayRow(ProjectField field, std::string label, const std::string& value) {
     ProjectRow row;
@@ -121,6 +126,7 @@ void addComponent(std::vector<ProjectRow>& rows, const CJ8ProjectManager& projec
                                 given == inherited.end() ? property.value : given->second));
         rows.back().property = &property;
         rows.back().editable = property.edit;
+        rows.back().fromParent = given != inherited.end();
         if (mine != own.end()) {
             own.erase(mine);
         }
@@ -208,7 +214,7 @@ std::vector<ProjectRow> levelRows(const CJ8ProjectManager& project, size_t level
 
 std::vector<ProjectRow> entityRows(const CJ8ProjectManager& project, size_t level, size_t entity) {
     const J8LevelEntity& record = project.m_apLevels[level].m_entities[entity];
-    const CJ8BehaviorData* const parent = record.parent.empty() ? nullptr : project.behavior(record.parent);
+    const CJ8BehaviorData* const parent = parentOf(project, record);
     std::vector<ProjectRow> rows;
     ProjectField field;
     field.level = level;
@@ -225,6 +231,50 @@ std::vector<ProjectRow> entityRows(const CJ8ProjectManager& project, size_t leve
     addSkills(rows, record, parent, field);
     addComponents(rows, project, record, parent, field);
     return rows;
+}
+
+std::vector<ProjectRow> componentRows(const CJ8ProjectManager& project, size_t level, size_t entity) {
+    const J8LevelEntity& record = project.m_apLevels[level].m_entities[entity];
+    std::vector<ProjectRow> rows;
+    ProjectField field;
+    field.level = level;
+    field.entity = entity;
+    addComponents(rows, project, record, parentOf(project, record), field);
+    return rows;
+}
+
+EditValue editValue(const CJ8ProjectManager& project, const ProjectField& edit) {
+    EditValue value;
+    value.own = fieldValue(project, edit);
+    const CJ8BehaviorData* const parent =
+        parentOf(project, project.m_apLevels[edit.level].m_entities[edit.entity]);
+    if (parent) {
+        for (const J8ComponentEdit& one : parent->m_apCMPEdits) {
+            if (one.component == edit.component && one.name == edit.name) {
+                value.inherited = one.value;
+                value.fromParent = true;
+                return value;
+            }
+        }
+    }
+    if (const CJ8CMPData* const component = project.component(edit.component)) {
+        for (const J8Property& property : component->m_properties) {
+            if (property.name == edit.name) {
+                value.inherited = property.value;
+                return value;
+            }
+        }
+    }
+    return value;
+}
+
+bool usesComponent(const CJ8ProjectManager& project, const J8LevelEntity& entity,
+                   const std::string& component) {
+    const CJ8BehaviorData* const parent = parentOf(project, entity);
+    return (parent && std::find(parent->m_apCMPNames.begin(), parent->m_apCMPNames.end(), component) !=
+                          parent->m_apCMPNames.end()) ||
+           std::any_of(entity.components.begin(), entity.components.end(),
+                       [&](const J8EntityComponent& one) { return one.name == component; });
 }
 
 std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& field,
@@ -245,8 +295,7 @@ std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& f
     }
     const J8LevelEntity& entity = project.m_apLevels[field.level].m_entities[field.entity];
     if (field.kind == Kind::EntitySkill) {
-        const CJ8BehaviorData* const parent =
-            entity.parent.empty() ? nullptr : project.behavior(entity.parent);
+        const CJ8BehaviorData* const parent = parentOf(project, entity);
         for (size_t i = 0; parent && i < parent->m_apSkillEdits.size(); ++i) {
             if (parent->m_apSkillEdits[i].num == field.num) {
                 return valueRefusal(J8TypedValue::of(parent->m_apSkillEdits[i]), value);

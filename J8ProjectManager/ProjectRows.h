@@ -21,7 +21,8 @@ struct ProjectRow {
     bool editable = false;  // false with hasField: a property that its component doesn't offer for editing
     bool isOwn = false;     // the entity says so itself
     std::optional<std::string>
-        inherited;  // what holds without a value of its own; nothing where no parent has it
+        inherited;            // what holds without a value of its own; nothing where no parent has it
+    bool fromParent = false;  // `inherited` is an edit of the parent, not the component's default
     // What the row's control shows, as the file would hold it: for ProjectSession::setValue.
     std::string stored(const std::string& shown) const;
     // Whether the entity's own value is another than the inherited one.
@@ -37,6 +38,20 @@ std::vector<ProjectRow> levelRows(const CJ8ProjectManager& project, size_t level
 // Name and parent; the skills of its parent, then those it has beyond; the properties of the components that it
 // or its parent uses, then edits of properties that no component has.
 std::vector<ProjectRow> entityRows(const CJ8ProjectManager& project, size_t level, size_t entity);
+// The components of entityRows alone.
+std::vector<ProjectRow> componentRows(const CJ8ProjectManager& project, size_t level, size_t entity);
+
+// Who says what an edit of an entity is, as its row tells.
+struct EditValue {
+    std::optional<std::string> own, inherited;
+    bool fromParent = false;
+
+    std::string current() const { return own ? *own : inherited.value_or(""); }
+};
+EditValue editValue(const CJ8ProjectManager& project, const ProjectField& edit);
+// Whether the entity, or its parent, uses the component.
+bool usesComponent(const CJ8ProjectManager& project, const J8LevelEntity& entity,
+                   const std::string& component);
 
 // Why the value can't be given to the field; empty when it can.
 std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& field,

@@ -87,6 +87,8 @@ public:
     void removeEntity(size_t level, size_t entity);
     void moveEntity(size_t level, size_t from, size_t to);
 
+    // How many steps are done. A panel with an undo of its own notes it before an edit, and goes back to it.
+    size_t editsDone() const { return m_edits.done(); }
     bool canUndo() const { return m_edits.canUndo(); }
     bool canRedo() const { return m_edits.canRedo(); }
     // What changed, to be shown; nothing when there was nothing to undo or do again.

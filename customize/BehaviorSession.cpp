@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <set>
 #include <tuple>
 
 #include "controls/EntryRules.h"
@@ -50,9 +51,19 @@ void narrow(CustomEntry& row, const CustomEntry& other) {
 }  // namespace
 
 BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host)
-    : m_access(entities), m_host(host) {}
+    : BehaviorSession(entities, host, nullptr, {}) {}
+
+BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
+                                 std::unique_ptr<EntityComponents> components, std::string entity)
+    : m_access(entities),
+      m_host(host),
+      m_components(std::move(components)),
+      m_namedEntity(std::move(entity)) {}
 
 void BehaviorSession::open() {
+    if (m_components) {
+        m_components->load();
+    }
     m_changes = m_access ? m_access->changes() : std::nullopt;
     show(m_access ? m_access->selected() : std::vector<std::string>());
 }
@@ -79,13 +90,16 @@ void BehaviorSession::refresh(bool always) {
     } else {
         std::erase_if(entities, gone);
     }
-    if (entities != m_entities || (!m_gone.empty() && isThere(m_entities.front())) || actionsChanged()) {
+    const bool isReloaded = m_components && m_components->reloadIfChanged();
+    if (isReloaded || entities != m_entities || (!m_gone.empty() && isThere(m_entities.front())) ||
+        actionsChanged()) {
         show(std::move(entities));
         return;
     }
     bool any = m_gone.empty() && !m_entities.empty() && gone(m_entities.front());
     if (any) {
         m_gone = m_entities.front();
+        blockComponents();
     }
     for (size_t i = 0; i < m_sources.size(); ++i) {
         any = reread(i) || any;
@@ -129,37 +143,98 @@ void BehaviorSession::show(std::vector<std::string> entities) {
     for (const CustomEntry& row : sharedRows()) {
         addRow(row);
     }
+    if (m_components) {
+        m_components->show(m_access ? m_entities : std::vector{m_namedEntity});
+        addComponents();
+    }
     showRows(m_models);
+}
+
+void BehaviorSession::addComponents() {
+    for (size_t row = 0; row < m_components->size(); ++row) {
+        m_models.push_back(m_components->modelOf(row));
+        m_sources.push_back({.component = row});
+    }
+    blockComponents();
+}
+
+// Those of an entity that is gone: nobody would see what is changed.
+void BehaviorSession::blockComponents() {
+    for (size_t i = 0; i < m_sources.size() && !m_gone.empty(); ++i) {
+        if (m_sources[i].component) {
+            m_models[i].setBlocked(m_gone + " is gone from the level.");
+        }
+    }
+}
+
+ProjectSave BehaviorSession::save() {
+    if (!m_components) {
+        return ProjectSave::NothingToSave;
+    }
+    leaveField();
+    const auto names = [this] {
+        std::vector<std::string> all;
+        for (size_t row = 0; row < m_components->size(); ++row) {
+            all.push_back(m_components->nameOf(row));
+        }
+        return all;
+    };
+    const std::vector<std::string> before = names();
+    const size_t edits = m_components->editsDone();
+    const ProjectSave saved = m_components->save();
+    // The project was loaded anew; where another program had changed it, its rows may be others.
+    m_components->show(m_access ? m_entities : std::vector{m_namedEntity});
+    const bool isSame = names() == before && m_components->editsDone() == edits;
+    const auto first = std::find_if(m_sources.begin(), m_sources.end(),
+                                    [](const Source& source) { return source.component.has_value(); });
+    const auto own = first - m_sources.begin();
+    m_sources.erase(first, m_sources.end());
+    m_models.erase(m_models.begin() + own, m_models.end());
+    addComponents();
+    showRows(m_models, isSame);
+    return saved;
 }
 
 void BehaviorSession::loadPanels() {
     m_actions.clear();
-    m_panelOf.clear();
     m_panels.clear();
     m_scriptTimes.clear();
-    std::map<std::tuple<std::string, std::int32_t, std::int32_t>, size_t> known;
-    const auto add = [&](const std::optional<ActionPlace>& place) {
+    // By the action's place, and by the behaviour where its names stand in for what the action doesn't declare.
+    using Key = std::tuple<std::string, std::int32_t, std::int32_t, std::optional<std::string>>;
+    std::set<Key> known;
+    const auto add = [&](const std::optional<ActionPlace>& place, const std::string& entity) {
         const ActionPlace at = place.value_or(ActionPlace{});
-        const auto [found, isNew] = known.try_emplace({at.script, at.start, at.length}, m_panels.size());
-        if (isNew) {
-            BehaviorPanel& panel = m_panels.emplace_back();
-            panel.scriptName = at.script;
-            panel.blockStart = at.start;
-            panel.blockLength = at.length;
-            m_scriptTimes.push_back(timeOf(at.script));
-            if (place) {
-                LoadBehaviorPanel(panel);
-            } else {
-                addUndeclaredRows(panel);
+        const std::string behavior = m_components ? m_components->behaviorOf(entity) : "";
+        for (const auto& form : {std::optional<std::string>(), std::optional(behavior)}) {
+            if (known.contains({at.script, at.start, at.length, form})) {
+                return;
             }
         }
-        m_panelOf.push_back(found->second);
+        BehaviorPanel& panel = m_panels.emplace_back();
+        panel.scriptName = at.script;
+        panel.blockStart = at.start;
+        panel.blockLength = at.length;
+        if (m_components) {
+            for (const auto& [number, name] : m_components->skillNames(entity)) {
+                if (number >= 1 && number <= kEntitySkills) {
+                    panel.defaultSkillNames.push_back({static_cast<std::uint8_t>(number), name});
+                }
+            }
+        }
+        m_scriptTimes.push_back(timeOf(at.script));
+        if (place) {
+            LoadBehaviorPanel(panel);
+        } else {
+            addUndeclaredRows(panel);
+        }
+        const auto form = panel.declaredCount > 0 ? std::nullopt : std::optional(behavior);
+        known.insert({at.script, at.start, at.length, form});
     };
     for (const std::string& entity : m_entities) {
-        add(m_actions.emplace_back(m_access->action(entity)));
+        add(m_actions.emplace_back(m_access->action(entity)), entity);
     }
     if (!m_access) {
-        add(std::nullopt);
+        add(std::nullopt, m_namedEntity);
     }
 }
 
@@ -293,6 +368,9 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
 }
 
 bool BehaviorSession::store(size_t i, const std::string& value, std::string& why) {
+    if (m_sources[i].component) {
+        return m_components->set(*m_sources[i].component, value, why);
+    }
     const auto number = skillOfText(value);
     if (!number || m_sources[i].number == 0) {
         why = "Only a number fits here: digits, one point, a sign in front.";
@@ -301,7 +379,11 @@ bool BehaviorSession::store(size_t i, const std::string& value, std::string& why
     return writeAll(i, std::vector<float>(m_entities.size(), *number), why);
 }
 
+// Of a component's row how many edits of the project are done: each entity's own value is among them.
 std::string BehaviorSession::stateOf(size_t i) const {
+    if (m_sources[i].component) {
+        return std::to_string(m_components->editsDone());
+    }
     std::string state;
     for (const float value : m_sources[i].values) {
         char digits[32];
@@ -312,6 +394,17 @@ std::string BehaviorSession::stateOf(size_t i) const {
 }
 
 bool BehaviorSession::putState(size_t i, const std::string& state, std::string& why) {
+    if (const auto row = m_sources[i].component) {
+        if (!m_models[i].blocked().empty()) {
+            why = m_models[i].blocked();
+            return false;
+        }
+        size_t edits = 0;
+        std::from_chars(state.data(), state.data() + state.size(), edits);
+        m_components->goTo(edits);
+        m_components->showValue(*row, m_models[i]);
+        return true;
+    }
     std::vector<float> values(m_entities.size());
     const char* at = state.data();
     const char* const end = at + state.size();

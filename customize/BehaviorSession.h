@@ -1,13 +1,17 @@
-// Entity Behavior without its window: the skills and flags of the selected entities as rows.
+// Entity Behavior without its window: the skills and flags of the selected entities as rows, and in its panel form the
+// components that a project gives them.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "controls/RowEditing.h"
 #include "customize/BehaviorPanel.h"
+#include "customize/EntityComponents.h"
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "util/FileTime.h"
@@ -26,6 +30,10 @@ class BehaviorSession : public RowEditing {
 public:
     // `entities` is null where the host has none. Both outlive the session.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host);
+    // The panel form: with the components of a project, which open() reads. `entity` is shown where the host has no
+    // operations on entities.
+    BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
+                    std::unique_ptr<EntityComponents> components, std::string entity);
 
     // Shows the entities that are selected now.
     void open();
@@ -44,6 +52,14 @@ public:
     // Which entities the rows are of, and what is the matter with them.
     std::string status() const;
 
+    // --- The project of the panel form, which holds the components. Nothing is unsaved in the plain form.
+    bool hasPanelForm() const { return m_components != nullptr; }
+    bool hasUnsaved() const { return m_components && m_components->hasChanges(); }
+    // As the project's own window does.
+    ProjectSave save();
+    // True when the panel may close: asks about unsaved edits of components.
+    bool close() { return !m_components || m_components->close(); }
+
     // Faults of the actions' markup, and values outside their limits; one line each.
     size_t findingCount() const { return findings().size(); }
     std::string findingsText() const;
@@ -51,22 +67,28 @@ public:
     // "skill3 Speed = 2.5", a line for each value of the rows [first, last); those that differ are left out.
     std::string copyText(size_t first, size_t last) const;
     // Takes such lines, in one step of undo. A value goes to the row of the same number and name, or else of the
-    // same name.
+    // same name; "body.mass = 80" to a component's.
     PasteResult paste(const std::string& text);
 
     std::string subject() const override;
     std::string details(size_t i) const override;
     std::string picturePath(const std::string& name) const override;
     std::string emptyText() const override;
-    const char* defaultName() const override { return "the script's &default"; }
+    std::string helpText(size_t i) const override;
+    std::optional<std::string> defaultOf(size_t i) const override;
+    const char* defaultName() const override {
+        return m_components ? "the &default" : "the script's &default";
+    }
+    const char* loadedName() const override { return "Before"; }
 
 private:
-    // What a row stands for. Number 0: nothing but its text.
+    // What a row stands for. Number 0: nothing but its text, or a row of the components.
     struct Source {
         int kind = kNoKeyword;
         int number = 0;
         int line = 0;
-        std::vector<float> values;  // one an entity, as last read or written; a flag's are 0 and 1
+        std::vector<float> values = {};  // one an entity, as last read or written; a flag's are 0 and 1
+        std::optional<size_t> component = {};
     };
 
     bool store(size_t i, const std::string& value, std::string& why) override;
@@ -76,6 +98,10 @@ private:
     void show(std::vector<std::string> entities);
     void loadPanels();
     void addRow(const CustomEntry& entry);
+    void addComponents();
+    void blockComponents();
+    // "skill3 Speed", "body.mass"; empty for a row without a value.
+    std::string copyName(size_t i) const;
     std::vector<CustomEntry> sharedRows() const;
     bool isThere(const std::string& entity) const;
     bool actionsChanged() const;
@@ -90,12 +116,12 @@ private:
 
     EntityAccess* m_access;
     ZunEditorInterface& m_host;
+    std::unique_ptr<EntityComponents> m_components;  // null: the plain form
+    std::string m_namedEntity;
     bool m_follows = true;
     std::vector<std::string> m_entities;
-    // Of each entity which of the panels is its own; entities with one action share one.
-    std::vector<std::optional<ActionPlace>> m_actions;
-    std::vector<size_t> m_panelOf;
-    std::vector<BehaviorPanel> m_panels;
+    std::vector<std::optional<ActionPlace>> m_actions;   // of the entities
+    std::vector<BehaviorPanel> m_panels;                 // entities with one action share one
     std::vector<std::optional<FileTime>> m_scriptTimes;  // of the panels' scripts
     std::vector<EntryModel> m_models;
     std::vector<Source> m_sources;

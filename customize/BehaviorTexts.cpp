@@ -4,22 +4,12 @@
 
 #include "controls/EntryRules.h"
 #include "customize/BehaviorSession.h"
-#include "util/LexChars.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && lex::isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && lex::isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
 
 std::string nameOfField(int kind, int number) {
     return (kind == kSkill ? "skill" : "flag") + std::to_string(number);
@@ -37,12 +27,7 @@ struct PastedLine {
     std::string_view value;
 };
 
-// Nothing for a line that isn't of the form "name = value".
-std::optional<PastedLine> pastedLine(std::string_view line) {
-    const size_t equals = line.rfind('=');
-    if (equals == line.npos) {
-        return std::nullopt;
-    }
+PastedLine pastedLine(std::string_view line, size_t equals) {
     PastedLine parts{{}, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1))};
     const std::string_view word = parts.label.substr(0, parts.label.find_first_of(" \t"));
     if (isFieldName(word)) {
@@ -96,12 +81,26 @@ std::string BehaviorSession::emptyText() const {
 
 std::string BehaviorSession::details(size_t i) const {
     const Source& source = m_sources[i];
+    if (source.component) {
+        return m_components->details(*source.component);
+    }
     if (source.line == 0) {
         return source.number > 0 ? nameOfField(source.kind, source.number) : "";
     }
     const std::string place =
         std::string(fileNameOf(m_panels.front().scriptName)) + ", line " + std::to_string(source.line);
     return source.number > 0 ? nameOfField(source.kind, source.number) + "; " + place : place;
+}
+
+std::string BehaviorSession::helpText(size_t i) const {
+    const std::string help = RowEditing::helpText(i);
+    const std::string sayer = m_sources[i].component ? m_components->whoSays(*m_sources[i].component) : "";
+    return sayer.empty() ? help : "Value from " + sayer + ".\r\n" + help;
+}
+
+std::optional<std::string> BehaviorSession::defaultOf(size_t i) const {
+    return m_sources[i].component ? m_components->defaultOf(*m_sources[i].component)
+                                  : RowEditing::defaultOf(i);
 }
 
 std::string BehaviorSession::picturePath(const std::string& name) const {
@@ -138,6 +137,10 @@ std::vector<std::string> BehaviorSession::findings() const {
             }
         }
     }
+    if (m_components) {
+        const std::vector<std::string> values = m_components->findings();
+        lines.insert(lines.end(), values.begin(), values.end());
+    }
     return lines;
 }
 
@@ -149,12 +152,21 @@ std::string BehaviorSession::findingsText() const {
     return text;
 }
 
+std::string BehaviorSession::copyName(size_t i) const {
+    const Source& source = m_sources[i];
+    return source.component    ? m_components->nameOf(*source.component)
+           : source.number > 0 ? nameOfField(source.kind, source.number) + ' ' + row(i).facts().label
+                               : "";
+}
+
+// A value of several lines would be taken for several values.
 std::string BehaviorSession::copyText(size_t first, size_t last) const {
     std::string text;
     for (size_t i = first; i < last && i < size(); ++i) {
-        if (m_sources[i].number > 0 && !row(i).isDifferent()) {
-            text += nameOfField(m_sources[i].kind, m_sources[i].number) + ' ' + row(i).facts().label + " = " +
-                    row(i).value() + "\r\n";
+        const std::string name = copyName(i);
+        const bool isOneLine = row(i).value().find_first_of("\r\n") == std::string::npos;
+        if (!name.empty() && isOneLine && !row(i).isDifferent()) {
+            text += name + " = " + row(i).value() + "\r\n";
         }
     }
     return text;
@@ -165,6 +177,9 @@ std::optional<size_t> BehaviorSession::rowFor(const std::string& field, const st
     std::optional<size_t> named;
     for (size_t i = 0; i < size(); ++i) {
         const Source& source = m_sources[i];
+        if (source.component && field.empty() && equalNoCase(label, copyName(i))) {
+            return i;
+        }
         if (source.number == 0) {
             continue;
         }
@@ -202,12 +217,18 @@ PasteResult BehaviorSession::paste(const std::string& text) {
         if (line.empty()) {
             continue;
         }
-        const auto parts = pastedLine(line);
         std::string why = "it is not of the form \"name = value\"";
-        const auto place =
-            parts ? rowFor(std::string(parts->field), std::string(parts->label), why) : std::nullopt;
+        std::optional<size_t> place;
+        // Names and texts may hold a '=' of their own.
+        for (size_t equals = line.find('='); equals != line.npos && !place;
+             equals = line.find('=', equals + 1)) {
+            const PastedLine parts = pastedLine(line, equals);
+            place = rowFor(std::string(parts.field), std::string(parts.label), why);
+            if (place) {
+                values.push_back({*place, std::string(parts.value)});
+            }
+        }
         if (place) {
-            values.push_back({*place, std::string(parts->value)});
             lines.emplace_back(line);
         } else {
             refuse(line, why);

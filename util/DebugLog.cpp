@@ -1,6 +1,7 @@
 #include "util/DebugLog.h"
 
 #include <cstdio>
+#include <mutex>
 
 #include "util/OsFiles.h"
 
@@ -13,6 +14,7 @@ constexpr char kHeader[] =
     "<DebugLog>\n";
 
 std::FILE* g_stream = nullptr;
+std::mutex g_lock;  // of the stream
 
 const char* levelWord(int level) {
     return level == 1 ? "Error" : level == 2 ? "Warning" : "Note";
@@ -28,6 +30,7 @@ std::string& debugLogFileName() {
 void debugLog(const std::string& file, int line, const std::string& func, const std::string& message,
               int level) noexcept {
     try {
+        const std::lock_guard locked(g_lock);
         if (!g_stream) {
             g_stream = osFiles().openStream(debugLogFileName(), "wb");
             if (!g_stream) {
@@ -54,6 +57,7 @@ void debugLog(const char* file, int line, const char* func, const char* message,
 }
 
 void closeDebugLog() noexcept {
+    const std::lock_guard locked(g_lock);
     if (g_stream) {
         std::fclose(g_stream);
         g_stream = nullptr;

@@ -12,8 +12,7 @@ std::string& debugLogFileName();
 
 // Writes one entry: `file`, `line` and `func` name the place in our own source, `level` is 1 for
 // "Error", 2 for "Warning", anything else for "Note". Texts are written as they are, null as an empty
-// one. The first entry makes the file anew. Whatever fails is swallowed. There is no lock: entries come
-// from one thread at a time.
+// one. The first entry makes the file anew. Whatever fails is swallowed. [any thread]
 void debugLog(const char* file, int line, const char* func, const char* message, int level) noexcept;
 void debugLog(const std::string& file, int line, const std::string& func, const std::string& message,
               int level) noexcept;

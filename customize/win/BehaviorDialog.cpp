@@ -1,20 +1,36 @@
 #include "customize/win/BehaviorDialog.h"
 
 #include "ui/win/TextWindow.h"
+#include "util/UserPrompt.h"
 
 namespace zoka {
 namespace {
 
 constexpr const char* kCaption = "Entity Behavior";
 constexpr int kFirstControl = 1200;
-enum : int { kShowFindings = 1220, kFollow };
+enum : int { kShowFindings = 1220, kFollow, kSave };
 enum : int { kCopyRow = kFirstRowItem, kCopyAll, kPasteValues };
-constexpr int kWide = 70, kFollowUnits = 90;  // dialog units: "Problems (1000)...", "Follow the selection"
+// Dialog units: "Problems (1000)...", "Follow the selection", "Save".
+constexpr int kWide = 70, kFollowUnits = 90, kSaveUnits = 44;
 constexpr size_t kMostPasted = 1 << 20;
 constexpr UINT kLookMs = 1000;  // between looks at the host's count of changes
 
 bool isTextField(HWND control) {
     return control && (SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL);
+}
+
+std::vector<RowsButton> buttonsOf(const BehaviorDialog::Setup& setup) {
+    std::vector<RowsButton> buttons = {{kShowFindings, "&Problems (0)...", kWide, true},
+                                       {kFollow, "Fo&llow the selection", kFollowUnits, true, true}};
+    if (setup.project) {
+        buttons.push_back({kSave, "&Save", kSaveUnits});
+    }
+    return buttons;
+}
+
+std::unique_ptr<EntityComponents> componentsOf(const std::optional<BehaviorProject>& project) {
+    return project ? std::make_unique<EntityComponents>(project->file, project->texts, userPrompt())
+                   : nullptr;
 }
 
 }  // namespace
@@ -24,10 +40,10 @@ BehaviorDialog::BehaviorDialog(const Setup& setup)
                   .module = setup.module,
                   .icon = setup.icon,
                   .firstId = kFirstControl,
-                  .buttons = {{kShowFindings, "&Problems (0)...", kWide, true},
-                              {kFollow, "Fo&llow the selection", kFollowUnits, true, true}},
+                  .buttons = buttonsOf(setup),
                   .statusLine = true}),
-      m_session(setup.entities, setup.editor) {}
+      m_session(setup.entities, setup.editor, componentsOf(setup.project),
+                setup.project ? setup.project->entity : "") {}
 
 void BehaviorDialog::fillRows() {
     m_session.open();
@@ -47,14 +63,17 @@ void CALLBACK BehaviorDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
     });
 }
 
-// The action's own title, if its markup has one.
+// The action's own title, if its markup has one, with a mark while components have unsaved edits.
 std::string BehaviorDialog::caption() const {
-    return m_session.title().empty() ? kCaption : m_session.title();
+    return (m_session.title().empty() ? kCaption : m_session.title()) + (m_session.hasUnsaved() ? " *" : "");
 }
 
 ButtonState BehaviorDialog::stateOf(int id) const {
     if (id == kFollow) {
         return {m_session.canFollow()};
+    }
+    if (id == kSave) {
+        return {m_session.hasUnsaved()};
     }
     const size_t findings = m_session.findingCount();
     return {findings > 0, "&Problems (" + std::to_string(findings) + ")..."};
@@ -66,7 +85,19 @@ void BehaviorDialog::pressed(int id) {
     } else if (id == kShowFindings) {
         showTextWindow(window(), "Problems", "Of the action's markup, and of values outside their limits:",
                        m_session.findingsText(), TextLook::FixedWidth);
+    } else if (id == kSave) {
+        save();
     }
+}
+
+void BehaviorDialog::save() {
+    // The button can't keep the keyboard once there is nothing to save, and its neighbour must not get it.
+    const bool byButton = GetFocus() == button(kSave);
+    m_session.save();
+    if (window() && byButton && !IsWindowEnabled(button(kSave))) {
+        view().focusLast();
+    }
+    showState();
 }
 
 std::vector<RowMenuItem> BehaviorDialog::rowMenuItems(size_t row) {
@@ -85,6 +116,10 @@ void BehaviorDialog::rowMenuChosen(size_t row, int id) {
 
 // In a text field the keys alone are the field's own.
 bool BehaviorDialog::rowShortcut(WPARAM key) {
+    if (key == 'S' && m_session.hasPanelForm()) {
+        press(kSave);
+        return true;
+    }
     if ((key != 'C' && key != 'V') || (isTextField(GetFocus()) && GetKeyState(VK_SHIFT) >= 0)) {
         return false;
     }

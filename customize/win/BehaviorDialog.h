@@ -3,10 +3,20 @@
 
 #include <windows.h>
 
+#include <optional>
+#include <string>
+
 #include "controls/win/RowsDialog.h"
 #include "customize/BehaviorSession.h"
 
 namespace zoka {
+
+// The project whose components the panel form shows.
+struct BehaviorProject {
+    std::string file;
+    std::string entity;  // that the panel was opened for
+    ProjectTexts texts;
+};
 
 // Shows a session and hands it the user's actions. Threads and lifetime as RowsDialog.
 class BehaviorDialog : public RowsDialog {
@@ -16,6 +26,7 @@ public:
         ZunEditorInterface& editor;
         HINSTANCE module;  // holds the dialog's resource and the icon
         int icon;
+        std::optional<BehaviorProject> project = {};  // nothing: the plain form
     };
     explicit BehaviorDialog(const Setup& setup);
 
@@ -27,11 +38,13 @@ private:
     std::string caption() const override;
     std::string status() const override { return isLoaded() ? m_session.status() : ""; }
     void activated() override { m_session.refresh(true); }
+    bool mayLeave() override { return m_session.close(); }
     std::vector<RowMenuItem> rowMenuItems(size_t row) override;
     void rowMenuChosen(size_t row, int id) override;
     bool rowShortcut(WPARAM key) override;
 
     static void CALLBACK look(HWND window, UINT message, UINT_PTR self, DWORD time);
+    void save();
     void copy(size_t first, size_t last);
     void paste();
 

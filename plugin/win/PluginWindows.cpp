@@ -5,9 +5,11 @@
 #include <commctrl.h>
 
 #include "J8ProjectManager/win/ProjectDialog.h"
+#include "J8ProjectManager/win/ProjectPage.h"
 #include "J8ProjectWizard/win/J8WizardNewDlg.h"
 #include "customize/win/BehaviorDialog.h"
 #include "customize/win/CustomizeDialog.h"
+#include "plugin/Procedures.h"
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/HostAdapter.h"
 #include "plugin/win/Resources.h"
@@ -39,8 +41,10 @@ private:
 // "Entity Behavior" as a panel of the editor.
 class BehaviorWindow : public PanelWindow {
 public:
-    BehaviorWindow(ZunEditorInterface& editor, const HostContext* context)
-        : m_entities(makeEntityAccess(context)), m_dialog({m_entities.get(), editor, g_module, IDI_ZOKA}) {}
+    BehaviorWindow(ZunEditorInterface& editor, const HostContext* context,
+                   std::optional<BehaviorProject> project)
+        : m_entities(makeEntityAccess(context)),
+          m_dialog({m_entities.get(), editor, g_module, IDI_ZOKA, std::move(project)}) {}
 
     HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
     void load() override { m_dialog.load(); }
@@ -72,15 +76,25 @@ std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterfac
     return std::make_unique<CustomizeWindow>(editor);
 }
 
-// No project's behaviours are read yet, so none defines a panel.
-bool PluginWindows::behaviorPanelDefined(const std::string&, const std::string&, EntityDescriptor&) {
-    return false;
+bool PluginWindows::behaviorPanelDefined(const std::string& projectFile, const std::string& entity,
+                                         EntityDescriptor& descriptor) {
+    auto behavior = definedBehavior(projectFile, entity, projectTexts());
+    if (!behavior) {
+        return false;
+    }
+    descriptor = {entity, std::move(*behavior)};
+    return true;
 }
 
-std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(ZunEditorInterface& editor,
-                                                              const HostContext* context,
-                                                              const std::optional<EntityDescriptor>&) {
-    return std::make_unique<BehaviorWindow>(editor, context);
+std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
+    ZunEditorInterface& editor, const HostContext* context,
+    const std::optional<EntityDescriptor>& descriptor) {
+    std::optional<BehaviorProject> project;
+    if (descriptor) {
+        const std::string file = projectFileOf(editor.GetMainScriptPath().value_or("")).value_or("");
+        project = {file, descriptor->entity, projectTexts()};
+    }
+    return std::make_unique<BehaviorWindow>(editor, context, std::move(project));
 }
 
 std::unique_ptr<PanelThread> PluginWindows::makeThread(PanelState& state, PanelDialog& dialog, int number) {

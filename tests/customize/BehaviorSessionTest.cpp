@@ -3,11 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <random>
 
 #include "plugin/host/FolderHost.h"
 #include "tests/support/FakeEntities.h"
+#include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"
+#include "util/DebugLog.h"
+#include "util/OsFiles.h"
 
 namespace zoka {
 namespace {
@@ -230,6 +234,229 @@ TEST_F(BehaviorSessionTest, agreesWithAHostThatFailsAtRandom) {
     const std::vector<std::string> before = shown();
     m_session.open();
     EXPECT_EQ(shown(), before);
+}
+
+// --- The panel form.
+
+constexpr char kComponents[] =
+    "<Components><Component name='body'><Property name='mass' type='float' value='75' edit='true'>"
+    "<Constraint type='min' value='0'/><Constraint type='max' value='100'/></Property>"
+    "<Property name='solid' type='bool' value='true' edit='true'/>"
+    "<Property name='stuff' type='string' value='wool'/></Component>"
+    "<Component name='light'><Property name='color' type='color' value='#ffffff' edit='true'/></Component>"
+    "</Components>";
+constexpr char kBehaviors[] =
+    "<Behaviors><Component proj_file='c.xml'/>"
+    "<Behavior name='walker'><Skill num='2' name='Health'/><Skill num='30' name='None'/>"
+    "<Component name='body'><Edit name='mass' value='80'/></Component><Component name='light'/></Behavior>"
+    "<Behavior name='boat'><Skill num='7' name='Draught'/><Component name='body'/></Behavior></Behaviors>";
+constexpr char kLevels[] =
+    "<Level name='other' mapfile='other.zlb'><Entity name='a' parent='boat'/><Entity name='far' "
+    "parent='boat'/>"
+    "</Level><Level name='open' mapfile='MAIN.zlb'>"
+    "<Entity name='a' parent='walker'><Component name='body'><Edit name='mass' "
+    "value='90'/></Component></Entity>"
+    "<Entity name='b' parent='walker'/>"
+    "<Entity name='c'><Component name='body'/><Component name='sail'><Edit name='size' "
+    "value='3'/></Component>"
+    "</Entity><Entity name='boat' parent='boat'/><Entity name='lost' parent='nobody'/></Level>";
+
+class BehaviorComponentsTest : public BehaviorSessionTest {
+protected:
+    BehaviorComponentsTest() {
+        closeDebugLog();
+        debugLogFileName() = m_folder.path("log.xml");
+        m_folder.write("c.xml", kComponents);
+        m_folder.write("b.xml", kBehaviors);
+        m_file = m_folder.write(
+            "main.xml", "<Project name='Game' date='1' vers='8'>\n<Paths proj_file='" + m_folder.path() +
+                            "' j8_file=''/>\n<Behavior proj_file='b.xml'/>" + kLevels + "</Project>\n");
+        std::filesystem::current_path(m_folder.native(""));  // a save leaves its report there
+        m_panel.open();
+    }
+    ~BehaviorComponentsTest() override {
+        std::filesystem::current_path(m_before);
+        closeDebugLog();
+        debugLogFileName() = "debugLogOut.xml";
+    }
+
+    static std::string same(const std::string& text) { return text; }
+    static std::unique_ptr<EntityComponents> components(const std::string& file, UserPrompt& prompt) {
+        return std::make_unique<EntityComponents>(file, ProjectTexts{same, same}, prompt);
+    }
+    void follow(std::vector<std::string> names) {
+        select(std::move(names));
+        m_panel.refresh(false);
+    }
+    std::vector<std::string> shown() const {
+        std::vector<std::string> rows;
+        for (size_t i = 0; i < m_panel.size(); ++i) {
+            const EntryModel& row = m_panel.row(i);
+            const bool hasNoValue = !hasValue(row.facts().field);
+            rows.push_back(row.facts().label +
+                           (hasNoValue          ? ""
+                            : row.isDifferent() ? "=(different)"
+                                                : '=' + row.value()) +
+                           (row.HasChanged() ? " changed" : "") + (row.blocked().empty() ? "" : " blocked"));
+        }
+        return rows;
+    }
+    size_t rowOf(const std::string& label) const {
+        for (size_t i = 0; i < m_panel.size(); ++i) {
+            if (m_panel.row(i).facts().label == label) {
+                return i;
+            }
+        }
+        ADD_FAILURE() << "no row " << label;
+        return 0;
+    }
+    std::string saved() { return m_folder.read("main.xml"); }
+
+    std::filesystem::path m_before = std::filesystem::current_path();
+    std::string m_file = m_folder.path("main.xml");
+    test::ScriptedPrompt m_prompt;
+    BehaviorSession m_panel{&m_entities, m_host, components(m_file, m_prompt), "a"};
+};
+
+TEST_F(BehaviorComponentsTest, IsDefinedForAnEntityOfTheOpenLevelWhoseParentIsLoaded) {
+    const ProjectTexts texts{same, same};
+    EXPECT_EQ(definedBehavior(m_file, "a", texts), "walker");
+    EXPECT_EQ(definedBehavior(m_file, "boat", texts), "boat");
+    for (const char* name : {"c", "lost", "far", "nobody", ""}) {
+        EXPECT_EQ(definedBehavior(m_file, name, texts), std::nullopt) << name;
+    }
+    EXPECT_EQ(definedBehavior(m_folder.path("gone.xml"), "a", texts), std::nullopt);
+    // No map of the project is the open one: the first level that has the entity.
+    const std::string elsewhere = m_folder.write("street.xml", saved());
+    EXPECT_EQ(definedBehavior(elsewhere, "a", texts), "boat");
+    EXPECT_EQ(definedBehavior(elsewhere, "b", texts), "walker");
+}
+
+TEST_F(BehaviorComponentsTest, ShowsTheEntitysEditsOverTheBehaviorsOverTheDefaults) {
+    EXPECT_THAT(shown(), ElementsAre("Legs", "Speed=3", "Lit=0", "body", "mass=90 changed", "solid=1",
+                                     "stuff=wool blocked", "light", "color=#ffffff"));
+    EXPECT_THAT(m_panel.tooltip(4), HasSubstr("Value from the entity"));
+    EXPECT_THAT(m_panel.tooltip(4), HasSubstr("Default: 75\r\nBefore: 80"));
+    follow({"b"});
+    EXPECT_THAT(shown()[4], "mass=80");
+    EXPECT_THAT(m_panel.tooltip(4), HasSubstr("Value from the behavior walker"));
+    EXPECT_THAT(m_panel.helpText(5), HasSubstr("Value from the component's default."));
+    // What can't be shown says so.
+    follow({"c"});
+    EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=0", "No Parent Behavior", "body", "mass=75", "solid=1",
+                                     "stuff=wool blocked", "sail", "COULD NOT FIND CMP DATA!", "size=3"));
+    m_entities.entities["lost"] = m_entities.entities["stranger"] = m_entities.entities["c"];
+    follow({"lost"});
+    EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=0", "No Parent Behavior"));
+    follow({"stranger"});
+    EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=0", "COULD NOT FIND CMP DATA!"));
+    // Names that stand in for those which the action does not declare.
+    follow({"boat"});
+    EXPECT_THAT(shown(), ElementsAre("Draught=0", "body", "mass=75", "solid=1", "stuff=wool blocked"));
+}
+
+TEST_F(BehaviorComponentsTest, EditsReachTheProjectAndGoBackInTheirOrder) {
+    std::string why;
+    EXPECT_FALSE(m_panel.setValue(4, "101", &why));
+    EXPECT_TRUE(m_panel.setValue(4, "9", nullptr, true));
+    EXPECT_TRUE(m_panel.setValue(4, "95", nullptr, true));
+    EXPECT_TRUE(m_panel.setValue(1, "7"));
+    EXPECT_TRUE(m_panel.setValue(5, "0"));
+    EXPECT_TRUE(m_panel.hasUnsaved());
+    const std::vector<std::string> edited = shown();
+    EXPECT_EQ(edited[4], "mass=95 changed");
+    m_panel.undo();
+    m_panel.undo();
+    EXPECT_EQ(skill("a", 1), 3.0F);
+    m_panel.undo();
+    EXPECT_EQ(shown()[4], "mass=90 changed");
+    EXPECT_FALSE(m_panel.hasUnsaved());
+    while (m_panel.redo()) {
+    }
+    EXPECT_EQ(shown(), edited);
+    // The behaviour's value takes the entity's own away; the component's default is one of its own.
+    EXPECT_EQ(m_panel.resetRow(4, ResetTo::Loaded), 1U);
+    EXPECT_EQ(shown()[4], "mass=80");
+    EXPECT_EQ(m_panel.resetAll(ResetTo::Default), 4U);
+    EXPECT_EQ(shown()[4], "mass=75 changed");
+    m_panel.undo();
+    EXPECT_EQ(shown()[4], "mass=80");
+    EXPECT_EQ(m_panel.copyText(0, m_panel.size()),
+              "skill1 Speed = 7\r\nflag1 Lit = 0\r\nbody.mass = 80\r\nbody.solid = 0\r\nbody.stuff = wool\r\n"
+              "light.color = #ffffff\r\n");
+    const PasteResult pasted = m_panel.paste("body.mass = 60\r\nlight.range = 3\r\nbody.stuff = silk");
+    EXPECT_EQ(pasted.taken, 1U);
+    EXPECT_THAT(pasted.refused, ElementsAre(HasSubstr("no such value"), HasSubstr("does not offer")));
+}
+
+TEST_F(BehaviorComponentsTest, SeveralEntitiesGetTheValueAndEachItsOwnBack) {
+    follow({"a", "b", "c"});
+    EXPECT_THAT(shown(), ElementsAre("Legs", "Speed=(different)", "No Parent Behavior", "body",
+                                     "mass=(different)", "solid=1", "stuff=wool blocked"));
+    EXPECT_TRUE(m_panel.setValue(4, "80"));
+    EXPECT_EQ(shown()[4], "mass=80 changed");
+    m_panel.undo();
+    EXPECT_EQ(shown()[4], "mass=(different)");
+    EXPECT_FALSE(m_panel.hasUnsaved());
+    m_panel.redo();
+    EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
+    // The two that inherit it have no edit of their own.
+    const std::string text = saved();
+    EXPECT_EQ(text.find("value=\"80\""), text.rfind("value=\"80\""));
+    EXPECT_EQ(text.find("value=\"90\""), text.npos);
+    follow({"a"});
+    EXPECT_EQ(shown()[4], "mass=80");
+}
+
+TEST_F(BehaviorComponentsTest, SavingKeepsUndoAndClosingAsks) {
+    EXPECT_EQ(m_panel.save(), ProjectSave::NothingToSave);
+    EXPECT_TRUE(m_panel.close());
+    m_panel.setValue(4, "50");
+    m_panel.setValue(1, "8");
+    EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
+    EXPECT_FALSE(m_panel.hasUnsaved());
+    EXPECT_THAT(saved(), HasSubstr("value=\"50\""));
+    EXPECT_EQ(shown()[4], "mass=50 changed");
+    m_panel.undo();
+    m_panel.undo();
+    EXPECT_EQ(shown()[4], "mass=90 changed");
+    EXPECT_EQ(skill("a", 1), 3.0F);
+    EXPECT_TRUE(m_panel.hasUnsaved());
+    m_prompt.answers.push_back(PromptAnswer::Cancel);
+    EXPECT_FALSE(m_panel.close());
+    m_prompt.answers.push_back(PromptAnswer::No);
+    EXPECT_TRUE(m_panel.close());
+    EXPECT_THAT(saved(), HasSubstr("value=\"50\""));
+    m_prompt.answers.push_back(PromptAnswer::Yes);
+    EXPECT_TRUE(m_panel.close());
+    EXPECT_THAT(saved(), HasSubstr("value=\"90\""));
+}
+
+TEST_F(BehaviorComponentsTest, ShowsWhatAnotherProgramWroteAndAsksWhereBothDid) {
+    const auto writeMass = [&](const std::string& value) {
+        std::string text = saved();
+        const size_t at = text.find("90");
+        m_folder.write("main.xml", text.replace(at, 2, value) + "\n");
+        osFiles().setTimes(m_file, FileTime::fromTicks(130000000000000000ULL + std::stoul(value)));
+    };
+    writeMass("44");
+    m_panel.refresh(true);
+    EXPECT_EQ(shown()[4], "mass=44 changed");
+    m_panel.setValue(5, "0");
+    m_folder.write("main.xml", "<!-- new -->" + saved());
+    m_panel.refresh(true);
+    EXPECT_EQ(shown()[5], "solid=0 changed");
+    m_prompt.answers.push_back(PromptAnswer::Cancel);
+    EXPECT_EQ(m_panel.save(), ProjectSave::Cancelled);
+    EXPECT_TRUE(m_panel.hasUnsaved());
+    // An entity that is gone takes no edits.
+    m_entities.entities.erase("a");
+    follow({});
+    EXPECT_THAT(shown()[5], HasSubstr("blocked"));
+    // A project that is gone.
+    BehaviorSession panel(nullptr, m_host, components(m_folder.path("gone.xml"), m_prompt), "a");
+    panel.open();
+    EXPECT_EQ(panel.row(panel.size() - 1).facts().label, "COULD NOT FIND CMP DATA!");
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ windows_path() { echo "Z:${1//\//\\}"; }
 directives() { sed -nE "s/^#: $2 (.*)$/\1/p" "$1"; }
 
 # A test's folders: a project, one with a level but no scripts, one that has a project file beside its main script,
-# one with all that such a file can name; a suite with templates and one without.
+# one with all that such a file can name, one that gives the level's entities their components; a suite with templates and one without.
 lay_out() { # folder
     rm -rf "$1"
     mkdir -p "$1"/{bare,suite,empty} || return 1
@@ -42,14 +42,18 @@ lay_out() { # folder
     [ -e "$1/j8/main.xml" ] || printf '<Project name="harbour"/>\r\n' >"$1/j8/main.xml"
     cp -r "$root/samples/project" "$1/town"
     cp "$root"/samples/j8project/* "$1/town/"
+    cp -r "$root/samples/project" "$1/quay"
+    cp "$root"/samples/quay/* "$1/quay/"
     cp -r "$root/samples/templates" "$1/suite/templates"
     cp -r "$root/samples/templates-newer" "$1/suite/templates-newer"
     [ -e "$1/suite/templates/template_6.xml" ] || printf '<TavrixTemplate name="samples"/>\r\n' >"$1/suite/templates/template_6.xml"
     chmod -R u+w "$1"
-    local town data
-    town=$(windows_path "$1/town")
+    local name folder data
     data=$(windows_path "$1/suite/templates/xml")
-    sed -i "s|<Paths [^>]*>|<Paths proj_file=\"${town//\\/\\\\}\\\\\" j8_file=\"${data//\\/\\\\}\\\\\"/>|" "$1/town/main.xml"
+    for name in town quay; do
+        folder=$(windows_path "$1/$name")
+        sed -i "s|<Paths [^>]*>|<Paths proj_file=\"${folder//\\/\\\\}\\\\\" j8_file=\"${data//\\/\\\\}\\\\\"/>|" "$1/$name/main.xml"
+    done
 }
 
 # A catalogue of that many scripts.
@@ -81,7 +85,7 @@ drive() { # script, folder, part
         timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$prefix" "$build/tools/editor/zunhost.exe" \
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
-            --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" --set "TOWN=$(windows_path "$2/town")" \
+            --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" --set "TOWN=$(windows_path "$2/town")" --set "QUAY=$(windows_path "$2/quay")" \
             --set "PART=${3:-1}" --set LF=$'\n' --set "OUT=$(windows_path "$2")" \
             --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
             --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \

@@ -131,8 +131,11 @@ std::string valueOf(HWND control) {
     return isClass(control, "Button") ? visibleText(control) : windowText(control);
 }
 
+LRESULT checkOf(HWND control) {
+    return ask(control, BM_GETCHECK);
+}
 bool isChecked(HWND control) {
-    return ask(control, BM_GETCHECK) == BST_CHECKED;
+    return checkOf(control) == BST_CHECKED;
 }
 
 // Whether a control is as a word says; a fault for a word that says nothing.
@@ -147,7 +150,10 @@ bool hasState(HWND control, const std::string& state) {
         return isChecked(control);
     }
     if (state == "unchecked") {
-        return !isChecked(control);
+        return checkOf(control) == BST_UNCHECKED;
+    }
+    if (state == "indeterminate") {
+        return checkOf(control) == BST_INDETERMINATE;
     }
     if (state == "focused") {
         return focusOf(control) == control;
@@ -158,7 +164,10 @@ bool hasState(HWND control, const std::string& state) {
 std::string stateText(HWND control) {
     std::string text = describe(control);
     if (isClass(control, "Button")) {
-        text += isChecked(control) ? ", checked" : ", unchecked";
+        const LRESULT check = checkOf(control);
+        text += check == BST_CHECKED     ? ", checked"
+                : check == BST_UNCHECKED ? ", unchecked"
+                                         : ", indeterminate";
     }
     return text + ", value \"" + valueOf(control) + "\"; the keyboard is in " + describe(focusOf(control));
 }

@@ -1,0 +1,105 @@
+// The components that a J8 project gives entities, as rows of a panel. Edits go into the project in memory, until it
+// is saved.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "J8ProjectManager/ProjectPanel.h"
+#include "J8ProjectManager/ProjectSession.h"
+#include "controls/EntryModel.h"
+#include "util/FileTime.h"
+
+namespace zoka {
+
+// A level and an entity of it, by their places in the model.
+struct EntityPlace {
+    size_t level = 0, entity = 0;
+};
+// In the level whose map has the project file's name, as that of the main script beside it has; where there is no such
+// level, in the first one that has the entity. `name` as the project's texts.
+std::optional<EntityPlace> placeOfEntity(const CJ8ProjectManager& project, const std::string& name);
+
+// The behaviour that makes the project define a panel for the entity, as shown; nothing when it defines none. Loads the
+// project into a model of its own. [any thread]
+std::optional<std::string> definedBehavior(const std::string& projectFile, const std::string& entity,
+                                           const ProjectTexts& texts);
+
+// Rows are counted from 0; names of entities are as shown. The prompt outlives the object. [panel thread]
+class EntityComponents {
+public:
+    EntityComponents(std::string projectFile, ProjectTexts texts, UserPrompt& prompt)
+        : m_file(std::move(projectFile)), m_texts(texts), m_project(m_model, prompt) {}
+
+    // Reads the project. False when it can't be read; no entity has components then.
+    bool load();
+    // Reads it again when its files are others than before and nothing is unsaved; true when that has happened.
+    bool reloadIfChanged();
+
+    // Makes the rows that these entities share.
+    void show(std::vector<std::string> entities);
+    size_t size() const { return m_rows.size(); }
+    EntryModel modelOf(size_t row) const;
+    // Puts the value into the row's model, as the project holds it now.
+    void showValue(size_t row, EntryModel& model) const;
+    // Whose value each row shows, its type, and where it is declared.
+    std::string details(size_t row) const;
+    // "the entity", "the behavior guard", "the component's default"; empty for a row without a value.
+    std::string whoSays(size_t row) const;
+    // The component's own default; nothing where no components file has the property.
+    std::optional<std::string> defaultOf(size_t row) const;
+    // "body.mass"; empty for a row without a value.
+    std::string nameOf(size_t row) const;
+    // Values that their type or limits forbid, a line each.
+    std::vector<std::string> findings() const;
+    // Of the entity's behaviour; empty when it has none.
+    std::vector<std::pair<int, std::string>> skillNames(const std::string& entity) const;
+    std::string behaviorOf(const std::string& entity) const;
+
+    // Gives all entities the value, or none, with the reason. An entity that inherits the value gets no edit.
+    bool set(size_t row, const std::string& shown, std::string& why);
+    // How many edits are done, and back or forward to that many.
+    size_t editsDone() const { return m_project.editsDone(); }
+    void goTo(size_t edits);
+
+    bool hasChanges() const { return m_project.hasChanges(); }
+    // As the project's own window does. Pointers into the project are new afterwards: show() again.
+    ProjectSave save();
+    // True when the panel may close: asks about unsaved edits.
+    bool close() { return m_project.close(); }
+
+private:
+    struct Row {
+        ProjectRow shown;                  // of the first entity; without a field it is text alone
+        std::vector<ProjectField> fields;  // one an entity
+        std::vector<EditValue> values;     // likewise
+    };
+
+    const J8LevelEntity& record(const EntityPlace& place) const {
+        return m_model.m_apLevels[place.level].m_entities[place.entity];
+    }
+    const CJ8BehaviorData* parentOf(const std::string& entity) const;
+    void addText(const char* text, std::string help);
+    void addRows();
+    void readValues();
+    std::string shown(const Row& row, const std::string& stored) const {
+        return shownForm(row.shown, stored, m_texts);
+    }
+    std::vector<std::optional<FileTime>> times() const;
+
+    std::string m_file;
+    ProjectTexts m_texts;
+    CJ8ProjectManager m_model;
+    ProjectSession m_project;
+    bool m_isLoaded = false;
+    std::vector<std::optional<FileTime>> m_times;  // of the files read
+    std::vector<std::string> m_entities;
+    std::vector<EntityPlace> m_places;  // of the entities; empty when one has none
+    std::vector<Row> m_rows;
+};
+
+}  // namespace zoka
