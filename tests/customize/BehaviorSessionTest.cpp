@@ -318,7 +318,7 @@ protected:
     BehaviorSession m_panel{&m_entities, m_host, components(m_file, m_prompt), "a"};
 };
 
-TEST_F(BehaviorComponentsTest, IsDefinedForAnEntityOfTheOpenLevelWhoseParentIsLoaded) {
+TEST_F(BehaviorComponentsTest, isDefinedForAnEntityOfTheOpenLevelWhoseParentIsLoaded) {
     const ProjectTexts texts{same, same};
     EXPECT_EQ(definedBehavior(m_file, "a", texts), "walker");
     EXPECT_EQ(definedBehavior(m_file, "boat", texts), "boat");
@@ -332,7 +332,7 @@ TEST_F(BehaviorComponentsTest, IsDefinedForAnEntityOfTheOpenLevelWhoseParentIsLo
     EXPECT_EQ(definedBehavior(elsewhere, "b", texts), "walker");
 }
 
-TEST_F(BehaviorComponentsTest, ShowsTheEntitysEditsOverTheBehaviorsOverTheDefaults) {
+TEST_F(BehaviorComponentsTest, showsTheEntitysEditsOverTheBehaviorsOverTheDefaults) {
     EXPECT_THAT(shown(), ElementsAre("Legs", "Speed=3", "Lit=0", "body", "mass=90 changed", "solid=1",
                                      "stuff=wool blocked", "light", "color=#ffffff"));
     EXPECT_THAT(m_panel.tooltip(4), HasSubstr("Value from the entity"));
@@ -355,7 +355,7 @@ TEST_F(BehaviorComponentsTest, ShowsTheEntitysEditsOverTheBehaviorsOverTheDefaul
     EXPECT_THAT(shown(), ElementsAre("Draught=0", "body", "mass=75", "solid=1", "stuff=wool blocked"));
 }
 
-TEST_F(BehaviorComponentsTest, EditsReachTheProjectAndGoBackInTheirOrder) {
+TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
     std::string why;
     EXPECT_FALSE(m_panel.setValue(4, "101", &why));
     EXPECT_TRUE(m_panel.setValue(4, "9", nullptr, true));
@@ -389,7 +389,7 @@ TEST_F(BehaviorComponentsTest, EditsReachTheProjectAndGoBackInTheirOrder) {
     EXPECT_THAT(pasted.refused, ElementsAre(HasSubstr("no such value"), HasSubstr("does not offer")));
 }
 
-TEST_F(BehaviorComponentsTest, SeveralEntitiesGetTheValueAndEachItsOwnBack) {
+TEST_F(BehaviorComponentsTest, severalEntitiesGetTheValueAndEachItsOwnBack) {
     follow({"a", "b", "c"});
     EXPECT_THAT(shown(), ElementsAre("Legs", "Speed=(different)", "No Parent Behavior", "body",
                                      "mass=(different)", "solid=1", "stuff=wool blocked"));
@@ -408,7 +408,7 @@ TEST_F(BehaviorComponentsTest, SeveralEntitiesGetTheValueAndEachItsOwnBack) {
     EXPECT_EQ(shown()[4], "mass=80");
 }
 
-TEST_F(BehaviorComponentsTest, SavingKeepsUndoAndClosingAsks) {
+TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
     EXPECT_EQ(m_panel.save(), ProjectSave::NothingToSave);
     EXPECT_TRUE(m_panel.close());
     m_panel.setValue(4, "50");
@@ -432,7 +432,7 @@ TEST_F(BehaviorComponentsTest, SavingKeepsUndoAndClosingAsks) {
     EXPECT_THAT(saved(), HasSubstr("value=\"90\""));
 }
 
-TEST_F(BehaviorComponentsTest, ShowsWhatAnotherProgramWroteAndAsksWhereBothDid) {
+TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) {
     const auto writeMass = [&](const std::string& value) {
         std::string text = saved();
         const size_t at = text.find("90");
