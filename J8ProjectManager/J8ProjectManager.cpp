@@ -185,7 +185,8 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
         return {};
     }
     XMLResults results;
-    XMLNode top = XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results);
+    XMLNode top =
+        XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, {}, XMLCharset::Utf8);
     if (top.isEmpty()) {
         add(bad, {path}, m_referrer);
         tellParseError(path, results);
@@ -258,28 +259,29 @@ bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
     const auto entry = zoka::hasWildcard(path) ? std::nullopt : zoka::osFiles().search(path);
     if (entry && !entry->isFolder) {
         XMLResults results;
-        const XMLNode root = XMLNode::parseFile(path.c_str(), "Project", &results);
+        const XMLNode root =
+            XMLNode::parseFile(path.c_str(), "Project", &results, {}, XMLCharset::Utf8);
         return loadFromTree(root, path, keepFilled, &results);
     }
     keepFilled ? clearContent() : Clear();
-    m_sources.push_back(path);
-    add(texts::kXmlMissing, {path}, 0);
+    const std::string& file = m_sources.emplace_back(zoka::xmlFromPath(path));
+    add(texts::kXmlMissing, {file}, 0);
     return false;
 }
 
 bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
                                      const XMLResults* results) {
     keepFilled ? clearContent() : Clear();
-    m_sources.push_back(path);
+    const std::string file = m_sources.emplace_back(zoka::xmlFromPath(path));
     if (root.isEmpty()) {
-        add(texts::kRootMissing, {path}, 0);
+        add(texts::kRootMissing, {file}, 0);
         if (results) {
-            tellParseError(path, *results);
+            tellParseError(file, *results);
         }
         return false;
     }
     setProjectFile(path);
-    m_sources[0] = projectFile();
+    m_sources[0] = zoka::xmlFromPath(projectFile());
     const auto take = [&](std::string& field, const char* name, const zoka::ReportEntry& missing) {
         if (!field.empty()) {
             return;  // kept: a load that keeps nothing has emptied it
@@ -287,7 +289,7 @@ bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& pat
         if (const char* const value = root.getAttribute(name)) {
             field = value;
         } else {
-            add(missing, {path}, root.place());
+            add(missing, {file}, root.place());
         }
     };
     take(m_name, "name", texts::kNoName);

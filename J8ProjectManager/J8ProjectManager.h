@@ -132,8 +132,8 @@ public:
     // The names of all behaviours, in the order of loading; never null.
     std::shared_ptr<const std::vector<std::string>> behaviorNames() const;
 
-    // The files that were read, in the order of reading; the project file is the first. Paths as the texts hold
-    // them, but for the project file's full path.
+    // The files that were read, in the order of reading; the project file is the first. UTF-8: pathFromXml before
+    // they are opened.
     const std::vector<std::string>& sources() const { return m_sources; }
     // What the report's warnings are about.
     const std::vector<zoka::J8Finding>& findings() const { return m_findings; }

@@ -64,7 +64,8 @@ private:
                 continue;
             }
             XMLResults results;
-            if (XMLNode::parseFile(pathFromXml(path).c_str(), nullptr, &results).isEmpty()) {
+            if (XMLNode::parseFile(pathFromXml(path).c_str(), nullptr, &results, {}, XMLCharset::Utf8)
+                    .isEmpty()) {
                 find(kReportError, 0, file.m_place,
                      std::string(sectionTag(static_cast<J8Section>(i))) + " file \"" + file.m_path +
                          "\" can't be read: " + XMLNode::errorText(results.code) + " (line " +

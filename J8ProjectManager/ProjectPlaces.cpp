@@ -10,9 +10,7 @@ XMLPlace ProjectPlaces::at(std::uint32_t source, std::uint32_t place) {
     }
     const auto [file, isNew] = m_files.try_emplace(source);
     if (isNew) {
-        // The project file's path is one of the disk, the others are texts of files.
-        const std::string& path = m_project->sources()[source];
-        auto bytes = osFiles().readWhole(source == 0 ? path : pathFromXml(path));
+        auto bytes = osFiles().readWhole(pathFromXml(m_project->sources()[source]));
         file->second = XMLPlaces(bytes ? std::move(*bytes) : std::string());
     }
     return file->second.at(place);

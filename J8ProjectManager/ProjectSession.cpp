@@ -48,36 +48,53 @@ const char* severityWord(int severity) {
 
 bool ProjectSession::open(const std::string& path) {
     m_path = osFiles().fullPath(path);
-    return load();
+    ProjectDocument read;
+    if (!this->read(read)) {
+        m_bytes.clear();
+        m_losses.clear();
+        m_edits.clear();
+        m_places.reset();
+        m_model.loadFromTree({}, m_path, false, &read.results);
+        return false;
+    }
+    take(std::move(read));
+    return true;
 }
 
-bool ProjectSession::load() {
-    m_problem.clear();
-    m_edits.clear();
-    m_losses.clear();
-    m_places.reset();
+bool ProjectSession::read(ProjectDocument& read) {
     auto bytes = osFiles().readWhole(m_path);
     if (!bytes) {
         m_problem = "Can't read '" + m_path + "': " + osFiles().lastError();
-        m_bytes.clear();
-        m_model.loadFromTree({}, m_path, false);
         return false;
     }
-    m_bytes = std::move(*bytes);
-    XMLResults results;
-    const XMLNode document = XMLNode::parseBytes(m_bytes, nullptr, &results);
-    if (!document.isEmpty() && document.firstChild("Project").isEmpty()) {
+    read.bytes = std::move(*bytes);
+    return parse(read);
+}
+
+bool ProjectSession::parse(ProjectDocument& read) {
+    m_problem.clear();
+    XMLResults& results = read.results;
+    read.document = XMLNode::parseBytes(read.bytes, nullptr, &results, {}, XMLCharset::Utf8);
+    read.project = read.document.firstChild("Project");
+    if (!read.project.isEmpty()) {
+        return true;
+    }
+    if (!read.document.isEmpty()) {
         results.code = kXmlFirstTagNotFound;
     }
-    if (!m_model.loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
-        m_problem = m_path;
-        m_problem +=
-            results.line > 0 ? ":" + std::to_string(results.line) + ":" + std::to_string(results.column) : "";
-        m_problem += std::string(": ") + XMLNode::errorText(results.code);
-        return false;
-    }
-    m_losses = lossesOf(document, m_model.createXMLTopNode({}, m_model.m_date));
-    return true;
+    m_problem = m_path;
+    m_problem +=
+        results.line > 0 ? ":" + std::to_string(results.line) + ":" + std::to_string(results.column) : "";
+    m_problem += std::string(": ") + XMLNode::errorText(results.code);
+    return false;
+}
+
+void ProjectSession::take(ProjectDocument read) {
+    m_bytes = std::move(read.bytes);
+    m_edits.clear();
+    m_places.reset();
+    m_model.loadFromTree(read.project, m_path, false);
+    m_losses = lossesOf(read.document, m_model.createXMLTopNode({}, m_model.m_date));
 }
 
 std::vector<ProjectProblem> ProjectSession::losses() const {
@@ -85,8 +102,8 @@ std::vector<ProjectProblem> ProjectSession::losses() const {
     const XMLPlaces places(m_losses.empty() ? std::string() : m_bytes);
     for (const ProjectLoss& loss : m_losses) {
         const XMLPlace place = places.at(loss.place);
-        rows.push_back(
-            {m_path, place.line, place.column, kReportWarning, "a save does not keep " + loss.text});
+        rows.push_back({xmlFromPath(m_path), place.line, place.column, kReportWarning,
+                        "a save does not keep " + loss.text});
     }
     return rows;
 }
@@ -98,7 +115,7 @@ std::vector<ProjectProblem> ProjectSession::problems() const {
         for (const J8Finding& finding : findings) {
             const XMLPlace place = places.of(finding);
             const std::string file =
-                finding.source < m_model.sources().size() ? m_model.sources()[finding.source] : m_path;
+                finding.source < m_model.sources().size() ? m_model.sources()[finding.source] : "";
             rows.push_back({file, place.line, place.column, finding.severity, finding.text});
         }
     };
@@ -261,7 +278,8 @@ std::string ProjectSession::text() const {
 std::string ProjectSession::changesText() const {
     const std::string after = text();
     return unifiedDifference(std::string_view(m_bytes).substr(utf8MarkLength(m_bytes)),
-                             std::string_view(after).substr(utf8MarkLength(after)), m_path, m_path);
+                             std::string_view(after).substr(utf8MarkLength(after)), xmlFromPath(m_path),
+                             xmlFromPath(m_path));
 }
 
 }  // namespace zoka

@@ -32,7 +32,7 @@ enum class ProjectSave {
 
 // One thing to mend.
 struct ProjectProblem {
-    std::string file;
+    std::string file;          // UTF-8, as the text
     int line = 0, column = 0;  // 0: the file as a whole
     int severity = kReportWarning;
     std::string text;
@@ -49,7 +49,7 @@ public:
     bool open(const std::string& path);
     const CJ8ProjectManager& model() const { return m_model; }
     const std::string& path() const { return m_path; }
-    // Why the last operation failed; else empty.
+    // Why the last operation failed; else empty. In the system's character set, like all that the user is told.
     const std::string& problem() const { return m_problem; }
 
     // --- What is wrong. The report is model().m_report.
@@ -102,7 +102,8 @@ public:
     // Asks what is to be asked, keeps a copy of a file whose content would be lost, writes and loads again; undo
     // goes on. With `force` also when nothing has changed.
     ProjectSave save(bool force = false);
-    // Loads again; asks first when edits would be lost.
+    // Loads again; asks first when edits would be lost. False, with everything as it was, when the user wants that, or
+    // the file can't be read, with the reason in problem().
     bool reload();
     // True when the window may close: asks about changes.
     bool close();
@@ -113,7 +114,16 @@ public:
     bool writesStepReport = true;
 
 private:
-    bool load();
+    // A file, before it takes the place of what is loaded.
+    struct ProjectDocument {
+        std::string bytes;
+        XMLNode document, project;
+        XMLResults results;
+    };
+    // Both change nothing but problem(): a file that can't be read costs no edit.
+    bool read(ProjectDocument& read);
+    bool parse(ProjectDocument& read);
+    void take(ProjectDocument read);
     bool question(const std::string& text);
     ProjectSave fail(const std::string& message);
     std::optional<ProjectSave> settleChangesFromOutside(bool& overwrites);

@@ -10,10 +10,11 @@ namespace {
 
 constexpr size_t kListed = 10;
 
+// Lines with texts of the project, for a question.
 std::string listed(const std::vector<std::string>& lines) {
     std::string text;
     for (size_t i = 0; i < lines.size() && i < kListed; ++i) {
-        text += lines[i] + "\n";
+        text += pathFromXml(lines[i]) + "\n";
     }
     if (lines.size() > kListed) {
         text += "and " + std::to_string(lines.size() - kListed) + " more\n";
@@ -58,18 +59,13 @@ std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(bool& overwr
     if (answer != PromptAnswer::Yes) {
         return ProjectSave::Cancelled;
     }
-    CJ8ProjectManager probe;
-    XMLResults results;
-    if (!probe.loadFromTree(XMLNode::parseBytes(*now, "Project", &results), m_path, false)) {
-        return fail(
-            "The project file as it is now can't be read: " + std::string(XMLNode::errorText(results.code)) +
-            " (line " + std::to_string(results.line) + ").\nIt was not saved; your changes are still here.");
+    ProjectDocument read{.bytes = *now, .document = {}, .project = {}, .results = {}};
+    if (!parse(read)) {
+        return fail("The project file as it is now can't be read.\n" + m_problem +
+                    "\nIt was not saved; your changes are still here.");
     }
     ProjectEdits edits = std::move(m_edits);
-    if (!load()) {
-        m_edits = std::move(edits);
-        return fail(m_problem);
-    }
+    take(std::move(read));
     const std::vector<std::string> unplaced = edits.carryTo(m_model);
     m_edits = std::move(edits);
     if (unplaced.empty()) {
@@ -113,11 +109,15 @@ ProjectSave ProjectSession::save(bool force) {
         return fail(m_model.problem().empty() ? "The project could not be saved." : m_model.problem());
     }
     // Loaded again, the model knows the places of the file as it is now; undo goes on.
+    m_edits.markSaved();
+    ProjectDocument read;
+    if (!this->read(read)) {
+        return fail("The project was saved, but then: " + m_problem);
+    }
     ProjectEdits edits = std::move(m_edits);
-    const bool loaded = load();
-    edits.markSaved();
+    take(std::move(read));
     m_edits = std::move(edits);
-    return loaded ? ProjectSave::Saved : fail("The project was saved, but then: " + m_problem);
+    return ProjectSave::Saved;
 }
 
 bool ProjectSession::mayDropChanges() {
@@ -125,7 +125,13 @@ bool ProjectSession::mayDropChanges() {
 }
 
 bool ProjectSession::reload() {
-    return mayDropChanges() && load();
+    m_problem.clear();
+    ProjectDocument read;
+    if (!mayDropChanges() || !this->read(read)) {
+        return false;
+    }
+    take(std::move(read));
+    return true;
 }
 
 bool ProjectSession::close() {

@@ -76,7 +76,7 @@ void addLevel(XMLNode& parent, const CJ8LevelData& level, const StepReport& repo
 }  // namespace zoka
 
 XMLNode CJ8ProjectManager::createXMLTopNode(const StepReport& report, const std::string& date) const try {
-    XMLNode top = XMLNode::createTop("Project");
+    XMLNode top = XMLNode::createTop("Project", false, XMLCharset::Utf8);
     top.addAttribute("name", m_name.c_str());
     top.addAttribute("date", date.c_str());
     top.addAttribute("vers", zoka::kJ8Version);

@@ -5,7 +5,7 @@
 namespace zoka {
 
 StepReport StepReport::start(const char* root, const char* action) {
-    StepReport report(XMLNode::createTop(root));
+    StepReport report(XMLNode::createTop(root, false, XMLCharset::Utf8));
     XMLNode node = report.m_node;
     node.addAttribute("action", action);
     node.addAttribute("ver", kJ8Version);

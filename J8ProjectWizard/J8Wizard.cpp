@@ -14,7 +14,7 @@ constexpr const char* kCheckFilesName = "CheckFiles()";
 
 // The root element of a wizard; the empty node when the file is none.
 XMLNode openWizard(const std::string& path) {
-    return XMLNode::parseFile(path.c_str(), "Wizard");
+    return XMLNode::parseFile(path.c_str(), "Wizard", nullptr, {}, XMLCharset::Utf8);
 }
 
 std::string titleOf(const XMLNode& wizard, const std::string& path) {

@@ -72,7 +72,7 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
         return {{0, 0, "The file can't be read: " + osFiles().lastError()}};
     }
     XMLResults results;
-    const XMLNode wizard = XMLNode::parseBytes(*bytes, "Wizard", &results);
+    const XMLNode wizard = XMLNode::parseBytes(*bytes, "Wizard", &results, {}, XMLCharset::Utf8);
     if (wizard.isEmpty()) {
         return {{results.line, results.column, XMLNode::errorText(results.code)}};
     }

@@ -60,7 +60,7 @@ std::optional<int> xmlInteger(const char* value) {
 XMLPlaces::XMLPlaces(std::string bytes) : m_text(std::move(bytes)), m_lines{0} {
     // As the parser took the bytes: what is no UTF-8 was converted from the platform's set.
     const bool notUtf8 = firstNotUtf8(m_text) != m_text.npos;
-    XMLDecoded decoded = decodeXmlFile(m_text, xmlCharset(), notUtf8);
+    XMLDecoded decoded = decodeXmlFile(m_text, XMLCharset::Utf8, notUtf8);
     if (decoded.converted) {
         m_text = std::move(decoded.text);
     }

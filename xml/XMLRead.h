@@ -23,7 +23,7 @@ bool xmlTrue(const char* value);
 // The whole number that is all of the text, blanks around it aside; nothing for anything else and for null.
 std::optional<int> xmlInteger(const char* value);
 
-// A path that stands in a file, as the disk takes it: the suite's paths are in the system's character set.
+// A path that stands in a UTF-8 tree, as the disk takes it: the suite's paths are in the system's character set.
 // Characters that it hasn't become '?', which is in no file's name.
 std::string pathFromXml(std::string_view text);
 // The other way.

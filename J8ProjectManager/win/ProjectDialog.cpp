@@ -75,7 +75,7 @@ private:
 
 void ProjectDialog::run(const std::string& projectFile) {
     if (!m_session.open(projectFile)) {
-        userPrompt().ask(shownText(m_session.problem()), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
         return;
     }
     runModal();
@@ -218,7 +218,7 @@ void ProjectDialog::reload() {
         refreshPages();
         setStatus("Loaded again");
     } else if (!m_session.problem().empty()) {
-        userPrompt().ask(shownText(m_session.problem()), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
         refreshPages();
     }
     showState();

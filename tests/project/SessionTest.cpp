@@ -283,6 +283,38 @@ TEST_F(ProjectSessionTest, CloseAndReloadAsk) {
     EXPECT_EQ(get("name"), "x");
     EXPECT_TRUE(session.reload());
     EXPECT_EQ(get("name"), "Game");
+    ASSERT_TRUE(set("name", "x"));
+    folder.write("game.xml", "<Project");
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_FALSE(session.reload());
+    EXPECT_THAT(session.problem(), HasSubstr("game.xml:1:"));
+    EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
+}
+
+// Texts are UTF-8, paths and what the user is told in the system's set, whatever set the process reads files in.
+TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
+    const std::string cafe = "Caf\xC3\xA9", inFile = zoka::pathFromXml(cafe);
+    folder.write(inFile + ".xml", "<Behaviors><Behavior name='" + cafe + "'/></Behaviors>");
+    const std::string file = folder.write(
+        inFile, "<!--" + cafe + "-->\n<Project name='" + cafe + "' date='1' vers='8'>" + paths +
+                    "<Behavior proj_file='" + cafe + ".xml'/><Level name='" + cafe + "' x='" + cafe +
+                    "'><Doc>a</Doc></Level></Project>");
+    for (const XMLCharset set : {XMLCharset::Platform, XMLCharset::Utf8}) {
+        zoka::setXmlCharset(set);
+        EXPECT_TRUE(session.open(file)) << session.problem();
+        EXPECT_EQ(get("name"), cafe);
+        EXPECT_EQ(get("level/" + cafe + "/doc"), "a");
+        const std::string text = ProjectSession::problemsText(session.problems());
+        EXPECT_THAT(text, HasSubstr("\\" + cafe + ":2:"));
+        EXPECT_THAT(text, HasSubstr("\\" + cafe + ".xml:1:12: warning: Warning (LoadBehavior) " + cafe));
+        EXPECT_TRUE(session.setValue(*zoka::fieldAt(manager, "level/" + cafe + "/doc", why), cafe, &why));
+        EXPECT_THAT(session.changesText(), HasSubstr("<Doc>" + cafe + "</Doc>"));
+    }
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_THAT(prompt.texts().back(), HasSubstr("\"" + inFile + "\""));
+    EXPECT_THAT(folder.read(inFile), HasSubstr("<Doc>" + cafe + "</Doc>"));
+    EXPECT_THAT(session.changesText(), testing::Not(HasSubstr("\xEF\xBB\xBF"))) << "no window shows a mark";
 }
 
 TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {

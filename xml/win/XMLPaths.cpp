@@ -19,7 +19,7 @@ bool isPlain(std::string_view text) {
 
 std::string pathFromXml(std::string_view text) {
     std::string source(text);
-    if (isPlain(text) || xmlCharset() != XMLCharset::Utf8 || !isUtf8(source.c_str())) {
+    if (isPlain(text) || !isUtf8(source.c_str())) {
         return source;
     }
     std::string path;
@@ -36,7 +36,7 @@ std::string pathFromXml(std::string_view text) {
 }
 
 std::string xmlFromPath(std::string_view path) {
-    if (isPlain(path) || xmlCharset() != XMLCharset::Utf8) {
+    if (isPlain(path)) {
         return std::string(path);
     }
     std::u16string wide;
