@@ -185,8 +185,7 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
         return {};
     }
     XMLResults results;
-    XMLNode top =
-        XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, {}, XMLCharset::Utf8);
+    XMLNode top = XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, {}, XMLCharset::Utf8);
     if (top.isEmpty()) {
         add(bad, {path}, m_referrer);
         tellParseError(path, results);
@@ -259,8 +258,7 @@ bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
     const auto entry = zoka::hasWildcard(path) ? std::nullopt : zoka::osFiles().search(path);
     if (entry && !entry->isFolder) {
         XMLResults results;
-        const XMLNode root =
-            XMLNode::parseFile(path.c_str(), "Project", &results, {}, XMLCharset::Utf8);
+        const XMLNode root = XMLNode::parseFile(path.c_str(), "Project", &results, {}, XMLCharset::Utf8);
         return loadFromTree(root, path, keepFilled, &results);
     }
     keepFilled ? clearContent() : Clear();

@@ -142,6 +142,11 @@ bool CJ8ProjectManager::LoadLevel(CJ8LevelData& level, const XMLNode& node, std:
     if (level.m_doc.empty()) {
         addTo(report, texts::kLevelNoDocs, {name}, node.place());
     }
+    size_t entities = 0;
+    for (XMLNode child = node.firstChild("Entity"); !child.isEmpty(); child = child.nextSibling("Entity")) {
+        ++entities;
+    }
+    level.m_entities.reserve(entities);
     for (XMLNode child = node.firstChild("Entity"); !child.isEmpty(); child = child.nextSibling("Entity")) {
         const char* const entityName = child.getAttribute("name");
         if (!entityName) {

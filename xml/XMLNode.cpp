@@ -136,10 +136,11 @@ XMLNode XMLNode::addChild(const char* name, bool isDeclaration) {
         return {};
     }
     XMLDocument* document = XMLDocument::of(m_element);
-    const char* ownName = document->copyString(name);
+    const std::uint64_t key = zoka::xmlNameKey(name, document->leads);
+    const char* ownName = document->ownName(name, key);
     XMLElement* child = document->newElement();
     child->name = ownName;
-    child->key = zoka::xmlNameKey(name, document->leads);
+    child->key = key;
     child->isDeclaration = isDeclaration;
     child->parent = m_element;
     document->append(m_element, child);

@@ -22,7 +22,7 @@ constexpr size_t kLargestChunkBlocks = kLargestArenaChunk / XMLDocument::kBlockS
 // chunk and chunks can lie one behind the other.
 constexpr size_t kAllocatorRoom = 64;
 // The fewest attributes that a run has room for once a program adds to it; it doubles from there.
-constexpr std::uint32_t kFirstRun = 4;
+constexpr std::uint32_t kFirstRun = 2;
 
 constexpr char32_t kReplacement = 0xfffd;
 
@@ -99,6 +99,14 @@ const char* XMLDocument::copyString(const char* text) {
     return static_cast<const char*>(std::memcpy(allocate(size), text, size));
 }
 
+const char* XMLDocument::ownName(const char* name, std::uint64_t key) {
+    SharedName& shared = m_sharedNames[(key ^ (key >> 32) ^ (key >> 8)) % kSharedNames];
+    if (shared.key != key || !shared.name || std::strcmp(shared.name, name) != 0) {
+        shared = {key, copyString(name)};
+    }
+    return shared.name;
+}
+
 const char* XMLDocument::copyValue(const char* text) {
     if (isPlainAscii(text)) {
         return copyString(text);
@@ -159,9 +167,9 @@ void XMLDocument::addAttribute(XMLElement* element, const char* name, const char
         element->attributes = run;
         element->grownRun = true;
     }
-    const char* ownName = copyString(name);
+    const std::uint64_t key = xmlNameKey(name, leads);
     ::new (static_cast<void*>(element->attributes + count))
-        XMLAttribute{xmlNameKey(ownName, leads), ownName, value ? copyValue(value) : nullptr};
+        XMLAttribute{key, ownName(name, key), value ? copyValue(value) : nullptr};
     ++element->attributeCount;
 }
 

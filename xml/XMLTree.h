@@ -8,6 +8,7 @@
 // Bytes are speed here: most of the time of reading goes into first touches of memory.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -77,6 +78,9 @@ public:
         }
     }
     const char* copyString(const char* text);
+    // The tree's own copy of a name, which has that key. Programs give the same few names again and again: they
+    // share one.
+    const char* ownName(const char* name, std::uint64_t key);
     // The same as the tree may hold it: characters that XML does not allow become U+FFFD ('?' in the
     // platform's set), and what is no UTF-8 where it should be is taken as text in the platform's set.
     const char* copyValue(const char* text);
@@ -144,6 +148,13 @@ private:
     char* m_arena = nullptr;
     size_t m_arenaLeft = 0;
     size_t m_arenaChunk = 0;
+
+    static constexpr size_t kSharedNames = 16;
+    struct SharedName {
+        std::uint64_t key = 0;
+        const char* name = nullptr;
+    };
+    std::array<SharedName, kSharedNames> m_sharedNames;
 
     char* m_text = nullptr;
     size_t m_textSize = 0;

@@ -295,10 +295,10 @@ TEST_F(ProjectSessionTest, CloseAndReloadAsk) {
 TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
     const std::string cafe = "Caf\xC3\xA9", inFile = zoka::pathFromXml(cafe);
     folder.write(inFile + ".xml", "<Behaviors><Behavior name='" + cafe + "'/></Behaviors>");
-    const std::string file = folder.write(
-        inFile, "<!--" + cafe + "-->\n<Project name='" + cafe + "' date='1' vers='8'>" + paths +
-                    "<Behavior proj_file='" + cafe + ".xml'/><Level name='" + cafe + "' x='" + cafe +
-                    "'><Doc>a</Doc></Level></Project>");
+    const std::string file =
+        folder.write(inFile, "<!--" + cafe + "-->\n<Project name='" + cafe + "' date='1' vers='8'>" + paths +
+                                 "<Behavior proj_file='" + cafe + ".xml'/><Level name='" + cafe + "' x='" +
+                                 cafe + "'><Doc>a</Doc></Level></Project>");
     for (const XMLCharset set : {XMLCharset::Platform, XMLCharset::Utf8}) {
         zoka::setXmlCharset(set);
         EXPECT_TRUE(session.open(file)) << session.problem();
