@@ -15,6 +15,14 @@ COLORREF paleHighlight() {
                mix(GetBValue(strong), GetBValue(plain)));
 }
 
+std::string narrow(const wchar_t* text) {
+    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string made(length > 0 ? static_cast<size_t>(length) : 1, '\0');
+    WideCharToMultiByte(CP_ACP, 0, text, -1, made.data(), length, nullptr, nullptr);
+    made.pop_back();
+    return made;
+}
+
 }  // namespace
 
 void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
@@ -140,8 +148,15 @@ LRESULT RowList::notified(NMHDR& header) const {
         }
         case static_cast<UINT>(NM_CUSTOMDRAW):
             return paint(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
-        case static_cast<UINT>(LVN_ODFINDITEMA):
-            return find(reinterpret_cast<const NMLVFINDITEMA&>(header));
+        case static_cast<UINT>(LVN_ODFINDITEMA): {
+            const auto& search = reinterpret_cast<const NMLVFINDITEMA&>(header);
+            return find(search.iStart, search.lvfi.flags, search.lvfi.psz ? search.lvfi.psz : "");
+        }
+        case static_cast<UINT>(
+            LVN_ODFINDITEMW): {  // some systems ask this way in a window of 8-bit texts, too
+            const auto& search = reinterpret_cast<const NMLVFINDITEMW&>(header);
+            return find(search.iStart, search.lvfi.flags, narrow(search.lvfi.psz ? search.lvfi.psz : L""));
+        }
         default:
             return 0;
     }
@@ -152,32 +167,39 @@ LRESULT RowList::paint(NMLVCUSTOMDRAW& draw) const {
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {
         return CDRF_NOTIFYITEMDRAW;
     }
-    if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && GetFocus() != m_window &&
-        SendMessageA(m_window, LVM_GETITEMSTATE, draw.nmcd.dwItemSpec, LVIS_SELECTED) != 0) {
-        draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
-        draw.clrText = GetSysColor(COLOR_WINDOWTEXT);
-        draw.clrTextBk = paleHighlight();
-        return CDRF_NEWFONT;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) {
+        return CDRF_DODEFAULT;
     }
-    return CDRF_DODEFAULT;
+    const bool isSelected =
+        SendMessageA(m_window, LVM_GETITEMSTATE, draw.nmcd.dwItemSpec, LVIS_SELECTED) != 0;
+    if (isSelected && GetFocus() == m_window) {
+        return CDRF_DODEFAULT;
+    }
+    const bool isWrong = m_isWrong && m_isWrong(static_cast<int>(draw.nmcd.dwItemSpec));
+    if (isSelected) {
+        draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
+        draw.clrTextBk = paleHighlight();
+    } else if (!isWrong) {
+        return CDRF_DODEFAULT;
+    }
+    draw.clrText = isWrong ? inkOfWrong() : GetSysColor(COLOR_WINDOWTEXT);
+    return CDRF_NEWFONT;
 }
 
 // The typed beginning of a row's first text, from a row on and around the end.
-int RowList::find(const NMLVFINDITEMA& search) const {
-    if ((search.lvfi.flags & LVFI_STRING) == 0 || !search.lvfi.psz) {
+int RowList::find(int start, UINT flags, const std::string& typed) const {
+    const bool partial = (flags & LVFI_PARTIAL) != 0;
+    if ((!partial && (flags & LVFI_STRING) == 0) || typed.empty()) {
         return -1;
     }
     const int rows = count();
-    const int length = static_cast<int>(std::strlen(search.lvfi.psz));
-    const bool partial = (search.lvfi.flags & LVFI_PARTIAL) != 0;
+    const int length = static_cast<int>(typed.size());
     for (int i = 0; i < rows; ++i) {
-        const int row = (std::max(search.iStart, 0) + i) % rows;
+        const int row = (std::max(start, 0) + i) % rows;
         const std::string text = m_text(row, 0);
-        const int compared =
-            partial ? std::min(length, static_cast<int>(text.size())) : static_cast<int>(text.size());
-        if (compared >= (partial ? length : 0) &&
-            CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(), compared, search.lvfi.psz,
-                           length) == CSTR_EQUAL) {
+        const int size = static_cast<int>(text.size());
+        if (size >= length && CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(),
+                                             partial ? length : size, typed.data(), length) == CSTR_EQUAL) {
             return row;
         }
     }

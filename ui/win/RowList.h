@@ -39,6 +39,8 @@ public:
     // Selects one row alone and brings it into sight; -1: none.
     void select(int row);
     void redraw() const { InvalidateRect(m_window, nullptr, FALSE); }
+    // Which rows have their texts in the colour of what is wrong; none at first.
+    void setWrong(std::function<bool(int row)> isWrong) { m_isWrong = std::move(isWrong); }
     // What the texts of the only column take, in pixels, for a list that scrolls sideways.
     void setTextWidth(int width);
 
@@ -50,11 +52,12 @@ public:
 
 private:
     LRESULT paint(NMLVCUSTOMDRAW& draw) const;
-    int find(const NMLVFINDITEMA& search) const;
+    int find(int start, UINT flags, const std::string& typed) const;
     void fitColumns() const;
 
     HWND m_window = nullptr;
     CellText m_text;
+    std::function<bool(int)> m_isWrong;
     std::span<const ListColumn> m_columns;
     const WindowFonts* m_fonts = nullptr;
     int m_textWidth = 0;

@@ -316,6 +316,12 @@ void placeButtonsRight(std::initializer_list<HWND> buttons, Area& row, const Win
     }
 }
 
+COLORREF inkOfWrong() {
+    const COLORREF ground = GetSysColor(COLOR_WINDOW);
+    const bool isDark = GetRValue(ground) + GetGValue(ground) + GetBValue(ground) < 3 * 128;
+    return isDark ? RGB(255, 150, 140) : RGB(170, 0, 0);
+}
+
 std::string textOf(HWND window) {
     std::string text(static_cast<size_t>(std::max(GetWindowTextLengthA(window), 0)) + 1, '\0');
     text.resize(static_cast<size_t>(GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));

@@ -95,6 +95,9 @@ void placeLabelAbove(HWND label, Area& area, const WindowFonts& fonts);
 void placeButtonsRight(std::initializer_list<HWND> buttons, Area& row, const WindowFonts& fonts,
                        int units = kButtonWidthUnits);
 
+// The colour for the text of what is wrong, on the ground of windows and fields.
+COLORREF inkOfWrong();
+
 std::string textOf(HWND window);
 // Does nothing when the window shows the text already, so nothing flickers.
 void setText(HWND window, const std::string& text);
