@@ -1,5 +1,7 @@
 #include "J8ProjectWizard/J8Wizard.h"
 
+#include <algorithm>
+
 #include "J8ProjectWizard/WizardLog.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -34,19 +36,81 @@ int badContent(std::string& message, const std::string& text, const char* func) 
     return kWizardBadContent;
 }
 
+// Looks for the template files of a plan's folders.
+class FileCheck {
+public:
+    FileCheck(std::string& message, const CreationPlan& plan, JobProgress* progress)
+        : m_message(message), m_progress(progress) {
+        for (const PlannedFolder& folder : plan.folders) {
+            m_total += folder.checked.size() + folder.files.size();
+        }
+    }
+
+    int check(const PlannedFolder& folder) {
+        m_message.clear();
+        int code = kWizardDone;
+        for (const auto* files : {&folder.checked, &folder.files}) {
+            for (const PlannedFile& file : *files) {
+                if (!mayContinue(m_progress, m_done++, m_total,
+                                 "Looking for " + normalizePath(file.source))) {
+                    m_message.clear();
+                    return kWizardCancelled;
+                }
+                if (file.source.empty()) {
+                    m_message = "Empty filename.";
+                    logWizardError(kCheckFilesName, "Empty filename");
+                    return kWizardBadFile;
+                }
+                if (!file.hasFolder) {
+                    m_message = "Empty foldername.";
+                    logWizardError(kCheckFilesName, "Empty foldername");
+                    return kWizardBadContent;
+                }
+                if (!file.refusal.empty()) {
+                    return badContent(m_message, file.refusal, kCheckFilesName);
+                }
+                code = std::min(code, look(file.source));
+            }
+        }
+        return code;
+    }
+
+private:
+    int look(const std::string& source) {
+        switch (osFiles().kindOf(source)) {
+            case OsKind::Missing:
+                m_message += "Missing file: " + source + "\r\n";
+                return kWizardBadFile;
+            case OsKind::Unknown:
+                logWizardError(kCheckFilesName, "Throw checking source", source);
+                return kWizardDone;
+            default:
+                return kWizardDone;
+        }
+    }
+
+    std::string& m_message;
+    JobProgress* m_progress;
+    size_t m_done = 0, m_total = 0;
+};
+
 }  // namespace
 
-CJ8Wizard::CJ8Wizard() {
+CJ8Wizard::CJ8Wizard(JobProgress* progress) {
     std::vector<OsListed> entries;
     if (osFiles().kindOf(kWizardsFolder) == OsKind::Folder) {
         osFiles().listFolder(kWizardsFolder, entries);
     }
     const std::string folder = osFiles().fullPath(kWizardsFolder);
+    size_t done = 0;
     for (const OsListed& entry : entries) {
+        const std::string path = joinPath(folder, entry.name);
+        if (!mayContinue(progress, done++, entries.size(), path)) {
+            break;
+        }
         if (entry.kind != OsKind::File) {
             continue;
         }
-        const std::string path = joinPath(folder, entry.name);
         if (const XMLNode wizard = openWizard(path); !wizard.isEmpty()) {
             m_paths.push_back(path);
             m_titles.push_back(titleOf(wizard, path));
@@ -91,6 +155,16 @@ bool CJ8Wizard::LoadDefaults(CJ8WizardUserData& data, unsigned index) const {
 }
 
 int CJ8Wizard::Check(std::string& message, unsigned index) const {
+    return check(message, index, nullptr, nullptr);
+}
+
+int CJ8Wizard::Check(std::string& message, unsigned index, const CJ8WizardUserData& data,
+                     JobProgress* progress) const {
+    return check(message, index, &data, progress);
+}
+
+int CJ8Wizard::check(std::string& message, unsigned index, const CJ8WizardUserData* data,
+                     JobProgress* progress) const {
     if (index >= m_paths.size()) {
         return kWizardNone;
     }
@@ -106,25 +180,28 @@ int CJ8Wizard::Check(std::string& message, unsigned index) const {
         logWizardError(kCheckName, "Bad Wizard Xml", path);
         return kWizardBadFile;
     }
-    for (XMLNode folder = wizard.firstChild("Folder"); !folder.isEmpty();
-         folder = folder.nextSibling("Folder")) {
-        if (*xmlAttribute(folder, "name") == '\0') {
+    const char* map = wizard.getChild("Defaults").getChild("LevelMap").getText();
+    const CreationPlan plan = planCreation(wizard, data ? data->m_strLevelMap : map ? map : "");
+    FileCheck files(message, plan, progress);
+    for (const PlannedFolder& folder : plan.folders) {
+        if (folder.isNameless) {
             message = "Empty folder name!";
             logWizardError(kCheckName, "Empty folder name");
             return kWizardBadContent;
         }
-        if (const std::string refusal = planFolder(folder).refusal; !refusal.empty()) {
-            return badContent(message, refusal, kCheckName);
+        if (!folder.refusal.empty()) {
+            return badContent(message, folder.refusal, kCheckName);
         }
-        if (const int code = CheckFiles(message, folder); code < 0) {
-            logWizardError(kCheckName, "CheckFiles error");
+        if (const int code = files.check(folder); code < 0) {
+            if (code != kWizardCancelled) {
+                logWizardError(kCheckName, "CheckFiles error");
+            }
             return code;
         }
     }
     // Whatever else the wizard names must stay in its folders, too.
-    const char* map = wizard.getChild("Defaults").getChild("LevelMap").getText();
-    const CreationPlan plan = planCreation(wizard, map ? map : "");
-    for (const std::string& refusal : {plan.levelRefusal, plan.level.refusal, plan.projectFiles.refusal}) {
+    for (const std::string& refusal : {plan.levelRefusal, plan.level.refusal, plan.projectFiles.refusal,
+                                       data ? firstRefusal(plan, data->m_strProjectFolder).text : ""}) {
         if (!refusal.empty()) {
             return badContent(message, refusal, kCheckName);
         }
@@ -132,49 +209,10 @@ int CJ8Wizard::Check(std::string& message, unsigned index) const {
     return kWizardDone;
 }
 
-int CJ8Wizard::Check(std::string& message, unsigned index, const CJ8WizardUserData& data) const {
-    if (const int code = Check(message, index); code < 0) {
-        return code;
-    }
-    const XMLNode wizard = openWizard(m_paths[index]);
-    const PlanRefusal refusal =
-        firstRefusal(planCreation(wizard, data.m_strLevelMap), data.m_strProjectFolder);
-    return refusal.text.empty() ? kWizardDone : badContent(message, refusal.text, kCheckName);
-}
-
 int CJ8Wizard::CheckFiles(std::string& message, const XMLNode& element) const {
-    message.clear();
-    int code = kWizardDone;
-    const PlannedFolder folder = planFolder(element);
-    for (const auto* files : {&folder.checked, &folder.files}) {
-        for (const PlannedFile& file : *files) {
-            if (file.source.empty()) {
-                message = "Empty filename.";
-                logWizardError(kCheckFilesName, "Empty filename");
-                return kWizardBadFile;
-            }
-            if (!file.hasFolder) {
-                message = "Empty foldername.";
-                logWizardError(kCheckFilesName, "Empty foldername");
-                return kWizardBadContent;
-            }
-            if (!file.refusal.empty()) {
-                return badContent(message, file.refusal, kCheckFilesName);
-            }
-            switch (osFiles().kindOf(file.source)) {
-                case OsKind::Missing:
-                    code = kWizardBadFile;
-                    message += "Missing file: " + file.source + "\r\n";
-                    break;
-                case OsKind::Unknown:
-                    logWizardError(kCheckFilesName, "Throw checking source", file.source);
-                    break;
-                default:
-                    break;
-            }
-        }
-    }
-    return code;
+    CreationPlan plan;
+    plan.folders.push_back(planFolder(element));
+    return FileCheck(message, plan, nullptr).check(plan.folders.front());
 }
 
 std::optional<CreationPlan> CJ8Wizard::plan(unsigned index, const std::string& levelMap) const {

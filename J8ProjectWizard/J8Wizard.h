@@ -1,7 +1,8 @@
 // Project wizards: XML files that say how a new project is laid out. docs/wizard.md describes the file.
 //
-// All of it works on the templates below the current folder and is for the editor thread. Paths and messages
-// are in the system's character set.
+// All of it works on the templates below the current folder. Paths and messages are in the system's character set.
+// Looking for wizards, checking and creating may take long on a slow disk: they may be done on a thread of their own while
+// the editor thread waits and shows how far they are; all else is for the editor thread.
 #pragma once
 
 #include <optional>
@@ -29,7 +30,7 @@ enum WizardCode : int {
     kWizardNone = -7,  // Check: there is no wizard of that number
     kWizardNoManager = -8,
     kWizardNotSaved = -9,
-    kWizardCancelled = -10,
+    kWizardCancelled = -10,  // by the user, who needs no message
 };
 
 // The file that Run leaves in the current folder.
@@ -45,8 +46,9 @@ struct CreationWatch {
 
 class CJ8Wizard {
 public:
-    // Lists the wizards of the wizards folder in the order in which the system gives its files.
-    CJ8Wizard();
+    // Lists the wizards of the wizards folder in the order in which the system gives its files; where the user stops
+    // it, those that were found so far.
+    explicit CJ8Wizard(zoka::JobProgress* progress = nullptr);
 
     static bool IsWizardFile(const std::string& path);
     // The path where the wizard has no title, nothing where there is no such file. In UTF-8.
@@ -60,7 +62,8 @@ public:
     // Whether the wizard can be carried out: 0, or a WizardCode and mostly a message. The first form looks at the
     // wizard and its template files, the second at what `data` says of the new project as well.
     int Check(std::string& message, unsigned index) const;
-    int Check(std::string& message, unsigned index, const CJ8WizardUserData& data) const;
+    int Check(std::string& message, unsigned index, const CJ8WizardUserData& data,
+              zoka::JobProgress* progress = nullptr) const;
     int CheckFiles(std::string& message, const XMLNode& folder) const;
 
     // Makes the project that `data` describes and writes the report. 0 or a WizardCode; what it is about is in
@@ -81,5 +84,8 @@ public:
     const std::vector<std::string>& paths() const { return m_paths; }
 
 private:
+    int check(std::string& message, unsigned index, const CJ8WizardUserData* data,
+              zoka::JobProgress* progress) const;
+
     std::vector<std::string> m_titles, m_paths;
 };

@@ -73,7 +73,8 @@ const char* runMessage(int code) {
     }
 }
 
-NewProjectSession::NewProjectSession(UserPrompt& prompt) : m_prompt(prompt) {
+NewProjectSession::NewProjectSession(UserPrompt& prompt, CJ8Wizard wizard)
+    : m_prompt(prompt), m_wizard(std::move(wizard)) {
     field(NewProjectField::TemplatesPath) = m_data.m_strTemplatesPath;
     m_filled = m_texts;
 }
@@ -117,7 +118,6 @@ void NewProjectSession::select(int wizard) {
     if (const auto plan = m_wizard.plan(index, m_data.m_strLevelMap)) {
         m_tree = PlanTree(*plan);
     }
-    lookAtTarget();
 }
 
 void NewProjectSession::fillFields() {
@@ -136,9 +136,6 @@ void NewProjectSession::setText(NewProjectField which, const std::string& text) 
     // Another wizard that is chosen now starts with the same folders.
     if (which == NewProjectField::Path) {
         m_data.m_strProjectFolder = text;
-    }
-    if (which == NewProjectField::Path || which == NewProjectField::FolderName) {
-        m_targetExists = false;
     }
 }
 
@@ -167,7 +164,6 @@ bool NewProjectSession::browse(NewProjectField which) {
     }
     lastChosen(which) = *chosen;
     setText(which, *chosen);
-    lookAtTarget();
     return true;
 }
 
@@ -181,15 +177,21 @@ std::string NewProjectSession::rowName(size_t row) const {
     if (row > 0) {
         return m_tree.rows()[row].name;
     }
-    const std::string folder = projectFolder();
-    return folder.empty() ? "(the project folder)" : folder + "\\";
+    const std::string& name = text(NewProjectField::FolderName);
+    return name.empty() ? "(the project folder)" : name + "\\";
+}
+
+std::string NewProjectSession::rowSize(size_t row) const {
+    const PlanRow& one = m_tree.rows()[row];
+    return !one.refusal.empty() ? "refused" : m_tree.isMissing(one) ? "missing" : m_tree.sizeText(one);
 }
 
 std::string NewProjectSession::rowNote(size_t row) const {
-    if (row == 0) {
-        return folderProblem();
-    }
     const PlanRow& one = m_tree.rows()[row];
+    if (row == 0) {
+        const std::string problem = folderProblem();
+        return !problem.empty() || projectFolder().empty() ? problem : "in " + text(NewProjectField::Path);
+    }
     if (std::string problem = m_tree.problem(one, projectFolder()); !problem.empty()) {
         return problem;
     }
@@ -199,9 +201,24 @@ std::string NewProjectSession::rowNote(size_t row) const {
     return one.source.empty() && !one.isFolder ? "written anew" : "";
 }
 
-void NewProjectSession::lookAtTarget() {
-    const std::string folder = projectFolder();
-    m_targetExists = !folder.empty() && osFiles().kindOf(folder) != OsKind::Missing;
+bool NewProjectSession::isRowHarmed(size_t row) const {
+    return row == 0 ? !folderProblem().empty() : m_tree.isHarmed(m_tree.rows()[row], projectFolder());
+}
+
+std::vector<std::string> NewProjectSession::toLookAt() const {
+    std::vector<std::string> paths = m_tree.unseen();
+    if (const std::string folder = projectFolder(); !folder.empty() && folder != m_seenTarget) {
+        paths.insert(paths.begin(), folder);
+    }
+    return paths;
+}
+
+void NewProjectSession::seen(const DiskLook& look) {
+    if (look.path == projectFolder()) {
+        m_seenTarget = look.path;
+        m_targetExists = look.kind != OsKind::Missing;
+    }
+    m_tree.seen(look);
 }
 
 // What is wrong with the project folder.
@@ -211,7 +228,7 @@ std::string NewProjectSession::folderProblem() const {
     if (const std::string why = nameRefusal(name); !why.empty()) {
         return "The folder name \"" + name + "\" " + why + ".";
     }
-    if (m_targetExists) {
+    if (m_targetExists && folder == m_seenTarget) {
         return "There is a folder or file of that name already: " + folder;
     }
     return lengthRefusal(folder);
@@ -250,7 +267,7 @@ std::string NewProjectSession::state() const {
     if (std::string what = hindrance(); !what.empty()) {
         return what;
     }
-    return "OK makes " + m_tree.summary() + (m_tree.unseen() > 0 ? " so far..." : ".");
+    return "OK makes " + m_tree.summary() + (m_tree.countUnseen() > 0 ? " so far..." : ".");
 }
 
 std::string NewProjectSession::storedText(NewProjectField which, const std::string& original) const {
@@ -296,7 +313,7 @@ std::optional<NewProject> NewProjectSession::ok(const std::function<void(const J
     if (!made) {
         m_data.m_strProjectFolder = text(NewProjectField::Path);
         m_tree.forgetSeen();
-        lookAtTarget();
+        m_seenTarget.clear();
     }
     return made;
 }
@@ -304,16 +321,21 @@ std::optional<NewProject> NewProjectSession::ok(const std::function<void(const J
 std::optional<NewProject> NewProjectSession::create(const std::function<void(const Job&)>& runJob) {
     m_data.m_strMessage.clear();
     const auto index = static_cast<unsigned>(m_selected);
-    int code = m_wizard.Check(m_data.m_strMessage, index, m_data);
+    int code = kWizardDone;
+    bool isSound = false;
     CreationRecord record;
+    runJob([&](JobProgress* progress) {
+        code = m_wizard.Check(m_data.m_strMessage, index, m_data, progress);
+        isSound = code >= 0;
+        if (isSound) {
+            code = m_wizard.Run(m_data, index, {progress, &record});
+        }
+    });
     if (code >= 0) {
-        runJob([&](JobProgress* progress) { code = m_wizard.Run(m_data, index, {progress, &record}); });
-        if (code >= 0) {
-            return NewProject{withSeparator(m_data.m_strProjectFolder), pathFromXml(m_data.m_strLevelMap)};
-        }
-        if (const char* message = runMessage(code); *message) {
-            m_prompt.tell(message);
-        }
+        return NewProject{withSeparator(m_data.m_strProjectFolder), pathFromXml(m_data.m_strLevelMap)};
+    }
+    if (const char* message = runMessage(code); isSound && *message) {
+        m_prompt.tell(message);
     }
     if (!m_data.m_strMessage.empty()) {
         m_prompt.tell(m_data.m_strMessage);

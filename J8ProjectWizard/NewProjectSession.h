@@ -3,11 +3,11 @@
 #pragma once
 
 #include <array>
-#include <chrono>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "J8ProjectWizard/J8Wizard.h"
 #include "J8ProjectWizard/PlanTree.h"
@@ -28,8 +28,8 @@ struct NewProject {
 // Field texts, descriptions and messages are in the system's character set; lines end in CR LF. [editor thread]
 class NewProjectSession {
 public:
-    // Lists the wizards. `prompt` outlives the session.
-    explicit NewProjectSession(UserPrompt& prompt);
+    // `prompt` outlives the session.
+    explicit NewProjectSession(UserPrompt& prompt, CJ8Wizard wizard = CJ8Wizard());
 
     size_t wizards() const { return m_wizard.titles().size(); }
     std::string title(size_t wizard) const;
@@ -49,20 +49,25 @@ public:
     const PlanTree& tree() const { return m_tree; }
     // The cells of a row; a row's problem may change with the project folder.
     std::string rowName(size_t row) const;
-    const std::string& rowSource(size_t row) const { return m_tree.rows()[row].source; }
+    std::string rowSize(size_t row) const;  // or, in a word, why there is none
+    std::string rowSource(size_t row) const { return shownSource(m_tree.rows()[row]); }
     // What is wrong with it, or what it is where that doesn't go without saying.
     std::string rowNote(size_t row) const;
-    // Looks at a part of what is still to be looked at among the templates; true while there is more.
-    bool lookAtSources(std::chrono::milliseconds time) { return m_tree.look(time); }
-    // Looks whether the project folder exists. Called when the user has stopped typing.
-    void lookAtTarget();
+    bool isRowHarmed(size_t row) const;
+
+    // Paths that are to be looked at on the disk, what matters most first, and what came of it: `session.seen(lookAt(
+    // path))`. Nothing else looks while the user types; who has a window looks on another thread.
+    std::vector<std::string> toLookAt() const;
+    void seen(const DiskLook& look);
+
     // What keeps OK from being pressed with success, or what it will make: one line.
     std::string state() const;
     // Whether that line is about a hindrance.
     bool isHindered() const { return !hindrance().empty(); }
 
     // The OK button: the new project when it was made. Otherwise the user has been told why. `runJob` runs its
-    // argument with a progress that shows how far it is.
+    // argument, which asks nothing, to its end with a progress that shows how far it is; on another thread if it
+    // likes.
     using Job = std::function<void(JobProgress*)>;
     std::optional<NewProject> ok(const std::function<void(const Job&)>& runJob);
 
@@ -88,6 +93,8 @@ private:
     Texts m_filled;                // as the wizard filled them
     std::map<int, Texts> m_typed;  // of wizards that the user has left, where something was typed
     PlanTree m_tree;
+    // The project folder when it was looked at last.
+    std::string m_seenTarget;
     bool m_targetExists = false;
 };
 

@@ -138,44 +138,64 @@ PlanTree::PlanTree(const CreationPlan& plan) {
     }
     m_rows = tree.rows();
     for (const PlanRow& row : m_rows) {
-        if (!row.source.empty() && m_facts.try_emplace(row.source).second) {
+        // What a refused name leads to is nobody's business.
+        if (!row.source.empty() && row.refusal.empty() && m_facts.try_emplace(row.source).second) {
             m_sources.push_back(row.source);
         }
     }
+    m_unseen = m_sources.size();
 }
 
-bool PlanTree::look(std::chrono::milliseconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (m_seen < m_sources.size()) {
-        const std::string& source = m_sources[m_seen++];
-        Seen& facts = m_facts[source];
-        facts.known = true;
-        const auto entry = osFiles().search(source);
-        if (entry && !entry->isFolder) {
-            facts.kind = OsKind::File;
-            facts.size = entry->size;
-        } else {
-            facts.kind = osFiles().kindOf(source);
-        }
-        if (std::chrono::steady_clock::now() >= end) {
-            break;
+DiskLook lookAt(const std::string& path) {
+    // The size comes with a search, which would take a wildcard for one.
+    const auto entry = hasWildcard(path) ? std::nullopt : osFiles().search(path);
+    return entry && !entry->isFolder ? DiskLook{path, OsKind::File, entry->size}
+                                     : DiskLook{path, osFiles().kindOf(path)};
+}
+
+std::vector<std::string> PlanTree::unseen() const {
+    std::vector<std::string> found;
+    found.reserve(m_unseen);
+    for (const std::string& source : m_sources) {
+        if (!m_facts.at(source).isFresh) {
+            found.push_back(source);
         }
     }
-    return m_seen < m_sources.size();
+    return found;
+}
+
+void PlanTree::seen(const DiskLook& look) {
+    if (const auto found = m_facts.find(look.path); found != m_facts.end()) {
+        m_unseen -= found->second.isFresh ? 0 : 1;
+        found->second = {look.kind, look.size, true, true};
+    }
 }
 
 void PlanTree::lookAtAll() {
-    while (look(std::chrono::hours(1))) {
+    for (const std::string& source : unseen()) {
+        seen(lookAt(source));
     }
 }
 
-const PlanTree::Seen* PlanTree::seen(const PlanRow& row) const {
+void PlanTree::forgetSeen() {
+    for (auto& [source, facts] : m_facts) {
+        facts.isFresh = false;
+    }
+    m_unseen = m_facts.size();
+}
+
+const PlanTree::Facts* PlanTree::factsOf(const PlanRow& row) const {
     const auto found = m_facts.find(row.source);
-    return found != m_facts.end() && found->second.known ? &found->second : nullptr;
+    return found != m_facts.end() && found->second.isKnown ? &found->second : nullptr;
+}
+
+bool PlanTree::isMissing(const PlanRow& row) const {
+    const Facts* facts = factsOf(row);
+    return facts && facts->kind == OsKind::Missing;
 }
 
 std::string PlanTree::sizeText(const PlanRow& row) const {
-    const Seen* facts = seen(row);
+    const Facts* facts = factsOf(row);
     return facts && facts->kind == OsKind::File && !row.isOnlyChecked ? byteText(facts->size) : "";
 }
 
@@ -183,11 +203,12 @@ std::string PlanTree::problem(const PlanRow& row, const std::string& projectFold
     if (!row.refusal.empty()) {
         return row.refusal;
     }
-    if (const Seen* facts = seen(row)) {
+    if (const Facts* facts = factsOf(row)) {
         if (facts->kind == OsKind::Missing) {
             return row.isOptional ? "not among the templates" : "Missing file: " + row.source;
         }
-        if (facts->kind != OsKind::File) {
+        const bool isThere = row.isOnlyChecked && facts->kind != OsKind::Unknown;
+        if (facts->kind != OsKind::File && !isThere) {
             return facts->kind == OsKind::Unknown ? "can't be looked at" : "is no file";
         }
     }
@@ -199,19 +220,17 @@ std::string PlanTree::problem(const PlanRow& row, const std::string& projectFold
                : lengthRefusal(withSeparator(projectFolder) + row.target);
 }
 
+bool PlanTree::isHarmed(const PlanRow& row, const std::string& projectFolder) const {
+    const bool harmless = row.refusal.empty() && (isMissing(row) ? row.isOptional : row.isRepeated);
+    return !harmless && !problem(row, projectFolder).empty();
+}
+
 std::string PlanTree::firstProblem(const std::string& projectFolder) const {
     std::string first;
     size_t count = 0;
     for (const PlanRow& row : m_rows) {
-        const Seen* facts = seen(row);
-        const bool harmless = row.refusal.empty() &&
-                              (row.isRepeated || (row.isOptional && facts && facts->kind == OsKind::Missing));
-        const std::string text = harmless ? std::string() : problem(row, projectFolder);
-        if (text.empty()) {
-            continue;
-        }
-        if (count++ == 0) {
-            first = text;
+        if (isHarmed(row, projectFolder) && count++ == 0) {
+            first = problem(row, projectFolder);
         }
     }
     return count > 1 ? first + " (and " + std::to_string(count - 1) + " more)" : first;
@@ -221,7 +240,7 @@ std::string PlanTree::summary() const {
     size_t folders = 0, files = 0;
     std::uint64_t bytes = 0;
     for (const PlanRow& row : m_rows) {
-        const Seen* facts = seen(row);
+        const Facts* facts = factsOf(row);
         if (row.isOnlyChecked || row.isRepeated || (facts && facts->kind != OsKind::File)) {
             continue;
         }
@@ -230,6 +249,10 @@ std::string PlanTree::summary() const {
     }
     return countOf(folders, "folder", "folders") + " and " + countOf(files, "file", "files") + ", " +
            byteText(bytes);
+}
+
+std::string shownSource(const PlanRow& row) {
+    return row.source.empty() ? row.source : normalizePath(row.source);
 }
 
 std::string countOf(size_t count, const char* one, const char* many) {

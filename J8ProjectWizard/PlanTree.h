@@ -1,7 +1,6 @@
 // A creation plan as the rows of a tree, with what the disk says of the sources.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -25,6 +24,15 @@ struct PlanRow {
     bool isOnlyChecked = false;  // has to be among the templates, and is not copied
 };
 
+// What the disk says of a path.
+struct DiskLook {
+    std::string path;
+    OsKind kind = OsKind::Unknown;
+    std::uint64_t size = 0;  // of a file
+};
+// May take long on a slow disk. [any thread]
+DiskLook lookAt(const std::string& path);
+
 class PlanTree {
 public:
     PlanTree() = default;
@@ -32,38 +40,46 @@ public:
 
     const std::vector<PlanRow>& rows() const { return m_rows; }
 
-    // Looks at sources that were not looked at yet, until that much time is over; at one at least. True while
-    // there are more.
-    bool look(std::chrono::milliseconds time);
-    // All of them.
+    // The sources that are still to be looked at, in the order of the rows, and what came of looking at one: `tree.seen(
+    // lookAt(source))`.
+    std::vector<std::string> unseen() const;
+    void seen(const DiskLook& look);
+    size_t countUnseen() const { return m_unseen; }
+    // Looks at all of them at once.
     void lookAtAll();
     // They may have changed.
-    void forgetSeen() { m_seen = 0; }
-    size_t unseen() const { return m_sources.size() - m_seen; }
+    void forgetSeen();
 
     // "12 KB", empty where it isn't known or there is none.
     std::string sizeText(const PlanRow& row) const;
     // What is wrong with a row, in words; empty: nothing, as far as is known.
     std::string problem(const PlanRow& row, const std::string& projectFolder) const;
-    // Of the rows that would keep creation from being started, or leave the project without a file: the first
-    // one's problem, and how many more there are.
+    // Whether that would keep creation from being started, or leave the project without a file.
+    bool isHarmed(const PlanRow& row, const std::string& projectFolder) const;
+    bool isMissing(const PlanRow& row) const;
+    // The first harmed row's problem, and how many more there are.
     std::string firstProblem(const std::string& projectFolder) const;
     // "4 folders and 12 files, 48 KB".
     std::string summary() const;
 
 private:
-    struct Seen {
+    struct Facts {
         OsKind kind = OsKind::Unknown;
         std::uint64_t size = 0;
-        bool known = false;
+        bool isKnown = false;
+        bool isFresh = false;  // need not be looked at
     };
-    const Seen* seen(const PlanRow& row) const;
+    // Null where nothing is known.
+    const Facts* factsOf(const PlanRow& row) const;
 
     std::vector<PlanRow> m_rows;
     std::vector<std::string> m_sources;  // each once, in the order of the rows
-    std::unordered_map<std::string, Seen> m_facts;
-    size_t m_seen = 0;
+    std::unordered_map<std::string, Facts> m_facts;
+    size_t m_unseen = 0;
 };
+
+// A source without what doesn't go anywhere: "templates\fog.kez" for ".\templates\.\fog.kez".
+std::string shownSource(const PlanRow& row);
 
 // "1 file", "3 files".
 std::string countOf(size_t count, const char* one, const char* many);

@@ -34,10 +34,10 @@ int ProjectCreation::fail(int code, const char* key, const std::string& folder, 
 }
 
 bool ProjectCreation::mayContinueWith(const std::string& target) {
-    if (mayContinue(m_progress, m_done++, m_total, target)) {
+    if (mayContinue(m_progress, m_done++, m_total, "Copying " + target)) {
         return true;
     }
-    m_report.add("Cancelled", xmlFromPath(target));
+    m_report.add("Cancelled", xmlFromPath(m_root + target));
     return false;
 }
 
@@ -127,7 +127,7 @@ bool ProjectCreation::copySet(const PlannedSet& set, std::initializer_list<const
     const char* const* key = keys.begin();
     for (const PlannedFile& file : set.files) {
         const std::string target = m_root + file.target;
-        if (!mayContinueWith(target)) {
+        if (!mayContinueWith(file.target)) {
             return false;
         }
         m_report.add(*key++, base);
@@ -181,7 +181,7 @@ CopyEnd copyPlannedFiles(const std::string& root, const std::vector<PlannedFile>
             return CopyEnd::Nameless;
         }
         const std::string to = root + file.target;
-        if (run && !run->mayContinueWith(to)) {
+        if (run && !run->mayContinueWith(file.target)) {
             return CopyEnd::Cancelled;
         }
         // A name that leads elsewhere was refused before; here it is the last door.

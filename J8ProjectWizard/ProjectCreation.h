@@ -29,7 +29,7 @@ private:
                  const char* lastFailed);
     int saveProject();
     int fail(int code, const char* key, const std::string& folder, const std::string& message);
-    // False when the user stopped it.
+    // False when the user stopped it before that file below the project folder.
     bool mayContinueWith(const std::string& target);
 
     const CreationPlan& m_plan;

@@ -16,15 +16,14 @@ enum {
     kPlan = kFirstBrowse + 10,
     kState
 };
-enum : UINT_PTR { kTargetTimer = 1, kSourcesTimer };
-constexpr UINT kTargetAfter = 300;  // milliseconds since the last key
-constexpr UINT kSourcesEvery = 15;
-constexpr std::chrono::milliseconds kSourcesTime(10);
+enum : UINT_PTR { kTypedTimer = 1, kLooksTimer };
+constexpr UINT kTypedAfter = 300;  // milliseconds since the last key
+constexpr UINT kLooksEvery = 30;
 
 constexpr ListColumn kWizardColumns[] = {{nullptr, 100, true}};
 enum Column { kName, kSize, kSource, kProblem };
 constexpr ListColumn kPlanColumns[] = {
-    {"Folder or file", 110, true}, {"Size", 38}, {"From", 90, true}, {"Note", 90, true}};
+    {"Folder or file", 100, true}, {"Size", 40}, {"From", 90, true}, {"Note", 90, true}};
 
 // Dialog units.
 constexpr int kListWidth = 118;
@@ -48,6 +47,15 @@ void replaceText(HWND edit, const std::string& text) {
     SendMessageA(edit, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
     SendMessageA(edit, EM_SETSEL, 0, 0);
     SendMessageA(edit, EM_SCROLLCARET, 0, 0);
+    InvalidateRect(edit, nullptr, TRUE);
+}
+
+CJ8Wizard foundWizards() {
+    std::optional<CJ8Wizard> found;
+    ProgressWindow(modalOwner(), "Looking for Wizards").runOnThread([&found](JobProgress& progress) {
+        found.emplace(&progress);
+    });
+    return std::move(*found);
 }
 
 }  // namespace
@@ -56,13 +64,13 @@ CJ8WizardNewDlg::CJ8WizardNewDlg(HINSTANCE module, int icon)
     : DialogShell({.title = "New Project",
                    .module = module,
                    .icon = icon,
-                   .width = 400,
-                   .height = 300,
-                   .leastWidth = 320,
-                   .leastHeight = 250,
+                   .width = 460,
+                   .height = 310,
+                   .leastWidth = 380,
+                   .leastHeight = 260,
                    .maximizes = true,
                    .memory = &places()}),
-      m_session(userPrompt()) {
+      m_session(userPrompt(), foundWizards()) {
     for (size_t i = 0; i < kProjectFields; ++i) {
         m_fields[i].which = static_cast<NewProjectField>(i);
     }
@@ -101,6 +109,7 @@ void CJ8WizardNewDlg::createControls() {
     m_planLabel = makeLabel(window(), "What will be &made:", fonts());
     m_plan.create(window(), kPlan, fonts(), fonts().text(), kPlanColumns,
                   [this](int row, int column) { return planCell(row, column); });
+    m_plan.setWrong([this](int row) { return m_session.isRowHarmed(static_cast<size_t>(row)); });
     m_state = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kState, fonts().text());
     m_ok = makeButton(window(), "OK", IDOK, fonts(), true);
     m_cancel = makeButton(window(), "Cancel", IDCANCEL, fonts());
@@ -159,7 +168,7 @@ void CJ8WizardNewDlg::selectWizard(int wizard) {
     setText(m_description, m_session.description());
     showFields();
     showPlan();
-    SetTimer(window(), kSourcesTimer, kSourcesEvery, nullptr);
+    lookAtDisk();
 }
 
 void CJ8WizardNewDlg::showFields() {
@@ -187,7 +196,7 @@ std::string CJ8WizardNewDlg::planCell(int index, int column) const {
             return std::string(3 * static_cast<size_t>(m_session.tree().rows()[row].depth), ' ') +
                    m_session.rowName(row);
         case kSize:
-            return m_session.tree().sizeText(m_session.tree().rows()[row]);
+            return m_session.rowSize(row);
         case kSource:
             return m_session.rowSource(row);
         default:
@@ -205,15 +214,15 @@ void CJ8WizardNewDlg::ok() {
     }
     m_working = true;
     m_made = m_session.ok([this](const NewProjectSession::Job& job) {
-        ProgressWindow progress(window(), "New Project");
-        job(&progress);
+        ProgressWindow progress(window(), "Making the Project");
+        progress.runOnThread([&job](JobProgress& steps) { job(&steps); });
     });
     m_working = false;
     if (m_made) {
         end();
     } else if (window()) {
         showPlan();
-        SetTimer(window(), kSourcesTimer, kSourcesEvery, nullptr);
+        lookAtDisk();
     }
 }
 
@@ -223,7 +232,7 @@ void CJ8WizardNewDlg::command(int id, int code) {
         m_session.setText(m_fields[field].which, textOf(m_fields[field].edit));
         m_plan.redraw();
         showState();
-        SetTimer(window(), kTargetTimer, kTargetAfter, nullptr);
+        SetTimer(window(), kTypedTimer, kTypedAfter, nullptr);
     } else if (browse >= 0 && browse < static_cast<int>(kProjectFields) && code == BN_CLICKED) {
         if (m_session.browse(m_fields[browse].which)) {
             showFields();
@@ -243,20 +252,43 @@ LRESULT CJ8WizardNewDlg::notified(NMHDR& header) {
 }
 
 std::optional<LRESULT> CJ8WizardNewDlg::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_CTLCOLORSTATIC && reinterpret_cast<HWND>(lParam) == m_state &&
+        m_session.selected() >= 0 && m_session.isHindered()) {
+        const LRESULT answer = DefWindowProcA(window(), message, wParam, lParam);
+        SetTextColor(reinterpret_cast<HDC>(wParam), inkOfWrong());
+        return answer;
+    }
     if (message != WM_TIMER) {
         return DialogShell::message(message, wParam, lParam);
     }
-    if (wParam == kTargetTimer) {
-        KillTimer(window(), kTargetTimer);
-        m_session.lookAtTarget();
-        m_plan.redraw();
-        showState();
-    } else if (wParam == kSourcesTimer && !m_working) {
-        if (!m_session.lookAtSources(kSourcesTime)) {
-            KillTimer(window(), kSourcesTimer);
-        }
+    if (m_working) {
+        return 0;
+    }
+    if (wParam == kTypedTimer) {
+        KillTimer(window(), kTypedTimer);
+        lookAtDisk();
+    } else if (wParam == kLooksTimer) {
+        takeLooks();
+    }
+    return 0;
+}
+
+void CJ8WizardNewDlg::lookAtDisk() {
+    m_looks.ask(m_session.toLookAt());
+    SetTimer(window(), kLooksTimer, kLooksEvery, nullptr);
+}
+
+void CJ8WizardNewDlg::takeLooks() {
+    bool more = false;
+    const std::vector<DiskLook> looks = m_looks.take(more);
+    if (!more) {
+        KillTimer(window(), kLooksTimer);
+    }
+    for (const DiskLook& look : looks) {
+        m_session.seen(look);
+    }
+    if (!looks.empty()) {
         m_plan.redraw();
         showState();
     }
-    return 0;
 }

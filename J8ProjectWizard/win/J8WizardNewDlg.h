@@ -7,13 +7,14 @@
 #include <string>
 
 #include "J8ProjectWizard/NewProjectSession.h"
+#include "J8ProjectWizard/win/BackgroundLooks.h"
 #include "ui/win/DialogShell.h"
 #include "ui/win/RowList.h"
 
 // Shows a NewProjectSession. [editor thread]
 class CJ8WizardNewDlg : public zoka::DialogShell {
 public:
-    // `module` holds the window's icon.
+    // Looks for the wizards. `module` holds the window's icon.
     CJ8WizardNewDlg(HINSTANCE module, int icon);
 
     // Runs the dialog over the thread's active window; nothing when the user cancelled.
@@ -38,10 +39,14 @@ private:
     void showFields();
     void showPlan();
     void showState();
+    // Has looked at what is to be looked at, and shows what came of it.
+    void lookAtDisk();
+    void takeLooks();
     void ok();
     std::string planCell(int row, int column) const;
 
     zoka::NewProjectSession m_session;
+    zoka::BackgroundLooks m_looks;
     std::optional<zoka::NewProject> m_made;
     zoka::RowList m_wizards, m_plan;
     Field m_fields[zoka::kProjectFields];

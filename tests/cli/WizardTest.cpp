@@ -35,7 +35,7 @@ TEST_F(WizardTool, ListsAndShows) {
     EXPECT_THAT(folder.run("wizard list suite").out, testing::StartsWith("Wiz\t"));
     EXPECT_EQ(json::parse(folder.run("wizard list suite --json").out)[0]["title"], "Wiz");
     EXPECT_THAT(folder.run("wizard show w suite").out,
-                HasSubstr("  one.txt  (from .\\templates\\a\\one.txt, 1 byte)"));
+                HasSubstr("  one.txt  (from templates\\a\\one.txt, 1 byte)"));
     EXPECT_EQ(folder.run("wizard show none suite").status, 2);
     EXPECT_EQ(folder.run("wizard list nowhere").status, 3);
     EXPECT_EQ(folder.run("wizard list suite/templates").status, 1);

@@ -9,6 +9,7 @@
 #   #: says TEXT     a text that the process must write on its output; may be repeated
 #   #: options TEXT  further options of zunhost
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
+#   #: wizard N      there is a wizard "Many files", which copies N files
 #   #: parts N       runs N times, each a test of its own (NAME-1 and so on), because all of it would take too long for
 #                    one; ${PART} is the part's number
 #   #: parts-long N  the same where ZOKA_LONG=1 is set or the test is named; otherwise there is one part
@@ -72,6 +73,19 @@ large_catalogue() { # scripts
     }'
 }
 
+# A wizard of that many files.
+large_wizard() { # files, templates folder
+    local i
+    mkdir "$2/many" || return 1
+    for ((i = 0; i < $1; i++)); do printf 'file %d\n' "$i" >"$2/many/$i.txt"; done
+    {
+        echo '<Wizard><Title>Many files</Title><Desc>Copies many files.</Desc>'
+        echo '<Defaults><Name>Many</Name><LevelMap>main</LevelMap></Defaults><Folder name="many">'
+        for ((i = 0; i < $1; i++)); do echo "<File name=\"$i.txt\" folder=\"many\"/>"; done
+        echo '</Folder><Folder name="sounds"/></Wizard>'
+    } >"$2/wizards/many.xml"
+}
+
 # Runs one script; its output is in output.txt.
 drive() { # script, folder, part
     local project suite options try status=1
@@ -108,6 +122,8 @@ run_test() { # script[@part]
     if lay_out "$folder"; then
         large=$(directives "$script" catalogue)
         [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
+        large=$(directives "$script" wizard)
+        [ -z "$large" ] || large_wizard "$large" "$folder/suite/templates"
         drive "$script" "$folder" "${part#@}"
         status=$?
         wanted=$(directives "$script" status)

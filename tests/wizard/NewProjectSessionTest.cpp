@@ -20,6 +20,11 @@ protected:
         session.setText(NewProjectField::Path, suite.folder.path("games"));
         session.setText(NewProjectField::FolderName, "g");
     }
+    static void look(NewProjectSession& session) {
+        for (const std::string& path : session.toLookAt()) {
+            session.seen(lookAt(path));
+        }
+    }
     static std::optional<NewProject> ok(NewProjectSession& session) {
         return session.ok([](const NewProjectSession::Job& job) { job(nullptr); });
     }
@@ -80,15 +85,17 @@ TEST_F(NewProjectSessionTest, FillsTheFieldsAndRemembersWhatWasTyped) {
     session.select(a);
     EXPECT_EQ(session.text(NewProjectField::Name), "Typed");
     EXPECT_EQ(session.text(NewProjectField::FolderName), "f");
-    EXPECT_EQ(session.rowName(0), "C:\\games\\f\\");
+    EXPECT_EQ(session.rowName(0), "f\\");
+    EXPECT_EQ(session.rowNote(0), "in C:\\games");
 }
 
 TEST_F(NewProjectSessionTest, MakesWhatItShows) {
     NewProjectSession session(prompt);
     session.select(0);
     fill(session);
-    while (session.lookAtSources(std::chrono::milliseconds(0))) {
+    for (const std::string& path : session.toLookAt()) {
         EXPECT_TRUE(session.state().ends_with(" so far...")) << session.state();
+        session.seen(lookAt(path));
     }
     EXPECT_EQ(session.state(), "OK makes 3 folders and 8 files, 149 bytes.");
     std::string rows;
@@ -97,9 +104,8 @@ TEST_F(NewProjectSessionTest, MakesWhatItShows) {
             std::string(static_cast<size_t>(session.tree().rows()[i].depth), ' ') + session.rowName(i) + "|";
     }
     EXPECT_EQ(rows,
-              suite.folder.path("games") +
-                  "\\g\\| c.txt| one.txt| maps\\|  deep\\|   two.txt| harbour.zlm| harbour.zlb| harbour.zun| "
-                  "main.c| main.kez| main.xml|");
+              "g\\| c.txt| one.txt| maps\\|  deep\\|   two.txt| harbour.zlm| harbour.zlb| harbour.zun| "
+              "main.c| main.kez| main.xml|");
     const auto made = ok(session);
     ASSERT_TRUE(made);
     EXPECT_EQ(made->folder, suite.folder.path("games") + "\\g\\");
@@ -122,7 +128,7 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
     };
     for (const auto& [name, text] : rows) {
         session.setText(NewProjectField::FolderName, name);
-        session.lookAtTarget();
+        look(session);
         EXPECT_TRUE(session.state().starts_with(text)) << session.state();
     }
     session.setText(NewProjectField::FolderName, "con");
@@ -134,8 +140,7 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
     std::filesystem::remove(suite.folder.native("templates/a/lev.zlb"));
     session.select(0);
     session.setText(NewProjectField::FolderName, "g");
-    while (session.lookAtSources(std::chrono::milliseconds(10))) {
-    }
+    look(session);
     EXPECT_EQ(session.state(), "Missing file: .\\templates\\a\\one.txt");
     // No keystroke touches the disk.
     FaultyOsFiles files(FaultyOsFiles::never());
@@ -177,25 +182,32 @@ TEST_F(NewProjectSessionTest, ShowsBothTextsOfAFailedRunAndTakesBackWhatItMade) 
 }
 
 TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
+    constexpr int kLooks = 3;  // for templates, before the first copy
     class StopAt : public JobProgress {
     public:
-        explicit StopAt(size_t at) : m_at(at) {}
-        bool step(size_t done, size_t total, const std::string&) override {
-            EXPECT_EQ(total, 8u);
-            return done < m_at;
+        explicit StopAt(int at) : m_at(at) {}
+        bool step(size_t, size_t total, const std::string&) override {
+            EXPECT_EQ(total, m_steps < kLooks ? 3u : 8u);
+            return m_steps++ < m_at;
         }
-        size_t m_at;
+        int m_at, m_steps = 0;
     };
-    for (const size_t at : {size_t{0}, size_t{1}, size_t{4}, size_t{7}}) {
+    for (const int at : {0, 2, 3, 4, 7, 10}) {
+        SCOPED_TRACE(at);
+        prompt.asked.clear();
         NewProjectSession session(prompt);
         session.select(0);
         fill(session);
         prompt.answers = {PromptAnswer::Yes};
         StopAt progress(at);
         EXPECT_FALSE(session.ok([&](const NewProjectSession::Job& job) { job(&progress); }));
-        EXPECT_TRUE(prompt.asked.back().text.starts_with("Creating the project was cancelled.\n\nRemove"));
         EXPECT_EQ(suite.tree("games"), Texts());
-        EXPECT_TRUE(suite.reportKeys().ends_with(" Cancelled"));
+        ASSERT_EQ(prompt.asked.size(), at < kLooks ? 0u : 1u);
+        if (at >= kLooks) {
+            EXPECT_TRUE(
+                prompt.asked.back().text.starts_with("Creating the project was cancelled.\n\nRemove"));
+            EXPECT_TRUE(suite.reportKeys().ends_with(" Cancelled"));
+        }
     }
 }
 

@@ -100,7 +100,7 @@ void printTree(const PlanTree& tree, const std::string& folder) {
         std::string line(2 * static_cast<size_t>(row.depth), ' ');
         line += row.depth == 0 ? (folder.empty() ? "(the project folder)" : folder + "\\") : row.name;
         if (!row.source.empty()) {
-            line += (row.isOnlyChecked ? "  (looked for: " : "  (from ") + row.source;
+            line += (row.isOnlyChecked ? "  (looked for: " : "  (from ") + shownSource(row);
             const std::string size = tree.sizeText(row);
             line += (size.empty() ? size : ", " + size) + ")";
         }

@@ -1,0 +1,79 @@
+#include "J8ProjectWizard/win/BackgroundLooks.h"
+
+#include <utility>
+
+namespace zoka {
+
+BackgroundLooks::~BackgroundLooks() {
+    if (m_thread) {
+        {
+            const std::lock_guard lock(m_lock);
+            m_stops = true;
+        }
+        SetEvent(m_wakes);
+        // The handle becomes signalled when the thread has left this library for good.
+        WaitForSingleObject(m_thread, INFINITE);
+        CloseHandle(m_thread);
+    }
+    if (m_wakes) {
+        CloseHandle(m_wakes);
+    }
+}
+
+void BackgroundLooks::ask(std::vector<std::string> paths) {
+    {
+        const std::lock_guard lock(m_lock);
+        m_asked.assign(std::make_move_iterator(paths.begin()), std::make_move_iterator(paths.end()));
+    }
+    if (!m_wakes) {
+        m_wakes = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    }
+    if (!m_thread && m_wakes) {
+        m_thread = CreateThread(nullptr, 0, threadMain, this, 0, nullptr);
+    }
+    if (m_thread) {
+        SetEvent(m_wakes);
+    }
+}
+
+std::vector<DiskLook> BackgroundLooks::take(bool& more) {
+    const std::lock_guard lock(m_lock);
+    // Without a thread nothing will come: OK looks for itself.
+    more = m_thread && (!m_asked.empty() || m_isLooking);
+    return std::exchange(m_seen, {});
+}
+
+DWORD WINAPI BackgroundLooks::threadMain(void* self) {
+    auto& looks = *static_cast<BackgroundLooks*>(self);
+    try {
+        looks.work();
+    } catch (...) {
+        // No memory left for looking.
+        const std::lock_guard lock(looks.m_lock);
+        looks.m_asked.clear();
+        looks.m_isLooking = false;
+    }
+    return 0;
+}
+
+void BackgroundLooks::work() {
+    std::unique_lock lock(m_lock);
+    while (!m_stops) {
+        if (m_asked.empty()) {
+            lock.unlock();
+            WaitForSingleObject(m_wakes, INFINITE);
+            lock.lock();
+            continue;
+        }
+        const std::string path = std::move(m_asked.front());
+        m_asked.pop_front();
+        m_isLooking = true;
+        lock.unlock();
+        DiskLook look = lookAt(path);
+        lock.lock();
+        m_isLooking = false;
+        m_seen.push_back(std::move(look));
+    }
+}
+
+}  // namespace zoka
