@@ -197,7 +197,7 @@ void EntryPanel::layout() {
     RECT area;
     GetClientRect(m_window, &area);
     const int height = static_cast<int>(area.bottom);
-    const int width = static_cast<int>(area.right) - 2 * m_fonts->px(kMargin);
+    const int width = rowsWidth() - 2 * m_fonts->px(kMargin);
     std::vector<PanelItem> items(m_editing.size());
     if (m_textHeights.size() != items.size() || m_textWidth != width) {
         m_textHeights.assign(items.size(), 0);
@@ -237,6 +237,14 @@ void EntryPanel::layout() {
     }
 }
 
+// The room for the scroll bar is kept free where there is none: rows keep their width while they are filtered.
+int EntryPanel::rowsWidth() const {
+    RECT area;
+    GetClientRect(m_window, &area);
+    const bool hasBar = (GetWindowLongPtrA(m_window, GWL_STYLE) & WS_VSCROLL) != 0;
+    return static_cast<int>(area.right) - (hasBar ? 0 : GetSystemMetrics(SM_CXVSCROLL));
+}
+
 void EntryPanel::scrollTo(int top) {
     if (!m_window) {
         return;
@@ -246,12 +254,13 @@ void EntryPanel::scrollTo(int top) {
     m_top = m_layout.clampScroll(top, static_cast<int>(area.bottom));
     SCROLLINFO info{};
     info.cbSize = sizeof info;
-    // Always there, so that the rows keep their width while they are filtered.
-    info.fMask = SIF_ALL | SIF_DISABLENOSCROLL;
+    info.fMask = SIF_ALL;
     info.nMax = std::max(m_layout.contentHeight() + m_fonts->px(kMargin) - 1, 0);
     info.nPage = static_cast<UINT>(std::max(static_cast<int>(area.bottom), 1));
     info.nPos = m_top;
+    m_placing = true;  // a bar that comes or goes changes the window's size, but not the rows' width
     SetScrollInfo(m_window, SB_VERT, &info, TRUE);
+    m_placing = false;
     placeRows();
 }
 
@@ -321,7 +330,7 @@ void EntryPanel::placeRows() {
         moved = true;
         return window;
     };
-    const int width = static_cast<int>(area.right);
+    const int width = rowsWidth();
     HWND after = HWND_TOP;
     for (const size_t i : wanted) {
         PanelRect at = m_layout.rectOfRow(i, width);

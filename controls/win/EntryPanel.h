@@ -103,6 +103,7 @@ private:
     int heightOf(size_t row, int width);
     int labelWidth(int width) const;
     void layout();
+    int rowsWidth() const;
     void placeRows();
     void scrollTo(int top);
     void bringIntoSight(size_t row);

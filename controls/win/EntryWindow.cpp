@@ -147,7 +147,11 @@ void EntryWindow::makeControls(const Parts& at) {
     label(text, SS_ENDELLIPSIS, is.label);
     switch (is.field) {
         case EntryField::Slider:
-            m_slider = makeSliderField(m_window, kField, text, is.decimal, m_panel.fonts().x(44), at.field);
+            m_slider =
+                makeSliderField(m_window, kField, text, is.decimal,
+                                std::max(m_panel.fonts().x(44),
+                                         m_panel.fonts().labelWidth(kDifferent) + m_panel.fonts().x(6)),
+                                at.field);
             m_track = child(GetDlgItem(m_slider, kSliderTrack));
             m_field = child(GetDlgItem(m_slider, kSliderNumber));
             break;
