@@ -197,6 +197,7 @@ void RowsView::rowsReplaced() {
         return;
     }
     if (!samePlaces) {
+        m_helpRow.reset();
         setText(m_help, "No Help");
     }
     showCount();
@@ -208,6 +209,9 @@ void RowsView::valuesChanged() {
         return;
     }
     m_panel.showValues();
+    if (m_helpRow) {
+        rowFocused(*m_helpRow);
+    }
     if (m_rows.filter.changedOnly) {
         m_panel.layoutSoon();
     }
@@ -223,6 +227,7 @@ void RowsView::showCount() {
 
 void RowsView::rowFocused(size_t row) {
     if (row < m_rows.size()) {
+        m_helpRow = row;
         setText(m_help, m_rows.helpText(row));
     }
 }

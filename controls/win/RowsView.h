@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,7 @@ private:
     int m_firstId = 0;
     std::string m_subject;  // of the rows shown, and how many they are
     size_t m_shownRows = 0;
+    std::optional<size_t> m_helpRow;  // whose help is shown
 };
 
 }  // namespace zoka

@@ -25,6 +25,11 @@ cp -r samples/project "$demo/town"
 cp samples/j8project/* "$demo/town/"
 sed -i 's|<Paths [^>]*>|<Paths proj_file="P:\\town\\" j8_file="P:\\suite\\templates\\xml\\"/>|' "$demo/town/main.xml"
 cp "$demo/town/main.xml" "$demo/steps/main.xml before"
+# The first project's level again, with a project file that gives its entities components.
+cp -r samples/project "$demo/quay"
+cp samples/quay/* "$demo/quay/"
+sed -i 's|<Paths [^>]*>|<Paths proj_file="P:\\quay\\" j8_file="P:\\suite\\templates\\xml\\"/>|' "$demo/quay/main.xml"
+cp "$demo/quay/main.xml" "$demo/steps/quay.xml before"
 # The next release of the template set, with its catalogue.
 cp -r samples/templates "$demo/newer"
 cp samples/templates-newer/*.kez "$demo/newer/"
@@ -45,6 +50,8 @@ show_sizes() {
     for dpi in 96 192; do
         drive customize-look calls-customize-look --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
         cp "$demo/steps/main.xml before" "$demo/town/main.xml"
+        cp "$demo/steps/quay.xml before" "$demo/quay/main.xml"
+        drive behavior calls-behavior --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
         drive project calls-project --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
         drive wizard calls-wizard --dpi $dpi --font "Liberation Sans" --set "DPI=$dpi"
     done
