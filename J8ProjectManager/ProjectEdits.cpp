@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "J8ProjectManager/ProjectLosses.h"
+
 namespace zoka {
 namespace {
 
@@ -115,6 +117,25 @@ std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const 
     return placed;
 }
 
+// "level/harbour/doc = by the sea", for the user.
+std::string lineOf(const ProjectChange& change) {
+    switch (change.kind) {
+        case Kind::Value:
+            return change.address +
+                   (change.after ? " = " + shortText(*change.after) : std::string(" without a value"));
+        case Kind::EntityAdded:
+            return change.address + ": entity \"" + shortText(change.entityAfter->name) + "\" added";
+        case Kind::LevelRemoved:
+        case Kind::EntityRemoved:
+            return change.address + " removed";
+        case Kind::LevelMoved:
+        case Kind::EntityMoved:
+            return change.address + " moved";
+        default:
+            return change.address;
+    }
+}
+
 }  // namespace
 
 ProjectChange valueChange(const CJ8ProjectManager& project, const ProjectField& field,
@@ -197,7 +218,7 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
     const size_t done = std::exchange(m_done, 0);
     const std::vector<Step> steps = std::exchange(m_steps, {});
     clear();
-    std::vector<std::string> unplaced;
+    std::vector<const ProjectChange*> unplaced;
     Step all;
     for (size_t i = 0; i < done; ++i) {
         for (const ProjectChange& change : steps[i]) {
@@ -207,7 +228,12 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
                 m_steps.clear();
                 m_done = 0;
             } else {
-                unplaced.push_back(change.address);
+                // Of several values of one field the last one is the user's.
+                std::erase_if(unplaced, [&](const ProjectChange* earlier) {
+                    return earlier->kind == Kind::Value && change.kind == Kind::Value &&
+                           earlier->address == change.address;
+                });
+                unplaced.push_back(&change);
             }
         }
     }
@@ -216,7 +242,11 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
         m_steps.push_back(std::move(all));
         m_done = 1;
     }
-    return unplaced;
+    std::vector<std::string> lines;
+    for (const ProjectChange* const change : unplaced) {
+        lines.push_back(lineOf(*change));
+    }
+    return lines;
 }
 
 }  // namespace zoka

@@ -50,8 +50,8 @@ public:
     void markSaved() { m_saved = static_cast<std::ptrdiff_t>(m_done); }
     void clear();
 
-    // Does again, in a project that was loaded anew, what is done; it becomes one step. Gives the addresses of
-    // what found no place there.
+    // Does again, in a project that was loaded anew, what is done; it becomes one step. Gives a line for each change
+    // that found no place there: its address, and the value.
     std::vector<std::string> carryTo(CJ8ProjectManager& project);
 
 private:

@@ -71,26 +71,6 @@ std::string openTag(const XMLNode& node) {
     return text + ">";
 }
 
-std::string shortened(std::string text) {
-    constexpr size_t kShown = 60;
-    constexpr const char* kBlanks = " \t\r\n";
-    text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
-    text.erase(text.find_last_not_of(kBlanks) + 1);
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < 0x20) {
-            c = ' ';
-        }
-    }
-    if (text.size() > kShown) {
-        text.resize(kShown);
-        while (!text.empty() && (text.back() & 0x80) != 0) {
-            text.pop_back();
-        }
-        text += "...";
-    }
-    return text;
-}
-
 // Whether the element that was written has the attribute with the same meaning.
 bool isKept(const XMLNode& old, const XMLAttributeView& attribute, const XMLNode& now) {
     const std::string_view name = attribute.name, value = attribute.value ? attribute.value : "";
@@ -145,11 +125,11 @@ private:
             const XMLClearView clear = node.getClear(i);
             const std::string_view open = clear.openTag;
             if (open == "<!--") {
-                lose(node, "the comment \"" + shortened(clear.value) + "\"");
+                lose(node, "the comment \"" + shortText(clear.value) + "\"");
             } else if (open == "<!DOCTYPE") {
                 lose(node, "the DOCTYPE");
             } else if (keptText.empty()) {
-                lose(node, "the text \"" + shortened(clear.value) + "\"");
+                lose(node, "the text \"" + shortText(clear.value) + "\"");
             }
         }
     }
@@ -159,13 +139,13 @@ private:
             const XMLAttributeView attribute = old.getAttributeAt(i);
             if (!isKept(old, attribute, now)) {
                 lose(old, std::string("the attribute ") + attribute.name + "=\"" +
-                              shortened(attribute.value ? attribute.value : "") + "\" of " +
-                              shortened(openTag(old)));
+                              shortText(attribute.value ? attribute.value : "") + "\" of " +
+                              shortText(openTag(old)));
             }
         }
         const std::string text = xmlAllText(old), kept = xmlAllText(now);
         if (text != kept && !text.empty() && old.textCount() > 0) {
-            lose(old, "the text \"" + shortened(text) + "\"");
+            lose(old, "the text \"" + shortText(text) + "\"");
         }
         compareClears(old, kept);
         // Where the elements that were written stand, by key, in order.
@@ -181,7 +161,7 @@ private:
                 written.erase(found);
             } else if (!isEmptyDoc(child)) {
                 const bool more = child.childCount() > 0;
-                lose(child, shortened(openTag(child)) + (more ? " and what is in it" : ""));
+                lose(child, shortText(openTag(child)) + (more ? " and what is in it" : ""));
             }
         }
     }
@@ -195,6 +175,27 @@ private:
 };
 
 }  // namespace
+
+std::string shortText(std::string text) {
+    constexpr size_t kShown = 60;
+    constexpr const char* kBlanks = " \t\r\n";
+    text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
+    text.erase(text.find_last_not_of(kBlanks) + 1);
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < 0x20) {
+            c = ' ';
+        }
+    }
+    if (text.size() > kShown) {
+        size_t end = kShown;
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) {
+            --end;  // in front of a character, not inside
+        }
+        text.resize(end);
+        text += "...";
+    }
+    return text;
+}
 
 std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written) {
     std::vector<ProjectLoss> losses;

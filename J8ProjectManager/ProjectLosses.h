@@ -21,4 +21,7 @@ struct ProjectLoss {
 // Linear in both, but for sorting.
 std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written);
 
+// A text of a project in one short line for the user: blanks around it gone, others as spaces, what is too long cut.
+std::string shortText(std::string text);
+
 }  // namespace zoka

@@ -48,53 +48,53 @@ const char* severityWord(int severity) {
 
 bool ProjectSession::open(const std::string& path) {
     m_path = osFiles().fullPath(path);
-    ProjectDocument read;
-    if (!this->read(read)) {
-        m_bytes.clear();
-        m_losses.clear();
-        m_edits.clear();
-        m_places.reset();
-        m_model.loadFromTree({}, m_path, false, &read.results);
-        return false;
-    }
-    take(std::move(read));
-    return true;
+    m_edits.clear();
+    Loaded loaded = read();
+    m_problem = loaded.problem;
+    replaceModel(std::move(loaded));
+    return m_problem.empty();
 }
 
-bool ProjectSession::read(ProjectDocument& read) {
-    auto bytes = osFiles().readWhole(m_path);
-    if (!bytes) {
-        m_problem = "Can't read '" + m_path + "': " + osFiles().lastError();
-        return false;
+ProjectSession::Loaded ProjectSession::read() const {
+    if (auto bytes = osFiles().readWhole(m_path)) {
+        return loadedFrom(std::move(*bytes));
     }
-    read.bytes = std::move(*bytes);
-    return parse(read);
+    Loaded loaded;
+    loaded.problem = "Can't read '" + m_path + "': " + osFiles().lastError();
+    loaded.model = std::make_unique<CJ8ProjectManager>();
+    loaded.model->LoadFromXML(m_path, false);  // which reports it
+    return loaded;
 }
 
-bool ProjectSession::parse(ProjectDocument& read) {
-    m_problem.clear();
-    XMLResults& results = read.results;
-    read.document = XMLNode::parseBytes(read.bytes, nullptr, &results, {}, XMLCharset::Utf8);
-    read.project = read.document.firstChild("Project");
-    if (!read.project.isEmpty()) {
-        return true;
-    }
-    if (!read.document.isEmpty()) {
+ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
+    Loaded loaded;
+    loaded.model = std::make_unique<CJ8ProjectManager>();
+    loaded.bytes = std::move(bytes);
+    XMLResults results;
+    const XMLNode document = XMLNode::parseBytes(loaded.bytes, nullptr, &results, {}, XMLCharset::Utf8);
+    if (!document.isEmpty() && document.firstChild("Project").isEmpty()) {
         results.code = kXmlFirstTagNotFound;
     }
-    m_problem = m_path;
-    m_problem +=
-        results.line > 0 ? ":" + std::to_string(results.line) + ":" + std::to_string(results.column) : "";
-    m_problem += std::string(": ") + XMLNode::errorText(results.code);
-    return false;
+    if (loaded.model->loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
+        loaded.losses = lossesOf(document, loaded.model->createXMLTopNode({}, loaded.model->m_date));
+        return loaded;
+    }
+    loaded.problem = m_path;
+    if (results.line > 0) {
+        loaded.problem += ":" + std::to_string(results.line) + ":" + std::to_string(results.column);
+    }
+    loaded.problem += std::string(": ") + XMLNode::errorText(results.code);
+    return loaded;
 }
 
-void ProjectSession::take(ProjectDocument read) {
-    m_bytes = std::move(read.bytes);
-    m_edits.clear();
+void ProjectSession::replaceModel(Loaded loaded) {
+    m_model = std::move(*loaded.model);
+    m_bytes = std::move(loaded.bytes);
+    m_losses = std::move(loaded.losses);
     m_places.reset();
-    m_model.loadFromTree(read.project, m_path, false);
-    m_losses = lossesOf(read.document, m_model.createXMLTopNode({}, m_model.m_date));
+    if (modelReplaced) {
+        modelReplaced();
+    }
 }
 
 std::vector<ProjectProblem> ProjectSession::losses() const {

@@ -10,6 +10,8 @@
 // places in the lists below are new: ask again.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -99,34 +101,45 @@ public:
     // --- The file.
     // The line difference of what a save would write.
     std::string changesText() const;
-    // Asks what is to be asked, keeps a copy of a file whose content would be lost, writes and loads again; undo
-    // goes on. With `force` also when nothing has changed.
+    // Asks what is to be asked, keeps a copy of a file whose content would be lost, and writes; undo goes on. What
+    // another program writes until the file is replaced is never written over unasked. With `force` also when nothing
+    // has changed.
     ProjectSave save(bool force = false);
-    // Loads again; asks first when edits would be lost. False, with everything as it was, when the user wants that, or
-    // the file can't be read, with the reason in problem().
+    // Loads again; asks first when edits would be lost. False with the model and the edits as they were, and the
+    // reason in problem() unless the user chose to keep them.
     bool reload();
     // True when the window may close: asks about changes.
     bool close();
     // The bytes that a save would write now.
     std::string text() const;
+    // Those of the file, as loaded.
+    const std::string& bytes() const { return m_bytes; }
 
     // Whether saves leave their step report in the current folder.
     bool writesStepReport = true;
+    // Whether a save that finds the file changed by another program asks what to do; else it takes the others'
+    // changes over and makes its own in them.
+    bool asksAboutOthersChanges = true;
+    // Called when all that the model held has gone, with pointers into it, in the middle of save or reload too:
+    // before anything more is asked.
+    std::function<void()> modelReplaced;
 
 private:
-    // A file, before it takes the place of what is loaded.
-    struct ProjectDocument {
+    // A project that was read, not in the model yet.
+    struct Loaded {
+        std::unique_ptr<CJ8ProjectManager> model;
         std::string bytes;
-        XMLNode document, project;
-        XMLResults results;
+        std::vector<ProjectLoss> losses;
+        std::string problem;  // why it can't be used; else empty
     };
-    // Both change nothing but problem(): a file that can't be read costs no edit.
-    bool read(ProjectDocument& read);
-    bool parse(ProjectDocument& read);
-    void take(ProjectDocument read);
+    Loaded read() const;
+    Loaded loadedFrom(std::string bytes) const;
+    void replaceModel(Loaded loaded);
     bool question(const std::string& text);
     ProjectSave fail(const std::string& message);
-    std::optional<ProjectSave> settleChangesFromOutside(bool& overwrites);
+    std::optional<ProjectSave> settleChangesFromOutside(std::string& onDisk, bool& overwrites);
+    std::optional<ProjectSave> takeOver(std::string theirs);
+    std::optional<ProjectSave> settleLosses(const std::string& onDisk, bool overwrites);
     void step(ProjectChange change);
     bool mayDropChanges();
 

@@ -34,8 +34,9 @@ bool ProjectSession::question(const std::string& text) {
     return m_prompt.ask(text, "ZOKA", PromptButtons::YesNo, PromptIcon::Warning) == PromptAnswer::Yes;
 }
 
-// Nothing when saving can go on; `overwrites` then tells whether another's changes will be lost.
-std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(bool& overwrites) {
+// Nothing when saving can go on; `onDisk` is then what the file holds and `overwrites` whether another's changes will
+// be lost.
+std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(std::string& onDisk, bool& overwrites) {
     // The whole content is compared: times are too coarse for two programs that write at once.
     const auto now = osFiles().readWhole(m_path);
     const std::string why = now ? "" : osFiles().lastError();
@@ -43,51 +44,48 @@ std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(bool& overwr
         return fail("Can't read '" + m_path + "': " + why +
                     "\nAnother program may have changed it, so it was not saved.");
     }
+    onDisk = now.value_or("");
+    overwrites = false;
     if (!now || *now == m_bytes) {
         return std::nullopt;  // a file that is gone is simply written again
     }
-    const PromptAnswer answer = m_prompt.ask(
-        "The project file was changed by another program since it was loaded.\n\n"
-        "Yes: load it again, keep my changes and save them.\n"
-        "No: overwrite it, the other changes are lost (a copy of the file is kept).\n"
-        "Cancel: don't save.",
-        "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
+    PromptAnswer answer = PromptAnswer::Yes;
+    if (asksAboutOthersChanges) {
+        answer = m_prompt.ask(
+            "The project file was changed by another program since it was loaded.\n\n"
+            "Yes: load it again, keep my changes and save them.\n"
+            "No: overwrite it, the other changes are lost (a copy of the file is kept).\n"
+            "Cancel: don't save.",
+            "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
+    }
     overwrites = answer == PromptAnswer::No;
     if (overwrites) {
         return std::nullopt;
     }
-    if (answer != PromptAnswer::Yes) {
-        return ProjectSave::Cancelled;
-    }
-    ProjectDocument read{.bytes = *now, .document = {}, .project = {}, .results = {}};
-    if (!parse(read)) {
-        return fail("The project file as it is now can't be read.\n" + m_problem +
-                    "\nIt was not saved; your changes are still here.");
-    }
-    ProjectEdits edits = std::move(m_edits);
-    take(std::move(read));
-    const std::vector<std::string> unplaced = edits.carryTo(m_model);
-    m_edits = std::move(edits);
-    if (unplaced.empty()) {
-        return std::nullopt;
-    }
-    return fail("These changes found no place in the project as it is now; nothing was saved yet:\n\n" +
-                listed(unplaced));
+    return answer == PromptAnswer::Yes ? takeOver(*now) : ProjectSave::Cancelled;
 }
 
-ProjectSave ProjectSession::save(bool force) {
-    m_problem.clear();
-    m_edits.endJoining();
-    if (m_path.empty() || (!hasChanges() && !force)) {
-        return ProjectSave::NothingToSave;
+// Makes the edits in the project as others left it. It takes the model's place only when all of them can be made.
+std::optional<ProjectSave> ProjectSession::takeOver(std::string theirs) {
+    Loaded loaded = loadedFrom(std::move(theirs));
+    if (!loaded.problem.empty()) {
+        return fail("The project file as it is now can't be read:\n" + loaded.problem +
+                    "\n\nIt was not saved; your changes are still here.");
     }
-    if (m_model.sources().empty() || m_model.projectFile().empty()) {
-        return fail("No project is loaded; there is nothing to save.");
+    ProjectEdits edits = m_edits;
+    if (const std::vector<std::string> unplaced = edits.carryTo(*loaded.model); !unplaced.empty()) {
+        return fail(
+            "These changes find no place in the project file as it is now:\n\n" + listed(unplaced) +
+            "\nNothing was saved; all your changes are still here. Take these back and save again, or save "
+            "and overwrite the file.");
     }
-    bool overwrites = false;
-    if (const auto settled = settleChangesFromOutside(overwrites)) {
-        return *settled;
-    }
+    m_edits = std::move(edits);
+    replaceModel(std::move(loaded));
+    return std::nullopt;
+}
+
+// The copy of what will be lost. Nothing when saving can go on.
+std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDisk, bool overwrites) {
     if (!m_losses.empty()) {
         std::vector<std::string> lines;
         const XMLPlaces places(m_bytes);
@@ -100,23 +98,46 @@ ProjectSave ProjectSession::save(bool force) {
         }
     }
     if (!m_losses.empty() || overwrites) {
-        const auto now = osFiles().readWhole(m_path);
-        if (const BackupResult kept = keepBackup(m_path, now ? *now : m_bytes); !kept) {
+        if (const BackupResult kept = keepBackup(m_path, onDisk.empty() ? m_bytes : onDisk); !kept) {
             return fail(kept.error + "\nThe project was not saved.");
         }
     }
-    if (!(writesStepReport ? m_model.SaveProjectXML() : m_model.SaveProjectXML(StepReport()))) {
-        return fail(m_model.problem().empty() ? "The project could not be saved." : m_model.problem());
+    return std::nullopt;
+}
+
+ProjectSave ProjectSession::save(bool force) {
+    m_problem.clear();
+    m_edits.endJoining();
+    if (m_path.empty() || (!hasChanges() && !force)) {
+        return ProjectSave::NothingToSave;
     }
-    // Loaded again, the model knows the places of the file as it is now; undo goes on.
+    if (m_model.sources().empty() || m_model.projectFile().empty()) {
+        return fail("No project is loaded; there is nothing to save.");
+    }
+    for (bool saved = false; !saved;) {
+        std::string onDisk;
+        bool overwrites = false;
+        if (const auto settled = settleChangesFromOutside(onDisk, overwrites)) {
+            return *settled;
+        }
+        if (const auto settled = settleLosses(onDisk, overwrites)) {
+            return *settled;
+        }
+        saved = writesStepReport ? m_model.SaveProjectXML(&onDisk)
+                                 : m_model.SaveProjectXML(StepReport(), &onDisk);
+        // What was written while a question stood is settled like what was written before.
+        if (!saved && (!m_model.changedMeanwhile() || osFiles().readWhole(m_path).value_or("") == onDisk)) {
+            return fail(m_model.problem().empty() ? "The project could not be saved." : m_model.problem());
+        }
+    }
+    // Loaded again, the model knows the places of the file that was written. That text is taken, not what the disk
+    // holds by now: undo goes on, and its steps are made for this project.
+    if (auto text = m_model.fileText({}, m_model.m_date)) {
+        if (Loaded written = loadedFrom(std::move(*text)); written.problem.empty()) {
+            replaceModel(std::move(written));
+        }
+    }
     m_edits.markSaved();
-    ProjectDocument read;
-    if (!this->read(read)) {
-        return fail("The project was saved, but then: " + m_problem);
-    }
-    ProjectEdits edits = std::move(m_edits);
-    take(std::move(read));
-    m_edits = std::move(edits);
     return ProjectSave::Saved;
 }
 
@@ -126,11 +147,16 @@ bool ProjectSession::mayDropChanges() {
 
 bool ProjectSession::reload() {
     m_problem.clear();
-    ProjectDocument read;
-    if (!mayDropChanges() || !this->read(read)) {
+    if (!mayDropChanges()) {
         return false;
     }
-    take(std::move(read));
+    Loaded loaded = read();
+    m_problem = loaded.problem;
+    if (!m_problem.empty()) {
+        return false;
+    }
+    m_edits.clear();
+    replaceModel(std::move(loaded));
     return true;
 }
 

@@ -116,8 +116,9 @@ std::string CJ8ProjectManager::dateNow() {
     return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 
-bool CJ8ProjectManager::SaveProjectXML(const StepReport& report) {
+bool CJ8ProjectManager::SaveProjectXML(const StepReport& report, const std::string* expected) {
     m_problem.clear();
+    m_changedMeanwhile = false;
     std::string path;
     if (!m_projectFile.GetFilepath(path, m_roots)) {
         report.add(keys::kErrGetFilepath);
@@ -130,8 +131,13 @@ bool CJ8ProjectManager::SaveProjectXML(const StepReport& report) {
         m_problem = "There is not enough memory to write the project.";
         return false;
     }
-    if (const zoka::SafeWriteResult written = zoka::safeWrite(path, *text); !written) {
+    zoka::FileContent file = {path, *text};
+    if (expected) {
+        file.expected = *expected;
+    }
+    if (const zoka::SafeWriteResult written = zoka::safeWrite({&file, 1}); !written) {
         m_problem = written.error;
+        m_changedMeanwhile = written.changedMeanwhile;
         return false;
     }
     m_date = date;
@@ -139,9 +145,9 @@ bool CJ8ProjectManager::SaveProjectXML(const StepReport& report) {
     return true;
 }
 
-bool CJ8ProjectManager::SaveProjectXML() {
+bool CJ8ProjectManager::SaveProjectXML(const std::string* expected) {
     const StepReport report = StepReport::start("J8ProjectManagerDebug", "SaveProjectXML");
-    const bool saved = SaveProjectXML(report);
+    const bool saved = SaveProjectXML(report, expected);
     if (saved) {
         report.markSucceeded();
     }

@@ -45,7 +45,9 @@ public:
                      .maximizes = true,
                      .memory = &g_place},
                     kProjectTabs, g_page),
-          m_session(setup.project, userPrompt()) {}
+          m_session(setup.project, userPrompt()) {
+        m_session.modelReplaced = [this] { refreshPages(); };
+    }
 
     void run(const std::string& projectFile);
 
@@ -207,7 +209,6 @@ void ProjectDialog::save() {
     }
     m_session.leaveField();
     if (m_session.save() == ProjectSave::Saved) {
-        refreshPages();
         setStatus("Saved: " + m_session.path());
     }
     showState();
@@ -215,11 +216,9 @@ void ProjectDialog::save() {
 
 void ProjectDialog::reload() {
     if (m_session.reload()) {
-        refreshPages();
         setStatus("Loaded again");
     } else if (!m_session.problem().empty()) {
         userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
-        refreshPages();
     }
     showState();
 }

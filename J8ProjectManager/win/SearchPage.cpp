@@ -32,12 +32,13 @@ void SearchPage::createControls() {
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
     SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
     m_name = label("");
-    m_list.create(window(), m_look.firstId + kList, fonts(), fonts().text(), m_look.columns,
-                  [this](int row, int column) -> std::string {
-                      return row >= 0 && static_cast<size_t>(row) < m_rows.size()
-                                 ? cell(m_rows[static_cast<size_t>(row)], column)
-                                 : "";
-                  });
+    m_list.create(
+        window(), m_look.firstId + kList, fonts(), fonts().text(), m_look.columns,
+        [this](int row, int column) -> std::string {
+            // The list can be drawn before it is filled anew: fewer rows may be there by now.
+            const auto at = static_cast<size_t>(row);
+            return row >= 0 && at < m_rows.size() && m_rows[at] < rowCount() ? cell(m_rows[at], column) : "";
+        });
     if (m_look.detailsName) {
         m_detailsName = label(m_look.detailsName);
         m_details = makeReadOnlyText(window(), m_look.firstId + kDetails, fonts().text());

@@ -265,12 +265,66 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     folder.write("game.xml", "<Project><Level name='other'/></Project>");
     prompt.answers = {PromptAnswer::Yes};
     EXPECT_EQ(session.save(), ProjectSave::Failed);
-    EXPECT_THAT(session.problem(), HasSubstr("nothing was saved yet:\n\nlevel/harbour/doc\n"));
+    EXPECT_THAT(session.problem(), HasSubstr("project file as it is now:\n\nlevel/harbour/doc = third\n"));
+    EXPECT_EQ(get("level/harbour/doc"), "third") << "what finds no place is not lost";
     folder.write("game.xml", "<Project");
     ASSERT_TRUE(set("name", "x"));
     prompt.answers = {PromptAnswer::Yes};
     EXPECT_EQ(session.save(), ProjectSave::Failed);
     EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
+}
+
+TEST_F(ProjectSessionTest, WhatIsWrittenWhileAQuestionStandsIsAskedAbout) {
+    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
+    ASSERT_TRUE(set("name", "x"));
+    const std::string theirs = folder.read("game.xml") + "<!-- theirs -->";
+    prompt.whenAsked = [&] { folder.write("game.xml", theirs); };
+    prompt.answers = {PromptAnswer::Yes, PromptAnswer::Cancel};
+    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(folder.read("game.xml"), theirs);
+    EXPECT_THAT(prompt.asked.back().text, HasSubstr("changed by another program"));
+
+    prompt.whenAsked = nullptr;
+    session.asksAboutOthersChanges = false;
+    prompt.answers = {PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_THAT(prompt.asked.back().text, HasSubstr("the comment \"theirs\"")) << "taken over unasked";
+}
+
+TEST_F(ProjectSessionTest, PagesHearOfANewModelBeforeAnythingIsAsked) {
+    std::vector<size_t> asked;
+    session.modelReplaced = [&] { asked.push_back(prompt.asked.size()); };
+    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
+    ASSERT_TRUE(set("name", "x"));
+    folder.write("game.xml", folder.read("game.xml") + "\n");
+    prompt.answers = {PromptAnswer::Yes, PromptAnswer::No};
+    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_THAT(asked, ElementsAre(0, 1)) << "by open, and between the two questions";
+    EXPECT_EQ(get("name"), "x");
+}
+
+TEST_F(ProjectSessionTest, AFailedReloadLeavesEverything) {
+    ASSERT_TRUE(set("level/harbour/doc", "mine"));
+    const std::string before = all();
+    const struct {
+        const char* file;  // null: none
+        const char* why;
+    } rows[] = {{nullptr, "Can't read"}, {"<Project", "game.xml:1:"}, {"<Other/>", "game.xml: "}};
+    for (const auto& row : rows) {
+        std::filesystem::remove(folder.native("game.xml"));
+        if (row.file) {
+            folder.write("game.xml", row.file);
+        }
+        prompt.answers = {PromptAnswer::Yes};
+        EXPECT_FALSE(session.reload());
+        EXPECT_THAT(session.problem(), HasSubstr(row.why));
+        EXPECT_EQ(all(), before);
+        prompt.answers = {PromptAnswer::No};
+        EXPECT_FALSE(session.reload());
+        EXPECT_EQ(session.problem(), "") << "nothing failed: the user kept the changes";
+    }
+    EXPECT_TRUE(session.undo());
+    EXPECT_EQ(get("level/harbour/doc"), "by the sea");
 }
 
 TEST_F(ProjectSessionTest, CloseAndReloadAsk) {
@@ -336,9 +390,9 @@ TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
         }
         EXPECT_TRUE(now == old || now.find("name=\"x\"") != now.npos) << failing << "\n" << now;
         EXPECT_TRUE(saved == ProjectSave::Saved || !session.problem().empty()) << failing;
-        if (now == old) {
-            EXPECT_EQ(get("name"), "x") << "operation " << failing << " cost the edit";
-        }
+        EXPECT_EQ(get("name"), "x") << "operation " << failing << " cost the edit";
+        EXPECT_TRUE(session.undo());
+        EXPECT_EQ(get("name"), "Game") << failing;
         ASSERT_LT(failing, 200);
     }
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,8 @@ public:
     // To be filled before, in the order of the questions.
     std::deque<PromptAnswer> answers;
     std::deque<std::optional<std::string>> paths;
+    // What happens while a question stands.
+    std::function<void()> whenAsked;
     // What was asked, told and chosen, in order.
     std::vector<Asked> asked;
     std::vector<ChooserRequest> requests;
@@ -56,6 +59,9 @@ public:
     PromptAnswer ask(const std::string& text, const std::string& title, PromptButtons buttons,
                      PromptIcon icon) override {
         asked.push_back({text, title, buttons, icon});
+        if (whenAsked) {
+            whenAsked();
+        }
         if (buttons == PromptButtons::Ok) {
             return PromptAnswer::Ok;
         }

@@ -45,6 +45,7 @@ public:
     explicit OpenProject(const std::string& file) : m_session(m_model, userPrompt()) {
         debugLogFileName().clear();
         m_session.writesStepReport = false;
+        m_session.asksAboutOthersChanges = false;
         m_open = m_session.open(suitePath(file));
         if (!m_open) {
             complain(m_session.problem());

@@ -69,3 +69,22 @@ TEST(Streams, AFolderThatTakesNoFileNeedsTheUsersWord) {
 }
 
 }  // namespace
+
+// Each sets a value of its own in one project, at the same moment.
+TEST(TwoWriters, LoseNothingOfEachOther) {
+    ToolFolder folder;
+    const std::string set = "project set two.xml level/l/entity/", tool = "'" ZOKA_CLI "' ";
+    for (int round = 0; round < 12; ++round) {
+        folder.write("two.xml",
+                     "<Project name='n' date='1' vers='8.0303'><Paths proj_file='' j8_file=''/>"
+                     "<Level name='l' mapfile='m'><Entity name='a'/><Entity name='b'/></Level></Project>");
+        folder.write("ended", "");
+        EXPECT_EQ(folder.run(set + "a/parent=of_a", "",
+                             "(" + tool + set + "b/parent=of_b >>ended 2>&1; echo $? >>ended) &"),
+                  (ToolRun{0, "", ""}));
+        EXPECT_EQ(folder.run("project get two.xml level/l/entity/a/parent level/l/entity/b/parent", "",
+                             "while [ ! -s ended ]; do sleep 0.01; done;"),
+                  (ToolRun{0, "of_a\nof_b\n", ""}));
+        EXPECT_EQ(folder.read("ended"), "0\n");
+    }
+}
