@@ -80,7 +80,7 @@ TEST(TwoWriters, LoseNothingOfEachOther) {
                      "<Level name='l' mapfile='m'><Entity name='a'/><Entity name='b'/></Level></Project>");
         folder.write("ended", "");
         EXPECT_EQ(folder.run(set + "a/parent=of_a", "",
-                             "(" + tool + set + "b/parent=of_b >>ended 2>&1; echo $? >>ended) &"),
+                             "{ (" + tool + set + "b/parent=of_b >>ended 2>&1; echo $? >>ended) & } ;"),
                   (ToolRun{0, "", ""}));
         EXPECT_EQ(folder.run("project get two.xml level/l/entity/a/parent level/l/entity/b/parent", "",
                              "while [ ! -s ended ]; do sleep 0.01; done;"),
