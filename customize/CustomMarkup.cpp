@@ -18,6 +18,7 @@ namespace {
 // Of a keyword: a colon may stand with or without blanks.
 constexpr std::string_view kKeywordSeparators = " \t:";
 constexpr size_t kBytesPerEntry = 160;
+constexpr size_t kBytesBetweenLooks = 1 << 20;  // at whether reading is to stop
 constexpr size_t kEntriesForeseen = 32768;
 constexpr double kMostGrowth = 15;  // a text may begin with many entries and then have none
 constexpr double kMinimumDefault = -999999.0;
@@ -82,14 +83,21 @@ public:
     MarkupReader(std::string_view text, CustomScript& script)
         : m_script(script), m_text(text), m_lastQuote(m_text.rfind('"')), m_next(utf8MarkLength(text)) {}
 
-    void run() {
+    bool run(JobProgress* progress) {
         // Moving entries about while their number grows would cost more than reading them.
         m_script.entries.reserve(std::min<size_t>(m_text.size() / kBytesPerEntry, kEntriesForeseen));
         while (m_next < m_text.size() && !m_script.tooLarge) {
+            if (m_next >= m_nextLook) {
+                if (!mayContinue(progress, m_next, m_text.size(), m_script.scriptPath)) {
+                    return false;
+                }
+                m_nextLook = m_next + kBytesBetweenLooks;
+            }
             const size_t start = nextLine();
             readLine(start, m_text.substr(start, m_next - start));
         }
         drop("the script ends before it");
+        return true;
     }
 
 private:
@@ -447,7 +455,8 @@ private:
     CustomScript& m_script;
     std::string_view m_text;
     size_t m_lastQuote;
-    size_t m_next;        // where the next line begins
+    size_t m_next;  // where the next line begins
+    size_t m_nextLook = 0;
     int m_line = 0;       // the current line's number
     CustomEntry m_entry;  // under construction while its kind is one
     bool m_inAction = false;
@@ -458,8 +467,8 @@ private:
 
 }  // namespace
 
-void ParseCustomMarkup(std::string_view text, CustomScript& script) {
-    MarkupReader(text, script).run();
+bool ParseCustomMarkup(std::string_view text, CustomScript& script, JobProgress* progress) {
+    return MarkupReader(text, script).run(progress);
 }
 
 MarkupLine splitMarkupLine(std::string_view line) {

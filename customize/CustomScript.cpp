@@ -113,7 +113,8 @@ void MarkupFindings::sortByLine() {
                      [](const MarkupFinding& a, const MarkupFinding& b) { return a.line < b.line; });
 }
 
-bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why) {
+bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why,
+                      JobProgress* progress) {
     const std::string path = fileName.substr(0, kMaxScriptPath);
     if (path.empty()) {
         return false;
@@ -127,7 +128,12 @@ bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::st
     }
     CustomScript loaded;
     loaded.scriptPath = path;
-    parseCustomText(std::move(*text), loaded);
+    if (!parseCustomText(std::move(*text), loaded, progress)) {
+        if (why) {
+            *why = "the loading was stopped";
+        }
+        return false;
+    }
     if (loaded.tooLarge) {
         if (why) {
             *why = "it is too large to be customized: more than " + std::to_string(loaded.entries.size()) +
@@ -139,7 +145,7 @@ bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::st
     return true;
 }
 
-void parseCustomText(std::string fileText, CustomScript& script) {
+bool parseCustomText(std::string fileText, CustomScript& script, JobProgress* progress) {
     script.text = std::move(fileText);
     script.fileLength = script.text.size();
     script.set = textSetOf(script.text);
@@ -151,8 +157,9 @@ void parseCustomText(std::string fileText, CustomScript& script) {
     script.findings = {};
     script.tooLarge = false;
     checkEncoding(script);
-    ParseCustomMarkup(script.text, script);
+    const bool whole = ParseCustomMarkup(script.text, script, progress);
     checkCustomEntries(script);
+    return whole;
 }
 
 void checkCustomValue(CustomScript& script, const CustomEntry& entry) {

@@ -12,6 +12,7 @@
 #include "controls/EntryFacts.h"
 #include "customize/CustomKeywords.h"
 #include "customize/MarkupFindings.h"
+#include "util/JobProgress.h"
 
 namespace zoka {
 
@@ -68,10 +69,12 @@ inline constexpr size_t kMaxScriptPath = 259;
 
 // Reads and parses the script. False, with `script` as it was, when the name is empty, the file can't be read or
 // is 2 GiB or larger, or has so many entries that they don't fit into the memory that an editor of 32 bits can
-// spare (see kMostEntryBytes); no message. `why` (may be null) gets the reason.
-bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why = nullptr);
-// The same of a text at hand, which is what the file holds.
-void parseCustomText(std::string fileText, CustomScript& script);
+// spare (see kMostEntryBytes), or when `progress` (may be null) stopped it; no message. `why` (may be null) gets
+// the reason.
+bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why = nullptr,
+                      JobProgress* progress = nullptr);
+// The same of a text at hand, which is what the file holds. False when it was stopped.
+bool parseCustomText(std::string fileText, CustomScript& script, JobProgress* progress = nullptr);
 
 // Findings that need the whole list: an id used twice, values outside their limits, lists without the current
 // value. Part of loading.

@@ -18,20 +18,36 @@ constexpr int kMostHostNames = 10000;  // a host that never ends its list doesn'
 
 }  // namespace
 
-CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view)
-    : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView) {}
+CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view,
+                                   JobProgress* loading)
+    : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView), m_loading(loading) {}
 
 bool CustomizeSession::open(const std::string& fileName) {
-    if (!load(fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName)) {
+    const auto mayGoOn = [&] { return mayContinue(m_loading, 0, 1, fileName); };
+    const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
+    ScriptRows loaded;
+    if (!mayGoOn() || !read(path, loaded, m_loading)) {
         return false;
     }
+    const HostNames names = hostNames(loaded.script, m_loading);
+    if (!mayGoOn()) {
+        return false;
+    }
+    loaded.makeRows(names);
+    if (!mayGoOn()) {
+        return false;
+    }
+    m_panel = std::move(loaded);
     // A list of scripts may be older than the project that is open by now.
     const bool offered = std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end();
     m_project = offered ? m_offeredProject : m_host.GetProjectFolder();
-    lookAtProject();
+    m_otherProject = false;
+    if (offered) {
+        lookAtProject();
+    }
     m_unplaced.clear();
     filter.unfoldAll();
-    show();
+    rowsMade(false);
     return true;
 }
 
@@ -57,22 +73,29 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
     return opened;
 }
 
-bool CustomizeSession::load(const std::string& fileName) {
-    ScriptRows loaded;
+bool CustomizeSession::read(const std::string& fileName, ScriptRows& panel, JobProgress* progress) {
     std::string why;
-    if (!LoadCustomScript(fileName, loaded.script, &why)) {
+    if (!LoadCustomScript(fileName, panel.script, &why, progress)) {
         m_problem = fileName.empty() ? "There is no script." : "Can't read '" + fileName + "': " + why;
         return false;
     }
-    m_panel = std::move(loaded);
     m_problem.clear();
     checkPictures(m_panel.script, [this](const std::string& name) { return picturePath(name); });
     return true;
 }
 
+bool CustomizeSession::load(const std::string& fileName) {
+    ScriptRows loaded;
+    if (!read(fileName, loaded)) {
+        return false;
+    }
+    m_panel = std::move(loaded);
+    return true;
+}
+
 // Makes the rows of a script just loaded.
 void CustomizeSession::show() {
-    m_panel.makeRows(hostNames());
+    m_panel.makeRows(hostNames(m_panel.script));
     rowsMade(false);
 }
 
@@ -81,15 +104,15 @@ void CustomizeSession::rowsMade(bool keepHistory) {
     showRows(m_panel.rows(), keepHistory);
 }
 
-HostNames CustomizeSession::hostNames() {
-    const std::vector<CustomEntry>& entries = m_panel.script.entries;
+HostNames CustomizeSession::hostNames(const CustomScript& script, JobProgress* progress) {
+    const std::vector<CustomEntry>& entries = script.entries;
     if (std::none_of(entries.begin(), entries.end(),
                      [](const CustomEntry& e) { return e.kind == kEntryEntity || e.kind == kEntryPath; })) {
         return nullptr;
     }
     std::vector<std::string> names;
     std::unordered_set<std::string> seen;
-    for (int i = 0; i < kMostHostNames; ++i) {
+    for (int i = 0; i < kMostHostNames && mayContinue(progress, 0, 1, script.scriptPath); ++i) {
         const auto name = m_host.GetListItemName(i);
         if (!name) {
             break;
@@ -269,7 +292,7 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
         return;
     }
     // The user has been told; the values are still at hand.
-    m_panel.makeRows(hostNames());
+    m_panel.makeRows(hostNames(m_panel.script));
     m_unplaced = carryValues(values, m_panel);
 }
 

@@ -35,10 +35,12 @@ enum class SaveResult {
 // One panel's script. Host, prompt and view must outlive it. [panel thread]
 class CustomizeSession : public RowEditing {
 public:
-    CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view = nullptr);
+    // `loading` (may be null) can stop each opening of a script between its steps; it outlives the object.
+    CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view = nullptr,
+                     JobProgress* loading = nullptr);
 
     // Loads a script; without a name the level's main script. False, with the rows as they were, when there
-    // is none or it can't be read; no message.
+    // is none, it can't be read or the loading was stopped; no message.
     bool open(const std::string& fileName = {});
     // The same from the panel, for another script: asks about changes first, as closing does, and tells why it
     // can't be read.
@@ -88,6 +90,7 @@ public:
 
 private:
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
+    bool read(const std::string& fileName, ScriptRows& panel, JobProgress* progress = nullptr);
     bool load(const std::string& fileName);
     void show();
     void rowsMade(bool keepHistory);
@@ -109,12 +112,13 @@ private:
     void carryFromMemory(const std::vector<KeptValue>& values);
     void carryFromValueFile(const std::vector<KeptValue>& values);
     void keepUnplaced();
-    HostNames hostNames();
+    HostNames hostNames(const CustomScript& script, JobProgress* progress = nullptr);
 
     ZunEditorInterface& m_host;
     UserPrompt& m_prompt;
     CustomizeView* m_view;
     CustomizeView m_noView;
+    JobProgress* m_loading;
     ScriptRows m_panel;
     std::string m_project;  // the open one when the script was loaded; empty: none
     bool m_otherProject = false;

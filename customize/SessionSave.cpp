@@ -239,13 +239,13 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     // The script becomes what the file holds now: the spans of the next save are right.
     if (kept) {
         applyEdits(m_panel.script, edits, std::move(text));
-        m_panel.settleRows(hostNames());
+        m_panel.settleRows(hostNames(m_panel.script));
         rowsMade(true);
     } else {
         saved.script.scriptPath = path;
         const bool keepHistory = sameRows(m_panel.script, saved.script);
         m_panel = std::move(saved);
-        m_panel.makeRows(hostNames());
+        m_panel.makeRows(hostNames(m_panel.script));
         rowsMade(keepHistory);
     }
     return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.error);

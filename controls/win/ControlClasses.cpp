@@ -2,10 +2,13 @@
 
 #include <commctrl.h>
 
+#include <utility>
+
 #include "controls/win/EntryPanel.h"
 #include "controls/win/EntryWindow.h"
 #include "controls/win/NumberEdit.h"
 #include "controls/win/SliderField.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 namespace {
@@ -24,21 +27,33 @@ void registerPlain(const char* name, WNDPROC procedure) {
     RegisterClassExA(&made);
 }
 
-// The system's controls load what they need at their first use, and some of it when the first one is
-// destroyed. A panel closed while its library is unmapped could not load anything, so one of each is made and
-// destroyed here, unseen.
+// The system's controls load what they need at their first use: when the first one is made, painted, or destroyed.
+// A panel that is opened or closed while its library is unmapped could not load anything, so one of each is made,
+// painted and destroyed here, unseen.
 void rehearse() {
     const HWND parent =
         CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 90, 90, nullptr, nullptr, g_instance, nullptr);
-    if (!parent) {
-        return;
+    const HDC screen = GetDC(nullptr), canvas = CreateCompatibleDC(screen);
+    const std::pair<const char*, DWORD> kinds[] = {
+        {"EDIT", WS_BORDER}, {"BUTTON", BS_PUSHBUTTON},      {"BUTTON", BS_AUTOCHECKBOX},
+        {"STATIC", SS_LEFT}, {"COMBOBOX", CBS_DROPDOWNLIST}, {TRACKBAR_CLASSA, 0},
+        {UPDOWN_CLASSA, 0},  {TOOLTIPS_CLASSA, 0},
+    };
+    for (const auto& [name, style] : kinds) {
+        const HWND control = parent ? CreateWindowExA(0, name, "a", WS_CHILD | WS_VISIBLE | style, 0, 0, 40,
+                                                      20, parent, nullptr, g_instance, nullptr)
+                                    : nullptr;
+        if (control) {
+            SendMessageA(control, WM_PAINT, reinterpret_cast<WPARAM>(canvas), 0);
+            SendMessageA(control, WM_PRINT, reinterpret_cast<WPARAM>(canvas),
+                         PRF_CLIENT | PRF_NONCLIENT | PRF_ERASEBKGND);
+        }
     }
-    for (const char* name : {"EDIT", "BUTTON", "STATIC", "COMBOBOX", TRACKBAR_CLASSA, UPDOWN_CLASSA}) {
-        CreateWindowExA(0, name, "", WS_CHILD | WS_VISIBLE, 0, 0, 40, 20, parent, nullptr, g_instance,
-                        nullptr);
+    DeleteDC(canvas);
+    ReleaseDC(nullptr, screen);
+    if (parent) {
+        DestroyWindow(parent);
     }
-    CreateWindowExA(0, TOOLTIPS_CLASSA, "", WS_POPUP, 0, 0, 0, 0, parent, nullptr, g_instance, nullptr);
-    DestroyWindow(parent);
 }
 
 }  // namespace
@@ -47,8 +62,7 @@ ControlClasses::ControlClasses() {
     if (g_users++ > 0) {
         return;
     }
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCSTR>(&g_users), &g_instance);
+    g_instance = ownModule();
     registerNumberEdits(g_instance);
     registerPlain(kSliderClass, sliderFieldProc);
     registerPlain(kEntryClass, EntryWindow::windowProc);

@@ -333,6 +333,9 @@ void EntryPanel::placeRows() {
     const int width = rowsWidth();
     HWND after = HWND_TOP;
     for (const size_t i : wanted) {
+        if (m_host.leaving()) {
+            break;
+        }
         PanelRect at = m_layout.rectOfRow(i, width);
         at.y = std::clamp(at.y - m_top, -30000, 30000);
         const int label = labelWidth(at.width);

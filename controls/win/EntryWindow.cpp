@@ -101,6 +101,9 @@ HWND EntryWindow::child(HWND control) {
 
 HWND EntryWindow::make(const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                        HFONT font, const PanelRect& at) {
+    if (m_panel.host().leaving()) {
+        return nullptr;
+    }
     const HWND made = CreateWindowExA(
         exStyle, className, text, WS_CHILD | WS_VISIBLE | style, at.x, at.y, at.width, at.height, m_window,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), nullptr);

@@ -19,6 +19,9 @@ public:
     virtual void filterDropped() = 0;
     // A key pressed with Ctrl in a field; true when it was one of the panel's own.
     virtual bool shortcut(WPARAM key) = 0;
+    // The window is to go at once: no more controls may be made, for their making can wait for the loader's lock,
+    // which whoever unmaps the library holds.
+    virtual bool leaving() const { return false; }
 };
 
 }  // namespace zoka

@@ -9,6 +9,7 @@
 
 #include "controls/win/RowsView.h"
 #include "ui/win/DialogShell.h"
+#include "util/JobProgress.h"
 
 namespace zoka {
 
@@ -48,6 +49,8 @@ public:
         std::vector<RowsButton> buttons = {};  // from the left; Close is added
         const char* chooserLabel = nullptr;    // with its '&'; null: there is no chooser
         bool statusLine = false;
+        JobProgress* loading =
+            nullptr;  // stops the loading, and the making of rows; may be null, outlives the object
     };
     explicit RowsDialog(Look look);
     // Makes the modeless window from the dialog resource `number`, not shown yet; null on failure. On WM_CLOSE
@@ -98,6 +101,7 @@ protected:
 
     void rowsChanged() override { showState(); }
     bool takesNoCommands() const override { return m_busy; }
+    bool leaving() const override { return !mayContinue(m_look.loading, 0, 1, {}); }
 
 private:
     void createControls() override;

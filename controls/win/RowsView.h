@@ -31,6 +31,8 @@ public:
     virtual void rowsChanged() {}
     // While a question of the window is open, its rows have no menu.
     virtual bool takesNoCommands() const { return false; }
+    // The window is to go at once: see RowHost.
+    virtual bool leaving() const { return false; }
     // Further items of a row's menu, behind those that all panels have, and what they do.
     virtual std::vector<RowMenuItem> rowMenuItems(size_t) { return {}; }
     virtual void rowMenuChosen(size_t /*row*/, int /*id*/) {}
@@ -87,6 +89,7 @@ private:
     void rowMenu(size_t row, HWND field, POINT at) override;
     void filterDropped() override;
     bool shortcut(WPARAM key) override;
+    bool leaving() const override { return m_owner.leaving(); }
     std::vector<RowMenuItem> menuItems(size_t row, HWND field);
     void menuChosen(size_t row, HWND field, int id);
     void filterChanged();

@@ -41,7 +41,8 @@ BehaviorDialog::BehaviorDialog(const Setup& setup)
                   .icon = setup.icon,
                   .firstId = kFirstControl,
                   .buttons = buttonsOf(setup),
-                  .statusLine = true}),
+                  .statusLine = true,
+                  .loading = setup.loading}),
       m_session(setup.entities, setup.editor, componentsOf(setup.project),
                 setup.project ? setup.project->entity : "") {}
 

@@ -27,6 +27,7 @@ public:
         HINSTANCE module;  // holds the dialog's resource and the icon
         int icon;
         std::optional<BehaviorProject> project = {};  // nothing: the plain form
+        JobProgress* loading = nullptr;               // as of RowsDialog
     };
     explicit BehaviorDialog(const Setup& setup);
 

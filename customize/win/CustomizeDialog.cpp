@@ -28,12 +28,16 @@ CustomizeDialog::CustomizeDialog(Setup setup)
                               {kSave, "&Save", kNarrow},
                               {kRestore, "&Restore", kNarrow},
                               {kUpdate, "&Update", kNarrow}},
-                  .chooserLabel = "S&cript:"}),
+                  .chooserLabel = "S&cript:",
+                  .loading = setup.loading}),
       m_setup(std::move(setup)),
-      m_session(m_setup.editor, userPrompt(), this) {}
+      m_session(m_setup.editor, userPrompt(), this, m_setup.loading) {}
 
 void CustomizeDialog::fillRows() {
     listScripts();  // they take room that the rows don't get
+    if (leaving()) {
+        return;
+    }
     if (!m_session.open(m_setup.scriptPath)) {
         view().rowsReplaced();
     }

@@ -22,6 +22,7 @@ public:
         std::function<std::vector<std::string>()> choices;
         HINSTANCE module;  // holds the dialog's resource and the icon
         int icon;
+        JobProgress* loading = nullptr;  // can stop the opening of scripts; may be null, outlives the object
     };
     explicit CustomizeDialog(Setup setup);
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "plugin/host/HostCall.h"
+
 namespace zoka {
 namespace {
 
@@ -52,6 +54,7 @@ public:
     bool followsSelection() const override { return !m_single; }
 
     std::vector<std::string> selected() override {
+        const HostCall underWay;
         if (m_single) {
             return {*m_single};
         }
@@ -68,12 +71,14 @@ public:
     }
 
     std::optional<std::uint32_t> changes() override {
+        const HostCall underWay;
         std::uint32_t count = 0;
         const bool done = countsChanges(m_host) && m_host.getChangeCount(&m_host, &count);
         return done ? std::optional(count) : std::nullopt;
     }
 
     std::optional<ActionPlace> action(const std::string& entity) override {
+        const HostCall underWay;
         std::array<char, kHostPathSize> path{};
         ActionPlace place;
         const bool done = m_single
@@ -86,6 +91,7 @@ public:
     }
 
     std::optional<float> skill(const std::string& entity, int number) override {
+        const HostCall underWay;
         float value = 0;
         const bool done = m_single ? isOurs(entity) && m_host.getSkill(&m_host, number, &value)
                                    : m_host.getSkillOf(&m_host, entity.c_str(), number, &value) != 0;
@@ -93,12 +99,14 @@ public:
     }
 
     bool setSkill(const std::string& entity, int number, float value) override {
+        const HostCall underWay;
         return std::isfinite(value) &&
                (m_single ? isOurs(entity) && m_host.setSkill(&m_host, number, value)
                          : m_host.setSkillOf(&m_host, entity.c_str(), number, value) != 0);
     }
 
     std::optional<bool> flag(const std::string& entity, int number) override {
+        const HostCall underWay;
         std::int32_t value = 0;
         const bool done = m_single ? isOurs(entity) && m_host.getFlag(&m_host, number, &value)
                                    : m_host.getFlagOf(&m_host, entity.c_str(), number, &value) != 0;
@@ -106,6 +114,7 @@ public:
     }
 
     bool setFlag(const std::string& entity, int number, bool on) override {
+        const HostCall underWay;
         return m_single ? isOurs(entity) && m_host.setFlag(&m_host, number, on ? 1 : 0)
                         : m_host.setFlagOf(&m_host, entity.c_str(), number, on ? 1 : 0) != 0;
     }

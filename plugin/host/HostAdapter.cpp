@@ -5,6 +5,8 @@
 #include <cstring>
 #include <vector>
 
+#include "plugin/host/HostCall.h"
+
 namespace zoka {
 namespace {
 
@@ -54,6 +56,7 @@ Result HostAdapter::call(HostSlot slot, Args... args) {
 #pragma GCC diagnostic ignored "-Wattributes"
     using Operation = Result(ZOKA_HOST_MEMBER*)(void* self, Args...);
 #pragma GCC diagnostic pop
+    const HostCall underWay;
     void* const* const table = *static_cast<void* const* const*>(m_editor);
     return reinterpret_cast<Operation>(table[slot])(m_editor, args...);
 }

@@ -29,7 +29,8 @@ HINSTANCE g_module = nullptr;
 class CustomizeWindow : public PanelWindow {
 public:
     explicit CustomizeWindow(ZunEditorInterface& editor)
-        : m_dialog({editor, {}, [&editor] { return pathsOfIncludedScripts(editor); }, g_module, IDI_ZOKA}) {}
+        : m_dialog(
+              {editor, {}, [&editor] { return pathsOfIncludedScripts(editor); }, g_module, IDI_ZOKA, this}) {}
 
     HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
     void load() override { m_dialog.load(); }
@@ -44,7 +45,7 @@ public:
     BehaviorWindow(ZunEditorInterface& editor, const HostContext* context,
                    std::optional<BehaviorProject> project)
         : m_entities(makeEntityAccess(context)),
-          m_dialog({m_entities.get(), editor, g_module, IDI_ZOKA, std::move(project)}) {}
+          m_dialog({m_entities.get(), editor, g_module, IDI_ZOKA, std::move(project), this}) {}
 
     HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
     void load() override { m_dialog.load(); }

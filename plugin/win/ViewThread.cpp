@@ -3,7 +3,9 @@
 #include <commctrl.h>
 
 #include <initializer_list>
+#include <optional>
 
+#include "plugin/host/HostCall.h"
 #include "plugin/win/ThreadRuntime.h"
 #include "util/Doors.h"
 
@@ -15,8 +17,11 @@ constexpr UINT kLoadMessage = WM_APP + 100;
 constexpr UINT_PTR kCloseTimer = 0x5a01;
 constexpr UINT kCloseRetryMs = 15;
 constexpr DWORD kUnloadPollMs = 20;
-// A panel that needs the loader's lock just when the library is unmapped can never close; see leaveForUnload.
+// How long an unload waits for a panel: for one that still moves, for one that stands still in a call to the host, for
+// one that stands still elsewhere. See leaveForUnload.
 constexpr DWORD kUnloadPatienceMs = 10000;
+constexpr DWORD kHostPatienceMs = 4000;
+constexpr DWORD kStuckMs = 1500;
 
 // Waits for one of the handles and meanwhile answers messages that other threads send to this one. False when
 // the time is over.
@@ -36,25 +41,37 @@ bool waitAnswering(std::initializer_list<HANDLE> handles, DWORD timeoutMs) {
     }
 }
 
-// True when the thread's next instruction lies outside this module.
-bool outsideModule(HANDLE thread) {
-    const auto base = reinterpret_cast<std::uintptr_t>(moduleInstance());
-    const auto& dos = *reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto& headers =
-        *reinterpret_cast<const IMAGE_NT_HEADERS*>(base + static_cast<std::uintptr_t>(dos.e_lfanew));
+// Where a thread stands at this moment: its next instruction and its stack.
+struct Standing {
+    std::uintptr_t code = 0, stack = 0;
+    bool operator==(const Standing&) const = default;
+};
+
+// Nothing for a thread that has ended.
+std::optional<Standing> standing(HANDLE thread) {
     if (SuspendThread(thread) == static_cast<DWORD>(-1)) {
-        return true;  // it has ended
+        return std::nullopt;
     }
     CONTEXT context{};
     context.ContextFlags = CONTEXT_CONTROL;
     const bool known = GetThreadContext(thread, &context) != 0;
     ResumeThread(thread);
 #ifdef _WIN64
-    const std::uintptr_t at = context.Rip;
+    const Standing at{context.Rip, context.Rsp};
 #else
-    const std::uintptr_t at = context.Eip;
+    const Standing at{context.Eip, context.Esp};
 #endif
-    return known && at - base >= headers.OptionalHeader.SizeOfImage;
+    return known ? std::optional(at) : std::optional(Standing{});
+}
+
+// True when the thread's next instruction lies outside this module.
+bool outsideModule(HANDLE thread) {
+    const auto base = reinterpret_cast<std::uintptr_t>(moduleInstance());
+    const auto& dos = *reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto& headers =
+        *reinterpret_cast<const IMAGE_NT_HEADERS*>(base + static_cast<std::uintptr_t>(dos.e_lfanew));
+    const auto at = standing(thread);
+    return !at || (at->code != 0 && at->code - base >= headers.OptionalHeader.SizeOfImage);
 }
 
 // The innermost open dialog of the panel's thread, besides the panel.
@@ -129,6 +146,7 @@ void CViewThread::requestClose() {
     // So one of the two sees the other's, whichever comes first.
     m_closeRequested.store(true);
     m_closing.store(true);
+    m_panel.leave();
     if (const HWND window = m_window.load()) {
         PostMessageA(window, WM_CLOSE, 0, 0);
     }
@@ -162,14 +180,24 @@ void CViewThread::waitUntilGone() {
 
 void CViewThread::leaveForUnload() {
     const DWORD start = GetTickCount();
+    DWORD moved = start;
+    Standing last;
     while (!ended() && !m_left.load()) {
         // Asked again and again: what the panel shows of its own, a question say, has
         // nobody left to answer it.
         requestClose();
         waitAnswering({m_gone, m_thread}, kUnloadPollMs);
-        if (GetTickCount() - start > kUnloadPatienceMs) {
-            // The panel is in an operation that needs the loader's lock, which this thread holds: neither
-            // could ever go on. Ending the thread is the lesser evil, against a process that hangs for good.
+        const DWORD now = GetTickCount();
+        const Standing at = standing(m_thread).value_or(Standing{});
+        if (at != last) {
+            last = at;
+            moved = now;
+        }
+        const DWORD patience = zoka::HostCall::anyUnderWay() ? kHostPatienceMs : kStuckMs;
+        if (now - start > kUnloadPatienceMs || now - moved > patience) {
+            // The panel is in an operation that needs the loader's lock, which this thread holds (the system's
+            // making of a control and the end of a chooser may), or in a host that never answers: neither could ever go on. Ending the
+            // thread is the lesser evil, against a process that hangs for good.
             TerminateThread(m_thread, 1);
             WaitForSingleObject(m_thread, 1000);
             break;

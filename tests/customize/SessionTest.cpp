@@ -1,4 +1,5 @@
 #include "tests/customize/SessionFixture.h"
+#include "util/JobProgress.h"
 
 using namespace zoka;
 using namespace zoka::test;
@@ -23,6 +24,30 @@ TEST_F(Session, OpensTheMainScriptWithoutAName) {
     ASSERT_TRUE(who.hostNames);
     EXPECT_THAT(*who.hostNames, ElementsAre("me", "lamp_1", "lamp_2"));
     EXPECT_THAT(prompt.texts(), IsEmpty());
+}
+
+// A panel that is to leave stops at any step, with what it showed before.
+TEST_F(Session, OpeningCanBeStoppedAtEachStep) {
+    struct Stop : JobProgress {
+        int left = 100;
+        bool step(size_t, size_t, const std::string&) override { return left-- > 0; }
+    };
+    Stop stop;
+    CustomizeSession panel(host, prompt, &view, &stop);
+    ASSERT_TRUE(panel.open(project.write("a.kez", "// entry: A\nvar a = 1;\n")));
+    std::string large = kOld;  // of more than one step
+    large.append(3 << 20, '\n');
+    const std::string path = project.write("s.kez", large);
+    int steps = 0;
+    for (bool opened = false; !opened && steps < 100; ++steps) {
+        stop.left = steps;
+        opened = panel.open(path);
+        EXPECT_EQ(panel.script().scriptPath, opened ? path : project.path("a.kez"));
+        EXPECT_EQ(panel.size(), opened ? 7u : 1u);
+        EXPECT_EQ(panel.row(panel.size() - 1).value(), opened ? "me" : "1");
+    }
+    EXPECT_GE(steps, 10);
+    EXPECT_LT(steps, 100);
 }
 
 TEST_F(Session, CloseAsksAboutChangesAndStaysOpenWhenTheyCannotBeSaved) {

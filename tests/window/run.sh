@@ -10,6 +10,7 @@
 #   #: options TEXT  further options of zunhost
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
 #   #: wizard N      there is a wizard "Many files", which copies N files
+#   #: script N      the project's main script has that many values to customize
 #   #: parts N       runs N times, each a test of its own (NAME-1 and so on), because all of it would take too long for
 #                    one; ${PART} is the part's number
 #   #: parts-long N  the same where ZOKA_LONG=1 is set or the test is named; otherwise there is one part
@@ -86,6 +87,13 @@ large_wizard() { # files, templates folder
     } >"$2/wizards/many.xml"
 }
 
+# A script of that many values.
+large_script() { # values
+    awk -v values="$1" 'BEGIN {
+        for (i = 1; i <= values; i++) printf "// entry: Value %d\r\n// id: %d\r\nvar v%d = %d;\r\n", i, i, i, i
+    }'
+}
+
 # Runs one script; its output is in output.txt.
 drive() { # script, folder, part
     local project suite options try status=1
@@ -124,6 +132,8 @@ run_test() { # script[@part]
         [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
         large=$(directives "$script" wizard)
         [ -z "$large" ] || large_wizard "$large" "$folder/suite/templates"
+        large=$(directives "$script" script)
+        [ -z "$large" ] || large_script "$large" >"$folder/project/main.kez"
         drive "$script" "$folder" "${part#@}"
         status=$?
         wanted=$(directives "$script" status)

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstring>
 
+extern "C" const IMAGE_DOS_HEADER __ImageBase;  // the linker's: where this module begins
+
 namespace zoka {
 
 namespace {
@@ -166,12 +168,10 @@ BOOL CALLBACK giveNewFont(HWND control, LPARAM data) {
 
 }  // namespace
 
+// Not asked from the system, which needs the loader's lock to answer: a panel that is being opened while its library
+// is unmapped would wait for it in vain.
 HINSTANCE ownModule() {
-    static const char kHere = 0;
-    HMODULE module = nullptr;
-    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       &kHere, &module);
-    return module;
+    return reinterpret_cast<HINSTANCE>(const_cast<IMAGE_DOS_HEADER*>(&__ImageBase));
 }
 
 WindowFonts::WindowFonts() {

@@ -18,6 +18,17 @@ void finish(DriveContext& drive, const Words&) {
     drive.awaitJob();
 }
 
+void within(DriveContext& drive, const Words& words) {
+    const auto most = static_cast<ULONGLONG>(driveNumber(words[0]));
+    const ULONGLONG start = GetTickCount64();
+    drive.carryOut(Words(words.begin() + 1, words.end()));
+    const ULONGLONG took = GetTickCount64() - start;
+    std::printf("%s took %llu ms\n", words[1].c_str(), took);
+    if (took > most) {
+        throw DriveFault("it took " + std::to_string(took) + " ms");
+    }
+}
+
 void open(DriveContext& drive, const Words& words) {
     drive.onEditor([&drive, folder = words[0]] {
         std::string error;
@@ -234,11 +245,16 @@ void hostFault(DriveContext& drive, const Words& words) {
     drive.editor.hostTable().setFault(fault);
 }
 
+void hostDelay(DriveContext& drive, const Words& words) {
+    drive.editor.hostTable().setDelay(static_cast<unsigned>(driveNumber(words[0])));
+}
+
 }  // namespace
 
 void addEditorCommands(DriveCommands& table) {
     table["start"] = {1, 9, start};
     table["finish"] = {0, 0, finish};
+    table["within"] = {2, 9, within};
     table["open"] = {1, 1, open};
     table["load"] = {1, 1, load};
     table["load-plugin"] = {1, 1, loadPlugin};
@@ -261,6 +277,7 @@ void addEditorCommands(DriveCommands& table) {
     table["free-library"] = {0, 0, freeLibrary};
     table["editor-interface"] = {1, 1, editorInterface};
     table["host"] = {1, 1, hostFault};
+    table["host-delay"] = {1, 1, hostDelay};
 }
 
 }  // namespace zoka

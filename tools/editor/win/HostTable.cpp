@@ -207,6 +207,7 @@ void HostTable::setEditorPresent(bool present) {
 
 std::int32_t HostTable::answerText(const std::string& call, char* buffer, std::int32_t size, bool have,
                                    const std::string& text) {
+    Sleep(m_delay);
     const auto room = static_cast<size_t>(size > 0 ? size : 0);
     if (!buffer || room == 0 || m_fault == HostFault::Fail) {
         return answerWord(call, false);

@@ -36,6 +36,8 @@ public:
     void setEditorPresent(bool present);
     void setFault(HostFault fault) { m_fault = fault; }
     HostFault fault() const { return m_fault; }
+    // How long each answer about the project takes, as of an editor that is busy.
+    void setDelay(unsigned ms) { m_delay = ms; }
 
 private:
     // What the plug-in holds a pointer to. The first word is the table.
@@ -54,6 +56,7 @@ private:
     ZunEditorInterface& m_behind;
     CallLog& m_log;
     std::atomic<HostFault> m_fault{HostFault::None};
+    std::atomic<unsigned> m_delay{0};
     RawEditor m_editor;
     AppInterface m_application{};
 };
