@@ -83,10 +83,11 @@ check lineends $here/lineends.sh
 check format $here/format.sh
 check checks tests/check/run.sh
 
-linux= asan= windows=
+linux= asan= tsan= windows=
 build linux && linux=built
 [ -z "$linux" ] || check names $here/names.sh
 build linux-asan && asan=built
+build linux-tsan && tsan=built
 if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
     echo "the Windows half is left out, because ZOKA_NO_WINE=1 is set"
     [ -z "$linux" ] || check sources $here/sources.sh build/linux
@@ -103,6 +104,7 @@ elif build windows; then
 fi
 [ -z "$linux" ] || run_ctest linux
 [ -z "$asan" ] || run_ctest linux-asan
+[ -z "$tsan" ] || run_ctest linux-tsan
 if [ -n "$windows" ]; then
     run_ctest windows tools/run/display.sh
     end_window_tests
