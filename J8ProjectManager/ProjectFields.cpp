@@ -1,5 +1,6 @@
 #include "J8ProjectManager/ProjectFields.h"
 
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <utility>
@@ -173,14 +174,17 @@ auto* skillOf(Entity& entity, int num) {
     return static_cast<decltype(entity.skills.data())>(nullptr);
 }
 
+// A component may stand there several times, and all edits count; of one property's the first.
 template <class Entity>
-auto* componentOf(Entity& entity, const std::string& name) {
+auto editOf(Entity& entity, const ProjectField& field) {
     for (auto& component : entity.components) {
-        if (component.name == name) {
-            return &component;
+        for (size_t i = 0; component.name == field.component && i < component.edits.size(); ++i) {
+            if (component.edits[i].name == field.name) {
+                return std::pair(&component, i);
+            }
         }
     }
-    return static_cast<decltype(entity.components.data())>(nullptr);
+    return std::pair(static_cast<decltype(entity.components.data())>(nullptr), size_t{0});
 }
 
 void setSkill(J8LevelEntity& entity, int num, const std::optional<std::string>& value) {
@@ -195,27 +199,18 @@ void setSkill(J8LevelEntity& entity, int num, const std::optional<std::string>& 
 }
 
 void setEdit(J8LevelEntity& entity, const ProjectField& field, const std::optional<std::string>& value) {
-    J8EntityComponent* component = componentOf(entity, field.component);
-    if (!component) {
-        if (!value) {
-            return;
-        }
-        component = &entity.components.emplace_back();
-        component->name = field.component;
-    }
-    std::vector<J8Edit>& edits = component->edits;
-    for (size_t i = 0; i < edits.size(); ++i) {
-        if (edits[i].name == field.name) {
-            if (value) {
-                edits[i].value = *value;
-            } else {
-                edits.erase(edits.begin() + static_cast<std::ptrdiff_t>(i));
-            }
-            return;
-        }
-    }
-    if (value) {
-        edits.push_back({field.name, *value});
+    const auto [found, place] = editOf(entity, field);
+    if (found && value) {
+        found->edits[place].value = *value;
+    } else if (found) {
+        found->edits.erase(found->edits.begin() + static_cast<std::ptrdiff_t>(place));
+    } else if (value) {
+        const auto component =
+            std::ranges::find(entity.components, field.component, &J8EntityComponent::name);
+        J8EntityComponent& to =
+            component != entity.components.end() ? *component : entity.components.emplace_back();
+        to.name = field.component;
+        to.edits.push_back({field.name, *value});
     }
 }
 
@@ -256,14 +251,8 @@ std::optional<std::string> fieldValue(const CJ8ProjectManager& project, const Pr
         const J8EntitySkill* const skill = skillOf(entity, field.num);
         return skill ? skill->value : std::nullopt;
     }
-    if (const J8EntityComponent* const component = componentOf(entity, field.component)) {
-        for (const J8Edit& edit : component->edits) {
-            if (edit.name == field.name) {
-                return edit.value;
-            }
-        }
-    }
-    return std::nullopt;
+    const auto [component, place] = editOf(entity, field);
+    return component ? std::optional(component->edits[place].value) : std::nullopt;
 }
 
 bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,

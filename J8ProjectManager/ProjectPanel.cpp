@@ -190,10 +190,15 @@ std::optional<std::string> ProjectPanel::browse(size_t i) {
     const std::string project = m_texts.shown(roots.project()), data = m_texts.shown(roots.data());
     const bool inProject = startsWithoutCase(*chosen, project);
     const bool inData = !inProject && startsWithoutCase(*chosen, data);
+    if (kind == Kind::LevelMap && !inProject) {
+        userPrompt().tell("A level's map must be in the project folder (" + project +
+                          "): the project file has no place for another one.");
+        return std::nullopt;
+    }
     const std::string rest = inProject ? chosen->substr(project.size())
                              : inData  ? chosen->substr(data.size())
                                        : *chosen;
-    if (kind != Kind::Section) {
+    if (kind == Kind::LevelMap) {
         return rest;
     }
     return (inProject ? "proj:" : inData ? "j8:" : "file:") + rest;
@@ -201,9 +206,11 @@ std::optional<std::string> ProjectPanel::browse(size_t i) {
 
 bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
     ProjectRow& row = m_source[i];
-    const std::string stored = row.stored(m_texts.stored(value));
+    // What looks like the parent's value is the parent's, however the entity's own was written.
+    const bool parents = row.inherited && value == shownForm(row, *row.inherited, m_texts);
+    const std::string stored = parents ? *row.inherited : row.stored(m_texts.stored(value));
     std::optional<std::string> given = stored;
-    if ((row.inherited && stored == *row.inherited) || (stored.empty() && canBeWithout(row.field.kind))) {
+    if (parents || (stored.empty() && canBeWithout(row.field.kind))) {
         given.reset();
     }
     std::string reason;

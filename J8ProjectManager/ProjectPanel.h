@@ -48,6 +48,8 @@ public:
     std::optional<std::string> defaultOf(size_t i) const override;
     const char* defaultName() const override { return "the parent's &value"; }
     const char* loadedName() const override;
+    // The rows are shown anew so often that only undo leads back.
+    bool resetsToLoaded() const override { return false; }
     std::string details(size_t i) const override;
     std::string emptyText() const override;
     std::optional<std::string> browse(size_t i) override;

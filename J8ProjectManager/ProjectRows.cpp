@@ -207,8 +207,8 @@ std::vector<ProjectRow> levelRows(const CJ8ProjectManager& project, size_t level
     rows.push_back(textRow(project, field, "Map file", "The level's map, in the project folder."));
     field.kind = Kind::LevelDoc;
     rows.push_back(textRow(project, field, "Documentation", "What the level is about."));
-    rows.back().facts.field = EntryField::StringField;
     rows.back().facts.lines = 4;
+    rows.back().facts.bareFeeds = true;  // as texts of a tree end their lines
     return rows;
 }
 

@@ -192,7 +192,7 @@ std::string valueRefusal(const J8TypedValue& typed, std::string_view value) {
             if (entry.value == value) {
                 return {};
             }
-            names += (names.empty() ? "" : ", ") + entry.value;
+            names += (names.empty() ? "" : ", ") + (entry.value.empty() ? "\"\"" : entry.value);
         }
         return "one of these is needed: " + names;
     }

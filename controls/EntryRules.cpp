@@ -98,7 +98,8 @@ std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {
     if (!isWritten(text, facts.set)) {
         return "The text is no UTF-8, in which this script is written.";
     }
-    const bool severalLines = facts.shape == ValueShape::Quoted && facts.lines > 1;
+    const bool severalLines =
+        (facts.shape == ValueShape::Quoted || facts.shape == ValueShape::None) && facts.lines > 1;
     if (!severalLines && text.find_first_of("\r\n") != text.npos) {
         return "A line end is not allowed here.";
     }

@@ -164,8 +164,9 @@ std::optional<std::string> RowEditing::resetValue(size_t i, ResetTo to) const {
         return std::nullopt;
     }
     if (to == ResetTo::Loaded) {
-        return model.HasChanged() && !model.facts().different ? std::optional(model.loadedValue())
-                                                              : std::nullopt;
+        return resetsToLoaded() && model.HasChanged() && !model.facts().different
+                   ? std::optional(model.loadedValue())
+                   : std::nullopt;
     }
     auto value = defaultOf(i);
     return value && (model.isDifferent() || *value != model.value()) ? value : std::nullopt;

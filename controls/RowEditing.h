@@ -93,6 +93,8 @@ public:
     virtual std::optional<std::string> defaultOf(size_t i) const { return extrasOf(row(i).facts()).standard; }
     // Whose value defaultOf gives, as in "Reset to the template's default"; with its '&' for menus.
     virtual const char* defaultName() const { return "the &default"; }
+    // Whether rows can be reset to what they were loaded with.
+    virtual bool resetsToLoaded() const { return true; }
     // What the row was loaded with, in its tooltip: "Saved".
     virtual const char* loadedName() const { return "Saved"; }
     // Lets the user choose a file for a row with a browse button; the value to give it, or nothing.

@@ -97,7 +97,8 @@ void LevelsPage::refresh() {
     m_refreshing = true;
     const std::optional<size_t> entity = selectedEntity();
     fillLevels();
-    fillEntities();
+    // What was just changed may be what it was found by.
+    fillEntities(entity);
     selectEntity(entity);
     m_refreshing = false;
 }
@@ -125,8 +126,9 @@ void LevelsPage::showLevelName() {
     }
 }
 
-void LevelsPage::fillEntities() {
-    std::string wanted = textOf(m_search);
+void LevelsPage::fillEntities(std::optional<size_t> kept) {
+    m_searched = textOf(m_search);
+    std::string wanted = m_searched;
     CharLowerBuffA(wanted.data(), static_cast<DWORD>(wanted.size()));
     m_entities.clear();
     size_t all = 0;
@@ -136,7 +138,7 @@ void LevelsPage::fillEntities() {
         for (size_t i = 0; i < all; ++i) {
             std::string text = shownText(entities[i].name + "\n" + entities[i].parent);
             CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
-            if (text.find(wanted) != text.npos) {
+            if (i == kept || text.find(wanted) != text.npos) {
                 m_entities.push_back(i);
             }
         }
@@ -170,9 +172,9 @@ void LevelsPage::selectEntity(std::optional<size_t> entity) {
 void LevelsPage::showSelection() {
     const bool before = m_refreshing;
     m_refreshing = true;
-    const std::optional<size_t> entity = selectedEntity();
-    if (entity) {
-        m_panel.showEntity(m_level, *entity);
+    m_shown = selectedEntity();
+    if (m_shown) {
+        m_panel.showEntity(m_level, *m_shown);
     } else if (hasLevel()) {
         m_panel.showLevel(m_level);
     } else {
@@ -180,6 +182,15 @@ void LevelsPage::showSelection() {
     }
     m_refreshing = before;
     enableButtons();
+}
+
+// A text that is refused keeps its entity selected.
+void LevelsPage::settled() {
+    if (m_view.commit()) {
+        return showSelection();
+    }
+    const auto shown = m_shown ? std::ranges::lower_bound(m_entities, *m_shown) : m_entities.end();
+    m_list.select(shown == m_entities.end() ? 0 : static_cast<int>(shown - m_entities.begin()) + 1);
 }
 
 void LevelsPage::enableButtons() {
@@ -278,7 +289,11 @@ void LevelsPage::command(int id, int code) {
         m_level = static_cast<size_t>(std::max<LRESULT>(SendMessageA(m_levels, CB_GETCURSEL, 0, 0), 0));
         fillEntities();
         selectEntity(std::nullopt);
-    } else if (id == kSearch && code == EN_CHANGE && !m_refreshing) {
+    } else if (id == kSearch && code == EN_CHANGE && !m_refreshing && textOf(m_search) != m_searched) {
+        if (!m_view.commit()) {
+            SetWindowTextA(m_search, m_searched.c_str());
+            return;
+        }
         const auto entity = selectedEntity();
         fillEntities();
         selectEntity(entity);

@@ -19,6 +19,8 @@ public:
     HWND firstField() const override { return m_search; }
     void command(int id, int code) override;
     bool commit() override { return m_view.commit(); }
+    bool revertDraft() override { return m_view.revertDraft(); }
+    void fontsChanged() override { m_view.fontsChanged(); }
     bool givenUp() override;
     void select(const ProjectTarget& target) override;
 
@@ -26,7 +28,7 @@ protected:
     void createControls() override;
     void layout(Area page) override;
     LRESULT notified(NMHDR& header) override;
-    void settled() override { showSelection(); }
+    void settled() override;
     std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
@@ -36,7 +38,8 @@ private:
     std::string cell(int row, int column) const;
     void fillLevels();
     void showLevelName();
-    void fillEntities();
+    // With those that the search finds, and the one of that place.
+    void fillEntities(std::optional<size_t> kept = {});
     // Of the list's rows the first is the level itself.
     std::optional<size_t> selectedEntity() const;
     void selectEntity(std::optional<size_t> entity);
@@ -51,6 +54,8 @@ private:
     RowList m_list;
     size_t m_level = 0;
     std::vector<size_t> m_entities;  // those found, by place
+    std::optional<size_t> m_shown;   // the entity whose rows are shown; none: the level's
+    std::string m_searched;          // what the entities are found by
     HWND m_levelLabel = nullptr, m_levels = nullptr, m_searchLabel = nullptr, m_search = nullptr,
          m_count = nullptr;
     std::vector<HWND> m_levelButtons, m_entityButtons;

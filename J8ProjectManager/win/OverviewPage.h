@@ -17,6 +17,8 @@ public:
     HWND firstField() const override { return m_search; }
     void command(int id, int code) override { m_view.command(id, code); }
     bool commit() override { return m_view.commit(); }
+    bool revertDraft() override { return m_view.revertDraft(); }
+    void fontsChanged() override { m_view.fontsChanged(); }
     bool givenUp() override { return m_view.escape(); }
 
 protected:

@@ -133,7 +133,7 @@ void ProjectDialog::edited() {
 }
 
 void ProjectDialog::undoOrRedo(bool undo) {
-    if (!page() || !page()->commit()) {
+    if (!page() || (undo && projectPage()->revertDraft()) || !page()->commit()) {
         return;
     }
     m_session.leaveField();

@@ -31,6 +31,8 @@ public:
 
     // Selects what the target names.
     virtual void select(const ProjectTarget&) {}
+    // Gives up a refused text in the field with the keyboard; false when there is none.
+    virtual bool revertDraft() { return false; }
     // Has the focused field an undo of its own, for what is typed in it?
     virtual bool undoesItself(HWND field) const { return GetParent(field) == window(); }
 

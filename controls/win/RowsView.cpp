@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "ui/win/Window.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -228,7 +229,7 @@ void RowsView::showCount() {
 void RowsView::rowFocused(size_t row) {
     if (row < m_rows.size()) {
         m_helpRow = row;
-        setText(m_help, m_rows.helpText(row));
+        setText(m_help, onOneLine(m_rows.helpText(row), "\r\n"));  // as the field wants its lines
     }
 }
 
@@ -272,19 +273,22 @@ std::vector<RowMenuItem> RowsView::menuItems(size_t row, HWND field) {
         item(kPaste, "&Paste\tCtrl+V");
         items.emplace_back();
     }
+    const auto resetItem = [&](int id, const char* text, size_t first, size_t last) {
+        if (m_rows.resetsToLoaded()) {
+            item(id, text, m_rows.canReset(first, last, ResetTo::Loaded));
+        }
+    };
     if (hasValue(kind)) {
-        item(kResetLoaded, "Reset to the &loaded value", m_rows.canReset(row, row + 1, ResetTo::Loaded));
+        resetItem(kResetLoaded, "Reset to the &loaded value", row, row + 1);
         item(kResetDefault, "Reset to " + standard, m_rows.canReset(row, row + 1, ResetTo::Default));
     }
     if (kind == EntryField::Heading) {
         const size_t end = m_rows.sectionEnd(row);
-        item(kResetSectionLoaded, "Reset the section to the load&ed values",
-             m_rows.canReset(row, end, ResetTo::Loaded));
+        resetItem(kResetSectionLoaded, "Reset the section to the load&ed values", row, end);
         item(kResetSectionDefault, "Reset the section to " + standard + 's',
              m_rows.canReset(row, end, ResetTo::Default));
     }
-    item(kResetAllLoaded, "Reset &all to the loaded values",
-         m_rows.canReset(0, m_rows.size(), ResetTo::Loaded));
+    resetItem(kResetAllLoaded, "Reset &all to the loaded values", 0, m_rows.size());
     std::string all = standard;
     std::erase(all, '&');
     item(kResetAllDefault, "Re&set all to " + all + 's', m_rows.canReset(0, m_rows.size(), ResetTo::Default));

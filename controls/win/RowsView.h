@@ -69,6 +69,8 @@ public:
     bool escape();
     // Takes what is typed. False when a text is refused: its field has the keyboard then, with the reason.
     bool commit() { return m_panel.commit(); }
+    // Gives up a refused text in the field with the keyboard; false when there is none.
+    bool revertDraft() { return m_panel.revertDraft(); }
     void undoOrRedo(bool undo);
     void focusFirst() { m_panel.focusFirst(); }
     void focusLast() { m_panel.focusLast(); }

@@ -108,6 +108,42 @@ TEST_F(ProjectPanelTest, KeepsTheSessionsUndoAndTellsWhichEditsAreOfOtherRows) {
     EXPECT_EQ(panel.size(), 0u);
 }
 
+TEST_F(ProjectPanelTest, OwnValuesGoWhateverTheirSpelling) {
+    folder.write("c.xml",
+                 "<Components><Component name='body'><Property name='solid' type='bool' value='FALSE' "
+                 "edit='true'/><Property name='note' type='string' value='a~b' edit='true'/></Component>"
+                 "</Components>");
+    ASSERT_TRUE(session.open(
+        project("<Behavior proj_file='b.xml'/><Level name='l'><Entity name='e' parent='g'>"
+                "<Component name='body'><Edit name='note' value='x'/></Component>"
+                "<Component name='body'><Edit name='solid' value='true'/></Component></Entity></Level>")));
+    panel.showEntity(0, 0);
+    std::string why;
+    const size_t solid = rowOf("solid"), note = rowOf("note");
+    EXPECT_EQ(panel.row(solid).value(), "1");
+    ASSERT_TRUE(panel.setValue(solid, "0", &why)) << why;
+    EXPECT_TRUE(entity(0).components[1].edits.empty()) << "FALSE is the parent's, and so is false";
+    EXPECT_EQ(panel.resetAll(ResetTo::Loaded), 0u) << "what was loaded is not what the parent has";
+    EXPECT_EQ(panel.resetAll(ResetTo::Default), 1u);
+    EXPECT_TRUE(entity(0).components[0].edits.empty()) << "what can't be shown is still the parent's";
+    EXPECT_EQ(panel.row(note).value(), "a?b");
+    ASSERT_TRUE(panel.setValue(note, "y", &why)) << why;
+    EXPECT_EQ(entity(0).components[0].edits[0].value, "y");
+}
+
+TEST_F(ProjectPanelTest, DocumentationHasLinesAndMapsLieInTheProject) {
+    panel.showLevel(0);
+    std::string why;
+    const size_t doc = rowOf("Documentation"), map = rowOf("Map file");
+    ASSERT_TRUE(panel.setValue(doc, "one\r\ntwo", &why)) << why;
+    EXPECT_EQ(session.model().m_apLevels[0].m_doc, "one\ntwo");
+    const std::string own = session.model().m_roots.project();
+    prompt.paths = {own + "maps\\a.zlb", "C:\\elsewhere\\b.zlb"};
+    EXPECT_EQ(panel.browse(map), "maps\\a.zlb");
+    EXPECT_EQ(panel.browse(map), std::nullopt) << "the editor would look for it in the project folder";
+    EXPECT_NE(prompt.texts().back().find("must be in the project folder"), std::string::npos);
+}
+
 TEST_F(ProjectPanelTest, SectionsWithoutATextHaveNoFile) {
     panel.showProject();
     ProjectField field;

@@ -108,7 +108,7 @@ drive() { # script, folder, part
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
             --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" --set "TOWN=$(windows_path "$2/town")" --set "QUAY=$(windows_path "$2/quay")" \
-            --set "PART=${3:-1}" --set LF=$'\n' --set "OUT=$(windows_path "$2")" \
+            --set "PART=${3:-1}" --set LF=$'\n' --set CRLF=$'\r\n' --set "OUT=$(windows_path "$2")" \
             --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
             --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \
             --set "LEAKY=$(windows_path "$build/tests/window/leaky_plugin.dll")" \

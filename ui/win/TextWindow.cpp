@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ui/win/DialogShell.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -11,10 +12,10 @@ enum { kHeading = 1301, kText, kCopy };
 
 class TextWindow : public DialogShell {
 public:
-    TextWindow(const std::string& title, const std::string& heading, std::string text, TextLook look)
+    TextWindow(const std::string& title, const std::string& heading, const std::string& text, TextLook look)
         : DialogShell({.title = title, .width = 330, .height = 160, .leastWidth = 200, .leastHeight = 100}),
           m_headingText(heading),
-          m_shown(std::move(text)),
+          m_shown(onOneLine(text, "\r\n")),  // as the field wants its lines
           m_look(look) {
         // A window's text ends at a zero, and so does the clipboard's: what stands behind it counts, too.
         std::replace(m_shown.begin(), m_shown.end(), '\0', ' ');
