@@ -10,9 +10,15 @@
 namespace zoka {
 namespace {
 
+// As messages can show it, however long it is.
+std::string shortened(const std::string& name) {
+    constexpr size_t kMost = 100;
+    return name.size() <= kMost ? name : name.substr(0, kMost) + "...";
+}
+
 std::string refusalOf(const char* what, const std::string& name) {
     const std::string why = nameRefusal(name);
-    return why.empty() ? why : std::string(what) + " \"" + name + "\" " + why + ".";
+    return why.empty() ? why : std::string(what) + " \"" + shortened(name) + "\" " + why + ".";
 }
 
 // A `File` or `Check` element. `folder` is its target's, with a separator; null: it is not copied.
@@ -61,22 +67,39 @@ PlannedSet planSet(const XMLNode& element, const std::string* target,
     return set;
 }
 
-void markRepeated(CreationPlan& plan) {
-    std::unordered_set<std::string> targets;
-    const auto mark = [&targets](std::vector<PlannedFile>& files) {
-        for (PlannedFile& file : files) {
-            file.isRepeated =
-                !file.source.empty() && !targets.insert(lowered(normalizePath(file.target))).second;
+// Finds targets that are there already when it is their turn.
+class TargetCheck {
+public:
+    void folder(PlannedFolder& folder) {
+        const std::string name = keyOf(folder.name);
+        for (size_t end = 0; end != name.npos && !name.empty();) {
+            end = name.find('\\', end + 1);
+            std::string part = name.substr(0, end);
+            folder.isTaken |= m_files.contains(part);
+            m_folders.insert(std::move(part));
         }
-    };
-    for (PlannedFolder& folder : plan.folders) {
-        if (!folder.isNameless) {
-            mark(folder.files);
+        files(folder.files);
+    }
+    void files(std::vector<PlannedFile>& files) {
+        for (PlannedFile& file : files) {
+            if (!file.source.empty()) {
+                std::string name = keyOf(file.target);
+                file.isRepeated = m_folders.contains(name) || !m_files.insert(std::move(name)).second;
+            }
         }
     }
-    mark(plan.level.files);
-    mark(plan.projectFiles.files);
-}
+
+private:
+    static std::string keyOf(const std::string& target) {
+        std::string key = lowered(normalizePath(target));
+        while (!key.empty() && isSeparator(key.back())) {
+            key.pop_back();
+        }
+        return key;
+    }
+
+    std::unordered_set<std::string> m_files, m_folders;
+};
 
 }  // namespace
 
@@ -113,12 +136,19 @@ CreationPlan planCreation(const XMLNode& wizard, const std::string& levelMap) {
     }
     const std::string map = levelMap.empty() ? "map" : pathFromXml(levelMap);
     const std::string why = plainNameRefusal(map);
-    plan.levelRefusal = why.empty() ? why : "The level map's name \"" + map + "\" " + why + ".";
+    plan.levelRefusal = why.empty() ? why : "The level map's name \"" + shortened(map) + "\" " + why + ".";
     plan.level = planSet(wizard.getChild("Level"), &map, {".zlm", ".zlb", ".zun"});
     plan.projectFiles = planSet(wizard.getChild("J8ProjectFiles"), nullptr, {".c", ".kez", ".xml"});
     plan.loadsProjectFile = !plan.projectFiles.target.empty();
     plan.projectFile = (plan.loadsProjectFile ? plan.projectFiles.target : map) + ".xml";
-    markRepeated(plan);
+    TargetCheck check;
+    for (PlannedFolder& folder : plan.folders) {
+        if (!folder.isNameless && folder.refusal.empty()) {
+            check.folder(folder);
+        }
+    }
+    check.files(plan.level.files);
+    check.files(plan.projectFiles.files);
     return plan;
 }
 

@@ -18,14 +18,15 @@ struct PlannedFile {
     std::string target;       // empty for a file that is only to be there
     std::string refusal;      // why it is not made, in words with the name; empty: it is
     bool hasFolder = false;   // its element says in which folder of the templates it lies
-    bool isRepeated = false;  // an earlier file has the same target, so copying this one fails
+    bool isRepeated = false;  // an earlier file or folder has the same target, so copying this one fails
     std::uint32_t place = 0;  // of its element, see XMLNode::place
 };
 
 struct PlannedFolder {
-    std::string name;                  // below the project folder; empty: the project folder itself
-    std::string refusal;               // as in PlannedFile
-    bool isNameless = false;           // it is passed over, with its files
+    std::string name;         // below the project folder; empty: the project folder itself
+    std::string refusal;      // as in PlannedFile
+    bool isNameless = false;  // it is passed over, with its files
+    bool isTaken = false;     // an earlier file has its name, or that of one it lies in: it can't be made
     std::vector<PlannedFile> checked;  // that must be there and aren't copied
     std::vector<PlannedFile> files;    // to be copied up to the first nameless one, which is a failure
     std::uint32_t place = 0;

@@ -1,7 +1,5 @@
 #include "J8ProjectWizard/CreationRecord.h"
 
-#include <algorithm>
-
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -37,6 +35,11 @@ bool CreationRecord::makeFolders(const std::string& path) {
 
 bool CreationRecord::makeNewFolder(const std::string& path) {
     const std::string folder = withoutSeparator(osFiles().fullPath(path));
+    const std::string parent(folderOf(folder));
+    // The last one is made by itself, which fails where it is there.
+    if (!parent.empty() && osFiles().kindOf(parent) != OsKind::Folder && !makeFolders(parent)) {
+        return false;
+    }
     if (!osFiles().makeFolder(folder)) {
         return false;
     }
@@ -44,19 +47,24 @@ bool CreationRecord::makeNewFolder(const std::string& path) {
     return true;
 }
 
-void CreationRecord::fileMade(const std::string& path) {
-    const auto entry = osFiles().search(path);
-    if (!entry) {
-        return;
+bool CreationRecord::copyFile(const std::string& from, const std::string& to) {
+    if (!osFiles().copyNew(from, to)) {
+        m_failed.push_back(to);
+        return false;
     }
+    noteFile(to);
+    return true;
+}
+
+void CreationRecord::fileWritten(const std::string& path) {
     const std::string full = osFiles().fullPath(path);
-    // A file that is written anew was made a moment ago: it is among the last.
-    const auto known = std::find_if(m_files.rbegin(), m_files.rend(),
-                                    [&full](const File& file) { return file.path == full; });
-    if (known != m_files.rend()) {
-        *known = {full, entry->size, entry->lastWrite};
-    } else {
-        m_files.push_back({full, entry->size, entry->lastWrite});
+    std::erase_if(m_files, [&full](const File& file) { return file.path == full; });
+    noteFile(path);
+}
+
+void CreationRecord::noteFile(const std::string& path) {
+    if (const auto entry = osFiles().search(path)) {
+        m_files.push_back({osFiles().fullPath(path), entry->size, entry->lastWrite});
     }
 }
 
@@ -79,6 +87,7 @@ std::vector<std::string> CreationRecord::remove() {
     }
     m_files.clear();
     m_folders.clear();
+    m_failed.clear();
     return left;
 }
 

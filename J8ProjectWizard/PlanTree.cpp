@@ -108,6 +108,7 @@ PlanTree::PlanTree(const CreationPlan& plan) {
             continue;
         }
         const size_t at = tree.folder(folder.name);
+        tree.row(at).isTaken |= folder.isTaken;
         for (const PlannedFile& file : folder.checked) {
             PlanRow row = rowOf(file);
             row.name = fileNameOf(file.source);
@@ -209,11 +210,14 @@ std::string PlanTree::problem(const PlanRow& row, const std::string& projectFold
         }
         const bool isThere = row.isOnlyChecked && facts->kind != OsKind::Unknown;
         if (facts->kind != OsKind::File && !isThere) {
-            return facts->kind == OsKind::Unknown ? "can't be looked at" : "is no file";
+            return row.source + (facts->kind == OsKind::Unknown ? " can't be looked at" : " is no file");
         }
     }
+    if (row.isTaken) {
+        return "The folder can't be made: a file of that name is copied before: " + row.target;
+    }
     if (row.isRepeated) {
-        return "another file of that name is copied before";
+        return "something of that name is made before";
     }
     return row.isOnlyChecked || projectFolder.empty()
                ? ""

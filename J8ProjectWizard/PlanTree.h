@@ -20,6 +20,7 @@ struct PlanRow {
     std::string source;  // empty for what comes from no template
     std::string refusal;
     bool isRepeated = false;
+    bool isTaken = false;        // a folder where an earlier file has the name
     bool isOptional = false;     // one of a set of which some may be missing
     bool isOnlyChecked = false;  // has to be among the templates, and is not copied
 };

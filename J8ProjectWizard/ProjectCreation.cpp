@@ -82,12 +82,7 @@ int ProjectCreation::refusePlan() {
 
 int ProjectCreation::makeProjectFolder() {
     const std::string& folder = m_data.m_strProjectFolder;
-    // The last folder is made by itself, which fails where another program was quicker.
-    const std::string parent = folder.empty() ? folder : std::string(folderOf(folder));
-    const bool made =
-        (parent.empty() || osFiles().kindOf(parent) == OsKind::Folder || m_record.makeFolders(parent)) &&
-        m_record.makeNewFolder(folder);
-    if (!made) {
+    if (!m_record.makeNewFolder(folder)) {
         return fail(kWizardFolderExists, "ErrOverwrite", folder, folder);
     }
     m_report.add("CreateDir", xmlFromPath(folder));
@@ -103,7 +98,8 @@ int ProjectCreation::makeFolder(const PlannedFolder& folder) {
         m_report.add("CreateDir", xmlFromPath(path));
     }
     const std::string target = withSeparator(path);
-    switch (copyPlannedFiles(m_root, folder.files, this)) {
+    switch (copyPlannedFiles(m_root, folder.files, m_record,
+                             [this](const std::string& file) { return mayContinueWith(file); })) {
         case CopyEnd::Nameless:
             return fail(kWizardNoCopy, "ErrCopyFiles", target, target);
         case CopyEnd::Cancelled:
@@ -131,9 +127,7 @@ bool ProjectCreation::copySet(const PlannedSet& set, std::initializer_list<const
             return false;
         }
         m_report.add(*key++, base);
-        if (osFiles().copyNew(file.source, target)) {
-            m_record.fileMade(target);
-        } else if (key == keys.end() && lastFailed) {
+        if (!m_record.copyFile(file.source, target) && key == keys.end() && lastFailed) {
             m_report.add(lastFailed, base);
         }
     }
@@ -166,14 +160,15 @@ int ProjectCreation::saveProject() {
                             CJ8File::kProjFile);
     }
     if (!project->SaveProjectXML(m_report.group("SaveProjectXml"))) {
+        m_data.m_strMessage = project->problem();
         return kWizardNotSaved;
     }
-    m_record.fileMade(file);
+    m_record.fileWritten(file);
     return kWizardDone;
 }
 
 CopyEnd copyPlannedFiles(const std::string& root, const std::vector<PlannedFile>& files,
-                         ProjectCreation* run) {
+                         CreationRecord& record, const std::function<bool(const std::string&)>& mayContinue) {
     constexpr const char* kName = "CopyFiles()";
     for (const PlannedFile& file : files) {
         if (file.source.empty()) {
@@ -181,14 +176,11 @@ CopyEnd copyPlannedFiles(const std::string& root, const std::vector<PlannedFile>
             return CopyEnd::Nameless;
         }
         const std::string to = root + file.target;
-        if (run && !run->mayContinueWith(file.target)) {
+        if (!mayContinue(file.target)) {
             return CopyEnd::Cancelled;
         }
         // A name that leads elsewhere was refused before; here it is the last door.
-        if (file.refusal.empty() && osFiles().copyNew(file.source, to)) {
-            if (run) {
-                run->m_record.fileMade(to);
-            }
+        if (file.refusal.empty() && record.copyFile(file.source, to)) {
             continue;
         }
         logWizardError(kName, "Throw while trying to copy from", file.source);
@@ -233,5 +225,7 @@ bool CJ8Wizard::CopyFiles(const std::string& target, const XMLNode& element) con
     for (PlannedFile& file : folder.files) {
         file.target.erase(0, prefix);
     }
-    return copyPlannedFiles(target, folder.files, nullptr) != CopyEnd::Nameless;
+    CreationRecord record;
+    const auto always = [](const std::string&) { return true; };
+    return copyPlannedFiles(target, folder.files, record, always) != CopyEnd::Nameless;
 }

@@ -1,6 +1,7 @@
 // Carrying out a creation plan.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -41,13 +42,11 @@ private:
     std::string m_root;  // the project folder with its separator
     size_t m_done = 0;
     size_t m_total = 0;
-
-    friend CopyEnd copyPlannedFiles(const std::string&, const std::vector<PlannedFile>&, ProjectCreation*);
 };
 
-// Copies files to their targets below `root`, which ends with a separator, up to the first without a name. A
-// copy that fails is told to the debug log. `run` may be null.
+// Copies files to their targets below `root`, which ends with a separator, up to the first without a name or the first
+// that `mayContinue` is against. A copy that fails is told to the debug log.
 CopyEnd copyPlannedFiles(const std::string& root, const std::vector<PlannedFile>& files,
-                         ProjectCreation* run);
+                         CreationRecord& record, const std::function<bool(const std::string&)>& mayContinue);
 
 }  // namespace zoka

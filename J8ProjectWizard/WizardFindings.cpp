@@ -16,16 +16,20 @@ public:
         : m_places(std::move(bytes)), m_found(found) {}
 
     void add(std::uint32_t place, const std::string& text) {
+        // The root may have no place of its own.
         const XMLPlace at = m_places.at(place);
-        m_found.push_back({at.line, at.column, text});
+        m_found.push_back({std::max(at.line, 1), std::max(at.column, 1), text});
     }
-    void source(const PlannedFile& file) {
-        if (osFiles().kindOf(file.source) != OsKind::File) {
+    void source(const PlannedFile& file, bool isCopied) {
+        const OsKind kind = osFiles().kindOf(file.source);
+        if (kind == OsKind::Missing) {
             add(file.place, "Missing file: " + file.source);
+        } else if (kind != OsKind::File && isCopied) {
+            add(file.place, file.source + " is no file");
         }
     }
     // A file that a folder names.
-    void file(const PlannedFile& file) {
+    void file(const PlannedFile& file, bool isCopied) {
         if (file.source.empty()) {
             add(file.place, "Empty filename.");
         } else if (!file.refusal.empty()) {
@@ -35,9 +39,9 @@ public:
                 add(file.place, "Empty foldername.");
             }
             if (file.isRepeated) {
-                add(file.place, "Another file of that name is copied before: " + file.target);
+                add(file.place, "Something of that name is made before: " + file.target);
             }
-            source(file);
+            source(file, isCopied);
         }
     }
     // `needed` is the one of its files that a project can't do without.
@@ -52,7 +56,7 @@ public:
         } else {
             for (const PlannedFile& file : set.files) {
                 if (file.target.ends_with(needed)) {
-                    source(file);
+                    source(file, true);
                 }
             }
         }
@@ -98,10 +102,13 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
             finder.add(folder.place, "Empty folder name!");
         } else if (!folder.refusal.empty()) {
             finder.add(folder.place, folder.refusal);
+        } else if (folder.isTaken) {
+            finder.add(folder.place,
+                       "The folder can't be made: a file of that name is copied before: " + folder.name);
         }
         for (const auto* files : {&folder.checked, &folder.files}) {
             for (const PlannedFile& file : *files) {
-                finder.file(file);
+                finder.file(file, files == &folder.files);
             }
         }
     }

@@ -30,6 +30,9 @@ std::string partRefusal(std::string_view part) {
 }  // namespace
 
 std::string nameRefusal(std::string_view name) {
+    if (name.size() > kLongestPath) {
+        return "is longer than any path of the system";
+    }
     if (!name.empty() && isSeparator(name.front())) {
         return "leads out of its folder";
     }
@@ -50,7 +53,9 @@ std::string nameRefusal(std::string_view name) {
 }
 
 std::string plainNameRefusal(std::string_view name) {
-    return name.find_first_of("\\/") != name.npos ? "holds a separator of folders" : nameRefusal(name);
+    return name == "."                              ? "is no name of a file"
+           : name.find_first_of("\\/") != name.npos ? "holds a separator of folders"
+                                                    : nameRefusal(name);
 }
 
 }  // namespace zoka

@@ -43,9 +43,9 @@ Panels& panels() {
     return *g_panels;
 }
 
-// A modal procedure must not open its dialog twice when messages re-enter it.
-bool g_inAddScript = false;
-bool g_inWizard = false;
+// Messages that the host answers while a modal procedure's dialog is open must not open it a second time, nor the other
+// one's: both may work on the one project object.
+bool g_inModal = false;
 
 // True as long as it lives.
 class Marked {
@@ -223,10 +223,10 @@ std::int32_t executeAddScript(PluginProcDef*, HostContext*, std::int32_t* execut
         userPrompt().tell("Invalid Zun Interface (ec10-2)");
         return 0;
     }
-    if (g_inAddScript) {
+    if (g_inModal) {
         return 0;
     }
-    const ModalRun run(g_inAddScript, executeFlags);
+    const ModalRun run(g_inModal, executeFlags);
     const auto editor = g_seams->makeEditor(g_appInterface->editor);
     const std::string projectFolder = editor->GetProjectFolder();
     const auto mainScript = editor->GetMainScriptPath();
@@ -249,10 +249,10 @@ std::int32_t executeAddScript(PluginProcDef*, HostContext*, std::int32_t* execut
 }
 
 std::int32_t executeWizard(PluginProcDef*, HostContext*, std::int32_t* executeFlags) {
-    if (!executeFlags || !g_appInterface || !g_appInterface->editor || g_inWizard) {
+    if (!executeFlags || !g_appInterface || !g_appInterface->editor || g_inModal) {
         return 0;
     }
-    const ModalRun run(g_inWizard, executeFlags);
+    const ModalRun run(g_inModal, executeFlags);
     const auto editor = g_seams->makeEditor(g_appInterface->editor);
     const auto choice = g_seams->runNewProject(*editor);
     if (!choice) {

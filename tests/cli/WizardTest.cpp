@@ -53,6 +53,24 @@ TEST_F(WizardTool, ChecksWithPlaces) {
     EXPECT_EQ(json::parse(folder.run("wizard check suite --json").out)[1]["line"], 3);
 }
 
+TEST_F(WizardTool, ChecksWhatIsListed) {
+    folder.write("suite/templates/wizards/other.xml", "<Project/>");
+    EXPECT_EQ(folder.run("wizard check suite").status, 0);
+    folder.write("suite/templates/wizards/twin.txt", "<Wizard><Title>Wiz</Title></Wizard>");
+    const ToolRun run = folder.run("wizard check suite");
+    EXPECT_THAT(run.out, HasSubstr("twin.txt:1:1: There is no Desc"));
+    EXPECT_EQ(folder.run("wizard show Wiz suite").status, 2) << "two are called that";
+    EXPECT_EQ(folder.run("wizard show twin.txt suite").status, 0);
+    EXPECT_THAT(run.out, HasSubstr("The same title as that of "));
+    fs::remove(folder.path("suite/templates/wizards/twin.txt"));
+    fs::create_directories(folder.path("suite/templates/a/sub"));
+    write(
+        "<Folder name='.'><File name='one.txt' folder='a'/><File name='sub' folder='a'/></Folder>"
+        "<Folder name='one.txt'/>");
+    EXPECT_THAT(folder.run("wizard check suite").out,
+                testing::AllOf(HasSubstr("sub is no file"), HasSubstr("The folder can't be made")));
+}
+
 TEST_F(WizardTool, MakesProjects) {
     const ToolRun dry = folder.run("project new Wiz --suite suite --folder g/new --dry-run");
     EXPECT_EQ(dry.status, 0) << dry;
@@ -63,16 +81,26 @@ TEST_F(WizardTool, MakesProjects) {
     EXPECT_THAT(made.out, HasSubstr("made 2 folders and 2 files"));
     EXPECT_EQ(folder.read("g/new/one.txt"), "1");
     EXPECT_THAT(folder.read("g/new/m.xml"), HasSubstr("name=\"Mine\""));
+    fs::remove(folder.path("suite/wizardDebug.xml"));
     const ToolRun again = folder.run("project new Wiz --suite suite --folder g/new");
+    EXPECT_THAT(folder.read("suite/wizardDebug.xml"), HasSubstr("<ErrOverwrite"));
+    EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/new -n").err, again.err);
     EXPECT_EQ(again.status, 1);
     EXPECT_THAT(again.err, HasSubstr("already"));
     write("<Folder name='.'><File name='none.txt' folder='a'/></Folder>");
     fs::remove(folder.path("suite/debugLogOut.xml"));
     EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other -n").status, 1);
     EXPECT_FALSE(fs::exists(folder.path("suite/debugLogOut.xml"))) << "a dry run makes nothing";
+    EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other --name ''").status, 2);
     write("<Folder name='../up'/>");
     EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other").status, 1);
     EXPECT_FALSE(fs::exists(folder.path("g/other")));
+    // What could not be copied is named, but for files that may be missing.
+    write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Level><File name='a/none'/></Level>");
+    const ToolRun partly = folder.run("project new Wiz --suite suite --folder g/partly");
+    EXPECT_EQ(partly.status, 3);
+    EXPECT_THAT(partly.err, HasSubstr("could not be copied: templates\\a\\none.zlm"));
+    EXPECT_EQ(partly.err.find(".zlb"), std::string::npos);
     // What a failed run made goes on request.
     write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Folder name='one.txt'/>");
     const ToolRun failed = folder.run("--yes project new Wiz --suite suite --folder g/other");

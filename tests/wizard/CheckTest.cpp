@@ -29,6 +29,8 @@ TEST(WizardNames, StayInTheirFolder) {
                              "nul .x",
                              "com1",
                              "LPT9.c",
+                             "com\xb2",
+                             "lpt\xc2\xb9.txt",
                              "conin$",
                              "a.",
                              "maps.\\a",
@@ -42,7 +44,9 @@ TEST(WizardNames, StayInTheirFolder) {
                              "<a"}) {
         EXPECT_NE(nameRefusal(name), "") << name;
     }
+    EXPECT_NE(nameRefusal(std::string(260, 'a')), "");
     EXPECT_NE(plainNameRefusal("maps\\a"), "");
+    EXPECT_NE(plainNameRefusal("."), "");
     EXPECT_EQ(plainNameRefusal("harbour"), "");
 }
 

@@ -143,6 +143,26 @@ TEST(Creation, RefusesWithTheCodeOfEachStep) {
     EXPECT_EQ(suite.reportKeys(), "FilePath ErrFile");
 }
 
+TEST(Creation, MakesAFolderWithASeparatorBehindItsName) {
+    Suite suite;
+    addFullWizard(suite);
+    CJ8WizardUserData data = suite.data("new\\g\\.\\");
+    CreationRecord record;
+    EXPECT_EQ(CJ8Wizard().Run(data, 0, {nullptr, &record}), 0);
+    EXPECT_EQ(suite.tree("games/new/g"), kFullTree);
+    EXPECT_TRUE(record.remove().empty());
+    EXPECT_EQ(suite.tree("games"), std::vector<std::string>());
+}
+
+TEST(Creation, SaysWhyTheProjectCouldNotBeSaved) {
+    Suite suite;
+    addFullWizard(suite);
+    CJ8WizardUserData data = suite.data("g");
+    FaultyOsFiles files(FaultyOsFiles::every("flush"));
+    EXPECT_EQ(CJ8Wizard().Run(data, 0), -9);
+    EXPECT_NE(data.m_strMessage.find("main.xml"), data.m_strMessage.npos) << data.m_strMessage;
+}
+
 TEST(Creation, LeavesAnEarlierProjectAlone) {
     Suite suite;
     addFullWizard(suite);

@@ -1,8 +1,12 @@
 // zoka wizard and zoka project new: project wizards without their dialog.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "J8ProjectWizard/J8Wizard.h"
@@ -16,6 +20,7 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
+#include "xml/XMLErrors.h"
 #include "xml/XMLRead.h"
 
 namespace zoka::cli {
@@ -25,7 +30,7 @@ using Json = nlohmann::ordered_json;
 
 struct WizardOptions {
     std::string suite = ".", wizard, folder;
-    std::string name, docs, level, levelDocs, map, templates;
+    std::optional<std::string> name, docs, level, levelDocs, map, templates;
     bool json = false, dryRun = false;
 };
 
@@ -52,16 +57,31 @@ template <class Do>
 ExitStatus withWizard(const WizardOptions& options, Logs logs, Do work) {
     return withWizards(options, logs, [&](const CJ8Wizard& wizards) {
         const std::string& name = options.wizard;
+        std::vector<unsigned> found;
         for (unsigned i = 0; i < wizards.paths().size(); ++i) {
             const std::string_view file = fileNameOf(wizards.paths()[i]);
-            if (wizards.titles()[i] == name || pathFromXml(wizards.titles()[i]) == name ||
-                equalNoCase(file, name) || equalNoCase(file, name + std::string(kWizardEnd))) {
+            if (equalNoCase(file, name) || equalNoCase(file, name + std::string(kWizardEnd))) {
                 return work(wizards, i);
             }
+            if (wizards.titles()[i] == name || pathFromXml(wizards.titles()[i]) == name) {
+                found.push_back(i);
+            }
         }
-        complain("no wizard is called \"" + name + "\"; see zoka wizard list");
+        if (found.size() == 1) {
+            return work(wizards, found.front());
+        }
+        complain(found.empty() ? "no wizard is called \"" + name + "\"; see zoka wizard list"
+                               : "several wizards are called \"" + name + "\"; name the file of one");
         return ExitStatus::Usage;
     });
+}
+
+// XML that is no wizard: the list passes it over, too.
+bool isOtherXml(const std::string& path) {
+    XMLResults results;
+    const auto bytes = osFiles().readWhole(path);
+    return bytes && XMLNode::parseBytes(*bytes, "Wizard", &results).isEmpty() &&
+           results.code == kXmlFirstTagNotFound;
 }
 
 ExitStatus noWizards() {
@@ -111,6 +131,11 @@ void printTree(const PlanTree& tree, const std::string& folder) {
     }
 }
 
+std::string tabless(std::string text) {
+    std::ranges::replace(text, '\t', ' ');
+    return text;
+}
+
 ExitStatus list(const WizardOptions& options) {
     return withWizards(options, Logs::None, [&](const CJ8Wizard& wizards) {
         Json all = Json::array();
@@ -119,7 +144,7 @@ ExitStatus list(const WizardOptions& options) {
                 all.push_back(
                     {{"title", jsonText(wizards.titles()[i])}, {"path", jsonText(wizards.paths()[i])}});
             } else {
-                printShown(onOneLine(wizards.titles()[i]) + "\t" + wizards.paths()[i] + "\n");
+                printShown(tabless(onOneLine(wizards.titles()[i])) + "\t" + wizards.paths()[i] + "\n");
             }
         }
         if (options.json) {
@@ -153,41 +178,59 @@ ExitStatus show(const WizardOptions& options) {
     });
 }
 
-ExitStatus check(const WizardOptions& options) {
-    return withWizards(options, Logs::None, [&](const CJ8Wizard&) {
-        Json all = Json::array();
-        bool any = false, found = false;
-        for (const OsEntry& file : osFiles().list(std::string(kWizardsFolder) + "*")) {
-            const std::string path = osFiles().fullPath(kWizardsFolder + file.name);
-            // What was meant to be a wizard, by its name, and what is one.
-            if (file.isFolder ||
-                (!lowered(file.name).ends_with(kWizardEnd) && !CJ8Wizard::IsWizardFile(path))) {
-                continue;
+// What is wrong in the wizards' files, those that have a title that an earlier one has included.
+std::vector<std::pair<std::string, WizardFinding>> findingsOf(const CJ8Wizard& wizards) {
+    std::vector<std::pair<std::string, WizardFinding>> all;
+    std::map<std::string, std::string> fileOfTitle;
+    for (const OsEntry& file : osFiles().list(std::string(kWizardsFolder) + "*")) {
+        const std::string path = osFiles().fullPath(kWizardsFolder + file.name);
+        const auto listed = std::ranges::find(wizards.paths(), path);
+        // A file that is meant to be a wizard, by its name, counts if it can't be read.
+        if (file.isFolder || (listed == wizards.paths().end() &&
+                              (!lowered(file.name).ends_with(kWizardEnd) || isOtherXml(path)))) {
+            continue;
+        }
+        for (WizardFinding& finding : wizardFindings(path)) {
+            all.emplace_back(path, std::move(finding));
+        }
+        if (listed != wizards.paths().end()) {
+            const auto [first, isNew] = fileOfTitle.try_emplace(
+                wizards.titles()[static_cast<size_t>(listed - wizards.paths().begin())], path);
+            if (!isNew) {
+                all.emplace_back(path, WizardFinding{1, 1, "The same title as that of " + first->second});
             }
-            found = true;
-            for (const WizardFinding& finding : wizardFindings(path)) {
-                any = true;
-                if (options.json) {
-                    all.push_back({{"file", jsonText(path)},
-                                   {"line", finding.line},
-                                   {"column", finding.column},
-                                   {"finding", jsonText(finding.text)}});
-                } else {
-                    printShown(path + ":" + std::to_string(finding.line) + ":" +
-                               std::to_string(finding.column) + ": " + finding.text + "\n");
-                }
+        }
+    }
+    return all;
+}
+
+ExitStatus check(const WizardOptions& options) {
+    return withWizards(options, Logs::None, [&](const CJ8Wizard& wizards) {
+        const auto findings = findingsOf(wizards);
+        Json all = Json::array();
+        for (const auto& [path, finding] : findings) {
+            if (options.json) {
+                all.push_back({{"file", jsonText(path)},
+                               {"line", finding.line},
+                               {"column", finding.column},
+                               {"finding", jsonText(finding.text)}});
+            } else {
+                printShown(path + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
+                           ": " + finding.text + "\n");
             }
         }
         if (options.json) {
             printJson(all);
         }
-        return !found ? noWizards() : any ? ExitStatus::Findings : ExitStatus::Done;
+        return !findings.empty()         ? ExitStatus::Findings
+               : wizards.paths().empty() ? noWizards()
+                                         : ExitStatus::Done;
     });
 }
 
-void take(std::string& field, const std::string& given) {
-    if (!given.empty()) {
-        field = xmlFromPath(given);
+void take(std::string& field, const std::optional<std::string>& given) {
+    if (given) {
+        field = xmlFromPath(*given);
     }
 }
 
@@ -201,8 +244,8 @@ CJ8WizardUserData dataOf(const WizardOptions& options, const CJ8Wizard& wizards,
     take(data.m_strLevelName, options.level);
     take(data.m_strLevelDocs, options.levelDocs);
     take(data.m_strLevelMap, options.map);
-    if (!options.templates.empty()) {
-        data.m_strTemplatesPath = options.templates;
+    if (options.templates) {
+        data.m_strTemplatesPath = *options.templates;
     }
     return data;
 }
@@ -222,42 +265,80 @@ void printPlan(const WizardOptions& options, const CJ8Wizard& wizards, unsigned 
     }
 }
 
+// Messages of the dialog's are laid out for its boxes.
+void complainInLines(const std::string& text) {
+    std::string lines;
+    for (const char c : text) {
+        lines += c == '\r' ? "" : std::string(1, c);
+    }
+    while (lines.ends_with('\n')) {
+        lines.pop_back();
+    }
+    complain(lines);
+}
+
+ExitStatus failed(int code, const CJ8WizardUserData& data) {
+    complain(runMessage(code));
+    if (!data.m_strMessage.empty()) {
+        complainInLines(data.m_strMessage);
+    }
+    return code == kWizardFolderExists ? ExitStatus::Findings : ExitStatus::Failed;
+}
+
 ExitStatus make(const WizardOptions& options, const CJ8Wizard& wizards, unsigned index,
                 CJ8WizardUserData& data) {
     CreationRecord record;
     const int code = wizards.Run(data, index, {nullptr, &record});
     if (code < 0) {
-        complain(runMessage(code));
-        if (!data.m_strMessage.empty()) {
-            complain(data.m_strMessage);
-        }
+        const ExitStatus status = failed(code, data);
         offerRemoval(userPrompt(), record, false);
-        return ExitStatus::Failed;
+        return status;
     }
     if (options.json) {
         printJson({{"project", jsonText(data.m_strProjectFolder)},
                    {"level", jsonText(data.m_strLevelMap)},
                    {"folders", record.folders()},
-                   {"files", record.files()}});
+                   {"files", record.files()},
+                   {"notCopied", jsonTexts(record.failedCopies())}});
     } else {
         printShown("made " + countOf(record.folders(), "folder", "folders") + " and " +
                    countOf(record.files(), "file", "files") + " in " + data.m_strProjectFolder + "\n");
     }
-    return ExitStatus::Done;
+    // What a project may lack was planned so, and is no failure.
+    bool whole = true;
+    const auto plan = wizards.plan(index, data.m_strLevelMap);
+    const PlanTree tree(plan ? *plan : CreationPlan());
+    for (const PlanRow& row : tree.rows()) {
+        const std::string path = withSeparator(data.m_strProjectFolder) + row.target;
+        if (!row.isOptional &&
+            std::ranges::find(record.failedCopies(), path) != record.failedCopies().end()) {
+            complain("could not be copied: " + shownSource(row) + " to " + path);
+            whole = false;
+        }
+    }
+    return whole ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+// What the dialog asks for, too; empty: all of it is there.
+std::string whatIsMissing(const CJ8WizardUserData& data) {
+    return data.m_strName.empty()            ? "Enter a Project Name. (--name)"
+           : data.m_strProjectFolder.empty() ? "Enter a Project Folder Name. (--folder)"
+           : data.m_strTemplatesPath.empty() ? "Enter a J8 Templates Path. (--templates)"
+                                             : "";
 }
 
 ExitStatus create(WizardOptions options) {
     // They are meant from where the tool was started.
-    options.folder = suitePath(options.folder);
-    if (!options.templates.empty()) {
-        options.templates = suitePath(options.templates);
+    for (std::string* path : {&options.folder, options.templates ? &*options.templates : nullptr}) {
+        if (path && !path->empty()) {
+            *path = suitePath(*path);
+        }
     }
     return withWizard(options, options.dryRun ? Logs::None : Logs::Left,
                       [&](const CJ8Wizard& wizards, unsigned index) {
                           CJ8WizardUserData data = dataOf(options, wizards, index);
-                          if (data.m_strTemplatesPath.empty()) {
-                              complain("there is no folder " + std::string(kTemplatesXmlFolder) +
-                                       "; name the data folder with --templates");
+                          if (const std::string what = whatIsMissing(data); !what.empty()) {
+                              complain(what);
                               return ExitStatus::Usage;
                           }
                           const int checked = wizards.Check(data.m_strMessage, index, data);
@@ -266,14 +347,12 @@ ExitStatus create(WizardOptions options) {
                               printPlan(options, wizards, index, data, exists);
                           }
                           if (checked < 0) {
-                              complain(data.m_strMessage + (data.m_strMessage.ends_with('\n') ? "" : "\n") +
-                                       "Nothing was made.");
+                              complainInLines(data.m_strMessage + "\nNothing was made.");
                               return ExitStatus::Findings;
                           }
-                          if (exists) {
-                              complain("there is a folder or file of that name already: " + options.folder +
-                                       "; nothing was made");
-                              return ExitStatus::Findings;
+                          if (options.dryRun && exists) {
+                              data.m_strMessage = options.folder;
+                              return failed(kWizardFolderExists, data);
                           }
                           return options.dryRun ? ExitStatus::Done : make(options, wizards, index, data);
                       });
