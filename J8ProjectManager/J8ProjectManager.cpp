@@ -158,7 +158,7 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
         return;
     }
     if (line.empty()) {
-        line = zoka::filledText(entry.log, arguments);
+        line = zoka::filledText(*entry.finding ? entry.finding : entry.log, arguments);
     }
     std::string text;
     for (const char c : line) {

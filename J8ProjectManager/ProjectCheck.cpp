@@ -25,11 +25,6 @@ private:
     std::set<Key> m_keys;
 };
 
-// A behaviour's skills and edits by what they are called.
-struct ParentIndex {
-    std::map<int, const J8Skill*> skills;
-};
-
 class Check {
 public:
     explicit Check(const CJ8ProjectManager& project) : m_project(project) {}
@@ -240,6 +235,33 @@ private:
 };
 
 }  // namespace
+
+std::string undeclaredRefusal(const CJ8ProjectManager& project, const ProjectField& field,
+                              const std::string& value) {
+    using Kind = ProjectField::Kind;
+    if (field.kind == Kind::EntityParent) {
+        return value.empty() || project.behavior(value) ? "" : "\"" + value + "\" is in no behaviors file";
+    }
+    if ((field.kind != Kind::EntitySkill && field.kind != Kind::EntityEdit) || fieldValue(project, field)) {
+        return {};
+    }
+    if (field.kind == Kind::EntitySkill) {
+        const std::string& name = project.m_apLevels[field.level].m_entities[field.entity].parent;
+        const CJ8BehaviorData* const parent = project.behavior(name);
+        const auto isIt = [&](const J8Skill& skill) { return skill.num == field.num; };
+        return !parent || std::ranges::any_of(parent->m_apSkillEdits, isIt)
+                   ? ""
+                   : "its parent \"" + name + "\" has no such skill";
+    }
+    const CJ8CMPData* const component = project.component(field.component);
+    if (!component) {
+        return "component \"" + field.component + "\" is in no components file";
+    }
+    const auto isIt = [&](const J8Property& property) { return property.name == field.name; };
+    return std::ranges::any_of(component->m_properties, isIt)
+               ? ""
+               : "component \"" + field.component + "\" has no such property";
+}
 
 std::vector<J8Finding> checkProject(const CJ8ProjectManager& project) {
     return Check(project).run();

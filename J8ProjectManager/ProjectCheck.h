@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "J8ProjectManager/J8ProjectManager.h"
+#include "J8ProjectManager/ProjectFields.h"
 
 namespace zoka {
 
@@ -11,5 +11,10 @@ namespace zoka {
 // their type or limits forbid, names that come twice, behaviours files that no entity uses, sections whose file
 // is no XML, map files that aren't there. In the order of the files. Reads the sections' files; linear otherwise.
 std::vector<J8Finding> checkProject(const CJ8ProjectManager& project);
+
+// Why a check would find fault with a value that an entity doesn't hold yet: no behaviours or components file declares
+// that parent, skill or property. Else empty.
+std::string undeclaredRefusal(const CJ8ProjectManager& project, const ProjectField& field,
+                              const std::string& value);
 
 }  // namespace zoka

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -41,18 +42,15 @@ bool setSection(CJ8ProjectManager& project, CJ8File& file, const std::string& te
     return false;
 }
 
+// What has a meaning of its own in an address, and how it is written in names.
+constexpr std::pair<char, std::string_view> kEscapes[] = {
+    {'/', "%2F"}, {'%', "%25"}, {'#', "%23"}, {'=', "%3D"}};
+
 std::string escaped(std::string_view name) {
     std::string made;
     for (const char c : name) {
-        if (c == '/') {
-            made += "%2F";
-        } else if (c == '%') {
-            made += "%25";
-        } else if (c == '#') {
-            made += "%23";
-        } else {
-            made += c;
-        }
+        const auto* const escape = std::ranges::find(kEscapes, c, &std::pair<char, std::string_view>::first);
+        made += escape == std::end(kEscapes) ? std::string(1, c) : std::string(escape->second);
     }
     return made;
 }
@@ -60,10 +58,11 @@ std::string escaped(std::string_view name) {
 std::string unescaped(std::string_view text) {
     std::string made;
     for (size_t i = 0; i < text.size(); ++i) {
-        const std::string_view code = text.substr(i, 3);
-        const char c = code == "%2F" || code == "%2f" ? '/' : code == "%25" ? '%' : code == "%23" ? '#' : 0;
-        made += c ? c : text[i];
-        i += c ? 2 : 0;
+        const auto* const escape = std::ranges::find_if(
+            kEscapes, [&](const auto& each) { return equalNoCase(each.second, text.substr(i, 3)); });
+        const bool isOne = escape != std::end(kEscapes);
+        made += isOne ? escape->first : text[i];
+        i += isOne ? 2 : 0;
     }
     return made;
 }

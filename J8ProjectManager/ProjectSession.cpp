@@ -8,6 +8,7 @@
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/Text.h"
+#include "xml/XMLConvert.h"
 
 namespace zoka {
 namespace {
@@ -38,6 +39,35 @@ std::string freeLevelName(const CJ8ProjectManager& project, const std::string& n
 
 std::string freeEntityName(const CJ8LevelData& level, const std::string& name) {
     return freeName(level.m_entities, name, [](const J8LevelEntity& entity) { return entity.name; });
+}
+
+// Why a project file can't hold the text; else empty.
+std::string textRefusal(const std::string& text) {
+    if (firstNotUtf8(text) != text.npos) {
+        return "This is no UTF-8 text.";
+    }
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r') {
+            return "The file can't hold control character " + std::to_string(static_cast<unsigned char>(c)) +
+                   ".";
+        }
+    }
+    return {};
+}
+
+// Why a value can't be taken away; else empty.
+std::string removalRefusal(const CJ8ProjectManager& project, const ProjectField& field) {
+    switch (field.kind) {
+        case ProjectField::Kind::Name:
+        case ProjectField::Kind::ProjectRoot:
+        case ProjectField::Kind::DataRoot:
+            return "A value is needed here, if an empty one: no parent gives one.";
+        case ProjectField::Kind::LevelName:
+        case ProjectField::Kind::EntityName:
+            return fieldRefusal(project, field, "");
+        default:
+            return {};
+    }
 }
 
 const char* severityWord(int severity) {
@@ -134,7 +164,11 @@ std::string ProjectSession::problemsText(const std::vector<ProjectProblem>& prob
         if (each.line > 0) {
             text += ":" + std::to_string(each.line) + ":" + std::to_string(each.column);
         }
-        text += std::string(": ") + severityWord(each.severity) + ": " + each.text + "\n";
+        text += std::string(": ") + severityWord(each.severity) + ": ";
+        for (const char c : each.text) {
+            text += c == '\n' ? "\\n" : c == '\r' ? "" : std::string(1, c);  // a name may hold line ends
+        }
+        text += "\n";
     }
     return text;
 }
@@ -155,7 +189,10 @@ bool ProjectSession::setValue(const ProjectField& field, const std::optional<std
     if (before == value) {
         return true;
     }
-    std::string refusal = value ? fieldRefusal(m_model, field, *value) : std::string();
+    std::string refusal = value ? textRefusal(*value) : removalRefusal(m_model, field);
+    if (value && refusal.empty()) {
+        refusal = fieldRefusal(m_model, field, *value);
+    }
     if (refusal.empty() && !m_edits.apply(m_model, {valueChange(m_model, field, value)}, typing)) {
         refusal = "This value does not fit here.";
     }

@@ -17,7 +17,8 @@ inline constexpr ReportEntry kRootMissing{"(LoadFromXML): MISSING Project!\r\n",
                                           "%1", kReportError};
 inline constexpr ReportEntry kNoName{"(LoadFromXML): No Name!\r\n", ZOKA_LOAD "No Name.", "%1",
                                      kReportWarning};
-inline constexpr ReportEntry kNoVers{"", ZOKA_LOAD "No Vers.", "%1", kReportWarning};
+inline constexpr ReportEntry kNoVers{"", ZOKA_LOAD "No Vers.", "%1", kReportWarning,
+                                     "(LoadFromXML): No Vers."};
 inline constexpr ReportEntry kNoDate{"(LoadFromXML): No Date!\r\n", ZOKA_LOAD "No Date.", "%1",
                                      kReportWarning};
 inline constexpr ReportEntry kPathsMissing{"PATHS MISSING!\r\n\r\n", ZOKA_LOAD,
@@ -42,7 +43,8 @@ inline constexpr ReportEntry kLevelFailed{"", ZOKA_LOAD, "LoadLevel(..) return f
 inline constexpr ReportEntry kBadPathTag{"", "CJ8ProjectManager PathTag(const CJ8File::eType&)",
                                          "kNotValid type.", kReportError};
 inline constexpr ReportEntry kNoFilename{"", "CJ8ProjectManager GetFilenameFromXML()",
-                                         "CJ8ProjectManager GetFilenameFromXML()", kReportError};
+                                         "CJ8ProjectManager GetFilenameFromXML()", kReportError,
+                                         "This element names no file: it needs proj_file, j8_file or file."};
 
 // What resolving a reference found, by its kind. %1: the path text.
 struct FileLines {

@@ -13,6 +13,8 @@ struct ReportEntry {
     const char* func = "";    // what the log names as the function
     const char* log = "";
     int severity = 0;  // 1 error, 2 warning, else a note
+    // What the list of problems says, where there is no report line and the log's text says too little.
+    const char* finding = "";
 };
 
 inline constexpr int kReportError = 1;

@@ -39,6 +39,9 @@ std::optional<std::uint64_t> numberOf(std::string_view name, std::string_view or
 }  // namespace
 
 BackupResult keepBackup(const std::string& path, std::string_view bytes) {
+    if (osFiles().exists(path) && !osFiles().openForWriting(path, OsOpen::Existing)) {
+        return {{}, "Can't write '" + path + "': " + osFiles().lastError()};
+    }
     std::vector<std::uint64_t> numbers;
     const std::string_view original = fileNameOf(path);
     for (const OsEntry& entry : osFiles().list(path + ".*" + std::string(kEnding))) {

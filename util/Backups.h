@@ -19,7 +19,7 @@ struct BackupResult {
 
 // Keeps `bytes`, what the file at `path` holds or held, in "PATH.N.bak", where N is one above the highest
 // number there. When the newest copy holds these bytes already, it is the copy. A copy that can't be deleted
-// to make room stays.
+// to make room stays. A file that can't be written gets none, since nothing will take its place: the error says so.
 BackupResult keepBackup(const std::string& path, std::string_view bytes);
 
 }  // namespace zoka

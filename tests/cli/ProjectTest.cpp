@@ -80,6 +80,45 @@ TEST_F(Project, SetsValuesAllOrNone) {
     EXPECT_EQ(folder.fileCount(), 3u) << "no logs are left behind";
 }
 
+TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
+    folder.write("bad.xml", "<Project name='p'>\n<Level>");
+    folder.write("other.xml", "<Projects><x>");
+    folder.write("names.xml",
+                 "<Project name='n' date='1'><Paths proj_file='' j8_file=''/>"
+                 "<Level name='l&#10;m' mapfile='x'/><Level name='a=b' mapfile='h.zlb'/></Project>");
+    const std::string set = "project set --dry-run game.xml level/harbour/entity/guard/";
+    const struct {
+        std::string arguments;
+        int status;
+        const char *out, *err;
+    } rows[] = {
+        {"project check .", 1, "\nnames.xml:1:1: warning: (LoadFromXML): No Vers.\n", "zoka: bad.xml:2:"},
+        {"project check none.xml", 3, "", "zoka: Can't read 'none.xml'"},
+        {"project report none.xml", 3, "(LoadFromXML): XML MISSING!\n", "zoka: Can't read 'none.xml'"},
+        {"project list game.xml level/nope", 2, "", "there is nothing at \"level/nope\""},
+        {"project list game.xml level/har", 2, "", "there is nothing at"},
+        {"project list names.xml", 0, "level/l\\nm/name = l\\nm\n", ""},
+        {"project check names.xml", 1, "level \"l\\nm\" is missing\n", ""},
+        {"project set --dry-run names.xml level/a%3Db/doc=x=y", 0, "+\t\t<Doc>x=y</Doc>\n", ""},
+        {"project set --dry-run game.xml -u level/harbour/name", 1, "", "A name is needed"},
+        {set + "skill/2=1 -u " + "level/harbour/entity/guard/skill/77", 0, "+\t\t\t<Skill num=\"2\"",
+         "skill/77 has no value of its own"},
+        {set + "skill/3=1", 1, "", "its parent \"g\" has no such skill; --undeclared"},
+        {set + "parent=nobody", 1, "", "\"nobody\" is in no behaviors file"},
+        {set + "component/body/mass=1", 1, "", "component \"body\" is in no components file"},
+        {set + "skill/3=1 --undeclared", 0, "+\t\t\t<Skill num=\"3\" value=\"1\"/>\n", ""},
+    };
+    for (const auto& row : rows) {
+        const ToolRun run = folder.run(row.arguments);
+        EXPECT_EQ(run.status, row.status) << row.arguments << "\n" << run;
+        EXPECT_THAT(run.out, HasSubstr(row.out)) << row.arguments;
+        EXPECT_THAT(run.err, HasSubstr(row.err)) << row.arguments;
+        if (!*row.err) {
+            EXPECT_EQ(run.err, "") << row.arguments;
+        }
+    }
+}
+
 TEST_F(Project, SavesAndFormats) {
     EXPECT_EQ(folder.run("project format game.xml"), (ToolRun{0}));
     const std::string formatted = folder.read("game.xml");

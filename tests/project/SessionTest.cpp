@@ -23,7 +23,7 @@ constexpr char kElements[] =
     "sea</Doc>\n"
     "\t\t<Entity name=\"guard\" parent=\"g\">\n\t\t\t<Skill num=\"1\" value=\"5\"/>\n"
     "\t\t\t<Component name=\"body\">\n\t\t\t\t<Edit name=\"mass\" value=\"7\"/>\n\t\t\t</Component>\n"
-    "\t\t</Entity>\n\t\t<Entity name=\"guard\"/>\n\t</Level>\n\t<Level name=\"a/b#1\"/>";
+    "\t\t</Entity>\n\t\t<Entity name=\"guard\"/>\n\t</Level>\n\t<Level name=\"a/b#1=%\"/>";
 constexpr char kBehaviors[] =
     "<Behaviors><Component proj_file='c.xml'/><Behavior name='g'><Skill num='1' name='Health' type='int' "
     "value='9'>"
@@ -73,7 +73,7 @@ TEST_F(ProjectSessionTest, AddressesNameEveryValue) {
     EXPECT_THAT(all(), HasSubstr("level/harbour/entity/guard/skill/1=5\n"
                                  "level/harbour/entity/guard/component/body/mass=7\n"
                                  "level/harbour/entity/guard#2/name=guard\n"));
-    EXPECT_THAT(all(), HasSubstr("level/a%2Fb%231/name=a/b#1\n"));
+    EXPECT_THAT(all(), HasSubstr("level/a%2Fb%231%3D%25/name=a/b#1=%\n"));
     zoka::forEachField(manager, [&](const ProjectField& field, const std::string& address) {
         EXPECT_EQ(zoka::addressOf(manager, field), address);
         const auto found = zoka::fieldAt(manager, address, why);
@@ -101,9 +101,16 @@ TEST_F(ProjectSessionTest, EditsAreRefusedTakenAndUndone) {
         {"level/harbour/entity/guard/component/body/solid", "maybe", "true or false is needed"},
         {"level/harbour/name", "", "A name is needed"},
         {"section/UI", "ui.xml", "must stand in front"},
+        {"level/harbour/name", nullptr, "A name is needed"},
+        {"level/harbour/entity/guard/name", nullptr, "A name is needed"},
+        {"name", nullptr, "no parent gives one"},
+        {"paths/project", nullptr, "no parent gives one"},
+        {"name", "a\x01z", "can't hold control character 1"},
+        {"level/harbour/doc", "caf\xE9", "no UTF-8"},
     };
     for (const auto& row : refused) {
-        EXPECT_FALSE(set(row.address, row.value)) << row.address;
+        EXPECT_FALSE(set(row.address, row.value ? std::optional<std::string>(row.value) : std::nullopt))
+            << row.address;
         EXPECT_THAT(why, HasSubstr(row.why));
         EXPECT_EQ(all(), before);
         EXPECT_FALSE(session.hasChanges());
@@ -395,4 +402,18 @@ TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
         EXPECT_EQ(get("name"), "Game") << failing;
         ASSERT_LT(failing, 200);
     }
+}
+
+TEST_F(ProjectSessionTest, AFileThatCannotBeWrittenGetsNoCopy) {
+    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
+    ASSERT_TRUE(set("name", "x"));
+    prompt.answers = {PromptAnswer::Yes};
+    {
+        zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
+            return op == "openForWriting" && file == path;
+        });
+        EXPECT_EQ(session.save(), ProjectSave::Failed);
+    }
+    EXPECT_THAT(session.problem(), HasSubstr("Can't write '" + path + "'"));
+    EXPECT_EQ(folder.read("game.xml.1.bak"), "<missing>");
 }

@@ -385,7 +385,7 @@ ExitStatus setLevel(const BehaviorOptions& options) {
         print(unifiedDifference(level.text(), text, level.path(), level.path()));
         return ExitStatus::Done;
     }
-    return text == level.text() || writeOutput(level.path(), text) ? ExitStatus::Done : ExitStatus::Failed;
+    return rewriteFile(level.path(), level.text(), text, [&] { return setLevel(options); });
 }
 
 ExitStatus diffLevels(const BehaviorOptions& options) {

@@ -87,6 +87,23 @@ bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind)
     return flushOutput();
 }
 
+ExitStatus rewriteFile(const std::string& path, const std::string& before, std::string_view bytes,
+                       const std::function<ExitStatus()>& again) {
+    if (bytes == before) {
+        return ExitStatus::Done;
+    }
+    FileContent file = {path, bytes};
+    file.expected = before;
+    const SafeWriteResult result = safeWrite({&file, 1});
+    if (result.changedMeanwhile) {
+        return again();
+    }
+    if (!result) {
+        complain(result.error);
+    }
+    return result ? ExitStatus::Done : ExitStatus::Failed;
+}
+
 bool flushOutput() {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) {
         return true;

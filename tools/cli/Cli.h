@@ -55,6 +55,10 @@ std::optional<std::string> readInput(const std::string& path);
 // Gives a file its new content (the old or the new one is left, whatever happens), or writes to the standard
 // output. False when it can't be written; it has then said why.
 bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind = FileKind::Named);
+// Gives a file that was read as `before` its new content. When it holds something else by now, it is left alone and
+// `again` is called, which starts the work anew from what the file holds; its status is the result.
+ExitStatus rewriteFile(const std::string& path, const std::string& before, std::string_view bytes,
+                       const std::function<ExitStatus()>& again);
 // Sends on what was written to the standard output so far. False when not all of it
 // arrived; it has then said so.
 bool flushOutput();

@@ -1,10 +1,11 @@
 // zoka project: J8 projects, without the dialog.
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "J8ProjectManager/ProjectCheck.h"
 #include "J8ProjectManager/ProjectSession.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
@@ -13,7 +14,7 @@
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
-#include "util/SafeWrite.h"
+#include "xml/XMLRead.h"
 
 namespace zoka::cli {
 namespace {
@@ -24,11 +25,12 @@ struct ProjectOptions {
     std::string file;
     std::vector<std::string> words;  // files, addresses, or address=value
     std::vector<std::string> unset;
-    bool json = false, dryRun = false;
+    bool json = false, dryRun = false, undeclared = false;
 };
 
+// Texts of a project are UTF-8; the terminal and the command line have the system's characters.
 void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    printShown(pathFromXml(text));
 }
 
 std::string oneLine(const std::string& text) {
@@ -39,17 +41,44 @@ std::string oneLine(const std::string& text) {
     return made;
 }
 
+// A path that a project names, as this system's other programs take it.
+std::string nativeText(std::string path) {
+#ifndef _WIN32
+    std::ranges::replace(path, '\\', '/');
+    if (path.size() > 2 && path[1] == ':' && path[2] == '/') {
+        path.erase(0, 2);
+    }
+#endif
+    return path;
+}
+
 // A project opened as the dialog opens it, but for the logs, which a run of a tool does not leave behind.
 class OpenProject {
 public:
-    explicit OpenProject(const std::string& file) : m_session(m_model, userPrompt()) {
+    // `given` is the file as the user named it.
+    OpenProject(const std::string& path, std::string given) : m_session(m_model, userPrompt()) {
         debugLogFileName().clear();
         m_session.writesStepReport = false;
         m_session.asksAboutOthersChanges = false;
-        m_open = m_session.open(suitePath(file));
+        m_open = m_session.open(path);
+        m_given = std::move(given);
         if (!m_open) {
-            complain(m_session.problem());
+            std::string why = m_session.problem();
+            if (const size_t at = why.find(m_session.path()); at != why.npos) {
+                why.replace(at, m_session.path().size(), m_given);
+            }
+            complain(why);
         }
+    }
+    explicit OpenProject(const std::string& given) : OpenProject(suitePath(given), given) {}
+
+    // With the files' names as the user writes them.
+    std::vector<ProjectProblem> shown(std::vector<ProjectProblem> problems) const {
+        const std::string own = xmlFromPath(m_session.path());
+        for (ProjectProblem& problem : problems) {
+            problem.file = problem.file == own ? xmlFromPath(m_given) : nativeText(std::move(problem.file));
+        }
+        return problems;
     }
 
     bool isOpen() const { return m_open; }
@@ -58,16 +87,16 @@ public:
 
     std::optional<ProjectField> find(const std::string& address) {
         std::string why;
-        auto field = fieldAt(m_model, address, why);
+        auto field = fieldAt(m_model, xmlFromPath(address), why);
         if (!field) {
-            complain(why);
+            complain(pathFromXml(why));
         }
         return field;
     }
 
     ExitStatus finish(bool dryRun, bool force) {
         if (dryRun) {
-            print(m_session.changesText());
+            printPatch(m_session.changesText());
             return ExitStatus::Done;
         }
         switch (m_session.save(force)) {
@@ -86,6 +115,7 @@ public:
 private:
     CJ8ProjectManager m_model;
     ProjectSession m_session;
+    std::string m_given;
     bool m_open = false;
 };
 
@@ -115,12 +145,29 @@ Json jsonOf(const ProjectProblem& problem) {
     return one;
 }
 
+// Whether the file is a project, or a damaged one.
+bool isProject(const std::string& path) {
+    XMLResults results;
+    if (!XMLNode::parseFile(path.c_str(), "Project", &results, {}, XMLCharset::Utf8).isEmpty()) {
+        return true;
+    }
+    const std::string bytes = osFiles().readWhole(path).value_or("");
+    for (size_t at = 0; results.code != kXmlFirstTagNotFound && at < bytes.size(); ++at) {
+        at = bytes.find("<Project", at);
+        if (at == bytes.npos || at + 8 >= bytes.size() ||
+            std::string_view(" \t\r\n/>").find(bytes[at + 8]) != std::string_view::npos) {
+            return at != bytes.npos;
+        }
+    }
+    return false;
+}
+
 // The XML files of a folder that are projects.
 std::vector<std::string> projectsIn(const std::string& folder) {
     std::vector<std::string> found;
     for (const OsEntry& entry : osFiles().list(joinPath(folder, "*.xml"))) {
         const std::string path = joinPath(folder, entry.name);
-        if (!entry.isFolder && !XMLNode::parseFile(path.c_str(), "Project").isEmpty()) {
+        if (!entry.isFolder && isProject(path)) {
             found.push_back(path);
         }
     }
@@ -142,12 +189,12 @@ ExitStatus check(const ProjectOptions& options) {
             }
         }
         for (const std::string& file : files) {
-            OpenProject open(file);
+            OpenProject open(file, file == path ? word : asGiven(file, path, word));
             if (!open.isOpen()) {
                 status = worse(status, osFiles().exists(file) ? ExitStatus::Findings : ExitStatus::Failed);
                 continue;
             }
-            const std::vector<ProjectProblem> problems = open.session().problems();
+            const std::vector<ProjectProblem> problems = open.shown(open.session().problems());
             for (const ProjectProblem& problem : problems) {
                 if (problem.severity <= kReportWarning) {
                     status = worse(status, ExitStatus::Findings);
@@ -233,7 +280,7 @@ ExitStatus show(const ProjectOptions& options) {
     // The same, a line a value; what a list holds is indented below its name.
     for (const auto& [name, value] : all.items()) {
         if (value.is_string()) {
-            print(name + ": " + value.get<std::string>() + "\n");
+            print(name + ": " + oneLine(value.get<std::string>()) + "\n");
             continue;
         }
         print(name + ":" + (value.empty() ? " none" : "") + "\n");
@@ -246,7 +293,7 @@ ExitStatus show(const ProjectOptions& options) {
                 const bool first = what == "name" || what == "file" || what == "kind";
                 line += (line.empty() ? "" : "  ") + (first ? text : what + " " + text);
             }
-            print("  " + line + "\n");
+            print("  " + oneLine(line) + "\n");
         }
     }
     return ExitStatus::Done;
@@ -257,11 +304,18 @@ ExitStatus list(const ProjectOptions& options) {
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
+    std::vector<std::string> words;
+    for (const std::string& word : options.words) {
+        words.push_back(xmlFromPath(word));
+    }
+    std::vector<bool> found(words.size());
     Json all = Json::array();
     forEachField(open.model(), [&](const ProjectField& field, const std::string& address) {
-        bool wanted = options.words.empty();
-        for (const std::string& word : options.words) {
-            wanted = wanted || address == word || address.starts_with(word + "/");
+        bool wanted = words.empty();
+        for (size_t i = 0; i < words.size(); ++i) {
+            if (address == words[i] || address.starts_with(words[i] + "/")) {
+                wanted = found[i] = true;
+            }
         }
         const auto value = fieldValue(open.model(), field);
         if (!wanted || !value) {
@@ -270,13 +324,20 @@ ExitStatus list(const ProjectOptions& options) {
         if (options.json) {
             all.push_back({{"address", jsonText(address)}, {"value", jsonText(*value)}});
         } else {
-            print(address + " = " + oneLine(*value) + "\n");
+            print(oneLine(address) + " = " + oneLine(*value) + "\n");
         }
     });
     if (options.json) {
         printJson(all);
     }
-    return ExitStatus::Done;
+    ExitStatus status = ExitStatus::Done;
+    for (size_t i = 0; i < words.size(); ++i) {
+        if (std::string why; !found[i] && !fieldAt(open.model(), words[i], why)) {
+            complain("there is nothing at \"" + options.words[i] + "\"");
+            status = ExitStatus::Usage;
+        }
+    }
+    return status;
 }
 
 // What holds for the field: its own value or what the parent gives.
@@ -334,12 +395,19 @@ ExitStatus set(const ProjectOptions& options) {
         if (!field) {
             return ExitStatus::Usage;
         }
-        std::string why;
-        if (!open.session().setValue(*field, value, &why)) {
-            complain(address + ": " + why + " (nothing was changed)");
-            return ExitStatus::Findings;
+        if (!value && !fieldValue(open.model(), *field)) {
+            complain(address + " has no value of its own");
+            return ExitStatus::Done;
         }
-        return ExitStatus::Done;
+        std::string why =
+            value && !options.undeclared ? undeclaredRefusal(open.model(), *field, *value) : std::string();
+        if (!why.empty()) {
+            why += "; --undeclared sets it all the same";
+        } else if (open.session().setValue(*field, value, &why)) {
+            return ExitStatus::Done;
+        }
+        complain(address + ": " + pathFromXml(why) + " (nothing was changed)");
+        return ExitStatus::Findings;
     };
     for (const std::string& word : options.words) {
         const size_t equals = word.find('=');
@@ -347,7 +415,7 @@ ExitStatus set(const ProjectOptions& options) {
             complain("\"" + word + "\" is not of the form address=value");
             return ExitStatus::Usage;
         }
-        if (const ExitStatus given = give(word.substr(0, equals), word.substr(equals + 1));
+        if (const ExitStatus given = give(word.substr(0, equals), xmlFromPath(word.substr(equals + 1)));
             given != ExitStatus::Done) {
             return given;
         }
@@ -370,24 +438,24 @@ ExitStatus format(const ProjectOptions& options) {
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
-    const std::vector<ProjectProblem> losses = open.session().losses();
+    const std::vector<ProjectProblem> losses = open.shown(open.session().losses());
     if (!losses.empty()) {
         print(ProjectSession::problemsText(losses));
         complain("not formatted: something would be lost (save keeps a copy)");
         return ExitStatus::Findings;
     }
     const std::string path = open.session().path();
-    const auto before = osFiles().readWhole(path);
+    const std::string& before = open.session().bytes();
     const auto after = open.model().fileText({}, open.model().m_date);
-    if (!before || !after) {
-        complain("cannot read " + path);
+    if (!after) {
+        complain("not enough memory to format " + options.file);
         return ExitStatus::Failed;
     }
     if (options.dryRun) {
-        print(unifiedDifference(*before, *after, path, path));
+        printPatch(unifiedDifference(before, *after, path, path));
         return ExitStatus::Done;
     }
-    return *before == *after || writeOutput(path, *after) ? ExitStatus::Done : ExitStatus::Failed;
+    return rewriteFile(path, before, *after, [&] { return format(options); });
 }
 
 }  // namespace
@@ -430,6 +498,8 @@ void addProjectCommands(CLI::App& app, Work& chosen) {
                                  "zoka project set game.xml level/harbour/entity/guard/skill/3=40", set));
     setting.add_option("ADDRESS=VALUE", options->words, "What to change");
     setting.add_option("-u,--unset", options->unset, "Take an entity's own value away: its parent's holds");
+    setting.add_flag("--undeclared", options->undeclared,
+                     "Also values that no behaviors or components file declares");
     dryRun(setting);
     dryRun(file(add("save", "Load a project and write it again", "zoka project save game.xml", save)));
     dryRun(file(add("format", "Lay a project file out as a save does, when nothing is lost by that",

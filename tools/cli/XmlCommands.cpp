@@ -118,8 +118,8 @@ ExitStatus formatFile(const std::string& path, const std::string* target) {
         complain("not enough memory to format " + path);
         return ExitStatus::Failed;
     }
-    if (!target && formatted == *bytes) {
-        return ExitStatus::Done;
+    if (!target && !isStandardStream(path)) {
+        return rewriteFile(path, *bytes, formatted, [&] { return formatFile(path, target); });
     }
     return writeOutput(target ? *target : path, formatted) ? ExitStatus::Done : ExitStatus::Failed;
 }

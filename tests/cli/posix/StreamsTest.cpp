@@ -73,7 +73,7 @@ TEST(Streams, AFolderThatTakesNoFileNeedsTheUsersWord) {
 // Each sets a value of its own in one project, at the same moment.
 TEST(TwoWriters, LoseNothingOfEachOther) {
     ToolFolder folder;
-    const std::string set = "project set two.xml level/l/entity/", tool = "'" ZOKA_CLI "' ";
+    const std::string set = "project set --undeclared two.xml level/l/entity/", tool = "'" ZOKA_CLI "' ";
     for (int round = 0; round < 12; ++round) {
         folder.write("two.xml",
                      "<Project name='n' date='1' vers='8.0303'><Paths proj_file='' j8_file=''/>"
