@@ -410,7 +410,7 @@ TEST_F(ProjectSessionTest, AFileThatCannotBeWrittenGetsNoCopy) {
     prompt.answers = {PromptAnswer::Yes};
     {
         zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
-            return op == "openForWriting" && file == path;
+            return op == "openExisting" && file == path;
         });
         EXPECT_EQ(session.save(), ProjectSave::Failed);
     }
