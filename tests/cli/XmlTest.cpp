@@ -140,11 +140,15 @@ TEST_F(XmlFormat, WritesToAnotherFileOrInPlace) {
     EXPECT_EQ(folder.read("old.xml"), folder.read("new.xml"));
     EXPECT_EQ(folder.read("b.xml"), "<b><c/></b>");
 
-    const std::string formatted = folder.run("xml format a.xml").out;
+    EXPECT_EQ(folder.run("xml format b.xml -o deep/er/new.xml").status, 0);
+    EXPECT_EQ(folder.read("deep/er/new.xml"), folder.read("new.xml"));
+    const std::string formatted = folder.run("xml format a.xml").out, before = folder.read("a.xml");
+    EXPECT_THAT(folder.run("xml format -i -n a.xml").out, testing::StartsWith("--- a.xml\n+++ a.xml\n"));
+    EXPECT_EQ(folder.read("a.xml"), before);
     EXPECT_EQ(folder.run("xml format --in-place a.xml b.xml"), (ToolRun{0}));
     EXPECT_EQ(folder.read("a.xml"), formatted);
     EXPECT_EQ(folder.read("b.xml"), folder.read("new.xml"));
-    EXPECT_EQ(folder.fileCount(), 4u);  // nothing is left behind
+    EXPECT_EQ(folder.fileCount(), 5u);  // nothing is left behind
 }
 
 TEST_F(XmlFormat, LeavesAFileThatNeedsNoChangeAlone) {
@@ -170,7 +174,7 @@ TEST_F(XmlFormat, KeepsBadFilesAsTheyAre) {
 
 TEST_F(XmlFormat, ThatCannotWriteKeepsTheOldFile) {
     folder.write("a.xml", "<a><b/></a>");
-    ToolRun run = folder.run("xml format a.xml -o nowhere/b.xml");
+    ToolRun run = folder.run("xml format a.xml -o a.xml/b.xml");
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err, HasSubstr("b.xml"));
     std::string many = "<a>";

@@ -10,6 +10,7 @@
 
 #include "util/ConsolePrompt.h"
 #include "util/OsFiles.h"
+#include "util/PathRules.h"
 #include "util/SafeWrite.h"
 
 namespace zoka::cli {
@@ -77,6 +78,11 @@ std::optional<std::string> readInput(const std::string& path) {
 
 bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind) {
     if (!isStandardStream(path)) {
+        // Where it can't be made, the file can't either, and that is told with its name.
+        const std::string folder(folderOf(osFiles().fullPath(path)));
+        if (!folder.empty() && !osFiles().exists(folder)) {
+            osFiles().makeFolders(folder);
+        }
         const SafeWriteResult result = safeWrite(path, bytes, kind);
         if (!result) {
             complain(result.error);

@@ -9,6 +9,7 @@
 
 #include "tools/cli/Cli.h"
 #include "util/ConsolePrompt.h"
+#include "util/LineDiff.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLNode.h"
 
@@ -103,7 +104,7 @@ ExitStatus check(const std::vector<std::string>& paths) {
 }
 
 // Formats one file to `target`; null stands for the file itself, which is then left alone if nothing changes.
-ExitStatus formatFile(const std::string& path, const std::string* target) {
+ExitStatus formatFile(const std::string& path, const std::string* target, bool dryRun) {
     const auto bytes = readInput(path);
     if (!bytes) {
         return ExitStatus::Failed;
@@ -121,6 +122,10 @@ ExitStatus formatFile(const std::string& path, const std::string* target) {
     if (!target && !isStandardStream(path)) {
         return rewriteFile(path, *bytes, formatted, [&] { return formatFile(path, target); });
     }
+    if (dryRun) {
+        printPatch(unifiedDifference(*bytes, formatted, path, path));
+        return ExitStatus::Done;
+    }
     return writeOutput(target ? *target : path, formatted) ? ExitStatus::Done : ExitStatus::Failed;
 }
 
@@ -135,7 +140,7 @@ void addCheck(CLI::App& xml, Work& chosen) {
 struct FormatOptions {
     std::vector<std::string> paths;
     std::string output = "-";
-    bool inPlace = false;
+    bool inPlace = false, dryRun = false;
 };
 
 void addFormat(CLI::App& xml, Work& chosen) {
@@ -147,6 +152,7 @@ void addFormat(CLI::App& xml, Work& chosen) {
         command->add_option("-o,--output", options->output, "Write to this file; - is the standard output");
     command->add_flag("-i,--in-place", options->inPlace, "Write each file back to its own place")
         ->excludes(output);
+    command->add_flag("-n,--dry-run", options->dryRun, "Write nothing; print the lines that would change");
     setExample(*command, "zoka xml format main.xml -o formatted.xml");
     command->callback([=, &chosen] {
         for (const std::string& path : options->paths) {
@@ -160,7 +166,8 @@ void addFormat(CLI::App& xml, Work& chosen) {
         chosen = [=] {
             ExitStatus status = ExitStatus::Done;
             for (const std::string& path : options->paths) {
-                status = worse(status, formatFile(path, options->inPlace ? nullptr : &options->output));
+                status = worse(
+                    status, formatFile(path, options->inPlace ? nullptr : &options->output, options->dryRun));
             }
             return status;
         };
