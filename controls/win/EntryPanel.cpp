@@ -32,20 +32,20 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     }
     const auto tip = [&] {
         const HWND made =
-            CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, "", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0,
-                            0, 0, m_window, nullptr, ControlClasses::instance(), nullptr);
+            CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, L"", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0,
+                            0, 0, 0, m_window, nullptr, ControlClasses::instance(), nullptr);
         SendMessageA(made, TTM_SETMAXTIPWIDTH, 0, m_fonts->x(240));
         return made;
     };
     m_tooltip = tip();
     SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
     m_balloon = tip();
-    TTTOOLINFOA tool{};
-    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    TTTOOLINFOW tool{};
+    tool.cbSize = TTTOOLINFOW_V1_SIZE;
     tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
     tool.hwnd = m_window;
-    tool.lpszText = const_cast<char*>("");
-    SendMessageA(m_balloon, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    tool.lpszText = const_cast<wchar_t*>(L"");
+    SendMessageA(m_balloon, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     return m_window;
 }
 
@@ -82,7 +82,7 @@ SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) con
             std::max(1, static_cast<int>(picture.height * by))};
 }
 
-int EntryPanel::textHeight(const std::string& text, int width) const {
+int EntryPanel::textHeight(const std::wstring& text, int width) const {
     const int line = m_fonts->lineHeight();
     // Only what is short enough for one line whatever its letters are isn't measured.
     if (static_cast<int>(std::min<size_t>(text.size(), 100000)) * m_fonts->x(8) <= width) {
@@ -91,7 +91,7 @@ int EntryPanel::textHeight(const std::string& text, int width) const {
     RECT area{0, 0, std::max(width, 20), 0};
     const HDC dc = GetDC(m_window);
     const HGDIOBJ old = SelectObject(dc, m_fonts->text());
-    DrawTextA(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
     SelectObject(dc, old);
     ReleaseDC(m_window, dc);
     return std::clamp(static_cast<int>(area.bottom), line, line * 20);
@@ -108,7 +108,8 @@ int EntryPanel::heightOf(size_t row, int width) {
     if (facts.field == EntryField::Text) {
         int& height = m_textHeights[row];
         if (height == 0) {
-            height = textHeight(facts.label, width - m_fonts->x(5)) + m_fonts->px(4);
+            height = textHeight(wideText(facts.label, codePageOf(facts.set)), width - m_fonts->x(5)) +
+                     m_fonts->px(4);
         }
         return height;
     }
@@ -145,9 +146,12 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     const HGDIOBJ old = SelectObject(dc, m_bold);
     for (size_t row = 0; row < std::min(m_editing.size(), kMeasuredLabels); ++row) {
         const EntryFacts& facts = m_editing.row(row).facts();
+        if (!hasValue(facts.field) || facts.field == EntryField::Switch) {
+            continue;
+        }
+        const std::wstring label = wideText(facts.label, codePageOf(facts.set));
         SIZE size{};
-        if (hasValue(facts.field) && facts.field != EntryField::Switch &&
-            GetTextExtentPoint32A(dc, facts.label.c_str(), static_cast<int>(facts.label.size()), &size)) {
+        if (GetTextExtentPoint32W(dc, label.c_str(), static_cast<int>(label.size()), &size)) {
             m_widestLabel = std::max(m_widestLabel, static_cast<int>(size.cx));
         }
     }

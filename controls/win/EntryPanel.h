@@ -80,8 +80,8 @@ public:
     void fieldFocused(size_t row);
     // A text that was refused stays in its field until it's mended or given up.
     struct Draft {
-        std::string text, why;
-        std::string value;  // of the row, when it was typed; with another one the text is forgotten
+        std::string text, why;  // the text in UTF-8
+        std::string value;      // of the row, when it was typed; with another one the text is forgotten
     };
     const Draft* draftOf(size_t row);
     void keepDraft(size_t row, std::string text, std::string why);
@@ -99,7 +99,7 @@ private:
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void makeFonts();
     void freeFonts();
-    int textHeight(const std::string& text, int width) const;
+    int textHeight(const std::wstring& text, int width) const;
     int heightOf(size_t row, int width);
     int labelWidth(int width) const;
     void layout();
@@ -113,7 +113,7 @@ private:
     std::optional<std::string> chooseColour(const std::string& before);
     RECT balloonPlace(HWND field) const;
     void paintEmpty();
-    void tooltipText(NMTTDISPINFOA& info);
+    void tooltipText(NMTTDISPINFOW& info);
     EntryWindow* windowOf(HWND control);
     EntryWindow* focused();
     std::optional<size_t> keyboardRow();
@@ -133,8 +133,8 @@ private:
     int m_top = 0;                     // of the view in the content
     int m_wheel = 0;                   // what is left of turns smaller than a notch
     int m_widestLabel = 0;             // of the rows measured
-    std::string m_tip;                 // what the tooltip shows
-    std::string m_refusal;             // and what stands below a field
+    std::wstring m_tip;                // what the tooltip shows
+    std::wstring m_refusal;            // and what stands below a field
     std::map<size_t, Draft> m_drafts;  // by row
     std::optional<size_t> m_lastFocused;
     HWND m_menuField = nullptr, m_refusedField = nullptr;

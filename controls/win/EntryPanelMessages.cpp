@@ -20,9 +20,9 @@ namespace {
 constexpr UINT_PTR kHideTimer = 1;
 constexpr UINT kRefusalMs = 6000;
 
-TTTOOLINFOA toolOf(HWND panel) {
-    TTTOOLINFOA tool{};
-    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+TTTOOLINFOW toolOf(HWND panel) {
+    TTTOOLINFOW tool{};
+    tool.cbSize = TTTOOLINFOW_V1_SIZE;
     tool.hwnd = panel;
     return tool;
 }
@@ -30,17 +30,17 @@ TTTOOLINFOA toolOf(HWND panel) {
 }  // namespace
 
 void EntryPanel::addTooltip(HWND control) {
-    TTTOOLINFOA tool = toolOf(m_window);
+    TTTOOLINFOW tool = toolOf(m_window);
     tool.uFlags = TTF_IDISHWND;
     tool.uId = reinterpret_cast<UINT_PTR>(control);
-    tool.lpszText = LPSTR_TEXTCALLBACKA;
-    SendMessageA(m_tooltip, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    tool.lpszText = LPSTR_TEXTCALLBACKW;
+    SendMessageA(m_tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
 void EntryPanel::removeTooltip(HWND control) {
-    TTTOOLINFOA tool = toolOf(m_window);
+    TTTOOLINFOW tool = toolOf(m_window);
     tool.uId = reinterpret_cast<UINT_PTR>(control);
-    SendMessageA(m_tooltip, TTM_DELTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(m_tooltip, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
 void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -57,11 +57,12 @@ void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARA
     SendMessageA(m_tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
 }
 
-void EntryPanel::tooltipText(NMTTDISPINFOA& info) {
+void EntryPanel::tooltipText(NMTTDISPINFOW& info) {
     const EntryWindow* const window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
     const Draft* const draft = window ? draftOf(window->row()) : nullptr;
-    m_tip = draft ? "Not taken: " + draft->why + "\r\n" : "";
-    m_tip += window ? m_editing.tooltip(window->row()) : std::string();
+    const std::string why = draft ? "Not taken: " + draft->why + "\r\n" : std::string();
+    const std::string about = window ? m_editing.tooltip(window->row()) : std::string();
+    m_tip = wideReport(why) + wideReport(about);
     info.lpszText = m_tip.data();
 }
 
@@ -69,11 +70,11 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
     if (!m_window || text.empty()) {
         return;
     }
-    m_refusal = text;
+    m_refusal = wideReport(text);
     m_refusedField = field;
-    TTTOOLINFOA tool = toolOf(m_window);
+    TTTOOLINFOW tool = toolOf(m_window);
     tool.lpszText = m_refusal.data();
-    SendMessageA(m_balloon, TTM_UPDATETIPTEXTA, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(m_balloon, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
     const RECT area = balloonPlace(field);
     SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
     // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
@@ -84,7 +85,7 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
 
 // Below the field, or above it where it would hide the one that has the keyboard.
 RECT EntryPanel::balloonPlace(HWND field) const {
-    const TTTOOLINFOA tool = toolOf(m_window);
+    const TTTOOLINFOW tool = toolOf(m_window);
     const auto size =
         static_cast<DWORD>(SendMessageA(m_balloon, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool)));
     RECT at, focus, both;
@@ -104,7 +105,7 @@ void EntryPanel::hideRefusal() {
     }
     KillTimer(m_window, kHideTimer);
     m_refusing = false;
-    TTTOOLINFOA tool = toolOf(m_window);
+    TTTOOLINFOW tool = toolOf(m_window);
     SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
 }
 
@@ -267,11 +268,13 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_NOTIFY: {
             auto* const header = reinterpret_cast<NMHDR*>(lParam);
             if (header && header->hwndFrom == m_tooltip &&
-                header->code == static_cast<UINT>(TTN_GETDISPINFOA)) {
-                tooltipText(*reinterpret_cast<NMTTDISPINFOA*>(lParam));
+                header->code == static_cast<UINT>(TTN_GETDISPINFOW)) {
+                tooltipText(*reinterpret_cast<NMTTDISPINFOW*>(lParam));
             }
             return 0;
         }
+        case WM_NOTIFYFORMAT:
+            return NFR_UNICODE;  // the tooltips ask
         case kLayoutRows:
             m_laidOutSoon = false;
             layout();
@@ -286,7 +289,7 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             if (!m_refusing) {
                 return 0;
             }
-            TTTOOLINFOA tool = toolOf(m_window);
+            TTTOOLINFOW tool = toolOf(m_window);
             if (IsWindow(m_refusedField)) {  // the keyboard may be elsewhere by now
                 const RECT at = balloonPlace(m_refusedField);
                 SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(at.left, at.top));

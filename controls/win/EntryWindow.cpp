@@ -92,20 +92,21 @@ HWND EntryWindow::child(HWND control) {
     if (!control) {
         return nullptr;
     }
-    SetWindowLongPtrA(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_procedures.emplace_back(control, reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
+    SetWindowLongPtrW(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_procedures.emplace_back(control, reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
                                            control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(fieldProc))));
     m_panel.addTooltip(control);
     return control;
 }
 
-HWND EntryWindow::make(const char* className, const char* text, DWORD style, DWORD exStyle, int id,
+HWND EntryWindow::make(const char* className, const std::string& text, DWORD style, DWORD exStyle, int id,
                        HFONT font, const PanelRect& at) {
     if (m_panel.host().leaving()) {
         return nullptr;
     }
-    const HWND made = CreateWindowExA(
-        exStyle, className, text, WS_CHILD | WS_VISIBLE | style, at.x, at.y, at.width, at.height, m_window,
+    const HWND made = CreateWindowExW(
+        exStyle, wideText(className).c_str(), wideText(text, codePage()).c_str(),
+        WS_CHILD | WS_VISIBLE | style, at.x, at.y, at.width, at.height, m_window,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), nullptr);
     if (font) {
         SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
@@ -119,7 +120,7 @@ void EntryWindow::makeControls(const Parts& at) {
     const HFONT text = m_panel.fonts().text();
     m_panel.addTooltip(m_window);
     const auto label = [&](HFONT font, DWORD style, const std::string& shown) {
-        m_label = make("STATIC", shown.c_str(), SS_NOPREFIX | style, 0, kLabel, font, at.label);
+        m_label = make("STATIC", shown, SS_NOPREFIX | style, 0, kLabel, font, at.label);
     };
     // Several lines are broken at the field's width, one line scrolls.
     const auto edit = [&](const char* className, DWORD style) {
@@ -137,12 +138,11 @@ void EntryWindow::makeControls(const Parts& at) {
             }
             return;
         case EntryField::Heading:
-            m_field = make("BUTTON", is.label.c_str(), BS_OWNERDRAW | WS_TABSTOP, 0, kField,
-                           m_panel.boldFont(), at.field);
+            m_field =
+                make("BUTTON", is.label, BS_OWNERDRAW | WS_TABSTOP, 0, kField, m_panel.boldFont(), at.field);
             return;
         case EntryField::Switch:
-            m_field = make("BUTTON", switchText(is.label).c_str(), BS_3STATE | WS_TABSTOP, 0, kField, text,
-                           at.field);
+            m_field = make("BUTTON", switchText(is.label), BS_3STATE | WS_TABSTOP, 0, kField, text, at.field);
             return;
         default:
             break;
@@ -210,8 +210,8 @@ void EntryWindow::fitSwitchText() {
     RECT area;
     GetClientRect(m_field, &area);
     const int width = static_cast<int>(area.right) - m_panel.fonts().x(12);
-    const std::string& label = facts().label;
-    std::string shown = label;
+    const std::wstring label = wideText(facts().label, codePage());
+    std::wstring shown = label;
     if (width > 0 &&
         static_cast<int>(std::min<size_t>(label.size(), 100000)) * m_panel.fonts().x(8) > width) {
         const HDC dc = GetDC(m_field);
@@ -219,18 +219,18 @@ void EntryWindow::fitSwitchText() {
         const HGDIOBJ old = SelectObject(dc, m_panel.boldFont());
         SIZE size{}, dots{};
         int fits = 0;
-        GetTextExtentPoint32A(dc, "...", 3, &dots);
-        GetTextExtentExPointA(dc, label.c_str(), static_cast<int>(label.size()), width, &fits, nullptr,
+        GetTextExtentPoint32W(dc, L"...", 3, &dots);
+        GetTextExtentExPointW(dc, label.c_str(), static_cast<int>(label.size()), width, &fits, nullptr,
                               &size);
         if (static_cast<size_t>(fits) < label.size()) {
-            GetTextExtentExPointA(dc, label.c_str(), static_cast<int>(label.size()), width - dots.cx, &fits,
+            GetTextExtentExPointW(dc, label.c_str(), static_cast<int>(label.size()), width - dots.cx, &fits,
                                   nullptr, &size);
-            shown = label.substr(0, static_cast<size_t>(std::max(fits, 0))) + "...";
+            shown = label.substr(0, static_cast<size_t>(std::max(fits, 0))) + L"...";
         }
         SelectObject(dc, old);
         ReleaseDC(m_field, dc);
     }
-    setText(m_field, switchText(shown));
+    setText(m_field, switchText(narrowText(shown, codePage())), codePage());
 }
 
 bool EntryWindow::canTakeOver(size_t row) const {
@@ -246,7 +246,7 @@ void EntryWindow::takeOver(size_t row) {
     m_row = row;
     const EntryFacts& is = facts();
     if (is.field != EntryField::Switch) {
-        setText(m_label ? m_label : m_field, is.label);
+        setText(m_label ? m_label : m_field, is.label, codePage());
     }
     if (is.field == EntryField::DropList) {
         if (before.options != is.options || before.hostNames != is.hostNames) {
@@ -269,7 +269,8 @@ void EntryWindow::takeOver(size_t row) {
 void EntryWindow::fillDropList() {
     const auto add = [&](const std::vector<std::string>& list) {
         for (const std::string& option : list) {
-            SendMessageA(m_field, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(option.c_str()));
+            SendMessageW(m_field, CB_ADDSTRING, 0,
+                         reinterpret_cast<LPARAM>(wideText(option, codePage()).c_str()));
         }
     };
     add(facts().options);
@@ -296,38 +297,56 @@ void EntryWindow::showChoice(const std::string& value) {
         if (m_foreign) {
             SendMessageA(m_field, CB_DELETESTRING, 0, 0);
         }
-        SendMessageA(m_field, CB_INSERTSTRING, 0, reinterpret_cast<LPARAM>(value.c_str()));
+        SendMessageW(m_field, CB_INSERTSTRING, 0,
+                     reinterpret_cast<LPARAM>(wideText(value, codePage()).c_str()));
         m_foreign = true;
         place = 0;
     }
     SendMessageA(m_field, CB_SETCURSEL, place, 0);
 }
 
-std::string EntryWindow::fieldText() const {
-    std::string text = textOf(m_field);
-    // The field's line ends are the system's, the value's those of its script.
-    if (facts().bareFeeds) {
-        std::erase(text, '\r');
+// The item of the list that was chosen, as fillDropList and showChoice put it there.
+std::string EntryWindow::chosenValue() const {
+    auto chosen = static_cast<size_t>(std::max<LRESULT>(SendMessageA(m_field, CB_GETCURSEL, 0, 0), 0));
+    if (m_foreign && chosen-- == 0) {
+        return model().value();
     }
+    const std::vector<std::string>& own = facts().options;
+    if (chosen < own.size()) {
+        return own[chosen];
+    }
+    return facts().hostNames && chosen - own.size() < facts().hostNames->size()
+               ? (*facts().hostNames)[chosen - own.size()]
+               : model().value();
+}
+
+UINT EntryWindow::codePage() const {
+    return codePageOf(facts().set);
+}
+
+// What stands in the field, in the script's set. Nothing, with the reason, where that lacks a character of it.
+std::optional<std::string> EntryWindow::fieldText(std::string& why) const {
+    auto text = convertText(textOf(m_field, CP_UTF8), TextSet::Utf8, facts().set, &why);
     // Where people write a comma for the point it is one.
     char point[4] = "";
-    if (isNumber(facts().field) && facts().decimal && text.find('.') == text.npos &&
+    if (text && isNumber(facts().field) && facts().decimal && text->find('.') == text->npos &&
         GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, point, sizeof point) > 0 && point[0] == ',') {
-        const size_t comma = text.find(',');
-        if (comma != text.npos) {
-            text[comma] = '.';
+        const size_t comma = text->find(',');
+        if (comma != text->npos) {
+            (*text)[comma] = '.';
         }
     }
     return text;
 }
 
+// `value` in UTF-8.
 void EntryWindow::setFieldText(const std::string& value) {
     const std::string shown = isMultiLine() ? withCrLf(value) : value;
-    if (textOf(m_field) == shown) {
+    if (textOf(m_field, CP_UTF8) == shown) {
         return;
     }
     m_updating = true;
-    SetWindowTextA(m_field, shown.c_str());
+    SetWindowTextW(m_field, wideText(shown, CP_UTF8).c_str());
     if (GetFocus() == m_field) {
         SendMessageA(m_field, EM_SETSEL, 0, -1);
     } else {
@@ -363,7 +382,7 @@ void EntryWindow::showValue() {
         showChoice(value);
     } else if (!m_typing) {
         const EntryPanel::Draft* const draft = m_panel.draftOf(m_row);
-        setFieldText(draft ? draft->text : value);
+        setFieldText(draft ? draft->text : utf8Text(value, facts().set));
         InvalidateRect(m_field, nullptr, TRUE);
     }
     if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition()) {
@@ -394,23 +413,23 @@ void EntryWindow::giveBack() {
 }
 
 void EntryWindow::typed() {
-    const std::string text = fieldText();
     std::string why;
+    const std::optional<std::string> text = fieldText(why);
     if (GetFocus() != m_field) {  // set by another program
-        if (!m_panel.rows().setValue(m_row, text, &why, false)) {
+        if (!text || !m_panel.rows().setValue(m_row, *text, &why, false)) {
             refused(why);
         }
         return showValue();
     }
     m_typing = true;
-    if (m_panel.rows().setValue(m_row, text, &why, true)) {
+    if (text && m_panel.rows().setValue(m_row, *text, &why, true)) {
         m_panel.dropDraft(m_row);
         m_panel.hideRefusal();
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
         giveBack();
-        m_panel.keepDraft(m_row, textOf(m_field), why);
-        if (mayBecomeRight(facts(), text)) {
+        m_panel.keepDraft(m_row, textOf(m_field, CP_UTF8), why);
+        if (text && mayBecomeRight(facts(), *text)) {
             m_panel.hideRefusal();
         } else {
             refused(why);
@@ -501,7 +520,7 @@ void EntryWindow::command(WORD code, HWND control) {
         }
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
         std::string why;
-        if (!m_panel.rows().setValue(m_row, chosenItem(m_field), &why, false)) {
+        if (!m_panel.rows().setValue(m_row, chosenValue(), &why, false)) {
             refused(why);
             showValue();
         }
@@ -531,7 +550,7 @@ bool EntryWindow::keyDown(HWND control, WPARAM key) {
 }
 
 LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     return answerInside(window, [&] { return self->fieldMessage(window, message, wParam, lParam); });
 }
 
@@ -593,7 +612,7 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
     }
     const auto own = std::find_if(self->m_procedures.begin(), self->m_procedures.end(),
                                   [window](const auto& one) { return one.first == window; });
-    return CallWindowProcA(own->second, window, message, wParam, lParam);
+    return CallWindowProcW(own->second, window, message, wParam, lParam);
 }
 
 LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

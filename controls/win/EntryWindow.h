@@ -4,16 +4,22 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "controls/EntryModel.h"
 #include "controls/PanelLayout.h"
+#include "controls/TextSet.h"
 
 namespace zoka {
 
 class EntryPanel;
+
+inline UINT codePageOf(TextSet set) {
+    return set == TextSet::Utf8 ? CP_UTF8 : CP_ACP;
+}
 
 // Made for rows in sight; one whose row leaves it shows another row or is freed, as the value stands in the model.
 // None of its procedures runs a loop of its own (a menu, a box), so that neither happens while one is at work.
@@ -58,7 +64,7 @@ private:
     Parts partsIn(int width, int height) const;
     void makeControls(const Parts& at);
     HWND child(HWND control);
-    HWND make(const char* className, const char* text, DWORD style, DWORD exStyle, int id, HFONT font,
+    HWND make(const char* className, const std::string& text, DWORD style, DWORD exStyle, int id, HFONT font,
               const PanelRect& at);
     void fitControls();
     void fillDropList();
@@ -74,7 +80,9 @@ private:
     void slid(WORD code);
     void spun(bool up);
     bool keyDown(HWND control, WPARAM key);
-    std::string fieldText() const;
+    std::optional<std::string> fieldText(std::string& why) const;
+    std::string chosenValue() const;
+    UINT codePage() const;
     void setFieldText(const std::string& value);
     void showBeginning();
     void fitSwitchText();

@@ -132,10 +132,10 @@ void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
     SetTextColor(item.hDC, GetSysColor(COLOR_BTNTEXT));
     RECT text{left + size + left, area.top, area.right, area.bottom};
     RECT extent = text;
-    const std::string& label = facts().label;
+    const std::wstring label = wideText(facts().label, codePage());
     constexpr UINT kHow = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
-    DrawTextA(item.hDC, label.c_str(), -1, &extent, kHow | DT_CALCRECT);
-    DrawTextA(item.hDC, label.c_str(), -1, &text, kHow);
+    DrawTextW(item.hDC, label.c_str(), -1, &extent, kHow | DT_CALCRECT);
+    DrawTextW(item.hDC, label.c_str(), -1, &text, kHow);
     SelectObject(item.hDC, oldFont);
     RECT line{extent.right + left, middle, area.right, middle + 1};
     if (line.left < line.right) {

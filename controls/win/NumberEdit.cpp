@@ -25,24 +25,25 @@ LRESULT CALLBACK numberEdit(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(pastedNumber(window).c_str()));
         return 0;
     }
-    return CallWindowProcA(g_edit, window, message, wParam, lParam);
+    return CallWindowProcW(g_edit, window, message, wParam, lParam);
 }
 
 }  // namespace
 
 void registerNumberEdits(HINSTANCE instance) {
-    WNDCLASSEXA model{};
+    WNDCLASSEXW model{};
     model.cbSize = sizeof model;
-    GetClassInfoExA(nullptr, "EDIT", &model);
+    GetClassInfoExW(nullptr, L"EDIT", &model);
     g_edit = model.lpfnWndProc;
     model.cbSize = sizeof model;
     model.hInstance = instance;
     model.style &= ~static_cast<UINT>(CS_GLOBALCLASS);
-    model.lpszClassName = kIntEditClass;
     model.lpfnWndProc = numberEdit;
-    RegisterClassExA(&model);
-    model.lpszClassName = kFloatEditClass;
-    RegisterClassExA(&model);
+    for (const char* const name : {kIntEditClass, kFloatEditClass}) {
+        const std::wstring wide = wideText(name);
+        model.lpszClassName = wide.c_str();
+        RegisterClassExW(&model);
+    }
 }
 
 }  // namespace zoka

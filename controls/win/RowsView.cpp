@@ -145,7 +145,7 @@ bool RowsView::command(int id, int code) {
 }
 
 void RowsView::filterChanged() {
-    m_rows.filter.search = textOf(m_search);
+    m_rows.filter.search = textOf(m_search, CP_UTF8);
     m_rows.filter.changedOnly = IsDlgButtonChecked(m_parent, m_firstId + kChangedOnly) == BST_CHECKED;
     m_panel.layoutSoon();
 }
@@ -229,7 +229,8 @@ void RowsView::showCount() {
 void RowsView::rowFocused(size_t row) {
     if (row < m_rows.size()) {
         m_helpRow = row;
-        setText(m_help, onOneLine(m_rows.helpText(row), "\r\n"));  // as the field wants its lines
+        // With line ends as the field wants them.
+        setText(m_help, onOneLine(m_rows.helpText(row), "\r\n"), codePageOf(m_rows.row(row).facts().set));
     }
 }
 

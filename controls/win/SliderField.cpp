@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "controls/win/ControlClasses.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 
@@ -35,7 +36,7 @@ HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWi
                     at.track.x, at.track.y, at.track.width, at.track.height, window,
                     reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderTrack)), instance, nullptr);
     const HWND number =
-        CreateWindowExA(WS_EX_CLIENTEDGE, decimal ? kFloatEditClass : kIntEditClass, "",
+        CreateWindowExW(WS_EX_CLIENTEDGE, wideText(decimal ? kFloatEditClass : kIntEditClass).c_str(), L"",
                         WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, at.number.x, at.number.y,
                         at.number.width, at.number.height, window,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderNumber)), instance, nullptr);

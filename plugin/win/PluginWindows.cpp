@@ -16,6 +16,7 @@
 #include "plugin/win/ViewThread.h"
 #include "templates/IncludedScripts.h"
 #include "templates/win/ManagerDialog.h"
+#include "ui/win/ControlsContext.h"
 
 namespace zoka {
 
@@ -74,6 +75,7 @@ std::unique_ptr<ZunEditorInterface> PluginWindows::makeEditor(void* rawEditor) {
 }
 
 std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterface& editor) {
+    const ControlsContext controls(g_module);
     return std::make_unique<CustomizeWindow>(editor);
 }
 
@@ -90,6 +92,7 @@ bool PluginWindows::behaviorPanelDefined(const std::string& projectFile, const s
 std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
     ZunEditorInterface& editor, const HostContext* context,
     const std::optional<EntityDescriptor>& descriptor) {
+    const ControlsContext controls(g_module);
     std::optional<BehaviorProject> project;
     if (descriptor) {
         const std::string file = projectFileOf(editor.GetMainScriptPath().value_or("")).value_or("");
@@ -103,11 +106,13 @@ std::unique_ptr<PanelThread> PluginWindows::makeThread(PanelState& state, PanelD
 }
 
 void PluginWindows::runProjectManager(ZunEditorInterface&, const std::string& projectFile) {
+    const ControlsContext controls(g_module);
     runProjectDialog({*CJ8ProjectManager::Instance(), projectFile, g_module, IDI_ZOKA});
 }
 
 void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::string&, const std::string&,
                                      const std::string& catalogue) {
+    const ControlsContext controls(g_module);
     const auto customize = [&editor](HWND owner, const std::string& script) {
         CustomizeDialog({editor, script, {}, g_module, IDI_ZOKA}).runModal(owner);
     };
@@ -115,6 +120,7 @@ void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::stri
 }
 
 std::optional<NewProjectChoice> PluginWindows::runNewProject(ZunEditorInterface&) {
+    const ControlsContext controls(g_module);
     const auto made = CJ8WizardNewDlg(g_module, IDI_ZOKA).run();
     return made ? std::optional(NewProjectChoice{made->folder, made->level}) : std::nullopt;
 }

@@ -7,6 +7,7 @@
 
 #include "plugin/host/HostCall.h"
 #include "plugin/win/ThreadRuntime.h"
+#include "ui/win/ControlsContext.h"
 #include "util/Doors.h"
 
 using zoka::moduleInstance;
@@ -37,7 +38,7 @@ bool waitAnswering(std::initializer_list<HANDLE> handles, DWORD timeoutMs) {
             return result != WAIT_TIMEOUT;
         }
         MSG message;
-        PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
     }
 }
 
@@ -109,6 +110,7 @@ void rehearse(int number) {
         return;
     }
     done = true;
+    const zoka::ControlsContext controls(moduleInstance());
     const HWND window =
         CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(number), nullptr, handleNothing, 0);
     if (window) {
@@ -221,6 +223,7 @@ DWORD WINAPI CViewThread::threadMain(void* self) {
 }
 
 __attribute__((noinline)) void CViewThread::run() {
+    const zoka::ControlsContext controls(moduleInstance());
     HWND window = nullptr;
     zoka::keepInside([&] { window = m_panel.create(moduleInstance(), m_number); });
     if (window) {
@@ -248,13 +251,13 @@ __attribute__((noinline)) void CViewThread::run() {
 void CViewThread::messageLoop(HWND window) {
     MSG message;
     while (m_window.load()) {
-        const BOOL got = GetMessageA(&message, nullptr, 0, 0);
+        const BOOL got = GetMessageW(&message, nullptr, 0, 0);
         if (got <= 0) {
             break;
         }
-        if (!IsDialogMessageA(window, &message)) {
+        if (!IsDialogMessageW(window, &message)) {
             TranslateMessage(&message);
-            DispatchMessageA(&message);
+            DispatchMessageW(&message);
         }
     }
     if (m_window.load()) {  // the thread was told to quit by somebody else

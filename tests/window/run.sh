@@ -14,6 +14,8 @@
 #   #: parts N       runs N times, each a test of its own (NAME-1 and so on), because all of it would take too long for
 #                    one; ${PART} is the part's number
 #   #: parts-long N  the same where ZOKA_LONG=1 is set or the test is named; otherwise there is one part
+#   #: hosts NAME..  also runs, each a test of its own (NAME-plain and so on), in the host "plain", which has no
+#                    manifest, and in "aware", which knows the screen's resolution
 # Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
 # Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
 set -uo pipefail
@@ -96,15 +98,17 @@ large_script() { # values
 
 # Runs one script; its output is in output.txt.
 drive() { # script, folder, part
-    local project suite options try status=1
+    local project suite options try status=1 host=zunhost
     project=$(windows_path "$2/project")
     suite=$(windows_path "$2/suite")
     options=$(directives "$1" options | tr '\n' ' ')
     options=${options//'${EMPTY}'/$(windows_path "$2/empty")}
+    [ "$3" != plain ] || host=zunhost_plain
+    [ "$3" != aware ] || options="$options --dpi-aware"
     for ((try = 0; try < tries; try++)); do
         rm -f "$2/calls.log"
         # shellcheck disable=SC2086 # options are words
-        timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$prefix" "$build/tools/editor/zunhost.exe" \
+        timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$prefix" "$build/tools/editor/$host.exe" \
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
             --set "PROJECT=$project" --set "BARE=$(windows_path "$2/bare")" --set "J8=$(windows_path "$2/j8")" --set "TOWN=$(windows_path "$2/town")" --set "QUAY=$(windows_path "$2/quay")" \
@@ -180,6 +184,7 @@ add() { # script, whether all of its parts are wanted
     [ -n "$parts" ] || [ "$2" != 1 ] || parts=$(directives "$1" parts-long)
     [ -n "$parts" ] || scripts+=("$1")
     for ((part = 1; part <= ${parts:-0}; part++)); do scripts+=("$1@$part"); done
+    for part in $(directives "$1" hosts); do scripts+=("$1@$part"); done
 }
 if [ $# -gt 0 ]; then
     for name in "$@"; do add "$here/${name%.drive}.drive" 1; done

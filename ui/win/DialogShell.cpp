@@ -250,7 +250,7 @@ bool runMessageLoop(const std::function<bool()>& done, const std::function<HWND(
                     const std::function<bool(const MSG&)>& takesKey) {
     MSG message;
     while (!done()) {
-        const BOOL got = GetMessageA(&message, nullptr, 0, 0);
+        const BOOL got = GetMessageW(&message, nullptr, 0, 0);
         if (got == 0) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return true;
@@ -259,11 +259,11 @@ bool runMessageLoop(const std::function<bool()>& done, const std::function<HWND(
             continue;
         }
         const HWND dialog = window();
-        if (dialog && IsDialogMessageA(dialog, &message)) {
+        if (dialog && IsDialogMessageW(dialog, &message)) {
             continue;
         }
         TranslateMessage(&message);
-        DispatchMessageA(&message);
+        DispatchMessageW(&message);
     }
     return false;
 }

@@ -150,18 +150,18 @@ void ProgressWindow::show(size_t done, size_t total, const std::string& what) {
 
 void ProgressWindow::pumpMessages() {
     MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
             // The program ends: so does the job, and the loops further out shall see it too.
             m_cancelled = true;
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
-        if (window() && IsDialogMessageA(window(), &message)) {
+        if (window() && IsDialogMessageW(window(), &message)) {
             continue;
         }
         TranslateMessage(&message);
-        DispatchMessageA(&message);
+        DispatchMessageW(&message);
     }
     // Nobody is left to see what the job does.
     if (m_owner && !IsWindow(m_owner)) {

@@ -27,7 +27,7 @@ private:
             makeControl(window(), "STATIC", m_headingText.c_str(), SS_NOPREFIX, 0, kHeading, fonts().text());
         m_text = makeReadOnlyText(window(), kText,
                                   m_look == TextLook::FixedWidth ? fonts().fixed() : fonts().text());
-        SetWindowTextA(m_text, m_shown.c_str());
+        SetWindowTextW(m_text, wideReport(m_shown).c_str());
         m_copy = makeButton(window(), "C&opy", kCopy, fonts());
         m_close = makeButton(window(), "Close", IDCANCEL, fonts(), true);
     }

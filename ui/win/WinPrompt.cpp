@@ -84,7 +84,8 @@ private:
 
 PromptAnswer WinPrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
                             PromptIcon icon) {
-    switch (MessageBoxA(modalOwner(), text.c_str(), title.c_str(), buttonFlags(buttons) | iconFlags(icon))) {
+    switch (MessageBoxW(modalOwner(), wideReport(text).c_str(), wideReport(title).c_str(),
+                        buttonFlags(buttons) | iconFlags(icon))) {
         case IDYES:
             return PromptAnswer::Yes;
         case IDNO:
@@ -136,7 +137,7 @@ std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request
 }
 
 void WinPrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
-    MessageBoxA(modalOwner(), text.c_str(), title.c_str(),
+    MessageBoxW(modalOwner(), wideReport(text).c_str(), wideReport(title).c_str(),
                 MB_OK | MB_ICONERROR | MB_SYSTEMMODAL | MB_SETFOREGROUND);  // system-modal boxes stay on top
     ExitProcess(static_cast<UINT>(exitStatus));
 }

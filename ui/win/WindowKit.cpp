@@ -233,11 +233,39 @@ int WindowFonts::labelWidth(const std::string& text) const {
     return static_cast<int>(area.right) + px(3);
 }
 
+std::wstring wideText(std::string_view text, UINT codePage) {
+    const int length = static_cast<int>(text.size());
+    std::wstring wide;
+    if (length > 0) {
+        wide.resize(static_cast<size_t>(MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0)));
+        MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
+    }
+    return wide;
+}
+
+std::wstring wideReport(const std::string& text) {
+    const bool utf8 = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(),
+                                          static_cast<int>(text.size()), nullptr, 0) > 0;
+    return wideText(text, utf8 ? CP_UTF8 : CP_ACP);
+}
+
+std::string narrowText(std::wstring_view text, UINT codePage) {
+    const int length = static_cast<int>(text.size());
+    std::string narrow;
+    if (length > 0) {
+        narrow.resize(static_cast<size_t>(
+            WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr)));
+        WideCharToMultiByte(codePage, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()),
+                            nullptr, nullptr);
+    }
+    return narrow;
+}
+
 HWND makeControl(HWND parent, const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                  HFONT font) {
-    const HWND control =
-        CreateWindowExA(exStyle, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent,
-                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ownModule(), nullptr);
+    const HWND control = CreateWindowExW(
+        exStyle, wideText(className).c_str(), wideText(text).c_str(), WS_CHILD | WS_VISIBLE | style, 0, 0, 0,
+        0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ownModule(), nullptr);
     SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     return control;
 }
@@ -322,15 +350,15 @@ COLORREF inkOfWrong() {
     return isDark ? RGB(255, 150, 140) : RGB(170, 0, 0);
 }
 
-std::string textOf(HWND window) {
-    std::string text(static_cast<size_t>(std::max(GetWindowTextLengthA(window), 0)) + 1, '\0');
-    text.resize(static_cast<size_t>(GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));
-    return text;
+std::string textOf(HWND window, UINT codePage) {
+    std::wstring text(static_cast<size_t>(std::max(GetWindowTextLengthW(window), 0)) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return narrowText(text, codePage);
 }
 
-void setText(HWND window, const std::string& text) {
-    if (textOf(window) != text) {
-        SetWindowTextA(window, text.c_str());
+void setText(HWND window, const std::string& text, UINT codePage) {
+    if (textOf(window, codePage) != text) {
+        SetWindowTextW(window, wideText(text, codePage).c_str());
     }
 }
 
@@ -405,16 +433,18 @@ void centreOver(HWND window, HWND owner, int width, int height) {
 }
 
 bool copyToClipboard(HWND owner, const std::string& text) {
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, text.size() + 1);
+    const std::wstring wide = wideReport(text);
+    const size_t size = (wide.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
     if (!memory) {
         return false;
     }
-    std::memcpy(GlobalLock(memory), text.c_str(), text.size() + 1);
+    std::memcpy(GlobalLock(memory), wide.c_str(), size);
     GlobalUnlock(memory);
     bool done = false;
     if (OpenClipboard(owner)) {
         // The clipboard owns the memory once it has taken it.
-        done = EmptyClipboard() && SetClipboardData(CF_TEXT, memory);
+        done = EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, memory);
         CloseClipboard();
     }
     if (!done) {

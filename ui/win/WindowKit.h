@@ -6,6 +6,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <string_view>
 
 #include "ui/Area.h"
 
@@ -60,6 +61,13 @@ inline constexpr int kButtonHeightUnits = 14;
 inline constexpr int kFieldHeightUnits = 12;
 inline constexpr int kLabelHeightUnits = 9;
 
+// Texts of this program are in the system's set (CP_ACP), or in UTF-8 where they come from a file that is; windows
+// hold UTF-16.
+std::wstring wideText(std::string_view text, UINT codePage = CP_ACP);
+// The same of a text that tells of files: UTF-8 where all of it is, else in the system's set.
+std::wstring wideReport(const std::string& text);
+std::string narrowText(std::wstring_view text, UINT codePage);
+
 // A visible child without a size yet; null when it can't be made.
 HWND makeControl(HWND parent, const char* className, const char* text, DWORD style, DWORD exStyle, int id,
                  HFONT font);
@@ -98,9 +106,9 @@ void placeButtonsRight(std::initializer_list<HWND> buttons, Area& row, const Win
 // The colour for the text of what is wrong, on the ground of windows and fields.
 COLORREF inkOfWrong();
 
-std::string textOf(HWND window);
+std::string textOf(HWND window, UINT codePage = CP_ACP);
 // Does nothing when the window shows the text already, so nothing flickers.
-void setText(HWND window, const std::string& text);
+void setText(HWND window, const std::string& text, UINT codePage = CP_ACP);
 void enable(HWND control, bool enabled);
 // The chosen item of a drop list; empty when none is.
 std::string chosenItem(HWND dropList);

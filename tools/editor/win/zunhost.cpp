@@ -31,6 +31,7 @@ struct Options {
     std::string pictures = ".";
     unsigned limit = 0;
     int dpi = 0;
+    bool dpiAware = false;
     std::string font;
     bool hidden = false;
 };
@@ -76,7 +77,20 @@ void makeAbsolute(std::string& path) {
     }
 }
 
+// Older systems lack the call, and their programs are as they are.
+void becomeDpiAware() {
+    using SetContext = BOOL(WINAPI*)(HANDLE);
+    const HMODULE user = GetModuleHandleA("user32.dll");
+    if (const FARPROC found = user ? GetProcAddress(user, "SetProcessDpiAwarenessContext") : nullptr) {
+        constexpr INT_PTR kPerMonitorV2 = -4;
+        reinterpret_cast<SetContext>(reinterpret_cast<void*>(found))(reinterpret_cast<HANDLE>(kPerMonitorV2));
+    }
+}
+
 int runEditor(Options options) {
+    if (options.dpiAware) {
+        becomeDpiAware();
+    }
     using namespace zoka;
     for (std::string* path : {&options.project, &options.plugin, &options.suite, &options.pictures}) {
         makeAbsolute(*path);
@@ -176,6 +190,8 @@ int main(int argc, char** argv) {
     app.add_option("--dpi", options.dpi, "Dots an inch of the screen that a driven editor finds (under Wine)")
         ->check(CLI::Range(96, 480));
     app.add_option("--font", options.font, "Face of the system's message font that it finds (under Wine)");
+    app.add_flag("--dpi-aware", options.dpiAware,
+                 "Tell the system that the editor knows each screen's resolution");
     app.add_flag("--hidden", options.hidden, "Do not show the editor's own window");
     app.set_version_flag("--version", ZOKA_VERSION);
     try {
