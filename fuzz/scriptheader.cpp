@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "templates/CatalogueText.h"
 #include "templates/CatalogueXml.h"
 #include "templates/ScriptFacts.h"
 #include "templates/ScriptHeader.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "templates/CatalogueXml.h"
+#include "templates/CatalogueText.h"
 #include "templates/ScriptHeader.h"
 #include "templates/ScriptNeeds.h"
 #include "util/OsFiles.h"

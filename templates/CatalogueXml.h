@@ -1,11 +1,7 @@
-// The catalogue's file. Reading goes through the XML tree; writing is literal text, and deliberately not the
-// other direction of reading: prefix, note, section pictures and editions are written for people but not read
-// back, and characters that mean something in XML are replaced, not escaped. docs/catalogue.md describes the
-// format.
+// Reads the catalogue's file, through the XML tree. docs/catalogue.md describes the format.
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "templates/TemplateData.h"
 
@@ -20,19 +16,10 @@ inline constexpr const char* kCatalogueRoot = "TavrixTemplate";
 bool loadCatalogue(CTemplateData& catalogue, const std::string& path, XMLResults* results,
                    JobProgress* progress = nullptr);
 
-// The bytes of the catalogue file, with the line ends "\n". `date` is what stands as its date.
-std::string catalogueText(const CTemplateData& catalogue, const std::string& date);
-
-// Double quotes become single ones, '<' and '>' become '[' and ']', '&' becomes "and". Control
-// characters that XML can't hold, which would make readers refuse the file, are dropped.
-std::string withoutMarkup(std::string_view text);
-// Whether withoutMarkup would drop the character.
-inline bool isDroppedFromCatalogue(char c) {
-    return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' && c != '\r';
-}
-
-// The text as a file opened in text mode would hold it: each LF as the platform's line end, CR LF on Windows.
-// A CR LF in the text counts as one line end.
-std::string inTextMode(std::string_view text);
+// One Script element: its record, and what lists and lookups need of it. The row's texts are the tree's.
+CScriptElm readCatalogueScript(const XMLNode& node);
+CTemplateData::Row readCatalogueRow(const XMLNode& node);
+// The version of the engine that an element asks for; empty when it doesn't.
+const char* engineVersion(const XMLNode& node);
 
 }  // namespace zoka

@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "templates/CatalogueXml.h"
+#include "templates/CatalogueText.h"
 #include "templates/HelpStyle.h"
 #include "templates/ScriptNeeds.h"
 #include "util/OsFiles.h"
@@ -379,10 +379,3 @@ bool makeHelp(const CTemplateData& catalogue, const PageSink& take) {
 }
 
 }  // namespace zoka
-
-bool CTemplateData::WriteHelpDocsByClass() const {
-    return zoka::writeClassPages(*this, zoka::kHelpFolder);
-}
-bool CTemplateData::WriteHelpDocsByScript() const {
-    return zoka::writeScriptPages(*this, zoka::kHelpFolder);
-}

@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "templates/HeaderLine.h"
-#include "templates/TemplateData.h"
 #include "util/File.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
@@ -292,12 +291,3 @@ bool loadScriptHeader(const std::string& path, const std::string& filename, CScr
 }
 
 }  // namespace zoka
-
-bool CTemplateData::LoadScriptFromKEZ(const std::string& filename, std::string& errorText) {
-    CScriptElm script;
-    if (!zoka::loadScriptHeader(filename, filename, script, errorText)) {
-        return false;
-    }
-    AddScript(std::move(script));
-    return true;
-}

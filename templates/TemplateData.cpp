@@ -3,8 +3,15 @@
 #include <algorithm>
 #include <ctime>
 #include <unordered_set>
+#include <utility>
 
+#include "templates/CatalogueText.h"
+#include "templates/CatalogueXml.h"
+#include "templates/HelpPages.h"
+#include "templates/ScriptHeader.h"
 #include "util/PathRules.h"
+#include "util/SafeWrite.h"
+#include "xml/XMLRead.h"
 
 namespace {
 
@@ -290,4 +297,99 @@ std::optional<std::uint32_t> CTemplateData::recordByFilenameNoCase(std::string_v
 const CTemplateData::Directory* CTemplateData::findDirectory(std::string_view type) const {
     const std::uint32_t record = m_byDirectoryType.find(type, typeIn(m_directories));
     return record == m_byDirectoryType.kNone ? nullptr : &m_directories[record];
+}
+
+void CTemplateData::AddScript(const XMLNode& node) {
+    AddScript(zoka::readCatalogueScript(node));
+}
+
+std::string_view CTemplateData::version(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::xmlAttribute(*node, "vers")
+                : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_vers);
+}
+
+std::string_view CTemplateData::date(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::xmlAttribute(*node, "date")
+                : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_date);
+}
+
+std::string CTemplateData::engineReqText(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::engineVersion(*node)
+                : std::get<std::shared_ptr<const CScriptElm>>(source)->m_engreq.AsText();
+}
+
+std::string_view CTemplateData::description(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::xmlFirstText(node->firstChild("desc"))
+                : std::string_view(std::get<std::shared_ptr<const CScriptElm>>(source)->m_desc);
+}
+
+CScriptElm CTemplateData::script(size_t record) const {
+    const Source& source = m_sources[record];
+    const XMLNode* const node = std::get_if<XMLNode>(&source);
+    return node ? zoka::readCatalogueScript(*node) : *std::get<std::shared_ptr<const CScriptElm>>(source);
+}
+
+bool CTemplateData::LoadFromNode(const XMLNode& root, zoka::JobProgress* progress) {
+    Empty();
+    m_name = zoka::xmlAttribute(root, "name");
+    m_type = zoka::xmlAttribute(root, "type");
+    m_version = zoka::xmlAttribute(root, "version");
+    m_date = zoka::xmlAttribute(root, "date");
+    // One walk over the children: the elements of a large file are far apart in memory, and each visit is felt.
+    const auto total = static_cast<size_t>(root.childCount());
+    reserveScripts(total);
+    bool hasReq = false;
+    for (XMLNode node = root.firstChild(); !node.isEmpty(); node = node.nextSibling()) {
+        node.nextSibling().prefetch();
+        const char* const name = node.getName();
+        if (!zoka::equalNoCase(name, "Script")) {
+            if (zoka::equalNoCase(name, "Directory")) {
+                AddDirectory(zoka::xmlAttribute(node, "type"), zoka::xmlAttribute(node, "path"));
+            } else if (zoka::equalNoCase(name, "EngineReq") && !std::exchange(hasReq, true)) {
+                m_engreq.vers = zoka::xmlAttribute(node, "vers");
+            }
+            continue;
+        }
+        // Often enough to keep a window alive, too seldom to be felt.
+        if (m_rows.size() % 1024 == 0 && !zoka::mayContinue(progress, m_rows.size(), total, m_name)) {
+            Empty();
+            return false;
+        }
+        append(zoka::readCatalogueRow(node), node);
+    }
+    return true;
+}
+
+bool CTemplateData::LoadFromXML(const std::string& path) {
+    return LoadFromNode(XMLNode::loadFileOrExit(path.c_str(), zoka::kCatalogueRoot));
+}
+
+bool CTemplateData::WriteXML(const std::string& path) const {
+    return static_cast<bool>(zoka::safeWrite(path, zoka::inTextMode(zoka::catalogueText(*this, GetCurDate())),
+                                             zoka::FileKind::Generated));
+}
+
+bool CTemplateData::WriteHelpDocsByClass() const {
+    return zoka::writeClassPages(*this, zoka::kHelpFolder);
+}
+
+bool CTemplateData::WriteHelpDocsByScript() const {
+    return zoka::writeScriptPages(*this, zoka::kHelpFolder);
+}
+
+bool CTemplateData::LoadScriptFromKEZ(const std::string& filename, std::string& errorText) {
+    CScriptElm script;
+    if (!zoka::loadScriptHeader(filename, filename, script, errorText)) {
+        return false;
+    }
+    AddScript(std::move(script));
+    return true;
 }

@@ -1,4 +1,5 @@
 // The catalogue's file: the exact bytes written, what is read back and what is lost on purpose.
+#include "templates/CatalogueText.h"
 #include "templates/CatalogueXml.h"
 
 #include <gtest/gtest.h>

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "templates/CatalogueXml.h"
+#include "templates/CatalogueText.h"
 #include "tests/support/TempFolder.h"
 #include "tests/templates/Scripts.h"
 #include "util/OsFiles.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "templates/CatalogueCheck.h"
+#include "templates/CatalogueText.h"
 #include "templates/CatalogueXml.h"
 #include "templates/HelpPages.h"
 #include "templates/ScriptNeeds.h"
