@@ -108,6 +108,7 @@ fi
 if [ -n "$windows" ]; then
     run_ctest windows tools/run/display.sh
     end_window_tests
+    check demo tools/demo/run.sh
 fi
 
 [ $((passed + failed)) -gt 0 ] || failed=1
