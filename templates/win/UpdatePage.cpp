@@ -200,7 +200,7 @@ void UpdatePage::showUnplaced() {
         return;
     }
     m_frame.showText(
-        "Values without a place",
+        "Values that could not be kept",
         "The new versions have no place for these values. They are kept beside each script, in the file "
         "whose name ends in .zoka.old:",
         unplaced);

@@ -296,6 +296,10 @@ TEST(Catalogue, BuildingAnewKeepsWhatItIsNotTold) {
     Suite suite;
     const std::string build = "catalogue build suite/templates ";
     EXPECT_EQ(suite.run(build + "--name Harbour --vers 6.2 --enginereq \"6.1 GOLD\"").status, 0);
+    EXPECT_EQ(suite.run(build + "--enginereq \"6.1 PRO\"").status, 0);
+    EXPECT_EQ(suite.run(build).status, 0);
+    EXPECT_THAT(suite.read("suite/templates/template_6.xml"), HasSubstr("vers =\"6.1\" edition =\"PRO\""));
+    EXPECT_EQ(suite.run(build + "--enginereq \"6.1 GOLD\"").status, 0);
     std::string text = suite.read("suite/templates/template_6.xml");
     text.insert(text.find("<Directory"), "<Directory type=\"art\" path=\".\\art\"/>\n");
     suite.write("suite/templates/template_6.xml", text);

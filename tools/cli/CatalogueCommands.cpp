@@ -22,6 +22,7 @@
 #include "util/SafeWrite.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLEncoding.h"
+#include "xml/XMLRead.h"
 
 namespace zoka::cli {
 
@@ -74,13 +75,21 @@ struct BuildOptions {
     bool dryRun = false, json = false;
 };
 
+// The engine that a catalogue asks for, with the edition, which loading it leaves out.
+std::string engineOf(const std::string& path) {
+    XMLResults ignored;
+    const XMLNode engine =
+        XMLNode::parseFileInItsSet(path.c_str(), kCatalogueRoot, &ignored, {}).getChild("EngineReq");
+    return CEngineReq{xmlAttribute(engine, "vers"), xmlAttribute(engine, "edition")}.AsText();
+}
+
 // Gives the catalogue its own header: the old one's, but for what is asked for.
-void setHeader(CTemplateData& catalogue, const CTemplateData* earlier, const BuildOptions& options,
-               const std::string& folder) {
+void setHeader(CTemplateData& catalogue, const CTemplateData* earlier, const std::string& earlierEngine,
+               const BuildOptions& options, const std::string& folder) {
     catalogue.SetName(options.name.value_or(earlier ? earlier->GetName() : "Templates"));
     catalogue.SetType(options.type.value_or(earlier ? earlier->GetType() : "full"));
     catalogue.SetVers(options.version.value_or(earlier ? earlier->GetVers() : "1"));
-    catalogue.SetEngReq(options.engineReq.value_or(earlier ? earlier->GetEngReq() : ""));
+    catalogue.SetEngReq(options.engineReq.value_or(earlierEngine));
     if (earlier) {
         for (const auto& [type, path] : earlier->directories()) {
             catalogue.AddDirectory(type, path);
@@ -103,7 +112,7 @@ ExitStatus build(const BuildOptions& options) {
     if (exists && !known) {
         complain(shown + " can't be read as a catalogue: its name, version and directories are not kept");
     }
-    setHeader(catalogue, known ? &old : nullptr, options, folder);
+    setHeader(catalogue, known ? &old : nullptr, known ? engineOf(output) : "", options, folder);
     std::vector<CatalogueFinding> findings;
     std::vector<std::string> unreadable;
     if (!buildCatalogue(catalogue, folder, known ? &old : nullptr, findings, unreadable)) {

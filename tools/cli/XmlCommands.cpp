@@ -119,12 +119,12 @@ ExitStatus formatFile(const std::string& path, const std::string* target, bool d
         complain("not enough memory to format " + path);
         return ExitStatus::Failed;
     }
-    if (!target && !isStandardStream(path)) {
-        return rewriteFile(path, *bytes, formatted, [&] { return formatFile(path, target); });
-    }
     if (dryRun) {
         printPatch(unifiedDifference(*bytes, formatted, path, path));
         return ExitStatus::Done;
+    }
+    if (!target && !isStandardStream(path)) {
+        return rewriteFile(path, *bytes, formatted, [&] { return formatFile(path, target, false); });
     }
     return writeOutput(target ? *target : path, formatted) ? ExitStatus::Done : ExitStatus::Failed;
 }
