@@ -86,7 +86,7 @@ int boostCopyNew(const std::string& from, const std::string& to) {
         error_code ignored;
         if (error && free && leavesHalf(error)) {
             fs::remove(to, ignored);
-        } else if (!error) {
+        } else if (!error && (fs::status(to, ignored).permissions() & fs::owner_write) == 0) {
             fs::permissions(to, fs::add_perms | fs::owner_write, ignored);
         }
     });

@@ -113,6 +113,12 @@ std::string toNativePath(std::string_view path) {
     }
     std::string found;  // the part of the path that was found so far, up to and with its last slash
     size_t at = 0;
+    // Mostly the folder is there as it is spelled, and only the file is yet to be made.
+    const size_t slash = native.find_last_of('/', native.size() - 2);
+    if (slash != native.npos && existsNative(native.substr(0, slash + 1))) {
+        found = native.substr(0, slash + 1);
+        at = slash + 1;
+    }
     while (at < native.size()) {
         const size_t end = std::min(native.find('/', at), native.size());
         std::string part = native.substr(at, end - at);

@@ -1,0 +1,129 @@
+// Project wizards: listing them against pugixml's parse of the same files, making a project against cp -r of the tree.
+#include <cstdlib>
+#include <filesystem>
+#include <pugixml.hpp>
+#include <string>
+
+#include "J8ProjectManager/J8ProjectManager.h"
+#include "J8ProjectWizard/J8Wizard.h"
+#include "bench/Ratio.h"
+#include "tests/support/TempFolder.h"
+#include "util/DebugLog.h"
+#include "util/OsFiles.h"
+
+namespace zoka::bench {
+namespace {
+
+constexpr int kRounds = 7, kWizards = 500, kFiles = 5000;
+bool g_allMet = true;
+
+void row(const char* what, const Pair& times, const char* against, double wanted) {
+    g_allMet &= printRatio(what, times, against, wanted);
+}
+
+std::string wizardText(int number) {
+    std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<Wizard>\n\t<Title>Wizard " +
+                       std::to_string(number) +
+                       "</Title>\n\t<Desc>What it makes.</Desc>\n\t<Defaults>\n\t\t<Name>Game</Name>\n"
+                       "\t\t<LevelMap>main</LevelMap>\n\t</Defaults>\n";
+    for (int folder = 0; folder < 10; ++folder) {
+        text += "\t<Folder name=\"folder" + std::to_string(folder) + "\">\n";
+        for (int file = 0; file < 10; ++file) {
+            text += "\t\t<File name=\"file" + std::to_string(file) + ".kez\" folder=\"start\"/>\n";
+        }
+        text += "\t</Folder>\n";
+    }
+    return text + "</Wizard>\n";
+}
+
+void benchListing() {
+    const test::TempFolder suite;
+    std::filesystem::create_directories(suite.native("templates/wizards"));
+    for (int i = 0; i < kWizards; ++i) {
+        suite.write("templates/wizards/w" + std::to_string(i) + ".xml", wizardText(i));
+    }
+    osFiles().setCurrentFolder(suite.path());
+    const Pair times = leastOf(
+        kRounds,
+        [] {
+            return millisecondsOf([] {
+                if (CJ8Wizard().titles().size() != kWizards) {
+                    std::abort();
+                }
+            });
+        },
+        [&suite] {
+            return millisecondsOf([&suite] {
+                for (const auto& entry :
+                     std::filesystem::directory_iterator(suite.native("templates/wizards"))) {
+                    pugi::xml_document document;
+                    if (!document.load_file(entry.path().c_str())) {
+                        std::abort();
+                    }
+                }
+            });
+        });
+    row("list 500 wizards", times, "pugixml parses the files", 1.5);
+}
+
+// As one folder and as a hundred.
+void benchCreation(int folders) {
+    const test::TempFolder suite;
+    const auto templates = suite.native("templates");
+    std::filesystem::create_directories(templates / "wizards");
+    std::filesystem::create_directories(templates / "xml");
+    std::string wizard = "<Wizard><Title>Large</Title><Defaults><LevelMap>main</LevelMap></Defaults>";
+    for (int folder = 0; folder < folders; ++folder) {
+        const std::string name = "f" + std::to_string(folder);
+        std::filesystem::create_directories(templates / "tree" / name);
+        wizard += "<Folder name=\"" + name + "\">";
+        for (int file = 0; file < kFiles / folders; ++file) {
+            const std::string own = std::to_string(file) + ".kez";
+            suite.write("templates/tree/" + name + "/" + own, std::string(2000, 'x'));
+            wizard += "<File name=\"" + own + "\" folder=\"tree\\" + name + "\"/>";
+        }
+        wizard += "</Folder>";
+    }
+    suite.write("templates/wizards/large.xml", wizard + "</Wizard>");
+    osFiles().setCurrentFolder(suite.path());
+    const CJ8Wizard wizards;
+    const auto made = suite.native("made");
+    const std::string copy = "cp -r '" + (templates / "tree").string() + "' '" + made.string() + "'";
+    const Pair times = leastOf(
+        kRounds,
+        [&] {
+            CJ8WizardUserData data;
+            data.m_strName = "Large";
+            data.m_strLevelMap = "main";
+            data.m_strProjectFolder = suite.path("made");
+            const double time = millisecondsOf([&] {
+                if (wizards.Run(data, 0) != 0) {
+                    std::abort();
+                }
+            });
+            std::filesystem::remove_all(made);
+            return time;
+        },
+        [&] {
+            const double time = millisecondsOf([&copy] {
+                if (std::system(copy.c_str()) != 0) {
+                    std::abort();
+                }
+            });
+            std::filesystem::remove_all(made);
+            return time;
+        });
+    row(folders == 1 ? "make 5,000 files in one folder" : "make 5,000 files in 100 folders", times,
+        "cp -r of the same tree", 1.2);
+}
+
+}  // namespace
+}  // namespace zoka::bench
+
+int main() {
+    zoka::debugLogFileName().clear();
+    zoka::bench::benchListing();
+    zoka::bench::benchCreation(100);
+    zoka::bench::benchCreation(1);
+    return zoka::bench::g_allMet ? 0 : 1;
+}
