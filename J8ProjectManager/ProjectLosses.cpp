@@ -92,9 +92,43 @@ bool isKept(const XMLNode& old, const XMLAttributeView& attribute, const XMLNode
     return equalNoCase(old.getName(), "Paths") && text.starts_with(value) && text.size() == value.size() + 1;
 }
 
+// What is lost, and where to look for it.
+struct Found {
+    std::uint32_t place = 0;  // of the element that is lost or that holds what is; see XMLNode::place
+    std::string text;
+    // What stands there behind the element's start tag: how a comment begins, or (`isText`) a text between tags.
+    // Empty: the element itself is meant.
+    std::string begins = {};
+    bool isText = false;
+};
+
+std::string firstLine(std::string_view text, std::string_view ends) {
+    return std::string(text.substr(0, text.find_first_of(ends)));
+}
+
+// Where `found` stands; behind `from`, where something of the same element was found before.
+size_t offsetOf(const std::string& text, const Found& found, size_t from) {
+    size_t at = std::max<size_t>(found.place, from);
+    // A text stands near, unless it is written in another way than it reads.
+    constexpr size_t kNear = 4096;
+    const std::string_view where = std::string_view(text).substr(0, found.isText ? at + kNear : text.npos);
+    while (!found.begins.empty() && (at = where.find(found.begins, at)) != where.npos) {
+        if (!found.isText) {
+            return at;
+        }
+        const size_t before = at == 0 ? text.npos : text.find_last_not_of(" \t\r\n", at - 1);
+        if (before != text.npos && text[before] == '>') {
+            return at;
+        }
+        ++at;
+    }
+    const size_t tag = found.place == 0 ? 0 : text.rfind('<', found.place - 1);
+    return tag == text.npos ? 0 : tag;
+}
+
 class Comparison {
 public:
-    explicit Comparison(std::vector<ProjectLoss>& losses) : m_losses(losses) {}
+    explicit Comparison(std::vector<Found>& losses) : m_losses(losses) {}
 
     void run(const XMLNode& document, const XMLNode& written) {
         compareClears(document, "");
@@ -113,9 +147,15 @@ public:
     }
 
 private:
-    // What stands outside the top element has the place of the file's beginning.
-    void lose(const XMLNode& node, std::string text) {
-        m_losses.push_back({std::max(node.place(), 1U), std::move(text)});
+    void lose(const XMLNode& node, std::string text) { m_losses.push_back({node.place(), std::move(text)}); }
+    void loseClear(const XMLNode& node, std::string text, const XMLClearView& clear) {
+        m_losses.push_back({node.place(), std::move(text), clear.openTag + firstLine(clear.value, "\r\n")});
+    }
+    void loseText(const XMLNode& node, const std::string& text) {
+        const std::string_view begin =
+            std::string_view(text).substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+        m_losses.push_back(
+            {node.place(), "the text \"" + shortText(text) + "\"", firstLine(begin, "\r\n&<>"), true});
     }
 
     // Comments and the like; a CDATA section of a text that is kept becomes plain text.
@@ -125,11 +165,11 @@ private:
             const XMLClearView clear = node.getClear(i);
             const std::string_view open = clear.openTag;
             if (open == "<!--") {
-                lose(node, "the comment \"" + shortText(clear.value) + "\"");
+                loseClear(node, "the comment \"" + shortText(clear.value) + "\"", clear);
             } else if (open == "<!DOCTYPE") {
-                lose(node, "the DOCTYPE");
+                loseClear(node, "the DOCTYPE", clear);
             } else if (keptText.empty()) {
-                lose(node, "the text \"" + shortText(clear.value) + "\"");
+                loseClear(node, "the text \"" + shortText(clear.value) + "\"", clear);
             }
         }
     }
@@ -145,7 +185,7 @@ private:
         }
         const std::string text = xmlAllText(old), kept = xmlAllText(now);
         if (text != kept && !text.empty() && old.textCount() > 0) {
-            lose(old, "the text \"" + shortText(text) + "\"");
+            loseText(old, text);
         }
         compareClears(old, kept);
         // Where the elements that were written stand, by key, in order.
@@ -170,7 +210,7 @@ private:
         return equalNoCase(node.getName(), "Doc") && node.order().empty();
     }
 
-    std::vector<ProjectLoss>& m_losses;
+    std::vector<Found>& m_losses;
     std::vector<std::pair<XMLNode, XMLNode>> m_open;
 };
 
@@ -197,11 +237,31 @@ std::string shortText(std::string text) {
     return text;
 }
 
-std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written) {
+std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written, const std::string& bytes) {
+    std::vector<Found> found;
+    Comparison(found).run(document, written);
+    if (found.empty()) {
+        return {};
+    }
+    const XMLPlaces places(bytes);
+    std::vector<std::pair<size_t, std::string>> lost;
+    std::uint32_t element = 0;
+    size_t behind = 0;
+    for (Found& each : found) {
+        // Comments of one element come one after the other.
+        const bool goesOn = !each.begins.empty() && each.place == element && !each.isText;
+        const size_t at = offsetOf(places.text(), each, goesOn ? behind : 0);
+        if (!each.begins.empty() && !each.isText) {
+            element = each.place;
+            behind = at + 1;
+        }
+        lost.emplace_back(at, std::move(each.text));
+    }
+    std::ranges::stable_sort(lost, {}, &std::pair<size_t, std::string>::first);
     std::vector<ProjectLoss> losses;
-    Comparison(losses).run(document, written);
-    std::stable_sort(losses.begin(), losses.end(),
-                     [](const ProjectLoss& a, const ProjectLoss& b) { return a.place < b.place; });
+    for (auto& [offset, text] : lost) {
+        losses.push_back({places.exactly(offset), std::move(text)});
+    }
     return losses;
 }
 

@@ -1,25 +1,23 @@
 // What a project file holds that writing the project would not.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "xml/XMLNode.h"
+#include "xml/XMLRead.h"
 
 namespace zoka {
 
 struct ProjectLoss {
-    std::uint32_t place =
-        0;             // in the file, of the element that is lost or that holds what is; see XMLNode::place
+    XMLPlace place;    // in the file
     std::string text;  // "<Light name="sun"> and what is in it"
 };
 
 // Compares the document of a project file (with its comments and instructions) with the Project element that
 // would be written for what was loaded from it. Elements are found again by their names, not by their order; date
 // and version, which every save sets, don't count, nor does the kind of a file reference, nor blanks around texts.
-// Linear in both, but for sorting.
-std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written);
+// `bytes` are those of the document. In their order; linear in both, but for sorting.
+std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& written, const std::string& bytes);
 
 // A text of a project in one short line for the user: blanks around it gone, others as spaces, what is too long cut.
 std::string shortText(std::string text);

@@ -106,7 +106,8 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
         results.code = kXmlFirstTagNotFound;
     }
     if (loaded.model->loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
-        loaded.losses = lossesOf(document, loaded.model->createXMLTopNode({}, loaded.model->m_date));
+        loaded.losses =
+            lossesOf(document, loaded.model->createXMLTopNode({}, loaded.model->m_date), loaded.bytes);
         return loaded;
     }
     loaded.problem = m_path;
@@ -129,10 +130,8 @@ void ProjectSession::replaceModel(Loaded loaded) {
 
 std::vector<ProjectProblem> ProjectSession::losses() const {
     std::vector<ProjectProblem> rows;
-    const XMLPlaces places(m_losses.empty() ? std::string() : m_bytes);
     for (const ProjectLoss& loss : m_losses) {
-        const XMLPlace place = places.at(loss.place);
-        rows.push_back({xmlFromPath(m_path), place.line, place.column, kReportWarning,
+        rows.push_back({xmlFromPath(m_path), loss.place.line, loss.place.column, kReportWarning,
                         "a save does not keep " + loss.text});
     }
     return rows;

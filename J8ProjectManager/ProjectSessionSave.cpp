@@ -88,9 +88,8 @@ std::optional<ProjectSave> ProjectSession::takeOver(std::string theirs) {
 std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDisk, bool overwrites) {
     if (!m_losses.empty()) {
         std::vector<std::string> lines;
-        const XMLPlaces places(m_bytes);
         for (const ProjectLoss& loss : m_losses) {
-            lines.push_back("line " + std::to_string(places.at(loss.place).line) + ": " + loss.text);
+            lines.push_back("line " + std::to_string(loss.place.line) + ": " + loss.text);
         }
         if (!question("A save does not keep what the project's format has no place for:\n\n" + listed(lines) +
                       "\nThe file as it is now is kept beside it. Save all the same?")) {

@@ -58,7 +58,11 @@ struct XMLElement : XMLItem {
     std::uint64_t key = 0;       // of the name, see XMLNames.h
     const char* name = nullptr;  // null: the document node
     XMLElement* parent = nullptr;
-    XMLAttribute* attributes = nullptr;  // in one run
+    union {
+        XMLAttribute* attributes = nullptr;  // in one run
+        const char*
+            tag;  // while there is none: where its name stood in the text, null for what a program made
+    };
 
     XMLItem* lastItem() const { return textUse == XMLTextUse::Alone ? nullptr : m_last; }
     XMLItem* firstItem() const {

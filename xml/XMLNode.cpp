@@ -270,6 +270,11 @@ std::uint32_t XMLNode::place() const {
     // Names are shared, values and texts stand where they were read.
     const XMLDocument* const document = XMLDocument::of(m_element);
     const auto own = [document](const XMLElement* element) {
+        if (element->attributeCount == 0) {
+            if (const std::uint32_t place = document->placeOf(element->tag)) {
+                return place;
+            }
+        }
         for (std::uint32_t i = 0; i < element->attributeCount; ++i) {
             if (const std::uint32_t place = document->placeOf(element->attributes[i].value)) {
                 return place;

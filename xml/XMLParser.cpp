@@ -152,8 +152,10 @@ private:
         }
         ::new (static_cast<void*>(m_run + m_runCount++)) XMLAttribute(attribute);
     }
-    void closeRun(XMLElement* element) {
+    // `tag` is where the element's name stood.
+    void closeRun(XMLElement* element, const char* tag) {
         if (m_runCount == 0) {
+            element->tag = tag;
             return;
         }
         m_document.closeRun(m_run, m_runCount);
@@ -332,7 +334,7 @@ char* Parser<Utf8>::declaration(char* p) {
     }
     XMLElement* element = newElement(p + 2, 3);
     element->isDeclaration = true;
-    closeRun(element);
+    closeRun(element, p + 2);
     return skipBlanks(q) + 2;
 }
 
@@ -499,7 +501,7 @@ char* Parser<Utf8>::startTag(char* p) {
         }
         c = *++q;
     }
-    closeRun(element);
+    closeRun(element, name);
     return q;
 }
 

@@ -57,6 +57,16 @@ std::optional<int> xmlInteger(const char* value) {
     return whole ? std::optional(number) : std::nullopt;
 }
 
+namespace {
+
+constexpr size_t kBlock = 1024;
+
+bool beginsCharacter(char c) {
+    return (static_cast<unsigned char>(c) & 0xc0) != 0x80;
+}
+
+}  // namespace
+
 XMLPlaces::XMLPlaces(std::string bytes) : m_text(std::move(bytes)), m_lines{0} {
     // As the parser took the bytes: what is no UTF-8 was converted from the platform's set.
     const bool notUtf8 = firstNotUtf8(m_text) != m_text.npos;
@@ -64,8 +74,13 @@ XMLPlaces::XMLPlaces(std::string bytes) : m_text(std::move(bytes)), m_lines{0} {
     if (decoded.converted) {
         m_text = std::move(decoded.text);
     }
-    m_skip = static_cast<std::uint32_t>(decoded.skip);
+    m_skip = decoded.skip;
+    std::uint32_t characters = 0;
     for (size_t i = 0; i < m_text.size(); ++i) {
+        if (i % kBlock == 0) {
+            m_characters.push_back(characters);
+        }
+        characters += beginsCharacter(m_text[i]);
         const bool ends = m_text[i] == '\n' || (m_text[i] == '\r' && m_text.c_str()[i + 1] != '\n');
         if (ends) {
             m_lines.push_back(static_cast<std::uint32_t>(i + 1));
@@ -78,14 +93,24 @@ XMLPlace XMLPlaces::at(std::uint32_t place) const {
         return {};
     }
     const size_t tag = m_text.rfind('<', place - 1);
-    const auto first = static_cast<std::uint32_t>(tag == m_text.npos ? 0 : tag);
-    const auto behind = std::upper_bound(m_lines.begin(), m_lines.end(), first);
-    const std::uint32_t start = std::max(*(behind - 1), m_skip);
-    int column = 1;
-    for (std::uint32_t i = start; i < first; ++i) {
-        column += (static_cast<unsigned char>(m_text[i]) & 0xc0) != 0x80;
+    return exactly(tag == m_text.npos ? 0 : tag);
+}
+
+XMLPlace XMLPlaces::exactly(size_t offset) const {
+    if (offset >= m_text.size()) {
+        return {};
     }
-    return {static_cast<int>(behind - m_lines.begin()), column};
+    const auto behind = std::upper_bound(m_lines.begin(), m_lines.end(), offset);
+    const size_t start = std::max<size_t>(*(behind - 1), m_skip);
+    const auto charactersBefore = [this](size_t end) {
+        std::uint32_t count = m_characters[end / kBlock];
+        for (size_t i = end / kBlock * kBlock; i < end; ++i) {
+            count += beginsCharacter(m_text[i]);
+        }
+        return count;
+    };
+    const std::uint32_t column = offset > start ? charactersBefore(offset) - charactersBefore(start) : 0;
+    return {static_cast<int>(behind - m_lines.begin()), static_cast<int>(column) + 1};
 }
 
 }  // namespace zoka

@@ -163,7 +163,9 @@ void XMLDocument::addAttribute(XMLElement* element, const char* name, const char
     if (full) {
         const std::uint32_t room = std::max(kFirstRun, std::bit_ceil(count + 1));
         auto* run = static_cast<XMLAttribute*>(allocate(room * sizeof(XMLAttribute)));
-        std::uninitialized_copy_n(element->attributes, count, run);
+        if (count > 0) {
+            std::uninitialized_copy_n(element->attributes, count, run);
+        }
         element->attributes = run;
         element->grownRun = true;
     }

@@ -66,7 +66,7 @@ std::string loadFault(std::string_view files, const std::string& folder) {
     }
     const XMLNode document = XMLNode::parseBytes(bytes);
     if (!document.isEmpty()) {
-        lossesOf(document, project.createXMLTopNode({}, "1"));
+        lossesOf(document, project.createXMLTopNode({}, "1"), std::string(bytes));
     }
     for (size_t level = 0; level < project.m_apLevels.size() && level < 20; ++level) {
         for (size_t entity = 0; entity < project.m_apLevels[level].m_entities.size() && entity < 20;

@@ -2,6 +2,7 @@
 #include "J8ProjectManager/ProjectSession.h"
 
 #include <algorithm>
+#include <chrono>
 #include <random>
 
 #include "tests/project/ProjectFiles.h"
@@ -219,7 +220,7 @@ TEST_F(ProjectSessionTest, SaveTellsWhatItLosesAndKeepsACopy) {
     for (const zoka::ProjectProblem& loss : session.losses()) {
         lost.push_back(std::to_string(loss.line) + ": " + loss.text.substr(21));
     }
-    EXPECT_THAT(lost, ElementsAre("1: the comment \"mine\"",
+    EXPECT_THAT(lost, ElementsAre("3: the comment \"mine\"",
                                   "15: the attribute sky=\"blue\" of <Level name=\"c\" sky=\"blue\">",
                                   "16: <Fog depth=\"2\"> and what is in it",
                                   "17: <Behavior proj_file=\"gone.xml\">"));
@@ -238,10 +239,51 @@ TEST_F(ProjectSessionTest, SaveTellsWhatItLosesAndKeepsACopy) {
     EXPECT_EQ(folder.read("game.xml.2.bak"), "<missing>") << "nothing was lost";
 }
 
-TEST_F(ProjectSessionTest, CommentsOutsideOfTheProjectStandOnTheFirstLine) {
-    ASSERT_TRUE(session.open(folder.write("outside.xml", "<!-- first --><Project name='x'/>")));
-    ASSERT_EQ(session.losses().size(), 1u);
-    EXPECT_EQ(session.losses()[0].line, 1);
+// Everything has a place of its own: elements without attributes, comments and texts too.
+TEST_F(ProjectSessionTest, WhatIsFoundStandsWhereItSays) {
+    const struct {
+        const char* file;
+        std::vector<std::string> lost;
+    } rows[] = {
+        {"<!-- first --><Project name='x'/>", {"1:1: the comment \"first\""}},
+        {"<Project name='n' date='1' vers='8'>\n<Paths proj_file='' j8_file=''/>\n<!-- a -->\n<Level "
+         "name='l'>\n"
+         "<Doc>d\n <!-- c --></Doc>\n stray\n<!-- a --></Level>\n<Foo/><Foo/></Project>\n<!-- e -->",
+         {"3:1: the comment \"a\"", "6:2: the comment \"c\"", "7:2: the text \"stray\"",
+          "8:1: the comment \"a\"", "9:1: <Foo>", "9:7: <Foo>", "10:1: the comment \"e\""}},
+    };
+    for (const auto& row : rows) {
+        ASSERT_TRUE(session.open(folder.write("places.xml", row.file)));
+        std::vector<std::string> lost;
+        for (const zoka::ProjectProblem& loss : session.losses()) {
+            lost.push_back(std::to_string(loss.line) + ":" + std::to_string(loss.column) + ": " +
+                           loss.text.substr(21));
+        }
+        EXPECT_EQ(lost, row.lost);
+    }
+    ASSERT_TRUE(session.open(folder.write("places.xml", "<Project>\n<Level/>\n <Display/></Project>")));
+    const std::string text = ProjectSession::problemsText(session.problems());
+    EXPECT_THAT(text, HasSubstr("places.xml:2:1: warning: Warning (LoadLevel) :Level found without name"));
+    EXPECT_THAT(text, HasSubstr("places.xml:3:2: error: This element names no file"));
+    EXPECT_THAT(text, HasSubstr("places.xml:1:1: warning: (LoadFromXML): No Vers."));
+}
+
+// Of a long file on one line too.
+TEST_F(ProjectSessionTest, ProblemsOfALongLineTakeNoLongerThanOfShortOnes) {
+    std::string text = "<Project name='n' date='1' vers='8'><Paths proj_file='' j8_file=''/>";
+    const size_t first = text.size();
+    const std::string level = "<Level name='\xC3\xA4' mapfile='m' sky='blue'><Doc>d</Doc></Level>";
+    for (int i = 0; i < 20000; ++i) {
+        text += level;
+    }
+    ASSERT_TRUE(session.open(folder.write("long.xml", text + "</Project>")));
+    const auto start = std::chrono::steady_clock::now();
+    const std::vector<zoka::ProjectProblem> lost = session.losses();
+    const std::vector<zoka::ProjectProblem> all = session.problems();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    ASSERT_EQ(lost.size(), 20000u);
+    EXPECT_EQ(lost.back().column, static_cast<int>(first + 19999 * (level.size() - 1) + 1));
+    EXPECT_EQ(all.size(), 20000u * 3 - 1) << "lost, without a map, and all but one there before";
 }
 
 TEST_F(ProjectSessionTest, ChangesFromOutside) {
