@@ -1,4 +1,5 @@
 // Behaviours files, and the levels of the project file.
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -6,6 +7,8 @@
 #include "J8ProjectManager/J8ProjectManager.h"
 #include "J8ProjectManager/LoadParts.h"
 #include "J8ProjectManager/ReportTexts.h"
+#include "util/Fold.h"
+#include "util/OsFiles.h"
 #include "xml/XMLRead.h"
 
 namespace texts = zoka::texts;
@@ -53,13 +56,16 @@ void CJ8ProjectManager::loadComponentsOf(const XMLNode& root) {
         add(texts::kCmpFileNotFound, {}, node.place());
         return;
     }
-    if (m_loadedComponents.find(path)) {
+    // The disk doesn't tell case and detours apart.
+    std::string file = zoka::osFiles().fullPath(zoka::pathFromXml(path));
+    std::ranges::transform(file, file.begin(), [](char c) { return zoka::foldCase(c); });
+    if (m_loadedComponents.find(file)) {
         add(texts::kCmpLoadedAlready, {path}, 0);
         return;
     }
     m_referrer = node.place();
     if (LoadCMPXML(path)) {
-        m_loadedComponents.add(path, 0);
+        m_loadedComponents.add(file, 0);
     } else {
         add(texts::kCmpLoadError, {path}, node.place());
     }

@@ -162,6 +162,15 @@ private:
         return found == index->second.end() ? nullptr : found->second;
     }
 
+    // The disk is asked once for each name.
+    bool isMapThere(const std::string& map) {
+        const auto [known, isNew] = m_maps.try_emplace(map);
+        if (isNew) {
+            known->second = isProjectFileThere(m_project.m_roots.project() + map) || isProjectFileThere(map);
+        }
+        return known->second;
+    }
+
     void checkLevels() {
         Seen<std::string_view> names;
         for (const CJ8LevelData& level : m_project.m_apLevels) {
@@ -172,7 +181,7 @@ private:
             const std::string& map = level.m_mapFile.m_path;
             if (map.empty()) {
                 warn(0, level.m_place, quoted + " has no map file");
-            } else if (!isProjectFileThere(m_project.m_roots.project() + map) && !isProjectFileThere(map)) {
+            } else if (!isMapThere(map)) {
                 find(kReportError, 0, level.m_place, "map file \"" + map + "\" of " + quoted + " is missing");
             }
             Seen<std::string_view> entities;
@@ -231,6 +240,7 @@ private:
     std::vector<J8Finding> m_findings;
     std::map<const CJ8CMPData*, std::map<std::string_view, const J8Property*>> m_properties;
     std::map<const CJ8BehaviorData*, std::map<int, const J8Skill*>> m_skills;
+    std::map<std::string, bool> m_maps;
     std::set<std::uint32_t> m_used;  // the sources of behaviours that entities have as their parent
 };
 
@@ -258,9 +268,11 @@ std::string undeclaredRefusal(const CJ8ProjectManager& project, const ProjectFie
         return "component \"" + field.component + "\" is in no components file";
     }
     const auto isIt = [&](const J8Property& property) { return property.name == field.name; };
-    return std::ranges::any_of(component->m_properties, isIt)
-               ? ""
-               : "component \"" + field.component + "\" has no such property";
+    const auto property = std::ranges::find_if(component->m_properties, isIt);
+    if (property == component->m_properties.end()) {
+        return "component \"" + field.component + "\" has no such property";
+    }
+    return property->edit ? "" : "component \"" + field.component + "\" does not let entities change it";
 }
 
 std::vector<J8Finding> checkProject(const CJ8ProjectManager& project) {

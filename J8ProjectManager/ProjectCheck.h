@@ -12,8 +12,8 @@ namespace zoka {
 // is no XML, map files that aren't there. In the order of the files. Reads the sections' files; linear otherwise.
 std::vector<J8Finding> checkProject(const CJ8ProjectManager& project);
 
-// Why a check would find fault with a value that an entity doesn't hold yet: no behaviours or components file declares
-// that parent, skill or property. Else empty.
+// Why a value that an entity doesn't hold yet would do nothing: no behaviours or components file declares that parent,
+// skill or property, or the property isn't for entities to change. Else empty.
 std::string undeclaredRefusal(const CJ8ProjectManager& project, const ProjectField& field,
                               const std::string& value);
 

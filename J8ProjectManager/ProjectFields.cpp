@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -188,22 +189,29 @@ auto editOf(Entity& entity, const ProjectField& field) {
 
 void setSkill(J8LevelEntity& entity, int num, const std::optional<std::string>& value) {
     J8EntitySkill* const skill = skillOf(entity, num);
-    if (!value && skill) {
-        entity.skills.erase(entity.skills.begin() + (skill - entity.skills.data()));
+    if (!value) {
+        // One that comes again counts no less once the first has gone.
+        std::erase_if(entity.skills, [&](const J8EntitySkill& each) { return each.num == num; });
     } else if (skill) {
         skill->value = value;
-    } else if (value) {
+    } else {
         entity.skills.push_back({num, 0, value});
     }
 }
 
 void setEdit(J8LevelEntity& entity, const ProjectField& field, const std::optional<std::string>& value) {
+    if (!value) {
+        for (J8EntityComponent& component : entity.components) {
+            if (component.name == field.component) {
+                std::erase_if(component.edits, [&](const J8Edit& edit) { return edit.name == field.name; });
+            }
+        }
+        return;
+    }
     const auto [found, place] = editOf(entity, field);
-    if (found && value) {
+    if (found) {
         found->edits[place].value = *value;
-    } else if (found) {
-        found->edits.erase(found->edits.begin() + static_cast<std::ptrdiff_t>(place));
-    } else if (value) {
+    } else {
         const auto component =
             std::ranges::find(entity.components, field.component, &J8EntityComponent::name);
         J8EntityComponent& to =
@@ -444,16 +452,23 @@ void forEachField(const CJ8ProjectManager& project,
                 use(field, address + fieldPart(field));
             }
             field.kind = Kind::EntitySkill;
+            // Of what is there twice the first counts.
+            std::set<int> numbers;
             for (const J8EntitySkill& skill : entity.skills) {
                 field.num = skill.num;
-                use(field, address + fieldPart(field));
+                if (numbers.insert(skill.num).second) {
+                    use(field, address + fieldPart(field));
+                }
             }
             field.kind = Kind::EntityEdit;
+            std::set<std::pair<std::string_view, std::string_view>> edits;
             for (const J8EntityComponent& component : entity.components) {
                 field.component = component.name;
                 for (const J8Edit& edit : component.edits) {
                     field.name = edit.name;
-                    use(field, address + fieldPart(field));
+                    if (edits.emplace(component.name, edit.name).second) {
+                        use(field, address + fieldPart(field));
+                    }
                 }
             }
         }

@@ -54,7 +54,7 @@ std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::strin
                                     std::string& why);
 std::optional<size_t> levelAt(const CJ8ProjectManager& project, std::string_view address);
 
-// All values that the project file holds, in its order, each with its address. Linear in the project.
+// All values that the project file holds and that count, in its order, each with its address. Linear in the project.
 void forEachField(const CJ8ProjectManager& project,
                   const std::function<void(const ProjectField&, const std::string& address)>& use);
 

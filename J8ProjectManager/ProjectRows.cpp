@@ -284,9 +284,10 @@ std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& f
         case Kind::EntityName:
             return value.empty() ? "A name is needed: without one it would be lost at the next load." : "";
         case Kind::Section:
-            return value.starts_with("proj:") || value.starts_with("j8:") || value.starts_with("file:")
-                       ? ""
-                       : "\"proj:\", \"j8:\" or \"file:\" must stand in front of the file's name.";
+            if (!value.starts_with("proj:") && !value.starts_with("j8:") && !value.starts_with("file:")) {
+                return "\"proj:\", \"j8:\" or \"file:\" must stand in front of the file's name.";
+            }
+            return value.ends_with(":") ? "The file's name is missing behind it." : "";
         case Kind::EntitySkill:
         case Kind::EntityEdit:
             break;

@@ -86,6 +86,13 @@ TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
     folder.write("names.xml",
                  "<Project name='n' date='1'><Paths proj_file='' j8_file=''/>"
                  "<Level name='l&#10;m' mapfile='x'/><Level name='a=b' mapfile='h.zlb'/></Project>");
+    folder.write("two.xml",
+                 "<Project name='n' date='1' vers='8'><Level name='a'/><Level name='b'/></Project>");
+    folder.write(
+        "twice.xml",
+        "<Project name='n' date='1' vers='8'><Level name='l'>\n"
+        "<Entity name='e'><Skill num='1' value='5'/><Skill num='1' value='6'/><Component name='c'>"
+        "<Edit name='p' value='7'/><Edit name='p' value='8'/></Component></Entity></Level></Project>");
     const std::string set = "project set --dry-run game.xml level/harbour/entity/guard/";
     const struct {
         std::string arguments;
@@ -106,6 +113,13 @@ TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
         {set + "skill/3=1", 1, "", "its parent \"g\" has no such skill; --undeclared"},
         {set + "parent=nobody", 1, "", "\"nobody\" is in no behaviors file"},
         {set + "component/body/mass=1", 1, "", "component \"body\" is in no components file"},
+        {"project set -n two.xml level/a/name=b level/b/name=a", 0,
+         "+\t<Level name=\"b\"/>\n+\t<Level name=\"a\"/>\n", ""},
+        {"project set -n game.xml section/UI=proj:", 1, "", "name is missing"},
+        {"project list twice.xml level", 0,
+         "level/l/entity/e/skill/1 = 5\nlevel/l/entity/e/component/c/p = 7\n", ""},
+        {"project set -n twice.xml -u level/l/entity/e/skill/1 -u level/l/entity/e/component/c/p", 0,
+         "+\t\t<Entity name=\"e\">\n+\t\t\t<Component name=\"c\"/>\n", ""},
         {set + "skill/3=1 --undeclared", 0, "+\t\t\t<Skill num=\"3\" value=\"1\"/>\n", ""},
     };
     for (const auto& row : rows) {

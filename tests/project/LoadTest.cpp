@@ -105,18 +105,19 @@ TEST_F(LoadTest, BehaviourFiles) {
         "<Skill name='lost'/><Skill name='odd' num='3x'/><Skill name='plain' num=' -2 ' type='entity'/>"
         "<Component name='body'><Edit name='mass' value='5'/><Edit name='size' value='6'/></Component>"
         "<Component name='mind'><Edit name='iq'/></Component></Behavior><Behavior/></Behaviors>");
-    folder.write("two.xml", "<Behaviors><Component proj_file='cmp.xml'/><Behavior name='dog'/></Behaviors>");
+    folder.write("two.xml",
+                 "<Behaviors><Component proj_file='.\\CMP.xml'/><Behavior name='dog'/></Behaviors>");
     folder.write("bad.xml", "<Behaviors>");
     ASSERT_TRUE(
         load("<Behavior proj_file='one.xml'/><Behavior proj_file='two.xml'/>"
              "<Behavior j8_file='bad.xml'/><Behavior file='gone.xml'/><Display/><UserInput/>"));
-    const std::string cmp = folder.path("cmp.xml");
+    const std::string cmp = folder.path(".\\CMP.xml");  // the same file
     EXPECT_THAT(report(),
                 testing::StartsWith(
                     "Behavior File: one.xml (proj)\r\nComponent File: cmp.xml (proj)\r\n"
                     "Warning (LoadBehavior) guard :Behavior Edit iq found without value. Not added.\r\n"
                     "Warning (LoadBehavior)  :Property found without name. Not added.\r\n"
-                    "Behavior File: two.xml (proj)\r\nComponent File: cmp.xml (proj)\r\n"
+                    "Behavior File: two.xml (proj)\r\nComponent File: .\\CMP.xml (proj)\r\n"
                     "Component File: Already loaded!\r\nFile \"" +
                     cmp +
                     "\" has been ignored.\r\n"

@@ -390,40 +390,45 @@ ExitStatus set(const ProjectOptions& options) {
     if (!open.isOpen()) {
         return ExitStatus::Failed;
     }
-    const auto give = [&](const std::string& address, const std::optional<std::string>& value) {
-        const auto field = open.find(address);
-        if (!field) {
-            return ExitStatus::Usage;
-        }
-        if (!value && !fieldValue(open.model(), *field)) {
-            complain(address + " has no value of its own");
-            return ExitStatus::Done;
-        }
-        std::string why =
-            value && !options.undeclared ? undeclaredRefusal(open.model(), *field, *value) : std::string();
-        if (!why.empty()) {
-            why += "; --undeclared sets it all the same";
-        } else if (open.session().setValue(*field, value, &why)) {
-            return ExitStatus::Done;
-        }
-        complain(address + ": " + pathFromXml(why) + " (nothing was changed)");
-        return ExitStatus::Findings;
+    struct Change {
+        std::string address;
+        std::optional<std::string> value;
+        ProjectField field = {};
     };
+    std::vector<Change> changes;
     for (const std::string& word : options.words) {
         const size_t equals = word.find('=');
         if (equals == word.npos) {
             complain("\"" + word + "\" is not of the form address=value");
             return ExitStatus::Usage;
         }
-        if (const ExitStatus given = give(word.substr(0, equals), xmlFromPath(word.substr(equals + 1)));
-            given != ExitStatus::Done) {
-            return given;
-        }
+        changes.push_back({word.substr(0, equals), xmlFromPath(word.substr(equals + 1))});
     }
     for (const std::string& address : options.unset) {
-        if (const ExitStatus given = give(address, std::nullopt); given != ExitStatus::Done) {
-            return given;
+        changes.push_back({address, std::nullopt});
+    }
+    // All addresses are those of the project as it is, also where one of the changes is a name.
+    for (Change& change : changes) {
+        const auto field = open.find(change.address);
+        if (!field) {
+            return ExitStatus::Usage;
         }
+        change.field = *field;
+    }
+    for (const auto& [address, value, field] : changes) {
+        if (!value && !fieldValue(open.model(), field)) {
+            complain(address + " has no value of its own");
+            continue;
+        }
+        std::string why =
+            value && !options.undeclared ? undeclaredRefusal(open.model(), field, *value) : std::string();
+        if (!why.empty()) {
+            why += "; --undeclared sets it all the same";
+        } else if (open.session().setValue(field, value, &why)) {
+            continue;
+        }
+        complain(address + ": " + pathFromXml(why) + " (nothing was changed)");
+        return ExitStatus::Findings;
     }
     return open.finish(options.dryRun, false);
 }
@@ -478,7 +483,7 @@ void addProjectCommands(CLI::App& app, Work& chosen) {
     };
     const auto json = [&](CLI::App& command) { command.add_flag("--json", options->json, "Print JSON"); };
     const auto dryRun = [&](CLI::App& command) {
-        command.add_flag("--dry-run", options->dryRun, "Write nothing, print the lines that would change");
+        command.add_flag("-n,--dry-run", options->dryRun, "Write nothing, print the lines that would change");
     };
 
     CLI::App& checked = add("check", "Print what is wrong in projects", "zoka project check game.xml", check);
