@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "util/SafeWrite.h"
+
 namespace zoka {
 
 StepReport StepReport::start(const char* root, const char* action) {
@@ -31,7 +33,9 @@ void StepReport::markSucceeded() const {
 }
 
 bool StepReport::write(const char* path) const {
-    return m_node.writeFile(path) == kXmlNone;
+    // It goes to a name of ours in the current folder: a link there may lead to anything.
+    const auto bytes = m_node.toFileBytes();
+    return bytes && safeWrite(path, *bytes, FileKind::Generated);
 }
 
 }  // namespace zoka

@@ -1,13 +1,12 @@
 #include "customize/CustomizeSession.h"
 
 #include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
 #include "util/Backups.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -111,7 +110,7 @@ HostNames CustomizeSession::hostNames(const CustomScript& script, JobProgress* p
         return nullptr;
     }
     std::vector<std::string> names;
-    std::unordered_set<std::string> seen;
+    KeyedSet<std::string> seen;
     for (int i = 0; i < kMostHostNames && mayContinue(progress, 0, 1, script.scriptPath); ++i) {
         const auto name = m_host.GetListItemName(i);
         if (!name) {
@@ -252,7 +251,7 @@ bool CustomizeSession::update() {
 }
 
 void CustomizeSession::carryFromMemory(const std::vector<KeptValue>& values) {
-    std::unordered_set<int> ids;
+    KeyedSet<int> ids;
     for (const CustomEntry& one : m_panel.script.entries) {
         ids.insert(one.id);
     }
@@ -265,7 +264,7 @@ void CustomizeSession::carryFromMemory(const std::vector<KeptValue>& values) {
 }
 
 void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) {
-    std::unordered_map<int, const KeptValue*> keptOf;
+    KeyedMap<int, const KeptValue*> keptOf;
     for (const KeptValue& kept : values) {
         keptOf.emplace(kept.id, &kept);
     }

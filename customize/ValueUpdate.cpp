@@ -1,7 +1,6 @@
 #include "customize/ValueUpdate.h"
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 #include "customize/NumberedScripts.h"
@@ -9,6 +8,7 @@
 #include "customize/WriteBack.h"
 #include "util/Backups.h"
 #include "util/FileLock.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -180,7 +180,7 @@ std::optional<std::vector<std::optional<std::string>>> templateDefaults(const Cu
 }
 
 size_t linesLost(std::string_view before, std::string_view after) {
-    std::unordered_map<std::string_view, size_t> there;
+    KeyedMap<std::string_view, size_t> there;
     forEachLine(after, [&there](std::string_view line) { ++there[line]; });
     size_t lost = 0;
     forEachLine(before, [&](std::string_view line) {

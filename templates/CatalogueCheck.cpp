@@ -1,11 +1,11 @@
 #include "templates/CatalogueCheck.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 #include "templates/CatalogueText.h"
 #include "templates/ScriptHeader.h"
 #include "templates/ScriptNeeds.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -70,7 +70,7 @@ public:
         if (m_scripts.empty()) {
             m_findings.push_back({"", "the catalogue holds no script"});
         }
-        std::unordered_map<std::string, size_t> titles;
+        KeyedMap<std::string, size_t> titles;
         for (size_t i = 0; i < m_scripts.size(); ++i) {
             const CScriptElm& script = m_scripts[i];
             CScriptElm complete = script;
@@ -175,7 +175,7 @@ private:
     std::vector<CScriptElm> m_scripts;  // made once: each is looked at often
     const CTemplateData& m_catalogue;
     const std::string& m_folder;
-    std::unordered_map<std::string, size_t> m_byFile;
+    KeyedMap<std::string, size_t> m_byFile;
     std::vector<CatalogueFinding> m_findings;
 };
 
@@ -187,9 +187,10 @@ std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
 }
 
 bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder, const CTemplateData* earlier,
-                    std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable) {
+                    std::vector<CatalogueFinding>& findings, std::vector<Unreadable>& unreadable,
+                    OsListing* left) {
     bool any = false;
-    for (const OsEntry& entry : osFiles().list(joinPath(templateFolder, "*.kez"))) {
+    for (const OsEntry& entry : osFiles().list(joinPath(templateFolder, "*.kez"), left)) {
         if (entry.isFolder) {
             continue;
         }
@@ -197,7 +198,7 @@ bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
         CScriptElm script;
         std::string report;
         if (!loadScriptHeader(joinPath(templateFolder, entry.name), entry.name, script, report)) {
-            unreadable.push_back(entry.name);
+            unreadable.push_back({entry.name, osFiles().lastError()});
             if (auto known = earlier ? earlier->findByFilenameNoCase(entry.name) : std::nullopt) {
                 catalogue.AddScript(std::move(*known));
             }

@@ -5,8 +5,13 @@
 #include <vector>
 
 #include "templates/TemplateData.h"
+#include "util/OsFiles.h"
 
 namespace zoka {
+
+struct Unreadable {
+    std::string fileName, reason;
+};
 
 struct CatalogueFinding {
     std::string script;  // the file name, or the title where there is none; empty: the catalogue itself
@@ -22,9 +27,11 @@ std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
                                              const std::string& templateFolder);
 
 // Makes a catalogue of all KEZ files of a folder, sorted by name, and appends to `findings` what their
-// headers lack and what a catalogue can't hold. False when there is none; `unreadable` gets the names of those that can't be read.
-// A script that can't be read stays as `earlier` (may be null) has it.
+// headers lack and what a catalogue can't hold. False when there is none; `unreadable` gets the names of those that
+// can't be read, with the reasons. A script that can't be read stays as `earlier` (may be null) has it. `left` gets
+// what the folder's listing left out; may be null.
 bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder, const CTemplateData* earlier,
-                    std::vector<CatalogueFinding>& findings, std::vector<std::string>& unreadable);
+                    std::vector<CatalogueFinding>& findings, std::vector<Unreadable>& unreadable,
+                    OsListing* left = nullptr);
 
 }  // namespace zoka

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "templates/CatalogueText.h"
 #include "templates/HelpStyle.h"
 #include "templates/ScriptNeeds.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -131,7 +131,7 @@ std::string firstSentence(std::string text) {
 class Help {
 public:
     Help(const CTemplateData& catalogue, PageSink take) : m_take(std::move(take)) {
-        std::unordered_map<std::string, size_t> classes;
+        KeyedMap<std::string, size_t> classes;
         unique(kIndexFile);
         for (const CScriptElm& script : catalogue.scripts()) {
             if (!equalNoCase(script.m_type, kDocumentedType)) {
@@ -283,11 +283,11 @@ private:
     bool write(const std::string& name, const std::string& text) { return m_take(name, inTextMode(text)); }
 
     PageSink m_take;
-    std::unordered_map<std::string, unsigned> m_taken;
+    KeyedMap<std::string, unsigned> m_taken;
     std::vector<Class> m_classes;   // in catalogue order
     std::vector<Script> m_scripts;  // in catalogue order
-    std::unordered_map<std::string, size_t> m_byFile;
-    std::unordered_map<std::string, std::vector<size_t>> m_neededBy;  // file name -> scripts
+    KeyedMap<std::string, size_t> m_byFile;
+    KeyedMap<std::string, std::vector<size_t>> m_neededBy;  // file name -> scripts
 };
 
 PageSink intoFolder(const std::string& folder, std::string* error) {
@@ -357,8 +357,7 @@ bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::s
     return makeHelp(catalogue, intoFolder(folder, error));
 }
 
-std::vector<std::string> pagesOfOthers(const std::string& folder,
-                                       const std::unordered_set<std::string>& names) {
+std::vector<std::string> pagesOfOthers(const std::string& folder, const KeyedSet<std::string>& names) {
     constexpr std::string_view kMark = "<!-- saved from KEZ2XML -->";
     std::vector<std::string> others;
     for (const OsEntry& entry : osFiles().list(folder + "*.htm")) {

@@ -4,10 +4,10 @@
 
 #include <functional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "templates/TemplateData.h"
+#include "util/KeyedHash.h"
 
 namespace zoka {
 
@@ -30,8 +30,7 @@ bool makeHelp(const CTemplateData& catalogue, const PageSink& take);
 
 // The pages in `folder` (with a separator at its end) that an earlier run made and whose lowered names are not in
 // `names`: those of scripts and classes that are gone. Pages of other programs are left out.
-std::vector<std::string> pagesOfOthers(const std::string& folder,
-                                       const std::unordered_set<std::string>& names);
+std::vector<std::string> pagesOfOthers(const std::string& folder, const KeyedSet<std::string>& names);
 
 // The page names: "template_" + class + ".htm"; the script's name, or its file name, without the characters
 // that don't go well into links, + ".htm". What no file name can hold is made "_". Names are unique without

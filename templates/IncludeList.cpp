@@ -1,10 +1,10 @@
 #include "templates/IncludeList.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "templates/ScriptFacts.h"
 #include "util/FileLock.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -82,8 +82,11 @@ std::optional<std::string_view> includedName(std::string_view line) {
     return name.substr(0, name.find_last_not_of("> ") + 1);
 }
 
-bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names) {
+bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names, std::string* why) {
     const std::optional<std::string> text = osFiles().readWhole(mainScriptPath);
+    if (why) {
+        *why = text ? "" : "Can't read '" + mainScriptPath + "': " + osFiles().lastError();
+    }
     if (!text || text->empty()) {
         return true;
     }
@@ -97,7 +100,7 @@ long ScanIncludeBlock(CLex& lexer, std::vector<std::string>& names) {
 }
 
 long FindInsertionPoint(CLex& lexer, std::vector<std::string>& pendingNames) {
-    std::unordered_set<std::string> included;
+    KeyedSet<std::string> included;
     const long position =
         walkBlock(lexer, [&included](std::string_view name) { included.insert(lowered(name)); });
     std::erase_if(pendingNames,
@@ -109,7 +112,7 @@ Insertion planInsertion(std::string_view text, const std::string& mainScriptPath
                         std::span<const std::string> scriptPaths, const LocateFile& locate,
                         const std::function<ScriptFacts(const std::string&)>& read) {
     CLex lexer(text.data(), static_cast<long>(text.size()));
-    std::unordered_set<std::string> included;
+    KeyedSet<std::string> included;
     Insertion insertion;
     insertion.position =
         walkBlock(lexer, [&included](std::string_view name) { included.insert(lowered(name)); });
@@ -165,7 +168,7 @@ std::optional<std::string> withoutIncludes(std::string_view text, std::span<cons
     if (text.empty()) {
         throw EmptyScriptError();
     }
-    std::unordered_multiset<std::string> wanted;
+    KeyedMultiset<std::string> wanted;
     for (const std::string& name : names) {
         wanted.insert(lowered(name));
     }

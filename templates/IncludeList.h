@@ -33,8 +33,9 @@ std::string includeLine(std::string_view name);
 std::optional<std::string_view> includedName(std::string_view line);
 
 // Appends the names of the include block of the file to `names`, in file order; nothing when it can't be
-// opened. Always true.
-bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names);
+// opened: `why` (may be null) says then why, and is empty otherwise. Always true.
+bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names,
+                     std::string* why = nullptr);
 
 // Both look through all lines of `lexer`, from the first one, and return the insertion point, an offset in
 // its text: the start of the line that ends the block; where the block ends with the text, the start of its

@@ -58,9 +58,10 @@ void IncludedScripts::read() {
     m_byFile.clear();
     m_records.clear();
     m_needers.reset();
+    m_problem.clear();
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
-        ReadIncludeList(*mainPath, names);
+        ReadIncludeList(*mainPath, names, &m_problem);
     }
     for (std::string& name : names) {
         IncludedScript entry{name, name, {}};

@@ -5,12 +5,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/TemplateData.h"
+#include "util/KeyedHash.h"
 
 namespace zoka {
 
@@ -39,6 +39,8 @@ public:
 
     // Reads the include block again.
     void read();
+    // Why the main script could not be read, in words for the user: the list is empty then; else empty.
+    const std::string& problem() const { return m_problem; }
     const std::vector<IncludedScript>& all() const { return m_scripts; }
     // The first entry of that text.
     const IncludedScript* byText(const std::string& text) const;
@@ -61,14 +63,15 @@ public:
     std::vector<Need> allThatNeed(size_t index) const;
 
 private:
-    using Needers = std::unordered_map<std::string, std::vector<size_t>>;
+    using Needers = KeyedMap<std::string, std::vector<size_t>>;
     const Needers& needers() const;
 
     ZunEditorInterface& m_host;
     const CTemplateData& m_catalogue;
     std::vector<IncludedScript> m_scripts;
-    std::unordered_map<std::string, size_t> m_byText;
-    std::unordered_map<std::string, size_t> m_byFile;  // lowered names
+    std::string m_problem;
+    KeyedMap<std::string, size_t> m_byText;
+    KeyedMap<std::string, size_t> m_byFile;  // lowered names
     std::unordered_set<std::uint32_t> m_records;
     mutable std::optional<Needers> m_needers;  // file name -> entries that need it
 };

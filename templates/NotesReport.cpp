@@ -20,7 +20,12 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
     text += "Main Script: " + mainScriptPath + "\r\n\r\n";
 
     std::vector<std::string> names;
-    ReadIncludeList(mainScriptPath, names);
+    std::string why;
+    ReadIncludeList(mainScriptPath, names, &why);
+    if (!why.empty()) {
+        text += why + "\r\n";
+        return false;
+    }
     ScriptFolders folders(host);
     folders.listOnce();
     ScriptFactsReader facts;

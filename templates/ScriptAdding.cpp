@@ -1,7 +1,6 @@
 #include "templates/ScriptAdding.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -18,7 +17,7 @@ std::string destinationIn(const std::string& folder, const std::string& source) 
 
 // The number of the first copy of the numbered template that exists neither on the disk nor in `taken`
 // (lowered paths); nothing when the name would become too long.
-std::optional<unsigned> freeNumber(const std::string& path, const std::unordered_set<std::string>& taken) {
+std::optional<unsigned> freeNumber(const std::string& path, const KeyedSet<std::string>& taken) {
     for (unsigned number = 0;; ++number) {
         const std::string candidate = numberedCopy(path, number);
         if (candidate.size() > kLongestPath) {
@@ -189,7 +188,7 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
         plan.copies.push_back(*copy);
     }
 
-    std::unordered_map<std::string, AddPlan::Copy> sources;  // by the paths of the copies to be made
+    KeyedMap<std::string, AddPlan::Copy> sources;  // by the paths of the copies to be made
     Paths taken;
     plan.paths.assign(scriptPaths.begin(), scriptPaths.end());
     for (std::string& path : plan.paths) {
@@ -213,7 +212,7 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
         planInsertion(plan.main.before, plan.main.path, plan.paths, folders.locator(), read);
     plan.problem = insertion.problem;
 
-    std::unordered_set<std::string> asked;
+    KeyedSet<std::string> asked;
     for (const std::string& path : plan.paths) {
         asked.insert(lowered(fileNameOf(path)));
     }

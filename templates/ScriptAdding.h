@@ -4,13 +4,13 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "customize/NumberedScripts.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/IncludeList.h"
 #include "templates/ScriptFolders.h"
+#include "util/KeyedHash.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
@@ -78,7 +78,7 @@ public:
     const std::vector<std::string>& copies() const { return m_copies; }
 
 private:
-    using Paths = std::unordered_set<std::string>;  // lowered
+    using Paths = KeyedSet<std::string>;  // lowered
     static std::optional<AddPlan::Copy> planCopy(const std::string& source, const std::string& folder,
                                                  const Paths& taken, std::string& problem);
     bool makeCopy(const AddPlan::Copy& copy);

@@ -3,8 +3,9 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+#include "util/KeyedHash.h"
 
 namespace zoka {
 
@@ -30,7 +31,7 @@ public:
     const ScriptFacts& of(const std::string& path);
 
 private:
-    std::unordered_map<std::string, ScriptFacts> m_facts;
+    KeyedMap<std::string, ScriptFacts> m_facts;
 };
 
 }  // namespace zoka

@@ -7,14 +7,16 @@ namespace zoka {
 
 namespace {
 
-std::unordered_set<std::string> filesOf(const std::string& folder) {
-    std::unordered_set<std::string> names;
-    for (const OsEntry& entry : osFiles().list(folder + "\\*")) {
+// Nothing where the folder can't be listed to its end: each name is then looked for by itself.
+std::optional<KeyedSet<std::string>> filesOf(const std::string& folder) {
+    KeyedSet<std::string> names;
+    OsListing left;
+    for (const OsEntry& entry : osFiles().list(folder + "\\*", &left)) {
         if (!entry.isFolder) {
             names.insert(lowered(entry.name));
         }
     }
-    return names;
+    return left.error.empty() ? std::optional(std::move(names)) : std::nullopt;
 }
 
 }  // namespace
@@ -34,7 +36,6 @@ ScriptFolders::ScriptFolders(ZunEditorInterface& host)
 void ScriptFolders::listOnce() {
     m_projectFiles = filesOf(m_project);
     m_templateFiles = filesOf(m_templates.substr(0, m_templates.size() - 1));
-    m_listed = true;
 }
 
 bool ScriptFolders::isFile(const std::string& path, const std::string& fileName,
@@ -42,8 +43,8 @@ bool ScriptFolders::isFile(const std::string& path, const std::string& fileName,
     if (!staysInFolder(fileName)) {
         return false;
     }
-    if (m_listed && isPlainFileName(fileName)) {
-        return listing.contains(lowered(fileName));
+    if (listing && isPlainFileName(fileName)) {
+        return listing->contains(lowered(fileName));
     }
     const std::optional<OsEntry> entry = osFiles().search(path);
     return entry && !entry->isFolder;

@@ -3,10 +3,10 @@
 
 #include <optional>
 #include <string>
-#include <unordered_set>
 
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/ScriptNeeds.h"
+#include "util/KeyedHash.h"
 
 namespace zoka {
 
@@ -49,12 +49,11 @@ public:
                             bool fromTemplate, ScriptFactsReader* reader = nullptr) const;
 
 private:
-    using Listing = std::unordered_set<std::string>;  // lowered names
+    using Listing = std::optional<KeyedSet<std::string>>;  // lowered names; nothing: not listed
     bool isFile(const std::string& path, const std::string& fileName, const Listing& listing) const;
 
     std::string m_project;
     std::string m_templates;  // with its last backslash
-    bool m_listed = false;
     Listing m_projectFiles;
     Listing m_templateFiles;
 };

@@ -84,6 +84,9 @@ bool ScriptManagerSession::open(JobProgress* progress) {
         return false;
     }
     refresh();
+    if (!m_included.problem().empty()) {
+        m_prompt.tell(m_included.problem());
+    }
     return true;
 }
 

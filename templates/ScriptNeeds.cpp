@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "util/DeviceNames.h"
+#include "util/KeyedHash.h"
 #include "util/LexChars.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
@@ -73,12 +74,12 @@ std::string describe(std::span<const RefusedNeed> refused) {
 }
 
 NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::string& mainScriptName,
-                           const std::unordered_set<std::string>& included, const LocateFile& locate,
+                           const KeyedSet<std::string>& included, const LocateFile& locate,
                            const std::function<ScriptFacts(const std::string&)>& read) {
     NeededScripts result;
-    std::unordered_set<std::string> seen = included;
+    KeyedSet<std::string> seen = included;
     seen.insert(lowered(mainScriptName));
-    std::unordered_set<std::string> listed;
+    KeyedSet<std::string> listed;
     std::vector<Level> way;
     const auto open = [&](const std::string& name, const std::string& path) {
         way.push_back({name, path.empty() ? std::vector<std::string>() : read(path).needs, 0});

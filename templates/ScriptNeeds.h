@@ -5,10 +5,10 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "templates/ScriptFacts.h"
+#include "util/KeyedHash.h"
 #include "util/Text.h"
 
 namespace zoka {
@@ -51,7 +51,7 @@ using LocateFile = std::function<std::string(const std::string& fileName)>;
 // that form a circle are each taken once. A need that isn't found is taken by its name alone. Each file is
 // read once; a depth of any size is fine.
 NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::string& mainScriptName,
-                           const std::unordered_set<std::string>& included, const LocateFile& locate,
+                           const KeyedSet<std::string>& included, const LocateFile& locate,
                            const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);
 
 }  // namespace zoka

@@ -6,6 +6,7 @@
 
 #include "customize/NumberedScripts.h"
 #include "templates/IncludedScripts.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -17,6 +18,7 @@ namespace {
 struct Copies {
     ScriptFacts own, original;  // "-1" for what can't be read
     bool equal = false;         // byte for byte, a numbered copy with its number
+    std::string unread = {};    // why the project's copy can't be read; else empty
 
     bool sameVersion() const { return own.version == original.version && own.date == original.date; }
 };
@@ -25,6 +27,9 @@ Copies compare(const ScriptFolders& folders, const std::string& fileName) {
     Copies copies;
     const std::string path = folders.projectPath(fileName);
     const std::optional<std::string> own = osFiles().readWhole(path);
+    if (!own) {
+        copies.unread = "Can't read '" + path + "': " + osFiles().lastError();
+    }
     const std::optional<std::string> templatePath = folders.templateOf(fileName);
     const std::optional<std::string> original =
         templatePath ? templateTextFor(path, *templatePath) : std::nullopt;
@@ -61,12 +66,17 @@ std::vector<OwnLines> UpdatePlan::ownLines() const {
 int ScriptUpdate::FillUpdateList(bool showAll) {
     m_entries.clear();
     m_differing.clear();
+    m_unread.clear();
     m_ownScripts = false;
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
-        ReadIncludeList(*mainPath, names);
+        std::string why;
+        ReadIncludeList(*mainPath, names, &why);
+        if (!why.empty()) {
+            m_unread.push_back(why);
+        }
     }
-    std::unordered_set<std::string> included;
+    KeyedSet<std::string> included;
     for (const std::string& name : names) {
         included.insert(lowered(name));
     }
@@ -95,7 +105,13 @@ int ScriptUpdate::FillUpdateList(bool showAll) {
         if (isNew) {
             found->second = compare(folders, name);
         }
-        const auto& [own, original, equal] = found->second;
+        const auto& [own, original, equal, unread] = found->second;
+        if (!unread.empty()) {
+            if (isNew) {
+                m_unread.push_back(unread);
+            }
+            continue;
+        }
         if (!found->second.sameVersion()) {
             m_entries.push_back({title + "--[Local ver: " + own.version + " date: " + own.date +
                                      " --> Template ver: " + original.version + " date: " + original.date +
@@ -110,8 +126,7 @@ int ScriptUpdate::FillUpdateList(bool showAll) {
 }
 
 void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& title,
-                                   const std::string& fileName,
-                                   const std::unordered_set<std::string>& included) {
+                                   const std::string& fileName, const KeyedSet<std::string>& included) {
     UpdateEntry entry{title + "--Is missing the following Needs:", fileName, {}};
     for (const std::string& need : needsOf(script, fileName)) {
         if (included.contains(lowered(need))) {
@@ -126,6 +141,13 @@ void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& 
 }
 
 std::string ScriptUpdate::nothingListedText() const {
+    if (!m_unread.empty()) {
+        std::string text = "Not every script could be compared:";
+        for (const std::string& why : m_unread) {
+            text += "\n" + why;
+        }
+        return text;
+    }
     if (!m_differing.empty()) {
         return "Versions and dates are the template folder's, but these scripts have other lines or "
                "values: " +
@@ -140,7 +162,7 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
     UpdatePlan plan;
     ScriptFolders folders(m_host);
     folders.listOnce();
-    std::unordered_set<std::string> done;
+    KeyedSet<std::string> done;
     for (size_t i = 0; i < entries.size(); ++i) {
         const std::string& fileName = entries[i].fileName;
         for (const std::string& need : entries[i].missingNeeds) {
@@ -205,6 +227,11 @@ void ScriptUpdate::forgetLastRun() {
 
 bool ScriptUpdate::UpdateAll(JobProgress* progress) {
     forgetLastRun();
+    if (m_entries.empty() && !m_unread.empty()) {
+        m_problems = m_unread;
+        m_prompt.tell(nothingListedText());
+        return false;
+    }
     if (m_entries.empty()) {
         m_prompt.ask("Everything Up-to-Date.", "Can't Update", PromptButtons::Ok, PromptIcon::Information);
         return true;

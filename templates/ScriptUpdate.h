@@ -3,7 +3,6 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "customize/ValueUpdate.h"
@@ -12,6 +11,7 @@
 #include "templates/ScriptFolders.h"
 #include "templates/TemplateData.h"
 #include "util/JobProgress.h"
+#include "util/KeyedHash.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
@@ -83,7 +83,7 @@ public:
 
 private:
     void addEntryOfNeeds(const CScriptElm& script, const std::string& title, const std::string& fileName,
-                         const std::unordered_set<std::string>& included);
+                         const KeyedSet<std::string>& included);
     void update(const std::vector<UpdateEntry>& entries, JobProgress* progress);
     void leaveOwnLines(UpdatePlan& plan);
     void carryOut(const UpdatePlan& plan, JobProgress* progress);
@@ -96,6 +96,7 @@ private:
     UserPrompt& m_prompt;
     std::vector<UpdateEntry> m_entries;
     std::vector<std::string> m_differing;  // same version and date, other bytes; or unreadable
+    std::vector<std::string> m_unread;     // why files could not be compared
     bool m_ownScripts = false;             // the project includes scripts that are no templates
     std::vector<std::string> m_problems, m_updated, m_included, m_leftAlone;
     std::string m_unplaced;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <unordered_set>
 #include <utility>
 
 #include "templates/CatalogueText.h"
@@ -38,7 +37,7 @@ auto typeIn(const std::vector<CTemplateData::Directory>& directories) {
 
 using Records = std::vector<std::uint32_t>;
 
-const Records& recordsOf(const std::unordered_map<std::string_view, Records>& index, const std::string& key) {
+const Records& recordsOf(const zoka::KeyedMap<std::string_view, Records>& index, const std::string& key) {
     static const Records kEmpty;
     const auto found = index.find(key);
     return found == index.end() ? kEmpty : found->second;
@@ -98,7 +97,7 @@ bool CTemplateData::GetClassList(StringList& list) const {
 
 bool CTemplateData::GetClassListOfType(StringList& list, const std::string& type) const {
     list.assign(1, kAllClasses);
-    std::unordered_set<std::string_view> seen = {kAllClasses};
+    zoka::KeyedSet<std::string_view> seen = {kAllClasses};
     for (const std::uint32_t record : recordsOf(m_byType, type)) {
         if (seen.insert(m_rows[record].className).second) {
             list.emplace_back(m_rows[record].className);

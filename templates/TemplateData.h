@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -16,6 +15,7 @@
 #include "templates/ScriptElm.h"
 #include "util/Export.h"
 #include "util/JobProgress.h"
+#include "util/KeyedHash.h"
 #include "xml/XMLNode.h"
 
 // Holds the catalogue's own header, its folders and its scripts, all in file order. Queries compare exactly,
@@ -196,6 +196,6 @@ private:
     // Those left out of the former, where an earlier one's name differs in case at most.
     zoka::RecordIndex<false> m_laterByFilename;
     zoka::RecordIndex<false> m_byDirectoryType;
-    std::unordered_map<std::string_view, Records> m_byClass;
-    std::unordered_map<std::string_view, Records> m_byType;
+    zoka::KeyedMap<std::string_view, Records> m_byClass;
+    zoka::KeyedMap<std::string_view, Records> m_byType;
 };

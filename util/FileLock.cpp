@@ -87,8 +87,7 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience) 
     if (!target || fileNameOf(*target).empty()) {
         return;  // nothing that could be written either: whoever writes says why
     }
-    const std::string lockFile =
-        joinPath(folderOf(*target), "~zk-" + std::string(fileNameOf(*target)) + ".lock");
+    std::string lockFile = joinPath(folderOf(*target), "~zk-" + std::string(fileNameOf(*target)) + ".lock");
     std::string key;
     for (const char c : *target) {
         key += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -104,17 +103,19 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience) 
     }
     m_key = std::move(key);
     if (result == Registry::Result::TakenOver) {
-        // Nothing may be thrown while the lock has no owner yet.
-        keepInside([&] {
-            userPrompt().tell("A program that is gone had left the lock '" + lockFile +
-                              "' behind. It was removed.");
-        });
+        m_takenOver.swap(lockFile);
     }
 }
 
 FileLock::~FileLock() {
     if (!m_key.empty()) {
         registry().release(m_key);
+    }
+    if (!m_takenOver.empty()) {
+        keepInside([&] {
+            userPrompt().tell("A program that is gone had left the lock '" + m_takenOver +
+                              "' behind. It was removed.");
+        });
     }
 }
 

@@ -18,7 +18,7 @@ inline constexpr std::chrono::milliseconds kLockPatience{10'000};
 // Where the folder takes no lock file (it is read-only, say) there is nothing to hold and the work goes on:
 // FileContent::expected still notices what another has written. The lock file stands beside the file that
 // the path leads to, is named "~zk-NAME.lock" and goes with the lock; one whose holder is gone is taken over
-// and the user is told.
+// and the user is told, once the lock is released: others need not wait for an answer.
 class FileLock {
 public:
     explicit FileLock(const std::string& path, std::chrono::milliseconds patience = kLockPatience);
@@ -31,7 +31,8 @@ public:
     const std::string& error() const { return m_error; }
 
 private:
-    std::string m_key;  // empty: nothing is held
+    std::string m_key;        // empty: nothing is held
+    std::string m_takenOver;  // the lock file, when one was left behind
     std::string m_error;
 };
 

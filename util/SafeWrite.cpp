@@ -144,7 +144,12 @@ public:
 
     // Whether the file is still the one that was read.
     bool isAsExpected() const {
-        return !m_content.expected || m_files.readWhole(m_target).value_or("") == *m_content.expected;
+        if (!m_content.expected) {
+            return true;
+        }
+        // A file that is there and can't be read may hold another's work; one that isn't was read as empty.
+        const auto now = m_files.readWhole(m_target);
+        return now ? *now == *m_content.expected : m_content.expected->empty() && !m_files.exists(m_target);
     }
 
     std::string place() {

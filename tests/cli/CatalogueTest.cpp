@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/cli/Tool.h"
+#include "tests/cli/Unreadable.h"
 
 using nlohmann::json;
 using testing::AllOf, testing::HasSubstr, testing::StartsWith;
@@ -45,6 +46,26 @@ struct Suite : ToolFolder {
 };
 
 }  // namespace
+
+TEST(Catalogue, IsNotWrittenFromHalfOfItsFolder) {
+    Suite suite;
+    const std::string build = "catalogue build suite/templates";
+    {
+        std::filesystem::remove(suite.path("suite/templates/fog.kez"));
+        const Unreadable fog(suite.path("suite/templates/fog.kez"));
+        const ToolRun run = suite.run(build);
+        EXPECT_EQ(run.status, 3);
+        EXPECT_THAT(run.err, AllOf(HasSubstr("cannot read fog.kez: "), HasSubstr("; it stays as it was")));
+    }
+    const std::string before = suite.read("suite/templates/template_6.xml");
+    const Unreadable lamp(suite.path("suite/templates/lamp.kez"));
+    for (const char* more : {"", " --dry-run"}) {
+        const ToolRun run = suite.run(build + more);
+        EXPECT_EQ(run.status, 3);
+        EXPECT_THAT(run.err, AllOf(HasSubstr("cannot read lamp.kez: "), HasSubstr("Nothing was written.")));
+    }
+    EXPECT_EQ(suite.read("suite/templates/template_6.xml"), before);
+}
 
 TEST(Catalogue, BuildTellsWhatHeadersLack) {
     Suite suite;

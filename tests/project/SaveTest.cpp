@@ -96,6 +96,13 @@ TEST_F(SaveTest, OwnReportWhateverComes) {
     EXPECT_THAT(folder.read("J8ProjectManagerDebug.xml"),
                 HasSubstr("action=\"SaveProjectXML\" ver=\"8.0303\" err=\"none\""));
     EXPECT_THAT(folder.read("new.xml"), HasSubstr("<Project name=\"\""));
+    // The report is the program's own: it goes through no link, where the system has some.
+    folder.write("precious", "mine");
+    std::filesystem::remove(folder.native("J8ProjectManagerDebug.xml"));
+    std::error_code refused;
+    std::filesystem::create_symlink("precious", folder.native("J8ProjectManagerDebug.xml"), refused);
+    EXPECT_TRUE(manager.SaveProjectXML());
+    EXPECT_EQ(folder.read("precious"), "mine");
     manager.setProjectFile(folder.path("no\\such\\folder.xml"));
     EXPECT_FALSE(manager.SaveProjectXML(saveReport));
     ASSERT_TRUE(files.setCurrentFolder(before));

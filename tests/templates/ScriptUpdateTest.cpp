@@ -6,11 +6,14 @@
 #include <map>
 
 #include "templates/NotesReport.h"
+#include "templates/ScriptFolders.h"
 #include "templates/ScriptRestore.h"
+#include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/templates/Project.h"
 
 using namespace zoka;
+using test::FaultyOsFiles;
 using test::includes;
 using test::Names;
 using test::Project;
@@ -185,6 +188,35 @@ TEST(ScriptUpdate, SaysWhetherAllIsTheTemplates) {
     EXPECT_EQ(f.update.nothingListedText(),
               "Versions and dates are the template folder's, but these scripts have other lines or values: "
               "fog.kez");
+}
+
+// What can't be read is neither empty nor up to date.
+TEST(ScriptUpdate, SaysWhatItCouldNotCompare) {
+    for (const char* unread : {"main.kez", "fog.kez"}) {
+        SCOPED_TRACE(unread);
+        Fixture f({"fog.kez", "weather.kez", "noise.kez"});
+        const FaultyOsFiles disk([&](int, std::string_view op, const std::string& path) {
+            return op == "readWhole" && path == f.project.folder.path(unread);
+        });
+        f.update.FillUpdateList(false);
+        EXPECT_EQ(f.update.nothingListedText(), "Not every script could be compared:\nCan't read '" +
+                                                    f.project.folder.path(unread) + "': injected fault");
+        EXPECT_FALSE(f.update.UpdateAll());
+        EXPECT_EQ(f.prompt.texts(), Names{f.update.nothingListedText()});
+        EXPECT_EQ(f.update.problems().size(), 1u);
+    }
+}
+
+// A folder that can't be listed is looked into name by name.
+TEST(ScriptFolders, AFolderThatCannotBeListedIsNotEmpty) {
+    const Fixture f({});
+    const FaultyOsFiles disk(FaultyOsFiles::every("list"));
+    Project::Host host = f.project.host;
+    ScriptFolders folders(host);
+    folders.listOnce();
+    EXPECT_EQ(folders.LocateScript("fog.kez"), ScriptPlace::Project);
+    EXPECT_EQ(folders.LocateScript("weather.kez"), ScriptPlace::Template);
+    EXPECT_EQ(folders.LocateScript("none.kez"), ScriptPlace::NotFound);
 }
 
 TEST(ScriptUpdate, ANumberedCopyFollowsItsTemplate) {

@@ -150,6 +150,13 @@ TEST(SafeWrite, NoticesWhatAnotherHasWritten) {
     EXPECT_EQ(folder.names(), (Names{"a", "b"}));
     EXPECT_EQ(folder.read("a") + folder.read("b"), "readother") << "of several files none is written";
     EXPECT_EQ(safeWrite({files, 1}).error, "");
+    // What can't be read now may be another's, also where nothing was read before.
+    const std::string held = folder.write("held", "theirs"), gone = folder.path("gone");
+    const FaultyOsFiles disk(FaultyOsFiles::every("readWhole"));
+    EXPECT_TRUE(
+        safeWrite(std::vector<zoka::FileContent>{{held, "new", zoka::FileKind::Named, ""}}).changedMeanwhile);
+    EXPECT_EQ(folder.read("held"), "theirs");
+    EXPECT_TRUE(safeWrite(std::vector<zoka::FileContent>{{gone, "new", zoka::FileKind::Named, ""}}));
 }
 
 TEST(SafeWrite, RefusesWhatIsNoFile) {

@@ -117,7 +117,8 @@ ExitStatus listBehavior(const BehaviorOptions& options) {
 }
 
 // The scripts that the arguments name; of a folder those in it.
-std::vector<std::string> scriptsOf(const std::vector<std::string>& words) {
+// Of a folder that can't be read it is said, and `status` becomes Failed.
+std::vector<std::string> scriptsOf(const std::vector<std::string>& words, ExitStatus& status) {
     std::vector<std::string> paths;
     for (const std::string& word : words) {
         const std::string path = suitePath(word);
@@ -126,10 +127,16 @@ std::vector<std::string> scriptsOf(const std::vector<std::string>& words) {
             paths.push_back(path);
             continue;
         }
-        for (const OsEntry& one : osFiles().list(joinPath(path, "*.kez"))) {
+        OsListing left;
+        for (const OsEntry& one : osFiles().list(joinPath(path, "*.kez"), &left)) {
             if (!one.isFolder) {
                 paths.push_back(joinPath(path, one.name));
             }
+        }
+        tellSkipped(left, word);
+        if (!left.error.empty()) {
+            complain("cannot read " + word + ": " + left.error);
+            status = ExitStatus::Failed;
         }
     }
     return paths;
@@ -138,7 +145,7 @@ std::vector<std::string> scriptsOf(const std::vector<std::string>& words) {
 ExitStatus checkBehavior(const BehaviorOptions& options) {
     ExitStatus status = ExitStatus::Done;
     Json all = Json::array();
-    for (const std::string& path : scriptsOf(options.words)) {
+    for (const std::string& path : scriptsOf(options.words, status)) {
         const auto script = readInput(path);
         if (!script) {
             status = worse(status, ExitStatus::Failed);

@@ -4,7 +4,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "templates/CatalogueCheck.h"
@@ -16,6 +15,7 @@
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/KeyedHash.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -69,6 +69,16 @@ ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>&
     return findings.empty() ? ExitStatus::Done : ExitStatus::Findings;
 }
 
+// What a file holds that is to be written, nothing of a new one. Without a value when it can't be read; why was said.
+std::optional<std::string> currentText(const std::string& path, const std::string& shown) {
+    auto text = osFiles().readWhole(path);
+    if (!text && osFiles().exists(path)) {
+        complain("cannot read " + shown + ": " + osFiles().lastError());
+        return std::nullopt;
+    }
+    return text ? text : std::optional(std::string());
+}
+
 struct BuildOptions {
     std::string folder, output;
     std::optional<std::string> name, type, version, engineReq;  // where not given, those of the old catalogue
@@ -114,17 +124,31 @@ ExitStatus build(const BuildOptions& options) {
     }
     setHeader(catalogue, known ? &old : nullptr, known ? engineOf(output) : "", options, folder);
     std::vector<CatalogueFinding> findings;
-    std::vector<std::string> unreadable;
-    if (!buildCatalogue(catalogue, folder, known ? &old : nullptr, findings, unreadable)) {
+    std::vector<Unreadable> unreadable;
+    OsListing left;
+    const bool any = buildCatalogue(catalogue, folder, known ? &old : nullptr, findings, unreadable, &left);
+    tellSkipped(left, options.folder);
+    if (!left.error.empty()) {
+        complain("cannot read " + options.folder + ": " + left.error + ". Nothing was written.");
+        return ExitStatus::Failed;
+    }
+    if (!any) {
         complain("there is no KEZ script in " + options.folder);
         return ExitStatus::Failed;
     }
     const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
     ExitStatus status = report(options.folder, findings, options.json);
-    for (const std::string& name : unreadable) {
-        complain("cannot read " + name +
-                 (known && old.recordByFilenameNoCase(name) ? "; it stays as it was" : "; it is left out"));
+    bool whole = true;
+    for (const auto& [name, reason] : unreadable) {
+        const bool stays = known && old.recordByFilenameNoCase(name);
+        complain("cannot read " + name + ": " + reason + (stays ? "; it stays as it was" : ""));
         status = ExitStatus::Failed;
+        whole = whole && stays;
+    }
+    // A catalogue without some of the folder's scripts would hide them from whoever adds scripts by it.
+    if (!whole) {
+        complain("The catalogue would lack scripts of the folder. Nothing was written.");
+        return ExitStatus::Failed;
     }
     // What Add Script could not read would end the editor.
     XMLResults results;
@@ -135,10 +159,11 @@ ExitStatus build(const BuildOptions& options) {
         return ExitStatus::Failed;
     }
     if (options.dryRun) {
-        if (!options.json) {
-            printPatch(unifiedDifference(osFiles().readWhole(output).value_or(""), text, shown, shown));
+        const std::optional<std::string> before = currentText(output, shown);
+        if (before && !options.json) {
+            printPatch(unifiedDifference(*before, text, shown, shown));
         }
-        return status;
+        return before ? status : ExitStatus::Failed;
     }
     return writeOutput(output, text, FileKind::Generated) ? status : ExitStatus::Failed;
 }
@@ -256,13 +281,18 @@ ExitStatus writePages(const PagesOptions& options) {
         return loaded;
     }
     const std::string folder = suitePath(options.output) + "\\";
-    std::unordered_set<std::string> names;
+    KeyedSet<std::string> names;
+    bool readable = true;
     makeHelp(catalogue, [&](const std::string& name, const std::string& text) {
         names.insert(lowered(name));
         if (options.dryRun) {
             const std::string path = folder + name,
                               shown = asGiven(path, suitePath(options.output), options.output);
-            printPatch(unifiedDifference(osFiles().readWhole(path).value_or(""), text, shown, shown));
+            const std::optional<std::string> before = currentText(path, shown);
+            readable = readable && before;
+            if (before) {
+                printPatch(unifiedDifference(*before, text, shown, shown));
+            }
         }
         return true;
     });
@@ -271,7 +301,7 @@ ExitStatus writePages(const PagesOptions& options) {
         for (const std::string& page : gone) {
             print((options.prune ? "delete " : "of a script that is gone: ") + page + "\n");
         }
-        return ExitStatus::Done;
+        return readable ? ExitStatus::Done : ExitStatus::Failed;
     }
     osFiles().makeFolders(suitePath(options.output));  // where it can't, the first page says so
     std::string error;

@@ -118,6 +118,12 @@ bool flushOutput() {
     return false;
 }
 
+void tellSkipped(const OsListing& left, const std::string& folder) {
+    for (const std::string& name : left.skipped) {
+        complain(folder + ": " + name + " is skipped: a name with a backslash can't be told from a path");
+    }
+}
+
 void complain(const std::string& text) {
     std::fprintf(stderr, "zoka: %s\n", shownText(text).c_str());
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "util/OsFiles.h"
 #include "util/SafeWrite.h"
 
 namespace CLI {
@@ -71,6 +72,9 @@ void printPatch(const std::string& difference);
 // The file that the work is about from here on: memory that runs out is told with its name.
 void workOn(const std::string& path);
 const std::string& workedOn();
+
+// Says which names of a folder are not looked at, because no path of the suite can hold them.
+void tellSkipped(const OsListing& left, const std::string& folder);
 
 bool isTerminal(std::FILE* stream);
 // Makes the standard streams pass bytes on as they are.

@@ -561,11 +561,17 @@ ExitStatus check(const CustomizeOptions& options) {
             status = worse(status, checkFile(path, word, json));
             continue;
         }
-        for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez"))) {
+        OsListing left;
+        for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez"), &left)) {
             if (!file.isFolder) {
                 status = worse(status, checkFile(joinPath(path, file.name),
                                                  asGiven(joinPath(path, file.name), path, word), json));
             }
+        }
+        tellSkipped(left, word);
+        if (!left.error.empty()) {
+            complain("cannot read " + word + ": " + left.error);
+            status = ExitStatus::Failed;
         }
     }
     if (json) {

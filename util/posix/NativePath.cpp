@@ -1,4 +1,5 @@
 #include "util/posix/NativePath.h"
+#include "util/KeyedHash.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -9,7 +10,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "util/PathRules.h"
@@ -30,7 +30,7 @@ struct LargeFolder {
     dev_t device = 0;
     ino_t number = 0;
     std::chrono::steady_clock::time_point goodUntil;
-    std::unordered_map<std::string, std::vector<std::string>> names;  // by their lower case
+    KeyedMap<std::string, std::vector<std::string>> names;  // by their lower case
 };
 
 constexpr std::ptrdiff_t kLargeFrom = 256;  // entries; fewer are read anew each time

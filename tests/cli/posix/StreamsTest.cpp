@@ -68,6 +68,25 @@ TEST(Streams, AFolderThatTakesNoFileNeedsTheUsersWord) {
     std::filesystem::permissions(folder.path("locked"), std::filesystem::perms::all);
 }
 
+// A folder whose names can't be read is not an empty one, and a name that would be a path is not looked at.
+TEST(Streams, AFolderThatCannotBeListedIsNotEmpty) {
+    ToolFolder folder;
+    std::filesystem::create_directory(folder.path("closed"));
+    folder.write("closed/a.kez", "// ver: 1\n");
+    folder.write("closed/b\\c.kez", "// ver: 1\n");
+    const std::string asNobody =
+        "chmod 777 .; chmod $mode closed; "
+        "run() { if [ $(id -u) = 0 ]; then setpriv --reuid 65534 --clear-groups \"$@\"; else \"$@\"; fi; }; "
+        "run ";
+    for (const char* command :
+         {"customize check closed", "behavior check closed", "catalogue build closed -n"}) {
+        const ToolRun refused = folder.run(command, "", "mode=333; " + asNobody);
+        EXPECT_EQ(refused.status, 3) << command << refused;
+        EXPECT_THAT(refused.err, HasSubstr("cannot read closed: ")) << command;
+        EXPECT_THAT(folder.run(command, "", "mode=777; " + asNobody).err, HasSubstr("b\\c.kez is skipped"));
+    }
+}
+
 }  // namespace
 
 // Each sets a value of its own in one project, at the same moment.
