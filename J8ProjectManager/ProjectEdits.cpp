@@ -1,6 +1,7 @@
 #include "J8ProjectManager/ProjectEdits.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "J8ProjectManager/ProjectLosses.h"
@@ -158,6 +159,9 @@ bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
             change.entityBefore = std::make_shared<const J8LevelEntity>(entity);
             made = setFieldValue(project, change.field, change.after);
             change.entityAfter = std::make_shared<const J8LevelEntity>(entity);
+        } else if (change.kind == Kind::Value) {
+            // Looked for at every key, a path in a network would hold the window up.
+            made = setFieldValue(project, change.field, change.after, !joining);
         } else {
             made = make(project, change, true);
         }
@@ -176,6 +180,12 @@ bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
     }
     m_steps.resize(m_done);
     const bool single = step.size() == 1 && step[0].kind == Kind::Value;
+    if (m_grouping && m_grouped) {
+        std::ranges::move(step, std::back_inserter(m_steps.back()));
+        m_joinable = false;
+        return true;
+    }
+    m_grouped = true;
     if (joining && single && m_joinable && m_done > 0 && !isSaved() &&
         m_steps.back()[0].field == step[0].field) {
         ProjectChange& last = m_steps.back()[0];

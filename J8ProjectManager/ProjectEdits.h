@@ -37,6 +37,12 @@ public:
     // endJoining. False, with nothing changed or kept, when a value does not fit.
     bool apply(CJ8ProjectManager& project, Step step, bool joining = false);
     void endJoining() { m_joinable = false; }
+    // What is applied in between is one step.
+    void beginStep() {
+        m_grouping = true;
+        m_grouped = false;
+    }
+    void endStep() { m_grouping = false; }
 
     size_t done() const { return m_done; }
     bool canUndo() const { return m_done > 0; }
@@ -59,6 +65,7 @@ private:
     size_t m_done = 0;
     std::ptrdiff_t m_saved = 0;  // -1: no undo leads there any more
     bool m_joinable = false;
+    bool m_grouping = false, m_grouped = false;  // the last step takes what comes
 };
 
 }  // namespace zoka

@@ -31,12 +31,11 @@ std::string sectionText(const CJ8File& file) {
     return {};
 }
 
-bool setSection(CJ8ProjectManager& project, CJ8File& file, const std::string& text) {
+bool setSection(CJ8File& file, const std::string& text) {
     for (const SectionForm& form : kForms) {
         if (text.starts_with(form.prefix)) {
             file.Clear();
             file.Set(text.substr(std::string_view(form.prefix).size()), form.type);
-            project.resolve(file);
             return true;
         }
     }
@@ -263,15 +262,19 @@ std::optional<std::string> fieldValue(const CJ8ProjectManager& project, const Pr
 }
 
 bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
-                   const std::optional<std::string>& value) {
+                   const std::optional<std::string>& value, bool looksForFiles) {
     const std::string text = value.value_or("");
     if (field.kind == Kind::Section) {
         CJ8File& file = project.section(field.section);
-        if (value) {
-            return setSection(project, file, text);
+        if (!value) {
+            file.Clear();
+            return true;
         }
-        file.Clear();
-        return true;
+        const bool isSet = setSection(file, text);
+        if (isSet && looksForFiles) {
+            project.resolve(file);
+        }
+        return isSet;
     }
     switch (field.kind) {
         case Kind::Name:
@@ -279,11 +282,15 @@ bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
             return true;
         case Kind::ProjectRoot:
             project.m_roots.setProject(text);
-            project.resolveSections();
+            if (looksForFiles) {
+                project.resolveSections();
+            }
             return true;
         case Kind::DataRoot:
             project.m_roots.setData(text);
-            project.resolveSections();
+            if (looksForFiles) {
+                project.resolveSections();
+            }
             return true;
         default:
             break;

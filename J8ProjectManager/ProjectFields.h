@@ -39,8 +39,9 @@ std::optional<std::string> fieldValue(const CJ8ProjectManager& project, const Pr
 // Gives the field a value, or takes it away. Only skills, edits, sections and map files can be without; others
 // become empty. A section's file is looked for on the disk. False, with nothing changed, for a text that a
 // section can't have.
+// Without `looksForFiles`, while a path is being typed, files are not looked for: resolveSections does that later.
 bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
-                   const std::optional<std::string>& value);
+                   const std::optional<std::string>& value, bool looksForFiles = true);
 
 // The address. Names stand in it as they are, but for '/', '%', '#' and '=', which become %2F, %25, %23 and %3D. Of
 // several levels or entities of one name the second is "guard#2".

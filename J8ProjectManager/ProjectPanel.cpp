@@ -87,11 +87,23 @@ std::string rowDetails(const ProjectSession& session, const ProjectRow& row, con
 EntryModel ProjectPanel::modelOf(const ProjectRow& row) const {
     if (row.hasField && row.field.kind == Kind::Section) {
         const CJ8File& file = m_session.model().section(row.field.section);
+        ProjectRow found = row;
         if (file.isNamed() && file.m_type == CJ8File::kNotValid) {
-            ProjectRow missing = row;
-            missing.facts.help = "There is no such file. " + row.facts.help;
-            return rowModel(missing, m_texts);
+            const auto extras = std::make_shared<EntryExtras>(extrasOf(row.facts));
+            extras->alarming = true;
+            found.facts.extras = extras;
+            found.facts.label += " (missing)";
+            found.facts.help =
+                "There is no such file, neither as it stands, nor in the project folder or the data "
+                "folder.\n" +
+                row.facts.help;
+        } else if (file.isNamed()) {
+            const char* const where = file.m_type == CJ8File::kProjFile ? "in the project folder (proj)"
+                                      : file.m_type == CJ8File::kJ8File ? "in the data folder (j8)"
+                                                                        : "as it stands (local)";
+            found.facts.help = std::string("Found ") + where + ".\n" + row.facts.help;
         }
+        return rowModel(found, m_texts);
     }
     return rowModel(row, m_texts);
 }
@@ -214,7 +226,7 @@ bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
         given.reset();
     }
     std::string reason;
-    if (!m_session.setValue(row.field, given, &reason, true)) {
+    if (!m_session.setValue(row.field, given, &reason, m_typing)) {
         why = m_texts.shown(reason);
         return false;
     }
@@ -222,6 +234,25 @@ bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
     row.isOwn = given.has_value();
     m_otherRows = m_otherRows || row.field.kind == Kind::EntityParent;
     return true;
+}
+
+void ProjectPanel::stepBegins(bool typing) {
+    m_typing = typing;
+    if (!typing) {
+        m_session.leaveField();
+    }
+    m_session.beginStep();
+}
+
+void ProjectPanel::stepEnds() {
+    m_session.endStep();
+}
+
+void ProjectPanel::leaveField() {
+    if (m_session.leaveField()) {
+        m_otherRows = true;  // files may be missing now, or be there
+        listener().valuesChanged();
+    }
 }
 
 std::optional<size_t> ProjectPanel::undo(std::string*) {

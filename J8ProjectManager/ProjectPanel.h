@@ -53,7 +53,7 @@ public:
     std::string details(size_t i) const override;
     std::string emptyText() const override;
     std::optional<std::string> browse(size_t i) override;
-    void leaveField() override { m_session.leaveField(); }
+    void leaveField() override;
     bool canUndo() const override { return m_session.canUndo(); }
     bool canRedo() const override { return m_session.canRedo(); }
     std::optional<size_t> undo(std::string* why = nullptr) override;
@@ -61,6 +61,8 @@ public:
 
 protected:
     bool store(size_t i, const std::string& value, std::string& why) override;
+    void stepBegins(bool typing) override;
+    void stepEnds() override;
 
 private:
     enum class Shown { Nothing, Project, Level, Entity };
@@ -74,7 +76,7 @@ private:
     std::vector<EntryModel> m_models;
     Shown m_shown = Shown::Nothing;
     size_t m_level = 0, m_entity = 0;
-    bool m_otherRows = false;
+    bool m_otherRows = false, m_typing = false;
 };
 
 }  // namespace zoka

@@ -182,6 +182,15 @@ std::string ProjectSession::placeText(std::uint32_t source, std::uint32_t place)
     return m_places->text(at);
 }
 
+bool ProjectSession::leaveField() {
+    m_edits.endJoining();
+    const bool looks = std::exchange(m_typedPaths, false);
+    if (looks) {
+        m_model.resolveSections();
+    }
+    return looks;
+}
+
 bool ProjectSession::setValue(const ProjectField& field, const std::optional<std::string>& value,
                               std::string* why, bool typing) {
     const auto before = fieldValue(m_model, field);
@@ -195,6 +204,7 @@ bool ProjectSession::setValue(const ProjectField& field, const std::optional<std
     if (refusal.empty() && !m_edits.apply(m_model, {valueChange(m_model, field, value)}, typing)) {
         refusal = "This value does not fit here.";
     }
+    m_typedPaths = m_typedPaths || (typing && field.kind <= ProjectField::Kind::Section);
     if (why) {
         *why = refusal;
     }
@@ -221,6 +231,10 @@ void ProjectSession::addLevel(size_t place, const std::string& name) {
 void ProjectSession::duplicateLevel(size_t level) {
     CJ8LevelData copy = m_model.m_apLevels[level];
     copy.m_name = freeLevelName(m_model, copy.m_name);
+    copy.m_place = 0;  // it stands in no file yet
+    for (J8LevelEntity& entity : copy.m_entities) {
+        entity.place = 0;
+    }
     ProjectChange change;
     change.kind = Kind::LevelAdded;
     change.field.level = level + 1;
@@ -268,6 +282,7 @@ void ProjectSession::duplicateEntity(size_t level, size_t entity) {
     const CJ8LevelData& owner = m_model.m_apLevels[level];
     J8LevelEntity copy = owner.m_entities[entity];
     copy.name = freeEntityName(owner, copy.name);
+    copy.place = 0;  // it stands in no file yet
     ProjectChange change;
     change.kind = Kind::EntityAdded;
     change.field.level = level;

@@ -75,10 +75,14 @@ public:
     // --- Edits. Each is one step of undo.
     // The value in the form in which the file holds it; nothing takes it away, back to what the parent gives.
     // False with the reason, and everything as it was, when it's refused. With `typing` the edits of one field
-    // become one step, until leaveField.
+    // become one step, until leaveField; a path's file is looked for then.
     bool setValue(const ProjectField& field, const std::optional<std::string>& value,
                   std::string* why = nullptr, bool typing = false);
-    void leaveField() { m_edits.endJoining(); }
+    // True when files were looked for whose paths had been typed.
+    bool leaveField();
+    // Values set in between are one step.
+    void beginStep() { m_edits.beginStep(); }
+    void endStep() { m_edits.endStep(); }
     // New ones get a name that is free. `place` is where it will be in its list.
     void addLevel(size_t place, const std::string& name);
     void duplicateLevel(size_t level);
@@ -149,6 +153,7 @@ private:
     std::string m_bytes;  // of the file, as loaded
     std::vector<ProjectLoss> m_losses;
     ProjectEdits m_edits;
+    bool m_typedPaths = false;  // their files have not been looked for
     std::string m_problem;
     mutable std::optional<ProjectPlaces> m_places;
 };

@@ -38,6 +38,7 @@ enum class ValueShape {
 // What few rows have.
 struct EntryExtras {
     std::optional<std::string> standard = {};  // the value that it has where nobody has set one
+    bool alarming = false;  // something is wrong with it: its label stands out, and says what
 };
 
 struct EntryFacts {

@@ -23,6 +23,17 @@ std::string shownValue(const EntryModel& row, const std::string& value) {
 
 }  // namespace
 
+class RowEditing::OneStep {
+public:
+    OneStep(RowEditing& rows, bool typing) : m_rows(rows) { m_rows.stepBegins(typing); }
+    OneStep(const OneStep&) = delete;
+    OneStep& operator=(const OneStep&) = delete;
+    ~OneStep() { m_rows.stepEnds(); }
+
+private:
+    RowEditing& m_rows;
+};
+
 size_t RowEditing::changedCount() const {
     return static_cast<size_t>(
         std::count_if(m_rows.begin(), m_rows.end(), [](const EntryModel& row) { return row.HasChanged(); }));
@@ -53,6 +64,7 @@ bool RowEditing::setValue(size_t i, const std::string& text, std::string* why, b
         return true;
     }
     std::string before = stateOf(i);
+    const OneStep one(*this, typing);
     if (!refusal.empty() || !store(i, value, refusal)) {
         if (why) {
             *why = std::move(refusal);
@@ -74,6 +86,7 @@ bool RowEditing::putValue(size_t i, const std::string& value, std::string* why) 
     if (refusal.empty() && value != model.loadedValue()) {
         refusal = storedRefusal(model.facts(), value);
     }
+    const OneStep one(*this, false);
     if (!refusal.empty() || !store(i, value, refusal)) {
         if (why) {
             *why = std::move(refusal);
@@ -87,6 +100,7 @@ bool RowEditing::putValue(size_t i, const std::string& value, std::string* why) 
 }
 
 size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::string>* refusals) {
+    const OneStep all(*this, false);
     EditHistory::Step step;
     for (const RowValue& one : values) {
         EntryModel& model = m_rows[one.row];
@@ -182,6 +196,7 @@ bool RowEditing::canReset(size_t first, size_t last, ResetTo to) const {
 }
 
 size_t RowEditing::reset(size_t first, size_t last, ResetTo to) {
+    const OneStep all(*this, false);
     EditHistory::Step step;
     std::string why;
     for (size_t i = first; i < last; ++i) {

@@ -118,6 +118,9 @@ protected:
     // All values that differ from those loaded become one step of undo.
     void addChangesToHistory();
 
+    // Around what is one step of undo, for those whose undo is their own. With `typing` the next one may join it.
+    virtual void stepBegins(bool /*typing*/) {}
+    virtual void stepEnds() {}
     // Gives a value that the row takes to whoever holds it; false with the reason when it's refused there.
     virtual bool store(size_t, const std::string& /*value*/, std::string& /*why*/) { return true; }
     // What undo remembers of a row, and how it's given back: the value, unless a row stands for several.
@@ -125,6 +128,7 @@ protected:
     virtual bool putState(size_t i, const std::string& state, std::string& why);
 
 private:
+    class OneStep;
     std::optional<std::string> resetValue(size_t i, ResetTo to) const;
     size_t reset(size_t first, size_t last, ResetTo to);
     std::optional<size_t> go(bool forward, std::string* why);

@@ -5,6 +5,7 @@ namespace zoka {
 namespace {
 
 enum { kFacts = 2101, kRows = 2110 };
+constexpr UINT kRebuild = WM_APP + 20;
 
 // "22 Nov 2026" of a project's date, seconds since 1970; other texts as they are.
 std::string dateShown(const std::string& date) {
@@ -84,12 +85,19 @@ void OverviewPage::rowsChanged() {
     if (!m_refreshing) {
         showFacts();
         m_frame.edited();
+        if (m_panel.takeOtherRows()) {
+            PostMessageA(window(), kRebuild, 0, 0);
+        }
     }
 }
 
 std::optional<LRESULT> OverviewPage::message(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_MOUSEWHEEL) {
         m_view.wheel(wParam, lParam);
+        return 0;
+    }
+    if (message == kRebuild) {
+        refresh();
         return 0;
     }
     if (message == WM_DESTROY) {

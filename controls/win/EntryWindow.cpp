@@ -676,6 +676,13 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
                 drawColour(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
             }
             return TRUE;
+        case WM_CTLCOLORSTATIC: {
+            const LRESULT ground = DefWindowProcA(m_window, message, wParam, lParam);
+            if (extrasOf(facts()).alarming && reinterpret_cast<HWND>(lParam) == m_label) {
+                SetTextColor(reinterpret_cast<HDC>(wParam), RGB(176, 0, 0));
+            }
+            return ground;
+        }
         case WM_CTLCOLOREDIT: {  // what was refused stands on another ground
             if (!m_panel.draftOf(m_row)) {
                 return DefWindowProcA(m_window, message, wParam, lParam);

@@ -82,6 +82,10 @@ TEST_F(ProjectPanelTest, MarksWhatDiffersFromTheParentAndResetsItByTakingItAway)
     EXPECT_EQ(panel.resetAll(ResetTo::Default), 2u);
     EXPECT_TRUE(entity(0).skills.empty());
     EXPECT_EQ(panel.row(health).value(), "9");
+    ASSERT_TRUE(session.undo());
+    EXPECT_EQ(entity(0).skills.size(), 2u) << "both came back in one step";
+    ASSERT_TRUE(session.redo());
+    EXPECT_TRUE(entity(0).skills.empty());
     // What the component doesn't offer, and what the window's characters can't show, is not touched.
     EXPECT_FALSE(panel.row(rowOf("fixed")).blocked().empty());
     panel.showEntity(0, 2);
@@ -151,8 +155,18 @@ TEST_F(ProjectPanelTest, SectionsWithoutATextHaveNoFile) {
     field.section = J8Section::UI;
     const auto row = panel.rowOf(field);
     ASSERT_TRUE(row);
-    EXPECT_NE(panel.helpText(*row).find("There is no such file."), std::string::npos);
+    EXPECT_NE(panel.helpText(*row).find("There is no such file"), std::string::npos);
+    EXPECT_EQ(panel.row(*row).facts().label, "UI (missing)");
+    // While a path is typed nothing is looked for.
     std::string why;
+    folder.write("there.xml", "<x/>");
+    ASSERT_TRUE(panel.setValue(*row, "proj:there.xml", &why, true)) << why;
+    EXPECT_FALSE(panel.takeOtherRows());
+    panel.leaveField();
+    EXPECT_TRUE(panel.takeOtherRows());
+    panel.refresh();
+    EXPECT_EQ(panel.row(*row).facts().label, "UI");
+    EXPECT_NE(panel.helpText(*row).find("(proj)"), std::string::npos);
     EXPECT_FALSE(panel.setValue(*row, "somewhere.xml", &why));
     ASSERT_TRUE(panel.setValue(*row, "", &why)) << why;
     EXPECT_FALSE(session.model().section(J8Section::UI).isNamed());
