@@ -128,9 +128,9 @@ public:
     XMLCharset charset() const;
     // Written as "<?name ...?>". Of one that was read, other than "xml" itself, the data is its text.
     bool isDeclaration() const;
-    // A place in the text that was parsed, in bytes, that lies in the element's start tag or right behind it; of an
-    // element without attributes and text its parent's. 0 for what a program made. zoka::XMLPlaces makes lines and
-    // columns of it. Takes as long as the element lies deep, where it and those around it have no attributes.
+    // A place in the text that was parsed, in bytes, that lies in the element's start tag; of an element that a program
+    // added to it that of the parent. 0 for what stands in no such text. zoka::XMLPlaces makes lines and columns of it.
+    // Takes as long as the element lies deep in what a program added.
     std::uint32_t place() const;
     // The empty node for the top.
     XMLNode getParent() const;
