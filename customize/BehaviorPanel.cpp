@@ -11,6 +11,7 @@
 #include "util/Lex.h"
 #include "util/LexChars.h"
 #include "util/OsFiles.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -18,16 +19,6 @@ namespace {
 std::string inQuotes(std::string_view text) {
     constexpr size_t kShown = 60;
     return '"' + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "...\"" : "\"");
-}
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && lex::isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && lex::isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
 }
 
 // The next token of `rest`, which moves behind it; empty at the end.
@@ -271,9 +262,18 @@ void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel) {
     }
     const std::string_view before = script.substr(0, static_cast<size_t>(start));
     const auto lines = std::count(before.begin(), before.end(), '\n');
-    BehaviorReader(script.substr(static_cast<size_t>(start), static_cast<size_t>(length)),
-                   static_cast<int>(lines) + 1, panel)
-        .run();
+    readActionBlock(script.substr(static_cast<size_t>(start), static_cast<size_t>(length)),
+                    static_cast<int>(lines) + 1, panel);
+    if (hasUtf16Mark(script)) {
+        panel.findings.add(1, kUtf16Script);
+    }
+}
+
+void readActionBlock(std::string_view block, int firstLine, BehaviorPanel& panel) {
+    panel.rows.clear();
+    panel.declaredCount = 0;
+    panel.findings = {};
+    BehaviorReader(block, firstLine, panel).run();
     if (panel.declaredCount == 0) {
         addUndeclaredRows(panel);
     }
@@ -361,6 +361,12 @@ std::optional<float> skillOfText(std::string_view text) {
     const float value = static_cast<float>(number.value_or(0));
     const bool hasDigit = text.find_first_of("0123456789") != text.npos;
     return number && hasDigit && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+const char* skillRefusal(std::string_view text) {
+    return numberOf(text) && text.find_first_of("0123456789") != text.npos
+               ? "This number is too large."
+               : "Only a number fits here: digits, one point, a sign in front.";
 }
 
 }  // namespace zoka

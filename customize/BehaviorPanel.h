@@ -43,6 +43,10 @@ struct BehaviorPanel {
 void LoadBehaviorPanel(BehaviorPanel& panel);
 // The same of a script's text at hand.
 void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel);
+// The same of an action's block alone, which begins in that line of its script.
+void readActionBlock(std::string_view block, int firstLine, BehaviorPanel& panel);
+// What is said of a script in UTF-16, which declares nothing.
+inline constexpr const char* kUtf16Script = "This file is UTF-16; save it as 8-bit or UTF-8 text.";
 // The rows for want of any declared: the default names, or else two lines that tell where values can be changed.
 void addUndeclaredRows(BehaviorPanel& panel);
 
@@ -59,5 +63,7 @@ EntryFacts behaviorFacts(const CustomEntry& row);
 // finite number.
 std::string skillText(float value);
 std::optional<float> skillOfText(std::string_view text);
+// Why a text is none, in words for the user.
+const char* skillRefusal(std::string_view text);
 
 }  // namespace zoka

@@ -3,10 +3,13 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "tests/cli/Tool.h"
 
 using nlohmann::json;
+using testing::AllOf;
 using testing::HasSubstr;
 
 namespace {
@@ -40,6 +43,34 @@ TEST_F(Behavior, ListsAndChecksActions) {
     EXPECT_EQ(found.status, 1);
     EXPECT_THAT(found.out, HasSubstr("t.kez:2: there is no skill21"));
     EXPECT_EQ(folder.run("behavior check none.kez").status, 3);
+    folder.write("u.kez", std::string("\xFF\xFE"
+                                      "a\0",
+                                      4));
+    EXPECT_THAT(folder.run("behavior check u.kez").out, HasSubstr("u.kez:1: This file is UTF-16"));
+    EXPECT_EQ(folder.run("behavior list u.kez").status, 3);
+    folder.write("v.kez", "action a;\naction b {}\naction B {\n// skill1: A\n");
+    EXPECT_EQ(folder.run("behavior list v.kez").out, "b\nB\n    skill1 A = 0\n");
+    EXPECT_THAT(folder.run("behavior check v.kez").out,
+                AllOf(HasSubstr("v.kez:3: there is an action \"B\" in line 2 already"),
+                      HasSubstr("v.kez:3: no brace closes the body of \"B\"")));
+}
+
+TEST_F(Behavior, SetsOneLevelFromSeveralProgramsAtOnce) {
+    std::string level = "level 1\n";
+    for (char name = 'a'; name < 'i'; ++name) {
+        level += std::string("entity ") + name + "\n    skill 1 0\nend\n";
+    }
+    folder.write("m.zlm", level);
+    std::vector<std::thread> writers;
+    for (char name = 'a'; name < 'i'; ++name) {
+        writers.emplace_back([this, name] {
+            EXPECT_EQ(folder.run(std::string("level set m.zlm ") + name + " skill1=7").status, 0);
+        });
+    }
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    EXPECT_EQ(folder.read("m.zlm").find(" 0"), std::string::npos);
 }
 
 TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
@@ -56,13 +87,25 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     expected.replace(expected.find("1 3.5 "), 6, "1 4 ");
     expected.insert(expected.find("end\r\n"), "    flag     3\r\n");
     EXPECT_EQ(folder.read("l.zlm"), expected);
-    for (const char* bad : {"a Speed=11", "a Speed=x", "a Speed", "a Reach=1", "c Speed=1", "a skill21=1"}) {
+    for (const char* bad : {"a Speed", "a Reach=1", "c Speed=1", "a skill21=1"}) {
         EXPECT_EQ(folder.run(std::string("level set l.zlm ") + bad).status, 2) << bad;
     }
+    const std::string large = "a skill9=" + std::string(60, '9');
+    for (const std::string& refused : {std::string("a Speed=11"), std::string("a lit=1 Speed=x"), large}) {
+        EXPECT_EQ(folder.run("level set l.zlm " + refused).status, 1) << refused;
+    }
+    EXPECT_THAT(folder.run("level set l.zlm " + large).err, HasSubstr("skill9: This number is too large."));
+    EXPECT_EQ(folder.run("level list l.zlm nobody").status, 2);
     EXPECT_EQ(folder.read("l.zlm"), expected);
     folder.write("old.zlm", kLevel);
-    EXPECT_EQ(folder.run("level diff old.zlm l.zlm").out,
-              "a\tskill1 Speed: 3.5 -> 4\na\tflag3 Lit: 0 -> 1\n");
+    EXPECT_EQ(folder.run("level diff old.zlm l.zlm"),
+              (ToolRun{1, "a\tskill1 Speed: 3.5 -> 4\na\tflag3 Lit: 0 -> 1\n"}));
+    EXPECT_EQ(folder.run("level diff l.zlm l.zlm").status, 0);
+    folder.write("odd.zlm",
+                 "\xEF\xBB\xBFlevel 1\nentity a\naction no.kez x\nend\nentity a\naction s.kez x\nend");
+    EXPECT_EQ(folder.run("level list odd.zlm").out,
+              "a\tno.kez x\t(the script can't be read)\na\ts.kez x\t(the script has no such action)\n");
+    EXPECT_THAT(folder.run("level set odd.zlm a skill1=1").err, HasSubstr("several entities \"a\""));
     folder.write("bad.zlm", "level 1\nentity a\nsize 3\nend");
     EXPECT_THAT(folder.run("level list bad.zlm").err, HasSubstr("line 3: unknown word \"size\""));
 }

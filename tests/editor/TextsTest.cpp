@@ -45,7 +45,7 @@ TEST(LevelMap, saysWhatIsWrongAndWhere) {
         const char* text;
         const char* error;
     } rows[] = {
-        {"", "line 0: a level begins with \"level 1\""},
+        {"", "line 1: a level begins with \"level 1\""},
         {"level 2", "line 1: a level begins with \"level 1\""},
         {"level 1\nentity a b", "line 2: expected \"entity NAME\""},
         {"level 1\nskill 1 2", "line 2: expected \"entity NAME\""},
@@ -85,6 +85,9 @@ TEST(LevelMap, findsAnActionsTextPastCommentsAndQuotes) {
         {"action ab { }", "a", nullptr},
         {"reaction a { }", "a", nullptr},
         {"action", "a", nullptr},
+        {"action a; action b { x }", "a", "action a;"},
+        {"action a; action b { x; } action A { y; }", "a", "action A { y; }"},
+        {"action a { action b { } } x", "a", "action a { action b { } }"},
     };
     for (const auto& row : rows) {
         const std::string script = row.script;
@@ -97,8 +100,12 @@ TEST(LevelMap, findsAnActionsTextPastCommentsAndQuotes) {
 }
 
 TEST(LevelMap, namesTheActionsOfAScript) {
-    EXPECT_THAT(actionNames("// action no { }\naction a { }\nACTION b\n{ action = 1; }\naction A { } action"),
-                ElementsAre("a", "b"));
+    std::vector<std::string> names;
+    for (const ScriptAction& one : actionsOf("// action no { }\naction a { }\nACTION b\n{ action = 1; "
+                                             "}\naction A; action { } action c { {}")) {
+        names.push_back(one.name + (one.hasBody ? " body" : "") + (one.isClosed ? " closed" : ""));
+    }
+    EXPECT_THAT(names, ElementsAre("a body closed", "b body closed", "A closed", "c body"));
 }
 
 TEST(LevelEdit, changesOneValueAndNoOtherByte) {

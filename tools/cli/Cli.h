@@ -36,7 +36,8 @@ using Work = std::function<ExitStatus()>;
 void addXmlCommands(CLI::App& app, Work& chosen);
 void addCatalogueCommands(CLI::App& app, Work& chosen);  // zoka help-pages too
 void addScriptCommands(CLI::App& app, Work& chosen);
-void addBehaviorCommands(CLI::App& app, Work& chosen);  // zoka level too
+void addBehaviorCommands(CLI::App& app, Work& chosen);
+void addLevelCommands(CLI::App& app, Work& chosen);
 void addCustomizeCommands(CLI::App& app, Work& chosen);
 void addProjectCommands(CLI::App& app, Work& chosen);
 // zoka wizard, and zoka project new: called last, because other commands of the group may be there already.

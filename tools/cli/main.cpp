@@ -85,6 +85,7 @@ cli::ExitStatus run(int argc, char** argv) {
     cli::addScriptCommands(app, chosen);
     cli::addCustomizeCommands(app, chosen);
     cli::addBehaviorCommands(app, chosen);
+    cli::addLevelCommands(app, chosen);
     cli::addProjectCommands(app, chosen);
     cli::addWizardCommands(app, chosen);
     try {

@@ -3,21 +3,22 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <set>
+
+#include "util/Text.h"
 
 namespace zoka {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kSpaces = " \t\r";
 
 std::string_view nextWord(std::string_view& line) {
-    const size_t start = line.find_first_not_of(kBlanks);
+    const size_t start = line.find_first_not_of(kSpaces);
     if (start == std::string_view::npos) {
         line = {};
         return {};
     }
-    const size_t end = std::min(line.find_first_of(kBlanks, start), line.size());
+    const size_t end = std::min(line.find_first_of(kSpaces, start), line.size());
     const std::string_view word = line.substr(start, end - start);
     line.remove_prefix(end);
     return word;
@@ -116,40 +117,22 @@ std::string_view wordAt(std::string_view text, size_t at) {
     return text.substr(at, end - at);
 }
 
-size_t endOfBody(std::string_view text, size_t at) {
-    int depth = 0;
-    while (at < text.size()) {
-        if (const size_t past = skipQuiet(text, at); past != at) {
-            at = past;
-            continue;
-        }
-        if (text[at] == '{') {
-            ++depth;
-        }
-        if (text[at] == '}' && --depth <= 0) {
-            return at + 1;
-        }
-        ++at;
-    }
-    return text.size();
-}
-
 // The start of the comment lines directly above `at` that describe the action: from the line "// action: NAME"
 // on. `at` itself when there are none.
 size_t startOfDescription(std::string_view text, size_t at, std::string_view action) {
     size_t below = text.substr(0, at).find_last_of('\n') + 1;  // the line's start
-    if (text.substr(below, at - below).find_first_not_of(kBlanks) != text.npos) {
+    if (text.substr(below, at - below).find_first_not_of(kSpaces) != text.npos) {
         return at;
     }
     while (below > 0) {
         const size_t above = text.substr(0, below - 1).find_last_of('\n') + 1;
         std::string_view line = text.substr(above, below - above);
-        line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+        line.remove_prefix(std::min(line.find_first_not_of(kSpaces), line.size()));
         if (!line.starts_with("//")) {
             break;
         }
         line.remove_prefix(2);
-        line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+        line.remove_prefix(std::min(line.find_first_not_of(kSpaces), line.size()));
         const std::string_view word = wordAt(line, 0);
         const size_t name = std::min(line.find_first_not_of(": \t", word.size()), line.size());
         if (equalFolded(word, "action") && name > word.size() && equalFolded(wordAt(line, name), action) &&
@@ -168,8 +151,9 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
     bool sawHeader = false;
     bool inEntity = false;
     int lineNumber = 0;
+    text.remove_prefix(utf8MarkLength(text));
     const auto fault = [&](const std::string& what) {
-        error = "line " + std::to_string(lineNumber) + ": " + what;
+        error = "line " + std::to_string(std::max(lineNumber, 1)) + ": " + what;
         return std::nullopt;
     };
     while (!text.empty()) {
@@ -184,7 +168,7 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
         if (keyword.starts_with("//")) {
             std::string& comments = inEntity ? level.entities.back().comments : level.comments;
             comments.append(keyword)
-                .append(line.substr(0, line.find_last_not_of(kBlanks) + 1))
+                .append(line.substr(0, line.find_last_not_of(kSpaces) + 1))
                 .append("\r\n");
             continue;
         }
@@ -251,13 +235,21 @@ std::string writeLevelMap(const LevelMap& level) {
     return out;
 }
 
-namespace {
-
-// Calls `use` with the place of each word "action" and that of the name behind it, until it answers true.
-template <typename Use>
-void forEachAction(std::string_view script, Use use) {
-    size_t at = 0;
-    while (at < script.size()) {
+std::vector<ScriptAction> actionsOf(std::string_view script) {
+    std::vector<ScriptAction> actions;
+    struct Open {
+        size_t action;
+        int depth;  // of braces around its name
+    };
+    std::vector<Open> open;  // the innermost is the last; no depth is less than those before it
+    int depth = 0;
+    const auto closeAt = [&](size_t end) {
+        ScriptAction& action = actions[open.back().action];
+        action.block.length = end - action.block.start;
+        open.pop_back();
+        return &action;
+    };
+    for (size_t at = 0; at < script.size();) {
         if (const size_t past = skipQuiet(script, at); past != at) {
             at = past;
             continue;
@@ -265,41 +257,50 @@ void forEachAction(std::string_view script, Use use) {
         const std::string_view word = wordAt(script, at);
         const size_t start = at;
         at += std::max<size_t>(word.size(), 1);
-        if (equalFolded(word, "action") &&
-            use(start, std::min(script.find_first_not_of(" \t\r\n", at), script.size()))) {
-            return;
+        const char c = script[start];
+        if (c == '{') {
+            if (!open.empty() && open.back().depth == depth) {
+                actions[open.back().action].hasBody = true;
+            }
+            ++depth;
+        } else if (c == '}') {
+            --depth;
+            while (!open.empty() && open.back().depth >= depth) {
+                closeAt(at)->isClosed = true;
+            }
+        } else if (c == ';') {
+            while (!open.empty() && open.back().depth == depth) {
+                closeAt(at)->isClosed = true;
+            }
+        } else if (equalFolded(word, "action")) {
+            const size_t name = std::min(script.find_first_not_of(" \t\r\n", at), script.size());
+            if (const std::string_view named = wordAt(script, name); !named.empty()) {
+                open.push_back({actions.size(), depth});
+                actions.push_back({std::string(named), {startOfDescription(script, start, named), 0}});
+                at = name + named.size();
+            }
         }
     }
+    while (!open.empty()) {
+        closeAt(script.size());
+    }
+    return actions;
 }
-
-}  // namespace
 
 std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action) {
     std::optional<ActionBlock> found;
-    forEachAction(script, [&](size_t start, size_t name) {
-        if (!equalFolded(wordAt(script, name), action)) {
-            return false;
+    for (const ScriptAction& one : actionsOf(script)) {
+        if (!equalFolded(one.name, action)) {
+            continue;
         }
-        const size_t first = startOfDescription(script, start, action);
-        found = ActionBlock{first, endOfBody(script, name) - first};
-        return true;
-    });
+        if (one.hasBody) {
+            return one.block;
+        }
+        if (!found) {
+            found = one.block;
+        }
+    }
     return found;
-}
-
-std::vector<std::string> actionNames(std::string_view script) {
-    std::vector<std::string> names;
-    std::set<std::string> known;
-    forEachAction(script, [&](size_t, size_t name) {
-        std::string word(wordAt(script, name));
-        std::string folded = word;
-        std::transform(folded.begin(), folded.end(), folded.begin(), lower);
-        if (!word.empty() && known.insert(std::move(folded)).second) {
-            names.push_back(std::move(word));
-        }
-        return false;
-    });
-    return names;
 }
 
 }  // namespace zoka

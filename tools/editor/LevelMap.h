@@ -47,14 +47,21 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error);
 std::string writeLevelMap(const LevelMap& level);
 
 // Where an action's text stands in its script: from the word "action", or the comment "// action: NAME" directly
-// above it, to the brace that closes its body, or to the end of the text when no brace does. Nothing when the script has no such action. Comments and quoted
-// texts are passed over; names are compared without regard to case.
+// above it, to the brace that closes its body, or to the end of the text when no brace does. Comments and quoted texts
+// are passed over; names are compared without regard to case.
 struct ActionBlock {
-    size_t start;
-    size_t length;
+    size_t start = 0;
+    size_t length = 0;
 };
+struct ScriptAction {
+    std::string name;
+    ActionBlock block;
+    bool hasBody = false;   // false: it is only declared, up to a ';'
+    bool isClosed = false;  // its body, or the declaration
+};
+// All actions in their order. Linear in the script.
+std::vector<ScriptAction> actionsOf(std::string_view script);
+// Of several of one name the first with a body. Nothing when the script has no such action.
 std::optional<ActionBlock> findActionBlock(std::string_view script, std::string_view action);
-// The names of a script's actions, in their order; of those that come again, the first one counts.
-std::vector<std::string> actionNames(std::string_view script);
 
 }  // namespace zoka

@@ -1,0 +1,20 @@
+// The rows that an action's markup declares, as the tool prints them.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "customize/BehaviorPanel.h"
+
+namespace zoka::cli {
+
+// Whether the row is a skill's or a flag's.
+bool isValue(const CustomEntry& row);
+// "skill3 Speed"; the field alone where it has no label.
+std::string nameOf(const CustomEntry& row);
+nlohmann::ordered_json jsonOf(const CustomEntry& row);
+// "\t(text)"; nothing for an empty text.
+std::string inParentheses(const std::string& text);
+
+}  // namespace zoka::cli

@@ -1,0 +1,393 @@
+// zoka level: the entities of a level of the stand-in editor.
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controls/EntryModel.h"
+#include "controls/EntryRules.h"
+#include "customize/BehaviorPanel.h"
+#include "tools/cli/ActionRows.h"
+#include "tools/cli/AddCommand.h"
+#include "tools/cli/Json.h"
+#include "tools/cli/SuitePath.h"
+#include "tools/editor/LevelEdit.h"
+#include "tools/editor/LevelMap.h"
+#include "util/LineDiff.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+
+namespace zoka::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct LevelOptions {
+    std::string file, entity;  // of `diff` the other level
+    std::vector<std::string> words;
+    bool json = false, dryRun = false;
+};
+
+// A level with the rows of its entities' actions.
+class OpenLevelFile {
+public:
+    explicit OpenLevelFile(const std::string& file) : m_path(suitePath(file)) {
+        auto text = readInput(m_path);
+        if (!text) {
+            return;
+        }
+        std::string error;
+        auto map = readLevelMap(*text, error);
+        if (!map) {
+            complain(file + ": " + error);
+            m_status = ExitStatus::Findings;
+            return;
+        }
+        m_text = std::move(*text);
+        m_map = std::move(*map);
+        m_status = ExitStatus::Done;
+    }
+
+    ExitStatus status() const { return m_status; }
+    const std::string& path() const { return m_path; }
+    const std::string& text() const { return m_text; }
+    const LevelMap& map() const { return m_map; }
+    // Null after a complaint, where there is none of that name or more than one.
+    const LevelEntity* find(const std::string& name) const {
+        const LevelEntity* found = nullptr;
+        for (const LevelEntity& entity : m_map.entities) {
+            if (entity.name == name && found) {
+                complain("the level has several entities \"" + name + '"');
+                return nullptr;
+            }
+            if (entity.name == name) {
+                found = &entity;
+            }
+        }
+        if (!found) {
+            complain("the level has no entity \"" + name + '"');
+        }
+        return found;
+    }
+    // What the entity's action declares, and its other values that are not 0.
+    std::vector<CustomEntry> valuesOf(const LevelEntity& entity) const {
+        std::vector<CustomEntry> rows;
+        const std::optional<std::string>& script = scriptOf(entity);
+        if (const auto block = script ? findActionBlock(*script, entity.action) : std::nullopt) {
+            BehaviorPanel panel;
+            panel.blockStart = static_cast<std::int32_t>(block->start);
+            panel.blockLength = static_cast<std::int32_t>(block->length);
+            readBehaviorMarkup(*script, panel);
+            rows = std::move(panel.rows);
+        }
+        std::erase_if(rows, [](const CustomEntry& row) { return !isValue(row); });
+        const auto addUndeclared = [&](int kind, int id, bool isSet) {
+            const auto same = [&](const CustomEntry& row) { return row.id == id; };
+            if (isSet && std::none_of(rows.begin(), rows.end(), same)) {
+                CustomEntry& row = rows.emplace_back();
+                row.kind = kind;
+                row.id = id;
+            }
+        };
+        for (int n = 1; n <= kEntitySkills; ++n) {
+            addUndeclared(kSkill, kSkillIds + n, entity.skills[static_cast<size_t>(n - 1)] != 0);
+        }
+        for (int n = 1; n <= kEntityFlags; ++n) {
+            addUndeclared(kFlag, kFlagIds + n, (entity.flags >> (n - 1) & 1U) != 0);
+        }
+        return rows;
+    }
+
+    // Why the entity's values have no labels; empty when they have, or when it has no action.
+    std::string whyUnlabelled(const LevelEntity& entity) const {
+        if (entity.script.empty()) {
+            return {};
+        }
+        const std::optional<std::string>& script = scriptOf(entity);
+        return !script                                   ? "the script can't be read"
+               : findActionBlock(*script, entity.action) ? ""
+                                                         : "the script has no such action";
+    }
+
+private:
+    // Read once.
+    const std::optional<std::string>& scriptOf(const LevelEntity& entity) const {
+        const auto [found, isNew] = m_scripts.try_emplace(entity.script);
+        if (isNew && !entity.script.empty()) {
+            found->second = osFiles().readWhole(joinPath(folderOf(m_path), entity.script));
+        }
+        return found->second;
+    }
+
+    std::string m_path, m_text;
+    LevelMap m_map;
+    mutable std::map<std::string, std::optional<std::string>> m_scripts;
+    ExitStatus m_status = ExitStatus::Failed;
+};
+
+std::string valueText(const LevelEntity& entity, const CustomEntry& row) {
+    if (const int skill = skillNumber(row)) {
+        return skillText(entity.skills[static_cast<size_t>(skill - 1)]);
+    }
+    return entity.flags >> (flagNumber(row) - 1) & 1U ? "1" : "0";
+}
+
+ExitStatus listLevel(const LevelOptions& options) {
+    const OpenLevelFile level(options.file);
+    if (level.status() != ExitStatus::Done) {
+        return level.status();
+    }
+    ExitStatus status = ExitStatus::Done;
+    for (const std::string& name : options.words) {
+        const auto named = [&](const LevelEntity& entity) { return entity.name == name; };
+        if (std::none_of(level.map().entities.begin(), level.map().entities.end(), named)) {
+            complain("the level has no entity \"" + name + '"');
+            status = ExitStatus::Usage;
+        }
+    }
+    Json all = Json::array();
+    for (const LevelEntity& entity : level.map().entities) {
+        if (!options.words.empty() &&
+            std::find(options.words.begin(), options.words.end(), entity.name) == options.words.end()) {
+            continue;
+        }
+        Json one{{"entity", jsonText(entity.name)},
+                 {"script", jsonText(entity.script)},
+                 {"action", jsonText(entity.action)},
+                 {"values", Json::array()}};
+        const std::string why = level.whyUnlabelled(entity);
+        if (!why.empty()) {
+            one["fault"] = why;
+        }
+        printShown(options.json ? ""
+                                : entity.name + '\t' + entity.script + (entity.action.empty() ? "" : " ") +
+                                      entity.action + inParentheses(why) + '\n');
+        for (const CustomEntry& row : level.valuesOf(entity)) {
+            Json value = jsonOf(row);
+            value["value"] = valueText(entity, row);
+            one["values"].push_back(std::move(value));
+            if (!options.json) {
+                printShown("    " + nameOf(row) + " = " + valueText(entity, row) +
+                           inParentheses(row.line == 0 ? "not declared" : allowedRange(behaviorFacts(row))) +
+                           '\n');
+            }
+        }
+        all.push_back(std::move(one));
+    }
+    if (options.json) {
+        printJson(all);
+    }
+    return status;
+}
+
+// The value that goes by a label or by "skill3", "flag1"; nothing after a complaint.
+std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntity& entity,
+                                    const std::string& name) {
+    const std::vector<CustomEntry> rows = level.valuesOf(entity);
+    for (const bool byLabel : {false, true}) {
+        const CustomEntry* found = nullptr;
+        for (const CustomEntry& row : rows) {
+            if (!equalNoCase(byLabel ? row.label : fieldName(row), name)) {
+                continue;
+            }
+            if (found && found->id != row.id) {
+                complain("several values are called \"" + name + "\"; name it by its number, as in " +
+                         fieldName(row));
+                return std::nullopt;
+            }
+            found = &row;
+        }
+        if (found) {
+            return *found;
+        }
+    }
+    const int keyword = LookupCustomKeyword(name);
+    CustomEntry row;  // a field that no action declares
+    if (keyword >= kFlag1 && keyword < kSkill) {
+        row.kind = kFlag;
+        row.id = kFlagIds + keyword - kFlag1 + 1;
+        return row;
+    }
+    if (keyword >= kSkill1 && keyword < kBehavior) {
+        row.kind = kSkill;
+        row.id = kSkillIds + keyword - kSkill1 + 1;
+        return row;
+    }
+    const std::string why = level.whyUnlabelled(entity);
+    complain("the entity has no value called \"" + name + '"' + (why.empty() ? "" : "; " + why));
+    return std::nullopt;
+}
+
+ExitStatus getLevel(const LevelOptions& options) {
+    const OpenLevelFile level(options.file);
+    if (level.status() != ExitStatus::Done) {
+        return level.status();
+    }
+    const LevelEntity* const entity = level.find(options.entity);
+    if (!entity) {
+        return ExitStatus::Usage;
+    }
+    std::vector<std::string> values;
+    for (const std::string& name : options.words) {
+        const auto row = rowNamed(level, *entity, name);
+        if (!row) {
+            return ExitStatus::Usage;
+        }
+        values.push_back(valueText(*entity, *row));
+    }
+    if (options.json) {
+        printJson(jsonTexts(values));
+    } else {
+        for (const std::string& value : values) {
+            printShown(value + '\n');
+        }
+    }
+    return ExitStatus::Done;
+}
+
+ExitStatus setLevel(const LevelOptions& options) {
+    const OpenLevelFile level(options.file);
+    if (level.status() != ExitStatus::Done) {
+        return level.status();
+    }
+    const LevelEntity* const entity = level.find(options.entity);
+    if (!entity) {
+        return ExitStatus::Usage;
+    }
+    std::string text = level.text();
+    for (const std::string& word : options.words) {
+        const size_t equals = word.find('=');
+        if (equals == word.npos) {
+            complain('"' + word + "\" is not of the form name=value");
+            return ExitStatus::Usage;
+        }
+        const auto row = rowNamed(level, *entity, word.substr(0, equals));
+        if (!row) {
+            return ExitStatus::Usage;
+        }
+        EntryFacts facts = behaviorFacts(*row);
+        facts.value = valueText(*entity, *row);
+        const std::string value = word.substr(equals + 1);
+        std::string why = EntryModel(facts).refusalOf(value);
+        const auto number = skillOfText(value);
+        if (why.empty() && !number) {
+            why = skillRefusal(value);
+        }
+        if (!why.empty()) {
+            complain(nameOf(*row) + ": " + why + " Nothing was changed.");
+            return ExitStatus::Findings;
+        }
+        const int skill = skillNumber(*row);
+        auto edited = withLevelValue(
+            text, {entity->name, skill > 0, skill > 0 ? skill : flagNumber(*row), number.value_or(0)});
+        if (!edited) {
+            complain("the entity's lines were not found");
+            return ExitStatus::Failed;
+        }
+        text = std::move(*edited);
+    }
+    if (options.dryRun) {
+        printPatch(unifiedDifference(level.text(), text, level.path(), level.path()));
+        return ExitStatus::Done;
+    }
+    return rewriteFile(level.path(), level.text(), text, [&] { return setLevel(options); });
+}
+
+ExitStatus diffLevels(const LevelOptions& options) {
+    const OpenLevelFile before(options.file), after(options.entity);
+    const ExitStatus status = worse(before.status(), after.status());
+    if (status != ExitStatus::Done) {
+        return status;
+    }
+    Json all = Json::array();
+    bool differs = false;
+    const auto tell = [&](const std::string& entity, const std::string& what, const std::string& from,
+                          const std::string& to) {
+        differs = true;
+        if (options.json) {
+            all.push_back({{"entity", jsonText(entity)},
+                           {"value", jsonText(what)},
+                           {"before", jsonText(from)},
+                           {"after", jsonText(to)}});
+        } else {
+            printShown(entity + '\t' + what + ": " + from + " -> " + to + '\n');
+        }
+    };
+    std::map<std::string, const LevelEntity*> second;
+    for (const LevelEntity& entity : after.map().entities) {
+        second.emplace(entity.name, &entity);
+    }
+    for (const LevelEntity& one : before.map().entities) {
+        const auto found = second.find(one.name);
+        if (found == second.end()) {
+            tell(one.name, "entity", "there", "gone");
+            continue;
+        }
+        const LevelEntity& other = *found->second;
+        if (one.script != other.script || one.action != other.action) {
+            tell(one.name, "action", one.script + ' ' + one.action, other.script + ' ' + other.action);
+        }
+        std::vector<CustomEntry> rows = before.valuesOf(one);
+        for (CustomEntry& row : after.valuesOf(other)) {
+            const auto same = [&](const CustomEntry& known) { return known.id == row.id; };
+            if (std::none_of(rows.begin(), rows.end(), same)) {
+                rows.push_back(std::move(row));
+            }
+        }
+        for (const CustomEntry& row : rows) {
+            if (valueText(one, row) != valueText(other, row)) {
+                tell(one.name, nameOf(row), valueText(one, row), valueText(other, row));
+            }
+        }
+        second.erase(found);
+    }
+    for (const auto& [name, entity] : second) {
+        tell(name, "entity", "not there", "added");
+    }
+    if (options.json) {
+        printJson(all);
+    }
+    return differs ? ExitStatus::Findings : ExitStatus::Done;
+}
+
+}  // namespace
+
+void addLevelCommands(CLI::App& app, Work& chosen) {
+    CLI::App* const group = app.add_subcommand("level", "The entities of a level of the stand-in editor");
+    setExample(*group, "zoka level list main.zlm");
+    const auto level = [](CLI::App& command, LevelOptions& options) {
+        command.add_option("LEVEL", options.file, "The level (.zlm)")->required();
+    };
+    const auto entity = [](CLI::App& command, LevelOptions& options) {
+        command.add_option("ENTITY", options.entity, "The entity")->required();
+    };
+    addCommand<LevelOptions>(
+        *group,
+        {"list", "Print the entities with their skills and flags", "zoka level list main.zlm guard_north"},
+        chosen, listLevel, level, [](CLI::App& command, LevelOptions& options) {
+            command.add_option("ENTITY", options.words, "These entities alone");
+        });
+    addCommand<LevelOptions>(
+        *group, {"get", "Print values of an entity", "zoka level get main.zlm guard_north Speed"}, chosen,
+        getLevel, level, entity, [](CLI::App& command, LevelOptions& options) {
+            command.add_option("NAME", options.words, "Labels, or names like skill3 and flag1")->required();
+        });
+    addCommand<LevelOptions>(
+        *group, {"set", "Change values of an entity", "zoka level set main.zlm guard_north Speed=4 flag1=0"},
+        chosen, setLevel, level, entity, [](CLI::App& command, LevelOptions& options) {
+            command
+                .add_option("NAME=VALUE", options.words, "Values by label, or by names like skill3 and flag1")
+                ->required();
+            command.add_flag("-n,--dry-run", options.dryRun,
+                             "Write nothing; print the lines that would change");
+        });
+    addCommand<LevelOptions>(
+        *group,
+        {"diff", "Print the values that differ between two levels", "zoka level diff main.zlm backup.zlm"},
+        chosen, diffLevels, level, [](CLI::App& command, LevelOptions& options) {
+            command.add_option("OTHER", options.entity, "The other level")->required();
+        });
+}
+
+}  // namespace zoka::cli
