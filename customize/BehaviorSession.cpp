@@ -363,7 +363,7 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
             }
         }
     }
-    m_changes = m_access->changes();
+    // The count of changes is not noted: it may have grown by another hand's change too, which is still to be seen.
     return true;
 }
 
@@ -373,7 +373,7 @@ bool BehaviorSession::store(size_t i, const std::string& value, std::string& why
     }
     const auto number = skillOfText(value);
     if (!number || m_sources[i].number == 0) {
-        why = "Only a number fits here: digits, one point, a sign in front.";
+        why = skillRefusal(value);
         return false;
     }
     return writeAll(i, std::vector<float>(m_entities.size(), *number), why);

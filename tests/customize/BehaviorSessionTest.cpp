@@ -139,6 +139,12 @@ TEST_F(BehaviorSessionTest, followsSelectionValuesAndEntitiesThatGo) {
     ++m_entities.count;
     m_session.refresh(false);
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=9", "Lit=0"));
+    // Another hand's change is seen although an edit came between.
+    m_entities.entities["a"].flags[0] = true;
+    ++m_entities.count;
+    EXPECT_TRUE(m_session.setValue(1, "8"));
+    m_session.refresh(false);
+    EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=8", "Lit=1"));
     m_session.setFollowing(false);
     follow({"c"});
     EXPECT_EQ(m_session.status(), "a");
