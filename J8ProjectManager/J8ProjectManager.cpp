@@ -5,6 +5,7 @@
 
 #include "J8ProjectManager/DeleteLogged.h"
 #include "J8ProjectManager/ReportTexts.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "xml/XMLRead.h"
@@ -195,7 +196,9 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
 
 // The place in the broken file, for those who mend it.
 void CJ8ProjectManager::tellParseError(const std::string& path, const XMLResults& results) {
-    zoka::J8Finding finding{zoka::kReportError, addSource(path), 0, XMLNode::errorText(results.code)};
+    zoka::J8Finding finding{
+        zoka::kReportError, addSource(path), 0,
+        results.outOfMemory ? zoka::outOfMemoryText(path) : XMLNode::errorText(results.code)};
     finding.line = results.line;
     finding.column = results.column;
     m_findings.push_back(std::move(finding));

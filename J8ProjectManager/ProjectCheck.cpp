@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "J8ProjectManager/PropertyFacts.h"
+#include "util/Doors.h"
 #include "util/PathRules.h"
 #include "xml/XMLRead.h"
 
@@ -63,8 +64,10 @@ private:
                     .isEmpty()) {
                 find(kReportError, 0, file.m_place,
                      std::string(sectionTag(static_cast<J8Section>(i))) + " file \"" + file.m_path +
-                         "\" can't be read: " + XMLNode::errorText(results.code) + " (line " +
-                         std::to_string(results.line) + ")");
+                         "\" can't be read: " +
+                         (results.outOfMemory ? outOfMemoryText(file.m_path)
+                                              : std::string(XMLNode::errorText(results.code)) + " (line " +
+                                                    std::to_string(results.line) + ")"));
             }
         }
     }

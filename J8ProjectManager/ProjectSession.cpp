@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "J8ProjectManager/ProjectCheck.h"
+#include "util/Doors.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/Text.h"
@@ -102,12 +103,17 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
     loaded.bytes = std::move(bytes);
     XMLResults results;
     const XMLNode document = XMLNode::parseBytes(loaded.bytes, nullptr, &results, {}, XMLCharset::Utf8);
+    loaded.wasRead = !results.outOfMemory;
     if (!document.isEmpty() && document.firstChild("Project").isEmpty()) {
         results.code = kXmlFirstTagNotFound;
     }
     if (loaded.model->loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
         loaded.losses =
             lossesOf(document, loaded.model->createXMLTopNode({}, loaded.model->m_date), loaded.bytes);
+        return loaded;
+    }
+    if (results.outOfMemory) {
+        loaded.problem = outOfMemoryText(m_path);
         return loaded;
     }
     loaded.problem = m_path;
@@ -122,6 +128,7 @@ void ProjectSession::replaceModel(Loaded loaded) {
     m_model = std::move(*loaded.model);
     m_bytes = std::move(loaded.bytes);
     m_losses = std::move(loaded.losses);
+    m_wasRead = loaded.wasRead;
     m_places.reset();
     if (modelReplaced) {
         modelReplaced();

@@ -53,6 +53,8 @@ public:
     const std::string& path() const { return m_path; }
     // Why the last operation failed; else empty. In the system's character set, like all that the user is told.
     const std::string& problem() const { return m_problem; }
+    // Whether the file could be looked at when it was opened; one that can't be used although it was is damaged.
+    bool wasRead() const { return m_wasRead; }
 
     // --- What is wrong. The report is model().m_report.
     // What loading found, what a check of the project as it is now finds, and what a save would lose. Reads the
@@ -134,7 +136,8 @@ private:
         std::unique_ptr<CJ8ProjectManager> model;
         std::string bytes;
         std::vector<ProjectLoss> losses;
-        std::string problem;  // why it can't be used; else empty
+        std::string problem;   // why it can't be used; else empty
+        bool wasRead = false;  // all of the file, well-formed or not
     };
     Loaded read() const;
     Loaded loadedFrom(std::string bytes) const;
@@ -152,6 +155,7 @@ private:
     std::string m_path;
     std::string m_bytes;  // of the file, as loaded
     std::vector<ProjectLoss> m_losses;
+    bool m_wasRead = false;
     ProjectEdits m_edits;
     bool m_typedPaths = false;  // their files have not been looked for
     std::string m_problem;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "templates/NotesReport.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -52,7 +53,9 @@ bool leavesDamagedCatalogue(UserPrompt& prompt, const std::string& path, const X
         text += ", line " + std::to_string(results.line) + ", column " + std::to_string(results.column);
     }
     return prompt.ask(
-               text + "\n" + XMLNode::errorText(results.code) +
+               text + "\n" +
+                   (results.outOfMemory ? outOfMemoryText(fileNameOf(path))
+                                        : XMLNode::errorText(results.code)) +
                    "\n\nLeave Add Script? Nothing has been changed.\nNo reads the catalogue all the same, "
                    "which ends the editor, and unsaved work in the level with it.",
                kManagerTitle, PromptButtons::YesNo, PromptIcon::Error) == PromptAnswer::Yes;

@@ -15,6 +15,7 @@
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/Doors.h"
 #include "util/KeyedHash.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
@@ -37,6 +38,10 @@ ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& 
     workOn(path);
     if (loadCatalogue(catalogue, suitePath(path), &results)) {
         return ExitStatus::Done;
+    }
+    if (results.outOfMemory) {
+        complain(outOfMemoryText(path));
+        return ExitStatus::Failed;
     }
     if (results.code == kXmlFileNotFound) {
         complain("cannot read " + path + ": " + XMLNode::errorText(results.code));
@@ -154,6 +159,10 @@ ExitStatus build(const BuildOptions& options) {
     XMLResults results;
     setXmlCharset(isUtf8(text.c_str()) ? XMLCharset::Utf8 : XMLCharset::Platform);
     if (XMLNode::parseBytes(text, kCatalogueRoot, &results).isEmpty()) {
+        if (results.outOfMemory) {
+            complain(outOfMemoryText(shown) + " Nothing was written.");
+            return ExitStatus::Failed;
+        }
         complain(shown + ":" + std::to_string(results.line) + ":" + std::to_string(results.column) + ": " +
                  XMLNode::errorText(results.code) + ". Nothing was written.");
         return ExitStatus::Failed;

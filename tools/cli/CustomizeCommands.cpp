@@ -448,11 +448,15 @@ ExitStatus update(const CustomizeOptions& options) {
         complain(why + "; not updated");
         return ExitStatus::Failed;
     }
+    const bool halfDone = !options.dryRun && !why.empty();
+    if (halfDone) {
+        complain("updated, but " + why);
+    }
     for (const UnplacedValue& lost : plan->unplaced) {
         const std::string line = unplacedText({lost});
         complain("no place for " + line.substr(0, std::min<size_t>(line.find('\r'), 300)));
     }
-    return plan->unplaced.empty() ? ExitStatus::Done : ExitStatus::Findings;
+    return halfDone ? ExitStatus::Failed : plan->unplaced.empty() ? ExitStatus::Done : ExitStatus::Findings;
 }
 
 ExitStatus exportValues(const CustomizeOptions& options) {
@@ -526,6 +530,7 @@ ExitStatus import(const CustomizeOptions& options) {
 
 // `shown`: the path as the user gave it.
 ExitStatus checkFile(const std::string& path, const std::string& shown, Json* json) {
+    workOn(shown);
     CustomScript script;
     std::string why;
     if (!LoadCustomScript(path, script, &why)) {

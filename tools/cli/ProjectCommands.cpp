@@ -11,6 +11,7 @@
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/DebugLog.h"
+#include "util/Doors.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -151,6 +152,9 @@ bool isProject(const std::string& path) {
     if (!XMLNode::parseFile(path.c_str(), "Project", &results, {}, XMLCharset::Utf8).isEmpty()) {
         return true;
     }
+    if (results.outOfMemory) {
+        return true;  // opening it says so
+    }
     const std::string bytes = osFiles().readWhole(path).value_or("");
     for (size_t at = 0; results.code != kXmlFirstTagNotFound && at < bytes.size(); ++at) {
         at = bytes.find("<Project", at);
@@ -191,7 +195,7 @@ ExitStatus check(const ProjectOptions& options) {
         for (const std::string& file : files) {
             OpenProject open(file, file == path ? word : asGiven(file, path, word));
             if (!open.isOpen()) {
-                status = worse(status, osFiles().exists(file) ? ExitStatus::Findings : ExitStatus::Failed);
+                status = worse(status, open.session().wasRead() ? ExitStatus::Findings : ExitStatus::Failed);
                 continue;
             }
             const std::vector<ProjectProblem> problems = open.shown(open.session().problems());
@@ -453,7 +457,7 @@ ExitStatus format(const ProjectOptions& options) {
     const std::string& before = open.session().bytes();
     const auto after = open.model().fileText({}, open.model().m_date);
     if (!after) {
-        complain("not enough memory to format " + options.file);
+        complain(outOfMemoryText(options.file));
         return ExitStatus::Failed;
     }
     if (options.dryRun) {

@@ -9,6 +9,7 @@
 
 #include "tools/cli/Cli.h"
 #include "util/ConsolePrompt.h"
+#include "util/Doors.h"
 #include "util/LineDiff.h"
 #include "xml/XMLConvert.h"
 #include "xml/XMLNode.h"
@@ -56,7 +57,7 @@ Parsed parse(const std::string& path, std::string_view bytes, XMLCharset charset
     XMLResults results;
     XMLNode document = XMLNode::parseBytes(bytes, nullptr, &results, {}, charset);
     if (results.outOfMemory) {
-        complain("not enough memory for " + path);
+        complain(outOfMemoryText(path));
         return {{}, ExitStatus::Failed};
     }
     if (results.code == kXmlNone) {
@@ -116,7 +117,7 @@ ExitStatus formatFile(const std::string& path, const std::string* target, bool d
     }
     const std::string formatted = format(document, form, std::string_view(*bytes).substr(0, form.mark));
     if (formatted.empty()) {
-        complain("not enough memory to format " + path);
+        complain(outOfMemoryText(path));
         return ExitStatus::Failed;
     }
     if (dryRun) {

@@ -89,6 +89,30 @@ TEST(Streams, AFolderThatCannotBeListedIsNotEmpty) {
 
 }  // namespace
 
+// Memory that runs out is told with the file that took it, whichever command reads it.
+TEST(Streams, MemoryThatRunsOutIsToldWithTheFile) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer itself takes more address space than the limit";
+#endif
+    constexpr int kPieces = 1'500'000;
+    std::string xml = "<a>", script;
+    for (int i = 0; i < kPieces; ++i) {
+        xml += "<b c='d'/>";
+        script += "// entry: e\nx=1;\n";
+    }
+    ToolFolder folder;
+    folder.write("big.xml", xml + "</a>");
+    folder.write("big.kez", script);
+    for (const std::string command :
+         {"xml check big.xml", "xml format -n big.xml", "catalogue check big.xml", "project check big.xml",
+          "customize check big.kez", "customize list big.kez"}) {
+        const std::string file = command.substr(command.find("big"));
+        EXPECT_EQ(folder.run(command, "", "ulimit -v 80000;"),
+                  (ToolRun{3, "", "zoka: There is not enough memory for '" + file + "'.\n"}))
+            << command;
+    }
+}
+
 // Each sets a value of its own in one project, at the same moment.
 TEST(TwoWriters, LoseNothingOfEachOther) {
     ToolFolder folder;
