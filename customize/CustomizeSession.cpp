@@ -6,6 +6,7 @@
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
 #include "util/Backups.h"
+#include "util/Doors.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -157,7 +158,7 @@ bool CustomizeSession::fetchTemplateCopy() {
     if (!chosen) {
         return false;
     }
-    const auto refuse = [&](const char* text) {
+    const auto refuse = [&](const std::string& text) {
         m_prompt.tell(text);
         return false;
     };
@@ -175,7 +176,8 @@ bool CustomizeSession::fetchTemplateCopy() {
         return false;
     }
     if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) {
-        return refuse("Copy error (1128).\nNo Update.");
+        const std::string why = m_host.copyProblem();
+        return refuse("Copy error (1128).\nNo Update." + (why.empty() ? "" : "\n\n" + why));
     }
     return true;
 }
@@ -190,7 +192,7 @@ bool CustomizeSession::keepOwnLines(const std::string& templatePath) {
     }
     const BackupResult kept = keepBackup(path, plan->before);
     if (!kept) {
-        m_prompt.tell(kept.error + "\nNo Update.");
+        m_prompt.tell("Copy error (1128).\nNo Update.\n\n" + kept.error);
     }
     return static_cast<bool>(kept);
 }
@@ -303,6 +305,28 @@ void CustomizeSession::keepUnplaced() {
             "These values found no place in the script, and could not be written into a file either:\n\n" +
             unplacedText(m_unplaced));
     }
+}
+
+void CustomizeSession::offerUnsaved() noexcept {
+    keepInside([this] {
+        std::vector<UnplacedValue> unsaved;
+        for (KeptValue& kept : valuesToKeep(m_panel, true)) {
+            unsaved.push_back({std::move(kept), "it was not saved"});
+        }
+        if (!isOpen() || unsaved.empty()) {
+            return;
+        }
+        const std::string& path = m_panel.script.scriptPath;
+        std::string why;
+        if (question("The window has to close, and " +
+                     (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
+                     " of '" + std::string(fileNameOf(path)) + "' " + (unsaved.size() == 1 ? "is" : "are") +
+                     " not saved.\n\nKeep " + (unsaved.size() == 1 ? "it" : "them") + " in the value file '" +
+                     std::string(fileNameOf(path)) + kOldValuesEnding + "', beside the script?") &&
+            !keepOldValues(m_panel.script, unsaved, why)) {
+            m_prompt.tell("The values could not be kept: " + why);
+        }
+    });
 }
 
 std::optional<std::string> CustomizeSession::defaultOf(size_t i) const {

@@ -63,6 +63,10 @@ public:
     bool restore();
     bool update();
 
+    // Something was thrown and the panel goes: asks whether the values that are in no file yet are to be kept in
+    // the file of old values beside the script, and puts them there. Never throws.
+    void offerUnsaved() noexcept;
+
     // --- The script
     const CustomScript& script() const { return m_panel.script; }
     const CustomEntry& entry(size_t i) const { return m_panel.script.entries[i]; }

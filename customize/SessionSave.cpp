@@ -168,7 +168,9 @@ bool CustomizeSession::takeIntoProject(const std::string& project, bool& copied)
         return false;
     }
     if (!m_host.CopyFileToFolder(path, project)) {
-        fail("The script could not be copied into the project folder; it was not saved.");
+        const std::string why = m_host.copyProblem();
+        fail("The script could not be copied into the project folder; it was not saved." +
+             (why.empty() ? "" : "\n\n" + why));
         return false;
     }
     m_panel.script.scriptPath = target;

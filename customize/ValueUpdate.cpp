@@ -99,6 +99,7 @@ std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, co
 }
 
 bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
+    why.clear();
     const std::string& path = plan.old.script.scriptPath;
     const FileLock lock(path);
     if (!lock) {
@@ -141,8 +142,11 @@ bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
     }
     CustomScript updated;
     parseCustomText(plan.after, updated);
-    // The script has the values; a value file that can't be brought up to date still holds the same ones.
-    safeWrite(valueFile, valueFileText(updated, false), FileKind::Generated);
+    // The script has the values; a value file that can't be brought up to date still holds the old script's.
+    written = safeWrite(valueFile, valueFileText(updated, false), FileKind::Generated);
+    if (!written) {
+        why = "the value file is still that of the old script: " + written.error;
+    }
     return true;
 }
 

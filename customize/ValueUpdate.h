@@ -26,7 +26,8 @@ std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, co
 // Carries the plan out. A script with lines of its own is first kept as a numbered copy beside it (see
 // keepBackup), values without a place are added to the file of old values, and the value file holds the values
 // before and after. False, with the script as it was, when any of it can't be done or the script is another
-// one by now than was planned for; `why` then says so in words.
+// one by now than was planned for; `why` then says so in words. After true, `why` tells why the value file holds
+// the values before alone, if it does; else it is empty.
 bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why);
 
 struct OwnLines {

@@ -127,7 +127,9 @@ bool ScriptAdding::makeCopy(const AddPlan::Copy& copy) {
         substitutions.emplace_back(kCopyMarker, copyMark(*copy.number));
     }
     if (!m_host.CopyFileWithSubstitutions(copy.source, copy.destination, substitutions)) {
-        m_error = copy.source + " could not be copied to " + copy.destination;
+        const std::string why = m_host.copyProblem();
+        m_error =
+            copy.source + " could not be copied to " + copy.destination + (why.empty() ? "" : ": " + why);
         return false;
     }
     if (copy.number) {

@@ -31,7 +31,8 @@ bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName
     RestorePlan plan = planRestore(editor, fileName);
     if (plan.problem.empty() &&
         !editor.CopyFileToFolder(plan.source, std::string(folderOf(plan.destination)))) {
-        plan.problem = "Copy error (1128).\nNo Update.";
+        const std::string why = editor.copyProblem();
+        plan.problem = "Copy error (1128).\nNo Update." + (why.empty() ? "" : "\n\n" + why);
     }
     if (!plan.problem.empty()) {
         prompt.ask(plan.problem, plan.title, PromptButtons::Ok, PromptIcon::Error);

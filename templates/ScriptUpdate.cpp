@@ -219,6 +219,7 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
 
 void ScriptUpdate::forgetLastRun() {
     m_problems.clear();
+    m_halfDone = 0;
     m_updated.clear();
     m_included.clear();
     m_leftAlone.clear();
@@ -267,10 +268,16 @@ void ScriptUpdate::update(const std::vector<UpdateEntry>& entries, JobProgress* 
     if (m_problems.empty()) {
         return;
     }
-    std::string text = "Not updated:";
-    for (const std::string& problem : m_problems) {
-        text += "\n" + problem;
-    }
+    std::string text;
+    const auto add = [&text](const char* heading, auto first, auto last) {
+        if (first != last) {
+            (text += text.empty() ? "" : "\n\n") += heading;
+        }
+        std::for_each(first, last, [&text](const std::string& problem) { text += "\n" + problem; });
+    };
+    const auto halfDone = m_problems.end() - static_cast<std::ptrdiff_t>(m_halfDone);
+    add("Not updated:", m_problems.begin(), halfDone);
+    add("Updated, but not all of it:", halfDone, m_problems.end());
     m_prompt.tell(text);
 }
 
@@ -290,6 +297,7 @@ void ScriptUpdate::leaveOwnLines(UpdatePlan& plan) {
 void ScriptUpdate::carryOut(const UpdatePlan& plan, JobProgress* progress) {
     m_problems = plan.problems;
     includeMissing(plan);
+    std::vector<std::string> halfDone;
     const size_t total = plan.scripts.size();
     for (size_t i = 0; i < total; ++i) {
         const UpdatePlan::Script& script = plan.scripts[i];
@@ -299,10 +307,15 @@ void ScriptUpdate::carryOut(const UpdatePlan& plan, JobProgress* progress) {
         std::string why;
         if (updateKeepingValues(script.change, why)) {
             noteUpdated(script);
+            if (!why.empty()) {
+                halfDone.push_back(script.fileName + ": " + why);
+            }
         } else {
             m_problems.push_back(script.fileName + ": " + why);
         }
     }
+    m_halfDone = halfDone.size();
+    m_problems.insert(m_problems.end(), halfDone.begin(), halfDone.end());
 }
 
 void ScriptUpdate::noteUpdated(const UpdatePlan::Script& script) {

@@ -70,7 +70,8 @@ public:
     // The same for several.
     void UpdateEntries(const std::vector<UpdateEntry>& entries);
 
-    // What the last run could not do, a line for each script; the user has been told.
+    // What the last run could not do, a line for each script; the user has been told. Those come last that were
+    // updated but for their value file.
     const std::vector<std::string>& problems() const { return m_problems; }
     // The scripts that it updated, those it included as missing needs, and those with lines of their own that the
     // user kept.
@@ -99,6 +100,7 @@ private:
     std::vector<std::string> m_unread;     // why files could not be compared
     bool m_ownScripts = false;             // the project includes scripts that are no templates
     std::vector<std::string> m_problems, m_updated, m_included, m_leftAlone;
+    size_t m_halfDone = 0;  // how many of the problems are such
     std::string m_unplaced;
 };
 

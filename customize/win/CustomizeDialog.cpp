@@ -90,6 +90,11 @@ void CustomizeDialog::rowsChanged() {
     showState();
 }
 
+void CustomizeDialog::failed() {
+    m_session.offerUnsaved();
+    RowsDialog::failed();
+}
+
 // The title names the script, with a mark while it has changes.
 std::string CustomizeDialog::caption() const {
     const std::string& path = m_session.script().scriptPath;

@@ -27,6 +27,7 @@ public:
     explicit CustomizeDialog(Setup setup);
 
 private:
+    void failed() override;
     void bringToFront() override;
     void raiseOnce() override;
 

@@ -71,16 +71,24 @@ std::optional<std::string> FolderHost::ChooseFile(const std::string&) {
 
 bool FolderHost::CopyFileToFolder(const std::string& source, const std::string& folder) {
     const std::string_view name = fileNameOf(source);
-    return !name.empty() && CopyFileWithSubstitutions(source, joinPath(folder, name), {});
+    if (name.empty()) {
+        m_copyProblem = "'" + source + "' is no file";
+        return false;
+    }
+    return CopyFileWithSubstitutions(source, joinPath(folder, name), {});
 }
 
 bool FolderHost::CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
                                            Substitutions substitutions) {
     if (equalNoCase(osFiles().fullPath(source), osFiles().fullPath(destination))) {
+        m_copyProblem = "'" + source + "' is not copied onto itself";
         return false;
     }
     const auto content = osFiles().readWhole(source);
-    return content && safeWrite(destination, substituted(*content, substitutions), FileKind::Generated);
+    m_copyProblem =
+        content ? safeWrite(destination, substituted(*content, substitutions), FileKind::Generated).error
+                : "Can't read '" + source + "': " + osFiles().lastError();
+    return m_copyProblem.empty();
 }
 
 std::string FolderHost::QueryFolder(ZunCommandCode code) {

@@ -43,6 +43,7 @@ public:
     bool CopyFileWithSubstitutions(
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) override;
+    std::string copyProblem() override { return m_copyProblem; }
     // The suite's folder and the template subfolder; nothing for other codes.
     std::string QueryFolder(ZunCommandCode code) override;
     // Takes the map's folder as the project folder. False when the map does not exist or has no folder part.
@@ -52,6 +53,7 @@ private:
     Folders m_folders;
     std::vector<std::string> m_listItems;
     std::string m_chosenFile;
+    std::string m_copyProblem;
 };
 
 }  // namespace zoka

@@ -41,6 +41,8 @@ public:
     virtual bool CopyFileWithSubstitutions(
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) = 0;
+    // Why the last of the two copies failed, with the file, in words for the user; empty where the host doesn't say.
+    virtual std::string copyProblem() { return {}; }
     // A folder answered through a command record (CmdGetSuiteFolder, CmdGetTemplateSubfolder,
     // CmdQueryPath13); empty when the host fails.
     virtual std::string QueryFolder(ZunCommandCode code) = 0;

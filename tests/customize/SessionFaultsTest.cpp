@@ -62,6 +62,10 @@ TEST_F(Session, FaultsAreToldLeaveWholeFilesAndTheNextTryWorks) {
             EXPECT_FALSE(act());
         }
         EXPECT_TRUE(prompt.asked.back().text.starts_with(row.message)) << prompt.asked.back().text;
+        if (row.message == kNoCopy) {
+            EXPECT_TRUE(prompt.asked.back().text.ends_with("s.kez': injected fault"))
+                << prompt.asked.back().text;
+        }
         EXPECT_EQ(prompt.asked.size(), row.action == Save ? 1u : 2u);
         EXPECT_EQ(project.read("s.kez"), !row.newScript ? kOld : row.action == Save ? mine : kNew);
         // An update stores the values before it fetches the copy.

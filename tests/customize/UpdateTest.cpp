@@ -114,6 +114,7 @@ TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
     expected.replace(expected.find("20;"), 2, "55").insert(expected.find("define"), "//");
     expected.replace(expected.find("you"), 3, "me");
     bool done = false;
+    int valueFileFaults = 0;
     for (int failing = 1; !done; ++failing) {
         ASSERT_LT(failing, 100);
         for (const std::string& name : project.names()) {
@@ -126,8 +127,13 @@ TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
         const bool updated = plan && updateKeepingValues(*plan, why);
         done = disk.operations() < failing;
         EXPECT_EQ(project.read("s.kez"), updated ? expected : mine) << failing;
-        EXPECT_EQ(why.empty(), updated) << why;
+        EXPECT_TRUE(updated
+                        ? why.empty() || why.starts_with("the value file is still that of the old script: ")
+                        : !why.empty())
+            << why;
+        valueFileFaults += updated && !why.empty();
     }
+    EXPECT_GE(valueFileFaults, 3) << "its sibling, its bytes, its replacing";
     EXPECT_EQ(project.read("s.kez.zoka"), "1\n2\n0\n\n1\n11\n55\n\n2\n8\n0\n\n5\n15\nme\n\n");
     EXPECT_THAT(project.read("s.kez.zoka.old"), HasSubstr("\n3\n14\na\n\n"));
 }

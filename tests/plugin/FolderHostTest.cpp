@@ -81,13 +81,29 @@ TEST(FolderHost, SubstitutesInOnePass) {
     }
 }
 
-TEST(FolderHost, FailedCopyLeavesTheTarget) {
+TEST(FolderHost, FailedCopyLeavesTheTargetAndSaysWhy) {
     const TempFolder folder;
     FolderHost host({.project = folder.path(), .suite = ""});
     const std::string source = folder.write("a", "new"), target = folder.write("b", "old");
-    const FaultyOsFiles disk(FaultyOsFiles::every("write"));
-    EXPECT_FALSE(host.CopyFileWithSubstitutions(source, target, {}));
-    EXPECT_EQ(folder.read("b"), "old");
+    const struct {
+        const char* failing;  // the disk's operation; empty: none
+        std::string from, problem;
+    } rows[] = {
+        {"readWhole", source, "Can't read '" + source + "': injected fault"},
+        {"write", source, "Can't write '" + target + "': injected fault"},
+        {"replaceFile", source, "Can't write '" + target + "': injected fault"},
+        {"", target, "'" + target + "' is not copied onto itself"},
+    };
+    for (const auto& row : rows) {
+        {
+            const FaultyOsFiles disk(FaultyOsFiles::every(row.failing));
+            EXPECT_FALSE(host.CopyFileWithSubstitutions(row.from, target, {}));
+        }
+        EXPECT_EQ(host.copyProblem(), row.problem);
+        EXPECT_EQ(folder.read("b"), "old");
+    }
+    EXPECT_TRUE(host.CopyFileWithSubstitutions(source, target, {}));
+    EXPECT_EQ(host.copyProblem(), "");
 }
 
 TEST(FolderHost, AnswersWhatItWasGiven) {

@@ -234,6 +234,13 @@ TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
     host.failCopies = true;
     prompt.answers = {PromptAnswer::Ok};
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    host.failCopies = false;
+    prompt.answers = {PromptAnswer::Ok};
+    const test::FaultyOsFiles disk(test::FaultyOsFiles::every("replaceFile"));
+    EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    const std::string copy = project.folder.path("level.kez");
+    EXPECT_EQ(adding.error(),
+              outside + " could not be copied to " + copy + ": Can't write '" + copy + "': injected fault");
 }
 
 TEST(ScriptAdding, WithoutMainScriptTheEditorIsAskedToMakeOne) {

@@ -255,11 +255,17 @@ TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
     TwoOld f;
     {
         const test::FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
-            return op == "replaceFile" && path.ends_with("weather.kez");
+            return op == "replaceFile" && (path.ends_with("weather.kez") || path.ends_with("old.kez.zoka"));
         });
         f.update.UpdateAll();
     }
-    EXPECT_EQ(f.prompt.texts().back().find("Not updated:\nweather.kez: "), 0U) << f.prompt.texts().back();
+    const std::string weather = f.project.folder.path("weather.kez"), old = f.project.folder.path("old.kez");
+    EXPECT_EQ(
+        f.prompt.texts().back(),
+        "Not updated:\nweather.kez: Can't write '" + weather +
+            "': injected fault\n\nUpdated, but not all of it:\nold.kez: the value file is still that of "
+            "the old script: Can't write '" +
+            old + ".zoka': injected fault");
     EXPECT_EQ(f.update.updated(), Names{"old.kez"});
     EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 0\r\n");
     ASSERT_EQ(f.update.entries().size(), 1U);
@@ -320,6 +326,11 @@ TEST(ScriptUpdate, Restore) {
     f.project.host.failCopies = true;
     EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
     EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.");
+    f.project.host.failCopies = false;
+    const FaultyOsFiles disk(FaultyOsFiles::every("openNew"));
+    EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
+    EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.\n\nCan't make '" +
+                                           f.project.folder.path("weather.kez") + "': injected fault");
 }
 
 TEST(NotesReport, ListsEveryInclude) {

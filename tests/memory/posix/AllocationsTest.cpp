@@ -4,83 +4,20 @@
 
 #include <cstdlib>
 #include <functional>
-#include <new>
 
 #include "customize/CustomizeSession.h"
 #include "customize/ValueUpdate.h"
 #include "plugin/host/FolderHost.h"
 #include "templates/ScriptAdding.h"
-#include "tests/support/ScriptedPrompt.h"
+#include "tests/memory/posix/FailingAllocations.h"
+#include "tests/memory/posix/SilentPrompt.h"
 #include "tests/support/TempFolder.h"
 #include "util/Doors.h"
 
 namespace {
 
-// Counts what goes through operator new, and lets the one fail that brings the countdown to 0.
-long g_countdown = 0;
-long g_live = 0;
-
-void* allocate(std::size_t size) {
-    if (g_countdown > 0 && --g_countdown == 0) {
-        throw std::bad_alloc();
-    }
-    void* const made = std::malloc(size > 0 ? size : 1);
-    if (!made) {
-        throw std::bad_alloc();
-    }
-    ++g_live;
-    return made;
-}
-
-void release(void* memory) {
-    if (memory) {
-        --g_live;
-        std::free(memory);
-    }
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    return allocate(size);
-}
-void* operator new[](std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    release(memory);
-}
-void operator delete[](void* memory) noexcept {
-    release(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    release(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    release(memory);
-}
-
-namespace {
-
 using namespace zoka;
-using zoka::test::ScriptedPrompt, zoka::test::TempFolder;
-
-// Takes no memory, so that what it tells is not counted.
-class SilentPrompt : public UserPrompt {
-public:
-    SilentPrompt() { setUserPrompt(this); }
-    ~SilentPrompt() override { setUserPrompt(nullptr); }
-    PromptAnswer ask(const std::string&, const std::string&, PromptButtons buttons, PromptIcon) override {
-        ++told;
-        return buttons == PromptButtons::OkCancel ? PromptAnswer::Ok : PromptAnswer::Yes;
-    }
-    std::optional<std::string> chooseFile(const ChooserRequest&) override { return std::nullopt; }
-    std::optional<std::string> chooseFolder(const ChooserRequest&) override { return std::nullopt; }
-    [[noreturn]] void fatalStop(const std::string&, const std::string&, int status) override {
-        std::exit(status);
-    }
-    int told = 0;
-};
+using zoka::test::SilentPrompt, zoka::test::TempFolder, zoka::test::g_countdown, zoka::test::g_live;
 
 constexpr char kScript[] =
     "// ver: 1\r\n// title: Fog over the harbour and the town\r\n// entry: How dense the fog is, from near "
@@ -166,6 +103,41 @@ TEST(Allocations, EachThatFailsIsAResult) {
             EXPECT_LE(g_live - before, liveAfterAll + 8) << "leaked";
         }
         EXPECT_GT(failures, 50);
+    }
+}
+
+// The panel has to go when memory runs out: what the user changed is in a file all the same.
+TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
+    using Work = bool (*)(CustomizeSession&);
+    for (const Work work :
+         {Work([](CustomizeSession& session) { return session.setValue(1, "7"); }),
+          Work([](CustomizeSession& session) { return session.undo().has_value(); }),
+          Work([](CustomizeSession& session) { return session.save() == SaveResult::Saved; })}) {
+        SilentPrompt prompt;
+        int kept = 0;
+        bool done = false;
+        for (long failing = 1; !done; failing += 1 + failing / 20) {
+            SCOPED_TRACE(failing);
+            const TempFolder folder;
+            const std::string path = folder.write("fog.kez", kScript);
+            FolderHost host({.project = folder.path(), .suite = folder.path()});
+            CustomizeSession session(host, userPrompt());
+            ASSERT_TRUE(session.open(path) && session.setValue(2, "mist.tga"));
+            g_countdown = failing;
+            const bool inside = keepInside([&] { work(session); });
+            done = g_countdown > 0;
+            g_countdown = 0;
+            if (inside) {
+                continue;
+            }
+            session.offerUnsaved();
+            const std::string old = folder.read("fog.kez.zoka.old");
+            kept += old != "<missing>";
+            EXPECT_TRUE(old.ends_with("\nmist.tga\n\n") ||
+                        folder.read("fog.kez").find("mist.tga") != std::string::npos)
+                << old;
+        }
+        EXPECT_GT(kept, 0);
     }
 }
 

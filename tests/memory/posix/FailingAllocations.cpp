@@ -1,0 +1,70 @@
+#include "tests/memory/posix/FailingAllocations.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace zoka::test {
+
+long g_countdown = 0;
+long g_live = 0;
+
+}  // namespace zoka::test
+
+namespace {
+
+using zoka::test::g_countdown, zoka::test::g_live;
+
+bool fails() {
+    return g_countdown > 0 && --g_countdown == 0;
+}
+
+}  // namespace
+
+// The C functions as the project's own code calls them: the linker puts these in their place, not in that of the
+// system's libraries.
+extern "C" {
+
+void* __real_malloc(std::size_t size);
+void* __real_realloc(void* memory, std::size_t size);
+void __real_free(void* memory);
+
+void* __wrap_malloc(std::size_t size) {
+    void* const made = fails() ? nullptr : __real_malloc(size);
+    g_live += made ? 1 : 0;
+    return made;
+}
+
+void* __wrap_realloc(void* memory, std::size_t size) {
+    void* const made = fails() ? nullptr : __real_realloc(memory, size);
+    g_live += made && !memory ? 1 : 0;
+    return made;
+}
+
+void __wrap_free(void* memory) {
+    g_live -= memory ? 1 : 0;
+    __real_free(memory);
+}
+}
+
+void* operator new(std::size_t size) {
+    void* const made = __wrap_malloc(size > 0 ? size : 1);
+    if (!made) {
+        throw std::bad_alloc();
+    }
+    return made;
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void operator delete(void* memory) noexcept {
+    __wrap_free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    __wrap_free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    __wrap_free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    __wrap_free(memory);
+}

@@ -1,0 +1,29 @@
+// A user who agrees with everything.
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "util/UserPrompt.h"
+
+namespace zoka::test {
+
+// Takes no memory, so that what it tells is not counted.
+class SilentPrompt : public UserPrompt {
+public:
+    SilentPrompt() { setUserPrompt(this); }
+    ~SilentPrompt() override { setUserPrompt(nullptr); }
+    PromptAnswer ask(const std::string&, const std::string&, PromptButtons buttons, PromptIcon) override {
+        ++told;
+        return buttons == PromptButtons::OkCancel ? PromptAnswer::Ok : PromptAnswer::Yes;
+    }
+    std::optional<std::string> chooseFile(const ChooserRequest&) override { return std::nullopt; }
+    std::optional<std::string> chooseFolder(const ChooserRequest&) override { return std::nullopt; }
+    [[noreturn]] void fatalStop(const std::string&, const std::string&, int status) override {
+        std::exit(status);
+    }
+    int told = 0;
+};
+
+}  // namespace zoka::test
