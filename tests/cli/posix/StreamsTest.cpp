@@ -115,19 +115,31 @@ TEST(Streams, MemoryThatRunsOutIsToldWithTheFile) {
 
 // Each sets a value of its own in one project, at the same moment.
 TEST(TwoWriters, LoseNothingOfEachOther) {
-    ToolFolder folder;
-    const std::string set = "project set --undeclared two.xml level/l/entity/", tool = "'" ZOKA_CLI "' ";
-    for (int round = 0; round < 12; ++round) {
-        folder.write("two.xml",
-                     "<Project name='n' date='1' vers='8.0303'><Paths proj_file='' j8_file=''/>"
-                     "<Level name='l' mapfile='m'><Entity name='a'/><Entity name='b'/></Level></Project>");
-        folder.write("ended", "");
-        EXPECT_EQ(folder.run(set + "a/parent=of_a", "",
-                             "{ (" + tool + set + "b/parent=of_b >>ended 2>&1; echo $? >>ended) & } ;"),
-                  (ToolRun{0, "", ""}));
-        EXPECT_EQ(folder.run("project get two.xml level/l/entity/a/parent level/l/entity/b/parent", "",
-                             "while [ ! -s ended ]; do sleep 0.01; done;"),
-                  (ToolRun{0, "of_a\nof_b\n", ""}));
-        EXPECT_EQ(folder.read("ended"), "0\n");
+    const struct {
+        const char *file, *content, *set, *other, *get, *both;
+    } rows[] = {
+        {"two.xml",
+         "<Project name='n' date='1' vers='8.0303'><Paths proj_file='' j8_file=''/>"
+         "<Level name='l' mapfile='m'><Entity name='a'/><Entity name='b'/></Level></Project>",
+         "project set --undeclared two.xml level/l/entity/a/parent=of_a",
+         "project set --undeclared two.xml level/l/entity/b/parent=of_b",
+         "project get two.xml level/l/entity/a/parent level/l/entity/b/parent", "of_a\nof_b\n"},
+        {"two.zlm", "level 1\nentity a\n    skill 1 0\nend\nentity b\n    skill 1 0\nend\n",
+         "level set two.zlm a skill1=3", "level set two.zlm b skill1=4", "level diff base two.zlm",
+         "a\tskill1: 0 -> 3\nb\tskill1: 0 -> 4\n"},
+    };
+    const std::string tool = "'" ZOKA_CLI "' ";
+    for (const auto& row : rows) {
+        for (int round = 0; round < 12; ++round) {
+            ToolFolder folder;
+            folder.write(row.file, row.content);
+            folder.write("base", row.content);
+            folder.write("ended", "");
+            EXPECT_EQ(
+                folder.run(row.set, "", "{ (" + tool + row.other + " >>ended 2>&1; echo $? >>ended) & } ;"),
+                (ToolRun{0, "", ""}));
+            EXPECT_EQ(folder.run(row.get, "", "while [ ! -s ended ]; do sleep 0.01; done;").out, row.both);
+            EXPECT_EQ(folder.read("ended"), "0\n");
+        }
     }
 }
