@@ -314,8 +314,14 @@ TEST(SafeWrite, TemporaryFilesGo) {
         const timespec times[2] = {{now - age, 0}, {now - age, 0}};
         ASSERT_EQ(utimensat(AT_FDCWD, folder.native(name).c_str(), times, 0), 0);
     }
+    // As old as the first, but its maker still works on it.
+    const auto held = systemFiles().openSibling(folder.path("~zk00000003.tmp"), "");
+    ASSERT_TRUE(held);
+    const timespec old[2] = {{now - 90'000, 0}, {now - 90'000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, folder.native("~zk00000003.tmp").c_str(), old, 0), 0);
     EXPECT_EQ(safeWrite(folder.path("a"), "x").error, "");
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "~zk00000002.tmp", "~zkother"}));
+    EXPECT_EQ(folder.names(),
+              (std::vector<std::string>{"a", "~zk00000002.tmp", "~zk00000003.tmp", "~zkother"}));
 }
 
 TEST(OsFiles, NamesWithABackslashAreNoPaths) {
