@@ -11,7 +11,10 @@ namespace zoka {
 
 struct J8ComponentEdit {
     std::string component, name, value;
-    bool operator==(const J8ComponentEdit&) const = default;
+    std::uint32_t place = 0;  // of its element
+    bool operator==(const J8ComponentEdit& other) const {
+        return component == other.component && name == other.name && value == other.value;
+    }
 };
 
 }  // namespace zoka
@@ -26,7 +29,8 @@ public:
     std::string m_group;
     std::string m_doc;
     std::vector<zoka::J8Skill> m_apSkillEdits;
-    std::vector<std::string> m_apCMPNames;  // of the components that it uses, in the file's order
+    std::vector<std::string> m_apCMPNames;     // of the components that it uses, in the file's order
+    std::vector<std::uint32_t> m_apCMPPlaces;  // of the elements of m_apCMPNames
     std::vector<zoka::J8ComponentEdit> m_apCMPEdits;
     std::uint32_t m_source = 0;  // its file, an index of CJ8ProjectManager::sources()
     std::uint32_t m_place = 0;   // of its element there

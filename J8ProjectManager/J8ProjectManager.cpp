@@ -239,8 +239,20 @@ CJ8File::eType CJ8ProjectManager::resolve(CJ8File& file) const {
 void CJ8ProjectManager::resolveSections() {
     for (CJ8File& file : m_sections) {
         if (file.isNamed()) {
-            resolve(file);
+            if (file.m_type == CJ8File::kNotValid) {
+                resolve(file);
+            } else {
+                keepKind(file);
+            }
         }
+    }
+}
+
+void CJ8ProjectManager::keepKind(CJ8File& file) const {
+    std::string path;
+    file.m_type = file.kindToWrite();
+    if (!file.GetFilepath(path, m_roots) || !zoka::isProjectFileThere(path)) {
+        file.m_type = CJ8File::kNotValid;
     }
 }
 

@@ -102,6 +102,8 @@ public:
     // Finds the kind under which a reference's file exists and makes it the reference's; kNotValid when there is
     // no such file.
     CJ8File::eType resolve(CJ8File& file) const;
+    // The same for a kind that the user has chosen: it stays, and only whether the file exists under it is found out.
+    void keepKind(CJ8File& file) const;
     // The same of the six sections, after a root has changed.
     void resolveSections();
 

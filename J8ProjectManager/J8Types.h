@@ -62,7 +62,8 @@ struct J8Skill {
 // A value given to a property of a component.
 struct J8Edit {
     std::string name, value;
-    bool operator==(const J8Edit&) const = default;
+    std::uint32_t place = 0;  // 0: it stands in no file yet
+    bool operator==(const J8Edit& other) const { return name == other.name && value == other.value; }
 };
 
 }  // namespace zoka

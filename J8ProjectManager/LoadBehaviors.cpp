@@ -117,12 +117,13 @@ bool CJ8ProjectManager::LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& n
             continue;
         }
         behavior.m_apCMPNames.emplace_back(component);
+        behavior.m_apCMPPlaces.push_back(child.place());
         // Only the first one counts.
         const XMLNode edit = child.firstChild("Edit");
         const char* const editName = edit.getAttribute("name");
         const char* const value = edit.getAttribute("value");
         if (editName && value) {
-            behavior.m_apCMPEdits.push_back({component, editName, value});
+            behavior.m_apCMPEdits.push_back({component, editName, value, edit.place()});
         } else if (editName) {
             addTo(report, texts::kEditNoValue, {name, editName}, edit.place());
         }
@@ -182,7 +183,7 @@ bool CJ8ProjectManager::LoadLevel(CJ8LevelData& level, const XMLNode& node, std:
                 const char* const editName = edit.getAttribute("name");
                 const char* const value = edit.getAttribute("value");
                 if (editName && value) {
-                    edits.push_back({editName, value});
+                    edits.push_back({editName, value, edit.place()});
                 }
             }
         }

@@ -79,6 +79,18 @@ private:
         }
     }
 
+    // A limit that is no number limits nothing.
+    void checkLimits(const std::vector<J8Constraint>& constraints, std::uint32_t source, std::uint32_t place,
+                     const std::string& what) {
+        for (const J8Constraint& limit : constraints) {
+            if (isLostLimit(limit)) {
+                warn(source, place,
+                     "limit " + limit.type + " of " + what + " is \"" + limit.value +
+                         "\": a number is needed; it limits nothing");
+            }
+        }
+    }
+
     void checkComponents() {
         for (const CJ8CMPData& component : m_project.m_apComponents) {
             Seen<std::string_view> names;
@@ -88,6 +100,7 @@ private:
                 if (names.again(property.name)) {
                     warn(component.m_source, property.place, what + " is there twice");
                 }
+                checkLimits(property.constraints, component.m_source, property.place, what);
                 if (!property.value.empty()) {
                     checkValue(J8TypedValue::of(property), property.value, component.m_source, property.place,
                                what);
@@ -113,24 +126,26 @@ private:
                 if (numbers.again(skill.num)) {
                     warn(behavior.m_source, skill.place, what + " is there twice; the first one counts");
                 }
+                checkLimits(skill.constraints, behavior.m_source, skill.place, what);
                 if (!skill.value.empty()) {
                     checkValue(J8TypedValue::of(skill), skill.value, behavior.m_source, skill.place, what);
                 }
             }
-            for (const std::string& name : behavior.m_apCMPNames) {
+            for (size_t i = 0; i < behavior.m_apCMPNames.size(); ++i) {
+                const std::string& name = behavior.m_apCMPNames[i];
                 if (!m_project.component(name)) {
-                    warn(behavior.m_source, behavior.m_place,
+                    warn(behavior.m_source, behavior.m_apCMPPlaces[i],
                          "component \"" + name + "\"" + of + " is in no components file");
                 }
             }
             for (const J8ComponentEdit& edit : behavior.m_apCMPEdits) {
-                checkEdit(edit.component, edit.name, edit.value, behavior.m_source, behavior.m_place, of);
+                checkEdit(edit.component, edit.name, edit.value, behavior.m_source, edit.place, of, false);
             }
         }
     }
 
     void checkEdit(const std::string& componentName, const std::string& name, const std::string& value,
-                   std::uint32_t source, std::uint32_t place, const std::string& of) {
+                   std::uint32_t source, std::uint32_t place, const std::string& of, bool isEntity) {
         const CJ8CMPData* const component = m_project.component(componentName);
         if (!component) {
             return;  // said once for the component
@@ -138,6 +153,9 @@ private:
         const std::string what = "\"" + name + "\" of component \"" + componentName + "\"" + of;
         if (const J8Property* const property = propertyOf(*component, name)) {
             checkValue(J8TypedValue::of(*property), value, source, place, what);
+            if (isEntity && !property->edit) {
+                warn(source, place, what + ": the component does not let entities change it");
+            }
         } else {
             warn(source, place, what + " is no property of that component");
         }
@@ -225,7 +243,8 @@ private:
                      "component \"" + component.name + "\"" + of + " is in no components file");
             }
             for (const J8Edit& edit : component.edits) {
-                checkEdit(component.name, edit.name, edit.value, 0, component.place, of);
+                checkEdit(component.name, edit.name, edit.value, 0,
+                          edit.place > 0 ? edit.place : component.place, of, true);
             }
         }
     }

@@ -217,6 +217,74 @@ const ProjectEdits::Step& ProjectEdits::redo(CJ8ProjectManager& project) {
     return step;
 }
 
+std::optional<std::string> ProjectEdits::savedValue(const CJ8ProjectManager& project,
+                                                    ProjectField field) const {
+    if (m_saved < 0) {
+        return std::nullopt;
+    }
+    std::optional<std::string> value = fieldValue(project, field).value_or("");
+    const auto saved = static_cast<size_t>(m_saved);
+    const bool forward = saved > m_done;
+    // The field's place is followed through the steps in between.
+    const auto pass = [&](const ProjectChange& change) {
+        const bool isEntity = isOfEntity(field);
+        const auto follow = [&](size_t& place, size_t at, bool appears, bool vanishes) {
+            if (vanishes && place == at) {
+                return false;
+            }
+            place += appears && place >= at ? 1 : 0;
+            place -= vanishes && place > at ? 1 : 0;
+            return true;
+        };
+        const auto moved = [&](size_t& place, size_t from, size_t to) {
+            if (place == from) {
+                place = to;
+            } else if (from < place && place <= to) {
+                --place;
+            } else if (to <= place && place < from) {
+                ++place;
+            }
+        };
+        const size_t from = forward ? change.field.level : change.to;
+        const size_t to = forward ? change.to : change.field.level;
+        switch (change.kind) {
+            case Kind::Value:
+                if (change.field == field) {
+                    value = (forward ? change.after : change.before).value_or("");
+                }
+                return true;
+            case Kind::LevelAdded:
+                return follow(field.level, change.field.level, forward, !forward);
+            case Kind::LevelRemoved:
+                return follow(field.level, change.field.level, !forward, forward);
+            case Kind::LevelMoved:
+                moved(field.level, from, to);
+                return true;
+            default:
+                break;
+        }
+        if (!isEntity || change.field.level != field.level) {
+            return true;
+        }
+        if (change.kind == Kind::EntityMoved) {
+            moved(field.entity, forward ? change.field.entity : change.to,
+                  forward ? change.to : change.field.entity);
+            return true;
+        }
+        const bool appears = (change.kind == Kind::EntityAdded) == forward;
+        return follow(field.entity, change.field.entity, appears, !appears);
+    };
+    for (size_t i = m_done; i != saved; forward ? ++i : --i) {
+        const Step& step = m_steps[forward ? i : i - 1];
+        for (size_t n = 0; n < step.size(); ++n) {
+            if (!pass(step[forward ? n : step.size() - 1 - n])) {
+                return std::nullopt;
+            }
+        }
+    }
+    return value;
+}
+
 void ProjectEdits::clear() {
     m_steps.clear();
     m_done = 0;

@@ -53,6 +53,9 @@ public:
 
     // Whether the project is as it was at the last markSaved.
     bool isSaved() const { return m_saved == static_cast<std::ptrdiff_t>(m_done); }
+    // The value that the field had at the last markSaved; nothing where its level or entity was not there, or where
+    // no undo leads there any more.
+    std::optional<std::string> savedValue(const CJ8ProjectManager& project, ProjectField field) const;
     void markSaved() { m_saved = static_cast<std::ptrdiff_t>(m_done); }
     void clear();
 

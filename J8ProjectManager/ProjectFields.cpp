@@ -216,7 +216,7 @@ void setEdit(J8LevelEntity& entity, const ProjectField& field, const std::option
         J8EntityComponent& to =
             component != entity.components.end() ? *component : entity.components.emplace_back();
         to.name = field.component;
-        to.edits.push_back({field.name, *value});
+        to.edits.push_back({field.name, *value, 0});
     }
 }
 
@@ -272,7 +272,7 @@ bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
         }
         const bool isSet = setSection(file, text);
         if (isSet && looksForFiles) {
-            project.resolve(file);
+            project.keepKind(file);
         }
         return isSet;
     }

@@ -56,7 +56,9 @@ EntryModel rowModel(const ProjectRow& row, const ProjectTexts& texts) {
         facts.field = EntryField::FileField;
     }
     const std::string value = texts.shown(facts.value);
-    facts.value = row.inherited ? shownForm(row, *row.inherited, texts) : value;
+    facts.value = row.inherited ? shownForm(row, *row.inherited, texts)
+                  : row.saved   ? texts.shown(*row.saved)
+                                : value;
     if (!row.hasField && hasValue(facts.field)) {
         facts.field = EntryField::Text;
     }
@@ -134,7 +136,10 @@ void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
     }
     m_models.clear();
     m_models.reserve(m_source.size());
-    for (const ProjectRow& row : m_source) {
+    for (ProjectRow& row : m_source) {
+        if (row.hasField && !row.inherited) {
+            row.saved = m_session.savedValue(row.field);
+        }
         m_models.push_back(modelOf(row));
     }
     showRows(m_models);
@@ -151,6 +156,11 @@ std::optional<size_t> ProjectPanel::rowOf(const ProjectField& field) const {
         }
     }
     return std::nullopt;
+}
+
+std::optional<ProjectField> ProjectPanel::fieldOf(std::optional<size_t> row) const {
+    return row && *row < m_source.size() && m_source[*row].hasField ? std::optional(m_source[*row].field)
+                                                                    : std::nullopt;
 }
 
 std::string ProjectPanel::subject() const {
@@ -171,8 +181,8 @@ std::optional<std::string> ProjectPanel::defaultOf(size_t i) const {
     return row.inherited ? std::optional(shownForm(row, *row.inherited, m_texts)) : std::nullopt;
 }
 
-const char* ProjectPanel::loadedName() const {
-    return m_shown == Shown::Entity ? "Parent's" : "Before";
+const char* ProjectPanel::loadedName(size_t i) const {
+    return m_source[i].inherited ? "Parent's" : "Saved";
 }
 
 std::string ProjectPanel::details(size_t i) const {
@@ -225,7 +235,11 @@ bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
     if (parents || (stored.empty() && canBeWithout(row.field.kind))) {
         given.reset();
     }
-    std::string reason;
+    std::string reason = takenRefusal(m_session.model(), row.field, stored);
+    if (!reason.empty() && stored != row.current && stored != row.saved) {
+        why = reason;
+        return false;
+    }
     if (!m_session.setValue(row.field, given, &reason, m_typing)) {
         why = m_texts.shown(reason);
         return false;

@@ -43,11 +43,13 @@ public:
     bool takeOtherRows();
     // The row of a field; nothing when it is not among those shown.
     std::optional<size_t> rowOf(const ProjectField& field) const;
+    // The field of a row; nothing for headings and for rows that aren't there.
+    std::optional<ProjectField> fieldOf(std::optional<size_t> row) const;
 
     std::string subject() const override;
     std::optional<std::string> defaultOf(size_t i) const override;
     const char* defaultName() const override { return "the parent's &value"; }
-    const char* loadedName() const override;
+    const char* loadedName(size_t i) const override;
     // The rows are shown anew so often that only undo leads back.
     bool resetsToLoaded() const override { return false; }
     std::string details(size_t i) const override;

@@ -277,9 +277,31 @@ bool usesComponent(const CJ8ProjectManager& project, const J8LevelEntity& entity
                        [&](const J8EntityComponent& one) { return one.name == component; });
 }
 
+std::string takenRefusal(const CJ8ProjectManager& project, const ProjectField& field,
+                         const std::string& value) {
+    if (field.kind == Kind::LevelName) {
+        for (size_t i = 0; i < project.m_apLevels.size(); ++i) {
+            if (i != field.level && project.m_apLevels[i].m_name == value) {
+                return "There is a level of that name already.";
+            }
+        }
+    }
+    if (field.kind == Kind::EntityName) {
+        const std::vector<J8LevelEntity>& entities = project.m_apLevels[field.level].m_entities;
+        for (size_t i = 0; i < entities.size(); ++i) {
+            if (i != field.entity && entities[i].name == value) {
+                return "There is an entity of that name in this level already.";
+            }
+        }
+    }
+    return {};
+}
+
 std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& field,
                          const std::string& value) {
     switch (field.kind) {
+        case Kind::Name:
+            return value.empty() ? "Enter a Project Name." : "";
         case Kind::LevelName:
         case Kind::EntityName:
             return value.empty() ? "A name is needed: without one it would be lost at the next load." : "";

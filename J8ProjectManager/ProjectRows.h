@@ -27,7 +27,8 @@ struct ProjectRow {
     std::string stored(const std::string& shown) const;
     // Whether the entity's own value is another than the inherited one.
     bool differs() const { return isOwn && current != inherited; }
-    std::string current;  // the value that holds now, as the file holds it
+    std::string current;               // the value that holds now, as the file holds it
+    std::optional<std::string> saved;  // of a row without `inherited`: what it counts as changed against
 
     const J8Property* property = nullptr;
     const J8Skill* skill = nullptr;
@@ -52,6 +53,10 @@ EditValue editValue(const CJ8ProjectManager& project, const ProjectField& edit);
 // Whether the entity, or its parent, uses the component.
 bool usesComponent(const CJ8ProjectManager& project, const J8LevelEntity& entity,
                    const std::string& component);
+
+// Why a level or an entity should not get that name: another one has it. Else empty.
+std::string takenRefusal(const CJ8ProjectManager& project, const ProjectField& field,
+                         const std::string& value);
 
 // Why the value can't be given to the field; empty when it can.
 std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& field,

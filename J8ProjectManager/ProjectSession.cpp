@@ -42,6 +42,20 @@ std::string freeEntityName(const CJ8LevelData& level, const std::string& name) {
     return freeName(level.m_entities, name, [](const J8LevelEntity& entity) { return entity.name; });
 }
 
+// A copy stands in no file yet.
+void forgetPlaces(J8LevelEntity& entity) {
+    entity.place = 0;
+    for (J8EntitySkill& skill : entity.skills) {
+        skill.place = 0;
+    }
+    for (J8EntityComponent& component : entity.components) {
+        component.place = 0;
+        for (J8Edit& edit : component.edits) {
+            edit.place = 0;
+        }
+    }
+}
+
 // Why a project file can't hold the text; else empty.
 std::string textRefusal(const std::string& text) {
     if (firstNotUtf8(text) != text.npos) {
@@ -238,10 +252,8 @@ void ProjectSession::addLevel(size_t place, const std::string& name) {
 void ProjectSession::duplicateLevel(size_t level) {
     CJ8LevelData copy = m_model.m_apLevels[level];
     copy.m_name = freeLevelName(m_model, copy.m_name);
-    copy.m_place = 0;  // it stands in no file yet
-    for (J8LevelEntity& entity : copy.m_entities) {
-        entity.place = 0;
-    }
+    copy.m_place = 0;
+    std::ranges::for_each(copy.m_entities, forgetPlaces);
     ProjectChange change;
     change.kind = Kind::LevelAdded;
     change.field.level = level + 1;
@@ -289,7 +301,7 @@ void ProjectSession::duplicateEntity(size_t level, size_t entity) {
     const CJ8LevelData& owner = m_model.m_apLevels[level];
     J8LevelEntity copy = owner.m_entities[entity];
     copy.name = freeEntityName(owner, copy.name);
-    copy.place = 0;  // it stands in no file yet
+    forgetPlaces(copy);
     ProjectChange change;
     change.kind = Kind::EntityAdded;
     change.field.level = level;

@@ -102,6 +102,10 @@ public:
     // What changed, to be shown; nothing when there was nothing to undo or do again.
     const ProjectChange* undo();
     const ProjectChange* redo();
+    // What the file holds for a field that no parent gives a value; nothing where that isn't known.
+    std::optional<std::string> savedValue(const ProjectField& field) const {
+        return m_edits.savedValue(m_model, field);
+    }
     bool hasChanges() const { return !m_edits.isSaved(); }
 
     // --- The file.

@@ -11,7 +11,7 @@ ProjectTarget targetOf(const CJ8ProjectManager& project, const ProjectProblem& p
     XMLPlace bestAt;
     ProjectPlaces places(project);
     const auto offer = [&](std::uint32_t source, std::uint32_t place, ProjectTab tab, size_t first,
-                           std::optional<size_t> second = {}) {
+                           std::optional<size_t> second = {}, std::optional<ProjectField> field = {}) {
         if (source >= project.sources().size() || project.sources()[source] != problem.file) {
             return;
         }
@@ -20,7 +20,32 @@ ProjectTarget targetOf(const CJ8ProjectManager& project, const ProjectProblem& p
         if (at.line > 0 && std::tuple(at.line, at.column) <= wanted &&
             std::tuple(at.line, at.column) >= std::tuple(bestAt.line, bestAt.column)) {
             bestAt = at;
-            best = {tab, first, second};
+            best = {tab, first, second, std::move(field)};
+        }
+    };
+    const auto offerEntity = [&](size_t i, size_t n) {
+        const J8LevelEntity& entity = project.m_apLevels[i].m_entities[n];
+        ProjectField field;
+        field.level = i;
+        field.entity = n;
+        field.kind = ProjectField::Kind::EntityName;
+        if (!entity.parent.empty() && !project.behavior(entity.parent)) {
+            field.kind = ProjectField::Kind::EntityParent;
+        }
+        offer(0, entity.place, ProjectTab::Levels, i, n, field);
+        field.kind = ProjectField::Kind::EntitySkill;
+        for (const J8EntitySkill& skill : entity.skills) {
+            field.num = skill.num;
+            offer(0, skill.place, ProjectTab::Levels, i, n, field);
+        }
+        field.num = ProjectField().num;
+        field.kind = ProjectField::Kind::EntityEdit;
+        for (const J8EntityComponent& component : entity.components) {
+            field.component = component.name;
+            for (const J8Edit& edit : component.edits) {
+                field.name = edit.name;
+                offer(0, edit.place, ProjectTab::Levels, i, n, field);
+            }
         }
     };
     for (size_t i = 0; i < project.m_apBehavior.size(); ++i) {
@@ -34,7 +59,7 @@ ProjectTarget targetOf(const CJ8ProjectManager& project, const ProjectProblem& p
         const CJ8LevelData& level = project.m_apLevels[i];
         offer(0, level.m_place, ProjectTab::Levels, i);
         for (size_t n = 0; n < level.m_entities.size(); ++n) {
-            offer(0, level.m_entities[n].place, ProjectTab::Levels, i, n);
+            offerEntity(i, n);
         }
     }
     return best;
@@ -51,9 +76,9 @@ ProjectTarget targetOf(const ProjectField& field) {
         case Kind::LevelName:
         case Kind::LevelMap:
         case Kind::LevelDoc:
-            return {ProjectTab::Levels, field.level, {}};
+            return {ProjectTab::Levels, field.level, {}, field};
         default:
-            return {ProjectTab::Levels, field.level, field.entity};
+            return {ProjectTab::Levels, field.level, field.entity, field};
     }
 }
 

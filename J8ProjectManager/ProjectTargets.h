@@ -18,6 +18,7 @@ struct ProjectTarget {
     ProjectTab tab = ProjectTab::Overview;
     size_t first = 0;
     std::optional<size_t> second = {};
+    std::optional<ProjectField> field = {};  // the value of the level or entity, where it is about one
     bool operator==(const ProjectTarget&) const = default;
 };
 

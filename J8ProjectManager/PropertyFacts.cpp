@@ -116,6 +116,12 @@ J8Limits limitsOf(const std::vector<J8Constraint>& constraints) {
     return limits;
 }
 
+bool isLostLimit(const J8Constraint& constraint) {
+    const bool isNumber = equalNoCase(constraint.type, "min") || equalNoCase(constraint.type, "max") ||
+                          equalNoCase(constraint.type, "step");
+    return isNumber && !numberOf(trimmed(constraint.value));
+}
+
 EntryFacts factsOf(const J8TypedValue& typed, const std::string& value,
                    const std::optional<std::string>& inherited) {
     EntryFacts facts;

@@ -35,6 +35,8 @@ struct J8Limits {
     std::vector<std::string> list;
 };
 J8Limits limitsOf(const std::vector<J8Constraint>& constraints);
+// A minimum, maximum or step that is no number: limitsOf passes it over.
+bool isLostLimit(const J8Constraint& constraint);
 
 // The row of a value that the file holds. A drop list shows the names of enumeration entries. `inherited` is what
 // holds without the value.

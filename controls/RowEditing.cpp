@@ -242,7 +242,7 @@ std::string RowEditing::tooltip(size_t i) const {
             line("Default: " + shownValue(model, *value));
         }
         if (model.HasChanged() && !facts.different) {
-            line(std::string(loadedName()) + ": " + shownValue(model, model.loadedValue()));
+            line(std::string(loadedName(i)) + ": " + shownValue(model, model.loadedValue()));
         }
         if (const std::string range = allowedRange(facts); !range.empty()) {
             line(range);

@@ -96,7 +96,7 @@ public:
     // Whether rows can be reset to what they were loaded with.
     virtual bool resetsToLoaded() const { return true; }
     // What the row was loaded with, in its tooltip: "Saved".
-    virtual const char* loadedName() const { return "Saved"; }
+    virtual const char* loadedName(size_t /*row*/) const { return "Saved"; }
     // Lets the user choose a file for a row with a browse button; the value to give it, or nothing.
     virtual std::optional<std::string> browse(size_t i);
     // More lines of the row's tooltip, parted by CR LF; may be empty.

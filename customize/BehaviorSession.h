@@ -79,7 +79,7 @@ public:
     const char* defaultName() const override {
         return m_components ? "the &default" : "the script's &default";
     }
-    const char* loadedName() const override { return "Before"; }
+    const char* loadedName(size_t) const override { return "Before"; }
 
 private:
     // What a row stands for. Number 0: nothing but its text, or a row of the components.

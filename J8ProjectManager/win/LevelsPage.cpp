@@ -14,7 +14,9 @@ constexpr const char* kLevelTexts[] = {"&New level", "Duplica&te", "Remo&ve", "E
 constexpr const char* kEntityTexts[] = {"&Add", "&Duplicate", "Re&move", "&Up", "Do&wn"};
 constexpr ListColumn kColumns[] = {{"Entity", 62, true}, {"Parent", 52, true}, {"Own values", 54}};
 constexpr UINT kRebuild = WM_APP + 20;
-constexpr int kListWidth = 182;  // dialog units
+constexpr UINT_PTR kRebuildTimer = 20;
+constexpr UINT kRebuildAfter = 50;  // milliseconds
+constexpr int kListWidth = 182;     // dialog units
 
 }  // namespace
 
@@ -96,11 +98,23 @@ std::string LevelsPage::cell(int row, int column) const {
 void LevelsPage::refresh() {
     m_refreshing = true;
     const std::optional<size_t> entity = selectedEntity();
+    const std::optional<ProjectField> keyboard = m_panel.fieldOf(m_view.focusedRow());
     fillLevels();
     // What was just changed may be what it was found by.
     fillEntities(entity);
     selectEntity(entity);
+    if (keyboard) {
+        focusField(*keyboard);
+    }
     m_refreshing = false;
+}
+
+bool LevelsPage::focusField(const ProjectField& field) {
+    const std::optional<size_t> row = m_panel.rowOf(field);
+    if (row && m_view.focusedRow() != row) {
+        m_view.focusRow(*row);
+    }
+    return row.has_value();
 }
 
 void LevelsPage::fillLevels() {
@@ -221,6 +235,15 @@ void LevelsPage::rowsChanged() {
     }
 }
 
+// An open list stays until the user has chosen from it: with its row it would go away.
+void LevelsPage::rebuild() {
+    if (m_view.focusedRow() && SendMessageA(GetFocus(), CB_GETDROPPEDSTATE, 0, 0) != 0) {
+        SetTimer(window(), kRebuildTimer, kRebuildAfter, nullptr);
+    } else {
+        refresh();
+    }
+}
+
 void LevelsPage::changeLevels(int id) {
     ProjectSession& project = session();
     const size_t at = m_level;
@@ -332,6 +355,9 @@ void LevelsPage::select(const ProjectTarget& target) {
     SetWindowTextA(m_search, "");
     refresh();
     selectEntity(target.second);
+    if (target.field) {
+        focusField(*target.field);
+    }
 }
 
 LRESULT LevelsPage::notified(NMHDR& header) {
@@ -352,8 +378,15 @@ LRESULT LevelsPage::notified(NMHDR& header) {
 std::optional<LRESULT> LevelsPage::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case kRebuild:
-            refresh();
+            rebuild();
             return 0;
+        case WM_TIMER:
+            if (wParam == kRebuildTimer) {
+                KillTimer(window(), kRebuildTimer);
+                rebuild();
+                return 0;
+            }
+            break;
         case WM_MOUSEWHEEL:
             m_view.wheel(wParam, lParam);
             return 0;

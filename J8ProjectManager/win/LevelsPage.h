@@ -44,6 +44,9 @@ private:
     std::optional<size_t> selectedEntity() const;
     void selectEntity(std::optional<size_t> entity);
     void showSelection();
+    // False when it is not among the rows.
+    bool focusField(const ProjectField& field);
+    void rebuild();
     void enableButtons();
     void changeLevels(int id);
     void changeEntities(int id);

@@ -490,6 +490,11 @@ void EntryPanel::focusRow(size_t row) {
     }
 }
 
+std::optional<size_t> EntryPanel::focusedRow() {
+    const EntryWindow* const window = focused();
+    return window ? std::optional(window->row()) : std::nullopt;
+}
+
 void EntryPanel::focusLast() {
     if (m_lastFocused && m_layout.rowOfItem(*m_lastFocused) < m_layout.rows().size()) {
         return focusRow(*m_lastFocused);

@@ -56,6 +56,8 @@ public:
     void focusFirst();
     // The row that had the keyboard last, or the first one.
     void focusLast();
+    // The row whose field has the keyboard.
+    std::optional<size_t> focusedRow();
 
     // --- For the rows' windows.
     HWND window() const { return m_window; }

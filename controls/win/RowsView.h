@@ -75,6 +75,8 @@ public:
     void focusFirst() { m_panel.focusFirst(); }
     void focusLast() { m_panel.focusLast(); }
     void focusRow(size_t row);
+    // The row whose field has the keyboard.
+    std::optional<size_t> focusedRow() { return m_panel.focusedRow(); }
     void focusSearch();
     // The fonts are other ones now; place() follows.
     void fontsChanged() { m_panel.fontsChanged(); }

@@ -172,8 +172,64 @@ TEST_F(ProjectPanelTest, SectionsWithoutATextHaveNoFile) {
     EXPECT_FALSE(session.model().section(J8Section::UI).isNamed());
 }
 
+// However often the rows are made anew, and wherever the entity has gone meanwhile.
+TEST_F(ProjectPanelTest, WhatDiffersFromTheFileStaysMarked) {
+    std::string why;
+    panel.showEntity(0, 1);
+    ASSERT_TRUE(panel.setValue(rowOf("Name"), "twelve", &why)) << why;
+    session.addEntity(0, 0, "new", "");
+    session.moveEntity(0, 2, 0);
+    session.duplicateLevel(0);
+    session.moveLevel(0, 2);
+    session.removeLevel(0);
+    panel.showEntity(1, 0);
+    ASSERT_EQ(panel.row(rowOf("Name")).value(), "twelve");
+    EXPECT_TRUE(panel.row(rowOf("Name")).HasChanged());
+    EXPECT_EQ(panel.row(rowOf("Name")).loadedValue(), "two");
+    EXPECT_FALSE(panel.row(rowOf("Parent")).HasChanged());
+    panel.showEntity(1, 1);
+    EXPECT_EQ(panel.row(rowOf("Name")).value(), "new");
+    EXPECT_FALSE(panel.row(rowOf("Name")).HasChanged()) << "the file has none";
+    panel.showLevel(1);
+    EXPECT_EQ(panel.changedCount(), 0u);
+
+    ASSERT_EQ(session.save(), ProjectSave::Saved);
+    panel.showEntity(1, 0);
+    EXPECT_FALSE(panel.row(rowOf("Name")).HasChanged()) << "saved";
+    for (int i = 0; i < 6; ++i) {
+        ASSERT_TRUE(session.undo());
+    }
+    panel.showEntity(0, 1);
+    EXPECT_EQ(panel.row(rowOf("Name")).value(), "two");
+    EXPECT_TRUE(panel.row(rowOf("Name")).HasChanged()) << "the file has the other name now";
+}
+
+TEST_F(ProjectPanelTest, RefusesNamesThatAreMissingOrTaken) {
+    std::string why;
+    panel.showProject();
+    EXPECT_FALSE(panel.setValue(rowOf("Name"), "", &why));
+    EXPECT_EQ(why, "Enter a Project Name.");
+    panel.showEntity(0, 1);
+    EXPECT_FALSE(panel.setValue(rowOf("Name"), "one", &why));
+    EXPECT_EQ(why, "There is an entity of that name in this level already.");
+    panel.showLevel(1);
+    EXPECT_FALSE(panel.setValue(rowOf("Name"), "harbour", &why));
+    EXPECT_EQ(why, "There is a level of that name already.");
+    EXPECT_FALSE(session.hasChanges());
+    EXPECT_TRUE(panel.setValue(rowOf("Name"), "one", &why)) << why;
+}
+
 TEST_F(ProjectPanelTest, ProblemsAndChangesHaveTheirPlaces) {
     const std::string file = session.model().sources()[0];
+    const auto name = [](size_t entity) {
+        ProjectField field;
+        field.kind = Kind::EntityName;
+        field.entity = entity;
+        return field;
+    };
+    ProjectField health = name(0);
+    health.kind = Kind::EntitySkill;
+    health.num = 1;
     const struct {
         std::string file;
         int line;
@@ -181,8 +237,9 @@ TEST_F(ProjectPanelTest, ProblemsAndChangesHaveTheirPlaces) {
     } rows[] = {
         {file, 0, {}},
         {file, 1, {}},
-        {file, 5, {ProjectTab::Levels, 0, 0}},
-        {file, 7, {ProjectTab::Levels, 0, 1}},
+        {file, 4, {ProjectTab::Levels, 0, 0, name(0)}},
+        {file, 5, {ProjectTab::Levels, 0, 0, health}},
+        {file, 7, {ProjectTab::Levels, 0, 1, name(1)}},
         {file, 100, {ProjectTab::Levels, 1, {}}},
         {"elsewhere.xml", 5, {}},
     };
@@ -202,12 +259,14 @@ TEST_F(ProjectPanelTest, ProblemsAndChangesHaveTheirPlaces) {
     }
 
     using ChangeKind = ProjectChange::Kind;
+    ProjectField changed = name(3);
+    changed.level = 2;
     const struct {
         ChangeKind kind;
         bool undone;
         ProjectTarget target;
     } changes[] = {
-        {ChangeKind::Value, true, {ProjectTab::Levels, 2, 3}},
+        {ChangeKind::Value, true, {ProjectTab::Levels, 2, 3, changed}},
         {ChangeKind::LevelAdded, true, {ProjectTab::Levels, 1, {}}},
         {ChangeKind::LevelAdded, false, {ProjectTab::Levels, 2, {}}},
         {ChangeKind::LevelMoved, false, {ProjectTab::Levels, 5, {}}},

@@ -101,6 +101,7 @@ TEST_F(ProjectSessionTest, EditsAreRefusedTakenAndUndone) {
         {"level/harbour/entity/guard/skill/2", "x", "one of these is needed: t, f"},
         {"level/harbour/entity/guard/component/body/solid", "maybe", "true or false is needed"},
         {"level/harbour/name", "", "A name is needed"},
+        {"name", "", "Enter a Project Name."},
         {"section/UI", "ui.xml", "must stand in front"},
         {"level/harbour/name", nullptr, "A name is needed"},
         {"level/harbour/entity/guard/name", nullptr, "A name is needed"},
@@ -267,6 +268,41 @@ TEST_F(ProjectSessionTest, WhatIsFoundStandsWhereItSays) {
                 HasSubstr("places.xml:2:1: warning: Warning (LoadBehavior)  :Level found without name"));
     EXPECT_THAT(text, HasSubstr("places.xml:3:2: error: This element names no file"));
     EXPECT_THAT(text, HasSubstr("places.xml:1:1: warning: (LoadFromXML): No Vers."));
+}
+
+TEST_F(ProjectSessionTest, TheCheckNamesThePlaceOfEachValue) {
+    folder.write("c.xml",
+                 "<Components>\n<Component name='body'><Property name='fixed' type='int' value='1'>\n"
+                 "<Constraint type='max' value='abc'/></Property></Component></Components>");
+    folder.write("b.xml",
+                 "<Behaviors><Component proj_file='c.xml'/>\n<Behavior name='g' class='c' group='g'>\n"
+                 "<Doc>d</Doc>\n<Skill num='1' name='s' type='int' value='1'><Constraint type='step' "
+                 "value='x'/></Skill>\n<Component name='nope'/>\n<Component name='body'>\n<Edit name='zz' "
+                 "value='1'/></Component></Behavior></Behaviors>");
+    ASSERT_TRUE(session.open(folder.write(
+        "places.xml", "<Project name='n' date='1' vers='8'>\n<Paths proj_file='" + folder.path("") +
+                          "' j8_file=''/>\n<Behavior proj_file='b.xml'/>\n<Level name='l'><Entity "
+                          "name='e' parent='g'>\n<Component name='body'>\n<Edit name='fixed' value='5'/>\n"
+                          "<Edit name='zz' value='1'/></Component></Entity></Level></Project>")));
+    const std::string text = ProjectSession::problemsText(session.problems());
+    for (const char* found :
+         {"c.xml:2:24: warning: limit max of property \"fixed\" of component \"body\" is \"abc\"",
+          "b.xml:4:1: warning: limit step of skill 1 (s) of behavior \"g\" is \"x\": a number is needed",
+          "b.xml:5:1: warning: component \"nope\" of behavior \"g\" is in no components file",
+          "b.xml:7:1: warning: \"zz\" of component \"body\" of behavior \"g\" is no property",
+          "places.xml:6:1: warning: \"fixed\" of component \"body\" of entity \"e\": the component does not "
+          "let entities change it",
+          "places.xml:7:1: warning: \"zz\" of component \"body\" of entity \"e\" is no property"}) {
+        EXPECT_THAT(text, HasSubstr(found));
+    }
+}
+
+TEST_F(ProjectSessionTest, AFileKeepsTheKindThatItWasGiven) {
+    const std::string elsewhere = folder.write("c.xml", "<UI/>");
+    ASSERT_TRUE(set("section/UI", "file:" + elsewhere));
+    ASSERT_TRUE(set("section/UI", "proj:" + elsewhere));
+    EXPECT_EQ(get("section/UI"), "proj:" + elsewhere) << "although there is a file of that name";
+    EXPECT_EQ(manager.section(zoka::J8Section::UI).m_type, CJ8File::kNotValid);
 }
 
 // Of a long file on one line too.

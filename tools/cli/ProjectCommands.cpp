@@ -434,6 +434,11 @@ ExitStatus set(const ProjectOptions& options) {
         complain(address + ": " + pathFromXml(why) + " (nothing was changed)");
         return ExitStatus::Findings;
     }
+    for (const auto& [address, value, field] : changes) {
+        if (const std::string taken = takenRefusal(open.model(), field, value.value_or("")); !taken.empty()) {
+            complain("warning: " + address + ": " + taken);
+        }
+    }
     return open.finish(options.dryRun, false);
 }
 
