@@ -210,6 +210,10 @@ std::vector<std::string> NewProjectSession::toLookAt() const {
     if (const std::string folder = projectFolder(); !folder.empty() && folder != m_seenTarget) {
         paths.insert(paths.begin(), folder);
     }
+    if (const std::string& path = text(NewProjectField::TemplatesPath);
+        !path.empty() && path != m_seenTemplates) {
+        paths.insert(paths.begin(), path);
+    }
     return paths;
 }
 
@@ -217,6 +221,10 @@ void NewProjectSession::seen(const DiskLook& look) {
     if (look.path == projectFolder()) {
         m_seenTarget = look.path;
         m_targetExists = look.kind != OsKind::Missing;
+    }
+    if (look.path == text(NewProjectField::TemplatesPath)) {
+        m_seenTemplates = look.path;
+        m_templatesThere = look.kind == OsKind::Folder;
     }
     m_tree.seen(look);
 }
@@ -263,11 +271,18 @@ std::string NewProjectSession::hindrance() const {
     return missing.empty() ? missing : missing + ".";
 }
 
+std::string NewProjectSession::doubt() const {
+    const std::string& path = text(NewProjectField::TemplatesPath);
+    return m_templatesThere || path != m_seenTemplates ? "" : "There is no J8 templates folder " + path;
+}
+
 std::string NewProjectSession::state() const {
     if (std::string what = hindrance(); !what.empty()) {
         return what;
     }
-    return "OK makes " + m_tree.summary() + (m_tree.countUnseen() > 0 ? " so far..." : ".");
+    const std::string wrong = doubt();
+    return wrong + (wrong.empty() ? "" : ". ") + "OK makes " + m_tree.summary() +
+           (m_tree.countUnseen() > 0 ? " so far..." : ".");
 }
 
 std::string NewProjectSession::storedText(NewProjectField which, const std::string& original) const {
@@ -277,22 +292,24 @@ std::string NewProjectSession::storedText(NewProjectField which, const std::stri
 
 // What the user typed, into the data; false when something is missing, which the user has been told.
 bool NewProjectSession::takeFields() {
-    const auto refuse = [this](const char* message) {
+    const auto refuse = [this](const char* message, std::optional<NewProjectField> which = {}) {
+        m_asked = which;
         m_prompt.tell(message);
         return false;
     };
+    m_asked.reset();
     if (m_selected < 0 || static_cast<size_t>(m_selected) >= wizards()) {
         return refuse("Select a Wizard.");
     }
     if (text(NewProjectField::Name).empty()) {
-        return refuse("Enter a Project Name.");
+        return refuse("Enter a Project Name.", NewProjectField::Name);
     }
     m_data.m_strName = storedText(NewProjectField::Name, m_data.m_strName);
     if (text(NewProjectField::Path).empty()) {
-        return refuse("Enter a Project Path.");
+        return refuse("Enter a Project Path.", NewProjectField::Path);
     }
     if (text(NewProjectField::FolderName).empty()) {
-        return refuse("Enter a Project Folder Name.");
+        return refuse("Enter a Project Folder Name.", NewProjectField::FolderName);
     }
     m_data.m_strProjectFolder = projectFolder();
     if (!text(NewProjectField::Docs).empty()) {
@@ -302,7 +319,7 @@ bool NewProjectSession::takeFields() {
         return refuse("Error: Bad LevelMap name.");
     }
     if (text(NewProjectField::TemplatesPath).empty()) {
-        return refuse("Enter a J8 Templates Path.");
+        return refuse("Enter a J8 Templates Path.", NewProjectField::TemplatesPath);
     }
     m_data.m_strTemplatesPath = text(NewProjectField::TemplatesPath);
     return true;
@@ -314,6 +331,7 @@ std::optional<NewProject> NewProjectSession::ok(const std::function<void(const J
         m_data.m_strProjectFolder = text(NewProjectField::Path);
         m_tree.forgetSeen();
         m_seenTarget.clear();
+        m_seenTemplates.clear();
     }
     return made;
 }

@@ -62,14 +62,16 @@ public:
 
     // What keeps OK from being pressed with success, or what it will make: one line.
     std::string state() const;
-    // Whether that line is about a hindrance.
-    bool isHindered() const { return !hindrance().empty(); }
+    // Whether that line is about something wrong.
+    bool isWrong() const { return !hindrance().empty() || !doubt().empty(); }
 
     // The OK button: the new project when it was made. Otherwise the user has been told why. `runJob` runs its
     // argument, which asks nothing, to its end with a progress that shows how far it is; on another thread if it
     // likes.
     using Job = std::function<void(JobProgress*)>;
     std::optional<NewProject> ok(const std::function<void(const Job&)>& runJob);
+    // The field that the last OK has asked for.
+    std::optional<NewProjectField> asked() const { return m_asked; }
 
 private:
     using Texts = std::array<std::string, kProjectFields>;
@@ -81,6 +83,8 @@ private:
     std::string projectFolder() const;
     std::string folderProblem() const;
     std::string hindrance() const;
+    // What is wrong, though the project can be made.
+    std::string doubt() const;
     bool takeFields();
     std::optional<NewProject> create(const std::function<void(const Job&)>& runJob);
 
@@ -96,6 +100,10 @@ private:
     // The project folder when it was looked at last.
     std::string m_seenTarget;
     bool m_targetExists = false;
+    // The same of the templates' folder.
+    std::string m_seenTemplates;
+    bool m_templatesThere = true;
+    std::optional<NewProjectField> m_asked;
 };
 
 // Asks whether what a run has made is to be removed, if it has made anything, and removes it.

@@ -223,6 +223,10 @@ void CJ8WizardNewDlg::ok() {
     } else if (window()) {
         showPlan();
         lookAtDisk();
+        if (const auto asked = m_session.asked()) {
+            SendMessageA(window(), WM_NEXTDLGCTL,
+                         reinterpret_cast<WPARAM>(m_fields[static_cast<size_t>(*asked)].edit), TRUE);
+        }
     }
 }
 
@@ -253,7 +257,7 @@ LRESULT CJ8WizardNewDlg::notified(NMHDR& header) {
 
 std::optional<LRESULT> CJ8WizardNewDlg::message(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_CTLCOLORSTATIC && reinterpret_cast<HWND>(lParam) == m_state &&
-        m_session.selected() >= 0 && m_session.isHindered()) {
+        m_session.selected() >= 0 && m_session.isWrong()) {
         const LRESULT answer = DefWindowProcA(window(), message, wParam, lParam);
         SetTextColor(reinterpret_cast<HDC>(wParam), inkOfWrong());
         return answer;

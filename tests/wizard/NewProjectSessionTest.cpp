@@ -48,6 +48,7 @@ TEST_F(NewProjectSessionTest, SaysWhatIsMissingInItsOrder) {
     for (const auto& [field, message] : steps) {
         EXPECT_FALSE(ok(session));
         expected.push_back(message);
+        EXPECT_EQ(session.asked(), field);
         session.setText(field, suite.folder.path("games"));
     }
     EXPECT_FALSE(ok(session));
@@ -59,7 +60,18 @@ TEST_F(NewProjectSessionTest, SaysWhatIsMissingInItsOrder) {
     EXPECT_FALSE(ok(session));
     expected.push_back("Enter a J8 Templates Path.");
     EXPECT_EQ(prompt.texts(), expected);
+    EXPECT_EQ(session.asked(), NewProjectField::TemplatesPath);
     EXPECT_EQ(session.state(), "Still needed: a J8 templates path.");
+    // A folder that isn't there is no hindrance, but wrong.
+    const std::string gone = suite.folder.path("nowhere");
+    session.setText(NewProjectField::TemplatesPath, gone);
+    EXPECT_FALSE(session.isWrong()) << "nobody has looked yet";
+    look(session);
+    EXPECT_TRUE(session.state().starts_with("There is no J8 templates folder " + gone + ". OK makes "))
+        << session.state();
+    EXPECT_TRUE(session.isWrong());
+    session.setText(NewProjectField::TemplatesPath, suite.folder.path("games"));
+    EXPECT_FALSE(session.isWrong());
 }
 
 TEST_F(NewProjectSessionTest, FillsTheFieldsAndRemembersWhatWasTyped) {
