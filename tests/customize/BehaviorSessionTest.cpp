@@ -441,7 +441,7 @@ TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
 TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) {
     const auto writeMass = [&](const std::string& value) {
         std::string text = saved();
-        const size_t at = text.find("90");
+        const size_t at = text.find("'90'") + 1;
         m_folder.write("main.xml", text.replace(at, 2, value) + "\n");
         osFiles().setTimes(m_file, FileTime::fromTicks(130000000000000000ULL + std::stoul(value)));
     };
