@@ -453,7 +453,8 @@ const EntryPanel::Draft* EntryPanel::draftOf(size_t row) {
     if (draft == m_drafts.end()) {
         return nullptr;
     }
-    if (row < m_editing.size() && m_editing.row(row).value() == draft->second.value) {
+    if (row < m_editing.size() && m_editing.row(row).value() == draft->second.value &&
+        m_editing.row(row).blocked().empty()) {
         return &draft->second;
     }
     m_drafts.erase(draft);
@@ -504,10 +505,21 @@ void EntryPanel::focusLast() {
 
 void EntryPanel::focusFirst() {
     for (const size_t row : m_layout.rows()) {
-        if (hasValue(m_editing.row(row).facts().field)) {
+        if (hasValue(m_editing.row(row).facts().field) && m_editing.row(row).blocked().empty()) {
             return focusRow(row);
         }
     }
+}
+
+bool EntryPanel::leaveBlockedRow() {
+    const EntryWindow* const window = focused();
+    const size_t row = window ? window->row() : 0;
+    if (!window || row >= m_editing.size() || m_editing.row(row).blocked().empty()) {
+        return true;
+    }
+    hideRefusal();
+    focusFirst();
+    return focused() && focused()->row() != row;
 }
 
 }  // namespace zoka

@@ -58,6 +58,9 @@ public:
     void focusLast();
     // The row whose field has the keyboard.
     std::optional<size_t> focusedRow();
+    // Where the row with the keyboard takes nothing any more, another one gets it, and what was typed is dropped. False
+    // when there is none: the keyboard is for another control of the window then.
+    bool leaveBlockedRow();
 
     // --- For the rows' windows.
     HWND window() const { return m_window; }

@@ -467,7 +467,19 @@ bool EntryWindow::revert() {
     return true;
 }
 
+// Entities with values of their own would all get that of a number that isn't there.
+bool EntryWindow::refusesSteps() {
+    if (!model().isDifferent()) {
+        return false;
+    }
+    refused("The values differ. Type the one that all shall have.");
+    return true;
+}
+
 void EntryWindow::step(int steps) {
+    if (refusesSteps()) {
+        return;
+    }
     const std::string next = model().stepped(steps);
     std::string why;
     if (next == model().value()) {
@@ -489,7 +501,8 @@ void EntryWindow::spun(bool up) {
 void EntryWindow::slid(WORD code) {
     const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
     std::string why;
-    if (position != model().sliderPosition() &&
+    const bool isStep = code == TB_LINEUP || code == TB_LINEDOWN || code == TB_PAGEUP || code == TB_PAGEDOWN;
+    if (position != model().sliderPosition() && !(isStep && refusesSteps()) &&
         !m_panel.rows().setValue(m_row, model().textAt(position), &why, true)) {
         refused(why);
     }

@@ -88,6 +88,7 @@ private:
     void fitSwitchText();
     void giveBack();
     void refused(const std::string& why);
+    bool refusesSteps();
 
     const EntryModel& model() const;
     const EntryFacts& facts() const { return model().facts(); }

@@ -31,6 +31,7 @@ void moveAside(HWND window) {
 }
 
 constexpr int kCloseUnits = 44;
+constexpr UINT kFindFocus = WM_APP + 20;
 
 // In dialog units.
 int leastWidth(const RowsDialog::Look& look) {
@@ -231,8 +232,15 @@ std::optional<LRESULT> RowsDialog::message(UINT message, WPARAM wParam, LPARAM l
         case WM_ACTIVATE:
             if (LOWORD(wParam) != WA_INACTIVE && m_loaded && !m_busy) {
                 activated();
+                // The control that had it may have gone meanwhile; the system tries that one after this message.
+                PostMessageA(window(), kFindFocus, 0, 0);
             }
             return std::nullopt;
+        case kFindFocus:
+            if (!m_busy) {
+                m_view->findFocus();
+            }
+            return 0;
         case WM_MOUSEWHEEL:
             m_view->wheel(wParam, lParam);
             return 0;

@@ -178,6 +178,15 @@ void RowsView::focusSearch() {
     SendMessageA(m_parent, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_search), TRUE);
 }
 
+void RowsView::findFocus() {
+    if (m_parent && GetActiveWindow() == m_parent && !IsChild(m_parent, GetFocus())) {
+        m_panel.focusLast();
+        if (!IsChild(m_parent, GetFocus())) {
+            focusSearch();
+        }
+    }
+}
+
 void RowsView::undoOrRedo(bool undo) {
     m_rows.leaveField();
     std::string why;
@@ -201,6 +210,7 @@ void RowsView::rowsReplaced() {
         m_helpRow.reset();
         setText(m_help, "No Help");
     }
+    findFocus();
     showCount();
     m_owner.rowsChanged();
 }
@@ -208,6 +218,9 @@ void RowsView::rowsReplaced() {
 void RowsView::valuesChanged() {
     if (!m_parent) {
         return;
+    }
+    if (!m_panel.leaveBlockedRow()) {
+        focusSearch();
     }
     m_panel.showValues();
     if (m_helpRow) {

@@ -78,6 +78,8 @@ public:
     // The row whose field has the keyboard.
     std::optional<size_t> focusedRow() { return m_panel.focusedRow(); }
     void focusSearch();
+    // Gives the keyboard to a row or else to the search field, where nothing of the window has it.
+    void findFocus();
     // The fonts are other ones now; place() follows.
     void fontsChanged() { m_panel.fontsChanged(); }
     // The parent is being destroyed.
