@@ -9,6 +9,7 @@
 #include "controls/EntryRules.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/UserPrompt.h"
 
 namespace zoka {
 namespace {
@@ -54,11 +55,13 @@ BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& hos
     : BehaviorSession(entities, host, nullptr, {}) {}
 
 BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
-                                 std::unique_ptr<EntityComponents> components, std::string entity)
+                                 std::unique_ptr<EntityComponents> components, std::string entity,
+                                 std::function<std::string()> openProject)
     : m_access(entities),
       m_host(host),
       m_components(std::move(components)),
-      m_namedEntity(std::move(entity)) {}
+      m_namedEntity(std::move(entity)),
+      m_openProject(std::move(openProject)) {}
 
 void BehaviorSession::open() {
     if (m_components) {
@@ -73,12 +76,31 @@ void BehaviorSession::setFollowing(bool follows) {
     refresh(true);
 }
 
+// True when the rows of components are others now.
+bool BehaviorSession::lookAtProject() {
+    if (!m_components || !m_openProject) {
+        return false;
+    }
+    std::string open = m_openProject();
+    const bool isOther = !equalNoCase(open, m_components->file()), before = m_isOtherProject;
+    m_isOtherProject = isOther && hasUnsaved();
+    if (isOther && !m_isOtherProject) {
+        m_components->moveTo(std::move(open));
+        return true;
+    }
+    return m_isOtherProject != before;
+}
+
 void BehaviorSession::refresh(bool always) {
+    const bool isMoved = lookAtProject();
     if (!m_access) {
+        if (isMoved) {
+            show({});
+        }
         return;
     }
     const auto changes = m_access->changes();
-    if (!always && (!changes || changes == m_changes)) {
+    if (!always && !isMoved && (!changes || changes == m_changes)) {
         return;
     }
     m_changes = changes;
@@ -91,7 +113,7 @@ void BehaviorSession::refresh(bool always) {
         std::erase_if(entities, gone);
     }
     const bool isReloaded = m_components && m_components->reloadIfChanged();
-    if (isReloaded || entities != m_entities || (!m_gone.empty() && isThere(m_entities.front())) ||
+    if (isMoved || isReloaded || entities != m_entities || (!m_gone.empty() && isThere(m_entities.front())) ||
         actionsChanged()) {
         show(std::move(entities));
         return;
@@ -144,8 +166,16 @@ void BehaviorSession::show(std::vector<std::string> entities) {
         addRow(row);
     }
     if (m_components) {
-        m_components->show(m_access ? m_entities : std::vector{m_namedEntity});
+        m_components->show(m_isOtherProject ? std::vector<std::string>() : namedEntities());
         addComponents();
+    }
+    if (m_isOtherProject) {
+        EntryFacts facts;
+        facts.field = EntryField::Text;
+        facts.label =
+            "Changes of '" + m_components->file() + "' are not saved. Save asks what becomes of them.";
+        m_models.emplace_back(std::move(facts));
+        m_sources.emplace_back();
     }
     showRows(m_models);
 }
@@ -172,6 +202,12 @@ ProjectSave BehaviorSession::save() {
         return ProjectSave::NothingToSave;
     }
     leaveField();
+    if (lookAtProject()) {
+        show(m_entities);
+    }
+    if (m_isOtherProject) {
+        return saveElsewhere();
+    }
     const auto names = [this] {
         std::vector<std::string> all;
         for (size_t row = 0; row < m_components->size(); ++row) {
@@ -183,7 +219,7 @@ ProjectSave BehaviorSession::save() {
     const size_t edits = m_components->editsDone();
     const ProjectSave saved = m_components->save();
     // The project was loaded anew; where another program had changed it, its rows may be others.
-    m_components->show(m_access ? m_entities : std::vector{m_namedEntity});
+    m_components->show(namedEntities());
     const bool isSame = names() == before && m_components->editsDone() == edits;
     const auto first = std::find_if(m_sources.begin(), m_sources.end(),
                                     [](const Source& source) { return source.component.has_value(); });
@@ -195,6 +231,41 @@ ProjectSave BehaviorSession::save() {
     return saved;
 }
 
+PromptAnswer BehaviorSession::askElsewhere() const {
+    return userPrompt().ask(
+        "The editor has opened another project since these values were loaded.\n\n"
+        "Yes: save the changes in the project that they belong to, '" +
+            m_components->file() + "'.\nNo: give the changes up.\nCancel: leave all as it is.",
+        "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
+}
+
+// Into the project of the edits, or nowhere; then the panel goes on to the one that is open.
+ProjectSave BehaviorSession::saveElsewhere() {
+    const PromptAnswer answer = askElsewhere();
+    ProjectSave saved = ProjectSave::Cancelled;
+    if (answer == PromptAnswer::Yes) {
+        saved = m_components->save();
+    } else if (answer == PromptAnswer::No) {
+        m_components->moveTo(m_openProject());
+        saved = ProjectSave::NothingToSave;
+    }
+    if (!hasUnsaved()) {
+        lookAtProject();
+        show(m_entities);
+    }
+    return saved;
+}
+
+// Without a call to the editor, which may be waiting for the panel to go.
+bool BehaviorSession::close() {
+    if (!m_isOtherProject) {
+        return !m_components || m_components->close();
+    }
+    const PromptAnswer answer = askElsewhere();
+    return answer == PromptAnswer::Yes ? m_components->save() != ProjectSave::Cancelled && !hasUnsaved()
+                                       : answer == PromptAnswer::No;
+}
+
 void BehaviorSession::loadPanels() {
     m_actions.clear();
     m_panels.clear();
@@ -204,7 +275,8 @@ void BehaviorSession::loadPanels() {
     std::set<Key> known;
     const auto add = [&](const std::optional<ActionPlace>& place, const std::string& entity) {
         const ActionPlace at = place.value_or(ActionPlace{});
-        const std::string behavior = m_components ? m_components->behaviorOf(entity) : "";
+        const EntityComponents* const components = shownComponents();
+        const std::string behavior = components ? components->behaviorOf(entity) : "";
         for (const auto& form : {std::optional<std::string>(), std::optional(behavior)}) {
             if (known.contains({at.script, at.start, at.length, form})) {
                 return;
@@ -214,8 +286,8 @@ void BehaviorSession::loadPanels() {
         panel.scriptName = at.script;
         panel.blockStart = at.start;
         panel.blockLength = at.length;
-        if (m_components) {
-            for (const auto& [number, name] : m_components->skillNames(entity)) {
+        if (components) {
+            for (const auto& [number, name] : components->skillNames(entity)) {
                 if (number >= 1 && number <= kEntitySkills) {
                     panel.defaultSkillNames.push_back({static_cast<std::uint8_t>(number), name});
                 }

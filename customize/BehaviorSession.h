@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "util/FileTime.h"
+#include "util/UserPrompt.h"
 
 namespace zoka {
 
@@ -31,9 +33,11 @@ public:
     // `entities` is null where the host has none. Both outlive the session.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host);
     // The panel form: with the components of a project, which open() reads. `entity` is shown where the host has no
-    // operations on entities.
+    // operations on entities. `openProject` gives the project file of what the editor has open, empty for none; without
+    // it the project stays the same.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
-                    std::unique_ptr<EntityComponents> components, std::string entity);
+                    std::unique_ptr<EntityComponents> components, std::string entity,
+                    std::function<std::string()> openProject = {});
 
     // Shows the entities that are selected now.
     void open();
@@ -58,7 +62,10 @@ public:
     // As the project's own window does.
     ProjectSave save();
     // True when the panel may close: asks about unsaved edits of components.
-    bool close() { return !m_components || m_components->close(); }
+    bool close();
+    // The editor has another project open than the one with the unsaved edits: its entities' components are not shown
+    // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
+    bool otherProjectOpen() const { return m_isOtherProject; }
 
     // Faults of the actions' markup, and values outside their limits; one line each.
     size_t findingCount() const { return findings().size(); }
@@ -97,6 +104,16 @@ private:
 
     void show(std::vector<std::string> entities);
     void loadPanels();
+    bool lookAtProject();
+    PromptAnswer askElsewhere() const;
+    ProjectSave saveElsewhere();
+    // Null while those of the open project are not known.
+    const EntityComponents* shownComponents() const {
+        return m_isOtherProject ? nullptr : m_components.get();
+    }
+    std::vector<std::string> namedEntities() const {
+        return m_access ? m_entities : std::vector{m_namedEntity};
+    }
     void addRow(const CustomEntry& entry);
     void addComponents();
     void blockComponents();
@@ -118,6 +135,8 @@ private:
     ZunEditorInterface& m_host;
     std::unique_ptr<EntityComponents> m_components;  // null: the plain form
     std::string m_namedEntity;
+    std::function<std::string()> m_openProject;  // may be empty
+    bool m_isOtherProject = false;
     bool m_follows = true;
     std::vector<std::string> m_entities;
     std::vector<std::optional<ActionPlace>> m_actions;   // of the entities

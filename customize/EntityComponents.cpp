@@ -100,6 +100,12 @@ bool EntityComponents::reloadIfChanged() {
     return !hasChanges() && times() != m_times && (load(), true);
 }
 
+void EntityComponents::moveTo(std::string projectFile) {
+    m_file = std::move(projectFile);
+    m_isOptional = !osFiles().exists(m_file);
+    load();
+}
+
 const CJ8BehaviorData* EntityComponents::parentOf(const std::string& entity) const {
     const auto place = placeOfEntity(m_model, m_texts.stored(entity));
     return place && !record(*place).parent.empty() ? m_model.behavior(record(*place).parent) : nullptr;
@@ -135,6 +141,9 @@ void EntityComponents::show(std::vector<std::string> entities) {
         return;
     }
     if (!m_isLoaded) {
+        if (m_isOptional) {
+            return;
+        }
         addText(kNoComponentData, m_project.problem());
         return;
     }

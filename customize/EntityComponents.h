@@ -39,6 +39,10 @@ public:
     bool load();
     // Reads it again when its files are others than before and nothing is unsaved; true when that has happened.
     bool reloadIfChanged();
+    const std::string& file() const { return m_file; }
+    // Goes on to another project; unsaved edits are given up. Where there is no such file, or its name is empty,
+    // entities have no components.
+    void moveTo(std::string projectFile);
 
     // Makes the rows that these entities share.
     void show(std::vector<std::string> entities);
@@ -95,7 +99,7 @@ private:
     ProjectTexts m_texts;
     CJ8ProjectManager m_model;
     ProjectSession m_project;
-    bool m_isLoaded = false;
+    bool m_isLoaded = false, m_isOptional = false;
     std::vector<std::optional<FileTime>> m_times;  // of the files read
     std::vector<std::string> m_entities;
     std::vector<EntityPlace> m_places;  // of the entities; empty when one has none

@@ -44,7 +44,7 @@ BehaviorDialog::BehaviorDialog(const Setup& setup)
                   .statusLine = true,
                   .loading = setup.loading}),
       m_session(setup.entities, setup.editor, componentsOf(setup.project),
-                setup.project ? setup.project->entity : "") {}
+                setup.project ? setup.project->entity : "", setup.project ? setup.project->open : nullptr) {}
 
 void BehaviorDialog::fillRows() {
     m_session.open();
@@ -64,9 +64,11 @@ void CALLBACK BehaviorDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
     });
 }
 
-// The action's own title, if its markup has one, with a mark while components have unsaved edits.
+// The action's own title, if its markup has one, with a mark while another project is open and one while components have unsaved edits.
 std::string BehaviorDialog::caption() const {
-    return (m_session.title().empty() ? kCaption : m_session.title()) + (m_session.hasUnsaved() ? " *" : "");
+    return (m_session.title().empty() ? kCaption : m_session.title()) +
+           (m_session.otherProjectOpen() ? " (another project is open)" : "") +
+           (m_session.hasUnsaved() ? " *" : "");
 }
 
 ButtonState BehaviorDialog::stateOf(int id) const {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,6 +17,8 @@ struct BehaviorProject {
     std::string file;
     std::string entity;  // that the panel was opened for
     ProjectTexts texts;
+    std::function<std::string()>
+        open;  // the file of the project that the editor has open, as of BehaviorSession
 };
 
 // Shows a session and hands it the user's actions. Threads and lifetime as RowsDialog.

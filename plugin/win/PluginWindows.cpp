@@ -95,8 +95,10 @@ std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
     const ControlsContext controls(g_module);
     std::optional<BehaviorProject> project;
     if (descriptor) {
-        const std::string file = projectFileOf(editor.GetMainScriptPath().value_or("")).value_or("");
-        project = {file, descriptor->entity, projectTexts()};
+        const auto open = [&editor] {
+            return projectFileOf(editor.GetMainScriptPath().value_or("")).value_or("");
+        };
+        project = {open(), descriptor->entity, projectTexts(), open};
     }
     return std::make_unique<BehaviorWindow>(editor, context, std::move(project));
 }

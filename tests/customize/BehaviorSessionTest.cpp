@@ -438,6 +438,81 @@ TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
     EXPECT_THAT(saved(), HasSubstr("value=\"90\""));
 }
 
+// Nothing of a project that is closed stands below entities of the open one, and nothing gets into a file unasked.
+TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) {
+    std::string open = m_file;
+    const auto panelFor = [&] {
+        open = m_file;
+        auto panel = std::make_unique<BehaviorSession>(&m_entities, m_host, components(m_file, m_prompt), "a",
+                                                       [&open] { return open; });
+        panel->open();
+        return panel;
+    };
+    const auto lastRow = [](const BehaviorSession& panel) {
+        const EntryModel& row = panel.row(panel.size() - 1);
+        return row.facts().label + '=' + row.value();
+    };
+    std::string text = saved();
+    std::filesystem::create_directories(m_folder.native("other"));
+    const std::string other = m_folder.write("other/main.xml", text.replace(text.find("'90'"), 4, "'33'"));
+    auto panel = panelFor();
+    open = other;
+    panel->refresh(false);  // whether or not the host counts it
+    EXPECT_FALSE(panel->otherProjectOpen());
+    EXPECT_EQ(panel->row(4).value(), "33");
+    open.clear();  // none
+    panel->refresh(false);
+    EXPECT_EQ(lastRow(*panel), "Lit=0");
+    open = m_file;
+    panel->refresh(false);
+    EXPECT_EQ(panel->row(4).value(), "90");
+
+    using enum PromptAnswer;
+    const struct {
+        bool closes;
+        PromptAnswer answer;
+        bool goesOn, isWritten;
+    } rows[] = {{false, Cancel, false, false}, {false, No, true, false}, {false, Yes, true, true},
+                {true, Cancel, false, false},  {true, No, true, false},  {true, Yes, true, true}};
+    const std::string first = saved();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.closes) + std::to_string(static_cast<int>(row.answer)));
+        m_folder.write("main.xml", first);
+        panel = panelFor();
+        ASSERT_TRUE(panel->setValue(4, "50"));
+        open = other;
+        if (!row.closes) {
+            // Back in the project of the edits they are there, and nobody asks.
+            panel->refresh(false);
+            EXPECT_TRUE(panel->otherProjectOpen());
+            EXPECT_THAT(lastRow(*panel), HasSubstr("are not saved"));
+            open = m_file;
+            panel->refresh(false);
+            EXPECT_FALSE(panel->otherProjectOpen());
+            EXPECT_EQ(panel->row(4).value(), "50");
+            open = other;  // seen by save() itself
+        } else {
+            panel->refresh(false);
+        }
+        m_prompt.answers.push_back(row.answer);
+        m_prompt.asked.clear();
+        if (row.closes) {
+            EXPECT_EQ(panel->close(), row.goesOn);
+        } else {
+            EXPECT_EQ(panel->save() != ProjectSave::Cancelled, row.goesOn);
+            EXPECT_EQ(panel->otherProjectOpen(), !row.goesOn);
+            EXPECT_EQ(panel->hasUnsaved(), !row.goesOn);
+            if (row.goesOn) {
+                EXPECT_EQ(panel->row(4).value(), "33");
+            }
+        }
+        ASSERT_EQ(m_prompt.asked.size(), 1U);
+        EXPECT_THAT(m_prompt.asked[0].text, HasSubstr('\'' + m_file + '\''));
+        EXPECT_EQ(saved().find("value=\"50\"") != std::string::npos, row.isWritten);
+        EXPECT_THAT(m_folder.read("other/main.xml"), HasSubstr("'33'"));
+    }
+}
+
 TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) {
     const auto writeMass = [&](const std::string& value) {
         std::string text = saved();
