@@ -91,7 +91,7 @@ TEST_F(WizardTool, MakesProjects) {
     fs::remove(folder.path("suite/debugLogOut.xml"));
     EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other -n").status, 1);
     EXPECT_FALSE(fs::exists(folder.path("suite/debugLogOut.xml"))) << "a dry run makes nothing";
-    EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other --name ''").status, 2);
+    EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other --name \"\"").status, 2);
     write("<Folder name='../up'/>");
     EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other").status, 1);
     EXPECT_FALSE(fs::exists(folder.path("g/other")));

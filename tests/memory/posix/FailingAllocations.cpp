@@ -56,6 +56,12 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return operator new(size);
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return __wrap_malloc(size > 0 ? size : 1);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return __wrap_malloc(size > 0 ? size : 1);
+}
 void operator delete(void* memory) noexcept {
     __wrap_free(memory);
 }
