@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "util/BoostFiles.h"
 #include "util/OwnFiles.h"
@@ -210,12 +211,34 @@ private:
 };
 
 // The system removes the file with the last handle, also when the process is killed.
+// A mutex keeps the programs of this machine apart, the file those of others that share the folder. The mutex comes
+// first and goes last: when several wait, Wine may open the file for one while another's is just being removed.
 class WinLock : public OsLock {
 public:
+    ~WinLock() override {
+        m_file.close();
+        if (m_owns) {
+            ReleaseMutex(m_mutex.get());
+        }
+    }
+    // False while another program of this machine has the lock. Where no mutex can be made the file serves alone.
+    bool take(const std::wstring& path) {
+        std::wstring name = L"Local\\zoka-lock-" + std::to_wstring(std::hash<std::wstring>()(path));
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, name.c_str());
+        if (!mutex) {
+            return true;
+        }
+        m_mutex.hold(mutex);
+        const DWORD got = WaitForSingleObject(mutex, 0);
+        m_owns = got == WAIT_OBJECT_0 || got == WAIT_ABANDONED;
+        return m_owns;
+    }
     bool hold(HANDLE file) { return m_file.hold(file); }
 
 private:
+    Handle m_mutex{INVALID_HANDLE_VALUE};
     Handle m_file{INVALID_HANDLE_VALUE};
+    bool m_owns = false;
 };
 
 class WinFiles : public OsFiles {
@@ -385,6 +408,12 @@ public:
     std::unique_ptr<OsLock> tryLock(const std::string& path, OsLockState& state) override {
         const std::wstring native = nativePath(path);
         auto lock = std::make_unique<WinLock>();
+        std::wstring folded = native;
+        CharLowerBuffW(folded.data(), static_cast<DWORD>(folded.size()));
+        if (!lock->take(folded)) {
+            state = OsLockState::Held;
+            return nullptr;
+        }
         const bool made =
             lock->hold(CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
                                    FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
