@@ -3,7 +3,6 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/cli/Tool.h"
@@ -53,24 +52,6 @@ TEST_F(Behavior, ListsAndChecksActions) {
     EXPECT_THAT(folder.run("behavior check v.kez").out,
                 AllOf(HasSubstr("v.kez:3: there is an action \"B\" in line 2 already"),
                       HasSubstr("v.kez:3: no brace closes the body of \"B\"")));
-}
-
-TEST_F(Behavior, SetsOneLevelFromSeveralProgramsAtOnce) {
-    std::string level = "level 1\n";
-    for (char name = 'a'; name < 'i'; ++name) {
-        level += std::string("entity ") + name + "\n    skill 1 0\nend\n";
-    }
-    folder.write("m.zlm", level);
-    std::vector<std::thread> writers;
-    for (char name = 'a'; name < 'i'; ++name) {
-        writers.emplace_back([this, name] {
-            EXPECT_EQ(folder.run(std::string("level set m.zlm ") + name + " skill1=7").status, 0);
-        });
-    }
-    for (std::thread& writer : writers) {
-        writer.join();
-    }
-    EXPECT_EQ(folder.read("m.zlm").find(" 0"), std::string::npos);
 }
 
 TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {

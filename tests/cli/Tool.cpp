@@ -25,13 +25,10 @@ int shellIn(const std::string& command) {
 }  // namespace
 
 ToolRun ToolFolder::run(const std::string& arguments, const std::string& input, const std::string& before) {
-    // Several threads of a test run the tool at once: each run has streams of its own.
-    const std::string run = std::to_string(m_runs++);
-    const std::string in = "in" + run, out = "out" + run, err = "err" + run;
-    m_streams.write(in, input);
+    m_streams.write("in", input);
     const int status =
         shellIn(quoted(path("")) + " && " + before + " " + quoted(std::filesystem::absolute(ZOKA_CLI)) + " " +
-                arguments + " <" + quoted(m_streams.native(in)) + " >" + quoted(m_streams.native(out)) +
-                " 2>" + quoted(m_streams.native(err)));
-    return {status, m_streams.read(out), m_streams.read(err)};
+                arguments + " <" + quoted(m_streams.native("in")) + " >" + quoted(m_streams.native("out")) +
+                " 2>" + quoted(m_streams.native("err")));
+    return {status, m_streams.read("out"), m_streams.read("err")};
 }

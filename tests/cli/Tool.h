@@ -1,7 +1,6 @@
 // Runs the built command-line tool in a folder of the test's own.
 #pragma once
 
-#include <atomic>
 #include <filesystem>
 #include <ostream>
 #include <string>
@@ -32,5 +31,4 @@ public:
 private:
     zoka::test::TempFolder m_folder;
     zoka::test::TempFolder m_streams;  // the standard streams' files lie outside the folder
-    std::atomic<int> m_runs = 0;
 };
