@@ -1,8 +1,8 @@
 #!/bin/bash
 # Checks the Windows binaries as they would be shipped: binaries.sh WINDOWS_BUILD
 #
-# Each may import from libraries of the system only, can be moved in memory and keeps data
-# from being run. The library has no handlers of structured exceptions and no debug sections; what it exports are three
+# Each may import from libraries of the system only, can be moved in memory, keeps data from being run and guards its
+# stack frames. The library has no handlers of structured exceptions and no debug sections; what it exports are three
 # undecorated entry points and otherwise members of the exported classes alone.
 set -euo pipefail
 build=$1
@@ -39,6 +39,7 @@ while IFS= read -r binary; do
     grep -q DYNAMIC_BASE <<<"$headers" || finding "$binary: lacks --dynamicbase"
     grep -q NX_COMPAT <<<"$headers" || finding "$binary: lacks --nxcompat"
     grep -qE '^Entry 5 [0-9a-f]+ 0*[1-9a-f]' <<<"$headers" || finding "$binary: has no relocations, so it can't be moved"
+    grep -qa 'stack smashing detected' "$binary" || finding "$binary: its stack frames are not guarded"
     [[ ${binary##*/} == zoka.dll ]] || continue
     exported=$(exports "$headers")
     for kind in entry class; do
