@@ -5,20 +5,11 @@
 #include <utility>
 
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace zoka {
 namespace {
-
-std::string lowered(std::string_view text) {
-    std::string made(text);
-    for (char& c : made) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c + 32);
-        }
-    }
-    return made;
-}
 
 bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
     for (const std::string_view each : names) {
@@ -218,9 +209,7 @@ private:
 
 std::string shortText(std::string text) {
     constexpr size_t kShown = 60;
-    constexpr const char* kBlanks = " \t\r\n";
-    text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
-    text.erase(text.find_last_not_of(kBlanks) + 1);
+    text = trimmed(text);
     for (char& c : text) {
         if (static_cast<unsigned char>(c) < 0x20) {
             c = ' ';

@@ -7,16 +7,10 @@
 #include "controls/Colour.h"
 #include "controls/EntryRules.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r\n";
-
-std::string_view trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 bool isSwitch(J8Type type) {
     return type == J8Type::Bool || type == J8Type::Flag;
@@ -59,14 +53,6 @@ size_t countNumbers(std::string_view text) {
         }
     }
     return count;
-}
-
-std::string joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : ", ") + word;
-    }
-    return text;
 }
 
 std::string refusalOfType(const J8TypedValue& typed, std::string_view value) {

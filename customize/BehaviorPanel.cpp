@@ -16,11 +16,6 @@
 namespace zoka {
 namespace {
 
-std::string inQuotes(std::string_view text) {
-    constexpr size_t kShown = 60;
-    return '"' + std::string(text.substr(0, kShown)) + (text.size() > kShown ? "...\"" : "\"");
-}
-
 // The next token of `rest`, which moves behind it; empty at the end.
 std::string_view nextToken(std::string_view& rest) {
     rest = trimmed(rest);
@@ -140,11 +135,12 @@ private:
     void readCntl(std::string_view text, CustomEntry& row) {
         std::string fault;
         if (!readControl(text, row, &fault)) {
-            report("unknown control word in " + inQuotes(text) + "; it was ignored");
+            report("unknown control word in " + quotedBeginning(text) + "; it was ignored");
         } else if (!fault.empty()) {
             report(fault);
         } else if (row.kind != kSkill) {
-            report("a control word suits a skill alone; that of " + inQuotes(row.label) + " was ignored");
+            report("a control word suits a skill alone; that of " + quotedBeginning(row.label) +
+                   " was ignored");
         }
     }
 
@@ -157,7 +153,7 @@ private:
         }
         const int near = line.colon ? nearCustomKeyword(line.keyword) : kNoKeyword;
         if (near >= 0) {
-            report(inQuotes(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
+            report(quotedBeginning(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
                    "\" meant? The line was taken as a comment");
         }
     }
@@ -166,23 +162,24 @@ private:
     void checkValues() {
         for (const CustomEntry& row : m_panel.rows) {
             if (row.kind == kFlag && row.value != "0" && row.value != "1") {
-                reportAt(row.line, "the default " + inQuotes(row.value) + " of the flag " +
-                                       inQuotes(row.label) + " is neither 0 nor 1");
+                reportAt(row.line, "the default " + quotedBeginning(row.value) + " of the flag " +
+                                       quotedBeginning(row.label) + " is neither 0 nor 1");
             } else if (row.kind == kSkill && !skillOfText(row.value)) {
-                reportAt(row.line, "the default " + inQuotes(row.value) + " of " + inQuotes(row.label) +
-                                       " is no number");
+                reportAt(row.line, "the default " + quotedBeginning(row.value) + " of " +
+                                       quotedBeginning(row.label) + " is no number");
             } else if (row.kind == kSkill) {
                 const EntryFacts facts = behaviorFacts(row);
                 const float value = *skillOfText(row.value);
                 const double number = static_cast<double>(value);
                 if (facts.limited && facts.minimum <= facts.maximum &&
                     (number < facts.minimum || number > facts.maximum)) {
-                    reportAt(row.line, "the default " + row.value + " of " + inQuotes(row.label) +
+                    reportAt(row.line, "the default " + row.value + " of " + quotedBeginning(row.label) +
                                            " lies outside its limits (" + allowedRange(facts) + ")");
                 }
                 for (const std::string& option : facts.options) {
                     if (!skillOfText(option)) {
-                        reportAt(row.line, "the choice " + inQuotes(option) + " of " + inQuotes(row.label) +
+                        reportAt(row.line, "the choice " + quotedBeginning(option) + " of " +
+                                               quotedBeginning(row.label) +
                                                " is no number; no skill can hold it");
                     }
                 }

@@ -24,11 +24,6 @@ constexpr double kMostGrowth = 15;  // a text may begin with many entries and th
 constexpr double kMinimumDefault = -999999.0;
 constexpr double kMaximumDefault = 999999.0;
 
-std::string inQuotes(std::string_view text) {
-    constexpr size_t kShown = 60;
-    return '"' + std::string(beginningOf(text, kShown)) + (text.size() > kShown ? "...\"" : "\"");
-}
-
 // A limit of a "cntl" line; false when it's no number (and then 0).
 bool readLimit(std::string_view token, double ifX, double& value) {
     if (token.empty()) {
@@ -196,7 +191,7 @@ private:
             bool one = false;
             text = readTextNumbers(text, m_entry.textParam1, m_entry.textParam2, one);
             if (one) {
-                report(inQuotes(text) +
+                report(quotedBeginning(text) +
                        " begins with one number; it takes two, the lines and the characters, each with a "
                        "comma behind it. It was taken as the label");
             }
@@ -252,7 +247,7 @@ private:
     // The entry stays under construction: each further commented line is switched by it too.
     void completeSwitchedOff(size_t slashes) {
         if (m_switchedLines++ == 1) {
-            report("the switch " + inQuotes(m_entry.label) +
+            report("the switch " + quotedBeginning(m_entry.label) +
                    " stands above several commented lines: each got a switch of its own with the same id");
         }
         makeRoom();
@@ -271,7 +266,7 @@ private:
         }
         // A switch whose commented lines were found has what it needs.
         if (m_switchedLines == 0 && m_script.findings.wantsMore()) {
-            m_script.findings.add(m_entry.line, "the entry " + inQuotes(m_entry.label) +
+            m_script.findings.add(m_entry.line, "the entry " + quotedBeginning(m_entry.label) +
                                                     " found no value: " + why + "; it was left out");
         }
         forget();
@@ -283,7 +278,7 @@ private:
         }
         // Below a skill or a flag it's the behaviour panel's.
         if (line.colon && !m_inBehavior) {
-            report(inQuotes(line.keyword) + " belongs to no entry; it was ignored");
+            report(quotedBeginning(line.keyword) + " belongs to no entry; it was ignored");
         }
         return false;
     }
@@ -295,15 +290,15 @@ private:
             m_entry.id = -1;
         }
         if (m_entry.id < 1) {
-            report("the id " + inQuotes(text) + " is no number from 1 to 2147483647: values of " +
-                   inQuotes(m_entry.label) + " are not kept in the value file");
+            report("the id " + quotedBeginning(text) + " is no number from 1 to 2147483647: values of " +
+                   quotedBeginning(m_entry.label) + " are not kept in the value file");
         }
     }
 
     void readCntl(std::string_view text) {
         std::string fault;
         if (!readControl(text, m_entry, &fault)) {
-            report("unknown control word in " + inQuotes(text) + "; it was ignored");
+            report("unknown control word in " + quotedBeginning(text) + "; it was ignored");
         } else if (!fault.empty()) {
             report(fault);
         }
@@ -363,7 +358,7 @@ private:
         } else if (kind == kEntry) {
             const bool digits = token.find_first_not_of("0123456789") == token.npos;
             if (!digits && !numberOf(token)) {
-                const std::string shown = inQuotes(token);
+                const std::string shown = quotedBeginning(token);
                 drop((shown + " is neither a number nor a text nor a file name").c_str());
                 return;
             }
@@ -406,7 +401,8 @@ private:
             return;
         }
         const std::string_view rest = m_text.substr(at, m_text.find_first_of("\r\n", at) - at);
-        m_script.findings.add(line, inQuotes(rest) + " follows the value of " + inQuotes(m_entry.label) +
+        m_script.findings.add(line, quotedBeginning(rest) + " follows the value of " +
+                                        quotedBeginning(m_entry.label) +
                                         "; only the value itself can be customized");
     }
 
@@ -416,7 +412,7 @@ private:
         }
         const int near = nearCustomKeyword(line.keyword);
         if (near >= 0) {
-            report(inQuotes(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
+            report(quotedBeginning(line.keyword) + " is no keyword; is \"" + customKeywordName(near) +
                    "\" meant? The line was taken as a comment");
         }
     }
@@ -500,11 +496,11 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
             return option.starts_with(',') || option.ends_with(',');
         });
         if (comma != entry.options.end()) {
-            complain("choices are parted by blanks: the comma of " + inQuotes(*comma) +
-                     " is a part of a choice of " + inQuotes(entry.label));
+            complain("choices are parted by blanks: the comma of " + quotedBeginning(*comma) +
+                     " is a part of a choice of " + quotedBeginning(entry.label));
         }
         if (entry.options.empty()) {
-            complain("the list of choices of " + inQuotes(entry.label) + " is empty");
+            complain("the list of choices of " + quotedBeginning(entry.label) + " is empty");
         }
         return true;
     }
@@ -525,15 +521,16 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
           std::pair(&entry.step, slider ? 1.0 : 0.0)}) {
         const std::string_view token = tokens.next();
         if (!readLimit(token, ifX, *value)) {
-            complain(inQuotes(token) + " in the limits of " + inQuotes(entry.label) + " is no number; " +
-                     numberText(*value, 6) + " was taken");
+            complain(quotedBeginning(token) + " in the limits of " + quotedBeginning(entry.label) +
+                     " is no number; " + numberText(*value, 6) + " was taken");
         }
     }
     if (entry.minimum > entry.maximum) {
-        complain("the minimum of " + inQuotes(entry.label) + " is above its maximum; no value is inside");
+        complain("the minimum of " + quotedBeginning(entry.label) +
+                 " is above its maximum; no value is inside");
     }
     if (entry.step < 0) {
-        complain("the step of " + inQuotes(entry.label) + " is below 0; it was ignored");
+        complain("the step of " + quotedBeginning(entry.label) + " is below 0; it was ignored");
     }
     return true;
 }

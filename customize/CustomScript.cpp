@@ -7,6 +7,7 @@
 
 #include "controls/EntryRules.h"
 #include "controls/PictureFile.h"
+#include "controls/TextSet.h"
 #include "customize/CustomMarkup.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
@@ -107,6 +108,11 @@ std::string pictureFault(const std::string& name, const std::string& path) {
 }
 
 }  // namespace
+
+std::string quotedBeginning(std::string_view text) {
+    constexpr size_t kShown = 60;
+    return '"' + std::string(beginningOf(text, kShown)) + (text.size() > kShown ? "...\"" : "\"");
+}
 
 void MarkupFindings::sortByLine() {
     std::stable_sort(m_kept.begin(), m_kept.end(),

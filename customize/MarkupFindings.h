@@ -2,10 +2,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace zoka {
+
+// A text of the script as findings name it: in quotes, cut where it is long.
+std::string quotedBeginning(std::string_view text);
 
 struct MarkupFinding {
     int line = 0;          // counts from 1

@@ -6,6 +6,7 @@
 #include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -17,29 +18,6 @@ std::string textOf(PageError::Code code, const std::string& script) {
     return code == PageError::CatalogueNotLoaded
                ? "The template catalogue can't be loaded."
                : "The script " + script + " is not in the template catalogue.";
-}
-
-// For an edit field: every line end is CR LF.
-std::string inEditLines(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        if (c == '\r') {
-            continue;
-        }
-        if (c == '\n') {
-            result += '\r';
-        }
-        result += c;
-    }
-    return result;
-}
-
-std::string joined(const std::vector<std::string>& items) {
-    std::string text;
-    for (const std::string& item : items) {
-        text += (text.empty() ? "" : ", ") + item;
-    }
-    return text;
 }
 
 }  // namespace
@@ -136,7 +114,7 @@ ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
                           script.m_vers,
                           script.m_date,
                           script.m_engreq.AsText(),
-                          inEditLines(script.m_desc),
+                          onOneLine(script.m_desc, "\r\n"),
                           {}};
     for (const CScriptSection& section : script.m_sections) {
         for (const CScriptAction& action : section.m_actions) {
@@ -145,7 +123,7 @@ ScriptDetails ScriptManagerSession::details(std::uint32_t record) const {
             }
             details.actions += action.m_name;
             if (!action.m_desc.empty()) {
-                details.actions += " - " + inEditLines(action.m_desc);
+                details.actions += " - " + onOneLine(action.m_desc, "\r\n");
             }
         }
     }

@@ -9,6 +9,7 @@
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -41,14 +42,6 @@ Copies compare(const ScriptFolders& folders, const std::string& fileName) {
     }
     copies.equal = own && original && *own == *original;
     return copies;
-}
-
-std::string joined(const std::vector<std::string>& items) {
-    std::string text;
-    for (const std::string& item : items) {
-        text += (text.empty() ? "" : ", ") + item;
-    }
-    return text;
 }
 
 }  // namespace

@@ -25,6 +25,14 @@ std::string lowered(std::string_view text) {
     return result;
 }
 
+std::string joined(const std::vector<std::string>& texts) {
+    std::string line;
+    for (const std::string& text : texts) {
+        line += (line.empty() ? "" : ", ") + text;
+    }
+    return line;
+}
+
 std::string onOneLine(std::string_view text, std::string_view lineEnd) {
     std::string line;
     for (const char c : text) {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zoka {
 
@@ -27,6 +28,9 @@ std::string_view withoutLeadingBlanks(std::string_view text);
 
 // Letters A to Z in their small form, for names that are compared without regard to case.
 std::string lowered(std::string_view text);
+
+// The texts with ", " between them.
+std::string joined(const std::vector<std::string>& texts);
 
 // The text with `lineEnd` in the place of each LF, and without CRs.
 std::string onOneLine(std::string_view text, std::string_view lineEnd = " ");

@@ -25,15 +25,7 @@ nlohmann::ordered_json jsonOf(const CustomEntry& row) {
     if (!row.help.empty()) {
         one["help"] = jsonText(row.help);
     }
-    const EntryFacts facts = behaviorFacts(row);
-    if (facts.limited) {
-        one["minimum"] = facts.minimum;
-        one["maximum"] = facts.maximum;
-        one["step"] = EntryModel(facts).step();
-    }
-    if (!facts.options.empty()) {
-        one["options"] = jsonTexts(facts.options);
-    }
+    addAllowed(one, behaviorFacts(row));
     return one;
 }
 

@@ -213,15 +213,7 @@ Json jsonOf(const CustomScript& script, const CustomEntry& entry) {
         one["id"] = entry.id;
     }
     one["value"] = jsonText(entry.value);
-    const EntryFacts facts = factsOf(script, entry);
-    if (isNumber(facts.field) && facts.limited) {
-        one["minimum"] = facts.minimum;
-        one["maximum"] = facts.maximum;
-        one["step"] = EntryModel(facts).step();
-    }
-    if (!facts.options.empty()) {
-        one["options"] = jsonTexts(facts.options);
-    }
+    addAllowed(one, factsOf(script, entry));
     return one;
 }
 

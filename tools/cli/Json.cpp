@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "controls/EntryModel.h"
 #include "xml/XMLConvert.h"
 
 namespace zoka::cli {
@@ -38,6 +39,17 @@ nlohmann::ordered_json jsonTexts(const std::vector<std::string>& texts) {
         list.push_back(jsonText(text));
     }
     return list;
+}
+
+void addAllowed(nlohmann::ordered_json& one, const EntryFacts& facts) {
+    if (isNumber(facts.field) && facts.limited) {
+        one["minimum"] = facts.minimum;
+        one["maximum"] = facts.maximum;
+        one["step"] = EntryModel(facts).step();
+    }
+    if (!facts.options.empty()) {
+        one["options"] = jsonTexts(facts.options);
+    }
 }
 
 void printJson(const nlohmann::ordered_json& json) {

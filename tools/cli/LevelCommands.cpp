@@ -219,22 +219,14 @@ std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntit
     return std::nullopt;
 }
 
-ExitStatus getLevel(const LevelOptions& options) {
-    const OpenLevelFile level(options.file);
-    if (level.status() != ExitStatus::Done) {
-        return level.status();
-    }
-    const LevelEntity* const entity = level.find(options.entity);
-    if (!entity) {
-        return ExitStatus::Usage;
-    }
+ExitStatus getValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
     std::vector<std::string> values;
     for (const std::string& name : options.words) {
-        const auto row = rowNamed(level, *entity, name);
+        const auto row = rowNamed(level, entity, name);
         if (!row) {
             return ExitStatus::Usage;
         }
-        values.push_back(valueText(*entity, *row));
+        values.push_back(valueText(entity, *row));
     }
     if (options.json) {
         printJson(jsonTexts(values));
@@ -246,15 +238,9 @@ ExitStatus getLevel(const LevelOptions& options) {
     return ExitStatus::Done;
 }
 
-ExitStatus setLevel(const LevelOptions& options) {
-    const OpenLevelFile level(options.file);
-    if (level.status() != ExitStatus::Done) {
-        return level.status();
-    }
-    const LevelEntity* const entity = level.find(options.entity);
-    if (!entity) {
-        return ExitStatus::Usage;
-    }
+ExitStatus setLevel(const LevelOptions& options);
+
+ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
     std::string text = level.text();
     for (const std::string& word : options.words) {
         const size_t equals = word.find('=');
@@ -262,12 +248,12 @@ ExitStatus setLevel(const LevelOptions& options) {
             complain('"' + word + "\" is not of the form name=value");
             return ExitStatus::Usage;
         }
-        const auto row = rowNamed(level, *entity, word.substr(0, equals));
+        const auto row = rowNamed(level, entity, word.substr(0, equals));
         if (!row) {
             return ExitStatus::Usage;
         }
         EntryFacts facts = behaviorFacts(*row);
-        facts.value = valueText(*entity, *row);
+        facts.value = valueText(entity, *row);
         const std::string value = word.substr(equals + 1);
         std::string why = EntryModel(facts).refusalOf(value);
         const auto number = skillOfText(value);
@@ -280,7 +266,7 @@ ExitStatus setLevel(const LevelOptions& options) {
         }
         const int skill = skillNumber(*row);
         auto edited = withLevelValue(
-            text, {entity->name, skill > 0, skill > 0 ? skill : flagNumber(*row), number.value_or(0)});
+            text, {entity.name, skill > 0, skill > 0 ? skill : flagNumber(*row), number.value_or(0)});
         if (!edited) {
             complain("the entity's lines were not found");
             return ExitStatus::Failed;
@@ -292,6 +278,30 @@ ExitStatus setLevel(const LevelOptions& options) {
         return ExitStatus::Done;
     }
     return rewriteFile(level.path(), level.text(), text, [&] { return setLevel(options); });
+}
+
+// Does `deed` with the level and the entity that the options name.
+template <class Deed>
+ExitStatus onEntity(const LevelOptions& options, Deed deed) {
+    const OpenLevelFile level(options.file);
+    if (level.status() != ExitStatus::Done) {
+        return level.status();
+    }
+    const LevelEntity* const entity = level.find(options.entity);
+    if (!entity) {
+        return ExitStatus::Usage;
+    }
+    return deed(level, *entity);
+}
+
+ExitStatus getLevel(const LevelOptions& options) {
+    return onEntity(options,
+                    [&](const auto& level, const auto& entity) { return getValues(options, level, entity); });
+}
+
+ExitStatus setLevel(const LevelOptions& options) {
+    return onEntity(options,
+                    [&](const auto& level, const auto& entity) { return setValues(options, level, entity); });
 }
 
 ExitStatus diffLevels(const LevelOptions& options) {
