@@ -1,7 +1,9 @@
-// The window classes of a panel's controls.
+// The window classes of a panel's controls, and the code page of their texts.
 #pragma once
 
 #include <windows.h>
+
+#include "controls/TextSet.h"
 
 namespace zoka {
 
@@ -10,6 +12,10 @@ inline constexpr const char* kIntEditClass = "ZT_IntEdit";  // takes whole numbe
 inline constexpr const char* kFloatEditClass = "ZT_FloatEdit";
 inline constexpr const char* kSliderClass = "ZT_SliderV";    // a slider with its number field
 inline constexpr const char* kEntryPanelClass = "ZK_PANEL";  // the rows and their scroll bar
+
+inline UINT codePageOf(TextSet set) {
+    return set == TextSet::Utf8 ? CP_UTF8 : CP_ACP;
+}
 
 // While one of these lives, the classes can be used. Each panel has one, which is made before and freed after
 // its windows: a library that is unmapped must leave no class behind. [editor thread]

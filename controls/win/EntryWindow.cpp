@@ -59,7 +59,7 @@ EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, 
     }
     makeControls(partsIn(place.width, place.height));
     if (facts().field == EntryField::DropList) {
-        fillDropList();
+        m_choices.fill(m_field, facts());
     }
     fitControls();
     showValue();
@@ -249,13 +249,7 @@ void EntryWindow::takeOver(size_t row) {
         setText(m_label ? m_label : m_field, is.label, codePage());
     }
     if (is.field == EntryField::DropList) {
-        if (before.options != is.options || before.hostNames != is.hostNames) {
-            SendMessageA(m_field, CB_RESETCONTENT, 0, 0);
-            fillDropList();
-        } else if (m_foreign) {
-            SendMessageA(m_field, CB_DELETESTRING, 0, 0);
-        }
-        m_foreign = false;
+        m_choices.refill(before, is);
     }
     fitControls();
     showValue();
@@ -264,60 +258,6 @@ void EntryWindow::takeOver(size_t row) {
         SendMessageA(m_field, EM_SCROLLCARET, 0, 0);
         SendMessageA(m_field, EM_EMPTYUNDOBUFFER, 0, 0);
     }
-}
-
-void EntryWindow::fillDropList() {
-    const auto add = [&](const std::vector<std::string>& list) {
-        for (const std::string& option : list) {
-            SendMessageW(m_field, CB_ADDSTRING, 0,
-                         reinterpret_cast<LPARAM>(wideText(option, codePage()).c_str()));
-        }
-    };
-    add(facts().options);
-    if (facts().hostNames) {
-        add(*facts().hostNames);
-    }
-}
-
-// A value that is no choice is shown as one, in front of them, and stays one. Compared to the letter, which the
-// list's own search doesn't do.
-void EntryWindow::showChoice(const std::string& value) {
-    const auto find = [&](const std::vector<std::string>& list) {
-        return static_cast<size_t>(std::find(list.begin(), list.end(), value) - list.begin());
-    };
-    const size_t own = facts().options.size();
-    const size_t named = facts().hostNames ? facts().hostNames->size() : 0;
-    size_t place = find(facts().options);
-    if (place == own && named > 0) {
-        place += find(*facts().hostNames);
-    }
-    if (place < own + named) {
-        place += m_foreign ? 1 : 0;
-    } else {
-        if (m_foreign) {
-            SendMessageA(m_field, CB_DELETESTRING, 0, 0);
-        }
-        SendMessageW(m_field, CB_INSERTSTRING, 0,
-                     reinterpret_cast<LPARAM>(wideText(value, codePage()).c_str()));
-        m_foreign = true;
-        place = 0;
-    }
-    SendMessageA(m_field, CB_SETCURSEL, place, 0);
-}
-
-// The item of the list that was chosen, as fillDropList and showChoice put it there.
-std::string EntryWindow::chosenValue() const {
-    auto chosen = static_cast<size_t>(std::max<LRESULT>(SendMessageA(m_field, CB_GETCURSEL, 0, 0), 0));
-    if (m_foreign && chosen-- == 0) {
-        return model().value();
-    }
-    const std::vector<std::string>& own = facts().options;
-    if (chosen < own.size()) {
-        return own[chosen];
-    }
-    return facts().hostNames && chosen - own.size() < facts().hostNames->size()
-               ? (*facts().hostNames)[chosen - own.size()]
-               : model().value();
 }
 
 UINT EntryWindow::codePage() const {
@@ -379,7 +319,7 @@ void EntryWindow::showValue() {
                                       : BST_UNCHECKED,
                      0);
     } else if (facts().field == EntryField::DropList) {
-        showChoice(value);
+        m_choices.show(value, facts());
     } else if (!m_typing) {
         const EntryPanel::Draft* const draft = m_panel.draftOf(m_row);
         setFieldText(draft ? draft->text : utf8Text(value, facts().set));
@@ -489,234 +429,6 @@ void EntryWindow::step(int steps) {
         refused(why);
     }
     showValue();
-}
-
-// The longer the button is held, the faster; counted here, because systems differ in how they take a table of speeds.
-void EntryWindow::spun(bool up) {
-    const DWORD held = GetTickCount() - m_spinPressed;
-    const int steps = held < 2000 ? 1 : held < 4000 ? 5 : 20;
-    step(up ? steps : -steps);
-}
-
-void EntryWindow::slid(WORD code) {
-    const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
-    std::string why;
-    const bool isStep = code == TB_LINEUP || code == TB_LINEDOWN || code == TB_PAGEUP || code == TB_PAGEDOWN;
-    if (position != model().sliderPosition() && !(isStep && refusesSteps()) &&
-        !m_panel.rows().setValue(m_row, model().textAt(position), &why, true)) {
-        refused(why);
-    }
-    showValue();
-    if (code == TB_ENDTRACK) {
-        m_panel.rows().leaveField();
-    }
-}
-
-void EntryWindow::command(WORD code, HWND control) {
-    if (m_updating) {
-        return;
-    }
-    if (m_browse && control == m_browse && code == BN_CLICKED) {
-        return m_panel.browseSoon(m_row);
-    }
-    if (!control || control != m_field) {
-        return;
-    }
-    if (facts().field == EntryField::Heading && code == BN_CLICKED) {
-        m_panel.fold(m_row, !m_panel.rows().filter.isFolded(m_row));
-        InvalidateRect(m_field, nullptr, TRUE);
-    } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
-        std::string why;
-        if (!m_panel.rows().setValue(m_row, model().isOn() && !model().isDifferent() ? "0" : "1", &why,
-                                     false)) {
-            refused(why);
-        }
-    } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
-        std::string why;
-        if (!m_panel.rows().setValue(m_row, chosenValue(), &why, false)) {
-            refused(why);
-            showValue();
-        }
-    } else if (isEdit() && code == EN_CHANGE) {
-        typed();
-    }
-}
-
-bool EntryWindow::keyDown(HWND control, WPARAM key) {
-    if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
-        if (key == 'A' && control == m_field && isEdit()) {
-            SendMessageA(m_field, EM_SETSEL, 0, -1);
-            return true;
-        }
-        return m_panel.host().shortcut(key);
-    }
-    if (control == m_field && isNumber(facts().field) && (key == VK_UP || key == VK_DOWN)) {
-        step(key == VK_UP ? 1 : -1);
-        return true;
-    }
-    if ((key == VK_PRIOR || key == VK_NEXT) && control != m_track && !isMultiLine() &&
-        facts().field != EntryField::DropList) {
-        PostMessageA(m_panel.window(), WM_VSCROLL, key == VK_PRIOR ? SB_PAGEUP : SB_PAGEDOWN, 0);
-        return true;
-    }
-    return false;
-}
-
-LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    return answerInside(window, [&] { return self->fieldMessage(window, message, wParam, lParam); });
-}
-
-LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    EntryWindow* const self = this;
-    self->m_panel.relayToTooltip(window, message, wParam, lParam);
-    switch (message) {
-        case WM_SETFOCUS:
-            self->m_atFocus = self->model().value();
-            self->m_differentAtFocus = self->model().isDifferent();
-            self->m_panel.fieldFocused(self->m_row);
-            break;
-        case WM_KILLFOCUS:
-            if (window == self->m_field && !self->m_updating) {
-                self->commit();
-                if (self->isEdit() && !self->isMultiLine()) {
-                    self->showBeginning();
-                }
-                self->m_panel.rows().leaveField();
-            }
-            break;
-        case WM_LBUTTONDOWN:
-        case WM_LBUTTONDBLCLK:
-            if (window == self->m_spin) {
-                self->m_spinPressed = GetTickCount();
-            }
-            break;
-        case WM_MOUSEWHEEL:
-            if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == self->m_field &&
-                self->facts().field == EntryField::DropList) {
-                break;
-            }
-            PostMessageA(self->m_panel.window(), WM_MOUSEWHEEL, wParam, lParam);
-            return 0;
-        case WM_KEYDOWN:
-            if (self->keyDown(window, wParam)) {
-                return 0;
-            }
-            break;
-        case WM_CHAR:
-            // The letters of Ctrl+Z and the like, whose keys were seen already.
-            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 &&
-                (GetKeyState(VK_SHIFT) < 0 || (wParam != 3 && wParam != 22 && wParam != 24))) {
-                return 0;
-            }
-            break;
-        case WM_CONTEXTMENU:
-            self->m_panel.menuSoon(self->m_row, window, lParam);
-            return 0;
-        case WM_GETDLGCODE:
-            if (window == self->m_field && self->isMultiLine()) {
-                const auto* const pressed = reinterpret_cast<const MSG*>(lParam);
-                const bool enter = pressed && pressed->message == WM_KEYDOWN && pressed->wParam == VK_RETURN;
-                return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL | (enter ? DLGC_WANTMESSAGE : 0);
-            }
-            break;
-        default:
-            break;
-    }
-    const auto own = std::find_if(self->m_procedures.begin(), self->m_procedures.end(),
-                                  [window](const auto& one) { return one.first == window; });
-    return CallWindowProcW(own->second, window, message, wParam, lParam);
-}
-
-LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        auto* const made =
-            static_cast<EntryWindow*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
-        if (!made) {
-            return FALSE;
-        }
-        made->m_window = window;
-        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
-    }
-    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
-    if (!self) {
-        return DefWindowProcA(window, message, wParam, lParam);
-    }
-    if (message == WM_NCDESTROY) {
-        self->m_window = nullptr;
-        SetWindowLongPtrA(window, GWLP_USERDATA, 0);
-        return DefWindowProcA(window, message, wParam, lParam);
-    }
-    return answerInside(window, [&] {
-        self->m_panel.relayToTooltip(window, message, wParam, lParam);
-        return self->message(message, wParam, lParam);
-    });
-}
-
-LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-        case WM_SIZE:
-            layout(partsIn(LOWORD(lParam), HIWORD(lParam)));
-            fitSwitchText();
-            return 0;
-        case WM_PAINT:
-            paint();
-            return 0;
-        case WM_COMMAND:
-            command(HIWORD(wParam), reinterpret_cast<HWND>(lParam));
-            return 0;
-        case WM_HSCROLL:
-            if (m_track) {
-                slid(LOWORD(wParam));
-            }
-            return 0;
-        case WM_NOTIFY: {
-            const auto* const header = reinterpret_cast<const NMHDR*>(lParam);
-            if (header && m_spin && header->hwndFrom == m_spin &&
-                header->code == static_cast<UINT>(UDN_DELTAPOS)) {
-                if (GetFocus() != m_field) {
-                    SetFocus(m_field);
-                }
-                spun(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta > 0);
-                return TRUE;
-            }
-            return 0;
-        }
-        case WM_DRAWITEM:
-            if (lParam && facts().field == EntryField::Heading) {
-                drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-            } else if (lParam && facts().field == EntryField::ColourField) {
-                drawColour(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-            }
-            return TRUE;
-        case WM_CTLCOLORSTATIC: {
-            const LRESULT ground = DefWindowProcA(m_window, message, wParam, lParam);
-            if (extrasOf(facts()).alarming && reinterpret_cast<HWND>(lParam) == m_label) {
-                SetTextColor(reinterpret_cast<HDC>(wParam), RGB(176, 0, 0));
-            }
-            return ground;
-        }
-        case WM_CTLCOLOREDIT: {  // what was refused stands on another ground
-            if (!m_panel.draftOf(m_row)) {
-                return DefWindowProcA(m_window, message, wParam, lParam);
-            }
-            const auto dc = reinterpret_cast<HDC>(wParam);
-            SetTextColor(dc, RGB(120, 0, 0));
-            SetBkColor(dc, RGB(255, 225, 225));
-            SetDCBrushColor(dc, RGB(255, 225, 225));
-            return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
-        }
-        case WM_LBUTTONDOWN:
-            if (m_field) {
-                SetFocus(m_field);
-            }
-            return 0;
-        case WM_CONTEXTMENU:
-            m_panel.menuSoon(m_row, m_field, lParam);
-            return 0;
-        default:
-            return DefWindowProcA(m_window, message, wParam, lParam);
-    }
 }
 
 }  // namespace zoka

@@ -12,14 +12,11 @@
 #include "controls/EntryModel.h"
 #include "controls/PanelLayout.h"
 #include "controls/TextSet.h"
+#include "controls/win/ChoiceList.h"
 
 namespace zoka {
 
 class EntryPanel;
-
-inline UINT codePageOf(TextSet set) {
-    return set == TextSet::Utf8 ? CP_UTF8 : CP_ACP;
-}
 
 // Made for rows in sight; one whose row leaves it shows another row or is freed, as the value stands in the model.
 // None of its procedures runs a loop of its own (a menu, a box), so that neither happens while one is at work.
@@ -67,8 +64,6 @@ private:
     HWND make(const char* className, const std::string& text, DWORD style, DWORD exStyle, int id, HFONT font,
               const PanelRect& at);
     void fitControls();
-    void fillDropList();
-    void showChoice(const std::string& value);
     void layout(const Parts& at);
     void paint();
     void drawHeading(const DRAWITEMSTRUCT& item) const;
@@ -81,7 +76,6 @@ private:
     void spun(bool up);
     bool keyDown(HWND control, WPARAM key);
     std::optional<std::string> fieldText(std::string& why) const;
-    std::string chosenValue() const;
     UINT codePage() const;
     void setFieldText(const std::string& value);
     void showBeginning();
@@ -108,7 +102,7 @@ private:
     std::string m_atFocus;    // the value when the field got the keyboard
     bool m_differentAtFocus = false;
     bool m_updating = false, m_typing = false, m_marked = false;
-    bool m_foreign = false;  // the drop list begins with a value that is no choice
+    ChoiceList m_choices;
 };
 
 }  // namespace zoka

@@ -1,0 +1,242 @@
+// What comes from the user and from the row's controls.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "controls/win/EntryPanel.h"
+#include "controls/win/EntryWindow.h"
+#include "ui/win/Window.h"
+
+namespace zoka {
+
+// The longer the button is held, the faster; counted here, because systems differ in how they take a table of speeds.
+void EntryWindow::spun(bool up) {
+    const DWORD held = GetTickCount() - m_spinPressed;
+    const int steps = held < 2000 ? 1 : held < 4000 ? 5 : 20;
+    step(up ? steps : -steps);
+}
+
+void EntryWindow::slid(WORD code) {
+    const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
+    std::string why;
+    const bool isStep = code == TB_LINEUP || code == TB_LINEDOWN || code == TB_PAGEUP || code == TB_PAGEDOWN;
+    if (position != model().sliderPosition() && !(isStep && refusesSteps()) &&
+        !m_panel.rows().setValue(m_row, model().textAt(position), &why, true)) {
+        refused(why);
+    }
+    showValue();
+    if (code == TB_ENDTRACK) {
+        m_panel.rows().leaveField();
+    }
+}
+
+void EntryWindow::command(WORD code, HWND control) {
+    if (m_updating) {
+        return;
+    }
+    if (m_browse && control == m_browse && code == BN_CLICKED) {
+        return m_panel.browseSoon(m_row);
+    }
+    if (!control || control != m_field) {
+        return;
+    }
+    if (facts().field == EntryField::Heading && code == BN_CLICKED) {
+        m_panel.fold(m_row, !m_panel.rows().filter.isFolded(m_row));
+        InvalidateRect(m_field, nullptr, TRUE);
+    } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
+        std::string why;
+        if (!m_panel.rows().setValue(m_row, model().isOn() && !model().isDifferent() ? "0" : "1", &why,
+                                     false)) {
+            refused(why);
+        }
+    } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
+        std::string why;
+        if (!m_panel.rows().setValue(m_row, m_choices.chosen(facts()).value_or(model().value()), &why,
+                                     false)) {
+            refused(why);
+            showValue();
+        }
+    } else if (isEdit() && code == EN_CHANGE) {
+        typed();
+    }
+}
+
+bool EntryWindow::keyDown(HWND control, WPARAM key) {
+    if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
+        if (key == 'A' && control == m_field && isEdit()) {
+            SendMessageA(m_field, EM_SETSEL, 0, -1);
+            return true;
+        }
+        return m_panel.host().shortcut(key);
+    }
+    if (control == m_field && isNumber(facts().field) && (key == VK_UP || key == VK_DOWN)) {
+        step(key == VK_UP ? 1 : -1);
+        return true;
+    }
+    if ((key == VK_PRIOR || key == VK_NEXT) && control != m_track && !isMultiLine() &&
+        facts().field != EntryField::DropList) {
+        PostMessageA(m_panel.window(), WM_VSCROLL, key == VK_PRIOR ? SB_PAGEUP : SB_PAGEDOWN, 0);
+        return true;
+    }
+    return false;
+}
+
+LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    return answerInside(window, [&] { return self->fieldMessage(window, message, wParam, lParam); });
+}
+
+LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    m_panel.relayToTooltip(window, message, wParam, lParam);
+    switch (message) {
+        case WM_SETFOCUS:
+            m_atFocus = model().value();
+            m_differentAtFocus = model().isDifferent();
+            m_panel.fieldFocused(m_row);
+            break;
+        case WM_KILLFOCUS:
+            if (window == m_field && !m_updating) {
+                commit();
+                if (isEdit() && !isMultiLine()) {
+                    showBeginning();
+                }
+                m_panel.rows().leaveField();
+            }
+            break;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            if (window == m_spin) {
+                m_spinPressed = GetTickCount();
+            }
+            break;
+        case WM_MOUSEWHEEL:
+            if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == m_field &&
+                facts().field == EntryField::DropList) {
+                break;
+            }
+            PostMessageA(m_panel.window(), WM_MOUSEWHEEL, wParam, lParam);
+            return 0;
+        case WM_KEYDOWN:
+            if (keyDown(window, wParam)) {
+                return 0;
+            }
+            break;
+        case WM_CHAR:
+            // The letters of Ctrl+Z and the like, whose keys were seen already.
+            if (wParam < ' ' && GetKeyState(VK_CONTROL) < 0 &&
+                (GetKeyState(VK_SHIFT) < 0 || (wParam != 3 && wParam != 22 && wParam != 24))) {
+                return 0;
+            }
+            break;
+        case WM_CONTEXTMENU:
+            m_panel.menuSoon(m_row, window, lParam);
+            return 0;
+        case WM_GETDLGCODE:
+            if (window == m_field && isMultiLine()) {
+                const auto* const pressed = reinterpret_cast<const MSG*>(lParam);
+                const bool enter = pressed && pressed->message == WM_KEYDOWN && pressed->wParam == VK_RETURN;
+                return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL | (enter ? DLGC_WANTMESSAGE : 0);
+            }
+            break;
+        default:
+            break;
+    }
+    const auto own = std::find_if(m_procedures.begin(), m_procedures.end(),
+                                  [window](const auto& one) { return one.first == window; });
+    return CallWindowProcW(own->second, window, message, wParam, lParam);
+}
+
+LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* const made =
+            static_cast<EntryWindow*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
+        if (!made) {
+            return FALSE;
+        }
+        made->m_window = window;
+        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+    }
+    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    if (!self) {
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    if (message == WM_NCDESTROY) {
+        self->m_window = nullptr;
+        SetWindowLongPtrA(window, GWLP_USERDATA, 0);
+        return DefWindowProcA(window, message, wParam, lParam);
+    }
+    return answerInside(window, [&] {
+        self->m_panel.relayToTooltip(window, message, wParam, lParam);
+        return self->message(message, wParam, lParam);
+    });
+}
+
+LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_SIZE:
+            layout(partsIn(LOWORD(lParam), HIWORD(lParam)));
+            fitSwitchText();
+            return 0;
+        case WM_PAINT:
+            paint();
+            return 0;
+        case WM_COMMAND:
+            command(HIWORD(wParam), reinterpret_cast<HWND>(lParam));
+            return 0;
+        case WM_HSCROLL:
+            if (m_track) {
+                slid(LOWORD(wParam));
+            }
+            return 0;
+        case WM_NOTIFY: {
+            const auto* const header = reinterpret_cast<const NMHDR*>(lParam);
+            if (header && m_spin && header->hwndFrom == m_spin &&
+                header->code == static_cast<UINT>(UDN_DELTAPOS)) {
+                if (GetFocus() != m_field) {
+                    SetFocus(m_field);
+                }
+                spun(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta > 0);
+                return TRUE;
+            }
+            return 0;
+        }
+        case WM_DRAWITEM:
+            if (lParam && facts().field == EntryField::Heading) {
+                drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            } else if (lParam && facts().field == EntryField::ColourField) {
+                drawColour(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            }
+            return TRUE;
+        case WM_CTLCOLORSTATIC: {
+            const LRESULT ground = DefWindowProcA(m_window, message, wParam, lParam);
+            if (extrasOf(facts()).alarming && reinterpret_cast<HWND>(lParam) == m_label) {
+                SetTextColor(reinterpret_cast<HDC>(wParam), RGB(176, 0, 0));
+            }
+            return ground;
+        }
+        case WM_CTLCOLOREDIT: {  // what was refused stands on another ground
+            if (!m_panel.draftOf(m_row)) {
+                return DefWindowProcA(m_window, message, wParam, lParam);
+            }
+            const auto dc = reinterpret_cast<HDC>(wParam);
+            SetTextColor(dc, RGB(120, 0, 0));
+            SetBkColor(dc, RGB(255, 225, 225));
+            SetDCBrushColor(dc, RGB(255, 225, 225));
+            return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
+        }
+        case WM_LBUTTONDOWN:
+            if (m_field) {
+                SetFocus(m_field);
+            }
+            return 0;
+        case WM_CONTEXTMENU:
+            m_panel.menuSoon(m_row, m_field, lParam);
+            return 0;
+        default:
+            return DefWindowProcA(m_window, message, wParam, lParam);
+    }
+}
+
+}  // namespace zoka
