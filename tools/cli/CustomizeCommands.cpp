@@ -12,9 +12,9 @@
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
-#include "plugin/host/FolderHost.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
+#include "tools/cli/OpenScript.h"
 #include "tools/cli/SuitePath.h"
 #include "util/FileLock.h"
 #include "util/KeyedHash.h"
@@ -39,144 +39,6 @@ void print(const std::string& text) {
 }
 
 constexpr std::string_view kLineEndShown = "\\n";
-
-// The line of each entry's value, in the entries' order.
-std::vector<int> valueLines(const CustomScript& script) {
-    std::vector<int> lines;
-    size_t counted = 0;
-    int line = 1;
-    for (const CustomEntry& entry : script.entries) {
-        if (entry.hasValue() && entry.valueStart >= counted) {
-            line += static_cast<int>(
-                std::count(script.text.begin() + static_cast<ptrdiff_t>(counted),
-                           script.text.begin() + static_cast<ptrdiff_t>(entry.valueStart), '\n'));
-            counted = entry.valueStart;
-        }
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-// How a command names the entry: by its id or, without one, by its line.
-std::string nameOf(const CustomEntry& entry, int line) {
-    return entry.id >= 1 ? std::to_string(entry.id) : '@' + std::to_string(line);
-}
-
-// A script opened as the panel opens it. Its own folder is the project's, so saving stays there.
-class OpenScript {
-public:
-    // One that `changes` holds its lock as long as it is open.
-    OpenScript(const std::string& file, bool changes)
-        : m_given(file),
-          m_path(osFiles().fullPath(suitePath(file))),
-          m_host({.project = std::string(folderOf(m_path)), .suite = std::string(folderOf(m_path))}),
-          m_session(m_host, userPrompt()) {
-        workOn(file);
-        if (changes) {
-            m_lock.emplace(m_path);
-            if (!*m_lock) {
-                complain(m_lock->error());
-                return;
-            }
-        }
-        m_open = m_session.open(m_path);
-        if (!m_open) {
-            const std::string& problem = m_session.problem();
-            complain("cannot read " + file + ": " + problem.substr(problem.find("': ") + 3));
-        } else if (m_session.script().text.find('\0') != std::string::npos) {
-            complain(file + " is no script: it holds bytes that no text has");
-            m_open = false;
-        } else if (std::ranges::none_of(m_session.script().entries, &CustomEntry::hasValue)) {
-            complain(file + " offers no values: no comment of it declares one");
-        }
-    }
-
-    bool isOpen() const { return m_open; }
-    const std::string& path() const { return m_path; }
-    CustomizeSession& session() { return m_session; }
-
-    // The entry of an id, of a line of the script as "@12", or of a label; -1 after a complaint. Case doesn't count.
-    int find(const std::string& name) {
-        const CustomScript& script = m_session.script();
-        const std::string label = foldedText(name, textSetOf(name));
-        const std::string line = name.starts_with('@') ? name.substr(1) : std::string();
-        const auto matching = [&](const auto& matches) {
-            std::vector<int> found;
-            for (size_t i = 0; i < m_session.size(); ++i) {
-                if (script.entries[i].hasValue() && matches(i)) {
-                    found.push_back(static_cast<int>(i));
-                }
-            }
-            return found;
-        };
-        const auto isLine = [&line](int number) { return std::to_string(number) == line; };
-        std::vector<int> found = matching([&](size_t i) {
-            return script.entries[i].id >= 1 && std::to_string(script.entries[i].id) == name;
-        });
-        if (found.empty() && !line.empty()) {
-            found = matching([&](size_t i) { return isLine(script.entries[i].line); });
-        }
-        if (found.size() != 1 && !line.empty()) {  // lines below one switch
-            const std::vector<int> lines = valueLines(script);
-            const std::vector<int> byValue = matching([&](size_t i) { return isLine(lines[i]); });
-            found = byValue.empty() ? found : byValue;
-        }
-        if (found.empty()) {
-            found = matching([&](size_t i) {
-                return foldedText(script.entries[i].label, script.set) == label ||
-                       foldedText(m_session.row(i).facts().label, script.set) == label;
-            });
-        }
-        if (found.size() == 1) {
-            return found.front();
-        }
-        if (found.empty()) {
-            complain("no entry has the id, label or line \"" + name + "\"");
-            return -1;
-        }
-        const std::vector<int> lines = valueLines(script);
-        std::string names;
-        for (const int i : found) {
-            names += (names.empty() ? "@" : ", @") + std::to_string(lines[static_cast<size_t>(i)]);
-        }
-        complain("several entries are called \"" + name + "\"; name it by its line: " + names);
-        return -1;
-    }
-
-    // What an argument, or a line of a file, means in the script's character set. Nothing after a complaint.
-    std::optional<std::string> inScript(const std::string& text, TextSet set, std::string& why) {
-        return convertText(text, set, m_session.script().set, &why);
-    }
-
-    // Saves, or with a dry run prints the lines that saving would change.
-    ExitStatus finish(bool dryRun) {
-        if (dryRun) {
-            const std::vector<ScriptEdit> edits = editsOf(m_session.script());
-            printPatch(unifiedDifference(m_session.script().fileText(),
-                                         editedText(m_session.script().fileText(), edits), m_given, m_given));
-            return ExitStatus::Done;
-        }
-        switch (m_session.save()) {
-            case SaveResult::Saved:
-            case SaveResult::NothingToSave:
-                return ExitStatus::Done;
-            case SaveResult::Cancelled:
-                complain("not saved");
-                return ExitStatus::Findings;
-            case SaveResult::Failed:
-                break;
-        }
-        complain(m_session.problem());
-        return ExitStatus::Failed;
-    }
-
-private:
-    std::string m_given, m_path;
-    std::optional<FileLock> m_lock;
-    FolderHost m_host;
-    CustomizeSession m_session;
-    bool m_open = false;
-};
 
 // The template of a script, from its own file name or the folder that it lies in.
 std::string templateFile(const std::string& script, const std::string& given) {
