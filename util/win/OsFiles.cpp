@@ -62,15 +62,21 @@ std::string describeError(DWORD code) {
 constexpr DWORD kPatienceMs = 1000;
 constexpr DWORD kRetryMs = 20;
 
+bool isHeldByOther(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+// A file that another program has open is refused as if it were forbidden when another is moved to its place.
+bool isTargetHeldByOther(DWORD error) {
+    return error == ERROR_ACCESS_DENIED || isHeldByOther(error);
+}
+
 // Does it again for a second while another program holds the file: virus scanners look into fresh ones.
 // `failed` says whether the last try did.
 template <class Try, class Failed>
-auto patiently(const Try& attempt, const Failed& failed) {
+auto patiently(const Try& attempt, const Failed& failed, bool (*isHeld)(DWORD error) = isHeldByOther) {
     const DWORD start = GetTickCount();
     auto result = attempt();
-    while (failed(result) &&
-           (GetLastError() == ERROR_SHARING_VIOLATION || GetLastError() == ERROR_LOCK_VIOLATION) &&
-           GetTickCount() - start < kPatienceMs) {
+    while (failed(result) && isHeld(GetLastError()) && GetTickCount() - start < kPatienceMs) {
         Sleep(kRetryMs);
         result = attempt();
     }
@@ -210,9 +216,23 @@ private:
     bool m_known = false;
 };
 
-// The system removes the file with the last handle, also when the process is killed.
-// A mutex keeps the programs of this machine apart, the file those of others that share the folder. The mutex comes
-// first and goes last: when several wait, Wine may open the file for one while another's is just being removed.
+// A name of the system's for a file's lock: the same in all programs, so its hash has no key. Two files that share one
+// only wait for each other.
+std::wstring mutexName(const std::wstring& path) {
+    std::uint64_t hash = 0xcbf29ce484222325;  // FNV-1a
+    for (const wchar_t letter : path) {
+        hash = (hash ^ letter) * 0x100000001b3;
+    }
+    return L"Local\\zoka-lock-" + std::to_wstring(hash);
+}
+
+// The system removes the file with the last handle, also when the process is killed. Nobody else can open it before, so
+// it keeps apart programs of every session and of every machine that shares the folder.
+//
+// The mutex is for the programs of one session: when several wait, Wine tells one now and then of a file left behind
+// that was another's and is just being removed. The mutex comes first and goes last.
+// There is none for all sessions ("Global\"): its access list would have to let every user of the machine in, and then
+// any of them could keep all others waiting. A mutex belongs to its thread: a lock is freed on the thread that took it.
 class WinLock : public OsLock {
 public:
     ~WinLock() override {
@@ -221,10 +241,9 @@ public:
             ReleaseMutex(m_mutex.get());
         }
     }
-    // False while another program of this machine has the lock. Where no mutex can be made the file serves alone.
+    // False while another program of this session has the lock. Where no mutex can be made the file serves alone.
     bool take(const std::wstring& path) {
-        std::wstring name = L"Local\\zoka-lock-" + std::to_wstring(std::hash<std::wstring>()(path));
-        const HANDLE mutex = CreateMutexW(nullptr, FALSE, name.c_str());
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, mutexName(path).c_str());
         if (!mutex) {
             return true;
         }
@@ -414,17 +433,24 @@ public:
             state = OsLockState::Held;
             return nullptr;
         }
-        const bool made =
-            lock->hold(CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
-                                   FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
-        const DWORD why = GetLastError();
-        if (made) {
-            state = why == ERROR_ALREADY_EXISTS ? OsLockState::TakenOver : OsLockState::Taken;
-            return lock;
+        // One that is just being removed is refused as if it were forbidden; where it is gone by the next look, the
+        // next try shows whether the folder takes any.
+        constexpr int kTries = 3;
+        DWORD why = ERROR_SUCCESS;
+        bool there = false;
+        for (int i = 0; i < kTries && !there; ++i) {
+            const bool made =
+                lock->hold(CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                                       FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+            why = GetLastError();
+            if (made) {
+                state = why == ERROR_ALREADY_EXISTS ? OsLockState::TakenOver : OsLockState::Taken;
+                return lock;
+            }
+            there = why != ERROR_ACCESS_DENIED ||
+                    GetFileAttributesW(native.c_str()) != INVALID_FILE_ATTRIBUTES ||
+                    (GetLastError() != ERROR_FILE_NOT_FOUND && GetLastError() != ERROR_PATH_NOT_FOUND);
         }
-        // One that is just being removed is refused as if it were forbidden.
-        const bool there = GetFileAttributesW(native.c_str()) != INVALID_FILE_ATTRIBUTES ||
-                           (GetLastError() != ERROR_FILE_NOT_FOUND && GetLastError() != ERROR_PATH_NOT_FOUND);
         state = why == ERROR_SHARING_VIOLATION || why == ERROR_DELETE_PENDING ||
                         (why == ERROR_ACCESS_DENIED && there)
                     ? OsLockState::Held
@@ -500,7 +526,7 @@ private:
     static bool moveFile(const std::string& own, const std::wstring& from, const std::wstring& to,
                          DWORD how) {
         const bool moved = patiently([&] { return MoveFileExW(from.c_str(), to.c_str(), how) != 0; },
-                                     [](bool done) { return !done; });
+                                     [](bool done) { return !done; }, isTargetHeldByOther);
         if (moved) {
             forgetOwnFile(own);
         }

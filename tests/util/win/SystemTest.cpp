@@ -78,19 +78,21 @@ TEST(SafeWrite, RefusesAFileThatIsReadOnlyOrThatAnotherProgramHolds) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
 }
 
-// A virus scanner looks into what was just written.
+// A virus scanner looks into what was just written. One that lets others write is in the way of the move alone.
 TEST(SafeWrite, WaitsForAProgramThatHoldsTheFileForAMoment) {
-    const TempFolder folder;
-    const std::string path = folder.write("a.kez", "old");
-    HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(other, INVALID_HANDLE_VALUE);
-    std::thread scanner([other] {
-        Sleep(200);
-        CloseHandle(other);
-    });
-    EXPECT_EQ(safeWrite(path, "new").error, "");
-    scanner.join();
-    EXPECT_EQ(folder.read("a.kez"), "new");
+    for (const DWORD share : {0ul, static_cast<DWORD>(FILE_SHARE_READ | FILE_SHARE_WRITE)}) {
+        const TempFolder folder;
+        const std::string path = folder.write("a.kez", "old");
+        HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(other, INVALID_HANDLE_VALUE);
+        std::thread scanner([other] {
+            Sleep(200);
+            CloseHandle(other);
+        });
+        EXPECT_EQ(safeWrite(path, "new").error, "") << share;
+        scanner.join();
+        EXPECT_EQ(folder.read("a.kez"), "new");
+    }
 }
 
 // The suite's longest path leaves no room for the name of a sibling.
