@@ -1,8 +1,7 @@
 #include "J8ProjectWizard/CreationPlan.h"
 
-#include <unordered_set>
-
 #include "J8ProjectWizard/WizardNames.h"
+#include "util/KeyedHash.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
 #include "xml/XMLRead.h"
@@ -98,7 +97,7 @@ private:
         return key;
     }
 
-    std::unordered_set<std::string> m_files, m_folders;
+    KeyedSet<std::string> m_files, m_folders;
 };
 
 }  // namespace

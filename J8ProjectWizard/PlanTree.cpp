@@ -67,7 +67,7 @@ private:
         std::vector<size_t> children;
     };
     std::vector<Node> m_nodes;
-    std::unordered_map<std::string, size_t> m_folders;
+    KeyedMap<std::string, size_t> m_folders;
 };
 
 PlanRow rowOf(const PlannedFile& file) {

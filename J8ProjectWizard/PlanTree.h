@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "J8ProjectWizard/CreationPlan.h"
+#include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 
 namespace zoka {
@@ -75,7 +75,7 @@ private:
 
     std::vector<PlanRow> m_rows;
     std::vector<std::string> m_sources;  // each once, in the order of the rows
-    std::unordered_map<std::string, Facts> m_facts;
+    KeyedMap<std::string, Facts> m_facts;
     size_t m_unseen = 0;
 };
 

@@ -85,6 +85,20 @@ expect "two blanks" 123 "util/A.h:1:4: error: code should be clang-formatted" "$
 printf 'int x;\n' >"$tree/util/A.h"
 expect "laid out as it should be" 0 "" "$checks/format.sh" "$tree"
 
+# Hashes: a declaration, text of the finding ("" for none).
+tree=$scratch/hashes
+mkdir -p "$tree/templates"
+while IFS='|' read -r code text; do
+    printf '// first line\n%s\n' "$code" >"$tree/templates/A.h"
+    expect "$code" "$([ -z "$text" ] && echo 0 || echo 1)" "$text" "$checks/hashes.sh" "$tree"
+done <<'ROWS'
+std::unordered_map<std::string, int> m_rows;|templates/A.h:2: std::unordered_map<std::string, int> m_rows;
+    const std::unordered_multiset< const std::string_view > all;|templates/A.h:2:
+size_t h = std::hash<std::wstring>()(path);|templates/A.h:2:
+std::unordered_set<size_t> m_numbers;|
+KeyedMap<std::string, int> m_rows;|
+ROWS
+
 # Names: a declaration, text of the finding ("" for none).
 tree=$scratch/names
 mkdir -p "$tree/util"

@@ -81,6 +81,7 @@ end_window_tests() {
 check includes $here/includes.sh
 check lineends $here/lineends.sh
 check format $here/format.sh
+check hashes $here/hashes.sh
 check checks tests/check/run.sh
 
 linux= asan= tsan= windows=
