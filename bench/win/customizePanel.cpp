@@ -14,17 +14,20 @@
 #include <vector>
 
 #include "bench/win/Measure.h"
-#include "customize/win/CustomizeControls.h"
+#include "controls/PanelLayout.h"
+#include "controls/win/ControlClasses.h"
 #include "customize/win/CustomizeDialog.h"
 #include "plugin/win/Resources.h"
 #include "tests/support/FakeEditor.h"
 #include "tests/support/TempFolder.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka::bench {
 namespace {
 
 constexpr int kRounds = 7, kPages = 10;
 constexpr int kFew = 1000, kMany = 20000;
+enum : int { kSearch = 1103, kRows = 1105 };  // the panel's controls
 constexpr const char* kSearched = "Speed 99";
 
 // Everything that is waiting to be done and painted.
