@@ -20,6 +20,11 @@ SliderPlaces placesIn(int width, int height, int numberWidth) {
     return {{0, 0, std::max(width - number - height / 5, 0), height}, {width - number, 0, number, height}};
 }
 
+// The system's own thumb has one size on every screen.
+void fitThumb(HWND track, int height) {
+    SendMessageA(track, TBM_SETTHUMBLENGTH, static_cast<WPARAM>(height * 4 / 5), 0);
+}
+
 }  // namespace
 
 HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWidth, const PanelRect& place) {
@@ -32,9 +37,12 @@ HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWi
     }
     SetWindowLongPtrA(window, GWLP_USERDATA, numberWidth);
     const SliderPlaces at = placesIn(place.width, place.height, numberWidth);
-    CreateWindowExA(0, TRACKBAR_CLASSA, "", WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_NOTICKS,
-                    at.track.x, at.track.y, at.track.width, at.track.height, window,
-                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderTrack)), instance, nullptr);
+    const HWND track = CreateWindowExA(
+        0, TRACKBAR_CLASSA, "",
+        WS_CHILD | WS_VISIBLE | WS_TABSTOP | TBS_HORZ | TBS_BOTH | TBS_NOTICKS | TBS_FIXEDLENGTH, at.track.x,
+        at.track.y, at.track.width, at.track.height, window,
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(kSliderTrack)), instance, nullptr);
+    fitThumb(track, at.track.height);
     const HWND number =
         CreateWindowExW(WS_EX_CLIENTEDGE, wideText(decimal ? kFloatEditClass : kIntEditClass).c_str(), L"",
                         WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, at.number.x, at.number.y,
@@ -53,6 +61,7 @@ LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARA
                 MoveWindow(GetDlgItem(window, id), to.x, to.y, to.width, to.height, TRUE);
             };
             move(kSliderTrack, at.track);
+            fitThumb(GetDlgItem(window, kSliderTrack), at.track.height);
             move(kSliderNumber, at.number);
             return 0;
         }
