@@ -184,6 +184,10 @@ void EntryWindow::makeControls(const Parts& at) {
             edit("EDIT", isMultiLine() ? ES_MULTILINE | ES_WANTRETURN | WS_VSCROLL : 0);
             break;
     }
+    if (isEdit() && !isMultiLine() && m_field) {
+        m_centred = true;
+        renewFrame(m_field);
+    }
 }
 
 // What differs between entries that have the same controls.
@@ -323,7 +327,7 @@ void EntryWindow::showValue() {
     } else if (!m_typing) {
         const EntryPanel::Draft* const draft = m_panel.draftOf(m_row);
         setFieldText(draft ? draft->text : utf8Text(value, facts().set));
-        InvalidateRect(m_field, nullptr, TRUE);
+        repaintField();
     }
     if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition()) {
         SendMessageA(m_track, TBM_SETPOS, TRUE, model().sliderPosition());
@@ -376,7 +380,7 @@ void EntryWindow::typed() {
         }
     }
     m_typing = false;
-    InvalidateRect(m_field, nullptr, TRUE);
+    repaintField();
 }
 
 bool EntryWindow::commit() {

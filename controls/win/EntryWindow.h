@@ -78,6 +78,7 @@ private:
     std::optional<std::string> fieldText(std::string& why) const;
     UINT codePage() const;
     void setFieldText(const std::string& value);
+    void repaintField();
     void showBeginning();
     void fitSwitchText();
     void giveBack();
@@ -101,6 +102,7 @@ private:
     DWORD m_spinPressed = 0;  // ticks
     std::string m_atFocus;    // the value when the field got the keyboard
     bool m_differentAtFocus = false;
+    bool m_centred = false;  // the field is an edit of one line, with its text in the middle of its height
     bool m_updating = false, m_typing = false, m_marked = false;
     ChoiceList m_choices;
 };

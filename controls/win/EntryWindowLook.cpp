@@ -107,6 +107,11 @@ void EntryWindow::paint() {
     EndPaint(m_window, &painting);
 }
 
+// Its border too, which stands on the same ground.
+void EntryWindow::repaintField() {
+    RedrawWindow(m_field, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+}
+
 void EntryWindow::drawHeading(const DRAWITEMSTRUCT& item) const {
     RECT area = item.rcItem;
     FillRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNFACE));

@@ -145,7 +145,8 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
     }
     const auto own = std::find_if(m_procedures.begin(), m_procedures.end(),
                                   [window](const auto& one) { return one.first == window; });
-    return CallWindowProcW(own->second, window, message, wParam, lParam);
+    const LRESULT answer = CallWindowProcW(own->second, window, message, wParam, lParam);
+    return m_centred && window == m_field ? centredFieldAnswer(window, message, lParam, answer) : answer;
 }
 
 LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

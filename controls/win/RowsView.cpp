@@ -92,8 +92,7 @@ void RowsView::create(HWND parent, const WindowFonts& fonts, int firstId) {
     m_firstId = firstId;
     const HFONT font = fonts.text();
     makeControl(parent, "STATIC", "Searc&h:", 0, 0, firstId + kSearchLabel, font);
-    m_search = makeControl(parent, "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE,
-                           firstId + kSearch, font);
+    m_search = makeField(parent, firstId + kSearch, fonts);
     join(m_search);
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
     join(makeControl(parent, "BUTTON", "Changed &only", BS_AUTOCHECKBOX | WS_TABSTOP, 0,

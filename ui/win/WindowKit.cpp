@@ -99,48 +99,11 @@ void paintFieldBands(HWND field) {
     ReleaseDC(field, dc);
 }
 
-// A field of one line shows its text at the top of its inside, so the inside is made as high as the text.
 LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
-    constexpr LONG kAir = 1;  // the field keeps that itself
-    switch (message) {
-        case WM_NCCALCSIZE: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            RECT& inside = *reinterpret_cast<RECT*>(lParam);  // the first member of either structure
-            const LONG spare = inside.bottom - inside.top - textHeightOf(window) - 2 * kAir;
-            if (spare > 1) {
-                inside.top += spare / 2;
-                inside.bottom -= spare - spare / 2;
-            }
-            return result;
-        }
-        case WM_NCPAINT: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            paintFieldBands(window);
-            return result;
-        }
-        case WM_NCHITTEST: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            return result == HTNOWHERE || result == HTBORDER ? HTCLIENT : result;
-        }
-        case WM_ENABLE:
-        case EM_SETREADONLY: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            RedrawWindow(window, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE);
-            return result;
-        }
-        case WM_SETFONT: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            SetWindowPos(window, nullptr, 0, 0, 0, 0,
-                         SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
-            return result;
-        }
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(window, fieldProc, id);
-            break;
-        default:
-            break;
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, fieldProc, id);
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return centredFieldAnswer(window, message, lParam, DefSubclassProc(window, message, wParam, lParam));
 }
 
 BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) {
@@ -294,7 +257,41 @@ HWND makeField(HWND parent, int id, const WindowFonts& fonts, DWORD style) {
 
 void centreFieldText(HWND edit) {
     SetWindowSubclass(edit, fieldProc, 3, 0);
-    SetWindowPos(edit, nullptr, 0, 0, 0, 0,
+    renewFrame(edit);
+}
+
+// A field of one line shows its text at the top of its inside, so the inside is made as high as the text.
+LRESULT centredFieldAnswer(HWND edit, UINT message, LPARAM lParam, LRESULT own) {
+    constexpr LONG kAir = 1;  // the field keeps that itself
+    switch (message) {
+        case WM_NCCALCSIZE: {
+            RECT& inside = *reinterpret_cast<RECT*>(lParam);  // the first member of either structure
+            const LONG spare = inside.bottom - inside.top - textHeightOf(edit) - 2 * kAir;
+            if (spare > 1) {
+                inside.top += spare / 2;
+                inside.bottom -= spare - spare / 2;
+            }
+            return own;
+        }
+        case WM_NCPAINT:
+            paintFieldBands(edit);
+            return own;
+        case WM_NCHITTEST:
+            return own == HTNOWHERE || own == HTBORDER ? HTCLIENT : own;
+        case WM_ENABLE:
+        case EM_SETREADONLY:
+            RedrawWindow(edit, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE);
+            return own;
+        case WM_SETFONT:
+            renewFrame(edit);
+            return own;
+        default:
+            return own;
+    }
+}
+
+void renewFrame(HWND window) {
+    SetWindowPos(window, nullptr, 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
 }
 

@@ -81,6 +81,11 @@ HWND makeDropList(HWND parent, int id, const WindowFonts& fonts);
 HWND makeField(HWND parent, int id, const WindowFonts& fonts, DWORD style = 0);
 // Gives that to an edit control of one line, whatever its class.
 void centreFieldText(HWND edit);
+// The same for an edit control whose messages its owner sees already: what is to be answered to each of them in place
+// of `own`, its own procedure's answer. The owner then calls renewFrame once.
+LRESULT centredFieldAnswer(HWND edit, UINT message, LPARAM lParam, LRESULT own);
+// Lets a window lay out its border anew.
+void renewFrame(HWND window);
 // A field of several lines to read and copy from: Tab, Enter and Escape are the dialog's, Ctrl+A selects all.
 // Its scroll bar is there when it is needed.
 HWND makeReadOnlyText(HWND parent, int id, HFONT font);

@@ -206,8 +206,32 @@ bool isCutOff(HWND label, const RECT& area) {
     return needed.bottom > area.bottom;
 }
 
-// What is wrong within a control: a text that is cut off, a slider's thumb that isn't where the position is, spin
-// buttons too narrow for their height; empty when all is well.
+// Of the system's class, or of a plug-in's whose name ends like it.
+bool isFieldOfOneLine(HWND control) {
+    char name[64] = "";
+    const int length = GetClassNameA(control, name, sizeof name);
+    return length >= 4 && lstrcmpiA(name + length - 4, "Edit") == 0 &&
+           !(GetWindowLongA(control, GWL_STYLE) & ES_MULTILINE) && !isClass(GetParent(control), "ComboBox");
+}
+
+// Whether it has its text elsewhere than in the middle of its height, as its label has.
+bool isOffCentre(HWND field) {
+    RECT frame, text;
+    TEXTMETRICA metrics;
+    GetWindowRect(field, &frame);
+    ask(field, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
+    MapWindowPoints(field, nullptr, reinterpret_cast<POINT*>(&text), 2);
+    const HDC dc = GetDC(field);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(ask(field, WM_GETFONT)));
+    GetTextMetricsA(dc, &metrics);
+    SelectObject(dc, old);
+    ReleaseDC(field, dc);
+    const LONG above = text.top - frame.top, below = frame.bottom - (text.top + metrics.tmHeight);
+    return std::abs(above - below) > 2;
+}
+
+// What is wrong within a control: a text that is cut off or not in the middle of its field, a slider's thumb that is
+// small or isn't where the position is, spin buttons too narrow for their height; empty when all is well.
 std::string partFault(HWND control) {
     RECT area;
     GetClientRect(control, &area);
@@ -216,6 +240,9 @@ std::string partFault(HWND control) {
     }
     if (isClass(control, UPDOWN_CLASSA) && !(GetWindowLongA(control, GWL_STYLE) & UDS_HORZ)) {
         return area.right * 2 < area.bottom ? " is too narrow" : "";
+    }
+    if (isFieldOfOneLine(control)) {
+        return isOffCentre(control) ? " has its text above or below its middle" : "";
     }
     // A thumb takes its place when it's drawn.
     if (!isClass(control, TRACKBAR_CLASSA) || !isInSight(control)) {
@@ -231,6 +258,9 @@ std::string partFault(HWND control) {
     }
     const LRESULT place =
         channel.left + (channel.right - channel.left) * (ask(control, TBM_GETPOS) - least) / range;
+    if ((thumb.bottom - thumb.top) * 3 < area.bottom * 2) {
+        return " has a small thumb";
+    }
     const bool there =
         place >= thumb.left - (thumb.right - thumb.left) && place <= thumb.right + (thumb.right - thumb.left);
     return there ? "" : " has its thumb elsewhere than its position";
