@@ -249,6 +249,22 @@ void hostDelay(DriveContext& drive, const Words& words) {
     drive.editor.hostTable().setDelay(static_cast<unsigned>(driveNumber(words[0])));
 }
 
+void chooser(DriveContext& drive, const Words& words) {
+    if (words[0] != "system" && words[0] != "own") {
+        throw DriveFault("chooser is system or own");
+    }
+    drive.editor.host().setOwnChooser(words[0] == "own");
+}
+
+void destroyEditor(DriveContext& drive, const Words&) {
+    drive.editorWindow.destroy();
+}
+
+void makeEditor(DriveContext& drive, const Words&) {
+    drive.askEditor([&drive] { drive.editorWindow.create(true); });
+    drive.current = drive.editorWindow.handle();
+}
+
 }  // namespace
 
 void addEditorCommands(DriveCommands& table) {
@@ -278,6 +294,9 @@ void addEditorCommands(DriveCommands& table) {
     table["editor-interface"] = {1, 1, editorInterface};
     table["host"] = {1, 1, hostFault};
     table["host-delay"] = {1, 1, hostDelay};
+    table["chooser"] = {1, 1, chooser};
+    table["destroy-editor"] = {0, 0, destroyEditor};
+    table["make-editor"] = {0, 0, makeEditor};
 }
 
 }  // namespace zoka

@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tools/editor/win/DriveContext.h"
+#include "tools/editor/win/Keyboard.h"
 #include "tools/editor/win/WindowSearch.h"
 
 namespace zoka {
@@ -226,6 +227,38 @@ void hold(DriveContext& drive, const Words& words) {
     }
 }
 
+// drag move|size|caption: the keyboard or, by its caption, the mouse moves or sizes the current window from now on.
+void drag(DriveContext& drive, const Words& words) {
+    const HWND window = drive.window();
+    if (words[0] == "caption") {
+        if (!bringToFront(window, drive.patience)) {
+            throw DriveFault("the window does not come to the front");
+        }
+        RECT frame;
+        GetWindowRect(window, &frame);
+        SetCursorPos(frame.left + (frame.right - frame.left) / 2,
+                     frame.top + GetSystemMetrics(SM_CYSIZEFRAME) + GetSystemMetrics(SM_CYCAPTION) / 2);
+        INPUT press{};
+        press.type = INPUT_MOUSE;
+        press.mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
+        SendInput(1, &press, sizeof press);
+        press.mi.dwFlags = MOUSEEVENTF_MOVE;
+        press.mi.dx = press.mi.dy = 20;
+        SendInput(1, &press, sizeof press);
+    } else if (words[0] == "move" || words[0] == "size") {
+        PostMessageA(window, WM_SYSCOMMAND, words[0] == "move" ? SC_MOVE : SC_SIZE, 0);
+    } else {
+        throw DriveFault("drag is move, size or caption");
+    }
+    const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+    const auto moves = [thread] {
+        GUITHREADINFO state{};
+        state.cbSize = sizeof state;
+        return GetGUIThreadInfo(thread, &state) && (state.flags & GUI_INMOVESIZE) != 0;
+    };
+    drive.expect(moves, "the window to be moved or sized", [] { return std::string("it is not"); });
+}
+
 void contextMenu(DriveContext& drive, const Words& words) {
     // A menu that opens below the pointer would mark what lies there.
     SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);
@@ -361,6 +394,7 @@ void addInputCommands(DriveCommands& table) {
     table["wheel"] = {2, 2, wheel};
     table["hover"] = {2, 2, hover};
     table["hold"] = {3, 3, hold};
+    table["drag"] = {1, 1, drag};
     table["context-menu"] = {1, 2, contextMenu};
     table["random-messages"] = {3, 5, randomMessages};
 }

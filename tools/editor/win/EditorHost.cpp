@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
 #include <commdlg.h>
 
 #include <fstream>
@@ -18,6 +19,21 @@ bool exists(const std::string& path) {
 std::string mainScriptOf(const std::string& level) {
     const size_t dot = level.find_last_of('.');
     return dot == std::string::npos ? std::string() : level.substr(0, dot) + ".kez";
+}
+
+// Nothing is ever chosen in it.
+void showOwnChooser() {
+    const HWND window =
+        CreateWindowExA(0, WC_LISTVIEWA, "Choose a script", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 200, 200, 300,
+                        200, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    MSG message;
+    while (IsWindow(window) && GetMessageA(&message, nullptr, 0, 0) > 0) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    if (IsWindow(window)) {
+        DestroyWindow(window);
+    }
 }
 
 }  // namespace
@@ -52,6 +68,10 @@ std::optional<std::string> EditorHost::GetListItemName(int index) {
 }
 
 std::optional<std::string> EditorHost::ChooseFile(const std::string& preset) {
+    if (m_ownChooser) {
+        showOwnChooser();
+        return std::nullopt;
+    }
     char path[kHostPathSize] = {};
     if (preset.size() < sizeof path) {
         preset.copy(path, sizeof path - 1);

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
 
@@ -20,6 +21,9 @@ public:
     // The suite's folder and the name of the template folder in it. [editor thread], before a plug-in is
     // loaded.
     void setSuite(const std::string& folder, const std::string& templates);
+    // Whether ChooseFile shows a window of the editor's own making instead of the system's chooser: "Choose a
+    // script", which belongs over no other window. Its message loop keeps WM_QUIT for itself. [any thread]
+    void setOwnChooser(bool own) { m_ownChooser = own; }
     // Opens a level; false when it can't. Called on the editor's thread only.
     std::function<bool(const std::string& path)> onOpenMap;
 
@@ -45,6 +49,7 @@ private:
     DWORD m_editorThread = GetCurrentThreadId();
     std::string m_suiteFolder;
     std::string m_templates = "templates";
+    std::atomic<bool> m_ownChooser{false};
 };
 
 }  // namespace zoka

@@ -17,6 +17,7 @@ constexpr char kTitle[] = "ZUN stand-in editor";
 constexpr UINT kMessageJobs = WM_APP + 1;
 constexpr UINT kMessageLog = WM_APP + 2;
 constexpr UINT kMessageSelection = WM_APP + 3;
+constexpr UINT kMessageDestroy = WM_APP + 4;
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerPeriod = 200;  // ms between looks at the busy words
 constexpr int kSplitter = 6;        // pixels between list and log
@@ -108,7 +109,10 @@ bool EditorWindow::create(bool show) {
                     {FVIRTKEY | FCONTROL, 'S', kCommandSave},
                     {FVIRTKEY | FCONTROL, 'L', kCommandLoadPlugin},
                     {FVIRTKEY, VK_F5, kCommandReload}};
-    m_keys = CreateAcceleratorTableA(keys, static_cast<int>(std::size(keys)));
+    if (!m_keys) {
+        m_keys = CreateAcceleratorTableA(keys, static_cast<int>(std::size(keys)));
+    }
+    m_endsLoop = true;
 
     CreateWindowExA(0, kClassName, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 60, 40, 900, 640, nullptr,
                     nullptr, GetModuleHandleA(nullptr), this);
@@ -129,10 +133,14 @@ bool EditorWindow::create(bool show) {
 int EditorWindow::run() {
     MSG message;
     while (GetMessageA(&message, nullptr, 0, 0) > 0) {
-        if (TranslateAcceleratorA(m_window, m_keys, &message)) {
+        if (!message.hwnd && message.message == kMessageJobs) {
+            runJobs();
             continue;
         }
-        if (IsDialogMessageA(m_window, &message)) {
+        if (m_window && TranslateAcceleratorA(m_window, m_keys, &message)) {
+            continue;
+        }
+        if (m_window && IsDialogMessageA(m_window, &message)) {
             continue;
         }
         TranslateMessage(&message);
@@ -146,7 +154,13 @@ void EditorWindow::post(std::function<void()> job) {
         const std::lock_guard lock(m_jobMutex);
         m_jobs.push(std::move(job));
     }
-    PostMessageA(m_window, kMessageJobs, 0, 0);
+    if (!m_window || !PostMessageA(m_window, kMessageJobs, 0, 0)) {
+        PostThreadMessageA(m_thread, kMessageJobs, 0, 0);
+    }
+}
+
+void EditorWindow::destroy() {
+    SendMessageA(m_window, kMessageDestroy, 0, 0);
 }
 
 void EditorWindow::runJobs() {
@@ -232,13 +246,19 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
         case kMessageLog:
             showLog();
             return 0;
+        case kMessageDestroy:
+            m_endsLoop = false;
+            DestroyWindow(m_window);
+            return 0;
         case WM_CLOSE:
             onClose();
             return 0;
         case WM_DESTROY:
             m_editor.onChange = nullptr;
             m_editor.log().notify(nullptr, 0);
-            PostQuitMessage(0);
+            if (m_endsLoop) {
+                PostQuitMessage(0);
+            }
             return 0;
         case WM_NCDESTROY:
             SetWindowLongPtrA(m_window, GWLP_USERDATA, 0);

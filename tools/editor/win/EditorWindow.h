@@ -26,8 +26,12 @@ public:
     // Creates and shows the window. False when the system refuses.
     bool create(bool show);
     HWND handle() const { return m_window; }
-    // Runs the message loop until the window is closed; the process's exit status.
+    // Runs the message loop until the window is closed; the process's exit status. A window that was destroyed leaves
+    // it running.
     int run();
+    // As another part of an editor may do it, by a message that is sent: the window goes, no message loop is told, and
+    // the thread goes on. create() makes another one. Works on every thread.
+    void destroy();
 
     // Has `job` run on the editor's thread as soon as that thread takes messages, be it inside a modal window
     // of the plug-in's. Works on every thread.
@@ -79,6 +83,8 @@ private:
     bool m_selectionChanged = false;  // by the user, and not yet looked at
     unsigned m_shownChanges = 0;
     std::string m_shownStatus;
+    DWORD m_thread = GetCurrentThreadId();
+    bool m_endsLoop = true;  // when the window goes
 
     SlimLock m_jobMutex;
     std::queue<std::function<void()>> m_jobs;
