@@ -168,7 +168,7 @@ private:
                 reportAt(row.line, "the default " + quotedBeginning(row.value) + " of " +
                                        quotedBeginning(row.label) + " is no number");
             } else if (row.kind == kSkill) {
-                const EntryFacts facts = behaviorFacts(row);
+                const EntryFacts facts = behaviorFacts(row, m_panel.set);
                 const float value = *skillOfText(row.value);
                 const double number = static_cast<double>(value);
                 if (facts.limited && facts.minimum <= facts.maximum &&
@@ -208,19 +208,19 @@ void setSkillField(const CustomEntry& row, EntryFacts& facts) {
         case kDropPair:
             facts.options = {"1", "0"};
             break;
-        case kSpin:
-        case kSliderControl:
-            facts.limited = true;
-            facts.minimum = row.minimum;
-            facts.maximum = row.maximum;
-            facts.step = std::max(0.0, row.step);
-            break;
         default:
+            setLimits(row, facts);
             break;
     }
     facts.field = row.controlKind == kSliderControl ? EntryField::Slider
                   : facts.options.empty()           ? EntryField::FloatField
                                                     : EntryField::DropList;
+}
+
+void clear(BehaviorPanel& panel) {
+    panel.rows.clear();
+    panel.declaredCount = 0;
+    panel.findings = {};
 }
 
 }  // namespace
@@ -232,9 +232,7 @@ std::string BehaviorPanel::caption() const {
 }
 
 void LoadBehaviorPanel(BehaviorPanel& panel) {
-    panel.rows.clear();
-    panel.declaredCount = 0;
-    panel.findings = {};
+    clear(panel);
     if (panel.scriptName.empty()) {
         return;
     }
@@ -243,10 +241,9 @@ void LoadBehaviorPanel(BehaviorPanel& panel) {
     }
 }
 
-void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel) {
-    panel.rows.clear();
-    panel.declaredCount = 0;
-    panel.findings = {};
+void readBehaviorMarkup(const std::string& script, BehaviorPanel& panel) {
+    clear(panel);
+    panel.set = textSetOf(script);
     const std::int64_t start = panel.blockStart, length = panel.blockLength;
     if (script.empty()) {
         return;
@@ -257,9 +254,8 @@ void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel) {
                                   ") lies outside the script, which has changed since");
         return;
     }
-    const std::string_view before = script.substr(0, static_cast<size_t>(start));
-    const auto lines = std::count(before.begin(), before.end(), '\n');
-    readActionBlock(script.substr(static_cast<size_t>(start), static_cast<size_t>(length)),
+    const auto lines = std::count(script.data(), script.data() + start, '\n');
+    readActionBlock(std::string_view(script).substr(static_cast<size_t>(start), static_cast<size_t>(length)),
                     static_cast<int>(lines) + 1, panel);
     if (hasUtf16Mark(script)) {
         panel.findings.add(1, kUtf16Script);
@@ -267,9 +263,7 @@ void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel) {
 }
 
 void readActionBlock(std::string_view block, int firstLine, BehaviorPanel& panel) {
-    panel.rows.clear();
-    panel.declaredCount = 0;
-    panel.findings = {};
+    clear(panel);
     BehaviorReader(block, firstLine, panel).run();
     if (panel.declaredCount == 0) {
         addUndeclaredRows(panel);
@@ -281,7 +275,7 @@ void addUndeclaredRows(BehaviorPanel& panel) {
         CustomEntry& row = panel.rows.emplace_back();
         row.kind = kind;
         row.id = id;
-        row.label = label;
+        row.label = *convertText(label, TextSet::System, panel.set);
         row.value = value;
     };
     for (const NumberedName& skill : panel.defaultSkillNames) {
@@ -316,30 +310,12 @@ std::string fieldName(const CustomEntry& row) {
     return {};
 }
 
-EntryFacts behaviorFacts(const CustomEntry& row) {
-    EntryFacts facts;
-    facts.label = row.label;
-    facts.help = row.help;
-    facts.value = row.value;
-    switch (row.kind) {
-        case kTitle:
-            facts.field = EntryField::Caption;
-            break;
-        case kImage:
-            facts.field = EntryField::Picture;
-            break;
-        case kSection:
-            facts.field = EntryField::Heading;
-            break;
-        case kFlag:
-            facts.field = EntryField::Switch;
-            break;
-        case kSkill:
-            setSkillField(row, facts);
-            break;
-        default:
-            facts.field = EntryField::Text;
-            break;
+EntryFacts behaviorFacts(const CustomEntry& row, TextSet set) {
+    EntryFacts facts = plainFacts(row, set);
+    if (row.kind == kFlag) {
+        facts.field = EntryField::Switch;
+    } else if (row.kind == kSkill) {
+        setSkillField(row, facts);
     }
     if (facts.label.empty()) {
         facts.label = fieldName(row);

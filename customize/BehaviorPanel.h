@@ -25,13 +25,14 @@ struct BehaviorPanel {
     std::string scriptName;
     std::int32_t blockStart = 0;
     std::int32_t blockLength = 0;
-    // Shown where the action declares nothing; set before loading.
+    // Shown where the action declares nothing, in the system's character set; set before loading.
     std::vector<NumberedName> defaultSkillNames, defaultFlagNames;
 
     // In the markup's order. Of a skill or a flag `label` is its name, `value` its default and `line` where it
     // stands in the script; a description's text is its `label`.
     std::vector<CustomEntry> rows;
-    int declaredCount = 0;  // of skills and flags, not those shown for lack of them
+    TextSet set = TextSet::System;  // of the script, and so of all texts of the rows and findings
+    int declaredCount = 0;          // of skills and flags, not those shown for lack of them
     MarkupFindings findings;
 
     // The last title: the caption of the panel's window. Empty when there is none.
@@ -42,8 +43,8 @@ struct BehaviorPanel {
 // ends before the block does, there are no rows.
 void LoadBehaviorPanel(BehaviorPanel& panel);
 // The same of a script's text at hand.
-void readBehaviorMarkup(std::string_view script, BehaviorPanel& panel);
-// The same of an action's block alone, which begins in that line of its script.
+void readBehaviorMarkup(const std::string& script, BehaviorPanel& panel);
+// The same of an action's block alone, which begins in that line of its script; `panel.set` is set before.
 void readActionBlock(std::string_view block, int firstLine, BehaviorPanel& panel);
 // What is said of a script in UTF-16, which declares nothing.
 inline constexpr const char* kUtf16Script = "This file is UTF-16; save it as 8-bit or UTF-8 text.";
@@ -53,11 +54,15 @@ void addUndeclaredRows(BehaviorPanel& panel);
 // The number that a row's value goes to, or 0: skills 1 to 20, flags 1 to 8.
 int skillNumber(const CustomEntry& row);
 int flagNumber(const CustomEntry& row);
+// Whether it is one of these two.
+inline bool isEntityValue(const CustomEntry& row) {
+    return skillNumber(row) > 0 || flagNumber(row) > 0;
+}
 // "skill3", "flag1"; empty for other rows.
 std::string fieldName(const CustomEntry& row);
 
-// What shows the row: its default is the value. A title has nothing in the panel.
-EntryFacts behaviorFacts(const CustomEntry& row);
+// What shows the row, whose texts are in that set: its default is the value. A title has nothing in the panel.
+EntryFacts behaviorFacts(const CustomEntry& row, TextSet set);
 
 // A skill's value as text and back: at most six decimals, no exponent. Nothing for a text that isn't all of a
 // finite number.

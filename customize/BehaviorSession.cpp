@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <map>
-#include <set>
-#include <tuple>
 
 #include "controls/EntryRules.h"
 #include "util/OsFiles.h"
@@ -15,38 +12,14 @@ namespace zoka {
 namespace {
 
 constexpr const char* kRefused = "The editor has refused the value";
-constexpr const char* kUnreadable = "The editor no longer gives this value";
 
-std::optional<FileTime> timeOf(const std::string& script) {
-    FileTime time;
-    return !script.empty() && osFiles().readTime(script, &time) ? std::optional(time) : std::nullopt;
+// For a row whose texts are in that set.
+std::string unreadable(const std::string& entity, TextSet set) {
+    return *convertText("The editor no longer gives this value of " + entity + '.', TextSet::System, set);
 }
 
 bool allEqual(const std::vector<float>& values) {
     return std::all_of(values.begin(), values.end(), [&](float one) { return one == values.front(); });
-}
-
-bool isValue(const CustomEntry& row) {
-    return skillNumber(row) > 0 || flagNumber(row) > 0;
-}
-
-// The narrower limits of two: a value must suit both.
-void narrow(CustomEntry& row, const CustomEntry& other) {
-    const auto limited = [](const CustomEntry& one) {
-        return one.controlKind == kSpin || one.controlKind == kSliderControl;
-    };
-    if (!limited(other)) {
-        return;
-    }
-    if (!limited(row)) {
-        row.controlKind = other.controlKind;
-        row.minimum = other.minimum;
-        row.maximum = other.maximum;
-        row.step = other.step;
-        return;
-    }
-    row.minimum = std::max(row.minimum, other.minimum);
-    row.maximum = std::min(row.maximum, other.maximum);
 }
 
 }  // namespace
@@ -105,7 +78,7 @@ void BehaviorSession::refresh(bool always) {
     }
     m_changes = changes;
     std::vector<std::string> entities = follows() ? m_access->selected() : m_entities;
-    const auto gone = [this](const std::string& entity) { return !isThere(entity); };
+    const auto gone = [this](const std::string& entity) { return !isThere(*m_access, entity); };
     if (std::all_of(entities.begin(), entities.end(), gone) &&
         std::all_of(m_entities.begin(), m_entities.end(), gone)) {
         entities = m_entities;  // what was shown has been deleted: that is told
@@ -113,8 +86,8 @@ void BehaviorSession::refresh(bool always) {
         std::erase_if(entities, gone);
     }
     const bool isReloaded = m_components && m_components->reloadIfChanged();
-    if (isMoved || isReloaded || entities != m_entities || (!m_gone.empty() && isThere(m_entities.front())) ||
-        actionsChanged()) {
+    if (isMoved || isReloaded || entities != m_entities || (!m_gone.empty() && !gone(m_entities.front())) ||
+        m_actions.haveChanged(*m_access, m_entities)) {
         show(std::move(entities));
         return;
     }
@@ -131,38 +104,13 @@ void BehaviorSession::refresh(bool always) {
     }
 }
 
-bool BehaviorSession::isThere(const std::string& entity) const {
-    return m_access->action(entity) || m_access->skill(entity, 1) || m_access->flag(entity, 1);
-}
-
-bool BehaviorSession::actionsChanged() const {
-    for (size_t i = 0; i < m_entities.size(); ++i) {
-        // An entity that is gone keeps its rows, so that its values can still be read.
-        if (isThere(m_entities[i]) && m_access->action(m_entities[i]) != m_actions[i]) {
-            return true;
-        }
-    }
-    for (size_t i = 0; i < m_panels.size(); ++i) {
-        if (timeOf(m_panels[i].scriptName) != m_scriptTimes[i]) {
-            return true;
-        }
-    }
-    return false;
-}
-
 void BehaviorSession::show(std::vector<std::string> entities) {
     m_entities = std::move(entities);
-    m_gone = m_entities.size() == 1 && !isThere(m_entities.front()) ? m_entities.front() : "";
-    loadPanels();
-    m_title = m_panels.empty() ? "" : m_panels.front().caption();
-    for (const BehaviorPanel& panel : m_panels) {
-        if (panel.caption() != m_title) {
-            m_title.clear();
-        }
-    }
+    m_gone = m_entities.size() == 1 && !isThere(*m_access, m_entities.front()) ? m_entities.front() : "";
+    m_actions.load(m_access, namedEntities(), shownComponents());
     m_models.clear();
     m_sources.clear();
-    for (const CustomEntry& row : sharedRows()) {
+    for (const CustomEntry& row : m_actions.sharedRows()) {
         addRow(row);
     }
     if (m_components) {
@@ -266,103 +214,19 @@ bool BehaviorSession::close() {
                                        : answer == PromptAnswer::No;
 }
 
-void BehaviorSession::loadPanels() {
-    m_actions.clear();
-    m_panels.clear();
-    m_scriptTimes.clear();
-    // By the action's place, and by the behaviour where its names stand in for what the action doesn't declare.
-    using Key = std::tuple<std::string, std::int32_t, std::int32_t, std::optional<std::string>>;
-    std::set<Key> known;
-    const auto add = [&](const std::optional<ActionPlace>& place, const std::string& entity) {
-        const ActionPlace at = place.value_or(ActionPlace{});
-        const EntityComponents* const components = shownComponents();
-        const std::string behavior = components ? components->behaviorOf(entity) : "";
-        for (const auto& form : {std::optional<std::string>(), std::optional(behavior)}) {
-            if (known.contains({at.script, at.start, at.length, form})) {
-                return;
-            }
-        }
-        BehaviorPanel& panel = m_panels.emplace_back();
-        panel.scriptName = at.script;
-        panel.blockStart = at.start;
-        panel.blockLength = at.length;
-        if (components) {
-            for (const auto& [number, name] : components->skillNames(entity)) {
-                if (number >= 1 && number <= kEntitySkills) {
-                    panel.defaultSkillNames.push_back({static_cast<std::uint8_t>(number), name});
-                }
-            }
-        }
-        m_scriptTimes.push_back(timeOf(at.script));
-        if (place) {
-            LoadBehaviorPanel(panel);
-        } else {
-            addUndeclaredRows(panel);
-        }
-        const auto form = panel.declaredCount > 0 ? std::nullopt : std::optional(behavior);
-        known.insert({at.script, at.start, at.length, form});
-    };
-    for (const std::string& entity : m_entities) {
-        add(m_actions.emplace_back(m_access->action(entity)), entity);
-    }
-    if (!m_access) {
-        add(std::nullopt, m_namedEntity);
-    }
-}
-
-// The rows of the one action, or those values that several have in common, below their headings.
-std::vector<CustomEntry> BehaviorSession::sharedRows() const {
-    if (m_panels.size() < 2) {
-        return m_panels.empty() ? std::vector<CustomEntry>() : m_panels.front().rows;
-    }
-    std::vector<std::map<int, const CustomEntry*>> byId(m_panels.size());
-    for (size_t i = 1; i < m_panels.size(); ++i) {
-        for (const CustomEntry& row : m_panels[i].rows) {
-            byId[i].try_emplace(row.id, &row);
-        }
-    }
-    std::vector<CustomEntry> shared;
-    const CustomEntry* heading = nullptr;
-    for (const CustomEntry& row : m_panels.front().rows) {
-        if (row.kind == kSection) {
-            heading = &row;
-        }
-        if (!isValue(row)) {
-            continue;
-        }
-        CustomEntry made = row;
-        bool inAll = true;
-        for (size_t i = 1; i < m_panels.size() && inAll; ++i) {
-            const auto other = byId[i].find(row.id);
-            inAll = other != byId[i].end() && equalNoCase(other->second->label, row.label);
-            if (inAll) {
-                narrow(made, *other->second);
-            }
-        }
-        if (!inAll) {
-            continue;
-        }
-        if (heading) {
-            shared.push_back(*std::exchange(heading, nullptr));
-        }
-        shared.push_back(std::move(made));
-    }
-    return shared;
-}
-
 void BehaviorSession::addRow(const CustomEntry& entry) {
     if (entry.kind == kTitle) {  // the window's caption
         return;
     }
     Source source{entry.kind, skillNumber(entry) + flagNumber(entry), entry.line, {}};
-    EntryFacts facts = behaviorFacts(entry);
+    EntryFacts facts = behaviorFacts(entry, m_actions.panels().front().set);
     std::string blocked;
     if (source.number > 0) {
         for (const std::string& entity : m_entities) {
             const auto value = read(source, entity);
             source.values.push_back(value.value_or(0));
             if (!value) {
-                blocked = std::string(kUnreadable) + " of " + entity + '.';
+                blocked = unreadable(entity, facts.set);
             }
         }
         auto extras = std::make_shared<EntryExtras>();
@@ -501,7 +365,7 @@ bool BehaviorSession::reread(size_t i) {
     for (const std::string& entity : m_entities) {
         const auto value = read(source, entity);
         if (!value) {
-            const std::string why = std::string(kUnreadable) + " of " + entity + '.';
+            const std::string why = unreadable(entity, m_models[i].facts().set);
             const bool isNews = m_models[i].blocked() != why;
             m_models[i].setBlocked(why);
             return isNews;

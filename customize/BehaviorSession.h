@@ -11,11 +11,10 @@
 #include <vector>
 
 #include "controls/RowEditing.h"
-#include "customize/BehaviorPanel.h"
+#include "customize/EntityActions.h"
 #include "customize/EntityComponents.h"
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/ZunEditorInterface.h"
-#include "util/FileTime.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
@@ -23,7 +22,7 @@ namespace zoka {
 // What a paste did.
 struct PasteResult {
     size_t taken = 0;                  // values that are others now
-    std::vector<std::string> refused;  // the lines that found no place, each with the reason
+    std::vector<std::string> refused;  // the lines that found no place, each with the reason, in UTF-8
 };
 
 // An edit reaches the entities at once, all that are shown or none; undo gives each its own value back. What the
@@ -51,8 +50,8 @@ public:
     void setFollowing(bool follows);
 
     const std::vector<std::string>& entities() const { return m_entities; }
-    // The title that the action's markup gives the window; empty when there is none or they differ.
-    const std::string& title() const { return m_title; }
+    // The title that the action's markup gives the window, in UTF-8; empty when there is none or they differ.
+    std::string title() const { return m_actions.title(); }
     // Which entities the rows are of, and what is the matter with them.
     std::string status() const;
 
@@ -67,10 +66,11 @@ public:
     // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
     bool otherProjectOpen() const { return m_isOtherProject; }
 
-    // Faults of the actions' markup, and values outside their limits; one line each.
+    // Faults of the actions' markup, and values outside their limits; one line each, in UTF-8.
     size_t findingCount() const { return findings().size(); }
     std::string findingsText() const;
 
+    // --- Copied and pasted lines, in UTF-8
     // "skill3 Speed = 2.5", a line for each value of the rows [first, last); those that differ are left out.
     std::string copyText(size_t first, size_t last) const;
     // Takes such lines, in one step of undo. A value goes to the row of the same number and name, or else of the
@@ -79,7 +79,7 @@ public:
 
     std::string subject() const override;
     std::string details(size_t i) const override;
-    std::string picturePath(const std::string& name) const override;
+    std::string picturePath(const std::string& nameInScript) const override;
     std::string emptyText() const override;
     std::string helpText(size_t i) const override;
     std::optional<std::string> defaultOf(size_t i) const override;
@@ -103,7 +103,6 @@ private:
     bool putState(size_t i, const std::string& state, std::string& why) override;
 
     void show(std::vector<std::string> entities);
-    void loadPanels();
     bool lookAtProject();
     PromptAnswer askElsewhere() const;
     ProjectSave saveElsewhere();
@@ -117,11 +116,8 @@ private:
     void addRow(const CustomEntry& entry);
     void addComponents();
     void blockComponents();
-    // "skill3 Speed", "body.mass"; empty for a row without a value.
+    // "skill3 Speed", "body.mass", in UTF-8; empty for a row without a value.
     std::string copyName(size_t i) const;
-    std::vector<CustomEntry> sharedRows() const;
-    bool isThere(const std::string& entity) const;
-    bool actionsChanged() const;
     std::optional<float> read(const Source& source, const std::string& entity) const;
     bool write(const Source& source, const std::string& entity, float value);
     bool writeAll(size_t i, const std::vector<float>& values, std::string& why);
@@ -139,12 +135,10 @@ private:
     bool m_isOtherProject = false;
     bool m_follows = true;
     std::vector<std::string> m_entities;
-    std::vector<std::optional<ActionPlace>> m_actions;   // of the entities
-    std::vector<BehaviorPanel> m_panels;                 // entities with one action share one
-    std::vector<std::optional<FileTime>> m_scriptTimes;  // of the panels' scripts
+    EntityActions m_actions;
     std::vector<EntryModel> m_models;
     std::vector<Source> m_sources;
-    std::string m_title, m_gone;
+    std::string m_gone;
     std::optional<std::uint32_t> m_changes;
 };
 

@@ -37,6 +37,10 @@ PastedLine pastedLine(std::string_view line, size_t equals) {
     return parts;
 }
 
+std::string utf8(std::string_view systemText) {
+    return utf8Text(systemText, TextSet::System);
+}
+
 }  // namespace
 
 std::string BehaviorSession::subject() const {
@@ -75,10 +79,11 @@ std::string BehaviorSession::emptyText() const {
     if (m_entities.empty()) {
         return canFollow() ? "Select an entity in the editor." : "No entity is selected.";
     }
-    return m_panels.size() > 1 ? "The actions of these entities have no value in common."
-                               : "The script of the entity's action can't be read, or has changed.";
+    return m_actions.panels().size() > 1 ? "The actions of these entities have no value in common."
+                                         : "The script of the entity's action can't be read, or has changed.";
 }
 
+// In the row's own character set, as all that its tooltip says.
 std::string BehaviorSession::details(size_t i) const {
     const Source& source = m_sources[i];
     if (source.component) {
@@ -88,7 +93,8 @@ std::string BehaviorSession::details(size_t i) const {
         return source.number > 0 ? nameOfField(source.kind, source.number) : "";
     }
     const std::string place =
-        std::string(fileNameOf(m_panels.front().scriptName)) + ", line " + std::to_string(source.line);
+        *convertText(fileNameOf(m_actions.panels().front().scriptName), TextSet::System, row(i).facts().set) +
+        ", line " + std::to_string(source.line);
     return source.number > 0 ? nameOfField(source.kind, source.number) + "; " + place : place;
 }
 
@@ -103,9 +109,12 @@ std::optional<std::string> BehaviorSession::defaultOf(size_t i) const {
                                   : RowEditing::defaultOf(i);
 }
 
-std::string BehaviorSession::picturePath(const std::string& name) const {
-    if (!m_panels.empty()) {
-        const std::string own = joinPath(folderOf(m_panels.front().scriptName), name);
+std::string BehaviorSession::picturePath(const std::string& nameInScript) const {
+    const std::vector<BehaviorPanel>& panels = m_actions.panels();
+    const TextSet set = panels.empty() ? TextSet::System : panels.front().set;
+    const std::string name = convertText(nameInScript, set, TextSet::System).value_or(nameInScript);
+    if (!panels.empty()) {
+        const std::string own = joinPath(folderOf(panels.front().scriptName), name);
         if (osFiles().exists(own)) {
             return own;
         }
@@ -115,9 +124,10 @@ std::string BehaviorSession::picturePath(const std::string& name) const {
 
 std::vector<std::string> BehaviorSession::findings() const {
     std::vector<std::string> lines;
-    for (const BehaviorPanel& panel : m_panels) {
+    for (const BehaviorPanel& panel : m_actions.panels()) {
         for (const MarkupFinding& one : panel.findings.kept()) {
-            lines.push_back(panel.scriptName + ':' + std::to_string(one.line) + ": " + one.what);
+            lines.push_back(utf8(panel.scriptName) + ':' + std::to_string(one.line) + ": " +
+                            utf8Text(one.what, panel.set));
         }
     }
     for (size_t i = 0; i < size(); ++i) {
@@ -132,14 +142,15 @@ std::vector<std::string> BehaviorSession::findings() const {
             const std::string text = skillText(m_sources[i].values[n]);
             const double shown = numberOf(text).value_or(value);
             if (out && (shown < facts.minimum || shown > facts.maximum)) {
-                lines.push_back(m_entities[n] + ": " + facts.label + " is " + text + "; " +
-                                allowedRange(facts));
+                lines.push_back(utf8(m_entities[n]) + ": " + utf8Text(facts.label, facts.set) + " is " +
+                                text + "; " + allowedRange(facts));
             }
         }
     }
     if (m_components) {
-        const std::vector<std::string> values = m_components->findings();
-        lines.insert(lines.end(), values.begin(), values.end());
+        for (const std::string& line : m_components->findings()) {
+            lines.push_back(utf8(line));
+        }
     }
     return lines;
 }
@@ -154,9 +165,11 @@ std::string BehaviorSession::findingsText() const {
 
 std::string BehaviorSession::copyName(size_t i) const {
     const Source& source = m_sources[i];
-    return source.component    ? m_components->nameOf(*source.component)
-           : source.number > 0 ? nameOfField(source.kind, source.number) + ' ' + row(i).facts().label
-                               : "";
+    const std::string name = source.component ? m_components->nameOf(*source.component)
+                             : source.number > 0
+                                 ? nameOfField(source.kind, source.number) + ' ' + row(i).facts().label
+                                 : "";
+    return utf8Text(name, row(i).facts().set);
 }
 
 // A value of several lines would be taken for several values.
@@ -166,7 +179,7 @@ std::string BehaviorSession::copyText(size_t first, size_t last) const {
         const std::string name = copyName(i);
         const bool isOneLine = row(i).value().find_first_of("\r\n") == std::string::npos;
         if (!name.empty() && isOneLine && !row(i).isDifferent()) {
-            text += name + " = " + row(i).value() + "\r\n";
+            text += name + " = " + utf8Text(row(i).value(), row(i).facts().set) + "\r\n";
         }
     }
     return text;
@@ -174,17 +187,20 @@ std::string BehaviorSession::copyText(size_t first, size_t last) const {
 
 std::optional<size_t> BehaviorSession::rowFor(const std::string& field, const std::string& label,
                                               std::string& why) const {
+    const auto isLabel = [folded = foldedText(label, TextSet::Utf8)](const std::string& one, TextSet set) {
+        return foldedText(one, set) == folded;
+    };
     std::optional<size_t> named;
     for (size_t i = 0; i < size(); ++i) {
         const Source& source = m_sources[i];
-        if (source.component && field.empty() && equalNoCase(label, copyName(i))) {
+        if (source.component && field.empty() && isLabel(copyName(i), TextSet::Utf8)) {
             return i;
         }
         if (source.number == 0) {
             continue;
         }
         const bool sameField = equalNoCase(field, nameOfField(source.kind, source.number));
-        const bool sameLabel = equalNoCase(label, row(i).facts().label);
+        const bool sameLabel = isLabel(row(i).facts().label, row(i).facts().set);
         if (sameField && (sameLabel || label.empty())) {
             return i;
         }
@@ -224,9 +240,15 @@ PasteResult BehaviorSession::paste(const std::string& text) {
              equals = line.find('=', equals + 1)) {
             const PastedLine parts = pastedLine(line, equals);
             place = rowFor(std::string(parts.field), std::string(parts.label), why);
-            if (place) {
-                values.push_back({*place, std::string(parts.value)});
+            if (!place) {
+                continue;
             }
+            auto value = convertText(parts.value, TextSet::Utf8, row(*place).facts().set, &why);
+            if (!value) {
+                place.reset();
+                break;
+            }
+            values.push_back({*place, std::move(*value)});
         }
         if (place) {
             lines.emplace_back(line);

@@ -24,9 +24,6 @@ std::string inQuotes(const std::string& text) {
 bool isNumberKind(int kind) {
     return kind == kEntryNumEdit || kind == kEntryNumEditF;
 }
-bool isLimited(const CustomEntry& entry) {
-    return entry.controlKind == kSpin || entry.controlKind == kSliderControl;
-}
 bool hasFraction(double value) {
     return decimalsOf(value) > 0;
 }
@@ -80,7 +77,7 @@ bool endsLinesInLf(const CustomScript& script, const CustomEntry& entry) {
 void checkControl(CustomScript& script, const CustomEntry& entry) {
     const bool list = entry.controlKind == kDropList || entry.controlKind == kDropPair;
     const bool drop = entry.kind >= kEntryEntity && entry.kind <= kEntryDrop;
-    if ((list && !drop) || (isLimited(entry) && !isNumberKind(entry.kind))) {
+    if ((list && !drop) || (entry.isLimited() && !isNumberKind(entry.kind))) {
         script.findings.add(entry.line, std::string(list ? "a list of choices" : "a spin or slider") +
                                             " is no control for " + inQuotes(entry.label) +
                                             ", whose value is " +
@@ -169,7 +166,7 @@ bool parseCustomText(std::string fileText, CustomScript& script, JobProgress* pr
 }
 
 void checkCustomValue(CustomScript& script, const CustomEntry& entry) {
-    if (isNumberKind(entry.kind) && isLimited(entry) && entry.minimum <= entry.maximum) {
+    if (isNumberKind(entry.kind) && entry.isLimited() && entry.minimum <= entry.maximum) {
         const double value = numberOf(entry.value).value_or(0);
         if (value < entry.minimum || value > entry.maximum) {
             script.findings.add(entry.line,
@@ -233,12 +230,30 @@ void checkPictures(CustomScript& script, const std::function<std::string(const s
     script.findings.sortByLine();
 }
 
-EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames) {
+EntryFacts plainFacts(const CustomEntry& entry, TextSet set) {
     EntryFacts facts;
-    facts.set = script.set;
+    facts.set = set;
     facts.label = entry.label;
     facts.help = entry.help;
     facts.value = entry.value;
+    facts.field = entry.kind == kTitle     ? EntryField::Caption
+                  : entry.kind == kImage   ? EntryField::Picture
+                  : entry.kind == kSection ? EntryField::Heading
+                                           : EntryField::Text;
+    return facts;
+}
+
+void setLimits(const CustomEntry& entry, EntryFacts& facts) {
+    facts.limited = entry.isLimited();
+    if (facts.limited) {
+        facts.minimum = entry.minimum;
+        facts.maximum = entry.maximum;
+        facts.step = std::max(0.0, entry.step);
+    }
+}
+
+EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames) {
+    EntryFacts facts = plainFacts(entry, script.set);
     if (entry.kind > kEnable && entry.valueStart > 0) {
         const char before = script.text[entry.valueStart - 1];
         // The span of a bare value begins behind a blank, "=" or a line end.
@@ -248,27 +263,13 @@ EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const H
                                                      : ValueShape::Bare;
     }
     switch (entry.kind) {
-        case kTitle:
-            facts.field = EntryField::Caption;
-            break;
-        case kImage:
-            facts.field = EntryField::Picture;
-            break;
-        case kSection:
-            facts.field = EntryField::Heading;
-            break;
         case kEnable:
             facts.field = EntryField::Switch;
             facts.shape = ValueShape::Switch;
             break;
         case kEntryNumEdit:
         case kEntryNumEditF:
-            facts.limited = isLimited(entry);
-            if (facts.limited) {
-                facts.minimum = entry.minimum;
-                facts.maximum = entry.maximum;
-                facts.step = std::max(0.0, entry.step);
-            }
+            setLimits(entry, facts);
             // A whole number whose limits or step have fractions is one that happens to be whole.
             facts.decimal =
                 hasFraction(facts.minimum) || hasFraction(facts.maximum) || hasFraction(facts.step);
@@ -307,7 +308,6 @@ EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const H
             facts.bareFeeds = facts.lines > 1 && endsLinesInLf(script, entry);
             break;
         default:
-            facts.field = EntryField::Text;
             break;
     }
     return facts;

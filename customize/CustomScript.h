@@ -42,6 +42,8 @@ struct CustomEntry {
     EntryControl* control = nullptr;  // not owned; null while it has none
 
     bool hasValue() const { return kind == kEnable || (kind >= kEntryNumEdit && kind <= kEntryText); }
+    // Whether `minimum`, `maximum` and `step` count.
+    bool isLimited() const { return controlKind == kSpin || controlKind == kSliderControl; }
 };
 
 // The text stays as it was loaded while the entries' spans are in use. Movable; entries hold no pointers into
@@ -88,6 +90,10 @@ void checkPictures(CustomScript& script, const std::function<std::string(const s
 // The host's names, in one list that all rows share; null when there are none.
 using HostNames = std::shared_ptr<const std::vector<std::string>>;
 
+// What the rows of all panels have in common: an entry's texts, in that set, and how one without a value is shown.
+EntryFacts plainFacts(const CustomEntry& entry, TextSet set);
+// Those of the entry's control, where it has limits.
+void setLimits(const CustomEntry& entry, EntryFacts& facts);
 // The row of a panel that shows the entry. `hostNames` are offered for entities and paths.
 EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const HostNames& hostNames = {});
 

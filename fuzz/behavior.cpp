@@ -16,11 +16,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         data += 4;
         size -= 4;
     }
-    const std::string_view script(reinterpret_cast<const char*>(data), size);
+    const std::string script(reinterpret_cast<const char*>(data), size);
     for (int whole = 0; whole < 2; ++whole) {
         zoka::readBehaviorMarkup(script, panel);
         for (const zoka::CustomEntry& row : panel.rows) {
-            zoka::behaviorFacts(row);
+            zoka::behaviorFacts(row, panel.set);
             const bool inRange = (row.kind != zoka::kSkill || zoka::skillNumber(row) > 0) &&
                                  (row.kind != zoka::kFlag || zoka::flagNumber(row) > 0);
             if (!inRange) {

@@ -106,7 +106,7 @@ void BehaviorDialog::save() {
 std::vector<RowMenuItem> BehaviorDialog::rowMenuItems(size_t row) {
     return {{kCopyRow, "Copy th&is value", !m_session.copyText(row, row + 1).empty()},
             {kCopyAll, "Copy all &values\tCtrl+Shift+C", !m_session.copyText(0, m_session.size()).empty()},
-            {kPasteValues, "Paste values\tCtrl+Shift+V", IsClipboardFormatAvailable(CF_TEXT) != 0}};
+            {kPasteValues, "Paste values\tCtrl+Shift+V", IsClipboardFormatAvailable(CF_UNICODETEXT) != 0}};
 }
 
 void BehaviorDialog::rowMenuChosen(size_t row, int id) {
@@ -143,7 +143,7 @@ void BehaviorDialog::paste() {
         return;
     }
     m_session.leaveField();
-    const PasteResult result = m_session.paste(clipboardText(window(), kMostPasted));
+    const PasteResult result = m_session.paste(clipboardText(window(), kMostPasted, CP_UTF8));
     if (result.refused.empty()) {
         return;
     }

@@ -91,4 +91,17 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     EXPECT_THAT(folder.run("level list bad.zlm").err, HasSubstr("line 3: unknown word \"size\""));
 }
 
+TEST_F(Behavior, NamesValuesInTheScriptsCharacterSet) {
+    for (const char* script : {"action walk {\n// skill1: GR\xC3\x9CN\xCE\xA9 2\n}",
+                               "action walk {\n// skill1: GR\xDCN\xD9 2\n}"}) {
+        folder.write("s.kez", script);
+        const bool isUtf8 = std::string(script).find("\xCE\xA9") != std::string::npos;
+        const std::string name = isUtf8 ? "gr\xC3\xBCn\xCF\x89" : "gr\xC3\xBCn\xC3\xB9";
+        EXPECT_EQ(folder.run("level get l.zlm a " + name), (ToolRun{0, "3.5\n"}));
+        EXPECT_EQ(folder.run("level set l.zlm a " + name + "=3.5"), (ToolRun{0, ""}));
+        const json rows = json::parse(folder.run("behavior list s.kez --json").out)[0]["rows"];
+        EXPECT_EQ(rows[0]["label"], isUtf8 ? "GR\xC3\x9CN\xCE\xA9" : "GR\xC3\x9CN\xC3\x99");
+    }
+}
+
 }  // namespace

@@ -143,7 +143,7 @@ TEST(BehaviorPanel, bearsEveryPrefixAndEveryChangedByte) {
     const auto look = [](const std::string& text) {
         const BehaviorPanel panel = panelOf(text);
         for (const CustomEntry& row : panel.rows) {
-            const EntryFacts facts = behaviorFacts(row);
+            const EntryFacts facts = behaviorFacts(row, panel.set);
             ASSERT_TRUE(row.kind != kSkill || (skillNumber(row) >= 1 && skillNumber(row) <= kEntitySkills));
             ASSERT_TRUE(row.kind != kFlag || (flagNumber(row) >= 1 && flagNumber(row) <= kEntityFlags));
             ASSERT_TRUE(row.kind != kTitle || facts.field == EntryField::Caption);

@@ -5,19 +5,15 @@
 
 namespace zoka::cli {
 
-bool isValue(const CustomEntry& row) {
-    return skillNumber(row) > 0 || flagNumber(row) > 0;
-}
-
 std::string nameOf(const CustomEntry& row) {
     return fieldName(row) + (row.label.empty() ? "" : ' ' + row.label);
 }
 
-nlohmann::ordered_json jsonOf(const CustomEntry& row) {
+nlohmann::ordered_json jsonOf(const CustomEntry& row, TextSet set) {
     nlohmann::ordered_json one;
     one["line"] = row.line;
     one["kind"] = customKeywordName(row.kind);
-    if (isValue(row)) {
+    if (isEntityValue(row)) {
         one["field"] = fieldName(row);
         one["default"] = jsonText(row.value);
     }
@@ -25,7 +21,7 @@ nlohmann::ordered_json jsonOf(const CustomEntry& row) {
     if (!row.help.empty()) {
         one["help"] = jsonText(row.help);
     }
-    addAllowed(one, behaviorFacts(row));
+    addAllowed(one, behaviorFacts(row, set));
     return one;
 }
 

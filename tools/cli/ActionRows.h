@@ -9,11 +9,9 @@
 
 namespace zoka::cli {
 
-// Whether the row is a skill's or a flag's.
-bool isValue(const CustomEntry& row);
 // "skill3 Speed"; the field alone where it has no label.
 std::string nameOf(const CustomEntry& row);
-nlohmann::ordered_json jsonOf(const CustomEntry& row);
+nlohmann::ordered_json jsonOf(const CustomEntry& row, TextSet set);
 // "\t(text)"; nothing for an empty text.
 std::string inParentheses(const std::string& text);
 

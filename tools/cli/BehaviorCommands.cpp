@@ -30,6 +30,7 @@ template <class Use>
 void forEachAction(const std::string& script, Use use) {
     size_t counted = 0;
     int line = 1;
+    const TextSet set = textSetOf(script);
     for (const ScriptAction& action : actionsOf(script)) {
         if (!action.hasBody) {
             continue;
@@ -43,6 +44,7 @@ void forEachAction(const std::string& script, Use use) {
         line += static_cast<int>(std::count(script.data() + counted, script.data() + start, '\n'));
         counted = start;
         BehaviorPanel panel;
+        panel.set = set;
         readActionBlock(std::string_view(script).substr(start, action.block.length), line, panel);
         use(action, line, panel);
     }
@@ -71,10 +73,10 @@ ExitStatus listBehavior(const BehaviorOptions& options) {
             if (row.line == 0) {
                 continue;  // shown for want of declared ones
             }
-            one["rows"].push_back(jsonOf(row));
-            if (!options.json && isValue(row)) {
+            one["rows"].push_back(jsonOf(row, panel.set));
+            if (!options.json && isEntityValue(row)) {
                 printShown("    " + nameOf(row) + " = " + row.value +
-                           inParentheses(allowedRange(behaviorFacts(row))) + '\n');
+                           inParentheses(allowedRange(behaviorFacts(row, panel.set))) + '\n');
             }
         }
         all.push_back(std::move(one));

@@ -29,6 +29,12 @@ struct LevelOptions {
     bool json = false, dryRun = false;
 };
 
+// What is said of an entity's values: the rows, and the character set of their texts.
+struct EntityValues {
+    std::vector<CustomEntry> rows;
+    TextSet set = TextSet::System;
+};
+
 // A level with the rows of its entities' actions.
 class OpenLevelFile {
 public:
@@ -71,17 +77,16 @@ public:
         return found;
     }
     // What the entity's action declares, and its other values that are not 0.
-    std::vector<CustomEntry> valuesOf(const LevelEntity& entity) const {
-        std::vector<CustomEntry> rows;
+    EntityValues valuesOf(const LevelEntity& entity) const {
+        BehaviorPanel panel;
         const std::optional<std::string>& script = scriptOf(entity);
         if (const auto block = script ? findActionBlock(*script, entity.action) : std::nullopt) {
-            BehaviorPanel panel;
             panel.blockStart = static_cast<std::int32_t>(block->start);
             panel.blockLength = static_cast<std::int32_t>(block->length);
             readBehaviorMarkup(*script, panel);
-            rows = std::move(panel.rows);
         }
-        std::erase_if(rows, [](const CustomEntry& row) { return !isValue(row); });
+        std::vector<CustomEntry>& rows = panel.rows;
+        std::erase_if(rows, [](const CustomEntry& row) { return !isEntityValue(row); });
         const auto addUndeclared = [&](int kind, int id, bool isSet) {
             const auto same = [&](const CustomEntry& row) { return row.id == id; };
             if (isSet && std::none_of(rows.begin(), rows.end(), same)) {
@@ -96,7 +101,7 @@ public:
         for (int n = 1; n <= kEntityFlags; ++n) {
             addUndeclared(kFlag, kFlagIds + n, (entity.flags >> (n - 1) & 1U) != 0);
         }
-        return rows;
+        return {std::move(rows), panel.set};
     }
 
     // Why the entity's values have no labels; empty when they have, or when it has no action.
@@ -163,13 +168,15 @@ ExitStatus listLevel(const LevelOptions& options) {
         printShown(options.json ? ""
                                 : entity.name + '\t' + entity.script + (entity.action.empty() ? "" : " ") +
                                       entity.action + inParentheses(why) + '\n');
-        for (const CustomEntry& row : level.valuesOf(entity)) {
-            Json value = jsonOf(row);
+        const EntityValues values = level.valuesOf(entity);
+        for (const CustomEntry& row : values.rows) {
+            Json value = jsonOf(row, values.set);
             value["value"] = valueText(entity, row);
             one["values"].push_back(std::move(value));
             if (!options.json) {
                 printShown("    " + nameOf(row) + " = " + valueText(entity, row) +
-                           inParentheses(row.line == 0 ? "not declared" : allowedRange(behaviorFacts(row))) +
+                           inParentheses(row.line == 0 ? "not declared"
+                                                       : allowedRange(behaviorFacts(row, values.set))) +
                            '\n');
             }
         }
@@ -181,14 +188,22 @@ ExitStatus listLevel(const LevelOptions& options) {
     return status;
 }
 
-// The value that goes by a label or by "skill3", "flag1"; nothing after a complaint.
-std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntity& entity,
-                                    const std::string& name) {
-    const std::vector<CustomEntry> rows = level.valuesOf(entity);
+struct NamedValue {
+    CustomEntry row;
+    TextSet set;
+};
+
+// The value that goes by a label or by "skill3", "flag1", with its character set; nothing after a complaint.
+std::optional<NamedValue> rowNamed(const OpenLevelFile& level, const LevelEntity& entity,
+                                   const std::string& name) {
+    const EntityValues values = level.valuesOf(entity);
+    const std::string label = foldedText(name, textSetOf(name));
     for (const bool byLabel : {false, true}) {
         const CustomEntry* found = nullptr;
-        for (const CustomEntry& row : rows) {
-            if (!equalNoCase(byLabel ? row.label : fieldName(row), name)) {
+        for (const CustomEntry& row : values.rows) {
+            const bool isNamed =
+                byLabel ? foldedText(row.label, values.set) == label : equalNoCase(fieldName(row), name);
+            if (!isNamed) {
                 continue;
             }
             if (found && found->id != row.id) {
@@ -199,7 +214,7 @@ std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntit
             found = &row;
         }
         if (found) {
-            return *found;
+            return NamedValue{*found, values.set};
         }
     }
     const int keyword = LookupCustomKeyword(name);
@@ -207,12 +222,12 @@ std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntit
     if (keyword >= kFlag1 && keyword < kSkill) {
         row.kind = kFlag;
         row.id = kFlagIds + keyword - kFlag1 + 1;
-        return row;
+        return NamedValue{row, TextSet::System};
     }
     if (keyword >= kSkill1 && keyword < kBehavior) {
         row.kind = kSkill;
         row.id = kSkillIds + keyword - kSkill1 + 1;
-        return row;
+        return NamedValue{row, TextSet::System};
     }
     const std::string why = level.whyUnlabelled(entity);
     complain("the entity has no value called \"" + name + '"' + (why.empty() ? "" : "; " + why));
@@ -222,11 +237,11 @@ std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntit
 ExitStatus getValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
     std::vector<std::string> values;
     for (const std::string& name : options.words) {
-        const auto row = rowNamed(level, entity, name);
-        if (!row) {
+        const auto named = rowNamed(level, entity, name);
+        if (!named) {
             return ExitStatus::Usage;
         }
-        values.push_back(valueText(entity, *row));
+        values.push_back(valueText(entity, named->row));
     }
     if (options.json) {
         printJson(jsonTexts(values));
@@ -248,12 +263,13 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
             complain('"' + word + "\" is not of the form name=value");
             return ExitStatus::Usage;
         }
-        const auto row = rowNamed(level, entity, word.substr(0, equals));
-        if (!row) {
+        const auto named = rowNamed(level, entity, word.substr(0, equals));
+        if (!named) {
             return ExitStatus::Usage;
         }
-        EntryFacts facts = behaviorFacts(*row);
-        facts.value = valueText(entity, *row);
+        const CustomEntry& row = named->row;
+        EntryFacts facts = behaviorFacts(row, named->set);
+        facts.value = valueText(entity, row);
         const std::string value = word.substr(equals + 1);
         std::string why = EntryModel(facts).refusalOf(value);
         const auto number = skillOfText(value);
@@ -261,12 +277,12 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
             why = skillRefusal(value);
         }
         if (!why.empty()) {
-            complain(nameOf(*row) + ": " + why + " Nothing was changed.");
+            complain(nameOf(row) + ": " + why + " Nothing was changed.");
             return ExitStatus::Findings;
         }
-        const int skill = skillNumber(*row);
+        const int skill = skillNumber(row);
         auto edited = withLevelValue(
-            text, {entity.name, skill > 0, skill > 0 ? skill : flagNumber(*row), number.value_or(0)});
+            text, {entity.name, skill > 0, skill > 0 ? skill : flagNumber(row), number.value_or(0)});
         if (!edited) {
             complain("the entity's lines were not found");
             return ExitStatus::Failed;
@@ -338,8 +354,8 @@ ExitStatus diffLevels(const LevelOptions& options) {
         if (one.script != other.script || one.action != other.action) {
             tell(one.name, "action", one.script + ' ' + one.action, other.script + ' ' + other.action);
         }
-        std::vector<CustomEntry> rows = before.valuesOf(one);
-        for (CustomEntry& row : after.valuesOf(other)) {
+        std::vector<CustomEntry> rows = before.valuesOf(one).rows;
+        for (CustomEntry& row : after.valuesOf(other).rows) {
             const auto same = [&](const CustomEntry& known) { return known.id == row.id; };
             if (std::none_of(rows.begin(), rows.end(), same)) {
                 rows.push_back(std::move(row));

@@ -96,7 +96,10 @@ protected:
 
     // A derived class calls this for what it doesn't treat itself.
     std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
-    void setTitle(const std::string& title) { setText(window(), title); }
+    // As wideReport takes it.
+    void setTitle(const std::string& title) {
+        setText(window(), narrowText(wideReport(title), CP_UTF8), CP_UTF8);
+    }
     // Lays the controls out anew.
     void layoutNow();
 

@@ -450,14 +450,15 @@ bool copyToClipboard(HWND owner, const std::string& text) {
     return done;
 }
 
-std::string clipboardText(HWND owner, size_t most) {
+std::string clipboardText(HWND owner, size_t most, UINT codePage) {
     std::string text;
     if (!OpenClipboard(owner)) {
         return text;
     }
-    if (const HANDLE data = GetClipboardData(CF_TEXT)) {
-        if (const auto* const bytes = static_cast<const char*>(GlobalLock(data))) {
-            text.assign(bytes, strnlen(bytes, std::min<size_t>(most, GlobalSize(data))));
+    if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
+        if (const auto* const wide = static_cast<const wchar_t*>(GlobalLock(data))) {
+            const size_t length = wcsnlen(wide, std::min<size_t>(most, GlobalSize(data) / sizeof *wide));
+            text = narrowText({wide, length}, codePage);
             GlobalUnlock(data);
         }
     }

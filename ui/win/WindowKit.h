@@ -130,9 +130,9 @@ void centreOver(HWND window, HWND owner, int width, int height);
 // Outer size of a window whose inner size is given.
 SIZE outerSize(HWND window, int width, int height);
 
-// Puts text on the clipboard; false when it can't be had.
+// Puts text, as wideReport takes it, on the clipboard; false when it can't be had.
 bool copyToClipboard(HWND owner, const std::string& text);
-// The clipboard's text, cut at that many bytes; empty when it has none.
-std::string clipboardText(HWND owner, size_t most);
+// The clipboard's text, cut at that many characters; empty when it has none.
+std::string clipboardText(HWND owner, size_t most, UINT codePage = CP_ACP);
 
 }  // namespace zoka
