@@ -56,12 +56,13 @@ bool EntryModel::SetValueFromText(const std::string& text) {
 
 void EntryModel::putBack(std::string value) {
     m_value = std::move(value);
-    m_different = false;
+    m_different = m_others = false;
 }
 
-void EntryModel::setDifferent() {
+void EntryModel::setDifferent(bool others) {
     m_value.clear();
     m_different = true;
+    m_others = others;
 }
 
 const std::string& EntryModel::blocked() const {

@@ -18,7 +18,9 @@ public:
     // Values outside the limits are taken: an entity or a script may hold them.
     bool SetValueFromText(const std::string& text) override;
     std::string GetValueText() const override { return m_value; }
-    bool HasChanged() const override { return m_value != m_facts.value || m_different != m_facts.different; }
+    bool HasChanged() const override {
+        return m_value != m_facts.value || m_different != m_facts.different || m_others;
+    }
     int GetHeight() const override;
 
     const EntryFacts& facts() const { return m_facts; }
@@ -29,7 +31,8 @@ public:
     void putBack(std::string value);
     // The row stands for several values, which are not equal, until it's given one.
     bool isDifferent() const { return m_different; }
-    void setDifferent();
+    // With `others` they are not those that were loaded.
+    void setDifferent(bool others = false);
     // Why the value can't be changed now, in words for the user; empty when it can.
     const std::string& blocked() const;
     void setBlocked(const std::string& reason);
@@ -64,7 +67,7 @@ private:
     EntryFacts m_facts;
     std::string m_value;
     double m_step = 1;
-    bool m_different = false;
+    bool m_different = false, m_others = false;
     std::shared_ptr<const std::string> m_blocked;  // null: it isn't
 };
 

@@ -125,10 +125,14 @@ size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::
 }
 
 bool RowEditing::putState(size_t i, const std::string& state, std::string& why) {
-    if (!store(i, state, why)) {
+    return putValueAsIs(i, state, why);
+}
+
+bool RowEditing::putValueAsIs(size_t i, const std::string& value, std::string& why) {
+    if (!store(i, value, why)) {
         return false;
     }
-    m_rows[i].putBack(state);
+    m_rows[i].putBack(value);
     return true;
 }
 
@@ -171,28 +175,36 @@ size_t RowEditing::sectionEnd(size_t heading) const {
     return last;
 }
 
-// The value that resetting would give the row; nothing when it stays as it is.
-std::optional<std::string> RowEditing::resetValue(size_t i, ResetTo to) const {
+bool RowEditing::canResetRow(size_t i, ResetTo to) const {
     const EntryModel& model = row(i);
     if (!hasValue(model.facts().field) || !model.blocked().empty()) {
-        return std::nullopt;
+        return false;
     }
     if (to == ResetTo::Loaded) {
-        return resetsToLoaded() && model.HasChanged() && !model.facts().different
-                   ? std::optional(model.loadedValue())
-                   : std::nullopt;
+        return resetsToLoaded() && model.HasChanged();
     }
-    auto value = defaultOf(i);
-    return value && (model.isDifferent() || *value != model.value()) ? value : std::nullopt;
+    const auto value = defaultOf(i);
+    return value && (model.isDifferent() || *value != model.value());
 }
 
 bool RowEditing::canReset(size_t first, size_t last, ResetTo to) const {
     for (size_t i = first; i < last; ++i) {
-        if (resetValue(i, to)) {
+        if (canResetRow(i, to)) {
             return true;
         }
     }
     return false;
+}
+
+bool RowEditing::putDefault(size_t i, std::string& why) {
+    const std::string value = *defaultOf(i);
+    if (value != row(i).loadedValue()) {
+        why = storedRefusal(row(i).facts(), value);
+        if (!why.empty()) {
+            return false;
+        }
+    }
+    return putValueAsIs(i, value, why);
 }
 
 size_t RowEditing::reset(size_t first, size_t last, ResetTo to) {
@@ -200,16 +212,13 @@ size_t RowEditing::reset(size_t first, size_t last, ResetTo to) {
     EditHistory::Step step;
     std::string why;
     for (size_t i = first; i < last; ++i) {
-        const auto value = resetValue(i, to);
-        if (!value || (*value != row(i).loadedValue() && !storedRefusal(row(i).facts(), *value).empty())) {
+        if (!canResetRow(i, to)) {
             continue;
         }
         std::string before = stateOf(i);
-        if (!store(i, *value, why)) {
-            continue;
+        if (to == ResetTo::Loaded ? putLoaded(i, why) : putDefault(i, why)) {
+            step.push_back({i, std::move(before), stateOf(i)});
         }
-        m_rows[i].putBack(*value);
-        step.push_back({i, std::move(before), stateOf(i)});
     }
     const size_t changed = step.size();
     m_history.add(std::move(step));

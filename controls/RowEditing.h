@@ -126,10 +126,14 @@ protected:
     // What undo remembers of a row, and how it's given back: the value, unless a row stands for several.
     virtual std::string stateOf(size_t i) const { return row(i).value(); }
     virtual bool putState(size_t i, const std::string& state, std::string& why);
+    // Gives the row back what it was loaded with.
+    virtual bool putLoaded(size_t i, std::string& why) { return putValueAsIs(i, row(i).loadedValue(), why); }
 
 private:
     class OneStep;
-    std::optional<std::string> resetValue(size_t i, ResetTo to) const;
+    bool canResetRow(size_t i, ResetTo to) const;
+    bool putDefault(size_t i, std::string& why);
+    bool putValueAsIs(size_t i, const std::string& value, std::string& why);
     size_t reset(size_t first, size_t last, ResetTo to);
     std::optional<size_t> go(bool forward, std::string* why);
 

@@ -238,6 +238,7 @@ void BehaviorSession::addRow(const CustomEntry& entry) {
         facts.different = !allEqual(source.values);
         facts.value.clear();
     }
+    source.loaded = source.values;
     m_sources.push_back(std::move(source));
     const size_t i = m_sources.size() - 1;
     if (m_sources[i].number > 0 && !facts.different) {
@@ -274,6 +275,17 @@ bool BehaviorSession::write(const Source& source, const std::string& entity, flo
                                  : m_access->setFlag(entity, source.number, value != 0);
 }
 
+// A number that is declared twice has two rows.
+std::vector<size_t> BehaviorSession::rowsLike(size_t i) const {
+    std::vector<size_t> rows;
+    for (size_t row = 0; row < m_sources.size(); ++row) {
+        if (m_sources[row].number == m_sources[i].number && m_sources[row].kind == m_sources[i].kind) {
+            rows.push_back(row);
+        }
+    }
+    return rows;
+}
+
 // All entities get their value, or none: those already written get back what they had.
 bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::string& why) {
     const Source source = m_sources[i];
@@ -285,18 +297,17 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
             write(source, m_entities[n], source.values[n]);
         }
         why = std::string(kRefused) + '.';
-        reread(i);
-        m_models[i].setBlocked(why);
+        for (const size_t row : rowsLike(i)) {
+            reread(row);
+            m_models[row].setBlocked(why);
+        }
         listener().valuesChanged();
         return false;
     }
-    // A number that is declared twice has two rows.
-    for (size_t row = 0; row < m_sources.size(); ++row) {
-        if (m_sources[row].number == source.number && m_sources[row].kind == source.kind) {
-            m_sources[row].values = values;
-            if (row != i) {
-                showValues(row);
-            }
+    for (const size_t row : rowsLike(i)) {
+        m_sources[row].values = values;
+        if (row != i) {
+            showValues(row);
         }
     }
     // The count of changes is not noted: it may have grown by another hand's change too, which is still to be seen.
@@ -348,11 +359,28 @@ bool BehaviorSession::putState(size_t i, const std::string& state, std::string& 
         at = std::from_chars(at, end, value).ptr;
         at += at < end ? 1 : 0;
     }
+    return putValues(i, values, why);
+}
+
+bool BehaviorSession::putValues(size_t i, const std::vector<float>& values, std::string& why) {
     if (!writeAll(i, values, why)) {
         return false;
     }
     showValues(i);
     return true;
+}
+
+// Of several entities each one's own value.
+bool BehaviorSession::putLoaded(size_t i, std::string& why) {
+    if (const auto row = m_sources[i].component) {
+        if (!m_components->inherit(*row, why)) {
+            return false;
+        }
+        m_components->showValue(*row, m_models[i]);
+        return true;
+    }
+    const std::vector<float> values = m_sources[i].loaded;
+    return putValues(i, values, why);
 }
 
 // True when what the row shows is another thing than before.
@@ -387,7 +415,7 @@ void BehaviorSession::showValues(size_t i) {
     if (allEqual(values)) {
         m_models[i].putBack(textOf(i, values.front()));
     } else {
-        m_models[i].setDifferent();
+        m_models[i].setDifferent(values != m_sources[i].loaded);
     }
 }
 

@@ -95,12 +95,15 @@ private:
         int number = 0;
         int line = 0;
         std::vector<float> values = {};  // one an entity, as last read or written; a flag's are 0 and 1
+        std::vector<float> loaded = {};  // those when the rows were made
         std::optional<size_t> component = {};
     };
 
     bool store(size_t i, const std::string& value, std::string& why) override;
     std::string stateOf(size_t i) const override;
     bool putState(size_t i, const std::string& state, std::string& why) override;
+    bool putLoaded(size_t i, std::string& why) override;
+    bool putValues(size_t i, const std::vector<float>& values, std::string& why);
 
     void show(std::vector<std::string> entities);
     bool lookAtProject();
@@ -120,6 +123,7 @@ private:
     std::string copyName(size_t i) const;
     std::optional<float> read(const Source& source, const std::string& entity) const;
     bool write(const Source& source, const std::string& entity, float value);
+    std::vector<size_t> rowsLike(size_t i) const;
     bool writeAll(size_t i, const std::vector<float>& values, std::string& why);
     bool reread(size_t i);
     void showValues(size_t i);

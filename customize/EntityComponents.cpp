@@ -242,7 +242,9 @@ void EntityComponents::showValue(size_t i, EntryModel& model) const {
     if (allEqual(row.values, current)) {
         model.putBack(shown(row, row.values.front().current()));
     } else {
-        model.setDifferent();
+        model.setDifferent(std::any_of(row.values.begin(), row.values.end(), [](const EditValue& value) {
+            return value.own && value.own != value.inherited;
+        }));
     }
 }
 
@@ -324,11 +326,26 @@ bool EntityComponents::set(size_t i, const std::string& value, std::string& why)
         }
         given.push_back(inherits ? std::nullopt : std::optional(std::move(stored)));
     }
+    return !row.fields.empty() && give(row, given, why);
+}
+
+bool EntityComponents::inherit(size_t i, std::string& why) {
+    return give(m_rows[i], std::vector<std::optional<std::string>>(m_rows[i].fields.size()), why);
+}
+
+bool EntityComponents::give(Row& row, const std::vector<std::optional<std::string>>& own, std::string& why) {
+    const size_t edits = editsDone();
     for (size_t n = 0; n < row.fields.size(); ++n) {
-        m_project.setValue(row.fields[n], given[n]);
-        row.values[n].own = std::move(given[n]);
+        if (!m_project.setValue(row.fields[n], own[n], &why)) {
+            why = m_texts.shown(why);
+            goTo(edits);
+            return false;
+        }
     }
-    return !row.fields.empty();
+    for (size_t n = 0; n < row.fields.size(); ++n) {
+        row.values[n].own = own[n];
+    }
+    return true;
 }
 
 void EntityComponents::goTo(size_t edits) {

@@ -66,6 +66,8 @@ public:
 
     // Gives all entities the value, or none, with the reason. An entity that inherits the value gets no edit.
     bool set(size_t row, const std::string& shown, std::string& why);
+    // Takes the entities' own values away.
+    bool inherit(size_t row, std::string& why);
     // How many edits are done, and back or forward to that many.
     size_t editsDone() const { return m_project.editsDone(); }
     void goTo(size_t edits);
@@ -89,6 +91,8 @@ private:
     const CJ8BehaviorData* parentOf(const std::string& entity) const;
     void addText(const char* text, std::string help);
     void addRows();
+    // One an entity, all or none; nothing takes its own value away.
+    bool give(Row& row, const std::vector<std::optional<std::string>>& own, std::string& why);
     void readValues();
     std::string shown(const Row& row, const std::string& stored) const {
         return shownForm(row.shown, stored, m_texts);

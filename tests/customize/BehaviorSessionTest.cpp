@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <random>
+#include <set>
 
 #include "plugin/host/FolderHost.h"
 #include "tests/support/FakeEntities.h"
@@ -19,6 +20,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr char kScript[] =
     "action walk {\n// title: Walker\n// section: Legs\n// skill1: Speed 2\n// cntl: slider 0 10 0.5\n"
@@ -191,6 +193,44 @@ TEST_F(BehaviorSessionTest, tellsOfValuesOutsideTheirLimits) {
     EXPECT_EQ(m_session.findingsText(), "b: Speed is 12; allowed: 0 to 10\r\n");
 }
 
+// Of two scripts, one in UTF-8 and one in the system's set.
+TEST_F(BehaviorSessionTest, readsEachScriptInItsOwnCharacterSet) {
+    const auto give = [this](const char* entity, const std::string& file, const std::string& text) {
+        const std::string path = m_folder.write(file, text);
+        m_entities.entities[entity].action = ActionPlace{path, 0, static_cast<std::int32_t>(text.size())};
+    };
+    give("a", "utf8.kez",
+         "// title: T\xC3\xBCr\n// skill1: Gr\xC3\xBC\xC3\x9F 20\n// cntl: spin 0 9\n"
+         "// help: f\xC3\xBCr \xCE\xA9\n// skil2: \xC3\xBC\n");
+    give("b", "system.kez", "// title: T\xFCr\n// skill1: GR\xDC\xDF 1\n// skill2: T\xFCr\n");
+    give("c", "other.kez", "// title: T\xFCr\n// skill2: T\xDCR\n");
+    m_session.refresh(true);
+    EXPECT_EQ(m_session.title(), "T\xC3\xBCr");
+    EXPECT_EQ(m_session.row(0).facts().set, TextSet::Utf8);
+    for (const char* search : {"GR\xC3\x9C", "gr\xFC", "F\xC3\x9CR", "\xCF\x89"}) {
+        m_session.filter.search = search;
+        EXPECT_TRUE(m_session.visibleRows()[0]) << search;
+    }
+    m_session.filter.search.clear();
+    const std::string line = "skill1 Gr\xC3\xBC\xC3\x9F = 3\r\n";
+    EXPECT_EQ(m_session.copyText(0, 1), line);
+    EXPECT_THAT(m_session.findingsText(), HasSubstr("the default 20 of \"Gr\xC3\xBC\xC3\x9F\" lies"));
+    // In the system's set.
+    follow({"b"});
+    EXPECT_EQ(m_session.title(), "T\xC3\xBCr");
+    EXPECT_EQ(m_session.copyText(1, 2), "skill2 T\xC3\xBCr = 0\r\n");
+    const PasteResult result = m_session.paste("T\xC3\x9CR = 4\r\nT\xFCr = 5\r\n");
+    EXPECT_EQ(result.taken, 1U);
+    EXPECT_EQ(result.refused.size(), 1U);
+    EXPECT_EQ(skill("b", 2), 4.0F);
+    // Names are compared as characters, the numbers' own texts as bytes.
+    follow({"a", "b"});
+    EXPECT_EQ(m_session.title(), "T\xC3\xBCr");
+    EXPECT_THAT(shown(), ElementsAre("Gr\xC3\xBC\xC3\x9F=(different)"));
+    follow({"b", "c"});
+    EXPECT_THAT(shown(), ElementsAre("T\xFCr=(different)"));
+}
+
 TEST_F(BehaviorSessionTest, isPlainWhereTheHostHasNoEntities) {
     BehaviorSession plain(nullptr, m_host);
     plain.open();
@@ -200,46 +240,126 @@ TEST_F(BehaviorSessionTest, isPlainWhereTheHostHasNoEntities) {
     EXPECT_FALSE(plain.canFollow());
 }
 
-// Whatever the host refuses, what it holds and what the panel shows agree once the panel has looked again.
-TEST_F(BehaviorSessionTest, agreesWithAHostThatFailsAtRandom) {
-    follow({"a", "b", "c"});
-    std::mt19937 random(20260301);
-    const auto below = [&](unsigned end) { return static_cast<unsigned>(random() % end); };
-    bool failing = true;
-    m_entities.fails = [&](const std::string& call) {
-        return failing && call.starts_with("set") && below(5) == 0;
-    };
-    for (int round = 0; round < 3000; ++round) {
-        const size_t row = below(static_cast<unsigned>(m_session.size()));
-        switch (below(6)) {
+// A user who edits, pastes, resets, undoes and does again at random; `look` is called after each.
+template <class Look>
+void wander(BehaviorSession& panel, unsigned seed, int rounds, const Look& look) {
+    std::mt19937 random(seed);
+    const auto below = [&](size_t end) { return static_cast<size_t>(random() % end); };
+    for (int round = 0; round < rounds; ++round) {
+        const size_t row = below(panel.size());
+        const std::string value = std::to_string(below(12));
+        switch (below(8)) {
             case 0:
-                m_session.undo();
+                panel.undo();
                 break;
             case 1:
-                m_session.redo();
+                panel.redo();
                 break;
             case 2:
-                m_session.resetRow(row, ResetTo::Default);
+                panel.resetRow(row, below(2) == 0 ? ResetTo::Default : ResetTo::Loaded);
+                break;
+            case 3:
+                panel.paste("skill1 = " + value + "\nflag1 = 1\nbody.mass = " + value +
+                            "\nlight.color = #00000" + value);
                 break;
             default:
-                m_session.setValue(row, std::to_string(below(12)), nullptr, below(2) == 0);
+                panel.setValue(row, value, nullptr, below(2) == 0);
                 break;
         }
-        if (below(10) == 0) {
-            m_session.refresh(true);
-        }
-        if (below(40) == 0) {
-            std::vector<std::string> names = {"a", "b", "c"};
-            std::shuffle(names.begin(), names.end(), random);
-            names.resize(1 + below(3));
-            follow(names);
+        look(random);
+        if (testing::Test::HasFailure()) {
+            return;
         }
     }
+}
+
+class BehaviorAtRandomTest : public BehaviorSessionTest {
+protected:
+    BehaviorAtRandomTest() {
+        const std::string text = "// skill1: Speed 2\n// flag1: Lit\n// skill1: Pace\n// skill3: Reach\n";
+        const std::string path = m_folder.write("twice.kez", text);
+        for (const char* name : {"a", "b", "c"}) {
+            m_entities.entities[name].action = ActionPlace{path, 0, static_cast<std::int32_t>(text.size())};
+        }
+        m_session.refresh(true);
+        follow({"a", "b", "c"});
+    }
+    // What a row must show; the panel's own words for the value.
+    std::string held(size_t row) const {
+        const std::string details = m_session.details(row);
+        std::set<float> values;
+        for (const std::string& name : m_session.entities()) {
+            const test::FakeEntity& one = m_entities.entities.at(name);
+            values.insert(details.starts_with("flag1")    ? static_cast<float>(one.flags[0])
+                          : details.starts_with("skill1") ? one.skills[0]
+                                                          : one.skills[2]);
+        }
+        return values.size() > 1 ? "(different)" : skillText(*values.begin());
+    }
+    void expectAgreement() const {
+        for (size_t i = 0; i < m_session.size(); ++i) {
+            const EntryModel& row = m_session.row(i);
+            if (row.blocked().empty()) {
+                EXPECT_EQ(row.isDifferent() ? "(different)" : row.value(), held(i)) << row.facts().label;
+            }
+        }
+    }
+};
+
+// Whatever the host refuses, the panel shows what the host holds, or says that it can't tell.
+TEST_F(BehaviorAtRandomTest, agreesWithAHostThatFailsAtRandom) {
+    bool failing = true;
+    std::mt19937 fate(20260301);
+    m_entities.fails = [&](const std::string& call) {
+        return failing && fate() % 5 == 0 && (call.starts_with("set") || call.starts_with("skill("));
+    };
+    wander(m_session, 20260302, 4000, [&](std::mt19937& random) {
+        expectAgreement();
+        if (random() % 10 == 0) {
+            m_session.refresh(true);
+        }
+        if (random() % 40 == 0) {
+            std::vector<std::string> names = {"a", "b", "c"};
+            std::shuffle(names.begin(), names.end(), random);
+            names.resize(1 + random() % 3);
+            follow(names);
+        }
+        if (random() % 40 == 0) {  // another hand
+            m_entities.entities["b"].skills[0] = static_cast<float>(random() % 9);
+            ++m_entities.count;
+            m_session.refresh(false);
+        }
+    });
     failing = false;
     m_session.refresh(true);
-    const std::vector<std::string> before = shown();
-    m_session.open();
-    EXPECT_EQ(shown(), before);
+    for (const std::string& row : shown()) {
+        EXPECT_THAT(row, Not(HasSubstr("blocked")));
+    }
+    expectAgreement();
+}
+
+// Undone to the beginning each entity has its own value; done again all is as it was.
+TEST_F(BehaviorAtRandomTest, goesBackAndForthThroughAllEdits) {
+    const auto held = [this] {
+        std::vector<float> all;
+        for (const auto& [name, one] : m_entities.entities) {
+            all.insert(all.end(), one.skills.begin(), one.skills.end());
+            all.insert(all.end(), one.flags.begin(), one.flags.end());
+        }
+        return all;
+    };
+    const std::vector<float> before = held();
+    wander(m_session, 20260303, 2000, [&](std::mt19937&) { expectAgreement(); });
+    const std::vector<float> after = held();
+    EXPECT_NE(after, before);
+    while (m_session.undo()) {
+    }
+    EXPECT_EQ(held(), before);
+    expectAgreement();
+    EXPECT_EQ(m_session.changedCount(), 0U);
+    while (m_session.redo()) {
+    }
+    EXPECT_EQ(held(), after);
 }
 
 // --- The panel form.
@@ -398,11 +518,11 @@ TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
 TEST_F(BehaviorComponentsTest, severalEntitiesGetTheValueAndEachItsOwnBack) {
     follow({"a", "b", "c"});
     EXPECT_THAT(shown(), ElementsAre("Legs", "Speed=(different)", "No Parent Behavior", "body",
-                                     "mass=(different)", "solid=1", "stuff=wool blocked"));
+                                     "mass=(different) changed", "solid=1", "stuff=wool blocked"));
     EXPECT_TRUE(m_panel.setValue(4, "80"));
     EXPECT_EQ(shown()[4], "mass=80 changed");
     m_panel.undo();
-    EXPECT_EQ(shown()[4], "mass=(different)");
+    EXPECT_EQ(shown()[4], "mass=(different) changed");
     EXPECT_FALSE(m_panel.hasUnsaved());
     m_panel.redo();
     EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
@@ -412,6 +532,62 @@ TEST_F(BehaviorComponentsTest, severalEntitiesGetTheValueAndEachItsOwnBack) {
     EXPECT_EQ(text.find("value=\"90\""), text.npos);
     follow({"a"});
     EXPECT_EQ(shown()[4], "mass=80");
+}
+
+// A row whose entities differ is marked once they are not what they were, and reset to each one's own.
+TEST_F(BehaviorComponentsTest, marksAndResetsRowsThatDiffer) {
+    m_entities.entities["c"].action = m_entities.entities["a"].action;
+    follow({"a", "b", "c"});
+    EXPECT_EQ(shown()[1], "Speed=(different)");
+    m_entities.entities["b"].skills[0] = 6;
+    ++m_entities.count;
+    m_panel.refresh(false);
+    EXPECT_EQ(shown()[1], "Speed=(different) changed");
+    EXPECT_EQ(m_panel.resetRow(1, ResetTo::Loaded), 1U);
+    EXPECT_EQ(shown()[1], "Speed=(different)");
+    EXPECT_EQ(skill("b", 1), 4.25F);
+    m_panel.undo();
+    EXPECT_EQ(skill("b", 1), 6.0F);
+    m_panel.setValue(1, "7");
+    EXPECT_EQ(m_panel.resetRow(1, ResetTo::Loaded), 1U);
+    EXPECT_EQ(skill("a", 1) + skill("b", 1) + skill("c", 1), 3 + 4.25F + 5);
+    // What the behaviour gives the one and the component the other, before and after.
+    const size_t mass = rowOf("mass");
+    EXPECT_EQ(shown()[mass], "mass=(different) changed");
+    EXPECT_EQ(m_panel.resetRow(mass, ResetTo::Loaded), 1U);
+    EXPECT_EQ(shown()[mass], "mass=(different)");
+    EXPECT_FALSE(m_panel.canReset(mass, mass + 1, ResetTo::Loaded));
+    follow({"a"});
+    EXPECT_EQ(shown()[rowOf("mass")], "mass=80");
+}
+
+TEST_F(BehaviorComponentsTest, goesBackAndForthThroughAllEditsAndSavesThem) {
+    follow({"a", "b", "c"});
+    const std::vector<std::string> before = shown();
+    wander(m_panel, 20260304, 1000, [&](std::mt19937& random) {
+        if (random() % 50 == 0) {
+            EXPECT_NE(m_panel.save(), ProjectSave::Cancelled);
+        }
+    });
+    const std::vector<std::string> after = shown();
+    EXPECT_NE(after, before);
+    while (m_panel.undo()) {
+    }
+    EXPECT_EQ(shown(), before);
+    while (m_panel.redo()) {
+    }
+    EXPECT_EQ(shown(), after);
+    m_panel.save();
+    for (const char* name : {"a", "b", "c"}) {
+        follow({name});
+        const std::vector<std::string> own = shown();
+        BehaviorSession fresh(&m_entities, m_host, components(m_file, m_prompt), name);
+        fresh.open();
+        ASSERT_EQ(fresh.size(), own.size());
+        for (size_t i = 0; i < fresh.size(); ++i) {
+            EXPECT_EQ(fresh.row(i).value(), m_panel.row(i).value()) << own[i];
+        }
+    }
 }
 
 TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
