@@ -41,7 +41,8 @@ bool Window::createDialog(HWND owner, DWORD style, DWORD exStyle) {
 }
 
 bool Window::createDialog(HWND owner, HINSTANCE module, int resource) {
-    CreateDialogParamA(module, MAKEINTRESOURCEA(resource), owner, dialogProc, reinterpret_cast<LPARAM>(this));
+    // A Unicode window: its title may be a text of a script.
+    CreateDialogParamW(module, MAKEINTRESOURCEW(resource), owner, dialogProc, reinterpret_cast<LPARAM>(this));
     return m_window != nullptr;
 }
 
