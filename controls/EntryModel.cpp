@@ -121,7 +121,8 @@ std::string EntryModel::asWritten(const std::string& typed) const {
     if (!value || !fieldRefusal(m_facts, typed).empty()) {
         return typed;
     }
-    if (const auto loaded = numberOf(m_facts.value); loaded && *loaded == *value) {
+    // Without a value loaded, or with several, there is no text to keep.
+    if (const auto loaded = numberOf(m_facts.value); !m_facts.value.empty() && loaded == value) {
         return m_facts.value;
     }
     const bool digitsOnly = typed.find_first_not_of("0123456789") == typed.npos;

@@ -52,9 +52,9 @@ void EntryWindow::command(WORD code, HWND control) {
             refused(why);
         }
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
+        const auto chosen = m_choices.chosen(facts());
         std::string why;
-        if (!m_panel.rows().setValue(m_row, m_choices.chosen(facts()).value_or(model().value()), &why,
-                                     false)) {
+        if (chosen && !m_panel.rows().setValue(m_row, *chosen, &why, false)) {
             refused(why);
             showValue();
         }

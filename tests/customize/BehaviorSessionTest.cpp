@@ -107,6 +107,9 @@ TEST_F(BehaviorSessionTest, showsWhatSeveralEntitiesShareAndRestoresEachOnesOwn)
     EXPECT_EQ(skill("a", 1), 3.0F);
     EXPECT_EQ(skill("b", 1), 4.25F);
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=(different)", "Lit=0"));
+    EXPECT_TRUE(m_session.setValue(1, "0"));
+    EXPECT_EQ(skill("a", 1) + skill("b", 1), 0.0F);
+    m_session.undo();
     // Of two actions: the value that both have, within both limits.
     follow({"a", "c"});
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=(different)"));
