@@ -13,9 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/win/BareWindows.h"
 #include "bench/win/Measure.h"
-#include "controls/PanelLayout.h"
-#include "controls/win/ControlClasses.h"
 #include "customize/win/CustomizeDialog.h"
 #include "plugin/win/Resources.h"
 #include "tests/support/FakeEditor.h"
@@ -29,17 +28,6 @@ constexpr int kRounds = 7, kPages = 10;
 constexpr int kFew = 1000, kMany = 20000;
 enum : int { kSearch = 1103, kRows = 1105 };  // the panel's controls
 constexpr const char* kSearched = "Speed 99";
-
-// Everything that is waiting to be done and painted.
-void settle(HWND window) {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (!IsDialogMessageA(window, &message)) {
-            DispatchMessageA(&message);
-        }
-    }
-    paint(window);
-}
 
 std::string script(int entries) {
     static const char* const kKinds[] = {
@@ -96,124 +84,6 @@ private:
     CustomizeDialog m_dialog;
     HINSTANCE m_dll;
     HWND m_window = nullptr;
-};
-
-// The windows of a panel, to be made again without anything behind them: of the system's classes, in the same
-// places, with the same texts and fonts.
-class BareWindows {
-public:
-    explicit BareWindows(HWND panel) { add(panel, -1); }
-    ~BareWindows() {
-        if (!m_made.empty()) {
-            DestroyWindow(m_made[0]);
-        }
-    }
-    size_t count() const { return m_plan.size(); }
-    // As many rows as there are entries, each like one that is there, below one another.
-    void growTo(size_t entries) {
-        std::vector<size_t> rows;
-        for (size_t i = 0; i < m_plan.size(); ++i) {
-            if (m_plan[i].isRow) {
-                rows.push_back(i);
-            }
-        }
-        if (rows.empty()) {
-            stop("the panel shows no rows");
-        }
-        const std::vector<Plan> plan = m_plan;
-        for (size_t made = rows.size(); made < entries; ++made) {
-            const size_t row = rows[made % rows.size()];
-            std::map<int, int> places;
-            for (size_t i = row; i < plan.size() && (i == row || !plan[i].isRow); ++i) {
-                if (i != row && !places.contains(plan[i].parent)) {
-                    break;  // the row ends
-                }
-                Plan copy = plan[i];
-                if (i != row) {
-                    copy.parent = places[copy.parent];
-                }
-                places[static_cast<int>(i)] = static_cast<int>(m_plan.size());
-                if (i == row) {
-                    copy.area.y += static_cast<int>(made) * 30;
-                }
-                m_plan.push_back(copy);
-            }
-        }
-    }
-    void open() {
-        if (!m_made.empty()) {
-            DestroyWindow(m_made[0]);
-        }
-        m_made.clear();
-        for (const Plan& one : m_plan) {
-            const HWND made =
-                CreateWindowExA(one.exStyle, one.className.c_str(), one.text.c_str(), one.style, one.area.x,
-                                one.area.y, one.area.width, one.area.height,
-                                one.parent < 0 ? nullptr : m_made[static_cast<size_t>(one.parent)], nullptr,
-                                GetModuleHandleA(nullptr), nullptr);
-            if (!made) {
-                stop("a bare window of class " + one.className + " can't be made");
-            }
-            if (one.font) {
-                SendMessageA(made, WM_SETFONT, reinterpret_cast<WPARAM>(one.font), FALSE);
-            }
-            m_made.push_back(made);
-        }
-        ShowWindow(m_made[0], SW_SHOWNORMAL);
-        settle(m_made[0]);
-    }
-
-private:
-    struct Plan {
-        std::string className, text;
-        DWORD style, exStyle;
-        PanelRect area;
-        int parent;
-        HFONT font;
-        bool isRow;
-    };
-
-    static std::string systemClass(const std::string& name) {
-        if (name == kIntEditClass || name == kFloatEditClass) {
-            return "Edit";
-        }
-        return name == kEntryClass || name == kSliderClass || name == kEntryPanelClass || name == "#32770"
-                   ? "Static"
-                   : name;
-    }
-    void add(HWND window, int parent) {
-        char name[64] = {};
-        GetClassNameA(window, name, sizeof name);
-        RECT area{};
-        GetWindowRect(window, &area);
-        if (parent >= 0) {
-            MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&area), 2);
-        }
-        auto style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-        if (systemClass(name) != name && systemClass(name) == "Static") {
-            style &= 0xFFFF0000;
-        }
-        if (parent < 0) {
-            style &= ~static_cast<DWORD>(WS_VISIBLE);
-        }
-        m_plan.push_back(
-            {systemClass(name),
-             textOf(window),
-             style,
-             static_cast<DWORD>(GetWindowLongA(window, GWL_EXSTYLE)),
-             {static_cast<int>(area.left), static_cast<int>(area.top),
-              static_cast<int>(area.right - area.left), static_cast<int>(area.bottom - area.top)},
-             parent,
-             parent < 0 ? nullptr : reinterpret_cast<HFONT>(SendMessageA(window, WM_GETFONT, 0, 0)),
-             std::string(name) == kEntryClass});
-        const int own = static_cast<int>(m_plan.size()) - 1;
-        for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-            add(child, own);
-        }
-    }
-
-    std::vector<Plan> m_plan;
-    std::vector<HWND> m_made;
 };
 
 int run(const std::string& dllPath) {
