@@ -6,19 +6,20 @@
 # the target is left in build/fuzz/ and ends the run with an error.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
+root=$PWD # targets may change the current folder
 target=$1 seconds=$2
-program=build/fuzz/fuzz/fuzz_$target
+program=$root/build/fuzz/fuzz/fuzz_$target
 if [ ! -x "$program" ]; then
     echo "no fuzz target '$target'; there are:" >&2
     find build/fuzz/fuzz -maxdepth 1 -type f -name 'fuzz_*' -executable -printf '%f\n' | sed 's/^fuzz_/  /' >&2
     exit 2
 fi
-corpus=build/corpus/$target
+corpus=$root/build/corpus/$target
 mkdir -p "$corpus"
-options=(-max_total_time="$seconds" -artifact_prefix=build/fuzz/ -timeout=10 -rss_limit_mb=4096 -print_final_stats=1)
-[ ! -f "fuzz/$target.dict" ] || options+=(-dict="fuzz/$target.dict")
+options=(-max_total_time="$seconds" -artifact_prefix="$root/build/fuzz/" -timeout=10 -rss_limit_mb=4096 -print_final_stats=1)
+[ ! -f "fuzz/$target.dict" ] || options+=(-dict="$root/fuzz/$target.dict")
 seeds=()
-for folder in fuzz/seeds/$target fuzz/regressions/$target; do
+for folder in "$root/fuzz/seeds/$target" "$root/fuzz/regressions/$target"; do
     [ ! -d "$folder" ] || seeds+=("$folder")
 done
 # The first folder is the one that grows.
