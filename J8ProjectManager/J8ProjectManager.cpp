@@ -1,5 +1,7 @@
 #include "J8ProjectManager/J8ProjectManager.h"
 
+#include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -154,7 +156,7 @@ void CJ8ProjectManager::add(const zoka::ReportEntry& entry, Arguments arguments,
 
 void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments,
                               std::uint32_t place, int sourceLine) {
-    std::string line = zoka::writeReport(texts::kSource, report, entry, arguments, sourceLine);
+    std::string line = zoka::writeReport(texts::kSource, report, entry, arguments, sourceLine, m_lateLog);
     if (entry.severity == 0) {
         return;
     }
@@ -171,7 +173,7 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
 }
 
 void CJ8ProjectManager::log(const zoka::ReportEntry& entry, int sourceLine) {
-    zoka::writeReport(texts::kSource, m_report, entry, {}, sourceLine);
+    zoka::writeReport(texts::kSource, m_report, entry, {}, sourceLine, m_lateLog);
 }
 
 std::uint32_t CJ8ProjectManager::addSource(const std::string& path) {
@@ -273,8 +275,9 @@ bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
     const auto entry = zoka::hasWildcard(path) ? std::nullopt : zoka::osFiles().search(path);
     if (entry && !entry->isFolder) {
         XMLResults results;
-        const XMLNode root = XMLNode::parseFile(path.c_str(), "Project", &results, {}, XMLCharset::Utf8);
-        return loadFromTree(root, path, keepFilled, &results);
+        ReadLevels read;
+        const XMLNode root = parseTakingLevels(path, results, read);
+        return load(root, path, keepFilled, &results, std::move(read));
     }
     keepFilled ? clearContent() : Clear();
     const std::string& file = m_sources.emplace_back(zoka::xmlFromPath(path));
@@ -282,8 +285,44 @@ bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
     return false;
 }
 
+// Levels are most of a large project: each is read into the model and freed as soon as it is parsed, so that their tree
+// takes the memory of one and stays in the processor's caches.
+XMLNode CJ8ProjectManager::parseTakingLevels(const std::string& path, XMLResults& results, ReadLevels& read) {
+    CJ8ProjectManager levels;
+    levels.m_lateLog = &read.log;
+    const auto take = [&](const XMLNode& child) {
+        if (child.isEmpty()) {
+            levels.Clear();
+            read.log.clear();
+            return false;
+        }
+        if (!zoka::equalNoCase(child.getName(), "Level")) {
+            return false;
+        }
+        levels.loadLevel(child);
+        return true;
+    };
+    const XMLNode root = XMLNode::parseFileTaking(path.c_str(), "Project", &results, take, XMLCharset::Utf8);
+    read.levels = std::move(levels.m_apLevels);
+    read.report = std::move(levels.m_report);
+    read.findings = std::move(levels.m_findings);
+    return root;
+}
+
+void CJ8ProjectManager::loadLevel(const XMLNode& node) {
+    if (!LoadLevel(m_apLevels.emplace_back(), node, m_report)) {
+        log(texts::kLevelFailed);
+    }
+}
+
 bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
                                      const XMLResults* results) {
+    return load(root, path, keepFilled, results, {});
+}
+
+// `read` are the levels that the tree holds no more.
+bool CJ8ProjectManager::load(const XMLNode& root, const std::string& path, bool keepFilled,
+                             const XMLResults* results, ReadLevels&& read) {
     keepFilled ? clearContent() : Clear();
     const std::string file = m_sources.emplace_back(zoka::xmlFromPath(path));
     if (root.isEmpty()) {
@@ -311,10 +350,14 @@ bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& pat
     loadPaths(root);
     loadBehaviorFiles(root);
     loadSections(root);
+    m_apLevels = std::move(read.levels);
+    m_report += read.report;
+    std::ranges::move(read.findings, std::back_inserter(m_findings));
+    for (const zoka::LateLogEntry& entry : read.log) {
+        zoka::writeLog(texts::kSource, entry);
+    }
     for (XMLNode node = root.firstChild("Level"); !node.isEmpty(); node = node.nextSibling("Level")) {
-        if (!LoadLevel(m_apLevels.emplace_back(), node, m_report)) {
-            log(texts::kLevelFailed);
-        }
+        loadLevel(node);
     }
     return true;
 }

@@ -148,7 +148,19 @@ public:
 private:
     using Arguments = std::initializer_list<std::string_view>;
 
+    // The levels of a file that is being parsed, and what is to be told of them in their turn.
+    struct ReadLevels {
+        std::vector<CJ8LevelData> levels;
+        std::string report;
+        std::vector<zoka::J8Finding> findings;
+        std::vector<zoka::LateLogEntry> log;
+    };
+
+    XMLNode parseTakingLevels(const std::string& path, XMLResults& results, ReadLevels& read);
+    bool load(const XMLNode& root, const std::string& path, bool keepFilled, const XMLResults* results,
+              ReadLevels&& read);
     void clearContent();
+    void loadLevel(const XMLNode& node);
     void loadBehaviorFiles(const XMLNode& root);
     void loadSections(const XMLNode& root);
     void loadComponentsOf(const XMLNode& root);
@@ -174,6 +186,8 @@ private:
     std::uint32_t m_source = 0;    // the one that is being read
     std::uint32_t m_referrer = 0;  // in it, the element that names the file to be opened next
     std::vector<zoka::J8Finding> m_findings;
+    std::vector<zoka::LateLogEntry>* m_lateLog =
+        nullptr;  // where entries of the log go meanwhile; null: to the log
     zoka::NameIndex m_componentIndex, m_behaviorIndex;
     zoka::NameIndex m_loadedComponents;  // by path
 };

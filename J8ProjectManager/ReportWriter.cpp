@@ -1,5 +1,7 @@
 #include "J8ProjectManager/ReportWriter.h"
 
+#include <utility>
+
 #include "util/DebugLog.h"
 
 namespace zoka {
@@ -19,12 +21,22 @@ std::string filledText(std::string_view pattern, std::initializer_list<std::stri
     return text;
 }
 
+void writeLog(const char* source, const LateLogEntry& entry) {
+    debugLog(source, entry.sourceLine, entry.entry->func, entry.text.c_str(), entry.entry->severity);
+}
+
 std::string writeReport(const char* source, std::string& report, const ReportEntry& entry,
-                        std::initializer_list<std::string_view> arguments, int sourceLine) {
+                        std::initializer_list<std::string_view> arguments, int sourceLine,
+                        std::vector<LateLogEntry>* late) {
     std::string line = filledText(entry.report, arguments);
     report += line;
     if (*entry.log) {
-        debugLog(source, sourceLine, entry.func, filledText(entry.log, arguments).c_str(), entry.severity);
+        LateLogEntry logged{&entry, filledText(entry.log, arguments), sourceLine};
+        if (late) {
+            late->push_back(std::move(logged));
+        } else {
+            writeLog(source, logged);
+        }
     }
     return line;
 }

@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zoka {
 
@@ -23,10 +24,18 @@ inline constexpr int kReportWarning = 2;
 // The pattern with its places filled.
 std::string filledText(std::string_view pattern, std::initializer_list<std::string_view> arguments);
 
+// An entry of the debug log that is written later.
+struct LateLogEntry {
+    const ReportEntry* entry;  // static
+    std::string text;
+    int sourceLine;
+};
+void writeLog(const char* source, const LateLogEntry& entry);
+
 // Appends the entry's line to `report` and logs its entry under `source`; the line number in the log is the
-// caller's. Gives what was appended.
+// caller's. Gives what was appended. With `late` the log's entry goes there.
 std::string writeReport(const char* source, std::string& report, const ReportEntry& entry,
                         std::initializer_list<std::string_view> arguments = {},
-                        int sourceLine = __builtin_LINE());
+                        int sourceLine = __builtin_LINE(), std::vector<LateLogEntry>* late = nullptr);
 
 }  // namespace zoka

@@ -97,14 +97,17 @@ bool namesUtf(const char* encoding) {
 // What is parsed into a document of its own.
 class Parsing {
 public:
-    Parsing(const char* tag, XMLResults& results, const XMLProgress& watch)
-        : m_tag(tag), m_results(results), m_watch(watch) {}
+    Parsing(const char* tag, XMLResults& results, const XMLProgress& watch, const XMLTakeElement& take = {})
+        : m_tag(tag), m_results(results), m_watch(watch), m_take(take) {}
 
     // A text in the document's character set, of `size` bytes at `text` in its buffer, behind which stand a 0 and
     // the padding. Null on an error.
     XMLElement* text(XMLDocument& document, char* text, size_t size) {
         XMLElement* root = document.newElement();
-        XMLElement* top = parseXml(document, root, text, size, m_tag, m_results, m_watch);
+        if (m_take) {
+            m_take(nullptr);
+        }
+        XMLElement* top = parseXml(document, root, text, size, m_tag, m_results, m_watch, m_take);
         return top && !m_tag ? root : top;
     }
     // The same with the bytes of a file.
@@ -129,6 +132,7 @@ private:
     const char* m_tag;
     XMLResults& m_results;
     const XMLProgress& m_watch;
+    const XMLTakeElement m_take;
 };
 
 // The node, whose document is the first handle's to free.
@@ -144,8 +148,9 @@ XMLElement* handedOut(std::unique_ptr<XMLDocument>& document, XMLElement* node) 
 // they looked through, got again and taken for what they are then.
 template <class Fill>
 XMLElement* parseFilled(const char* tag, XMLResults& results, const XMLProgress& watch,
-                        std::optional<XMLCharset> charset, const Fill& fill) {
-    Parsing parsing(tag, results, watch);
+                        std::optional<XMLCharset> charset, const Fill& fill,
+                        const XMLTakeElement& take = {}) {
+    Parsing parsing(tag, results, watch, take);
     char* bytes = nullptr;
     size_t size = 0;
     const auto filled = [&](XMLCharset set) {
@@ -184,15 +189,16 @@ XMLElement* parseFilled(const char* tag, XMLResults& results, const XMLProgress&
 }
 
 XMLElement* parseStream(const char* path, const char* tag, XMLResults& results, const XMLProgress& watch,
-                        std::optional<XMLCharset> charset) {
+                        std::optional<XMLCharset> charset, const XMLTakeElement& take = {}) {
     const File file(path ? osFiles().openStream(path, "rb") : nullptr);
     if (!file) {
         results = {kXmlFileNotFound};
         return nullptr;
     }
-    return parseFilled(tag, results, watch, charset, [&](XMLDocument& document, char*& bytes, size_t& size) {
+    const auto fill = [&](XMLDocument& document, char*& bytes, size_t& size) {
         return readAll(file.get(), document, bytes, size);
-    });
+    };
+    return parseFilled(tag, results, watch, charset, fill, take);
 }
 
 // Runs `parse(results)`, which may run out of memory.
@@ -216,6 +222,24 @@ XMLNode XMLNode::parseFile(const char* path, const char* tag, XMLResults* result
                            XMLCharset charset) {
     return XMLNode(zoka::parsed(
         results, [&](XMLResults& found) { return zoka::parseStream(path, tag, found, watch, charset); }));
+}
+
+XMLNode XMLNode::parseFileTaking(const char* path, const char* tag, XMLResults* results, const XMLTake& take,
+                                 XMLCharset charset) {
+    const auto takeElement = [&](XMLElement* element) {
+        if (!element) {
+            return take({});
+        }
+        // The document belongs to the parser still: the last handle must not free it.
+        size_t& handles = zoka::xmlHandles(element);
+        ++handles;
+        const bool taken = take(XMLNode(element));
+        --handles;
+        return taken;
+    };
+    return XMLNode(zoka::parsed(results, [&](XMLResults& found) {
+        return zoka::parseStream(path, tag, found, {}, charset, takeElement);
+    }));
 }
 
 XMLNode XMLNode::parseFileInItsSet(const char* path, const char* tag, XMLResults* results,

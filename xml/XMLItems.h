@@ -88,6 +88,14 @@ struct XMLElement : XMLItem {
 
         m_last = item;
     }
+    // Takes out what stands behind `item`; null: all.
+    void cutBehind(XMLItem* item) {
+        if (!item) {
+            return clearContent();
+        }
+        item->next = m_last->next;
+        m_last = item;
+    }
     void clearContent() {
         m_last = nullptr;
         textUse = XMLTextUse::None;

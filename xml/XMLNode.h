@@ -74,6 +74,10 @@ enum XMLContentKind { kXmlChild = 0, kXmlAttribute = 1, kXmlText = 2, kXmlClear 
 // Told now and then, on the thread that parses, how many bytes of how many are parsed. False stops the parsing.
 using XMLProgress = std::function<bool(size_t done, size_t total)>;
 
+class XMLNode;
+// Given a child of the top element once it is read; true takes it out of the tree.
+using XMLTake = std::function<bool(const XMLNode& child)>;
+
 class XMLNode {
 public:
     // --- reading ---
@@ -86,6 +90,12 @@ public:
     // the default) what is in another set than `charset` is converted; docs/xml.md says what is taken for what.
     static XMLNode parseFile(const char* path, const char* tag = nullptr, XMLResults* results = nullptr,
                              const XMLProgress& watch = {}, XMLCharset charset = zoka::xmlCharset());
+    // The same for large files that are lists: hands over each child of the top element as soon as it is read. A child
+    // that `take` takes is no part of the tree and its memory is used for the next ones, so no handle on it and no
+    // text of it may be kept. `take` is called with the empty node where reading begins, which may be a second time
+    // in another character set: what was taken before is then to be forgotten, as it is after an error.
+    static XMLNode parseFileTaking(const char* path, const char* tag, XMLResults* results,
+                                   const XMLTake& take, XMLCharset charset = zoka::xmlCharset());
     // The same in the set that the file is in: UTF-8, or the platform's where guessUtf8 says that it is none or any
     // of its bytes does. The tree's charset() tells which.
     static XMLNode parseFileInItsSet(const char* path, const char* tag = nullptr,

@@ -22,13 +22,15 @@ constexpr size_t kWatchEvery = size_t{1} << 18;  // bytes
 template <bool Utf8>
 class Parser {
 public:
-    Parser(XMLDocument& document, XMLElement* root, char* text, size_t size, const XMLProgress& watch)
+    Parser(XMLDocument& document, XMLElement* root, char* text, size_t size, const XMLProgress& watch,
+           const XMLTakeElement& take)
         : m_document(document),
           m_root(root),
           m_begin(text),
           m_end(text + size),
           m_watch(watch),
           m_nextWatch(watch ? text : m_end),
+          m_take(take),
           m_position(text, Utf8, document.leads) {}
 
     XMLElement* parse(const char* tag, XMLResults& results);
@@ -136,6 +138,20 @@ private:
         m_document.append(m_current, element);
         return element;
     }
+    // Around a child of the top element.
+    void beforeChild() {
+        if (m_top->textUse == XMLTextUse::Alone) {
+            m_document.listTextAlone(m_top);
+        }
+        m_itemBefore = m_top->lastItem();
+        m_roomBefore = m_document.room();
+    }
+    void afterChild(XMLElement* element) {
+        if (m_take(element)) {
+            m_top->cutBehind(m_itemBefore);
+            m_document.rewind(m_roomBefore);
+        }
+    }
     void newClear(const char* value, XMLItemKind kind) {
         m_document.append(m_current, m_document.newTextItem(kind, value));
         if (kind == XMLItemKind::CData) {
@@ -169,6 +185,9 @@ private:
     char* const m_end;
     const XMLProgress& m_watch;
     char* m_nextWatch;
+    const XMLTakeElement& m_take;
+    XMLDocument::Room m_roomBefore;  // before the child of the top that is being read, when m_take is set
+    XMLItem* m_itemBefore = nullptr;
     bool m_stopped = false;
     XMLElement* m_current = m_root;
     XMLElement* m_top = nullptr;
@@ -445,6 +464,10 @@ char* Parser<Utf8>::startTag(char* p) {
     if (c != '>' && c != '/' && !isXmlBlank(c)) {
         return unexpected(q);
     }
+    const bool ofTop = m_take && m_current == m_top;
+    if (ofTop) {
+        beforeChild();
+    }
     XMLElement* element = newElement(name, static_cast<size_t>(q - name));
     if (m_current == m_root) {
         m_top = element;
@@ -502,6 +525,9 @@ char* Parser<Utf8>::startTag(char* p) {
         c = *++q;
     }
     closeRun(element, name);
+    if (ofTop && m_current == m_top) {
+        afterChild(element);
+    }
     return q;
 }
 
@@ -599,7 +625,11 @@ char* Parser<Utf8>::endTag(char* p) {
     if (*q != '>') {
         return unexpected(q);
     }
-    m_current = m_current->parent;
+    XMLElement* const closed = m_current;
+    m_current = closed->parent;
+    if (m_current == m_top && m_take) {
+        afterChild(closed);
+    }
     return q + 1;
 }
 
@@ -746,11 +776,11 @@ char* Parser<Utf8>::instruction(char* p) {
 }  // namespace
 
 XMLElement* parseXml(XMLDocument& document, XMLElement* root, char* text, size_t size, const char* tag,
-                     XMLResults& results, const XMLProgress& watch) {
+                     XMLResults& results, const XMLProgress& watch, const XMLTakeElement& take) {
     if (document.charset == XMLCharset::Utf8) {
-        return Parser<true>(document, root, text, size, watch).parse(tag, results);
+        return Parser<true>(document, root, text, size, watch, take).parse(tag, results);
     }
-    return Parser<false>(document, root, text, size, watch).parse(tag, results);
+    return Parser<false>(document, root, text, size, watch, take).parse(tag, results);
 }
 
 }  // namespace zoka

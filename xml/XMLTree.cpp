@@ -43,46 +43,67 @@ XMLDocument::~XMLDocument() {
     for (void* chunk : m_arenaChunks) {
         std::free(chunk);
     }
+    for (void* text : m_largeTexts) {
+        std::free(text);
+    }
     std::free(m_text);
 }
 
-void XMLDocument::nextBlock() {
-    if (m_blocksLeft == 0) {
-        const size_t blocks = std::clamp<size_t>(m_chunkBlocks * 2, 1, kLargestChunkBlocks);
-        m_blockChunks.push_back(nullptr);
-        m_nextBlock = static_cast<char*>(
-            ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize}));
-        m_blockChunks.back() = m_nextBlock;
-        m_chunkBlocks = blocks;
-        m_blocksLeft = blocks;
+void XMLDocument::rewind(const Room& room) {
+    m_room = room;
+    for (; m_largeTexts.size() > room.largeTexts; m_largeTexts.pop_back()) {
+        std::free(m_largeTexts.back());
     }
-    ::new (static_cast<void*>(m_nextBlock)) BlockHeader{&handles, this, leads};
-    m_nextElement = reinterpret_cast<XMLElement*>(m_nextBlock + kHeaderRoom);
-    m_nextBlock += kBlockSize;
-    --m_blocksLeft;
-    m_elementsLeft = kElementsPerBlock;
-    if (m_blocksLeft == 0) {
-        m_elementsLeft -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
+    m_sharedNames = {};
+    cursors = {};
+}
+
+void XMLDocument::nextBlock() {
+    if (m_room.blocksLeft == 0) {
+        // The sizes follow from each other, so that a chunk which is used again has the one that is wanted.
+        const size_t blocks = std::clamp<size_t>(m_room.chunkBlocks * 2, 1, kLargestChunkBlocks);
+        if (m_room.blockChunks == m_blockChunks.size()) {
+            m_blockChunks.push_back(nullptr);
+            m_blockChunks.back() =
+                ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize});
+        }
+        m_room.nextBlock = static_cast<char*>(m_blockChunks[m_room.blockChunks++]);
+        m_room.chunkBlocks = blocks;
+        m_room.blocksLeft = blocks;
+    }
+    ::new (static_cast<void*>(m_room.nextBlock)) BlockHeader{&handles, this, leads};
+    m_room.nextElement = reinterpret_cast<XMLElement*>(m_room.nextBlock + kHeaderRoom);
+    m_room.nextBlock += kBlockSize;
+    --m_room.blocksLeft;
+    m_room.elementsLeft = kElementsPerBlock;
+    if (m_room.blocksLeft == 0) {
+        m_room.elementsLeft -= (kAllocatorRoom + sizeof(XMLElement) - 1) / sizeof(XMLElement);
     }
 }
 
 void* XMLDocument::allocateSlowly(size_t size) {
-    const size_t chunk = std::clamp(m_arenaChunk * 2, kFirstArenaChunk, kLargestArenaChunk);
-    // What would fill a good part of a chunk gets one of its own, and the open chunk stays open.
-    const bool own = size > chunk / 4;
-    const size_t bytes = own ? size : chunk - kAllocatorRoom;
-    m_arenaChunks.push_back(nullptr);
-    auto* memory = static_cast<char*>(std::malloc(bytes + kXmlPadding));
-    if (!memory) {
-        throw std::bad_alloc();
+    const size_t chunk = std::clamp(m_room.arenaChunk * 2, kFirstArenaChunk, kLargestArenaChunk);
+    const auto allocated = [](std::vector<void*>& list, size_t bytes) {
+        list.push_back(nullptr);
+        list.back() = std::malloc(bytes + kXmlPadding);
+        if (!list.back()) {
+            throw std::bad_alloc();
+        }
+    };
+    // What would fill a good part of a chunk gets memory of its own, and the open chunk stays open.
+    if (size > chunk / 4) {
+        allocated(m_largeTexts, size);
+        ++m_room.largeTexts;
+        return m_largeTexts.back();
     }
-    m_arenaChunks.back() = memory;
-    if (own) {
-        return memory;
+    const size_t bytes = chunk - kAllocatorRoom;
+    if (m_room.arenaChunks == m_arenaChunks.size()) {
+        allocated(m_arenaChunks, bytes);
     }
-    m_arenaChunk = chunk;
-    m_arena = memory + size;
-    m_arenaLeft = bytes - size;
+    auto* const memory = static_cast<char*>(m_arenaChunks[m_room.arenaChunks++]);
+    m_room.arenaChunk = chunk;
+    m_room.arena = memory + size;
+    m_room.arenaLeft = bytes - size;
     return memory;
 }
 

@@ -33,18 +33,37 @@ public:
     XMLDocument& operator=(const XMLDocument&) = delete;
     ~XMLDocument();
 
+    // How far the document's memory is used.
+    struct Room {
+        XMLElement* nextElement = nullptr;
+        size_t elementsLeft = 0;
+        char* nextBlock = nullptr;  // the next unused block of the last chunk
+        size_t blocksLeft = 0;
+        size_t chunkBlocks = 0;  // of the last chunk
+        size_t blockChunks = 0;
+
+        char* arena = nullptr;
+        size_t arenaLeft = 0;
+        size_t arenaChunk = 0;  // the last one's size
+        size_t arenaChunks = 0;
+        size_t largeTexts = 0;
+    };
+    const Room& room() const { return m_room; }
+    // Takes back all that was made since `room` was got; nothing may lead there any more. Its memory is used again.
+    void rewind(const Room& room);
+
     static XMLDocument* of(const XMLElement* element) { return headerOf(element)->document; }
     static XMLLeads leadsOf(const XMLElement* element) { return headerOf(element)->leads; }
 
     // All of these throw std::bad_alloc when memory runs out.
 
     XMLElement* newElement() {
-        if (m_elementsLeft == 0) {
+        if (m_room.elementsLeft == 0) {
             nextBlock();
         }
 
-        --m_elementsLeft;
-        return ::new (static_cast<void*>(m_nextElement++)) XMLElement();
+        --m_room.elementsLeft;
+        return ::new (static_cast<void*>(m_room.nextElement++)) XMLElement();
     }
     XMLTextItem* newTextItem(XMLItemKind kind, const char* value) {
         auto* item = ::new (allocate(sizeof(XMLTextItem))) XMLTextItem();
@@ -55,25 +74,25 @@ public:
     // Memory for anything that lives as long as the document, aligned for pointers and keys.
     void* allocate(size_t size) {
         size = (size + 7) & ~size_t{7};
-        if (size > m_arenaLeft) {
+        if (size > m_room.arenaLeft) {
             return allocateSlowly(size);
         }
 
-        void* result = m_arena;
-        m_arena += size;
-        m_arenaLeft -= size;
+        void* result = m_room.arena;
+        m_room.arena += size;
+        m_room.arenaLeft -= size;
         return result;
     }
     // An element's attributes are read into the free end of the arena: openRun gives it, `room` attributes
     // wide; growRun gives a wider place for a run that fills its own; closeRun keeps the run. Nothing else
     // may be allocated in between but elements.
     XMLAttribute* openRun(size_t& room) {
-        room = m_arenaLeft / sizeof(XMLAttribute);
-        return reinterpret_cast<XMLAttribute*>(m_arena);
+        room = m_room.arenaLeft / sizeof(XMLAttribute);
+        return reinterpret_cast<XMLAttribute*>(m_room.arena);
     }
     XMLAttribute* growRun(const XMLAttribute* run, size_t& room);
     void closeRun(const XMLAttribute* run, size_t count) {
-        if (reinterpret_cast<const char*>(run) == m_arena) {
+        if (reinterpret_cast<const char*>(run) == m_room.arena) {
             allocate(count * sizeof(XMLAttribute));
         }
     }
@@ -116,6 +135,8 @@ public:
     }
     void addAttribute(XMLElement* element, const char* name, const char* value);
     void addText(XMLElement* element, const char* text);
+    // Makes an item of the text that is all the element's content.
+    void listTextAlone(XMLElement* element);
 
     const XMLCharset charset;
     const XMLLeads leads;
@@ -135,19 +156,10 @@ private:
     static constexpr size_t kHeaderRoom = 64;
     static constexpr size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
 
-    void listTextAlone(XMLElement* element);
     void nextBlock();
     void* allocateSlowly(size_t size);
 
-    XMLElement* m_nextElement = nullptr;
-    size_t m_elementsLeft = 0;
-    char* m_nextBlock = nullptr;  // the next unused block of the last chunk
-    size_t m_blocksLeft = 0;
-    size_t m_chunkBlocks = 0;
-
-    char* m_arena = nullptr;
-    size_t m_arenaLeft = 0;
-    size_t m_arenaChunk = 0;
+    Room m_room;
 
     static constexpr size_t kSharedNames = 16;
     struct SharedName {
@@ -158,8 +170,11 @@ private:
 
     char* m_text = nullptr;
     size_t m_textSize = 0;
+    // All chunks that were asked for; Room says how many of them are in use. Those of one arena text each, which are
+    // too large for a chunk, stand apart.
     std::vector<void*> m_blockChunks;
     std::vector<void*> m_arenaChunks;
+    std::vector<void*> m_largeTexts;
 };
 
 }  // namespace zoka

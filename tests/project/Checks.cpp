@@ -39,6 +39,16 @@ void load(CJ8ProjectManager& project, std::string_view bytes, const std::string&
                          &results);
 }
 
+// All that loading found and says.
+std::string told(const CJ8ProjectManager& project) {
+    std::string text = project.m_report;
+    for (const J8Finding& finding : project.findings()) {
+        text +=
+            std::to_string(finding.source) + "@" + std::to_string(finding.place) + " " + finding.text + "\n";
+    }
+    return text;
+}
+
 std::string allFields(const CJ8ProjectManager& project) {
     std::string text;
     forEachField(project, [&](const ProjectField& field, const std::string& address) {
@@ -63,6 +73,14 @@ std::string loadFault(std::string_view files, const std::string& folder) {
         if (finding.text.empty()) {
             return "a finding without a text";
         }
+    }
+    // Loaded from the disk, level by level.
+    put(folder + "\\game.xml", bytes);
+    CJ8ProjectManager fromDisk;
+    fromDisk.LoadFromXML(folder + "\\game.xml", false);
+    if (told(fromDisk) != told(project) || allFields(fromDisk) != allFields(project)) {
+        return "from the disk:\n" + told(fromDisk) + allFields(fromDisk) + "and not\n" + told(project) +
+               allFields(project);
     }
     const XMLNode document = XMLNode::parseBytes(bytes);
     if (!document.isEmpty()) {

@@ -45,6 +45,69 @@ TEST(File, LargeFilesAreReadWhole) {
     EXPECT_EQ(node.childCount("b"), static_cast<int>((text.size() - 7) / 28));
 }
 
+// Takes the children called "b"; what it was told in `taken`, a line each.
+XMLNode parseTaking(const std::string& path, std::string& taken, XMLResults& results) {
+    const auto take = [&](const XMLNode& child) {
+        if (child.isEmpty()) {
+            taken.clear();
+            return false;
+        }
+        taken += textOf(child) + " at " + std::to_string(child.place()) + " in " +
+                 child.getParent().getName() + "\n";
+        return std::string_view(child.getName()) == "b";
+    };
+    return XMLNode::parseFileTaking(path.c_str(), "a", &results, take);
+}
+
+TEST(File, HandsOverTheChildrenOfTheTop) {
+    TempFolder folder;
+    const struct {
+        const char *text, *taken, *left;
+    } rows[] = {
+        {"<a/>", "", "<a/>"},
+        {"<a>t<b/>u<b>v</b></a>", "<b/> at 5 in a\n<b>v</b> at 10 in a\n", "<a>tu</a>"},
+        {"<a><b/><c><b/></c><b x='1'><d/></b><!--e--></a>",
+         "<b/> at 4 in a\n<c><b/></c> at 8 in a\n<b x=\"1\"><d/></b> at 24 in a\n",
+         "<a><c><b/></c><!--e--></a>"},
+        {"<a><c/><b/><c/>", "<c/> at 4 in a\n<b/> at 8 in a\n<c/> at 12 in a\n", nullptr},
+        // Read anew in the system's set, because its last byte is no UTF-8.
+        {"<a><b/><c/>\xE9</a>", "<b/> at 4 in a\n<c/> at 8 in a\n", "<a><c/>\xC3\xA9</a>"},
+    };
+    for (const auto& row : rows) {
+        XMLResults results;
+        std::string taken;
+        const XMLNode top = parseTaking(folder.write("a.xml", row.text), taken, results);
+        EXPECT_EQ(taken, row.taken) << row.text;
+        EXPECT_EQ(top.isEmpty() ? "" : textOf(top), row.left ? row.left : "") << row.text;
+        EXPECT_EQ(results.code == 0, row.left != nullptr) << row.text;
+    }
+}
+
+TEST(File, MemoryOfTakenChildrenIsUsedAgain) {
+    TempFolder folder;
+    std::string text = "<a>", expected = "<a>";
+    for (int i = 0; i < 400; ++i) {
+        // Elements, attributes and runs of attributes of all sizes, so that the chunks are crossed everywhere.
+        const bool taken = i % 3 != 0;
+        std::string child = taken ? "<b>" : "<c>";
+        for (int n = 0; n < i * 7 % 1000; ++n) {
+            child += "<d x=\"" + std::to_string(n) + "\">t<e/></d>";
+        }
+        child += "<f";
+        for (int n = 0; n < i % 50 * 20; ++n) {
+            child += " x" + std::to_string(n) + "=\"\"";
+        }
+        child += taken ? "/></b>" : "/></c>";
+        text += child;
+        expected += taken ? "" : child;
+    }
+    XMLResults results;
+    std::string taken;
+    const XMLNode top = parseTaking(folder.write("a.xml", text + "</a>"), taken, results);
+    EXPECT_EQ(results.code, 0);
+    EXPECT_EQ(textOf(top), expected + "</a>");
+}
+
 TEST(File, WhatCannotBeReadIsCode12) {
     TempFolder folder;
     for (const std::string& path :
