@@ -61,7 +61,7 @@ public:
 private:
     std::unique_ptr<Page> makePage(int index) override;
     std::vector<HWND> makeFoot() override;
-    void pageShown(int index) override;
+    void pageShown(int index) override { g_page = index; }
     void command(int id, int code) override;
     bool takesKey(const MSG& message) override;
     bool mayClose() override;
@@ -108,11 +108,6 @@ std::vector<HWND> ProjectDialog::makeFoot() {
     m_save = makeButton(window(), "&Save", kSave, fonts());
     showState();
     return {m_undo, m_redo, m_changes, m_reload, m_save, makeButton(window(), "Close", IDCANCEL, fonts())};
-}
-
-void ProjectDialog::pageShown(int index) {
-    g_page = index;
-    setStatus("");
 }
 
 // The title names the project, with a mark while it has changes; buttons tell what they would do.

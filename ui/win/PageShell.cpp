@@ -157,6 +157,7 @@ void PageShell::showPage(int index) {
     ShowWindow(page()->window(), SW_SHOW);
     if (before) {
         ShowWindow(before, SW_HIDE);
+        setStatus("");  // was about the other page
     }
     pageShown(index);
 }

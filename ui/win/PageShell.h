@@ -78,6 +78,7 @@ public:
           m_stale(titles.size()),
           m_current(first) {}
 
+    // About the current page: it goes when another one is shown.
     void setStatus(const std::string& text);
     // Shows the page and gives it the keyboard.
     void goToPage(int index);
@@ -90,7 +91,7 @@ protected:
     virtual std::unique_ptr<Page> makePage(int index) = 0;
     // Buttons of the foot, made in the order of Tab, from left to right; the last one closes.
     virtual std::vector<HWND> makeFoot();
-    // May an other page be shown? The current one has been asked to commit already.
+    // Another page has been shown; the status line is empty.
     virtual void pageShown(int /*index*/) {}
 
     Page* page() const { return m_pages[static_cast<size_t>(m_current)].get(); }
