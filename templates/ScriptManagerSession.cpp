@@ -269,6 +269,18 @@ std::optional<std::string> ScriptManagerSession::pathOf(size_t index) const {
     return path;
 }
 
+bool ScriptManagerSession::isUsedFromTemplates(size_t index) const {
+    return ScriptFolders(m_host).LocateScript(included()[index].fileName) == ScriptPlace::Template;
+}
+
+bool ScriptManagerSession::copyIntoProject(size_t index) {
+    const std::string name = included()[index].fileName;
+    const bool copied = RestoreFromTemplate(m_host, name, m_prompt);
+    m_status = copied ? "Copied into the project: " + name : "";
+    refresh();
+    return copied;
+}
+
 // --- Notes
 
 std::string ScriptManagerSession::notes(JobProgress* progress) {

@@ -109,6 +109,10 @@ public:
     void refuseRemoval(const std::vector<std::string>& dependents);
     // Full path of an included script, for the customization panel; nothing when it isn't found.
     std::optional<std::string> pathOf(size_t index) const;
+    // Whether an included script lies in the template folder alone.
+    bool isUsedFromTemplates(size_t index) const;
+    // Copies it into the project folder; false, after a message, when that can't be done.
+    bool copyIntoProject(size_t index);
 
     // --- Notes
     // Read-only text, lines ended with CR LF. `progress` may stop it; the text then ends where it was.

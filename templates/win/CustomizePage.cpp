@@ -3,8 +3,13 @@
 namespace zoka {
 
 const IncludedPage::Look& CustomizePage::look() const {
-    static constexpr Look kLook{
-        1201, 1202, 1203, {{"Script", 100, true}, {"File", 80, true}, {"Class", 100, true}}, "Cu&stomize..."};
+    static constexpr Look kLook{1201,
+                                1202,
+                                1203,
+                                {{"Script", 100, true}, {"File", 80, true}, {"Class", 100, true}},
+                                "Cu&stomize...",
+                                1204,
+                                "Cop&y into project"};
     return kLook;
 }
 
@@ -16,6 +21,9 @@ std::string CustomizePage::lastColumn(size_t index) const {
 std::string CustomizePage::note(size_t index) const {
     if (!session().pathOf(index)) {
         return "The script file is in neither the project nor the template folder.";
+    }
+    if (session().isUsedFromTemplates(index)) {
+        return "Used from the template folder: the project has no copy of its own.";
     }
     return m_frame.canCustomize()
                ? "Opens the panel that changes the script's values."
@@ -36,6 +44,11 @@ void CustomizePage::mainAction() {
         return;
     }
     m_frame.customize(*path);
+    m_frame.sessionChanged();
+}
+
+void CustomizePage::otherAction(size_t index) {
+    session().copyIntoProject(index);
     m_frame.sessionChanged();
 }
 

@@ -15,6 +15,8 @@ protected:
     std::string lastColumn(size_t index) const override;
     std::string note(size_t index) const override;
     bool canDo(size_t index) const override;
+    bool canDoOther(size_t index) const override { return session().isUsedFromTemplates(index); }
+    void otherAction(size_t index) override;
     LRESULT notified(NMHDR& header) override;
 };
 

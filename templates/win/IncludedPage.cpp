@@ -19,12 +19,19 @@ void IncludedPage::createControls() {
                   });
     m_note =
         makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, look().note, fonts().text());
+    if (look().otherText) {
+        m_other = button(look().otherText, look().otherButton);
+    }
     m_button = button(look().buttonText, look().button, true);
 }
 
 void IncludedPage::layout(Area page) {
     Area foot = page.takeBottom(fonts().y(kButtonHeightUnits), fonts().y(kGapUnits));
     placeButtonsRight({m_button}, foot, fonts());
+    if (m_other) {
+        const int width = fonts().labelWidth(look().otherText) + 4 * fonts().x(kGapUnits);
+        place(m_other, foot.takeRight(width, fonts().x(kGapUnits)));
+    }
     place(m_note, foot.middle(fonts().y(kLabelHeightUnits)));
     placeLabelAbove(m_label, page, fonts());
     m_list.place(page);
@@ -44,12 +51,17 @@ void IncludedPage::showSelection() {
     const int row = m_list.selected();
     const auto index = static_cast<size_t>(row);
     enable(m_button, row >= 0 && canDo(index));
+    if (m_other) {
+        enable(m_other, row >= 0 && canDoOther(index));
+    }
     setText(m_note, row < 0 ? "The main script includes no scripts." : note(index));
 }
 
 void IncludedPage::command(int id, int code) {
     if (id == look().button && code == BN_CLICKED) {
         mainAction();
+    } else if (m_other && id == look().otherButton && code == BN_CLICKED && m_list.selected() >= 0) {
+        otherAction(static_cast<size_t>(m_list.selected()));
     }
 }
 

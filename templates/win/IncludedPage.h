@@ -1,4 +1,5 @@
-// A page with the list of the included scripts, a line about the selected one, and a button for what the page does.
+// A page with the list of the included scripts, a line about the selected one, and a button for what the page does;
+// there may be a second one.
 #pragma once
 
 #include "templates/win/PageWindow.h"
@@ -14,11 +15,14 @@ public:
     void command(int id, int code) override;
 
 protected:
-    // Identifiers of the list, the line and the button; the list's columns, and the button's text.
+    // Identifiers of the list, the line and the button; the list's columns, and the button's text. The same of the
+    // second button, if there is one, which stands left of the first.
     struct Look {
         int list, note, button;
         ListColumn columns[3];
         const char* buttonText;
+        int otherButton = 0;
+        const char* otherText = nullptr;
     };
     virtual const Look& look() const = 0;  // outlives the page
     // What the last column shows of an included script.
@@ -27,6 +31,9 @@ protected:
     virtual std::string note(size_t index) const = 0;
     // Whether mainAction() can do something with the selected script.
     virtual bool canDo(size_t index) const = 0;
+    // The same of the second button.
+    virtual bool canDoOther(size_t) const { return false; }
+    virtual void otherAction(size_t) {}
 
     void createControls() override;
     void layout(Area page) override;
@@ -37,7 +44,7 @@ protected:
 private:
     void showSelection();
 
-    HWND m_label = nullptr, m_note = nullptr, m_button = nullptr;
+    HWND m_label = nullptr, m_note = nullptr, m_button = nullptr, m_other = nullptr;
     RowList m_list;
 };
 

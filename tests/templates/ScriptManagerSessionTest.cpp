@@ -176,6 +176,27 @@ TEST(ScriptManagerSession, UpdatePageShowsDifferencesAndRestores) {
     EXPECT_TRUE(f.session.updates().empty());
 }
 
+TEST(ScriptManagerSession, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
+    Fixture f;
+    f.project.folder.write("mine.kez", "x");
+    f.include({"mine.kez", "fog.kez", "gone.kez"});
+    const bool used[] = {false, true, false};
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(f.session.isUsedFromTemplates(i), used[i]) << i;
+    }
+    f.project.host.failCopies = true;
+    EXPECT_FALSE(f.session.copyIntoProject(1));
+    EXPECT_TRUE(f.prompt.texts().back().starts_with("Copy error (1128).")) << f.prompt.texts().back();
+    EXPECT_EQ(f.session.status(), "");
+    f.project.host.failCopies = false;
+    EXPECT_TRUE(f.session.copyIntoProject(1));
+    EXPECT_EQ(f.session.status(), "Copied into the project: fog.kez");
+    EXPECT_FALSE(f.session.isUsedFromTemplates(1));
+    EXPECT_FALSE(f.session.copyIntoProject(1)) << "there is one";
+    EXPECT_EQ(f.project.folder.read("fog.kez"), "// needs: noise.kez\r\n// ver: 2\r\n");
+    EXPECT_FALSE(f.session.copyIntoProject(2));
+}
+
 TEST(ScriptManagerSession, ADamagedCatalogueIsAskedAboutBeforeItEndsTheEditor) {
     test::ScriptedPrompt prompt;
     prompt.answers = {PromptAnswer::Yes, PromptAnswer::No};
