@@ -171,9 +171,11 @@ TEST(Markup, ControlsAndTheirLimits) {
         int kind;
         double low, high, step;
     } rows[] = {
-        {"spin 0 10 0.5", 0, 0, 10, 0.5},  {"SPIN x 5", 0, -999999, 5, 0}, {"slider 1 X x", 3, 1, 999999, 1},
-        {"slider", 3, -999999, 999999, 0}, {"spin 1e3", 0, 1, 999999, 0},  {"drop_pair", 2, 0, 0, 0},
-        {"drop a b", 1, 0, 0, 0},          {"slide 1 2 3", -1, 0, 0, 0},   {"", -1, 0, 0, 0},
+        {"spin 0 10 0.5", 0, 0, 10, 0.5},  {"SPIN x 5", 0, -999999, 5, 0},
+        {"slider 1 X x", 3, 1, 999999, 1}, {"slider", 3, -999999, 999999, 0},
+        {"spin 1e3", 0, 1, 999999, 0},     {"drop_pair", 2, 0, 0, 0},
+        {"spin 0 5 x", 0, 0, 5, 0},        {"drop a b", 1, 0, 0, 0},
+        {"slide 1 2 3", -1, 0, 0, 0},      {"", -1, 0, 0, 0},
     };
     for (const auto& row : rows) {
         CustomEntry entry;

@@ -56,6 +56,20 @@ TEST_F(Session, SaveWritesTheSpansThenTheValueFileAndReadsTheScriptAgain) {
     EXPECT_EQ(host.calls.find("changed"), std::string::npos);
 }
 
+// They may have changed since the script was opened, also for rows that hold no change.
+TEST_F(Session, AfterSavingTheRowsOfferTheHostsNamesOfNow) {
+    open(std::string(kOld) + "\r\n// entry_path: Way\r\n// id: 6\r\nstring way = \"me\";\r\n");
+    set("Range", "11");
+    host.setListItems({"gate"});
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    for (const char* const label : {"Who", "Way"}) {
+        const EntryFacts& facts = session.row(rowOf(label)).facts();
+        ASSERT_TRUE(facts.hostNames) << label;
+        EXPECT_THAT(*facts.hostNames, ElementsAre("gate")) << label;
+    }
+    EXPECT_FALSE(session.row(rowOf("Gone")).facts().hostNames) << "a plain text";
+}
+
 TEST_F(Session, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
     const std::string path = suite.write("templates/t.kez", kOld);
     ASSERT_TRUE(session.open(path));

@@ -150,6 +150,7 @@ TEST(ScriptManagerSession, ACatalogueThatCannotBeLoadedIsPageErrorOne) {
     EXPECT_FALSE(session.open());
     EXPECT_EQ(f.prompt.texts().back(), "The template catalogue can't be loaded.");
     EXPECT_EQ(session.notes(), "Project Manager: 2.1\r\n");
+    EXPECT_EQ(f.prompt.texts(), Names(2, "The template catalogue can't be loaded.")) << "told each time";
     Names titles;
     EXPECT_THROW(session.FindDependents("Fog", titles), PageError);
     EXPECT_EQ(loads, 3) << "tried again each time";

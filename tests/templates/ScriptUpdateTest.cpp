@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 
 #include "templates/NotesReport.h"
@@ -273,6 +274,48 @@ TEST(ScriptUpdate, FailuresAreToldAndTheRestGoesOn) {
     std::filesystem::remove(f.project.suite.native("template_6/weather.kez"));
     f.update.UpdateSelected(0);
     EXPECT_EQ(f.prompt.texts().back(), "Not updated:\nweather.kez: the template folder has no such script");
+}
+
+TEST(ScriptUpdate, WhatCannotBeReadKeepsNothingElseFromBeingUpdated) {
+    TwoOld f;
+    const test::FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+        return op == "readWhole" && path.ends_with("\\fog.kez");
+    });
+    f.update.FillUpdateList(false);
+    ASSERT_FALSE(f.update.entries().empty());
+    EXPECT_TRUE(f.update.UpdateAll());
+    EXPECT_EQ(f.prompt.texts(), Names{"Update All Scripts Listed?"});
+    EXPECT_EQ(f.update.updated(), (Names{"weather.kez", "old.kez"}));
+}
+
+TEST(ScriptUpdate, ARunTellsNothingOfTheOneBefore) {
+    const auto told = [](const ScriptUpdate& update) {
+        return std::array{!update.updated().empty(), !update.problems().empty(), !update.included().empty(),
+                          !update.leftAlone().empty(), !update.unplaced().empty()};
+    };
+    using Next = void (*)(ScriptUpdate&);
+    const Next all = [](ScriptUpdate& update) { update.UpdateAll(); };
+    for (const Next next : {Next([](ScriptUpdate& update) { update.UpdateSelected(99); }),
+                            Next([](ScriptUpdate& update) { update.UpdateEntries({}); }), all}) {
+        for (const PromptAnswer answer : {PromptAnswer::Yes, PromptAnswer::No}) {
+            const bool replaced = answer == PromptAnswer::Yes;
+            Fixture f({"fog.kez", "weather.kez", "old.kez"});
+            f.project.folder.write("weather.kez",
+                                   "// ver: 0\r\n// entry: Range\r\n// id: 1\r\nvar range = 5;\r\n");
+            f.update.FillUpdateList(true);
+            f.prompt.answers = {answer};
+            {
+                const test::FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+                    return op == "replaceFile" && path.ends_with("old.kez");
+                });
+                f.update.UpdateEntries(f.update.entries());
+            }
+            EXPECT_EQ(told(f.update), (std::array{replaced, true, true, !replaced, replaced}));
+            f.prompt.answers.assign(next == all ? 1 : 0, PromptAnswer::No);
+            next(f.update);
+            EXPECT_EQ(told(f.update), (std::array<bool, 5>{}));
+        }
+    }
 }
 
 TEST(ScriptUpdate, CanBeStoppedBetweenTwoScripts) {

@@ -4,10 +4,12 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <iterator>
 #include <limits>
@@ -22,6 +24,28 @@
 #include "util/FileLock.h"
 #include "util/SafeWrite.h"
 #include "util/posix/NativePath.h"
+
+// In place of the system library's, so that a signal can be played that interrupts a call; only calls to a pipe or
+// the like really end so.
+namespace {
+thread_local int g_interrupts = 0;  // of the next reads and writes of this thread
+
+ssize_t interruptible(long call, int file, const void* buffer, size_t size) {
+    if (g_interrupts > 0) {
+        --g_interrupts;
+        errno = EINTR;
+        return -1;
+    }
+    return syscall(call, file, buffer, size);
+}
+}  // namespace
+
+extern "C" ssize_t read(int file, void* buffer, size_t size) {
+    return interruptible(SYS_read, file, buffer, size);
+}
+extern "C" ssize_t write(int file, const void* buffer, size_t size) {
+    return interruptible(SYS_write, file, buffer, size);
+}
 
 namespace {
 
@@ -103,6 +127,19 @@ TEST(OsFiles, PipesAndDevicesAreNoFiles) {
     const FaultyOsFiles disk(FaultyOsFiles::every("openNew"));
     const std::string error = safeWrite("\\dev\\null", "x").error;
     EXPECT_TRUE(error.ends_with("Operation not supported")) << error;
+}
+
+TEST(OsFiles, InterruptedReadsAndWritesGoOn) {
+    const TempFolder folder;
+    const std::string path = folder.path("a.kez");
+    const auto file = systemFiles().openForWriting(path, OsOpen::New);
+    ASSERT_TRUE(file);
+    g_interrupts = 3;
+    EXPECT_TRUE(file->write("text") && file->close());
+    EXPECT_EQ(g_interrupts, 0) << "the calls are ours";
+    g_interrupts = 3;
+    EXPECT_EQ(systemFiles().readWhole(path), "text");
+    EXPECT_EQ(g_interrupts, 0);
 }
 
 TEST(OsFiles, ReadsNothingOfWhatIsTooLarge) {
