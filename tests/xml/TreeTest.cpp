@@ -1,6 +1,8 @@
 // Trees in memory: what reading makes of a text, lookups, handles, trees made by a program.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -237,6 +239,47 @@ TEST(Tree, LookupsByIndexInTurnAreLinear) {
     EXPECT_STREQ(a.getChild("x", count - 1).getChild(0).getName(), "i");
     EXPECT_STREQ(a.getChild(2).getName(), "y");
     EXPECT_STREQ(a.getChild(10).getName(), "x");
+}
+
+// A list that is walked backwards and names that are asked for in turn are what a panel does on each repaint. A walk
+// from the first child at each step would take seconds.
+TEST(Tree, LookupsByIndexTakeMilliseconds) {
+    constexpr int count = 40000, names = 12;
+    constexpr double most = 30;
+    std::string text = "<a>";
+    std::vector<std::string> tags;
+    for (int i = 0; i < names; ++i) {
+        tags.push_back("tag" + std::to_string(i));
+    }
+    for (int i = 0; i < count; ++i) {
+        text += "<" + tags[static_cast<size_t>(i % names)] + "/>";
+    }
+    text += "</a>";
+    double back = 1e9, inTurn = 1e9;  // ms, the least of some rounds: what else the machine does is left out
+    int found = 0;
+    const auto msOf = [](const auto& work) {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    };
+    for (int round = 0; round < 5; ++round) {
+        const XMLNode a = XMLNode::parseText(text.c_str(), "a"), b = XMLNode::parseText(text.c_str(), "a");
+        found = 0;
+        back = std::min(back, msOf([&] {
+                            for (int i = count - 1; i >= 0; --i) {
+                                found += !a.getChild(i).isEmpty();
+                            }
+                        }));
+        inTurn = std::min(
+            inTurn, msOf([&] {
+                for (int i = 0; i < count; ++i) {
+                    found += !b.getChild(tags[static_cast<size_t>(i % names)].c_str(), i / names).isEmpty();
+                }
+            }));
+    }
+    EXPECT_EQ(found, 2 * count);
+    EXPECT_LT(back, most);
+    EXPECT_LT(inTurn, most);
 }
 
 // Each of these, too: from the end, over many names in turn, at random, counting each time, and while it grows.
