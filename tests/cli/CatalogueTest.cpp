@@ -55,14 +55,14 @@ TEST(Catalogue, IsNotWrittenFromHalfOfItsFolder) {
         const Unreadable fog(suite.path("suite/templates/fog.kez"));
         const ToolRun run = suite.run(build);
         EXPECT_EQ(run.status, 3);
-        EXPECT_THAT(run.err, AllOf(HasSubstr("cannot read fog.kez: "), HasSubstr("; it stays as it was")));
+        EXPECT_THAT(run.err, AllOf(HasSubstr("Can't read 'fog.kez': "), HasSubstr("; it stays as it was")));
     }
     const std::string before = suite.read("suite/templates/template_6.xml");
     const Unreadable lamp(suite.path("suite/templates/lamp.kez"));
     for (const char* more : {"", " --dry-run"}) {
         const ToolRun run = suite.run(build + more);
         EXPECT_EQ(run.status, 3);
-        EXPECT_THAT(run.err, AllOf(HasSubstr("cannot read lamp.kez: "), HasSubstr("Nothing was written.")));
+        EXPECT_THAT(run.err, AllOf(HasSubstr("Can't read 'lamp.kez': "), HasSubstr("Nothing was written.")));
     }
     EXPECT_EQ(suite.read("suite/templates/template_6.xml"), before);
 }

@@ -110,6 +110,7 @@ TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
         {"project set --dry-run game.xml -u level/harbour/name", 1, "", "A name is needed"},
         {set + "skill/2=1 -u " + "level/harbour/entity/guard/skill/77", 0, "+\t\t\t<Skill num=\"2\"",
          "skill/77 has no value of its own"},
+        {"project set game.xml", 2, "", "there is nothing to change"},
         {set + "skill/3=1", 1, "", "its parent \"g\" has no such skill; --undeclared"},
         {set + "parent=nobody", 1, "", "\"nobody\" is in no behaviors file"},
         {set + "component/body/mass=1", 1, "", "component \"body\" is in no components file"},

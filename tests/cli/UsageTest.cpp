@@ -31,8 +31,16 @@ TEST(Usage, EveryCommandHasHelpWithAnExampleAndTheExitCodes) {
 
 TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", "a command is missing"},
-        {"xml", "a command is missing"},
+        {"", "a command is missing: xml, catalogue, "},
+        {"xml", "a command is missing after xml: check, format"},
+        {"project", "a command is missing after project: check, "},
+        {"wizard", "a command is missing after wizard: list, show, check"},
+        {"catalogue", "a command is missing after catalogue: build, "},
+        {"behavior check \"\"", "SCRIPT: is empty"},
+        {"project check \"\"", "PATH: is empty"},
+        {"wizard list \"\"", "FOLDER: is empty"},
+        {"catalogue build . -o \"\"", "--output: is empty"},
+        {"scripts list -p \"\" -t .", "--project: is empty"},
         {"frobnicate", "frobnicate"},
         {"xml chekc a.xml", "chekc"},
         {"xml check", "FILE is required"},

@@ -77,7 +77,7 @@ TEST_F(XmlCheck, GoesOnAfterEveryFileAndEndsWithTheWorst) {
     const ToolRun run = folder.run("xml check missing.xml bad2.xml");
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.out, StartsWith("bad2.xml:1:"));
-    EXPECT_THAT(run.err, StartsWith("zoka: cannot read missing.xml: "));
+    EXPECT_THAT(run.err, StartsWith("zoka: Can't read 'missing.xml': "));
 }
 
 TEST_F(XmlCheck, ReadsTheStandardInput) {
@@ -95,7 +95,7 @@ TEST_F(XmlCheck, CannotReadWhatIsNoFileOrIsLocked) {
             const ToolRun run = folder.run(command + std::string(name));
             EXPECT_EQ(run, (ToolRun{3, "", run.err})) << command << name;
             // A reason follows, in the system's words.
-            EXPECT_THAT(run.err, StartsWith("zoka: cannot read " + std::string(name) + ": ")) << command;
+            EXPECT_THAT(run.err, StartsWith("zoka: Can't read '" + std::string(name) + "': ")) << command;
             EXPECT_GT(run.err.size(), std::string(name).size() + 25) << run.err;
         }
     }

@@ -110,7 +110,7 @@ std::vector<std::string> scriptsOf(const std::vector<std::string>& words, ExitSt
         }
         tellSkipped(left, word);
         if (!left.error.empty()) {
-            complain("cannot read " + word + ": " + left.error);
+            complainUnreadable(word, left.error);
             status = ExitStatus::Failed;
         }
     }

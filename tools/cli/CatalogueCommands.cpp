@@ -44,7 +44,7 @@ ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& 
         return ExitStatus::Failed;
     }
     if (results.code == kXmlFileNotFound) {
-        complain("cannot read " + path + ": " + XMLNode::errorText(results.code));
+        complainUnreadable(path, XMLNode::errorText(results.code));
         return ExitStatus::Failed;
     }
     printShown(path + ":" + std::to_string(results.line > 0 ? results.line : 1) + ":" +
@@ -78,7 +78,7 @@ ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>&
 std::optional<std::string> currentText(const std::string& path, const std::string& shown) {
     auto text = osFiles().readWhole(path);
     if (!text && osFiles().exists(path)) {
-        complain("cannot read " + shown + ": " + osFiles().lastError());
+        complainUnreadable(shown, osFiles().lastError());
         return std::nullopt;
     }
     return text ? text : std::optional(std::string());
@@ -134,7 +134,7 @@ ExitStatus build(const BuildOptions& options) {
     const bool any = buildCatalogue(catalogue, folder, known ? &old : nullptr, findings, unreadable, &left);
     tellSkipped(left, options.folder);
     if (!left.error.empty()) {
-        complain("cannot read " + options.folder + ": " + left.error + ". Nothing was written.");
+        complainUnreadable(options.folder, left.error + ". Nothing was written.");
         return ExitStatus::Failed;
     }
     if (!any) {
@@ -146,7 +146,7 @@ ExitStatus build(const BuildOptions& options) {
     bool whole = true;
     for (const auto& [name, reason] : unreadable) {
         const bool stays = known && old.recordByFilenameNoCase(name);
-        complain("cannot read " + name + ": " + reason + (stays ? "; it stays as it was" : ""));
+        complainUnreadable(name, reason + (stays ? "; it stays as it was" : ""));
         status = ExitStatus::Failed;
         whole = whole && stays;
     }
@@ -326,7 +326,7 @@ ExitStatus writePages(const PagesOptions& options) {
     }
     for (const std::string& page : gone) {
         if (options.prune && !osFiles().deleteFile(folder + page)) {
-            complain("cannot delete " + page + ": " + osFiles().lastError());
+            complain("Can't delete '" + page + "': " + osFiles().lastError());
             return ExitStatus::Failed;
         }
     }
@@ -387,7 +387,6 @@ void addShow(CLI::App& catalogue, Work& chosen) {
 
 void addCatalogueCommands(CLI::App& app, Work& chosen) {
     CLI::App* catalogue = app.add_subcommand("catalogue", "Make, check and show template catalogues");
-    catalogue->require_subcommand(1);
     setExample(*catalogue, "zoka catalogue list templates/template_6.xml");
     addBuild(*catalogue, chosen);
     addCheck(*catalogue, chosen);

@@ -36,14 +36,14 @@ std::optional<std::string> readStream(std::FILE* stream, const std::string& name
     while (const size_t got = std::fread(block.data(), 1, block.size(), stream)) {
         bytes.append(block.data(), got);
         if (bytes.size() > kMostBytes) {
-            complain("cannot read " + name + ": more than 2 GiB came");
+            complainUnreadable(name, "more than 2 GiB came");
             return std::nullopt;
         }
     }
     if (!std::ferror(stream)) {
         return bytes;
     }
-    complain("cannot read " + name + ": " + std::strerror(errno));
+    complainUnreadable(name, std::strerror(errno));
     return std::nullopt;
 }
 
@@ -58,7 +58,7 @@ bool isPipe(const std::string& path) {
 std::optional<std::string> readInput(const std::string& path) {
     workOn(path);
     if (isStandardStream(path)) {
-        return readStream(stdin, "the standard input");
+        return readStream(stdin, path);
     }
     if (isPipe(path)) {
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(std::fopen(path.c_str(), "rb"),
@@ -66,12 +66,12 @@ std::optional<std::string> readInput(const std::string& path) {
         if (pipe) {
             return readStream(pipe.get(), path);
         }
-        complain("cannot read " + path + ": " + std::strerror(errno));
+        complainUnreadable(path, std::strerror(errno));
         return std::nullopt;
     }
     std::optional<std::string> bytes = osFiles().readWhole(path);
     if (!bytes) {
-        complain("cannot read " + path + ": " + osFiles().lastError());
+        complainUnreadable(path, osFiles().lastError());
     }
     return bytes;
 }
@@ -114,7 +114,7 @@ bool flushOutput() {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) {
         return true;
     }
-    complain(std::string("cannot write the standard output: ") + std::strerror(errno));
+    complain(std::string("Can't write the standard output: ") + std::strerror(errno));
     return false;
 }
 
@@ -126,6 +126,11 @@ void tellSkipped(const OsListing& left, const std::string& folder) {
 
 void complain(const std::string& text) {
     std::fprintf(stderr, "zoka: %s\n", shownText(text).c_str());
+}
+
+void complainUnreadable(const std::string& path, const std::string& why) {
+    complain(isStandardStream(path) ? "Can't read the standard input: " + why
+                                    : "Can't read '" + path + "': " + why);
 }
 
 void printShown(const std::string& text) {

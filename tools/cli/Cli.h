@@ -66,6 +66,8 @@ ExitStatus rewriteFile(const std::string& path, const std::string& before, std::
 bool flushOutput();
 // A line on the standard error stream, with control characters shown.
 void complain(const std::string& text);
+// The same of a file or folder, as the user named it, that can't be read; `why` is the system's reason.
+void complainUnreadable(const std::string& path, const std::string& why);
 // On the standard output: names and texts from files, with control characters shown; line differences, which
 // other programs apply, exactly as they are unless a terminal shows them.
 void printShown(const std::string& text);

@@ -192,7 +192,7 @@ std::optional<std::vector<std::optional<std::string>>> templateValues(OpenScript
     const std::string path = templateFile(open.path(), given);
     auto values = templateDefaults(open.session().script(), path);
     if (!values) {
-        complain("cannot read " + path + ": " + osFiles().lastError());
+        complainUnreadable(path, osFiles().lastError());
     }
     return values;
 }
@@ -388,7 +388,7 @@ ExitStatus checkFile(const std::string& path, const std::string& shown, Json* js
     CustomScript script;
     std::string why;
     if (!LoadCustomScript(path, script, &why)) {
-        complain("cannot read " + shown + ": " + why);
+        complainUnreadable(shown, why);
         return ExitStatus::Failed;
     }
     const auto besideIt = [&path](const std::string& name) { return joinPath(folderOf(path), name); };
@@ -429,7 +429,7 @@ ExitStatus check(const CustomizeOptions& options) {
         }
         tellSkipped(left, word);
         if (!left.error.empty()) {
-            complain("cannot read " + word + ": " + left.error);
+            complainUnreadable(word, left.error);
             status = ExitStatus::Failed;
         }
     }

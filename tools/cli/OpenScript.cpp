@@ -45,7 +45,7 @@ OpenScript::OpenScript(const std::string& file, bool changes)
     m_open = m_session.open(m_path);
     if (!m_open) {
         const std::string& problem = m_session.problem();
-        complain("cannot read " + file + ": " + problem.substr(problem.find("': ") + 3));
+        complainUnreadable(file, problem.substr(problem.find("': ") + 3));
     } else if (m_session.script().text.find('\0') != std::string::npos) {
         complain(file + " is no script: it holds bytes that no text has");
         m_open = false;

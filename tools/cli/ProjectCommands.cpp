@@ -390,6 +390,10 @@ ExitStatus get(const ProjectOptions& options) {
 }
 
 ExitStatus set(const ProjectOptions& options) {
+    if (options.words.empty() && options.unset.empty()) {
+        complain("there is nothing to change: name an address=value, or an address with --unset");
+        return ExitStatus::Usage;
+    }
     OpenProject open(options.file);
     if (!open.isOpen()) {
         return ExitStatus::Failed;
@@ -477,7 +481,6 @@ ExitStatus format(const ProjectOptions& options) {
 void addProjectCommands(CLI::App& app, Work& chosen) {
     const auto options = std::make_shared<ProjectOptions>();
     CLI::App& group = *app.add_subcommand("project", "Check, list and change J8 projects");
-    group.require_subcommand(1);
     setExample(group, "zoka project set game.xml level/harbour/entity/guard/skill/3=40");
     const auto add = [&](const char* name, const char* about, const char* example,
                          ExitStatus (*work)(const ProjectOptions&)) -> CLI::App& {

@@ -126,7 +126,7 @@ private:
             return ExitStatus::Usage;
         }
         if (!osFiles().readWhole(m_mainScript)) {
-            complain("cannot read " + shown(m_mainScript) + ": " + osFiles().lastError());
+            complainUnreadable(shown(m_mainScript), osFiles().lastError());
             return ExitStatus::Failed;
         }
         return ExitStatus::Done;
@@ -523,7 +523,6 @@ void addCommand(CLI::App& scripts, Work& chosen, const char* name, const char* d
 
 void addScriptCommands(CLI::App& app, Work& chosen) {
     CLI::App* scripts = app.add_subcommand("scripts", "Manage the scripts that a project includes");
-    scripts->require_subcommand(1);
     setExample(*scripts, "zoka scripts list -p game -t suite/templates");
     addCommand(*scripts, chosen, "list", "List the included scripts", list, kJson,
                "zoka scripts list -p game -t suite/templates");

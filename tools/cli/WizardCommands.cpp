@@ -43,7 +43,7 @@ enum class Logs { Left, None };
 template <class Do>
 ExitStatus withWizards(const WizardOptions& options, Logs logs, Do work) {
     if (!osFiles().setCurrentFolder(suitePath(options.suite))) {
-        complain("cannot enter the folder " + options.suite + ": " + osFiles().lastError());
+        complain("Can't enter the folder '" + options.suite + "': " + osFiles().lastError());
         return ExitStatus::Failed;
     }
     if (logs == Logs::None) {

@@ -15,6 +15,7 @@
 #include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
+#include "util/Text.h"
 
 using namespace zoka;
 
@@ -69,6 +70,37 @@ std::string unknownCommand(const CLI::App& app, std::span<char*> arguments) {
     return {};
 }
 
+// The command that the arguments name and those that belong to it, of which one is to follow.
+std::string missingCommand(const CLI::App& app) {
+    std::string words = "a command is missing";
+    const CLI::App* group = &app;
+    while (!group->get_subcommands().empty()) {
+        group = group->get_subcommands().front();
+        words += (group->get_parent() == &app ? " after " : " ") + group->get_name();
+    }
+    std::vector<std::string> names;
+    for (const CLI::App* const command : group->get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(command->get_name());
+    }
+    return words + ": " + joined(names);
+}
+
+// An empty path would be the current folder's. No name or address is empty either, but values may be.
+void refuseEmptyTexts(CLI::App& app) {
+    static constexpr std::string_view kPaths[] = {"--output", "--templates", "--template", "--project",
+                                                  "--main",   "--catalogue", "--folder",   "--suite"};
+    for (CLI::Option* const option : app.get_options()) {
+        const bool isPath = std::ranges::any_of(
+            kPaths, [option](std::string_view name) { return option->check_name(std::string(name)); });
+        if (option->get_positional() || isPath) {
+            option->check([](const std::string& text) { return text.empty() ? "is empty" : std::string(); });
+        }
+    }
+    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; })) {
+        refuseEmptyTexts(*command);
+    }
+}
+
 cli::ExitStatus run(int argc, char** argv) {
     CLI::App app("Checks and edits the files of a ZUN project.", "zoka");
     cli::Work chosen;
@@ -88,6 +120,7 @@ cli::ExitStatus run(int argc, char** argv) {
     cli::addLevelCommands(app, chosen);
     cli::addProjectCommands(app, chosen);
     cli::addWizardCommands(app, chosen);
+    refuseEmptyTexts(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {
@@ -101,7 +134,7 @@ cli::ExitStatus run(int argc, char** argv) {
     }
     // Not left to the parser, which would say this of a misspelt command too.
     if (!chosen) {
-        return usageError("a command is missing");
+        return usageError(missingCommand(app));
     }
     setInPlace(inPlace ? InPlace::Allowed : InPlace::Refused);
     ConsolePrompt prompt(std::cin, std::cerr, assumeYes);

@@ -15,7 +15,7 @@ TEST(Streams, PipesAreReadAndDevicesAreNot) {
               (ToolRun{1, "pipe:1:7: Error: Unmatched end tag\n"}));
     for (const std::string device : {"/dev/zero", "/dev/null"}) {
         EXPECT_EQ(folder.run("xml check " + device, "", "timeout 20"),
-                  (ToolRun{3, "", "zoka: cannot read " + device + ": Operation not supported\n"}));
+                  (ToolRun{3, "", "zoka: Can't read '" + device + "': Operation not supported\n"}));
     }
     folder.write("a.xml", "<a/>");
     EXPECT_EQ(folder.run("xml format a.xml -o pipe").status, 3) << "nothing takes a pipe's place";
@@ -33,7 +33,7 @@ TEST(Streams, FindingsThatDoNotArriveAreAFailure) {
     const ToolRun run = folder.run("xml check" + manyTimes, "", full.before());
     EXPECT_EQ(run.status, 3);
     EXPECT_LE(run.out.size(), 1024u);
-    EXPECT_THAT(run.err, HasSubstr("cannot write the standard output: File too large"));
+    EXPECT_THAT(run.err, HasSubstr("Can't write the standard output: File too large"));
 }
 
 // A name that would recolour the terminal or move its cursor is shown; JSON and value files hold it as it is.
@@ -82,7 +82,7 @@ TEST(Streams, AFolderThatCannotBeListedIsNotEmpty) {
          {"customize check closed", "behavior check closed", "catalogue build closed -n"}) {
         const ToolRun refused = folder.run(command, "", "mode=333; " + asNobody);
         EXPECT_EQ(refused.status, 3) << command << refused;
-        EXPECT_THAT(refused.err, HasSubstr("cannot read closed: ")) << command;
+        EXPECT_THAT(refused.err, HasSubstr("Can't read 'closed': ")) << command;
         EXPECT_THAT(folder.run(command, "", "mode=777; " + asNobody).err, HasSubstr("b\\c.kez is skipped"));
     }
 }
