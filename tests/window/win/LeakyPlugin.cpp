@@ -28,6 +28,9 @@ std::int32_t leakThread(PluginProcDef*, HostContext*, std::int32_t*) {
     const HANDLE thread = CreateThread(nullptr, 0, sleepForEver, nullptr, 0, nullptr);
     return thread && CloseHandle(thread);
 }
+std::int32_t leakMemory(PluginProcDef*, HostContext*, std::int32_t*) {
+    return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, 40'000) != nullptr;
+}
 std::int32_t hang(PluginProcDef*, HostContext*, std::int32_t*) {
     Sleep(INFINITE);
     return 0;
@@ -54,6 +57,7 @@ PluginProcDef g_records[] = {
     RECORD(5, "Hang", hang),
     RECORD(6, "Crash", crash),
     RECORD(7, "Throw", throwCaught),
+    RECORD(8, "Leak memory", leakMemory),
 };
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace zoka {
 
 namespace {
 
-constexpr const char* kResources[] = {"handles", "threads", "windows", "gdi", "user"};
+constexpr const char* kResources[] = {"handles", "threads", "windows", "gdi", "user", "memory"};
 
 std::string resourceText(const ResourceCount& count) {
     std::string text;

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <psapi.h>
 #include <tlhelp32.h>
 
 #include <algorithm>
@@ -156,10 +157,18 @@ long countUser() {
            2;
 }
 
+// The system rounds to pages.
+long countMemory() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    return GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) && counters.PagefileUsage
+               ? static_cast<long>(counters.PagefileUsage / 1024)
+               : -1;
+}
+
 }  // namespace
 
 ResourceCount countResources() {
-    return {countHandles(), countThreads(), countWindows(), countGdi(), countUser()};
+    return {countHandles(), countThreads(), countWindows(), countGdi(), countUser(), countMemory()};
 }
 
 std::vector<HeldHandle> heldHandles() {
@@ -191,6 +200,9 @@ long resourceField(const ResourceCount& count, const std::string& name) {
     }
     if (name == "user") {
         return count.user;
+    }
+    if (name == "memory") {
+        return count.memory;
     }
     return -1;
 }

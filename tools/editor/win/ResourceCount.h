@@ -12,6 +12,7 @@ struct ResourceCount {
     long windows = 0;  // all of the process's, hidden ones and children too
     long gdi = 0;      // pens, fonts, pictures, device contexts, ...
     long user = 0;     // menus, icons, windows, ... of the whole session, but for a constant
+    long memory = 0;   // KB of its own that lie in memory or were swapped out
 };
 
 // [any thread]. Objects made by other threads meanwhile are counted as they happen to stand.
