@@ -92,8 +92,9 @@ decltype(&zoka::createSemaphore) zokaSemaphoreImport = zoka::createSemaphore;
 }
 
 // The library's entry point: it stands around the runtime's own start and end, before its first and after its
-// last use of threads. The loader's lock is held.
-extern "C" BOOL WINAPI ZokaEntry(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
+// last use of threads. The loader's lock is held. Its own frame is open while the word of guarded ones is chosen.
+extern "C" __attribute__((no_stack_protector)) BOOL WINAPI ZokaEntry(HINSTANCE instance, DWORD reason,
+                                                                     LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) {
         zoka::findRuntimeSlot();
         zoka::setUpKeys();

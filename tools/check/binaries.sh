@@ -41,6 +41,7 @@ while IFS= read -r binary; do
     grep -qE '^Entry 5 [0-9a-f]+ 0*[1-9a-f]' <<<"$headers" || finding "$binary: has no relocations, so it can't be moved"
     grep -qa 'stack smashing detected' "$binary" || finding "$binary: its stack frames are not guarded"
     [[ ${binary##*/} == zoka.dll ]] || continue
+    ! grep -q CryptAcquireContext <<<"$headers" || finding "$binary: asks a provider for the word of its stack frames at its start"
     exported=$(exports "$headers")
     for kind in entry class; do
         [ $kind = entry ] && wanted=$entry_points || wanted=$classes
