@@ -120,3 +120,24 @@ TEST_F(ProjectBytes, HostileFiles) {
         EXPECT_EQ(fault(files), "") << files.substr(0, 100);
     }
 }
+
+// More than anybody has: it is loaded whole, and what a save writes holds all of it.
+TEST_F(ProjectBytes, AMillionEntities) {
+    constexpr size_t kEntities = 1'000'000;
+    const std::string entity = "<Entity name=\"e\"/>";
+    std::string text = "<Project><Level name=\"l\">";
+    text.reserve(kEntities * entity.size() + 100);
+    for (size_t i = 0; i < kEntities; ++i) {
+        text += entity;
+    }
+    CJ8ProjectManager project;
+    ASSERT_TRUE(project.LoadFromXML(folder.write("many.xml", text + "</Level></Project>"), false));
+    ASSERT_EQ(project.m_apLevels.size(), 1u);
+    EXPECT_EQ(project.m_apLevels[0].m_entities.size(), kEntities);
+    text = project.fileText({}, "1").value_or("");
+    size_t written = 0;
+    for (size_t at = text.find(entity); at != text.npos; at = text.find(entity, at + entity.size())) {
+        ++written;
+    }
+    EXPECT_EQ(written, kEntities);
+}
