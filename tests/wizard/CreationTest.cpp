@@ -1,5 +1,8 @@
 // Projects are made as planned; whatever fails gives its code, its texts and its report, and harms nothing.
+#include "J8ProjectManager/ProjectSession.h"
 #include "tests/support/FaultyOsFiles.h"
+#include "tests/support/ScriptedPrompt.h"
+#include "tests/support/SourceDir.h"
 #include "tests/wizard/Suite.h"
 
 namespace {
@@ -177,6 +180,69 @@ TEST(Creation, LeavesAnEarlierProjectAlone) {
     EXPECT_EQ(CJ8ProjectManager::Instance()->m_vers, "8.0303");
     EXPECT_EQ(CJ8ProjectManager::Instance()->m_apLevels.size(), 0u);
     EXPECT_NE(suite.read("games/g/harbour.xml").find("My Game"), std::string::npos);
+}
+
+// All that a project's object holds.
+std::string contentOf(const CJ8ProjectManager& project) {
+    std::string text =
+        project.m_report + project.fileText({}, "1").value_or("") + project.projectFile() + project.problem();
+    for (const CJ8BehaviorData& behavior : project.m_apBehavior) {
+        text += "\nbehavior " + behavior.m_name;
+    }
+    for (const CJ8CMPData& component : project.m_apComponents) {
+        text += "\ncomponent " + component.m_name;
+    }
+    for (const CJ8File& lost : project.m_apLostBehaviorFiles) {
+        text += "\nlost " + lost.m_path;
+    }
+    for (const std::string& source : project.sources()) {
+        text += "\nread " + source;
+    }
+    for (const zoka::J8Finding& finding : project.findings()) {
+        text += "\nfound " + finding.text;
+    }
+    return text + "\nnames " + std::to_string(project.behaviorNames()->size()) +
+           (project.component("patrol") ? " patrol" : "") + (project.behavior("guard") ? " guard" : "");
+}
+
+// The windows and the wizard share one object: what it holds afterwards is what a new one would hold.
+TEST(Creation, NothingOfAnEarlierProjectStays) {
+    Suite suite;
+    addFullWizard(suite);
+    for (const auto& file : std::filesystem::directory_iterator(sourceDir() / "samples" / "j8project")) {
+        std::filesystem::create_directories(suite.folder.native("j8project"));
+        std::filesystem::copy_file(file.path(), suite.folder.native("j8project") / file.path().filename());
+    }
+    suite.write("games/small.xml", "<Project name='Small'><Level name='l'/></Project>");
+    const std::string town = suite.folder.path("j8project") + "\\main.xml";
+    const std::string small = suite.folder.path("games") + "\\small.xml";
+    ScriptedPrompt prompt;
+    const auto create = [&] {
+        std::filesystem::remove_all(suite.folder.native("games/g"));
+        CJ8WizardUserData data = suite.data("g");
+        EXPECT_EQ(CJ8Wizard().Run(data, 0), 0);
+        return contentOf(*CJ8ProjectManager::Instance());
+    };
+    const auto open = [&](CJ8ProjectManager& project, const std::string& path) {
+        ProjectSession session(project, prompt);
+        EXPECT_TRUE(session.open(path));
+        return contentOf(project);
+    };
+    const std::string created = create();
+    CJ8ProjectManager ofTown, ofSmall;
+    const std::string openedTown = open(ofTown, town), openedSmall = open(ofSmall, small);
+    ASSERT_NE(openedTown.find("component patrol"), openedTown.npos);
+
+    CJ8ProjectManager& one = *CJ8ProjectManager::Instance();
+    EXPECT_EQ(open(one, town), openedTown);
+    EXPECT_EQ(create(), created);
+    EXPECT_EQ(open(one, town), openedTown);
+    EXPECT_EQ(open(one, small), openedSmall);
+    EXPECT_EQ(open(one, town), openedTown);
+    one.LoadFromXML(small, false);
+    EXPECT_EQ(contentOf(one), openedSmall);
+    EXPECT_FALSE(one.LoadFromXML(suite.folder.path("none.xml"), false));
+    EXPECT_EQ(create(), created);
 }
 
 // Every operation of the disk fails once. The end is 0 or a code of the table; all that was there before stays, and
