@@ -74,7 +74,9 @@ private:
 
     void checkValue(const J8TypedValue& typed, std::string_view value, std::uint32_t source,
                     std::uint32_t place, const std::string& what) {
-        if (const std::string refusal = valueRefusal(typed, value); !refusal.empty()) {
+        // Made at the first value: a list of choices may be long, and its values many.
+        const auto check = m_checks.try_emplace(&typed.constraints, typed).first;
+        if (const std::string refusal = check->second.refusal(value); !refusal.empty()) {
             warn(source, place, what + " is \"" + std::string(value) + "\": " + refusal);
         }
     }
@@ -262,6 +264,7 @@ private:
     std::vector<J8Finding> m_findings;
     std::map<const CJ8CMPData*, std::map<std::string_view, const J8Property*>> m_properties;
     std::map<const CJ8BehaviorData*, std::map<int, const J8Skill*>> m_skills;
+    std::map<const std::vector<J8Constraint>*, J8ValueCheck> m_checks;  // by what they were made from
     std::map<std::string, bool> m_maps;
     std::set<std::uint32_t> m_used;  // the sources of behaviours that entities have as their parent
 };

@@ -233,7 +233,12 @@ std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& writte
         return {};
     }
     const XMLPlaces places(bytes);
-    std::vector<std::pair<size_t, std::string>> lost;
+    struct Lost {
+        size_t offset;
+        std::uint32_t place;
+        std::string text;
+    };
+    std::vector<Lost> lost;
     std::uint32_t element = 0;
     size_t behind = 0;
     for (Found& each : found) {
@@ -244,12 +249,12 @@ std::vector<ProjectLoss> lossesOf(const XMLNode& document, const XMLNode& writte
             element = each.place;
             behind = at + 1;
         }
-        lost.emplace_back(at, std::move(each.text));
+        lost.push_back({at, std::max(each.place, static_cast<std::uint32_t>(at)), std::move(each.text)});
     }
-    std::ranges::stable_sort(lost, {}, &std::pair<size_t, std::string>::first);
+    std::ranges::stable_sort(lost, {}, &Lost::offset);
     std::vector<ProjectLoss> losses;
-    for (auto& [offset, text] : lost) {
-        losses.push_back({places.exactly(offset), std::move(text)});
+    for (Lost& each : lost) {
+        losses.push_back({places.exactly(each.offset), each.place, std::move(each.text)});
     }
     return losses;
 }

@@ -1,6 +1,7 @@
 // What a project file holds that writing the project would not.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -9,7 +10,9 @@
 namespace zoka {
 
 struct ProjectLoss {
-    XMLPlace place;    // in the file
+    XMLPlace place;  // in the file
+    std::uint32_t
+        at;  // the same as XMLNode::place counts; in the start tag of what is lost of an element itself
     std::string text;  // "<Light name="sun"> and what is in it"
 };
 

@@ -153,7 +153,7 @@ std::vector<ProjectProblem> ProjectSession::losses() const {
     std::vector<ProjectProblem> rows;
     for (const ProjectLoss& loss : m_losses) {
         rows.push_back({xmlFromPath(m_path), loss.place.line, loss.place.column, kReportWarning,
-                        "a save does not keep " + loss.text});
+                        "a save does not keep " + loss.text, 0, loss.at});
     }
     return rows;
 }
@@ -166,7 +166,8 @@ std::vector<ProjectProblem> ProjectSession::problems() const {
             const XMLPlace place = places.of(finding);
             const std::string file =
                 finding.source < m_model.sources().size() ? m_model.sources()[finding.source] : "";
-            rows.push_back({file, place.line, place.column, finding.severity, finding.text});
+            rows.push_back({file, place.line, place.column, finding.severity, finding.text, finding.source,
+                            finding.place});
         }
     };
     take(m_model.findings());

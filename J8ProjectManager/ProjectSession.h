@@ -38,6 +38,8 @@ struct ProjectProblem {
     int line = 0, column = 0;  // 0: the file as a whole
     int severity = kReportWarning;
     std::string text;
+    std::uint32_t source = 0,
+                  place = 0;  // the same place as J8Finding has it; `place` 0: the file as a whole
 };
 
 class ProjectSession {

@@ -1,25 +1,16 @@
 #include "J8ProjectManager/ProjectTargets.h"
 
-#include <tuple>
-
-#include "J8ProjectManager/ProjectPlaces.h"
+#include <utility>
 
 namespace zoka {
 
 ProjectTarget targetOf(const CJ8ProjectManager& project, const ProjectProblem& problem) {
     ProjectTarget best;
-    XMLPlace bestAt;
-    ProjectPlaces places(project);
+    std::uint32_t bestPlace = 0;
     const auto offer = [&](std::uint32_t source, std::uint32_t place, ProjectTab tab, size_t first,
                            std::optional<size_t> second = {}, std::optional<ProjectField> field = {}) {
-        if (source >= project.sources().size() || project.sources()[source] != problem.file) {
-            return;
-        }
-        const XMLPlace at = places.at(source, place);
-        const auto wanted = std::tuple(problem.line, problem.column);
-        if (at.line > 0 && std::tuple(at.line, at.column) <= wanted &&
-            std::tuple(at.line, at.column) >= std::tuple(bestAt.line, bestAt.column)) {
-            bestAt = at;
+        if (source == problem.source && place > 0 && place <= problem.place && place >= bestPlace) {
+            bestPlace = place;
             best = {tab, first, second, std::move(field)};
         }
     };

@@ -23,7 +23,6 @@ struct ProjectTarget {
 };
 
 // What stands at the problem's place, or begins last above it in the same file; the overview where nothing does.
-// Reads the file to find its lines.
 ProjectTarget targetOf(const CJ8ProjectManager& project, const ProjectProblem& problem);
 // The page and the thing that a value belongs to.
 ProjectTarget targetOf(const ProjectField& field);

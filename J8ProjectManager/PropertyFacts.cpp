@@ -177,24 +177,47 @@ std::string storedValue(const J8TypedValue& typed, const std::string& shown, con
     return shown == "1" ? "true" : "false";
 }
 
-std::string valueRefusal(const J8TypedValue& typed, std::string_view value) {
-    if (!typed.enums.empty()) {
-        std::string names;
-        for (const J8Enum& entry : typed.enums) {
-            if (entry.value == value) {
-                return {};
-            }
-            names += (names.empty() ? "" : ", ") + (entry.value.empty() ? "\"\"" : entry.value);
-        }
-        return "one of these is needed: " + names;
+J8ValueCheck::J8ValueCheck(const J8TypedValue& typed)
+    : m_typed(typed), m_limits(limitsOf(typed.constraints)) {
+    for (const J8Enum& entry : typed.enums) {
+        m_allowed.insert(entry.value);
     }
-    if (std::string refusal = refusalOfType(typed, value); !refusal.empty()) {
+    if (typed.enums.empty()) {
+        m_allowed.insert(m_limits.list.begin(), m_limits.list.end());
+    }
+}
+
+// A long list is cut: what isn't in it is told for each value.
+std::string J8ValueCheck::listRefusal() const {
+    constexpr size_t kNamed = 20;
+    std::string names;
+    size_t count = 0;
+    const auto add = [&](const std::string& value) {
+        if (++count <= kNamed) {
+            names += (names.empty() ? "" : ", ") + (value.empty() ? "\"\"" : value);
+        }
+    };
+    for (const J8Enum& entry : m_typed.enums) {
+        add(entry.value);
+    }
+    if (m_typed.enums.empty()) {
+        std::ranges::for_each(m_limits.list, add);
+    }
+    return "one of these is needed: " + names +
+           (count > kNamed ? " and " + std::to_string(count - kNamed) + " more" : "");
+}
+
+std::string J8ValueCheck::refusal(std::string_view value) const {
+    if (!m_typed.enums.empty()) {
+        return m_allowed.contains(value) ? "" : listRefusal();
+    }
+    if (std::string refusal = refusalOfType(m_typed, value); !refusal.empty()) {
         return refusal;
     }
-    const J8Limits limits = limitsOf(typed.constraints);
-    if (!limits.list.empty() &&
-        std::find(limits.list.begin(), limits.list.end(), trimmed(value)) == limits.list.end()) {
-        return "one of these is needed: " + joined(limits.list);
+    const J8Limits& limits = m_limits;
+    const J8TypedValue& typed = m_typed;
+    if (!m_allowed.empty() && !m_allowed.contains(trimmed(value))) {
+        return listRefusal();
     }
     const auto number =
         typed.type == J8Type::Int || isFraction(typed.type) ? numberOf(trimmed(value)) : std::nullopt;
@@ -211,6 +234,10 @@ std::string valueRefusal(const J8TypedValue& typed, std::string_view value) {
         }
     }
     return {};
+}
+
+std::string valueRefusal(const J8TypedValue& typed, std::string_view value) {
+    return J8ValueCheck(typed).refusal(value);
 }
 
 std::string limitsText(const J8TypedValue& typed) {

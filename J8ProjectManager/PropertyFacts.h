@@ -1,7 +1,9 @@
 // What a typed value of a component or a skill may be, and the row that shows it.
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,7 +49,22 @@ EntryFacts factsOf(const J8TypedValue& typed, const std::string& value,
 std::string shownValue(const J8TypedValue& typed, const std::string& stored);
 std::string storedValue(const J8TypedValue& typed, const std::string& shown, const std::string& before);
 
-// Why a file may not hold that value, in words for the user; empty when it may.
+// What the values of one property or skill are held against, made ready for many of them.
+class J8ValueCheck {
+public:
+    explicit J8ValueCheck(const J8TypedValue& typed);
+
+    // Why a file may not hold that value, in words for the user; empty when it may.
+    std::string refusal(std::string_view value) const;
+
+private:
+    std::string listRefusal() const;
+
+    J8TypedValue m_typed;
+    J8Limits m_limits;
+    std::set<std::string, std::less<>> m_allowed;  // the enumeration's values or those of the list
+};
+// The same for one value.
 std::string valueRefusal(const J8TypedValue& typed, std::string_view value);
 
 // "min 0, max 100, step 5", for help and lists; empty without limits.

@@ -116,6 +116,8 @@ TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
         {set + "component/body/mass=1", 1, "", "component \"body\" is in no components file"},
         {"project set -n two.xml level/a/name=b level/b/name=a", 0,
          "+\t<Level name=\"b\"/>\n+\t<Level name=\"a\"/>\n", ""},
+        {"project set -n two.xml level/a/name=b", 0, "+\t<Level name=\"b\"/>\n",
+         "warning: level/a/name: There is a level of that name already."},
         {"project set -n game.xml section/UI=proj:", 1, "", "name is missing"},
         {"project list twice.xml level", 0,
          "level/l/entity/e/skill/1 = 5\nlevel/l/entity/e/component/c/p = 7\n", ""},

@@ -324,6 +324,27 @@ TEST_F(ProjectSessionTest, ProblemsOfALongLineTakeNoLongerThanOfShortOnes) {
         << "lost, no map, all but one a second time; two sections are missing";
 }
 
+TEST_F(ProjectSessionTest, LongListsOfChoicesAreReadOnce) {
+    std::string list, edits;
+    for (int i = 0; i < 20000; ++i) {
+        list += (i > 0 ? "," : "") + std::to_string(i);
+        edits += "<Entity name='e" + std::to_string(i) + "' parent='g'><Skill num='1' value='" +
+                 std::to_string(19999 + i % 2) + "'/></Entity>";
+    }
+    folder.write(
+        "b.xml",
+        "<Behaviors><Behavior name='g'><Skill num='1' name='s' type='int'><Constraint type='list' value='" +
+            list + "'/></Skill></Behavior></Behaviors>");
+    ASSERT_TRUE(session.open(project("<Behavior proj_file='b.xml'/><Level name='l'>" + edits + "</Level>")));
+    const auto start = std::chrono::steady_clock::now();
+    size_t refused = 0;
+    for (const zoka::ProjectProblem& problem : session.problems()) {
+        refused += problem.text.find("is needed: 0, 1, ") != std::string::npos;
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(refused, 10000u);
+}
+
 TEST_F(ProjectSessionTest, ChangesFromOutside) {
     const auto touch = [&] {
         std::string text = folder.read("game.xml");
