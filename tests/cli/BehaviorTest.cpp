@@ -76,6 +76,16 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
         EXPECT_EQ(folder.run("level set l.zlm " + refused).status, 1) << refused;
     }
     EXPECT_THAT(folder.run("level set l.zlm " + large).err, HasSubstr("skill9: This number is too large."));
+    folder.write("d.kez", "action pick {\n// skill1: Drop 1\n// cntl: drop 1 2.0 3\n// skill2:\n}");
+    folder.write("d.zlm", "level 1\nentity a\naction d.kez pick\nend");
+    EXPECT_THAT(folder.run("level set d.zlm a Drop=5").err,
+                HasSubstr("\"5\" is not among its choices (1, 2.0, 3); --force sets it all the same."));
+    EXPECT_EQ(folder.run("level set d.zlm a Drop=5 --force").status, 0);
+    const json changes = json::parse(folder.run("level set d.zlm a Drop=2 skill2=0 --json").out);
+    EXPECT_EQ(changes,
+              json::parse(R"([{"entity": "a", "value": "skill1 Drop", "before": "5", "after": "2"}])"));
+    EXPECT_EQ(folder.run("level get d.zlm a Drop").out, "2\n");
+    EXPECT_EQ(folder.run("level set d.zlm a =1").status, 2);
     EXPECT_EQ(folder.run("level list l.zlm nobody").status, 2);
     EXPECT_EQ(folder.read("l.zlm"), expected);
     folder.write("old.zlm", kLevel);

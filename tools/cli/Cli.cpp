@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "controls/EntryModel.h"
+#include "controls/EntryRules.h"
 #include "util/ConsolePrompt.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -122,6 +124,19 @@ void tellSkipped(const OsListing& left, const std::string& folder) {
     for (const std::string& name : left.skipped) {
         complain(folder + ": " + name + " is skipped: a name with a backslash can't be told from a path");
     }
+}
+
+std::string notOffered(const EntryModel& row, const std::string& value) {
+    const EntryFacts& facts = row.facts();
+    if (facts.field != EntryField::DropList || !hasChoices(facts) || isChoice(facts, value) ||
+        value == row.loadedValue()) {
+        return {};
+    }
+    std::string choices;
+    for (const std::string& option : facts.options) {
+        choices += (choices.empty() ? "" : ", ") + option;
+    }
+    return '"' + value + "\" is not among its choices (" + choices + "); --force sets it all the same.";
 }
 
 void complain(const std::string& text) {

@@ -16,6 +16,10 @@ namespace CLI {
 class App;
 }
 
+namespace zoka {
+class EntryModel;
+}
+
 namespace zoka::cli {
 
 // Scripts rely on these numbers.
@@ -64,6 +68,8 @@ ExitStatus rewriteFile(const std::string& path, const std::string& before, std::
 // Sends on what was written to the standard output so far. False when not all of it
 // arrived; it has then said so.
 bool flushOutput();
+// Why a list doesn't take the value; empty when it offers it, or is no list.
+std::string notOffered(const EntryModel& row, const std::string& value);
 // A line on the standard error stream, with control characters shown.
 void complain(const std::string& text);
 // The same of a file or folder, as the user named it, that can't be read; `why` is the system's reason.

@@ -142,20 +142,6 @@ ExitStatus get(const CustomizeOptions& options) {
     return ExitStatus::Done;
 }
 
-// Why a list doesn't take the value; empty when it offers it, or is no list.
-std::string notOffered(const EntryModel& row, const std::string& value) {
-    const EntryFacts& facts = row.facts();
-    if (facts.field != EntryField::DropList || !hasChoices(facts) || isChoice(facts, value) ||
-        value == row.loadedValue()) {
-        return {};
-    }
-    std::string choices;
-    for (const std::string& option : facts.options) {
-        choices += (choices.empty() ? "" : ", ") + option;
-    }
-    return '"' + value + "\" is not among its choices (" + choices + "); --force sets it all the same.";
-}
-
 ExitStatus set(const CustomizeOptions& options) {
     OpenScript open(options.file, !options.dryRun);
     if (!open.isOpen()) {

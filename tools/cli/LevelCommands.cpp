@@ -26,7 +26,7 @@ using Json = nlohmann::ordered_json;
 struct LevelOptions {
     std::string file, entity;  // of `diff` the other level
     std::vector<std::string> words;
-    bool json = false, dryRun = false;
+    bool json = false, dryRun = false, force = false;
 };
 
 // What is said of an entity's values: the rows, and the character set of their texts.
@@ -255,11 +255,27 @@ ExitStatus getValues(const LevelOptions& options, const OpenLevelFile& level, co
 
 ExitStatus setLevel(const LevelOptions& options);
 
+// The choice that is that number, or the text as it was given.
+std::string choiceOf(const EntryFacts& facts, float number, const std::string& given) {
+    const auto found = std::ranges::find_if(
+        facts.options, [&](const std::string& option) { return skillOfText(option) == number; });
+    return found == facts.options.end() ? given : *found;
+}
+
+Json changeOf(const std::string& entity, const std::string& what, const std::string& from,
+              const std::string& to) {
+    return {{"entity", jsonText(entity)},
+            {"value", jsonText(what)},
+            {"before", jsonText(from)},
+            {"after", jsonText(to)}};
+}
+
 ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
     std::string text = level.text();
+    Json changes = Json::array();
     for (const std::string& word : options.words) {
         const size_t equals = word.find('=');
-        if (equals == word.npos) {
+        if (equals == word.npos || equals == 0) {
             complain('"' + word + "\" is not of the form name=value");
             return ExitStatus::Usage;
         }
@@ -270,9 +286,14 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
         const CustomEntry& row = named->row;
         EntryFacts facts = behaviorFacts(row, named->set);
         facts.value = valueText(entity, row);
-        const std::string value = word.substr(equals + 1);
-        std::string why = EntryModel(facts).refusalOf(value);
-        const auto number = skillOfText(value);
+        const auto number = skillOfText(word.substr(equals + 1));
+        const std::string value =
+            number ? choiceOf(facts, *number, word.substr(equals + 1)) : word.substr(equals + 1);
+        const EntryModel model(facts);
+        std::string why = model.refusalOf(value);
+        if (why.empty() && !options.force) {
+            why = notOffered(model, value);
+        }
         if (why.empty() && !number) {
             why = skillRefusal(value);
         }
@@ -288,12 +309,29 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
             return ExitStatus::Failed;
         }
         text = std::move(*edited);
+        if (skillOfText(facts.value) != number) {
+            changes.push_back(
+                changeOf(entity.name, nameOf(row), facts.value, number ? skillText(*number) : ""));
+        }
     }
     if (options.dryRun) {
-        printPatch(unifiedDifference(level.text(), text, level.path(), level.path()));
-        return ExitStatus::Done;
+        if (!options.json) {
+            printPatch(unifiedDifference(level.text(), text, level.path(), level.path()));
+        }
+    } else {
+        bool isElsewhere = false;
+        const ExitStatus status = rewriteFile(level.path(), level.text(), text, [&] {
+            isElsewhere = true;
+            return setLevel(options);
+        });
+        if (status != ExitStatus::Done || isElsewhere) {
+            return status;
+        }
     }
-    return rewriteFile(level.path(), level.text(), text, [&] { return setLevel(options); });
+    if (options.json) {
+        printJson(changes);
+    }
+    return ExitStatus::Done;
 }
 
 // Does `deed` with the level and the entity that the options name.
@@ -332,10 +370,7 @@ ExitStatus diffLevels(const LevelOptions& options) {
                           const std::string& to) {
         differs = true;
         if (options.json) {
-            all.push_back({{"entity", jsonText(entity)},
-                           {"value", jsonText(what)},
-                           {"before", jsonText(from)},
-                           {"after", jsonText(to)}});
+            all.push_back(changeOf(entity, what, from, to));
         } else {
             printShown(entity + '\t' + what + ": " + from + " -> " + to + '\n');
         }
@@ -407,6 +442,7 @@ void addLevelCommands(CLI::App& app, Work& chosen) {
                 ->required();
             command.add_flag("-n,--dry-run", options.dryRun,
                              "Write nothing; print the lines that would change");
+            command.add_flag("--force", options.force, "Also set what a list doesn't offer");
         });
     addCommand<LevelOptions>(
         *group,
