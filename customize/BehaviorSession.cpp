@@ -11,7 +11,8 @@
 namespace zoka {
 namespace {
 
-constexpr const char* kRefused = "The editor has refused the value";
+constexpr const char* kRefused = "The editor has refused the value.";
+constexpr const char* kElsewhere = "The editor has gone on to other entities; the value was not written.";
 
 // For a row whose texts are in that set.
 std::string unreadable(const std::string& entity, TextSet set) {
@@ -40,7 +41,7 @@ void BehaviorSession::open() {
     if (m_components) {
         m_components->load();
     }
-    m_changes = m_access ? m_access->changes() : std::nullopt;
+    m_changes = m_known = m_access ? m_access->changes() : std::nullopt;
     show(m_access ? m_access->selected() : std::vector<std::string>());
 }
 
@@ -64,6 +65,18 @@ bool BehaviorSession::lookAtProject() {
     return m_isOtherProject != before;
 }
 
+// Those to be shown: the selection, if it's followed, without what is gone.
+std::vector<std::string> BehaviorSession::entitiesNow() const {
+    const auto gone = [this](const std::string& entity) { return !isThere(*m_access, entity); };
+    std::vector<std::string> entities = follows() ? m_access->selected() : m_entities;
+    if (std::all_of(entities.begin(), entities.end(), gone) &&
+        std::all_of(m_entities.begin(), m_entities.end(), gone)) {
+        return m_entities;  // what was shown has been deleted: that is told
+    }
+    std::erase_if(entities, gone);
+    return entities;
+}
+
 void BehaviorSession::refresh(bool always) {
     const bool isMoved = lookAtProject();
     if (!m_access) {
@@ -76,22 +89,16 @@ void BehaviorSession::refresh(bool always) {
     if (!always && !isMoved && (!changes || changes == m_changes)) {
         return;
     }
-    m_changes = changes;
-    std::vector<std::string> entities = follows() ? m_access->selected() : m_entities;
-    const auto gone = [this](const std::string& entity) { return !isThere(*m_access, entity); };
-    if (std::all_of(entities.begin(), entities.end(), gone) &&
-        std::all_of(m_entities.begin(), m_entities.end(), gone)) {
-        entities = m_entities;  // what was shown has been deleted: that is told
-    } else {
-        std::erase_if(entities, gone);
-    }
+    m_changes = m_known = changes;
+    std::vector<std::string> entities = entitiesNow();
     const bool isReloaded = m_components && m_components->reloadIfChanged();
-    if (isMoved || isReloaded || entities != m_entities || (!m_gone.empty() && !gone(m_entities.front())) ||
+    if (isMoved || isReloaded || entities != m_entities ||
+        (!m_gone.empty() && isThere(*m_access, m_entities.front())) ||
         m_actions.haveChanged(*m_access, m_entities)) {
         show(std::move(entities));
         return;
     }
-    bool any = m_gone.empty() && !m_entities.empty() && gone(m_entities.front());
+    bool any = m_gone.empty() && !m_entities.empty() && !isThere(*m_access, m_entities.front());
     if (any) {
         m_gone = m_entities.front();
         blockComponents();
@@ -286,8 +293,26 @@ std::vector<size_t> BehaviorSession::rowsLike(size_t i) const {
     return rows;
 }
 
+// Whether the editor has gone on to other entities, or to a level with others of these names, since the rows were made:
+// the panel looks only now and then.
+bool BehaviorSession::isOutdated() {
+    const auto now = m_access->changes();
+    if (now && now == m_known) {
+        return false;
+    }
+    if (entitiesNow() != m_entities || m_actions.haveMoved(*m_access, m_entities)) {
+        return true;
+    }
+    m_known = now;
+    return false;
+}
+
 // All entities get their value, or none: those already written get back what they had.
 bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::string& why) {
+    if (isOutdated()) {
+        why = kElsewhere;
+        return false;
+    }
     const Source source = m_sources[i];
     for (size_t n = 0; n < m_entities.size(); ++n) {
         if (write(source, m_entities[n], values[n])) {
@@ -296,7 +321,7 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
         while (n-- > 0) {
             write(source, m_entities[n], source.values[n]);
         }
-        why = std::string(kRefused) + '.';
+        why = kRefused;
         for (const size_t row : rowsLike(i)) {
             reread(row);
             m_models[row].setBlocked(why);
@@ -310,7 +335,8 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
             showValues(row);
         }
     }
-    // The count of changes is not noted: it may have grown by another hand's change too, which is still to be seen.
+    // Not noted in m_changes: it may have grown by another hand's change too, which is still to be seen.
+    m_known = m_access->changes();
     return true;
 }
 

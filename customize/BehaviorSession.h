@@ -105,6 +105,7 @@ private:
     bool putLoaded(size_t i, std::string& why) override;
     bool putValues(size_t i, const std::vector<float>& values, std::string& why);
 
+    std::vector<std::string> entitiesNow() const;
     void show(std::vector<std::string> entities);
     bool lookAtProject();
     PromptAnswer askElsewhere() const;
@@ -124,6 +125,7 @@ private:
     std::optional<float> read(const Source& source, const std::string& entity) const;
     bool write(const Source& source, const std::string& entity, float value);
     std::vector<size_t> rowsLike(size_t i) const;
+    bool isOutdated();
     bool writeAll(size_t i, const std::vector<float>& values, std::string& why);
     bool reread(size_t i);
     void showValues(size_t i);
@@ -143,7 +145,8 @@ private:
     std::vector<EntryModel> m_models;
     std::vector<Source> m_sources;
     std::string m_gone;
-    std::optional<std::uint32_t> m_changes;
+    std::optional<std::uint32_t> m_changes;  // at the last look
+    std::optional<std::uint32_t> m_known;    // and after the last edit
 };
 
 }  // namespace zoka

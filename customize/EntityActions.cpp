@@ -80,13 +80,20 @@ void EntityActions::load(EntityAccess* access, const std::vector<std::string>& e
     }
 }
 
-bool EntityActions::haveChanged(EntityAccess& access, const std::vector<std::string>& entities) const {
+bool EntityActions::haveMoved(EntityAccess& access, const std::vector<std::string>& entities) const {
     for (size_t i = 0; i < entities.size(); ++i) {
         // An entity that is gone keeps its rows, so that its values can still be read.
         const auto now = access.action(entities[i]);
         if (now != m_places[i] && (now || isThere(access, entities[i]))) {
             return true;
         }
+    }
+    return false;
+}
+
+bool EntityActions::haveChanged(EntityAccess& access, const std::vector<std::string>& entities) const {
+    if (haveMoved(access, entities)) {
+        return true;
     }
     for (size_t i = 0; i < m_panels.size(); ++i) {
         if (timeOf(m_panels[i].scriptName) != m_scriptTimes[i]) {

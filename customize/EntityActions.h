@@ -22,7 +22,9 @@ public:
     // declares nothing. Where one declares nothing, names of `components` (may be null) stand in.
     void load(EntityAccess* access, const std::vector<std::string>& entities,
               const EntityComponents* components);
-    // Whether an entity of the last load, or a script, is another one now. An entity that is gone is not.
+    // Whether an entity of the last load has another action now, or its action is elsewhere. One that is gone has not.
+    bool haveMoved(EntityAccess& access, const std::vector<std::string>& entities) const;
+    // The same, or a script was written since.
     bool haveChanged(EntityAccess& access, const std::vector<std::string>& entities) const;
 
     // Entities with one action share one.

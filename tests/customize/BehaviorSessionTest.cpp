@@ -137,6 +137,26 @@ TEST_F(BehaviorSessionTest, writesAllOrNoneAndBlocksWhatIsRefused) {
     EXPECT_TRUE(m_session.setValue(1, "7"));
 }
 
+// The panel has not looked yet when the editor goes on; what is typed then is for the entities that are shown.
+TEST_F(BehaviorSessionTest, writesNothingToWhatItDoesNotShow) {
+    std::string why;
+    select({"b"});
+    EXPECT_FALSE(m_session.setValue(1, "7", &why));
+    EXPECT_THAT(why, HasSubstr("gone on to other entities"));
+    EXPECT_FALSE(m_session.undo());
+    select({"a"});
+    EXPECT_TRUE(m_session.setValue(1, "8"));
+    EXPECT_TRUE(m_session.setValue(1, "9"));
+    // Another level has an entity of that name.
+    m_entities.entities["a"].action->script += "x";
+    ++m_entities.count;
+    EXPECT_EQ(m_session.undo(&why), std::nullopt);
+    EXPECT_EQ(skill("a", 1), 9.0F);
+    EXPECT_EQ(skill("b", 1), 4.25F);
+    m_session.refresh(false);
+    EXPECT_THAT(shown(), IsEmpty());
+}
+
 TEST_F(BehaviorSessionTest, followsSelectionValuesAndEntitiesThatGo) {
     m_entities.entities["a"].skills[0] = 9;
     m_session.refresh(false);
