@@ -16,18 +16,6 @@
 namespace zoka {
 namespace {
 
-// The next token of `rest`, which moves behind it; empty at the end.
-std::string_view nextToken(std::string_view& rest) {
-    rest = trimmed(rest);
-    size_t end = 0;
-    while (end < rest.size() && rest[end] && !lex::isSpace(rest[end])) {
-        ++end;
-    }
-    const std::string_view token = rest.substr(0, end);
-    rest.remove_prefix(end);
-    return token;
-}
-
 // "skill21": one of the words with a number that no entity has. The word without its number, or nothing.
 std::string_view numberedWord(std::string_view keyword) {
     for (const std::string_view word : {"skill", "flag"}) {
@@ -121,8 +109,9 @@ private:
     }
 
     void declare(int kind, int id, std::string_view text) {
-        CustomEntry& row = add(kind, id, nextToken(text));
-        const std::string_view value = nextToken(text);
+        LineTokens tokens(text, kBlanks);
+        CustomEntry& row = add(kind, id, tokens.next());
+        const std::string_view value = tokens.next();
         row.value = value.empty() ? "0" : value;
         ++m_panel.declaredCount;
         const auto [first, isNew] = m_declared.emplace(id, m_line);

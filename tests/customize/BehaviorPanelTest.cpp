@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 
 #include "plugin/host/HostAbi.h"
+#include "tests/customize/Samples.h"
 #include "util/OsFiles.h"
 
 namespace zoka {
@@ -45,6 +47,12 @@ TEST(BehaviorPanel, readsTheRowsOfABlock) {
         {"// flag3: Asleep", {"22 0x1603 Asleep=0"}, 1},
         {"action a {\r\n\t// SKILL20:Speed 3.5 more\r\n}", {"31 0x1f14 Speed=3.5"}, 1},
         {"// skill1", {"31 0x1f01 =0"}, 1},
+        {"// skill1: A\r2", {"31 0x1f01 A=0"}, 1},  // the line's tokens end there
+        {"//\tFlag8 :: A:b,c\t7\tx", {"22 0x1608 A:b,c=7"}, 1},
+        {"// skill1: A\n// entry: B\nvar b = 1;\n// id: 4\n// enable: C\n// ver: 2\n// help: h",
+         {"31 0x1f01 A=0 (h)"},
+         1},
+        {"// section: S\n/// T\n// flag1: A\n", {"3 -1 S=", "3 -1 T=", "22 0x1601 A=0"}, 1},
         {"// flag1: A 1\n// help: one\n// entry_help: two\n// skill2: B",
          {"22 0x1601 A=1 (one\r\ntwo)", "31 0x1f02 B=0"},
          2},
@@ -136,8 +144,25 @@ TEST(BehaviorPanel, tellsWhatIsWrongAndWhere) {
     }
 }
 
+// The actions of the sample scripts.
+std::vector<std::string> sampleBlocks() {
+    std::vector<std::string> blocks;
+    for (const auto& file : std::filesystem::recursive_directory_iterator(test::sourceDir() / "samples")) {
+        const std::string text = file.path().extension() == ".kez" ? test::readNative(file.path()) : "";
+        for (size_t at = text.find("\naction "); at != text.npos;) {
+            const size_t next = text.find("\naction ", at + 1);
+            const std::string block = text.substr(at, next - at);
+            if (block.find("// skill") != block.npos || block.find("// flag") != block.npos) {
+                blocks.push_back(block);
+            }
+            at = next;
+        }
+    }
+    return blocks;
+}
+
 TEST(BehaviorPanel, bearsEveryPrefixAndEveryChangedByte) {
-    const std::string script =
+    const std::string own =
         "action a {\r\n// title: T\r\n// skill1: Speed 3.5\r\n// cntl: slider 0 x 0.5\r\n// help: h\r\n"
         "// desc: d\r\n/// e\r\n// flag1: A 1\r\n// cntl: drop_list 0 1\r\n}";
     const auto look = [](const std::string& text) {
@@ -149,14 +174,19 @@ TEST(BehaviorPanel, bearsEveryPrefixAndEveryChangedByte) {
             ASSERT_TRUE(row.kind != kTitle || facts.field == EntryField::Caption);
         }
     };
-    for (size_t i = 0; i <= script.size(); ++i) {
-        look(script.substr(0, i));
-    }
-    for (size_t i = 0; i < script.size(); ++i) {
-        for (const char c : {'\0', '\n', '/', ':', '\xFF', ' '}) {
-            std::string changed = script;
-            changed[i] = c;
-            look(changed);
+    std::vector<std::string> scripts = sampleBlocks();
+    ASSERT_GE(scripts.size(), 3U);
+    scripts.push_back(own);
+    for (const std::string& script : scripts) {
+        for (size_t i = 0; i <= script.size(); ++i) {
+            look(script.substr(0, i));
+        }
+        for (size_t i = 0; i < script.size(); ++i) {
+            for (const char c : {'\0', '\n', '\r', '/', ':', '\xFF', ' '}) {
+                std::string changed = script;
+                changed[i] = c;
+                look(changed);
+            }
         }
     }
 }
