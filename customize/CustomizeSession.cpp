@@ -1,6 +1,8 @@
 #include "customize/CustomizeSession.h"
 
 #include <algorithm>
+#include <new>
+#include <stdexcept>
 
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
@@ -23,8 +25,16 @@ CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt,
     : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView), m_loading(loading) {}
 
 bool CustomizeSession::open(const std::string& fileName) {
-    const auto mayGoOn = [&] { return mayContinue(m_loading, 0, 1, fileName); };
     const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
+    try {
+        return open(fileName, path);
+    } catch (const std::bad_alloc&) {
+        throw std::runtime_error(outOfMemoryText(path));
+    }
+}
+
+bool CustomizeSession::open(const std::string& fileName, const std::string& path) {
+    const auto mayGoOn = [&] { return mayContinue(m_loading, 0, 1, fileName); };
     ScriptRows loaded;
     if (!mayGoOn() || !read(path, loaded, m_loading)) {
         return false;
@@ -38,6 +48,7 @@ bool CustomizeSession::open(const std::string& fileName) {
         return false;
     }
     m_panel = std::move(loaded);
+    m_carried.clear();
     // A list of scripts may be older than the project that is open by now.
     const bool offered = std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end();
     m_project = offered ? m_offeredProject : m_host.GetProjectFolder();
@@ -80,7 +91,7 @@ bool CustomizeSession::read(const std::string& fileName, ScriptRows& panel, JobP
         return false;
     }
     m_problem.clear();
-    checkPictures(m_panel.script, [this](const std::string& name) { return picturePath(name); });
+    checkPictures(panel.script, [&](const std::string& name) { return pictureFor(panel.script, name); });
     return true;
 }
 
@@ -223,30 +234,36 @@ bool CustomizeSession::update() {
     if (!WriteValueFile(m_panel.script, true, m_prompt, &m_problem)) {
         return false;
     }
-    const std::vector<KeptValue> values = valuesToKeep(m_panel, false);
+    m_carried = valuesToKeep(m_panel, false);
     const bool byFile = valueFileCarriesAll(m_panel.script, true);
     if (!fetchTemplateCopy()) {
+        m_carried.clear();
         return false;
     }
-    ScriptRows before = std::move(m_panel);
-    m_panel = {};
-    if (!load(before.script.scriptPath)) {
-        m_panel = std::move(before);
-        m_prompt.tell(m_problem);
-        return false;
+    ScriptRows before;
+    {
+        ScriptRows loaded;
+        if (!read(m_panel.script.scriptPath, loaded)) {
+            m_carried.clear();
+            m_prompt.tell(m_problem);
+            return false;
+        }
+        before = std::move(m_panel);
+        m_panel = std::move(loaded);
     }
     m_unplaced.clear();
     show();
     m_view->bringToFront();
     if (byFile && before.script.set == m_panel.script.set) {
-        carryFromValueFile(values);
+        carryFromValueFile(m_carried);
     } else {
-        carryFromMemory(values);
+        carryFromMemory(m_carried);
     }
     for (UnplacedValue& lost : lostWithoutId(before, m_panel)) {
         m_unplaced.push_back(std::move(lost));
     }
     keepUnplaced();
+    m_carried.clear();
     addChangesToHistory();
     listener().valuesChanged();
     return true;
@@ -310,8 +327,8 @@ void CustomizeSession::keepUnplaced() {
 void CustomizeSession::offerUnsaved() noexcept {
     keepInside([this] {
         std::vector<UnplacedValue> unsaved;
-        for (KeptValue& kept : valuesToKeep(m_panel, true)) {
-            unsaved.push_back({std::move(kept), "it was not saved"});
+        for (const KeptValue& kept : m_carried.empty() ? valuesToKeep(m_panel, true) : m_carried) {
+            unsaved.push_back({kept, "it was not saved"});
         }
         if (!isOpen() || unsaved.empty()) {
             return;

@@ -93,7 +93,9 @@ public:
     const std::string& problem() const { return m_problem; }
 
 private:
+    bool open(const std::string& fileName, const std::string& path);
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
+    std::string pictureFor(const CustomScript& script, const std::string& name) const;
     bool read(const std::string& fileName, ScriptRows& panel, JobProgress* progress = nullptr);
     bool load(const std::string& fileName);
     void show();
@@ -129,6 +131,8 @@ private:
     std::vector<std::string> m_offered;
     std::string m_offeredProject;  // which was open when they were listed
     mutable std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for
+    // On their way into a script just loaded: in no file, and perhaps in no row. Empty otherwise.
+    std::vector<KeptValue> m_carried;
     std::vector<UnplacedValue> m_unplaced;
     std::string m_problem;
 };

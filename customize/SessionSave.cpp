@@ -76,18 +76,21 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
     if (answer != PromptAnswer::Yes) {
         return SaveResult::Cancelled;
     }
-    const std::vector<KeptValue> values = valuesToKeep(m_panel, true);
+    m_carried = valuesToKeep(m_panel, true);
     if (!load(std::string(m_panel.script.scriptPath))) {
+        m_carried.clear();
         return fail(m_problem);
     }
     show();
-    m_unplaced = carryValues(values, m_panel);
+    m_unplaced = carryValues(m_carried, m_panel);
     addChangesToHistory();
     listener().valuesChanged();
     if (m_unplaced.empty()) {
+        m_carried.clear();
         return hasChanges(m_panel.script) ? std::nullopt : std::optional(SaveResult::NothingToSave);
     }
     keepUnplaced();
+    m_carried.clear();
     return fail("These values found no place in the script as it is now; nothing was saved yet:\n\n" +
                 unplacedText(m_unplaced));
 }

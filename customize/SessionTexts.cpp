@@ -16,7 +16,11 @@ std::string CustomizeSession::details(size_t i) const {
 }
 
 std::string CustomizeSession::picturePath(const std::string& name) const {
-    const std::string own = joinPath(folderOf(script().scriptPath), name);
+    return pictureFor(script(), name);
+}
+
+std::string CustomizeSession::pictureFor(const CustomScript& script, const std::string& name) const {
+    const std::string own = joinPath(folderOf(script.scriptPath), name);
     return osFiles().search(own) ? own : m_host.TemplatePath(name);
 }
 

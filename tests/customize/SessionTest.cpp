@@ -26,6 +26,14 @@ TEST_F(Session, OpensTheMainScriptWithoutAName) {
     EXPECT_THAT(prompt.texts(), IsEmpty());
 }
 
+// Of the script that is opened, not of the one that was open.
+TEST_F(Session, TellsOfPicturesThatAreMissing) {
+    ASSERT_TRUE(session.open(project.write("a.kez", "// image: none.bmp\n// entry: A\nvar a = 1;\n")));
+    EXPECT_THAT(session.findingsText(), HasSubstr("a.kez:1: the picture \"none.bmp\" can't be shown"));
+    ASSERT_TRUE(session.open(project.write("b.kez", "// entry: B\nvar b = 1;\n")));
+    EXPECT_EQ(session.findingsText(), "");
+}
+
 // A panel that is to leave stops at any step, with what it showed before.
 TEST_F(Session, OpeningCanBeStoppedAtEachStep) {
     struct Stop : JobProgress {
