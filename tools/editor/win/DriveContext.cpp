@@ -70,6 +70,21 @@ void DriveContext::carryOut(const Words& words) {
     command.run(*this, rest);
 }
 
+void DriveContext::useMemory(long megabytes) {
+    constexpr SIZE_T kMegabyte = 1 << 20;
+    constexpr SIZE_T kLargest = SIZE_T{1} << 30;
+    for (void* const piece : usedMemory) {
+        VirtualFree(piece, 0, MEM_RELEASE);
+    }
+    usedMemory.clear();
+    const SIZE_T least = static_cast<SIZE_T>(megabytes) * kMegabyte;
+    for (SIZE_T size = kLargest; least > 0 && size >= least; size /= 2) {
+        while (void* const piece = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS)) {
+            usedMemory.push_back(piece);
+        }
+    }
+}
+
 bool DriveContext::until(const std::function<bool()>& condition) const {
     const ULONGLONG end = GetTickCount64() + patience;
     while (!condition()) {

@@ -53,6 +53,10 @@ struct DriveContext {
     HWND current = editorWindow.handle();  // the window that the commands about controls are meant for
     ResourceCount mark = {};               // what was held at the mark
     std::vector<HeldHandle> markHandles = {};
+    std::vector<void*> usedMemory = {};  // addresses that nobody else gets: see useMemory
+
+    // Leaves the process no piece of memory of that many megabytes or more; 0 gives all back.
+    void useMemory(long megabytes);
 
     // Runs a command: its name and its words. A fault where there is none of that name or the number is wrong.
     void carryOut(const Words& words);

@@ -63,6 +63,7 @@ void Driver::runLines() {
 }
 
 void Driver::fail(const std::string& what) {
+    m_context.useMemory(0);
     std::string text = m_file + ":" + std::to_string(m_line) + ": " + what + "\n";
     for (const DriveLine& line : m_script.lines) {
         if (line.number == m_line) {

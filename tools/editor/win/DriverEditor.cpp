@@ -256,6 +256,10 @@ void chooser(DriveContext& drive, const Words& words) {
     drive.editor.host().setOwnChooser(words[0] == "own");
 }
 
+void useMemory(DriveContext& drive, const Words& words) {
+    drive.useMemory(driveNumber(words[0]));
+}
+
 void destroyEditor(DriveContext& drive, const Words&) {
     drive.editorWindow.destroy();
 }
@@ -295,6 +299,7 @@ void addEditorCommands(DriveCommands& table) {
     table["host"] = {1, 1, hostFault};
     table["host-delay"] = {1, 1, hostDelay};
     table["chooser"] = {1, 1, chooser};
+    table["use-memory"] = {1, 1, useMemory};
     table["destroy-editor"] = {0, 0, destroyEditor};
     table["make-editor"] = {0, 0, makeEditor};
 }

@@ -47,6 +47,11 @@ void expectNoLines(DriveContext&, const Words& words) {
     }
 }
 
+void expectText(DriveContext& drive, const Words& words) {
+    drive.expect([&] { return contentOf(words[0]) == words[1]; }, words[0] + " to hold\n" + words[1],
+                 [&] { return "\n" + contentOf(words[0]); });
+}
+
 void expectSameFile(DriveContext& drive, const Words& words) {
     const auto same = [&] {
         const auto first = osFiles().readWhole(words[0]), second = osFiles().readWhole(words[1]);
@@ -62,6 +67,7 @@ void addFileCommands(DriveCommands& table) {
     table["add-lines"] = {2, 40, addLines};
     table["expect-lines"] = {2, 40, expectLines};
     table["expect-no-lines"] = {2, 40, expectNoLines};
+    table["expect-text"] = {2, 2, expectText};
     table["expect-same-file"] = {2, 2, expectSameFile};
 }
 
