@@ -290,15 +290,43 @@ private:
     KeyedMap<std::string, std::vector<size_t>> m_neededBy;  // file name -> scripts
 };
 
-PageSink intoFolder(const std::string& folder, std::string* error) {
-    return [folder, error](const std::string& name, const std::string& text) {
-        const SafeWriteResult result = safeWrite(folder + name, text, FileKind::Generated);
-        if (!result && error) {
-            *error = result.error;
+// Waiting for the disk twice for each page took most of the time. So pages are not flushed: the next run makes those
+// again that a power failure has cut, because it writes each that is not as it is to be, and no other.
+class PageWriter {
+public:
+    PageWriter(const std::string& folder, std::string* error) : m_folder(folder), m_error(error) {}
+    PageSink sink() {
+        return [this](const std::string& name, const std::string& text) { return take(name, text); };
+    }
+    // After the last page: what has not been written yet.
+    bool finish() {
+        std::vector<FileContent> files;
+        for (const auto& [path, text] : m_pages) {
+            files.push_back({path, text, FileKind::Generated});
+            files.back().flushed = false;
+        }
+        const SafeWriteResult result = safeWrite(files);
+        m_pages.clear();
+        if (!result && m_error) {
+            *m_error = result.error;
         }
         return static_cast<bool>(result);
-    };
-}
+    }
+
+private:
+    bool take(const std::string& name, const std::string& text) {
+        constexpr size_t kAtOnce = 250;  // each is an open file until they are written
+        std::string path = m_folder + name;
+        if (osFiles().isLink(path) || osFiles().readWhole(path) != text) {
+            m_pages.emplace_back(std::move(path), text);
+        }
+        return m_pages.size() < kAtOnce || finish();
+    }
+
+    std::string m_folder;
+    std::string* m_error;
+    std::vector<std::pair<std::string, std::string>> m_pages;  // path and text
+};
 
 // What no file system takes becomes "_".
 std::string asFileName(std::string name) {
@@ -346,15 +374,18 @@ std::string editionMarks(const std::string& edition) {
 }
 
 bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    return Help(catalogue, intoFolder(folder, error)).writeClasses();
+    PageWriter writer(folder, error);
+    return Help(catalogue, writer.sink()).writeClasses() && writer.finish();
 }
 
 bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    return Help(catalogue, intoFolder(folder, error)).writeScripts();
+    PageWriter writer(folder, error);
+    return Help(catalogue, writer.sink()).writeScripts() && writer.finish();
 }
 
 bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    return makeHelp(catalogue, intoFolder(folder, error));
+    PageWriter writer(folder, error);
+    return makeHelp(catalogue, writer.sink()) && writer.finish();
 }
 
 std::vector<std::string> pagesOfOthers(const std::string& folder, const KeyedSet<std::string>& names) {

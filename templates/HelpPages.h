@@ -18,7 +18,7 @@ inline constexpr const char* kIndexFile = "index.htm";
 
 // `folder` ends with a separator and exists. Each writes its pages in catalogue order, every page whole, in
 // text mode, and stops at the first that can't be written: false, with the reason in `error` where that is
-// not null. Texts of the catalogue are escaped for HTML.
+// not null. A page that is there as it is to be is not written again. Texts of the catalogue are escaped for HTML.
 bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
 bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder,
                       std::string* error = nullptr);

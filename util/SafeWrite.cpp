@@ -78,7 +78,7 @@ public:
     bool isMade() const { return m_ours; }
     const std::string& path() const { return m_path; }
     bool write(std::string_view bytes) { return m_out->write(bytes); }
-    bool finish() { return m_out->flush() && m_out->close(); }
+    bool finish(bool flushed) { return (!flushed || m_out->flush()) && m_out->close(); }
     void keep() { m_ours = false; }
 
 private:
@@ -135,9 +135,10 @@ public:
 
     const std::string& fault() const { return m_fault; }
     const std::string& target() const { return m_target; }
+    bool isFlushed() const { return m_content.flushed; }
 
     std::string flush() {
-        return !m_sibling->isMade() || m_sibling->finish()
+        return !m_sibling->isMade() || m_sibling->finish(m_content.flushed)
                    ? ""
                    : failure("Can't write", m_target, m_files.lastError());
     }
@@ -262,7 +263,9 @@ SafeWriteResult safeWrite(std::span<const FileContent> files) {
             result.error = fault;
             break;
         }
-        folders.insert(std::string(folderOf(file->target())));
+        if (file->isFlushed()) {
+            folders.insert(std::string(folderOf(file->target())));
+        }
         ++result.written;
     }
     for (const std::string& folder : folders) {

@@ -37,6 +37,9 @@ struct FileContent {
     // The file whose mode and access rights a new file gets; empty: those of any new file. An existing one
     // keeps its own.
     std::string like = {};
+    // False for one of many that are made again just as well: the disk is not waited for, so a power failure may leave
+    // it cut or empty, though nothing else can.
+    bool flushed = true;
 };
 
 // Gives the file `path` the content `bytes`; makes it when it doesn't exist (its folder must). What can't be

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "templates/CatalogueText.h"
+#include "tests/support/FaultyOsFiles.h"
 #include "tests/support/TempFolder.h"
 #include "tests/templates/Scripts.h"
 #include "util/OsFiles.h"
@@ -149,6 +150,29 @@ TEST(HelpPages, StopAtThePageThatCannotBeWritten) {
     const TempFolder none;
     EXPECT_TRUE(writeClassPages(data, none.path() + "\\") && writeScriptPages(data, none.path() + "\\"));
     EXPECT_TRUE(none.names().empty());
+}
+
+TEST(HelpPages, TheDiskIsNotWaitedForAndOnlyPagesThatDifferAreWritten) {
+    CTemplateData data;
+    constexpr int count = 300;
+    for (int i = 0; i < count; ++i) {
+        data.AddScript(script("s" + std::to_string(i), "f.kez", "C"));
+    }
+    const TempFolder folder;
+    int flushes = 0, files = 0;
+    const test::FaultyOsFiles disk([&](int, std::string_view op, const std::string&) {
+        flushes += op == "flushFolder" || op == "flush";
+        files += op == "renameNew" || op == "replaceFile";
+        return false;
+    });
+    ASSERT_TRUE(writeScriptPages(data, folder.path() + "\\"));
+    EXPECT_EQ(folder.names().size(), static_cast<size_t>(count));
+    EXPECT_EQ(files, count);
+    EXPECT_EQ(flushes, 0);
+    folder.write("s1.htm", "");
+    ASSERT_TRUE(writeScriptPages(data, folder.path() + "\\"));
+    EXPECT_EQ(files, count + 1);
+    EXPECT_NE(folder.read("s1.htm"), "");
 }
 
 TEST(HelpPages, TheCataloguesOwnOperationsWriteBesideTheCurrentFolder) {
