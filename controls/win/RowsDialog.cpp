@@ -1,6 +1,7 @@
 #include "controls/win/RowsDialog.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <mutex>
 
@@ -15,8 +16,26 @@ PlaceMemory& placeOf(const std::string& title) {
     return places[title];
 }
 
-// From the middle of the screen towards its right, where it covers less of the level, and leaves the middle to
-// the other panel.
+struct Corner {
+    HWND window;  // whose it is to be
+    LONG left, top;
+    LONG step;  // as near as that another one's is the same place
+    bool taken;
+};
+
+BOOL CALLBACK isTaken(HWND other, LPARAM data) {
+    auto& corner = *reinterpret_cast<Corner*>(data);
+    DWORD process = 0;
+    RECT place{};
+    GetWindowThreadProcessId(other, &process);
+    corner.taken = other != corner.window && process == GetCurrentProcessId() && IsWindowVisible(other) &&
+                   GetWindowRect(other, &place) && std::abs(place.left - corner.left) < corner.step &&
+                   std::abs(place.top - corner.top) < corner.step;
+    return !corner.taken;
+}
+
+// From the middle of the screen towards its right, where it covers less of the level. Where another panel stands there,
+// it goes so far down and to the left that the captions of both can be seen.
 void moveAside(HWND window) {
     MONITORINFO monitor{};
     monitor.cbSize = sizeof monitor;
@@ -26,8 +45,14 @@ void moveAside(HWND window) {
         return;
     }
     const LONG room = monitor.rcWork.right - place.right;
-    SetWindowPos(window, nullptr, static_cast<int>(place.left + room * 3 / 4), static_cast<int>(place.top), 0,
-                 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    Corner corner{window, place.left + room * 3 / 4, place.top,
+                  GetSystemMetrics(SM_CYCAPTION) + GetSystemMetrics(SM_CYSIZEFRAME), false};
+    while (EnumWindows(isTaken, reinterpret_cast<LPARAM>(&corner)), corner.taken) {
+        corner.left -= corner.step;
+        corner.top += corner.step;
+    }
+    SetWindowPos(window, nullptr, static_cast<int>(corner.left), static_cast<int>(corner.top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 constexpr int kCloseUnits = 44;
