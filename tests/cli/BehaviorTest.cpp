@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -54,6 +55,18 @@ TEST_F(Behavior, ListsAndChecksActions) {
                       HasSubstr("v.kez:3: no brace closes the body of \"B\"")));
 }
 
+// In time linear in the script: it took half a minute once.
+TEST_F(Behavior, ChecksScriptsOfManyActions) {
+    std::string script;
+    for (int i = 0; i < 20000; ++i) {
+        script += "action a" + std::to_string(i) + " {\n// skill1: A 1\n}\n";
+    }
+    folder.write("many.kez", script + "action last {\n// flag9: A\n}");
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(folder.run("behavior check many.kez").out, HasSubstr("many.kez:60002: there is no flag9"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
 TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     EXPECT_EQ(folder.run("level list l.zlm"),
               (ToolRun{0,
@@ -97,6 +110,8 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     EXPECT_EQ(folder.run("level list odd.zlm").out,
               "a\tno.kez x\t(the script can't be read)\na\ts.kez x\t(the script has no such action)\n");
     EXPECT_THAT(folder.run("level set odd.zlm a skill1=1").err, HasSubstr("several entities \"a\""));
+    folder.write("empty.zlm", "");
+    EXPECT_THAT(folder.run("level list empty.zlm").err, HasSubstr("line 1: a level begins with \"level 1\""));
     folder.write("bad.zlm", "level 1\nentity a\nsize 3\nend");
     EXPECT_THAT(folder.run("level list bad.zlm").err, HasSubstr("line 3: unknown word \"size\""));
 }
