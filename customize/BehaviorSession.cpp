@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "controls/EntryRules.h"
 #include "util/OsFiles.h"
@@ -19,8 +20,17 @@ std::string unreadable(const std::string& entity, TextSet set) {
     return *convertText("The editor no longer gives this value of " + entity + '.', TextSet::System, set);
 }
 
+// A host may hold what is no number; it is the same as itself here.
+bool isSame(float one, float other) {
+    return one == other || (std::isnan(one) && std::isnan(other));
+}
+
+bool areSame(const std::vector<float>& values, const std::vector<float>& others) {
+    return std::equal(values.begin(), values.end(), others.begin(), others.end(), isSame);
+}
+
 bool allEqual(const std::vector<float>& values) {
-    return std::all_of(values.begin(), values.end(), [&](float one) { return one == values.front(); });
+    return std::all_of(values.begin(), values.end(), [&](float one) { return isSame(one, values.front()); });
 }
 
 }  // namespace
@@ -426,10 +436,10 @@ bool BehaviorSession::reread(size_t i) {
         }
         values.push_back(*value);
     }
-    const bool isNews = values != source.values || !m_models[i].blocked().empty();
+    const bool isNews = !areSame(values, source.values) || !m_models[i].blocked().empty();
     m_models[i].setBlocked({});
     // A text that is being typed is not written anew while its number stays.
-    if (values != source.values) {
+    if (!areSame(values, source.values)) {
         source.values = std::move(values);
         showValues(i);
     }
@@ -441,7 +451,7 @@ void BehaviorSession::showValues(size_t i) {
     if (allEqual(values)) {
         m_models[i].putBack(textOf(i, values.front()));
     } else {
-        m_models[i].setDifferent(values != m_sources[i].loaded);
+        m_models[i].setDifferent(!areSame(values, m_sources[i].loaded));
     }
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <limits>
 #include <random>
 #include <set>
 
@@ -211,6 +212,13 @@ TEST_F(BehaviorSessionTest, copiesLinesAndPastesThoseThatFit) {
 
 TEST_F(BehaviorSessionTest, tellsOfValuesOutsideTheirLimits) {
     EXPECT_EQ(m_session.findingCount(), 0U);
+    m_entities.entities["c"].skills[1] = std::numeric_limits<float>::quiet_NaN();
+    follow({"c"});
+    EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=nan"));
+    EXPECT_TRUE(m_session.setValue(1, "4"));
+    m_session.undo();
+    EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=nan"));
+    EXPECT_EQ(m_session.changedCount(), 0U);
     m_entities.entities["b"].skills[0] = 12;
     follow({"a", "b"});
     EXPECT_EQ(m_session.findingsText(), "b: Speed is 12; allowed: 0 to 10\r\n");
