@@ -97,6 +97,7 @@ std::string LevelsPage::cell(int row, int column) const {
 
 void LevelsPage::refresh() {
     m_refreshing = true;
+    m_words.clear();
     const std::optional<size_t> entity = selectedEntity();
     const std::optional<ProjectField> keyboard = m_panel.fieldOf(m_view.focusedRow());
     fillLevels();
@@ -140,26 +141,68 @@ void LevelsPage::showLevelName() {
     }
 }
 
+const std::vector<std::string>& LevelsPage::words(size_t level) {
+    m_words.resize(model().m_apLevels.size());
+    if (!m_words[level]) {
+        std::vector<std::string>& texts = m_words[level].emplace();
+        for (const J8LevelEntity& entity : model().m_apLevels[level].m_entities) {
+            std::string& text = texts.emplace_back(shownText(entity.name + "\n" + entity.parent));
+            CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
+        }
+    }
+    return *m_words[level];
+}
+
 void LevelsPage::fillEntities(std::optional<size_t> kept) {
     m_searched = textOf(m_search);
-    std::string wanted = m_searched;
-    CharLowerBuffA(wanted.data(), static_cast<DWORD>(wanted.size()));
+    m_wanted = m_searched;
+    CharLowerBuffA(m_wanted.data(), static_cast<DWORD>(m_wanted.size()));
+    const auto isFound = [this](const std::string& text) { return text.find(m_wanted) != text.npos; };
     m_entities.clear();
+    m_elsewhere = 0;
     size_t all = 0;
     if (hasLevel()) {
-        const std::vector<J8LevelEntity>& entities = model().m_apLevels[m_level].m_entities;
-        all = entities.size();
+        const std::vector<std::string>& texts = words(m_level);
+        all = texts.size();
         for (size_t i = 0; i < all; ++i) {
-            std::string text = shownText(entities[i].name + "\n" + entities[i].parent);
-            CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
-            if (i == kept || text.find(wanted) != text.npos) {
+            if (i == kept || isFound(texts[i])) {
                 m_entities.push_back(i);
             }
         }
     }
+    for (size_t i = 0; i < model().m_apLevels.size() && !m_wanted.empty(); ++i) {
+        m_elsewhere += i == m_level ? 0 : static_cast<size_t>(std::ranges::count_if(words(i), isFound));
+    }
     m_list.setCount(hasLevel() ? static_cast<int>(m_entities.size()) + 1 : 0);
-    setText(m_count, "&Entities: " + std::to_string(m_entities.size()) +
-                         (m_entities.size() == all ? "" : " of " + std::to_string(all)));
+    setText(m_count,
+            "&Entities: " + std::to_string(m_entities.size()) +
+                (m_entities.size() == all ? "" : " of " + std::to_string(all)) +
+                (m_elsewhere == 0 ? "" : ", " + std::to_string(m_elsewhere) + " in other levels (F3)"));
+}
+
+// Round through all levels, and through this one to where it began.
+void LevelsPage::findNext(bool back) {
+    if (m_wanted.empty() || !hasLevel() || !m_view.commit()) {
+        return;
+    }
+    const size_t levels = model().m_apLevels.size();
+    const std::optional<size_t> start = selectedEntity();
+    for (size_t step = 0; step <= levels; ++step) {
+        const size_t level = (m_level + (back ? levels * 2 - step : step)) % levels;
+        const std::vector<std::string>& texts = words(level);
+        for (size_t n = 0; n < texts.size(); ++n) {
+            const size_t i = back ? texts.size() - 1 - n : n;
+            const bool isPassed = step == 0 && (back ? !start || i >= *start : start && i <= *start);
+            if (isPassed || texts[i].find(m_wanted) == std::string::npos) {
+                continue;
+            }
+            m_level = level;
+            SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
+            fillEntities();
+            return selectEntity(i);
+        }
+    }
+    m_frame.setStatus("No entity is found");
 }
 
 std::optional<size_t> LevelsPage::selectedEntity() const {
@@ -227,6 +270,7 @@ void LevelsPage::rowsChanged() {
     if (m_refreshing) {
         return;
     }
+    m_words.clear();
     m_list.redraw();
     showLevelName();
     m_frame.edited();
@@ -281,6 +325,7 @@ void LevelsPage::changeEntities(int id) {
     if (id == kAdd) {
         next = at ? *at + 1 : entities.size();
         project.addEntity(m_level, *next, "entity", at ? entities[*at].parent : "");
+        m_words.clear();
         SetWindowTextA(m_search, "");
     } else if (!at) {
         return;
@@ -293,6 +338,7 @@ void LevelsPage::changeEntities(int id) {
         next = id == kUp ? *at - 1 : *at + 1;
         project.moveEntity(m_level, *at, *next);
     }
+    m_words.clear();
     fillEntities();
     selectEntity(next);
     if (id == kAdd || id == kDuplicate) {
@@ -335,11 +381,21 @@ void LevelsPage::command(int id, int code) {
 
 // In the list it goes to the values.
 void LevelsPage::mainAction() {
-    if (GetFocus() == m_list.window() || GetFocus() == m_search) {
+    if (GetFocus() == m_search && m_entities.empty() && m_elsewhere > 0) {
+        findNext(false);
+    } else if (GetFocus() == m_list.window() || GetFocus() == m_search) {
         m_view.focusFirst();
     } else {
         m_view.enter();
     }
+}
+
+bool LevelsPage::takesKey(const MSG& message) {
+    if (message.wParam != VK_F3 || GetKeyState(VK_CONTROL) < 0 || GetKeyState(VK_MENU) < 0) {
+        return ProjectPage::takesKey(message);
+    }
+    findNext(GetKeyState(VK_SHIFT) < 0);
+    return true;
 }
 
 bool LevelsPage::givenUp() {

@@ -22,6 +22,7 @@ public:
     bool revertDraft() override { return m_view.revertDraft(); }
     void fontsChanged() override { m_view.fontsChanged(); }
     bool givenUp() override;
+    bool takesKey(const MSG& message) override;
     void select(const ProjectTarget& target) override;
 
 protected:
@@ -40,6 +41,10 @@ private:
     void showLevelName();
     // With those that the search finds, and the one of that place.
     void fillEntities(std::optional<size_t> kept = {});
+    // What is searched of each entity of a level, in lower case; kept until something changes.
+    const std::vector<std::string>& words(size_t level);
+    // Selects the next entity that the search finds, or the one before, in whichever level.
+    void findNext(bool back);
     // Of the list's rows the first is the level itself.
     std::optional<size_t> selectedEntity() const;
     void selectEntity(std::optional<size_t> entity);
@@ -59,6 +64,9 @@ private:
     std::vector<size_t> m_entities;  // those found, by place
     std::optional<size_t> m_shown;   // the entity whose rows are shown; none: the level's
     std::string m_searched;          // what the entities are found by
+    std::string m_wanted;            // the same in lower case
+    size_t m_elsewhere = 0;          // how many it finds in other levels
+    std::vector<std::optional<std::vector<std::string>>> m_words;  // by level; see words()
     HWND m_levelLabel = nullptr, m_levels = nullptr, m_searchLabel = nullptr, m_search = nullptr,
          m_count = nullptr;
     std::vector<HWND> m_levelButtons, m_entityButtons;

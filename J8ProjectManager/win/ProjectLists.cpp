@@ -142,7 +142,8 @@ std::string ComponentsPage::details(size_t row) const {
     return text;
 }
 
-ReportPage::ReportPage(ProjectFrame& frame) : SearchPage(frame, {2401, "&Report", kReportColumns}) {}
+ReportPage::ReportPage(ProjectFrame& frame)
+    : SearchPage(frame, {.firstId = 2401, .name = "&Report", .columns = kReportColumns, .copiesAll = true}) {}
 
 void ReportPage::collect() {
     m_lines.clear();
@@ -159,7 +160,8 @@ void ReportPage::collect() {
 }
 
 ProblemsPage::ProblemsPage(ProjectFrame& frame)
-    : SearchPage(frame, {2501, "&Problems", kProblemColumns, "&What it says (Enter goes there):", "none"}) {}
+    : SearchPage(frame,
+                 {2501, "&Problems", kProblemColumns, "&What it says (Enter goes there):", "none", true}) {}
 
 void ProblemsPage::collect() {
     m_problems = session().problems();

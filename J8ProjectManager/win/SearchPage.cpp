@@ -31,6 +31,9 @@ void SearchPage::createControls() {
     m_search = makeField(window(), m_look.firstId + kSearch, fonts());
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
     SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    if (m_look.copiesAll) {
+        m_copyAll = button("C&opy all", m_look.firstId + kCopyAll);
+    }
     m_name = label("");
     m_list.create(
         window(), m_look.firstId + kList, fonts(), fonts().text(), m_look.columns,
@@ -47,6 +50,10 @@ void SearchPage::createControls() {
 
 void SearchPage::layout(Area page) {
     Area row = page.takeTop(fonts().y(kFieldHeightUnits), fonts().y(kGapUnits));
+    if (m_copyAll) {
+        const int gap = fonts().x(kGapUnits);
+        place(m_copyAll, row.takeRight(fonts().labelWidth(textOf(m_copyAll)) + 2 * gap, gap));
+    }
     placeLabel(m_searchLabel, row, fonts());
     place(m_search, row);
     placeLabelAbove(m_name, page, fonts());
@@ -106,6 +113,9 @@ void SearchPage::filter() {
         name = std::string(m_look.name) + ": " + m_look.empty;
     }
     setText(m_name, name);
+    if (m_copyAll) {
+        enable(m_copyAll, !m_rows.empty());
+    }
     if (before && std::ranges::binary_search(m_rows, *before)) {
         selectRow(*before);
     } else {
@@ -146,7 +156,18 @@ void SearchPage::mainAction() {
 void SearchPage::command(int id, int code) {
     if (id == m_look.firstId + kSearch && code == EN_CHANGE) {
         filter();
+    } else if (id == m_look.firstId + kCopyAll && code == BN_CLICKED) {
+        std::string text;
+        for (const size_t row : m_rows) {
+            text += copied(row);
+        }
+        copy(text);
     }
+}
+
+void SearchPage::copy(const std::string& text) {
+    m_frame.setStatus(copyToClipboard(window(), text) ? "Copied"
+                                                      : "Not copied: another program uses the clipboard");
 }
 
 bool SearchPage::givenUp() {
@@ -167,9 +188,7 @@ bool SearchPage::takesKey(const MSG& message) {
     }
     const auto row = selected();
     if (message.wParam == 'C' && message.hwnd == m_list.window() && row) {
-        m_frame.setStatus(copyToClipboard(window(), copied(*row))
-                              ? "Copied"
-                              : "Not copied: another program uses the clipboard");
+        copy(copied(*row));
         return true;
     }
     return false;

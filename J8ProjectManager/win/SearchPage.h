@@ -12,13 +12,14 @@ namespace zoka {
 
 class SearchPage : public ProjectPage {
 public:
-    // What the page is made of. Identifiers are counted from `firstId`: search, list, details.
+    // What the page is made of. Identifiers are counted from `firstId`: search, list, details, the button that copies.
     struct Look {
         int firstId;
         const char* name;  // "&Behaviors"; the count of rows follows
         std::span<const ListColumn> columns;
         const char* detailsName = nullptr;  // "&Details:"; null: the list takes the whole page
         const char* empty = "";             // in the place of rows
+        bool copiesAll = false;             // with a button that copies all rows in sight
     };
     SearchPage(ProjectFrame& frame, const Look& look) : ProjectPage(frame), m_look(look) {}
 
@@ -50,16 +51,17 @@ protected:
     void settled() override { showSelection(); }
 
 private:
-    enum { kSearch, kList, kDetails };
+    enum { kSearch, kList, kDetails, kCopyAll };
     static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                        DWORD_PTR self);
     void filter();
+    void copy(const std::string& text);
     void showSelection();
     std::optional<size_t> selected() const;
 
     const Look m_look;
     HWND m_searchLabel = nullptr, m_search = nullptr, m_name = nullptr, m_detailsName = nullptr,
-         m_details = nullptr;
+         m_details = nullptr, m_copyAll = nullptr;
     RowList m_list;
     std::vector<std::string> m_words;  // of each row, in lower case, as long as the project stays as it is
     std::vector<size_t> m_rows;        // those found
