@@ -1,6 +1,7 @@
 #include "J8ProjectManager/ProjectSession.h"
 
 #include <algorithm>
+#include <new>
 #include <set>
 #include <utility>
 
@@ -122,8 +123,10 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
         results.code = kXmlFirstTagNotFound;
     }
     if (loaded.model->loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
-        loaded.losses =
-            lossesOf(document, loaded.model->createXMLTopNode({}, loaded.model->m_date), loaded.bytes);
+        loaded.written = loaded.model->createXMLTopNode({}, loaded.model->m_date);
+        if (loaded.written.isEmpty()) {
+            throw std::bad_alloc();  // nobody could tell what a save would lose
+        }
         return loaded;
     }
     if (results.outOfMemory) {
@@ -141,7 +144,8 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
 void ProjectSession::replaceModel(Loaded loaded) {
     m_model = std::move(*loaded.model);
     m_bytes = std::move(loaded.bytes);
-    m_losses = std::move(loaded.losses);
+    m_written = std::move(loaded.written);
+    m_losses.clear();
     m_wasRead = loaded.wasRead;
     m_places.reset();
     if (modelReplaced) {
@@ -149,9 +153,21 @@ void ProjectSession::replaceModel(Loaded loaded) {
     }
 }
 
+const std::vector<ProjectLoss>& ProjectSession::foundLosses() const {
+    if (!m_written.isEmpty()) {
+        const XMLNode document = XMLNode::parseBytes(m_bytes, nullptr, nullptr, {}, XMLCharset::Utf8);
+        if (document.isEmpty()) {
+            throw std::bad_alloc();  // it could be read before
+        }
+        m_losses = lossesOf(document, m_written, m_bytes);
+        m_written = {};
+    }
+    return m_losses;
+}
+
 std::vector<ProjectProblem> ProjectSession::losses() const {
     std::vector<ProjectProblem> rows;
-    for (const ProjectLoss& loss : m_losses) {
+    for (const ProjectLoss& loss : foundLosses()) {
         rows.push_back({xmlFromPath(m_path), loss.place.line, loss.place.column, kReportWarning,
                         "a save does not keep " + loss.text, 0, loss.at});
     }

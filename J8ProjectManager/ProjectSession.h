@@ -141,10 +141,11 @@ private:
     struct Loaded {
         std::unique_ptr<CJ8ProjectManager> model;
         std::string bytes;
-        std::vector<ProjectLoss> losses;
+        XMLNode written;       // what a save would write of it
         std::string problem;   // why it can't be used; else empty
         bool wasRead = false;  // all of the file, well-formed or not
     };
+    const std::vector<ProjectLoss>& foundLosses() const;
     Loaded read() const;
     Loaded loadedFrom(std::string bytes) const;
     void replaceModel(Loaded loaded);
@@ -160,7 +161,10 @@ private:
     UserPrompt& m_prompt;
     std::string m_path;
     std::string m_bytes;  // of the file, as loaded
-    std::vector<ProjectLoss> m_losses;
+    // What a save would write of it as it was loaded, until the losses are asked for: finding them takes about as long
+    // as loading.
+    mutable XMLNode m_written;
+    mutable std::vector<ProjectLoss> m_losses;
     bool m_wasRead = false;
     ProjectEdits m_edits;
     bool m_typedPaths = false;  // their files have not been looked for

@@ -86,9 +86,10 @@ std::optional<ProjectSave> ProjectSession::takeOver(std::string theirs) {
 
 // The copy of what will be lost. Nothing when saving can go on.
 std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDisk, bool overwrites) {
-    if (!m_losses.empty()) {
+    const std::vector<ProjectLoss>& losses = foundLosses();
+    if (!losses.empty()) {
         std::vector<std::string> lines;
-        for (const ProjectLoss& loss : m_losses) {
+        for (const ProjectLoss& loss : losses) {
             lines.push_back("line " + std::to_string(loss.place.line) + ": " + loss.text);
         }
         if (!question("A save does not keep what the project's format has no place for:\n\n" + listed(lines) +
@@ -96,7 +97,7 @@ std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDis
             return ProjectSave::Cancelled;
         }
     }
-    if (!m_losses.empty() || overwrites) {
+    if (!losses.empty() || overwrites) {
         if (const BackupResult kept = keepBackup(m_path, onDisk.empty() ? m_bytes : onDisk); !kept) {
             return fail(kept.error + "\nThe project was not saved.");
         }

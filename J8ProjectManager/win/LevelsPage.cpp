@@ -213,6 +213,11 @@ std::optional<size_t> LevelsPage::selectedEntity() const {
 }
 
 void LevelsPage::selectEntity(std::optional<size_t> entity) {
+    selectRowOf(entity);
+    showSelection();
+}
+
+void LevelsPage::selectRowOf(std::optional<size_t> entity) {
     int row = hasLevel() ? 0 : -1;
     if (entity) {
         const auto found = std::ranges::lower_bound(m_entities, *entity);
@@ -223,7 +228,6 @@ void LevelsPage::selectEntity(std::optional<size_t> entity) {
         }
     }
     m_list.select(row);
-    showSelection();
 }
 
 void LevelsPage::showSelection() {
@@ -365,7 +369,12 @@ void LevelsPage::command(int id, int code) {
         }
         const auto entity = selectedEntity();
         fillEntities();
-        selectEntity(entity);
+        // What is selected still is shown already.
+        if (entity == m_shown && (!entity || std::ranges::binary_search(m_entities, *entity))) {
+            selectRowOf(entity);
+        } else {
+            selectEntity(entity);
+        }
     } else if (code == BN_CLICKED && id >= kLevelButtons && id < kLevelButtons + kButtons) {
         if (m_view.commit()) {
             changeLevels(id - kLevelButtons);

@@ -48,6 +48,7 @@ private:
     // Of the list's rows the first is the level itself.
     std::optional<size_t> selectedEntity() const;
     void selectEntity(std::optional<size_t> entity);
+    void selectRowOf(std::optional<size_t> entity);
     void showSelection();
     // False when it is not among the rows.
     bool focusField(const ProjectField& field);

@@ -1,5 +1,6 @@
 #include "J8ProjectManager/win/ProjectDialog.h"
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -22,6 +23,9 @@ PlaceMemory g_place;
 int g_page = 0;
 
 std::string convert(const std::string& text, UINT from, UINT to) {
+    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        return text;  // which is the same in every set, and most texts are
+    }
     const int length = static_cast<int>(text.size());
     std::wstring wide(text.size(), L'\0');
     wide.resize(static_cast<size_t>(MultiByteToWideChar(from, 0, text.data(), length, wide.data(), length)));
@@ -224,9 +228,12 @@ bool ProjectDialog::mayClose() {
 
 }  // namespace
 
+std::string shownText(const std::string& utf8) {
+    return convert(utf8, CP_UTF8, CP_ACP);
+}
+
 ProjectTexts projectTexts() {
-    return {[](const std::string& utf8) { return convert(utf8, CP_UTF8, CP_ACP); },
-            [](const std::string& shown) { return convert(shown, CP_ACP, CP_UTF8); }};
+    return {shownText, [](const std::string& shown) { return convert(shown, CP_ACP, CP_UTF8); }};
 }
 
 void runProjectDialog(const ProjectSetup& setup) {

@@ -54,6 +54,23 @@ void addTyped(std::string& text, const std::string& name, const J8TypedValue& ty
     }
 }
 
+// What is searched of a property or a skill. A line each, as all that is searched; UTF-8.
+void addWords(std::string& text, const std::string& name, const J8TypedValue& typed, const std::string& value,
+              const std::vector<J8Enum>& enums) {
+    for (const std::string* word : {&name, &value, &typed.doc}) {
+        text += *word;
+        text += '\n';
+    }
+    for (const J8Constraint& limit : typed.constraints) {
+        text += limit.type + ' ' + limit.value + '\n';
+    }
+    for (const J8Enum& entry : enums) {
+        text += entry.name + '\n' + entry.value + '\n' + entry.doc + '\n';
+    }
+    text += typeWord(typed.type);
+    text += '\n';
+}
+
 std::string sourceName(const CJ8ProjectManager& project, std::uint32_t source) {
     return source < project.sources().size() ? shownText(std::string(fileNameOf(project.sources()[source])))
                                              : "";
@@ -80,6 +97,26 @@ std::string BehaviorsPage::cell(size_t row, int column) const {
         default:
             return sourceName(model(), behavior.m_source);
     }
+}
+
+std::string BehaviorsPage::searchText(size_t row) const {
+    const CJ8BehaviorData& behavior = model().m_apBehavior[row];
+    std::string text =
+        behavior.m_name + '\n' + behavior.m_class + '\n' + behavior.m_group + '\n' + behavior.m_doc + '\n';
+    if (behavior.m_source < model().sources().size()) {
+        text += model().sources()[behavior.m_source] + '\n';
+    }
+    for (const J8Skill& skill : behavior.m_apSkillEdits) {
+        text += std::to_string(skill.num) + ' ';
+        addWords(text, skill.name, J8TypedValue::of(skill), skill.value, skill.enums);
+    }
+    for (const std::string& name : behavior.m_apCMPNames) {
+        text += name + '\n';
+    }
+    for (const J8ComponentEdit& edit : behavior.m_apCMPEdits) {
+        text += edit.name + '\n' + edit.value + '\n';
+    }
+    return shownText(text);
 }
 
 std::string BehaviorsPage::details(size_t row) const {
@@ -126,6 +163,18 @@ std::string ComponentsPage::cell(size_t row, int column) const {
         default:
             return sourceName(model(), component.m_source);
     }
+}
+
+std::string ComponentsPage::searchText(size_t row) const {
+    const CJ8CMPData& component = model().m_apComponents[row];
+    std::string text = component.m_name + '\n' + component.m_doc + '\n';
+    if (component.m_source < model().sources().size()) {
+        text += model().sources()[component.m_source] + '\n';
+    }
+    for (const J8Property& property : component.m_properties) {
+        addWords(text, property.name, J8TypedValue::of(property), property.value, property.enums);
+    }
+    return shownText(text);
 }
 
 std::string ComponentsPage::details(size_t row) const {

@@ -16,7 +16,7 @@ public:
 protected:
     size_t rowCount() const override { return model().m_apBehavior.size(); }
     std::string cell(size_t row, int column) const override;
-    std::string searchText(size_t row) const override { return cell(row, 0) + cell(row, 1) + details(row); }
+    std::string searchText(size_t row) const override;
     std::string details(size_t row) const override;
 };
 
@@ -28,7 +28,7 @@ public:
 protected:
     size_t rowCount() const override { return model().m_apComponents.size(); }
     std::string cell(size_t row, int column) const override;
-    std::string searchText(size_t row) const override { return cell(row, 0) + details(row); }
+    std::string searchText(size_t row) const override;
     std::string details(size_t row) const override;
 };
 

@@ -45,8 +45,6 @@ protected:
 
 // The texts of a project for its window.
 ProjectTexts projectTexts();
-inline std::string shownText(const std::string& utf8) {
-    return projectTexts().shown(utf8);
-}
+std::string shownText(const std::string& utf8);
 
 }  // namespace zoka

@@ -2,12 +2,19 @@
 
 #include <algorithm>
 
+#include "util/Fold.h"
+
 namespace zoka {
 
 namespace {
 
 std::string lowerCase(std::string text) {
-    CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
+    // Most texts are ASCII, for which the system need not be asked.
+    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        std::ranges::transform(text, text.begin(), [](char c) { return foldCase(c); });
+    } else {
+        CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
+    }
     return text;
 }
 

@@ -1,0 +1,243 @@
+// The Project Manager of a J8 project: what opening it on a large one costs, against the bare windows in sight, a key in
+// the searches over 20,000 rows, and an entity with 20,000 properties. The window is the DLL's own, opened through the
+// plug-in's procedure. bench_project_window DLL; prints each figure, what it is measured against, the ratio and the ratio
+// wanted.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "bench/ProjectData.h"
+#include "bench/win/BareWindows.h"
+#include "bench/win/Measure.h"
+#include "tests/support/TempFolder.h"
+#include "tools/editor/win/Editor.h"
+
+namespace zoka::bench {
+namespace {
+
+constexpr int kRounds = 7;
+constexpr int kRows = 20000;
+constexpr double kKeyWanted = 60;  // ms
+constexpr UINT kOpened = WM_APP + 1;
+// The window's pages and controls.
+constexpr int kComponentsPage = 2, kLevelsPage = 3;
+constexpr int kComponentsSearch = 2301, kComponentsList = 2302, kFind = 2602, kEntities = 2603,
+              kPropertySearch = 2631;
+
+struct Wanted {
+    const char* className;
+    int id;  // 0: any
+    HWND found;
+};
+BOOL CALLBACK isWanted(HWND child, LPARAM parameter) {
+    Wanted& wanted = *reinterpret_cast<Wanted*>(parameter);
+    char name[64] = {};
+    GetClassNameA(child, name, sizeof name);
+    const bool fits =
+        wanted.id != 0 ? GetDlgCtrlID(child) == wanted.id : lstrcmpiA(name, wanted.className) == 0;
+    if (fits && IsWindowVisible(child)) {
+        wanted.found = child;
+    }
+    return wanted.found == nullptr;
+}
+HWND control(HWND window, int id, const char* className = "") {
+    Wanted wanted{className, id, nullptr};
+    EnumChildWindows(window, isWanted, reinterpret_cast<LPARAM>(&wanted));
+    if (!wanted.found) {
+        stop("the window has no control " + std::to_string(id) + className);
+    }
+    return wanted.found;
+}
+
+// Opens the window through the procedure, hands it to `use` once it is painted, and closes it. Gives what opening took.
+class WindowRun {
+public:
+    WindowRun(Editor& editor, std::function<void(HWND)> use) : m_use(std::move(use)) {
+        s_current = this;
+        WNDCLASSA definition{};
+        definition.lpszClassName = "ZokaBenchOpened";
+        definition.lpfnWndProc = helperProc;
+        RegisterClassA(&definition);
+        m_helper = CreateWindowExA(0, definition.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                   nullptr, nullptr);
+        const HHOOK hook = SetWindowsHookExA(WH_CBT, hookProc, nullptr, GetCurrentThreadId());
+        ProcedureState* const procedure = editor.procedure("Add Script");
+        if (!m_helper || !hook || !procedure) {
+            stop("the window can't be asked for");
+        }
+        QueryPerformanceCounter(&m_start);
+        editor.execute(*procedure);
+        UnhookWindowsHookEx(hook);
+        DestroyWindow(m_helper);
+        if (!m_done) {
+            stop("the window did not open");
+        }
+    }
+    double opening() const { return m_opening; }
+
+private:
+    // The window is about to be shown: once it takes messages, it is there.
+    static LRESULT CALLBACK hookProc(int code, WPARAM wParam, LPARAM lParam) {
+        if (code == HCBT_ACTIVATE) {
+            char title[64] = {};
+            GetWindowTextA(reinterpret_cast<HWND>(wParam), title, sizeof title);
+            if (std::string_view(title).starts_with("Project Manager - ")) {
+                PostMessageA(s_current->m_helper, kOpened, wParam, 0);
+            }
+        }
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+    static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != kOpened) {
+            return DefWindowProcA(window, message, wParam, lParam);
+        }
+        if (!s_current->m_done) {
+            s_current->opened(reinterpret_cast<HWND>(wParam));
+        }
+        return 0;
+    }
+    void opened(HWND window) {
+        m_done = true;
+        paint(window);
+        LARGE_INTEGER frequency, end;
+        QueryPerformanceFrequency(&frequency);
+        QueryPerformanceCounter(&end);
+        m_opening = static_cast<double>(end.QuadPart - m_start.QuadPart) * 1000.0 /
+                    static_cast<double>(frequency.QuadPart);
+        m_use(window);
+        PostMessageA(window, WM_CLOSE, 0, 0);
+    }
+
+    static WindowRun* s_current;
+    std::function<void(HWND)> m_use;
+    HWND m_helper = nullptr;
+    LARGE_INTEGER m_start{};
+    double m_opening = 0;
+    bool m_done = false;
+};
+WindowRun* WindowRun::s_current = nullptr;
+
+void best(double& figure, double now) {
+    figure = std::min(figure, now);
+}
+
+void goToPage(HWND window, int page) {
+    SendMessageA(control(window, 0, WC_TABCONTROLA), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
+    paint(window);
+}
+
+// The dearest of the keys of a word, the first one, for which texts are made, apart.
+void type(HWND window, HWND field, const char* word, double& first, double& others) {
+    double dearest = 0;
+    for (const char* key = word; *key; ++key) {
+        const double took = millisecondsOf([&] {
+            SendMessageA(field, WM_CHAR, static_cast<WPARAM>(*key), 1);
+            settle(window);
+        });
+        key == word ? best(first, took) : void(dearest = std::max(dearest, took));
+    }
+    best(others, dearest);
+}
+
+bool keys(const std::string& what, double first, double others) {
+    const bool met = row("first key, " + what, first, "what is wanted", kKeyWanted, 1.0);
+    return row("other keys, " + what, others, "what is wanted", kKeyWanted, 1.0) && met;
+}
+
+void openProject(Editor& editor, const test::TempFolder& folder) {
+    folder.write("main.zlm", "level 1\r\n");
+    folder.write("main.kez", "// main\r\n\r\n");
+    std::string error;
+    if (!editor.openProject(folder.path(), error)) {
+        stop(error);
+    }
+}
+
+int run(const std::string& dll) {
+    const test::TempFolder large, many, wide;
+    writeProject(large, "main", 50, 200, 1000, 10000);
+    writeProject(many, "main", 1, kRows, kRows / 10, kRows);
+    writeProject(wide, "main", 1, 2, 1, 1, kRows);
+    CallLog log(GetCurrentThreadId());
+    Editor editor(log);
+    std::string error;
+    openProject(editor, large);
+    if (!editor.loadPlugin(dll, error)) {
+        stop(error);
+    }
+
+    double opening = 1e9, bare = 1e9;
+    std::unique_ptr<BareWindows> seen;
+    for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
+        tellRound(round, kRounds);
+        const WindowRun opened(editor, [&](HWND window) {
+            if (!seen) {
+                seen = std::make_unique<BareWindows>(window);
+            }
+        });
+        best(opening, opened.opening());
+        best(bare, millisecondsOf([&] { seen->open(); }));
+    }
+    bool met = row("open on 10,000 entities, 10,000 components", opening,
+                   "bare, " + std::to_string(seen->count()) + " windows", bare, 1.5);
+    seen.reset();
+
+    openProject(editor, many);
+    double componentsFirst = 1e9, components = 1e9, entitiesFirst = 1e9, entities = 1e9;
+    for (int round = 0; round < kRounds; ++round) {
+        const WindowRun opened(editor, [&](HWND window) {
+            goToPage(window, kLevelsPage);
+            if (SendMessageA(control(window, kEntities), LVM_GETITEMCOUNT, 0, 0) != kRows + 1) {
+                stop("the level has other entities");
+            }
+            type(window, control(window, kFind), "entity77", entitiesFirst, entities);
+            SetWindowTextA(control(window, kFind), "");
+            goToPage(window, kComponentsPage);
+            if (SendMessageA(control(window, kComponentsList), LVM_GETITEMCOUNT, 0, 0) != kRows) {
+                stop("the project has other components");
+            }
+            type(window, control(window, kComponentsSearch), "component77", componentsFirst, components);
+            SetWindowTextA(control(window, kComponentsSearch), "");
+        });
+    }
+    met = keys("20,000 entities", entitiesFirst, entities) && met;
+    met = keys("20,000 components", componentsFirst, components) && met;
+
+    openProject(editor, wide);
+    double shown = 1e9, propertiesFirst = 1e9, properties = 1e9;
+    for (int round = 0; round < kRounds; ++round) {
+        const WindowRun opened(editor, [&](HWND window) {
+            goToPage(window, kComponentsPage);
+            goToPage(window, kLevelsPage);
+            const HWND list = control(window, kEntities);
+            best(shown, millisecondsOf([&] {
+                     SetFocus(list);
+                     SendMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
+                     settle(window);
+                 }));
+            type(window, control(window, kPropertySearch), "property77", propertiesFirst, properties);
+            SetWindowTextA(control(window, kPropertySearch), "");
+        });
+    }
+    std::printf("an entity with 20,000 properties is shown in %.2f ms\n", shown);
+    met = keys("20,000 properties", propertiesFirst, properties) && met;
+    editor.unloadPlugin();
+    return met ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace zoka::bench
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "bench_project_window DLL\n");
+        return 2;
+    }
+    return zoka::bench::run(argv[1]);
+}
