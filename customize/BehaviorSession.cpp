@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* kRefused = "The editor has refused the value.";
 constexpr const char* kElsewhere = "The editor has gone on to other entities; the value was not written.";
+constexpr const char* kNoValue = "No value suits the actions of all these entities.";
 
 // For a row whose texts are in that set.
 std::string unreadable(const std::string& entity, TextSet set) {
@@ -235,9 +236,14 @@ void BehaviorSession::addRow(const CustomEntry& entry) {
     if (entry.kind == kTitle) {  // the window's caption
         return;
     }
-    Source source{entry.kind, skillNumber(entry) + flagNumber(entry), entry.line, {}};
+    Source source{entry.kind, skillNumber(entry) + flagNumber(entry), entry.line};
     EntryFacts facts = behaviorFacts(entry, m_actions.panels().front().set);
-    std::string blocked;
+    if (m_actions.panels().size() > 1 && facts.limited && facts.minimum > facts.maximum) {
+        source.closed = kNoValue;
+        facts.limited = false;
+        facts.field = EntryField::FloatField;
+    }
+    std::string blocked = source.closed;
     if (source.number > 0) {
         for (const std::string& entity : m_entities) {
             const auto value = read(source, entity);
@@ -436,8 +442,8 @@ bool BehaviorSession::reread(size_t i) {
         }
         values.push_back(*value);
     }
-    const bool isNews = !areSame(values, source.values) || !m_models[i].blocked().empty();
-    m_models[i].setBlocked({});
+    const bool isNews = !areSame(values, source.values) || m_models[i].blocked() != source.closed;
+    m_models[i].setBlocked(source.closed);
     // A text that is being typed is not written anew while its number stays.
     if (!areSame(values, source.values)) {
         source.values = std::move(values);

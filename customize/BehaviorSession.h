@@ -97,6 +97,7 @@ private:
         std::vector<float> values = {};  // one an entity, as last read or written; a flag's are 0 and 1
         std::vector<float> loaded = {};  // those when the rows were made
         std::optional<size_t> component = {};
+        std::string closed = {};  // why it takes no value at all
     };
 
     bool store(size_t i, const std::string& value, std::string& why) override;

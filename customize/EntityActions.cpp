@@ -16,20 +16,46 @@ std::optional<FileTime> timeOf(const std::string& script) {
     return !script.empty() && osFiles().readTime(script, &time) ? std::optional(time) : std::nullopt;
 }
 
-// The narrower limits of two: a value must suit both.
+std::vector<std::string> choicesOf(const CustomEntry& row) {
+    return behaviorFacts(row, TextSet::System).options;
+}
+
+// Whether the control of the row's action offers the number.
+bool takes(const CustomEntry& row, float number) {
+    const std::vector<std::string> choices = choicesOf(row);
+    const double value = static_cast<double>(number);
+    return !choices.empty() ? std::any_of(choices.begin(), choices.end(),
+                                          [&](const std::string& one) { return skillOfText(one) == number; })
+                            : !row.isLimited() || (value >= row.minimum && value <= row.maximum);
+}
+
+// A value must suit both: the narrower limits, the choices that both take. Where there is none, the minimum is above the
+// maximum.
 void narrow(CustomEntry& row, const CustomEntry& other) {
-    if (!other.isLimited()) {
+    const std::vector<std::string> choices = choicesOf(row), others = choicesOf(other);
+    if (choices.empty() && others.empty()) {
+        if (row.isLimited() && other.isLimited()) {
+            row.minimum = std::max(row.minimum, other.minimum);
+            row.maximum = std::min(row.maximum, other.maximum);
+        } else if (other.isLimited()) {
+            row.controlKind = other.controlKind;
+            row.minimum = other.minimum;
+            row.maximum = other.maximum;
+            row.step = other.step;
+        }
         return;
     }
-    if (!row.isLimited()) {
-        row.controlKind = other.controlKind;
-        row.minimum = other.minimum;
-        row.maximum = other.maximum;
-        row.step = other.step;
-        return;
+    std::vector<std::string> both;
+    for (const std::string& choice : choices.empty() ? others : choices) {
+        const auto number = skillOfText(choice);
+        if (number && takes(row, *number) && takes(other, *number)) {
+            both.push_back(choice);
+        }
     }
-    row.minimum = std::max(row.minimum, other.minimum);
-    row.maximum = std::min(row.maximum, other.maximum);
+    row.controlKind = both.empty() ? kSpin : kDropList;
+    row.minimum = 1;
+    row.maximum = 0;
+    row.options = std::move(both);
 }
 
 std::string captionOf(const BehaviorPanel& panel) {

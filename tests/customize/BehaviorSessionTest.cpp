@@ -224,6 +224,43 @@ TEST_F(BehaviorSessionTest, tellsOfValuesOutsideTheirLimits) {
     EXPECT_EQ(m_session.findingsText(), "b: Speed is 12; allowed: 0 to 10\r\n");
 }
 
+TEST_F(BehaviorSessionTest, offersWhatTheActionsOfAllEntitiesTake) {
+    const struct {
+        const char *one, *other;  // controls of skill1
+        std::vector<const char*> taken, refused;
+        std::vector<std::string> options;
+    } rows[] = {
+        {"", "slider 0 5 1", {"0", "5"}, {"-1", "6"}, {}},
+        {"spin 0 5 1", "slider 2 x 1", {"2", "5"}, {"1", "6"}, {}},
+        {"spin 0 5 1", "spin 6 9 1", {}, {"3", "7"}, {}},
+        {"drop 1 2 3", "drop 4 3.0 2", {"2", "3"}, {}, {"2", "3"}},
+        {"drop 1 2 3", "drop 4 5", {}, {"1", "4"}, {}},
+        {"drop_list 1 2 3", "spin 2 9 1", {"2"}, {}, {"2", "3"}},
+        {"slider 1 9 1", "drop_pair", {"1"}, {}, {"1"}},
+        {"drop a b", "", {}, {"1"}, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.one) + " | " + row.other);
+        for (const auto& [name, control] : {std::pair("a", row.one), {"b", row.other}}) {
+            const std::string text = "// skill1: V 1\n// cntl: " + std::string(control) + "\n";
+            const std::string path = m_folder.write(std::string(name) + "1.kez", text);
+            m_entities.entities[name].action = ActionPlace{path, 0, static_cast<std::int32_t>(text.size())};
+        }
+        select({"a", "b"});
+        m_session.open();
+        ASSERT_EQ(m_session.size(), 1U);
+        EXPECT_EQ(m_session.row(0).facts().options, row.options);
+        for (const char* value : row.taken) {
+            EXPECT_TRUE(m_session.setValue(0, value)) << value;
+        }
+        for (const char* value : row.refused) {
+            EXPECT_FALSE(m_session.setValue(0, value)) << value;
+        }
+        m_session.refresh(true);
+        EXPECT_EQ(m_session.row(0).blocked().empty(), !row.taken.empty());
+    }
+}
+
 // Of two scripts, one in UTF-8 and one in the system's set.
 TEST_F(BehaviorSessionTest, readsEachScriptInItsOwnCharacterSet) {
     const auto give = [this](const char* entity, const std::string& file, const std::string& text) {
