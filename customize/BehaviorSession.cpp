@@ -4,11 +4,6 @@
 #include <charconv>
 #include <cmath>
 
-#include "controls/EntryRules.h"
-#include "util/OsFiles.h"
-#include "util/PathRules.h"
-#include "util/UserPrompt.h"
-
 namespace zoka {
 namespace {
 
@@ -59,21 +54,6 @@ void BehaviorSession::open() {
 void BehaviorSession::setFollowing(bool follows) {
     m_follows = follows;
     refresh(true);
-}
-
-// True when the rows of components are others now.
-bool BehaviorSession::lookAtProject() {
-    if (!m_components || !m_openProject) {
-        return false;
-    }
-    std::string open = m_openProject();
-    const bool isOther = !equalNoCase(open, m_components->file()), before = m_isOtherProject;
-    m_isOtherProject = isOther && hasUnsaved();
-    if (isOther && !m_isOtherProject) {
-        m_components->moveTo(std::move(open));
-        return true;
-    }
-    return m_isOtherProject != before;
 }
 
 // Those to be shown: the selection, if it's followed, without what is gone.
@@ -161,75 +141,6 @@ void BehaviorSession::blockComponents() {
             m_models[i].setBlocked(m_gone + " is gone from the level.");
         }
     }
-}
-
-ProjectSave BehaviorSession::save() {
-    if (!m_components) {
-        return ProjectSave::NothingToSave;
-    }
-    leaveField();
-    if (lookAtProject()) {
-        show(m_entities);
-    }
-    if (m_isOtherProject) {
-        return saveElsewhere();
-    }
-    const auto names = [this] {
-        std::vector<std::string> all;
-        for (size_t row = 0; row < m_components->size(); ++row) {
-            all.push_back(m_components->nameOf(row));
-        }
-        return all;
-    };
-    const std::vector<std::string> before = names();
-    const size_t edits = m_components->editsDone();
-    const ProjectSave saved = m_components->save();
-    // The project was loaded anew; where another program had changed it, its rows may be others.
-    m_components->show(namedEntities());
-    const bool isSame = names() == before && m_components->editsDone() == edits;
-    const auto first = std::find_if(m_sources.begin(), m_sources.end(),
-                                    [](const Source& source) { return source.component.has_value(); });
-    const auto own = first - m_sources.begin();
-    m_sources.erase(first, m_sources.end());
-    m_models.erase(m_models.begin() + own, m_models.end());
-    addComponents();
-    showRows(m_models, isSame);
-    return saved;
-}
-
-PromptAnswer BehaviorSession::askElsewhere() const {
-    return userPrompt().ask(
-        "The editor has opened another project since these values were loaded.\n\n"
-        "Yes: save the changes in the project that they belong to, '" +
-            m_components->file() + "'.\nNo: give the changes up.\nCancel: leave all as it is.",
-        "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
-}
-
-// Into the project of the edits, or nowhere; then the panel goes on to the one that is open.
-ProjectSave BehaviorSession::saveElsewhere() {
-    const PromptAnswer answer = askElsewhere();
-    ProjectSave saved = ProjectSave::Cancelled;
-    if (answer == PromptAnswer::Yes) {
-        saved = m_components->save();
-    } else if (answer == PromptAnswer::No) {
-        m_components->moveTo(m_openProject());
-        saved = ProjectSave::NothingToSave;
-    }
-    if (!hasUnsaved()) {
-        lookAtProject();
-        show(m_entities);
-    }
-    return saved;
-}
-
-// Without a call to the editor, which may be waiting for the panel to go.
-bool BehaviorSession::close() {
-    if (!m_isOtherProject) {
-        return !m_components || m_components->close();
-    }
-    const PromptAnswer answer = askElsewhere();
-    return answer == PromptAnswer::Yes ? m_components->save() != ProjectSave::Cancelled && !hasUnsaved()
-                                       : answer == PromptAnswer::No;
 }
 
 void BehaviorSession::addRow(const CustomEntry& entry) {
