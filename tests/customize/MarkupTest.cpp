@@ -5,6 +5,7 @@
 
 #include "customize/CustomMarkup.h"
 #include "customize/CustomScript.h"
+#include "tests/support/TempFolder.h"
 
 using namespace zoka;
 using testing::ElementsAre;
@@ -211,6 +212,20 @@ TEST(Markup, CompletesTheLastLineInMemoryOnly) {
         EXPECT_TRUE(script.text.ends_with("\r\n"));
         EXPECT_EQ(script.fileText(), text);
     }
+}
+
+// A script of millions of entries is refused before an editor of 32 bits has no memory left.
+TEST(Markup, AScriptWithTooManyEntriesIsRefused) {
+    std::string text;
+    for (int i = 0; i < 1'200'000; ++i) {
+        text += "// entry: A\nv=1;\n";
+    }
+    const test::TempFolder folder;
+    CustomScript script;
+    std::string why;
+    EXPECT_FALSE(LoadCustomScript(folder.write("a.kez", text), script, &why));
+    EXPECT_TRUE(why.starts_with("it is too large to be customized: more than ")) << why;
+    EXPECT_TRUE(script.entries.empty());
 }
 
 TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {

@@ -203,7 +203,10 @@ TEST_F(Initialised, BehaviorPanelNeedsAProjectThatDefinesIt) {
     for (const auto& row : rows) {
         const std::string script = folder.path(row.projectFile ? "with.kez" : "without.kez");
         folder.write("with.xml", "<Project/>");
-        seams.prepareEditor = [&](FakeEditor& editor) { editor.mainScript = script; };
+        seams.prepareEditor = [&](FakeEditor& editor) {
+            EXPECT_EQ(busy, 1);  // before the editor is asked anything
+            editor.mainScript = script;
+        };
         seams.definesBehavior = row.defined;
         HostContext context{0, "Door17", nullptr};
         run(kBehavior, &busy, row.context ? &context : nullptr);

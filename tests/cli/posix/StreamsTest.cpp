@@ -45,6 +45,11 @@ TEST(Streams, ControlCharactersAreShown) {
     EXPECT_THAT(list, HasSubstr("\\x1b[31m"));
     EXPECT_EQ(list.find('\x1b'), list.npos);
     EXPECT_THAT(folder.run("customize list --json a.kez").out, HasSubstr("\\u001b[31m"));
+    folder.write("c.zlm", std::string("level 1\nentity a\0\xfc"
+                                      "b\nend\n",
+                                      24));
+    EXPECT_THAT(folder.run("level list c.zlm --json").out, HasSubstr("\"a\\u0000\xc3\xbc"
+                                                                     "b\""));
     EXPECT_THAT(folder.run("xml check b\x1b.xml").out, HasSubstr("b\\x1b.xml:1:"));
     EXPECT_THAT(folder.run("customize list none\x1b.kez").err, HasSubstr("none\\x1b.kez"));
 }

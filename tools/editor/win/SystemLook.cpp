@@ -8,6 +8,7 @@ namespace {
 
 constexpr const char* kDesktop = "Control Panel\\Desktop";
 constexpr const char* kMetrics = "Control Panel\\Desktop\\WindowMetrics";
+constexpr const char* kCountry = "Control Panel\\International";
 constexpr LONG kNinePoints = -12;  // the system scales it with the resolution
 
 void put(const char* key, const char* name, DWORD type, const void* bytes, DWORD size) {
@@ -26,7 +27,7 @@ void put(const char* key, const char* name, DWORD type, const void* bytes, DWORD
 
 }  // namespace
 
-SystemLook::SystemLook(int dpi, const std::string& font) {
+SystemLook::SystemLook(int dpi, const std::string& font, const std::string& decimal) {
     const HMODULE system = GetModuleHandleA("ntdll.dll");
     if (!system || !GetProcAddress(system, "wine_get_version")) {
         return;
@@ -34,6 +35,9 @@ SystemLook::SystemLook(int dpi, const std::string& font) {
     if (dpi > 0) {
         const auto value = static_cast<DWORD>(dpi);
         change(kDesktop, "LogPixels", REG_DWORD, &value, sizeof value);
+    }
+    if (!decimal.empty()) {
+        change(kCountry, "sDecimal", REG_SZ, decimal.c_str(), static_cast<unsigned long>(decimal.size() + 1));
     }
     if (!font.empty()) {
         LOGFONTW face{};

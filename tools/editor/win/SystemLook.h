@@ -1,4 +1,5 @@
-// The resolution and the font that a driven editor finds on the system, to see a plug-in's windows at other sizes.
+// The resolution, the font and the decimal sign that a driven editor finds on the system, to see a plug-in's windows at
+// other sizes and in other countries.
 #pragma once
 
 #include <string>
@@ -6,12 +7,14 @@
 
 namespace zoka {
 
-// While one lives, processes that are started find the screen's resolution and the font of messages changed. Under
+// While one lives, processes that are started find the screen's resolution, the font of messages and the
+// decimal sign changed. Under
 // Wine alone, where each process asks for them at its start; elsewhere nothing is changed. [editor thread]
 class SystemLook {
 public:
     // `dpi`: dots per inch, 0 leaves it. `font`: a face, 9 points high; empty leaves it.
-    SystemLook(int dpi, const std::string& font);
+    // `decimal`: what stands for the point of numbers; empty leaves it.
+    SystemLook(int dpi, const std::string& font, const std::string& decimal);
     ~SystemLook();
     SystemLook(const SystemLook&) = delete;
     SystemLook& operator=(const SystemLook&) = delete;

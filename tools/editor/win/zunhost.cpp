@@ -33,6 +33,7 @@ struct Options {
     int dpi = 0;
     bool dpiAware = false;
     std::string font;
+    std::string decimal;
     bool hidden = false;
 };
 
@@ -190,6 +191,8 @@ int main(int argc, char** argv) {
     app.add_option("--dpi", options.dpi, "Dots an inch of the screen that a driven editor finds (under Wine)")
         ->check(CLI::Range(96, 480));
     app.add_option("--font", options.font, "Face of the system's message font that it finds (under Wine)");
+    app.add_option("--decimal", options.decimal,
+                   "Decimal sign that it finds in the system's settings (under Wine)");
     app.add_flag("--dpi-aware", options.dpiAware,
                  "Tell the system that the editor knows each screen's resolution");
     app.add_flag("--hidden", options.hidden, "Do not show the editor's own window");
@@ -200,7 +203,7 @@ int main(int argc, char** argv) {
         return app.exit(fault) == 0 ? 0 : kUsage;
     }
     if (!options.script.empty() && !zoka::isChildEditor()) {
-        const zoka::SystemLook look(options.dpi, options.font);
+        const zoka::SystemLook look(options.dpi, options.font, options.decimal);
         // Its own watch names the line that it hangs at; this one is for a process that does not end.
         int status = 0;
         if (!zoka::runInChild(options.limit ? options.limit + kMoreSeconds : 0, status)) {
