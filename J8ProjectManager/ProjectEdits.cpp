@@ -297,15 +297,21 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
     const std::vector<Step> steps = std::exchange(m_steps, {});
     clear();
     std::vector<const ProjectChange*> unplaced;
+    // Makes the change; adds it to `step` as it was made.
+    const auto madeAnew = [&](const ProjectChange& change, Step& step) {
+        auto placed = placedAnew(project, change);
+        if (!placed || !apply(project, {std::move(*placed)})) {
+            return false;
+        }
+        step.push_back(std::move(m_steps.back()[0]));
+        m_steps.clear();
+        m_done = 0;
+        return true;
+    };
     Step all;
     for (size_t i = 0; i < done; ++i) {
         for (const ProjectChange& change : steps[i]) {
-            auto placed = placedAnew(project, change);
-            if (placed && apply(project, {std::move(*placed)})) {
-                all.push_back(std::move(m_steps.back()[0]));
-                m_steps.clear();
-                m_done = 0;
-            } else {
+            if (!madeAnew(change, all)) {
                 // Of several values of one field the last one is the user's.
                 std::erase_if(unplaced, [&](const ProjectChange* earlier) {
                     return earlier->kind == Kind::Value && change.kind == Kind::Value &&
@@ -315,11 +321,27 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
             }
         }
     }
-    m_saved = 0;
+    // What was taken back is made too, and taken back again; from the first step on that can't be made there is no redo.
+    std::vector<Step> redone;
+    bool isWhole = true;
+    for (size_t i = done; i < steps.size() && isWhole; ++i) {
+        Step& step = redone.emplace_back();
+        isWhole =
+            std::ranges::all_of(steps[i], [&](const ProjectChange& each) { return madeAnew(each, step); });
+    }
     if (!all.empty()) {
         m_steps.push_back(std::move(all));
-        m_done = 1;
     }
+    const size_t kept = m_steps.size();
+    std::ranges::move(redone, std::back_inserter(m_steps));
+    m_done = m_steps.size();
+    while (m_done > kept) {
+        undo(project);
+    }
+    if (!isWhole) {
+        m_steps.pop_back();
+    }
+    m_saved = 0;
     std::vector<std::string> lines;
     for (const ProjectChange* const change : unplaced) {
         lines.push_back(lineOf(*change));

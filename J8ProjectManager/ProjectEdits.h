@@ -59,8 +59,9 @@ public:
     void markSaved() { m_saved = static_cast<std::ptrdiff_t>(m_done); }
     void clear();
 
-    // Does again, in a project that was loaded anew, what is done; it becomes one step. Gives a line for each change
-    // that found no place there: its address, and the value.
+    // Does again, in a project that was loaded anew, what is done; it becomes one step. What was taken back
+    // can be done again as far as it finds its places. Gives a line for each change that is done and found no place
+    // there: its address, and the value.
     std::vector<std::string> carryTo(CJ8ProjectManager& project);
 
 private:

@@ -351,6 +351,10 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
         folder.write("game.xml", text.insert(text.find("<Level"), "<Level name='theirs'/>"));
     };
     ASSERT_TRUE(set("level/harbour/doc", "mine"));
+    ASSERT_TRUE(set("name", "Redone"));
+    ASSERT_TRUE(set("level/harbour/mapfile", "redone.zlb"));
+    ASSERT_TRUE(session.undo());
+    ASSERT_TRUE(session.undo());
     touch();
     const std::string theirs = folder.read("game.xml");
     prompt.answers = {PromptAnswer::Cancel, PromptAnswer::Yes};
@@ -359,6 +363,16 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     EXPECT_EQ(session.save(), ProjectSave::Saved);
     EXPECT_EQ(get("level/harbour/doc"), "mine");
     EXPECT_EQ(manager.m_apLevels[0].m_name, "theirs");
+    EXPECT_EQ(get("name"), "Game");
+    EXPECT_TRUE(session.redo());
+    EXPECT_EQ(get("name"), "Redone");
+    EXPECT_TRUE(session.redo());
+    EXPECT_EQ(get("level/harbour/mapfile"), "redone.zlb");
+    EXPECT_FALSE(session.canRedo());
+    EXPECT_TRUE(session.undo());
+    EXPECT_TRUE(session.undo());
+    EXPECT_EQ(get("name"), "Game");
+    EXPECT_FALSE(session.hasChanges());
     EXPECT_TRUE(session.undo());
     EXPECT_EQ(get("level/harbour/doc"), "by the sea");
 
