@@ -15,6 +15,9 @@ StepReport StepReport::start(const char* root, const char* action) {
 }
 
 StepReport StepReport::add(const char* key, const std::string& text, int sourceLine) const {
+    if (m_node.isEmpty()) {
+        return {};
+    }
     XMLNode parent = m_node;
     XMLNode step = parent.addChild(key);
     step.addAttribute("line", std::to_string(sourceLine).c_str());

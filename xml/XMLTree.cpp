@@ -26,12 +26,12 @@ constexpr std::uint32_t kFirstRun = 2;
 
 constexpr char32_t kReplacement = 0xfffd;
 
-// Whether every character is one that any text may hold.
-bool isPlainAscii(const char* text) {
+// The text's end when every character is one that any text may hold; else null.
+const char* plainAsciiEnd(const char* text) {
     while (*text == '\r' || !hasClass(*text, kCharControl | kCharHigh)) {
         ++text;
     }
-    return *text == 0;
+    return *text == 0 ? text : nullptr;
 }
 
 }  // namespace
@@ -129,8 +129,9 @@ const char* XMLDocument::ownName(const char* name, std::uint64_t key) {
 }
 
 const char* XMLDocument::copyValue(const char* text) {
-    if (isPlainAscii(text)) {
-        return copyString(text);
+    if (const char* const end = plainAsciiEnd(text)) {
+        const auto size = static_cast<size_t>(end - text) + 1;
+        return static_cast<const char*>(std::memcpy(allocate(size), text, size));
     }
     std::string bytes(text);
     if (charset == XMLCharset::Utf8) {
