@@ -77,9 +77,8 @@ size_t within(size_t place, size_t size) {
 // The change as it must be made in the project as it is now; nothing when it has no place there.
 std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const ProjectChange& change) {
     ProjectChange placed = change;
-    std::string why;
     if (change.kind == Kind::Value) {
-        const auto field = fieldAt(project, change.address, why);
+        const auto field = fieldAt(project, change.address);
         return field ? std::optional(valueChange(project, *field, change.after)) : std::nullopt;
     }
     const std::vector<CJ8LevelData>& levels = project.m_apLevels;
@@ -105,7 +104,7 @@ std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const 
         placed.field.entity = within(change.field.entity, entities.size());
         return placed;
     }
-    const auto entity = fieldAt(project, change.address + "/name", why);
+    const auto entity = fieldAt(project, change.address + "/name");
     if (!entity) {
         return std::nullopt;
     }

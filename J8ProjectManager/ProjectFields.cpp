@@ -356,13 +356,12 @@ std::optional<size_t> levelAt(const CJ8ProjectManager& project, std::string_view
     return named ? findCounted(project.m_apLevels, parts[1], nameOfLevel) : std::nullopt;
 }
 
-std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::string_view address,
-                                    std::string& why) {
+Result<ProjectField> fieldAt(const CJ8ProjectManager& project, std::string_view address) {
     const std::vector<std::string_view> parts = partsOf(address);
     ProjectField field;
     const auto as = [&field](Kind kind) {
         field.kind = kind;
-        return std::optional(field);
+        return Result(field);
     };
     if (address == "name") {
         return as(Kind::Name);
@@ -380,17 +379,15 @@ std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::strin
                 return as(Kind::Section);
             }
         }
-        why = "there is no section \"" + std::string(parts[1]) + "\"";
-        return std::nullopt;
+        return Refusal{"there is no section \"" + std::string(parts[1]) + "\""};
     }
-    why = "\"" + std::string(address) + "\" is no address of a value";
+    const Refusal noAddress{"\"" + std::string(address) + "\" is no address of a value"};
     if (parts[0] != "level" || parts.size() < 3) {
-        return std::nullopt;
+        return noAddress;
     }
     const auto level = levelAt(project, address);
     if (!level) {
-        why = "there is no level \"" + std::string(parts[1]) + "\"";
-        return std::nullopt;
+        return Refusal{"there is no level \"" + std::string(parts[1]) + "\""};
     }
     field.level = *level;
     if (parts.size() == 3 && parts[2] == "name") {
@@ -403,15 +400,15 @@ std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::strin
         return as(Kind::LevelDoc);
     }
     if (parts[2] != "entity" || parts.size() < 5) {
-        return std::nullopt;
+        return noAddress;
     }
     const auto entity = findCounted(project.m_apLevels[*level].m_entities, parts[3], nameOfEntity);
     if (!entity) {
-        why = "there is no entity \"" + std::string(parts[3]) + "\" in that level";
-        return std::nullopt;
+        return Refusal{"there is no entity \"" + std::string(parts[3]) + "\" in that level"};
     }
     field.entity = *entity;
-    return entityField(parts, field);
+    const auto found = entityField(parts, field);
+    return found ? Result(*found) : noAddress;
 }
 
 namespace {

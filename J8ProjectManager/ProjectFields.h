@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "J8ProjectManager/J8ProjectManager.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -49,10 +50,8 @@ std::string addressOf(const CJ8ProjectManager& project, const ProjectField& fiel
 std::string addressOfLevel(const CJ8ProjectManager& project, size_t level);
 std::string addressOfEntity(const CJ8ProjectManager& project, size_t level, size_t entity);
 
-// What an address names; nothing, and the reason in `why`, for one that names nothing. Skills and edits that the
-// entity doesn't set are named all the same.
-std::optional<ProjectField> fieldAt(const CJ8ProjectManager& project, std::string_view address,
-                                    std::string& why);
+// What an address names, or why it names nothing. Skills and edits that the entity doesn't set are named all the same.
+Result<ProjectField> fieldAt(const CJ8ProjectManager& project, std::string_view address);
 std::optional<size_t> levelAt(const CJ8ProjectManager& project, std::string_view address);
 
 // All values that the project file holds and that count, in its order, each with its address. Linear in the project.

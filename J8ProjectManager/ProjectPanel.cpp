@@ -226,7 +226,7 @@ std::optional<std::string> ProjectPanel::browse(size_t i) {
     return (inProject ? "proj:" : inData ? "j8:" : "file:") + rest;
 }
 
-bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
+Outcome ProjectPanel::store(size_t i, const std::string& value) {
     ProjectRow& row = m_source[i];
     // What looks like the parent's value is the parent's, however the entity's own was written.
     const bool parents = row.inherited && value == shownForm(row, *row.inherited, m_texts);
@@ -237,17 +237,15 @@ bool ProjectPanel::store(size_t i, const std::string& value, std::string& why) {
     }
     std::string reason = takenRefusal(m_session.model(), row.field, stored);
     if (!reason.empty() && stored != row.current && stored != row.saved) {
-        why = reason;
-        return false;
+        return Refusal{std::move(reason)};
     }
-    if (!m_session.setValue(row.field, given, &reason, m_typing)) {
-        why = m_texts.shown(reason);
-        return false;
+    if (const Outcome set = m_session.setValue(row.field, given, m_typing); !set) {
+        return Refusal{m_texts.shown(set.why())};
     }
     row.current = stored;
     row.isOwn = given.has_value();
     m_otherRows = m_otherRows || row.field.kind == Kind::EntityParent;
-    return true;
+    return {};
 }
 
 void ProjectPanel::stepBegins(bool typing) {
@@ -269,14 +267,14 @@ void ProjectPanel::leaveField() {
     }
 }
 
-std::optional<size_t> ProjectPanel::undo(std::string*) {
+Result<size_t> ProjectPanel::undo() {
     m_undoOrRedo(true);
-    return std::nullopt;
+    return Refusal{};
 }
 
-std::optional<size_t> ProjectPanel::redo(std::string*) {
+Result<size_t> ProjectPanel::redo() {
     m_undoOrRedo(false);
-    return std::nullopt;
+    return Refusal{};
 }
 
 }  // namespace zoka

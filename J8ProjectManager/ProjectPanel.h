@@ -58,11 +58,11 @@ public:
     void leaveField() override;
     bool canUndo() const override { return m_session.canUndo(); }
     bool canRedo() const override { return m_session.canRedo(); }
-    std::optional<size_t> undo(std::string* why = nullptr) override;
-    std::optional<size_t> redo(std::string* why = nullptr) override;
+    Result<size_t> undo() override;
+    Result<size_t> redo() override;
 
 protected:
-    bool store(size_t i, const std::string& value, std::string& why) override;
+    Outcome store(size_t i, const std::string& value) override;
     void stepBegins(bool typing) override;
     void stepEnds() override;
 

@@ -229,11 +229,11 @@ bool ProjectSession::leaveField() {
     return looks;
 }
 
-bool ProjectSession::setValue(const ProjectField& field, const std::optional<std::string>& value,
-                              std::string* why, bool typing) {
+Outcome ProjectSession::setValue(const ProjectField& field, const std::optional<std::string>& value,
+                                 bool typing) {
     const auto before = fieldValue(m_model, field);
     if (before == value) {
-        return true;
+        return {};
     }
     std::string refusal = value ? textRefusal(*value) : removalRefusal(m_model, field);
     if (value && refusal.empty()) {
@@ -243,10 +243,7 @@ bool ProjectSession::setValue(const ProjectField& field, const std::optional<std
         refusal = "This value does not fit here.";
     }
     m_typedPaths = m_typedPaths || (typing && field.kind <= ProjectField::Kind::Section);
-    if (why) {
-        *why = refusal;
-    }
-    return refusal.empty();
+    return Outcome::unless(std::move(refusal));
 }
 
 void ProjectSession::step(ProjectChange change) {

@@ -3,7 +3,7 @@
 //     ProjectSession session(*CJ8ProjectManager::Instance(), userPrompt());
 //     if (!session.open(projectFile)) show(session.problem());
 //     for (const ProjectRow& row : session.entityRows(level, entity)) ...
-//     session.setValue(row.field, row.stored(typed), &why, true);
+//     session.setValue(row.field, row.stored(typed), true);
 //     ... session.close() before the window goes
 //
 // Everything here is used on the thread of the window; model and prompt must outlive the session. After an edit
@@ -78,10 +78,9 @@ public:
 
     // --- Edits. Each is one step of undo.
     // The value in the form in which the file holds it; nothing takes it away, back to what the parent gives.
-    // False with the reason, and everything as it was, when it's refused. With `typing` the edits of one field
-    // become one step, until leaveField; a path's file is looked for then.
-    bool setValue(const ProjectField& field, const std::optional<std::string>& value,
-                  std::string* why = nullptr, bool typing = false);
+    // Everything stays as it was when it's refused. With `typing` the edits of one field become one step, until
+    // leaveField; a path's file is looked for then.
+    Outcome setValue(const ProjectField& field, const std::optional<std::string>& value, bool typing = false);
     // True when files were looked for whose paths had been typed.
     bool leaveField();
     // Values set in between are one step.

@@ -98,8 +98,8 @@ std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDis
         }
     }
     if (!losses.empty() || overwrites) {
-        if (const BackupResult kept = keepBackup(m_path, onDisk.empty() ? m_bytes : onDisk); !kept) {
-            return fail(kept.error + "\nThe project was not saved.");
+        if (const auto kept = keepBackup(m_path, onDisk.empty() ? m_bytes : onDisk); !kept) {
+            return fail(kept.why() + "\nThe project was not saved.");
         }
     }
     return std::nullopt;

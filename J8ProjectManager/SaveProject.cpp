@@ -136,7 +136,7 @@ bool CJ8ProjectManager::SaveProjectXML(const StepReport& report, const std::stri
         file.expected = *expected;
     }
     if (const zoka::SafeWriteResult written = zoka::safeWrite({&file, 1}); !written) {
-        m_problem = written.error;
+        m_problem = written.why();
         m_changedMeanwhile = written.changedMeanwhile;
         return false;
     }

@@ -67,9 +67,9 @@ bool measureEdit(BehaviorSession& panel, const std::string& label, const std::st
     const size_t row = rowNamed(panel, label);
     int round = 0;
     const auto edit = [&] {
-        std::string why;
-        if (!panel.setValue(row, std::to_string(round++ % 2), &why) || panel.row(row).isDifferent()) {
-            stop(label + ": " + why);
+        const Outcome set = panel.setValue(row, std::to_string(round++ % 2));
+        if (!set || panel.row(row).isDifferent()) {
+            stop(label + ": " + set.why());
         }
     };
     const auto undo = [&] {

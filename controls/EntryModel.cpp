@@ -133,17 +133,13 @@ std::string EntryModel::refusalOf(const std::string& value) const {
     return m_blocked ? *m_blocked : entryRefusal(m_facts, value);
 }
 
-bool EntryModel::edit(const std::string& typed, std::string* why) {
+Outcome EntryModel::edit(const std::string& typed) {
     std::string value = asWritten(typed);
-    std::string refusal = refusalOf(value);
-    if (refusal.empty()) {
+    Outcome taken = Outcome::unless(refusalOf(value));
+    if (taken) {
         putBack(std::move(value));
-        return true;
     }
-    if (why) {
-        *why = std::move(refusal);
-    }
-    return false;
+    return taken;
 }
 
 double EntryModel::number() const {

@@ -7,6 +7,7 @@
 
 #include "controls/EntryControl.h"
 #include "controls/EntryFacts.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -43,9 +44,8 @@ public:
     std::string asWritten(const std::string& typed) const;
     // Why the row doesn't take that form of it; empty when it does.
     std::string refusalOf(const std::string& value) const;
-    // Takes what a user typed or chose. False, with the value as it was, when it's refused; `why` (may be
-    // null) then tells the reason and the allowed range.
-    bool edit(const std::string& typed, std::string* why = nullptr);
+    // Takes what a user typed or chose. When it's refused the value stays as it was; the reason tells the allowed range.
+    Outcome edit(const std::string& typed);
 
     bool isOn() const { return m_value != "0"; }  // of a switch
 

@@ -57,46 +57,38 @@ void RowEditing::addChangesToHistory() {
     m_history.add(std::move(step));
 }
 
-bool RowEditing::setValue(size_t i, const std::string& text, std::string* why, bool typing) {
+Outcome RowEditing::setValue(size_t i, const std::string& text, bool typing) {
+    const EntryModel& model = m_rows[i];
+    const std::string value = model.asWritten(text);
+    return take(i, value, model.refusalOf(value), typing);
+}
+
+Outcome RowEditing::putValue(size_t i, const std::string& value) {
+    const EntryModel& model = m_rows[i];
+    std::string refusal = model.blocked();
+    if (refusal.empty() && value != model.loadedValue() && value != model.value()) {
+        refusal = storedRefusal(model.facts(), value);
+    }
+    return take(i, value, std::move(refusal), false);
+}
+
+Outcome RowEditing::take(size_t i, const std::string& value, std::string refusal, bool typing) {
     EntryModel& model = m_rows[i];
-    std::string value = model.asWritten(text), refusal = model.refusalOf(value);
     if (refusal.empty() && !model.isDifferent() && value == model.value()) {
-        return true;
+        return {};
     }
     std::string before = stateOf(i);
     const OneStep one(*this, typing);
-    if (!refusal.empty() || !store(i, value, refusal)) {
-        if (why) {
-            *why = std::move(refusal);
-        }
-        return false;
+    if (!refusal.empty()) {
+        return Refusal{std::move(refusal)};
+    }
+    if (Outcome stored = store(i, value); !stored) {
+        return stored;
     }
     model.putBack(value);
     m_history.add({{i, std::move(before), stateOf(i)}}, typing);
     m_listener->valuesChanged();
-    return true;
-}
-
-bool RowEditing::putValue(size_t i, const std::string& value, std::string* why) {
-    EntryModel& model = m_rows[i];
-    if (!model.isDifferent() && value == model.value()) {
-        return true;
-    }
-    std::string before = stateOf(i), refusal = model.blocked();
-    if (refusal.empty() && value != model.loadedValue()) {
-        refusal = storedRefusal(model.facts(), value);
-    }
-    const OneStep one(*this, false);
-    if (!refusal.empty() || !store(i, value, refusal)) {
-        if (why) {
-            *why = std::move(refusal);
-        }
-        return false;
-    }
-    model.putBack(value);
-    m_history.add({{i, std::move(before), stateOf(i)}});
-    m_listener->valuesChanged();
-    return true;
+    return {};
 }
 
 size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::string>* refusals) {
@@ -107,10 +99,12 @@ size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::
         std::string value = model.asWritten(one.text), refusal = model.refusalOf(value);
         if (refusal.empty() && (model.isDifferent() || value != model.value())) {
             std::string before = stateOf(one.row);
-            if (store(one.row, value, refusal)) {
+            const Outcome stored = store(one.row, value);
+            if (stored) {
                 model.putBack(value);
                 step.push_back({one.row, std::move(before), stateOf(one.row)});
             }
+            refusal = stored.why();
         }
         if (refusals) {
             refusals->push_back(std::move(refusal));
@@ -124,47 +118,46 @@ size_t RowEditing::setValues(std::span<const RowValue> values, std::vector<std::
     return changed;
 }
 
-bool RowEditing::putState(size_t i, const std::string& state, std::string& why) {
-    return putValueAsIs(i, state, why);
+Outcome RowEditing::putState(size_t i, const std::string& state) {
+    return putValueAsIs(i, state);
 }
 
-bool RowEditing::putValueAsIs(size_t i, const std::string& value, std::string& why) {
-    if (!store(i, value, why)) {
-        return false;
+Outcome RowEditing::putValueAsIs(size_t i, const std::string& value) {
+    Outcome stored = store(i, value);
+    if (stored) {
+        m_rows[i].putBack(value);
     }
-    m_rows[i].putBack(value);
-    return true;
+    return stored;
 }
 
-std::optional<size_t> RowEditing::go(bool forward, std::string* why) {
+Result<size_t> RowEditing::go(bool forward) {
     if (forward ? !canRedo() : !canUndo()) {
-        return std::nullopt;
+        return Refusal{};
     }
     const EditHistory::Step& step = forward ? m_history.redo() : m_history.undo();
     bool any = false;
     std::string refusal;
     for (size_t n = 0; n < step.size(); ++n) {
         const EditChange& change = forward ? step[n] : step[step.size() - 1 - n];
-        any = putState(change.entry, forward ? change.after : change.before, refusal) || any;
+        const Outcome put = putState(change.entry, forward ? change.after : change.before);
+        any = put || any;
+        refusal = put ? std::move(refusal) : put.why();
     }
     const size_t shown = step.front().entry;
     if (!any) {  // the step stays where it was
         forward ? m_history.undo() : m_history.redo();
-        if (why) {
-            *why = std::move(refusal);
-        }
-        return std::nullopt;
+        return Refusal{std::move(refusal)};
     }
     m_listener->valuesChanged();
     return shown;
 }
 
-std::optional<size_t> RowEditing::undo(std::string* why) {
-    return go(false, why);
+Result<size_t> RowEditing::undo() {
+    return go(false);
 }
 
-std::optional<size_t> RowEditing::redo(std::string* why) {
-    return go(true, why);
+Result<size_t> RowEditing::redo() {
+    return go(true);
 }
 
 size_t RowEditing::sectionEnd(size_t heading) const {
@@ -196,27 +189,25 @@ bool RowEditing::canReset(size_t first, size_t last, ResetTo to) const {
     return false;
 }
 
-bool RowEditing::putDefault(size_t i, std::string& why) {
+Outcome RowEditing::putDefault(size_t i) {
     const std::string value = *defaultOf(i);
     if (value != row(i).loadedValue()) {
-        why = storedRefusal(row(i).facts(), value);
-        if (!why.empty()) {
-            return false;
+        if (Outcome fits = Outcome::unless(storedRefusal(row(i).facts(), value)); !fits) {
+            return fits;
         }
     }
-    return putValueAsIs(i, value, why);
+    return putValueAsIs(i, value);
 }
 
 size_t RowEditing::reset(size_t first, size_t last, ResetTo to) {
     const OneStep all(*this, false);
     EditHistory::Step step;
-    std::string why;
     for (size_t i = first; i < last; ++i) {
         if (!canResetRow(i, to)) {
             continue;
         }
         std::string before = stateOf(i);
-        if (to == ResetTo::Loaded ? putLoaded(i, why) : putDefault(i, why)) {
+        if (to == ResetTo::Loaded ? putLoaded(i) : putDefault(i)) {
             step.push_back({i, std::move(before), stateOf(i)});
         }
     }

@@ -10,6 +10,7 @@
 #include "controls/EditHistory.h"
 #include "controls/EntryModel.h"
 #include "controls/PanelFilter.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -54,11 +55,11 @@ public:
     size_t changedCount() const;
 
     // --- Edits
-    // What the user typed or chose. False with the reason, and the value as it was, when it's refused. With
-    // `typing` the edits of one field become one step of undo, until leaveField.
-    bool setValue(size_t i, const std::string& text, std::string* why = nullptr, bool typing = false);
+    // What the user typed or chose. When it's refused the value stays as it was. With `typing` the edits of one field
+    // become one step of undo, until leaveField.
+    Outcome setValue(size_t i, const std::string& text, bool typing = false);
     // A value of another version of the file, as it stands: limits and the ways of writing a number don't count.
-    bool putValue(size_t i, const std::string& value, std::string* why = nullptr);
+    Outcome putValue(size_t i, const std::string& value);
     virtual void leaveField() { m_history.endJoining(); }
     // Several values at once, in one step of undo; how many rows have another value now. `refusals` (may be null)
     // gets the reason of each that is refused, and an empty text for the others.
@@ -66,10 +67,10 @@ public:
     // Undo may be someone else's, who holds the values.
     virtual bool canUndo() const { return m_history.canUndo(); }
     virtual bool canRedo() const { return m_history.canRedo(); }
-    // The row to be shown; nothing when there was nothing to undo or do again, or when none of it was taken, with
-    // the reason in `why` (may be null) then.
-    virtual std::optional<size_t> undo(std::string* why = nullptr);
-    virtual std::optional<size_t> redo(std::string* why = nullptr);
+    // The row to be shown; refused when none of the step was taken, and without a reason when there was nothing to
+    // undo or do again.
+    virtual Result<size_t> undo();
+    virtual Result<size_t> redo();
     // Each is one step of undo; how many values changed. Rows without a known default keep their values, and those
     // that don't take the value.
     size_t resetRow(size_t i, ResetTo to) { return reset(i, i + 1, to); }
@@ -121,21 +122,22 @@ protected:
     // Around what is one step of undo, for those whose undo is their own. With `typing` the next one may join it.
     virtual void stepBegins(bool /*typing*/) {}
     virtual void stepEnds() {}
-    // Gives a value that the row takes to whoever holds it; false with the reason when it's refused there.
-    virtual bool store(size_t, const std::string& /*value*/, std::string& /*why*/) { return true; }
+    // Gives a value that the row takes to whoever holds it, who may refuse it.
+    virtual Outcome store(size_t, const std::string& /*value*/) { return {}; }
     // What undo remembers of a row, and how it's given back: the value, unless a row stands for several.
     virtual std::string stateOf(size_t i) const { return row(i).value(); }
-    virtual bool putState(size_t i, const std::string& state, std::string& why);
+    virtual Outcome putState(size_t i, const std::string& state);
     // Gives the row back what it was loaded with.
-    virtual bool putLoaded(size_t i, std::string& why) { return putValueAsIs(i, row(i).loadedValue(), why); }
+    virtual Outcome putLoaded(size_t i) { return putValueAsIs(i, row(i).loadedValue()); }
 
 private:
     class OneStep;
     bool canResetRow(size_t i, ResetTo to) const;
-    bool putDefault(size_t i, std::string& why);
-    bool putValueAsIs(size_t i, const std::string& value, std::string& why);
+    Outcome putDefault(size_t i);
+    Outcome putValueAsIs(size_t i, const std::string& value);
     size_t reset(size_t first, size_t last, ResetTo to);
-    std::optional<size_t> go(bool forward, std::string* why);
+    Outcome take(size_t i, const std::string& value, std::string refusal, bool typing);
+    Result<size_t> go(bool forward);
 
     std::span<EntryModel> m_rows;
     EditHistory m_history;

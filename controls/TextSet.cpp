@@ -54,7 +54,7 @@ TextSet textSetOf(const std::string& bytes) {
     return utf8 ? TextSet::Utf8 : TextSet::System;
 }
 
-std::optional<std::string> convertText(std::string_view text, TextSet from, TextSet to, std::string* why) {
+Result<std::string> convertText(std::string_view text, TextSet from, TextSet to) {
     if (from == to || isAscii(text)) {
         return std::string(text);
     }
@@ -71,11 +71,8 @@ std::optional<std::string> convertText(std::string_view text, TextSet from, Text
             appendUtf16(units, c);
         }
         if (length == 0 || !appendPlatform(made, units)) {
-            if (why) {
-                *why = "\"" + source.substr(at, std::max(length, 1U)) +
-                       "\" is not in this file's character set; save the file as UTF-8 to use it.";
-            }
-            return std::nullopt;
+            return Refusal{"\"" + source.substr(at, std::max(length, 1U)) +
+                           "\" is not in this file's character set; save the file as UTF-8 to use it."};
         }
         at += length;
     }

@@ -1,9 +1,10 @@
 // The character sets that texts of a panel are in: those of the files that they come from.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
+
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -16,10 +17,8 @@ enum class TextSet : unsigned char {
 // valid. A file of ASCII alone is in the system's set, as the editor's own texts are. Linear. [any thread]
 TextSet textSetOf(const std::string& bytes);
 
-// `text` in another set. Nothing where that lacks a character; `why` (may be null) then says so for the user, in
-// UTF-8.
-std::optional<std::string> convertText(std::string_view text, TextSet from, TextSet to,
-                                       std::string* why = nullptr);
+// `text` in another set; refused, in UTF-8, where that lacks a character.
+Result<std::string> convertText(std::string_view text, TextSet from, TextSet to);
 // In UTF-8, whatever it holds.
 std::string utf8Text(std::string_view text, TextSet set);
 // Whether the bytes are a text of that set.

@@ -235,10 +235,9 @@ bool BehaviorSession::isOutdated() {
 }
 
 // All entities get their value, or none: those already written get back what they had.
-bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::string& why) {
+Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
     if (isOutdated()) {
-        why = kElsewhere;
-        return false;
+        return Refusal{kElsewhere};
     }
     const Source source = m_sources[i];
     for (size_t n = 0; n < m_entities.size(); ++n) {
@@ -248,13 +247,12 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
         while (n-- > 0) {
             write(source, m_entities[n], source.values[n]);
         }
-        why = kRefused;
         for (const size_t row : rowsLike(i)) {
             reread(row);
-            m_models[row].setBlocked(why);
+            m_models[row].setBlocked(kRefused);
         }
         listener().valuesChanged();
-        return false;
+        return Refusal{kRefused};
     }
     for (const size_t row : rowsLike(i)) {
         m_sources[row].values = values;
@@ -264,19 +262,18 @@ bool BehaviorSession::writeAll(size_t i, const std::vector<float>& values, std::
     }
     // Not noted in m_changes: it may have grown by another hand's change too, which is still to be seen.
     m_known = m_access->changes();
-    return true;
+    return {};
 }
 
-bool BehaviorSession::store(size_t i, const std::string& value, std::string& why) {
+Outcome BehaviorSession::store(size_t i, const std::string& value) {
     if (m_sources[i].component) {
-        return m_components->set(*m_sources[i].component, value, why);
+        return m_components->set(*m_sources[i].component, value);
     }
     const auto number = skillOfText(value);
     if (!number || m_sources[i].number == 0) {
-        why = skillRefusal(value);
-        return false;
+        return Refusal{skillRefusal(value)};
     }
-    return writeAll(i, std::vector<float>(m_entities.size(), *number), why);
+    return writeAll(i, std::vector<float>(m_entities.size(), *number));
 }
 
 // Of a component's row how many edits of the project are done: each entity's own value is among them.
@@ -293,17 +290,16 @@ std::string BehaviorSession::stateOf(size_t i) const {
     return state;
 }
 
-bool BehaviorSession::putState(size_t i, const std::string& state, std::string& why) {
+Outcome BehaviorSession::putState(size_t i, const std::string& state) {
     if (const auto row = m_sources[i].component) {
         if (!m_models[i].blocked().empty()) {
-            why = m_models[i].blocked();
-            return false;
+            return Refusal{m_models[i].blocked()};
         }
         size_t edits = 0;
         std::from_chars(state.data(), state.data() + state.size(), edits);
         m_components->goTo(edits);
         m_components->showValue(*row, m_models[i]);
-        return true;
+        return {};
     }
     std::vector<float> values(m_entities.size());
     const char* at = state.data();
@@ -312,28 +308,28 @@ bool BehaviorSession::putState(size_t i, const std::string& state, std::string& 
         at = std::from_chars(at, end, value).ptr;
         at += at < end ? 1 : 0;
     }
-    return putValues(i, values, why);
+    return putValues(i, values);
 }
 
-bool BehaviorSession::putValues(size_t i, const std::vector<float>& values, std::string& why) {
-    if (!writeAll(i, values, why)) {
-        return false;
+Outcome BehaviorSession::putValues(size_t i, const std::vector<float>& values) {
+    Outcome written = writeAll(i, values);
+    if (written) {
+        showValues(i);
     }
-    showValues(i);
-    return true;
+    return written;
 }
 
 // Of several entities each one's own value.
-bool BehaviorSession::putLoaded(size_t i, std::string& why) {
+Outcome BehaviorSession::putLoaded(size_t i) {
     if (const auto row = m_sources[i].component) {
-        if (!m_components->inherit(*row, why)) {
-            return false;
+        Outcome taken = m_components->inherit(*row);
+        if (taken) {
+            m_components->showValue(*row, m_models[i]);
         }
-        m_components->showValue(*row, m_models[i]);
-        return true;
+        return taken;
     }
     const std::vector<float> values = m_sources[i].loaded;
-    return putValues(i, values, why);
+    return putValues(i, values);
 }
 
 // True when what the row shows is another thing than before.

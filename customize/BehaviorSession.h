@@ -100,11 +100,11 @@ private:
         std::string closed = {};  // why it takes no value at all
     };
 
-    bool store(size_t i, const std::string& value, std::string& why) override;
+    Outcome store(size_t i, const std::string& value) override;
     std::string stateOf(size_t i) const override;
-    bool putState(size_t i, const std::string& state, std::string& why) override;
-    bool putLoaded(size_t i, std::string& why) override;
-    bool putValues(size_t i, const std::vector<float>& values, std::string& why);
+    Outcome putState(size_t i, const std::string& state) override;
+    Outcome putLoaded(size_t i) override;
+    Outcome putValues(size_t i, const std::vector<float>& values);
 
     std::vector<std::string> entitiesNow() const;
     void show(std::vector<std::string> entities);
@@ -127,11 +127,11 @@ private:
     bool write(const Source& source, const std::string& entity, float value);
     std::vector<size_t> rowsLike(size_t i) const;
     bool isOutdated();
-    bool writeAll(size_t i, const std::vector<float>& values, std::string& why);
+    Outcome writeAll(size_t i, const std::vector<float>& values);
     bool reread(size_t i);
     void showValues(size_t i);
     std::string textOf(size_t i, float value) const;
-    std::optional<size_t> rowFor(const std::string& field, const std::string& label, std::string& why) const;
+    Result<size_t> rowFor(const std::string& field, const std::string& label) const;
     std::vector<std::string> findings() const;
 
     EntityAccess* m_access;

@@ -112,7 +112,7 @@ std::optional<std::string> BehaviorSession::defaultOf(size_t i) const {
 std::string BehaviorSession::picturePath(const std::string& nameInScript) const {
     const std::vector<BehaviorPanel>& panels = m_actions.panels();
     const TextSet set = panels.empty() ? TextSet::System : panels.front().set;
-    const std::string name = convertText(nameInScript, set, TextSet::System).value_or(nameInScript);
+    const std::string name = convertText(nameInScript, set, TextSet::System).value().value_or(nameInScript);
     if (!panels.empty()) {
         const std::string own = joinPath(folderOf(panels.front().scriptName), name);
         if (osFiles().exists(own)) {
@@ -185,8 +185,7 @@ std::string BehaviorSession::copyText(size_t first, size_t last) const {
     return text;
 }
 
-std::optional<size_t> BehaviorSession::rowFor(const std::string& field, const std::string& label,
-                                              std::string& why) const {
+Result<size_t> BehaviorSession::rowFor(const std::string& field, const std::string& label) const {
     const auto isLabel = [folded = foldedText(label, TextSet::Utf8)](const std::string& one, TextSet set) {
         return foldedText(one, set) == folded;
     };
@@ -208,15 +207,11 @@ std::optional<size_t> BehaviorSession::rowFor(const std::string& field, const st
             continue;
         }
         if (named && m_sources[*named].number != source.number) {
-            why = "several values are called that";
-            return std::nullopt;
+            return Refusal{"several values are called that"};
         }
         named = named.value_or(i);
     }
-    if (!named) {
-        why = "there is no such value here";
-    }
-    return named;
+    return named ? Result(*named) : Refusal{"there is no such value here"};
 }
 
 PasteResult BehaviorSession::paste(const std::string& text) {
@@ -233,19 +228,17 @@ PasteResult BehaviorSession::paste(const std::string& text) {
         if (line.empty()) {
             continue;
         }
-        std::string why = "it is not of the form \"name = value\"";
-        std::optional<size_t> place;
-        // Names and texts may hold a '=' of their own.
+        Result<size_t> place = Refusal{"it is not of the form \"name = value\""};
         for (size_t equals = line.find('='); equals != line.npos && !place;
              equals = line.find('=', equals + 1)) {
             const PastedLine parts = pastedLine(line, equals);
-            place = rowFor(std::string(parts.field), std::string(parts.label), why);
+            place = rowFor(std::string(parts.field), std::string(parts.label));
             if (!place) {
                 continue;
             }
-            auto value = convertText(parts.value, TextSet::Utf8, row(*place).facts().set, &why);
+            auto value = convertText(parts.value, TextSet::Utf8, row(*place).facts().set);
             if (!value) {
-                place.reset();
+                place = Refusal{value.why()};
                 break;
             }
             values.push_back({*place, std::move(*value)});
@@ -253,7 +246,7 @@ PasteResult BehaviorSession::paste(const std::string& text) {
         if (place) {
             lines.emplace_back(line);
         } else {
-            refuse(line, why);
+            refuse(line, place.why());
         }
     }
     std::vector<std::string> refusals;

@@ -121,8 +121,8 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
             continue;
         }
         EntryModel& model = panel.row(static_cast<size_t>(row));
-        std::string why;
-        const auto value = convertText(kept.value, kept.set, panel.script.set, &why);
+        const auto value = convertText(kept.value, kept.set, panel.script.set);
+        std::string why = value.why();
         if (value) {
             KeptValue here = kept;
             here.value = *value;
@@ -221,23 +221,21 @@ std::string oldValuesText(const std::string& earlier, const CustomScript& script
            all.records + all.labelled;
 }
 
-bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values, std::string& why) {
+Outcome keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values) {
     if (values.empty()) {
-        return true;
+        return {};
     }
     const std::string path = script.scriptPath + kOldValuesEnding;
     const auto earlier = osFiles().readWhole(path);
     if (!earlier) {
-        why = "Can't read '" + path + "': " + osFiles().lastError();
-        if (osFiles().exists(path)) {
-            return false;  // what it keeps must not be overwritten
+        const std::string why = osFiles().lastError();
+        if (osFiles().exists(path)) {  // what it keeps must not be overwritten
+            return Refusal{"Can't read '" + path + "': " + why};
         }
     }
     const std::string text = oldValuesText(earlier.value_or(""), script, values);
     const FileContent file{path, text, FileKind::Generated, std::nullopt, script.scriptPath};
-    const SafeWriteResult written = safeWrite({&file, 1});
-    why = written.error;
-    return static_cast<bool>(written);
+    return safeWrite({&file, 1});
 }
 
 }  // namespace zoka

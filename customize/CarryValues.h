@@ -52,8 +52,7 @@ inline constexpr const char* kOldValuesEnding = ".zoka.old";
 // their id. Values without an id stand at the end, in a form that readers of value files pass over.
 std::string oldValuesText(const std::string& earlier, const CustomScript& script,
                           const std::vector<UnplacedValue>& values);
-// Adds the values to the file beside the script; nothing is written when there are none. False with the
-// reason in `why`.
-bool keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values, std::string& why);
+// Adds the values to the file beside the script; nothing is written when there are none.
+Outcome keepOldValues(const CustomScript& script, const std::vector<UnplacedValue>& values);
 
 }  // namespace zoka

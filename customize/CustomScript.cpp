@@ -116,36 +116,26 @@ void MarkupFindings::sortByLine() {
                      [](const MarkupFinding& a, const MarkupFinding& b) { return a.line < b.line; });
 }
 
-bool LoadCustomScript(const std::string& fileName, CustomScript& script, std::string* why,
-                      JobProgress* progress) {
+Outcome LoadCustomScript(const std::string& fileName, CustomScript& script, JobProgress* progress) {
     const std::string path = fileName.substr(0, kMaxScriptPath);
     if (path.empty()) {
-        return false;
+        return Refusal{};
     }
     auto text = osFiles().readWhole(path);
     if (!text || text->size() > INT32_MAX - 2) {
-        if (why) {
-            *why = text ? "it is too large" : osFiles().lastError();
-        }
-        return false;
+        return Refusal{text ? "it is too large" : osFiles().lastError()};
     }
     CustomScript loaded;
     loaded.scriptPath = path;
     if (!parseCustomText(std::move(*text), loaded, progress)) {
-        if (why) {
-            *why = "the loading was stopped";
-        }
-        return false;
+        return Refusal{"the loading was stopped"};
     }
     if (loaded.tooLarge) {
-        if (why) {
-            *why = "it is too large to be customized: more than " + std::to_string(loaded.entries.size()) +
-                   " entries don't fit into the editor's memory";
-        }
-        return false;
+        return Refusal{"it is too large to be customized: more than " +
+                       std::to_string(loaded.entries.size()) + " entries don't fit into the editor's memory"};
     }
     script = std::move(loaded);
-    return true;
+    return {};
 }
 
 bool parseCustomText(std::string fileText, CustomScript& script, JobProgress* progress) {

@@ -85,9 +85,9 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
 }
 
 bool CustomizeSession::read(const std::string& fileName, ScriptRows& panel, JobProgress* progress) {
-    std::string why;
-    if (!LoadCustomScript(fileName, panel.script, &why, progress)) {
-        m_problem = fileName.empty() ? "There is no script." : "Can't read '" + fileName + "': " + why;
+    if (const Outcome loaded = LoadCustomScript(fileName, panel.script, progress); !loaded) {
+        m_problem =
+            fileName.empty() ? "There is no script." : "Can't read '" + fileName + "': " + loaded.why();
         return false;
     }
     m_problem.clear();
@@ -196,14 +196,13 @@ bool CustomizeSession::fetchTemplateCopy() {
 // A script with lines that its template lacks is kept beside the new one: the user may have written them.
 bool CustomizeSession::keepOwnLines(const std::string& templatePath) {
     const std::string& path = m_panel.script.scriptPath;
-    std::string unread;  // the copying says it
-    const auto plan = planValueUpdate(path, templatePath, unread);
-    if (!plan || plan->ownLines == 0) {
+    const auto plan = planValueUpdate(path, templatePath);
+    if (!plan || plan->ownLines == 0) {  // what can't be read the copying tells of
         return true;
     }
-    const BackupResult kept = keepBackup(path, plan->before);
+    const auto kept = keepBackup(path, plan->before);
     if (!kept) {
-        m_prompt.tell("Copy error (1128).\nNo Update.\n\n" + kept.error);
+        m_prompt.tell("Copy error (1128).\nNo Update.\n\n" + kept.why());
     }
     return static_cast<bool>(kept);
 }
@@ -229,9 +228,10 @@ bool CustomizeSession::update() {
                   "(Some values may be lost or overwriten)")) {
         return false;
     }
-    m_problem.clear();
     // Without the value file the values would have no place but this memory once the script is replaced.
-    if (!WriteValueFile(m_panel.script, true, m_prompt, &m_problem)) {
+    const Outcome written = WriteValueFile(m_panel.script, true, m_prompt);
+    m_problem = written.why();
+    if (!written) {
         return false;
     }
     m_carried = valuesToKeep(m_panel, false);
@@ -315,9 +315,8 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
 }
 
 void CustomizeSession::keepUnplaced() {
-    std::string why;
-    if (!keepOldValues(m_panel.script, m_unplaced, why)) {
-        m_problem = why;
+    if (const Outcome kept = keepOldValues(m_panel.script, m_unplaced); !kept) {
+        m_problem = kept.why();
         m_prompt.tell(
             "These values found no place in the script, and could not be written into a file either:\n\n" +
             unplacedText(m_unplaced));
@@ -334,14 +333,16 @@ void CustomizeSession::offerUnsaved() noexcept {
             return;
         }
         const std::string& path = m_panel.script.scriptPath;
-        std::string why;
-        if (question("The window has to close, and " +
-                     (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
-                     " of '" + std::string(fileNameOf(path)) + "' " + (unsaved.size() == 1 ? "is" : "are") +
-                     " not saved.\n\nKeep " + (unsaved.size() == 1 ? "it" : "them") + " in the value file '" +
-                     std::string(fileNameOf(path)) + kOldValuesEnding + "', beside the script?") &&
-            !keepOldValues(m_panel.script, unsaved, why)) {
-            m_prompt.tell("The values could not be kept: " + why);
+        if (!question("The window has to close, and " +
+                      (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
+                      " of '" + std::string(fileNameOf(path)) + "' " + (unsaved.size() == 1 ? "is" : "are") +
+                      " not saved.\n\nKeep " + (unsaved.size() == 1 ? "it" : "them") +
+                      " in the value file '" + std::string(fileNameOf(path)) + kOldValuesEnding +
+                      "', beside the script?")) {
+            return;
+        }
+        if (const Outcome kept = keepOldValues(m_panel.script, unsaved); !kept) {
+            m_prompt.tell("The values could not be kept: " + kept.why());
         }
     });
 }

@@ -310,7 +310,7 @@ std::vector<std::string> EntityComponents::findings() const {
     return lines;
 }
 
-bool EntityComponents::set(size_t i, const std::string& value, std::string& why) {
+Outcome EntityComponents::set(size_t i, const std::string& value) {
     Row& row = m_rows[i];
     std::vector<std::optional<std::string>> given;
     for (size_t n = 0; n < row.fields.size(); ++n) {
@@ -321,31 +321,29 @@ bool EntityComponents::set(size_t i, const std::string& value, std::string& why)
         const bool inherits = stored == row.values[n].inherited;
         const std::string refusal = inherits ? "" : fieldRefusal(m_model, row.fields[n], stored);
         if (!refusal.empty()) {
-            why = m_texts.shown(refusal);
-            return false;
+            return Refusal{m_texts.shown(refusal)};
         }
         given.push_back(inherits ? std::nullopt : std::optional(std::move(stored)));
     }
-    return !row.fields.empty() && give(row, given, why);
+    return give(row, given);
 }
 
-bool EntityComponents::inherit(size_t i, std::string& why) {
-    return give(m_rows[i], std::vector<std::optional<std::string>>(m_rows[i].fields.size()), why);
+Outcome EntityComponents::inherit(size_t i) {
+    return give(m_rows[i], std::vector<std::optional<std::string>>(m_rows[i].fields.size()));
 }
 
-bool EntityComponents::give(Row& row, const std::vector<std::optional<std::string>>& own, std::string& why) {
+Outcome EntityComponents::give(Row& row, const std::vector<std::optional<std::string>>& own) {
     const size_t edits = editsDone();
     for (size_t n = 0; n < row.fields.size(); ++n) {
-        if (!m_project.setValue(row.fields[n], own[n], &why)) {
-            why = m_texts.shown(why);
+        if (const Outcome set = m_project.setValue(row.fields[n], own[n]); !set) {
             goTo(edits);
-            return false;
+            return Refusal{m_texts.shown(set.why())};
         }
     }
     for (size_t n = 0; n < row.fields.size(); ++n) {
         row.values[n].own = own[n];
     }
-    return true;
+    return {};
 }
 
 void EntityComponents::goTo(size_t edits) {

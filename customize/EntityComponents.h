@@ -65,9 +65,9 @@ public:
     std::string behaviorOf(const std::string& entity) const;
 
     // Gives all entities the value, or none, with the reason. An entity that inherits the value gets no edit.
-    bool set(size_t row, const std::string& shown, std::string& why);
+    Outcome set(size_t row, const std::string& shown);
     // Takes the entities' own values away.
-    bool inherit(size_t row, std::string& why);
+    Outcome inherit(size_t row);
     // How many edits are done, and back or forward to that many.
     size_t editsDone() const { return m_project.editsDone(); }
     void goTo(size_t edits);
@@ -92,7 +92,7 @@ private:
     void addText(const char* text, std::string help);
     void addRows();
     // One an entity, all or none; nothing takes its own value away.
-    bool give(Row& row, const std::vector<std::optional<std::string>>& own, std::string& why);
+    Outcome give(Row& row, const std::vector<std::optional<std::string>>& own);
     void readValues();
     std::string shown(const Row& row, const std::string& stored) const {
         return shownForm(row.shown, stored, m_texts);

@@ -187,8 +187,9 @@ SaveResult CustomizeSession::save() {
     }
     m_problem.clear();
     if (m_panel.script.fileLength == 0) {
-        return WriteValueFile(m_panel.script, true, m_prompt, &m_problem) ? SaveResult::Saved
-                                                                          : SaveResult::Failed;
+        const Outcome written = WriteValueFile(m_panel.script, true, m_prompt);
+        m_problem = written.why();
+        return written ? SaveResult::Saved : SaveResult::Failed;
     }
     if (!hasChanges(m_panel.script)) {
         return SaveResult::NothingToSave;
@@ -233,7 +234,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     }
     if (result.written == 0) {
         const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
-        return fail(opens ? result.error : "Error open file to write", result.error);
+        return fail(opens ? result.why() : "Error open file to write", result.why());
     }
     if (sameFolder(m_host.GetProjectFolder(), project)) {
         m_project = project;
@@ -253,7 +254,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         m_panel.makeRows(hostNames(m_panel.script));
         rowsMade(keepHistory);
     }
-    return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.error);
+    return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.why());
 }
 
 }  // namespace zoka

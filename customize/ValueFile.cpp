@@ -104,19 +104,15 @@ std::string valueFileText(const CustomScript& script, bool useControlValues) {
     return text;
 }
 
-bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt, std::string* why) {
+Outcome WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt) {
     const std::string text = valueFileText(script, useControlValues);
     const FileContent file{script.scriptPath + kValueFileEnding, text, FileKind::Generated, std::nullopt,
                            script.scriptPath};
-    const SafeWriteResult written = safeWrite({&file, 1});
-    if (written) {
-        return true;
+    Outcome written = safeWrite({&file, 1});
+    if (!written) {
+        prompt.tell(kValueFileNotWritten);
     }
-    if (why) {
-        *why = written.error;
-    }
-    prompt.tell(kValueFileNotWritten);
-    return false;
+    return written;
 }
 
 bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& sink) {

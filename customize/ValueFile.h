@@ -39,10 +39,8 @@ std::string valueFileText(const CustomScript& script, bool useControlValues);
 // One record as it stands in the file.
 void appendValueRecord(std::string& text, int id, int kind, std::string_view value);
 
-// False after a message when the file can't be written; the old one then stays. `why` (may be null) is set to
-// the system's reason.
-bool WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt,
-                    std::string* why = nullptr);
+// After a message when the file can't be written; the old one then stays.
+Outcome WriteValueFile(const CustomScript& script, bool useControlValues, UserPrompt& prompt);
 
 // Told of each record in the file's order: with the first entry of its id, or null when the script has none.
 using ValueSink = std::function<void(const ValueRecord& record, CustomEntry* entry)>;

@@ -68,18 +68,14 @@ std::string cantRead(const std::string& path) {
 
 }  // namespace
 
-std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath,
-                                               std::string& why) {
+Result<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath) {
     ValueUpdatePlan plan;
-    std::string reason;
-    if (!LoadCustomScript(scriptPath, plan.old.script, &reason)) {
-        why = "Can't read '" + scriptPath + "': " + reason;
-        return std::nullopt;
+    if (const Outcome loaded = LoadCustomScript(scriptPath, plan.old.script); !loaded) {
+        return Refusal{"Can't read '" + scriptPath + "': " + loaded.why()};
     }
     auto text = templateTextFor(scriptPath, templatePath);
     if (!text) {
-        why = cantRead(templatePath);
-        return std::nullopt;
+        return Refusal{cantRead(templatePath)};
     }
     plan.old.makeRows();
     plan.before = plan.old.script.fileText();
@@ -98,30 +94,25 @@ std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, co
     return plan;
 }
 
-bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
-    why.clear();
+Result<std::string> updateKeepingValues(const ValueUpdatePlan& plan) {
     const std::string& path = plan.old.script.scriptPath;
     const FileLock lock(path);
     if (!lock) {
-        why = lock.error();
-        return false;
+        return Refusal{lock.why()};
     }
     const std::optional<std::string> now = osFiles().readWhole(path);
     if (!now) {
-        why = cantRead(path);
-        return false;
+        return Refusal{cantRead(path)};
     }
     if (*now != plan.before) {
-        why = "'" + path + "' was changed on the disk meanwhile";
-        return false;
+        return Refusal{"'" + path + "' was changed on the disk meanwhile"};
     }
     if (plan.after == plan.before) {
-        return true;
+        return std::string();
     }
     if (plan.ownLines > 0) {
-        if (const BackupResult kept = keepBackup(path, plan.before); !kept) {
-            why = kept.error;
-            return false;
+        if (const auto kept = keepBackup(path, plan.before); !kept) {
+            return Refusal{kept.why()};
         }
     }
     const std::string valueFile = path + kValueFileEnding;
@@ -129,25 +120,21 @@ bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why) {
     const std::string values = valueFileText(plan.old.script, false);
     const FileContent valuesFile{valueFile, values, FileKind::Generated, std::nullopt, path};
     const FileContent scriptFile{path, plan.after, FileKind::Named, plan.before};
-    SafeWriteResult written = safeWrite({&valuesFile, 1});
-    if (written && !keepOldValues(plan.old.script, plan.unplaced, why)) {
-        return false;
+    Outcome written = safeWrite({&valuesFile, 1});
+    if (written) {
+        written = keepOldValues(plan.old.script, plan.unplaced);
     }
     if (written) {
         written = safeWrite({&scriptFile, 1});
     }
     if (!written) {
-        why = written.error;
-        return false;
+        return Refusal{written.why()};
     }
     CustomScript updated;
     parseCustomText(plan.after, updated);
     // The script has the values; a value file that can't be brought up to date still holds the old script's.
     written = safeWrite(valueFile, valueFileText(updated, false), FileKind::Generated);
-    if (!written) {
-        why = "the value file is still that of the old script: " + written.error;
-    }
-    return true;
+    return written ? std::string() : "the value file is still that of the old script: " + written.why();
 }
 
 std::string ownLinesQuestion(const std::vector<OwnLines>& scripts) {
@@ -178,7 +165,8 @@ std::optional<std::vector<std::optional<std::string>>> templateDefaults(const Cu
     for (const std::ptrdiff_t place : matchEntries(script, original)) {
         values.push_back(place < 0 ? std::nullopt
                                    : convertText(original.entries[static_cast<size_t>(place)].value,
-                                                 original.set, script.set));
+                                                 original.set, script.set)
+                                         .value());
     }
     return values;
 }

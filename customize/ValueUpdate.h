@@ -19,16 +19,14 @@ struct ValueUpdatePlan {
     size_t kept = 0;                      // values that differ from the template's own and were put in
     size_t ownLines = 0;  // lines that the new version lacks; the script is kept beside it then
 };
-// Nothing, with the reason in `why`, when one of the two can't be read.
-std::optional<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath,
-                                               std::string& why);
+// Refused when one of the two can't be read.
+Result<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std::string& templatePath);
 
 // Carries the plan out. A script with lines of its own is first kept as a numbered copy beside it (see
 // keepBackup), values without a place are added to the file of old values, and the value file holds the values
-// before and after. False, with the script as it was, when any of it can't be done or the script is another
-// one by now than was planned for; `why` then says so in words. After true, `why` tells why the value file holds
-// the values before alone, if it does; else it is empty.
-bool updateKeepingValues(const ValueUpdatePlan& plan, std::string& why);
+// before and after. The script stays as it was when any of it can't be done or when it is another one by now than was
+// planned for. Otherwise the text tells why the value file holds the values before alone, if it does; else it is empty.
+Result<std::string> updateKeepingValues(const ValueUpdatePlan& plan);
 
 struct OwnLines {
     std::string script;  // its file name

@@ -28,7 +28,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto read = [](const std::string&) { return zoka::ScriptFacts(); };
     const zoka::Insertion insertion = zoka::planInsertion(text, "main.kez", scripts, {}, read);
     if (insertion.position != position) fail("both scans find one place");
-    const std::string after = zoka::applyInsertion(text, insertion);
+    const auto applied = zoka::applyInsertion(text, insertion);
+    if (!applied) fail("no script has a need");
+    const std::string& after = *applied;
     std::string lines;
     for (const std::string& name : insertion.names) lines += zoka::includeLine(name);
     if (after.size() != size + lines.size() ||

@@ -308,7 +308,7 @@ public:
         const SafeWriteResult result = safeWrite(files);
         m_pages.clear();
         if (!result && m_error) {
-            *m_error = result.error;
+            *m_error = result.why();
         }
         return static_cast<bool>(result);
     }

@@ -82,16 +82,20 @@ std::optional<std::string_view> includedName(std::string_view line) {
     return name.substr(0, name.find_last_not_of("> ") + 1);
 }
 
-bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names, std::string* why) {
+Outcome readIncludes(const std::string& mainScriptPath, std::vector<std::string>& names) {
     const std::optional<std::string> text = osFiles().readWhole(mainScriptPath);
-    if (why) {
-        *why = text ? "" : "Can't read '" + mainScriptPath + "': " + osFiles().lastError();
+    if (!text) {
+        return Refusal{"Can't read '" + mainScriptPath + "': " + osFiles().lastError()};
     }
-    if (!text || text->empty()) {
-        return true;
+    if (!text->empty()) {
+        CLex lexer(text->data(), static_cast<long>(text->size()));
+        ScanIncludeBlock(lexer, names);
     }
-    CLex lexer(text->data(), static_cast<long>(text->size()));
-    ScanIncludeBlock(lexer, names);
+    return {};
+}
+
+bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names) {
+    readIncludes(mainScriptPath, names);
     return true;
 }
 
@@ -126,7 +130,10 @@ Insertion planInsertion(std::string_view text, const std::string& mainScriptPath
     return insertion;
 }
 
-std::string applyInsertion(std::string_view text, const Insertion& insertion) {
+Result<std::string> applyInsertion(std::string_view text, const Insertion& insertion) {
+    if (!insertion.problem.empty()) {
+        return Refusal{insertion.problem};
+    }
     const auto position = static_cast<size_t>(insertion.position);
     std::string lines;
     for (const std::string& name : insertion.names) {
@@ -139,29 +146,25 @@ std::string applyInsertion(std::string_view text, const Insertion& insertion) {
 }
 
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<const std::string> scriptPaths,
-                   const LocateFile& locate, std::string* error) {
+                   const LocateFile& locate) {
     if (lexer.getBufSize() == 0) {
         return 0;
     }
     const std::string before(textOf(lexer));
-    const auto change = [&](std::string_view text, std::string& why) -> std::optional<std::string> {
-        const Insertion insertion = planInsertion(text, mainScriptPath, scriptPaths, locate);
-        why = insertion.problem;
-        return why.empty() ? std::optional(applyInsertion(text, insertion)) : std::nullopt;
+    const auto change = [&](std::string_view text) {
+        return applyInsertion(text, planInsertion(text, mainScriptPath, scriptPaths, locate));
     };
-    std::string ownError;
-    std::string& why = error ? *error : ownError;
-    const std::optional<std::string> after = change(before, why);
+    const auto after = change(before);
     if (!after || *after == before) {
         return 0;
     }
-    writeMainScript({mainScriptPath, before, *after}, change, why);
+    writeMainScript({mainScriptPath, before, *after}, change);
     return 1;
 }
 
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,
-                   const LocateFile& locate, std::string* error) {
-    return InsertIncludes(lexer, mainScriptPath, std::span(&scriptPath, 1), locate, error);
+                   const LocateFile& locate) {
+    return InsertIncludes(lexer, mainScriptPath, std::span(&scriptPath, 1), locate);
 }
 
 std::optional<std::string> withoutIncludes(std::string_view text, std::span<const std::string> names) {
@@ -194,27 +197,20 @@ std::optional<std::string> withoutIncludes(std::string_view text, std::span<cons
     return result += text.substr(copied);
 }
 
-bool writeMainScript(const MainScriptPlan& plan, const PlanAgain& again, std::string& error) {
-    error.clear();
+Outcome writeMainScript(const MainScriptPlan& plan, const PlanAgain& again) {
     const FileLock lock(plan.path);
     if (!lock) {
-        error = lock.error();
-        return false;
+        return Refusal{lock.why()};
     }
     const std::optional<std::string> now = osFiles().readWhole(plan.path);
     if (!now) {
-        error = "Can't read '" + plan.path + "': " + osFiles().lastError();
-        return false;
+        return Refusal{"Can't read '" + plan.path + "': " + osFiles().lastError()};
     }
-    std::optional<std::string> after = plan.after;
-    if (*now != plan.before) {
-        after = again(*now, error);
+    const Result<std::string> after = *now == plan.before ? plan.after : again(*now);
+    if (!after) {
+        return Refusal{after.why()};
     }
-    if (!after || *after == *now) {
-        return error.empty();
-    }
-    error = safeWrite(plan.path, *after).error;
-    return error.empty();
+    return *after == *now ? Outcome() : safeWrite(plan.path, *after);
 }
 
 RemovePlan planRemoval(ZunEditorInterface& host, std::span<const std::string> names) {
@@ -236,30 +232,17 @@ RemovePlan planRemoval(ZunEditorInterface& host, std::span<const std::string> na
     return plan;
 }
 
-bool removeIncludes(ZunEditorInterface& host, const RemovePlan& plan, std::string& error) {
-    error = plan.problem;
-    if (!error.empty()) {
-        return false;
+Outcome removeIncludes(ZunEditorInterface& host, const RemovePlan& plan) {
+    if (!plan.problem.empty()) {
+        return Refusal{plan.problem};
     }
-    const auto again = [&plan](const std::string& text, std::string& why) {
+    const auto again = [&plan](const std::string& text) {
         std::optional<std::string> after = withoutIncludes(text, plan.names);
-        if (!after) {
-            why = kNotIncluded;
-        }
-        return after;
+        return after ? Result(std::move(*after)) : Refusal{kNotIncluded};
     };
-    if (!writeMainScript(plan.main, again, error)) {
-        return false;
-    }
-    host.MainScriptChanged();
-    return true;
-}
-
-bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names, std::string* error) {
-    std::string why;
-    const bool removed = removeIncludes(host, planRemoval(host, names), why);
-    if (error) {
-        *error = why;
+    Outcome removed = writeMainScript(plan.main, again);
+    if (removed) {
+        host.MainScriptChanged();
     }
     return removed;
 }

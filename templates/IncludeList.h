@@ -14,6 +14,7 @@
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/ScriptNeeds.h"
 #include "util/Lex.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -32,10 +33,10 @@ std::string includeLine(std::string_view name);
 // brackets.
 std::optional<std::string_view> includedName(std::string_view line);
 
-// Appends the names of the include block of the file to `names`, in file order; nothing when it can't be
-// opened: `why` (may be null) says then why, and is empty otherwise. Always true.
-bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names,
-                     std::string* why = nullptr);
+// Appends the names of the include block of the file to `names`, in file order; refused when it can't be read.
+Outcome readIncludes(const std::string& mainScriptPath, std::vector<std::string>& names);
+// For those to whom a file that can't be read has no includes. Always true.
+bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names);
 
 // Both look through all lines of `lexer`, from the first one, and return the insertion point, an offset in
 // its text: the start of the line that ends the block; where the block ends with the text, the start of its
@@ -57,16 +58,16 @@ struct Insertion {
 Insertion planInsertion(std::string_view text, const std::string& mainScriptPath,
                         std::span<const std::string> scriptPaths, const LocateFile& locate,
                         const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);
-// The text with the new lines in it.
-std::string applyInsertion(std::string_view text, const Insertion& insertion);
+// The text with the new lines in it; refused where the insertion has a problem.
+Result<std::string> applyInsertion(std::string_view text, const Insertion& insertion);
 
 // Includes the scripts, their needs first, and rewrites the main script in one go. `lexer` holds its text. 1
 // when it was rewritten, or could not be (it is then as it was); 0 when nothing was to be done, the text is
-// empty, or a need can't be included. `error`, where not null, then says what went wrong; else it is empty.
+// empty, or a need can't be included.
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<const std::string> scriptPaths,
-                   const LocateFile& locate, std::string* error = nullptr);
+                   const LocateFile& locate);
 int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, const std::string& scriptPath,
-                   const LocateFile& locate = {}, std::string* error = nullptr);
+                   const LocateFile& locate = {});
 
 // A change of a main script: its text, and what it will be. Equal texts: nothing is to be written.
 struct MainScriptPlan {
@@ -74,13 +75,12 @@ struct MainScriptPlan {
     std::string before;
     std::string after;
 };
-// Makes the new text of one that is not the planned one; nothing when it can't be done there, with the reason in
-// `error`.
-using PlanAgain = std::function<std::optional<std::string>(const std::string& text, std::string& error)>;
+// Makes the new text of one that is not the planned one; refused when it can't be done there.
+using PlanAgain = std::function<Result<std::string>(const std::string& text)>;
 // Puts the planned text into the file, under the file's lock. Where the file holds another text by now, what
-// `again` makes of that one is put there: of two writers neither loses what the other has just written. False,
-// with the file as it was and the reason in `error`, when it can't be done.
-bool writeMainScript(const MainScriptPlan& plan, const PlanAgain& again, std::string& error);
+// `again` makes of that one is put there: of two writers neither loses what the other has just written. The file stays
+// as it was when it can't be done.
+Outcome writeMainScript(const MainScriptPlan& plan, const PlanAgain& again);
 
 // The text without the first include line of each name, wherever in the text it stands; nothing when a name has
 // none. A name that is given twice takes two lines. Throws EmptyScriptError for an empty text.
@@ -94,14 +94,11 @@ struct RemovePlan {
 };
 // The first include line of each name goes, in one rewrite. Throws EmptyScriptError.
 RemovePlan planRemoval(ZunEditorInterface& host, std::span<const std::string> names);
-// Carries the plan out and tells the host. False, with nothing changed and the reason in `error`, when it can't.
-// Throws EmptyScriptError.
-bool removeIncludes(ZunEditorInterface& host, const RemovePlan& plan, std::string& error);
-// Both in one. `error` may be null.
-bool RemoveIncludes(ZunEditorInterface& host, std::span<const std::string> names,
-                    std::string* error = nullptr);
-inline bool RemoveInclude(ZunEditorInterface& host, const std::string& name, std::string* error = nullptr) {
-    return RemoveIncludes(host, std::span(&name, 1), error);
+// Carries the plan out and tells the host. Throws EmptyScriptError.
+Outcome removeIncludes(ZunEditorInterface& host, const RemovePlan& plan);
+// Both in one, for one name.
+inline Outcome RemoveInclude(ZunEditorInterface& host, const std::string& name) {
+    return removeIncludes(host, planRemoval(host, std::span(&name, 1)));
 }
 
 // Whether the folder part of `path` (before its last backslash) equals the beginning of `folder`, in any

@@ -61,7 +61,7 @@ void IncludedScripts::read() {
     m_problem.clear();
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
-        ReadIncludeList(*mainPath, names, &m_problem);
+        m_problem = readIncludes(*mainPath, names).why();
     }
     for (std::string& name : names) {
         IncludedScript entry{name, name, {}};

@@ -20,10 +20,8 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
     text += "Main Script: " + mainScriptPath + "\r\n\r\n";
 
     std::vector<std::string> names;
-    std::string why;
-    ReadIncludeList(mainScriptPath, names, &why);
-    if (!why.empty()) {
-        text += why + "\r\n";
+    if (const Outcome read = readIncludes(mainScriptPath, names); !read) {
+        text += read.why() + "\r\n";
         return false;
     }
     ScriptFolders folders(host);

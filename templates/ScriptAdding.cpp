@@ -89,12 +89,11 @@ std::string AddPlan::summary() const {
     return result;
 }
 
-std::optional<AddPlan::Copy> ScriptAdding::planCopy(const std::string& source, const std::string& folder,
-                                                    const Paths& taken, std::string& problem) {
+Result<AddPlan::Copy> ScriptAdding::planCopy(const std::string& source, const std::string& folder,
+                                             const Paths& taken) {
     AddPlan::Copy copy{source, destinationIn(folder, source), {}, false};
     if (copy.destination.size() > kLongestPath) {
-        problem = copy.destination + " is too long a path";
-        return {};
+        return Refusal{copy.destination + " is too long a path"};
     }
     if (!IsNumberedTemplate(copy.destination)) {
         copy.overwrites = osFiles().exists(copy.destination);
@@ -102,8 +101,7 @@ std::optional<AddPlan::Copy> ScriptAdding::planCopy(const std::string& source, c
     }
     copy.number = freeNumber(copy.destination, taken);
     if (!copy.number) {
-        problem = copy.destination + " is too long a path for one more copy";
-        return {};
+        return Refusal{copy.destination + " is too long a path for one more copy"};
     }
     copy.destination = numberedCopy(copy.destination, *copy.number);
     return copy;
@@ -146,7 +144,8 @@ bool ScriptAdding::CopyTemplateScript(const std::string& sourcePath, std::string
         m_error = sourcePath + " does not exist";
         return false;
     }
-    const auto copy = planCopy(sourcePath, destFolder, {}, m_error);
+    const auto copy = planCopy(sourcePath, destFolder, {});
+    m_error = copy.why();
     if (!copy || !makeCopy(*copy)) {
         return false;
     }
@@ -179,7 +178,8 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
         return plan;
     }
     if (!IsInFolder(folder, *mainPath)) {
-        const auto copy = planCopy(*mainPath, folder, {}, plan.problem);
+        const auto copy = planCopy(*mainPath, folder, {});
+        plan.problem = copy.why();
         if (!copy) {
             return plan;
         }
@@ -197,7 +197,8 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
         if (IsInFolder(folder, path) || !IsNumberedTemplate(path)) {
             continue;
         }
-        const auto copy = planCopy(path, folder, taken, plan.problem);
+        const auto copy = planCopy(path, folder, taken);
+        plan.problem = copy.why();
         if (!copy) {
             return plan;
         }
@@ -227,7 +228,7 @@ AddPlan ScriptAdding::plan(std::span<const std::string> scriptPaths) {
     };
     addLines(insertion.names, false);
     addLines(insertion.present, true);
-    plan.main.after = plan.problem.empty() ? applyInsertion(plan.main.before, insertion) : plan.main.before;
+    plan.main.after = applyInsertion(plan.main.before, insertion).value().value_or(plan.main.before);
     return plan;
 }
 
@@ -247,13 +248,13 @@ bool ScriptAdding::carryOut(const AddPlan& plan) {
     if (plan.main.after == plan.main.before) {
         return true;
     }
-    const auto again = [&](const std::string& text, std::string& why) -> std::optional<std::string> {
+    const auto again = [&](const std::string& text) {
         const ScriptFolders folders(m_host);
-        const Insertion insertion = planInsertion(text, plan.main.path, plan.paths, folders.locator());
-        why = insertion.problem;
-        return why.empty() ? std::optional(applyInsertion(text, insertion)) : std::nullopt;
+        return applyInsertion(text, planInsertion(text, plan.main.path, plan.paths, folders.locator()));
     };
-    m_changed = writeMainScript(plan.main, again, m_error);
+    const Outcome written = writeMainScript(plan.main, again);
+    m_error = written.why();
+    m_changed = bool(written);
     if (!m_changed) {
         deleteCopies();
     }

@@ -79,8 +79,8 @@ public:
 
 private:
     using Paths = KeyedSet<std::string>;  // lowered
-    static std::optional<AddPlan::Copy> planCopy(const std::string& source, const std::string& folder,
-                                                 const Paths& taken, std::string& problem);
+    static Result<AddPlan::Copy> planCopy(const std::string& source, const std::string& folder,
+                                          const Paths& taken);
     bool makeCopy(const AddPlan::Copy& copy);
     void deleteCopies();
 

@@ -245,11 +245,11 @@ bool ScriptManagerSession::remove(int index) {
             refuseRemoval(titles);
             return false;
         }
-        std::string error;
-        removed = RemoveInclude(m_host, entry.fileName, &error);
-        m_status = removed ? "Removed: " + entry.text : "Not removed: " + error;
+        const Outcome outcome = RemoveInclude(m_host, entry.fileName);
+        removed = bool(outcome);
+        m_status = removed ? "Removed: " + entry.text : "Not removed: " + outcome.why();
         if (!removed) {
-            m_prompt.tell("Not removed:\n" + error);
+            m_prompt.tell("Not removed:\n" + outcome.why());
         }
     } catch (const PageError& error) {
         m_prompt.tell(error.what());

@@ -63,10 +63,8 @@ int ScriptUpdate::FillUpdateList(bool showAll) {
     m_ownScripts = false;
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
-        std::string why;
-        ReadIncludeList(*mainPath, names, &why);
-        if (!why.empty()) {
-            m_unread.push_back(why);
+        if (const Outcome read = readIncludes(*mainPath, names); !read) {
+            m_unread.push_back(read.why());
         }
     }
     KeyedSet<std::string> included;
@@ -170,7 +168,7 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
             }
             return plan;
         }
-        std::string path, why;
+        std::string path;
         const ScriptPlace place = folders.LocateScript(fileName, path);
         // One that is used from the template folder is its own template.
         if (place == ScriptPlace::Template || !done.insert(lowered(fileName)).second) {
@@ -181,8 +179,8 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
             plan.problems.push_back(fileName + ": the script is not found");
         } else if (!original) {
             plan.problems.push_back(fileName + ": the template folder has no such script");
-        } else if (auto change = planValueUpdate(path, *original, why); !change) {
-            plan.problems.push_back(fileName + ": " + why);
+        } else if (auto change = planValueUpdate(path, *original); !change) {
+            plan.problems.push_back(fileName + ": " + change.why());
         } else if (change->before == change->after) {
             plan.unchanged.push_back(fileName);
         } else {
@@ -204,7 +202,7 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
     if (!insertion.problem.empty()) {
         plan.problems.push_back(insertion.problem);
     } else {
-        plan.main.after = applyInsertion(*text, insertion);
+        plan.main.after = *applyInsertion(*text, insertion);
         plan.included = std::move(insertion.names);
     }
     return plan;
@@ -297,14 +295,14 @@ void ScriptUpdate::carryOut(const UpdatePlan& plan, JobProgress* progress) {
         if (!mayContinue(progress, total + i, 2 * total, script.fileName)) {
             break;
         }
-        std::string why;
-        if (updateKeepingValues(script.change, why)) {
+        const auto updated = updateKeepingValues(script.change);
+        if (updated) {
             noteUpdated(script);
-            if (!why.empty()) {
-                halfDone.push_back(script.fileName + ": " + why);
+            if (!updated->empty()) {
+                halfDone.push_back(script.fileName + ": " + *updated);
             }
         } else {
-            m_problems.push_back(script.fileName + ": " + why);
+            m_problems.push_back(script.fileName + ": " + updated.why());
         }
     }
     m_halfDone = halfDone.size();
@@ -328,18 +326,16 @@ void ScriptUpdate::includeMissing(const UpdatePlan& plan) {
         return;
     }
     m_included = plan.included;
-    const auto again = [&](const std::string& text, std::string& why) -> std::optional<std::string> {
+    const auto again = [&](const std::string& text) {
         const ScriptFolders folders(m_host);
         const Insertion insertion = planInsertion(text, plan.main.path, plan.needs, folders.locator());
-        why = insertion.problem;
         m_included = insertion.names;
-        return why.empty() ? std::optional(applyInsertion(text, insertion)) : std::nullopt;
+        return applyInsertion(text, insertion);
     };
-    std::string error;
-    if (writeMainScript(plan.main, again, error)) {
+    if (const Outcome written = writeMainScript(plan.main, again); written) {
         m_host.MainScriptChanged();
     } else {
-        m_problems.push_back(error);
+        m_problems.push_back(written.why());
         m_included.clear();
     }
 }

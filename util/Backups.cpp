@@ -38,9 +38,9 @@ std::optional<std::uint64_t> numberOf(std::string_view name, std::string_view or
 
 }  // namespace
 
-BackupResult keepBackup(const std::string& path, std::string_view bytes) {
+Result<std::string> keepBackup(const std::string& path, std::string_view bytes) {
     if (osFiles().exists(path) && !osFiles().openForWriting(path, OsOpen::Existing)) {
-        return {{}, "Can't write '" + path + "': " + osFiles().lastError()};
+        return Refusal{"Can't write '" + path + "': " + osFiles().lastError()};
     }
     std::vector<std::uint64_t> numbers;
     const std::string_view original = fileNameOf(path);
@@ -53,19 +53,19 @@ BackupResult keepBackup(const std::string& path, std::string_view bytes) {
     if (!numbers.empty()) {
         const std::string newest = backupPath(path, numbers.back());
         if (osFiles().readWhole(newest) == bytes) {
-            return {newest, {}};
+            return newest;
         }
     }
     const std::string made = backupPath(path, numbers.empty() ? 1 : numbers.back() + 1);
     const SafeWriteResult written = safeWrite(made, bytes);
     if (!written) {
-        return {{}, written.error};
+        return Refusal{written.why()};
     }
     // Only now: a copy that could not be made costs no older one.
     for (size_t i = 0; i + kMostBackups <= numbers.size(); ++i) {
         osFiles().deleteFile(backupPath(path, numbers[i]));
     }
-    return {made, {}};
+    return made;
 }
 
 }  // namespace zoka

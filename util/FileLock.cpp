@@ -98,7 +98,7 @@ FileLock::FileLock(const std::string& path, std::chrono::milliseconds patience) 
         std::this_thread::sleep_for(kRetry);
     }
     if (result == Registry::Result::Busy) {
-        m_error = "Can't write '" + *target + "': another program is changing it at this moment";
+        m_why = "Can't write '" + *target + "': another program is changing it at this moment";
         return;
     }
     m_key = std::move(key);

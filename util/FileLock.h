@@ -13,7 +13,7 @@ inline constexpr std::chrono::milliseconds kLockPatience{10'000};
 // Holds the lock from its construction to its destruction, on the same thread; a thread that has a file's
 // lock may take it again. [any thread]
 //     const FileLock lock(path);
-//     if (!lock) return lock.error();
+//     if (!lock) return Refusal{lock.why()};
 //     ... read, change, safeWrite ...
 // Where the folder takes no lock file (it is read-only, say) there is nothing to hold and the work goes on:
 // FileContent::expected still notices what another has written. The lock file stands beside the file that
@@ -26,14 +26,14 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    // False when another still held it when the patience was over; `error` says so, in words for the user.
-    explicit operator bool() const { return m_error.empty(); }
-    const std::string& error() const { return m_error; }
+    // False when another still held it when the patience was over; `why` says so, in words for the user.
+    explicit operator bool() const { return m_why.empty(); }
+    const std::string& why() const { return m_why; }
 
 private:
     std::string m_key;        // empty: nothing is held
     std::string m_takenOver;  // the lock file, when one was left behind
-    std::string m_error;
+    std::string m_why;
 };
 
 }  // namespace zoka

@@ -189,7 +189,7 @@ private:
         if (m_content.expected) {
             m_lock.emplace(m_target);
             if (!*m_lock) {
-                return m_lock->error();
+                return m_lock->why();
             }
         }
         m_exists = m_files.exists(m_target);
@@ -231,47 +231,47 @@ private:
 
 SafeWriteResult safeWrite(std::span<const FileContent> files) {
     OsFiles& disk = osFiles();
-    SafeWriteResult result;
+    Outcome outcome;
     std::list<PendingFile> pending;
     std::set<std::string> settled;
     for (const FileContent& file : files) {
         pending.emplace_back(disk, file, settled);
-        if (result.error = pending.back().fault(); !result.error.empty()) {
+        if (outcome = Outcome::unless(pending.back().fault()); !outcome) {
             pending.pop_back();
             break;
         }
     }
     // A fault further in front is the one that counts.
     auto end = pending.begin();
-    for (std::string fault; end != pending.end(); ++end) {
-        if (fault = end->flush(); !fault.empty()) {
-            result.error = fault;
+    for (; end != pending.end(); ++end) {
+        if (Outcome flushed = Outcome::unless(end->flush()); !flushed) {
+            outcome = std::move(flushed);
             break;
         }
     }
     for (auto file = pending.begin(); file != end; ++file) {
         if (!file->isAsExpected()) {
-            result.error = failure("Can't write", file->target(),
-                                   "another program has changed it meanwhile; its content was left alone");
-            result.changedMeanwhile = true;
-            return result;
+            return {Refusal{failure("Can't write", file->target(),
+                                    "another program has changed it meanwhile; its content was left alone")},
+                    0, true};
         }
     }
+    size_t written = 0;
     std::set<std::string> folders;
     for (auto file = pending.begin(); file != end; ++file) {
-        if (const std::string fault = file->place(); !fault.empty()) {
-            result.error = fault;
+        if (Outcome placed = Outcome::unless(file->place()); !placed) {
+            outcome = std::move(placed);
             break;
         }
         if (file->isFlushed()) {
             folders.insert(std::string(folderOf(file->target())));
         }
-        ++result.written;
+        ++written;
     }
     for (const std::string& folder : folders) {
         disk.flushFolder(folder);
     }
-    return result;
+    return {std::move(outcome), written, false};
 }
 
 SafeWriteResult safeWrite(const std::string& path, std::string_view bytes, FileKind kind) {

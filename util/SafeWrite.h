@@ -7,19 +7,18 @@
 #include <string>
 #include <string_view>
 
+#include "util/Outcome.h"
+
 namespace zoka {
 
-struct SafeWriteResult {
-    // Empty when the new content is in place. Otherwise what went wrong, with the file's name, in words for
-    // the user; the old content is then untouched, unless the text says where else it or the new one lies.
-    std::string error;
+// The reason has the file's name; the old content is then untouched, unless it says where else that or the new one
+// lies.
+struct SafeWriteResult : Outcome {
     // Of several files, how many have their new content: always the first ones.
     size_t written = 0;
     // Nothing was written because a file held something else than FileContent::expected: whoever changes it
     // reads it again and starts anew.
     bool changedMeanwhile = false;
-
-    explicit operator bool() const { return error.empty(); }
 };
 
 enum class FileKind {

@@ -130,14 +130,11 @@ void EntryPanel::browse(size_t row) {
     if (!chosen || !m_window || row >= m_editing.size()) {
         return;
     }
-    std::string why;
     dropDraft(row);
-    if (m_editing.setValue(row, *chosen, &why, false)) {
-        return;
-    }
+    const Outcome taken = m_editing.setValue(row, *chosen);
     const auto live = m_live.find(row);
-    if (live != m_live.end()) {
-        showRefusal(live->second->field(), why);
+    if (!taken && live != m_live.end()) {
+        showRefusal(live->second->field(), taken.why());
     }
 }
 

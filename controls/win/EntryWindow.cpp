@@ -268,9 +268,9 @@ UINT EntryWindow::codePage() const {
     return codePageOf(facts().set);
 }
 
-// What stands in the field, in the script's set. Nothing, with the reason, where that lacks a character of it.
-std::optional<std::string> EntryWindow::fieldText(std::string& why) const {
-    auto text = convertText(textOf(m_field, CP_UTF8), TextSet::Utf8, facts().set, &why);
+// What stands in the field, in the script's set; refused where that lacks a character of it.
+Result<std::string> EntryWindow::fieldText() const {
+    auto text = convertText(textOf(m_field, CP_UTF8), TextSet::Utf8, facts().set);
     // Where people write a comma for the point it is one.
     char point[4] = "";
     if (text && isNumber(facts().field) && facts().decimal && text->find('.') == text->npos &&
@@ -343,6 +343,15 @@ void EntryWindow::showValue() {
     }
 }
 
+// What the user did to the row, other than typing.
+bool EntryWindow::set(const std::string& value, bool typing) {
+    const Outcome taken = m_panel.rows().setValue(m_row, value, typing);
+    if (!taken) {
+        refused(taken.why());
+    }
+    return bool(taken);
+}
+
 void EntryWindow::refused(const std::string& why) {
     m_panel.showRefusal(m_field, why);
 }
@@ -350,33 +359,35 @@ void EntryWindow::refused(const std::string& why) {
 // The value is again what it was when the field got the keyboard.
 void EntryWindow::giveBack() {
     if (!m_differentAtFocus) {
-        m_panel.rows().setValue(m_row, m_atFocus, nullptr, true);
+        m_panel.rows().setValue(m_row, m_atFocus, true);
     } else if (!model().isDifferent()) {
         m_panel.rows().undo();  // what was typed is one step
     }
 }
 
 void EntryWindow::typed() {
-    std::string why;
-    const std::optional<std::string> text = fieldText(why);
-    if (GetFocus() != m_field) {  // set by another program
-        if (!text || !m_panel.rows().setValue(m_row, *text, &why, false)) {
-            refused(why);
+    const Result<std::string> text = fieldText();
+    const bool isTyped = GetFocus() == m_field;
+    m_typing = isTyped;
+    const Outcome taken =
+        text ? m_panel.rows().setValue(m_row, *text, isTyped) : Outcome(Refusal{text.why()});
+    if (!isTyped) {  // set by another program
+        if (!taken) {
+            refused(taken.why());
         }
         return showValue();
     }
-    m_typing = true;
-    if (text && m_panel.rows().setValue(m_row, *text, &why, true)) {
+    if (taken) {
         m_panel.dropDraft(m_row);
         m_panel.hideRefusal();
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
         giveBack();
-        m_panel.keepDraft(m_row, textOf(m_field, CP_UTF8), why);
+        m_panel.keepDraft(m_row, textOf(m_field, CP_UTF8), taken.why());
         if (text && mayBecomeRight(facts(), *text)) {
             m_panel.hideRefusal();
         } else {
-            refused(why);
+            refused(taken.why());
         }
     }
     m_typing = false;
@@ -425,13 +436,10 @@ void EntryWindow::step(int steps) {
         return;
     }
     const std::string next = model().stepped(steps);
-    std::string why;
     if (next == model().value()) {
         return refused(allowedRange(facts()));
     }
-    if (!m_panel.rows().setValue(m_row, next, &why, true)) {
-        refused(why);
-    }
+    set(next, true);
     showValue();
 }
 

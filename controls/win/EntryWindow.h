@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -75,13 +74,14 @@ private:
     void slid(WORD code);
     void spun(bool up);
     bool keyDown(HWND control, WPARAM key);
-    std::optional<std::string> fieldText(std::string& why) const;
+    Result<std::string> fieldText() const;
     UINT codePage() const;
     void setFieldText(const std::string& value);
     void repaintField();
     void showBeginning();
     void fitSwitchText();
     void giveBack();
+    bool set(const std::string& value, bool typing);
     void refused(const std::string& why);
     bool refusesSteps();
 

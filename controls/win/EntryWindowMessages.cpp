@@ -20,11 +20,9 @@ void EntryWindow::spun(bool up) {
 
 void EntryWindow::slid(WORD code) {
     const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
-    std::string why;
     const bool isStep = code == TB_LINEUP || code == TB_LINEDOWN || code == TB_PAGEUP || code == TB_PAGEDOWN;
-    if (position != model().sliderPosition() && !(isStep && refusesSteps()) &&
-        !m_panel.rows().setValue(m_row, model().textAt(position), &why, true)) {
-        refused(why);
+    if (position != model().sliderPosition() && !(isStep && refusesSteps())) {
+        set(model().textAt(position), true);
     }
     showValue();
     if (code == TB_ENDTRACK) {
@@ -46,16 +44,10 @@ void EntryWindow::command(WORD code, HWND control) {
         m_panel.fold(m_row, !m_panel.rows().filter.isFolded(m_row));
         InvalidateRect(m_field, nullptr, TRUE);
     } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
-        std::string why;
-        if (!m_panel.rows().setValue(m_row, model().isOn() && !model().isDifferent() ? "0" : "1", &why,
-                                     false)) {
-            refused(why);
-        }
+        set(model().isOn() && !model().isDifferent() ? "0" : "1", false);
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
         const auto chosen = m_choices.chosen(facts());
-        std::string why;
-        if (chosen && !m_panel.rows().setValue(m_row, *chosen, &why, false)) {
-            refused(why);
+        if (chosen && !set(*chosen, false)) {
             showValue();
         }
     } else if (isEdit() && code == EN_CHANGE) {

@@ -188,12 +188,11 @@ void RowsView::findFocus() {
 
 void RowsView::undoOrRedo(bool undo) {
     m_rows.leaveField();
-    std::string why;
-    const auto row = undo ? m_rows.undo(&why) : m_rows.redo(&why);
+    const auto row = undo ? m_rows.undo() : m_rows.redo();
     if (row) {
         m_panel.focusRow(*row);
-    } else if (!why.empty()) {
-        setText(m_help, why);
+    } else if (!row.why().empty()) {
+        setText(m_help, row.why());
     }
 }
 

@@ -86,7 +86,7 @@ bool FolderHost::CopyFileWithSubstitutions(const std::string& source, const std:
     }
     const auto content = osFiles().readWhole(source);
     m_copyProblem =
-        content ? safeWrite(destination, substituted(*content, substitutions), FileKind::Generated).error
+        content ? safeWrite(destination, substituted(*content, substitutions), FileKind::Generated).why()
                 : "Can't read '" + source + "': " + osFiles().lastError();
     return m_copyProblem.empty();
 }

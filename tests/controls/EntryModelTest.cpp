@@ -124,16 +124,14 @@ TEST(EntryModel, WritesWhatIsTypedInTheScriptsOwnForm) {
     };
     for (const auto& row : rows) {
         EntryModel model(row.facts);
-        EXPECT_EQ(model.edit(row.typed), row.written != nullptr) << row.typed;
+        EXPECT_EQ(bool(model.edit(row.typed)), row.written != nullptr) << row.typed;
         EXPECT_EQ(model.value(), row.written ? row.written : row.facts.value) << row.typed;
     }
 }
 
 TEST(EntryModel, KeepsItsValueWhenAnEditIsRefused) {
     EntryModel model(number("5", 0, 10, 1, false));
-    std::string why;
-    EXPECT_FALSE(model.edit("11", &why));
-    EXPECT_THAT(why, HasSubstr("allowed: 0 to 10"));
+    EXPECT_THAT(model.edit("11").why(), HasSubstr("allowed: 0 to 10"));
     EXPECT_EQ(model.GetValueText(), "5");
     EXPECT_FALSE(model.HasChanged());
     EXPECT_TRUE(model.edit("7"));

@@ -43,44 +43,38 @@ public:
     std::string refused;  // a value that the holder does not take
 
 protected:
-    bool store(size_t, const std::string& value, std::string& why) override {
-        if (value == refused) {
-            why = "held";
-        }
-        return value != refused;
+    Outcome store(size_t, const std::string& value) override {
+        return Outcome::unless(value == refused ? "held" : "");
     }
     // Row 3 stands for the values 1 and 2.
     std::string stateOf(size_t i) const override {
         return i == 3 && row(i).isDifferent() ? "1|2" : RowEditing::stateOf(i);
     }
-    bool putState(size_t i, const std::string& state, std::string& why) override {
+    Outcome putState(size_t i, const std::string& state) override {
         if (state != "1|2") {
-            return RowEditing::putState(i, state, why);
+            return RowEditing::putState(i, state);
         }
         rowToEdit(i).setDifferent();
-        return true;
+        return {};
     }
 };
 
 TEST(RowEditing, WhatTheHolderRefusesStaysAsItWas) {
     HeldRows rows;
-    std::string why;
     EXPECT_TRUE(rows.setValue(1, "9"));
     EXPECT_TRUE(rows.setValue(1, "9"));  // nothing new: no step
     rows.refused = "7";
-    EXPECT_FALSE(rows.setValue(1, "7", &why));
-    EXPECT_EQ(why, "held");
+    EXPECT_EQ(rows.setValue(1, "7").why(), "held");
     rows.refused = "5";
-    EXPECT_EQ(rows.undo(&why), std::nullopt);
+    EXPECT_EQ(rows.undo().why(), "held");
     EXPECT_TRUE(rows.canUndo());
     EXPECT_THAT(rows.values(), ElementsAre("", "9", "1", "(different)", "", "calm"));
     rows.refused = "-";
-    EXPECT_EQ(rows.undo(), 1u);
-    EXPECT_EQ(rows.redo(), 1u);
+    EXPECT_EQ(rows.undo().value(), 1u);
+    EXPECT_EQ(rows.redo().value(), 1u);
     EXPECT_EQ(rows.calls, "rows values values values ");
     rows.made[2].setBlocked("The entity is gone.");
-    EXPECT_FALSE(rows.setValue(2, "0", &why));
-    EXPECT_EQ(why, "The entity is gone.");
+    EXPECT_EQ(rows.setValue(2, "0").why(), "The entity is gone.");
     EXPECT_EQ(rows.tooltip(2), "Waves\r\nThe entity is gone.");
 }
 

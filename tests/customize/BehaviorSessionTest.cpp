@@ -83,7 +83,7 @@ TEST_F(BehaviorSessionTest, showsAndWritesTheEntitysValuesAtOnce) {
     EXPECT_TRUE(m_entities.entities["a"].flags[0]);
     std::string why;
     for (const char* bad : {"11", "", "x", "1e3", "-"}) {
-        EXPECT_FALSE(m_session.setValue(1, bad, &why)) << bad;
+        why = m_session.setValue(1, bad).why();
         EXPECT_EQ(skill("a", 1), 4.5F);
     }
     m_session.undo();
@@ -127,9 +127,7 @@ TEST_F(BehaviorSessionTest, showsWhatSeveralEntitiesShareAndRestoresEachOnesOwn)
 TEST_F(BehaviorSessionTest, writesAllOrNoneAndBlocksWhatIsRefused) {
     follow({"a", "b"});
     m_entities.fails = [](const std::string& call) { return call == "setSkill(b, 1, 7)"; };
-    std::string why;
-    EXPECT_FALSE(m_session.setValue(1, "7", &why));
-    EXPECT_FALSE(why.empty());
+    EXPECT_FALSE(m_session.setValue(1, "7").why().empty());
     EXPECT_EQ(skill("a", 1), 3.0F);
     EXPECT_EQ(skill("b", 1), 4.25F);
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=(different) blocked", "Lit=0"));
@@ -140,10 +138,8 @@ TEST_F(BehaviorSessionTest, writesAllOrNoneAndBlocksWhatIsRefused) {
 
 // The panel has not looked yet when the editor goes on; what is typed then is for the entities that are shown.
 TEST_F(BehaviorSessionTest, writesNothingToWhatItDoesNotShow) {
-    std::string why;
     select({"b"});
-    EXPECT_FALSE(m_session.setValue(1, "7", &why));
-    EXPECT_THAT(why, HasSubstr("gone on to other entities"));
+    EXPECT_THAT(m_session.setValue(1, "7").why(), HasSubstr("gone on to other entities"));
     EXPECT_FALSE(m_session.undo());
     select({"a"});
     EXPECT_TRUE(m_session.setValue(1, "8"));
@@ -151,7 +147,7 @@ TEST_F(BehaviorSessionTest, writesNothingToWhatItDoesNotShow) {
     // Another level has an entity of that name.
     m_entities.entities["a"].action->script += "x";
     ++m_entities.count;
-    EXPECT_EQ(m_session.undo(&why), std::nullopt);
+    EXPECT_FALSE(m_session.undo());
     EXPECT_EQ(skill("a", 1), 9.0F);
     EXPECT_EQ(skill("b", 1), 4.25F);
     m_session.refresh(false);
@@ -331,7 +327,7 @@ void wander(BehaviorSession& panel, unsigned seed, int rounds, const Look& look)
                             "\nlight.color = #00000" + value);
                 break;
             default:
-                panel.setValue(row, value, nullptr, below(2) == 0);
+                panel.setValue(row, value, below(2) == 0);
                 break;
         }
         look(random);
@@ -551,9 +547,9 @@ TEST_F(BehaviorComponentsTest, showsTheEntitysEditsOverTheBehaviorsOverTheDefaul
 
 TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
     std::string why;
-    EXPECT_FALSE(m_panel.setValue(4, "101", &why));
-    EXPECT_TRUE(m_panel.setValue(4, "9", nullptr, true));
-    EXPECT_TRUE(m_panel.setValue(4, "95", nullptr, true));
+    why = m_panel.setValue(4, "101").why();
+    EXPECT_TRUE(m_panel.setValue(4, "9", true));
+    EXPECT_TRUE(m_panel.setValue(4, "95", true));
     EXPECT_TRUE(m_panel.setValue(1, "7"));
     EXPECT_TRUE(m_panel.setValue(5, "0"));
     EXPECT_TRUE(m_panel.hasUnsaved());

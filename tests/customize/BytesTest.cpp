@@ -44,8 +44,7 @@ TEST(Bytes, RandomEditsOfEverySampleReadBackAndReverse) {
                 if (!first.script.entries[i].hasValue() || random() % 4 == 0) {
                     continue;
                 }
-                std::string why;
-                EXPECT_TRUE(first.row(i).edit(otherValue(first.row(i), random), &why)) << why;
+                EXPECT_EQ(first.row(i).edit(otherValue(first.row(i), random)).why(), "");
             }
             const std::vector<ScriptEdit> edits = editsOf(first.script);
             edited += edits.size();

@@ -151,8 +151,7 @@ TEST_F(Session, AHostThatRefusesEverythingLosesNothing) {
         editor.failing = {call};
         CustomizeSession panel(editor, prompt);
         ASSERT_TRUE(panel.open(path));
-        std::string why;
-        ASSERT_TRUE(panel.setValue(1, "11", &why)) << why;
+        ASSERT_EQ(panel.setValue(1, "11").why(), "");
         panel.defaultOf(1);
         prompt.asked.clear();
         prompt.answers = {PromptAnswer::Yes};

@@ -89,8 +89,7 @@ struct Session : testing::Test {
     }
     std::string value(const std::string& label) { return session.row(rowOf(label)).value(); }
     void set(const std::string& label, const std::string& text) {
-        std::string why;
-        EXPECT_TRUE(session.setValue(rowOf(label), text, &why)) << why;
+        EXPECT_EQ(session.setValue(rowOf(label), text).why(), "");
     }
 
     TempFolder project, suite;

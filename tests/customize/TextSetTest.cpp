@@ -38,11 +38,10 @@ TEST(TextSet, GoesByTheMarkOrByValidSequences) {
 }
 
 TEST(TextSet, ConvertsAndFoldsInBothSets) {
-    std::string why;
-    EXPECT_EQ(convertText("M" UE "ller", TextSet::Utf8, TextSet::System), "M\xFCller");
-    EXPECT_EQ(convertText("\x80 \xFC", TextSet::System, TextSet::Utf8), "\xE2\x82\xAC " UE);
-    EXPECT_EQ(convertText("a" OMEGA, TextSet::Utf8, TextSet::System, &why), std::nullopt);
-    EXPECT_EQ(why, "\"" OMEGA "\" is not in this file's character set; save the file as UTF-8 to use it.");
+    EXPECT_EQ(*convertText("M" UE "ller", TextSet::Utf8, TextSet::System), "M\xFCller");
+    EXPECT_EQ(*convertText("\x80 \xFC", TextSet::System, TextSet::Utf8), "\xE2\x82\xAC " UE);
+    EXPECT_EQ(convertText("a" OMEGA, TextSet::Utf8, TextSet::System).why(),
+              "\"" OMEGA "\" is not in this file's character set; save the file as UTF-8 to use it.");
     EXPECT_EQ(beginningOf("ab" UE, 3), "ab");
     EXPECT_EQ(beginningOf("ab" UE, 4), "ab" UE);
     const struct {
@@ -83,12 +82,12 @@ TEST_F(Session, EachScriptIsWrittenInItsOwnCharacterSet) {
     for (const auto& row : rows) {
         open(row.before);
         ASSERT_EQ(session.size(), 1u) << row.before;
-        std::string why;
-        const bool taken = session.setValue(0, row.typed, &why);
-        EXPECT_EQ(taken, !row.after.empty()) << row.before;
+        const Outcome set = session.setValue(0, row.typed);
+        const bool taken = !row.after.empty();
+        EXPECT_EQ(bool(set), taken) << row.before;
         session.save();
         EXPECT_EQ(project.read("s.kez"), taken ? row.after : row.before);
-        EXPECT_EQ(why, taken ? "" : "The text is no UTF-8, in which this script is written.");
+        EXPECT_EQ(set.why(), taken ? "" : "The text is no UTF-8, in which this script is written.");
         for (const char* search : {"GR\xC3\x9CN", "gr\xFCn"}) {  // both as it's typed here and there
             session.filter.search = search;
             EXPECT_EQ(session.visibleRows()[0], row.before.find("Name") == std::string::npos) << search;
@@ -106,9 +105,8 @@ TEST_F(Session, AnUpdateCarriesValuesIntoATemplateInAnotherSet) {
         "// entry: Name\r\n// id: 1\r\nstring a = \"M\xFCller\";\r\n\r\n// entry: Gr\xFCn\r\nstring b = "
         "\"b\";\r\n");
     makeTemplate("// entry: Name\r\n// id: 1\r\nstring a = \"x\";\r\n\r\n" + other);
-    std::string why;
-    const auto plan = planValueUpdate(project.path("s.kez"), suite.path("templates\\s.kez"), why);
-    ASSERT_TRUE(plan) << why;
+    const auto plan = planValueUpdate(project.path("s.kez"), suite.path("templates\\s.kez"));
+    ASSERT_TRUE(plan) << plan.why();
     EXPECT_EQ(plan->after, "// entry: Name\r\n// id: 1\r\nstring a = \"M" UE "ller\";\r\n\r\n" + other);
     EXPECT_TRUE(plan->unplaced.empty());
     prompt.answers = {PromptAnswer::Yes};

@@ -121,17 +121,17 @@ TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
             std::filesystem::remove(project.native(name));
         }
         const std::string path = project.write("s.kez", mine);
-        std::string why;
         FaultyOsFiles disk(FaultyOsFiles::nth(failing));
-        const auto plan = planValueUpdate(path, original, why);
-        const bool updated = plan && updateKeepingValues(*plan, why);
+        const auto plan = planValueUpdate(path, original);
+        const auto updated = plan ? updateKeepingValues(*plan) : Refusal{plan.why()};
+        const std::string why = updated ? *updated : updated.why();
         done = disk.operations() < failing;
         EXPECT_EQ(project.read("s.kez"), updated ? expected : mine) << failing;
         EXPECT_TRUE(updated
                         ? why.empty() || why.starts_with("the value file is still that of the old script: ")
                         : !why.empty())
             << why;
-        valueFileFaults += updated && !why.empty();
+        valueFileFaults += updated && !updated->empty();
     }
     EXPECT_GE(valueFileFaults, 3) << "its sibling, its bytes, its replacing";
     EXPECT_EQ(project.read("s.kez.zoka"), "1\n2\n0\n\n1\n11\n55\n\n2\n8\n0\n\n5\n15\nme\n\n");
@@ -140,10 +140,9 @@ TEST_F(Session, UpdatingWithoutAPanelKeepsValuesOrLeavesTheScript) {
 
 TEST_F(Session, ASwitchThatBecameAListGivesItsValueBack) {
     const auto samples = sampleScripts();
-    std::string why;
     const std::string path = project.write("weapon_pistol.kez", samples.at("weapon_pistol"));
     const auto plan =
-        planValueUpdate(path, suite.write("weapon_pistol.kez", samples.at("newer/weapon_pistol")), why);
+        planValueUpdate(path, suite.write("weapon_pistol.kez", samples.at("newer/weapon_pistol")));
     ASSERT_TRUE(plan);
     ASSERT_EQ(plan->unplaced.size(), 1u);
     EXPECT_EQ(plan->unplaced[0].kept.id, 9);
@@ -166,24 +165,21 @@ TEST_F(Session, AScriptWithLinesOfItsOwnIsKeptBesideTheNewOne) {
     std::string mine = kOld;
     mine += "function mine() {}\n";
     const std::string original = suite.write("templates/s.kez", kNew), path = project.write("s.kez", mine);
-    std::string why;
-    const auto plan = planValueUpdate(path, original, why);
+    const auto plan = planValueUpdate(path, original);
     ASSERT_TRUE(plan);
     EXPECT_GE(plan->ownLines, 1u);
     // One that was changed since it was planned for is left alone.
     project.write("s.kez", mine + "// later\n");
-    EXPECT_FALSE(updateKeepingValues(*plan, why));
-    EXPECT_THAT(why, HasSubstr("changed on the disk"));
+    EXPECT_THAT(updateKeepingValues(*plan).why(), HasSubstr("changed on the disk"));
     EXPECT_EQ(project.names(), std::vector<std::string>{"s.kez"});
     project.write("s.kez", mine);
     {
         // Without the copy nothing is replaced.
         const FaultyOsFiles full(FaultyOsFiles::every("write"));
-        EXPECT_FALSE(updateKeepingValues(*plan, why));
-        EXPECT_THAT(why, HasSubstr("s.kez.1.bak"));
+        EXPECT_THAT(updateKeepingValues(*plan).why(), HasSubstr("s.kez.1.bak"));
     }
     EXPECT_EQ(project.read("s.kez"), mine);
-    EXPECT_TRUE(updateKeepingValues(*plan, why)) << why;
+    EXPECT_EQ(updateKeepingValues(*plan).why(), "");
     EXPECT_EQ(project.read("s.kez.1.bak"), mine);
     EXPECT_EQ(project.read("s.kez"), plan->after);
 }

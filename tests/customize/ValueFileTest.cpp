@@ -106,9 +106,7 @@ TEST_F(ValueFile, MissingAndUnwritableFilesHaveTheirMessages) {
     folder.write("s.kez.zoka", "old");
     {
         FaultyOsFiles disk([](int, std::string_view op, const std::string&) { return op == "write"; });
-        std::string why;
-        EXPECT_FALSE(WriteValueFile(panel.script, true, prompt, &why));
-        EXPECT_THAT(why, testing::HasSubstr("injected fault"));
+        EXPECT_THAT(WriteValueFile(panel.script, true, prompt).why(), testing::HasSubstr("injected fault"));
     }
     EXPECT_EQ(folder.read("s.kez.zoka"), "old");
     EXPECT_THAT(prompt.texts(),
@@ -141,13 +139,12 @@ TEST_F(ValueFile, OldValuesAddUpAndReadersPassOverThoseWithoutAnId) {
     const auto old = [](int id, const char* label, const char* value) {
         return UnplacedValue{{id, 11, label, value}, "why"};
     };
-    std::string why;
-    ASSERT_TRUE(keepOldValues(panel.script, {}, why));
+    ASSERT_TRUE(keepOldValues(panel.script, {}));
     EXPECT_THAT(folder.names(), IsEmpty());
-    ASSERT_TRUE(keepOldValues(panel.script, {old(9, "N", "1"), old(-1, "L", "a\r\nb")}, why));
+    ASSERT_TRUE(keepOldValues(panel.script, {old(9, "N", "1"), old(-1, "L", "a\r\nb")}));
     EXPECT_EQ(folder.read("s.kez.zoka.old"), "1\n3\n260801\n\n9\n11\n1\n\n0\nL\ta\\nb\n");
-    ASSERT_TRUE(keepOldValues(panel.script, {old(9, "N", "2"), old(8, "M", "3"), old(-1, "K", "c")}, why));
-    ASSERT_TRUE(keepOldValues(panel.script, {old(5, "O", "4")}, why));
+    ASSERT_TRUE(keepOldValues(panel.script, {old(9, "N", "2"), old(8, "M", "3"), old(-1, "K", "c")}));
+    ASSERT_TRUE(keepOldValues(panel.script, {old(5, "O", "4")}));
     const std::string text = folder.read("s.kez.zoka.old");
     EXPECT_EQ(text, "1\n3\n260801\n\n5\n11\n4\n\n9\n11\n2\n\n8\n11\n3\n\n0\nK\tc\n0\nL\ta\\nb\n");
     const ValueRecords records = parseValueFile(text);
@@ -157,8 +154,8 @@ TEST_F(ValueFile, OldValuesAddUpAndReadersPassOverThoseWithoutAnId) {
     // Long values, and what a user wrote there, keep readers in step.
     const std::string letters = std::string(250, 'a') + std::string(250, 'b') + std::string(100, 'c');
     folder.write("s.kez.zoka.old", "1\n3\n0\n\n4\n11\n" + std::string(520, '7') + "\n\nmine\n9\n11\n2\n\n");
-    ASSERT_TRUE(keepOldValues(panel.script, {old(7, "Words", letters.c_str())}, why));
-    ASSERT_TRUE(keepOldValues(panel.script, {old(7, "Words", letters.c_str())}, why));
+    ASSERT_TRUE(keepOldValues(panel.script, {old(7, "Words", letters.c_str())}));
+    ASSERT_TRUE(keepOldValues(panel.script, {old(7, "Words", letters.c_str())}));
     EXPECT_EQ(folder.read("s.kez.zoka.old"),
               "1\n3\n260801\n\n9\n11\n2\n\n0\nWords (id 7)\t" + std::string(250, 'a') +
                   "\n0\nWords (id 7)\t" + std::string(250, 'b') + "\n0\nWords (id 7)\t" +
@@ -167,7 +164,7 @@ TEST_F(ValueFile, OldValuesAddUpAndReadersPassOverThoseWithoutAnId) {
     // A file that can't be read is not written over.
     {
         FaultyOsFiles disk([](int, std::string_view op, const std::string&) { return op == "readWhole"; });
-        EXPECT_FALSE(keepOldValues(panel.script, {old(5, "O", "4")}, why));
+        EXPECT_FALSE(keepOldValues(panel.script, {old(5, "O", "4")}));
     }
     EXPECT_THAT(folder.read("s.kez.zoka.old"), testing::HasSubstr("mine"));
 }

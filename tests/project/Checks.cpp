@@ -90,8 +90,7 @@ std::string loadFault(std::string_view files, const std::string& folder) {
         for (size_t entity = 0; entity < project.m_apLevels[level].m_entities.size() && entity < 20;
              ++entity) {
             for (const ProjectRow& row : entityRows(project, level, entity)) {
-                std::string why;
-                if (row.hasField && fieldAt(project, addressOf(project, row.field), why) != row.field) {
+                if (row.hasField && fieldAt(project, addressOf(project, row.field)).value() != row.field) {
                     return "not found again: " + addressOf(project, row.field);
                 }
             }

@@ -47,13 +47,15 @@ protected:
         EXPECT_TRUE(session.open(path)) << session.problem();
     }
     bool set(const std::string& address, std::optional<std::string> value, bool typing = false) {
-        why.clear();
-        const auto field = zoka::fieldAt(manager, address, why);
-        return field && session.setValue(*field, value, &why, typing);
+        const auto field = zoka::fieldAt(manager, address);
+        const zoka::Outcome set =
+            field ? session.setValue(*field, value, typing) : zoka::Refusal{field.why()};
+        why = set.why();
+        return bool(set);
     }
     std::string get(const std::string& address) {
-        const auto field = zoka::fieldAt(manager, address, why);
-        return field ? zoka::fieldValue(manager, *field).value_or("<none>") : "<" + why + ">";
+        const auto field = zoka::fieldAt(manager, address);
+        return field ? zoka::fieldValue(manager, *field).value_or("<none>") : "<" + field.why() + ">";
     }
     std::string all() const {
         std::string text;
@@ -77,15 +79,14 @@ TEST_F(ProjectSessionTest, AddressesNameEveryValue) {
     EXPECT_THAT(all(), HasSubstr("level/a%2Fb%231%3D%25/name=a/b#1=%\n"));
     zoka::forEachField(manager, [&](const ProjectField& field, const std::string& address) {
         EXPECT_EQ(zoka::addressOf(manager, field), address);
-        const auto found = zoka::fieldAt(manager, address, why);
+        const auto found = zoka::fieldAt(manager, address);
         EXPECT_TRUE(found && zoka::fieldValue(manager, *found) == zoka::fieldValue(manager, field))
             << address;
     });
     for (const char* bad : {"", "level", "level/", "level/none/name", "level/harbour", "level/harbour#3/name",
                             "level/harbour#x/name", "level/harbour/entity/guard/skill/x", "section/sky",
                             "level/harbour/entity/guard/component/body", "level/harbour/entity//name"}) {
-        EXPECT_FALSE(zoka::fieldAt(manager, bad, why)) << bad;
-        EXPECT_NE(why, "");
+        EXPECT_NE(zoka::fieldAt(manager, bad).why(), "") << bad;
     }
 }
 
@@ -483,7 +484,7 @@ TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
         const std::string text = ProjectSession::problemsText(session.problems());
         EXPECT_THAT(text, HasSubstr("\\" + cafe + ":2:"));
         EXPECT_THAT(text, HasSubstr("\\" + cafe + ".xml:1:12: warning: Warning (LoadBehavior) " + cafe));
-        EXPECT_TRUE(session.setValue(*zoka::fieldAt(manager, "level/" + cafe + "/doc", why), cafe, &why));
+        EXPECT_TRUE(session.setValue(*zoka::fieldAt(manager, "level/" + cafe + "/doc"), cafe));
         EXPECT_THAT(session.changesText(), HasSubstr("<Doc>" + cafe + "</Doc>"));
     }
     prompt.answers = {PromptAnswer::Yes};

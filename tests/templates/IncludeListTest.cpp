@@ -24,8 +24,8 @@ CLex lexerOf(const std::string& text) {
 
 // The text with `names` included, as if no script had needs.
 std::string inserted(const std::string& text, const Names& names) {
-    return applyInsertion(text, planInsertion(text, "C:\\p\\main.kez", names, {},
-                                              [](const std::string&) { return ScriptFacts(); }));
+    return *applyInsertion(text, planInsertion(text, "C:\\p\\main.kez", names, {},
+                                               [](const std::string&) { return ScriptFacts(); }));
 }
 
 }  // namespace

@@ -302,7 +302,7 @@ TEST(ScriptAdding, RemovingAnIncludeTellsTheEditor) {
     EXPECT_THROW(RemoveInclude(empty.host, "a.kez"), EmptyScriptError);
     test::withEachFault([](int n) {
         Project broken(mainWith({"a.kez", "b.kez"}));
-        const bool removed = RemoveInclude(broken.host, "a.kez");
+        const bool removed = bool(RemoveInclude(broken.host, "a.kez"));
         EXPECT_EQ(broken.main(), mainWith(removed ? Names{"b.kez"} : Names{"a.kez", "b.kez"})) << n;
         EXPECT_EQ(broken.folder.names(), Names{"main.kez"}) << n;
     });

@@ -17,10 +17,11 @@ TEST(Backups, TheNewestTenAreKept) {
     }
     const std::string path = folder.path("fog.kez");
     for (int i = 1; i <= 12; ++i) {
-        const BackupResult kept = keepBackup(path, "text " + std::to_string(i));
+        const auto kept = keepBackup(path, "text " + std::to_string(i));
         EXPECT_TRUE(kept);
-        EXPECT_EQ(kept.path, path + "." + std::to_string(i) + ".bak");
-        EXPECT_EQ(keepBackup(path, "text " + std::to_string(i)).path, kept.path) << "not twice in a row";
+        EXPECT_EQ(*kept, path + "." + std::to_string(i) + ".bak");
+        EXPECT_EQ(keepBackup(path, "text " + std::to_string(i)).value(), kept.value())
+            << "not twice in a row";
     }
     EXPECT_EQ(folder.names().size(), 4 + kMostBackups);
     EXPECT_EQ(folder.read("fog.kez.2.bak"), "<missing>");
@@ -37,8 +38,8 @@ TEST(Backups, OneThatCantBeMadeCostsNoOlderOne) {
     }
     const auto before = folder.names();
     const test::FaultyOsFiles full(test::FaultyOsFiles::every("write"));
-    const BackupResult kept = keepBackup(path, "new");
+    const auto kept = keepBackup(path, "new");
     EXPECT_FALSE(kept);
-    EXPECT_NE(kept.error.find("fog.kez.11.bak"), std::string::npos) << kept.error;
+    EXPECT_NE(kept.why().find("fog.kez.11.bak"), std::string::npos) << kept.why();
     EXPECT_EQ(folder.names(), before);
 }

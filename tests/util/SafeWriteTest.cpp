@@ -42,7 +42,7 @@ TEST(SafeWrite, WritesNewAndExistingFiles) {
         const FaultyOsFiles disk(inPlace ? FaultyOsFiles::every(kSibling) : FaultyOsFiles::never());
         folder.write("a", "before");
         for (const std::string& content : {std::string(), std::string("new"), std::string(200'000, '\0')}) {
-            EXPECT_EQ(safeWrite(folder.path("a"), content).error, "");
+            EXPECT_EQ(safeWrite(folder.path("a"), content).why(), "");
             EXPECT_EQ(folder.read("a"), content);
         }
         EXPECT_EQ(static_cast<bool>(safeWrite(folder.path("b"), "made")), !inPlace)
@@ -66,7 +66,7 @@ TEST(SafeWrite, SurvivesAnyFault) {
             }
             const SafeWriteResult result = safeWrite(folder.path("a.kez"), kFresh);
             EXPECT_EQ(folder.read("a.kez"), result ? kFresh : row.exists ? kOld : "<missing>");
-            EXPECT_EQ(result.error.find("a.kez") == std::string::npos, static_cast<bool>(result));
+            EXPECT_EQ(result.why().find("a.kez") == std::string::npos, static_cast<bool>(result));
             faults += !result;
             // A disk that is broken for good keeps the sibling too.
             if (row.forGood) {
@@ -91,7 +91,7 @@ TEST(SafeWrite, SeveralFilesEndAtTheFirstThatFails) {
             }
             const SafeWriteResult result = safeWrite(files);
             counts.insert(result.written);
-            EXPECT_EQ(result.error.empty(), result.written == 3) << result.error;
+            EXPECT_EQ(result.why().empty(), result.written == 3) << result.why();
             EXPECT_EQ(folder.read("a"), result.written >= 1 ? kFresh : kOld);
             EXPECT_EQ(folder.read("b"), inPlace ? kOld : result.written >= 2 ? kFresh : "<missing>");
             EXPECT_EQ(folder.read("c"), result.written >= 3 ? kFresh : kOld);
@@ -113,7 +113,7 @@ TEST(SafeWrite, SaysWhatIsWrong) {
                                                         {"replaceFile", "Can't write"}};
     for (const auto& [op, beginning] : rows) {
         const FaultyOsFiles disk(FaultyOsFiles::every(op));
-        const std::string error = safeWrite(path, "new").error;
+        const std::string error = safeWrite(path, "new").why();
         EXPECT_TRUE(error.starts_with(beginning)) << error;
         EXPECT_TRUE(error.ends_with("injected fault")) << error;
         EXPECT_EQ(folder.read("a.kez"), "old");
@@ -123,7 +123,7 @@ TEST(SafeWrite, SaysWhatIsWrong) {
     // is there, and it says so.
     const FaultyOsFiles disk(
         [](int, std::string_view op, const std::string&) { return op == kSibling || op == "cutHere"; });
-    EXPECT_NE(safeWrite(path, "new").error.find("could not be put back"), std::string::npos);
+    EXPECT_NE(safeWrite(path, "new").why().find("could not be put back"), std::string::npos);
 }
 
 // Only a folder without permission is a reason to write in place.
@@ -133,7 +133,7 @@ TEST(SafeWrite, WritesNothingWithoutRoomForASibling) {
         const std::string path = folder.write("a", "old");
         FaultyOsFiles disk(FaultyOsFiles::every(kSibling));
         disk.injectedFault = fault;
-        EXPECT_TRUE(safeWrite(path, "new").error.ends_with("injected fault"));
+        EXPECT_TRUE(safeWrite(path, "new").why().ends_with("injected fault"));
         EXPECT_EQ(folder.read("a"), "old");
     }
 }
@@ -146,10 +146,10 @@ TEST(SafeWrite, NoticesWhatAnotherHasWritten) {
                                        {folder.path("c"), "new"}};
     const SafeWriteResult result = safeWrite(files);
     EXPECT_TRUE(result.changedMeanwhile);
-    EXPECT_NE(result.error.find("another program"), std::string::npos);
+    EXPECT_NE(result.why().find("another program"), std::string::npos);
     EXPECT_EQ(folder.names(), (Names{"a", "b"}));
     EXPECT_EQ(folder.read("a") + folder.read("b"), "readother") << "of several files none is written";
-    EXPECT_EQ(safeWrite({files, 1}).error, "");
+    EXPECT_EQ(safeWrite({files, 1}).why(), "");
     // What can't be read now may be another's, also where nothing was read before.
     const std::string held = folder.write("held", "theirs"), gone = folder.path("gone");
     const FaultyOsFiles disk(FaultyOsFiles::every("readWhole"));
@@ -182,11 +182,11 @@ TEST(SafeWrite, NeverLosesTheOnlyCopy) {
     const std::string path = folder.write("a", "old");
     {
         const Disk disk(FaultyOsFiles::never());
-        EXPECT_EQ(safeWrite(path, "new").error, "");
+        EXPECT_EQ(safeWrite(path, "new").why(), "");
         EXPECT_EQ(folder.read("a"), "new");
     }
     const Disk disk(FaultyOsFiles::every("renameNew"));
-    const std::string error = safeWrite(path, "newest").error;
+    const std::string error = safeWrite(path, "newest").why();
     ASSERT_EQ(folder.names().size(), 1u);
     EXPECT_EQ(folder.read(folder.names()[0]), "newest");
     EXPECT_NE(error.find(folder.names()[0]), std::string::npos) << error;

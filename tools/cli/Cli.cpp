@@ -87,7 +87,7 @@ bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind)
         }
         const SafeWriteResult result = safeWrite(path, bytes, kind);
         if (!result) {
-            complain(result.error);
+            complain(result.why());
         }
         return static_cast<bool>(result);
     }
@@ -107,7 +107,7 @@ ExitStatus rewriteFile(const std::string& path, const std::string& before, std::
         return again();
     }
     if (!result) {
-        complain(result.error);
+        complain(result.why());
     }
     return result ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -158,13 +158,16 @@ ExitStatus set(const CustomizeOptions& options) {
             return ExitStatus::Usage;
         }
         const auto row = static_cast<size_t>(i);
-        std::string why;
         const std::string given = word.substr(equals + 1);
-        const auto value = open.inScript(given, textSetOf(given), why);
+        const auto value = open.inScript(given, textSetOf(given));
+        std::string why = value.why();
         if (value && !options.force) {
             why = notOffered(open.session().row(row), *value);
         }
-        if (!why.empty() || !open.session().setValue(row, *value, &why)) {
+        if (why.empty()) {
+            why = open.session().setValue(row, *value).why();
+        }
+        if (!why.empty()) {
             complain("\"" + open.session().entry(row).label + "\": " + why + " Nothing was changed.");
             return ExitStatus::Findings;
         }
@@ -210,12 +213,12 @@ ExitStatus reset(const CustomizeOptions& options) {
         if (!chosen[i] || !entry.hasValue()) {
             continue;
         }
-        std::string why = "the template has no such entry.";
-        if (value && open.session().putValue(i, *value, &why)) {
-            continue;
+        const Outcome put =
+            value ? open.session().putValue(i, *value) : Refusal{"the template has no such entry."};
+        if (!put) {
+            complain("\"" + entry.label + "\": " + put.why());
+            status = ExitStatus::Findings;
         }
-        complain("\"" + entry.label + "\": " + why);
-        status = ExitStatus::Findings;
     }
     return worse(status, open.finish(options.dryRun));
 }
@@ -272,25 +275,24 @@ ExitStatus update(const CustomizeOptions& options) {
     if (!options.dryRun) {
         lock.emplace(path);
         if (!*lock) {
-            complain(lock->error());
+            complain(lock->why());
             return ExitStatus::Failed;
         }
     }
-    std::string why;
-    auto plan = planValueUpdate(path, original, why);
+    const auto plan = planValueUpdate(path, original);
     if (!plan) {
-        complain(why);
+        complain(plan.why());
         return ExitStatus::Failed;
     }
+    bool halfDone = false;
     if (options.dryRun) {
         printPatch(unifiedDifference(plan->before, plan->after, options.file, options.file));
-    } else if (!updateKeepingValues(*plan, why)) {
-        complain(why + "; not updated");
+    } else if (const auto updated = updateKeepingValues(*plan); !updated) {
+        complain(updated.why() + "; not updated");
         return ExitStatus::Failed;
-    }
-    const bool halfDone = !options.dryRun && !why.empty();
-    if (halfDone) {
-        complain("updated, but " + why);
+    } else if (!updated->empty()) {
+        halfDone = true;
+        complain("updated, but " + *updated);
     }
     for (const UnplacedValue& lost : plan->unplaced) {
         const std::string line = unplacedText({lost});
@@ -352,18 +354,19 @@ ExitStatus import(const CustomizeOptions& options) {
     }
     for (const ValueRecord& record : stored.records) {
         const auto found = firstOf.find(record.id);
-        std::string value = record.value, why = "the script has no such entry.";
+        std::string value = record.value;
         if (value.ends_with('\r')) {
             value.pop_back();
         }
+        Outcome put = Refusal{"the script has no such entry."};
         if (found != firstOf.end()) {
-            const auto converted = open.inScript(value, set, why);
-            if (converted && session.putValue(found->second, *converted, &why)) {
-                continue;
-            }
+            const auto converted = open.inScript(value, set);
+            put = converted ? session.putValue(found->second, *converted) : Refusal{converted.why()};
         }
-        complain("id " + std::to_string(record.id) + " (" + value + "): " + why);
-        status = ExitStatus::Findings;
+        if (!put) {
+            complain("id " + std::to_string(record.id) + " (" + value + "): " + put.why());
+            status = ExitStatus::Findings;
+        }
     }
     return worse(status, open.finish(options.dryRun));
 }
@@ -372,9 +375,8 @@ ExitStatus import(const CustomizeOptions& options) {
 ExitStatus checkFile(const std::string& path, const std::string& shown, Json* json) {
     workOn(shown);
     CustomScript script;
-    std::string why;
-    if (!LoadCustomScript(path, script, &why)) {
-        complainUnreadable(shown, why);
+    if (const Outcome loaded = LoadCustomScript(path, script); !loaded) {
+        complainUnreadable(shown, loaded.why());
         return ExitStatus::Failed;
     }
     const auto besideIt = [&path](const std::string& name) { return joinPath(folderOf(path), name); };

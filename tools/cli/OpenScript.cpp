@@ -38,7 +38,7 @@ OpenScript::OpenScript(const std::string& file, bool changes)
     if (changes) {
         m_lock.emplace(m_path);
         if (!*m_lock) {
-            complain(m_lock->error());
+            complain(m_lock->why());
             return;
         }
     }
@@ -100,9 +100,8 @@ int OpenScript::find(const std::string& name) {
     return -1;
 }
 
-std::optional<std::string> OpenScript::inScript(const std::string& text, TextSet set,
-                                                std::string& why) const {
-    return convertText(text, set, m_session.script().set, &why);
+Result<std::string> OpenScript::inScript(const std::string& text, TextSet set) const {
+    return convertText(text, set, m_session.script().set);
 }
 
 ExitStatus OpenScript::finish(bool dryRun) {

@@ -29,9 +29,8 @@ public:
 
     // The entry of an id, of a line of the script as "@12", or of a label; -1 after a complaint. Case doesn't count.
     int find(const std::string& name);
-    // What an argument, or a line of a file, means in the script's character set. Nothing, with the reason, where that
-    // set lacks a character of it.
-    std::optional<std::string> inScript(const std::string& text, TextSet set, std::string& why) const;
+    // What an argument, or a line of a file, means in the script's character set.
+    Result<std::string> inScript(const std::string& text, TextSet set) const;
     // Saves, or with a dry run prints the lines that saving would change.
     ExitStatus finish(bool dryRun);
 

@@ -86,11 +86,10 @@ public:
     ProjectSession& session() { return m_session; }
     const CJ8ProjectManager& model() const { return m_model; }
 
-    std::optional<ProjectField> find(const std::string& address) {
-        std::string why;
-        auto field = fieldAt(m_model, xmlFromPath(address), why);
+    Result<ProjectField> find(const std::string& address) {
+        auto field = fieldAt(m_model, xmlFromPath(address));
         if (!field) {
-            complain(pathFromXml(why));
+            complain(pathFromXml(field.why()));
         }
         return field;
     }
@@ -336,7 +335,7 @@ ExitStatus list(const ProjectOptions& options) {
     }
     ExitStatus status = ExitStatus::Done;
     for (size_t i = 0; i < words.size(); ++i) {
-        if (std::string why; !found[i] && !fieldAt(open.model(), words[i], why)) {
+        if (!found[i] && !fieldAt(open.model(), words[i])) {
             complain("there is nothing at \"" + options.words[i] + "\"");
             status = ExitStatus::Usage;
         }
@@ -432,8 +431,10 @@ ExitStatus set(const ProjectOptions& options) {
             value && !options.undeclared ? undeclaredRefusal(open.model(), field, *value) : std::string();
         if (!why.empty()) {
             why += "; --undeclared sets it all the same";
-        } else if (open.session().setValue(field, value, &why)) {
+        } else if (const Outcome set = open.session().setValue(field, value); set) {
             continue;
+        } else {
+            why = set.why();
         }
         complain(address + ": " + pathFromXml(why) + " (nothing was changed)");
         return ExitStatus::Findings;

@@ -47,7 +47,7 @@ public:
         if (changes) {
             m_lock.emplace(m_mainScript);
             if (!*m_lock) {
-                complain(m_lock->error());
+                complain(m_lock->why());
                 m_status = ExitStatus::Failed;
                 return;
             }
@@ -287,16 +287,15 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
         return ExitStatus::Findings;
     }
     const RemovePlan plan = planRemoval(manager.host(), files);
-    std::string error = plan.problem;
-    if (options.dryRun && error.empty()) {
+    if (options.dryRun && plan.problem.empty()) {
         manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
         return ExitStatus::Done;
     }
-    if (error.empty() && removeIncludes(manager.host(), plan, error)) {
-        return ExitStatus::Done;
+    const Outcome removed = removeIncludes(manager.host(), plan);
+    if (!removed) {
+        complain(removed.why());
     }
-    complain(error);
-    return ExitStatus::Failed;
+    return removed ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 std::string withoutLineEnd(std::string line) {

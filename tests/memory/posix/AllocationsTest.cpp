@@ -43,9 +43,8 @@ const Row kRows[] = {
      }},
     {"update",
      [](const TempFolder& folder, FolderHost&) {
-         std::string why;
-         const auto plan = planValueUpdate(folder.path("fog.kez"), folder.path("newer.kez"), why);
-         return plan && updateKeepingValues(*plan, why);
+         const auto plan = planValueUpdate(folder.path("fog.kez"), folder.path("newer.kez"));
+         return plan && updateKeepingValues(*plan);
      }},
     {"add",
      [](const TempFolder& folder, FolderHost& host) {
@@ -120,8 +119,8 @@ TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
         const char* onDisk = kScript;  // once the panel has loaded it
     };
     const Way kWays[] = {
-        {"edit", [](CustomizeSession& session) { return session.setValue(1, "7"); }},
-        {"undo", [](CustomizeSession& session) { return session.undo().has_value(); }},
+        {"edit", [](CustomizeSession& session) { return bool(session.setValue(1, "7")); }},
+        {"undo", [](CustomizeSession& session) { return bool(session.undo()); }},
         {"save", [](CustomizeSession& session) { return session.save() == SaveResult::Saved; }},
         {"save over another's change",
          [](CustomizeSession& session) { return session.save() == SaveResult::Saved; }, kOthers},

@@ -27,9 +27,7 @@ std::string add(Project& project, ScriptedPrompt& prompt) {
     return adding.error();
 }
 std::string remove(Project& project, ScriptedPrompt&) {
-    std::string error;
-    EXPECT_FALSE(RemoveInclude(project.host, "fog.kez", &error));
-    return error;
+    return RemoveInclude(project.host, "fog.kez").why();
 }
 std::string update(Project& project, ScriptedPrompt& prompt) {
     CTemplateData catalogue;

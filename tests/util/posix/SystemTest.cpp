@@ -125,7 +125,7 @@ TEST(OsFiles, PipesAndDevicesAreNoFiles) {
     EXPECT_EQ(systemFiles().lastError(), "Operation not supported");
     // Takes no sibling: /dev keeps what it holds even if this fails.
     const FaultyOsFiles disk(FaultyOsFiles::every("openNew"));
-    const std::string error = safeWrite("\\dev\\null", "x").error;
+    const std::string error = safeWrite("\\dev\\null", "x").why();
     EXPECT_TRUE(error.ends_with("Operation not supported")) << error;
 }
 
@@ -195,13 +195,13 @@ TEST(SafeWrite, KeepsTheModeAndTheLink) {
     fs::create_symlink("real/later", folder.native("dangling"));
     fs::create_symlink("loop", folder.native("loop"));
 
-    EXPECT_EQ(safeWrite(folder.path("two"), "new").error, "");
+    EXPECT_EQ(safeWrite(folder.path("two"), "new").why(), "");
     EXPECT_TRUE(fs::is_symlink(folder.native("one")) && fs::is_symlink(folder.native("two")));
     EXPECT_EQ(folder.read("real/a"), "new");
     struct stat info;
     ASSERT_EQ(stat(folder.native("real/a").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0641u);
-    EXPECT_EQ(safeWrite(folder.path("dangling"), "made").error, "");
+    EXPECT_EQ(safeWrite(folder.path("dangling"), "made").why(), "");
     EXPECT_EQ(folder.read("real/later"), "made");
     EXPECT_TRUE(fs::is_symlink(folder.native("dangling")));
     EXPECT_FALSE(safeWrite(folder.path("loop"), "x"));
@@ -226,7 +226,7 @@ TEST(SafeWrite, NewContentHasTheOldModeFromItsFirstByteAndGeneratedFilesFollowNo
     const FileContent files[] = {
         {folder.path("secret"), "new"},
         {folder.path("secret.zoka"), "values", FileKind::Generated, std::nullopt, folder.path("secret")}};
-    EXPECT_EQ(safeWrite(files).error, "");
+    EXPECT_EQ(safeWrite(files).why(), "");
     EXPECT_EQ(modes, std::set<mode_t>{0600});
     char note[5] = "";
     EXPECT_TRUE(!hasAttributes || getxattr(folder.native("secret").c_str(), "user.note", note, 4) == 4);
@@ -234,7 +234,7 @@ TEST(SafeWrite, NewContentHasTheOldModeFromItsFirstByteAndGeneratedFilesFollowNo
     folder.write("outside", "precious");
     for (const char* target : {"outside", "nothing"}) {
         fs::create_symlink(target, folder.native("page.htm"));
-        const std::string error = safeWrite(folder.path("page.htm"), "x", FileKind::Generated).error;
+        const std::string error = safeWrite(folder.path("page.htm"), "x", FileKind::Generated).why();
         EXPECT_TRUE(error.ends_with("a link stands in its place")) << error;
         EXPECT_TRUE(fs::is_symlink(folder.native("page.htm")));
         fs::remove(folder.native("page.htm"));
@@ -293,7 +293,7 @@ TEST(FileLock, WaitsForItsHolderAndOutlivesOneThatIsGone) {
     }
     char byte;
     ASSERT_EQ(read(ready[0], &byte, 1), 1);
-    const std::string refusal = FileLock(link, std::chrono::milliseconds(30)).error();
+    const std::string refusal = FileLock(link, std::chrono::milliseconds(30)).why();
     EXPECT_NE(refusal.find("main.kez': another program is changing it"), std::string::npos) << refusal;
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
@@ -356,7 +356,7 @@ TEST(SafeWrite, TemporaryFilesGo) {
     ASSERT_TRUE(held);
     const timespec old[2] = {{now - 90'000, 0}, {now - 90'000, 0}};
     ASSERT_EQ(utimensat(AT_FDCWD, folder.native("~zk00000003.tmp").c_str(), old, 0), 0);
-    EXPECT_EQ(safeWrite(folder.path("a"), "x").error, "");
+    EXPECT_EQ(safeWrite(folder.path("a"), "x").why(), "");
     EXPECT_EQ(folder.names(),
               (std::vector<std::string>{"a", "~zk00000002.tmp", "~zk00000003.tmp", "~zkother"}));
 }
@@ -392,7 +392,7 @@ TEST(SafeWrite, RespectsRefusedAccess) {
     fs::permissions(folder.native("writable"), fs::perms(0666));
     {
         const AsNobody nobody;
-        const std::string error = safeWrite(folder.path("readonly"), "new").error;
+        const std::string error = safeWrite(folder.path("readonly"), "new").why();
         EXPECT_TRUE(error.ends_with("Permission denied")) << error;
     }
     EXPECT_EQ(folder.read("readonly"), "old") << "though the folder would let it be replaced";
@@ -403,11 +403,11 @@ TEST(SafeWrite, RespectsRefusedAccess) {
         // In place only by the user's choice.
         zoka::test::ScriptedPrompt prompt;
         prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
-        EXPECT_TRUE(safeWrite(folder.path("writable"), "new").error.ends_with("not written in place"));
+        EXPECT_TRUE(safeWrite(folder.path("writable"), "new").why().ends_with("not written in place"));
         EXPECT_EQ(folder.read("writable"), "old content");
-        EXPECT_EQ(safeWrite(folder.path("writable"), "new").error, "") << "written in place";
+        EXPECT_EQ(safeWrite(folder.path("writable"), "new").why(), "") << "written in place";
         setInPlace(InPlace::Refused);
-        EXPECT_NE(safeWrite(folder.path("writable"), "newer").error, "");
+        EXPECT_NE(safeWrite(folder.path("writable"), "newer").why(), "");
         setInPlace(InPlace::Ask);
         EXPECT_FALSE(safeWrite(folder.path("another"), "new"));
     }
@@ -430,7 +430,7 @@ TEST(SafeWrite, SurvivesADiskWithoutRoom) {
         ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
         const auto result = safeWrite(path, std::string(100'000, 'n'));
         ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-        EXPECT_TRUE(result.error.ends_with("File too large")) << result.error;
+        EXPECT_TRUE(result.why().ends_with("File too large")) << result.why();
         EXPECT_EQ(folder.read("a"), old);
         EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
     }

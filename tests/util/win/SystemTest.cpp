@@ -41,7 +41,7 @@ TEST(SafeWrite, KeepsAttributesAndCreationTime) {
     CloseHandle(file);
     const bool keepsCreation = timesOf(path).creation == in2000;
     ASSERT_TRUE(SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_HIDDEN));
-    EXPECT_EQ(safeWrite(path, "new").error, "");
+    EXPECT_EQ(safeWrite(path, "new").why(), "");
     EXPECT_EQ(folder.read("a.kez"), "new");
     EXPECT_TRUE(GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(timesOf(path).creation == in2000, keepsCreation);
@@ -57,7 +57,7 @@ TEST(SafeWrite, WritesWhatALinkLeadsTo) {
     CreateSymbolicLinkA(link.c_str(), target.c_str(), kForEveryUser);
     const DWORD attributes = GetFileAttributesA(link.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT)) {
-        EXPECT_EQ(safeWrite(link, "new").error, "");
+        EXPECT_EQ(safeWrite(link, "new").why(), "");
         EXPECT_EQ(folder.read("target.kez"), "new");
         EXPECT_TRUE(GetFileAttributesA(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT);
     }
@@ -67,12 +67,12 @@ TEST(SafeWrite, RefusesAFileThatIsReadOnlyOrThatAnotherProgramHolds) {
     const TempFolder folder;
     const std::string path = folder.write("a.kez", "old");
     ASSERT_TRUE(SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY));
-    EXPECT_NE(safeWrite(path, "new").error, "");
+    EXPECT_NE(safeWrite(path, "new").why(), "");
     ASSERT_TRUE(SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL));
     HANDLE other =
         CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(other, INVALID_HANDLE_VALUE);
-    EXPECT_NE(safeWrite(path, "new").error, "");
+    EXPECT_NE(safeWrite(path, "new").why(), "");
     CloseHandle(other);
     EXPECT_EQ(folder.read("a.kez"), "old");
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
@@ -89,7 +89,7 @@ TEST(SafeWrite, WaitsForAProgramThatHoldsTheFileForAMoment) {
             Sleep(200);
             CloseHandle(other);
         });
-        EXPECT_EQ(safeWrite(path, "new").error, "") << share;
+        EXPECT_EQ(safeWrite(path, "new").why(), "") << share;
         scanner.join();
         EXPECT_EQ(folder.read("a.kez"), "new");
     }
@@ -105,8 +105,8 @@ TEST(SafeWrite, TakesTheLongestPath) {
     }
     path += "\\" + std::string(254 - path.size(), 'f') + ".kez";
     ASSERT_EQ(path.size(), 259u);
-    EXPECT_EQ(safeWrite(path, "new").error, "");
-    EXPECT_EQ(safeWrite(path, "newer").error, "");
+    EXPECT_EQ(safeWrite(path, "new").why(), "");
+    EXPECT_EQ(safeWrite(path, "newer").why(), "");
     EXPECT_EQ(zoka::systemFiles().readWhole(path), "newer");
 }
 

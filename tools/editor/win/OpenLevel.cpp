@@ -37,7 +37,7 @@ bool OpenLevel::open(const std::string& path, std::string& error) {
 }
 
 bool OpenLevel::save(std::string& error) {
-    error = safeWrite(path(), writeLevelMap(map())).error;
+    error = safeWrite(path(), writeLevelMap(map())).why();
     return error.empty();
 }
 
