@@ -193,14 +193,34 @@ std::string ProjectPanel::emptyText() const {
     return m_source.empty() ? "Nothing is selected." : RowEditing::emptyText();
 }
 
+// Of the file that the row names, as it is shown; empty when it names none.
+std::string ProjectPanel::wholePath(size_t i) const {
+    const std::string& value = m_models[i].value();
+    const J8Roots& roots = m_session.model().m_roots;
+    const auto behind = [&value](std::string_view start) { return value.substr(start.size()); };
+    if (value.empty()) {
+        return {};
+    }
+    return value.starts_with("j8:")     ? m_texts.shown(roots.data()) + behind("j8:")
+           : value.starts_with("file:") ? behind("file:")
+           : value.starts_with("proj:") ? m_texts.shown(roots.project()) + behind("proj:")
+                                        : m_texts.shown(roots.project()) + value;
+}
+
 std::optional<std::string> ProjectPanel::browse(size_t i) {
     const Kind kind = m_source[i].field.kind;
     const J8Roots& roots = m_session.model().m_roots;
     ChooserRequest request;
-    request.title = m_models[i].facts().label;
     request.startFolder = m_texts.shown(kind == Kind::DataRoot ? roots.data() : roots.project());
     if (kind == Kind::ProjectRoot || kind == Kind::DataRoot) {
+        request.title = "Select a folder...";
+        request.text = m_models[i].facts().label;
         return userPrompt().chooseFolder(request);
+    }
+    request.title = m_models[i].facts().label;
+    if (const std::string now = wholePath(i); !now.empty()) {
+        request.startFolder = std::string(folderOf(now));
+        request.fileName = std::string(fileNameOf(now));
     }
     request.filter =
         kind == Kind::LevelMap ? "Level maps|*.zlb;*.zlm|All files|*.*" : "XML files|*.xml|All files|*.*";

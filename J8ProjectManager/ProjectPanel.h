@@ -70,6 +70,7 @@ private:
     enum class Shown { Nothing, Project, Level, Entity };
     void show(Shown shown, size_t level, size_t entity);
     EntryModel modelOf(const ProjectRow& row) const;
+    std::string wholePath(size_t i) const;
 
     ProjectSession& m_session;
     ProjectTexts m_texts;

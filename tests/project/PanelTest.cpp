@@ -143,6 +143,18 @@ TEST_F(ProjectPanelTest, DocumentationHasLinesAndMapsLieInTheProject) {
     EXPECT_EQ(panel.browse(map), "maps\\a.zlb");
     EXPECT_EQ(panel.browse(map), std::nullopt) << "the editor would look for it in the project folder";
     EXPECT_NE(prompt.texts().back().find("must be in the project folder"), std::string::npos);
+    // Choosers open on what the field names.
+    ASSERT_TRUE(panel.setValue(map, "maps\\old.zlb", &why)) << why;
+    prompt.requests.clear();
+    prompt.paths = {std::nullopt};
+    EXPECT_EQ(panel.browse(map), std::nullopt);
+    EXPECT_EQ(prompt.requests[0].startFolder, own + "maps");
+    EXPECT_EQ(prompt.requests[0].fileName, "old.zlb");
+    panel.showProject();
+    prompt.paths = {std::nullopt};
+    EXPECT_EQ(panel.browse(rowOf("Project folder")), std::nullopt);
+    EXPECT_EQ(prompt.requests[1].title, "Select a folder...");
+    EXPECT_EQ(prompt.requests[1].text, "Project folder");
 }
 
 TEST_F(ProjectPanelTest, SectionsWithoutATextHaveNoFile) {
