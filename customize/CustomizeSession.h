@@ -112,6 +112,7 @@ private:
     SaveResult saveInto(const std::string& project);
     bool takeIntoProject(const std::string& project, bool& copied);
     static bool sameFolder(const std::string& a, const std::string& b);
+    static bool isBelow(const std::string& path, const std::string& folder);
     SaveResult fail(const std::string& message, const std::string& problem = {});
     bool question(const std::string& text);
 

@@ -149,10 +149,24 @@ std::optional<std::string> CustomizeSession::projectForSave() {
     }
 }
 
+// Whether the file lies in the folder, at any depth.
+bool CustomizeSession::isBelow(const std::string& path, const std::string& folder) {
+    std::string parent(folderOf(path));
+    while (!sameFolder(parent, folder)) {
+        std::string next(folderOf(parent));
+        if (next.size() >= parent.size() || next.empty()) {
+            return false;
+        }
+        parent = std::move(next);
+    }
+    return true;
+}
+
 // A script straight from the template folder is never overwritten: the project's copy of it takes its place.
 bool CustomizeSession::takeIntoProject(const std::string& project, bool& copied) {
     const std::string path = m_panel.script.scriptPath;
-    if (!project.empty() && sameFolder(std::string(folderOf(path)), project)) {
+    if (!project.empty() && (sameFolder(std::string(folderOf(path)), project) ||
+                             (isBelow(path, project) && !isBelow(path, m_host.TemplatePath(""))))) {
         return true;
     }
     if (project.empty()) {

@@ -70,6 +70,17 @@ TEST_F(Session, AfterSavingTheRowsOfferTheHostsNamesOfNow) {
     EXPECT_FALSE(session.row(rowOf("Gone")).facts().hostNames) << "a plain text";
 }
 
+TEST_F(Session, AScriptInAFolderOfTheProjectIsSavedWhereItStands) {
+    std::filesystem::create_directory(project.native("lib"));
+    ASSERT_TRUE(session.open(project.write("lib/s.kez", kOld)));
+    set("Range", "11");
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("lib/s.kez"), HasSubstr("range = 11;"));
+    EXPECT_NE(project.read("lib/s.kez.zoka"), "<missing>");
+    EXPECT_EQ(project.read("s.kez"), "<missing>");
+    EXPECT_THAT(prompt.texts(), IsEmpty());
+}
+
 TEST_F(Session, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
     const std::string path = suite.write("templates/t.kez", kOld);
     ASSERT_TRUE(session.open(path));
@@ -215,6 +226,8 @@ TEST_F(Session, AnEmptiedValueIsSavedOnlyAfterAQuestion) {
     set("Gone", "");
     prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
     EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_THAT(prompt.asked[0].text,
+                testing::StartsWith("After saving, these entries will disappear from this panel "));
     EXPECT_THAT(prompt.asked[0].text, HasSubstr("\"Gone\" (line 13)"));
     EXPECT_EQ(project.read("s.kez"), kOld);
     EXPECT_EQ(session.save(), SaveResult::Saved);
