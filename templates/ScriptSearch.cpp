@@ -1,5 +1,8 @@
 #include "templates/ScriptSearch.h"
 
+#include <algorithm>
+
+#include "controls/TextSet.h"
 #include "templates/ScriptNeeds.h"
 
 namespace zoka {
@@ -8,6 +11,12 @@ namespace {
 
 // Records between two looks at the progress: often enough to keep a window alive, too seldom to be felt.
 constexpr std::uint32_t kStep = 1024;
+
+// In a form that doesn't depend on case, nor on the set that a catalogue's file, or what is searched for, is in.
+std::string searchable(const std::string& text) {
+    const bool ascii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return ascii ? lowered(text) : foldedText(text, textSetOf(text));
+}
 
 std::vector<std::string> wordsOf(const std::string& query) {
     std::vector<std::string> words;
@@ -44,19 +53,19 @@ bool ScriptSearch::take(const CTemplateData& catalogue, JobProgress* progress) {
             !mayContinue(progress, record, rows.size(), std::string(row.displayName()))) {
             return false;
         }
-        m_classes.push_back(lowered(row.className));
+        m_classes.push_back(searchable(std::string(row.className)));
         std::string text(row.name);
         ((text += '\n') += row.className) += '\n';
         ((text += row.filename) += '\n') += catalogue.description(record);
-        m_texts.push_back(lowered(text));
+        m_texts.push_back(searchable(text));
         m_found.push_back(record);
     }
     return true;
 }
 
 const std::vector<std::uint32_t>& ScriptSearch::find(const std::string& className, const std::string& query) {
-    const std::string wantedClass = lowered(className);
-    const std::string wanted = lowered(query);
+    const std::string wantedClass = searchable(className);
+    const std::string wanted = searchable(query);
     const std::vector<std::string> words = wordsOf(wanted);
     const auto matches = [&](std::uint32_t record) {
         if (wantedClass != "<all>" && m_classes[record] != wantedClass) {

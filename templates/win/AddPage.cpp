@@ -39,8 +39,9 @@ void AddPage::createControls() {
     m_detailsLabel = label("&Details:");
     m_details = makeReadOnlyText(window(), kDetails, font);
 
-    for (const std::string& name : session().classes()) {
-        SendMessageA(m_class, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    m_classes = session().classes();
+    for (const std::string& name : m_classes) {
+        SendMessageW(m_class, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wideReport(name).c_str()));
     }
     SendMessageA(m_class, CB_SETCURSEL, 0, 0);
     // The titles follow while the user looks at the list already.
@@ -96,8 +97,9 @@ std::string AddPage::cell(int row, int column) {
 }
 
 void AddPage::filter() {
-    const std::string query = textOf(m_search);
-    m_rows = &session().search(chosenItem(m_class), query);
+    const std::string query = textOf(m_search, CP_UTF8);
+    const auto chosen = static_cast<size_t>(SendMessageA(m_class, CB_GETCURSEL, 0, 0));
+    m_rows = &session().search(chosen < m_classes.size() ? m_classes[chosen] : m_classes.front(), query);
     m_list.setCount(static_cast<int>(m_rows->size()));
     const size_t all = session().catalogue().scripts().size();
     setText(m_found, "&Scripts: " + std::to_string(m_rows->size()) +
@@ -151,7 +153,7 @@ void AddPage::showSelection() {
             text += "\r\n\r\nActions:\r\n" + details.actions;
         }
     }
-    setText(m_details, text);
+    setReport(m_details, text);
     SetTimer(window(), kPlanTimer, kPlanAfter, nullptr);
 }
 
@@ -162,7 +164,7 @@ void AddPage::showPlan() {
     }
     const AddPlan plan = session().plan(*m_record);
     m_planned = m_record;
-    setText(m_plan, plan.summary());
+    setReport(m_plan, plan.summary());
     // One that is included already may have needs that are missing.
     enable(m_add, !plan.isIncludedAlready());
 }
@@ -171,8 +173,8 @@ void AddPage::fillTitles(size_t atMost) {
     const std::vector<CTemplateData::Row>& rows = session().catalogue().rows();
     const size_t end = std::min(rows.size(), m_titlesFilled + atMost);
     for (; m_titlesFilled < end; ++m_titlesFilled) {
-        SendMessageA(m_titles, CB_ADDSTRING, 0,
-                     reinterpret_cast<LPARAM>(std::string(rows[m_titlesFilled].displayName()).c_str()));
+        const std::wstring title = wideReport(std::string(rows[m_titlesFilled].displayName()));
+        SendMessageW(m_titles, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(title.c_str()));
     }
     if (m_titlesFilled == rows.size()) {
         KillTimer(window(), kFillTimer);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "templates/win/PageWindow.h"
@@ -40,6 +41,7 @@ private:
     HWND m_found = nullptr, m_titleLabel = nullptr, m_titles = nullptr, m_add = nullptr;
     HWND m_planLabel = nullptr, m_plan = nullptr, m_detailsLabel = nullptr, m_details = nullptr;
     RowList m_list;
+    std::vector<std::string> m_classes;                  // as the drop list shows them
     const std::vector<std::uint32_t>* m_rows = nullptr;  // records, ascending; the session's
     std::optional<std::uint32_t> m_record;
     std::optional<std::uint32_t> m_planned;  // the record whose plan is shown

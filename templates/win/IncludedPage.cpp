@@ -54,7 +54,7 @@ void IncludedPage::showSelection() {
     if (m_other) {
         enable(m_other, row >= 0 && canDoOther(index));
     }
-    setText(m_note, row < 0 ? "The main script includes no scripts." : note(index));
+    setReport(m_note, row < 0 ? "The main script includes no scripts." : note(index));
 }
 
 void IncludedPage::command(int id, int code) {

@@ -27,11 +27,11 @@ void NotesPage::refresh() {
     std::string text;
     m_frame.runJob("Reading the project's scripts",
                    [&](JobProgress& progress) { text = session().notes(&progress); });
-    setText(m_notes, text);
+    setReport(m_notes, text);
 }
 
 void NotesPage::mainAction() {
-    m_frame.setStatus(copyToClipboard(m_frame.window(), textOf(m_notes))
+    m_frame.setStatus(copyToClipboard(m_frame.window(), textOf(m_notes, CP_UTF8))
                           ? "The notes are on the clipboard"
                           : "Not copied: another program uses the clipboard");
 }

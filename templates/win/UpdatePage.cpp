@@ -103,7 +103,7 @@ void UpdatePage::showEntries() {
     SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
     SendMessageA(m_list, LB_RESETCONTENT, 0, 0);
     for (const UpdateEntry& entry : entries) {
-        SendMessageA(m_list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.line.c_str()));
+        SendMessageW(m_list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wideReport(entry.line).c_str()));
     }
     SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(m_list, nullptr, TRUE);
@@ -290,7 +290,8 @@ void UpdatePage::draw(const DRAWITEMSTRUCT& item) {
         line.top += fonts().y(kRowPadding);
         for (const std::string& text : linesOf(entries[item.itemID].line)) {
             line.bottom = line.top + fonts().lineHeight();
-            DrawTextA(item.hDC, text.data(), static_cast<int>(text.size()), &line,
+            const std::wstring shown = wideReport(std::string(text));
+            DrawTextW(item.hDC, shown.data(), static_cast<int>(shown.size()), &line,
                       DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
             line.top = line.bottom;
             line.left = item.rcItem.left + fonts().x(10);  // what is missing stands under its script

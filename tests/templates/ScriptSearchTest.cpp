@@ -6,6 +6,20 @@
 
 using namespace zoka;
 
+// A catalogue's texts are in the set of its file, and what is typed is in that of the window or of the terminal.
+TEST(ScriptSearch, FindsLettersWithAccentsInEitherSet) {
+    for (const char* const title : {"Caf\xE9", "Caf\xC3\xA9"}) {
+        CTemplateData data;
+        data.AddScript(test::script("Fog", "fog.kez", "Weather"));
+        data.AddScript(test::script(title, "cafe.kez", title));
+        ScriptSearch search(data);
+        for (const char* const query : {"caf\xE9", "CAF\xC9", "caf\xC3\xA9", "CAF\xC3\x89"}) {
+            EXPECT_EQ(search.find("<ALL>", query), std::vector<std::uint32_t>{1}) << title << " " << query;
+            EXPECT_EQ(search.find(query, ""), std::vector<std::uint32_t>{1}) << title << " " << query;
+        }
+    }
+}
+
 TEST(ScriptSearch, NarrowsAsOneTypes) {
     CTemplateData data;
     const char* const scripts[][4] = {{"Fog", "fog.kez", "Weather", "Thick air"},

@@ -181,7 +181,7 @@ void PageShell::refreshOtherPagesLater() {
 }
 
 void PageShell::setStatus(const std::string& text) {
-    setText(m_status, text);
+    setReport(m_status, text);
 }
 
 void PageShell::entered() {

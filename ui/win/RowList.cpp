@@ -1,7 +1,6 @@
 #include "ui/win/RowList.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace zoka {
 
@@ -15,14 +14,6 @@ COLORREF paleHighlight() {
                mix(GetBValue(strong), GetBValue(plain)));
 }
 
-std::string narrow(const wchar_t* text) {
-    const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string made(length > 0 ? static_cast<size_t>(length) : 1, '\0');
-    WideCharToMultiByte(CP_ACP, 0, text, -1, made.data(), length, nullptr, nullptr);
-    made.pop_back();
-    return made;
-}
-
 }  // namespace
 
 void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
@@ -33,6 +24,8 @@ void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
                            LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_TABSTOP |
                                static_cast<DWORD>(header ? LVS_NOSORTHEADER : LVS_NOCOLUMNHEADER),
                            WS_EX_CLIENTEDGE, id, font);
+    // Its texts are asked for in UTF-16, though the dialog around it is one of 8-bit texts.
+    SendMessageA(m_window, LVM_SETUNICODEFORMAT, TRUE, 0);
     SendMessageA(m_window, LVM_SETEXTENDEDLISTVIEWSTYLE, 0,
                  LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP | LVS_EX_DOUBLEBUFFER);
     m_columns = columns;
@@ -136,26 +129,20 @@ bool RowList::userMayHaveSelected(const NMHDR& header) const {
 
 LRESULT RowList::notified(NMHDR& header) const {
     switch (header.code) {
-        case static_cast<UINT>(LVN_GETDISPINFOA): {
-            LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
+        case static_cast<UINT>(LVN_GETDISPINFOW): {
+            LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
             if ((item.mask & LVIF_TEXT) != 0 && item.cchTextMax > 0) {
-                const std::string text = m_text(item.iItem, item.iSubItem);
-                const size_t length = std::min(text.size(), static_cast<size_t>(item.cchTextMax) - 1);
-                std::memcpy(item.pszText, text.data(), length);
+                const std::wstring text = wideReport(m_text(item.iItem, item.iSubItem));
+                const size_t length = text.copy(item.pszText, static_cast<size_t>(item.cchTextMax) - 1);
                 item.pszText[length] = 0;
             }
             return 0;
         }
         case static_cast<UINT>(NM_CUSTOMDRAW):
             return paint(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
-        case static_cast<UINT>(LVN_ODFINDITEMA): {
-            const auto& search = reinterpret_cast<const NMLVFINDITEMA&>(header);
-            return find(search.iStart, search.lvfi.flags, search.lvfi.psz ? search.lvfi.psz : "");
-        }
-        case static_cast<UINT>(
-            LVN_ODFINDITEMW): {  // some systems ask this way in a window of 8-bit texts, too
+        case static_cast<UINT>(LVN_ODFINDITEMW): {
             const auto& search = reinterpret_cast<const NMLVFINDITEMW&>(header);
-            return find(search.iStart, search.lvfi.flags, narrow(search.lvfi.psz ? search.lvfi.psz : L""));
+            return find(search.iStart, search.lvfi.flags, search.lvfi.psz ? search.lvfi.psz : L"");
         }
         default:
             return 0;
@@ -187,7 +174,7 @@ LRESULT RowList::paint(NMLVCUSTOMDRAW& draw) const {
 }
 
 // The typed beginning of a row's first text, from a row on and around the end.
-int RowList::find(int start, UINT flags, const std::string& typed) const {
+int RowList::find(int start, UINT flags, const std::wstring& typed) const {
     const bool partial = (flags & LVFI_PARTIAL) != 0;
     if ((!partial && (flags & LVFI_STRING) == 0) || typed.empty()) {
         return -1;
@@ -196,9 +183,9 @@ int RowList::find(int start, UINT flags, const std::string& typed) const {
     const int length = static_cast<int>(typed.size());
     for (int i = 0; i < rows; ++i) {
         const int row = (std::max(start, 0) + i) % rows;
-        const std::string text = m_text(row, 0);
+        const std::wstring text = wideReport(m_text(row, 0));
         const int size = static_cast<int>(text.size());
-        if (size >= length && CompareStringA(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(),
+        if (size >= length && CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.data(),
                                              partial ? length : size, typed.data(), length) == CSTR_EQUAL) {
             return row;
         }

@@ -52,7 +52,7 @@ public:
 
 private:
     LRESULT paint(NMLVCUSTOMDRAW& draw) const;
-    int find(int start, UINT flags, const std::string& typed) const;
+    int find(int start, UINT flags, const std::wstring& typed) const;
     void fitColumns() const;
 
     HWND m_window = nullptr;

@@ -359,6 +359,10 @@ void setText(HWND window, const std::string& text, UINT codePage) {
     }
 }
 
+void setReport(HWND window, const std::string& text) {
+    setText(window, narrowText(wideReport(text), CP_UTF8), CP_UTF8);
+}
+
 void enable(HWND control, bool enabled) {
     if ((IsWindowEnabled(control) != 0) == enabled) {
         return;

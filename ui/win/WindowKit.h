@@ -114,6 +114,8 @@ COLORREF inkOfWrong();
 std::string textOf(HWND window, UINT codePage = CP_ACP);
 // Does nothing when the window shows the text already, so nothing flickers.
 void setText(HWND window, const std::string& text, UINT codePage = CP_ACP);
+// The same of a text that tells of files, as wideReport.
+void setReport(HWND window, const std::string& text);
 void enable(HWND control, bool enabled);
 // The chosen item of a drop list; empty when none is.
 std::string chosenItem(HWND dropList);
