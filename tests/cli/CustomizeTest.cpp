@@ -194,12 +194,17 @@ TEST_F(Customize, ComparesResetsAndUpdatesByTheTemplate) {
          {std::pair("none", 2), {"t.kez", 2}, {"none/s.kez", 3}, {"s.kez", 3}}) {
         run = folder.run(std::string("customize update s.kez -t ") + original);
         EXPECT_EQ(run.status, status) << original;
+        EXPECT_EQ(folder.run(std::string("customize reset s.kez -t ") + original).status,
+                  original == std::string("s.kez") ? 0 : status)
+            << original;
         EXPECT_EQ(folder.read("s.kez"), with("// id: 4", "// id: 6")) << original;
     }
 }
 
 TEST_F(Customize, ExportsAndImportsValueFiles) {
     EXPECT_EQ(folder.run("customize export s.kez -o -").out, "1\n2\n0\n\n4\n11\n10\n\n5\n8\n0\n\n");
+    EXPECT_EQ(folder.run("customize export s.kez -o new/deep/s.zoka").status, 1) << "one has no id";
+    EXPECT_EQ(folder.read("new/deep/s.zoka"), "1\n2\n0\n\n4\n11\n10\n\n5\n8\n0\n\n");
     EXPECT_EQ(folder.run("customize export s.kez -o ./S.KEZ").status, 2);
     EXPECT_EQ(folder.read("s.kez"), kScript);
     const ToolRun run = folder.run("customize import s.kez -i -", "1\n2\n0\n\n4\n11\n33\n\n9\n8\n0\n\n");

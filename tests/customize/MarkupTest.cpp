@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 
 #include "customize/CustomMarkup.h"
@@ -190,6 +191,17 @@ TEST(Markup, ControlsAndTheirLimits) {
     readControl("drop_list a b", list, nullptr);
     readControl("drop c\t d", list, nullptr);
     EXPECT_THAT(list.options, ElementsAre("c", "d"));
+}
+
+// A limit of 80,000 digits took six seconds.
+TEST(Markup, LimitsOfManyCharactersTakeNoTime) {
+    for (const char character : {'1', ' ', 'x'}) {
+        CustomEntry entry;
+        const auto start = std::chrono::steady_clock::now();
+        readControl("spin " + std::string(800000, character) + " 5", entry, nullptr);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << character;
+        EXPECT_EQ(entry.controlKind, 0);
+    }
 }
 
 TEST(Markup, APairBelongsToItsValueAndIsWrittenLikeIt) {

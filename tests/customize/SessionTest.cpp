@@ -34,6 +34,22 @@ TEST_F(Session, TellsOfPicturesThatAreMissing) {
     EXPECT_EQ(session.findingsText(), "");
 }
 
+// Each line below a switch is an entry with its label and help: those are copies, and have a bound.
+TEST_F(Session, ManyLinesBelowOneLongSwitchAreRefusedBeforeTheyFillTheMemory) {
+    const auto script = [](size_t label, int lines) {
+        std::string text = "// enable: " + std::string(label, 'L') + "\r\n// id: 1\r\n";
+        for (int i = 0; i < lines; ++i) {
+            text += "//define A" + std::to_string(i) + ";\r\n";
+        }
+        return text;
+    };
+    EXPECT_TRUE(session.open(project.write("many.kez", script(40, 6000))));
+    EXPECT_EQ(session.size(), 6000u);
+    EXPECT_FALSE(session.open(project.write("large.kez", script(90000, 6000))));
+    EXPECT_THAT(session.problem(), HasSubstr("it is too large to be customized: more than "));
+    EXPECT_EQ(session.size(), 6000u) << "the script before stays";
+}
+
 // A panel that is to leave stops at any step, with what it showed before.
 TEST_F(Session, OpeningCanBeStoppedAtEachStep) {
     struct Stop : JobProgress {
