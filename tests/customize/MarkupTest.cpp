@@ -234,8 +234,7 @@ TEST(Markup, AScriptWithTooManyEntriesIsRefused) {
     }
     const test::TempFolder folder;
     CustomScript script;
-    std::string why;
-    EXPECT_FALSE(LoadCustomScript(folder.write("a.kez", text), script, &why));
+    const std::string why = LoadCustomScript(folder.write("a.kez", text), script).why();
     EXPECT_TRUE(why.starts_with("it is too large to be customized: more than ")) << why;
     EXPECT_TRUE(script.entries.empty());
 }
