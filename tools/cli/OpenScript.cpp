@@ -1,8 +1,10 @@
 #include "tools/cli/OpenScript.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "tools/cli/SuitePath.h"
+#include "util/Doors.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -42,7 +44,12 @@ OpenScript::OpenScript(const std::string& file, bool changes)
             return;
         }
     }
-    m_open = m_session.open(m_path);
+    try {
+        m_open = m_session.open(m_path);
+    } catch (const std::runtime_error&) {  // memory ran out; the session names the whole path
+        complain(outOfMemoryText(file));
+        return;
+    }
     if (!m_open) {
         const std::string& problem = m_session.problem();
         complainUnreadable(file, problem.substr(problem.find("': ") + 3));
