@@ -144,7 +144,7 @@ TEST_F(ProjectPanelTest, DocumentationHasLinesAndMapsLieInTheProject) {
     EXPECT_EQ(panel.browse(map), std::nullopt) << "the editor would look for it in the project folder";
     EXPECT_NE(prompt.texts().back().find("must be in the project folder"), std::string::npos);
     // Choosers open on what the field names.
-    ASSERT_TRUE(panel.setValue(map, "maps\\old.zlb", &why)) << why;
+    ASSERT_EQ(panel.setValue(map, "maps\\old.zlb").why(), "");
     prompt.requests.clear();
     prompt.paths = {std::nullopt};
     EXPECT_EQ(panel.browse(map), std::nullopt);
