@@ -16,7 +16,8 @@ constexpr const char* kCheckFilesName = "CheckFiles()";
 
 // The root element of a wizard; the empty node when the file is none.
 XMLNode openWizard(const std::string& path) {
-    return XMLNode::parseFile(path.c_str(), "Wizard", nullptr, {}, XMLCharset::Utf8);
+    const auto bytes = osFiles().readWhole(path);
+    return bytes ? XMLNode::parseBytes(*bytes, "Wizard", nullptr, {}, XMLCharset::Utf8) : XMLNode();
 }
 
 std::string titleOf(const XMLNode& wizard, const std::string& path) {

@@ -155,7 +155,7 @@ TEST(Wizard, ChecksWhatBecameOfTheFile) {
         // The first look finds a wizard, the second one none.
         int opened = 0;
         FaultyOsFiles files([&](int, std::string_view op, const std::string& path) {
-            return op == "openStream" && path.ends_with("a.xml") && ++opened == 2;
+            return op == "readWhole" && path.ends_with("a.xml") && ++opened == 2;
         });
         EXPECT_EQ(wizards.Check(message, 0), -2);
         EXPECT_EQ(message, "Bad Wizard Xml: " + wizards.paths()[0]);
