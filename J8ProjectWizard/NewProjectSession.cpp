@@ -169,15 +169,21 @@ bool NewProjectSession::browse(NewProjectField which) {
 
 std::string NewProjectSession::projectFolder() const {
     const std::string& path = text(NewProjectField::Path);
-    const std::string& name = text(NewProjectField::FolderName);
+    const std::string name = folderName();
     return path.empty() || name.empty() ? std::string() : withSeparator(osFiles().fullPath(path)) + name;
+}
+
+std::string NewProjectSession::folderName() const {
+    const std::string& typed = text(NewProjectField::FolderName);
+    const size_t last = typed.find_last_not_of("\\/");
+    return last == typed.npos ? typed : typed.substr(0, last + 1);
 }
 
 std::string NewProjectSession::rowName(size_t row) const {
     if (row > 0) {
         return m_tree.rows()[row].name;
     }
-    const std::string& name = text(NewProjectField::FolderName);
+    const std::string name = folderName();
     return name.empty() ? "(the project folder)" : name + "\\";
 }
 
@@ -232,7 +238,7 @@ void NewProjectSession::seen(const DiskLook& look) {
 // What is wrong with the project folder.
 std::string NewProjectSession::folderProblem() const {
     const std::string folder = projectFolder();
-    const std::string& name = text(NewProjectField::FolderName);
+    const std::string name = folderName();
     if (const std::string why = nameRefusal(name); !why.empty()) {
         return "The folder name \"" + name + "\" " + why + ".";
     }

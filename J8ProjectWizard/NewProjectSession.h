@@ -81,6 +81,8 @@ private:
     // The texts of name and documentation as the data holds them.
     std::string storedText(NewProjectField which, const std::string& original) const;
     std::string projectFolder() const;
+    // As typed, without separators behind it.
+    std::string folderName() const;
     std::string folderProblem() const;
     std::string hindrance() const;
     // What is wrong, though the project can be made.

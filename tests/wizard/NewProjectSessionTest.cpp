@@ -168,14 +168,18 @@ TEST_F(NewProjectSessionTest, ShowsBothTextsOfAFailedRunAndTakesBackWhatItMade) 
     NewProjectSession session(prompt);
     session.select(0);
     fill(session);
-    session.setText(NewProjectField::FolderName, "there");
-    EXPECT_FALSE(ok(session));
-    EXPECT_EQ(prompt.texts(),
-              (Texts{"Could not overwrite a file/folder (make sure folder doesn't already exist).",
-                     suite.folder.path("games") + "\\there"}));
-    EXPECT_EQ(session.text(NewProjectField::Path), suite.folder.path("games"));
+    for (const char* name : {"there", "there\\", "there//"}) {  // a separator behind the name is none of it
+        session.setText(NewProjectField::FolderName, name);
+        EXPECT_EQ(session.rowName(0), "there\\") << name;
+        EXPECT_FALSE(ok(session));
+        EXPECT_EQ(prompt.texts(),
+                  (Texts{"Could not overwrite a file/folder (make sure folder doesn't already exist).",
+                         suite.folder.path("games") + "\\there"}))
+            << name;
+        EXPECT_EQ(session.text(NewProjectField::Path), suite.folder.path("games"));
+        prompt.asked.clear();
+    }
 
-    prompt.asked.clear();
     prompt.answers = {PromptAnswer::Yes};
     session.setText(NewProjectField::FolderName, "g");
     {
