@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "J8ProjectManager/ProjectLosses.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -117,12 +118,21 @@ std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const 
     return placed;
 }
 
+bool areOfOneField(const ProjectChange& one, const ProjectChange& other) {
+    return one.kind == Kind::Value && other.kind == Kind::Value && one.address == other.address;
+}
+
 // "level/harbour/doc = by the sea", for the user.
+std::string valueLine(const ProjectChange& change, const std::optional<std::string>& value) {
+    return change.address + (value ? " = " + *value : " without a value");
+}
+
 std::string lineOf(const ProjectChange& change) {
     switch (change.kind) {
         case Kind::Value:
-            return change.address +
-                   (change.after ? " = " + shortText(*change.after) : std::string(" without a value"));
+            return valueLine(change, change.after ? std::optional(shortText(*change.after)) : std::nullopt);
+        case Kind::LevelAdded:
+            return change.address + " added";
         case Kind::EntityAdded:
             return change.address + ": entity \"" + shortText(change.entityAfter->name) + "\" added";
         case Kind::LevelRemoved:
@@ -131,9 +141,8 @@ std::string lineOf(const ProjectChange& change) {
         case Kind::LevelMoved:
         case Kind::EntityMoved:
             return change.address + " moved";
-        default:
-            return change.address;
     }
+    return change.address;
 }
 
 }  // namespace
@@ -284,6 +293,33 @@ std::optional<std::string> ProjectEdits::savedValue(const CJ8ProjectManager& pro
     return value;
 }
 
+std::vector<std::string> ProjectEdits::unsavedLines() const {
+    const size_t saved = m_saved < 0 ? 0 : static_cast<size_t>(m_saved);
+    const bool forward = saved <= m_done;
+    std::vector<const ProjectChange*> changes;
+    const auto add = [&](const ProjectChange& change) {
+        std::erase_if(changes, [&](const ProjectChange* earlier) { return areOfOneField(*earlier, change); });
+        changes.push_back(&change);
+    };
+    for (size_t i = saved; i < m_done; ++i) {
+        std::ranges::for_each(m_steps[i], add);
+    }
+    for (size_t i = saved; i > m_done; --i) {
+        std::for_each(m_steps[i - 1].rbegin(), m_steps[i - 1].rend(), add);
+    }
+    std::vector<std::string> lines;
+    if (m_saved < 0) {
+        lines.push_back("changes that had been saved were taken back");
+    }
+    for (const ProjectChange* const change : changes) {
+        const bool isValue = change->kind == Kind::Value;
+        const std::string line = isValue ? valueLine(*change, forward ? change->after : change->before)
+                                         : lineOf(*change) + (forward ? "" : ", taken back");
+        lines.push_back(onOneLine(line, "\\n"));
+    }
+    return lines;
+}
+
 void ProjectEdits::clear() {
     m_steps.clear();
     m_done = 0;
@@ -312,10 +348,8 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
         for (const ProjectChange& change : steps[i]) {
             if (!madeAnew(change, all)) {
                 // Of several values of one field the last one is the user's.
-                std::erase_if(unplaced, [&](const ProjectChange* earlier) {
-                    return earlier->kind == Kind::Value && change.kind == Kind::Value &&
-                           earlier->address == change.address;
-                });
+                std::erase_if(unplaced,
+                              [&](const ProjectChange* earlier) { return areOfOneField(*earlier, change); });
                 unplaced.push_back(&change);
             }
         }

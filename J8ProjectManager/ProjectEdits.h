@@ -56,7 +56,10 @@ public:
     // The value that the field had at the last markSaved; nothing where its level or entity was not there, or where
     // no undo leads there any more.
     std::optional<std::string> savedValue(const CJ8ProjectManager& project, ProjectField field) const;
-    void markSaved() { m_saved = static_cast<std::ptrdiff_t>(m_done); }
+    // A line for each change since the last markSaved, with its value whole: "level/harbour/doc = by the sea"; of
+    // several values of one field the last one. Where no undo leads to that state, all that is done.
+    std::vector<std::string> unsavedLines() const;
+    void markSaved() noexcept { m_saved = static_cast<std::ptrdiff_t>(m_done); }
     void clear();
 
     // Does again, in a project that was loaded anew, what is done; it becomes one step. What was taken back

@@ -42,6 +42,9 @@ struct ProjectProblem {
                   place = 0;  // the same place as J8Finding has it; `place` 0: the file as a whole
 };
 
+// Of the file with edits that could not be saved, in UTF-8, a line each; later ones are added to it.
+inline constexpr const char* kUnsavedEditsEnding = ".zoka.old";
+
 class ProjectSession {
 public:
     ProjectSession(CJ8ProjectManager& model, UserPrompt& prompt) : m_model(model), m_prompt(prompt) {}
@@ -121,6 +124,10 @@ public:
     bool reload();
     // True when the window may close: asks about changes.
     bool close();
+    // Something was thrown and the window goes: asks whether the edits are to be kept, and saves the project; where that
+    // fails they go as lines into a file beside it, its name with kUnsavedEditsEnding. Nothing may show the model any
+    // more: modelReplaced is not called. Never throws.
+    void offerUnsaved() noexcept;
     // The bytes that a save would write now.
     std::string text() const;
     // Those of the file, as loaded.

@@ -3,7 +3,10 @@
 
 #include "J8ProjectManager/ProjectSession.h"
 #include "util/Backups.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
 
 namespace zoka {
 namespace {
@@ -20,6 +23,24 @@ std::string listed(const std::vector<std::string>& lines) {
         text += "and " + std::to_string(lines.size() - kListed) + " more\n";
     }
     return text;
+}
+
+// Behind those that the file beside the project has already.
+Outcome keepLines(const std::string& project, const std::vector<std::string>& lines) {
+    const std::string path = project + kUnsavedEditsEnding;
+    auto text = osFiles().readWhole(path);
+    if (!text) {
+        const std::string why = osFiles().lastError();
+        if (osFiles().exists(path)) {  // what it keeps must not be overwritten
+            return Refusal{"Can't read '" + path + "': " + why};
+        }
+        text.emplace();
+    }
+    for (const std::string& line : lines) {
+        *text += line + '\n';
+    }
+    const FileContent file{path, *text, FileKind::Generated, std::nullopt, project};
+    return safeWrite({&file, 1});
 }
 
 }  // namespace
@@ -130,6 +151,7 @@ ProjectSave ProjectSession::save(bool force) {
             return fail(m_model.problem().empty() ? "The project could not be saved." : m_model.problem());
         }
     }
+    m_edits.markSaved();
     // Loaded again, the model knows the places of the file that was written. That text is taken, not what the disk
     // holds by now: undo goes on, and its steps are made for this project.
     if (auto text = m_model.fileText({}, m_model.m_date)) {
@@ -137,7 +159,6 @@ ProjectSave ProjectSession::save(bool force) {
             replaceModel(std::move(written));
         }
     }
-    m_edits.markSaved();
     return ProjectSave::Saved;
 }
 
@@ -171,6 +192,31 @@ bool ProjectSession::close() {
         return saved == ProjectSave::Saved || saved == ProjectSave::NothingToSave;
     }
     return answer == PromptAnswer::No;
+}
+
+void ProjectSession::offerUnsaved() noexcept {
+    keepInside([this] {
+        modelReplaced = nullptr;
+        if (!hasChanges()) {
+            return;
+        }
+        const std::vector<std::string> lines = m_edits.unsavedLines();
+        const std::string name(fileNameOf(m_path));
+        const bool isOne = lines.size() == 1;
+        if (!question("The window has to close, and " +
+                      (isOne ? "an edit" : std::to_string(lines.size()) + " edits") + " of '" + name + "' " +
+                      (isOne ? "is" : "are") + " not saved.\n\nKeep " + (isOne ? "it?" : "them?"))) {
+            return;
+        }
+        keepInside([this] { save(); }, name);
+        if (!hasChanges()) {
+            return;
+        }
+        const Outcome kept = keepLines(m_path, lines);
+        m_prompt.tell(kept ? "The edits are in '" + name + kUnsavedEditsEnding +
+                                 "', beside the project, as lines of text; the project is as it was."
+                           : "The edits could not be kept: " + kept.why());
+    });
 }
 
 }  // namespace zoka

@@ -62,6 +62,13 @@ public:
     ProjectSave save();
     // True when the panel may close: asks about unsaved edits of components.
     bool close();
+    // Something was thrown and the panel goes: offers to keep unsaved edits of components. Only the object's end may
+    // follow. Never throws.
+    void offerUnsaved() noexcept {
+        if (m_components) {
+            m_components->offerUnsaved();
+        }
+    }
     // The editor has another project open than the one with the unsaved edits: its entities' components are not shown
     // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
     bool otherProjectOpen() const { return m_isOtherProject; }

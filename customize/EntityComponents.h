@@ -77,6 +77,8 @@ public:
     ProjectSave save();
     // True when the panel may close: asks about unsaved edits.
     bool close() { return m_project.close(); }
+    // As ProjectSession's. The rows are not to be used any more.
+    void offerUnsaved() noexcept { m_project.offerUnsaved(); }
 
 private:
     struct Row {

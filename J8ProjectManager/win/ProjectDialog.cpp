@@ -69,6 +69,7 @@ private:
     void command(int id, int code) override;
     bool takesKey(const MSG& message) override;
     bool mayClose() override;
+    void failed() override;
     void showState();
     void save();
     void reload();
@@ -224,6 +225,13 @@ void ProjectDialog::reload() {
 
 bool ProjectDialog::mayClose() {
     return (!page() || page()->commit()) && m_session.close();
+}
+
+// The pages go first: a save puts another model in the place of the one that they show.
+void ProjectDialog::failed() {
+    removePages();
+    m_session.offerUnsaved();
+    PageShell::failed();
 }
 
 }  // namespace

@@ -64,6 +64,12 @@ void CALLBACK BehaviorDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
     });
 }
 
+void BehaviorDialog::failed() {
+    KillTimer(window(), reinterpret_cast<UINT_PTR>(this));
+    m_session.offerUnsaved();
+    RowsDialog::failed();
+}
+
 // The action's own title, if its markup has one, with a mark while another project is open and one while components have unsaved edits.
 std::string BehaviorDialog::caption() const {
     return (m_session.title().empty() ? kCaption : m_session.title()) +

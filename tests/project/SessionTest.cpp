@@ -70,6 +70,59 @@ protected:
     std::string path, why;
 };
 
+// What the window that has to go asks, and where the edits are when the project can't be written.
+TEST_F(ProjectSessionTest, OffersEditsWhereTheWindowHasToGo) {
+    const std::string old = folder.read("game.xml");
+    session.offerUnsaved();
+    ASSERT_TRUE(set("level/harbour/doc", "one"));
+    prompt.answers = {PromptAnswer::No};
+    session.offerUnsaved();
+    EXPECT_THAT(prompt.texts(), ElementsAre("The window has to close, and an edit of 'game.xml' is not "
+                                            "saved.\n\nKeep it?"));
+    EXPECT_EQ(folder.read("game.xml"), old);
+
+    ASSERT_TRUE(set("level/harbour/doc", "by\nthe = sea " + std::string(100, 'x')));
+    ASSERT_TRUE(set("level/harbour/entity/guard/skill/1", std::nullopt));
+    session.addLevel(0, "pier");
+    for (const bool both : {true, false}) {
+        const zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
+            return op == "replaceFile" || (both && op == "renameNew" && file.ends_with(".zoka.old"));
+        });
+        prompt.asked.clear();
+        prompt.answers = {PromptAnswer::Yes};
+        session.offerUnsaved();
+        const auto texts = prompt.texts();
+        ASSERT_EQ(texts.size(), 3u);
+        EXPECT_EQ(texts[0],
+                  "The window has to close, and 3 edits of 'game.xml' are not saved.\n\nKeep them?");
+        EXPECT_THAT(texts[1], HasSubstr("injected fault"));
+        EXPECT_EQ(texts[2].starts_with(both ? "The edits could not be kept: Can't write '"
+                                            : "The edits are in 'game.xml.zoka.old', beside the project"),
+                  true)
+            << texts[2];
+        EXPECT_EQ(folder.read("game.xml"), old);
+        EXPECT_EQ(folder.read("game.xml.zoka.old"),
+                  both ? "<missing>"
+                       : "level/harbour/doc = by\\nthe = sea " + std::string(100, 'x') +
+                             "\nlevel/harbour/entity/guard/skill/1 without a value\nlevel/pier added\n");
+    }
+    prompt.answers = {PromptAnswer::Yes};
+    session.offerUnsaved();
+    EXPECT_FALSE(session.hasChanges());
+    EXPECT_THAT(folder.read("game.xml"), HasSubstr("the = sea"));
+    // What was saved and taken back is an edit too.
+    session.undo();
+    ASSERT_TRUE(session.redo() && session.undo() && session.undo());
+    {
+        const zoka::test::FaultyOsFiles faulty(zoka::test::FaultyOsFiles::every("replaceFile"));
+        std::filesystem::remove(folder.native("game.xml.zoka.old"));
+        prompt.answers = {PromptAnswer::Yes};
+        session.offerUnsaved();
+    }
+    EXPECT_EQ(folder.read("game.xml.zoka.old"),
+              "level/pier added, taken back\nlevel/harbour/entity/guard/skill/1 = 5\n");
+}
+
 }  // namespace
 
 TEST_F(ProjectSessionTest, AddressesNameEveryValue) {

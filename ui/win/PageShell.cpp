@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <exception>
 
 namespace zoka {
 
@@ -10,8 +11,9 @@ namespace {
 
 enum { kTabs = 1001, kStatus };
 constexpr UINT kSettle = WM_APP + 1;
-constexpr int kTabsHeight = 16;  // dialog units
-constexpr int kTabPadding = 6;   // pixels at 96 dots per inch, beside and above a tab's text
+constexpr UINT kPageFailed = WM_APP + 2;  // to the dialog, while the exception is handled
+constexpr int kTabsHeight = 16;           // dialog units
+constexpr int kTabPadding = 6;            // pixels at 96 dots per inch, beside and above a tab's text
 
 }  // namespace
 
@@ -55,6 +57,25 @@ std::optional<LRESULT> Page::message(UINT message, WPARAM wParam, LPARAM lParam)
             return TRUE;
         default:
             return std::nullopt;
+    }
+}
+
+void Page::failed() {
+    SendMessageA(GetParent(window()), kPageFailed, 0, 0);
+}
+
+std::optional<LRESULT> PageShell::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == kPageFailed && std::current_exception()) {
+        throw;  // which is what the dialog treats then
+    }
+    return DialogShell::message(message, wParam, lParam);
+}
+
+void PageShell::removePages() {
+    for (const std::unique_ptr<Page>& made : m_pages) {
+        if (made && made->window()) {
+            DestroyWindow(made->window());
+        }
     }
 }
 

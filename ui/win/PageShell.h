@@ -54,6 +54,8 @@ protected:
 
     // A derived class calls this for what it doesn't treat itself.
     std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
+    // The whole dialog has failed.
+    void failed() override;
     const WindowFonts& fonts() const { return m_fonts; }
     HWND label(const char* text) { return makeLabel(window(), text, m_fonts); }
     HWND button(const char* text, int id, bool isMain = false) {
@@ -110,6 +112,9 @@ protected:
     void command(int id, int code) override;
     LRESULT notified(NMHDR& header) override;
     void fontsChanged() override;
+    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
+    // The windows of the pages go, before the dialog's own: they show nothing any more.
+    void removePages();
 
 private:
     void showPage(int index);

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
+#include <memory>
 
+#include "customize/BehaviorSession.h"
 #include "customize/CustomizeSession.h"
 #include "customize/ValueUpdate.h"
 #include "plugin/host/FolderHost.h"
@@ -160,6 +163,68 @@ TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
         }
         EXPECT_GT(kept, 0);
     }
+}
+
+// Likewise of the components of a project.
+TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
+    const auto project = [](const TempFolder& folder, const std::string& name) {
+        return "<Project name='" + name + "' date='1' vers='8'>\n<Paths proj_file='" + folder.path() +
+               "' j8_file=''/>\n<Behavior proj_file='b.xml'/>\n<Level name='street' mapfile='game.zlb'>\n"
+               "<Entity name='guard' parent='walker'/>\n</Level>\n</Project>\n";
+    };
+    constexpr size_t kMass = 3, kColor = 4;
+    struct Way {
+        const char* what;
+        std::function<bool(BehaviorSession&)> work;
+        const char* onDisk = "Game";  // the project's name there, once the panel has loaded it
+    };
+    const Way kWays[] = {
+        {"edit", [](BehaviorSession& panel) { return bool(panel.setValue(kMass, "70")); }},
+        {"paste", [](BehaviorSession& panel) { return panel.paste("body.mass = 70").taken == 1; }},
+        {"save", [](BehaviorSession& panel) { return panel.save() == ProjectSave::Saved; }},
+        {"save over another's change",
+         [](BehaviorSession& panel) { return panel.save() == ProjectSave::Saved; }, "Play"},
+    };
+    const auto same = [](const std::string& text) { return text; };
+    const auto before = std::filesystem::current_path();
+    for (const Way& way : kWays) {
+        SCOPED_TRACE(way.what);
+        SilentPrompt prompt;
+        int kept = 0;
+        bool done = false;
+        for (long failing = 1; !done; failing += 1 + failing / 20) {
+            SCOPED_TRACE(failing);
+            const TempFolder folder;
+            std::filesystem::current_path(folder.native(""));  // a save leaves its report there
+            folder.write("c.xml",
+                         "<Components><Component name='body'><Property name='mass' type='int' value='75' "
+                         "edit='true'/><Property name='color' type='string' value='red' edit='true'/>"
+                         "</Component></Components>");
+            folder.write("b.xml",
+                         "<Behaviors><Component proj_file='c.xml'/><Behavior name='walker'><Component "
+                         "name='body'/></Behavior></Behaviors>");
+            const std::string path = folder.write("game.xml", project(folder, "Game"));
+            FolderHost host({.project = folder.path(), .suite = folder.path()});
+            BehaviorSession panel(nullptr, host,
+                                  std::make_unique<EntityComponents>(path, ProjectTexts{same, same}, prompt),
+                                  "guard");
+            panel.open();
+            ASSERT_TRUE(panel.setValue(kMass, "80") && panel.setValue(kColor, "harbour blue"));
+            folder.write("game.xml", project(folder, way.onDisk));
+            g_countdown = failing;
+            const bool inside = keepInside([&] { way.work(panel); });
+            done = g_countdown > 0;
+            g_countdown = 0;
+            if (!inside) {
+                panel.offerUnsaved();
+                const std::string saved = folder.read("game.xml");
+                EXPECT_TRUE(saved.find("harbour blue") != std::string::npos && !panel.hasUnsaved()) << saved;
+                ++kept;
+            }
+        }
+        EXPECT_GT(kept, 0);
+    }
+    std::filesystem::current_path(before);
 }
 
 }  // namespace
