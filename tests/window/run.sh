@@ -11,6 +11,7 @@
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
 #   #: wizard N      there is a wizard "Many files", which copies N files
 #   #: script N      the project's main script has that many values to customize
+#   #: project N     the quay's project has that many more entities
 #   #: parts N       runs N times, each a test of its own (NAME-1 and so on), because all of it would take too long for
 #                    one; ${PART} is the part's number
 #   #: parts-long N  the same where ZOKA_LONG=1 is set or the test is named; otherwise there is one part
@@ -96,6 +97,13 @@ large_script() { # values
     }'
 }
 
+# The entities of a level.
+many_entities() { # entities
+    awk -v entities="$1" 'BEGIN {
+        for (i = 1; i <= entities; i++) printf "\t\t<Entity name=\"crate_%d\" parent=\"guard\"/>\n", i
+    }'
+}
+
 # Runs one script; its output is in output.txt.
 drive() { # script, folder, part
     local project suite options try status=1 host=zunhost
@@ -138,6 +146,9 @@ run_test() { # script[@part]
         [ -z "$large" ] || large_wizard "$large" "$folder/suite/templates"
         large=$(directives "$script" script)
         [ -z "$large" ] || large_script "$large" >"$folder/project/main.kez"
+        large=$(directives "$script" project)
+        [ -z "$large" ] || many_entities "$large" |
+            sed -i -e '/fishing_boat/r /dev/stdin' "$folder/quay/main.xml"
         drive "$script" "$folder" "${part#@}"
         status=$?
         wanted=$(directives "$script" status)
