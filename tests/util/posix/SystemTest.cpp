@@ -409,10 +409,11 @@ TEST(SafeWrite, RespectsRefusedAccess) {
         ASSERT_EQ(prompt.asked.size(), 2u);
         for (const auto& asked : prompt.asked) {
             EXPECT_EQ(asked.buttons, PromptButtons::YesNo);
-            EXPECT_EQ(asked.text, "The folder of '" + folder.path("writable") +
-                                      "' takes no new file (Permission denied), so the file can't be replaced "
-                                      "in one step.\n\nWrite it in place? If the computer stops in the middle "
-                                      "of it, the file is damaged.");
+            EXPECT_EQ(asked.text,
+                      "The folder of '" + folder.path("writable") +
+                          "' takes no new file (Permission denied), so the file can't be replaced "
+                          "in one step.\n\nWrite it in place? If the computer stops in the middle "
+                          "of it, the file is damaged.");
         }
         setInPlace(InPlace::Refused);
         EXPECT_NE(safeWrite(folder.path("writable"), "newer").why(), "");
