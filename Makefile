@@ -37,11 +37,11 @@ bench: ## build and run the benchmarks, our figures beside others'
 	@$(call BUILD,bench) --target bench/all
 	@for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program"; done
 ifeq (1,$(ZOKA_NO_WINE))
-	@echo "bench_window, bench_project_window, bench_panel and bench_behavior_panel (the windows): left out, because ZOKA_NO_WINE=1"
+	@echo "bench_window, bench_project_window, bench_panel, bench_behavior_panel and bench_wizard_dialog (the windows): left out, because ZOKA_NO_WINE=1"
 else
 	@tools/setup/setup.sh build wine
-	@$(call BUILD,windows) --target zoka bench_window bench_project_window bench_panel bench_behavior_panel
-	@failed=0; for program in bench_window bench_project_window bench_panel bench_behavior_panel; do \
+	@$(call BUILD,windows) --target zoka bench_window bench_project_window bench_panel bench_behavior_panel bench_wizard_dialog
+	@failed=0; for program in bench_window bench_project_window bench_panel bench_behavior_panel bench_wizard_dialog; do \
 		tools/run/onecpu.sh 0 tools/run/display.sh tools/run/wine.sh build/windows/wine \
 			build/windows/bench/win/$$program.exe 'build\windows\plugin\zoka.dll' || failed=1; \
 	done; exit $$failed

@@ -8,13 +8,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <string>
 
 #include "bench/ProjectData.h"
 #include "bench/win/BareWindows.h"
 #include "bench/win/Measure.h"
+#include "bench/win/WindowRun.h"
 #include "tests/support/TempFolder.h"
 #include "tools/editor/win/Editor.h"
 
@@ -24,7 +24,7 @@ namespace {
 constexpr int kRounds = 7;
 constexpr int kRows = 20000;
 constexpr double kKeyWanted = 60;  // ms
-constexpr UINT kOpened = WM_APP + 1;
+constexpr const char* kTitle = "Project Manager - ";
 // The window's pages and controls.
 constexpr int kComponentsPage = 2, kLevelsPage = 3;
 constexpr int kComponentsSearch = 2301, kComponentsList = 2302, kFind = 2602, kEntities = 2603,
@@ -54,74 +54,6 @@ HWND control(HWND window, int id, const char* className = "") {
     }
     return wanted.found;
 }
-
-// Opens the window through the procedure, hands it to `use` once it is painted, and closes it. Gives what opening took.
-class WindowRun {
-public:
-    WindowRun(Editor& editor, std::function<void(HWND)> use) : m_use(std::move(use)) {
-        s_current = this;
-        WNDCLASSA definition{};
-        definition.lpszClassName = "ZokaBenchOpened";
-        definition.lpfnWndProc = helperProc;
-        RegisterClassA(&definition);
-        m_helper = CreateWindowExA(0, definition.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                   nullptr, nullptr);
-        const HHOOK hook = SetWindowsHookExA(WH_CBT, hookProc, nullptr, GetCurrentThreadId());
-        ProcedureState* const procedure = editor.procedure("Add Script");
-        if (!m_helper || !hook || !procedure) {
-            stop("the window can't be asked for");
-        }
-        QueryPerformanceCounter(&m_start);
-        editor.execute(*procedure);
-        UnhookWindowsHookEx(hook);
-        DestroyWindow(m_helper);
-        if (!m_done) {
-            stop("the window did not open");
-        }
-    }
-    double opening() const { return m_opening; }
-
-private:
-    // The window is about to be shown: once it takes messages, it is there.
-    static LRESULT CALLBACK hookProc(int code, WPARAM wParam, LPARAM lParam) {
-        if (code == HCBT_ACTIVATE) {
-            char title[64] = {};
-            GetWindowTextA(reinterpret_cast<HWND>(wParam), title, sizeof title);
-            if (std::string_view(title).starts_with("Project Manager - ")) {
-                PostMessageA(s_current->m_helper, kOpened, wParam, 0);
-            }
-        }
-        return CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-    static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-        if (message != kOpened) {
-            return DefWindowProcA(window, message, wParam, lParam);
-        }
-        if (!s_current->m_done) {
-            s_current->opened(reinterpret_cast<HWND>(wParam));
-        }
-        return 0;
-    }
-    void opened(HWND window) {
-        m_done = true;
-        paint(window);
-        LARGE_INTEGER frequency, end;
-        QueryPerformanceFrequency(&frequency);
-        QueryPerformanceCounter(&end);
-        m_opening = static_cast<double>(end.QuadPart - m_start.QuadPart) * 1000.0 /
-                    static_cast<double>(frequency.QuadPart);
-        m_use(window);
-        PostMessageA(window, WM_CLOSE, 0, 0);
-    }
-
-    static WindowRun* s_current;
-    std::function<void(HWND)> m_use;
-    HWND m_helper = nullptr;
-    LARGE_INTEGER m_start{};
-    double m_opening = 0;
-    bool m_done = false;
-};
-WindowRun* WindowRun::s_current = nullptr;
 
 void best(double& figure, double now) {
     figure = std::min(figure, now);
@@ -176,7 +108,7 @@ int run(const std::string& dll) {
     std::unique_ptr<BareWindows> seen;
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
         tellRound(round, kRounds);
-        const WindowRun opened(editor, [&](HWND window) {
+        const WindowRun opened(editor, "Add Script", kTitle, [&](HWND window) {
             if (!seen) {
                 seen = std::make_unique<BareWindows>(window);
             }
@@ -191,7 +123,7 @@ int run(const std::string& dll) {
     openProject(editor, many);
     double componentsFirst = 1e9, components = 1e9, entitiesFirst = 1e9, entities = 1e9;
     for (int round = 0; round < kRounds; ++round) {
-        const WindowRun opened(editor, [&](HWND window) {
+        const WindowRun opened(editor, "Add Script", kTitle, [&](HWND window) {
             goToPage(window, kLevelsPage);
             if (SendMessageA(control(window, kEntities), LVM_GETITEMCOUNT, 0, 0) != kRows + 1) {
                 stop("the level has other entities");
@@ -212,7 +144,7 @@ int run(const std::string& dll) {
     openProject(editor, wide);
     double shown = 1e9, propertiesFirst = 1e9, properties = 1e9;
     for (int round = 0; round < kRounds; ++round) {
-        const WindowRun opened(editor, [&](HWND window) {
+        const WindowRun opened(editor, "Add Script", kTitle, [&](HWND window) {
             goToPage(window, kComponentsPage);
             goToPage(window, kLevelsPage);
             const HWND list = control(window, kEntities);

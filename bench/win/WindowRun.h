@@ -1,0 +1,36 @@
+// A window of the DLL's own, opened as a user does.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "tools/editor/win/Editor.h"
+
+namespace zoka::bench {
+
+// Opens a modal window through its procedure, hands it to `use` once it is painted, and closes it. One at a time.
+class WindowRun {
+public:
+    // `title` is what the window's title begins with.
+    WindowRun(Editor& editor, const std::string& procedure, std::string title, std::function<void(HWND)> use);
+
+    // From the call of the procedure to the painted window, in milliseconds.
+    double opening() const { return m_opening; }
+
+private:
+    static LRESULT CALLBACK hookProc(int code, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void opened(HWND window);
+
+    static WindowRun* s_current;
+    const std::string m_title;
+    const std::function<void(HWND)> m_use;
+    HWND m_helper = nullptr;
+    LARGE_INTEGER m_start{};
+    double m_opening = 0;
+    bool m_done = false;
+};
+
+}  // namespace zoka::bench
