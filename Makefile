@@ -35,7 +35,7 @@ test: setup ## build and run every test: native, with sanitizers, on Windows, in
 bench: ## build and run the benchmarks, our figures beside others'
 	@tools/setup/setup.sh build bench
 	@$(call BUILD,bench) --target bench/all
-	@for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program"; done
+	@failed=0; for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program" || failed=1; done; exit $$failed
 ifeq (1,$(ZOKA_NO_WINE))
 	@echo "bench_window, bench_project_window, bench_panel, bench_behavior_panel and bench_wizard_dialog (the windows): left out, because ZOKA_NO_WINE=1"
 else

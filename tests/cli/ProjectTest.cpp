@@ -64,6 +64,13 @@ TEST_F(Project, ListsAndGetsValues) {
               true);
 }
 
+// An address, or a file, may be called as a command is.
+TEST_F(Project, TakesAFurtherCommandsNameAsAnArgument) {
+    EXPECT_THAT(folder.run("project list game.xml level").out, StartsWith("level/"));
+    EXPECT_EQ(folder.run("project check game.xml format").status, 3) << "there is no such file";
+    EXPECT_EQ(folder.read("game.xml"), kProject);
+}
+
 TEST_F(Project, SetsValuesAllOrNone) {
     const std::string guard = "level/harbour/entity/guard/skill/";
     ToolRun run = folder.run("project set game.xml name=New " + guard + "1=11");

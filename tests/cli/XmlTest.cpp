@@ -96,7 +96,7 @@ TEST_F(XmlCheck, CannotReadWhatIsNoFileOrIsLocked) {
             EXPECT_EQ(run, (ToolRun{3, "", run.err})) << command << name;
             // A reason follows, in the system's words.
             EXPECT_THAT(run.err, StartsWith("zoka: Can't read '" + std::string(name) + "': ")) << command;
-            EXPECT_GT(run.err.size(), std::string(name).size() + 25) << run.err;
+            EXPECT_GT(run.err.size(), std::string(name).size() + 26) << run.err;
         }
     }
 }

@@ -89,7 +89,7 @@ struct Session : testing::Test {
     }
     std::string value(const std::string& label) { return session.row(rowOf(label)).value(); }
     void set(const std::string& label, const std::string& text) {
-        EXPECT_EQ(session.setValue(rowOf(label), text).why(), "");
+        EXPECT_TRUE(session.setValue(rowOf(label), text));
     }
 
     TempFolder project, suite;

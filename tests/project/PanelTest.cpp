@@ -74,7 +74,7 @@ TEST_F(ProjectPanelTest, MarksWhatDiffersFromTheParentAndResetsItByTakingItAway)
     EXPECT_FALSE(panel.row(side).HasChanged());
 
     std::string why;
-    EXPECT_EQ(panel.setValue(side, "Fort").why(), "");
+    EXPECT_TRUE(panel.setValue(side, "Fort"));
     EXPECT_EQ(entity(0).skills.size(), 2u);
     EXPECT_EQ(entity(0).skills[1].value, "f");
     why = panel.setValue(health, "11").why();
@@ -94,10 +94,10 @@ TEST_F(ProjectPanelTest, MarksWhatDiffersFromTheParentAndResetsItByTakingItAway)
 
 TEST_F(ProjectPanelTest, KeepsTheSessionsUndoAndTellsWhichEditsAreOfOtherRows) {
     panel.showEntity(0, 1);
-    ASSERT_EQ(panel.setValue(rowOf("mass"), "4").why(), "");
+    ASSERT_TRUE(panel.setValue(rowOf("mass"), "4"));
     EXPECT_FALSE(panel.takeOtherRows());
     EXPECT_TRUE(panel.canUndo());
-    ASSERT_EQ(panel.setValue(rowOf("Parent"), "").why(), "");
+    ASSERT_TRUE(panel.setValue(rowOf("Parent"), ""));
     EXPECT_TRUE(panel.takeOtherRows());
     EXPECT_FALSE(panel.takeOtherRows());
     EXPECT_FALSE(panel.undo());
@@ -123,20 +123,20 @@ TEST_F(ProjectPanelTest, OwnValuesGoWhateverTheirSpelling) {
     panel.showEntity(0, 0);
     const size_t solid = rowOf("solid"), note = rowOf("note");
     EXPECT_EQ(panel.row(solid).value(), "1");
-    ASSERT_EQ(panel.setValue(solid, "0").why(), "");
+    ASSERT_TRUE(panel.setValue(solid, "0"));
     EXPECT_TRUE(entity(0).components[1].edits.empty()) << "FALSE is the parent's, and so is false";
     EXPECT_EQ(panel.resetAll(ResetTo::Loaded), 0u) << "what was loaded is not what the parent has";
     EXPECT_EQ(panel.resetAll(ResetTo::Default), 1u);
     EXPECT_TRUE(entity(0).components[0].edits.empty()) << "what can't be shown is still the parent's";
     EXPECT_EQ(panel.row(note).value(), "a?b");
-    ASSERT_EQ(panel.setValue(note, "y").why(), "");
+    ASSERT_TRUE(panel.setValue(note, "y"));
     EXPECT_EQ(entity(0).components[0].edits[0].value, "y");
 }
 
 TEST_F(ProjectPanelTest, DocumentationHasLinesAndMapsLieInTheProject) {
     panel.showLevel(0);
     const size_t doc = rowOf("Documentation"), map = rowOf("Map file");
-    ASSERT_EQ(panel.setValue(doc, "one\r\ntwo").why(), "");
+    ASSERT_TRUE(panel.setValue(doc, "one\r\ntwo"));
     EXPECT_EQ(session.model().m_apLevels[0].m_doc, "one\ntwo");
     const std::string own = session.model().m_roots.project();
     prompt.paths = {own + "maps\\a.zlb", "C:\\elsewhere\\b.zlb"};
@@ -144,7 +144,7 @@ TEST_F(ProjectPanelTest, DocumentationHasLinesAndMapsLieInTheProject) {
     EXPECT_EQ(panel.browse(map), std::nullopt) << "the editor would look for it in the project folder";
     EXPECT_NE(prompt.texts().back().find("must be in the project folder"), std::string::npos);
     // Choosers open on what the field names.
-    ASSERT_EQ(panel.setValue(map, "maps\\old.zlb").why(), "");
+    ASSERT_TRUE(panel.setValue(map, "maps\\old.zlb"));
     prompt.requests.clear();
     prompt.paths = {std::nullopt};
     EXPECT_EQ(panel.browse(map), std::nullopt);
@@ -167,24 +167,23 @@ TEST_F(ProjectPanelTest, SectionsWithoutATextHaveNoFile) {
     EXPECT_NE(panel.helpText(*row).find("There is no such file"), std::string::npos);
     EXPECT_EQ(panel.row(*row).facts().label, "UI (missing)");
     // While a path is typed nothing is looked for.
-    std::string why;
     folder.write("there.xml", "<x/>");
-    ASSERT_EQ(panel.setValue(*row, "proj:there.xml", true).why(), "");
+    ASSERT_TRUE(panel.setValue(*row, "proj:there.xml", true));
     EXPECT_FALSE(panel.takeOtherRows());
     panel.leaveField();
     EXPECT_TRUE(panel.takeOtherRows());
     panel.refresh();
     EXPECT_EQ(panel.row(*row).facts().label, "UI");
     EXPECT_NE(panel.helpText(*row).find("(proj)"), std::string::npos);
-    why = panel.setValue(*row, "somewhere.xml").why();
-    ASSERT_EQ(panel.setValue(*row, "").why(), "");
+    EXPECT_NE(panel.setValue(*row, "somewhere.xml").why(), "");
+    ASSERT_TRUE(panel.setValue(*row, ""));
     EXPECT_FALSE(session.model().section(J8Section::UI).isNamed());
 }
 
 // However often the rows are made anew, and wherever the entity has gone meanwhile.
 TEST_F(ProjectPanelTest, WhatDiffersFromTheFileStaysMarked) {
     panel.showEntity(0, 1);
-    ASSERT_EQ(panel.setValue(rowOf("Name"), "twelve").why(), "");
+    ASSERT_TRUE(panel.setValue(rowOf("Name"), "twelve"));
     session.addEntity(0, 0, "new", "");
     session.moveEntity(0, 2, 0);
     session.duplicateLevel(0);
@@ -221,7 +220,7 @@ TEST_F(ProjectPanelTest, RefusesNamesThatAreMissingOrTaken) {
     panel.showLevel(1);
     EXPECT_EQ(panel.setValue(rowOf("Name"), "harbour").why(), "There is a level of that name already.");
     EXPECT_FALSE(session.hasChanges());
-    EXPECT_EQ(panel.setValue(rowOf("Name"), "one").why(), "");
+    EXPECT_TRUE(panel.setValue(rowOf("Name"), "one"));
 }
 
 TEST_F(ProjectPanelTest, ProblemsAndChangesHaveTheirPlaces) {

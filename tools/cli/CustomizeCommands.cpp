@@ -160,15 +160,15 @@ ExitStatus set(const CustomizeOptions& options) {
         const auto row = static_cast<size_t>(i);
         const std::string given = word.substr(equals + 1);
         const auto value = open.inScript(given, textSetOf(given));
-        std::string why = value.why();
-        if (value && !options.force) {
-            why = notOffered(open.session().row(row), *value);
+        Outcome set = value ? Outcome() : Refusal{value.why()};
+        if (set && !options.force) {
+            set = Outcome::unless(notOffered(open.session().row(row), *value));
         }
-        if (why.empty()) {
-            why = open.session().setValue(row, *value).why();
+        if (set) {
+            set = open.session().setValue(row, *value);
         }
-        if (!why.empty()) {
-            complain("\"" + open.session().entry(row).label + "\": " + why + " Nothing was changed.");
+        if (!set) {
+            complain("\"" + open.session().entry(row).label + "\": " + set.why() + " Nothing was changed.");
             return ExitStatus::Findings;
         }
     }

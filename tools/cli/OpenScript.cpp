@@ -46,13 +46,17 @@ OpenScript::OpenScript(const std::string& file, bool changes)
     }
     try {
         m_open = m_session.open(m_path);
-    } catch (const std::runtime_error&) {  // memory ran out; the session names the whole path
-        complain(outOfMemoryText(file));
+    } catch (const std::runtime_error& error) {
+        if (error.what() != outOfMemoryText(m_path)) {
+            throw;
+        }
+        complain(outOfMemoryText(file));  // the session names the whole path
         return;
     }
     if (!m_open) {
         const std::string& problem = m_session.problem();
-        complainUnreadable(file, problem.substr(problem.find("': ") + 3));
+        const std::string given = "Can't read '" + m_path + "': ";
+        complainUnreadable(file, problem.starts_with(given) ? problem.substr(given.size()) : problem);
     } else if (m_session.script().text.find('\0') != std::string::npos) {
         complain(file + " is no script: it holds bytes that no text has");
         m_open = false;

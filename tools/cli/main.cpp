@@ -120,6 +120,11 @@ cli::ExitStatus run(int argc, char** argv) {
     cli::addLevelCommands(app, chosen);
     cli::addProjectCommands(app, chosen);
     cli::addWizardCommands(app, chosen);
+    // A further word that is a command's name too is an argument of the first.
+    app.require_subcommand(0, 1);
+    for (CLI::App* const group : app.get_subcommands([](CLI::App*) { return true; })) {
+        group->require_subcommand(0, 1);
+    }
     refuseEmptyTexts(app);
     try {
         app.parse(argc, argv);
