@@ -155,6 +155,10 @@ ProjectSave ProjectSession::save(bool force) {
     // Loaded again, the model knows the places of the file that was written. That text is taken, not what the disk
     // holds by now: undo goes on, and its steps are made for this project.
     if (auto text = m_model.fileText({}, m_model.m_date)) {
+        // The file holds this now, also where there is no memory to load it.
+        m_bytes = *text;
+        m_written = {};
+        m_losses.clear();
         if (Loaded written = loadedFrom(std::move(*text)); written.problem.empty()) {
             replaceModel(std::move(written));
         }

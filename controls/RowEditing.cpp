@@ -65,8 +65,11 @@ Outcome RowEditing::setValue(size_t i, const std::string& text, bool typing) {
 
 Outcome RowEditing::putValue(size_t i, const std::string& value) {
     const EntryModel& model = m_rows[i];
+    if (!model.isDifferent() && value == model.value()) {
+        return {};
+    }
     std::string refusal = model.blocked();
-    if (refusal.empty() && value != model.loadedValue() && value != model.value()) {
+    if (refusal.empty() && value != model.loadedValue()) {
         refusal = storedRefusal(model.facts(), value);
     }
     return take(i, value, std::move(refusal), false);

@@ -154,13 +154,18 @@ void BehaviorSession::addRow(const CustomEntry& entry) {
         facts.limited = false;
         facts.field = EntryField::FloatField;
     }
+    if (!m_access && source.number > 0) {
+        source.closed = "The editor tells nothing of its entities.";
+    }
     std::string blocked = source.closed;
+    bool isKnown = true;
     if (source.number > 0) {
         for (const std::string& entity : m_entities) {
             const auto value = read(source, entity);
             source.values.push_back(value.value_or(0));
             if (!value) {
                 blocked = unreadable(entity, facts.set);
+                isKnown = false;
             }
         }
         auto extras = std::make_shared<EntryExtras>();
@@ -172,7 +177,9 @@ void BehaviorSession::addRow(const CustomEntry& entry) {
         facts.different = !allEqual(source.values);
         facts.value.clear();
     }
-    source.loaded = source.values;
+    if (isKnown) {
+        source.loaded = source.values;
+    }
     m_sources.push_back(std::move(source));
     const size_t i = m_sources.size() - 1;
     if (m_sources[i].number > 0 && !facts.different) {
@@ -236,7 +243,7 @@ bool BehaviorSession::isOutdated() {
 
 // All entities get their value, or none: those already written get back what they had.
 Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
-    if (isOutdated()) {
+    if (!m_access || isOutdated()) {
         return Refusal{kElsewhere};
     }
     const Source source = m_sources[i];
@@ -329,7 +336,7 @@ Outcome BehaviorSession::putLoaded(size_t i) {
         return taken;
     }
     const std::vector<float> values = m_sources[i].loaded;
-    return putValues(i, values);
+    return values.empty() ? Refusal{kRefused} : putValues(i, values);
 }
 
 // True when what the row shows is another thing than before.
@@ -348,6 +355,9 @@ bool BehaviorSession::reread(size_t i) {
             return isNews;
         }
         values.push_back(*value);
+    }
+    if (source.loaded.empty()) {  // one of them could not be read before
+        source.loaded = values;
     }
     const bool isNews = !areSame(values, source.values) || m_models[i].blocked() != source.closed;
     m_models[i].setBlocked(source.closed);

@@ -102,7 +102,7 @@ private:
         int number = 0;
         int line = 0;
         std::vector<float> values = {};  // one an entity, as last read or written; a flag's are 0 and 1
-        std::vector<float> loaded = {};  // those when the rows were made
+        std::vector<float> loaded = {};  // those when the rows were made; none while one can't be read
         std::optional<size_t> component = {};
         std::string closed = {};  // why it takes no value at all
     };

@@ -58,14 +58,21 @@ void XMLDocument::rewind(const Room& room) {
     cursors = {};
 }
 
+// For one more chunk, before it is there: when memory runs out no chunk is lost and none is null.
+static void makeRoom(std::vector<void*>& chunks) {
+    if (chunks.size() == chunks.capacity()) {
+        chunks.reserve(chunks.size() * 2 + 1);
+    }
+}
+
 void XMLDocument::nextBlock() {
     if (m_room.blocksLeft == 0) {
         // The sizes follow from each other, so that a chunk which is used again has the one that is wanted.
         const size_t blocks = std::clamp<size_t>(m_room.chunkBlocks * 2, 1, kLargestChunkBlocks);
         if (m_room.blockChunks == m_blockChunks.size()) {
-            m_blockChunks.push_back(nullptr);
-            m_blockChunks.back() =
-                ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize});
+            makeRoom(m_blockChunks);
+            m_blockChunks.push_back(
+                ::operator new (blocks* kBlockSize - kAllocatorRoom, std::align_val_t{kBlockSize}));
         }
         m_room.nextBlock = static_cast<char*>(m_blockChunks[m_room.blockChunks++]);
         m_room.chunkBlocks = blocks;
@@ -84,11 +91,12 @@ void XMLDocument::nextBlock() {
 void* XMLDocument::allocateSlowly(size_t size) {
     const size_t chunk = std::clamp(m_room.arenaChunk * 2, kFirstArenaChunk, kLargestArenaChunk);
     const auto allocated = [](std::vector<void*>& list, size_t bytes) {
-        list.push_back(nullptr);
-        list.back() = std::malloc(bytes + kXmlPadding);
-        if (!list.back()) {
+        makeRoom(list);
+        void* const memory = std::malloc(bytes + kXmlPadding);
+        if (!memory) {
             throw std::bad_alloc();
         }
+        list.push_back(memory);
     };
     // What would fill a good part of a chunk gets memory of its own, and the open chunk stays open.
     if (size > chunk / 4) {

@@ -137,8 +137,10 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
     }
     const auto own = std::find_if(m_procedures.begin(), m_procedures.end(),
                                   [window](const auto& one) { return one.first == window; });
+    // A menu's loop inside may free this row.
+    const bool centred = m_centred && window == m_field;
     const LRESULT answer = CallWindowProcW(own->second, window, message, wParam, lParam);
-    return m_centred && window == m_field ? centredFieldAnswer(window, message, lParam, answer) : answer;
+    return centred ? centredFieldAnswer(window, message, lParam, answer) : answer;
 }
 
 LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

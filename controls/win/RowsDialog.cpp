@@ -47,7 +47,12 @@ void moveAside(HWND window) {
     const LONG room = monitor.rcWork.right - place.right;
     Corner corner{window, place.left + room * 3 / 4, place.top,
                   GetSystemMetrics(SM_CYCAPTION) + GetSystemMetrics(SM_CYSIZEFRAME), false};
-    while (EnumWindows(isTaken, reinterpret_cast<LPARAM>(&corner)), corner.taken) {
+    while (corner.top + 2 * corner.step < monitor.rcWork.bottom) {
+        corner.taken = false;
+        EnumWindows(isTaken, reinterpret_cast<LPARAM>(&corner));
+        if (!corner.taken) {
+            break;
+        }
         corner.left -= corner.step;
         corner.top += corner.step;
     }

@@ -82,6 +82,8 @@ public:
     void findFocus();
     // The fonts are other ones now; place() follows.
     void fontsChanged() { m_panel.fontsChanged(); }
+    // Takes the rows' windows away, where the rows go before the window does.
+    void removeRows() { DestroyWindow(m_panel.window()); }
     // The parent is being destroyed.
     void closed() { m_parent = m_help = m_search = nullptr; }
 

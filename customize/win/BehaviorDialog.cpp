@@ -66,6 +66,9 @@ void CALLBACK BehaviorDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
 
 void BehaviorDialog::failed() {
     KillTimer(window(), reinterpret_cast<UINT_PTR>(this));
+    if (isLoaded()) {
+        view().removeRows();  // saving replaces the project that they are of
+    }
     m_session.offerUnsaved();
     RowsDialog::failed();
 }
