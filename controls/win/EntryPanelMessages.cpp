@@ -67,7 +67,7 @@ void EntryPanel::tooltipText(NMTTDISPINFOW& info) {
 }
 
 void EntryPanel::showRefusal(HWND field, const std::string& text) {
-    if (!m_window || text.empty()) {
+    if (!m_window || text.empty() || m_host.leaving()) {
         return;
     }
     m_refusal = wideReport(text);
@@ -283,7 +283,8 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             return 0;
         case kShowRefusal: {
-            if (!m_refusing) {
+            // The system loads what a balloon needs when it shows one, for which the unloading thread has the lock.
+            if (!m_refusing || m_host.leaving()) {
                 return 0;
             }
             TTTOOLINFOW tool = toolOf(m_window);

@@ -30,7 +30,7 @@
 namespace {
 thread_local int g_interrupts = 0;  // of the next reads and writes of this thread
 
-ssize_t interruptible(long call, int file, const void* buffer, size_t size) {
+ssize_t interruptible(long call, int file, void* buffer, size_t size) {
     if (g_interrupts > 0) {
         --g_interrupts;
         errno = EINTR;
@@ -44,7 +44,7 @@ extern "C" ssize_t read(int file, void* buffer, size_t size) {
     return interruptible(SYS_read, file, buffer, size);
 }
 extern "C" ssize_t write(int file, const void* buffer, size_t size) {
-    return interruptible(SYS_write, file, buffer, size);
+    return interruptible(SYS_write, file, const_cast<void*>(buffer), size);
 }
 
 namespace {
