@@ -191,17 +191,10 @@ J8ValueCheck::J8ValueCheck(const J8TypedValue& typed)
 std::string J8ValueCheck::listRefusal() const {
     constexpr size_t kNamed = 20;
     std::string names;
-    size_t count = 0;
-    const auto add = [&](const std::string& value) {
-        if (++count <= kNamed) {
-            names += (names.empty() ? "" : ", ") + (value.empty() ? "\"\"" : value);
-        }
-    };
-    for (const J8Enum& entry : m_typed.enums) {
-        add(entry.value);
-    }
-    if (m_typed.enums.empty()) {
-        std::ranges::for_each(m_limits.list, add);
+    const size_t count = m_typed.enums.empty() ? m_limits.list.size() : m_typed.enums.size();
+    for (size_t i = 0; i < std::min(count, kNamed); ++i) {
+        const std::string& value = m_typed.enums.empty() ? m_limits.list[i] : m_typed.enums[i].value;
+        names += (names.empty() ? "" : ", ") + (value.empty() ? "\"\"" : value);
     }
     return "one of these is needed: " + names +
            (count > kNamed ? " and " + std::to_string(count - kNamed) + " more" : "");
