@@ -11,6 +11,7 @@
 #include "bench/Entities.h"
 #include "bench/win/BareWindows.h"
 #include "bench/win/Measure.h"
+#include "bench/win/OpenPanel.h"
 #include "customize/win/BehaviorDialog.h"
 #include "plugin/win/Resources.h"
 #include "tests/support/FakeEditor.h"
@@ -21,33 +22,6 @@ namespace {
 
 constexpr int kRounds = 25, kMany = 200;
 constexpr double kEditWanted = 20;  // ms
-
-class Panel {
-public:
-    Panel(EntityAccess& entities, ZunEditorInterface& editor, HINSTANCE dll)
-        : m_dialog({&entities, editor, dll, IDI_ZOKA}), m_dll(dll) {}
-    ~Panel() {
-        if (m_window) {
-            DestroyWindow(m_window);
-        }
-    }
-    void open() {
-        m_window = m_dialog.create(m_dll, IDD_PANEL);
-        if (!m_window) {
-            stop("the panel can't be made");
-        }
-        ShowWindow(m_window, SW_SHOWNORMAL);
-        UpdateWindow(m_window);
-        m_dialog.load();
-        settle(m_window);
-    }
-    HWND window() const { return m_window; }
-
-private:
-    BehaviorDialog m_dialog;
-    HINSTANCE m_dll;
-    HWND m_window = nullptr;
-};
 
 // The first drop list in the window; null when there is none.
 HWND firstDropList(HWND window) {
@@ -88,7 +62,7 @@ int run(const std::string& dllPath) {
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets all
         tellRound(round, kRounds);
         {
-            Panel panel(one, editor, dll);
+            OpenPanel<BehaviorDialog> panel({&one, editor, dll, IDI_ZOKA}, dll);
             best(first, millisecondsOf([&] { panel.open(); }));
             if (!all) {
                 all = std::make_unique<BareWindows>(panel.window());
@@ -100,7 +74,7 @@ int run(const std::string& dllPath) {
         best(bare, millisecondsOf([&] { all->open(); }));
         best(seen, millisecondsOf([&] { visible->open(); }));
         {
-            Panel panel(many, editor, dll);
+            OpenPanel<BehaviorDialog> panel({&many, editor, dll, IDI_ZOKA}, dll);
             best(ofMany, millisecondsOf([&] { panel.open(); }));
             const HWND list = firstDropList(panel.window());
             const std::uint32_t before = *many.changes();

@@ -15,6 +15,7 @@
 
 #include "bench/win/BareWindows.h"
 #include "bench/win/Measure.h"
+#include "bench/win/OpenPanel.h"
 #include "customize/win/CustomizeDialog.h"
 #include "plugin/win/Resources.h"
 #include "tests/support/FakeEditor.h"
@@ -46,44 +47,31 @@ std::string script(int entries) {
     return text;
 }
 
-class Panel {
+class Panel : public OpenPanel<CustomizeDialog> {
 public:
     Panel(ZunEditorInterface& editor, const std::string& path, HINSTANCE dll)
-        : m_dialog({editor, path, {}, dll, IDI_ZOKA}), m_dll(dll) {}
-    ~Panel() {
-        if (m_window) {
-            DestroyWindow(m_window);
-        }
-    }
-    void open() {
-        m_window = m_dialog.create(m_dll, IDD_PANEL);
-        if (!m_window) {
-            stop("the panel can't be made");
-        }
-        ShowWindow(m_window, SW_SHOWNORMAL);
-        UpdateWindow(m_window);
-        m_dialog.load();
-        settle(m_window);
-    }
+        : OpenPanel({editor, path, {}, dll, IDI_ZOKA}, dll) {}
     void toFront() {
-        SetWindowPos(m_window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-        settle(m_window);
+        SetWindowPos(window(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+        settle(window());
     }
     void page() {
-        SendMessageA(rows(), WM_VSCROLL, SB_PAGEDOWN, 0);
-        settle(m_window);
+        SendMessageA(control(kRows), WM_VSCROLL, SB_PAGEDOWN, 0);
+        settle(window());
     }
     void search(const std::string& text) {
-        SetDlgItemTextA(m_window, kSearch, text.c_str());
-        settle(m_window);
+        SetWindowTextA(control(kSearch), text.c_str());
+        settle(window());
     }
-    HWND window() const { return m_window; }
-    HWND rows() const { return GetDlgItem(m_window, kRows); }
 
 private:
-    CustomizeDialog m_dialog;
-    HINSTANCE m_dll;
-    HWND m_window = nullptr;
+    HWND control(int id) const {
+        const HWND found = GetDlgItem(window(), id);
+        if (!found) {
+            stop("the panel has no control " + std::to_string(id));
+        }
+        return found;
+    }
 };
 
 int run(const std::string& dllPath) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "bench/win/Measure.h"
+#include "bench/win/WindowRun.h"
 #include "templates/CatalogueXml.h"
 #include "templates/ScriptSearch.h"
 #include "tests/support/TempFolder.h"
@@ -28,7 +29,6 @@ constexpr double kWanted = 1.5;
 constexpr const char* kTyped = "number 99 class";
 // Controls of the manager's first page.
 constexpr int kSearchField = 1102, kTitles = 1104;
-constexpr UINT kOpened = WM_APP + 1;
 
 CTemplateData catalogue() {
     CTemplateData data;
@@ -154,100 +154,30 @@ struct Figures {
     double titles = 1e9;       // the drop list's items, which come while the window is used already
 };
 
-// Opens the manager through the procedure and types into it as soon as it is painted. One at a time.
-class ManagerRun {
-public:
-    // `found`: for each character typed, the number of rows to be listed then.
-    ManagerRun(Editor& editor, const std::vector<size_t>& found, Figures& best)
-        : m_found(found), m_best(best) {
-        s_current = this;
-        WNDCLASSA definition{};
-        definition.lpszClassName = "ZokaBenchOpened";
-        definition.lpfnWndProc = helperProc;
-        RegisterClassA(&definition);
-        m_helper = CreateWindowExA(0, definition.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                   nullptr, nullptr);
-        const HHOOK hook = SetWindowsHookExA(WH_CBT, hookProc, nullptr, GetCurrentThreadId());
-        if (!m_helper || !hook) {
-            stop("the system refuses a window or a hook");
+// Types into the manager as soon as it is painted. `found`: for each character typed, the number of rows to be listed then.
+void use(HWND manager, const std::vector<size_t>& found, Figures& best) {
+    const HWND search = descendant(manager, "EDIT", kSearchField);
+    const HWND list = descendant(manager, WC_LISTVIEWA, 0);
+    best.keys.resize(found.size(), 1e9);
+    for (size_t i = 0; i < found.size(); ++i) {
+        const double took = millisecondsOf([&] {
+            SendMessageA(search, WM_CHAR, static_cast<WPARAM>(kTyped[i]), 1);
+            paint(manager);
+        });
+        if (static_cast<size_t>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) != found[i]) {
+            stop("the manager lists other rows than the search finds");
         }
-        ProcedureState* const procedure = editor.procedure("Add Script");
-        if (!procedure) {
-            stop("the plug-in has no procedure Add Script");
-        }
-        QueryPerformanceCounter(&m_start);
-        editor.execute(*procedure);
-        UnhookWindowsHookEx(hook);
-        DestroyWindow(m_helper);
-        if (!m_done) {
-            stop("the manager's window did not open");
-        }
+        best.keys[i] = std::min(best.keys[i], took);
     }
-
-private:
-    // The window is about to be shown: once it takes messages, it is there.
-    static LRESULT CALLBACK hookProc(int code, WPARAM wParam, LPARAM lParam) {
-        if (code == HCBT_ACTIVATE) {
-            const HWND window = reinterpret_cast<HWND>(wParam);
-            char title[64] = {};
-            GetWindowTextA(window, title, sizeof title);
-            if (lstrcmpA(title, "Project Manager") == 0) {
-                PostMessageA(s_current->m_helper, kOpened, wParam, 0);
-            }
-        }
-        return CallNextHookEx(nullptr, code, wParam, lParam);
+    const HWND titles = descendant(manager, "COMBOBOX", kTitles);
+    best.titles = std::min(best.titles, millisecondsOf([&] {
+                               SendMessageA(GetParent(titles), WM_COMMAND, MAKEWPARAM(kTitles, CBN_DROPDOWN),
+                                            reinterpret_cast<LPARAM>(titles));
+                           }));
+    if (SendMessageA(titles, CB_GETCOUNT, 0, 0) != kScripts) {
+        stop("the drop list is not full");
     }
-    static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-        if (message != kOpened) {
-            return DefWindowProcA(window, message, wParam, lParam);
-        }
-        if (!s_current->m_done) {
-            s_current->opened(reinterpret_cast<HWND>(wParam));
-        }
-        return 0;
-    }
-
-    void opened(HWND manager) {
-        m_done = true;
-        paint(manager);
-        LARGE_INTEGER frequency, end;
-        QueryPerformanceFrequency(&frequency);
-        QueryPerformanceCounter(&end);
-        m_best.opening = std::min(m_best.opening, static_cast<double>(end.QuadPart - m_start.QuadPart) *
-                                                      1000.0 / static_cast<double>(frequency.QuadPart));
-        const HWND search = descendant(manager, "EDIT", kSearchField);
-        const HWND list = descendant(manager, WC_LISTVIEWA, 0);
-        m_best.keys.resize(m_found.size(), 1e9);
-        for (size_t i = 0; i < m_found.size(); ++i) {
-            const double took = millisecondsOf([&] {
-                SendMessageA(search, WM_CHAR, static_cast<WPARAM>(kTyped[i]), 1);
-                paint(manager);
-            });
-            if (static_cast<size_t>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) != m_found[i]) {
-                stop("the manager lists other rows than the search finds");
-            }
-            m_best.keys[i] = std::min(m_best.keys[i], took);
-        }
-        const HWND titles = descendant(manager, "COMBOBOX", kTitles);
-        m_best.titles =
-            std::min(m_best.titles, millisecondsOf([&] {
-                         SendMessageA(GetParent(titles), WM_COMMAND, MAKEWPARAM(kTitles, CBN_DROPDOWN),
-                                      reinterpret_cast<LPARAM>(titles));
-                     }));
-        if (SendMessageA(titles, CB_GETCOUNT, 0, 0) != kScripts) {
-            stop("the drop list is not full");
-        }
-        PostMessageA(manager, WM_CLOSE, 0, 0);
-    }
-
-    static ManagerRun* s_current;
-    const std::vector<size_t>& m_found;
-    Figures& m_best;
-    HWND m_helper = nullptr;
-    LARGE_INTEGER m_start{};
-    bool m_done = false;
-};
-ManagerRun* ManagerRun::s_current = nullptr;
+}
 
 int run(const std::string& dll) {
     const test::TempFolder folder;
@@ -281,7 +211,9 @@ int run(const std::string& dll) {
     std::vector<double> bareKeys(found.size(), 1e9);
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
         tellRound(round, kRounds);
-        const ManagerRun manager(editor, counts, best);
+        const WindowRun manager(editor, "Add Script", "Project Manager",
+                                [&](HWND window) { use(window, counts, best); });
+        best.opening = std::min(best.opening, manager.opening());
         bareOpening = std::min(bareOpening, millisecondsOf([&] { bare.open(); }));
         for (size_t i = 0; i < found.size(); ++i) {
             bareKeys[i] = std::min(bareKeys[i], millisecondsOf([&] { bare.fill(found[i]); }));

@@ -98,6 +98,8 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     EXPECT_EQ(changes,
               json::parse(R"([{"entity": "a", "value": "skill1 Drop", "before": "5", "after": "2"}])"));
     EXPECT_EQ(folder.run("level get d.zlm a Drop").out, "2\n");
+    EXPECT_EQ(json::parse(folder.run("level set -n d.zlm a Drop=1 Drop=3 skill2=4 skill2=0 --json").out),
+              json::parse(R"([{"entity": "a", "value": "skill1 Drop", "before": "2", "after": "3"}])"));
     EXPECT_EQ(folder.run("level set d.zlm a =1").status, 2);
     EXPECT_EQ(folder.run("level list l.zlm nobody").status, 2);
     EXPECT_EQ(folder.read("l.zlm"), expected);

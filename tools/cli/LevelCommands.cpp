@@ -272,7 +272,7 @@ Json changeOf(const std::string& entity, const std::string& what, const std::str
 
 ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
     std::string text = level.text();
-    Json changes = Json::array();
+    std::vector<Json> changes;
     for (const std::string& word : options.words) {
         const size_t equals = word.find('=');
         if (equals == word.npos || equals == 0) {
@@ -309,9 +309,11 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
             return ExitStatus::Failed;
         }
         text = std::move(*edited);
+        // One that is named again has its last value.
+        const Json change = changeOf(entity.name, nameOf(row), facts.value, number ? skillText(*number) : "");
+        std::erase_if(changes, [&](const Json& earlier) { return earlier["value"] == change["value"]; });
         if (skillOfText(facts.value) != number) {
-            changes.push_back(
-                changeOf(entity.name, nameOf(row), facts.value, number ? skillText(*number) : ""));
+            changes.push_back(change);
         }
     }
     if (options.dryRun) {

@@ -108,6 +108,18 @@ TEST(Allocations, EachThatFailsIsAResult) {
     }
 }
 
+// Does the work while the allocation of that number fails; `done` when it has not so many, and then it does what it is to
+// do. False when it threw.
+bool stays(long failing, const std::function<bool()>& work, bool& done) {
+    bool asExpected = false;
+    g_countdown = failing;
+    const bool inside = keepInside([&] { asExpected = work(); });
+    done = g_countdown > 0;
+    g_countdown = 0;
+    EXPECT_TRUE(!done || asExpected) << "nothing failed";
+    return inside;
+}
+
 // Another hand's work on the same script.
 constexpr char kOthers[] =
     "// ver: 1\r\n// another's line\r\n// entry: How dense the fog is, from near to far\r\n// id: 1\r\n"
@@ -147,13 +159,8 @@ TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
             CustomizeSession session(host, userPrompt());
             ASSERT_TRUE(session.open(path) && session.setValue(2, "mist.tga"));
             folder.write("fog.kez", way.onDisk);
-            g_countdown = failing;
-            bool asExpected = false;
-            const bool inside = keepInside([&] { asExpected = way.work(session); });
-            done = g_countdown > 0;
-            g_countdown = 0;
-            if (inside) {
-                EXPECT_TRUE(!done || asExpected) << "nothing failed";
+            if (stays(
+                    failing, [&] { return way.work(session); }, done)) {
                 continue;
             }
             session.offerUnsaved();
@@ -213,11 +220,8 @@ TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
             panel.open();
             ASSERT_TRUE(panel.setValue(kMass, "80") && panel.setValue(kColor, "harbour blue"));
             folder.write("game.xml", project(folder, way.onDisk));
-            g_countdown = failing;
-            const bool inside = keepInside([&] { way.work(panel); });
-            done = g_countdown > 0;
-            g_countdown = 0;
-            if (!inside) {
+            if (!stays(
+                    failing, [&] { return way.work(panel); }, done)) {
                 panel.offerUnsaved();
                 const std::string saved = folder.read("game.xml");
                 EXPECT_TRUE(saved.find("harbour blue") != std::string::npos && !panel.hasUnsaved()) << saved;
