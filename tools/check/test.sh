@@ -14,10 +14,12 @@ mkdir -p "$logs"
 
 passed=0
 failed=0
-add() { # what, passed, failed
+failures= # a line for each, told once more in front of the total
+add() { # what, passed, failed, names of what failed
     echo "$1: $2 passed, $3 failed"
     passed=$((passed + $2))
     failed=$((failed + $3))
+    [ "$3" = 0 ] || failures+="FAILED in $1: ${4:-see above}"$'\n'
 }
 
 check() { # name, command...
@@ -44,6 +46,20 @@ build() { # preset
     fi
 }
 
+# Names of the programs that ended badly, and of the cases that failed or were skipped.
+not_passed() { # build folder, CTest's log
+    {
+        sed -nE 's/^[\t ]+[0-9]+ - ([^ ]+) (\(.*\))$/\1 \2/p' "$2"
+        find "$1/tests" -name '*_tests.xml' -exec awk '
+            /<testcase / {
+                match($0, / classname="[^"]*"/) && name = substr($0, RSTART + 12, RLENGTH - 13)
+                match($0, / name="[^"]*"/) && name = name "." substr($0, RSTART + 7, RLENGTH - 8)
+            }
+            /<failure / { print name }
+            / status="notrun"/ || / result="skipped"/ { print name " (skipped)" }' {} +
+    } | sort -u | paste -sd '|' | sed 's/|/, /g'
+}
+
 run_ctest() { # preset, command to run it with...
     local folder=$PWD/build/$1 log=$logs/test-$1.log preset=$1 counts start=$SECONDS
     shift
@@ -54,7 +70,7 @@ run_ctest() { # preset, command to run it with...
         --output-junit "$folder/junit.xml" >"$log" 2>&1 || cat "$log"
     counts=$($here/count.sh "$folder")
     # shellcheck disable=SC2086 # two numbers
-    add "tests $preset ($((SECONDS - start)) s)" $counts
+    add "tests $preset ($((SECONDS - start)) s)" $counts "$(not_passed "$folder" "$log")"
 }
 
 # The window tests mostly wait for windows, so they run beside the others.
@@ -75,7 +91,7 @@ end_window_tests() {
         line="${line% *} 1"
     fi
     # shellcheck disable=SC2086
-    add "tests window" $line
+    add "tests window" $line "$(sed -nE 's/^FAIL ([^ ]+) .*/\1/p' "$log" | paste -sd ' ')"
 }
 
 check includes $here/includes.sh
@@ -113,6 +129,7 @@ if [ -n "$windows" ]; then
 fi
 
 [ $((passed + failed)) -gt 0 ] || failed=1
+printf '%s' "$failures"
 line="$passed passed, $failed failed"
 echo "$line" >"$logs/total"
 echo "$line"

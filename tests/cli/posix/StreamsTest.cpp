@@ -94,11 +94,9 @@ TEST(Streams, AFolderThatCannotBeListedIsNotEmpty) {
 
 }  // namespace
 
+#ifndef __SANITIZE_ADDRESS__  // which takes more address space itself than the limit below
 // Memory that runs out is told with the file that took it, whichever command reads it.
 TEST(Streams, MemoryThatRunsOutIsToldWithTheFile) {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer itself takes more address space than the limit";
-#endif
     constexpr int kPieces = 1'500'000;
     std::string xml = "<a>", script;
     for (int i = 0; i < kPieces; ++i) {
@@ -117,6 +115,7 @@ TEST(Streams, MemoryThatRunsOutIsToldWithTheFile) {
             << command;
     }
 }
+#endif
 
 // Each sets a value of its own in one project, at the same moment.
 TEST(TwoWriters, LoseNothingOfEachOther) {
