@@ -231,19 +231,31 @@ bool ProjectSession::leaveField() {
 
 Outcome ProjectSession::setValue(const ProjectField& field, const std::optional<std::string>& value,
                                  bool typing) {
-    const auto before = fieldValue(m_model, field);
-    if (before == value) {
-        return {};
+    return setValues({{field, value}}, typing);
+}
+
+Outcome ProjectSession::setValues(const std::vector<FieldValue>& values, bool typing) {
+    ProjectEdits::Step step;
+    bool arePaths = false;
+    for (const auto& [field, value] : values) {
+        if (fieldValue(m_model, field) == value) {
+            continue;
+        }
+        std::string refusal = value ? textRefusal(*value) : removalRefusal(m_model, field);
+        if (value && refusal.empty()) {
+            refusal = fieldRefusal(m_model, field, *value);
+        }
+        if (!refusal.empty()) {
+            return Refusal{std::move(refusal)};
+        }
+        step.push_back(valueChange(m_model, field, value));
+        arePaths = arePaths || field.kind <= ProjectField::Kind::Section;
     }
-    std::string refusal = value ? textRefusal(*value) : removalRefusal(m_model, field);
-    if (value && refusal.empty()) {
-        refusal = fieldRefusal(m_model, field, *value);
+    if (!m_edits.apply(m_model, std::move(step), typing)) {
+        return Refusal{"This value does not fit here."};
     }
-    if (refusal.empty() && !m_edits.apply(m_model, {valueChange(m_model, field, value)}, typing)) {
-        refusal = "This value does not fit here.";
-    }
-    m_typedPaths = m_typedPaths || (typing && field.kind <= ProjectField::Kind::Section);
-    return Outcome::unless(std::move(refusal));
+    m_typedPaths = m_typedPaths || (typing && arePaths);
+    return {};
 }
 
 void ProjectSession::step(ProjectChange change) {

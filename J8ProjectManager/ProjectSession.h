@@ -84,6 +84,12 @@ public:
     // Everything stays as it was when it's refused. With `typing` the edits of one field become one step, until
     // leaveField; a path's file is looked for then.
     Outcome setValue(const ProjectField& field, const std::optional<std::string>& value, bool typing = false);
+    // The same of several fields: all of them get their value, or none.
+    struct FieldValue {
+        ProjectField field;
+        std::optional<std::string> value;
+    };
+    Outcome setValues(const std::vector<FieldValue>& values, bool typing = false);
     // True when files were looked for whose paths had been typed.
     bool leaveField();
     // Values set in between are one step.

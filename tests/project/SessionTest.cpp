@@ -70,6 +70,23 @@ protected:
     std::string path, why;
 };
 
+TEST_F(ProjectSessionTest, SetsSeveralValuesOrNone) {
+    const auto field = [this](const char* address) { return *zoka::fieldAt(manager, address); };
+    const ProjectField doc = field("level/harbour/doc"),
+                       mass = field("level/harbour/entity/guard/component/body/mass");
+    ASSERT_TRUE(set("level/harbour/doc", "undone"));
+    session.undo();
+    const std::string before = all();
+    EXPECT_FALSE(session.setValues({{doc, "by the lake"}, {mass, "heavy"}}));
+    EXPECT_EQ(all(), before);
+    EXPECT_TRUE(session.canRedo());  // what was undone, not what was refused
+    EXPECT_TRUE(session.setValues({{doc, "by the lake"}, {mass, "8"}}));
+    EXPECT_EQ(get("level/harbour/doc"), "by the lake");
+    EXPECT_EQ(session.editsDone(), 1U);
+    session.undo();
+    EXPECT_EQ(all(), before);
+}
+
 // What the window that has to go asks, and where the edits are when the project can't be written.
 TEST_F(ProjectSessionTest, OffersEditsWhereTheWindowHasToGo) {
     const std::string old = folder.read("game.xml");
