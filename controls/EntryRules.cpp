@@ -201,6 +201,21 @@ bool isChoice(const EntryFacts& facts, std::string_view text) {
     return in(facts.options) || (facts.hostNames && in(*facts.hostNames));
 }
 
+std::string choiceRefusal(const EntryFacts& facts, std::string_view text) {
+    if (facts.field != EntryField::DropList || !hasChoices(facts) || isChoice(facts, text)) {
+        return {};
+    }
+    constexpr size_t kNamed = 20;
+    std::string choices;
+    for (size_t i = 0; i < std::min(facts.options.size(), kNamed); ++i) {
+        choices += (i > 0 ? ", " : "") + facts.options[i];
+    }
+    if (facts.options.size() > kNamed) {
+        choices += " and " + std::to_string(facts.options.size() - kNamed) + " more";
+    }
+    return '"' + std::string(text) + "\" is not among its choices (" + choices + ')';
+}
+
 std::string numberText(double value, int decimals) {
     char buffer[400];  // the longest double has 309 digits in front of the point
     const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed,

@@ -127,16 +127,8 @@ void tellSkipped(const OsListing& left, const std::string& folder) {
 }
 
 std::string notOffered(const EntryModel& row, const std::string& value) {
-    const EntryFacts& facts = row.facts();
-    if (facts.field != EntryField::DropList || !hasChoices(facts) || isChoice(facts, value) ||
-        value == row.loadedValue()) {
-        return {};
-    }
-    std::string choices;
-    for (const std::string& option : facts.options) {
-        choices += (choices.empty() ? "" : ", ") + option;
-    }
-    return '"' + value + "\" is not among its choices (" + choices + "); --force sets it all the same.";
+    const std::string why = value == row.loadedValue() ? "" : choiceRefusal(row.facts(), value);
+    return why.empty() ? why : why + "; --force sets it all the same.";
 }
 
 void complain(const std::string& text) {
