@@ -137,6 +137,7 @@ Result<size_t> RowEditing::go(bool forward) {
     if (forward ? !canRedo() : !canUndo()) {
         return Refusal{};
     }
+    const OneStep one(*this, false);
     const EditHistory::Step& step = forward ? m_history.redo() : m_history.undo();
     bool any = false;
     std::string refusal;

@@ -241,11 +241,13 @@ bool BehaviorSession::isOutdated() {
     return false;
 }
 
-// All entities get their value, or none: those already written get back what they had.
+// All entities get their value, or none: those already written get back what they had. The first row of a step looks
+// whether these are still the editor's entities, which for a host that does not count its changes are many questions.
 Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
-    if (!m_access || isOutdated()) {
+    if (!m_access || (!m_isUpToDate && isOutdated())) {
         return Refusal{kElsewhere};
     }
+    m_isUpToDate = m_isInStep;
     const Source source = m_sources[i];
     for (size_t n = 0; n < m_entities.size(); ++n) {
         if (write(source, m_entities[n], values[n])) {
@@ -270,6 +272,14 @@ Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
     // Not noted in m_changes: it may have grown by another hand's change too, which is still to be seen.
     m_known = m_access->changes();
     return {};
+}
+
+void BehaviorSession::stepBegins(bool) {
+    m_isInStep = true;
+}
+
+void BehaviorSession::stepEnds() {
+    m_isInStep = m_isUpToDate = false;
 }
 
 Outcome BehaviorSession::store(size_t i, const std::string& value) {

@@ -107,6 +107,8 @@ private:
         std::string closed = {};  // why it takes no value at all
     };
 
+    void stepBegins(bool typing) override;
+    void stepEnds() override;
     Outcome store(size_t i, const std::string& value) override;
     std::string stateOf(size_t i) const override;
     Outcome putState(size_t i, const std::string& state) override;
@@ -155,6 +157,8 @@ private:
     std::string m_gone;
     std::optional<std::uint32_t> m_changes;  // at the last look
     std::optional<std::uint32_t> m_known;    // and after the last edit
+    bool m_isInStep = false,
+         m_isUpToDate = false;  // the latter as far as a row of the step under way has found
 };
 
 }  // namespace zoka
