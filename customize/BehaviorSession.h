@@ -140,6 +140,7 @@ private:
     bool reread(size_t i);
     void showValues(size_t i);
     std::string textOf(size_t i, float value) const;
+    std::string takeChoice(size_t i, std::string& value) const;
     Result<size_t> rowFor(const std::string& field, const std::string& label) const;
     std::vector<std::string> findings() const;
 

@@ -214,6 +214,17 @@ Result<size_t> BehaviorSession::rowFor(const std::string& field, const std::stri
     return named ? Result(*named) : Refusal{"there is no such value here"};
 }
 
+// Makes a number the choice of the row's list that is equal. Why there is none, in the row's character set; of components
+// the project says what they take.
+std::string BehaviorSession::takeChoice(size_t i, std::string& value) const {
+    const auto number = skillOfText(value);
+    if (m_sources[i].number == 0 || row(i).facts().options.empty() || !number) {
+        return {};
+    }
+    value = textOf(i, *number);
+    return !row(i).isDifferent() && value == row(i).value() ? "" : choiceRefusal(row(i).facts(), value);
+}
+
 PasteResult BehaviorSession::paste(const std::string& text) {
     PasteResult result;
     std::vector<RowValue> values;
@@ -239,6 +250,10 @@ PasteResult BehaviorSession::paste(const std::string& text) {
             auto value = convertText(parts.value, TextSet::Utf8, row(*place).facts().set);
             if (!value) {
                 place = Refusal{value.why()};
+                break;
+            }
+            if (std::string why = takeChoice(*place, *value); !why.empty()) {
+                place = Refusal{utf8Text(why, row(*place).facts().set)};
                 break;
             }
             values.push_back({*place, std::move(*value)});
