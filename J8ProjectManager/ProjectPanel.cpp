@@ -40,6 +40,7 @@ std::string shownForm(const ProjectRow& row, const std::string& stored, const Pr
 
 EntryModel rowModel(const ProjectRow& row, const ProjectTexts& texts) {
     EntryFacts facts = row.facts;
+    facts.set = texts.set;
     facts.label = texts.shown(facts.label);
     facts.help = texts.shown(facts.help);
     for (std::string& option : facts.options) {

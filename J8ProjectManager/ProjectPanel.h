@@ -15,6 +15,7 @@ namespace zoka {
 struct ProjectTexts {
     std::string (*shown)(const std::string& utf8);
     std::string (*stored)(const std::string& shown);
+    TextSet set = TextSet::System;  // of those shown
 };
 
 // A value of the row, as a panel shows it, and the row with its value: a value of the entity's own counts as changed

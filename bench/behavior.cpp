@@ -24,10 +24,6 @@ constexpr double kEditWanted = 20;  // ms
     std::exit(1);
 }
 
-std::string same(const std::string& text) {
-    return text;
-}
-
 // A level of 2,000 entities, each with two components, of which 20 properties can be edited.
 void writeProject(const test::TempFolder& folder) {
     std::string components = "<Components>";
@@ -94,8 +90,7 @@ int run() {
     Entities one(1, script), many(kMany, script);
     BehaviorSession alone(&one, editor), all(&many, editor);
     const auto componentsOf = [&] {
-        return std::make_unique<EntityComponents>(folder.path("main.xml"), ProjectTexts{same, same},
-                                                  userPrompt());
+        return std::make_unique<EntityComponents>(folder.path("main.xml"), userPrompt());
     };
     BehaviorSession withComponents(&many, editor, componentsOf(), "e0");
     withComponents.open();

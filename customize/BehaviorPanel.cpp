@@ -206,6 +206,20 @@ void setSkillField(const CustomEntry& row, EntryFacts& facts) {
                                                     : EntryField::DropList;
 }
 
+// All texts that were read.
+void takeToUtf8(BehaviorPanel& panel) {
+    for (CustomEntry& row : panel.rows) {
+        row.label = utf8Text(row.label, panel.set);
+        row.help = utf8Text(row.help, panel.set);
+    }
+    MarkupFindings findings;
+    for (const MarkupFinding& one : panel.findings.kept()) {
+        findings.add(one.line, utf8Text(one.what, panel.set), one.ofValue);
+    }
+    panel.findings = std::move(findings);
+    panel.set = TextSet::Utf8;
+}
+
 void clear(BehaviorPanel& panel) {
     panel.rows.clear();
     panel.declaredCount = 0;
@@ -260,11 +274,18 @@ void readActionBlock(std::string_view block, int firstLine, BehaviorPanel& panel
 }
 
 void addUndeclaredRows(BehaviorPanel& panel) {
+    for (const auto* names : {&panel.defaultSkillNames, &panel.defaultFlagNames}) {
+        for (const NumberedName& one : *names) {
+            if (!convertText(one.name, TextSet::Utf8, panel.set)) {
+                takeToUtf8(panel);
+            }
+        }
+    }
     const auto add = [&panel](int kind, int id, const std::string& label, const char* value) {
         CustomEntry& row = panel.rows.emplace_back();
         row.kind = kind;
         row.id = id;
-        row.label = *convertText(label, TextSet::System, panel.set);
+        row.label = *convertText(label, TextSet::Utf8, panel.set);
         row.value = value;
     };
     for (const NumberedName& skill : panel.defaultSkillNames) {

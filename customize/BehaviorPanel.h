@@ -25,14 +25,15 @@ struct BehaviorPanel {
     std::string scriptName;
     std::int32_t blockStart = 0;
     std::int32_t blockLength = 0;
-    // Shown where the action declares nothing, in the system's character set; set before loading.
+    // Shown where the action declares nothing, in UTF-8; set before loading.
     std::vector<NumberedName> defaultSkillNames, defaultFlagNames;
 
     // In the markup's order. Of a skill or a flag `label` is its name, `value` its default and `line` where it
     // stands in the script; a description's text is its `label`.
     std::vector<CustomEntry> rows;
-    TextSet set = TextSet::System;  // of the script, and so of all texts of the rows and findings
-    int declaredCount = 0;          // of skills and flags, not those shown for lack of them
+    // Of the script, and so of all texts of the rows and findings; UTF-8 where names are shown that its set lacks.
+    TextSet set = TextSet::System;
+    int declaredCount = 0;  // of skills and flags, not those shown for lack of them
     MarkupFindings findings;
 
     // The last title: the caption of the panel's window. Empty when there is none.

@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* kRefused = "The editor has refused the value.";
 constexpr const char* kElsewhere = "The editor has gone on to other entities; the value was not written.";
+constexpr const char* kIsGone = " is gone from the level.";
 constexpr const char* kNoValue = "No value suits the actions of all these entities.";
 
 // For a row whose texts are in that set.
@@ -138,7 +139,7 @@ void BehaviorSession::addComponents() {
 void BehaviorSession::blockComponents() {
     for (size_t i = 0; i < m_sources.size() && !m_gone.empty(); ++i) {
         if (m_sources[i].component) {
-            m_models[i].setBlocked(m_gone + " is gone from the level.");
+            m_models[i].setBlocked(utf8Text(m_gone, TextSet::System) + kIsGone);
         }
     }
 }
@@ -310,7 +311,7 @@ std::string BehaviorSession::stateOf(size_t i) const {
 Outcome BehaviorSession::putState(size_t i, const std::string& state) {
     if (const auto row = m_sources[i].component) {
         if (!m_models[i].blocked().empty()) {
-            return Refusal{m_models[i].blocked()};
+            return Refusal{m_gone.empty() ? m_models[i].blocked() : m_gone + kIsGone};
         }
         size_t edits = 0;
         std::from_chars(state.data(), state.data() + state.size(), edits);

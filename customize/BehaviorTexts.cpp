@@ -148,9 +148,8 @@ std::vector<std::string> BehaviorSession::findings() const {
         }
     }
     if (m_components) {
-        for (const std::string& line : m_components->findings()) {
-            lines.push_back(utf8(line));
-        }
+        const std::vector<std::string> own = m_components->findings();
+        lines.insert(lines.end(), own.begin(), own.end());
     }
     return lines;
 }

@@ -4,6 +4,7 @@
 
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "xml/XMLRead.h"
 
 namespace zoka {
 namespace {
@@ -48,6 +49,18 @@ std::string current(const EditValue& value) {
     return value.current();
 }
 
+// An entity's name, as the project has it.
+std::string named(const std::string& entity) {
+    return utf8Text(entity, TextSet::System);
+}
+
+std::string same(const std::string& text) {
+    return text;
+}
+
+// Rows show the project's texts as they are.
+constexpr ProjectTexts kTexts{same, same, TextSet::Utf8};
+
 }  // namespace
 
 std::optional<EntityPlace> placeOfEntity(const CJ8ProjectManager& project, const std::string& name) {
@@ -63,18 +76,17 @@ std::optional<EntityPlace> placeOfEntity(const CJ8ProjectManager& project, const
     return std::nullopt;
 }
 
-std::optional<std::string> definedBehavior(const std::string& projectFile, const std::string& entity,
-                                           const ProjectTexts& texts) {
+std::optional<std::string> definedBehavior(const std::string& projectFile, const std::string& entity) {
     CJ8ProjectManager project;
     if (!project.LoadFromXML(projectFile, false)) {
         return std::nullopt;
     }
-    const auto place = placeOfEntity(project, texts.stored(entity));
+    const auto place = placeOfEntity(project, named(entity));
     if (!place) {
         return std::nullopt;
     }
     const std::string& parent = project.m_apLevels[place->level].m_entities[place->entity].parent;
-    return !parent.empty() && project.behavior(parent) ? std::optional(texts.shown(parent)) : std::nullopt;
+    return !parent.empty() && project.behavior(parent) ? std::optional(parent) : std::nullopt;
 }
 
 std::vector<std::optional<FileTime>> EntityComponents::times() const {
@@ -107,7 +119,7 @@ void EntityComponents::moveTo(std::string projectFile) {
 }
 
 const CJ8BehaviorData* EntityComponents::parentOf(const std::string& entity) const {
-    const auto place = placeOfEntity(m_model, m_texts.stored(entity));
+    const auto place = placeOfEntity(m_model, named(entity));
     return place && !record(*place).parent.empty() ? m_model.behavior(record(*place).parent) : nullptr;
 }
 
@@ -115,7 +127,7 @@ std::vector<std::pair<int, std::string>> EntityComponents::skillNames(const std:
     std::vector<std::pair<int, std::string>> names;
     if (const CJ8BehaviorData* const parent = parentOf(entity)) {
         for (const J8Skill& skill : parent->m_apSkillEdits) {
-            names.emplace_back(skill.num, m_texts.shown(skill.name));
+            names.emplace_back(skill.num, skill.name);
         }
     }
     return names;
@@ -123,7 +135,7 @@ std::vector<std::pair<int, std::string>> EntityComponents::skillNames(const std:
 
 std::string EntityComponents::behaviorOf(const std::string& entity) const {
     const CJ8BehaviorData* const parent = parentOf(entity);
-    return parent ? m_texts.shown(parent->m_name) : "";
+    return parent ? parent->m_name : "";
 }
 
 void EntityComponents::addText(const char* text, std::string help) {
@@ -144,15 +156,14 @@ void EntityComponents::show(std::vector<std::string> entities) {
         if (m_isOptional) {
             return;
         }
-        addText(kNoComponentData, m_project.problem());
+        addText(kNoComponentData, xmlFromPath(m_project.problem()));
         return;
     }
     for (const std::string& entity : m_entities) {
-        const auto place = placeOfEntity(m_model, m_texts.stored(entity));
+        const auto place = placeOfEntity(m_model, named(entity));
         if (!place) {
             m_places.clear();
-            addText(kNoComponentData,
-                    "The project has no entity " + m_texts.stored(entity) + " in this level.");
+            addText(kNoComponentData, "The project has no entity " + named(entity) + " in this level.");
             return;
         }
         m_places.push_back(*place);
@@ -164,7 +175,7 @@ void EntityComponents::addRows() {
     for (size_t i = 0; i < m_places.size(); ++i) {
         const std::string& parent = record(m_places[i]).parent;
         if (parent.empty() || !m_model.behavior(parent)) {
-            const std::string entity = m_texts.stored(m_entities[i]);
+            const std::string entity = named(m_entities[i]);
             addText(kNoParent, parent.empty() ? "The entity " + entity + " has no parent."
                                               : "The project has no behavior " + parent + ", the parent of " +
                                                     entity + ".");
@@ -219,7 +230,7 @@ void EntityComponents::readValues() {
 
 EntryModel EntityComponents::modelOf(size_t i) const {
     const Row& row = m_rows[i];
-    EntryModel first = rowModel(row.shown, m_texts);
+    EntryModel first = rowModel(row.shown, kTexts);
     if (row.values.size() < 2) {
         return first;
     }
@@ -240,7 +251,7 @@ void EntityComponents::showValue(size_t i, EntryModel& model) const {
         return;
     }
     if (allEqual(row.values, current)) {
-        model.putBack(shown(row, row.values.front().current()));
+        model.putBack(shownForm(row.shown, row.values.front().current(), kTexts));
     } else {
         model.setDifferent(std::any_of(row.values.begin(), row.values.end(), [](const EditValue& value) {
             return value.own && value.own != value.inherited;
@@ -252,10 +263,9 @@ std::string EntityComponents::whoSays(size_t i) const {
     std::vector<std::pair<std::string, size_t>> sayers;  // each once, with the number of entities
     for (size_t n = 0; n < m_rows[i].values.size(); ++n) {
         const EditValue& value = m_rows[i].values[n];
-        const std::string sayer = value.own ? "the entity"
-                                  : value.fromParent
-                                      ? "the behavior " + m_texts.shown(record(m_places[n]).parent)
-                                      : "the component's default";
+        const std::string sayer = value.own          ? "the entity"
+                                  : value.fromParent ? "the behavior " + record(m_places[n]).parent
+                                                     : "the component's default";
         const auto found = std::find_if(sayers.begin(), sayers.end(),
                                         [&](const auto& known) { return known.first == sayer; });
         if (found == sayers.end()) {
@@ -277,21 +287,20 @@ std::string EntityComponents::whoSays(size_t i) const {
 std::string EntityComponents::details(size_t i) const {
     const std::string sayer = whoSays(i);
     if (sayer.empty()) {
-        return m_texts.shown(m_rows[i].shown.facts.help);
+        return m_rows[i].shown.facts.help;
     }
-    const std::string more = rowDetails(m_project, m_rows[i].shown, m_texts);
+    const std::string more = rowDetails(m_project, m_rows[i].shown, kTexts);
     return "Value from " + sayer + (more.empty() ? "" : "\r\n" + more);
 }
 
 std::optional<std::string> EntityComponents::defaultOf(size_t i) const {
     const ProjectRow& row = m_rows[i].shown;
-    return row.property ? std::optional(shownForm(row, row.property->value, m_texts)) : std::nullopt;
+    return row.property ? std::optional(shownForm(row, row.property->value, kTexts)) : std::nullopt;
 }
 
 std::string EntityComponents::nameOf(size_t i) const {
     const Row& row = m_rows[i];
-    return row.fields.empty() ? ""
-                              : m_texts.shown(row.fields.front().component + '.' + row.fields.front().name);
+    return row.fields.empty() ? "" : row.fields.front().component + '.' + row.fields.front().name;
 }
 
 std::vector<std::string> EntityComponents::findings() const {
@@ -302,8 +311,7 @@ std::vector<std::string> EntityComponents::findings() const {
             const std::string value = m_rows[i].values[n].current();
             const std::string why = valueRefusal(J8TypedValue::of(*row.property), value);
             if (!why.empty()) {
-                lines.push_back(m_entities[n] + ": " + nameOf(i) + " is " + m_texts.shown(value) + "; " +
-                                m_texts.shown(why));
+                lines.push_back(named(m_entities[n]) + ": " + nameOf(i) + " is " + value + "; " + why);
             }
         }
     }
@@ -314,14 +322,14 @@ Outcome EntityComponents::set(size_t i, const std::string& value) {
     Row& row = m_rows[i];
     std::vector<std::optional<std::string>> given;
     for (size_t n = 0; n < row.fields.size(); ++n) {
-        std::string stored = m_texts.stored(value);
+        std::string stored = value;
         if (row.shown.property) {
             stored = storedValue(J8TypedValue::of(*row.shown.property), stored, row.values[n].current());
         }
         const bool inherits = stored == row.values[n].inherited;
         const std::string refusal = inherits ? "" : fieldRefusal(m_model, row.fields[n], stored);
         if (!refusal.empty()) {
-            return Refusal{m_texts.shown(refusal)};
+            return Refusal{refusal};
         }
         given.push_back(inherits ? std::nullopt : std::optional(std::move(stored)));
     }
@@ -333,12 +341,12 @@ Outcome EntityComponents::inherit(size_t i) {
 }
 
 Outcome EntityComponents::give(Row& row, const std::vector<std::optional<std::string>>& own) {
-    const size_t edits = editsDone();
+    std::vector<ProjectSession::FieldValue> values;
     for (size_t n = 0; n < row.fields.size(); ++n) {
-        if (const Outcome set = m_project.setValue(row.fields[n], own[n]); !set) {
-            goTo(edits);
-            return Refusal{m_texts.shown(set.why())};
-        }
+        values.push_back({row.fields[n], own[n]});
+    }
+    if (Outcome set = m_project.setValues(values); !set) {
+        return set;
     }
     for (size_t n = 0; n < row.fields.size(); ++n) {
         row.values[n].own = own[n];

@@ -24,16 +24,16 @@ struct EntityPlace {
 // level, in the first one that has the entity. `name` as the project's texts.
 std::optional<EntityPlace> placeOfEntity(const CJ8ProjectManager& project, const std::string& name);
 
-// The behaviour that makes the project define a panel for the entity, as shown; nothing when it defines none. Loads the
-// project into a model of its own. [any thread]
-std::optional<std::string> definedBehavior(const std::string& projectFile, const std::string& entity,
-                                           const ProjectTexts& texts);
+// The behaviour that makes the project define a panel for the entity; nothing when it defines none. Loads the project
+// into a model of its own. The entity's name is in the system's character set, the behaviour's in UTF-8. [any thread]
+std::optional<std::string> definedBehavior(const std::string& projectFile, const std::string& entity);
 
-// Rows are counted from 0; names of entities are as shown. The prompt outlives the object. [panel thread]
+// Rows are counted from 0; all their texts are the project's own, in UTF-8. Names of entities are the editor's, in the
+// system's character set. The prompt outlives the object. [panel thread]
 class EntityComponents {
 public:
-    EntityComponents(std::string projectFile, ProjectTexts texts, UserPrompt& prompt)
-        : m_file(std::move(projectFile)), m_texts(texts), m_project(m_model, prompt) {}
+    EntityComponents(std::string projectFile, UserPrompt& prompt)
+        : m_file(std::move(projectFile)), m_project(m_model, prompt) {}
 
     // Reads the project. False when it can't be read; no entity has components then.
     bool load();
@@ -58,9 +58,9 @@ public:
     std::optional<std::string> defaultOf(size_t row) const;
     // "body.mass"; empty for a row without a value.
     std::string nameOf(size_t row) const;
-    // Values that their type or limits forbid, a line each.
+    // Values that their type or limits forbid, a line each, in UTF-8.
     std::vector<std::string> findings() const;
-    // Of the entity's behaviour; empty when it has none.
+    // Of the entity's behaviour, in UTF-8; empty when it has none.
     std::vector<std::pair<int, std::string>> skillNames(const std::string& entity) const;
     std::string behaviorOf(const std::string& entity) const;
 
@@ -96,13 +96,9 @@ private:
     // One an entity, all or none; nothing takes its own value away.
     Outcome give(Row& row, const std::vector<std::optional<std::string>>& own);
     void readValues();
-    std::string shown(const Row& row, const std::string& stored) const {
-        return shownForm(row.shown, stored, m_texts);
-    }
     std::vector<std::optional<FileTime>> times() const;
 
     std::string m_file;
-    ProjectTexts m_texts;
     CJ8ProjectManager m_model;
     ProjectSession m_project;
     bool m_isLoaded = false, m_isOptional = false;

@@ -29,8 +29,7 @@ std::vector<RowsButton> buttonsOf(const BehaviorDialog::Setup& setup) {
 }
 
 std::unique_ptr<EntityComponents> componentsOf(const std::optional<BehaviorProject>& project) {
-    return project ? std::make_unique<EntityComponents>(project->file, project->texts, userPrompt())
-                   : nullptr;
+    return project ? std::make_unique<EntityComponents>(project->file, userPrompt()) : nullptr;
 }
 
 }  // namespace

@@ -16,7 +16,6 @@ namespace zoka {
 struct BehaviorProject {
     std::string file;
     std::string entity;  // that the panel was opened for
-    ProjectTexts texts;
     std::function<std::string()>
         open;  // the file of the project that the editor has open, as of BehaviorSession
 };

@@ -81,7 +81,7 @@ std::unique_ptr<PanelDialog> PluginWindows::makeCustomizePanel(ZunEditorInterfac
 
 bool PluginWindows::behaviorPanelDefined(const std::string& projectFile, const std::string& entity,
                                          EntityDescriptor& descriptor) {
-    auto behavior = definedBehavior(projectFile, entity, projectTexts());
+    auto behavior = definedBehavior(projectFile, entity);
     if (!behavior) {
         return false;
     }
@@ -98,7 +98,7 @@ std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
         const auto open = [&editor] {
             return projectFileOf(editor.GetMainScriptPath().value_or("")).value_or("");
         };
-        project = {open(), descriptor->entity, projectTexts(), open};
+        project = {open(), descriptor->entity, open};
     }
     return std::make_unique<BehaviorWindow>(editor, context, std::move(project));
 }

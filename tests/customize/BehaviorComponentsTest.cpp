@@ -63,9 +63,8 @@ protected:
         debugLogFileName() = "debugLogOut.xml";
     }
 
-    static std::string same(const std::string& text) { return text; }
     static std::unique_ptr<EntityComponents> components(const std::string& file, UserPrompt& prompt) {
-        return std::make_unique<EntityComponents>(file, ProjectTexts{same, same}, prompt);
+        return std::make_unique<EntityComponents>(file, prompt);
     }
     void follow(std::vector<std::string> names) {
         select(std::move(names));
@@ -102,17 +101,16 @@ protected:
 };
 
 TEST_F(BehaviorComponentsTest, isDefinedForAnEntityOfTheOpenLevelWhoseParentIsLoaded) {
-    const ProjectTexts texts{same, same};
-    EXPECT_EQ(definedBehavior(m_file, "a", texts), "walker");
-    EXPECT_EQ(definedBehavior(m_file, "boat", texts), "boat");
+    EXPECT_EQ(definedBehavior(m_file, "a"), "walker");
+    EXPECT_EQ(definedBehavior(m_file, "boat"), "boat");
     for (const char* name : {"c", "lost", "far", "nobody", ""}) {
-        EXPECT_EQ(definedBehavior(m_file, name, texts), std::nullopt) << name;
+        EXPECT_EQ(definedBehavior(m_file, name), std::nullopt) << name;
     }
-    EXPECT_EQ(definedBehavior(m_folder.path("gone.xml"), "a", texts), std::nullopt);
+    EXPECT_EQ(definedBehavior(m_folder.path("gone.xml"), "a"), std::nullopt);
     // No map of the project is the open one: the first level that has the entity.
     const std::string elsewhere = m_folder.write("street.xml", saved());
-    EXPECT_EQ(definedBehavior(elsewhere, "a", texts), "boat");
-    EXPECT_EQ(definedBehavior(elsewhere, "b", texts), "walker");
+    EXPECT_EQ(definedBehavior(elsewhere, "a"), "boat");
+    EXPECT_EQ(definedBehavior(elsewhere, "b"), "walker");
 }
 
 TEST_F(BehaviorComponentsTest, showsTheEntitysEditsOverTheBehaviorsOverTheDefaults) {
@@ -169,6 +167,51 @@ TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
     const PasteResult pasted = m_panel.paste("body.mass = 60\r\nlight.range = 3\r\nbody.stuff = silk");
     EXPECT_EQ(pasted.taken, 1U);
     EXPECT_THAT(pasted.refused, ElementsAre(HasSubstr("no such value"), HasSubstr("does not offer")));
+}
+
+// The project's texts are shown and taken as they are, whatever the system's own set is; the editor's names are in that.
+TEST_F(BehaviorComponentsTest, showsAndTakesAllCharacters) {
+    std::string text = saved();
+    for (const auto& [from, to] : {std::pair("name='b' parent='walker'", "name='\xC3\xA4' parent='\xCE\xA9'"),
+                                   {"parent='nobody'", "parent='\xCE\xA9'"}}) {
+        text.replace(text.find(from), std::string(from).size(), to);
+    }
+    m_folder.write("main.xml", text);
+    m_folder.write(
+        "c.xml",
+        "<Components><Component name='\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1'><Property name='\xCF\x87' "
+        "type='string' value='\xCE\xB2\xCE\xB1\xCF\x81\xCF\x8D' edit='true'/></Component></Components>");
+    m_folder.write("b.xml",
+                   "<Behaviors><Component proj_file='c.xml'/><Behavior name='\xCE\xA9'><Skill num='4' "
+                   "name='\xCE\xB6\xCF\x89\xCE\xAE'/><Component name='\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1'/>"
+                   "</Behavior></Behaviors>");
+    m_entities.entities["\xE4"] = {};
+    m_entities.entities["lost"] = {};
+    select({"\xE4"});
+    m_panel.open();
+    EXPECT_EQ(definedBehavior(m_file, "\xE4"), "\xCE\xA9");
+    const std::string life = "\xCE\xB6\xCF\x89\xCE\xAE", heavy = "\xCE\xB2\xCE\xB1\xCF\x81\xCF\x8D";
+    EXPECT_THAT(shown(), ElementsAre(life + "=0", "\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1", "\xCF\x87=" + heavy));
+    EXPECT_EQ(m_panel.row(0).facts().set, TextSet::Utf8);
+    EXPECT_EQ(m_panel.row(2).facts().set, TextSet::Utf8);
+    EXPECT_THAT(m_panel.tooltip(2), HasSubstr("Value from the component's default"));
+    ASSERT_TRUE(m_panel.setValue(2, "\xE2\x82\xAC\xCE\xA9"));
+    EXPECT_EQ(m_panel.copyText(2, 3), "\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1.\xCF\x87 = \xE2\x82\xAC\xCE\xA9\r\n");
+    EXPECT_EQ(m_panel.paste("\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1.\xCF\x87 = \xCE\xA9\xCE\xA9").taken, 1U);
+    EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
+    EXPECT_THAT(saved(), HasSubstr("value=\"\xCE\xA9\xCE\xA9\""));
+    select({"\xE4", "lost"});
+    m_panel.refresh(true);
+    EXPECT_THAT(shown(),
+                ElementsAre(life + "=0", "\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1", "\xCF\x87=(different) changed"));
+    // What says so of an entity that is gone is in the row's own set.
+    select({"\xE4"});
+    m_panel.refresh(true);
+    m_entities.entities.erase("\xE4");
+    select({});
+    m_panel.refresh(true);
+    EXPECT_EQ(m_panel.row(2).blocked(), "\xC3\xA4 is gone from the level.");
+    EXPECT_EQ(m_panel.undo().why(), "");
 }
 
 TEST_F(BehaviorComponentsTest, severalEntitiesGetTheValueAndEachItsOwnBack) {

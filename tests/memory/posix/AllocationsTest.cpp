@@ -194,7 +194,6 @@ TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
         {"save over another's change",
          [](BehaviorSession& panel) { return panel.save() == ProjectSave::Saved; }, "Play"},
     };
-    const auto same = [](const std::string& text) { return text; };
     const auto before = std::filesystem::current_path();
     for (const Way& way : kWays) {
         SCOPED_TRACE(way.what);
@@ -214,9 +213,7 @@ TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
                          "name='body'/></Behavior></Behaviors>");
             const std::string path = folder.write("game.xml", project(folder, "Game"));
             FolderHost host({.project = folder.path(), .suite = folder.path()});
-            BehaviorSession panel(nullptr, host,
-                                  std::make_unique<EntityComponents>(path, ProjectTexts{same, same}, prompt),
-                                  "guard");
+            BehaviorSession panel(nullptr, host, std::make_unique<EntityComponents>(path, prompt), "guard");
             panel.open();
             ASSERT_TRUE(panel.setValue(kMass, "80") && panel.setValue(kColor, "harbour blue"));
             folder.write("game.xml", project(folder, way.onDisk));
