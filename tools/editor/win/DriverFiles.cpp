@@ -52,6 +52,11 @@ void expectText(DriveContext& drive, const Words& words) {
                  [&] { return "\n" + contentOf(words[0]); });
 }
 
+void expectPart(DriveContext& drive, const Words& words) {
+    drive.expect([&] { return contentOf(words[0]).find(words[1]) != std::string::npos; },
+                 words[0] + " to hold\n" + words[1], [&] { return "\n" + contentOf(words[0]); });
+}
+
 void expectSameFile(DriveContext& drive, const Words& words) {
     const auto same = [&] {
         const auto first = osFiles().readWhole(words[0]), second = osFiles().readWhole(words[1]);
@@ -68,6 +73,7 @@ void addFileCommands(DriveCommands& table) {
     table["expect-lines"] = {2, 40, expectLines};
     table["expect-no-lines"] = {2, 40, expectNoLines};
     table["expect-text"] = {2, 2, expectText};
+    table["expect-part"] = {2, 2, expectPart};
     table["expect-same-file"] = {2, 2, expectSameFile};
 }
 
