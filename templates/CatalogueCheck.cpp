@@ -24,12 +24,19 @@ void addLines(std::vector<CatalogueFinding>& findings, const std::string& script
 // Names the fields with characters that a catalogue can't hold.
 void findDropped(std::vector<CatalogueFinding>& findings, const CScriptElm& script) {
     const auto look = [&](const char* field, const std::string& text) {
-        const auto at = std::find_if(text.begin(), text.end(), isDroppedFromCatalogue);
-        if (at != text.end()) {
-            findings.push_back({script.m_filename, std::string("its ") + field +
-                                                       " holds the control character " +
-                                                       std::to_string(static_cast<unsigned char>(*at)) +
-                                                       ", which a catalogue can't hold; it is left out"});
+        const std::string_view all = text;
+        size_t at = 0;
+        while (at < all.size() && droppedBytes(all.substr(at)) == 0) {
+            ++at;
+        }
+        if (at < all.size()) {
+            const size_t bytes = droppedBytes(all.substr(at));
+            findings.push_back(
+                {script.m_filename, std::string("its ") + field + " holds " +
+                                        (bytes == 1 ? "the control character " +
+                                                          std::to_string(static_cast<unsigned char>(all[at]))
+                                                    : "a character that no text has (U+FFFE or U+FFFF)") +
+                                        ", which a catalogue can't hold; it is left out"});
         }
     };
     look("id", script.m_id);

@@ -92,11 +92,23 @@ private:
 
 }  // namespace
 
+size_t droppedBytes(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    if (first < ' ') {
+        return first == '\t' || first == '\n' || first == '\r' ? 0 : 1;
+    }
+    return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF") ? 3 : 0;
+}
+
 std::string withoutMarkup(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    for (const char c : text) {
-        switch (c) {
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (const size_t dropped = droppedBytes(text.substr(at)); dropped > 0) {
+            at += dropped - 1;
+            continue;
+        }
+        switch (text[at]) {
             case '"':
                 result += '\'';
                 break;
@@ -110,9 +122,7 @@ std::string withoutMarkup(std::string_view text) {
                 result += "and";
                 break;
             default:
-                if (!isDroppedFromCatalogue(c)) {
-                    result += c;
-                }
+                result += text[at];
         }
     }
     return result;

@@ -325,9 +325,11 @@ TEST(Catalogue, BuildingAnewKeepsWhatItIsNotTold) {
     text.insert(text.find("<Directory"), "<Directory type=\"art\" path=\".\\art\"/>\n");
     suite.write("suite/templates/template_6.xml", text);
     suite.addTemplate("rain", "note: \x01 odd\r\n");
+    suite.addTemplate("snow", "note: a\xEF\xBF\xBE\r\n");
     const ToolRun run = suite.run(build + "--vers 6.3");
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.out, HasSubstr("rain.kez: its note holds the control character 1"));
+    EXPECT_THAT(run.out, HasSubstr("snow.kez: its note holds a character that no text has"));
     const std::string built = suite.read("suite/templates/template_6.xml");
     for (const char* part :
          {"name=\"Harbour\"", "version=\"6.3\"", "vers =\"6.1 GOLD\"", "type=\"art\"", "rain.kez"}) {

@@ -116,10 +116,10 @@ TEST(CatalogueXml, ReadsBackWithoutWhatTheFormatLoses) {
 
 TEST(CatalogueXml, NamesAreMatchedInAnyCaseAndMissingOnesAreEmpty) {
     const TempFolder folder;
-    folder.write(
-        "t.xml",
-        "<tavrixtemplate NAME='n'><script Name='one'/><other/><SCRIPT name='two'><Need>x</Need><CLASS/>"
-        "<Desc>first<b/>second</Desc></SCRIPT></tavrixtemplate>");
+    folder.write("t.xml",
+                 "<tavrixtemplate NAME='n'><script Name='one'/><other/><SCRIPT "
+                 "name='two'><Need>x</Need><need/><need></need><need> </need><CLASS/>"
+                 "<Desc>first<b/>second</Desc></SCRIPT></tavrixtemplate>");
     CTemplateData data;
     XMLResults results;
     ASSERT_TRUE(loadCatalogue(data, folder.path("t.xml"), &results));
@@ -141,6 +141,67 @@ TEST(CatalogueXml, EightBitCharactersFarDownAreReadBack) {
     EXPECT_TRUE(read.LoadFromXML(folder.path("t.xml")));
     ASSERT_EQ(read.scripts().size(), 2U);
     EXPECT_EQ(read.scripts()[1].m_desc, script.m_desc);
+}
+
+TEST(CatalogueXml, Utf8IsWrittenAndReadBack) {
+    CScriptElm script = fullScript();
+    script.m_name = "Caf\xC3\xA9 \xCE\xA9";
+    script.m_desc = "20\xC2\xB0 \xE2\x82\xAC \xF0\x9F\x98\x80";
+    script.m_class =
+        "Stra\xC3\x9F"
+        "e";
+    script.m_sections[0].m_actions[0].m_desc =
+        "\xC3\xBC"
+        "ber";
+    CTemplateData data;
+    data.SetName(
+        "H\xC3\xA4"
+        "fen");
+    data.AddScript(script);
+    const TempFolder folder;
+    ASSERT_TRUE(data.WriteXML(folder.path("t.xml")));
+    EXPECT_NE(folder.read("t.xml").find("name=\"" + script.m_name + "\""), std::string::npos);
+    CTemplateData read;
+    ASSERT_TRUE(read.LoadFromXML(folder.path("t.xml")));
+    EXPECT_EQ(read.GetName(), data.GetName());
+    ASSERT_EQ(read.scripts().size(), 1U);
+    const CScriptElm back = read.scripts()[0];
+    EXPECT_EQ(back.m_name, script.m_name);
+    EXPECT_EQ(back.m_desc, script.m_desc);
+    EXPECT_EQ(back.m_class, script.m_class);
+    EXPECT_EQ(back.m_sections[0].m_actions[0].m_desc, script.m_sections[0].m_actions[0].m_desc);
+}
+
+// Whatever a header holds, the catalogue made of it is one that can be read: Add Script would end the editor.
+TEST(CatalogueXml, WhateverIsWrittenIsRead) {
+    Names texts = {"\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xEF\xBB\xBF", "\xED\xA0\x80", "\xC3", "\xC3\xA9\xFF",
+                   "]]>",          "--",           "<!--",         "&amp;",        "&#1;", "</desc>"};
+    for (int byte = 0; byte < 256; ++byte) {
+        texts.emplace_back(1, static_cast<char>(byte));
+    }
+    const TempFolder folder;
+    for (const std::string& text : texts) {
+        const std::string value = "a" + text + "z";
+        CScriptElm script = test::script(value, value, value, value, {value});
+        script.m_id = script.m_prefix = script.m_vers = script.m_desc = script.m_note = value;
+        script.m_engreq = {value, value};
+        script.m_sections = {{value, value, value, {{value, value, {value, value}, value}}}};
+        CTemplateData data;
+        data.SetName(value);
+        data.SetEngReq(value);
+        data.AddDirectory(value, value);
+        data.AddScript(script);
+        folder.write("t.xml", catalogueText(data, "261121"));
+        CTemplateData read;
+        XMLResults results;
+        ASSERT_TRUE(loadCatalogue(read, folder.path("t.xml"), &results))
+            << testing::PrintToString(text) << " code " << results.code << " line " << results.line;
+        ASSERT_EQ(read.scripts().size(), 1U);
+        if (text.find_first_of("\t\n\r") == text.npos) {  // these are white space to XML
+            EXPECT_EQ(read.scripts()[0].m_name, withoutMarkup(value)) << testing::PrintToString(text);
+            EXPECT_EQ(read.GetName(), withoutMarkup(value)) << testing::PrintToString(text);
+        }
+    }
 }
 
 TEST(CatalogueXml, ABadFileIsFatalInOneWayAndTellsItsPlaceInTheOther) {
