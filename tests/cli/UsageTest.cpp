@@ -1,6 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <vector>
+
 #include "tests/cli/Tool.h"
 
 using testing::AllOf, testing::HasSubstr, testing::StartsWith;
@@ -17,16 +22,41 @@ TEST(Usage, EveryCommandHasHelpWithAnExampleAndTheExitCodes) {
         EXPECT_EQ(run, (ToolRun{0, run.out})) << arguments;
         EXPECT_THAT(run.out, HasSubstr("Example:\n  zoka " + example)) << arguments;
         EXPECT_THAT(run.out, HasSubstr("Exit codes:\n  0  done\n")) << arguments;
+        EXPECT_THAT(run.out, HasSubstr("--yes")) << arguments;
+        return run.out;
     };
     for (const char* all : {"--help", "-h", "xml --help"}) {
         expectHelp(all, "xml check ");
     }
-    for (const std::string command :
-         {"xml check", "xml format", "catalogue", "catalogue build", "catalogue check", "catalogue list",
-          "catalogue show", "help-pages", "scripts", "scripts list", "scripts add", "scripts remove",
-          "scripts update", "scripts restore", "scripts notes", "scripts why"}) {
-        expectHelp(command + " --help", command);
+    // Every group's help lists its commands.
+    const auto commandsIn = [](const std::string& help) {
+        std::vector<std::string> commands;
+        std::istringstream lines(help.substr(std::min(help.find("Subcommands:"), help.size())));
+        std::string line;
+        for (std::getline(lines, line); std::getline(lines, line) && line.starts_with("  ");) {
+            commands.push_back(line.substr(2, line.find(' ', 2) - 2));
+        }
+        return commands;
+    };
+    size_t known = 0;
+    const std::vector<std::string> writes = {
+        "xml format",      "catalogue build",  "help-pages",       "scripts add",
+        "scripts remove",  "scripts update",   "scripts restore",  "customize set",
+        "customize reset", "customize update", "customize import", "level set",
+        "project set",     "project save",     "project format",   "project new"};
+    for (const std::string& group : commandsIn(ToolFolder().run("--help").out)) {
+        const auto look = [&](const std::string& command) {
+            const std::string help = expectHelp(command + " --help", command);
+            const bool isWriting = std::ranges::find(writes, command) != writes.end();
+            EXPECT_EQ(help.find("-n,--dry-run") != help.npos, isWriting) << command;
+            known += isWriting;
+            return help;
+        };
+        for (const std::string& command : commandsIn(look(group))) {
+            look(group + " " + command);
+        }
     }
+    EXPECT_EQ(known, writes.size());
 }
 
 TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
@@ -61,6 +91,67 @@ TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
     }
     EXPECT_EQ(folder.fileCount(), 1u);
     EXPECT_EQ(folder.read("a.xml"), "<a><b/></a>");
+}
+
+// Editors and other programs can go on from there; an absolute path of the suite's they could not even open.
+TEST(Usage, FilesAreNamedAsTheyWereGiven) {
+    ToolFolder folder;
+    for (const char* name : {"game", "t", "t/deep"}) {
+        std::filesystem::create_directory(folder.path(name));
+    }
+    const std::string script = "// entry: A\n// id: 1\nvar a = 1;\n";
+    folder.write("game/s.kez", script);
+    folder.write("game/bad.kez", "// entri: A\n// skill1: A\naction a {");
+    folder.write("game/empty.kez", "");
+    folder.write("game/l.zlm", "level 1\nentity a\nend");
+    folder.write("game/bad.xml", "<Project>");
+    folder.write("t/other.kez", script);
+    folder.write("t/camera_.kez", "x");
+    folder.write("t/template_6.xml",
+                 "<TavrixTemplate><Script name='Camera' filename='camera_.kez'/></TavrixTemplate>");
+    struct Row {
+        const char *command, *says;
+    };
+    for (const Row& row :
+         {Row{"level list game/none.zlm", "Can't read 'game/none.zlm': "},
+          Row{"level set game/l.zlm a skill1=2 -n", "--- game/l.zlm\n+++ game/l.zlm\n"},
+          Row{"behavior list game/none.kez", "Can't read 'game/none.kez': "},
+          Row{"behavior check ./game", "./game/bad.kez:"},
+          Row{"customize check game", "game/bad.kez:1: "},
+          Row{"customize list none.kez", "Can't read 'none.kez': "},
+          Row{"customize set game/s.kez 1=2 -n", "--- game/s.kez\n"},
+          Row{"customize reset game/s.kez -t t/other.kez", "t/other.kez is another script's template"},
+          Row{"customize reset game/s.kez -t t", "Can't read 't/s.kez': "},
+          Row{"customize update game/s.kez -t t/deep/", "Can't read 't/deep/s.kez': "},
+          Row{"customize update game/none.kez -t t", "Can't read 'game/none.kez': "},
+          Row{"customize export game/s.kez -o game/s.kez/v", " 'game/s.kez/v': "},
+          Row{"customize import game/s.kez", "Can't read 'game/s.kez.zoka': "},
+          Row{"customize import game/s.kez -i ../none", "Can't read '../none': "},
+          Row{"scripts add -p game -t ./t/ -m game/empty.kez camera_.kez", "game/empty.kez is empty: "},
+          Row{"scripts add -p game -t ./t/ -m game/s.kez -n camera_.kez",
+              "\ncopy ./t/camera_.kez -> game/camera_0.kez\n--- game/s.kez\n"},
+          Row{"scripts add -p game -t ./t/ -m game/s.kez -n camera_.kez --json", "\"./t/camera_.kez\""},
+          Row{"scripts list -p game/ -t t -m game/s.kez --json", "\"mainScript\": \"game/s.kez\""},
+          Row{"catalogue build t -o game/s.kez/x.xml", " 'game/s.kez/x.xml': "},
+          Row{"catalogue build t -n", "--- t/template_6.xml\n"},
+          Row{"help-pages t/template_6.xml -o game/s.kez", " 'game/s.kez/"},
+          Row{"project check game", "game/bad.xml"},
+          Row{"project check game/none.xml", "Can't read 'game/none.xml': "}}) {
+        const ToolRun run = folder.run(row.command);
+        std::string said = run.out + run.err;
+        std::string wanted = row.says;
+#ifdef _WIN32
+        for (std::string* const text :
+             {&said, &wanted}) {  // what is below an argument has the system's separators
+            std::ranges::replace(*text, '\\', '/');
+        }
+#endif
+        EXPECT_THAT(said, HasSubstr(wanted)) << row.command;
+        EXPECT_EQ(said.find(folder.path("game").parent_path().filename().string()), said.npos)
+            << row.command << "\n"
+            << said;
+    }
+    EXPECT_EQ(folder.read("game/s.kez"), script);
 }
 
 }  // namespace

@@ -151,9 +151,10 @@ ExitStatus checkBehavior(const BehaviorOptions& options) {
         for (const MarkupFinding& one : findingsOf(*script)) {
             status = worse(status, ExitStatus::Findings);
             if (options.json) {
-                all.push_back({{"file", jsonText(path)}, {"line", one.line}, {"what", jsonText(one.what)}});
+                all.push_back(
+                    {{"file", jsonText(givenPath(path))}, {"line", one.line}, {"what", jsonText(one.what)}});
             } else {
-                printShown(path + ':' + std::to_string(one.line) + ": " + one.what + '\n');
+                printShown(givenPath(path) + ':' + std::to_string(one.line) + ": " + one.what + '\n');
             }
         }
     }

@@ -119,8 +119,7 @@ ExitStatus build(const BuildOptions& options) {
     const std::string folder = suitePath(options.folder);
     const std::string output =
         options.output.empty() ? joinPath(folder, kCatalogueFile) : suitePath(options.output);
-    const std::string shown =
-        options.output.empty() ? asGiven(output, folder, options.folder) : options.output;
+    const std::string shown = givenPath(output);
     CTemplateData catalogue, old;
     const bool exists = osFiles().exists(output);
     const bool known = exists && loadCatalogue(old, output, nullptr);
@@ -295,8 +294,7 @@ ExitStatus writePages(const PagesOptions& options) {
     makeHelp(catalogue, [&](const std::string& name, const std::string& text) {
         names.insert(lowered(name));
         if (options.dryRun) {
-            const std::string path = folder + name,
-                              shown = asGiven(path, suitePath(options.output), options.output);
+            const std::string path = folder + name, shown = givenPath(path);
             const std::optional<std::string> before = currentText(path, shown);
             readable = readable && before;
             if (before) {

@@ -10,6 +10,7 @@
 
 #include "controls/EntryModel.h"
 #include "controls/EntryRules.h"
+#include "tools/cli/SuitePath.h"
 #include "util/ConsolePrompt.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -132,7 +133,7 @@ std::string notOffered(const EntryModel& row, const std::string& value) {
 }
 
 void complain(const std::string& text) {
-    std::fprintf(stderr, "zoka: %s\n", shownText(text).c_str());
+    std::fprintf(stderr, "zoka: %s\n", shownText(withGivenPaths(text)).c_str());
 }
 
 void complainUnreadable(const std::string& path, const std::string& why) {

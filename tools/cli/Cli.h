@@ -70,7 +70,7 @@ ExitStatus rewriteFile(const std::string& path, const std::string& before, std::
 bool flushOutput();
 // Why a list doesn't take the value; empty when it offers it, or is no list.
 std::string notOffered(const EntryModel& row, const std::string& value);
-// A line on the standard error stream, with control characters shown.
+// A line on the standard error stream, with control characters shown and paths as they were given.
 void complain(const std::string& text);
 // The same of a file or folder, as the user named it, that can't be read; `why` is the system's reason.
 void complainUnreadable(const std::string& path, const std::string& why);

@@ -411,8 +411,8 @@ ExitStatus check(const CustomizeOptions& options) {
         OsListing left;
         for (const OsEntry& file : osFiles().list(joinPath(path, "*.kez"), &left)) {
             if (!file.isFolder) {
-                status = worse(status, checkFile(joinPath(path, file.name),
-                                                 asGiven(joinPath(path, file.name), path, word), json));
+                status = worse(
+                    status, checkFile(joinPath(path, file.name), givenPath(joinPath(path, file.name)), json));
             }
         }
         tellSkipped(left, word);

@@ -318,7 +318,7 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
     }
     if (options.dryRun) {
         if (!options.json) {
-            printPatch(unifiedDifference(level.text(), text, level.path(), level.path()));
+            printPatch(unifiedDifference(level.text(), text, options.file, options.file));
         }
     } else {
         bool isElsewhere = false;

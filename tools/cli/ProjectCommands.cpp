@@ -64,11 +64,7 @@ public:
         m_open = m_session.open(path);
         m_given = std::move(given);
         if (!m_open) {
-            std::string why = m_session.problem();
-            if (const size_t at = why.find(m_session.path()); at != why.npos) {
-                why.replace(at, m_session.path().size(), m_given);
-            }
-            complain(why);
+            complain(m_session.problem());
         }
     }
     explicit OpenProject(const std::string& given) : OpenProject(suitePath(given), given) {}
@@ -192,7 +188,7 @@ ExitStatus check(const ProjectOptions& options) {
             }
         }
         for (const std::string& file : files) {
-            OpenProject open(file, file == path ? word : asGiven(file, path, word));
+            OpenProject open(file, givenPath(file));
             if (!open.isOpen()) {
                 status = worse(status, open.session().wasRead() ? ExitStatus::Findings : ExitStatus::Failed);
                 continue;

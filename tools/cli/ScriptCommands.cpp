@@ -38,8 +38,7 @@ void print(const std::string& text) {
 class Manager {
 public:
     // Whoever `changes` the project holds its main script's lock meanwhile.
-    Manager(const ScriptOptions& options, bool changes)
-        : m_options(options), m_host(foldersOf(options)), m_folders(m_host) {
+    Manager(const ScriptOptions& options, bool changes) : m_host(foldersOf(options)), m_folders(m_host) {
         m_status = openProject(options);
         if (m_status != ExitStatus::Done) {
             return;
@@ -70,16 +69,6 @@ public:
     FolderHost& host() { return m_host; }
     const ScriptFolders& folders() const { return m_folders; }  // as they were at first
     const std::string& mainScript() const { return m_mainScript; }
-    // A path as the user wrote its folder.
-    std::string shown(const std::string& path) const {
-        const std::string inProject = asGiven(path, suitePath(m_options.project), m_options.project);
-        return inProject == path ? asGiven(path, suitePath(m_options.templates), m_options.templates)
-                                 : inProject;
-    }
-    void printDifference(const std::string& path, const std::string& before, const std::string& after) const {
-        printPatch(unifiedDifference(before, after, shown(path), shown(path)));
-    }
-
     // The file of a script named by its title or its file name; nothing, and a complaint, when it is unknown.
     std::optional<std::string> fileOf(const std::string& name) const {
         if (const auto titled = m_catalogue.findByName(name)) {
@@ -126,7 +115,7 @@ private:
             return ExitStatus::Usage;
         }
         if (!osFiles().readWhole(m_mainScript)) {
-            complainUnreadable(shown(m_mainScript), osFiles().lastError());
+            complainUnreadable(m_mainScript, osFiles().lastError());
             return ExitStatus::Failed;
         }
         return ExitStatus::Done;
@@ -144,7 +133,6 @@ private:
         return folders;
     }
 
-    const ScriptOptions& m_options;
     FolderHost m_host;
     ScriptFolders m_folders;
     CTemplateData m_catalogue;
@@ -153,6 +141,10 @@ private:
     ExitStatus m_status = ExitStatus::Done;
     std::unique_ptr<ScriptManagerSession> m_session;
 };
+
+void printDifference(const std::string& path, const std::string& before, const std::string& after) {
+    printPatch(unifiedDifference(before, after, givenPath(path), givenPath(path)));
+}
 
 const char* placeName(ScriptPlace place) {
     return place == ScriptPlace::Project    ? "project"
@@ -188,7 +180,7 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
         }
     }
     if (options.json) {
-        printJson({{"mainScript", jsonText(manager.mainScript())}, {"scripts", scripts}});
+        printJson({{"mainScript", jsonText(givenPath(manager.mainScript()))}, {"scripts", scripts}});
     }
     return ExitStatus::Done;
 }
@@ -196,8 +188,8 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
 nlohmann::ordered_json asJson(const AddPlan& plan) {
     nlohmann::ordered_json copies = nlohmann::ordered_json::array(), lines = nlohmann::ordered_json::array();
     for (const AddPlan::Copy& copy : plan.copies) {
-        copies.push_back({{"source", jsonText(copy.source)},
-                          {"destination", jsonText(copy.destination)},
+        copies.push_back({{"source", jsonText(givenPath(copy.source))},
+                          {"destination", jsonText(givenPath(copy.destination))},
                           {"overwrites", copy.overwrites}});
     }
     for (const AddPlan::Line& line : plan.lines) {
@@ -206,7 +198,7 @@ nlohmann::ordered_json asJson(const AddPlan& plan) {
                          {"present", line.present},
                          {"found", line.found}});
     }
-    return {{"summary", jsonText(plan.summary())}, {"copies", copies}, {"includes", lines}};
+    return {{"summary", jsonText(withGivenPaths(plan.summary()))}, {"copies", copies}, {"includes", lines}};
 }
 
 ExitStatus add(Manager& manager, const ScriptOptions& options) {
@@ -232,16 +224,16 @@ ExitStatus add(Manager& manager, const ScriptOptions& options) {
     if (options.json) {
         printJson(asJson(plan));
     } else {
-        print(plan.summary() + "\n");
+        print(withGivenPaths(plan.summary()) + "\n");
     }
     if (options.dryRun) {
         if (options.json) {
             return ExitStatus::Done;
         }
         for (const AddPlan::Copy& copy : plan.copies) {
-            print("copy " + manager.shown(copy.source) + " -> " + manager.shown(copy.destination) + "\n");
+            print("copy " + givenPath(copy.source) + " -> " + givenPath(copy.destination) + "\n");
         }
-        manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
+        printDifference(plan.main.path, plan.main.before, plan.main.after);
         return ExitStatus::Done;
     }
     if (adding.carryOut(plan) && adding.error().empty()) {
@@ -288,7 +280,7 @@ ExitStatus remove(Manager& manager, const ScriptOptions& options) {
     }
     const RemovePlan plan = planRemoval(manager.host(), files);
     if (options.dryRun && plan.problem.empty()) {
-        manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
+        printDifference(plan.main.path, plan.main.before, plan.main.after);
         return ExitStatus::Done;
     }
     const Outcome removed = removeIncludes(manager.host(), plan);
@@ -326,7 +318,7 @@ ExitStatus reportUpdates(Manager& manager, const ScriptOptions& options,
                            {"valuesWithoutPlace", change.unplaced.size()},
                            {"linesLost", change.ownLines}});
         if (!options.json) {
-            manager.printDifference(change.old.script.scriptPath, change.before, change.after);
+            printDifference(change.old.script.scriptPath, change.before, change.after);
         }
     }
     if (options.json) {
@@ -335,7 +327,7 @@ ExitStatus reportUpdates(Manager& manager, const ScriptOptions& options,
                    {"includes", jsonTexts(plan.included)},
                    {"problems", jsonTexts(plan.problems)}});
     } else {
-        manager.printDifference(plan.main.path, plan.main.before, plan.main.after);
+        printDifference(plan.main.path, plan.main.before, plan.main.after);
     }
     for (const UpdatePlan::Script& script : plan.scripts) {
         if (script.change.ownLines > 0) {
@@ -426,7 +418,7 @@ ExitStatus restore(Manager& manager, const ScriptOptions& options) {
         }
         const RestorePlan plan = planRestore(manager.host(), file);
         if (plan.problem.empty()) {
-            print("copy " + manager.shown(plan.source) + " -> " + manager.shown(plan.destination) + "\n");
+            print("copy " + givenPath(plan.source) + " -> " + givenPath(plan.destination) + "\n");
         } else {
             complain(file + ": " + plan.problem);
             status = ExitStatus::Findings;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tools/cli/Cli.h"
+#include "tools/cli/SuitePath.h"
 #include "util/ConsolePrompt.h"
 #include "util/Doors.h"
 #include "util/OsFiles.h"
@@ -101,6 +102,16 @@ void refuseEmptyTexts(CLI::App& app) {
     }
 }
 
+// Questions name files as the user does.
+class ToolPrompt : public ConsolePrompt {
+public:
+    using ConsolePrompt::ConsolePrompt;
+    PromptAnswer ask(const std::string& text, const std::string& title, PromptButtons buttons,
+                     PromptIcon icon) override {
+        return ConsolePrompt::ask(cli::withGivenPaths(text), title, buttons, icon);
+    }
+};
+
 cli::ExitStatus run(int argc, char** argv) {
     CLI::App app("Checks and edits the files of a ZUN project.", "zoka");
     cli::Work chosen;
@@ -142,7 +153,7 @@ cli::ExitStatus run(int argc, char** argv) {
         return usageError(missingCommand(app));
     }
     setInPlace(inPlace ? InPlace::Allowed : InPlace::Refused);
-    ConsolePrompt prompt(std::cin, std::cerr, assumeYes);
+    ToolPrompt prompt(std::cin, std::cerr, assumeYes);
     setUserPrompt(&prompt);
     const cli::ExitStatus status = chosen();
     setUserPrompt(nullptr);
