@@ -210,7 +210,6 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
 
 void ScriptUpdate::forgetLastRun() {
     m_problems.clear();
-    m_halfDone = 0;
     m_updated.clear();
     m_included.clear();
     m_leftAlone.clear();

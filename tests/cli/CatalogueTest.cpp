@@ -107,6 +107,29 @@ TEST(Catalogue, ADamagedOneIsReportedWithItsPlace) {
     EXPECT_EQ(suite.run("catalogue show " + kCatalogue + "none").status, 2);
 }
 
+// By its file name a script may lie in a folder below the template folder, nowhere else.
+TEST(Catalogue, FileNamesStayInTheTemplateFolder) {
+    Suite suite;
+    std::filesystem::create_directory(suite.path("suite/templates/sub"));
+    suite.write("suite/templates/sub/c.kez", "// ver: 1\r\n");
+    suite.write("suite/outside.kez", "x");
+    suite.write(
+        "own.xml",
+        "<TavrixTemplate><Script name='In' filename='sub\\c.kez'/><Script name='Dot' filename='.\\fog.kez'/>"
+        "<Script name='Out' filename='..\\outside.kez'/></TavrixTemplate>");
+    const std::string out = suite.run("catalogue check own.xml --templates suite/templates").out;
+    const std::string finding = "its file name is none that stays in the template folder";
+    EXPECT_THAT(out, HasSubstr("..\\outside.kez: " + finding + "\n"));
+    EXPECT_EQ(out.find(finding), out.rfind(finding)) << out;
+    EXPECT_EQ(out.find("missing in the template folder"), out.npos) << out;
+    const ToolRun refused = suite.run("scripts add" + kOptions + "-c own.xml Out");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err,
+                HasSubstr("zoka: \"..\\outside.kez\" is no file name that stays in the project"));
+    EXPECT_EQ(suite.run("scripts add" + kOptions + "-c own.xml In Dot").status, 0);
+    EXPECT_EQ(suite.read("game/main.kez"), suite.main({"c.kez", "noise.kez", "weather.kez", "fog.kez"}));
+}
+
 TEST(Catalogue, CirclesOfNeedsAreFound) {
     Suite suite;
     suite.addTemplate("noise", "needs: fog.kez\r\n");
@@ -278,6 +301,20 @@ TEST(Scripts, ExitCodesSayWhatWentWrong) {
         EXPECT_THAT(run.err, HasSubstr(row.says)) << row.command;
     }
     EXPECT_EQ(suite.read("game/noise.kez"), "// ver: 1\r\n");
+    std::filesystem::remove(suite.path("suite/templates/noise.kez"));
+    for (const char* command : {"scripts update -n", "--yes scripts update"}) {
+        const ToolRun gone = suite.run(command + kOptions);
+        EXPECT_EQ(gone.status, 3) << command;
+        EXPECT_THAT(gone.err, HasSubstr("noise.kez: the template folder has no such script")) << command;
+    }
+    EXPECT_EQ(suite.read("game/noise.kez"), "// ver: 1\r\n");
+    std::filesystem::remove(suite.path("game/main.kez"));
+    const Unreadable main(suite.path("game/main.kez"));
+    for (const char* command : {"list", "add fog.kez", "remove fog.kez", "update", "notes", "why fog.kez"}) {
+        const ToolRun run = suite.run(std::string("scripts ") + command + kOptions);
+        EXPECT_EQ(run.status, 3) << command;
+        EXPECT_THAT(run.err, StartsWith("zoka: Can't read 'game/main.kez': ")) << command;
+    }
 }
 
 TEST(Scripts, ADryRunShowsWhatTheRunDoes) {

@@ -21,8 +21,10 @@ public:
         many.different = true;
         EntryFacts standard = fact(EntryField::IntField, "Depth", "5");
         standard.extras = std::make_shared<EntryExtras>(EntryExtras{.standard = "3"});
+        EntryFacts waves = fact(EntryField::Switch, "Waves", "1");
+        waves.extras = std::make_shared<EntryExtras>(EntryExtras{.standard = "1"});
         for (const EntryFacts& facts :
-             {fact(EntryField::Heading, "Water", ""), standard, fact(EntryField::Switch, "Waves", "1"), many,
+             {fact(EntryField::Heading, "Water", ""), standard, waves, many,
               fact(EntryField::Heading, "Air", ""), fact(EntryField::StringField, "Wind", "calm")}) {
             made.emplace_back(facts);
         }
@@ -75,7 +77,7 @@ TEST(RowEditing, WhatTheHolderRefusesStaysAsItWas) {
     EXPECT_EQ(rows.calls, "rows values values values ");
     rows.made[2].setBlocked("The entity is gone.");
     EXPECT_EQ(rows.setValue(2, "0").why(), "The entity is gone.");
-    EXPECT_EQ(rows.tooltip(2), "Waves\r\nThe entity is gone.");
+    EXPECT_EQ(rows.tooltip(2), "Waves\r\nThe entity is gone.\r\nDefault: on");
 }
 
 TEST(RowEditing, ADifferentRowTakesOneValueAndGetsItsOwnBack) {
@@ -95,8 +97,10 @@ TEST(RowEditing, ResetsAndTooltipsKnowTheStandardValue) {
     rows.setValue(2, "0");
     rows.setValue(5, "storm");
     EXPECT_EQ(rows.tooltip(1), "Depth\r\nDefault: 3");
-    EXPECT_EQ(rows.tooltip(2), "Waves\r\nSaved: on");
-    EXPECT_EQ(rows.resetAll(ResetTo::Default), 1u);
+    EXPECT_EQ(rows.tooltip(2), "Waves\r\nDefault: on\r\nSaved: on");
+    EXPECT_EQ(rows.resetAll(ResetTo::Default), 2u);
+    EXPECT_EQ(rows.row(2).value(), "1");
+    rows.setValue(2, "0");
     EXPECT_EQ(rows.resetSection(4, ResetTo::Loaded), 1u);
     EXPECT_THAT(rows.values(), ElementsAre("", "3", "0", "(different)", "", "calm"));
     rows.refused = "1";

@@ -73,6 +73,11 @@ TEST(ScriptFolders, LocatesInTheProjectFirst) {
         EXPECT_EQ(facts("none.kez", false), "no: -1 -1");
         EXPECT_EQ(facts("..\\outside.kez", true), "no: -1 -1");
     }
+    EXPECT_EQ(placeProblem("..\\outside.kez"),
+              "\"..\\outside.kez\" is no file name that stays in the project or template folder.");
+    EXPECT_EQ(placeProblem("sub\\none.kez"),
+              "sub\\none.kez is neither in the project folder nor in the template folder.");
+    EXPECT_EQ(placeProblem(""), "The catalogue names no file for this script.");
     const ScriptFolders folders(project.host);
     EXPECT_FALSE(folders.DeleteProjectScript("fog.kez"));
     EXPECT_FALSE(folders.DeleteProjectScript("dir.kez"));
