@@ -165,6 +165,10 @@ TEST(Catalogue, HelpPagesAreWrittenIntoANewFolder) {
 
 TEST(Scripts, AddRemoveAndWhy) {
     Suite suite;
+    const json asked = json::parse(suite.run("scripts add" + kOptions + "-n --json camera_.kez").out);
+    std::string copied = asked["copies"][0]["destination"];
+    std::ranges::replace(copied, '\\', '/');
+    EXPECT_EQ(copied, "game/camera_0.kez") << "below the folder as it was given";
     const ToolRun dry = suite.run("scripts add" + kOptions + "--dry-run \"The fog\" camera_.kez");
     EXPECT_EQ(dry.status, 0);
     EXPECT_THAT(dry.out, StartsWith("adds fog.kez, camera_0.kez; needs noise.kez, weather.kez; "

@@ -130,7 +130,6 @@ TEST(Usage, FilesAreNamedAsTheyWereGiven) {
           Row{"scripts add -p game -t ./t/ -m game/empty.kez camera_.kez", "game/empty.kez is empty: "},
           Row{"scripts add -p game -t ./t/ -m game/s.kez -n camera_.kez",
               "\ncopy ./t/camera_.kez -> game/camera_0.kez\n--- game/s.kez\n"},
-          Row{"scripts add -p game -t ./t/ -m game/s.kez -n camera_.kez --json", "\"./t/camera_.kez\""},
           Row{"scripts list -p game/ -t t -m game/s.kez --json", "\"mainScript\": \"game/s.kez\""},
           Row{"catalogue build t -o game/s.kez/x.xml", " 'game/s.kez/x.xml': "},
           Row{"catalogue build t -n", "--- t/template_6.xml\n"},
