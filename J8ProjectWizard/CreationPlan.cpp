@@ -158,6 +158,13 @@ std::string lengthRefusal(const std::string& path) {
                      " characters; the system takes " + std::to_string(kLongestPath) + ".";
 }
 
+std::string folderRefusal(const std::string& path) {
+    // Some systems take it, but no editor could open the project there.
+    return path.find(':', 2) != path.npos
+               ? "The path \"" + shortened(path) + "\" holds a colon, which means a stream of a file."
+               : lengthRefusal(path);
+}
+
 PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFolder) {
     const std::string root = withSeparator(projectFolder);
     const auto refused = [&root](const std::string& target, const std::string& refusal, bool isFolder) {
@@ -167,6 +174,9 @@ PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFol
         }
         return found;
     };
+    if (PlanRefusal found = refused({}, folderRefusal(projectFolder), true); !found.text.empty()) {
+        return found;
+    }
     for (const PlannedFolder& folder : plan.folders) {
         if (folder.isNameless) {
             continue;

@@ -65,6 +65,8 @@ struct PlanRefusal {
 PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFolder);
 // What is wrong with the length of a path that is to be made; empty: nothing.
 std::string lengthRefusal(const std::string& path);
+// The same of the project folder's path, an absolute one.
+std::string folderRefusal(const std::string& path);
 
 // `folder` with a separator at its end.
 std::string withSeparator(std::string folder);

@@ -68,27 +68,31 @@ void CreationRecord::noteFile(const std::string& path) {
     }
 }
 
-std::vector<std::string> CreationRecord::remove() {
-    std::vector<std::string> left;
+CreationRecord::Removal CreationRecord::remove(JobProgress* progress) {
+    Removal removal;
+    size_t done = 0;
     for (const File& file : m_files) {
-        const auto entry = osFiles().search(file.path);
-        if (!entry) {
+        removal.isStopped =
+            removal.isStopped || !mayContinue(progress, done++, m_files.size(), "Removing " + file.path);
+        const auto entry = removal.isStopped ? std::nullopt : osFiles().search(file.path);
+        if (!entry && !removal.isStopped) {
             continue;
         }
-        const bool same = entry->size == file.size && entry->lastWrite == file.time;
+        const bool same = entry && entry->size == file.size && entry->lastWrite == file.time;
         if (!same || !osFiles().deleteFile(file.path)) {
-            left.push_back(file.path);
+            removal.left.push_back(file.path);
         }
     }
     for (auto folder = m_folders.rbegin(); folder != m_folders.rend(); ++folder) {
-        if (!osFiles().deleteFolder(*folder) && osFiles().kindOf(*folder) != OsKind::Missing) {
-            left.push_back(*folder);
+        if (removal.isStopped ||
+            (!osFiles().deleteFolder(*folder) && osFiles().kindOf(*folder) != OsKind::Missing)) {
+            removal.left.push_back(*folder);
         }
     }
     m_files.clear();
     m_folders.clear();
     m_failed.clear();
-    return left;
+    return removal;
 }
 
 }  // namespace zoka

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "util/FileTime.h"
+#include "util/JobProgress.h"
 
 namespace zoka {
 
@@ -25,9 +26,14 @@ public:
     // Targets that could not be copied to.
     const std::vector<std::string>& failedCopies() const { return m_failed; }
     bool isEmpty() const { return m_folders.empty() && m_files.empty(); }
+    // What is left, because it was changed or could not be deleted, or because the user stopped it: full paths.
+    struct Removal {
+        std::vector<std::string> left;
+        bool isStopped = false;
+    };
     // Deletes the files that are as they were noted, then the folders that hold nothing any more, and forgets
-    // all. Gives what is left, because it was changed or could not be deleted: full paths.
-    std::vector<std::string> remove();
+    // all. Stops between two files.
+    Removal remove(JobProgress* progress = nullptr);
 
 private:
     void noteFile(const std::string& path);

@@ -97,6 +97,28 @@ private:
 
 }  // namespace
 
+bool zoka::wizardDesc(std::string& out, const XMLNode& root) {
+    const XMLNode description = root.getChild("Desc");
+    if (description.isEmpty()) {
+        return false;
+    }
+    out = xmlFirstText(description);
+    return true;
+}
+
+bool zoka::takeWizardDefaults(CJ8WizardUserData& data, const XMLNode& root) {
+    const XMLNode defaults = root.getChild("Defaults");
+    if (defaults.isEmpty()) {
+        return false;
+    }
+    takeText(data.m_strName, defaults, "Name");
+    takeText(data.m_strDocs, defaults, "Docs");
+    takeText(data.m_strLevelName, defaults, "LevelName");
+    takeText(data.m_strLevelMap, defaults, "LevelMap");
+    takeText(data.m_strLevelDocs, defaults, "LevelDocs");
+    return true;
+}
+
 CJ8Wizard::CJ8Wizard(JobProgress* progress) {
     std::vector<OsListed> entries;
     if (osFiles().kindOf(kWizardsFolder) == OsKind::Folder) {
@@ -131,28 +153,11 @@ std::string CJ8Wizard::GetWizardTitle(const std::string& path) {
 }
 
 bool CJ8Wizard::GetWizardDesc(std::string& out, const std::string& path) {
-    const XMLNode description = openWizard(path).getChild("Desc");
-    if (description.isEmpty()) {
-        return false;
-    }
-    out = xmlFirstText(description);
-    return true;
+    return wizardDesc(out, openWizard(path));
 }
 
 bool CJ8Wizard::LoadDefaults(CJ8WizardUserData& data, unsigned index) const {
-    if (index >= m_paths.size()) {
-        return false;
-    }
-    const XMLNode defaults = openWizard(m_paths[index]).getChild("Defaults");
-    if (defaults.isEmpty()) {
-        return false;
-    }
-    takeText(data.m_strName, defaults, "Name");
-    takeText(data.m_strDocs, defaults, "Docs");
-    takeText(data.m_strLevelName, defaults, "LevelName");
-    takeText(data.m_strLevelMap, defaults, "LevelMap");
-    takeText(data.m_strLevelDocs, defaults, "LevelDocs");
-    return true;
+    return takeWizardDefaults(data, root(index));
 }
 
 int CJ8Wizard::Check(std::string& message, unsigned index) const {
@@ -216,7 +221,11 @@ int CJ8Wizard::CheckFiles(std::string& message, const XMLNode& element) const {
     return FileCheck(message, plan, nullptr).check(plan.folders.front());
 }
 
+XMLNode CJ8Wizard::root(unsigned index) const {
+    return index < m_paths.size() ? openWizard(m_paths[index]) : XMLNode();
+}
+
 std::optional<CreationPlan> CJ8Wizard::plan(unsigned index, const std::string& levelMap) const {
-    const XMLNode wizard = index < m_paths.size() ? openWizard(m_paths[index]) : XMLNode();
+    const XMLNode wizard = root(index);
     return wizard.isEmpty() ? std::nullopt : std::optional(planCreation(wizard, levelMap));
 }

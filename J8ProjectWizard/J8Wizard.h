@@ -42,6 +42,10 @@ struct CreationWatch {
     CreationRecord* record = nullptr;
 };
 
+// GetWizardDesc and LoadDefaults of a wizard's root element.
+bool wizardDesc(std::string& out, const XMLNode& root);
+bool takeWizardDefaults(CJ8WizardUserData& data, const XMLNode& root);
+
 }  // namespace zoka
 
 class CJ8Wizard {
@@ -76,7 +80,9 @@ public:
     // without a name; a copy that fails is told to the debug log alone.
     bool CopyFiles(const std::string& target, const XMLNode& folder) const;
 
-    // Nothing when there is no wizard of that number, or its file is none any more.
+    // The root element, read anew; the empty node when there is no wizard of that number, or its file is none any more.
+    XMLNode root(unsigned index) const;
+    // Nothing where there is no root.
     std::optional<zoka::CreationPlan> plan(unsigned index, const std::string& levelMap) const;
 
     const std::vector<std::string>& titles() const { return m_titles; }

@@ -101,13 +101,14 @@ void NewProjectSession::select(int wizard) {
         m_description = wizard < 0 ? "" : "<bad path>";
         return;
     }
+    // Read once: the disk may be slow.
+    const XMLNode root = m_wizard.root(static_cast<unsigned>(wizard));
     std::string description;
-    const auto index = static_cast<unsigned>(wizard);
-    if (!CJ8Wizard::GetWizardDesc(description, m_wizard.paths()[index])) {
+    if (!wizardDesc(description, root)) {
         m_description = "<none>";
     } else {
         m_description = fieldText(description);
-        if (m_wizard.LoadDefaults(m_data, index)) {
+        if (takeWizardDefaults(m_data, root)) {
             fillFields();
         }
     }
@@ -115,8 +116,8 @@ void NewProjectSession::select(int wizard) {
     if (const auto typed = m_typed.find(wizard); typed != m_typed.end()) {
         m_texts = typed->second;
     }
-    if (const auto plan = m_wizard.plan(index, m_data.m_strLevelMap)) {
-        m_tree = PlanTree(*plan);
+    if (!root.isEmpty()) {
+        m_tree = PlanTree(planCreation(root, m_data.m_strLevelMap));
     }
 }
 
@@ -245,7 +246,7 @@ std::string NewProjectSession::folderProblem() const {
     if (m_targetExists && folder == m_seenTarget) {
         return "There is a folder or file of that name already: " + folder;
     }
-    return lengthRefusal(folder);
+    return folderRefusal(folder);
 }
 
 std::string NewProjectSession::hindrance() const {
@@ -331,7 +332,7 @@ bool NewProjectSession::takeFields() {
     return true;
 }
 
-std::optional<NewProject> NewProjectSession::ok(const std::function<void(const Job&)>& runJob) {
+std::optional<NewProject> NewProjectSession::ok(const RunJob& runJob) {
     auto made = takeFields() ? create(runJob) : std::nullopt;
     if (!made) {
         m_data.m_strProjectFolder = text(NewProjectField::Path);
@@ -342,7 +343,7 @@ std::optional<NewProject> NewProjectSession::ok(const std::function<void(const J
     return made;
 }
 
-std::optional<NewProject> NewProjectSession::create(const std::function<void(const Job&)>& runJob) {
+std::optional<NewProject> NewProjectSession::create(const RunJob& runJob) {
     m_data.m_strMessage.clear();
     const auto index = static_cast<unsigned>(m_selected);
     int code = kWizardDone;
@@ -364,11 +365,11 @@ std::optional<NewProject> NewProjectSession::create(const std::function<void(con
     if (!m_data.m_strMessage.empty()) {
         m_prompt.tell(m_data.m_strMessage);
     }
-    offerRemoval(m_prompt, record, code == kWizardCancelled);
+    offerRemoval(m_prompt, record, code == kWizardCancelled, runJob);
     return std::nullopt;
 }
 
-void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled) {
+void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled, const RunJob& runJob) {
     if (record.isEmpty()) {
         return;
     }
@@ -380,10 +381,12 @@ void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled) {
     if (prompt.ask(question, "ZOKA", PromptButtons::YesNo, PromptIcon::Warning) != PromptAnswer::Yes) {
         return;
     }
-    const auto left = record.remove();
-    if (!left.empty()) {
-        prompt.tell("Not everything could be removed, or it was changed meanwhile. This is left:\n\n" +
-                    left.front() +
+    CreationRecord::Removal removal;
+    runJob([&](JobProgress* progress) { removal = record.remove(progress); });
+    if (const auto& left = removal.left; !left.empty()) {
+        prompt.tell((removal.isStopped ? "Removing was stopped."
+                                       : "Not everything could be removed, or it was changed meanwhile.") +
+                    std::string(" This is left:\n\n") + left.front() +
                     (left.size() > 1 ? "\nand " + std::to_string(left.size() - 1) + " more" : ""));
     }
 }

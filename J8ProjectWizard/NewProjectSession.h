@@ -25,6 +25,10 @@ struct NewProject {
     std::string level;   // name of the level map without extension
 };
 
+// Work on the disk that asks nothing, and who runs it to its end.
+using WizardJob = std::function<void(JobProgress*)>;
+using RunJob = std::function<void(const WizardJob&)>;
+
 // Field texts, descriptions and messages are in the system's character set; lines end in CR LF. [editor thread]
 class NewProjectSession {
 public:
@@ -68,8 +72,7 @@ public:
     // The OK button: the new project when it was made. Otherwise the user has been told why. `runJob` runs its
     // argument, which asks nothing, to its end with a progress that shows how far it is; on another thread if it
     // likes.
-    using Job = std::function<void(JobProgress*)>;
-    std::optional<NewProject> ok(const std::function<void(const Job&)>& runJob);
+    std::optional<NewProject> ok(const RunJob& runJob);
     // The field that the last OK has asked for.
     std::optional<NewProjectField> asked() const { return m_asked; }
 
@@ -88,7 +91,7 @@ private:
     // What is wrong, though the project can be made.
     std::string doubt() const;
     bool takeFields();
-    std::optional<NewProject> create(const std::function<void(const Job&)>& runJob);
+    std::optional<NewProject> create(const RunJob& runJob);
 
     UserPrompt& m_prompt;
     CJ8Wizard m_wizard;
@@ -108,8 +111,8 @@ private:
     std::optional<NewProjectField> m_asked;
 };
 
-// Asks whether what a run has made is to be removed, if it has made anything, and removes it.
-void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled);
+// Asks whether what a run has made is to be removed, if it has made anything, and removes it, which `runJob` runs.
+void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled, const RunJob& runJob);
 
 // The message for a code of CJ8Wizard::Run; empty for one that needs none. Static.
 const char* runMessage(int code);

@@ -213,7 +213,7 @@ void CJ8WizardNewDlg::ok() {
         return;
     }
     m_working = true;
-    m_made = m_session.ok([this](const NewProjectSession::Job& job) {
+    m_made = m_session.ok([this](const WizardJob& job) {
         ProgressWindow progress(window(), "Making the Project");
         progress.runOnThread([&job](JobProgress& steps) { job(&steps); });
     });

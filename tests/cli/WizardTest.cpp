@@ -95,6 +95,20 @@ TEST_F(WizardTool, MakesProjects) {
     write("<Folder name='../up'/>");
     EXPECT_EQ(folder.run("project new Wiz --suite suite --folder g/other").status, 1);
     EXPECT_FALSE(fs::exists(folder.path("g/other")));
+    // A colon names a drive or a stream, whatever the system at hand takes.
+    write("");
+    for (const auto& [given, status, why] :
+         {std::tuple("a:b", 2, "\"a:b\" is relative to a drive"),
+          {"C:", 2, "relative to a drive"},
+          {"g/a:b", 1, "a:b\" holds a colon, which means a stream of a file.\nNothing was made."},
+          {"g/ab:c/d", 1, "ab:c\\d\" holds a colon"}}) {
+        const ToolRun run = folder.run(std::string("project new Wiz --suite suite --folder ") + given);
+        EXPECT_EQ(run.status, status) << given;
+        EXPECT_THAT(run.err, HasSubstr(why));
+    }
+    for (const char* name : {"b", "a:b", "g/a:b", "g/ab:c"}) {
+        EXPECT_FALSE(fs::exists(folder.path(name))) << name;
+    }
     // What could not be copied is named, but for files that may be missing.
     write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Level><File name='a/none'/></Level>");
     const ToolRun partly = folder.run("project new Wiz --suite suite --folder g/partly");

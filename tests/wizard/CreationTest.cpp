@@ -153,7 +153,7 @@ TEST(Creation, MakesAFolderWithASeparatorBehindItsName) {
     CreationRecord record;
     EXPECT_EQ(CJ8Wizard().Run(data, 0, {nullptr, &record}), 0);
     EXPECT_EQ(suite.tree("games/new/g"), kFullTree);
-    EXPECT_TRUE(record.remove().empty());
+    EXPECT_TRUE(record.remove().left.empty());
     EXPECT_EQ(suite.tree("games"), std::vector<std::string>());
 }
 
@@ -274,7 +274,7 @@ TEST(Creation, SurvivesEveryFault) {
             XMLNode::parseFile((data.m_strProjectFolder + "\\main.xml").c_str(), "Project");
         EXPECT_TRUE(code != 0 || !project.isEmpty());
         if (code < 0) {
-            EXPECT_TRUE(record.remove().empty());
+            EXPECT_TRUE(record.remove().left.empty());
             EXPECT_FALSE(suite.has("games/g")) << "a second try is possible";
         }
     }
@@ -291,9 +291,10 @@ TEST(Creation, TakesBackOnlyWhatItMade) {
     EXPECT_EQ(record.folders(), 4u);
     suite.write("games/a/b/one.txt", "changed since");
     suite.write("games/a/b/maps/mine.txt", "somebody else's");
-    EXPECT_EQ(record.remove(), (std::vector<std::string>{
-                                   data.m_strProjectFolder + "\\one.txt", data.m_strProjectFolder + "\\maps",
-                                   data.m_strProjectFolder, suite.folder.path("games") + "\\a"}));
+    EXPECT_EQ(
+        record.remove().left,
+        (std::vector<std::string>{data.m_strProjectFolder + "\\one.txt", data.m_strProjectFolder + "\\maps",
+                                  data.m_strProjectFolder, suite.folder.path("games") + "\\a"}));
     EXPECT_EQ(suite.tree("games"),
               (std::vector<std::string>{"a/", "a/b/", "a/b/maps/", "a/b/maps/mine.txt", "a/b/one.txt"}));
 }

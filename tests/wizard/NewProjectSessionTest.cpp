@@ -26,7 +26,7 @@ protected:
         }
     }
     static std::optional<NewProject> ok(NewProjectSession& session) {
-        return session.ok([](const NewProjectSession::Job& job) { job(nullptr); });
+        return session.ok([](const WizardJob& job) { job(nullptr); });
     }
 
     Suite suite;
@@ -135,6 +135,7 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
         {"there", "There is a folder or file of that name already: "},
         {"con", "The folder name \"con\" is a device of the system."},
         {"a.", "The folder name \"a.\" ends with a dot or a blank, which the system would drop."},
+        {"a:b", "The folder name \"a:b\" leads to a drive."},
         {"", "Still needed: a project folder name."},
         {"fine", "OK makes "},
     };
@@ -216,7 +217,8 @@ TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
         fill(session);
         prompt.answers = {PromptAnswer::Yes};
         StopAt progress(at);
-        EXPECT_FALSE(session.ok([&](const NewProjectSession::Job& job) { job(&progress); }));
+        int jobs = 0;  // the second one takes back what was made
+        EXPECT_FALSE(session.ok([&](const WizardJob& job) { job(++jobs == 1 ? &progress : nullptr); }));
         EXPECT_EQ(suite.tree("games"), Texts());
         ASSERT_EQ(prompt.asked.size(), at < kLooks ? 0u : 1u);
         if (at >= kLooks) {
@@ -225,6 +227,70 @@ TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
             EXPECT_TRUE(suite.reportKeys().ends_with(" Cancelled"));
         }
     }
+}
+
+// However slow the disk is: one read of a file when a wizard is chosen, none per keystroke, and after a Cancel no further
+// work in the project folder, neither of the making nor of the removing.
+TEST_F(NewProjectSessionTest, TouchesTheDiskAsLittleAsItCan) {
+    std::vector<std::string> operations;
+    bool isCancelled = false;
+    const FaultyOsFiles files([&](int, std::string_view op, const std::string& path) {
+        EXPECT_FALSE(isCancelled && path.find("\\games\\") != path.npos) << op << ' ' << path;
+        operations.push_back(std::string(op));
+        return false;
+    });
+    // The user cancels while the second file of a job is worked on.
+    class Canceller : public JobProgress {
+    public:
+        explicit Canceller(bool& cancelled) : m_cancelled(cancelled) {}
+        bool step(size_t done, size_t, const std::string& what) override {
+            m_cancelled = done == 2 && !what.starts_with("Looking");
+            return !m_cancelled;
+        }
+        bool& m_cancelled;
+    };
+    NewProjectSession session(prompt);
+    operations.clear();
+    session.select(0);
+    EXPECT_EQ(operations, Texts{"readWhole"});
+    operations.clear();
+    fill(session);
+    for (const char* name : {"a", "ab", "abc"}) {
+        session.setText(NewProjectField::FolderName, name);
+        session.state();
+        for (size_t row = 0; row < session.tree().rows().size(); ++row) {
+            session.rowNote(row);
+            session.rowSize(row);
+            session.isRowHarmed(row);
+        }
+        session.toLookAt();
+    }
+    EXPECT_EQ(operations, Texts());
+    prompt.answers = {PromptAnswer::Yes};
+    const auto run = [&](const WizardJob& job) {
+        Canceller progress(isCancelled);
+        job(&progress);
+        isCancelled = false;
+    };
+    // Two files are made and removed: nothing is left to be stopped.
+    EXPECT_FALSE(session.ok(run));
+    EXPECT_EQ(suite.tree("games"), Texts());
+    // Of a project of which only the saving fails there is more to remove.
+    prompt.answers = {PromptAnswer::Yes};
+    session.setText(NewProjectField::TemplatesPath, "?");
+    int jobs = 0;
+    FaultyOsFiles unsaved(FaultyOsFiles::every("flush"));
+    EXPECT_FALSE(session.ok([&](const WizardJob& job) {
+        if (++jobs == 1) {
+            job(nullptr);
+        } else {
+            run(job);
+        }
+    }));
+    EXPECT_EQ(prompt.asked.back().text, "Removing was stopped. This is left:\n\n" +
+                                            suite.folder.path("games") + "\\abc\\harbour.zlm\nand 8 more");
+    EXPECT_FALSE(suite.has("games/abc/one.txt"));
+    EXPECT_TRUE(suite.has("games/abc/main.kez"));
 }
 
 TEST_F(NewProjectSessionTest, ChoosersStartNearAndMakeFoldersOnRequest) {

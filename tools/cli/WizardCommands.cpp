@@ -291,7 +291,7 @@ ExitStatus make(const WizardOptions& options, const CJ8Wizard& wizards, unsigned
     const int code = wizards.Run(data, index, {nullptr, &record});
     if (code < 0) {
         const ExitStatus status = failed(code, data);
-        offerRemoval(userPrompt(), record, false);
+        offerRemoval(userPrompt(), record, false, [](const WizardJob& job) { job(nullptr); });
         return status;
     }
     if (options.json) {
@@ -330,9 +330,14 @@ std::string whatIsMissing(const CJ8WizardUserData& data) {
 ExitStatus create(WizardOptions options) {
     // They are meant from where the tool was started.
     for (std::string* path : {&options.folder, options.templates ? &*options.templates : nullptr}) {
-        if (path && !path->empty()) {
-            *path = suitePath(*path);
+        if (!path || path->empty()) {
+            continue;
         }
+        if (path->size() > 1 && (*path)[1] == ':' && (path->size() == 2 || !isSeparator((*path)[2]))) {
+            complain('"' + *path + "\" is relative to a drive; name the folder's whole path");
+            return ExitStatus::Usage;
+        }
+        *path = suitePath(*path);
     }
     return withWizard(options, options.dryRun ? Logs::None : Logs::Left,
                       [&](const CJ8Wizard& wizards, unsigned index) {
