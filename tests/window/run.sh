@@ -10,6 +10,7 @@
 #   #: options TEXT  further options of zunhost
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
 #   #: wizard N      there is a wizard "Many files", which copies N files
+#   #: wizards N     there are N more wizards, "Wizard 1" and so on, each of 20 files
 #   #: script N      the project's main script has that many values to customize
 #   #: project N     the quay's project has that many more entities
 #   #: parts N       runs N times, each a test of its own (NAME-1 and so on), because all of it would take too long for
@@ -90,6 +91,23 @@ large_wizard() { # files, templates folder
     } >"$2/wizards/many.xml"
 }
 
+# That many wizards.
+many_wizards() { # wizards, templates folder
+    mkdir "$2/start" || return 1
+    local i
+    for ((i = 1; i <= 20; i++)); do printf 'file %d\n' "$i" >"$2/start/$i.txt"; done
+    awk -v wizards="$1" -v folder="$2/wizards" 'BEGIN {
+        for (n = 1; n <= wizards; n++) {
+            file = folder "/of" n ".xml"
+            printf "<Wizard><Title>Wizard %d</Title><Desc>Makes project %d.</Desc>\n", n, n >file
+            printf "<Defaults><Name>Project %d</Name><LevelMap>main</LevelMap></Defaults><Folder name=\"files\">\n", n >file
+            for (i = 1; i <= 20; i++) printf "<File name=\"%d.txt\" folder=\"start\"/>\n", i >file
+            print "</Folder></Wizard>" >file
+            close(file)
+        }
+    }'
+}
+
 # A script of that many values.
 large_script() { # values
     awk -v values="$1" 'BEGIN {
@@ -144,6 +162,8 @@ run_test() { # script[@part]
         [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
         large=$(directives "$script" wizard)
         [ -z "$large" ] || large_wizard "$large" "$folder/suite/templates"
+        large=$(directives "$script" wizards)
+        [ -z "$large" ] || many_wizards "$large" "$folder/suite/templates"
         large=$(directives "$script" script)
         [ -z "$large" ] || large_script "$large" >"$folder/project/main.kez"
         large=$(directives "$script" project)

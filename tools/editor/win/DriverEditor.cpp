@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "tools/editor/win/DriveContext.h"
+#include "tools/editor/win/SlowDisk.h"
 
 namespace zoka {
 
@@ -249,6 +250,14 @@ void hostDelay(DriveContext& drive, const Words& words) {
     drive.editor.hostTable().setDelay(static_cast<unsigned>(driveNumber(words[0])));
 }
 
+void diskDelay(DriveContext& drive, const Words& words) {
+    const HMODULE plugin = drive.editor.library().module();
+    if (!plugin) {
+        throw DriveFault("no plug-in is loaded");
+    }
+    slowDisk(plugin, words[1], static_cast<unsigned>(driveNumber(words[0])));
+}
+
 void chooser(DriveContext& drive, const Words& words) {
     if (words[0] != "system" && words[0] != "own") {
         throw DriveFault("chooser is system or own");
@@ -297,6 +306,7 @@ void addEditorCommands(DriveCommands& table) {
     table["free-library"] = {0, 0, freeLibrary};
     table["editor-interface"] = {1, 1, editorInterface};
     table["host"] = {1, 1, hostFault};
+    table["disk-delay"] = {2, 2, diskDelay};
     table["host-delay"] = {1, 1, hostDelay};
     table["chooser"] = {1, 1, chooser};
     table["use-memory"] = {1, 1, useMemory};

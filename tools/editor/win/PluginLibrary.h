@@ -26,6 +26,7 @@ public:
     // Frees the library at once, whatever it is doing.
     void free();
     bool loaded() const { return m_module != nullptr; }
+    HMODULE module() const { return m_module; }
     const std::string& path() const { return m_path; }
 
     // The entry points, as they are called.
