@@ -38,6 +38,8 @@ void LevelsPage::createControls() {
     m_count = label("");
     m_list.create(window(), kList, fonts(), fonts().text(), kColumns,
                   [this](int row, int column) { return cell(row, column); });
+    m_list.letMove([this](int row, int before) { return mayMove(row, before); },
+                   [this](int row, int before) { moveRow(row, before); });
     for (int i = 0; i < kButtons; ++i) {
         m_entityButtons.push_back(button(kEntityTexts[i], kEntityButtons + i));
     }
@@ -348,6 +350,25 @@ void LevelsPage::changeEntities(int id) {
     if (id == kAdd || id == kDuplicate) {
         m_view.focusFirst();
     }
+}
+
+// The level itself stays the first row. While a search hides entities, a place among them says little.
+bool LevelsPage::mayMove(int row, int before) const {
+    return hasLevel() && row > 0 && before > 0 &&
+           m_entities.size() == model().m_apLevels[m_level].m_entities.size();
+}
+
+void LevelsPage::moveRow(int row, int before) {
+    if (!m_view.commit()) {
+        return;
+    }
+    const auto from = static_cast<size_t>(row) - 1, behind = static_cast<size_t>(before) - 1;
+    const size_t to = behind > from ? behind - 1 : behind;
+    session().moveEntity(m_level, from, to);
+    m_words.clear();
+    fillEntities();
+    selectEntity(to);
+    m_frame.edited();
 }
 
 void LevelsPage::command(int id, int code) {

@@ -56,6 +56,9 @@ private:
     void enableButtons();
     void changeLevels(int id);
     void changeEntities(int id);
+    // By rows of the list: see RowMoving.
+    bool mayMove(int row, int before) const;
+    void moveRow(int row, int before);
     bool hasLevel() const { return m_level < model().m_apLevels.size(); }
 
     ProjectPanel m_panel;

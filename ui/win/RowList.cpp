@@ -127,8 +127,11 @@ bool RowList::userMayHaveSelected(const NMHDR& header) const {
            ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) != 0;
 }
 
-LRESULT RowList::notified(NMHDR& header) const {
+LRESULT RowList::notified(NMHDR& header) {
     switch (header.code) {
+        case static_cast<UINT>(LVN_BEGINDRAG):
+            m_moving.begin(reinterpret_cast<const NMLISTVIEW&>(header).iItem);
+            return 0;
         case static_cast<UINT>(LVN_GETDISPINFOW): {
             LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
             if ((item.mask & LVIF_TEXT) != 0 && item.cchTextMax > 0) {
@@ -154,23 +157,27 @@ LRESULT RowList::paint(NMLVCUSTOMDRAW& draw) const {
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {
         return CDRF_NOTIFYITEMDRAW;
     }
+    if (draw.nmcd.dwDrawStage == CDDS_ITEMPOSTPAINT) {
+        m_moving.paintMark(draw);
+    }
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) {
         return CDRF_DODEFAULT;
     }
+    const LRESULT afterwards = m_moving.isDragging() ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
     const bool isSelected =
         SendMessageA(m_window, LVM_GETITEMSTATE, draw.nmcd.dwItemSpec, LVIS_SELECTED) != 0;
     if (isSelected && GetFocus() == m_window) {
-        return CDRF_DODEFAULT;
+        return afterwards;
     }
     const bool isWrong = m_isWrong && m_isWrong(static_cast<int>(draw.nmcd.dwItemSpec));
     if (isSelected) {
         draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
         draw.clrTextBk = paleHighlight();
     } else if (!isWrong) {
-        return CDRF_DODEFAULT;
+        return afterwards;
     }
     draw.clrText = isWrong ? inkOfWrong() : GetSysColor(COLOR_WINDOWTEXT);
-    return CDRF_NEWFONT;
+    return CDRF_NEWFONT | afterwards;
 }
 
 // The typed beginning of a row's first text, from a row on and around the end.

@@ -9,7 +9,9 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <utility>
 
+#include "ui/win/RowMoving.h"
 #include "ui/win/WindowKit.h"
 
 namespace zoka {
@@ -44,9 +46,14 @@ public:
     // What the texts of the only column take, in pixels, for a list that scrolls sideways.
     void setTextWidth(int width);
 
+    // Lets the user put rows in another order; see RowMoving.
+    void letMove(RowMoving::MayMove mayMove, RowMoving::Move move) {
+        m_moving.attach(m_window, std::move(mayMove), std::move(move));
+    }
+
     // Answers the control's notifications, and paints the selected row so that it is seen while the keyboard is
     // elsewhere.
-    LRESULT notified(NMHDR& header) const;
+    LRESULT notified(NMHDR& header);
     // Whether the notification may mean that the user has selected another row.
     bool userMayHaveSelected(const NMHDR& header) const;
 
@@ -61,6 +68,7 @@ private:
     std::span<const ListColumn> m_columns;
     const WindowFonts* m_fonts = nullptr;
     int m_textWidth = 0;
+    RowMoving m_moving;
     bool m_settling = false;  // the selection is changed by the program
 };
 

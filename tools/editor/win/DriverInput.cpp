@@ -227,6 +227,34 @@ void hold(DriveContext& drive, const Words& words) {
     }
 }
 
+// drag-row LIST FROM BEFORE: drags a row of a list with the mouse to the upper half of another one, or below the last
+// one where BEFORE is "". Both are numbers from 1; no message waits for the one before, as the list takes them in turn.
+void dragRow(DriveContext& drive, const Words& words) {
+    const HWND found = drive.usableControl(words[0]);
+    const LRESULT count = ask(found, LVM_GETITEMCOUNT);
+    const auto middleOf = [&](long row) {
+        RECT area{};
+        area.left = LVIR_BOUNDS;
+        if (row < 1 || row > count ||
+            !ask(found, LVM_GETITEMRECT, static_cast<WPARAM>(row - 1), reinterpret_cast<LPARAM>(&area))) {
+            throw DriveFault(describe(found) + " has no row " + std::to_string(row));
+        }
+        return POINT{area.left + 20, (area.top + area.bottom) / 2};
+    };
+    const POINT from = middleOf(driveNumber(words[1]));
+    const bool toEnd = words[2].empty();
+    POINT to = middleOf(toEnd ? static_cast<long>(count) : driveNumber(words[2]));
+    to.y += toEnd ? 3 : -3;
+    const auto post = [&](UINT message, WPARAM keys, POINT at) {
+        PostMessageA(found, message, keys, MAKELPARAM(at.x, at.y));
+    };
+    post(WM_LBUTTONDOWN, MK_LBUTTON, from);
+    for (int step = 1; step <= 8; ++step) {  // far enough apart to be a drag
+        post(WM_MOUSEMOVE, MK_LBUTTON, {from.x + step, from.y + (to.y - from.y) * step / 8});
+    }
+    post(WM_LBUTTONUP, 0, to);
+}
+
 // drag move|size|caption: the keyboard or, by its caption, the mouse moves or sizes the current window from now on.
 void drag(DriveContext& drive, const Words& words) {
     const HWND window = drive.window();
@@ -394,6 +422,7 @@ void addInputCommands(DriveCommands& table) {
     table["wheel"] = {2, 2, wheel};
     table["hover"] = {2, 2, hover};
     table["hold"] = {3, 3, hold};
+    table["drag-row"] = {3, 3, dragRow};
     table["drag"] = {1, 1, drag};
     table["context-menu"] = {1, 2, contextMenu};
     table["random-messages"] = {3, 5, randomMessages};
