@@ -65,7 +65,9 @@ EntryModel rowModel(const ProjectRow& row, const ProjectTexts& texts) {
     }
     EntryModel model(std::move(facts));
     model.putBack(value);
-    if (row.hasField && !row.editable) {
+    if (row.readOnly) {
+        model.setReadOnly(row.readOnly);
+    } else if (row.hasField && !row.editable) {
         model.setBlocked("The component does not offer this property for editing.");
     } else if (row.hasField && texts.stored(value) != row.facts.value) {
         model.setBlocked("The value holds characters that this system's character set lacks.");
@@ -120,6 +122,8 @@ void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
         m_shown = Shown::Nothing;
     } else if (shown == Shown::Entity && entity >= levels[level].m_entities.size()) {
         m_shown = Shown::Nothing;
+    } else if (shown == Shown::Component && level >= m_session.model().m_apComponents.size()) {
+        m_shown = Shown::Nothing;
     }
     switch (m_shown) {
         case Shown::Project:
@@ -130,6 +134,9 @@ void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
             break;
         case Shown::Entity:
             m_source = m_session.entityRows(level, entity);
+            break;
+        case Shown::Component:
+            m_source = propertyRows(m_session.model(), level);
             break;
         default:
             m_source.clear();
@@ -172,6 +179,8 @@ std::string ProjectPanel::subject() const {
             return "level " + std::to_string(m_level);
         case Shown::Entity:
             return "entity " + std::to_string(m_level) + " " + std::to_string(m_entity);
+        case Shown::Component:
+            return "component " + std::to_string(m_level);
         default:
             return {};
     }
@@ -191,7 +200,9 @@ std::string ProjectPanel::details(size_t i) const {
 }
 
 std::string ProjectPanel::emptyText() const {
-    return m_source.empty() ? "Nothing is selected." : RowEditing::emptyText();
+    return m_shown == Shown::Component && m_source.empty() ? "The component has no properties."
+           : m_source.empty()                              ? "Nothing is selected."
+                                                           : RowEditing::emptyText();
 }
 
 // Of the file that the row names, as it is shown; empty when it names none.

@@ -37,6 +37,7 @@ public:
     void showProject() { show(Shown::Project, 0, 0); }
     void showLevel(size_t level) { show(Shown::Level, level, 0); }
     void showEntity(size_t level, size_t entity) { show(Shown::Entity, level, entity); }
+    void showComponent(size_t component) { show(Shown::Component, component, 0); }
     void showNothing() { show(Shown::Nothing, 0, 0); }
     // The same rows from the project as it is now.
     void refresh() { show(m_shown, m_level, m_entity); }
@@ -68,7 +69,7 @@ protected:
     void stepEnds() override;
 
 private:
-    enum class Shown { Nothing, Project, Level, Entity };
+    enum class Shown { Nothing, Project, Level, Entity, Component };
     void show(Shown shown, size_t level, size_t entity);
     EntryModel modelOf(const ProjectRow& row) const;
     std::string wholePath(size_t i) const;
@@ -79,7 +80,7 @@ private:
     std::vector<ProjectRow> m_source;
     std::vector<EntryModel> m_models;
     Shown m_shown = Shown::Nothing;
-    size_t m_level = 0, m_entity = 0;
+    size_t m_level = 0, m_entity = 0;  // of a component `m_level` is its place
     bool m_otherRows = false, m_typing = false;
 };
 

@@ -233,6 +233,22 @@ std::vector<ProjectRow> entityRows(const CJ8ProjectManager& project, size_t leve
     return rows;
 }
 
+std::vector<ProjectRow> propertyRows(const CJ8ProjectManager& project, size_t component) {
+    const CJ8CMPData& record = project.m_apComponents[component];
+    std::vector<ProjectRow> rows;
+    rows.reserve(record.m_properties.size());
+    ProjectField field;
+    field.kind = Kind::EntityEdit;
+    field.component = record.m_name;
+    for (const J8Property& property : record.m_properties) {
+        field.name = property.name;
+        rows.push_back(typedRow(J8TypedValue::of(property), field, std::nullopt, property.value));
+        rows.back().property = &property;
+        rows.back().readOnly = "This is the default, from the components file, which is changed there.";
+    }
+    return rows;
+}
+
 std::vector<ProjectRow> componentRows(const CJ8ProjectManager& project, size_t level, size_t entity) {
     const J8LevelEntity& record = project.m_apLevels[level].m_entities[entity];
     std::vector<ProjectRow> rows;

@@ -19,7 +19,8 @@ struct ProjectRow {
     J8Type type = J8Type::String;
     bool hasField = false;  // false: a heading, or a value that is only shown
     bool editable = false;  // false with hasField: a property that its component doesn't offer for editing
-    bool isOwn = false;     // the entity says so itself
+    const char* readOnly = nullptr;  // or another reason why it can't be changed; static
+    bool isOwn = false;              // the entity says so itself
     std::optional<std::string>
         inherited;            // what holds without a value of its own; nothing where no parent has it
     bool fromParent = false;  // `inherited` is an edit of the parent, not the component's default
@@ -39,6 +40,8 @@ std::vector<ProjectRow> levelRows(const CJ8ProjectManager& project, size_t level
 // Name and parent; the skills of its parent, then those it has beyond; the properties of the components that it
 // or its parent uses, then edits of properties that no component has.
 std::vector<ProjectRow> entityRows(const CJ8ProjectManager& project, size_t level, size_t entity);
+// The properties of a component with their defaults, which no save writes: only to be looked at.
+std::vector<ProjectRow> propertyRows(const CJ8ProjectManager& project, size_t component);
 // The components of entityRows alone.
 std::vector<ProjectRow> componentRows(const CJ8ProjectManager& project, size_t level, size_t entity);
 

@@ -65,12 +65,23 @@ void EntryModel::setDifferent(bool others) {
     m_others = others;
 }
 
+static const std::string kNotBlocked;
+
 const std::string& EntryModel::blocked() const {
-    static const std::string kNot;
-    return m_blocked ? *m_blocked : kNot;
+    return m_blocked && !m_reachable ? *m_blocked : kNotBlocked;
+}
+
+const std::string& EntryModel::readOnly() const {
+    return m_blocked && m_reachable ? *m_blocked : kNotBlocked;
+}
+
+void EntryModel::setReadOnly(const std::string& reason) {
+    setBlocked(reason);
+    m_reachable = true;
 }
 
 void EntryModel::setBlocked(const std::string& reason) {
+    m_reachable = false;
     m_blocked = reason.empty() ? nullptr : std::make_shared<const std::string>(reason);
 }
 

@@ -37,6 +37,9 @@ public:
     // Why the value can't be changed now, in words for the user; empty when it can.
     const std::string& blocked() const;
     void setBlocked(const std::string& reason);
+    // Why the value is only to be looked at: it can be reached, and says so where it is edited; empty: it isn't.
+    const std::string& readOnly() const;
+    void setReadOnly(const std::string& reason);
 
     // What a user typed or chose, in the form in which it will be written: the loaded text where the number
     // is the same, ".0" where the number must keep its point, the script's own line ends, brackets where they are a
@@ -68,6 +71,7 @@ private:
     std::string m_value;
     double m_step = 1;
     bool m_different = false, m_others = false;
+    bool m_reachable = false;                      // though blocked
     std::shared_ptr<const std::string> m_blocked;  // null: it isn't
 };
 

@@ -68,7 +68,7 @@ Outcome RowEditing::putValue(size_t i, const std::string& value) {
     if (!model.isDifferent() && value == model.value()) {
         return {};
     }
-    std::string refusal = model.blocked();
+    std::string refusal = model.blocked() + model.readOnly();  // one of them at most
     if (refusal.empty() && value != model.loadedValue()) {
         refusal = storedRefusal(model.facts(), value);
     }
@@ -174,7 +174,7 @@ size_t RowEditing::sectionEnd(size_t heading) const {
 
 bool RowEditing::canResetRow(size_t i, ResetTo to) const {
     const EntryModel& model = row(i);
-    if (!hasValue(model.facts().field) || !model.blocked().empty()) {
+    if (!hasValue(model.facts().field) || !model.blocked().empty() || !model.readOnly().empty()) {
         return false;
     }
     if (to == ResetTo::Loaded) {
@@ -239,8 +239,10 @@ std::string RowEditing::tooltip(size_t i) const {
     std::string text = facts.label;
     const auto line = [&](const std::string& one) { text += "\r\n" + one; };
     if (hasValue(facts.field)) {
-        if (!model.blocked().empty()) {
-            line(model.blocked());
+        for (const std::string* const why : {&model.blocked(), &model.readOnly()}) {
+            if (!why->empty()) {
+                line(*why);
+            }
         }
         if (const auto value = defaultOf(i)) {
             line("Default: " + shownValue(model, *value));

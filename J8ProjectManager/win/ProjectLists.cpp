@@ -9,10 +9,16 @@ namespace zoka {
 
 namespace {
 
+// Of the components' page.
+enum : int { kAbout = 2310, kProperties = 2320 };
+constexpr int kListWidth = 190;  // dialog units
+constexpr int kAboutLines = 3;
+constexpr UINT_PTR kFollowTimer = 21;
+constexpr UINT kFollowAfter = 60;  // milliseconds
+
 constexpr ListColumn kBehaviorColumns[] = {
     {"Behavior", 80, true}, {"Class", 60, true}, {"Group", 60, true}, {"Skills", 28}, {"File", 90, true}};
-constexpr ListColumn kComponentColumns[] = {
-    {"Component", 90, true}, {"Properties", 44}, {"Documentation", 130, true}, {"File", 90, true}};
+constexpr ListColumn kComponentColumns[] = {{"Component", 68, true}, {"Properties", 44}, {"File", 58, true}};
 constexpr ListColumn kReportColumns[] = {{"Report", 300, true}};
 constexpr ListColumn kProblemColumns[] = {
     {"Severity", 40}, {"Problem", 200, true}, {"File", 80, true}, {"Line", 28}};
@@ -148,8 +154,94 @@ std::string BehaviorsPage::details(size_t row) const {
 }
 
 ComponentsPage::ComponentsPage(ProjectFrame& frame)
-    : SearchPage(frame,
-                 {2301, "&Components", kComponentColumns, "&Properties:", "the behaviors files name none"}) {}
+    : SearchPage(frame, {.firstId = 2301,
+                         .name = "&Components",
+                         .columns = kComponentColumns,
+                         .empty = "the behaviors files name none",
+                         .searchName = "&Find:"}),
+      m_panel(frame.session(), projectTexts(), [&frame](bool undo) { frame.undoOrRedo(undo); }),
+      m_view(m_panel, *this) {}
+
+void ComponentsPage::createControls() {
+    SearchPage::createControls();
+    m_about = makeReadOnlyText(window(), kAbout, fonts().text());
+    m_view.create(window(), fonts(), kProperties);
+}
+
+void ComponentsPage::layout(Area page) {
+    placeList(page.takeLeft(std::min(fonts().x(kListWidth), page.width * 9 / 20), 2 * fonts().x(kGapUnits)));
+    place(m_about, page.takeTop(kAboutLines * fonts().lineHeight() + fonts().px(8), fonts().y(kGapUnits)));
+    m_view.place({page.x, page.y, page.width, page.height});
+}
+
+void ComponentsPage::refresh() {
+    m_shown.reset();
+    SearchPage::refresh();
+}
+
+// While a search is being typed, the properties follow once the typing pauses.
+void ComponentsPage::showDetails(std::optional<size_t> row) {
+    if (row && m_shown && GetFocus() == firstField()) {
+        SetTimer(window(), kFollowTimer, kFollowAfter, nullptr);
+    } else {
+        showComponent(row);
+    }
+}
+
+void ComponentsPage::timer(UINT_PTR id) {
+    KillTimer(window(), id);
+    showComponent(selected());
+}
+
+void ComponentsPage::showComponent(std::optional<size_t> row) {
+    if (row && row == m_shown) {
+        return;
+    }
+    m_shown = row;
+    if (!row) {
+        setText(m_about, "");
+        return m_panel.showNothing();
+    }
+    const CJ8CMPData& component = model().m_apComponents[*row];
+    std::string about;
+    if (!component.m_doc.empty()) {
+        addLines(about, shownText(component.m_doc));
+    }
+    setText(m_about,
+            about + "Declared in " + shownText(session().placeText(component.m_source, component.m_place)));
+    m_panel.showComponent(*row);
+}
+
+void ComponentsPage::command(int id, int code) {
+    if (!m_view.command(id, code)) {
+        SearchPage::command(id, code);
+    }
+}
+
+// Enter in the rows' search is the rows' own.
+void ComponentsPage::mainAction() {
+    if (GetFocus() == list() || GetFocus() == firstField()) {
+        m_view.focusSearch();
+    } else {
+        m_view.enter();
+    }
+}
+
+bool ComponentsPage::takesKey(const MSG& message) {
+    return (message.hwnd == list() || message.hwnd == firstField() || message.wParam != 'F') &&
+           SearchPage::takesKey(message);
+}
+
+std::optional<LRESULT> ComponentsPage::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_MOUSEWHEEL) {
+        m_view.wheel(wParam, lParam);
+        return 0;
+    }
+    if (message == WM_DESTROY) {
+        m_view.closed();
+    }
+    return SearchPage::message(message, wParam, lParam);
+}
 
 std::string ComponentsPage::cell(size_t row, int column) const {
     const CJ8CMPData& component = model().m_apComponents[row];
@@ -158,8 +250,6 @@ std::string ComponentsPage::cell(size_t row, int column) const {
             return shownText(component.m_name);
         case 1:
             return std::to_string(component.m_properties.size());
-        case 2:
-            return shownText(firstLine(component.m_doc));
         default:
             return sourceName(model(), component.m_source);
     }
@@ -175,20 +265,6 @@ std::string ComponentsPage::searchText(size_t row) const {
         addWords(text, property.name, J8TypedValue::of(property), property.value, property.enums);
     }
     return shownText(text);
-}
-
-std::string ComponentsPage::details(size_t row) const {
-    const CJ8CMPData& component = model().m_apComponents[row];
-    std::string text = cell(row, 0) + "\r\n" +
-                       shownText(session().placeText(component.m_source, component.m_place)) + "\r\n";
-    if (!component.m_doc.empty()) {
-        addLines(text, "\n" + shownText(component.m_doc));
-    }
-    text += "\r\n";
-    for (const J8Property& property : component.m_properties) {
-        addTyped(text, property.name, J8TypedValue::of(property), property.value, property.enums);
-    }
-    return text;
 }
 
 ReportPage::ReportPage(ProjectFrame& frame)

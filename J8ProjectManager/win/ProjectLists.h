@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "J8ProjectManager/win/SearchPage.h"
+#include "controls/win/RowsView.h"
 
 namespace zoka {
 
@@ -20,16 +21,35 @@ protected:
     std::string details(size_t row) const override;
 };
 
-class ComponentsPage : public SearchPage {
+// The list on the left, the properties of the one selected beside it.
+class ComponentsPage : public SearchPage, private RowsOwner {
 public:
     explicit ComponentsPage(ProjectFrame& frame);
+    void refresh() override;
+    void command(int id, int code) override;
+    void mainAction() override;
+    bool givenUp() override { return m_view.escape() || SearchPage::givenUp(); }
+    bool takesKey(const MSG& message) override;
+    void fontsChanged() override { m_view.fontsChanged(); }
     void select(const ProjectTarget& target) override { selectRow(target.first); }
 
 protected:
     size_t rowCount() const override { return model().m_apComponents.size(); }
     std::string cell(size_t row, int column) const override;
     std::string searchText(size_t row) const override;
-    std::string details(size_t row) const override;
+    void showDetails(std::optional<size_t> row) override;
+    void createControls() override;
+    void layout(Area page) override;
+    void timer(UINT_PTR id) override;
+    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    void showComponent(std::optional<size_t> row);
+
+    ProjectPanel m_panel;
+    RowsView m_view;
+    HWND m_about = nullptr;         // what it is for, and where it is declared
+    std::optional<size_t> m_shown;  // nothing: none, or not as it is now
 };
 
 class ReportPage : public SearchPage {

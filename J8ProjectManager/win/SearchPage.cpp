@@ -34,7 +34,7 @@ std::vector<std::string> wordsOf(const std::string& text) {
 }  // namespace
 
 void SearchPage::createControls() {
-    m_searchLabel = label("Searc&h:");
+    m_searchLabel = label(m_look.searchName);
     m_search = makeField(window(), m_look.firstId + kSearch, fonts());
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
     SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
@@ -56,6 +56,17 @@ void SearchPage::createControls() {
 }
 
 void SearchPage::layout(Area page) {
+    if (m_details) {
+        placeList(page.takeTop((page.height + fonts().y(kFieldHeightUnits + kLabelHeightUnits)) / 2,
+                               fonts().y(kGapUnits)));
+        placeLabelAbove(m_detailsName, page, fonts());
+        place(m_details, page);
+    } else {
+        placeList(page);
+    }
+}
+
+void SearchPage::placeList(Area page) {
     Area row = page.takeTop(fonts().y(kFieldHeightUnits), fonts().y(kGapUnits));
     if (m_copyAll) {
         const int gap = fonts().x(kGapUnits);
@@ -64,13 +75,7 @@ void SearchPage::layout(Area page) {
     placeLabel(m_searchLabel, row, fonts());
     place(m_search, row);
     placeLabelAbove(m_name, page, fonts());
-    if (m_look.detailsName) {
-        m_list.place(page.takeTop(page.height / 2, fonts().y(kGapUnits)));
-        placeLabelAbove(m_detailsName, page, fonts());
-        place(m_details, page);
-    } else {
-        m_list.place(page);
-    }
+    m_list.place(page);
 }
 
 std::string SearchPage::searchText(size_t row) const {
@@ -147,9 +152,8 @@ void SearchPage::selectRow(size_t row) {
     showSelection();
 }
 
-void SearchPage::showSelection() {
+void SearchPage::showDetails(std::optional<size_t> row) {
     if (m_details) {
-        const auto row = selected();
         setText(m_details, row ? details(*row) : "");
     }
 }

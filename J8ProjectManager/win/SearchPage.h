@@ -20,6 +20,7 @@ public:
         const char* detailsName = nullptr;  // "&Details:"; null: the list takes the whole page
         const char* empty = "";             // in the place of rows
         bool copiesAll = false;             // with a button that copies all rows in sight
+        const char* searchName = "Searc&h:";
     };
     SearchPage(ProjectFrame& frame, const Look& look) : ProjectPage(frame), m_look(look) {}
 
@@ -43,7 +44,14 @@ protected:
     // Brings what is shown up to date with the project.
     virtual void collect() {}
 
+    // Shows what is selected below the list, in the place of its texts.
+    virtual void showDetails(std::optional<size_t> row);
+
     void selectRow(size_t row);
+    std::optional<size_t> selected() const;
+    HWND list() const { return m_list.window(); }
+    // The search field and, below it, the list.
+    void placeList(Area area);
 
     void createControls() override;
     void layout(Area page) override;
@@ -56,8 +64,7 @@ private:
                                        DWORD_PTR self);
     void filter();
     void copy(const std::string& text);
-    void showSelection();
-    std::optional<size_t> selected() const;
+    void showSelection() { showDetails(selected()); }
 
     const Look m_look;
     HWND m_searchLabel = nullptr, m_search = nullptr, m_name = nullptr, m_detailsName = nullptr,

@@ -310,11 +310,15 @@ void EntryWindow::showValue() {
     }
     const bool different = model().isDifferent();
     const std::string value = different ? kDifferent : model().value();
-    const bool blocked = !model().blocked().empty();
+    const bool blocked = !model().blocked().empty(), readOnly = !model().readOnly().empty();
     for (const HWND control : {m_field, m_track, m_spin, m_browse}) {
         if (control) {
-            enable(control, !blocked);
+            enable(control, !blocked && (!readOnly || control == m_field));
         }
+    }
+    if (isEdit() && readOnly != m_isReadOnly) {
+        SendMessageA(m_field, EM_SETREADONLY, readOnly, 0);
+        m_isReadOnly = readOnly;
     }
     if (facts().field == EntryField::Switch) {
         SendMessageA(m_field, BM_SETCHECK,

@@ -103,7 +103,7 @@ private:
     std::string m_atFocus;    // the value when the field got the keyboard
     bool m_differentAtFocus = false;
     bool m_centred = false;  // the field is an edit of one line, with its text in the middle of its height
-    bool m_updating = false, m_typing = false, m_marked = false;
+    bool m_updating = false, m_typing = false, m_marked = false, m_isReadOnly = false;
     ChoiceList m_choices;
 };
 

@@ -92,6 +92,23 @@ TEST_F(ProjectPanelTest, MarksWhatDiffersFromTheParentAndResetsItByTakingItAway)
     EXPECT_FALSE(panel.row(rowOf("Name")).blocked().empty());
 }
 
+TEST_F(ProjectPanelTest, PropertiesOfAComponentAreOnlyToBeLookedAt) {
+    panel.showComponent(0);
+    const size_t mass = rowOf("mass");
+    EXPECT_EQ(panel.row(mass).value(), "3");
+    EXPECT_EQ(panel.row(mass).facts().field, EntryField::IntField) << "by its type";
+    EXPECT_TRUE(panel.row(mass).blocked().empty()) << "the keyboard comes to its help";
+    EXPECT_NE(panel.tooltip(mass).find("Declared in "), std::string::npos);
+    EXPECT_EQ(panel.setValue(mass, "4").why(),
+              "This is the default, from the components file, which is changed there.");
+    EXPECT_EQ(panel.putValue(mass, "4").why(), panel.row(mass).readOnly());
+    EXPECT_FALSE(panel.canReset(0, panel.size(), ResetTo::Default));
+    EXPECT_EQ(panel.row(mass).value(), "3");
+    EXPECT_FALSE(session.hasChanges());
+    panel.showComponent(1);
+    EXPECT_EQ(panel.size(), 0u) << "there is none";
+}
+
 TEST_F(ProjectPanelTest, KeepsTheSessionsUndoAndTellsWhichEditsAreOfOtherRows) {
     panel.showEntity(0, 1);
     ASSERT_TRUE(panel.setValue(rowOf("mass"), "4"));
