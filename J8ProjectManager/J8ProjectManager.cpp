@@ -188,7 +188,8 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
         return {};
     }
     XMLResults results;
-    XMLNode top = XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, {}, XMLCharset::Utf8);
+    XMLNode top =
+        XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, m_watch, XMLCharset::Utf8);
     if (top.isEmpty()) {
         add(bad, {path}, m_referrer);
         tellParseError(path, results);
@@ -315,9 +316,35 @@ void CJ8ProjectManager::loadLevel(const XMLNode& node) {
     }
 }
 
+std::unique_ptr<CJ8ProjectManager> CJ8ProjectManager::withoutLevels() const {
+    auto copy = std::make_unique<CJ8ProjectManager>();
+    copy->m_roots = m_roots;
+    copy->m_name = m_name;
+    copy->m_date = m_date;
+    copy->m_vers = m_vers;
+    copy->m_apBehaviorFiles = m_apBehaviorFiles;
+    copy->m_apLostBehaviorFiles = m_apLostBehaviorFiles;
+    std::ranges::copy(m_sections, copy->m_sections);
+    copy->m_projectFile = m_projectFile;
+    return copy;
+}
+
+void CJ8ProjectManager::replaceLevels(const XMLNode& root) {
+    CJ8ProjectManager levels;
+    std::vector<zoka::LateLogEntry> unused;
+    levels.m_lateLog = &unused;
+    for (XMLNode node = root.firstChild("Level"); !node.isEmpty(); node = node.nextSibling("Level")) {
+        levels.loadLevel(node);
+    }
+    m_apLevels = std::move(levels.m_apLevels);
+}
+
 bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
-                                     const XMLResults* results) {
-    return load(root, path, keepFilled, results, {});
+                                     const XMLResults* results, const XMLProgress& watch) {
+    m_watch = watch;
+    const bool loaded = load(root, path, keepFilled, results, {});
+    m_watch = {};
+    return loaded;
 }
 
 // `read` are the levels that the tree holds no more.

@@ -66,8 +66,14 @@ public:
     bool LoadFromXML(const std::string& path, bool keepFilled);
     // The same with the tree of that file, which may be empty.
     // `results` tell why it is empty; null: not known.
+    // What `watch` stops is of no use.
     bool loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
-                      const XMLResults* results = nullptr);
+                      const XMLResults* results = nullptr, const XMLProgress& watch = {});
+
+    // A copy of all that a save writes but the levels.
+    std::unique_ptr<CJ8ProjectManager> withoutLevels() const;
+    // Those of a Project element in place of the levels here; nothing is reported or logged.
+    void replaceLevels(const XMLNode& root);
 
     // Reads a reference's path text from its element and finds the kind under which the file exists, whatever
     // kind it was declared with. kNotValid when there is no such file.
@@ -186,8 +192,9 @@ private:
     std::uint32_t m_source = 0;    // the one that is being read
     std::uint32_t m_referrer = 0;  // in it, the element that names the file to be opened next
     std::vector<zoka::J8Finding> m_findings;
-    std::vector<zoka::LateLogEntry>* m_lateLog =
-        nullptr;  // where entries of the log go meanwhile; null: to the log
+    XMLProgress m_watch;  // told while files are parsed
+    // Where entries of the log go meanwhile; null: to the log.
+    std::vector<zoka::LateLogEntry>* m_lateLog = nullptr;
     zoka::NameIndex m_componentIndex, m_behaviorIndex;
     zoka::NameIndex m_loadedComponents;  // by path
 };

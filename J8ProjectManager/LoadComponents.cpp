@@ -29,6 +29,7 @@ bool CJ8ProjectManager::LoadCMPXML(const std::string& path) {
         component.m_source = m_source;
         component.m_place = node.place();
         component.m_doc = zoka::xmlAllText(node.firstChild("Doc"));
+        component.m_properties.reserve(static_cast<size_t>(node.childCount("Property")));
         for (XMLNode child = node.firstChild("Property"); !child.isEmpty();
              child = child.nextSibling("Property")) {
             if (!LoadProperty(&component, child, m_report)) {

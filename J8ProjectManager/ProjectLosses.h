@@ -10,9 +10,8 @@
 namespace zoka {
 
 struct ProjectLoss {
-    XMLPlace place;  // in the file
-    std::uint32_t
-        at;  // the same as XMLNode::place counts; in the start tag of what is lost of an element itself
+    XMLPlace place;    // in the file
+    std::uint32_t at;  // as XMLNode::place counts; of what is lost of an element itself, in its start tag
     std::string text;  // "<Light name="sun"> and what is in it"
 };
 

@@ -92,48 +92,48 @@ const char* severityWord(int severity) {
 
 }  // namespace
 
-bool ProjectSession::open(const std::string& path) {
-    m_path = osFiles().fullPath(path);
+bool ProjectSession::open(Loaded loaded) {
+    m_path = loaded.path;
     m_edits.clear();
-    Loaded loaded = read();
     m_problem = loaded.problem;
     replaceModel(std::move(loaded));
     return m_problem.empty();
 }
 
-ProjectSession::Loaded ProjectSession::read() const {
-    if (auto bytes = osFiles().readWhole(m_path)) {
-        return loadedFrom(std::move(*bytes));
+ProjectSession::Loaded ProjectSession::read(const std::string& path, const XMLProgress& watch) {
+    std::string full = osFiles().fullPath(path);
+    if (auto bytes = osFiles().readWhole(full)) {
+        return loadedFrom(std::move(full), std::move(*bytes), watch);
     }
     Loaded loaded;
-    loaded.problem = "Can't read '" + m_path + "': " + osFiles().lastError();
+    loaded.problem = "Can't read '" + full + "': " + osFiles().lastError();
     loaded.model = std::make_unique<CJ8ProjectManager>();
-    loaded.model->LoadFromXML(m_path, false);  // which reports it
+    loaded.model->LoadFromXML(full, false);  // which reports it
+    loaded.path = std::move(full);
     return loaded;
 }
 
-ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
+ProjectSession::Loaded ProjectSession::loadedFrom(std::string path, std::string bytes,
+                                                  const XMLProgress& watch) {
     Loaded loaded;
+    loaded.path = std::move(path);
     loaded.model = std::make_unique<CJ8ProjectManager>();
     loaded.bytes = std::move(bytes);
     XMLResults results;
-    const XMLNode document = XMLNode::parseBytes(loaded.bytes, nullptr, &results, {}, XMLCharset::Utf8);
+    const XMLNode document = XMLNode::parseBytes(loaded.bytes, nullptr, &results, watch, XMLCharset::Utf8);
     loaded.wasRead = !results.outOfMemory;
     if (!document.isEmpty() && document.firstChild("Project").isEmpty()) {
         results.code = kXmlFirstTagNotFound;
     }
-    if (loaded.model->loadFromTree(document.firstChild("Project"), m_path, false, &results)) {
-        loaded.written = loaded.model->createXMLTopNode({}, loaded.model->m_date);
-        if (loaded.written.isEmpty()) {
-            throw std::bad_alloc();  // nobody could tell what a save would lose
-        }
+    if (loaded.model->loadFromTree(document.firstChild("Project"), loaded.path, false, &results, watch)) {
+        loaded.frame = loaded.model->withoutLevels();
         return loaded;
     }
     if (results.outOfMemory) {
-        loaded.problem = outOfMemoryText(m_path);
+        loaded.problem = outOfMemoryText(loaded.path);
         return loaded;
     }
-    loaded.problem = m_path;
+    loaded.problem = loaded.path;
     if (results.line > 0) {
         loaded.problem += ":" + std::to_string(results.line) + ":" + std::to_string(results.column);
     }
@@ -144,7 +144,7 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string bytes) const {
 void ProjectSession::replaceModel(Loaded loaded) {
     m_model = std::move(*loaded.model);
     m_bytes = std::move(loaded.bytes);
-    m_written = std::move(loaded.written);
+    m_frame = std::move(loaded.frame);
     m_losses.clear();
     m_wasRead = loaded.wasRead;
     m_places.reset();
@@ -154,13 +154,19 @@ void ProjectSession::replaceModel(Loaded loaded) {
 }
 
 const std::vector<ProjectLoss>& ProjectSession::foundLosses() const {
-    if (!m_written.isEmpty()) {
+    if (m_frame) {
         const XMLNode document = XMLNode::parseBytes(m_bytes, nullptr, nullptr, {}, XMLCharset::Utf8);
         if (document.isEmpty()) {
             throw std::bad_alloc();  // it could be read before
         }
-        m_losses = lossesOf(document, m_written, m_bytes);
-        m_written = {};
+        // The model may have been edited since.
+        m_frame->replaceLevels(document.firstChild("Project"));
+        const XMLNode written = m_frame->createXMLTopNode({}, m_frame->m_date);
+        if (written.isEmpty()) {
+            throw std::bad_alloc();  // nobody could tell what a save would lose
+        }
+        m_losses = lossesOf(document, written, m_bytes);
+        m_frame.reset();
     }
     return m_losses;
 }

@@ -38,8 +38,8 @@ struct ProjectProblem {
     int line = 0, column = 0;  // 0: the file as a whole
     int severity = kReportWarning;
     std::string text;
-    std::uint32_t source = 0,
-                  place = 0;  // the same place as J8Finding has it; `place` 0: the file as a whole
+    // The same place as J8Finding has it; `place` 0: the file as a whole.
+    std::uint32_t source = 0, place = 0;
 };
 
 // Of the file with edits that could not be saved, in UTF-8, a line each; later ones are added to it.
@@ -51,9 +51,24 @@ public:
     ProjectSession(const ProjectSession&) = delete;
     ProjectSession& operator=(const ProjectSession&) = delete;
 
+    // A project that was read, in no session yet.
+    struct Loaded {
+        std::string path;  // full
+        std::unique_ptr<CJ8ProjectManager> model;
+        std::string bytes;
+        // What a save writes of it beside the levels.
+        std::unique_ptr<CJ8ProjectManager> frame;
+        std::string problem;   // why it can't be used; else empty
+        bool wasRead = false;  // all of the file, well-formed or not
+    };
+    // Reads a project without touching a session. One that `watch` stops is of no use to anybody. Throws
+    // std::bad_alloc. [any thread]
+    static Loaded read(const std::string& path, const XMLProgress& watch = {});
+
     // Loads a project in place of what the model held. False, with the reason in problem(), when the file can't
     // be read or holds no project; the model is empty then.
-    bool open(const std::string& path);
+    bool open(const std::string& path) { return open(read(path)); }
+    bool open(Loaded loaded);
     const CJ8ProjectManager& model() const { return m_model; }
     const std::string& path() const { return m_path; }
     // Why the last operation failed; else empty. In the system's character set, like all that the user is told.
@@ -149,17 +164,8 @@ public:
     std::function<void()> modelReplaced;
 
 private:
-    // A project that was read, not in the model yet.
-    struct Loaded {
-        std::unique_ptr<CJ8ProjectManager> model;
-        std::string bytes;
-        XMLNode written;       // what a save would write of it
-        std::string problem;   // why it can't be used; else empty
-        bool wasRead = false;  // all of the file, well-formed or not
-    };
     const std::vector<ProjectLoss>& foundLosses() const;
-    Loaded read() const;
-    Loaded loadedFrom(std::string bytes) const;
+    static Loaded loadedFrom(std::string path, std::string bytes, const XMLProgress& watch = {});
     void replaceModel(Loaded loaded);
     bool question(const std::string& text);
     ProjectSave fail(const std::string& message);
@@ -173,9 +179,8 @@ private:
     UserPrompt& m_prompt;
     std::string m_path;
     std::string m_bytes;  // of the file, as loaded
-    // What a save would write of it as it was loaded, until the losses are asked for: finding them takes about as long
-    // as loading.
-    mutable XMLNode m_written;
+    // Of the project as it was loaded, until the losses are asked for: finding them takes about as long as loading.
+    mutable std::unique_ptr<CJ8ProjectManager> m_frame;
     mutable std::vector<ProjectLoss> m_losses;
     bool m_wasRead = false;
     ProjectEdits m_edits;

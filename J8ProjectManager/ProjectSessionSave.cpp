@@ -88,7 +88,7 @@ std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(std::string&
 
 // Makes the edits in the project as others left it. It takes the model's place only when all of them can be made.
 std::optional<ProjectSave> ProjectSession::takeOver(std::string theirs) {
-    Loaded loaded = loadedFrom(std::move(theirs));
+    Loaded loaded = loadedFrom(m_path, std::move(theirs));
     if (!loaded.problem.empty()) {
         return fail("The project file as it is now can't be read:\n" + loaded.problem +
                     "\n\nIt was not saved; your changes are still here.");
@@ -157,9 +157,9 @@ ProjectSave ProjectSession::save(bool force) {
     if (auto text = m_model.fileText({}, m_model.m_date)) {
         // The file holds this now, also where there is no memory to load it.
         m_bytes = *text;
-        m_written = {};
+        m_frame.reset();
         m_losses.clear();
-        if (Loaded written = loadedFrom(std::move(*text)); written.problem.empty()) {
+        if (Loaded written = loadedFrom(m_path, std::move(*text)); written.problem.empty()) {
             replaceModel(std::move(written));
         }
     }
@@ -175,7 +175,7 @@ bool ProjectSession::reload() {
     if (!mayDropChanges()) {
         return false;
     }
-    Loaded loaded = read();
+    Loaded loaded = read(m_path);
     m_problem = loaded.problem;
     if (!m_problem.empty()) {
         return false;

@@ -44,6 +44,9 @@ void OverviewPage::layout(Area page) {
 }
 
 void OverviewPage::showFacts() {
+    if (session().path().empty()) {
+        return setText(m_facts, "");  // nothing is loaded yet
+    }
     const CJ8ProjectManager& project = model();
     size_t entities = 0;
     for (const CJ8LevelData& level : project.m_apLevels) {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "J8ProjectManager/win/BackgroundLoad.h"
 #include "J8ProjectManager/win/LevelsPage.h"
 #include "J8ProjectManager/win/OverviewPage.h"
 #include "J8ProjectManager/win/ProjectLists.h"
@@ -17,6 +18,9 @@ namespace {
 
 constexpr const char* kTitle = "Project Manager";
 enum { kUndo = 1050, kRedo, kChanges, kReload, kSave };
+constexpr UINT kLoaded = WM_APP + 30;
+// What is loaded within that time comes into sight with the window.
+constexpr DWORD kLoadsAtOnce = 10;  // milliseconds
 
 // What the next window of this process opens with.
 PlaceMemory g_place;
@@ -49,6 +53,7 @@ public:
                      .maximizes = true,
                      .memory = &g_place},
                     kProjectTabs, g_page),
+          m_model(setup.project),
           m_session(setup.project, userPrompt()) {
         m_session.modelReplaced = [this] { refreshPages(); };
     }
@@ -70,22 +75,81 @@ private:
     bool takesKey(const MSG& message) override;
     bool mayClose() override;
     void failed() override;
+    void shown() override;
+    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
+    // Nothing but the way out while the project is being loaded.
+    void enableAll(bool enabled);
+    // False when there is no project; the user has been told.
+    bool takeLoaded();
     void showState();
     void save();
     void reload();
     ProjectPage* projectPage() const { return static_cast<ProjectPage*>(page()); }
 
     ControlClasses m_classes;
+    std::optional<BackgroundLoad> m_load;
+    bool m_isLoading = true;
+    CJ8ProjectManager& m_model;
     ProjectSession m_session;
     HWND m_undo = nullptr, m_redo = nullptr, m_changes = nullptr, m_reload = nullptr, m_save = nullptr;
 };
 
 void ProjectDialog::run(const std::string& projectFile) {
-    if (!m_session.open(projectFile)) {
-        userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
+    m_load.emplace(projectFile, m_model);
+    if (!m_load->isDone(kLoadsAtOnce)) {
+        m_load->giveWay();
+    } else if (!takeLoaded()) {
         return;
     }
     runModal();
+}
+
+bool ProjectDialog::takeLoaded() {
+    ProjectSession::Loaded loaded = m_load->take();
+    m_isLoading = false;
+    if (!m_session.open(std::move(loaded))) {
+        userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        return false;
+    }
+    return true;
+}
+
+void ProjectDialog::shown() {
+    if (m_isLoading) {
+        enableAll(false);
+        SetFocus(window());
+        setStatus("Loading the project...");
+        RedrawWindow(window(), nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
+        m_load->goOn(window(), kLoaded);
+    }
+}
+
+void ProjectDialog::enableAll(bool enabled) {
+    for (HWND child = GetWindow(window(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (GetDlgCtrlID(child) != IDCANCEL) {
+            enable(child, enabled);
+        }
+    }
+}
+
+std::optional<LRESULT> ProjectDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == kLoaded && m_isLoading) {
+        if (!takeLoaded()) {
+            end();
+            return 0;
+        }
+        enableAll(true);
+        setStatus("");
+        showState();
+        if (const HWND field = firstField()) {
+            SetFocus(field);
+        }
+        return 0;
+    }
+    if (message == WM_DESTROY && m_isLoading) {
+        m_load->goOn(nullptr);
+    }
+    return PageShell::message(message, wParam, lParam);
 }
 
 std::unique_ptr<Page> ProjectDialog::makePage(int index) {
@@ -117,6 +181,9 @@ std::vector<HWND> ProjectDialog::makeFoot() {
 
 // The title names the project, with a mark while it has changes; buttons tell what they would do.
 void ProjectDialog::showState() {
+    if (m_isLoading) {
+        return setTitle(kTitle);
+    }
     const std::string name = shownText(m_session.model().m_name);
     setTitle(std::string(kTitle) + " - " + (name.empty() ? std::string(fileNameOf(m_session.path())) : name) +
              (m_session.hasChanges() ? " *" : ""));
@@ -157,6 +224,9 @@ void ProjectDialog::goTo(const ProjectTarget& target) {
 }
 
 bool ProjectDialog::takesKey(const MSG& message) {
+    if (m_isLoading) {
+        return false;
+    }
     if (message.message == WM_KEYDOWN && (message.hwnd == window() || IsChild(window(), message.hwnd)) &&
         GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
         const bool ownUndo = page() && projectPage()->undoesItself(message.hwnd) &&

@@ -14,8 +14,8 @@ constexpr UINT kOpened = WM_APP + 1;
 WindowRun* WindowRun::s_current = nullptr;
 
 WindowRun::WindowRun(Editor& editor, const std::string& procedure, std::string title,
-                     std::function<void(HWND)> use)
-    : m_title(std::move(title)), m_use(std::move(use)) {
+                     std::function<void(HWND)> use, std::function<bool(HWND)> isFilled)
+    : m_title(std::move(title)), m_use(std::move(use)), m_isFilled(std::move(isFilled)) {
     s_current = this;
     WNDCLASSA definition{};
     definition.lpszClassName = "ZokaBenchOpened";
@@ -59,14 +59,24 @@ LRESULT CALLBACK WindowRun::helperProc(HWND window, UINT message, WPARAM wParam,
     return 0;
 }
 
-void WindowRun::opened(HWND window) {
-    m_done = true;
-    paint(window);
+double WindowRun::elapsed() const {
     LARGE_INTEGER frequency, end;
     QueryPerformanceFrequency(&frequency);
     QueryPerformanceCounter(&end);
-    m_opening = static_cast<double>(end.QuadPart - m_start.QuadPart) * 1000.0 /
-                static_cast<double>(frequency.QuadPart);
+    return static_cast<double>(end.QuadPart - m_start.QuadPart) * 1000.0 /
+           static_cast<double>(frequency.QuadPart);
+}
+
+void WindowRun::opened(HWND window) {
+    m_done = true;
+    paint(window);
+    m_opening = elapsed();
+    MSG message;
+    while (m_isFilled && !m_isFilled(window) && GetMessageA(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageA(&message);
+    }
+    paint(window);
+    m_filling = elapsed();
     m_use(window);
     PostMessageA(window, WM_CLOSE, 0, 0);
 }

@@ -13,23 +13,29 @@ namespace zoka::bench {
 // Opens a modal window through its procedure, hands it to `use` once it is painted, and closes it. One at a time.
 class WindowRun {
 public:
-    // `title` is what the window's title begins with.
-    WindowRun(Editor& editor, const std::string& procedure, std::string title, std::function<void(HWND)> use);
+    // `title` is what the window's title begins with. One that is filled later says by `isFilled` when it is, and is
+    // used then.
+    WindowRun(Editor& editor, const std::string& procedure, std::string title, std::function<void(HWND)> use,
+              std::function<bool(HWND)> isFilled = {});
 
     // From the call of the procedure to the painted window, in milliseconds.
     double opening() const { return m_opening; }
+    // The same to the painted window with all that it shows.
+    double filling() const { return m_filling; }
 
 private:
     static LRESULT CALLBACK hookProc(int code, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK helperProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void opened(HWND window);
+    double elapsed() const;
 
     static WindowRun* s_current;
     const std::string m_title;
     const std::function<void(HWND)> m_use;
+    const std::function<bool(HWND)> m_isFilled;
     HWND m_helper = nullptr;
     LARGE_INTEGER m_start{};
-    double m_opening = 0;
+    double m_opening = 0, m_filling = 0;
     bool m_done = false;
 };
 

@@ -18,6 +18,7 @@
 #include "tests/support/TempFolder.h"
 #include "tools/editor/win/Editor.h"
 #include "ui/win/ControlsContext.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka::bench {
 namespace {
@@ -25,11 +26,16 @@ namespace {
 constexpr int kRounds = 7;
 constexpr int kRows = 20000;
 constexpr double kKeyWanted = 60;  // ms
-constexpr const char* kTitle = "Project Manager - ";
+constexpr const char* kTitle = "Project Manager";
 // The window's pages and controls.
 constexpr int kComponentsPage = 2, kLevelsPage = 3;
 constexpr int kComponentsSearch = 2301, kComponentsList = 2302, kFind = 2602, kEntities = 2603,
               kPropertySearch = 2631;
+
+// It has the project's name in its title once the project is there.
+bool isFilled(HWND window) {
+    return textOf(window).starts_with("Project Manager - ");
+}
 
 struct Wanted {
     const char* className;
@@ -105,41 +111,52 @@ int run(const std::string& dll) {
         stop(error);
     }
 
-    double opening = 1e9, bare = 1e9;
+    double opening = 1e9, filling = 1e9, bare = 1e9;
     std::unique_ptr<BareWindows> seen;
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
         tellRound(round, kRounds);
-        const WindowRun opened(editor, "Add Script", kTitle, [&](HWND window) {
-            if (!seen) {
-                seen = std::make_unique<BareWindows>(window);
-            }
-        });
+        const WindowRun opened(
+            editor, "Add Script", kTitle,
+            [&](HWND window) {
+                if (!seen) {
+                    seen = std::make_unique<BareWindows>(window);
+                }
+            },
+            isFilled);
         best(opening, opened.opening());
+        best(filling, opened.filling());
         // Of the same release of the system's controls as the window's.
         const ControlsContext controls(GetModuleHandleA("zoka.dll"));
         best(bare, millisecondsOf([&] { seen->open(); }));
     }
     bool met = row("open on 10,000 entities, 10,000 components", opening,
                    "bare, " + std::to_string(seen->count()) + " windows", bare, 1.5);
+    std::printf(
+        "    in sight with its controls, and can be closed; the values are there after %.2f ms, %.2f of "
+        "bare\n",
+        filling, filling / bare);
     seen.reset();
 
     openProject(editor, many);
     double componentsFirst = 1e9, components = 1e9, entitiesFirst = 1e9, entities = 1e9;
     for (int round = 0; round < kRounds; ++round) {
-        const WindowRun opened(editor, "Add Script", kTitle, [&](HWND window) {
-            goToPage(window, kLevelsPage);
-            if (SendMessageA(control(window, kEntities), LVM_GETITEMCOUNT, 0, 0) != kRows + 1) {
-                stop("the level has other entities");
-            }
-            type(window, control(window, kFind), "entity77", entitiesFirst, entities);
-            SetWindowTextA(control(window, kFind), "");
-            goToPage(window, kComponentsPage);
-            if (SendMessageA(control(window, kComponentsList), LVM_GETITEMCOUNT, 0, 0) != kRows) {
-                stop("the project has other components");
-            }
-            type(window, control(window, kComponentsSearch), "component77", componentsFirst, components);
-            SetWindowTextA(control(window, kComponentsSearch), "");
-        });
+        const WindowRun opened(
+            editor, "Add Script", kTitle,
+            [&](HWND window) {
+                goToPage(window, kLevelsPage);
+                if (SendMessageA(control(window, kEntities), LVM_GETITEMCOUNT, 0, 0) != kRows + 1) {
+                    stop("the level has other entities");
+                }
+                type(window, control(window, kFind), "entity77", entitiesFirst, entities);
+                SetWindowTextA(control(window, kFind), "");
+                goToPage(window, kComponentsPage);
+                if (SendMessageA(control(window, kComponentsList), LVM_GETITEMCOUNT, 0, 0) != kRows) {
+                    stop("the project has other components");
+                }
+                type(window, control(window, kComponentsSearch), "component77", componentsFirst, components);
+                SetWindowTextA(control(window, kComponentsSearch), "");
+            },
+            isFilled);
     }
     met = keys("20,000 entities", entitiesFirst, entities) && met;
     met = keys("20,000 components", componentsFirst, components) && met;
@@ -147,18 +164,21 @@ int run(const std::string& dll) {
     openProject(editor, wide);
     double shown = 1e9, propertiesFirst = 1e9, properties = 1e9;
     for (int round = 0; round < kRounds; ++round) {
-        const WindowRun opened(editor, "Add Script", kTitle, [&](HWND window) {
-            goToPage(window, kComponentsPage);
-            goToPage(window, kLevelsPage);
-            const HWND list = control(window, kEntities);
-            best(shown, millisecondsOf([&] {
-                     SetFocus(list);
-                     SendMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
-                     settle(window);
-                 }));
-            type(window, control(window, kPropertySearch), "property77", propertiesFirst, properties);
-            SetWindowTextA(control(window, kPropertySearch), "");
-        });
+        const WindowRun opened(
+            editor, "Add Script", kTitle,
+            [&](HWND window) {
+                goToPage(window, kComponentsPage);
+                goToPage(window, kLevelsPage);
+                const HWND list = control(window, kEntities);
+                best(shown, millisecondsOf([&] {
+                         SetFocus(list);
+                         SendMessageA(list, WM_KEYDOWN, VK_DOWN, 0);
+                         settle(window);
+                     }));
+                type(window, control(window, kPropertySearch), "property77", propertiesFirst, properties);
+                SetWindowTextA(control(window, kPropertySearch), "");
+            },
+            isFilled);
     }
     std::printf("an entity with 20,000 properties is shown in %.2f ms\n", shown);
     met = keys("20,000 properties", propertiesFirst, properties) && met;

@@ -1,0 +1,53 @@
+// Loads a project on a thread of its own, so that its window is there at once.
+#pragma once
+
+#include <windows.h>
+
+#include <exception>
+#include <mutex>
+#include <string>
+
+#include "J8ProjectManager/ProjectSession.h"
+
+namespace zoka {
+
+// Made and used by one thread.
+class BackgroundLoad {
+public:
+    // Begins to load. What `before` held is freed behind it: of a large project that takes its time, too. Where no
+    // thread can be had, all is done here.
+    BackgroundLoad(std::string projectFile, CJ8ProjectManager& before);
+    // Waits for the thread, which stops soon.
+    ~BackgroundLoad();
+    BackgroundLoad(const BackgroundLoad&) = delete;
+    BackgroundLoad& operator=(const BackgroundLoad&) = delete;
+
+    // Whether it is done within that time.
+    bool isDone(DWORD milliseconds) const;
+    // Where there is one processor only, the thread leaves it to this one until goOn.
+    void giveWay();
+    // The window gets the message once it is done, which may be at once. A null window: it is of no use any more.
+    void goOn(HWND window, UINT message = 0);
+    // What was loaded, once; waits for it. Throws what loading has thrown.
+    ProjectSession::Loaded take();
+
+private:
+    static DWORD WINAPI threadMain(void* self);
+    void work(bool givesWay) noexcept;
+
+    const std::string m_projectFile;
+    // The thread's until it is done.
+    CJ8ProjectManager m_before;
+    ProjectSession::Loaded m_loaded;
+    std::exception_ptr m_fault;
+
+    HANDLE m_thread = nullptr;
+    HANDLE m_done = nullptr, m_mayGoOn = nullptr;  // events
+
+    std::mutex m_lock;  // of what follows
+    bool m_isDone = false, m_stops = false;
+    HWND m_window = nullptr;  // to be told
+    UINT m_message = 0;
+};
+
+}  // namespace zoka
