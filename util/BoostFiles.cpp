@@ -69,9 +69,18 @@ int boostListFolder(const std::string& folder, std::vector<OsListed>& entries) {
     });
 }
 
+// One by one: where memory runs out in the library's own way of making them all, it ends the process.
 int boostMakeFolders(const std::string& path) {
     return numberOfError([&](error_code& error) {
-        fs::create_directories(path, error);
+        const fs::path whole(path);
+        fs::path made = whole.root_path();
+        for (const fs::path& part : whole.relative_path()) {
+            made /= part;
+            error_code ignored;
+            if (!fs::is_directory(made, ignored) && !fs::create_directory(made, error) && error) {
+                return;
+            }
+        }
         if (!error && !fs::is_directory(path, error) && !error) {
             error = boost::system::errc::make_error_code(boost::system::errc::not_a_directory);
         }
