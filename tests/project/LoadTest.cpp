@@ -1,6 +1,7 @@
 // What loading a project takes, reports and logs.
 #include <gmock/gmock.h>
 
+#include "J8ProjectManager/DeleteLogged.h"
 #include "tests/project/ProjectFiles.h"
 #include "util/OsFiles.h"
 
@@ -216,6 +217,14 @@ TEST_F(LoadTest, Properties) {
     EXPECT_EQ(body->m_properties[1].type, J8Type::Unit);
     EXPECT_STREQ(zoka::typeWord(J8Type::AnimGroup), "animGroup");
     EXPECT_STREQ(zoka::typeWord(static_cast<J8Type>(1)), "<bad enum>");
+}
+
+TEST_F(LoadTest, WhatDeletingThrowsIsLogged) {
+    struct Throwing {
+        void clear() { throw 1; }
+    } list;
+    zoka::deleteLogged(list, "CJ8BehaviorData::Clear()", "Throw while deleting object");
+    EXPECT_EQ(log(), logEntry("Error", "CJ8BehaviorData::Clear()", "Throw while deleting object"));
 }
 
 TEST_F(LoadTest, Levels) {

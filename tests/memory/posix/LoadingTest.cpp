@@ -102,4 +102,26 @@ TEST(Allocations, EachThatFailsWhileLoadingIsAResult) {
     }
 }
 
+TEST(Allocations, AProjectsTreeThatFailsIsAStepOfTheReport) {
+    CJ8ProjectManager project;
+    CJ8LevelData& level = project.m_apLevels.emplace_back();
+    level.m_name = "harbour";
+    level.m_entities.push_back({"guard", "a parent with a long name", 0, {{1, 0, "5"}}, {}});
+    int failed = 0;
+    for (long failing = 1;; ++failing) {
+        SCOPED_TRACE(failing);
+        const StepReport report = StepReport::start("Save", "SaveProjectXML");
+        g_countdown = failing;
+        const XMLNode top = project.createXMLTopNode(report, "1");
+        g_countdown = 0;
+        const XMLNode step = report.node().firstChild("createXMLTopNode").firstChild("ErrProject");
+        EXPECT_EQ(top.isEmpty(), !step.isEmpty());
+        if (!top.isEmpty()) {
+            break;
+        }
+        ++failed;
+    }
+    EXPECT_GT(failed, 2);
+}
+
 }  // namespace
