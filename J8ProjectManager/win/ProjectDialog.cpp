@@ -140,10 +140,10 @@ std::optional<LRESULT> ProjectDialog::message(UINT message, WPARAM wParam, LPARA
         }
         enableAll(true);
         setStatus("");
-        showState();
         if (const HWND field = firstField()) {
             SetFocus(field);
         }
+        showState();  // the title last: it says that the project is there
         return 0;
     }
     if (message == WM_DESTROY && m_isLoading) {
