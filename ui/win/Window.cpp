@@ -137,6 +137,9 @@ void tellFailure() noexcept {
     keepInside([] {
         try {
             throw;
+        } catch (const OutOfMemory& out) {
+            userPrompt().tell(outOfMemoryText(out.file()) +
+                              " The window closes; files are as they were last saved.");
         } catch (const std::bad_alloc&) {
             userPrompt().tell(
                 "There is not enough memory to go on. The window closes; files are as they were last saved.");
