@@ -94,7 +94,7 @@ Result<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std
     return plan;
 }
 
-Result<std::string> updateKeepingValues(const ValueUpdatePlan& plan) {
+Result<std::string> updateKeepingValues(const ValueUpdatePlan& plan, FileKind kind) {
     const std::string& path = plan.old.script.scriptPath;
     const FileLock lock(path);
     if (!lock) {
@@ -119,7 +119,7 @@ Result<std::string> updateKeepingValues(const ValueUpdatePlan& plan) {
     // What the script holds is safe in the value file before anything is replaced.
     const std::string values = valueFileText(plan.old.script, false);
     const FileContent valuesFile{valueFile, values, FileKind::Generated, std::nullopt, path};
-    const FileContent scriptFile{path, plan.after, FileKind::Named, plan.before};
+    const FileContent scriptFile{path, plan.after, kind, plan.before};
     Outcome written = safeWrite({&valuesFile, 1});
     if (written) {
         written = keepOldValues(plan.old.script, plan.unplaced);

@@ -177,6 +177,8 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
         const std::optional<std::string> original = folders.templateOf(fileName);
         if (place == ScriptPlace::NotFound) {
             plan.problems.push_back(fileName + ": the script is not found");
+        } else if (osFiles().isLink(path)) {
+            plan.problems.push_back(fileName + ": a link stands in its place");
         } else if (!original) {
             plan.problems.push_back(fileName + ": the template folder has no such script");
         } else if (auto change = planValueUpdate(path, *original); !change) {
@@ -294,7 +296,7 @@ void ScriptUpdate::carryOut(const UpdatePlan& plan, JobProgress* progress) {
         if (!mayContinue(progress, total + i, 2 * total, script.fileName)) {
             break;
         }
-        const auto updated = updateKeepingValues(script.change);
+        const auto updated = updateKeepingValues(script.change, FileKind::Generated);
         if (updated) {
             noteUpdated(script);
             if (!updated->empty()) {

@@ -120,9 +120,9 @@ TEST_F(BehaviorSessionTest, looksAtTheEditorsEntitiesOncePerStep) {
     EXPECT_EQ(questions(), once);
     EXPECT_EQ(m_session.paste("skill1 = 3\nflag1 = 0\n").taken, 2U);
     EXPECT_EQ(questions(), once);
-    m_session.undo();
+    EXPECT_TRUE(m_session.undo());
     EXPECT_EQ(questions(), once);
-    m_session.redo();
+    EXPECT_TRUE(m_session.redo());
     EXPECT_EQ(questions(), once);
     select({"b"});
     EXPECT_EQ(m_session.resetAll(ResetTo::Default), 0U);

@@ -126,4 +126,47 @@ while [ $round -lt "${ROUNDS:-20}" ]; do
     grep -q 'include <fog.kez>' project/main.kez && grep -q 'include <turret.kez>' project/main.kez ||
         fail "round $round of two writers: a line is lost"
 done
-echo "$runs runs with a fault, no file damaged; $round rounds of two writers, nothing lost"
+# A link in the place of a generated file (a script's copy, its values, the catalogue, a page) is refused with a word,
+# one in that of a backup or a numbered copy is passed over; what it leads to stays, or is not made. The main script,
+# which the user named, is written through one.
+links=0
+through() { # link arguments...
+    link=$1
+    shift
+    for target in precious missing; do
+        rm -rf project pages suite "$link"
+        cp -R before project
+        cp -R "$suite" suite
+        mkdir pages
+        echo precious >precious
+        rm -f missing "$link"
+        ln -s "$PWD/$target" "$link"
+        "$zoka" "$@" >output 2>&1
+        status=$?
+        [ "$(cat precious)" = precious ] || fail "$*: wrote through the link $link"
+        [ ! -e missing ] || fail "$*: made a file through the link $link"
+        [ -L "$link" ] || fail "$*: the link $link is gone"
+        case $link in
+        *.bak | *_0.kez) [ $status -eq 0 ] || fail "$*: failed because of the link $link, $status" ;;
+        *) [ $status -ne 0 ] && grep -q link output || fail "$*: refused the link $link without a word, $status" ;;
+        esac
+        links=$((links + 1))
+    done
+}
+rm -rf before
+mkdir before
+printf '// main\r\ninclude <fog.kez>;\r\n' >before/main.kez
+sed -e 's/^\/\/ *ver:.*/\/\/ ver: 0\r/' -e '$a // mine\r' "$suite/fog.kez" >before/fog.kez
+through project/fog.kez scripts update --yes -p project -t suite -m project/main.kez
+through project/fog.kez.zoka scripts update --yes -p project -t suite -m project/main.kez
+through project/fog.kez.1.bak scripts update --yes -p project -t suite -m project/main.kez
+through project/camera_0.kez scripts add camera_.kez -p project -t suite -m project/main.kez
+through suite/template_6.xml catalogue build suite
+through pages/css.css help-pages "$suite/template_6.xml" -o pages
+rm -rf project
+cp -R before project
+mv project/main.kez real.kez
+ln -s "$PWD/real.kez" project/main.kez
+"$zoka" scripts add turret.kez -p project -t "$suite" -m project/main.kez >output 2>&1 || fail "the main script through a link"
+[ -L project/main.kez ] && grep -q 'include <turret.kez>' real.kez || fail "the main script's link was not followed"
+echo "$runs runs with a fault, no file damaged; $round rounds of two writers, nothing lost; $links links not followed"
