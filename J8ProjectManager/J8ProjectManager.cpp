@@ -115,7 +115,6 @@ void CJ8ProjectManager::clearContent() {
     m_behaviorIndex.clear();
     m_loadedComponents.clear();
     m_behaviorNames.reset();
-    m_problem.clear();
 }
 
 void CJ8ProjectManager::Clear() {

@@ -19,6 +19,7 @@
 #include "J8ProjectManager/NameIndex.h"
 #include "J8ProjectManager/ReportWriter.h"
 #include "J8ProjectManager/StepReport.h"
+#include "util/SafeWrite.h"
 #include "xml/XMLNode.h"
 
 namespace zoka {
@@ -94,16 +95,12 @@ public:
     // The present moment as a project file's date: seconds since 1970-01-01 UTC.
     static std::string dateNow();
     // Writes the project file that was loaded, or set; afterwards the model holds the date and the version that
-    // were written. False, with the model as it was, when that failed. With `expected`, what the file held when it
+    // were written. Refused, with the model as it was, when that failed. With `expected`, what the file held when it
     // was read (nothing for one that was not there), a file that holds something else is left alone.
-    bool SaveProjectXML(const zoka::StepReport& report, const std::string* expected = nullptr);
+    zoka::SafeWriteResult SaveProjectXML(const zoka::StepReport& report,
+                                         const std::string* expected = nullptr);
     // The same with a step report of its own, the file J8ProjectManagerDebug.xml in the current folder.
-    bool SaveProjectXML(const std::string* expected = nullptr);
-
-    // Why the last SaveProjectXML failed, in words for the user; else empty.
-    const std::string& problem() const { return m_problem; }
-    // Whether it failed because the file was not as expected: read it again and start anew.
-    bool changedMeanwhile() const { return m_changedMeanwhile; }
+    zoka::SafeWriteResult SaveProjectXML(const std::string* expected = nullptr);
 
     // Finds the kind under which a reference's file exists and makes it the reference's; kNotValid when there is
     // no such file.
@@ -185,8 +182,6 @@ private:
     void tellParseError(const std::string& path, const XMLResults& results);
 
     CJ8File m_projectFile;
-    std::string m_problem;
-    bool m_changedMeanwhile = false;
     mutable std::shared_ptr<const std::vector<std::string>> m_behaviorNames;  // null: not asked for yet
     std::vector<std::string> m_sources;
     std::uint32_t m_source = 0;    // the one that is being read

@@ -92,12 +92,13 @@ const char* severityWord(int severity) {
 
 }  // namespace
 
-bool ProjectSession::open(Loaded loaded) {
+Outcome ProjectSession::open(Loaded loaded) {
     m_path = loaded.path;
     m_edits.clear();
-    m_problem = loaded.problem;
+    m_reserve.refill();
+    Outcome usable = loaded.usable;
     replaceModel(std::move(loaded));
-    return m_problem.empty();
+    return usable;
 }
 
 ProjectSession::Loaded ProjectSession::read(const std::string& path, const XMLProgress& watch) {
@@ -106,7 +107,7 @@ ProjectSession::Loaded ProjectSession::read(const std::string& path, const XMLPr
         return loadedFrom(std::move(full), std::move(*bytes), watch);
     }
     Loaded loaded;
-    loaded.problem = "Can't read '" + full + "': " + osFiles().lastError();
+    loaded.usable = Refusal{"Can't read '" + full + "': " + osFiles().lastError()};
     loaded.model = std::make_unique<CJ8ProjectManager>();
     loaded.model->LoadFromXML(full, false);  // which reports it
     loaded.path = std::move(full);
@@ -130,14 +131,14 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string path, std::string 
         return loaded;
     }
     if (results.outOfMemory) {
-        loaded.problem = outOfMemoryText(loaded.path);
+        loaded.usable = Refusal{outOfMemoryText(loaded.path)};
         return loaded;
     }
-    loaded.problem = loaded.path;
+    std::string why = loaded.path;
     if (results.line > 0) {
-        loaded.problem += ":" + std::to_string(results.line) + ":" + std::to_string(results.column);
+        why += ":" + std::to_string(results.line) + ":" + std::to_string(results.column);
     }
-    loaded.problem += std::string(": ") + XMLNode::errorText(results.code);
+    loaded.usable = Refusal{why + ": " + XMLNode::errorText(results.code)};
     return loaded;
 }
 

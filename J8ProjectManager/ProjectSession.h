@@ -1,7 +1,7 @@
 // The Project Manager of a J8 project without its window: loading, what is wrong, edits, saving.
 //
 //     ProjectSession session(*CJ8ProjectManager::Instance(), userPrompt());
-//     if (!session.open(projectFile)) show(session.problem());
+//     if (const Outcome opened = session.open(projectFile); !opened) show(opened.why());
 //     for (const ProjectRow& row : session.entityRows(level, entity)) ...
 //     session.setValue(row.field, row.stored(typed), true);
 //     ... session.close() before the window goes
@@ -21,16 +21,11 @@
 #include "J8ProjectManager/ProjectLosses.h"
 #include "J8ProjectManager/ProjectPlaces.h"
 #include "J8ProjectManager/ProjectRows.h"
+#include "util/Doors.h"
+#include "util/SaveResult.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
-
-enum class ProjectSave {
-    Saved,
-    NothingToSave,
-    Cancelled,  // by the user
-    Failed,     // the user has been told
-};
 
 // One thing to mend.
 struct ProjectProblem {
@@ -58,21 +53,19 @@ public:
         std::string bytes;
         // What a save writes of it beside the levels.
         std::unique_ptr<CJ8ProjectManager> frame;
-        std::string problem;   // why it can't be used; else empty
+        Outcome usable;        // or why not
         bool wasRead = false;  // all of the file, well-formed or not
     };
     // Reads a project without touching a session. One that `watch` stops is of no use to anybody. Throws
     // std::bad_alloc. [any thread]
     static Loaded read(const std::string& path, const XMLProgress& watch = {});
 
-    // Loads a project in place of what the model held. False, with the reason in problem(), when the file can't
-    // be read or holds no project; the model is empty then.
-    bool open(const std::string& path) { return open(read(path)); }
-    bool open(Loaded loaded);
+    // Loads a project in place of what the model held. Refused when the file can't be read or holds no project; the
+    // model is empty then. The reason is in the system's character set, like all that the user is told.
+    Outcome open(const std::string& path) { return open(read(path)); }
+    Outcome open(Loaded loaded);
     const CJ8ProjectManager& model() const { return m_model; }
     const std::string& path() const { return m_path; }
-    // Why the last operation failed; else empty. In the system's character set, like all that the user is told.
-    const std::string& problem() const { return m_problem; }
     // Whether the file could be looked at when it was opened; one that can't be used although it was is damaged.
     bool wasRead() const { return m_wasRead; }
 
@@ -139,10 +132,10 @@ public:
     // Asks what is to be asked, keeps a copy of a file whose content would be lost, and writes; undo goes on. What
     // another program writes until the file is replaced is never written over unasked. With `force` also when nothing
     // has changed.
-    ProjectSave save(bool force = false);
-    // Loads again; asks first when edits would be lost. False with the model and the edits as they were, and the
-    // reason in problem() unless the user chose to keep them.
-    bool reload();
+    SaveResult save(bool force = false);
+    // Loads again; asks first when edits would be lost. Refused with the model and the edits as they were; without a
+    // reason where the user chose to keep them.
+    Outcome reload();
     // True when the window may close: asks about changes.
     bool close();
     // Something was thrown and the window goes: asks whether the edits are to be kept, and saves the project; where that
@@ -168,10 +161,10 @@ private:
     static Loaded loadedFrom(std::string path, std::string bytes, const XMLProgress& watch = {});
     void replaceModel(Loaded loaded);
     bool question(const std::string& text);
-    ProjectSave fail(const std::string& message);
-    std::optional<ProjectSave> settleChangesFromOutside(std::string& onDisk, bool& overwrites);
-    std::optional<ProjectSave> takeOver(std::string theirs);
-    std::optional<ProjectSave> settleLosses(const std::string& onDisk, bool overwrites);
+    SaveResult fail(const std::string& message);
+    std::optional<SaveResult> settleChangesFromOutside(std::string& onDisk, bool& overwrites);
+    std::optional<SaveResult> takeOver(std::string theirs);
+    std::optional<SaveResult> settleLosses(const std::string& onDisk, bool overwrites);
     void step(ProjectChange change);
     bool mayDropChanges();
 
@@ -185,7 +178,7 @@ private:
     bool m_wasRead = false;
     ProjectEdits m_edits;
     bool m_typedPaths = false;  // their files have not been looked for
-    std::string m_problem;
+    MemoryReserve m_reserve;    // for offerUnsaved
     mutable std::optional<ProjectPlaces> m_places;
 };
 

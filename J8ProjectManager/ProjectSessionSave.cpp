@@ -45,10 +45,9 @@ Outcome keepLines(const std::string& project, const std::vector<std::string>& li
 
 }  // namespace
 
-ProjectSave ProjectSession::fail(const std::string& message) {
-    m_problem = message;
+SaveResult ProjectSession::fail(const std::string& message) {
     m_prompt.tell(message);
-    return ProjectSave::Failed;
+    return Refusal{message};
 }
 
 bool ProjectSession::question(const std::string& text) {
@@ -57,7 +56,7 @@ bool ProjectSession::question(const std::string& text) {
 
 // Nothing when saving can go on; `onDisk` is then what the file holds and `overwrites` whether another's changes will
 // be lost.
-std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(std::string& onDisk, bool& overwrites) {
+std::optional<SaveResult> ProjectSession::settleChangesFromOutside(std::string& onDisk, bool& overwrites) {
     // The whole content is compared: times are too coarse for two programs that write at once.
     const auto now = osFiles().readWhole(m_path);
     const std::string why = now ? "" : osFiles().lastError();
@@ -83,14 +82,14 @@ std::optional<ProjectSave> ProjectSession::settleChangesFromOutside(std::string&
     if (overwrites) {
         return std::nullopt;
     }
-    return answer == PromptAnswer::Yes ? takeOver(*now) : ProjectSave::Cancelled;
+    return answer == PromptAnswer::Yes ? takeOver(*now) : SaveResult::Cancelled;
 }
 
 // Makes the edits in the project as others left it. It takes the model's place only when all of them can be made.
-std::optional<ProjectSave> ProjectSession::takeOver(std::string theirs) {
+std::optional<SaveResult> ProjectSession::takeOver(std::string theirs) {
     Loaded loaded = loadedFrom(m_path, std::move(theirs));
-    if (!loaded.problem.empty()) {
-        return fail("The project file as it is now can't be read:\n" + loaded.problem +
+    if (!loaded.usable) {
+        return fail("The project file as it is now can't be read:\n" + loaded.usable.why() +
                     "\n\nIt was not saved; your changes are still here.");
     }
     ProjectEdits edits = m_edits;
@@ -106,7 +105,7 @@ std::optional<ProjectSave> ProjectSession::takeOver(std::string theirs) {
 }
 
 // The copy of what will be lost. Nothing when saving can go on.
-std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDisk, bool overwrites) {
+std::optional<SaveResult> ProjectSession::settleLosses(const std::string& onDisk, bool overwrites) {
     const std::vector<ProjectLoss>& losses = foundLosses();
     if (!losses.empty()) {
         std::vector<std::string> lines;
@@ -115,7 +114,7 @@ std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDis
         }
         if (!question("A save does not keep what the project's format has no place for:\n\n" + listed(lines) +
                       "\nThe file as it is now is kept beside it. Save all the same?")) {
-            return ProjectSave::Cancelled;
+            return SaveResult::Cancelled;
         }
     }
     if (!losses.empty() || overwrites) {
@@ -126,11 +125,10 @@ std::optional<ProjectSave> ProjectSession::settleLosses(const std::string& onDis
     return std::nullopt;
 }
 
-ProjectSave ProjectSession::save(bool force) {
-    m_problem.clear();
+SaveResult ProjectSession::save(bool force) {
     m_edits.endJoining();
     if (m_path.empty() || (!hasChanges() && !force)) {
-        return ProjectSave::NothingToSave;
+        return SaveResult::NothingToSave;
     }
     if (m_model.sources().empty() || m_model.projectFile().empty()) {
         return fail("No project is loaded; there is nothing to save.");
@@ -144,11 +142,12 @@ ProjectSave ProjectSession::save(bool force) {
         if (const auto settled = settleLosses(onDisk, overwrites)) {
             return *settled;
         }
-        saved = writesStepReport ? m_model.SaveProjectXML(&onDisk)
-                                 : m_model.SaveProjectXML(StepReport(), &onDisk);
+        const SafeWriteResult written = writesStepReport ? m_model.SaveProjectXML(&onDisk)
+                                                         : m_model.SaveProjectXML(StepReport(), &onDisk);
+        saved = bool(written);
         // What was written while a question stood is settled like what was written before.
-        if (!saved && (!m_model.changedMeanwhile() || osFiles().readWhole(m_path).value_or("") == onDisk)) {
-            return fail(m_model.problem().empty() ? "The project could not be saved." : m_model.problem());
+        if (!saved && (!written.changedMeanwhile || osFiles().readWhole(m_path).value_or("") == onDisk)) {
+            return fail(written.why());
         }
     }
     m_edits.markSaved();
@@ -159,30 +158,28 @@ ProjectSave ProjectSession::save(bool force) {
         m_bytes = *text;
         m_frame.reset();
         m_losses.clear();
-        if (Loaded written = loadedFrom(m_path, std::move(*text)); written.problem.empty()) {
+        if (Loaded written = loadedFrom(m_path, std::move(*text)); written.usable) {
             replaceModel(std::move(written));
         }
     }
-    return ProjectSave::Saved;
+    return SaveResult::Saved;
 }
 
 bool ProjectSession::mayDropChanges() {
     return !hasChanges() || question("The changes of this project are not saved.\n\nDrop them?");
 }
 
-bool ProjectSession::reload() {
-    m_problem.clear();
+Outcome ProjectSession::reload() {
     if (!mayDropChanges()) {
-        return false;
+        return Refusal{};
     }
     Loaded loaded = read(m_path);
-    m_problem = loaded.problem;
-    if (!m_problem.empty()) {
-        return false;
+    if (!loaded.usable) {
+        return loaded.usable;
     }
     m_edits.clear();
     replaceModel(std::move(loaded));
-    return true;
+    return {};
 }
 
 bool ProjectSession::close() {
@@ -192,13 +189,14 @@ bool ProjectSession::close() {
     const PromptAnswer answer = m_prompt.ask("Save the changes of this project?", "ZOKA",
                                              PromptButtons::YesNoCancel, PromptIcon::Warning);
     if (answer == PromptAnswer::Yes) {
-        const ProjectSave saved = save();
-        return saved == ProjectSave::Saved || saved == ProjectSave::NothingToSave;
+        const SaveResult saved = save();
+        return saved == SaveResult::Saved || saved == SaveResult::NothingToSave;
     }
     return answer == PromptAnswer::No;
 }
 
 void ProjectSession::offerUnsaved() noexcept {
+    m_reserve.release();
     keepInside([this] {
         modelReplaced = nullptr;
         if (!hasChanges()) {

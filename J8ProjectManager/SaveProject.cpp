@@ -8,6 +8,8 @@
 #include "util/SafeWrite.h"
 
 using zoka::J8Section;
+using zoka::Refusal;
+using zoka::SafeWriteResult;
 using zoka::StepReport;
 namespace keys = zoka::keys;
 
@@ -116,38 +118,32 @@ std::string CJ8ProjectManager::dateNow() {
     return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count());
 }
 
-bool CJ8ProjectManager::SaveProjectXML(const StepReport& report, const std::string* expected) {
-    m_problem.clear();
-    m_changedMeanwhile = false;
+SafeWriteResult CJ8ProjectManager::SaveProjectXML(const StepReport& report, const std::string* expected) {
     std::string path;
     if (!m_projectFile.GetFilepath(path, m_roots)) {
         report.add(keys::kErrGetFilepath);
-        m_problem = "The project has no file to be saved to.";
-        return false;
+        return {Refusal{"The project has no file to be saved to."}};
     }
     const std::string date = dateNow();
     const auto text = fileText(report, date);
     if (!text) {
-        m_problem = "There is not enough memory to write the project.";
-        return false;
+        return {Refusal{"There is not enough memory to write the project."}};
     }
     zoka::FileContent file = {path, *text};
     if (expected) {
         file.expected = *expected;
     }
-    if (const zoka::SafeWriteResult written = zoka::safeWrite({&file, 1}); !written) {
-        m_problem = written.why();
-        m_changedMeanwhile = written.changedMeanwhile;
-        return false;
+    SafeWriteResult written = zoka::safeWrite({&file, 1});
+    if (written) {
+        m_date = date;
+        m_vers = zoka::kJ8Version;
     }
-    m_date = date;
-    m_vers = zoka::kJ8Version;
-    return true;
+    return written;
 }
 
-bool CJ8ProjectManager::SaveProjectXML(const std::string* expected) {
+SafeWriteResult CJ8ProjectManager::SaveProjectXML(const std::string* expected) {
     const StepReport report = StepReport::start("J8ProjectManagerDebug", "SaveProjectXML");
-    const bool saved = SaveProjectXML(report, expected);
+    SafeWriteResult saved = SaveProjectXML(report, expected);
     if (saved) {
         report.markSucceeded();
     }

@@ -159,8 +159,9 @@ int ProjectCreation::saveProject() {
         level.m_mapFile.Set((m_data.m_strLevelMap.empty() ? "map" : m_data.m_strLevelMap) + ".zlb",
                             CJ8File::kProjFile);
     }
-    if (!project->SaveProjectXML(m_report.group("SaveProjectXml"))) {
-        m_data.m_strMessage = project->problem();
+    if (const zoka::SafeWriteResult saved = project->SaveProjectXML(m_report.group("SaveProjectXml"));
+        !saved) {
+        m_data.m_strMessage = saved.why();
         return kWizardNotSaved;
     }
     m_record.fileWritten(file);

@@ -22,9 +22,9 @@ bool BehaviorSession::lookAtProject() {
     return m_isOtherProject != before;
 }
 
-ProjectSave BehaviorSession::save() {
+SaveResult BehaviorSession::save() {
     if (!m_components) {
-        return ProjectSave::NothingToSave;
+        return SaveResult::NothingToSave;
     }
     leaveField();
     if (lookAtProject()) {
@@ -42,7 +42,7 @@ ProjectSave BehaviorSession::save() {
     };
     const std::vector<std::string> before = names();
     const size_t edits = m_components->editsDone();
-    const ProjectSave saved = m_components->save();
+    const SaveResult saved = m_components->save();
     // The project was loaded anew; where another program had changed it, its rows may be others.
     m_components->show(namedEntities());
     const bool isSame = names() == before && m_components->editsDone() == edits;
@@ -65,14 +65,14 @@ PromptAnswer BehaviorSession::askElsewhere() const {
 }
 
 // Into the project of the edits, or nowhere; then the panel goes on to the one that is open.
-ProjectSave BehaviorSession::saveElsewhere() {
+SaveResult BehaviorSession::saveElsewhere() {
     const PromptAnswer answer = askElsewhere();
-    ProjectSave saved = ProjectSave::Cancelled;
+    SaveResult saved = SaveResult::Cancelled;
     if (answer == PromptAnswer::Yes) {
         saved = m_components->save();
     } else if (answer == PromptAnswer::No) {
         m_components->moveTo(m_openProject());
-        saved = ProjectSave::NothingToSave;
+        saved = SaveResult::NothingToSave;
     }
     if (!hasUnsaved()) {
         lookAtProject();
@@ -87,7 +87,7 @@ bool BehaviorSession::close() {
         return !m_components || m_components->close();
     }
     const PromptAnswer answer = askElsewhere();
-    return answer == PromptAnswer::Yes ? m_components->save() != ProjectSave::Cancelled && !hasUnsaved()
+    return answer == PromptAnswer::Yes ? m_components->save() != SaveResult::Cancelled && !hasUnsaved()
                                        : answer == PromptAnswer::No;
 }
 

@@ -59,7 +59,7 @@ public:
     bool hasPanelForm() const { return m_components != nullptr; }
     bool hasUnsaved() const { return m_components && m_components->hasChanges(); }
     // As the project's own window does.
-    ProjectSave save();
+    SaveResult save();
     // True when the panel may close: asks about unsaved edits of components.
     bool close();
     // Something was thrown and the panel goes: offers to keep unsaved edits of components. Only the object's end may
@@ -119,7 +119,7 @@ private:
     void show(std::vector<std::string> entities);
     bool lookAtProject();
     PromptAnswer askElsewhere() const;
-    ProjectSave saveElsewhere();
+    SaveResult saveElsewhere();
     // Null while those of the open project are not known.
     const EntityComponents* shownComponents() const {
         return m_isOtherProject ? nullptr : m_components.get();

@@ -128,7 +128,7 @@ Outcome LoadCustomScript(const std::string& fileName, CustomScript& script, JobP
     CustomScript loaded;
     loaded.scriptPath = path;
     if (!parseCustomText(std::move(*text), loaded, progress)) {
-        return Refusal{"the loading was stopped"};
+        return Refusal{};  // stopped
     }
     if (loaded.tooLarge) {
         return Refusal{"it is too large to be customized: more than " +

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <stdexcept>
 
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
@@ -24,28 +23,17 @@ CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt,
                                    JobProgress* loading)
     : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView), m_loading(loading) {}
 
-bool CustomizeSession::open(const std::string& fileName) {
+Outcome CustomizeSession::open(const std::string& fileName) {
     const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
-    try {
-        return open(fileName, path);
-    } catch (const std::bad_alloc&) {
-        throw std::runtime_error(outOfMemoryText(path));
-    }
-}
-
-bool CustomizeSession::open(const std::string& fileName, const std::string& path) {
-    const auto mayGoOn = [&] { return mayContinue(m_loading, 0, 1, fileName); };
+    m_reserve.refill();
     ScriptRows loaded;
-    if (!mayGoOn() || !read(path, loaded, m_loading)) {
-        return false;
-    }
-    const HostNames names = hostNames(loaded.script, m_loading);
-    if (!mayGoOn()) {
-        return false;
-    }
-    loaded.makeRows(names);
-    if (!mayGoOn()) {
-        return false;
+    try {
+        if (const Outcome made = makeRows(path, loaded); !made) {
+            m_notOpened = made.why();
+            return made;
+        }
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemory(path);
     }
     m_panel = std::move(loaded);
     m_carried.clear();
@@ -59,7 +47,24 @@ bool CustomizeSession::open(const std::string& fileName, const std::string& path
     m_unplaced.clear();
     filter.unfoldAll();
     rowsMade(false);
-    return true;
+    return {};
+}
+
+// All that may need much memory, before anything of the session is changed.
+Outcome CustomizeSession::makeRows(const std::string& path, ScriptRows& loaded) {
+    const auto mayGoOn = [&] { return mayContinue(m_loading, 0, 1, path); };
+    if (!mayGoOn()) {
+        return Refusal{};
+    }
+    if (const Outcome found = read(path, loaded, m_loading); !found) {
+        return found;
+    }
+    const HostNames names = hostNames(loaded.script, m_loading);
+    if (!mayGoOn()) {
+        return Refusal{};
+    }
+    loaded.makeRows(names);
+    return mayGoOn() ? Outcome() : Refusal{};
 }
 
 void CustomizeSession::offerScripts(std::vector<std::string> paths) {
@@ -77,31 +82,41 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
     if (!mayDropChanges()) {
         return false;
     }
-    const bool opened = open(fileName);
-    if (!opened) {
-        m_prompt.tell(m_problem);
+    std::string why;
+    try {
+        const Outcome opened = open(fileName);
+        if (opened) {
+            return true;
+        }
+        why = opened.why();
+    } catch (const OutOfMemory& out) {
+        why = outOfMemoryText(out.file());  // the script that is open stays
     }
-    return opened;
+    if (!why.empty()) {
+        m_prompt.tell(why);
+    }
+    return false;
 }
 
-bool CustomizeSession::read(const std::string& fileName, ScriptRows& panel, JobProgress* progress) {
+Outcome CustomizeSession::read(const std::string& fileName, ScriptRows& panel, JobProgress* progress) {
     if (const Outcome loaded = LoadCustomScript(fileName, panel.script, progress); !loaded) {
-        m_problem =
-            fileName.empty() ? "There is no script." : "Can't read '" + fileName + "': " + loaded.why();
-        return false;
+        if (loaded.why().empty()) {
+            return loaded;  // stopped
+        }
+        return Refusal{fileName.empty() ? "There is no script."
+                                        : "Can't read '" + fileName + "': " + loaded.why()};
     }
-    m_problem.clear();
     checkPictures(panel.script, [&](const std::string& name) { return pictureFor(panel.script, name); });
-    return true;
+    return {};
 }
 
-bool CustomizeSession::load(const std::string& fileName) {
+Outcome CustomizeSession::load(const std::string& fileName) {
     ScriptRows loaded;
-    if (!read(fileName, loaded)) {
-        return false;
+    Outcome found = read(fileName, loaded);
+    if (found) {
+        m_panel = std::move(loaded);
     }
-    m_panel = std::move(loaded);
-    return true;
+    return found;
 }
 
 // Makes the rows of a script just loaded.
@@ -162,7 +177,6 @@ bool CustomizeSession::close() {
 }
 
 bool CustomizeSession::fetchTemplateCopy() {
-    m_problem.clear();
     const std::string& path = m_panel.script.scriptPath;
     const auto chosen = m_host.ChooseFile(m_host.TemplatePath(std::string(fileNameOf(path))));
     m_view->raiseOnce();
@@ -211,15 +225,15 @@ bool CustomizeSession::restore() {
     if (!isOpen() || !question("Restore values to default??") || !fetchTemplateCopy()) {
         return false;
     }
-    const bool loaded = load(std::string(m_panel.script.scriptPath));
+    const Outcome loaded = load(std::string(m_panel.script.scriptPath));
     if (loaded) {
         m_unplaced.clear();
         show();
     } else {
-        m_prompt.tell(m_problem);
+        m_prompt.tell(loaded.why());
     }
     m_view->bringToFront();
-    return loaded;
+    return bool(loaded);
 }
 
 bool CustomizeSession::update() {
@@ -229,9 +243,7 @@ bool CustomizeSession::update() {
         return false;
     }
     // Without the value file the values would have no place but this memory once the script is replaced.
-    const Outcome written = WriteValueFile(m_panel.script, true, m_prompt);
-    m_problem = written.why();
-    if (!written) {
+    if (!WriteValueFile(m_panel.script, true, m_prompt)) {
         return false;
     }
     m_carried = valuesToKeep(m_panel, false);
@@ -243,9 +255,9 @@ bool CustomizeSession::update() {
     ScriptRows before;
     {
         ScriptRows loaded;
-        if (!read(m_panel.script.scriptPath, loaded)) {
+        if (const Outcome found = read(m_panel.script.scriptPath, loaded); !found) {
             m_carried.clear();
-            m_prompt.tell(m_problem);
+            m_prompt.tell(found.why());
             return false;
         }
         before = std::move(m_panel);
@@ -315,8 +327,7 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
 }
 
 void CustomizeSession::keepUnplaced() {
-    if (const Outcome kept = keepOldValues(m_panel.script, m_unplaced); !kept) {
-        m_problem = kept.why();
+    if (!keepOldValues(m_panel.script, m_unplaced)) {
         m_prompt.tell(
             "These values found no place in the script, and could not be written into a file either:\n\n" +
             unplacedText(m_unplaced));
@@ -324,6 +335,7 @@ void CustomizeSession::keepUnplaced() {
 }
 
 void CustomizeSession::offerUnsaved() noexcept {
+    m_reserve.release();
     keepInside([this] {
         std::vector<UnplacedValue> unsaved;
         for (const KeptValue& kept : m_carried.empty() ? valuesToKeep(m_panel, true) : m_carried) {

@@ -12,6 +12,8 @@
 #include "customize/ScriptRows.h"
 #include "customize/WriteBack.h"
 #include "plugin/host/ZunEditorInterface.h"
+#include "util/Doors.h"
+#include "util/SaveResult.h"
 #include "util/UserPrompt.h"
 
 namespace zoka {
@@ -25,13 +27,6 @@ public:
     virtual void raiseOnce() {}
 };
 
-enum class SaveResult {
-    Saved,
-    NothingToSave,  // no value has changed: nothing was written
-    Cancelled,      // by the user
-    Failed,         // the user has been told
-};
-
 // One panel's script. Host, prompt and view must outlive it. [panel thread]
 class CustomizeSession : public RowEditing {
 public:
@@ -39,11 +34,12 @@ public:
     CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view = nullptr,
                      JobProgress* loading = nullptr);
 
-    // Loads a script; without a name the level's main script. False, with the rows as they were, when there
-    // is none, it can't be read or the loading was stopped; no message.
-    bool open(const std::string& fileName = {});
+    // Loads a script; without a name the level's main script. Refused, with the rows as they were, when there
+    // is none, it can't be read or the loading was stopped (which has no reason); no message. Throws OutOfMemory,
+    // with all as it was, for a script that there is no memory for.
+    Outcome open(const std::string& fileName = {});
     // The same from the panel, for another script: asks about changes first, as closing does, and tells why it
-    // can't be read.
+    // can't be opened.
     bool switchTo(const std::string& fileName);
     // The scripts that the panel offers to switch to: of the project that the editor has open now.
     void offerScripts(std::vector<std::string> paths);
@@ -89,15 +85,13 @@ public:
     std::string findingsText() const;
     // Values that the last update, or a reload at Save, had no place for.
     const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
-    // Why the last operation failed, in more words than its message; else empty.
-    const std::string& problem() const { return m_problem; }
 
 private:
-    bool open(const std::string& fileName, const std::string& path);
+    Outcome makeRows(const std::string& path, ScriptRows& loaded);
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
     std::string pictureFor(const CustomScript& script, const std::string& name) const;
-    bool read(const std::string& fileName, ScriptRows& panel, JobProgress* progress = nullptr);
-    bool load(const std::string& fileName);
+    Outcome read(const std::string& fileName, ScriptRows& panel, JobProgress* progress = nullptr);
+    Outcome load(const std::string& fileName);
     void show();
     void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
@@ -110,7 +104,7 @@ private:
     bool confirmLostEntries(const CustomScript& saved);
     std::optional<std::string> projectForSave();
     SaveResult saveInto(const std::string& project);
-    bool takeIntoProject(const std::string& project, bool& copied);
+    std::optional<SaveResult> takeIntoProject(const std::string& project, bool& copied);
     static bool sameFolder(const std::string& a, const std::string& b);
     static bool isBelow(const std::string& path, const std::string& folder);
     SaveResult fail(const std::string& message, const std::string& problem = {});
@@ -135,7 +129,8 @@ private:
     // On their way into a script just loaded: in no file, and perhaps in no row. Empty otherwise.
     std::vector<KeptValue> m_carried;
     std::vector<UnplacedValue> m_unplaced;
-    std::string m_problem;
+    MemoryReserve m_reserve;  // for offerUnsaved
+    std::string m_notOpened;  // why no script could be opened
 };
 
 }  // namespace zoka

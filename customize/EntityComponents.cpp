@@ -103,9 +103,9 @@ std::vector<std::optional<FileTime>> EntityComponents::times() const {
 }
 
 bool EntityComponents::load() {
-    m_isLoaded = m_project.open(m_file);
+    m_loaded = m_project.open(m_file);
     m_times = times();
-    return m_isLoaded;
+    return bool(m_loaded);
 }
 
 bool EntityComponents::reloadIfChanged() {
@@ -152,11 +152,11 @@ void EntityComponents::show(std::vector<std::string> entities) {
     if (m_entities.empty()) {
         return;
     }
-    if (!m_isLoaded) {
+    if (!m_loaded) {
         if (m_isOptional) {
             return;
         }
-        addText(kNoComponentData, xmlFromPath(m_project.problem()));
+        addText(kNoComponentData, xmlFromPath(m_loaded.why()));
         return;
     }
     for (const std::string& entity : m_entities) {
@@ -364,8 +364,8 @@ void EntityComponents::goTo(size_t edits) {
     readValues();
 }
 
-ProjectSave EntityComponents::save() {
-    const ProjectSave saved = m_project.save();
+SaveResult EntityComponents::save() {
+    const SaveResult saved = m_project.save();
     m_times = times();
     return saved;
 }

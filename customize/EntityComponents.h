@@ -74,7 +74,7 @@ public:
 
     bool hasChanges() const { return m_project.hasChanges(); }
     // As the project's own window does. Pointers into the project are new afterwards: show() again.
-    ProjectSave save();
+    SaveResult save();
     // True when the panel may close: asks about unsaved edits.
     bool close() { return m_project.close(); }
     // As ProjectSession's. The rows are not to be used any more.
@@ -101,7 +101,8 @@ private:
     std::string m_file;
     CJ8ProjectManager m_model;
     ProjectSession m_project;
-    bool m_isLoaded = false, m_isOptional = false;
+    Outcome m_loaded = Refusal{};  // or why the project could not be
+    bool m_isOptional = false;
     std::vector<std::optional<FileTime>> m_times;  // of the files read
     std::vector<std::string> m_entities;
     std::vector<EntityPlace> m_places;  // of the entities; empty when one has none

@@ -39,9 +39,8 @@ bool CustomizeSession::sameFolder(const std::string& a, const std::string& b) {
 }
 
 SaveResult CustomizeSession::fail(const std::string& message, const std::string& problem) {
-    m_problem = problem.empty() ? message : problem;
     m_prompt.tell(message);
-    return SaveResult::Failed;
+    return Refusal{problem.empty() ? message : problem};
 }
 
 // Nothing when saving can go on.
@@ -77,9 +76,9 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
         return SaveResult::Cancelled;
     }
     m_carried = valuesToKeep(m_panel, true);
-    if (!load(std::string(m_panel.script.scriptPath))) {
+    if (const Outcome loaded = load(std::string(m_panel.script.scriptPath)); !loaded) {
         m_carried.clear();
-        return fail(m_problem);
+        return fail(loaded.why());
     }
     show();
     m_unplaced = carryValues(m_carried, m_panel);
@@ -162,54 +161,50 @@ bool CustomizeSession::isBelow(const std::string& path, const std::string& folde
     return true;
 }
 
-// A script straight from the template folder is never overwritten: the project's copy of it takes its place.
-bool CustomizeSession::takeIntoProject(const std::string& project, bool& copied) {
+// A script straight from the template folder is never overwritten: the project's copy of it takes its place. Nothing
+// when saving can go on.
+std::optional<SaveResult> CustomizeSession::takeIntoProject(const std::string& project, bool& copied) {
     const std::string path = m_panel.script.scriptPath;
     if (!project.empty() && (sameFolder(std::string(folderOf(path)), project) ||
                              (isBelow(path, project) && !isBelow(path, m_host.TemplatePath(""))))) {
-        return true;
+        return std::nullopt;
     }
     if (project.empty()) {
-        fail("The project folder is not known; the script was not saved.");
-        return false;
+        return fail("The project folder is not known; the script was not saved.");
     }
     const std::string target = joinPath(project, fileNameOf(path));
     if (target.size() > kMaxScriptPath) {
-        fail("The name of the script in the project folder would be too long; it was not saved.");
-        return false;
+        return fail("The name of the script in the project folder would be too long; it was not saved.");
     }
     const auto there = osFiles().readWhole(target);
     if ((there || osFiles().exists(target)) && there != m_panel.script.fileText() &&
         !question("\"" + std::string(fileNameOf(path)) +
                   "\" is in the project folder already, with other content.\n\nOverwrite it?")) {
-        return false;
+        return SaveResult::Cancelled;
     }
     if (!m_host.CopyFileToFolder(path, project)) {
         const std::string why = m_host.copyProblem();
-        fail("The script could not be copied into the project folder; it was not saved." +
-             (why.empty() ? "" : "\n\n" + why));
-        return false;
+        return fail("The script could not be copied into the project folder; it was not saved." +
+                    (why.empty() ? "" : "\n\n" + why));
     }
     m_panel.script.scriptPath = target;
     copied = true;
-    return true;
+    return std::nullopt;
 }
 
 SaveResult CustomizeSession::save() {
     if (!isOpen()) {
         return SaveResult::NothingToSave;
     }
-    m_problem.clear();
     if (m_panel.script.fileLength == 0) {
         const Outcome written = WriteValueFile(m_panel.script, true, m_prompt);
-        m_problem = written.why();
-        return written ? SaveResult::Saved : SaveResult::Failed;
+        return written ? SaveResult(SaveResult::Saved) : SaveResult(Refusal{written.why()});
     }
     if (!hasChanges(m_panel.script)) {
         return SaveResult::NothingToSave;
     }
     const std::optional<std::string> project = projectForSave();
-    const SaveResult result = project ? saveInto(*project) : SaveResult::Cancelled;
+    const SaveResult result = project ? saveInto(*project) : SaveResult(SaveResult::Cancelled);
     lookAtProject();
     return result;
 }
@@ -234,8 +229,8 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         }
     }
     bool copied = false;
-    if (!takeIntoProject(project, copied)) {
-        return m_problem.empty() ? SaveResult::Cancelled : SaveResult::Failed;
+    if (const auto settled = takeIntoProject(project, copied)) {
+        return *settled;
     }
     const std::string path = m_panel.script.scriptPath;
     const std::string values = valueFileText(m_panel.script, true);
@@ -268,7 +263,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         m_panel.makeRows(hostNames(m_panel.script));
         rowsMade(keepHistory);
     }
-    return result ? SaveResult::Saved : fail(kValueFileNotWritten, result.why());
+    return result ? SaveResult(SaveResult::Saved) : fail(kValueFileNotWritten, result.why());
 }
 
 }  // namespace zoka

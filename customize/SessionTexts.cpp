@@ -26,7 +26,7 @@ std::string CustomizeSession::pictureFor(const CustomScript& script, const std::
 
 std::string CustomizeSession::emptyText() const {
     if (script().scriptPath.empty()) {
-        return m_problem.empty() ? "There is no script." : m_problem;
+        return m_notOpened.empty() ? "There is no script." : m_notOpened;
     }
     return size() == 0 ? "This script has nothing to customize." : "No entry matches.";
 }

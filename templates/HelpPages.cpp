@@ -158,24 +158,14 @@ public:
         }
     }
 
-    bool writeClasses() {
-        for (const Class& each : m_classes) {
-            if (!write(each.page, classPage(each))) {
-                return false;
-            }
-        }
-        return true;
+    Outcome writeClasses() {
+        return writeAll(m_classes, [this](const Class& each) { return classPage(each); });
     }
-    bool writeScripts() {
-        for (const Script& each : m_scripts) {
-            if (!write(each.page, scriptPage(each))) {
-                return false;
-            }
-        }
-        return true;
+    Outcome writeScripts() {
+        return writeAll(m_scripts, [this](const Script& each) { return scriptPage(each); });
     }
-    bool writeStyle() { return write(kStyleFile, kHelpStyle); }
-    bool writeIndex(const CTemplateData& catalogue) {
+    Outcome writeStyle() { return write(kStyleFile, kHelpStyle); }
+    Outcome writeIndex(const CTemplateData& catalogue) {
         std::string body = "<h1>" + escaped(catalogue.GetName()) + "</h1>\n\n";
         const std::string req = catalogue.GetEngReq();
         body += "<p>Version " + escaped(catalogue.GetVers()) + ", " + escaped(catalogue.GetDate()) +
@@ -280,7 +270,15 @@ private:
         return list + "</ul>\n";
     }
 
-    bool write(const std::string& name, const std::string& text) { return m_take(name, inTextMode(text)); }
+    Outcome write(const std::string& name, const std::string& text) { return m_take(name, inTextMode(text)); }
+    template <class List, class TextOf>
+    Outcome writeAll(const List& list, const TextOf& textOf) {
+        Outcome written;
+        for (auto each = list.begin(); written && each != list.end(); ++each) {
+            written = write(each->page, textOf(*each));
+        }
+        return written;
+    }
 
     PageSink m_take;
     KeyedMap<std::string, unsigned> m_taken;
@@ -294,37 +292,33 @@ private:
 // again that a power failure has cut, because it writes each that is not as it is to be, and no other.
 class PageWriter {
 public:
-    PageWriter(const std::string& folder, std::string* error) : m_folder(folder), m_error(error) {}
+    explicit PageWriter(const std::string& folder) : m_folder(folder) {}
     PageSink sink() {
         return [this](const std::string& name, const std::string& text) { return take(name, text); };
     }
     // After the last page: what has not been written yet.
-    bool finish() {
+    Outcome finish() {
         std::vector<FileContent> files;
         for (const auto& [path, text] : m_pages) {
             files.push_back({path, text, FileKind::Generated});
             files.back().flushed = false;
         }
-        const SafeWriteResult result = safeWrite(files);
+        Outcome written = safeWrite(files);
         m_pages.clear();
-        if (!result && m_error) {
-            *m_error = result.why();
-        }
-        return static_cast<bool>(result);
+        return written;
     }
 
 private:
-    bool take(const std::string& name, const std::string& text) {
+    Outcome take(const std::string& name, const std::string& text) {
         constexpr size_t kAtOnce = 250;  // each is an open file until they are written
         std::string path = m_folder + name;
         if (osFiles().isLink(path) || osFiles().readWhole(path) != text) {
             m_pages.emplace_back(std::move(path), text);
         }
-        return m_pages.size() < kAtOnce || finish();
+        return m_pages.size() < kAtOnce ? Outcome() : finish();
     }
 
     std::string m_folder;
-    std::string* m_error;
     std::vector<std::pair<std::string, std::string>> m_pages;  // path and text
 };
 
@@ -373,19 +367,22 @@ std::string editionMarks(const std::string& edition) {
     return marks + "\n";
 }
 
-bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    PageWriter writer(folder, error);
-    return Help(catalogue, writer.sink()).writeClasses() && writer.finish();
+Outcome writeClassPages(const CTemplateData& catalogue, const std::string& folder) {
+    PageWriter writer(folder);
+    const Outcome made = Help(catalogue, writer.sink()).writeClasses();
+    return made ? writer.finish() : made;
 }
 
-bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    PageWriter writer(folder, error);
-    return Help(catalogue, writer.sink()).writeScripts() && writer.finish();
+Outcome writeScriptPages(const CTemplateData& catalogue, const std::string& folder) {
+    PageWriter writer(folder);
+    const Outcome made = Help(catalogue, writer.sink()).writeScripts();
+    return made ? writer.finish() : made;
 }
 
-bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error) {
-    PageWriter writer(folder, error);
-    return makeHelp(catalogue, writer.sink()) && writer.finish();
+Outcome writeHelp(const CTemplateData& catalogue, const std::string& folder) {
+    PageWriter writer(folder);
+    const Outcome made = makeHelp(catalogue, writer.sink());
+    return made ? writer.finish() : made;
 }
 
 std::vector<std::string> pagesOfOthers(const std::string& folder, const KeyedSet<std::string>& names) {
@@ -403,9 +400,12 @@ std::vector<std::string> pagesOfOthers(const std::string& folder, const KeyedSet
     return others;
 }
 
-bool makeHelp(const CTemplateData& catalogue, const PageSink& take) {
+Outcome makeHelp(const CTemplateData& catalogue, const PageSink& take) {
     Help help(catalogue, take);
-    return help.writeStyle() && help.writeIndex(catalogue) && help.writeClasses() && help.writeScripts();
+    Outcome made = help.writeStyle();
+    made = made ? help.writeIndex(catalogue) : made;
+    made = made ? help.writeClasses() : made;
+    return made ? help.writeScripts() : made;
 }
 
 }  // namespace zoka

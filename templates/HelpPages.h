@@ -8,6 +8,7 @@
 
 #include "templates/TemplateData.h"
 #include "util/KeyedHash.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -17,16 +18,15 @@ inline constexpr const char* kStyleFile = "css.css";
 inline constexpr const char* kIndexFile = "index.htm";
 
 // `folder` ends with a separator and exists. Each writes its pages in catalogue order, every page whole, in
-// text mode, and stops at the first that can't be written: false, with the reason in `error` where that is
-// not null. A page that is there as it is to be is not written again. Texts of the catalogue are escaped for HTML.
-bool writeClassPages(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
-bool writeScriptPages(const CTemplateData& catalogue, const std::string& folder,
-                      std::string* error = nullptr);
+// text mode, and stops at the first that can't be written. A page that is there as it is to be is not written again.
+// Texts of the catalogue are escaped for HTML.
+Outcome writeClassPages(const CTemplateData& catalogue, const std::string& folder);
+Outcome writeScriptPages(const CTemplateData& catalogue, const std::string& folder);
 // The style sheet, the index that links all classes and scripts, and both kinds of pages.
-bool writeHelp(const CTemplateData& catalogue, const std::string& folder, std::string* error = nullptr);
-// The same for any taker of the files; false as soon as it returns false.
-using PageSink = std::function<bool(const std::string& name, const std::string& text)>;
-bool makeHelp(const CTemplateData& catalogue, const PageSink& take);
+Outcome writeHelp(const CTemplateData& catalogue, const std::string& folder);
+// The same for any taker of the files; its first refusal ends it.
+using PageSink = std::function<Outcome(const std::string& name, const std::string& text)>;
+Outcome makeHelp(const CTemplateData& catalogue, const PageSink& take);
 
 // The pages in `folder` (with a separator at its end) that an earlier run made and whose lowered names are not in
 // `names`: those of scripts and classes that are gone. Pages of other programs are left out.

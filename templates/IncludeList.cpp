@@ -95,7 +95,7 @@ Outcome readIncludes(const std::string& mainScriptPath, std::vector<std::string>
 }
 
 bool ReadIncludeList(const std::string& mainScriptPath, std::vector<std::string>& names) {
-    readIncludes(mainScriptPath, names);
+    static_cast<void>(readIncludes(mainScriptPath, names));
     return true;
 }
 
@@ -158,7 +158,7 @@ int InsertIncludes(CLex& lexer, const std::string& mainScriptPath, std::span<con
     if (!after || *after == before) {
         return 0;
     }
-    writeMainScript({mainScriptPath, before, *after}, change);
+    static_cast<void>(writeMainScript({mainScriptPath, before, *after}, change));  // the answer is the same
     return 1;
 }
 

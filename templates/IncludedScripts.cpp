@@ -52,16 +52,16 @@ std::vector<std::string> pathsOfIncludedScripts(ZunEditorInterface& host) {
     return paths;
 }
 
-void IncludedScripts::read() {
+Outcome IncludedScripts::read() {
     m_scripts.clear();
     m_byText.clear();
     m_byFile.clear();
     m_records.clear();
     m_needers.reset();
-    m_problem.clear();
+    Outcome found;
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
-        m_problem = readIncludes(*mainPath, names).why();
+        found = readIncludes(*mainPath, names);
     }
     for (std::string& name : names) {
         IncludedScript entry{name, name, {}};
@@ -79,6 +79,7 @@ void IncludedScripts::read() {
         m_byFile.try_emplace(lowered(name), m_scripts.size());
         m_scripts.push_back(std::move(entry));
     }
+    return found;
 }
 
 const IncludedScript* IncludedScripts::byText(const std::string& text) const {

@@ -11,6 +11,7 @@
 #include "plugin/host/ZunEditorInterface.h"
 #include "templates/TemplateData.h"
 #include "util/KeyedHash.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -37,10 +38,8 @@ public:
     IncludedScripts(ZunEditorInterface& host, const CTemplateData& catalogue)
         : m_host(host), m_catalogue(catalogue) {}
 
-    // Reads the include block again.
-    void read();
-    // Why the main script could not be read, in words for the user: the list is empty then; else empty.
-    const std::string& problem() const { return m_problem; }
+    // Reads the include block again. Refused where the main script can't be read: the list is empty then.
+    Outcome read();
     const std::vector<IncludedScript>& all() const { return m_scripts; }
     // The first entry of that text.
     const IncludedScript* byText(const std::string& text) const;
@@ -69,7 +68,6 @@ private:
     ZunEditorInterface& m_host;
     const CTemplateData& m_catalogue;
     std::vector<IncludedScript> m_scripts;
-    std::string m_problem;
     KeyedMap<std::string, size_t> m_byText;
     KeyedMap<std::string, size_t> m_byFile;  // lowered names
     std::unordered_set<std::uint32_t> m_records;

@@ -65,9 +65,6 @@ bool ScriptManagerSession::open(JobProgress* progress) {
         return false;
     }
     refresh();
-    if (!m_included.problem().empty()) {
-        m_prompt.tell(m_included.problem());
-    }
     return true;
 }
 
@@ -77,8 +74,17 @@ bool ScriptManagerSession::prepareSearch(JobProgress* progress) {
 }
 
 void ScriptManagerSession::refresh() {
-    m_included.read();
+    readIncluded();
     m_updatesListed = false;
+}
+
+// A main script that can't be read leaves the lists empty, which is told once.
+void ScriptManagerSession::readIncluded() {
+    const Outcome read = m_included.read();
+    if (!read && m_includedRead) {
+        m_prompt.tell(read.why());
+    }
+    m_includedRead = bool(read);
 }
 
 // --- Add
@@ -191,7 +197,7 @@ bool ScriptManagerSession::FindDependents(const std::string& title, std::vector<
     const bool loaded = !m_catalogue.IsEmpty();
     needCatalogue(nullptr);
     if (!loaded) {
-        m_included.read();
+        readIncluded();
     }
     const IncludedScript* const self = m_included.byText(title);
     std::string fileName;
@@ -324,7 +330,7 @@ void ScriptManagerSession::tellUpdated(bool ran) {
     if (ran && m_status.empty() && m_update.problems().empty()) {
         m_status = "Nothing had to be changed";
     }
-    m_included.read();
+    readIncluded();
 }
 
 void ScriptManagerSession::updateSelected(int index) {

@@ -137,6 +137,7 @@ public:
 
 private:
     void needCatalogue(JobProgress* progress);
+    void readIncluded();
     // Empty when all are found; else why one isn't, in words.
     std::string pathsOf(std::span<const std::uint32_t> records, std::vector<std::string>& paths) const;
     void tellUpdated(bool ran = true);
@@ -149,6 +150,7 @@ private:
     bool m_updatesListed = false;
     std::unique_ptr<ScriptSearch> m_search;
     IncludedScripts m_included;
+    bool m_includedRead = true;  // the last time
     std::string m_lastAdded = "<none>";
     std::string m_status;
 };

@@ -377,11 +377,11 @@ bool CTemplateData::WriteXML(const std::string& path) const {
 }
 
 bool CTemplateData::WriteHelpDocsByClass() const {
-    return zoka::writeClassPages(*this, zoka::kHelpFolder);
+    return bool(zoka::writeClassPages(*this, zoka::kHelpFolder));
 }
 
 bool CTemplateData::WriteHelpDocsByScript() const {
-    return zoka::writeScriptPages(*this, zoka::kHelpFolder);
+    return bool(zoka::writeScriptPages(*this, zoka::kHelpFolder));
 }
 
 bool CTemplateData::LoadScriptFromKEZ(const std::string& filename, std::string& errorText) {

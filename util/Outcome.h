@@ -8,13 +8,13 @@
 
 namespace zoka {
 
-// The reason, in words for the user. It is empty only where there was nothing to do.
+// The reason, in words for the user. It is empty only where there is nothing to tell: the user declined, or what asked goes.
 struct Refusal {
     std::string why;
 };
 
-// Done, or why not.
-class Outcome {
+// Done, or why not. Whoever asks must look at the answer.
+class [[nodiscard]] Outcome {
 public:
     Outcome() = default;
     Outcome(Refusal refusal) : m_done(false), m_why(std::move(refusal.why)) {}
@@ -34,7 +34,7 @@ private:
 
 // A value, or why there is none.
 template <typename Value>
-class Result {
+class [[nodiscard]] Result {
 public:
     Result(Value value) : m_held(std::move(value)) {}
     Result(Refusal refusal) : m_held(std::move(refusal)) {}

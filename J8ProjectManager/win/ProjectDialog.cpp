@@ -107,8 +107,8 @@ void ProjectDialog::run(const std::string& projectFile) {
 bool ProjectDialog::takeLoaded() {
     ProjectSession::Loaded loaded = m_load->take();
     m_isLoading = false;
-    if (!m_session.open(std::move(loaded))) {
-        userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
+    if (const Outcome opened = m_session.open(std::move(loaded)); !opened) {
+        userPrompt().ask(opened.why(), kTitle, PromptButtons::Ok, PromptIcon::Error);
         return false;
     }
     return true;
@@ -278,17 +278,17 @@ void ProjectDialog::save() {
         return;
     }
     m_session.leaveField();
-    if (m_session.save() == ProjectSave::Saved) {
+    if (m_session.save() == SaveResult::Saved) {
         setStatus("Saved: " + m_session.path());
     }
     showState();
 }
 
 void ProjectDialog::reload() {
-    if (m_session.reload()) {
+    if (const Outcome loaded = m_session.reload()) {
         setStatus("Loaded again");
-    } else if (!m_session.problem().empty()) {
-        userPrompt().ask(m_session.problem(), kTitle, PromptButtons::Ok, PromptIcon::Error);
+    } else if (!loaded.why().empty()) {
+        userPrompt().ask(loaded.why(), kTitle, PromptButtons::Ok, PromptIcon::Error);
     }
     showState();
 }

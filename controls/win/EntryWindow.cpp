@@ -363,9 +363,12 @@ void EntryWindow::refused(const std::string& why) {
 // The value is again what it was when the field got the keyboard.
 void EntryWindow::giveBack() {
     if (!m_differentAtFocus) {
-        m_panel.rows().setValue(m_row, m_atFocus, true);
+        set(m_atFocus, true);
     } else if (!model().isDifferent()) {
-        m_panel.rows().undo();  // what was typed is one step
+        // What was typed is one step.
+        if (const Result<size_t> undone = m_panel.rows().undo(); !undone) {
+            refused(undone.why());
+        }
     }
 }
 

@@ -86,7 +86,7 @@ TEST(RowEditing, ADifferentRowTakesOneValueAndGetsItsOwnBack) {
     EXPECT_FALSE(rows.setValue(3, ""));
     EXPECT_TRUE(rows.setValue(3, "4"));
     EXPECT_TRUE(rows.row(3).HasChanged());
-    rows.undo();
+    EXPECT_TRUE(rows.undo());
     EXPECT_THAT(rows.values(), ElementsAre("", "5", "1", "(different)", "", "calm"));
     EXPECT_FALSE(rows.row(3).HasChanged());
 }
@@ -94,13 +94,13 @@ TEST(RowEditing, ADifferentRowTakesOneValueAndGetsItsOwnBack) {
 TEST(RowEditing, ResetsAndTooltipsKnowTheStandardValue) {
     HeldRows rows;
     EXPECT_FALSE(rows.canReset(0, rows.size(), ResetTo::Loaded));
-    rows.setValue(2, "0");
-    rows.setValue(5, "storm");
+    EXPECT_TRUE(rows.setValue(2, "0"));
+    EXPECT_TRUE(rows.setValue(5, "storm"));
     EXPECT_EQ(rows.tooltip(1), "Depth\r\nDefault: 3");
     EXPECT_EQ(rows.tooltip(2), "Waves\r\nDefault: on\r\nSaved: on");
     EXPECT_EQ(rows.resetAll(ResetTo::Default), 2u);
     EXPECT_EQ(rows.row(2).value(), "1");
-    rows.setValue(2, "0");
+    EXPECT_TRUE(rows.setValue(2, "0"));
     EXPECT_EQ(rows.resetSection(4, ResetTo::Loaded), 1u);
     EXPECT_THAT(rows.values(), ElementsAre("", "3", "0", "(different)", "", "calm"));
     rows.refused = "1";

@@ -145,10 +145,10 @@ TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
     EXPECT_TRUE(m_panel.hasUnsaved());
     const std::vector<std::string> edited = shown();
     EXPECT_EQ(edited[4], "mass=95 changed");
-    m_panel.undo();
-    m_panel.undo();
+    EXPECT_TRUE(m_panel.undo());
+    EXPECT_TRUE(m_panel.undo());
     EXPECT_EQ(skill("a", 1), 3.0F);
-    m_panel.undo();
+    EXPECT_TRUE(m_panel.undo());
     EXPECT_EQ(shown()[4], "mass=90 changed");
     EXPECT_FALSE(m_panel.hasUnsaved());
     while (m_panel.redo()) {
@@ -159,7 +159,7 @@ TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
     EXPECT_EQ(shown()[4], "mass=80");
     EXPECT_EQ(m_panel.resetAll(ResetTo::Default), 4U);
     EXPECT_EQ(shown()[4], "mass=75 changed");
-    m_panel.undo();
+    EXPECT_TRUE(m_panel.undo());
     EXPECT_EQ(shown()[4], "mass=80");
     EXPECT_EQ(m_panel.copyText(0, m_panel.size()),
               "skill1 Speed = 7\r\nflag1 Lit = 0\r\nbody.mass = 80\r\nbody.solid = 0\r\nbody.stuff = wool\r\n"
@@ -198,7 +198,7 @@ TEST_F(BehaviorComponentsTest, showsAndTakesAllCharacters) {
     ASSERT_TRUE(m_panel.setValue(2, "\xE2\x82\xAC\xCE\xA9"));
     EXPECT_EQ(m_panel.copyText(2, 3), "\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1.\xCF\x87 = \xE2\x82\xAC\xCE\xA9\r\n");
     EXPECT_EQ(m_panel.paste("\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1.\xCF\x87 = \xCE\xA9\xCE\xA9").taken, 1U);
-    EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
+    EXPECT_EQ(m_panel.save(), SaveResult::Saved);
     EXPECT_THAT(saved(), HasSubstr("value=\"\xCE\xA9\xCE\xA9\""));
     select({"\xE4", "lost"});
     m_panel.refresh(true);
@@ -220,11 +220,11 @@ TEST_F(BehaviorComponentsTest, severalEntitiesGetTheValueAndEachItsOwnBack) {
                                      "mass=(different) changed", "solid=1", "stuff=wool blocked"));
     EXPECT_TRUE(m_panel.setValue(4, "80"));
     EXPECT_EQ(shown()[4], "mass=80 changed");
-    m_panel.undo();
+    EXPECT_TRUE(m_panel.undo());
     EXPECT_EQ(shown()[4], "mass=(different) changed");
     EXPECT_FALSE(m_panel.hasUnsaved());
-    m_panel.redo();
-    EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
+    EXPECT_TRUE(m_panel.redo());
+    EXPECT_EQ(m_panel.save(), SaveResult::Saved);
     // The two that inherit it have no edit of their own.
     const std::string text = saved();
     EXPECT_EQ(text.find("value=\"80\""), text.rfind("value=\"80\""));
@@ -245,9 +245,9 @@ TEST_F(BehaviorComponentsTest, marksAndResetsRowsThatDiffer) {
     EXPECT_EQ(m_panel.resetRow(1, ResetTo::Loaded), 1U);
     EXPECT_EQ(shown()[1], "Speed=(different)");
     EXPECT_EQ(skill("b", 1), 4.25F);
-    m_panel.undo();
+    EXPECT_TRUE(m_panel.undo());
     EXPECT_EQ(skill("b", 1), 6.0F);
-    m_panel.setValue(1, "7");
+    EXPECT_TRUE(m_panel.setValue(1, "7"));
     EXPECT_EQ(m_panel.resetRow(1, ResetTo::Loaded), 1U);
     EXPECT_EQ(skill("a", 1) + skill("b", 1) + skill("c", 1), 3 + 4.25F + 5);
     // What the behaviour gives the one and the component the other, before and after.
@@ -265,7 +265,7 @@ TEST_F(BehaviorComponentsTest, goesBackAndForthThroughAllEditsAndSavesThem) {
     const std::vector<std::string> before = shown();
     wander(m_panel, 20260304, 1000, [&](std::mt19937& random) {
         if (random() % 50 == 0) {
-            EXPECT_NE(m_panel.save(), ProjectSave::Cancelled);
+            EXPECT_NE(m_panel.save(), SaveResult::Cancelled);
         }
     });
     const std::vector<std::string> after = shown();
@@ -290,16 +290,16 @@ TEST_F(BehaviorComponentsTest, goesBackAndForthThroughAllEditsAndSavesThem) {
 }
 
 TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
-    EXPECT_EQ(m_panel.save(), ProjectSave::NothingToSave);
+    EXPECT_EQ(m_panel.save(), SaveResult::NothingToSave);
     EXPECT_TRUE(m_panel.close());
-    m_panel.setValue(4, "50");
-    m_panel.setValue(1, "8");
-    EXPECT_EQ(m_panel.save(), ProjectSave::Saved);
+    EXPECT_TRUE(m_panel.setValue(4, "50"));
+    EXPECT_TRUE(m_panel.setValue(1, "8"));
+    EXPECT_EQ(m_panel.save(), SaveResult::Saved);
     EXPECT_FALSE(m_panel.hasUnsaved());
     EXPECT_THAT(saved(), HasSubstr("value=\"50\""));
     EXPECT_EQ(shown()[4], "mass=50 changed");
-    m_panel.undo();
-    m_panel.undo();
+    EXPECT_TRUE(m_panel.undo());
+    EXPECT_TRUE(m_panel.undo());
     EXPECT_EQ(shown()[4], "mass=90 changed");
     EXPECT_EQ(skill("a", 1), 3.0F);
     EXPECT_TRUE(m_panel.hasUnsaved());
@@ -374,7 +374,7 @@ TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) 
         if (row.closes) {
             EXPECT_EQ(panel->close(), row.goesOn);
         } else {
-            EXPECT_EQ(panel->save() != ProjectSave::Cancelled, row.goesOn);
+            EXPECT_EQ(panel->save() != SaveResult::Cancelled, row.goesOn);
             EXPECT_EQ(panel->otherProjectOpen(), !row.goesOn);
             EXPECT_EQ(panel->hasUnsaved(), !row.goesOn);
             if (row.goesOn) {
@@ -398,12 +398,12 @@ TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) 
     writeMass("44");
     m_panel.refresh(true);
     EXPECT_EQ(shown()[4], "mass=44 changed");
-    m_panel.setValue(5, "0");
+    EXPECT_TRUE(m_panel.setValue(5, "0"));
     m_folder.write("main.xml", "<!-- new -->" + saved());
     m_panel.refresh(true);
     EXPECT_EQ(shown()[5], "solid=0 changed");
     m_prompt.answers.push_back(PromptAnswer::Cancel);
-    EXPECT_EQ(m_panel.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(m_panel.save(), SaveResult::Cancelled);
     EXPECT_TRUE(m_panel.hasUnsaved());
     // An entity that is gone takes no edits.
     m_entities.entities.erase("a");

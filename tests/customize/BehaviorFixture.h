@@ -74,10 +74,10 @@ void wander(BehaviorSession& panel, unsigned seed, int rounds, const Look& look)
         const std::string value = std::to_string(below(12));
         switch (below(8)) {
             case 0:
-                panel.undo();
+                static_cast<void>(panel.undo());
                 break;
             case 1:
-                panel.redo();
+                static_cast<void>(panel.redo());
                 break;
             case 2:
                 panel.resetRow(row, below(2) == 0 ? ResetTo::Default : ResetTo::Loaded);
@@ -87,7 +87,7 @@ void wander(BehaviorSession& panel, unsigned seed, int rounds, const Look& look)
                             "\nlight.color = #00000" + value);
                 break;
             default:
-                panel.setValue(row, value, below(2) == 0);
+                static_cast<void>(panel.setValue(row, value, below(2) == 0));
                 break;
         }
         look(random);

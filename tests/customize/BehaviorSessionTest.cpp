@@ -33,11 +33,11 @@ TEST_F(BehaviorSessionTest, showsAndWritesTheEntitysValuesAtOnce) {
         EXPECT_NE(m_session.setValue(1, bad).why(), "") << bad;
         EXPECT_EQ(skill("a", 1), 4.5F);
     }
-    m_session.undo();
-    m_session.undo();
+    EXPECT_TRUE(m_session.undo());
+    EXPECT_TRUE(m_session.undo());
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=3", "Lit=0"));
     EXPECT_EQ(skill("a", 1), 3.0F);
-    m_session.redo();
+    EXPECT_TRUE(m_session.redo());
     EXPECT_EQ(skill("a", 1), 4.5F);
     EXPECT_EQ(m_session.resetAll(ResetTo::Default), 2U);
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=2", "Lit=1"));
@@ -51,13 +51,13 @@ TEST_F(BehaviorSessionTest, showsWhatSeveralEntitiesShareAndRestoresEachOnesOwn)
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=(different)", "Lit=0"));
     EXPECT_TRUE(m_session.setValue(1, "7"));
     EXPECT_EQ(skill("a", 1) + skill("b", 1), 14.0F);
-    m_session.undo();
+    EXPECT_TRUE(m_session.undo());
     EXPECT_EQ(skill("a", 1), 3.0F);
     EXPECT_EQ(skill("b", 1), 4.25F);
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=(different)", "Lit=0"));
     EXPECT_TRUE(m_session.setValue(1, "0"));
     EXPECT_EQ(skill("a", 1) + skill("b", 1), 0.0F);
-    m_session.undo();
+    EXPECT_TRUE(m_session.undo());
     // Of two actions: the value that both have, within both limits.
     follow({"a", "c"});
     EXPECT_THAT(shown(), ElementsAre("Legs=", "Speed=(different)"));
@@ -176,7 +176,7 @@ TEST_F(BehaviorSessionTest, copiesLinesAndPastesThoseThatFit) {
                             HasSubstr("skill1 = 30  (30 is too large")));
     EXPECT_EQ(skill("c", 1), 8.0F);
     EXPECT_EQ(skill("c", 2), 4.0F);
-    m_session.undo();
+    EXPECT_TRUE(m_session.undo());
     EXPECT_EQ(skill("c", 1), 5.0F);
     EXPECT_EQ(skill("c", 2), 0.0F);
 }
@@ -250,7 +250,7 @@ TEST_F(BehaviorSessionTest, tellsOfValuesOutsideTheirLimits) {
     follow({"c"});
     EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=nan"));
     EXPECT_TRUE(m_session.setValue(1, "4"));
-    m_session.undo();
+    EXPECT_TRUE(m_session.undo());
     EXPECT_THAT(shown(), ElementsAre("Speed=5", "Time=nan"));
     EXPECT_EQ(m_session.changedCount(), 0U);
     m_entities.entities["b"].skills[0] = 12;
@@ -352,7 +352,7 @@ TEST_F(BehaviorSessionTest, resetsToWhatWasReadLater) {
     m_entities.fails = nullptr;
     m_session.refresh(true);
     EXPECT_EQ(shown()[1], "Speed=3");
-    m_session.setValue(1, "7");
+    EXPECT_TRUE(m_session.setValue(1, "7"));
     m_session.resetRow(1, ResetTo::Loaded);
     EXPECT_EQ(skill("a", 1), 3.0F);
 }

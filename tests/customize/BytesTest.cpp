@@ -144,7 +144,7 @@ TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
     for (const auto& row : rows) {
         ScriptRows panel = panelOf(row.before);
         for (size_t i = 0; i < panel.size(); ++i) {
-            panel.row(i).edit(panel.row(i).isOn() ? "0" : "1");
+            static_cast<void>(panel.row(i).edit(panel.row(i).isOn() ? "0" : "1"));
         }
         EXPECT_EQ(savedText(panel), row.after);
     }
@@ -152,8 +152,8 @@ TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
 
 TEST(WriteBack, OverlappingAndBackwardSpansAreRefused) {
     ScriptRows panel = panelOf("// entry: A\nvar x = 10;\n// entry: B\nvar y = 20;\n");
-    panel.row(0).edit("1");
-    panel.row(1).edit("2");
+    EXPECT_TRUE(panel.row(0).edit("1"));
+    EXPECT_TRUE(panel.row(1).edit("2"));
     panel.script.entries[1].valueStart = panel.script.entries[0].valueStart + 1;
     EXPECT_EQ(editFault(panel.script, editsOf(panel.script)),
               "The value of \"B\" (line 3) lies within what another change replaces.");
@@ -167,10 +167,10 @@ TEST(WriteBack, LineChangesShowWholeLinesOnce) {
         "// entry: A\r\nvar x = 1; // one\r\n// enable: B\r\n//define B;\r\n// entry_text: 3, 90, C\r\ns = "
         "\"a\r\nb\";\r\n"
         "// entry: D\r\nvar d = 4;");
-    panel.row(0).edit("2");
-    panel.row(1).edit("1");
-    panel.row(2).edit("c");
-    panel.row(3).edit("5");
+    EXPECT_TRUE(panel.row(0).edit("2"));
+    EXPECT_TRUE(panel.row(1).edit("1"));
+    EXPECT_TRUE(panel.row(2).edit("c"));
+    EXPECT_TRUE(panel.row(3).edit("5"));
     std::string text;
     for (const LineChange& one : lineChanges(panel.script.fileText(), editsOf(panel.script))) {
         text += std::to_string(one.line) + '{' + one.before + "}{" + one.after + '}';

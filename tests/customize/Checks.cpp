@@ -43,7 +43,7 @@ std::string scriptFault(const std::string& text, unsigned seed) {
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = script.entries[i];
         if (entry.hasValue() && random() % 4 != 0) {
-            panel.row(i).edit(otherValue(panel.row(i), random));
+            static_cast<void>(panel.row(i).edit(otherValue(panel.row(i), random)));
         }
         uncertain = uncertain || (entry.kind == kEnable && panel.row(i).HasChanged()) ||
                     (entry.kind >= kEntryEntity && entry.value.starts_with('<'));

@@ -242,7 +242,7 @@ TEST_F(Session, RandomEditsThroughThePanelSaveReadBackAndReverse) {
         open(bytes);
         for (size_t i = 0; i < session.size(); ++i) {
             if (session.entry(i).hasValue()) {
-                session.setValue(i, otherValue(session.row(i), random));
+                static_cast<void>(session.setValue(i, otherValue(session.row(i), random)));
             }
         }
         if (session.changedCount() == 0) {

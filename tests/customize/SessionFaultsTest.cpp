@@ -83,7 +83,7 @@ TEST_F(Session, FaultsAreToldLeaveWholeFilesAndTheNextTryWorks) {
         if (row.action == Save && row.newScript) {
             set("Range", "12");
         }
-        EXPECT_TRUE(act()) << session.problem();
+        EXPECT_TRUE(act());
         EXPECT_TRUE(project.read("s.kez.zoka").starts_with("1\n") || row.action == Restore);
     }
 }
@@ -128,7 +128,7 @@ TEST_F(Session, EveryFaultOfTheDiskLeavesTheOldScriptOrTheNew) {
             EXPECT_EQ(session.changedCount(), isNew ? 0u : *lamp == '1' ? 2u : 1u) << failing;
             if (result == SaveResult::Failed) {
                 EXPECT_EQ(prompt.asked.size(), 1u) << failing;
-                EXPECT_NE(session.problem(), "") << failing;
+                EXPECT_NE(result.why(), "") << failing;
             }
             for (const std::string& name : project.names()) {
                 EXPECT_FALSE(name.ends_with(".tmp")) << name;

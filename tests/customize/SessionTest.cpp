@@ -14,8 +14,8 @@ TEST_F(Session, OpensTheMainScriptWithoutAName) {
         EXPECT_FALSE(session.restore() || session.update());
         EXPECT_EQ(disk.operations(), 0);
     }
-    EXPECT_FALSE(session.open(project.path("none.kez")));
-    EXPECT_THAT(session.problem(), HasSubstr("none.kez"));
+    EXPECT_THAT(session.open(project.path("none.kez")).why(), HasSubstr("none.kez"));
+    EXPECT_THAT(session.emptyText(), HasSubstr("none.kez"));
     project.write("main.kez", kOld);
     ASSERT_TRUE(session.open());
     EXPECT_EQ(session.script().scriptPath, project.path("main.kez"));
@@ -45,8 +45,8 @@ TEST_F(Session, ManyLinesBelowOneLongSwitchAreRefusedBeforeTheyFillTheMemory) {
     };
     EXPECT_TRUE(session.open(project.write("many.kez", script(40, 6000))));
     EXPECT_EQ(session.size(), 6000u);
-    EXPECT_FALSE(session.open(project.write("large.kez", script(90000, 6000))));
-    EXPECT_THAT(session.problem(), HasSubstr("it is too large to be customized: more than "));
+    EXPECT_THAT(session.open(project.write("large.kez", script(90000, 6000))).why(),
+                HasSubstr("it is too large to be customized: more than "));
     EXPECT_EQ(session.size(), 6000u) << "the script before stays";
 }
 
@@ -65,7 +65,7 @@ TEST_F(Session, OpeningCanBeStoppedAtEachStep) {
     int steps = 0;
     for (bool opened = false; !opened && steps < 100; ++steps) {
         stop.left = steps;
-        opened = panel.open(path);
+        opened = bool(panel.open(path));
         EXPECT_EQ(panel.script().scriptPath, opened ? path : project.path("a.kez"));
         EXPECT_EQ(panel.size(), opened ? 7u : 1u);
         EXPECT_EQ(panel.row(panel.size() - 1).value(), opened ? "me" : "1");
@@ -129,11 +129,11 @@ TEST_F(Session, ResetsGoToTheValueLoadedOrTheTemplates) {
     EXPECT_EQ(value("Gone"), "b");
     EXPECT_EQ(session.resetAll(ResetTo::Default), 3u);
     EXPECT_EQ(value("Who"), "you");
-    session.undo();
+    EXPECT_TRUE(session.undo());
     EXPECT_EQ(value("Who"), "me");
-    session.undo();
+    EXPECT_TRUE(session.undo());
     EXPECT_EQ(value("Lamp"), "1");
-    session.redo();
+    EXPECT_TRUE(session.redo());
     EXPECT_EQ(value("Lamp"), "0");
     EXPECT_EQ(session.tooltip(rowOf("Range")), "Range\r\nDefault: 20\r\nallowed: 0 to 200\r\nid 1\r\nline 3");
     EXPECT_EQ(session.placeInScript(rowOf("Range")), project.path("s.kez") + ":3");
@@ -176,8 +176,8 @@ TEST_F(Session, WholeNumbersStayWholeOnTheirWayThroughNegativeOnes) {
     ASSERT_EQ(session.save(), SaveResult::Saved);
     EXPECT_EQ(session.row(0).step(), 1);
     EXPECT_EQ(session.row(0).stepped(5), "2");
-    session.undo();
-    session.undo();
+    EXPECT_TRUE(session.undo());
+    EXPECT_TRUE(session.undo());
     EXPECT_EQ(value("Depth"), "14");
     EXPECT_EQ(value("Old"), "99");  // undone, though only loading allowed it
     ASSERT_EQ(session.save(), SaveResult::Saved);

@@ -43,7 +43,7 @@ struct ValueFile : testing::Test {
 
 TEST_F(ValueFile, HoldsTheRecordsOfEntriesWithAnId) {
     load(kScript);
-    panel.row(0).edit("8");
+    EXPECT_TRUE(panel.row(0).edit("8"));
     ASSERT_TRUE(WriteValueFile(panel.script, false, prompt));
     EXPECT_EQ(folder.read("s.kez.zoka"), "1\n3\n260801\n\n4\n11\n5\n\n7\n14\nx\n\n4\n11\n6\n\n");
     ASSERT_TRUE(WriteValueFile(panel.script, true, prompt));

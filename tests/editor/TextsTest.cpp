@@ -13,14 +13,12 @@ using testing::EndsWith;
 using testing::StartsWith;
 
 TEST(LevelMap, readsWhatIsNamedAndWritesItBackEqual) {
-    std::string error;
     const auto level = readLevelMap(
         "// a level\r\nlevel 1\r\nentity a\r\n  //the  first \r\n action s.kez walk\r\n position 1 -2.5 "
         "3\r\n skill 1 0.1\r\n "
         "skill 20 7\n"
-        " flag 8\n flag 1\nend\n// then\nentity b\nend\n//",
-        error);
-    ASSERT_TRUE(level) << error;
+        " flag 8\n flag 1\nend\n// then\nentity b\nend\n//");
+    ASSERT_TRUE(level) << level.why();
     ASSERT_EQ(level->entities.size(), 2U);
     const LevelEntity& a = level->entities[0];
     EXPECT_EQ(a.script + " " + a.action, "s.kez walk");
@@ -31,8 +29,8 @@ TEST(LevelMap, readsWhatIsNamedAndWritesItBackEqual) {
     EXPECT_EQ(level->entities[1].flags, 0U);
 
     const std::string written = writeLevelMap(*level);
-    const auto again = readLevelMap(written, error);
-    ASSERT_TRUE(again) << error;
+    const auto again = readLevelMap(written);
+    ASSERT_TRUE(again) << again.why();
     EXPECT_EQ(again->entities[0].skills, a.skills);
     EXPECT_THAT(written, StartsWith("level 1\r\n\r\n// a level\r\n//the  first\r\nentity a\r\n"));
     EXPECT_THAT(written,
@@ -60,9 +58,7 @@ TEST(LevelMap, saysWhatIsWrongAndWhere) {
         {"level 1\nentity a\nsize 3", "line 3: unknown word \"size\""},
     };
     for (const auto& row : rows) {
-        std::string error;
-        EXPECT_FALSE(readLevelMap(row.text, error)) << row.text;
-        EXPECT_EQ(error, row.error) << row.text;
+        EXPECT_EQ(readLevelMap(row.text).why(), row.error) << row.text;
     }
 }
 
@@ -131,18 +127,16 @@ TEST(LevelEdit, changesOneValueAndNoOtherByte) {
         const auto edited = withLevelValue(text, row.change);
         ASSERT_TRUE(edited);
         EXPECT_EQ(*edited, expected);
-        std::string error;
-        EXPECT_TRUE(readLevelMap(*edited, error)) << error;
+        EXPECT_EQ(readLevelMap(*edited).why(), "");
     }
     EXPECT_FALSE(withLevelValue(text, {"c", true, 1, 1}));
 }
 
 TEST(DriveScript, splitsWordsAndPutsInValues) {
-    DriveScript script;
-    std::string error;
-    ASSERT_TRUE(readDriveScript("# comment\n\n click \"a \"\"b\"\" c\"\tx#y\r\nopen ${DIR}\\s\nprint \"\"",
-                                {{"DIR", "C:\\a b"}}, script, error))
-        << error;
+    const auto read = readDriveScript(
+        "# comment\n\n click \"a \"\"b\"\" c\"\tx#y\r\nopen ${DIR}\\s\nprint \"\"", {{"DIR", "C:\\a b"}});
+    ASSERT_TRUE(read) << read.why();
+    const DriveScript& script = *read;
     ASSERT_EQ(script.lines.size(), 3U);
     EXPECT_EQ(script.lines[0].number, 3);
     EXPECT_THAT(script.lines[0].words, ElementsAre("click", "a \"b\" c", "x#y"));
@@ -151,9 +145,9 @@ TEST(DriveScript, splitsWordsAndPutsInValues) {
 }
 
 TEST(DriveScript, pairsNestedRepeats) {
-    DriveScript script;
-    std::string error;
-    ASSERT_TRUE(readDriveScript("repeat 2\nrepeat 3\nclick a\nend\nend", {}, script, error)) << error;
+    const auto read = readDriveScript("repeat 2\nrepeat 3\nclick a\nend\nend", {});
+    ASSERT_TRUE(read) << read.why();
+    const DriveScript& script = *read;
     EXPECT_EQ(script.lines[0].times, 2);
     EXPECT_EQ(script.lines[0].partner, 4U);
     EXPECT_EQ(script.lines[3].partner, 1U);
@@ -175,10 +169,7 @@ TEST(DriveScript, saysWhatIsWrongAndWhere) {
         {"end", "1: end without repeat"},
     };
     for (const auto& row : rows) {
-        DriveScript script;
-        std::string error;
-        EXPECT_FALSE(readDriveScript(row.text, {}, script, error)) << row.text;
-        EXPECT_EQ(error, row.error) << row.text;
+        EXPECT_EQ(readDriveScript(row.text, {}).why(), row.error) << row.text;
     }
 }
 

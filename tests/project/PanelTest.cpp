@@ -44,7 +44,8 @@ protected:
         folder.write("b.xml", kBehaviors);
         folder.write("c.xml", kComponents);
         session.writesStepReport = false;
-        EXPECT_TRUE(session.open(project(kElements))) << session.problem();
+        const zoka::Outcome opened = session.open(project(kElements));
+        EXPECT_TRUE(opened) << opened.why();
     }
     size_t rowOf(const std::string& label) {
         for (size_t i = 0; i < panel.size(); ++i) {
@@ -217,7 +218,7 @@ TEST_F(ProjectPanelTest, WhatDiffersFromTheFileStaysMarked) {
     panel.showLevel(1);
     EXPECT_EQ(panel.changedCount(), 0u);
 
-    ASSERT_EQ(session.save(), ProjectSave::Saved);
+    ASSERT_EQ(session.save(), SaveResult::Saved);
     panel.showEntity(1, 0);
     EXPECT_FALSE(panel.row(rowOf("Name")).HasChanged()) << "saved";
     for (int i = 0; i < 6; ++i) {

@@ -12,9 +12,9 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using zoka::ProjectField;
-using zoka::ProjectSave;
 using zoka::ProjectSession;
 using zoka::PromptAnswer;
+using zoka::SaveResult;
 using Kind = zoka::ProjectField::Kind;
 
 namespace {
@@ -44,7 +44,8 @@ protected:
         folder.write("c.xml", kComponents);
         path = project(kElements);
         session.writesStepReport = false;
-        EXPECT_TRUE(session.open(path)) << session.problem();
+        const zoka::Outcome opened = session.open(path);
+        EXPECT_TRUE(opened) << opened.why();
     }
     bool set(const std::string& address, std::optional<std::string> value, bool typing = false) {
         const auto field = zoka::fieldAt(manager, address);
@@ -245,7 +246,8 @@ TEST_F(ProjectSessionTest, LevelsAndEntitiesMoveAndComeBack) {
                     field.level = level;
                     field.entity = below(entities);
                     field.num = 1 + static_cast<int>(below(3));
-                    session.setValue(field, random() % 3 ? std::optional<std::string>("1") : std::nullopt);
+                    static_cast<void>(session.setValue(
+                        field, random() % 3 ? std::optional<std::string>("1") : std::nullopt));
                 }
         }
     }
@@ -257,7 +259,7 @@ TEST_F(ProjectSessionTest, LevelsAndEntitiesMoveAndComeBack) {
     while (session.redo()) {
     }
     EXPECT_EQ(all(), after);
-    ASSERT_EQ(session.save(), ProjectSave::Saved);
+    ASSERT_EQ(session.save(), SaveResult::Saved);
     EXPECT_EQ(all(), after);
     while (session.undo()) {
     }
@@ -296,18 +298,18 @@ TEST_F(ProjectSessionTest, SaveTellsWhatItLosesAndKeepsACopy) {
                                   "15: the attribute sky=\"blue\" of <Level name=\"c\" sky=\"blue\">",
                                   "16: <Fog depth=\"2\"> and what is in it",
                                   "17: <Behavior proj_file=\"gone.xml\">"));
-    EXPECT_EQ(session.save(), ProjectSave::NothingToSave);
+    EXPECT_EQ(session.save(), SaveResult::NothingToSave);
     ASSERT_TRUE(set("name", "New"));
     prompt.answers = {PromptAnswer::No};
-    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_EQ(folder.read("game.xml"), old);
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_THAT(prompt.asked.back().text, HasSubstr("line 16: <Fog depth=\"2\"> and what is in it\n"));
     EXPECT_EQ(folder.read("game.xml.1.bak"), old);
     EXPECT_TRUE(session.losses().empty());
     ASSERT_TRUE(set("name", "Newer"));
-    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_EQ(folder.read("game.xml.2.bak"), "<missing>") << "nothing was lost";
 }
 
@@ -429,9 +431,9 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     touch();
     const std::string theirs = folder.read("game.xml");
     prompt.answers = {PromptAnswer::Cancel, PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_EQ(folder.read("game.xml"), theirs);
-    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_EQ(get("level/harbour/doc"), "mine");
     EXPECT_EQ(manager.m_apLevels[0].m_name, "theirs");
     EXPECT_EQ(get("name"), "Game");
@@ -451,19 +453,20 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     touch();
     const std::string lost = folder.read("game.xml");
     prompt.answers = {PromptAnswer::No};
-    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_EQ(folder.read("game.xml.1.bak"), lost) << "what is overwritten is kept";
 
     ASSERT_TRUE(set("level/harbour/doc", "third"));
     folder.write("game.xml", "<Project><Level name='other'/></Project>");
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), ProjectSave::Failed);
-    EXPECT_THAT(session.problem(), HasSubstr("project file as it is now:\n\nlevel/harbour/doc = third\n"));
+    const SaveResult refused = session.save();
+    EXPECT_EQ(refused, SaveResult::Failed);
+    EXPECT_THAT(refused.why(), HasSubstr("project file as it is now:\n\nlevel/harbour/doc = third\n"));
     EXPECT_EQ(get("level/harbour/doc"), "third") << "what finds no place is not lost";
     folder.write("game.xml", "<Project");
     ASSERT_TRUE(set("name", "x"));
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), ProjectSave::Failed);
+    EXPECT_EQ(session.save(), SaveResult::Failed);
     EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
 }
 
@@ -473,14 +476,14 @@ TEST_F(ProjectSessionTest, WhatIsWrittenWhileAQuestionStandsIsAskedAbout) {
     const std::string theirs = folder.read("game.xml") + "<!-- theirs -->";
     prompt.whenAsked = [&] { folder.write("game.xml", theirs); };
     prompt.answers = {PromptAnswer::Yes, PromptAnswer::Cancel};
-    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_EQ(folder.read("game.xml"), theirs);
     EXPECT_THAT(prompt.asked.back().text, HasSubstr("changed by another program"));
 
     prompt.whenAsked = nullptr;
     session.asksAboutOthersChanges = false;
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_THAT(prompt.asked.back().text, HasSubstr("the comment \"theirs\"")) << "taken over unasked";
 }
 
@@ -491,7 +494,7 @@ TEST_F(ProjectSessionTest, PagesHearOfANewModelBeforeAnythingIsAsked) {
     ASSERT_TRUE(set("name", "x"));
     folder.write("game.xml", folder.read("game.xml") + "\n");
     prompt.answers = {PromptAnswer::Yes, PromptAnswer::No};
-    EXPECT_EQ(session.save(), ProjectSave::Cancelled);
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_THAT(asked, ElementsAre(0, 1)) << "by open, and between the two questions";
     EXPECT_EQ(get("name"), "x");
 }
@@ -509,12 +512,14 @@ TEST_F(ProjectSessionTest, AFailedReloadLeavesEverything) {
             folder.write("game.xml", row.file);
         }
         prompt.answers = {PromptAnswer::Yes};
-        EXPECT_FALSE(session.reload());
-        EXPECT_THAT(session.problem(), HasSubstr(row.why));
+        const zoka::Outcome failed = session.reload();
+        EXPECT_FALSE(failed);
+        EXPECT_THAT(failed.why(), HasSubstr(row.why));
         EXPECT_EQ(all(), before);
         prompt.answers = {PromptAnswer::No};
-        EXPECT_FALSE(session.reload());
-        EXPECT_EQ(session.problem(), "") << "nothing failed: the user kept the changes";
+        const zoka::Outcome declined = session.reload();
+        EXPECT_FALSE(declined);
+        EXPECT_EQ(declined.why(), "") << "nothing failed: the user kept the changes";
     }
     EXPECT_TRUE(session.undo());
     EXPECT_EQ(get("level/harbour/doc"), "by the sea");
@@ -533,8 +538,7 @@ TEST_F(ProjectSessionTest, CloseAndReloadAsk) {
     ASSERT_TRUE(set("name", "x"));
     folder.write("game.xml", "<Project");
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_FALSE(session.reload());
-    EXPECT_THAT(session.problem(), HasSubstr("game.xml:1:"));
+    EXPECT_THAT(session.reload().why(), HasSubstr("game.xml:1:"));
     EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
 }
 
@@ -548,7 +552,7 @@ TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
                                  cafe + "'><Doc>a</Doc></Level></Project>");
     for (const XMLCharset set : {XMLCharset::Platform, XMLCharset::Utf8}) {
         zoka::setXmlCharset(set);
-        EXPECT_TRUE(session.open(file)) << session.problem();
+        EXPECT_TRUE(session.open(file));
         EXPECT_EQ(get("name"), cafe);
         EXPECT_EQ(get("level/" + cafe + "/doc"), "a");
         const std::string text = ProjectSession::problemsText(session.problems());
@@ -558,7 +562,7 @@ TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
         EXPECT_THAT(session.changesText(), HasSubstr("<Doc>" + cafe + "</Doc>"));
     }
     prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), ProjectSave::Saved);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_THAT(prompt.texts().back(), HasSubstr("\"" + inFile + "\""));
     EXPECT_THAT(folder.read(inFile), HasSubstr("<Doc>" + cafe + "</Doc>"));
     EXPECT_THAT(session.changesText(), testing::Not(HasSubstr("\xEF\xBB\xBF"))) << "no window shows a mark";
@@ -574,15 +578,15 @@ TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
         ASSERT_TRUE(set("name", "x"));
         prompt.answers = {PromptAnswer::Yes};
         zoka::test::FaultyOsFiles faulty(zoka::test::FaultyOsFiles::nth(failing));
-        const ProjectSave saved = session.save();
+        const SaveResult saved = session.save();
         prompt.answers.clear();
         const std::string now = folder.read("game.xml");
         if (faulty.operations() < failing) {
-            EXPECT_EQ(saved, ProjectSave::Saved);
+            EXPECT_EQ(saved, SaveResult::Saved);
             break;
         }
         EXPECT_TRUE(now == old || now.find("name=\"x\"") != now.npos) << failing << "\n" << now;
-        EXPECT_TRUE(saved == ProjectSave::Saved || !session.problem().empty()) << failing;
+        EXPECT_TRUE(saved == SaveResult::Saved || !saved.why().empty()) << failing;
         EXPECT_EQ(get("name"), "x") << "operation " << failing << " cost the edit";
         EXPECT_TRUE(session.undo());
         EXPECT_EQ(get("name"), "Game") << failing;
@@ -598,8 +602,7 @@ TEST_F(ProjectSessionTest, AFileThatCannotBeWrittenGetsNoCopy) {
         zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
             return op == "openExisting" && file == path;
         });
-        EXPECT_EQ(session.save(), ProjectSave::Failed);
+        EXPECT_THAT(session.save().why(), HasSubstr("Can't write '" + path + "'"));
     }
-    EXPECT_THAT(session.problem(), HasSubstr("Can't write '" + path + "'"));
     EXPECT_EQ(folder.read("game.xml.1.bak"), "<missing>");
 }

@@ -1,6 +1,7 @@
 // The help pages, byte for byte, and their names and links.
 #include "templates/HelpPages.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -135,15 +136,13 @@ TEST(HelpPages, NamesAreFileNamesAndUnique) {
 
 TEST(HelpPages, StopAtThePageThatCannotBeWritten) {
     CTemplateData data;
-    EXPECT_TRUE(writeHelp(CTemplateData(), TempFolder().path() + "\\none\\") == false);
+    EXPECT_FALSE(writeHelp(CTemplateData(), TempFolder().path() + "\\none\\"));
     for (const char* name : {"a", "b", "c"}) {
         data.AddScript(script(name, "f.kez", name));
     }
     const TempFolder folder;
     std::filesystem::create_directory(folder.native("b.htm"));
-    std::string error;
-    EXPECT_FALSE(writeScriptPages(data, folder.path() + "\\", &error));
-    EXPECT_FALSE(error.empty());
+    EXPECT_THAT(writeScriptPages(data, folder.path() + "\\").why(), testing::HasSubstr("b.htm"));
     EXPECT_EQ(folder.names(), (Names{"a.htm", "b.htm"}));
     data.Empty();
     data.AddScript(script("x", "x.kez", "C", "INTERNAL"));
@@ -196,12 +195,12 @@ TEST(HelpPages, CharactersBeyondAsciiAreReferencesAndDevicesAreNoPages) {
     elm.m_note = "caf\xC3\xA9 \xE2\x82\xAC";  // UTF-8
     data.AddScript(elm);
     std::string page;
-    makeHelp(data, [&page](const std::string& name, const std::string& text) {
+    EXPECT_TRUE(makeHelp(data, [&page](const std::string& name, const std::string& text) {
         if (name == "_con.htm") {
             page = text;
         }
-        return true;
-    });
+        return Outcome();
+    }));
     EXPECT_NE(page.find("caf&#233; &#8364;"), std::string::npos);
     EXPECT_NE(page.find(inTextMode("<h3>Remarks:</h3>\ncaf&#233; &#8364;")), std::string::npos);
     EXPECT_EQ(std::count_if(page.begin(), page.end(), [](char c) { return (c & 0x80) != 0; }), 0);

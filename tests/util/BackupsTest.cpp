@@ -34,7 +34,7 @@ TEST(Backups, OneThatCantBeMadeCostsNoOlderOne) {
     const TempFolder folder;
     const std::string path = folder.path("fog.kez");
     for (int i = 1; i <= 10; ++i) {
-        keepBackup(path, std::to_string(i));
+        ASSERT_TRUE(keepBackup(path, std::to_string(i)));
     }
     const auto before = folder.names();
     const test::FaultyOsFiles full(test::FaultyOsFiles::every("write"));

@@ -291,7 +291,7 @@ ExitStatus writePages(const PagesOptions& options) {
     const std::string folder = suitePath(options.output) + "\\";
     KeyedSet<std::string> names;
     bool readable = true;
-    makeHelp(catalogue, [&](const std::string& name, const std::string& text) {
+    const auto look = [&](const std::string& name, const std::string& text) {
         names.insert(lowered(name));
         if (options.dryRun) {
             const std::string path = folder + name, shown = givenPath(path);
@@ -301,8 +301,11 @@ ExitStatus writePages(const PagesOptions& options) {
                 printPatch(unifiedDifference(*before, text, shown, shown));
             }
         }
-        return true;
-    });
+        return Outcome();
+    };
+    if (!makeHelp(catalogue, look)) {
+        return ExitStatus::Failed;
+    }
     const std::vector<std::string> gone = pagesOfOthers(folder, names);
     if (options.dryRun) {
         for (const std::string& page : gone) {
@@ -311,9 +314,8 @@ ExitStatus writePages(const PagesOptions& options) {
         return readable ? ExitStatus::Done : ExitStatus::Failed;
     }
     osFiles().makeFolders(suitePath(options.output));  // where it can't, the first page says so
-    std::string error;
-    if (!writeHelp(catalogue, folder, &error)) {
-        complain(error);
+    if (const Outcome written = writeHelp(catalogue, folder); !written) {
+        complain(written.why());
         return ExitStatus::Failed;
     }
     if (!options.prune && !gone.empty()) {

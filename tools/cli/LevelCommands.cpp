@@ -43,10 +43,9 @@ public:
         if (!text) {
             return;
         }
-        std::string error;
-        auto map = readLevelMap(*text, error);
+        auto map = readLevelMap(*text);
         if (!map) {
-            complain(file + ": " + error);
+            complain(file + ": " + map.why());
             m_status = ExitStatus::Findings;
             return;
         }

@@ -44,17 +44,16 @@ OpenScript::OpenScript(const std::string& file, bool changes)
             return;
         }
     }
+    Outcome opened;
     try {
-        m_open = m_session.open(m_path);
-    } catch (const std::runtime_error& error) {
-        if (error.what() != outOfMemoryText(m_path)) {
-            throw;
-        }
+        opened = m_session.open(m_path);
+    } catch (const OutOfMemory&) {
         complain(outOfMemoryText(file));  // the session names the whole path
         return;
     }
+    m_open = bool(opened);
     if (!m_open) {
-        const std::string& problem = m_session.problem();
+        const std::string& problem = opened.why();
         const std::string given = "Can't read '" + m_path + "': ";
         complainUnreadable(file, problem.starts_with(given) ? problem.substr(given.size()) : problem);
     } else if (m_session.script().text.find('\0') != std::string::npos) {
@@ -122,7 +121,8 @@ ExitStatus OpenScript::finish(bool dryRun) {
                                      editedText(m_session.script().fileText(), edits), m_given, m_given));
         return ExitStatus::Done;
     }
-    switch (m_session.save()) {
+    const SaveResult saved = m_session.save();
+    switch (saved) {
         case SaveResult::Saved:
         case SaveResult::NothingToSave:
             return ExitStatus::Done;
@@ -132,7 +132,7 @@ ExitStatus OpenScript::finish(bool dryRun) {
         case SaveResult::Failed:
             break;
     }
-    complain(m_session.problem());
+    complain(saved.why());
     return ExitStatus::Failed;
 }
 

@@ -61,10 +61,11 @@ public:
         debugLogFileName().clear();
         m_session.writesStepReport = false;
         m_session.asksAboutOthersChanges = false;
-        m_open = m_session.open(path);
+        const Outcome opened = m_session.open(path);
+        m_open = bool(opened);
         m_given = std::move(given);
-        if (!m_open) {
-            complain(m_session.problem());
+        if (!opened) {
+            complain(opened.why());
         }
     }
     explicit OpenProject(const std::string& given) : OpenProject(suitePath(given), given) {}
@@ -96,13 +97,13 @@ public:
             return ExitStatus::Done;
         }
         switch (m_session.save(force)) {
-            case ProjectSave::Saved:
-            case ProjectSave::NothingToSave:
+            case SaveResult::Saved:
+            case SaveResult::NothingToSave:
                 return ExitStatus::Done;
-            case ProjectSave::Cancelled:
+            case SaveResult::Cancelled:
                 complain("not saved");
                 return ExitStatus::Findings;
-            case ProjectSave::Failed:
+            case SaveResult::Failed:
                 break;
         }
         return ExitStatus::Failed;

@@ -60,13 +60,12 @@ void substitute(std::string& word, const std::map<std::string, std::string>& val
 
 }  // namespace
 
-bool readDriveScript(std::string_view text, const std::map<std::string, std::string>& values,
-                     DriveScript& script, std::string& error) {
+Result<DriveScript> readDriveScript(std::string_view text, const std::map<std::string, std::string>& values) {
+    DriveScript script;
     std::vector<size_t> open;  // repeats without an end so far
     int number = 0;
     const auto fault = [&](int line, const std::string& what) {
-        error = std::to_string(line) + ": " + what;
-        return false;
+        return Refusal{std::to_string(line) + ": " + what};
     };
     while (!text.empty()) {
         const size_t end = std::min(text.find('\n'), text.size());
@@ -105,7 +104,7 @@ bool readDriveScript(std::string_view text, const std::map<std::string, std::str
     if (!open.empty()) {
         return fault(script.lines[open.back()].number, "repeat without end");
     }
-    return true;
+    return script;
 }
 
 }  // namespace zoka

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "util/Outcome.h"
+
 namespace zoka {
 
 struct DriveLine {
@@ -22,9 +24,7 @@ struct DriveScript {
     std::vector<DriveLine> lines;
 };
 
-// Reads a whole script. On a fault the result is false and `error` says "LINE: what is wrong" (to be put
-// behind the file's name and a colon).
-bool readDriveScript(std::string_view text, const std::map<std::string, std::string>& values,
-                     DriveScript& script, std::string& error);
+// Reads a whole script. A refusal says "LINE: what is wrong" (to be put behind the file's name and a colon).
+Result<DriveScript> readDriveScript(std::string_view text, const std::map<std::string, std::string>& values);
 
 }  // namespace zoka

@@ -34,18 +34,18 @@ bool readFinite(std::string_view word, float& number) {
     return readNumber(word, number) && std::isfinite(number);
 }
 
-// One line inside an entity's block. An empty text means that all is well.
-std::string readProperty(std::string_view keyword, std::string_view rest, LevelEntity& entity) {
+// One line inside an entity's block.
+Outcome readProperty(std::string_view keyword, std::string_view rest, LevelEntity& entity) {
     if (keyword == "action") {
         entity.script = nextWord(rest);
         entity.action = nextWord(rest);
         if (entity.action.empty()) {
-            return "action needs a script file and an action's name";
+            return Refusal{"action needs a script file and an action's name"};
         }
     } else if (keyword == "position") {
         for (float& axis : entity.position) {
             if (!readFinite(nextWord(rest), axis)) {
-                return "position needs three numbers";
+                return Refusal{"position needs three numbers"};
             }
         }
     } else if (keyword == "skill") {
@@ -53,20 +53,20 @@ std::string readProperty(std::string_view keyword, std::string_view rest, LevelE
         float value = 0;
         if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntitySkills ||
             !readFinite(nextWord(rest), value)) {
-            return "skill needs a number from 1 to 20 and a value";
+            return Refusal{"skill needs a number from 1 to 20 and a value"};
         }
         entity.skills[static_cast<size_t>(number - 1)] = value;
     } else if (keyword == "flag") {
         int number = 0;
         if (!readNumber(nextWord(rest), number) || number < 1 || number > kEntityFlags) {
-            return "flag needs a number from 1 to 8";
+            return Refusal{"flag needs a number from 1 to 8"};
         }
         entity.flags |= 1U << (number - 1);
     } else {
-        return "unknown word \"" + std::string(keyword) + "\"";
+        return Refusal{"unknown word \"" + std::string(keyword) + "\""};
     }
     if (!nextWord(rest).empty()) {
-        return "too many words after " + std::string(keyword);
+        return Refusal{"too many words after " + std::string(keyword)};
     }
     return {};
 }
@@ -146,15 +146,14 @@ size_t startOfDescription(std::string_view text, size_t at, std::string_view act
 
 }  // namespace
 
-std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) {
+Result<LevelMap> readLevelMap(std::string_view text) {
     LevelMap level;
     bool sawHeader = false;
     bool inEntity = false;
     int lineNumber = 0;
     text.remove_prefix(utf8MarkLength(text));
     const auto fault = [&](const std::string& what) {
-        error = "line " + std::to_string(std::max(lineNumber, 1)) + ": " + what;
-        return std::nullopt;
+        return Refusal{"line " + std::to_string(std::max(lineNumber, 1)) + ": " + what};
     };
     while (!text.empty()) {
         ++lineNumber;
@@ -188,9 +187,8 @@ std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error) 
             inEntity = true;
         } else if (keyword == "end") {
             inEntity = false;
-        } else if (const std::string what = readProperty(keyword, line, level.entities.back());
-                   !what.empty()) {
-            return fault(what);
+        } else if (const Outcome read = readProperty(keyword, line, level.entities.back()); !read) {
+            return fault(read.why());
         }
     }
     if (!sawHeader) {

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "plugin/host/HostAbi.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -40,8 +41,8 @@ struct LevelMap {
     std::string comments = {};  // those behind the last entity
 };
 
-// Reads a level. On the first fault nothing is returned and `error` says "line N: what is wrong".
-std::optional<LevelMap> readLevelMap(std::string_view text, std::string& error);
+// Reads a level. Its first fault is a refusal: "line N: what is wrong".
+Result<LevelMap> readLevelMap(std::string_view text);
 
 // The level as text, lines ended by CR LF; reads back equal. An entity's comments stand in front of it.
 std::string writeLevelMap(const LevelMap& level);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "customize/BehaviorSession.h"
 #include "customize/CustomizeSession.h"
@@ -20,6 +21,7 @@
 namespace {
 
 using namespace zoka;
+using zoka::test::g_bytes, zoka::test::g_limit;
 using zoka::test::SilentPrompt, zoka::test::TempFolder, zoka::test::g_countdown, zoka::test::g_live;
 
 constexpr char kScript[] =
@@ -174,14 +176,41 @@ TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
     }
 }
 
+std::string projectText(const TempFolder& folder, const std::string& name) {
+    return "<Project name='" + name + "' date='1' vers='8'>\n<Paths proj_file='" + folder.path() +
+           "' j8_file=''/>\n<Behavior proj_file='b.xml'/>\n<Level name='street' mapfile='game.zlb'>\n"
+           "<Entity name='guard' parent='walker'/>\n</Level>\n</Project>\n";
+}
+
+constexpr size_t kMass = 3, kColor = 4;  // rows of the panel below
+
+// A panel on the components of an entity, with two edits that are not saved.
+struct ComponentsPanel {
+    ComponentsPanel() {
+        std::filesystem::current_path(folder.native(""));  // a save leaves its report there
+        folder.write("c.xml",
+                     "<Components><Component name='body'><Property name='mass' type='int' value='75' "
+                     "edit='true'/><Property name='color' type='string' value='red' edit='true'/>"
+                     "</Component></Components>");
+        folder.write("b.xml",
+                     "<Behaviors><Component proj_file='c.xml'/><Behavior name='walker'><Component "
+                     "name='body'/></Behavior></Behaviors>");
+        folder.write("game.xml", projectText(folder, "Game"));
+        panel.emplace(nullptr, host,
+                      std::make_unique<EntityComponents>(folder.path("game.xml"), userPrompt()), "guard");
+        panel->open();
+        EXPECT_TRUE(panel->setValue(kMass, "80") && panel->setValue(kColor, "harbour blue"));
+    }
+    ~ComponentsPanel() { std::filesystem::current_path(before); }
+
+    const std::filesystem::path before = std::filesystem::current_path();
+    TempFolder folder;
+    FolderHost host{{.project = folder.path(), .suite = folder.path()}};
+    std::optional<BehaviorSession> panel;
+};
+
 // Likewise of the components of a project.
 TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
-    const auto project = [](const TempFolder& folder, const std::string& name) {
-        return "<Project name='" + name + "' date='1' vers='8'>\n<Paths proj_file='" + folder.path() +
-               "' j8_file=''/>\n<Behavior proj_file='b.xml'/>\n<Level name='street' mapfile='game.zlb'>\n"
-               "<Entity name='guard' parent='walker'/>\n</Level>\n</Project>\n";
-    };
-    constexpr size_t kMass = 3, kColor = 4;
     struct Way {
         const char* what;
         std::function<bool(BehaviorSession&)> work;
@@ -190,11 +219,10 @@ TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
     const Way kWays[] = {
         {"edit", [](BehaviorSession& panel) { return bool(panel.setValue(kMass, "70")); }},
         {"paste", [](BehaviorSession& panel) { return panel.paste("body.mass = 70").taken == 1; }},
-        {"save", [](BehaviorSession& panel) { return panel.save() == ProjectSave::Saved; }},
+        {"save", [](BehaviorSession& panel) { return panel.save() == SaveResult::Saved; }},
         {"save over another's change",
-         [](BehaviorSession& panel) { return panel.save() == ProjectSave::Saved; }, "Play"},
+         [](BehaviorSession& panel) { return panel.save() == SaveResult::Saved; }, "Play"},
     };
-    const auto before = std::filesystem::current_path();
     for (const Way& way : kWays) {
         SCOPED_TRACE(way.what);
         SilentPrompt prompt;
@@ -202,32 +230,41 @@ TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
         bool done = false;
         for (long failing = 1; !done; failing += 1 + failing / 20) {
             SCOPED_TRACE(failing);
-            const TempFolder folder;
-            std::filesystem::current_path(folder.native(""));  // a save leaves its report there
-            folder.write("c.xml",
-                         "<Components><Component name='body'><Property name='mass' type='int' value='75' "
-                         "edit='true'/><Property name='color' type='string' value='red' edit='true'/>"
-                         "</Component></Components>");
-            folder.write("b.xml",
-                         "<Behaviors><Component proj_file='c.xml'/><Behavior name='walker'><Component "
-                         "name='body'/></Behavior></Behaviors>");
-            const std::string path = folder.write("game.xml", project(folder, "Game"));
-            FolderHost host({.project = folder.path(), .suite = folder.path()});
-            BehaviorSession panel(nullptr, host, std::make_unique<EntityComponents>(path, prompt), "guard");
-            panel.open();
-            ASSERT_TRUE(panel.setValue(kMass, "80") && panel.setValue(kColor, "harbour blue"));
-            folder.write("game.xml", project(folder, way.onDisk));
+            ComponentsPanel fixture;
+            fixture.folder.write("game.xml", projectText(fixture.folder, way.onDisk));
             if (!stays(
-                    failing, [&] { return way.work(panel); }, done)) {
-                panel.offerUnsaved();
-                const std::string saved = folder.read("game.xml");
-                EXPECT_TRUE(saved.find("harbour blue") != std::string::npos && !panel.hasUnsaved()) << saved;
+                    failing, [&] { return way.work(*fixture.panel); }, done)) {
+                fixture.panel->offerUnsaved();
+                const std::string saved = fixture.folder.read("game.xml");
+                EXPECT_TRUE(saved.find("harbour blue") != std::string::npos && !fixture.panel->hasUnsaved())
+                    << saved;
                 ++kept;
             }
         }
         EXPECT_GT(kept, 0);
     }
-    std::filesystem::current_path(before);
+}
+
+// Not even for a question: what was put aside is enough.
+TEST(Allocations, UnsavedChangesAreKeptWhenNothingAtAllIsLeft) {
+    SilentPrompt prompt;
+    for (const long left : {1, 500, 5000, 20000}) {
+        SCOPED_TRACE(left);
+        ComponentsPanel project;
+        FolderHost host({.project = project.folder.path(), .suite = project.folder.path()});
+        CustomizeSession script(host, userPrompt());
+        ASSERT_TRUE(script.open(project.folder.write("fog.kez", kScript)) && script.setValue(2, "mist.tga"));
+
+        prompt.told = 0;
+        g_limit = g_bytes + left;
+        project.panel->offerUnsaved();
+        script.offerUnsaved();
+        g_limit = 0;
+
+        EXPECT_GE(prompt.told, 2);
+        EXPECT_NE(project.folder.read("game.xml").find("harbour blue"), std::string::npos);
+        EXPECT_NE(project.folder.read("fog.kez.zoka.old").find("\nmist.tga\n\n"), std::string::npos);
+    }
 }
 
 }  // namespace

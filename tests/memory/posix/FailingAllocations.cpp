@@ -1,5 +1,7 @@
 #include "tests/memory/posix/FailingAllocations.h"
 
+#include <malloc.h>
+
 #include <cstdlib>
 #include <new>
 
@@ -7,15 +9,24 @@ namespace zoka::test {
 
 long g_countdown = 0;
 long g_live = 0;
+long g_bytes = 0;
+long g_limit = 0;
 
 }  // namespace zoka::test
 
 namespace {
 
-using zoka::test::g_countdown, zoka::test::g_live;
+using zoka::test::g_countdown, zoka::test::g_live, zoka::test::g_bytes, zoka::test::g_limit;
 
-bool fails() {
-    return g_countdown > 0 && --g_countdown == 0;
+bool fails(std::size_t size) {
+    return (g_countdown > 0 && --g_countdown == 0) ||
+           (g_limit > 0 && g_bytes + static_cast<long>(size) > g_limit);
+}
+
+// The memory counts from now on, or not any more.
+void count(void* memory, long sign) {
+    g_live += memory ? sign : 0;
+    g_bytes += sign * static_cast<long>(malloc_usable_size(memory));
 }
 
 }  // namespace
@@ -29,19 +40,23 @@ void* __real_realloc(void* memory, std::size_t size);
 void __real_free(void* memory);
 
 void* __wrap_malloc(std::size_t size) {
-    void* const made = fails() ? nullptr : __real_malloc(size);
-    g_live += made ? 1 : 0;
+    void* const made = fails(size) ? nullptr : __real_malloc(size);
+    count(made, 1);
     return made;
 }
 
 void* __wrap_realloc(void* memory, std::size_t size) {
-    void* const made = fails() ? nullptr : __real_realloc(memory, size);
-    g_live += made && !memory ? 1 : 0;
+    if (fails(size)) {
+        return nullptr;
+    }
+    count(memory, -1);
+    void* const made = __real_realloc(memory, size);
+    count(made ? made : memory, 1);
     return made;
 }
 
 void __wrap_free(void* memory) {
-    g_live -= memory ? 1 : 0;
+    count(memory, -1);
     __real_free(memory);
 }
 }

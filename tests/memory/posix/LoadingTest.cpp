@@ -47,9 +47,9 @@ const Row kRows[] = {
      [](const Suite& suite) {
          CJ8ProjectManager project;
          ProjectSession session(project, userPrompt());
-         const bool opened = session.open(suite.folder.path("p.xml"));
-         EXPECT_NE(opened, !session.problem().empty());
-         return opened;
+         const Outcome opened = session.open(suite.folder.path("p.xml"));
+         EXPECT_NE(bool(opened), !opened.why().empty());
+         return bool(opened);
      }},
     {"wizard",
      [](const Suite& suite) {

@@ -208,9 +208,8 @@ void DriveContext::notifyParent(HWND child, WORD code) const {
 }
 
 void DriveContext::picture(const std::string& path, const RECT& area) const {
-    std::string error;
-    if (!takePicture(area, path, patience, error)) {
-        throw DriveFault(error);
+    if (const Outcome taken = takePicture(area, path, patience); !taken) {
+        throw DriveFault(taken.why());
     }
 }
 

@@ -72,10 +72,10 @@ void Driver::fail(const std::string& what) {
     }
     const std::string name = m_file.substr(m_file.find_last_of("\\/") + 1);
     const std::string path = m_pictures + "\\" + name + "-" + std::to_string(m_line) + ".png";
-    std::string error;
     constexpr unsigned kPatience = 1000;
     text += "  windows:\n" + describeAll();
-    text += "  picture: " + (takePicture(screenArea(), path, kPatience, error) ? path : error) + "\n";
+    const Outcome taken = takePicture(screenArea(), path, kPatience);
+    text += "  picture: " + (taken ? path : taken.why()) + "\n";
     std::fputs(text.c_str(), stderr);
     endProcess(1);
 }

@@ -32,9 +32,8 @@ void within(DriveContext& drive, const Words& words) {
 
 void open(DriveContext& drive, const Words& words) {
     drive.onEditor([&drive, folder = words[0]] {
-        std::string error;
-        if (!drive.editor.openProject(folder, error)) {
-            throw DriveFault(error);
+        if (const Outcome opened = drive.editor.openProject(folder); !opened) {
+            throw DriveFault(opened.why());
         }
         return 1;
     });
@@ -42,9 +41,8 @@ void open(DriveContext& drive, const Words& words) {
 
 void load(DriveContext& drive, const Words& words) {
     drive.onEditor([&drive, path = words[0]] {
-        std::string error;
-        if (!drive.editor.library().load(path, error)) {
-            throw DriveFault(path + ": " + error);
+        if (const Outcome loaded = drive.editor.library().load(path); !loaded) {
+            throw DriveFault(path + ": " + loaded.why());
         }
         return 1;
     });
@@ -52,9 +50,8 @@ void load(DriveContext& drive, const Words& words) {
 
 void loadPlugin(DriveContext& drive, const Words& words) {
     drive.onEditor([&drive, path = words[0]] {
-        std::string error;
-        if (!drive.editor.loadPlugin(path, error)) {
-            throw DriveFault(path + ": " + error);
+        if (const Outcome loaded = drive.editor.loadPlugin(path); !loaded) {
+            throw DriveFault(path + ": " + loaded.why());
         }
         return 1;
     });

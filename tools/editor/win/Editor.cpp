@@ -11,16 +11,15 @@ bool ProcedureState::isBusy() const {
 Editor::Editor(CallLog& log)
     : m_log(log), m_level(log), m_host(m_level), m_table(m_host, log), m_library(log) {
     m_host.onOpenMap = [this](const std::string& path) {
-        std::string error;
-        const bool done = openLevel(path, error);
-        if (!done) {
-            m_log.add("open the level", error);
+        const Outcome opened = openLevel(path);
+        if (!opened) {
+            m_log.add("open the level", opened.why());
         }
-        return done;
+        return bool(opened);
     };
 }
 
-bool Editor::openProject(const std::string& folder, std::string& error) {
+Outcome Editor::openProject(const std::string& folder) {
     char full[MAX_PATH];
     const DWORD length = GetFullPathNameA(folder.c_str(), sizeof full, full, nullptr);
     std::string path(full, length < sizeof full ? length : 0);
@@ -32,39 +31,37 @@ bool Editor::openProject(const std::string& folder, std::string& error) {
         WIN32_FIND_DATAA found;
         const HANDLE search = FindFirstFileA((path + "\\*.zlm").c_str(), &found);
         if (search == INVALID_HANDLE_VALUE) {
-            error = "There is no level (*.zlm) in the folder " + path;
-            return false;
+            return Refusal{"There is no level (*.zlm) in the folder " + path};
         }
         FindClose(search);
         map = path + "\\" + found.cFileName;
     }
-    return openLevel(map, error);
+    return openLevel(map);
 }
 
-bool Editor::openLevel(const std::string& path, std::string& error) {
-    if (!m_level.open(path, error)) {
-        return false;
+Outcome Editor::openLevel(const std::string& path) {
+    if (const Outcome opened = m_level.open(path); !opened) {
+        return opened;
     }
     m_projectFolder = m_level.folder();
     m_log.add("open " + quoted(path.c_str()), std::to_string(m_level.map().entities.size()) + " entities");
     changed();
-    return true;
+    return {};
 }
 
-bool Editor::loadPlugin(const std::string& path, std::string& error) {
+Outcome Editor::loadPlugin(const std::string& path) {
     unloadPlugin();
-    if (!m_library.load(path, error)) {
-        return false;
+    if (const Outcome loaded = m_library.load(path); !loaded) {
+        return loaded;
     }
     if (!m_library.initialize(m_table.appInterface())) {
-        error = "The plug-in refused to be initialised.";
         freePlugin();
-        return false;
+        return Refusal{"The plug-in refused to be initialised."};
     }
     std::uint32_t words[3] = {};
     m_library.info(words);
     readProcedures();
-    return true;
+    return {};
 }
 
 void Editor::readProcedures() {

@@ -38,14 +38,14 @@ class Editor {
 public:
     explicit Editor(CallLog& log);
 
-    // Opens a folder: its main.zlm, or the first level in it. False, with the reason in `error`, leaves the
-    // old project open.
-    bool openProject(const std::string& folder, std::string& error);
-    bool openLevel(const std::string& path, std::string& error);
+    // Opens a folder: its main.zlm, or the first level in it. A refusal leaves the old
+    // project open.
+    Outcome openProject(const std::string& folder);
+    Outcome openLevel(const std::string& path);
     const std::string& projectFolder() const { return m_projectFolder; }
 
     // Loads, initialises, asks for the info words and the records: what the editor does at its start.
-    bool loadPlugin(const std::string& path, std::string& error);
+    Outcome loadPlugin(const std::string& path);
     // Terminates the procedures that run and frees the library.
     void unloadPlugin();
     // Frees the library at once; panels may be open.

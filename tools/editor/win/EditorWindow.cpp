@@ -381,9 +381,8 @@ void EditorWindow::onCommand(UINT command) {
         case kCommandOpen:
             return openProject();
         case kCommandReload:
-            if (std::string error, path = m_editor.level().path();
-                !path.empty() && !m_editor.openLevel(path, error)) {
-                complain(error);
+            if (const std::string path = m_editor.level().path(); !path.empty()) {
+                complainOf(m_editor.openLevel(path));
             }
             return;
         case kCommandSave:
@@ -545,9 +544,7 @@ void EditorWindow::openProject() {
     char folder[MAX_PATH] = {};
     SHGetPathFromIDListA(chosen, folder);
     CoTaskMemFree(chosen);
-    if (std::string error; !m_editor.openProject(folder, error)) {
-        complain(error);
-    }
+    complainOf(m_editor.openProject(folder));
 }
 
 void EditorWindow::loadPlugin() {
@@ -563,18 +560,14 @@ void EditorWindow::loadPlugin() {
     if (!GetOpenFileNameA(&chooser)) {
         return;
     }
-    if (std::string error; !m_editor.loadPlugin(path, error)) {
-        complain(std::string(path) + "\n\n" + error);
+    if (const Outcome loaded = m_editor.loadPlugin(path); !loaded) {
+        complain(std::string(path) + "\n\n" + loaded.why());
     }
 }
 
 void EditorWindow::saveLevel() {
-    std::string error;
-    if (m_editor.projectFolder().empty()) {
-        return;
-    }
-    if (!m_editor.level().save(error)) {
-        complain(error);
+    if (!m_editor.projectFolder().empty()) {
+        complainOf(m_editor.level().save());
     }
 }
 
@@ -585,6 +578,12 @@ void EditorWindow::about() {
         "\n\nLoads a plug-in as the level editor does, serves it a plain project folder and shows every "
         "call between the two.",
         kTitle, MB_OK | MB_ICONINFORMATION);
+}
+
+void EditorWindow::complainOf(const Outcome& outcome) {
+    if (!outcome) {
+        complain(outcome.why());
+    }
 }
 
 void EditorWindow::complain(const std::string& text) {

@@ -66,6 +66,7 @@ private:
     void saveLevel();
     void about();
     void complain(const std::string& text);
+    void complainOf(const Outcome& outcome);  // where it is a refusal
     HWND createList(int id, DWORD style);
     void addColumn(HWND list, int index, const char* title, int width, bool right);
 

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "util/OsFiles.h"
+
 namespace zoka {
 
 namespace {
@@ -158,7 +160,7 @@ std::int32_t EntityHandle::actionBlock(const std::string& entity, char* path, st
     const std::string file = m_level.folder() + "\\" + script;
     std::optional<ActionBlock> block;
     if (there) {
-        if (const std::optional<std::string> text = readWholeFile(file)) {
+        if (const std::optional<std::string> text = osFiles().readWhole(file)) {
             block = findActionBlock(*text, action);
         }
     }

@@ -1,44 +1,32 @@
 #include "tools/editor/win/OpenLevel.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <optional>
 
+#include "util/OsFiles.h"
 #include "util/SafeWrite.h"
 
 namespace zoka {
 
-std::optional<std::string> readWholeFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        return std::nullopt;
-    }
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-bool OpenLevel::open(const std::string& path, std::string& error) {
-    const std::optional<std::string> text = readWholeFile(path);
+Outcome OpenLevel::open(const std::string& path) {
+    const std::optional<std::string> text = osFiles().readWhole(path);
     if (!text) {
-        error = path + " can't be read";
-        return false;
+        return Refusal{path + " can't be read: " + osFiles().lastError()};
     }
-    std::string fault;
-    std::optional<LevelMap> map = readLevelMap(*text, fault);
+    auto map = readLevelMap(*text);
     if (!map) {
-        error = path + ": " + fault;
-        return false;
+        return Refusal{path + ": " + map.why()};
     }
     const std::lock_guard lock(m_mutex);
     m_map = std::move(*map);
     m_path = path;
     m_selection.clear();
     ++m_changes;
-    return true;
+    return {};
 }
 
-bool OpenLevel::save(std::string& error) {
-    error = safeWrite(path(), writeLevelMap(map())).why();
-    return error.empty();
+Outcome OpenLevel::save() {
+    return safeWrite(path(), writeLevelMap(map()));
 }
 
 void OpenLevel::close() {

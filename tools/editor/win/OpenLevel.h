@@ -2,7 +2,6 @@
 #pragma once
 
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,9 +16,9 @@ class OpenLevel {
 public:
     explicit OpenLevel(CallLog& log) : m_log(log) {}
 
-    // Replaces what is open. `error` says why it can't be read; then the old level stays.
-    bool open(const std::string& path, std::string& error);
-    bool save(std::string& error);
+    // Replaces what is open. One that can't be read is refused; then the old level stays.
+    Outcome open(const std::string& path);
+    Outcome save();
     void close();
 
     std::string path() const;    // empty when no level is open
@@ -59,8 +58,5 @@ private:
     std::vector<std::string> m_selection;
     unsigned m_changes = 0, m_selectionChanges = 0;
 };
-
-// A file's whole bytes; nothing when it can't be read.
-std::optional<std::string> readWholeFile(const std::string& path);
 
 }  // namespace zoka

@@ -49,16 +49,17 @@ std::string lastErrorText() {
     return "error " + std::to_string(code) + (length ? ": " + std::string(text, length) : "");
 }
 
-bool PluginLibrary::load(const std::string& path, std::string& error) {
+Outcome PluginLibrary::load(const std::string& path) {
     if (m_module) {
-        error = m_path + " is still loaded";
-        return false;
+        return Refusal{m_path + " is still loaded"};
     }
+    const auto refuse = [&](const std::string& why) {
+        m_log.add("LoadLibrary(" + quoted(path.c_str()) + ")", why);
+        return Refusal{why};
+    };
     m_module = LoadLibraryA(path.c_str());
     if (!m_module) {
-        error = lastErrorText();
-        m_log.add("LoadLibrary(" + quoted(path.c_str()) + ")", error);
-        return false;
+        return refuse(lastErrorText());
     }
     const char* missing = nullptr;
     if (!findEntry(m_module, "PIInitialize", m_initialize)) {
@@ -69,15 +70,13 @@ bool PluginLibrary::load(const std::string& path, std::string& error) {
         missing = "PIGetProcDef";
     }
     if (missing) {
-        error = std::string("no plug-in: it does not export ") + missing;
         FreeLibrary(m_module);
         m_module = nullptr;
-        m_log.add("LoadLibrary(" + quoted(path.c_str()) + ")", error);
-        return false;
+        return refuse(std::string("no plug-in: it does not export ") + missing);
     }
     m_path = path;
     m_log.add("LoadLibrary(" + quoted(path.c_str()) + ")", "loaded");
-    return true;
+    return {};
 }
 
 void PluginLibrary::free() {

@@ -10,6 +10,7 @@
 
 #include "plugin/host/HostAbi.h"
 #include "tools/editor/win/CallLog.h"
+#include "util/Outcome.h"
 
 namespace zoka {
 
@@ -20,9 +21,8 @@ public:
     PluginLibrary(const PluginLibrary&) = delete;
     PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-    // Loads the library and finds its entry points. False, with the reason in `error`, when either fails;
-    // then nothing stays loaded.
-    bool load(const std::string& path, std::string& error);
+    // Loads the library and finds its entry points. After a refusal nothing stays loaded.
+    Outcome load(const std::string& path);
     // Frees the library at once, whatever it is doing.
     void free();
     bool loaded() const { return m_module != nullptr; }

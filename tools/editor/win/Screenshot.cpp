@@ -78,12 +78,11 @@ RECT windowsArea() {
     return IntersectRect(&area, &all, &screen) ? area : screen;
 }
 
-bool takePicture(const RECT& wanted, const std::string& path, unsigned patience, std::string& error) {
+Outcome takePicture(const RECT& wanted, const std::string& path, unsigned patience) {
     const RECT screen = screenArea();
     RECT area{};
     if (!IntersectRect(&area, &wanted, &screen)) {  // beyond it there is nothing to be read
-        error = "it is not on the screen";
-        return false;
+        return Refusal{"it is not on the screen"};
     }
     for (const HWND window : topWindows()) {
         ask(window, WM_NULL);
@@ -100,8 +99,7 @@ bool takePicture(const RECT& wanted, const std::string& path, unsigned patience,
         }
     }
     if (picture.empty()) {
-        error = "the screen can't be read";
-        return false;
+        return Refusal{"the screen can't be read"};
     }
     std::ofstream out(path, std::ios::binary);
     const int width = static_cast<int>(area.right - area.left);
@@ -109,9 +107,9 @@ bool takePicture(const RECT& wanted, const std::string& path, unsigned patience,
     const int written = stbi_write_png_to_func(writeBytes, &out, width, height, 3, picture.data(), width * 3);
     out.close();
     if (!written || !out) {
-        error = path + " can't be written";
+        return Refusal{path + " can't be written"};
     }
-    return error.empty();
+    return {};
 }
 
 }  // namespace zoka

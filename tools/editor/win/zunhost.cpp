@@ -14,6 +14,7 @@
 #include "tools/editor/win/Driver.h"
 #include "tools/editor/win/EditorWindow.h"
 #include "tools/editor/win/SystemLook.h"
+#include "util/OsFiles.h"
 
 namespace {
 
@@ -116,15 +117,16 @@ int runEditor(Options options) {
         if (!readValues(options.values, values)) {
             return complain(options, "--set takes NAME=VALUE");
         }
-        const std::optional<std::string> text = readWholeFile(options.script);
+        const std::optional<std::string> text = osFiles().readWhole(options.script);
         if (!text) {
-            return complain(options, options.script + " can't be read");
+            return complain(options, options.script + " can't be read: " + osFiles().lastError());
         }
-        std::string error;
-        if (!readDriveScript(*text, values, script, error)) {
-            std::fprintf(stderr, "%s:%s\n", options.script.c_str(), error.c_str());
+        auto read = readDriveScript(*text, values);
+        if (!read) {
+            std::fprintf(stderr, "%s:%s\n", options.script.c_str(), read.why().c_str());
             return 1;
         }
+        script = std::move(*read);
     }
 
     Editor editor(log);
@@ -136,12 +138,15 @@ int runEditor(Options options) {
     if (!window.create(!options.hidden)) {
         return complain(options, "the window can't be created");
     }
-    std::string error;
-    if (!options.project.empty() && !editor.openProject(options.project, error)) {
-        return complain(options, error);
+    if (!options.project.empty()) {
+        if (const Outcome opened = editor.openProject(options.project); !opened) {
+            return complain(options, opened.why());
+        }
     }
-    if (!options.plugin.empty() && !editor.loadPlugin(options.plugin, error)) {
-        return complain(options, options.plugin + ": " + error);
+    if (!options.plugin.empty()) {
+        if (const Outcome loaded = editor.loadPlugin(options.plugin); !loaded) {
+            return complain(options, options.plugin + ": " + loaded.why());
+        }
     }
     // Where the editor's own current folder is.
     if (!options.suite.empty() && !SetCurrentDirectoryA(options.suite.c_str())) {
