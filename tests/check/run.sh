@@ -46,6 +46,18 @@ ROWS
 mkdir -p "$scratch/other/stray" && echo 'int x;' >"$scratch/other/stray/A.cpp"
 expect "a new folder" 1 "stray is not in the table" "$checks/includes.sh" "$scratch/other"
 
+# Frames without a guard, as made by the machine's own compiler.
+tree=$scratch/guards
+mkdir -p "$tree"/{util,build/util/CMakeFiles/zoka_util.dir}
+printf 'void fill(char*);\nvoid name() {\n    char text[80] = {};\n    fill(text);\n}\n' >"$tree/util/A.cpp"
+export NM=nm
+object=$tree/build/util/CMakeFiles/zoka_util.dir/A.cpp.obj
+expect "no objects" 1 "no objects of sources with arrays" "$checks/guards.sh" "$tree/build" "$tree"
+c++ -fstack-protector-strong -c "$tree/util/A.cpp" -o "$object"
+expect "a guarded frame" 0 "" "$checks/guards.sh" "$tree/build" "$tree"
+c++ -fno-stack-protector -c "$tree/util/A.cpp" -o "$object"
+expect "an open frame" 1 "util/A.cpp: its stack frames are not guarded" "$checks/guards.sh" "$tree/build" "$tree"
+
 # Forgotten sources.
 tree=$scratch/sources
 mkdir -p "$tree"/{util/win,tests/lex,fuzz,build/l,build/w}

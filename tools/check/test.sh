@@ -111,6 +111,7 @@ if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
 elif build windows; then
     [ -z "$linux" ] || check sources $here/sources.sh build/linux build/windows
     check binaries $here/binaries.sh build/windows
+    check guards $here/guards.sh build/windows
     # The prefix is made ahead of the tests, so that its time is not counted as theirs.
     if tools/run/display.sh tools/run/wine.sh "$PWD/build/windows/wine" cmd /c exit; then
         windows=built

@@ -1,0 +1,27 @@
+#!/bin/bash
+# Checks that the stack frames of our own code are guarded: guards.sh BUILD [ROOT]
+#
+# Every source that keeps characters in an array on the stack must have an object in BUILD that calls the check of its
+# frame. What the linker adds is guarded already by those who made it, so a look at the finished binary tells nothing
+# about ours. NM is the symbol lister, that of the cross compiler unless it is set.
+set -euo pipefail
+build=$1
+cd "${2:-$(dirname "$0")/../..}"
+findings=0 seen=0
+# Within functions: members are indented too, but those of classes in sources are named m_.
+arrays='^[[:space:]]+(char|wchar_t|BYTE) [a-z][A-Za-z]*\[[^]]+\][^()]*;'
+while IFS= read -r source; do
+    while IFS= read -r object; do
+        # ui/CMakeFiles/zoka_ui.dir/win/WinPrompt.cpp.obj is of ui/win/WinPrompt.cpp.
+        [ "$(sed -E 's|CMakeFiles/[^/]*\.dir/||; s|\.obj?$||' <<<"${object#"$build"/}")" = "$source" ] || continue
+        seen=$((seen + 1))
+        [[ $("${NM:-i686-w64-mingw32-nm}" "$object") == *__stack_chk_fail* ]] && continue
+        echo "$source: its stack frames are not guarded"
+        findings=1
+    done < <(find "$build" -path '*.dir/*' -name "${source##*/}.o*")
+done < <(grep -rlE "$arrays" --include='*.cpp' --exclude-dir=build --exclude-dir='.?*' --exclude-dir=tests --exclude-dir=bench --exclude-dir=fuzz . | sed 's|^\./||')
+[ $seen -gt 0 ] || {
+    echo "no objects of sources with arrays in $build"
+    findings=1
+}
+exit $findings
