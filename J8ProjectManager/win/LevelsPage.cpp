@@ -34,7 +34,7 @@ void LevelsPage::createControls() {
     m_searchLabel = label("&Find:");
     m_search = makeField(window(), kSearch, fonts());
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
-    SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_list.takeKeysOf(m_search);
     m_count = label("");
     m_list.create(window(), kList, fonts(), fonts().text(), kColumns,
                   [this](int row, int column) { return cell(row, column); });
@@ -483,19 +483,6 @@ std::optional<LRESULT> LevelsPage::message(UINT message, WPARAM wParam, LPARAM l
             break;
     }
     return ProjectPage::message(message, wParam, lParam);
-}
-
-// The list is at hand while the keyboard is in the search field.
-LRESULT CALLBACK LevelsPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                        DWORD_PTR self) {
-    if (message == WM_KEYDOWN &&
-        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
-        return SendMessageA(reinterpret_cast<LevelsPage*>(self)->m_list.window(), message, wParam, lParam);
-    }
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, searchProc, id);
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
 }
 
 }  // namespace zoka

@@ -33,8 +33,6 @@ protected:
     std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                       DWORD_PTR self);
     void rowsChanged() override;
     std::string cell(int row, int column) const;
     void fillLevels();

@@ -37,7 +37,7 @@ void SearchPage::createControls() {
     m_searchLabel = label(m_look.searchName);
     m_search = makeField(window(), m_look.firstId + kSearch, fonts());
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
-    SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_list.takeKeysOf(m_search);
     if (m_look.copiesAll) {
         m_copyAll = button("C&opy all", m_look.firstId + kCopyAll);
     }
@@ -215,19 +215,6 @@ LRESULT SearchPage::notified(NMHDR& header) {
         mainAction();
     }
     return m_list.notified(header);
-}
-
-// The list is at hand while the keyboard is in the search field.
-LRESULT CALLBACK SearchPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                        DWORD_PTR self) {
-    if (message == WM_KEYDOWN &&
-        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
-        return SendMessageA(reinterpret_cast<SearchPage*>(self)->m_list.window(), message, wParam, lParam);
-    }
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, searchProc, id);
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
 }
 
 }  // namespace zoka

@@ -60,8 +60,6 @@ protected:
 
 private:
     enum { kSearch, kList, kDetails, kCopyAll };
-    static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                       DWORD_PTR self);
     void filter();
     void copy(const std::string& text);
     void showSelection() { showDetails(selected()); }

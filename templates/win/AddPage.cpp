@@ -27,7 +27,7 @@ void AddPage::createControls() {
     m_class = makeDropList(window(), kClass, fonts());
     m_searchLabel = label("S&earch:");
     m_search = makeField(window(), kSearch, fonts());
-    SetWindowSubclass(m_search, searchProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    m_list.takeKeysOf(m_search);
     m_found = label("");
     m_list.create(window(), kList, fonts(), font, kColumns,
                   [this](int row, int column) { return cell(row, column); });
@@ -257,19 +257,6 @@ void AddPage::timer(UINT_PTR id) {
         KillTimer(window(), kPlanTimer);
         showPlan();
     }
-}
-
-// The list is at hand while the keyboard is in the search field.
-LRESULT CALLBACK AddPage::searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                     DWORD_PTR self) {
-    if (message == WM_KEYDOWN &&
-        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
-        return SendMessageA(reinterpret_cast<AddPage*>(self)->m_list.window(), message, wParam, lParam);
-    }
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, searchProc, id);
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
 }
 
 }  // namespace zoka

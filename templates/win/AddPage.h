@@ -27,8 +27,6 @@ protected:
     void timer(UINT_PTR id) override;
 
 private:
-    static LRESULT CALLBACK searchProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                       DWORD_PTR self);
     std::string cell(int row, int column);
     void filter();
     void selectRecord(std::optional<std::uint32_t> record);

@@ -152,6 +152,22 @@ LRESULT RowList::notified(NMHDR& header) {
     }
 }
 
+void RowList::takeKeysOf(HWND field) {
+    SetWindowSubclass(field, keysProc, 1, reinterpret_cast<DWORD_PTR>(this));
+}
+
+LRESULT CALLBACK RowList::keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                   DWORD_PTR self) {
+    if (message == WM_KEYDOWN &&
+        (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
+        return SendMessageA(reinterpret_cast<RowList*>(self)->m_window, message, wParam, lParam);
+    }
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(field, keysProc, id);
+    }
+    return DefSubclassProc(field, message, wParam, lParam);
+}
+
 // The system gives a row selected in a list without the keyboard nearly the colour of the others.
 LRESULT RowList::paint(NMLVCUSTOMDRAW& draw) const {
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {

@@ -51,6 +51,10 @@ public:
         m_moving.attach(m_window, std::move(mayMove), std::move(move));
     }
 
+    // The arrows and the page keys pressed in the field move the selection, so the list is at hand while somebody types
+    // what to look for. The list outlives the field.
+    void takeKeysOf(HWND field);
+
     // Answers the control's notifications, and paints the selected row so that it is seen while the keyboard is
     // elsewhere.
     LRESULT notified(NMHDR& header);
@@ -58,6 +62,8 @@ public:
     bool userMayHaveSelected(const NMHDR& header) const;
 
 private:
+    static LRESULT CALLBACK keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                     DWORD_PTR self);
     LRESULT paint(NMLVCUSTOMDRAW& draw) const;
     int find(int start, UINT flags, const std::wstring& typed) const;
     void fitColumns() const;
