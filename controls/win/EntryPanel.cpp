@@ -35,6 +35,11 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
             CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, L"", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0,
                             0, 0, 0, m_window, nullptr, ControlClasses::instance(), nullptr);
         SendMessageA(made, TTM_SETMAXTIPWIDTH, 0, m_fonts->x(240));
+        // For a window without icons the system loads its own when it is first shown, which needs the loader's lock. A
+        // thread that unmaps the library holds that, and the panel would never be gone.
+        const auto icon = reinterpret_cast<LPARAM>(LoadIconA(nullptr, MAKEINTRESOURCEA(32512)));
+        SendMessageA(made, WM_SETICON, ICON_BIG, icon);
+        SendMessageA(made, WM_SETICON, ICON_SMALL, icon);
         return made;
     };
     m_tooltip = tip();

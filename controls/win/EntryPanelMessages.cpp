@@ -283,7 +283,6 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             return 0;
         case kShowRefusal: {
-            // The system loads what a balloon needs when it shows one, for which the unloading thread has the lock.
             if (!m_refusing || m_host.leaving()) {
                 return 0;
             }

@@ -1,0 +1,116 @@
+// Reasons are shown while another thread unmaps libraries.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <vector>
+
+#include "controls/win/ControlClasses.h"
+#include "controls/win/EntryPanel.h"
+
+namespace {
+
+using namespace zoka;
+
+struct Rows : RowEditing, RowsListener {
+    Rows() {
+        setListener(this);
+        made.emplace_back(EntryFacts{.field = EntryField::IntField, .label = "Depth", .value = "5"});
+        showRows(made);
+    }
+    void rowsReplaced() override {}
+    void valuesChanged() override {}
+    std::vector<EntryModel> made;
+};
+
+struct Host : RowHost {
+    void rowFocused(size_t) override {}
+    void rowMenu(size_t, HWND, POINT) override {}
+    void filterDropped() override {}
+    bool shortcut(WPARAM) override { return false; }
+};
+
+// The lock that a thread holds while it loads or frees a library.
+class LoaderLock {
+public:
+    LoaderLock() {
+        call<LONG(WINAPI*)(ULONG, ULONG*, ULONG_PTR*)>("LdrLockLoaderLock")(0, nullptr, &m_cookie);
+    }
+    ~LoaderLock() { call<LONG(WINAPI*)(ULONG, ULONG_PTR)>("LdrUnlockLoaderLock")(0, m_cookie); }
+
+private:
+    template <class Function>
+    static Function call(const char* name) {
+        const FARPROC found = GetProcAddress(GetModuleHandleA("ntdll"), name);
+        Function function;
+        std::memcpy(&function, &found, sizeof function);
+        return function;
+    }
+    ULONG_PTR m_cookie = 0;
+};
+
+struct Panel {
+    HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, nullptr),
+           shown = CreateEventA(nullptr, TRUE, FALSE, nullptr),
+           go = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    std::atomic<bool> isVisible{false};
+};
+
+BOOL CALLBACK findTip(HWND window, LPARAM found) {
+    char name[32] = "";
+    GetClassNameA(window, name, sizeof name);
+    if (lstrcmpiA(name, TOOLTIPS_CLASSA) == 0 && IsWindowVisible(window)) {
+        *reinterpret_cast<bool*>(found) = true;
+    }
+    return TRUE;
+}
+
+DWORD WINAPI panelMain(void* data) {
+    auto& panel = *static_cast<Panel*>(data);
+    const ControlClasses classes;
+    const WindowFonts fonts;
+    Rows rows;
+    Host host;
+    EntryPanel entries(rows, host);
+    const HWND parent = CreateWindowExA(0, "STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 300, 200, nullptr,
+                                        nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND window = entries.create(parent, 1, fonts);
+    MSG message;
+    const auto settle = [&message] {
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageA(&message);
+        }
+    };
+    settle();
+    SetEvent(panel.ready);
+    WaitForSingleObject(panel.go, INFINITE);
+    entries.showRefusal(window, "That is no number.");
+    settle();
+    bool isVisible = false;
+    EnumThreadWindows(GetCurrentThreadId(), findTip, reinterpret_cast<LPARAM>(&isVisible));
+    panel.isVisible = isVisible;
+    SetEvent(panel.shown);
+    DestroyWindow(parent);
+    return 0;
+}
+
+TEST(EntryPanel, ShowsAReasonWithoutTheLoadersLock) {
+    Panel panel;
+    const HANDLE thread = CreateThread(nullptr, 0, panelMain, &panel, 0, nullptr);
+    ASSERT_EQ(WaitForSingleObject(panel.ready, 60000), WAIT_OBJECT_0);
+    {
+        const LoaderLock held;
+        SetEvent(panel.go);
+        EXPECT_EQ(WaitForSingleObject(panel.shown, 20000), WAIT_OBJECT_0) << "it waits for the lock";
+    }
+    ASSERT_EQ(WaitForSingleObject(thread, 60000), WAIT_OBJECT_0);
+    EXPECT_TRUE(panel.isVisible);
+    for (const HANDLE handle : {thread, panel.ready, panel.shown, panel.go}) {
+        CloseHandle(handle);
+    }
+}
+
+}  // namespace
