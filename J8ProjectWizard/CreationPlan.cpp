@@ -15,8 +15,7 @@ std::string shortened(const std::string& name) {
     return name.size() <= kMost ? name : name.substr(0, kMost) + "...";
 }
 
-std::string refusalOf(const char* what, const std::string& name) {
-    const std::string why = nameRefusal(name);
+std::string refusalOf(const char* what, const std::string& name, const std::string& why) {
     return why.empty() ? why : std::string(what) + " \"" + shortened(name) + "\" " + why + ".";
 }
 
@@ -31,9 +30,9 @@ PlannedFile planFile(const XMLNode& element, const std::string* folder) {
         return file;
     }
     file.source = kTemplatesRoot + (in.empty() ? in : in + "\\") + name;
-    file.refusal = refusalOf("The file name", name);
+    file.refusal = refusalOf("The file name", name, fileNameRefusal(name));
     if (file.refusal.empty()) {
-        file.refusal = refusalOf("The folder name", in);
+        file.refusal = refusalOf("The folder name", in, nameRefusal(in));
     }
     if (folder) {
         file.target = *folder + name;
@@ -54,9 +53,6 @@ PlannedSet planSet(const XMLNode& element, const std::string* target,
     }
     set.target = target ? *target : std::string(fileNameOf(base.source));
     set.refusal = base.refusal;
-    if (set.refusal.empty() && set.target.empty()) {
-        set.refusal = "The file name \"" + base.source + "\" ends with a separator.";
-    }
     for (const char* extension : extensions) {
         PlannedFile file = base;
         file.source += extension;
@@ -114,7 +110,7 @@ PlannedFolder planFolder(const XMLNode& element) {
     folder.place = element.place();
     folder.name = pathFromXml(xmlAttribute(element, "name"));
     folder.isNameless = folder.name.empty();
-    folder.refusal = refusalOf("The folder name", folder.name);
+    folder.refusal = refusalOf("The folder name", folder.name, nameRefusal(folder.name));
     if (folder.name == ".") {
         folder.name.clear();
     }

@@ -52,6 +52,12 @@ std::string nameRefusal(std::string_view name) {
     return {};
 }
 
+std::string fileNameRefusal(std::string_view name) {
+    const std::string_view last = name.substr(name.find_last_of("\\/") + 1);
+    std::string refusal = nameRefusal(name);
+    return refusal.empty() && (last.empty() || last == ".") ? "is no name of a file" : refusal;
+}
+
 std::string plainNameRefusal(std::string_view name) {
     return name == "."                              ? "is no name of a file"
            : name.find_first_of("\\/") != name.npos ? "holds a separator of folders"

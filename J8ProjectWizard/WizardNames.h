@@ -11,6 +11,8 @@ namespace zoka {
 // keep as it is. In words that go on after the name: "leads out of its folder". Empty when nothing is wrong;
 // "." and ".\" are fine.
 std::string nameRefusal(std::string_view name);
+// The same for a file's name: "maps\" and "." name none.
+std::string fileNameRefusal(std::string_view name);
 // The same for a name that may have no folders in front, as the user types it.
 std::string plainNameRefusal(std::string_view name);
 
