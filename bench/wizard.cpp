@@ -1,4 +1,6 @@
 // Project wizards: listing them against pugixml's parse of the same files, making a project against cp -r of the tree.
+#include <sys/resource.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <pugixml.hpp>
@@ -66,6 +68,17 @@ void benchListing() {
     row("list 500 wizards", times, "pugixml parses the files", 1.5);
 }
 
+// Milliseconds of the processor, the system's work for it included, that this program or its children have taken. Making
+// files waits for the disk so unevenly that the clock on the wall gives any ratio between a seventh and two.
+double processorTime(int whose) {
+    rusage used{};
+    getrusage(whose, &used);
+    const auto ms = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return ms(used.ru_utime) + ms(used.ru_stime);
+}
+
 // As one folder and as a hundred.
 void benchCreation(int folders) {
     const test::TempFolder suite;
@@ -96,20 +109,20 @@ void benchCreation(int folders) {
             data.m_strName = "Large";
             data.m_strLevelMap = "main";
             data.m_strProjectFolder = suite.path("made");
-            const double time = millisecondsOf([&] {
-                if (wizards.Run(data, 0) != 0) {
-                    std::abort();
-                }
-            });
+            const double start = processorTime(RUSAGE_SELF);
+            if (wizards.Run(data, 0) != 0) {
+                std::abort();
+            }
+            const double time = processorTime(RUSAGE_SELF) - start;
             std::filesystem::remove_all(made);
             return time;
         },
         [&] {
-            const double time = millisecondsOf([&copy] {
-                if (std::system(copy.c_str()) != 0) {
-                    std::abort();
-                }
-            });
+            const double start = processorTime(RUSAGE_CHILDREN);
+            if (std::system(copy.c_str()) != 0) {
+                std::abort();
+            }
+            const double time = processorTime(RUSAGE_CHILDREN) - start;
             std::filesystem::remove_all(made);
             return time;
         });

@@ -33,8 +33,8 @@ struct LargeFolder {
     KeyedMap<std::string, std::vector<std::string>> names;  // by their lower case
 };
 
-constexpr std::ptrdiff_t kLargeFrom = 256;  // entries; fewer are read anew each time
-constexpr int kGoodFor = 20;                // times as long as reading the folder took
+constexpr std::ptrdiff_t kLargeFrom = 16;  // entries; fewer are read anew each time
+constexpr int kGoodFor = 20;               // times as long as reading the folder took
 constexpr size_t kFoldersKept = 4;
 
 std::mutex g_largeMutex;
@@ -70,15 +70,9 @@ std::vector<std::string> readNames(const std::string& folder, std::string_view n
     return equal;
 }
 
-// The entry of `folder` that equals `name` but for case; empty when there is none.
-std::string findNoCase(std::string folder, std::string_view name) {
-    if (folder.empty()) {
-        folder = "./";
-    }
-    struct stat info;
-    if (stat(folder.c_str(), &info) != 0) {
-        return {};
-    }
+// The entry of `folder`, which ends with a slash, that equals `name` but for case; empty when there is none. `info` is the
+// folder's own.
+std::string findNoCase(const std::string& folder, std::string_view name, const struct stat& info) {
     const std::scoped_lock lock(g_largeMutex);
     const auto known = std::ranges::find_if(g_large, [&info](const LargeFolder& one) {
         return one.device == info.st_dev && one.number == info.st_ino;
@@ -102,28 +96,39 @@ std::string findNoCase(std::string folder, std::string_view name) {
 
 }  // namespace
 
-std::string toNativePath(std::string_view path) {
+std::string withSlashes(std::string_view path) {
     if (path.size() > 1 && path[1] == ':') {
         path.remove_prefix(2);
     }
     std::string native(path);
     std::ranges::replace(native, '\\', '/');
+    return native;
+}
+
+std::string toNativePath(std::string_view path) {
+    std::string native = withSlashes(path);
     if (native.empty() || existsNative(native)) {
         return native;
     }
     std::string found;  // the part of the path that was found so far, up to and with its last slash
     size_t at = 0;
+    struct stat info;
     // Mostly the folder is there as it is spelled, and only the file is yet to be made.
     const size_t slash = native.find_last_of('/', native.size() - 2);
-    if (slash != native.npos && existsNative(native.substr(0, slash + 1))) {
+    if (slash != native.npos && stat(native.substr(0, slash + 1).c_str(), &info) == 0) {
         found = native.substr(0, slash + 1);
         at = slash + 1;
+        if (!native.ends_with('/')) {
+            const std::string part = findNoCase(found, native.substr(at), info);
+            return part.empty() ? native : found + part;
+        }
     }
     while (at < native.size()) {
         const size_t end = std::min(native.find('/', at), native.size());
         std::string part = native.substr(at, end - at);
         if (!part.empty() && !existsNative(found + part)) {
-            part = findNoCase(found, part);
+            const std::string folder = found.empty() ? "./" : found;
+            part = stat(folder.c_str(), &info) == 0 ? findNoCase(folder, part, info) : "";
             if (part.empty()) {
                 return found + native.substr(at);
             }

@@ -10,9 +10,11 @@ namespace zoka {
 // and it serves as every drive ("C:\a\b" is "/a/b", "C:a" is "a"). Backslashes become slashes. Where that
 // name does not exist, each part that isn't there is looked for without regard to case (the first match in
 // the order of bytes); parts that are found in no spelling stay as given, for what is yet to be made. In a folder
-// of hundreds of files, one that another program makes under another spelling may be seen some milliseconds late.
-// [any thread]
+// of many files, one that another program makes under another spelling may be seen twenty times as late as reading the
+// folder takes: milliseconds for thousands of files. [any thread]
 std::string toNativePath(std::string_view path);
+// The same as it is spelled, without a look at the disk.
+std::string withSlashes(std::string_view path);
 
 // The other way: backslashes, and "C:" in front of a path from the root.
 std::string fromNativePath(std::string_view nativePath);

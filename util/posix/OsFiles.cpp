@@ -184,10 +184,14 @@ public:
             const auto all = matches(path, true);
             return all.empty() ? std::nullopt : std::optional(all.front());
         }
-        const std::string native = toNativePath(path);
+        std::string native = withSlashes(path);
         struct stat info;
-        if (native.empty() || !statEntry(native, info)) {
-            return std::nullopt;
+        if (stat(native.c_str(), &info) !=
+            0) {  // as few questions as can be about what is there as it is spelled
+            native = toNativePath(path);
+            if (native.empty() || !statEntry(native, info)) {
+                return std::nullopt;
+            }
         }
         return describe(native.substr(native.rfind('/') + 1), info);
     }
