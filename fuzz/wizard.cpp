@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (folder.isNameless || !folder.refusal.empty()) {
             continue;
         }
-        mustStay("C:\\games\\g\\", folder.name);
+        mustStay("C:\\games\\g\\", zoka::withSeparator(folder.name));  // "./." is the project folder itself
         for (const zoka::PlannedFile& file : folder.files) {
             mustStay(file, {});
         }
