@@ -10,6 +10,20 @@ void stop(const std::string& why) {
     std::exit(1);
 }
 
+void mustBe(const Outcome& outcome) {
+    if (!outcome) {
+        stop(outcome.why());
+    }
+}
+
+int runWithPlugin(int argc, char** argv, const char* name, int (*run)(const std::string& dll)) {
+    if (argc != 2) {
+        std::fprintf(stderr, "%s DLL\n", name);
+        return 2;
+    }
+    return run(argv[1]);
+}
+
 double millisecondsOf(const std::function<void()>& work) {
     LARGE_INTEGER frequency, start, end;
     QueryPerformanceFrequency(&frequency);

@@ -6,10 +6,16 @@
 #include <functional>
 #include <string>
 
+#include "util/Outcome.h"
+
 namespace zoka::bench {
 
 // Ends the program with `why` and status 1.
 [[noreturn]] void stop(const std::string& why);
+// The same with a refusal's reason.
+void mustBe(const Outcome& outcome);
+// The program called `name`, whose one argument is the plug-in: its exit status.
+int runWithPlugin(int argc, char** argv, const char* name, int (*run)(const std::string& dll));
 
 double millisecondsOf(const std::function<void()>& work);
 

@@ -101,9 +101,5 @@ int run(const std::string& dllPath) {
 }  // namespace zoka::bench
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "bench_behavior_panel DLL\n");
-        return 2;
-    }
-    return zoka::bench::run(argv[1]);
+    return zoka::bench::runWithPlugin(argc, argv, "bench_behavior_panel", zoka::bench::run);
 }

@@ -192,10 +192,8 @@ int run(const std::string& dll) {
     CallLog log(GetCurrentThreadId());
     Editor editor(log);
     editor.host().setSuite(folder.path(), "templates");
-    std::string error;
-    if (!editor.openProject(folder.path(), error) || !editor.loadPlugin(dll, error)) {
-        stop(error);
-    }
+    mustBe(editor.openProject(folder.path()));
+    mustBe(editor.loadPlugin(dll));
 
     std::vector<std::vector<std::uint32_t>> found;
     std::vector<size_t> counts;
@@ -237,9 +235,5 @@ int run(const std::string& dll) {
 }  // namespace zoka::bench
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "bench_window DLL\n");
-        return 2;
-    }
-    return zoka::bench::run(argv[1]);
+    return zoka::bench::runWithPlugin(argc, argv, "bench_window", zoka::bench::run);
 }

@@ -92,10 +92,7 @@ bool keys(const std::string& what, double first, double others) {
 void openProject(Editor& editor, const test::TempFolder& folder) {
     folder.write("main.zlm", "level 1\r\n");
     folder.write("main.kez", "// main\r\n\r\n");
-    std::string error;
-    if (!editor.openProject(folder.path(), error)) {
-        stop(error);
-    }
+    mustBe(editor.openProject(folder.path()));
 }
 
 int run(const std::string& dll) {
@@ -105,11 +102,8 @@ int run(const std::string& dll) {
     writeProject(wide, "main", 1, 2, 1, 1, kRows);
     CallLog log(GetCurrentThreadId());
     Editor editor(log);
-    std::string error;
     openProject(editor, large);
-    if (!editor.loadPlugin(dll, error)) {
-        stop(error);
-    }
+    mustBe(editor.loadPlugin(dll));
 
     double opening = 1e9, filling = 1e9, bare = 1e9;
     std::unique_ptr<BareWindows> seen;
@@ -190,9 +184,5 @@ int run(const std::string& dll) {
 }  // namespace zoka::bench
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "bench_project_window DLL\n");
-        return 2;
-    }
-    return zoka::bench::run(argv[1]);
+    return zoka::bench::runWithPlugin(argc, argv, "bench_project_window", zoka::bench::run);
 }

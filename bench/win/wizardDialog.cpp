@@ -45,10 +45,8 @@ int run(const std::string& dll) {
     CallLog log(GetCurrentThreadId());
     Editor editor(log);
     editor.host().setSuite(folder.path(), "templates");
-    std::string error;
-    if (!editor.openProject(folder.path(), error) || !editor.loadPlugin(dll, error)) {
-        stop(error);
-    }
+    mustBe(editor.openProject(folder.path()));
+    mustBe(editor.loadPlugin(dll));
     // Below which the wizards are looked for, and the log is written.
     char before[MAX_PATH] = {};
     if (GetCurrentDirectoryA(sizeof before, before) == 0 || !SetCurrentDirectoryA(folder.path().c_str())) {
@@ -84,9 +82,5 @@ int run(const std::string& dll) {
 }  // namespace zoka::bench
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "bench_wizard_dialog DLL\n");
-        return 2;
-    }
-    return zoka::bench::run(argv[1]);
+    return zoka::bench::runWithPlugin(argc, argv, "bench_wizard_dialog", zoka::bench::run);
 }
