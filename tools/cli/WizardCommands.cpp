@@ -13,6 +13,7 @@
 #include "J8ProjectWizard/NewProjectSession.h"
 #include "J8ProjectWizard/PlanTree.h"
 #include "J8ProjectWizard/WizardFindings.h"
+#include "tools/cli/AddCommand.h"
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
@@ -366,29 +367,22 @@ ExitStatus create(WizardOptions options) {
 }  // namespace
 
 void addWizardCommands(CLI::App& app, Work& chosen) {
-    const auto add = [&chosen](CLI::App& group, const char* name, const char* what,
-                               const std::string& example,
-                               const std::function<ExitStatus(const WizardOptions&)>& work, auto&& more) {
-        CLI::App* command = group.add_subcommand(name, what);
-        const auto options = std::make_shared<WizardOptions>();
-        more(*command, *options);
-        command->add_flag("--json", options->json, "Print JSON");
-        setExample(*command, example);
-        command->callback([=, &chosen] { chosen = [=] { return work(*options); }; });
-    };
     const auto suite = [](CLI::App& command, WizardOptions& options) {
         command.add_option("FOLDER", options.suite,
                            "The suite's folder, which holds templates (default: the current one)");
     };
     CLI::App* wizard = app.add_subcommand("wizard", "The suite's project wizards");
     setExample(*wizard, "zoka wizard list");
-    add(*wizard, "list", "List the wizards", "zoka wizard list", list, suite);
-    add(*wizard, "show", "Show a wizard and what it makes", "zoka wizard show \"Empty project\"", show,
-        [&suite](CLI::App& command, WizardOptions& options) {
-            command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
-            suite(command, options);
-        });
-    add(*wizard, "check", "Tell what is wrong in the wizards' files", "zoka wizard check", check, suite);
+    const auto title = [](CLI::App& command, WizardOptions& options) {
+        command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
+    };
+    addCommand<WizardOptions>(*wizard, {"list", "List the wizards", "zoka wizard list"}, chosen, list, suite);
+    addCommand<WizardOptions>(
+        *wizard, {"show", "Show a wizard and what it makes", "zoka wizard show \"Empty project\""}, chosen,
+        show, title, suite);
+    addCommand<WizardOptions>(*wizard,
+                              {"check", "Tell what is wrong in the wizards' files", "zoka wizard check"},
+                              chosen, check, suite);
 
     // The group may be there already.
     const auto groups =
@@ -398,10 +392,11 @@ void addWizardCommands(CLI::App& app, Work& chosen) {
         project = app.add_subcommand("project", "J8 projects");
         setExample(*project, "zoka project new empty --folder C:\\games\\mine");
     }
-    add(*project, "new", "Make a project with a wizard",
-        "zoka project new \"Empty project\" --name \"My game\" --folder C:\\games\\mine", create,
-        [](CLI::App& command, WizardOptions& options) {
-            command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
+    addCommand<WizardOptions>(
+        *project,
+        {"new", "Make a project with a wizard",
+         "zoka project new \"Empty project\" --name \"My game\" --folder C:\\games\\mine"},
+        chosen, create, title, [](CLI::App& command, WizardOptions& options) {
             command.add_option("--folder", options.folder, "The new project's folder, which must not exist")
                 ->required();
             command.add_option("--name", options.name, "The project's name");
