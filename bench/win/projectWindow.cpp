@@ -123,12 +123,10 @@ int run(const std::string& dll) {
         const ControlsContext controls(GetModuleHandleA("zoka.dll"));
         best(bare, millisecondsOf([&] { seen->open(); }));
     }
-    bool met = row("open on 10,000 entities, 10,000 components", opening,
-                   "bare, " + std::to_string(seen->count()) + " windows", bare, 1.5);
-    std::printf(
-        "    in sight with its controls, and can be closed; the values are there after %.2f ms, %.2f of "
-        "bare\n",
-        filling, filling / bare);
+    const std::string what = "open on 10,000 entities, 10,000 components",
+                      against = "bare, " + std::to_string(seen->count()) + " windows";
+    bool met = row(what + ": in sight", opening, against, bare, 1.5);
+    met = row(what + ": filled", filling, against, bare, 1.5) && met;
     seen.reset();
 
     openProject(editor, many);
