@@ -336,6 +336,9 @@ void EntryWindow::showValue() {
     if (m_track && SendMessageA(m_track, TBM_GETPOS, 0, 0) != model().sliderPosition()) {
         SendMessageA(m_track, TBM_SETPOS, TRUE, model().sliderPosition());
     }
+    if (m_track) {
+        showThumb(m_track, !different);
+    }
     if (facts().field == EntryField::ColourField) {
         InvalidateRect(m_browse, nullptr, FALSE);
     }

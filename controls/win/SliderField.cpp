@@ -52,6 +52,15 @@ HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWi
     return window;
 }
 
+void showThumb(HWND track, bool shown) {
+    const LONG style = GetWindowLongA(track, GWL_STYLE);
+    const LONG wanted = shown ? style & ~TBS_NOTHUMB : style | TBS_NOTHUMB;
+    if (wanted != style) {
+        SetWindowLongA(track, GWL_STYLE, wanted);
+        InvalidateRect(track, nullptr, TRUE);
+    }
+}
+
 LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE: {

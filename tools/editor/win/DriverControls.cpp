@@ -108,7 +108,8 @@ void chooseRow(HWND control, int index) {
 // What a user reads in a control: of a list that shows one item, that item.
 std::string valueOf(HWND control) {
     if (isClass(control, TRACKBAR_CLASSA)) {
-        return std::to_string(ask(control, TBM_GETPOS));
+        const bool isEmpty = (GetWindowLongA(control, GWL_STYLE) & TBS_NOTHUMB) != 0;
+        return isEmpty ? "" : std::to_string(ask(control, TBM_GETPOS));
     }
     if (isClass(control, "ListBox")) {
         const LRESULT chosen = ask(control, LB_GETCURSEL);
