@@ -177,14 +177,26 @@ std::string storedValue(const J8TypedValue& typed, const std::string& shown, con
     return shown == "1" ? "true" : "false";
 }
 
-J8ValueCheck::J8ValueCheck(const J8TypedValue& typed)
-    : m_typed(typed), m_limits(limitsOf(typed.constraints)) {
+J8ValueCheck::J8ValueCheck(const J8TypedValue& typed, Values values)
+    : m_typed(typed), m_values(values), m_limits(limitsOf(typed.constraints)) {
+    if (values == Values::One) {
+        return;
+    }
     for (const J8Enum& entry : typed.enums) {
         m_allowed.insert(entry.value);
     }
     if (typed.enums.empty()) {
         m_allowed.insert(m_limits.list.begin(), m_limits.list.end());
     }
+}
+
+bool J8ValueCheck::isListed(std::string_view value) const {
+    if (m_values == Values::Many) {
+        return m_allowed.contains(value);
+    }
+    return m_typed.enums.empty()
+               ? std::ranges::find(m_limits.list, value) != m_limits.list.end()
+               : std::ranges::find(m_typed.enums, value, &J8Enum::value) != m_typed.enums.end();
 }
 
 // A long list is cut: what isn't in it is told for each value.
@@ -202,14 +214,14 @@ std::string J8ValueCheck::listRefusal() const {
 
 std::string J8ValueCheck::refusal(std::string_view value) const {
     if (!m_typed.enums.empty()) {
-        return m_allowed.contains(value) ? "" : listRefusal();
+        return isListed(value) ? "" : listRefusal();
     }
     if (std::string refusal = refusalOfType(m_typed, value); !refusal.empty()) {
         return refusal;
     }
     const J8Limits& limits = m_limits;
     const J8TypedValue& typed = m_typed;
-    if (!m_allowed.empty() && !m_allowed.contains(trimmed(value))) {
+    if (!m_limits.list.empty() && !isListed(trimmed(value))) {
         return listRefusal();
     }
     const auto number =
@@ -230,7 +242,7 @@ std::string J8ValueCheck::refusal(std::string_view value) const {
 }
 
 std::string valueRefusal(const J8TypedValue& typed, std::string_view value) {
-    return J8ValueCheck(typed).refusal(value);
+    return J8ValueCheck(typed, J8ValueCheck::Values::One).refusal(value);
 }
 
 std::string limitsText(const J8TypedValue& typed) {

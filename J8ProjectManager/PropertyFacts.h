@@ -49,20 +49,24 @@ EntryFacts factsOf(const J8TypedValue& typed, const std::string& value,
 std::string shownValue(const J8TypedValue& typed, const std::string& stored);
 std::string storedValue(const J8TypedValue& typed, const std::string& shown, const std::string& before);
 
-// What the values of one property or skill are held against, made ready for many of them.
+// What the values of one property or skill are held against.
 class J8ValueCheck {
 public:
-    explicit J8ValueCheck(const J8TypedValue& typed);
+    // For many of them the choices are made ready; for one they are gone through.
+    enum class Values { One, Many };
+    explicit J8ValueCheck(const J8TypedValue& typed, Values values = Values::Many);
 
     // Why a file may not hold that value, in words for the user; empty when it may.
     std::string refusal(std::string_view value) const;
 
 private:
     std::string listRefusal() const;
+    bool isListed(std::string_view value) const;
 
     J8TypedValue m_typed;
+    Values m_values;
     J8Limits m_limits;
-    std::set<std::string, std::less<>> m_allowed;  // the enumeration's values or those of the list
+    std::set<std::string, std::less<>> m_allowed;  // of many: the enumeration's values or those of the list
 };
 // The same for one value.
 std::string valueRefusal(const J8TypedValue& typed, std::string_view value);
