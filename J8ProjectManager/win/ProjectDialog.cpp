@@ -10,6 +10,7 @@
 #include "J8ProjectManager/win/ProjectLists.h"
 #include "controls/win/ControlClasses.h"
 #include "ui/win/TextWindow.h"
+#include "util/OsFiles.h"
 #include "util/PathRules.h"
 
 namespace zoka {
@@ -19,8 +20,10 @@ namespace {
 constexpr const char* kTitle = "Project Manager";
 enum { kUndo = 1050, kRedo, kChanges, kReload, kSave };
 constexpr UINT kLoaded = WM_APP + 30;
-// What is loaded within that time comes into sight with the window.
-constexpr DWORD kLoadsAtOnce = 10;  // milliseconds
+// What is loaded within that time comes into sight with the window: nobody notices it, and nothing flickers. A project
+// file that is not large is waited for longer, as it takes so long only where the disk or the processor is busy.
+constexpr DWORD kLoadsAtOnce = 10, kSmallLoadsAtOnce = 1000;  // milliseconds
+constexpr std::uint64_t kSmall = 256 * 1024;                 // bytes
 
 // What the next window of this process opens with.
 PlaceMemory g_place;
@@ -96,7 +99,8 @@ private:
 
 void ProjectDialog::run(const std::string& projectFile) {
     m_load.emplace(projectFile, m_model);
-    if (!m_load->isDone(kLoadsAtOnce)) {
+    const auto file = osFiles().search(projectFile);
+    if (!m_load->isDone(file && file->size < kSmall ? kSmallLoadsAtOnce : kLoadsAtOnce)) {
         m_load->giveWay();
     } else if (!takeLoaded()) {
         return;
