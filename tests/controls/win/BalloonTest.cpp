@@ -75,8 +75,8 @@ DWORD WINAPI panelMain(void* data) {
     Rows rows;
     Host host;
     EntryPanel entries(rows, host);
-    const HWND parent = CreateWindowExA(0, "STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 300, 200, nullptr,
-                                        nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND parent = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                                        nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
     const HWND window = entries.create(parent, 1, fonts);
     MSG message;
     const auto settle = [&message] {
