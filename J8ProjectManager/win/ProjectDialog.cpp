@@ -23,7 +23,7 @@ constexpr UINT kLoaded = WM_APP + 30;
 // What is loaded within that time comes into sight with the window: nobody notices it, and nothing flickers. A project
 // file that is not large is waited for longer, as it takes so long only where the disk or the processor is busy.
 constexpr DWORD kLoadsAtOnce = 10, kSmallLoadsAtOnce = 1000;  // milliseconds
-constexpr std::uint64_t kSmall = 256 * 1024;                 // bytes
+constexpr std::uint64_t kSmall = 256 * 1024;                  // bytes
 
 // What the next window of this process opens with.
 PlaceMemory g_place;
