@@ -30,6 +30,7 @@ bool BuildNotesReport(std::string& text, ZunEditorInterface& host, const CTempla
     for (size_t i = 0; i < names.size(); ++i) {
         const std::string& name = names[i];
         if (!mayContinue(progress, i, names.size(), name)) {
+            text += kStoppedText + std::string("\r\n");
             return false;
         }
         if (folders.LocateScript(name) == ScriptPlace::NotFound) {

@@ -12,6 +12,9 @@ namespace zoka {
 // The plug-in's version as the report names it.
 inline constexpr const char* kReportVersion = "2.1";
 
+// The last line of a report that was stopped.
+inline constexpr const char* kStoppedText = "Stopped: the scripts below this line were not looked at.";
+
 // Builds the report, lines ended with CR LF. A script that is found nowhere is marked with "!", one that
 // isn't a template with "(USER)", one whose copy differs from the template with the template's version and
 // date. `mainScriptPath` is empty when the project has none; the report then says so and the result is false.

@@ -302,9 +302,9 @@ std::string ScriptManagerSession::notes(JobProgress* progress) {
 
 // --- Update
 
-const std::vector<UpdateEntry>& ScriptManagerSession::updates() {
+const std::vector<UpdateEntry>& ScriptManagerSession::updates(JobProgress* progress) {
     if (!m_updatesListed) {
-        m_update.FillUpdateList(false);
+        m_update.FillUpdateList(false, progress);
     }
     m_updatesListed = true;
     return m_update.entries();

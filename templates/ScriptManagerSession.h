@@ -119,7 +119,9 @@ public:
     std::string notes(JobProgress* progress = nullptr);
 
     // --- Update
-    const std::vector<UpdateEntry>& updates();
+    // Compares every script when the list is not known yet, which `progress` may stop; what was found till then is listed.
+    const std::vector<UpdateEntry>& updates(JobProgress* progress = nullptr);
+    bool areUpdatesKnown() const { return m_updatesListed; }
     // What the update page says when updates() is empty.
     std::string nothingListedText() const { return m_update.nothingListedText(); }
     // What updating an entry will do.

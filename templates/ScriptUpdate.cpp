@@ -56,11 +56,11 @@ std::vector<OwnLines> UpdatePlan::ownLines() const {
     return own;
 }
 
-int ScriptUpdate::FillUpdateList(bool showAll) {
+int ScriptUpdate::FillUpdateList(bool showAll, JobProgress* progress) {
     m_entries.clear();
     m_differing.clear();
     m_unread.clear();
-    m_ownScripts = false;
+    m_ownScripts = m_stopped = false;
     std::vector<std::string> names;
     if (const auto mainPath = m_host.GetMainScriptPath()) {
         if (const Outcome read = readIncludes(*mainPath, names); !read) {
@@ -75,7 +75,12 @@ int ScriptUpdate::FillUpdateList(bool showAll) {
     ScriptFolders folders(m_host);
     folders.listOnce();
     std::map<std::string, Copies> compared;  // by lowered names: one may be included twice
-    for (const std::string& name : names) {
+    for (size_t i = 0; i < names.size(); ++i) {
+        const std::string& name = names[i];
+        if (!mayContinue(progress, i, names.size(), name)) {
+            m_stopped = true;
+            break;
+        }
         const auto record = templateRecordOf(m_catalogue, name);
         if (!record) {
             m_ownScripts = true;
@@ -138,6 +143,9 @@ std::string ScriptUpdate::nothingListedText() const {
             text += "\n" + why;
         }
         return text;
+    }
+    if (m_stopped) {
+        return "Stopped: not every script was compared.";
     }
     if (!m_differing.empty()) {
         return "Versions and dates are the template folder's, but these scripts have other lines or "

@@ -48,8 +48,8 @@ public:
     // Rebuilds the list from the include block: an entry for each script whose needs are not all included,
     // and one for each script of the project folder whose version or date differs from the template's, or
     // with `showAll` for each one at all. A script can have both; a numbered copy is compared with its
-    // template. Each file is read once. Always 1.
-    int FillUpdateList(bool showAll);
+    // template. Each file is read once. `progress` may stop it: the list then ends there. Always 1.
+    int FillUpdateList(bool showAll, JobProgress* progress = nullptr);
     const std::vector<UpdateEntry>& entries() const { return m_entries; }
     // What the page says when nothing is listed: whether all is as the template folder has it, or which scripts
     // differ though their versions and dates don't.
@@ -98,6 +98,7 @@ private:
     std::vector<UpdateEntry> m_entries;
     std::vector<std::string> m_differing;  // same version and date, other bytes; or unreadable
     std::vector<std::string> m_unread;     // why files could not be compared
+    bool m_stopped = false;                // the list is not complete
     bool m_ownScripts = false;             // the project includes scripts that are no templates
     std::vector<std::string> m_problems, m_updated, m_included, m_leftAlone;
     size_t m_halfDone = 0;  // how many of the problems are such

@@ -93,10 +93,7 @@ void CJ8WizardNewDlg::createControls() {
         const int id = kFirstField + static_cast<int>(i);
         field.label = makeLabel(window(), kLabels[i], fonts());
         if (field.which == NewProjectField::Docs) {
-            field.edit = makeControl(window(), "EDIT", "",
-                                     WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN,
-                                     WS_EX_CLIENTEDGE, id, fonts().text());
-            SendMessageA(field.edit, EM_SETLIMITTEXT, 0, 0);
+            field.edit = makeText(window(), id, fonts().text());
         } else {
             field.edit = makeField(window(), id, fonts());
         }

@@ -35,8 +35,8 @@ void rehearse() {
         CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 90, 90, nullptr, nullptr, g_instance, nullptr);
     const HDC screen = GetDC(nullptr), canvas = CreateCompatibleDC(screen);
     const std::pair<const char*, DWORD> kinds[] = {
-        {"EDIT", WS_BORDER}, {"BUTTON", BS_PUSHBUTTON},      {"BUTTON", BS_AUTOCHECKBOX},
-        {"STATIC", SS_LEFT}, {"COMBOBOX", CBS_DROPDOWNLIST}, {TRACKBAR_CLASSA, 0},
+        {"EDIT", WS_BORDER}, {"BUTTON", BS_PUSHBUTTON},    {"BUTTON", BS_AUTOCHECKBOX},
+        {"STATIC", SS_LEFT}, {"COMBOBOX", kDropListStyle}, {TRACKBAR_CLASSA, 0},
         {UPDOWN_CLASSA, 0},  {TOOLTIPS_CLASSA, 0},
     };
     for (const auto& [name, style] : kinds) {

@@ -31,7 +31,7 @@ std::string withCrLf(const std::string& text) {
 }
 
 // A button would underline the character after a single '&'.
-std::string switchText(const std::string& label) {
+std::string buttonText(const std::string& label) {
     std::string shown;
     for (const char c : label) {
         shown.append(c == '&' ? "&&" : std::string(1, c));
@@ -138,11 +138,11 @@ void EntryWindow::makeControls(const Parts& at) {
             }
             return;
         case EntryField::Heading:
-            m_field =
-                make("BUTTON", is.label, BS_OWNERDRAW | WS_TABSTOP, 0, kField, m_panel.boldFont(), at.field);
+            m_field = make("BUTTON", buttonText(is.label), BS_OWNERDRAW | WS_TABSTOP, 0, kField,
+                           m_panel.boldFont(), at.field);
             return;
         case EntryField::Switch:
-            m_field = make("BUTTON", switchText(is.label), BS_3STATE | WS_TABSTOP, 0, kField, text, at.field);
+            m_field = make("BUTTON", buttonText(is.label), BS_3STATE | WS_TABSTOP, 0, kField, text, at.field);
             return;
         default:
             break;
@@ -167,8 +167,7 @@ void EntryWindow::makeControls(const Parts& at) {
             SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
             break;
         case EntryField::DropList:
-            m_field =
-                make("COMBOBOX", "", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, 0, kField, text, at.field);
+            m_field = make("COMBOBOX", "", kDropListStyle, 0, kField, text, at.field);
             placeDropList(m_field, at.field.x, at.field.y, at.field.width, at.field.height);
             break;
         case EntryField::ColourField:
@@ -181,7 +180,7 @@ void EntryWindow::makeControls(const Parts& at) {
             m_browse = make("BUTTON", "Browse...", BS_PUSHBUTTON | WS_TABSTOP, 0, kBrowse, text, at.button);
             break;
         default:
-            edit("EDIT", isMultiLine() ? ES_MULTILINE | ES_WANTRETURN | WS_VSCROLL : 0);
+            edit("EDIT", isMultiLine() ? ES_MULTILINE | ES_WANTRETURN | ES_AUTOVSCROLL : 0);
             break;
     }
     if (isEdit() && !isMultiLine() && m_field) {
@@ -234,7 +233,7 @@ void EntryWindow::fitSwitchText() {
         SelectObject(dc, old);
         ReleaseDC(m_field, dc);
     }
-    setText(m_field, switchText(narrowText(shown, codePage())), codePage());
+    setText(m_field, buttonText(narrowText(shown, codePage())), codePage());
 }
 
 bool EntryWindow::canTakeOver(size_t row) const {
@@ -250,7 +249,7 @@ void EntryWindow::takeOver(size_t row) {
     m_row = row;
     const EntryFacts& is = facts();
     if (is.field != EntryField::Switch) {
-        setText(m_label ? m_label : m_field, is.label, codePage());
+        setText(m_label ? m_label : m_field, m_label ? is.label : buttonText(is.label), codePage());
     }
     if (is.field == EntryField::DropList) {
         m_choices.refill(before, is);
@@ -293,8 +292,6 @@ void EntryWindow::setFieldText(const std::string& value) {
     SetWindowTextW(m_field, wideText(shown, CP_UTF8).c_str());
     if (GetFocus() == m_field) {
         SendMessageA(m_field, EM_SETSEL, 0, -1);
-    } else {
-        showBeginning();
     }
     m_updating = false;
 }

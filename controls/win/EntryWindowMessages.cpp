@@ -8,6 +8,7 @@
 #include "controls/win/EntryPanel.h"
 #include "controls/win/EntryWindow.h"
 #include "ui/win/Window.h"
+#include "ui/win/WindowKit.h"
 
 namespace zoka {
 
@@ -139,7 +140,11 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
                                   [window](const auto& one) { return one.first == window; });
     // A menu's loop inside may free this row.
     const bool centred = m_centred && window == m_field;
+    const bool scrolls = isMultiLine() && window == m_field;
     const LRESULT answer = CallWindowProcW(own->second, window, message, wParam, lParam);
+    if (scrolls) {
+        fitScrollBar(window, message);
+    }
     return centred ? centredFieldAnswer(window, message, lParam, answer) : answer;
 }
 
@@ -198,6 +203,9 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_DRAWITEM:
+            if (lParam && drawChoice(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) {
+                return TRUE;
+            }
             if (lParam && facts().field == EntryField::Heading) {
                 drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
             } else if (lParam && facts().field == EntryField::ColourField) {

@@ -120,8 +120,7 @@ void RowsDialog::createControls() {
     const HFONT font = fonts().text();
     if (m_look.chooserLabel) {
         makeControl(window(), "STATIC", m_look.chooserLabel, 0, 0, chooserLabelId(), font);
-        m_view->join(makeControl(window(), "COMBOBOX", "", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, 0,
-                                 chooserId(), font));
+        m_view->join(makeControl(window(), "COMBOBOX", "", kDropListStyle, 0, chooserId(), font));
         for (const int id : {chooserLabelId(), chooserId()}) {
             ShowWindow(button(id), SW_HIDE);
         }

@@ -98,6 +98,10 @@ int UpdatePage::chosen() const {
 }
 
 void UpdatePage::showEntries() {
+    if (!session().areUpdatesKnown()) {
+        m_frame.runJob("Comparing the project's scripts",
+                       [this](JobProgress& progress) { session().updates(&progress); });
+    }
     const std::vector<UpdateEntry>& entries = session().updates();
     setText(m_label, "&Scripts that differ from the template folder: " + std::to_string(entries.size()));
     SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);

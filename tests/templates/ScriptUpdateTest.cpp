@@ -331,6 +331,21 @@ TEST(ScriptUpdate, CanBeStoppedBetweenTwoScripts) {
     EXPECT_TRUE(f.update.updated().empty());
 }
 
+TEST(ScriptUpdate, ListingCanBeStopped) {
+    TwoOld f;
+    f.prompt.answers.clear();
+    ASSERT_EQ(f.update.entries().size(), 2U);
+    StopAfter three(3), none(0);
+    f.update.FillUpdateList(false, &three);
+    ASSERT_EQ(f.update.entries().size(), 1U);
+    EXPECT_EQ(f.update.entries()[0].fileName, "weather.kez");
+    f.update.FillUpdateList(false, &none);
+    EXPECT_TRUE(f.update.entries().empty());
+    EXPECT_EQ(f.update.nothingListedText(), "Stopped: not every script was compared.");
+    f.update.FillUpdateList(false);
+    EXPECT_EQ(f.update.entries().size(), 2U);
+}
+
 TEST(ScriptUpdate, TwoWritersOfTheMainScriptLoseNothing) {
     Project project("// main\r\n\r\n");
     const std::string path = project.folder.path("main.kez"), text = project.main();
@@ -398,4 +413,8 @@ TEST(NotesReport, ListsEveryInclude) {
                         "!gone.kez  (USER)\r\n"
                         "weather.kez  (1) (-1)\r\n"
                         "!lost.kez  (-1) (-1)\r\n");
+    StopAfter one(1);
+    EXPECT_FALSE(BuildNotesReport(text, f.project.host, f.catalogue, mainPath, &one));
+    EXPECT_EQ(text, head + "Main Script: " + mainPath + "\r\n\r\nfog.kez  (3) (260101)\r\n" +
+                        "Stopped: the scripts below this line were not looked at.\r\n");
 }

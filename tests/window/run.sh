@@ -9,6 +9,7 @@
 #   #: says TEXT     a text that the process must write on its output; may be repeated
 #   #: options TEXT  further options of zunhost
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
+#   #: scripts N     the project includes that many scripts of such a catalogue, which are in its folder and in the template folder
 #   #: wizard N      there is a wizard "Many files", which copies N files
 #   #: wizards N     there are N more wizards, "Wizard 1" and so on, each of 20 files
 #   #: script N      the project's main script has that many values to customize
@@ -76,6 +77,22 @@ large_catalogue() { # scripts
         }
         print "</TavrixTemplate>"
     }'
+}
+
+# That many of its scripts, in both folders, and a main script that includes them.
+large_project() { # scripts, templates folder, project folder
+    awk -v scripts="$1" -v templates="$2" -v project="$3" 'BEGIN {
+        print "// main"
+        for (i = 0; i < scripts; i++) {
+            text = sprintf("// title: Script %d\r\n// ver: 3\r\n// date: 260101\r\n\r\nvar v%d = 1;\r\n", i, i)
+            file = "/script_" i ".kez"
+            printf "%s", text >(templates file)
+            close(templates file)
+            printf "%s", text >(project file)
+            close(project file)
+            printf "include <script_%d.kez>;\r\n", i
+        }
+    }' >"$3/main.kez"
 }
 
 # A wizard of that many files.
@@ -160,6 +177,8 @@ run_test() { # script[@part]
     if lay_out "$folder"; then
         large=$(directives "$script" catalogue)
         [ -z "$large" ] || large_catalogue "$large" >"$folder/suite/templates/template_6.xml"
+        large=$(directives "$script" scripts)
+        [ -z "$large" ] || large_project "$large" "$folder/suite/templates" "$folder/project"
         large=$(directives "$script" wizard)
         [ -z "$large" ] || large_wizard "$large" "$folder/suite/templates"
         large=$(directives "$script" wizards)

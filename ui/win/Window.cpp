@@ -60,6 +60,9 @@ std::optional<LRESULT> Window::dispatch(UINT message, WPARAM wParam, LPARAM lPar
             created();
             return 0;
         }
+        if (message == WM_DRAWITEM && drawChoice(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) {
+            return TRUE;
+        }
         return this->message(message, wParam, lParam);
     } catch (...) {
         m_failed = true;

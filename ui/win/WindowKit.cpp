@@ -51,29 +51,24 @@ LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPAR
                 return 0;
             }
             break;
-        case WM_SETTEXT:
-        case WM_SIZE: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            showScrollBarAsNeeded(window);
-            return result;
-        }
         case WM_NCDESTROY:
             RemoveWindowSubclass(window, readOnlyTextProc, id);
             break;
         default:
             break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    fitScrollBar(window, message);
+    return result;
 }
 
-int textHeightOf(HWND control) {
-    TEXTMETRICA metrics;
-    const HDC dc = GetDC(control);
-    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
-    GetTextMetricsA(dc, &metrics);
-    SelectObject(dc, old);
-    ReleaseDC(control, dc);
-    return static_cast<int>(metrics.tmHeight);
+LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, textProc, id);
+    }
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    fitScrollBar(window, message);
+    return result;
 }
 
 // The bands above and below the inside of a field are its border's; they get the field's own colour.
@@ -130,6 +125,16 @@ BOOL CALLBACK giveNewFont(HWND control, LPARAM data) {
 }
 
 }  // namespace
+
+int textHeightOf(HWND control) {
+    TEXTMETRICA metrics;
+    const HDC dc = GetDC(control);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    GetTextMetricsA(dc, &metrics);
+    SelectObject(dc, old);
+    ReleaseDC(control, dc);
+    return static_cast<int>(metrics.tmHeight);
+}
 
 // Not asked from the system, which needs the loader's lock to answer: a panel that is being opened while its library
 // is unmapped would wait for it in vain.
@@ -243,11 +248,6 @@ HWND makeButton(HWND parent, const char* text, int id, const WindowFonts& fonts,
                        fonts.text());
 }
 
-HWND makeDropList(HWND parent, int id, const WindowFonts& fonts) {
-    return makeControl(parent, "COMBOBOX", "", CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP, 0,
-                       id, fonts.text());
-}
-
 HWND makeField(HWND parent, int id, const WindowFonts& fonts, DWORD style) {
     const HWND field = makeControl(parent, "EDIT", "", ES_AUTOHSCROLL | WS_TABSTOP | style, WS_EX_CLIENTEDGE,
                                    id, fonts.text());
@@ -295,6 +295,35 @@ void renewFrame(HWND window) {
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
 }
 
+void fitScrollBar(HWND edit, UINT message) {
+    switch (message) {
+        case WM_SETTEXT:
+        case WM_SIZE:
+        case WM_SETFONT:
+        case WM_CHAR:
+        case WM_KEYDOWN:
+        case WM_PASTE:
+        case WM_CUT:
+        case WM_CLEAR:
+        case WM_UNDO:
+        case EM_UNDO:
+        case EM_REPLACESEL:
+            showScrollBarAsNeeded(edit);
+            break;
+        default:
+            break;
+    }
+}
+
+HWND makeText(HWND parent, int id, HFONT font) {
+    const HWND text =
+        makeControl(parent, "EDIT", "", WS_TABSTOP | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN,
+                    WS_EX_CLIENTEDGE, id, font);
+    SendMessageA(text, EM_LIMITTEXT, 0, 0);
+    SetWindowSubclass(text, textProc, 4, 0);
+    return text;
+}
+
 HWND makeReadOnlyText(HWND parent, int id, HFONT font) {
     const HWND text =
         makeControl(parent, "EDIT", "", ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_TABSTOP,
@@ -308,22 +337,6 @@ void place(HWND control, int x, int y, int width, int height) {
     // Nothing is copied to the new place: neighbours that are moved one after the other would copy each other.
     SetWindowPos(control, nullptr, x, y, std::max(width, 0), std::max(height, 0),
                  SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
-}
-
-void placeDropList(HWND control, int x, int y, int width, int height) {
-    // The height given to a drop list is that of the open one; the closed one follows from its items.
-    place(control, x, y, width, height * 16);
-    const auto missing = [control, height] {
-        RECT frame{};
-        GetWindowRect(control, &frame);
-        return height - static_cast<int>(frame.bottom - frame.top);
-    };
-    LRESULT item = SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
-    // Some systems make the field a little higher than they are told: the second time allows for that.
-    for (int i = 0; i < 2 && missing() != 0; ++i) {
-        item += missing();
-        SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item);
-    }
 }
 
 void placeLabel(HWND label, Area& row, const WindowFonts& fonts, int width) {
@@ -372,18 +385,6 @@ void enable(HWND control, bool enabled) {
         SendMessageA(GetAncestor(control, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
     }
     EnableWindow(control, enabled);
-}
-
-std::string chosenItem(HWND dropList) {
-    const LRESULT chosen = SendMessageA(dropList, CB_GETCURSEL, 0, 0);
-    if (chosen < 0) {
-        return {};
-    }
-    const LRESULT length = SendMessageA(dropList, CB_GETLBTEXTLEN, static_cast<WPARAM>(chosen), 0);
-    std::string text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, '\0');
-    SendMessageA(dropList, CB_GETLBTEXT, static_cast<WPARAM>(chosen), reinterpret_cast<LPARAM>(text.data()));
-    text.pop_back();
-    return text;
 }
 
 void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner) {

@@ -74,7 +74,13 @@ HWND makeControl(HWND parent, const char* className, const char* text, DWORD sty
 // A label of one line; its '&' marks the letter of the control that is made next.
 HWND makeLabel(HWND parent, const char* text, const WindowFonts& fonts, int id = -1);
 HWND makeButton(HWND parent, const char* text, int id, const WindowFonts& fonts, bool isDefault = false);
-// A drop list of fixed choices.
+// The height of a line of a control's own font, in pixels.
+int textHeightOf(HWND control);
+// A drop list of fixed choices. Its parent is asked to draw it (WM_DRAWITEM): every Window does, others call drawChoice.
+inline constexpr DWORD kDropListStyle =
+    static_cast<DWORD>(CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS) | WS_VSCROLL | WS_TABSTOP;
+// Draws an item of a drop list, or the choice that the closed one shows; false where another control is to be drawn.
+bool drawChoice(const DRAWITEMSTRUCT& item);
 HWND makeDropList(HWND parent, int id, const WindowFonts& fonts);
 // A field of one line, with its text in the middle of its height, as the labels, lists and buttons beside it have it.
 // `style`: further edit styles.
@@ -86,6 +92,10 @@ void centreFieldText(HWND edit);
 LRESULT centredFieldAnswer(HWND edit, UINT message, LPARAM lParam, LRESULT own);
 // Lets a window lay out its border anew.
 void renewFrame(HWND window);
+// A field of several lines to type in. Its scroll bar is there when it is needed.
+HWND makeText(HWND parent, int id, HFONT font);
+// The same for an edit control whose messages its owner sees already: called after the control's own procedure.
+void fitScrollBar(HWND edit, UINT message);
 // A field of several lines to read and copy from: Tab, Enter and Escape are the dialog's, Ctrl+A selects all.
 // Its scroll bar is there when it is needed.
 HWND makeReadOnlyText(HWND parent, int id, HFONT font);

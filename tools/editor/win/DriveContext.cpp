@@ -19,6 +19,7 @@ const DriveCommands& commands() {
         addEditorCommands(all);
         addWindowCommands(all);
         addControlCommands(all);
+        addLayoutCommands(all);
         addInputCommands(all);
         addFileCommands(all);
         addCheckCommands(all);

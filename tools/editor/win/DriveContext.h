@@ -37,6 +37,7 @@ using DriveCommands = std::map<std::string, DriveCommand>;
 void addEditorCommands(DriveCommands& table);
 void addWindowCommands(DriveCommands& table);
 void addControlCommands(DriveCommands& table);
+void addLayoutCommands(DriveCommands& table);
 void addInputCommands(DriveCommands& table);
 void addFileCommands(DriveCommands& table);
 void addCheckCommands(DriveCommands& table);

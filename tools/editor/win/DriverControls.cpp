@@ -173,141 +173,6 @@ std::string stateText(HWND control) {
     return text + ", value \"" + valueOf(control) + "\"; the keyboard is in " + describe(focusOf(control));
 }
 
-bool isGroupBox(HWND control) {
-    return isClass(control, "Button") && (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
-}
-
-bool isInSight(HWND control) {
-    RECT area;
-    GetWindowRect(control, &area);
-    for (HWND parent = GetParent(control); parent; parent = GetAncestor(parent, GA_PARENT)) {
-        RECT inside;
-        GetClientRect(parent, &inside);
-        MapWindowPoints(parent, nullptr, reinterpret_cast<POINT*>(&inside), 2);
-        if (!IntersectRect(&area, &area, &inside)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// Whether a label's text, broken into lines at its width, is higher than the label.
-bool isCutOff(HWND label, const RECT& area) {
-    const LONG style = GetWindowLongA(label, GWL_STYLE);
-    if ((style & (SS_TYPEMASK | SS_ELLIPSISMASK)) != SS_LEFT) {
-        return false;
-    }
-    const HDC dc = GetDC(label);
-    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(ask(label, WM_GETFONT)));
-    RECT needed = area;
-    DrawTextA(dc, windowText(label).c_str(), -1, &needed,
-              DT_CALCRECT | DT_WORDBREAK | (style & SS_NOPREFIX ? DT_NOPREFIX : 0u));
-    SelectObject(dc, old);
-    ReleaseDC(label, dc);
-    return needed.bottom > area.bottom;
-}
-
-// Of the system's class, or of a plug-in's whose name ends like it.
-bool isFieldOfOneLine(HWND control) {
-    char name[64] = "";
-    const int length = GetClassNameA(control, name, sizeof name);
-    return length >= 4 && lstrcmpiA(name + length - 4, "Edit") == 0 &&
-           !(GetWindowLongA(control, GWL_STYLE) & ES_MULTILINE) && !isClass(GetParent(control), "ComboBox");
-}
-
-// Whether it has its text elsewhere than in the middle of its height, as its label has.
-bool isOffCentre(HWND field) {
-    RECT frame, text;
-    TEXTMETRICA metrics;
-    GetWindowRect(field, &frame);
-    ask(field, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
-    MapWindowPoints(field, nullptr, reinterpret_cast<POINT*>(&text), 2);
-    const HDC dc = GetDC(field);
-    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(ask(field, WM_GETFONT)));
-    GetTextMetricsA(dc, &metrics);
-    SelectObject(dc, old);
-    ReleaseDC(field, dc);
-    const LONG above = text.top - frame.top, below = frame.bottom - (text.top + metrics.tmHeight);
-    return std::abs(above - below) > 2;
-}
-
-// What is wrong within a control: a text that is cut off or not in the middle of its field, a slider's thumb that is
-// small or isn't where the position is, spin buttons too narrow for their height; empty when all is well.
-std::string partFault(HWND control) {
-    RECT area;
-    GetClientRect(control, &area);
-    if (isClass(control, "Static")) {
-        return isCutOff(control, area) ? " is too low for its text" : "";
-    }
-    if (isClass(control, UPDOWN_CLASSA) && !(GetWindowLongA(control, GWL_STYLE) & UDS_HORZ)) {
-        return area.right * 2 < area.bottom ? " is too narrow" : "";
-    }
-    if (isFieldOfOneLine(control)) {
-        return isOffCentre(control) ? " has its text above or below its middle" : "";
-    }
-    // A thumb takes its place when it's drawn.
-    if (!isClass(control, TRACKBAR_CLASSA) || !isInSight(control)) {
-        return "";
-    }
-    RECT thumb{};
-    RECT channel{};
-    ask(control, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
-    ask(control, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
-    const LRESULT least = ask(control, TBM_GETRANGEMIN), range = ask(control, TBM_GETRANGEMAX) - least;
-    if (range <= 0) {
-        return "";
-    }
-    const LRESULT place =
-        channel.left + (channel.right - channel.left) * (ask(control, TBM_GETPOS) - least) / range;
-    if ((thumb.bottom - thumb.top) * 3 < area.bottom * 2) {
-        return " has a small thumb";
-    }
-    const bool there =
-        place >= thumb.left - (thumb.right - thumb.left) && place <= thumb.right + (thumb.right - thumb.left);
-    return there ? "" : " has its thumb elsewhere than its position";
-}
-
-// The visible controls of a window that reach over their parent's edge or lie over a neighbour (frames around
-// groups may), or have a fault within; empty when all is well.
-std::string layoutFaults(HWND top) {
-    std::string faults;
-    std::vector<HWND> seen;
-    for (const HWND control : childWindows(top)) {
-        if (!IsWindowVisible(control) || isGroupBox(control)) {
-            continue;
-        }
-        RECT area;
-        RECT parent;
-        RECT common;
-        GetWindowRect(control, &area);
-        GetClientRect(GetParent(control), &parent);
-        MapWindowPoints(GetParent(control), nullptr, reinterpret_cast<POINT*>(&parent), 2);
-        // What is scrolled may reach over the upper and the lower edge.
-        if (GetWindowLongA(GetParent(control), GWL_STYLE) & WS_VSCROLL) {
-            if (area.bottom <= parent.top || area.top >= parent.bottom) {
-                continue;
-            }
-            parent.top = std::min(parent.top, area.top);
-            parent.bottom = std::max(parent.bottom, area.bottom);
-        }
-        if (IsRectEmpty(&area) || !IntersectRect(&common, &area, &parent) || !EqualRect(&common, &area)) {
-            faults += "\n    " + describe(control) + " is not wholly inside";
-        }
-        if (const std::string fault = partFault(control); !fault.empty()) {
-            faults += "\n    " + describe(control) + fault;
-        }
-        for (const HWND other : seen) {
-            RECT place;
-            GetWindowRect(other, &place);
-            if (GetParent(other) == GetParent(control) && IntersectRect(&common, &place, &area)) {
-                faults += "\n    " + describe(control) + " lies over " + describe(other);
-            }
-        }
-        seen.push_back(control);
-    }
-    return faults;
-}
-
 void click(DriveContext& drive, const Words& words) {
     PostMessageA(drive.usableControl(words[0]), BM_CLICK, 0, 0);
 }
@@ -445,13 +310,6 @@ void expectItems(DriveContext& drive, const Words& words) {
                  [&] { return listed(itemsOf(found)); });
 }
 
-void expectLayout(DriveContext& drive, const Words&) {
-    const HWND top = drive.window();
-    std::string faults;
-    drive.expect([&] { return (faults = layoutFaults(top)).empty(); },
-                 "every control inside its window and none over another", [&] { return faults; });
-}
-
 void tabOrderOf(DriveContext& drive, const Words&) {
     for (const HWND found : tabOrder(drive.window())) {
         std::printf("tab %s\n", describe(found).c_str());
@@ -488,7 +346,6 @@ void addControlCommands(DriveCommands& table) {
     table["read"] = {1, 1, read};
     table["expect"] = {2, 3, expectControl};
     table["expect-items"] = {1, 99, expectItems};
-    table["expect-layout"] = {0, 0, expectLayout};
     table["taborder"] = {0, 0, tabOrderOf};
     table["expect-taborder"] = {1, 99, expectTabOrder};
 }

@@ -1,0 +1,72 @@
+// Drop lists that show their text where the fields beside them do.
+#include <algorithm>
+
+#include "ui/win/WindowKit.h"
+
+namespace zoka {
+
+HWND makeDropList(HWND parent, int id, const WindowFonts& fonts) {
+    return makeControl(parent, "COMBOBOX", "", kDropListStyle, 0, id, fonts.text());
+}
+
+void placeDropList(HWND control, int x, int y, int width, int height) {
+    // The height given to a drop list is that of the open one; the closed one follows from its items.
+    place(control, x, y, width, height * 16);
+    const auto missing = [control, height] {
+        RECT frame{};
+        GetWindowRect(control, &frame);
+        return height - static_cast<int>(frame.bottom - frame.top);
+    };
+    SendMessageA(control, CB_SETITEMHEIGHT, 0, textHeightOf(control) + 2);
+    LRESULT item = SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
+    // Some systems make the field a little higher than they are told: the second time allows for that.
+    for (int i = 0; i < 2 && missing() != 0; ++i) {
+        item += missing();
+        SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item);
+    }
+}
+
+// The system's own way is a fixed distance from the upper edge, which is the middle on small screens alone.
+bool drawChoice(const DRAWITEMSTRUCT& item) {
+    if (item.CtlType != ODT_COMBOBOX) {
+        return false;
+    }
+    const bool isDisabled = (item.itemState & ODS_DISABLED) != 0;
+    const bool isSelected = (item.itemState & ODS_SELECTED) != 0 && !isDisabled;
+    FillRect(item.hDC, &item.rcItem,
+             GetSysColorBrush(isSelected   ? COLOR_HIGHLIGHT
+                              : isDisabled ? COLOR_BTNFACE
+                                           : COLOR_WINDOW));
+    if (item.itemID != static_cast<UINT>(-1)) {
+        const LRESULT length = SendMessageW(item.hwndItem, CB_GETLBTEXTLEN, item.itemID, 0);
+        std::wstring text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, L'\0');
+        SendMessageW(item.hwndItem, CB_GETLBTEXT, item.itemID, reinterpret_cast<LPARAM>(text.data()));
+        text.pop_back();
+        SetBkMode(item.hDC, TRANSPARENT);
+        SetTextColor(item.hDC, GetSysColor(isSelected   ? COLOR_HIGHLIGHTTEXT
+                                           : isDisabled ? COLOR_GRAYTEXT
+                                                        : COLOR_WINDOWTEXT));
+        RECT line = item.rcItem;
+        line.left += textHeightOf(item.hwndItem) / 4;
+        DrawTextW(item.hDC, text.c_str(), static_cast<int>(text.size()), &line,
+                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    }
+    if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
+        DrawFocusRect(item.hDC, &item.rcItem);
+    }
+    return true;
+}
+
+std::string chosenItem(HWND dropList) {
+    const LRESULT chosen = SendMessageA(dropList, CB_GETCURSEL, 0, 0);
+    if (chosen < 0) {
+        return {};
+    }
+    const LRESULT length = SendMessageA(dropList, CB_GETLBTEXTLEN, static_cast<WPARAM>(chosen), 0);
+    std::string text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, '\0');
+    SendMessageA(dropList, CB_GETLBTEXT, static_cast<WPARAM>(chosen), reinterpret_cast<LPARAM>(text.data()));
+    text.pop_back();
+    return text;
+}
+
+}  // namespace zoka
