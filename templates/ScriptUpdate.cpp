@@ -184,7 +184,7 @@ UpdatePlan ScriptUpdate::plan(const std::vector<UpdateEntry>& entries, JobProgre
         }
         const std::optional<std::string> original = folders.templateOf(fileName);
         if (place == ScriptPlace::NotFound) {
-            plan.problems.push_back(fileName + ": the script is not found");
+            plan.problems.push_back(placeProblem(fileName));
         } else if (osFiles().isLink(path)) {
             plan.problems.push_back(fileName + ": a link stands in its place");
         } else if (!original) {

@@ -252,7 +252,7 @@ SafeWriteResult safeWrite(std::span<const FileContent> files) {
     for (auto file = pending.begin(); file != end; ++file) {
         if (!file->isAsExpected()) {
             return {Refusal{failure("Can't write", file->target(),
-                                    "another program has changed it meanwhile; its content was left alone")},
+                                    "it was changed on the disk meanwhile; its content was left alone")},
                     0, true};
         }
     }

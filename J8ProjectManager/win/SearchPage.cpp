@@ -177,8 +177,7 @@ void SearchPage::command(int id, int code) {
 }
 
 void SearchPage::copy(const std::string& text) {
-    m_frame.setStatus(copyToClipboard(window(), text) ? "Copied"
-                                                      : "Not copied: another program uses the clipboard");
+    m_frame.setStatus(copyToClipboard(window(), text) ? "Copied" : kNotCopied);
 }
 
 bool SearchPage::givenUp() {

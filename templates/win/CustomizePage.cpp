@@ -20,7 +20,7 @@ std::string CustomizePage::lastColumn(size_t index) const {
 
 std::string CustomizePage::note(size_t index) const {
     if (!session().pathOf(index)) {
-        return "The script file is in neither the project nor the template folder.";
+        return placeProblem(session().included()[index].fileName);
     }
     if (session().isUsedFromTemplates(index)) {
         return "Used from the template folder: the project has no copy of its own.";

@@ -33,7 +33,7 @@ void NotesPage::refresh() {
 void NotesPage::mainAction() {
     m_frame.setStatus(copyToClipboard(m_frame.window(), textOf(m_notes, CP_UTF8))
                           ? "The notes are on the clipboard"
-                          : "Not copied: another program uses the clipboard");
+                          : kNotCopied);
 }
 
 void NotesPage::command(int id, int code) {

@@ -203,11 +203,8 @@ void UpdatePage::showUnplaced() {
     if (unplaced.empty()) {
         return;
     }
-    m_frame.showText(
-        "Values that could not be kept",
-        "The new versions have no place for these values. They are kept beside each script, in the file "
-        "whose name ends in .zoka.old:",
-        unplaced);
+    m_frame.showText("Values that could not be kept",
+                     "Kept in NAME.zoka.old, next to each script:", unplaced);
 }
 
 void UpdatePage::command(int id, int code) {

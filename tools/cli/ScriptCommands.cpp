@@ -397,7 +397,7 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
         return session.updateRun().leftAlone().empty() ? ExitStatus::Done : ExitStatus::Findings;
     }
     std::erase(unplaced, '\r');
-    complain("no place for these values, which are kept beside each script (.zoka.old):\n" + unplaced);
+    complain("no place for these values, kept in NAME.zoka.old, next to each script:\n" + unplaced);
     return ExitStatus::Findings;
 }
 
@@ -448,7 +448,7 @@ ExitStatus why(Manager& manager, const ScriptOptions& options) {
     const IncludedScripts& scripts = manager.session().includedScripts();
     const std::optional<size_t> start = scripts.byFile(*file);
     if (!start) {
-        print(*file + " is not included\n");
+        print("the main script doesn't include " + *file + "\n");
         return ExitStatus::Findings;
     }
     const std::vector<IncludedScripts::Need> needs = scripts.allThatNeed(*start);

@@ -56,9 +56,7 @@ private:
 
     void command(int id, int) override {
         if (id == kCopy) {
-            setText(m_heading, copyToClipboard(window(), m_shown)
-                                   ? m_headingText
-                                   : "Not copied: another program uses the clipboard.");
+            setText(m_heading, copyToClipboard(window(), m_shown) ? m_headingText : kNotCopied);
             layoutNow();
             InvalidateRect(m_heading, nullptr, TRUE);
         }
