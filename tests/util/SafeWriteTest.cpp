@@ -146,7 +146,7 @@ TEST(SafeWrite, NoticesWhatAnotherHasWritten) {
                                        {folder.path("c"), "new"}};
     const SafeWriteResult result = safeWrite(files);
     EXPECT_TRUE(result.changedMeanwhile);
-    EXPECT_NE(result.why().find("another program"), std::string::npos);
+    EXPECT_NE(result.why().find("was changed on the disk meanwhile"), std::string::npos);
     EXPECT_EQ(folder.names(), (Names{"a", "b"}));
     EXPECT_EQ(folder.read("a") + folder.read("b"), "readother") << "of several files none is written";
     EXPECT_EQ(safeWrite({files, 1}).why(), "");
