@@ -43,7 +43,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (folder.isNameless || !folder.refusal.empty()) {
             continue;
         }
-        mustStay("C:\\games\\g\\", zoka::withSeparator(folder.name));  // "./." is the project folder itself
+        // "./." is the project folder itself; "..\g" leaves it, though it comes back.
+        const bool climbs = folder.name.find("..") != folder.name.npos;
+        mustStay("C:\\games\\g\\", climbs ? folder.name : zoka::withSeparator(folder.name));
         for (const zoka::PlannedFile& file : folder.files) {
             mustStay(file, {});
         }
