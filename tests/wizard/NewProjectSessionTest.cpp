@@ -1,6 +1,8 @@
 // The new-project dialog without its window.
 #include "J8ProjectWizard/NewProjectSession.h"
 
+#include <algorithm>
+
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/wizard/Suite.h"
@@ -200,12 +202,20 @@ TEST_F(NewProjectSessionTest, ShowsBothTextsOfAFailedRunAndTakesBackWhatItMade) 
 
 TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
     constexpr int kLooks = 3;  // for templates, before the first copy
+    // It serves both jobs, the making and the taking back, and the user cancels once.
     class StopAt : public JobProgress {
     public:
         explicit StopAt(int at) : m_at(at) {}
-        bool step(size_t, size_t total, const std::string&) override {
-            EXPECT_EQ(total, m_steps < kLooks ? 3u : 8u);
-            return m_steps++ < m_at;
+        int removed() const { return std::max(m_at - kLooks, 0); }
+        bool step(size_t done, size_t total, const std::string& what) override {
+            if (m_steps > m_at) {
+                EXPECT_TRUE(what.starts_with("Removing ")) << what;
+                EXPECT_EQ(total, static_cast<size_t>(removed()));
+                EXPECT_EQ(done, static_cast<size_t>(m_steps - m_at - 1));
+            } else {
+                EXPECT_EQ(total, m_steps < kLooks ? 3u : 8u);
+            }
+            return m_steps++ != m_at;
         }
         int m_at, m_steps = 0;
     };
@@ -217,8 +227,8 @@ TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
         fill(session);
         prompt.answers = {PromptAnswer::Yes};
         StopAt progress(at);
-        int jobs = 0;  // the second one takes back what was made
-        EXPECT_FALSE(session.ok([&](const WizardJob& job) { job(++jobs == 1 ? &progress : nullptr); }));
+        EXPECT_FALSE(session.ok([&](const WizardJob& job) { job(&progress); }));
+        EXPECT_EQ(progress.m_steps, at + 1 + progress.removed());
         EXPECT_EQ(suite.tree("games"), Texts());
         ASSERT_EQ(prompt.asked.size(), at < kLooks ? 0u : 1u);
         if (at >= kLooks) {
@@ -233,13 +243,13 @@ TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
 // work in the project folder, neither of the making nor of the removing.
 TEST_F(NewProjectSessionTest, TouchesTheDiskAsLittleAsItCan) {
     std::vector<std::string> operations;
-    bool isCancelled = false;
+    bool isCancelled = false, isUnsaved = false;
     const FaultyOsFiles files([&](int, std::string_view op, const std::string& path) {
         EXPECT_FALSE(isCancelled && path.find("\\games\\") != path.npos) << op << ' ' << path;
         operations.push_back(std::string(op));
-        return false;
+        return isUnsaved && op == "flush";
     });
-    // The user cancels while the second file of a job is worked on.
+    // The user cancels when two files of a job are done.
     class Canceller : public JobProgress {
     public:
         explicit Canceller(bool& cancelled) : m_cancelled(cancelled) {}
@@ -267,26 +277,33 @@ TEST_F(NewProjectSessionTest, TouchesTheDiskAsLittleAsItCan) {
     }
     EXPECT_EQ(operations, Texts());
     prompt.answers = {PromptAnswer::Yes};
+    std::vector<bool> cancelled;  // by job
     const auto run = [&](const WizardJob& job) {
         Canceller progress(isCancelled);
         job(&progress);
+        cancelled.push_back(isCancelled);
         isCancelled = false;
     };
-    // Two files are made and removed: nothing is left to be stopped.
+    // The making is cancelled. Two files are removed then: nothing is left to be stopped.
     EXPECT_FALSE(session.ok(run));
+    EXPECT_EQ(cancelled, (std::vector<bool>{true, false}));
     EXPECT_EQ(suite.tree("games"), Texts());
-    // Of a project of which only the saving fails there is more to remove.
+    // Of a project of which only the saving fails there is more to remove, and that is cancelled between two.
     prompt.answers = {PromptAnswer::Yes};
     session.setText(NewProjectField::TemplatesPath, "?");
+    cancelled.clear();
+    isUnsaved = true;
     int jobs = 0;
-    FaultyOsFiles unsaved(FaultyOsFiles::every("flush"));
     EXPECT_FALSE(session.ok([&](const WizardJob& job) {
         if (++jobs == 1) {
             job(nullptr);
         } else {
+            operations.clear();
             run(job);
         }
     }));
+    EXPECT_EQ(std::ranges::count(operations, "deleteFile"), 2);
+    EXPECT_EQ(cancelled, std::vector<bool>{true});
     EXPECT_EQ(prompt.asked.back().text, "Removing was stopped. This is left:\n\n" +
                                             suite.folder.path("games") + "\\abc\\harbour.zlm\nand 8 more");
     EXPECT_FALSE(suite.has("games/abc/one.txt"));
