@@ -122,6 +122,8 @@ public:
     // Compares every script when the list is not known yet, which `progress` may stop; what was found till then is listed.
     const std::vector<UpdateEntry>& updates(JobProgress* progress = nullptr);
     bool areUpdatesKnown() const { return m_updatesListed; }
+    // The heading of updates().
+    std::string listedText() const { return m_update.listedText(); }
     // What the update page says when updates() is empty.
     std::string nothingListedText() const { return m_update.nothingListedText(); }
     // What updating an entry will do.

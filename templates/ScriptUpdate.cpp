@@ -15,6 +15,8 @@ namespace zoka {
 
 namespace {
 
+constexpr const char* kStoppedText = "Stopped: not every script was compared.";
+
 // The project's copy of a script beside its template.
 struct Copies {
     ScriptFacts own, original;  // "-1" for what can't be read
@@ -136,6 +138,12 @@ void ScriptUpdate::addEntryOfNeeds(const CScriptElm& script, const std::string& 
     }
 }
 
+std::string ScriptUpdate::listedText() const {
+    const std::string count =
+        "Scripts that differ from the template folder: " + std::to_string(m_entries.size());
+    return m_stopped ? count + ". " + kStoppedText : count;
+}
+
 std::string ScriptUpdate::nothingListedText() const {
     if (!m_unread.empty()) {
         std::string text = "Not every script could be compared:";
@@ -145,7 +153,7 @@ std::string ScriptUpdate::nothingListedText() const {
         return text;
     }
     if (m_stopped) {
-        return "Stopped: not every script was compared.";
+        return kStoppedText;
     }
     if (!m_differing.empty()) {
         return "Versions and dates are the template folder's, but these scripts have other lines or "

@@ -51,6 +51,8 @@ public:
     // template. Each file is read once. `progress` may stop it: the list then ends there. Always 1.
     int FillUpdateList(bool showAll, JobProgress* progress = nullptr);
     const std::vector<UpdateEntry>& entries() const { return m_entries; }
+    // The list's heading: how many differ, and that it was stopped before every script was compared.
+    std::string listedText() const;
     // What the page says when nothing is listed: whether all is as the template folder has it, or which scripts
     // differ though their versions and dates don't.
     std::string nothingListedText() const;

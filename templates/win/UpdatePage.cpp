@@ -103,7 +103,7 @@ void UpdatePage::showEntries() {
                        [this](JobProgress& progress) { session().updates(&progress); });
     }
     const std::vector<UpdateEntry>& entries = session().updates();
-    setText(m_label, "&Scripts that differ from the template folder: " + std::to_string(entries.size()));
+    setText(m_label, "&" + session().listedText());
     SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
     SendMessageA(m_list, LB_RESETCONTENT, 0, 0);
     for (const UpdateEntry& entry : entries) {

@@ -339,11 +339,14 @@ TEST(ScriptUpdate, ListingCanBeStopped) {
     f.update.FillUpdateList(false, &three);
     ASSERT_EQ(f.update.entries().size(), 1U);
     EXPECT_EQ(f.update.entries()[0].fileName, "weather.kez");
+    EXPECT_EQ(f.update.listedText(),
+              "Scripts that differ from the template folder: 1. Stopped: not every script was compared.");
     f.update.FillUpdateList(false, &none);
     EXPECT_TRUE(f.update.entries().empty());
     EXPECT_EQ(f.update.nothingListedText(), "Stopped: not every script was compared.");
     f.update.FillUpdateList(false);
     EXPECT_EQ(f.update.entries().size(), 2U);
+    EXPECT_EQ(f.update.listedText(), "Scripts that differ from the template folder: 2");
 }
 
 TEST(ScriptUpdate, TwoWritersOfTheMainScriptLoseNothing) {
