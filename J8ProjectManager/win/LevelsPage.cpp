@@ -473,12 +473,6 @@ std::optional<LRESULT> LevelsPage::message(UINT message, WPARAM wParam, LPARAM l
                 return 0;
             }
             break;
-        case WM_MOUSEWHEEL:
-            m_view.wheel(wParam, lParam);
-            return 0;
-        case WM_DESTROY:
-            m_view.closed();
-            break;
         default:
             break;
     }

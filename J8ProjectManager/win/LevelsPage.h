@@ -20,12 +20,12 @@ public:
     void command(int id, int code) override;
     bool commit() override { return m_view.commit(); }
     bool revertDraft() override { return m_view.revertDraft(); }
-    void fontsChanged() override { m_view.fontsChanged(); }
     bool givenUp() override;
     bool takesKey(const MSG& message) override;
     void select(const ProjectTarget& target) override;
 
 protected:
+    RowsView* rows() override { return &m_view; }
     void createControls() override;
     void layout(Area page) override;
     LRESULT notified(NMHDR& header) override;

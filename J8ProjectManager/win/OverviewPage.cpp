@@ -95,16 +95,9 @@ void OverviewPage::rowsChanged() {
 }
 
 std::optional<LRESULT> OverviewPage::message(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_MOUSEWHEEL) {
-        m_view.wheel(wParam, lParam);
-        return 0;
-    }
     if (message == kRebuild) {
         refresh();
         return 0;
-    }
-    if (message == WM_DESTROY) {
-        m_view.closed();
     }
     return ProjectPage::message(message, wParam, lParam);
 }

@@ -18,10 +18,10 @@ public:
     void command(int id, int code) override { m_view.command(id, code); }
     bool commit() override { return m_view.commit(); }
     bool revertDraft() override { return m_view.revertDraft(); }
-    void fontsChanged() override { m_view.fontsChanged(); }
     bool givenUp() override { return m_view.escape(); }
 
 protected:
+    RowsView* rows() override { return &m_view; }
     void createControls() override;
     void layout(Area page) override;
     std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -232,17 +232,6 @@ bool ComponentsPage::takesKey(const MSG& message) {
            SearchPage::takesKey(message);
 }
 
-std::optional<LRESULT> ComponentsPage::message(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_MOUSEWHEEL) {
-        m_view.wheel(wParam, lParam);
-        return 0;
-    }
-    if (message == WM_DESTROY) {
-        m_view.closed();
-    }
-    return SearchPage::message(message, wParam, lParam);
-}
-
 std::string ComponentsPage::cell(size_t row, int column) const {
     const CJ8CMPData& component = model().m_apComponents[row];
     switch (column) {

@@ -30,10 +30,10 @@ public:
     void mainAction() override;
     bool givenUp() override { return m_view.escape() || SearchPage::givenUp(); }
     bool takesKey(const MSG& message) override;
-    void fontsChanged() override { m_view.fontsChanged(); }
     void select(const ProjectTarget& target) override { selectRow(target.first); }
 
 protected:
+    RowsView* rows() override { return &m_view; }
     size_t rowCount() const override { return model().m_apComponents.size(); }
     std::string cell(size_t row, int column) const override;
     std::string searchText(size_t row) const override;
@@ -41,7 +41,6 @@ protected:
     void createControls() override;
     void layout(Area page) override;
     void timer(UINT_PTR id) override;
-    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
     void showComponent(std::optional<size_t> row);

@@ -3,11 +3,13 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 
 #include "J8ProjectManager/ProjectPanel.h"
 #include "J8ProjectManager/ProjectSession.h"
 #include "J8ProjectManager/ProjectTargets.h"
+#include "controls/win/RowsView.h"
 #include "ui/win/PageShell.h"
 
 namespace zoka {
@@ -35,8 +37,24 @@ public:
     virtual bool revertDraft() { return false; }
     // Has the focused field an undo of its own, for what is typed in it?
     virtual bool undoesItself(HWND field) const { return GetParent(field) == window(); }
+    void fontsChanged() override {
+        if (RowsView* view = rows()) {
+            view->fontsChanged();
+        }
+    }
 
 protected:
+    // The values that it shows as rows, if any.
+    virtual RowsView* rows() { return nullptr; }
+    std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (RowsView* view = rows(); view && message == WM_MOUSEWHEEL) {
+            view->wheel(wParam, lParam);
+            return 0;
+        } else if (view && message == WM_DESTROY) {
+            view->closed();
+        }
+        return Page::message(message, wParam, lParam);
+    }
     ProjectSession& session() const { return m_frame.session(); }
     const CJ8ProjectManager& model() const { return m_frame.session().model(); }
 
