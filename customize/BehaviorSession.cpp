@@ -229,10 +229,11 @@ std::vector<size_t> BehaviorSession::rowsLike(size_t i) const {
 }
 
 // Whether the editor has gone on to other entities, or to a level with others of these names, since the rows were made:
-// the panel looks only now and then.
+// the panel looks only now and then. Of a host that does not count its changes these are many questions, so the first
+// row of a step asks them for all.
 bool BehaviorSession::isOutdated() {
     const auto now = m_access->changes();
-    if (now && now == m_known) {
+    if (now ? now == m_known : m_isUpToDate) {
         return false;
     }
     if (entitiesNow() != m_entities || m_actions.haveMoved(*m_access, m_entities)) {
@@ -242,10 +243,9 @@ bool BehaviorSession::isOutdated() {
     return false;
 }
 
-// All entities get their value, or none: those already written get back what they had. The first row of a step looks
-// whether these are still the editor's entities, which for a host that does not count its changes are many questions.
+// All entities get their value, or none: those already written get back what they had.
 Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
-    if (!m_access || (!m_isUpToDate && isOutdated())) {
+    if (!m_access || isOutdated()) {
         return Refusal{kElsewhere};
     }
     m_isUpToDate = m_isInStep;

@@ -158,8 +158,8 @@ private:
     std::string m_gone;
     std::optional<std::uint32_t> m_changes;  // at the last look
     std::optional<std::uint32_t> m_known;    // and after the last edit
-    bool m_isInStep = false,
-         m_isUpToDate = false;  // the latter as far as a row of the step under way has found
+    bool m_isInStep = false;
+    bool m_isUpToDate = false;  // a row of this step has found the entities up to date
 };
 
 }  // namespace zoka

@@ -129,6 +129,22 @@ TEST_F(BehaviorSessionTest, looksAtTheEditorsEntitiesOncePerStep) {
     EXPECT_EQ(skill("a", 1), 3.0F);
 }
 
+// The editor opens a level with an entity of that name while several rows are being pasted.
+TEST_F(BehaviorSessionTest, writesNoMoreRowsOfAStepToAnotherLevel) {
+    int asked = 0;  // since the first row was written
+    m_entities.beforeChanges = [&] {
+        if (skill("a", 1) == 7.0F && ++asked == 2) {  // after its own change has been counted
+            m_entities.entities["a"].action->script += "x";
+            ++m_entities.count;
+        }
+    };
+    const PasteResult result = m_session.paste("skill1 = 7\nflag1 = 1\n");
+    EXPECT_GE(asked, 2);
+    EXPECT_EQ(result.taken, 1U);
+    EXPECT_THAT(result.refused, ElementsAre(HasSubstr("gone on to other entities")));
+    EXPECT_FALSE(m_entities.entities["a"].flags[0]);
+}
+
 TEST_F(BehaviorSessionTest, followsSelectionValuesAndEntitiesThatGo) {
     m_entities.entities["a"].skills[0] = 9;
     m_session.refresh(false);

@@ -26,12 +26,18 @@ public:
     bool follows = true, counts = true;
     std::uint32_t count = 0;
     std::function<bool(const std::string& call)> fails;
+    std::function<void()> beforeChanges;  // called where changes() is asked for
 
     std::vector<std::string> takeCalls() { return m_calls.take(); }
 
     bool followsSelection() const override { return follows; }
     std::vector<std::string> selected() override { return selection; }
-    std::optional<std::uint32_t> changes() override { return counts ? std::optional(count) : std::nullopt; }
+    std::optional<std::uint32_t> changes() override {
+        if (beforeChanges) {
+            beforeChanges();
+        }
+        return counts ? std::optional(count) : std::nullopt;
+    }
 
     std::optional<ActionPlace> action(const std::string& entity) override {
         FakeEntity* const one = use("action(" + entity + ")", entity);
