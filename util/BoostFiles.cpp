@@ -2,6 +2,7 @@
 
 #include <boost/filesystem.hpp>
 #include <exception>
+#include <vector>
 
 namespace zoka {
 namespace {
@@ -69,15 +70,18 @@ int boostListFolder(const std::string& folder, std::vector<OsListed>& entries) {
     });
 }
 
-// One by one: where memory runs out in the library's own way of making them all, it ends the process.
+// One by one: where memory runs out in the library's own way of making them all, it ends the process. What is above a
+// folder that is there is not asked about: a server, or a folder above a share's, may not be looked at.
 int boostMakeFolders(const std::string& path) {
     return numberOfError([&](error_code& error) {
-        const fs::path whole(path);
-        fs::path made = whole.root_path();
-        for (const fs::path& part : whole.relative_path()) {
-            made /= part;
-            error_code ignored;
-            if (!fs::is_directory(made, ignored) && !fs::create_directory(made, error) && error) {
+        std::vector<fs::path> missing;
+        error_code ignored;
+        for (fs::path at(path); at.has_relative_path() && !fs::is_directory(at, ignored);
+             at = at.parent_path()) {
+            missing.push_back(at);
+        }
+        for (; !missing.empty(); missing.pop_back()) {
+            if (!fs::create_directory(missing.back(), error) && error) {
                 return;
             }
         }
