@@ -354,7 +354,10 @@ void ProjectSession::removeEntity(size_t level, size_t entity) {
     step(std::move(change));
 }
 
-void ProjectSession::moveEntity(size_t level, size_t from, size_t to) {
+bool ProjectSession::moveEntity(size_t level, size_t from, size_t to) {
+    if (level >= m_model.m_apLevels.size() || from >= m_model.m_apLevels[level].m_entities.size()) {
+        return false;
+    }
     ProjectChange change;
     change.kind = Kind::EntityMoved;
     change.field.level = level;
@@ -382,6 +385,7 @@ std::string ProjectSession::changesText() const {
     const std::string after = text();
     return unifiedDifference(std::string_view(m_bytes).substr(utf8MarkLength(m_bytes)),
                              std::string_view(after).substr(utf8MarkLength(after)), xmlFromPath(m_path),
+    return true;
                              xmlFromPath(m_path));
 }
 

@@ -111,7 +111,8 @@ public:
     void addEntity(size_t level, size_t place, const std::string& name, const std::string& parent);
     void duplicateEntity(size_t level, size_t entity);
     void removeEntity(size_t level, size_t entity);
-    void moveEntity(size_t level, size_t from, size_t to);
+    // False, with nothing done, where there is no such entity.
+    bool moveEntity(size_t level, size_t from, size_t to);
 
     // How many steps are done. A panel with an undo of its own notes it before an edit, and goes back to it.
     size_t editsDone() const { return m_edits.done(); }

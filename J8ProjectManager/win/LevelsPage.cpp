@@ -354,12 +354,14 @@ void LevelsPage::changeEntities(int id) {
 
 // The level itself stays the first row. While a search hides entities, a place among them says little.
 bool LevelsPage::mayMove(int row, int before) const {
-    return hasLevel() && row > 0 && before > 0 &&
+    const int end = static_cast<int>(m_entities.size()) + 1;
+    return hasLevel() && row > 0 && row < end && before > 0 && before <= end &&
            m_entities.size() == model().m_apLevels[m_level].m_entities.size();
 }
 
 void LevelsPage::moveRow(int row, int before) {
-    if (!m_view.commit()) {
+    // What is committed may change the rows.
+    if (!m_view.commit() || !mayMove(row, before)) {
         return;
     }
     const auto from = static_cast<size_t>(row) - 1, behind = static_cast<size_t>(before) - 1;

@@ -88,6 +88,20 @@ TEST_F(ProjectSessionTest, SetsSeveralValuesOrNone) {
     EXPECT_EQ(all(), before);
 }
 
+// A window may ask about rows that have gone meanwhile.
+TEST_F(ProjectSessionTest, MovesOnlyEntitiesThatAreThere) {
+    const std::string before = all();
+    const size_t places[][2] = {{0, 2}, {1, 0}, {2, 0}, {7, 0}};  // the second level is empty
+    for (const auto& [level, entity] : places) {
+        EXPECT_FALSE(session.moveEntity(level, entity, 0)) << level << " " << entity;
+    }
+    EXPECT_FALSE(session.hasChanges());
+    EXPECT_TRUE(session.moveEntity(0, 0, 9));
+    EXPECT_TRUE(session.hasChanges());
+    session.undo();
+    EXPECT_EQ(all(), before);
+}
+
 // What the window that has to go asks, and where the edits are when the project can't be written.
 TEST_F(ProjectSessionTest, OffersEditsWhereTheWindowHasToGo) {
     const std::string old = folder.read("game.xml");
@@ -237,7 +251,7 @@ TEST_F(ProjectSessionTest, LevelsAndEntitiesMoveAndComeBack) {
                 entities ? session.removeEntity(level, below(entities)) : (void)0;
                 break;
             case 7:
-                entities ? session.moveEntity(level, below(entities), below(entities)) : (void)0;
+                entities ? (void)session.moveEntity(level, below(entities), below(entities)) : (void)0;
                 break;
             default:
                 if (entities) {

@@ -82,6 +82,7 @@ void RowList::setTextWidth(int width) {
 }
 
 void RowList::setCount(int rows) {
+    m_moving.cancel();
     select(-1);
     SendMessageA(m_window, LVM_SETITEMCOUNT, static_cast<WPARAM>(rows), 0);
     fitColumns();

@@ -33,7 +33,7 @@ public:
     HWND window() const { return m_window; }
     void place(const Area& area);
 
-    // The rows are other ones now; none is selected.
+    // The rows are other ones now; none is selected, and none dragged any more.
     void setCount(int rows);
     int count() const;
     // -1: none.

@@ -92,7 +92,9 @@ void RowMoving::end(bool drops) {
     if (GetCapture() == m_list) {
         ReleaseCapture();
     }
-    if (drops && before >= 0) {
+    // Asked again: other things than the mouse's moves may have changed the answer.
+    if (drops && before >= 0 && row < count() && before <= count() && IsWindowVisible(m_list) &&
+        m_mayMove(row, before)) {
         m_move(row, before);
     }
 }
@@ -125,6 +127,9 @@ void RowMoving::paintMark(const NMLVCUSTOMDRAW& draw) const {
 bool RowMoving::takes(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SYSKEYDOWN:
+            if (isDragging()) {
+                return wParam == VK_UP || wParam == VK_DOWN;
+            }
             if (wParam == VK_UP || wParam == VK_DOWN) {
                 step(wParam == VK_UP ? -1 : 1);
                 return true;

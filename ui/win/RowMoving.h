@@ -20,11 +20,13 @@ public:
     RowMoving(const RowMoving&) = delete;
     RowMoving& operator=(const RowMoving&) = delete;
 
-    // `mayMove` is asked while a row is dragged, `move` called where it is dropped and `mayMove` has said yes.
+    // `mayMove` is asked while a row is dragged and where it is dropped; `move` is called if it says yes then.
     void attach(HWND list, MayMove mayMove, Move move);
     // The user begins to drag the row.
     void begin(int row);
     bool isDragging() const { return m_row >= 0; }
+    // Nothing is moved: the rows are other ones now.
+    void cancel() { end(false); }
     // The line where the row would go, at that item: on CDDS_ITEMPOSTPAINT.
     void paintMark(const NMLVCUSTOMDRAW& draw) const;
 

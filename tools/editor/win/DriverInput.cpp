@@ -227,8 +227,9 @@ void hold(DriveContext& drive, const Words& words) {
     }
 }
 
-// drag-row LIST FROM BEFORE: drags a row of a list with the mouse to the upper half of another one, or below the last
-// one where BEFORE is "". Both are numbers from 1; no message waits for the one before, as the list takes them in turn.
+// drag-row LIST FROM BEFORE [BUTTON]: drags a row of a list with the mouse to the upper half of another one, or below
+// the last one where BEFORE is "". Both are numbers from 1; no message waits for the one before, as the list takes them
+// in turn. BUTTON does its work before the row is dropped, as its key could make it.
 void dragRow(DriveContext& drive, const Words& words) {
     const HWND found = drive.usableControl(words[0]);
     const LRESULT count = ask(found, LVM_GETITEMCOUNT);
@@ -251,6 +252,11 @@ void dragRow(DriveContext& drive, const Words& words) {
     post(WM_LBUTTONDOWN, MK_LBUTTON, from);
     for (int step = 1; step <= 8; ++step) {  // far enough apart to be a drag
         post(WM_MOUSEMOVE, MK_LBUTTON, {from.x + step, from.y + (to.y - from.y) * step / 8});
+    }
+    if (words.size() > 3) {
+        const HWND button = drive.usableControl(words[3]);
+        PostMessageA(GetParent(button), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(button), BN_CLICKED),
+                     reinterpret_cast<LPARAM>(button));
     }
     post(WM_LBUTTONUP, 0, to);
 }
@@ -422,7 +428,7 @@ void addInputCommands(DriveCommands& table) {
     table["wheel"] = {2, 2, wheel};
     table["hover"] = {2, 2, hover};
     table["hold"] = {3, 3, hold};
-    table["drag-row"] = {3, 3, dragRow};
+    table["drag-row"] = {3, 4, dragRow};
     table["drag"] = {1, 1, drag};
     table["context-menu"] = {1, 2, contextMenu};
     table["random-messages"] = {3, 5, randomMessages};
