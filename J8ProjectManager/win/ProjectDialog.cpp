@@ -20,6 +20,9 @@ namespace {
 constexpr const char* kTitle = "Project Manager";
 enum { kUndo = 1050, kRedo, kChanges, kReload, kSave };
 constexpr UINT kLoaded = WM_APP + 30;
+// Looks whether the project is loaded, should the message that says so not come.
+constexpr UINT_PTR kLoadedTimer = 30;
+constexpr UINT kLookEvery = 250;  // milliseconds
 // What is loaded within that time comes into sight with the window: nobody notices it, and nothing flickers. A project
 // file that is not large is waited for longer, as it takes so long only where the disk or the processor is busy.
 constexpr DWORD kLoadsAtOnce = 10, kSmallLoadsAtOnce = 1000;  // milliseconds
@@ -109,8 +112,8 @@ void ProjectDialog::run(const std::string& projectFile) {
 }
 
 bool ProjectDialog::takeLoaded() {
+    m_isLoading = false;  // also where it throws: there is nothing to be taken a second time
     ProjectSession::Loaded loaded = m_load->take();
-    m_isLoading = false;
     if (const Outcome opened = m_session.open(std::move(loaded)); !opened) {
         userPrompt().ask(opened.why(), kTitle, PromptButtons::Ok, PromptIcon::Error);
         return false;
@@ -125,6 +128,7 @@ void ProjectDialog::shown() {
         setStatus("Loading the project...");
         RedrawWindow(window(), nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
         m_load->goOn(window(), kLoaded);
+        SetTimer(window(), kLoadedTimer, kLookEvery, nullptr);
     }
 }
 
@@ -137,7 +141,9 @@ void ProjectDialog::enableAll(bool enabled) {
 }
 
 std::optional<LRESULT> ProjectDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == kLoaded && m_isLoading) {
+    const bool looks = message == WM_TIMER && wParam == kLoadedTimer;
+    if (m_isLoading && (message == kLoaded || (looks && m_load->isDone(0)))) {
+        KillTimer(window(), kLoadedTimer);
         if (!takeLoaded()) {
             end();
             return 0;
@@ -148,6 +154,9 @@ std::optional<LRESULT> ProjectDialog::message(UINT message, WPARAM wParam, LPARA
             SetFocus(field);
         }
         showState();  // the title last: it says that the project is there
+        return 0;
+    }
+    if (looks) {
         return 0;
     }
     if (message == WM_DESTROY && m_isLoading) {
