@@ -155,6 +155,9 @@ void CJ8ProjectManager::add(const zoka::ReportEntry& entry, Arguments arguments,
 
 void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments,
                               std::uint32_t place, int sourceLine) {
+    if (m_isStopped) {
+        return;
+    }
     std::string line = zoka::writeReport(texts::kSource, report, entry, arguments, sourceLine, m_lateLog);
     if (entry.severity == 0) {
         return;
@@ -172,7 +175,9 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
 }
 
 void CJ8ProjectManager::log(const zoka::ReportEntry& entry, int sourceLine) {
-    zoka::writeReport(texts::kSource, m_report, entry, {}, sourceLine, m_lateLog);
+    if (!m_isStopped) {
+        zoka::writeReport(texts::kSource, m_report, entry, {}, sourceLine, m_lateLog);
+    }
 }
 
 std::uint32_t CJ8ProjectManager::addSource(const std::string& path) {
@@ -189,7 +194,7 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
     XMLResults results;
     XMLNode top =
         XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, m_watch, XMLCharset::Utf8);
-    if (top.isEmpty()) {
+    if (top.isEmpty() && !m_isStopped) {
         add(bad, {path}, m_referrer);
         tellParseError(path, results);
     }
@@ -340,9 +345,15 @@ void CJ8ProjectManager::replaceLevels(const XMLNode& root) {
 
 bool CJ8ProjectManager::loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
                                      const XMLResults* results, const XMLProgress& watch) {
-    m_watch = watch;
+    if (watch) {
+        m_watch = [this, watch](size_t done, size_t total) {
+            m_isStopped = m_isStopped || !watch(done, total);
+            return !m_isStopped;
+        };
+    }
     const bool loaded = load(root, path, keepFilled, results, {});
     m_watch = {};
+    m_isStopped = false;
     return loaded;
 }
 
@@ -375,6 +386,9 @@ bool CJ8ProjectManager::load(const XMLNode& root, const std::string& path, bool 
     take(m_date, "date", texts::kNoDate);
     loadPaths(root);
     loadBehaviorFiles(root);
+    if (m_isStopped) {
+        return false;
+    }
     loadSections(root);
     m_apLevels = std::move(read.levels);
     m_report += read.report;
@@ -421,7 +435,8 @@ void CJ8ProjectManager::reportFile(const CJ8File& file, const texts::FileLines& 
 }
 
 void CJ8ProjectManager::loadBehaviorFiles(const XMLNode& root) {
-    for (XMLNode node = root.firstChild("Behavior"); !node.isEmpty(); node = node.nextSibling("Behavior")) {
+    for (XMLNode node = root.firstChild("Behavior"); !node.isEmpty() && !m_isStopped;
+         node = node.nextSibling("Behavior")) {
         CJ8File file;
         GetFilenameFromXML(file, node);
         reportFile(file, texts::kBehaviorFile);

@@ -67,7 +67,7 @@ public:
     bool LoadFromXML(const std::string& path, bool keepFilled);
     // The same with the tree of that file, which may be empty.
     // `results` tell why it is empty; null: not known.
-    // What `watch` stops is of no use.
+    // What `watch` stops is of no use, and reports and logs nothing from there on.
     bool loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
                       const XMLResults* results = nullptr, const XMLProgress& watch = {});
 
@@ -187,7 +187,8 @@ private:
     std::uint32_t m_source = 0;    // the one that is being read
     std::uint32_t m_referrer = 0;  // in it, the element that names the file to be opened next
     std::vector<zoka::J8Finding> m_findings;
-    XMLProgress m_watch;  // told while files are parsed
+    XMLProgress m_watch;       // told while files are parsed
+    bool m_isStopped = false;  // by it: nothing more is told, as nothing was found out
     // Where entries of the log go meanwhile; null: to the log.
     std::vector<zoka::LateLogEntry>* m_lateLog = nullptr;
     zoka::NameIndex m_componentIndex, m_behaviorIndex;

@@ -17,6 +17,8 @@ namespace {
 
 using Kind = ProjectChange::Kind;
 
+constexpr const char* kStopped = "Loading was stopped.";
+
 // `name`, or with the first number behind it that makes it one that no record has.
 template <class List, class Name>
 std::string freeName(const List& list, std::string name, const Name& nameOf) {
@@ -121,13 +123,29 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string path, std::string 
     loaded.model = std::make_unique<CJ8ProjectManager>();
     loaded.bytes = std::move(bytes);
     XMLResults results;
-    const XMLNode document = XMLNode::parseBytes(loaded.bytes, nullptr, &results, watch, XMLCharset::Utf8);
+    bool isStopped = false;
+    XMLProgress asked;
+    if (watch) {
+        asked = [&](size_t done, size_t total) {
+            isStopped = isStopped || !watch(done, total);
+            return !isStopped;
+        };
+    }
+    const XMLNode document = XMLNode::parseBytes(loaded.bytes, nullptr, &results, asked, XMLCharset::Utf8);
+    if (isStopped) {  // not a damaged file, of which something would be told
+        loaded.usable = Refusal{kStopped};
+        return loaded;
+    }
     loaded.wasRead = !results.outOfMemory;
     if (!document.isEmpty() && document.firstChild("Project").isEmpty()) {
         results.code = kXmlFirstTagNotFound;
     }
-    if (loaded.model->loadFromTree(document.firstChild("Project"), loaded.path, false, &results, watch)) {
+    if (loaded.model->loadFromTree(document.firstChild("Project"), loaded.path, false, &results, asked)) {
         loaded.frame = loaded.model->withoutLevels();
+        return loaded;
+    }
+    if (isStopped) {
+        loaded.usable = Refusal{kStopped};
         return loaded;
     }
     if (results.outOfMemory) {
@@ -367,6 +385,7 @@ bool ProjectSession::moveEntity(size_t level, size_t from, size_t to) {
     if (change.to != from) {
         step(std::move(change));
     }
+    return true;
 }
 
 const ProjectChange* ProjectSession::undo() {
@@ -385,7 +404,6 @@ std::string ProjectSession::changesText() const {
     const std::string after = text();
     return unifiedDifference(std::string_view(m_bytes).substr(utf8MarkLength(m_bytes)),
                              std::string_view(after).substr(utf8MarkLength(after)), xmlFromPath(m_path),
-    return true;
                              xmlFromPath(m_path));
 }
 

@@ -102,6 +102,33 @@ TEST_F(ProjectSessionTest, MovesOnlyEntitiesThatAreThere) {
     EXPECT_EQ(all(), before);
 }
 
+// A window that is closed while its project loads leaves no lines about files that nothing is wrong with.
+TEST_F(ProjectSessionTest, LogsNothingOfALoadFromWhereItIsStopped) {
+    folder.write("game.xml",
+                 "<Project name='Game'>" + paths + kElements + "<Behavior proj_file='none.xml'/></Project>");
+    const auto logged = [this](size_t stopAt, size_t& asked) {
+        zoka::closeDebugLog();
+        folder.write("log.xml", "");
+        asked = 0;
+        const ProjectSession::Loaded loaded =
+            ProjectSession::read(path, [&](size_t, size_t) { return ++asked != stopAt; });
+        EXPECT_EQ(bool(loaded.usable), stopAt == 0) << stopAt;
+        zoka::closeDebugLog();
+        return folder.read("log.xml").empty() ? "" : log();
+    };
+    size_t calls = 0, asked = 0;
+    const std::string whole = logged(0, calls);
+    ASSERT_GE(calls, 3U) << "the project, its behaviours, their components";
+    ASSERT_NE(whole, "");
+    for (size_t stopAt = 1; stopAt <= calls; ++stopAt) {
+        const std::string stopped = logged(stopAt, asked);
+        EXPECT_EQ(asked, stopAt);
+        EXPECT_LT(stopped.size(), whole.size());
+        EXPECT_EQ(stopped, whole.substr(0, stopped.size())) << "stopped at " << stopAt;
+    }
+    EXPECT_EQ(logged(1, asked), "");
+}
+
 // What the window that has to go asks, and where the edits are when the project can't be written.
 TEST_F(ProjectSessionTest, OffersEditsWhereTheWindowHasToGo) {
     const std::string old = folder.read("game.xml");
