@@ -67,7 +67,7 @@ public:
     bool LoadFromXML(const std::string& path, bool keepFilled);
     // The same with the tree of that file, which may be empty.
     // `results` tell why it is empty; null: not known.
-    // What `watch` stops is of no use, and reports and logs nothing from there on.
+    // The result of a load that `watch` stopped must not be used; nothing is reported or logged from the stop on.
     bool loadFromTree(const XMLNode& root, const std::string& path, bool keepFilled,
                       const XMLResults* results = nullptr, const XMLProgress& watch = {});
 

@@ -56,7 +56,7 @@ public:
         Outcome usable;        // or why not
         bool wasRead = false;  // all of the file, well-formed or not
     };
-    // Reads a project without touching a session. One that `watch` stops is of no use to anybody. Throws
+    // Reads a project without touching a session. The result of one that `watch` stopped must not be used. Throws
     // std::bad_alloc. [any thread]
     static Loaded read(const std::string& path, const XMLProgress& watch = {});
 

@@ -111,7 +111,7 @@ private:
     std::optional<NewProjectField> m_asked;
 };
 
-// Asks whether what a run has made is to be removed, if it has made anything, and removes it, which `runJob` runs.
+// Asks whether what a run has made is to be removed, if it has made anything, and removes it; `runJob` runs the removal.
 void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled, const RunJob& runJob);
 
 // The message for a code of CJ8Wizard::Run; empty for one that needs none. Static.

@@ -27,10 +27,9 @@ std::string allowedRange(const EntryFacts& facts);
 
 // Whether a drop list has choices at all, and whether `text` is one of them, to the letter.
 bool hasChoices(const EntryFacts& facts);
-// Why a list doesn't take the value; empty when it offers it, or is no list. Others may stand in it all the same, for
-// whoever insists.
-std::string choiceRefusal(const EntryFacts& facts, std::string_view text);
 bool isChoice(const EntryFacts& facts, std::string_view text);
+// Why a list does not take the value; empty when it offers it, or is no list. The tool sets others with --force.
+std::string choiceRefusal(const EntryFacts& facts, std::string_view text);
 
 // A number with at most `decimals` digits behind the point, without zeros at its end.
 std::string numberText(double value, int decimals);

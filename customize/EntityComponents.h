@@ -101,7 +101,7 @@ private:
     std::string m_file;
     CJ8ProjectManager m_model;
     ProjectSession m_project;
-    Outcome m_loaded = Refusal{};  // or why the project could not be
+    Outcome m_loaded = Refusal{};  // or why the project could not be loaded
     bool m_isOptional = false;
     std::vector<std::optional<FileTime>> m_times;  // of the files read
     std::vector<std::string> m_entities;

@@ -8,7 +8,8 @@
 
 namespace zoka {
 
-// The reason, in words for the user. It is empty only where there is nothing to tell: the user declined, or what asked goes.
+// The reason, in words for the user. It is empty only where there is nothing to tell: the user declined, or the window
+// that asked is closing.
 struct Refusal {
     std::string why;
 };

@@ -14,7 +14,7 @@ namespace zoka {
 // Made and used by one thread.
 class BackgroundLoad {
 public:
-    // Begins to load. What `before` held is freed behind it: of a large project that takes its time, too. Where no
+    // Begins to load. What `before` held is freed afterwards on the same thread: of a large project that takes its time, too. Where no
     // thread can be had, all is done here.
     BackgroundLoad(std::string projectFile, CJ8ProjectManager& before);
     // Waits for the thread, which stops soon.
@@ -26,7 +26,7 @@ public:
     bool isDone(DWORD milliseconds) const;
     // Where there is one processor only, the thread leaves it to this one until goOn.
     void giveWay();
-    // The window gets the message once it is done, which may be at once. A null window: it is of no use any more.
+    // The window gets the message once it is done, which may be at once. A null window stops the load.
     void goOn(HWND window, UINT message = 0);
     // What was loaded, once; waits for it. Throws what loading has thrown.
     ProjectSession::Loaded take();

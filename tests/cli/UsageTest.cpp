@@ -140,8 +140,8 @@ TEST(Usage, FilesAreNamedAsTheyWereGiven) {
         std::string said = run.out + run.err;
         std::string wanted = row.says;
 #ifdef _WIN32
-        for (std::string* const text :
-             {&said, &wanted}) {  // what is below an argument has the system's separators
+        // What is below an argument has the system's separators.
+        for (std::string* const text : {&said, &wanted}) {
             std::ranges::replace(*text, '\\', '/');
         }
 #endif

@@ -204,14 +204,15 @@ TEST_F(BehaviorComponentsTest, showsAndTakesAllCharacters) {
     m_panel.refresh(true);
     EXPECT_THAT(shown(),
                 ElementsAre(life + "=0", "\xCF\x83\xCF\x8E\xCE\xBC\xCE\xB1", "\xCF\x87=(different) changed"));
-    // What says so of an entity that is gone is in the row's own set.
+    // What says so of an entity that is gone is in the row's own set, and in the system's where a box shows it.
     select({"\xE4"});
     m_panel.refresh(true);
+    ASSERT_TRUE(m_panel.setValue(2, "\xCE\xA9"));
     m_entities.entities.erase("\xE4");
     select({});
     m_panel.refresh(true);
     EXPECT_EQ(m_panel.row(2).blocked(), "\xC3\xA4 is gone from the level.");
-    EXPECT_EQ(m_panel.undo().why(), "");
+    EXPECT_EQ(m_panel.undo().why(), "\xE4 is gone from the level.");
 }
 
 TEST_F(BehaviorComponentsTest, severalEntitiesGetTheValueAndEachItsOwnBack) {

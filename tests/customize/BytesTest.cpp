@@ -144,7 +144,7 @@ TEST(WriteBack, SwitchesPutTwoSlashesAtTheLineStartAndTakeTheTwoThatTheyFind) {
     for (const auto& row : rows) {
         ScriptRows panel = panelOf(row.before);
         for (size_t i = 0; i < panel.size(); ++i) {
-            static_cast<void>(panel.row(i).edit(panel.row(i).isOn() ? "0" : "1"));
+            EXPECT_TRUE(panel.row(i).edit(panel.row(i).isOn() ? "0" : "1"));
         }
         EXPECT_EQ(savedText(panel), row.after);
     }

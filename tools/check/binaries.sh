@@ -2,8 +2,9 @@
 # Checks the Windows binaries as they would be shipped: binaries.sh WINDOWS_BUILD
 #
 # Each may import from libraries of the system only, can be moved in memory, keeps data from being run and has the
-# guard of stack frames (guards.sh sees that our own frames use it). The library has no handlers of structured exceptions and no debug sections; what it exports are three
-# undecorated entry points and otherwise members of the exported classes alone.
+# guard of stack frames (guards.sh sees that our own frames use it). The library has no handlers of structured
+# exceptions and no debug sections; what it exports are three undecorated entry points and otherwise members of the
+# exported classes alone.
 set -euo pipefail
 build=$1
 findings=0

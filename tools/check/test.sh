@@ -127,7 +127,7 @@ if [ -n "$windows" ]; then
     # What Wine starts beside a session's first programs (the desktop with the first that draws) keeps their output
     # open, and CTest would wait for its end.
     run_ctest windows tools/run/display.sh bash -c \
-        'tools/run/wine.sh build/windows/wine build/windows/tests/ui/ui_tests.exe >/dev/null 2>&1; exec "$@"' session
+        'tools/run/wine.sh build/windows/wine build/windows/tests/ui/ui_tests.exe >/dev/null 2>&1 && exec "$@"' session
     end_window_tests
     check demo tools/demo/run.sh
 fi

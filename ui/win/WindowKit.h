@@ -142,7 +142,7 @@ void centreOver(HWND window, HWND owner, int width, int height);
 // Outer size of a window whose inner size is given.
 SIZE outerSize(HWND window, int width, int height);
 
-// What to say where the next one fails.
+// Told when copyToClipboard fails.
 inline constexpr const char* kNotCopied = "Not copied: another program uses the clipboard";
 // Puts text, as wideReport takes it, on the clipboard; false when it can't be had.
 bool copyToClipboard(HWND owner, const std::string& text);

@@ -186,8 +186,8 @@ public:
         }
         std::string native = withSlashes(path);
         struct stat info;
-        if (stat(native.c_str(), &info) !=
-            0) {  // as few questions as can be about what is there as it is spelled
+        // As few questions as can be about what is there as it is spelled.
+        if (stat(native.c_str(), &info) != 0) {
             native = toNativePath(path);
             if (native.empty() || !statEntry(native, info)) {
                 return std::nullopt;
