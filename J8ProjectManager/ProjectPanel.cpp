@@ -125,31 +125,34 @@ void ProjectPanel::show(Shown shown, size_t level, size_t entity) {
     } else if (shown == Shown::Component && level >= m_session.model().m_apComponents.size()) {
         m_shown = Shown::Nothing;
     }
+    // Made apart: should memory run out, the view still has those before.
+    std::vector<ProjectRow> source;
     switch (m_shown) {
         case Shown::Project:
-            m_source = m_session.projectRows();
+            source = m_session.projectRows();
             break;
         case Shown::Level:
-            m_source = m_session.levelRows(level);
+            source = m_session.levelRows(level);
             break;
         case Shown::Entity:
-            m_source = m_session.entityRows(level, entity);
+            source = m_session.entityRows(level, entity);
             break;
         case Shown::Component:
-            m_source = propertyRows(m_session.model(), level);
+            source = propertyRows(m_session.model(), level);
             break;
         default:
-            m_source.clear();
             break;
     }
-    m_models.clear();
-    m_models.reserve(m_source.size());
-    for (ProjectRow& row : m_source) {
+    std::vector<EntryModel> models;
+    models.reserve(source.size());
+    for (ProjectRow& row : source) {
         if (row.hasField && !row.inherited) {
             row.saved = m_session.savedValue(row.field);
         }
-        m_models.push_back(modelOf(row));
+        models.push_back(modelOf(row));
     }
+    m_source = std::move(source);
+    m_models = std::move(models);
     showRows(m_models);
 }
 

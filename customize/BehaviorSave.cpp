@@ -48,10 +48,7 @@ SaveResult BehaviorSession::save() {
     const bool isSame = names() == before && m_components->editsDone() == edits;
     const auto first = std::find_if(m_sources.begin(), m_sources.end(),
                                     [](const Source& source) { return source.component.has_value(); });
-    const auto own = first - m_sources.begin();
-    m_sources.erase(first, m_sources.end());
-    m_models.erase(m_models.begin() + own, m_models.end());
-    addComponents();
+    replaceRows(static_cast<size_t>(first - m_sources.begin()), [this] { addComponents(); });
     showRows(m_models, isSame);
     return saved;
 }

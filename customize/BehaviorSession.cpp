@@ -107,24 +107,41 @@ void BehaviorSession::show(std::vector<std::string> entities) {
     m_entities = std::move(entities);
     m_gone = m_entities.size() == 1 && !isThere(*m_access, m_entities.front()) ? m_entities.front() : "";
     m_actions.load(m_access, namedEntities(), shownComponents());
-    m_models.clear();
-    m_sources.clear();
-    for (const CustomEntry& row : m_actions.sharedRows()) {
-        addRow(row);
-    }
     if (m_components) {
         m_components->show(m_isOtherProject ? std::vector<std::string>() : namedEntities());
-        addComponents();
     }
-    if (m_isOtherProject) {
-        EntryFacts facts;
-        facts.field = EntryField::Text;
-        facts.label =
-            "Changes of '" + m_components->file() + "' are not saved. Save asks what becomes of them.";
-        m_models.emplace_back(std::move(facts));
-        m_sources.emplace_back();
-    }
+    replaceRows(0, [this] {
+        for (const CustomEntry& row : m_actions.sharedRows()) {
+            addRow(row);
+        }
+        if (m_components) {
+            addComponents();
+        }
+        if (m_isOtherProject) {
+            EntryFacts facts;
+            facts.field = EntryField::Text;
+            facts.label =
+                "Changes of '" + m_components->file() + "' are not saved. Save asks what becomes of them.";
+            m_models.emplace_back(std::move(facts));
+            m_sources.emplace_back();
+        }
+    });
     showRows(m_models);
+}
+
+// The first `kept` rows stay and `add` puts others behind them. Should memory run out, the view still has those before.
+void BehaviorSession::replaceRows(size_t kept, const std::function<void()>& add) {
+    std::vector<EntryModel> models(m_models.begin(), m_models.begin() + static_cast<std::ptrdiff_t>(kept));
+    std::vector<Source> sources(m_sources.begin(), m_sources.begin() + static_cast<std::ptrdiff_t>(kept));
+    m_models.swap(models);
+    m_sources.swap(sources);
+    try {
+        add();
+    } catch (...) {
+        m_models.swap(models);
+        m_sources.swap(sources);
+        throw;
+    }
 }
 
 void BehaviorSession::addComponents() {

@@ -129,6 +129,7 @@ private:
     }
     void addRow(const CustomEntry& entry);
     void addComponents();
+    void replaceRows(size_t kept, const std::function<void()>& add);
     void blockComponents();
     // "skill3 Speed", "body.mass", in UTF-8; empty for a row without a value.
     std::string copyName(size_t i) const;

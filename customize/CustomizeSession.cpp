@@ -27,26 +27,28 @@ Outcome CustomizeSession::open(const std::string& fileName) {
     const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
     m_reserve.refill();
     ScriptRows loaded;
+    std::string project;
+    bool isOther = false;
     try {
         if (const Outcome made = makeRows(path, loaded); !made) {
             m_notOpened = made.why();
             return made;
         }
+        project = m_host.GetProjectFolder();
+        // A list of scripts may be older than the project that is open by now.
+        if (std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end()) {
+            isOther = !sameFolder(project, m_offeredProject);
+            project = m_offeredProject;
+        }
     } catch (const std::bad_alloc&) {
         throw OutOfMemory(path);
     }
-    m_panel = std::move(loaded);
+    m_project = std::move(project);
+    m_otherProject = isOther;
     m_carried.clear();
-    // A list of scripts may be older than the project that is open by now.
-    const bool offered = std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end();
-    m_project = offered ? m_offeredProject : m_host.GetProjectFolder();
-    m_otherProject = false;
-    if (offered) {
-        lookAtProject();
-    }
     m_unplaced.clear();
     filter.unfoldAll();
-    rowsMade(false);
+    showScript(std::move(loaded), false);
     return {};
 }
 
@@ -114,15 +116,16 @@ Outcome CustomizeSession::load(const std::string& fileName) {
     ScriptRows loaded;
     Outcome found = read(fileName, loaded);
     if (found) {
-        m_panel = std::move(loaded);
+        loaded.makeRows(hostNames(loaded.script));
+        showScript(std::move(loaded), false);
     }
     return found;
 }
 
-// Makes the rows of a script just loaded.
-void CustomizeSession::show() {
-    m_panel.makeRows(hostNames(m_panel.script));
-    rowsMade(false);
+// With its rows, so that nothing can fail while the view has those of the script before, which are gone.
+void CustomizeSession::showScript(ScriptRows&& made, bool keepHistory) {
+    m_panel = std::move(made);
+    rowsMade(keepHistory);
 }
 
 void CustomizeSession::rowsMade(bool keepHistory) {
@@ -228,7 +231,6 @@ bool CustomizeSession::restore() {
     const Outcome loaded = load(std::string(m_panel.script.scriptPath));
     if (loaded) {
         m_unplaced.clear();
-        show();
     } else {
         m_prompt.tell(loaded.why());
     }
@@ -252,19 +254,16 @@ bool CustomizeSession::update() {
         m_carried.clear();
         return false;
     }
-    ScriptRows before;
-    {
-        ScriptRows loaded;
-        if (const Outcome found = read(m_panel.script.scriptPath, loaded); !found) {
-            m_carried.clear();
-            m_prompt.tell(found.why());
-            return false;
-        }
-        before = std::move(m_panel);
-        m_panel = std::move(loaded);
+    ScriptRows loaded;
+    if (const Outcome found = read(m_panel.script.scriptPath, loaded); !found) {
+        m_carried.clear();
+        m_prompt.tell(found.why());
+        return false;
     }
+    loaded.makeRows(hostNames(loaded.script));
     m_unplaced.clear();
-    show();
+    const ScriptRows before = std::move(m_panel);
+    showScript(std::move(loaded), false);
     m_view->bringToFront();
     if (byFile && before.script.set == m_panel.script.set) {
         carryFromValueFile(m_carried);
@@ -323,6 +322,7 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
     }
     // The user has been told; the values are still at hand.
     m_panel.makeRows(hostNames(m_panel.script));
+    rowsMade(false);
     m_unplaced = carryValues(values, m_panel);
 }
 

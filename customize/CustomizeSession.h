@@ -92,7 +92,7 @@ private:
     std::string pictureFor(const CustomScript& script, const std::string& name) const;
     Outcome read(const std::string& fileName, ScriptRows& panel, JobProgress* progress = nullptr);
     Outcome load(const std::string& fileName);
-    void show();
+    void showScript(ScriptRows&& made, bool keepHistory);
     void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
     bool keepOwnLines(const std::string& templatePath);

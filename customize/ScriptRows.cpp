@@ -36,11 +36,14 @@ EntryModel rowOf(const CustomScript& script, size_t i, const HostNames& hostName
 }  // namespace
 
 void ScriptRows::makeRows(const HostNames& hostNames) {
-    m_rows.clear();
-    m_rows.reserve(script.entries.size());
+    std::vector<EntryModel> made;
+    made.reserve(script.entries.size());
     for (size_t i = 0; i < script.entries.size(); ++i) {
-        m_rows.push_back(rowOf(script, i, hostNames));
-        script.entries[i].control = &m_rows.back();
+        made.push_back(rowOf(script, i, hostNames));
+    }
+    m_rows = std::move(made);
+    for (size_t i = 0; i < m_rows.size(); ++i) {
+        script.entries[i].control = &m_rows[i];
     }
 }
 

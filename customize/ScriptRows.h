@@ -19,7 +19,7 @@ public:
 
     CustomScript script;
 
-    // `hostNames` are offered for entities and paths.
+    // `hostNames` are offered for entities and paths. When it throws, the rows are those before.
     void makeRows(const HostNames& hostNames = {});
     // After saving: the values of the rows that have changed are those loaded, and every row is given the host's
     // names anew. The script holds the new values already, and has the same entries.

@@ -80,7 +80,6 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
         m_carried.clear();
         return fail(loaded.why());
     }
-    show();
     m_unplaced = carryValues(m_carried, m_panel);
     addChangesToHistory();
     listener().valuesChanged();
@@ -233,6 +232,12 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         return *settled;
     }
     const std::string path = m_panel.script.scriptPath;
+    bool keepHistory = true;
+    if (!kept) {
+        saved.script.scriptPath = path;
+        saved.makeRows(hostNames(saved.script));
+        keepHistory = sameRows(m_panel.script, saved.script);
+    }
     const std::string values = valueFileText(m_panel.script, true);
     const std::string_view onDisk = overwritten ? *overwritten : m_panel.script.fileText();
     const FileContent files[] = {{path, text, FileKind::Named, copied ? std::nullopt : std::optional(onDisk)},
@@ -257,11 +262,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         m_panel.settleRows(hostNames(m_panel.script));
         rowsMade(true);
     } else {
-        saved.script.scriptPath = path;
-        const bool keepHistory = sameRows(m_panel.script, saved.script);
-        m_panel = std::move(saved);
-        m_panel.makeRows(hostNames(m_panel.script));
-        rowsMade(keepHistory);
+        showScript(std::move(saved), keepHistory);
     }
     return result ? SaveResult(SaveResult::Saved) : fail(kValueFileNotWritten, result.why());
 }

@@ -32,6 +32,9 @@ constexpr char kScript[] =
 constexpr char kNewer[] =
     "// ver: 2\r\n// entry: How dense the fog is, from near to far\r\n// id: 1\r\ndensity = 9;\r\n// "
     "more\r\n";
+// Steps become larger with the number of allocations, but in a long run.
+const bool kEveryOne = std::getenv("ZOKA_LONG") != nullptr;
+
 constexpr char kMain[] = "// main\r\ninclude <other.kez>;\r\nfunction main() {}\r\n";
 
 struct Row {
@@ -68,7 +71,7 @@ TEST(Allocations, EachThatFailsIsAResult) {
         int failures = 0;
         bool done = false;
         // First without a failure; then the first allocation fails, the second, and further on some of them.
-        for (long failing = 0; !done; failing += 1 + failing / 40) {
+        for (long failing = 0; !done; failing += kEveryOne ? 1 : 1 + failing / 40) {
             SCOPED_TRACE(failing);
             const TempFolder folder;
             folder.write("fog.kez", kScript);
@@ -122,6 +125,31 @@ bool stays(long failing, const std::function<bool()>& work, bool& done) {
     return inside;
 }
 
+// Each way of a table while each allocation fails in turn, until it has not so many. `once` tries a way and says
+// whether something unsaved was kept, which must happen.
+template <class Ways, class Once>
+void failEach(const Ways& ways, const Once& once) {
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.what);
+        int kept = 0;
+        bool done = false;
+        for (long failing = 1; !done; failing += kEveryOne ? 1 : 1 + failing / 20) {
+            SCOPED_TRACE(failing);
+            kept += once(way, failing, done);
+        }
+        EXPECT_GT(kept, 0);
+    }
+}
+
+// Reads what a window reads that is painted: rows that are gone must not be asked for.
+size_t painted(const RowEditing& rows) {
+    size_t bytes = 0;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        bytes += rows.row(i).value().size() + rows.row(i).facts().label.size();
+    }
+    return bytes;
+}
+
 // Another hand's work on the same script.
 constexpr char kOthers[] =
     "// ver: 1\r\n// another's line\r\n// entry: How dense the fog is, from near to far\r\n// id: 1\r\n"
@@ -134,6 +162,7 @@ TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
         const char* what;
         bool (*work)(CustomizeSession&);
         const char* onDisk = kScript;  // once the panel has loaded it
+        bool drops = false;            // the values, as the user wants it
     };
     const Way kWays[] = {
         {"edit", [](CustomizeSession& session) { return bool(session.setValue(1, "7")); }},
@@ -143,37 +172,79 @@ TEST(Allocations, UnsavedValuesAreKeptWhicheverFails) {
          [](CustomizeSession& session) { return session.save() == SaveResult::Saved; }, kOthers},
         {"save over a script without the entry",
          [](CustomizeSession& session) { return session.save() == SaveResult::Failed; }, kNewer},
+        {"save what is read again then",
+         [](CustomizeSession& session) {
+             return session.setValue(1, "-5") && session.save() == SaveResult::Saved;
+         }},
         {"update", [](CustomizeSession& session) { return session.update(); }},
+        {"restore", [](CustomizeSession& session) { return session.restore(); }, kScript, true},
     };
-    for (const Way& way : kWays) {
-        SCOPED_TRACE(way.what);
+    failEach(kWays, [](const Way& way, long failing, bool& done) {
         SilentPrompt prompt;
-        int kept = 0;
-        bool done = false;
-        for (long failing = 1; !done; failing += 1 + failing / 20) {
-            SCOPED_TRACE(failing);
-            const TempFolder folder;
-            const std::string path = folder.write("fog.kez", kScript);
-            std::filesystem::create_directory(folder.native("t"));
-            FolderHost host({.project = folder.path(), .suite = folder.path()});
-            folder.write("t/fog.kez", kNewer);
-            host.setChosenFile(folder.path("t\\fog.kez"));
-            CustomizeSession session(host, userPrompt());
-            ASSERT_TRUE(session.open(path) && session.setValue(2, "mist.tga"));
-            folder.write("fog.kez", way.onDisk);
-            if (stays(
-                    failing, [&] { return way.work(session); }, done)) {
-                continue;
-            }
-            session.offerUnsaved();
-            const std::string old = folder.read("fog.kez.zoka.old");
-            kept += old != "<missing>";
-            EXPECT_TRUE(old.find("\nmist.tga\n\n") != std::string::npos ||
-                        folder.read("fog.kez").find("mist.tga") != std::string::npos)
-                << old;
+        const TempFolder folder;
+        const std::string path = folder.write("fog.kez", kScript);
+        std::filesystem::create_directory(folder.native("t"));
+        FolderHost host({.project = folder.path(), .suite = folder.path()});
+        folder.write("t/fog.kez", kNewer);
+        host.setChosenFile(folder.path("t\\fog.kez"));
+        CustomizeSession session(host, userPrompt());
+        EXPECT_TRUE(session.open(path) && session.setValue(2, "mist.tga"));
+        folder.write("fog.kez", way.onDisk);
+        prompt.meanwhile = [&] { EXPECT_GT(painted(session), 0u); };
+        if (stays(
+                failing, [&] { return way.work(session); }, done)) {
+            return false;
         }
-        EXPECT_GT(kept, 0);
-    }
+        EXPECT_GT(painted(session), 0u);
+        session.offerUnsaved();
+        const std::string old = folder.read("fog.kez.zoka.old");
+        EXPECT_TRUE(way.drops || old.find("\nmist.tga\n\n") != std::string::npos ||
+                    folder.read("fog.kez").find("mist.tga") != std::string::npos)
+            << old;
+        return old != "<missing>";
+    });
+}
+
+// The panel shows the script that it had, with what is not saved, or the other one, whole; and the next try works.
+TEST(Allocations, SwitchingScriptsShowsTheOneOrTheOther) {
+    struct Way {
+        const char* what;
+        PromptAnswer saves;
+    };
+    const Way kWays[] = {{"after saving", PromptAnswer::Yes}, {"without saving", PromptAnswer::No}};
+    failEach(kWays, [](const Way& way, long failing, bool& done) {
+        SilentPrompt prompt;
+        const TempFolder folder;
+        const std::string fog = folder.write("fog.kez", kScript), other = folder.write("other.kez", kNewer);
+        FolderHost host({.project = folder.path(), .suite = folder.path()});
+        CustomizeSession session(host, userPrompt());
+        session.offerScripts({fog, other});
+        EXPECT_TRUE(session.open(fog) && session.setValue(2, "mist.tga"));
+        prompt.onChanges = way.saves;
+        prompt.meanwhile = [&] { EXPECT_GT(painted(session), 0u); };
+        bool switched = false;
+        const bool inside = stays(
+            failing, [&] { return switched = session.switchTo(other); }, done);
+        const bool isOther = session.script().scriptPath == other;
+        EXPECT_EQ(session.size(), isOther ? 1u : 3u);
+        EXPECT_GT(painted(session), 0u);
+        EXPECT_TRUE(isOther || session.script().scriptPath == fog);
+        EXPECT_TRUE(switched ? isOther : !inside || prompt.told > 1) << "nobody was told";
+        if (!isOther) {
+            EXPECT_EQ(session.row(2).value(), "mist.tga");
+            EXPECT_TRUE(session.setValue(1, "7"));
+        }
+        if (!inside) {
+            session.offerUnsaved();
+            EXPECT_TRUE(isOther || folder.read("fog.kez.zoka.old") != "<missing>");
+        }
+        const std::string script = folder.read("fog.kez");
+        EXPECT_TRUE(script == kScript || script.find("\"mist.tga\"") != std::string::npos);
+        EXPECT_TRUE(!isOther || way.saves == PromptAnswer::No || script != kScript);
+        EXPECT_EQ(folder.read("other.kez"), kNewer);
+        EXPECT_TRUE(isOther || session.switchTo(other));
+        return !inside || !switched;
+    });
 }
 
 std::string projectText(const TempFolder& folder, const std::string& name) {
@@ -223,26 +294,21 @@ TEST(Allocations, UnsavedEditsOfAProjectAreKeptWhicheverFails) {
         {"save over another's change",
          [](BehaviorSession& panel) { return panel.save() == SaveResult::Saved; }, "Play"},
     };
-    for (const Way& way : kWays) {
-        SCOPED_TRACE(way.what);
+    failEach(kWays, [](const Way& way, long failing, bool& done) {
         SilentPrompt prompt;
-        int kept = 0;
-        bool done = false;
-        for (long failing = 1; !done; failing += 1 + failing / 20) {
-            SCOPED_TRACE(failing);
-            ComponentsPanel fixture;
-            fixture.folder.write("game.xml", projectText(fixture.folder, way.onDisk));
-            if (!stays(
-                    failing, [&] { return way.work(*fixture.panel); }, done)) {
-                fixture.panel->offerUnsaved();
-                const std::string saved = fixture.folder.read("game.xml");
-                EXPECT_TRUE(saved.find("harbour blue") != std::string::npos && !fixture.panel->hasUnsaved())
-                    << saved;
-                ++kept;
-            }
+        ComponentsPanel fixture;
+        fixture.folder.write("game.xml", projectText(fixture.folder, way.onDisk));
+        const bool thrown = !stays(
+            failing, [&] { return way.work(*fixture.panel); }, done);
+        EXPECT_GT(painted(*fixture.panel), 0u);
+        if (thrown) {
+            fixture.panel->offerUnsaved();
+            const std::string saved = fixture.folder.read("game.xml");
+            EXPECT_TRUE(saved.find("harbour blue") != std::string::npos && !fixture.panel->hasUnsaved())
+                << saved;
         }
-        EXPECT_GT(kept, 0);
-    }
+        return thrown;
+    });
 }
 
 // Not even for a question: what was put aside is enough.

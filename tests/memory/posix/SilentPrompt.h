@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,7 +17,12 @@ public:
     ~SilentPrompt() override { setUserPrompt(nullptr); }
     PromptAnswer ask(const std::string&, const std::string&, PromptButtons buttons, PromptIcon) override {
         ++told;
-        return buttons == PromptButtons::OkCancel ? PromptAnswer::Ok : PromptAnswer::Yes;
+        if (meanwhile) {
+            meanwhile();
+        }
+        return buttons == PromptButtons::OkCancel      ? PromptAnswer::Ok
+               : buttons == PromptButtons::YesNoCancel ? onChanges
+                                                       : PromptAnswer::Yes;
     }
     std::optional<std::string> chooseFile(const ChooserRequest&) override { return std::nullopt; }
     std::optional<std::string> chooseFolder(const ChooserRequest&) override { return std::nullopt; }
@@ -24,6 +30,8 @@ public:
         std::exit(status);
     }
     int told = 0;
+    std::function<void()> meanwhile;  // done while the user reads; may be empty
+    PromptAnswer onChanges = PromptAnswer::Yes;
 };
 
 }  // namespace zoka::test
