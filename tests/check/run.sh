@@ -49,10 +49,12 @@ expect "a new folder" 1 "stray is not in the table" "$checks/includes.sh" "$scra
 # Frames without a guard, as made by the machine's own compiler.
 tree=$scratch/guards
 mkdir -p "$tree"/{util,build/util/CMakeFiles/zoka_util.dir}
-printf 'void fill(char*);\nvoid name() {\n    char text[80] = {};\n    fill(text);\n}\n' >"$tree/util/A.cpp"
 export NM=nm
 object=$tree/build/util/CMakeFiles/zoka_util.dir/A.cpp.obj
-expect "no objects" 1 "no objects of sources with arrays" "$checks/guards.sh" "$tree/build" "$tree"
+expect "no source with an array" 1 "no source with an array in $tree/util" "$checks/guards.sh" "$tree/build" "$tree/util"
+mkdir "$tree/util/posix"
+printf 'void fill(char*);\nvoid name() {\n    char text[80] = {};\n    fill(text);\n}\n' | tee "$tree/util/A.cpp" >"$tree/util/posix/B.cpp"
+expect "no object" 1 "util/A.cpp: has no object in $tree/build" "$checks/guards.sh" "$tree/build" "$tree"
 c++ -fstack-protector-strong -c "$tree/util/A.cpp" -o "$object"
 expect "a guarded frame" 0 "" "$checks/guards.sh" "$tree/build" "$tree"
 c++ -fno-stack-protector -c "$tree/util/A.cpp" -o "$object"
