@@ -1,5 +1,6 @@
 // What only a system with slashes, modes and symbolic links has.
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -382,6 +383,39 @@ public:
 private:
     const uid_t m_before = geteuid();
 };
+
+// Folders that may be passed but not listed, or not even be passed.
+TEST(OsFiles, MakesFoldersBelowOnesThatAreNotToBeLookedAt) {
+    const TempFolder folder;
+    fs::create_directories(folder.native("closed/open"));
+    fs::permissions(folder.native(""), fs::perms::all);
+    fs::permissions(folder.native("closed/open"), fs::perms::all);
+    const fs::path before = fs::current_path();
+    const auto made = [&](const std::string& path) {
+        const AsNobody nobody;
+        return systemFiles().makeFolders(path);
+    };
+    fs::permissions(folder.native("closed"), fs::perms(0311));
+    EXPECT_TRUE(made(folder.path("closed\\open\\a\\b"))) << systemFiles().lastError();
+    EXPECT_TRUE(made(folder.path("closed\\open\\a\\b"))) << "there already";
+    EXPECT_FALSE(made(folder.path("closed\\c\\d")));
+    EXPECT_EQ(systemFiles().lastError(), "Permission denied");
+    fs::current_path(folder.native("closed/open"));
+    fs::permissions(folder.native("closed"), fs::perms(0));
+    EXPECT_TRUE(made("e\\f")) << systemFiles().lastError();
+    for (const char* path : {"closed\\open\\g\\h", "closed\\open", "closed\\i"}) {
+        EXPECT_FALSE(made(folder.path(path))) << path;
+        EXPECT_EQ(systemFiles().lastFault(), OsFault::NoPermission) << path;
+    }
+    fs::current_path(before);
+    fs::permissions(folder.native("closed"), fs::perms::all);
+    std::vector<std::string> all;
+    for (const auto& entry : fs::recursive_directory_iterator(folder.native(""))) {
+        all.push_back(entry.path().lexically_relative(folder.native("")).string());
+    }
+    EXPECT_THAT(all, testing::UnorderedElementsAre("closed", "closed/open", "closed/open/a",
+                                                   "closed/open/a/b", "closed/open/e", "closed/open/e/f"));
+}
 
 TEST(SafeWrite, RespectsRefusedAccess) {
     const TempFolder folder;
