@@ -1,8 +1,11 @@
 #include "xml/XMLConvert.h"
 
+#include <algorithm>
+
 #include "util/Text.h"
 #include "xml/PlatformCharset.h"
 #include "xml/XMLPosition.h"
+#include "xml/XMLScan.h"
 
 namespace zoka {
 namespace {
@@ -34,37 +37,15 @@ constexpr char16_t kWindows1252[32] = {
     0x2013, 0x2014, 0x02dc, 0x2122, 0x0161, 0x203a, 0x0153, 0x009d, 0x017e, 0x0178,
 };
 
-bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
 // The encoding that the declaration at the start names, as it stands there; empty without one. Whether the
 // declaration is right is the parser's affair.
 std::string_view declaredEncoding(std::string_view text) {
-    if (!text.starts_with("<?xml") || text.size() < 6 || !isBlank(text[5])) {
+    if (!text.starts_with("<?xml") || text.size() < 6 || !isXmlBlank(text[5])) {
         return {};
     }
-    text = text.substr(0, text.find("?>"));
-    size_t at = text.find("encoding");
-    if (at == text.npos) {
-        return {};
-    }
-    at += 8;
-    while (at < text.size() && isBlank(text[at])) {
-        ++at;
-    }
-    if (at == text.size() || text[at] != '=') {
-        return {};
-    }
-    ++at;
-    while (at < text.size() && isBlank(text[at])) {
-        ++at;
-    }
-    if (at == text.size() || (text[at] != '"' && text[at] != '\'')) {
-        return {};
-    }
-    const size_t end = text.find(text[at], at + 1);
-    return end == text.npos ? std::string_view() : text.substr(at + 1, end - at - 1);
+    text = namedEncoding(text.substr(0, text.find("?>")));
+    const size_t end = text.empty() ? text.npos : text.find(text[0], 1);
+    return end == text.npos ? std::string_view() : text.substr(1, end - 1);
 }
 
 bool namesUtf8(std::string_view lowerCase) {
@@ -78,7 +59,7 @@ bool namesUtf16(std::string_view lowerCase) {
 // By mark and declaration alone.
 XMLFileForm formBySigns(std::string_view bytes) {
     XMLFileForm form;
-    if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
+    if (hasUtf16Mark(bytes)) {
         form.set = bytes[0] == '\xff' ? XMLFileSet::Utf16Le : XMLFileSet::Utf16Be;
         form.mark = 2;
     } else if (bytes.starts_with(kUtf8Mark)) {
@@ -174,6 +155,24 @@ XMLDecoded decodeLatin(std::string_view bytes, bool windows) {
 }
 
 }  // namespace
+
+std::string_view namedEncoding(std::string_view text) {
+    constexpr std::string_view word = "encoding";
+    size_t at = text.find(word);
+    if (at == text.npos) {
+        return {};
+    }
+    const auto skipBlanks = [&] { at = std::min(text.find_first_not_of(kWhiteSpace, at), text.size()); };
+    at += word.size();
+    skipBlanks();
+    if (at == text.size() || text[at] != '=') {
+        return {};
+    }
+    ++at;
+    skipBlanks();
+    const bool isQuoted = at < text.size() && (text[at] == '"' || text[at] == '\'');
+    return isQuoted ? text.substr(at) : std::string_view();
+}
 
 char16_t windows1252(unsigned char byte) {
     return byte >= 0x80 && byte < 0xa0 ? kWindows1252[byte - 0x80] : char16_t{byte};

@@ -84,6 +84,9 @@ struct XMLFileForm {
 // Looks at every byte. `bytes` must be followed by a 0.
 XMLFileForm xmlFileForm(std::string_view bytes);
 
+// What stands behind the first `encoding =` of the text, from its quote on; empty where there is none.
+std::string_view namedEncoding(std::string_view text);
+
 // The offset of the first byte that is no UTF-8, or npos. `text` must be followed by a 0.
 size_t firstNotUtf8(std::string_view text);
 

@@ -1,9 +1,9 @@
 #include "xml/XMLEncoding.h"
 
-#include <algorithm>
 #include <atomic>
 
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLConvert.h"
 
 namespace zoka {
@@ -60,7 +60,7 @@ bool guessUtf8(std::string_view bytes) {
     if (head.size() < kFewestBytes) {
         return false;
     }
-    if (head.starts_with("\xff\xfe") || head.starts_with("\xfe\xff") || head[0] == 0 || head[1] == 0) {
+    if (hasUtf16Mark(head) || head[0] == 0 || head[1] == 0) {
         return false;
     }
     if (head.starts_with(kUtf8Mark)) {
@@ -70,22 +70,11 @@ bool guessUtf8(std::string_view bytes) {
         return false;
     }
 
-    size_t at = head.find("encoding");
-    if (at == head.npos) {
+    const std::string_view named = namedEncoding(head);
+    if (named.empty()) {
         return true;
     }
-    const auto skipBlanks = [&] { at = std::min(head.find_first_not_of(" \t\r\n", at), head.size()); };
-    at += 8;
-    skipBlanks();
-    if (at == head.size() || head[at] != '=') {
-        return true;
-    }
-    ++at;
-    skipBlanks();
-    if (at == head.size() || (head[at] != '"' && head[at] != '\'')) {
-        return true;
-    }
-    const std::string_view value = head.substr(at + 1);
+    const std::string_view value = named.substr(1);
     return startsWithNoCase(value, "utf-8") || startsWithNoCase(value, "utf8");
 }
 
