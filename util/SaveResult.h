@@ -8,7 +8,8 @@
 
 namespace zoka {
 
-// Compared and switched over as one of its four ends. Nobody need look at it: the user has been told.
+// Compared with one of its four ends. No bool: what counts as well differs from caller to caller. Nobody need look at it:
+// the user has been told.
 class SaveResult {
 public:
     enum How {
@@ -20,7 +21,8 @@ public:
     SaveResult(How how = NothingToSave) : m_how(how) {}
     SaveResult(Refusal refusal) : m_how(Failed), m_why(std::move(refusal.why)) {}
 
-    operator How() const { return m_how; }
+    How how() const { return m_how; }
+    friend bool operator==(const SaveResult& a, const SaveResult& b) { return a.m_how == b.m_how; }
     // Why it failed, perhaps in more words than the user was told; else empty.
     const std::string& why() const { return m_why; }
 

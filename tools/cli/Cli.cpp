@@ -15,6 +15,7 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
+#include "util/SaveResult.h"
 
 namespace zoka::cli {
 
@@ -125,6 +126,14 @@ void tellSkipped(const OsListing& left, const std::string& folder) {
     for (const std::string& name : left.skipped) {
         complain(folder + ": " + name + " is skipped: a name with a backslash can't be told from a path");
     }
+}
+
+ExitStatus statusOf(const SaveResult& saved) {
+    if (saved == SaveResult::Cancelled) {
+        complain("not saved");
+        return ExitStatus::Findings;
+    }
+    return saved == SaveResult::Failed ? ExitStatus::Failed : ExitStatus::Done;
 }
 
 std::string notOffered(const EntryModel& row, const std::string& value) {

@@ -18,7 +18,8 @@ class App;
 
 namespace zoka {
 class EntryModel;
-}
+class SaveResult;
+}  // namespace zoka
 
 namespace zoka::cli {
 
@@ -35,6 +36,9 @@ inline ExitStatus worse(ExitStatus a, ExitStatus b) {
     return a > b ? a : b;
 }
 
+// Of a save that the user has been told about, but for a refusal of their own.
+ExitStatus statusOf(const SaveResult& saved);
+
 using Work = std::function<ExitStatus()>;
 
 void addXmlCommands(CLI::App& app, Work& chosen);
@@ -44,7 +48,7 @@ void addBehaviorCommands(CLI::App& app, Work& chosen);
 void addLevelCommands(CLI::App& app, Work& chosen);
 void addCustomizeCommands(CLI::App& app, Work& chosen);
 void addProjectCommands(CLI::App& app, Work& chosen);
-// zoka wizard, and zoka project new: called last, because other commands of the group may be there already.
+// zoka wizard, and zoka project new: called behind addProjectCommands, whose group that goes into.
 void addWizardCommands(CLI::App& app, Work& chosen);
 
 // The end of a command's --help: an example line and the exit codes.

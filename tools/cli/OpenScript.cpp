@@ -122,18 +122,10 @@ ExitStatus OpenScript::finish(bool dryRun) {
         return ExitStatus::Done;
     }
     const SaveResult saved = m_session.save();
-    switch (saved) {
-        case SaveResult::Saved:
-        case SaveResult::NothingToSave:
-            return ExitStatus::Done;
-        case SaveResult::Cancelled:
-            complain("not saved");
-            return ExitStatus::Findings;
-        case SaveResult::Failed:
-            break;
+    if (saved == SaveResult::Failed) {
+        complain(saved.why());
     }
-    complain(saved.why());
-    return ExitStatus::Failed;
+    return statusOf(saved);
 }
 
 }  // namespace zoka::cli
