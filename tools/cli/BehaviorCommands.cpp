@@ -170,19 +170,24 @@ void addBehaviorCommands(CLI::App& app, Work& chosen) {
     CLI::App* const group =
         app.add_subcommand("behavior", "What actions declare for the entities that they are attached to");
     setExample(*group, "zoka behavior list guard.kez");
-    addCommand<BehaviorOptions>(*group,
-                                {"list", "Print the skills and flags that a script's actions declare",
-                                 "zoka behavior list guard.kez guard_patrol"},
-                                chosen, listBehavior, [](CLI::App& command, BehaviorOptions& options) {
-                                    command.add_option("SCRIPT", options.file, "The script")->required();
-                                    command.add_option("ACTION", options.action, "One action alone");
-                                });
+    addCommand<BehaviorOptions>(
+        *group,
+        {"list", "Print the skills and flags that a script's actions declare",
+         "zoka behavior list guard.kez guard_patrol"},
+        chosen, listBehavior,
+        [](CLI::App& command, BehaviorOptions& options) {
+            command.add_option("SCRIPT", options.file, "The script")->required();
+            command.add_option("ACTION", options.action, "One action alone");
+        },
+        kJson);
     addCommand<BehaviorOptions>(
         *group,
         {"check", "Tell what is wrong with the markup of scripts' actions", "zoka behavior check templates"},
-        chosen, checkBehavior, [](CLI::App& command, BehaviorOptions& options) {
+        chosen, checkBehavior,
+        [](CLI::App& command, BehaviorOptions& options) {
             command.add_option("SCRIPT", options.scripts, "Scripts, or folders of scripts")->required();
-        });
+        },
+        kJson);
 }
 
 }  // namespace zoka::cli

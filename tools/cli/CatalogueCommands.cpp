@@ -12,7 +12,7 @@
 #include "templates/HelpPages.h"
 #include "templates/ScriptNeeds.h"
 #include "templates/ScriptSearch.h"
-#include "tools/cli/Cli.h"
+#include "tools/cli/AddCommand.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/Doors.h"
@@ -55,10 +55,6 @@ ExitStatus loadCatalogueOrComplain(CTemplateData& catalogue, const std::string& 
 
 namespace {
 
-void print(const std::string& text) {
-    printShown(text);
-}
-
 ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>& findings, bool json) {
     if (json) {
         nlohmann::ordered_json list = nlohmann::ordered_json::array();
@@ -68,7 +64,8 @@ ExitStatus report(const std::string& where, const std::vector<CatalogueFinding>&
         printJson({{"findings", list}});
     } else {
         for (const CatalogueFinding& finding : findings) {
-            print(where + ": " + (finding.script.empty() ? "" : finding.script + ": ") + finding.text + "\n");
+            printShown(where + ": " + (finding.script.empty() ? "" : finding.script + ": ") + finding.text +
+                       "\n");
         }
     }
     return findings.empty() ? ExitStatus::Done : ExitStatus::Findings;
@@ -202,12 +199,15 @@ nlohmann::ordered_json asJson(const CScriptElm& script) {
     return json;
 }
 
-struct ListOptions {
-    std::string file, className = "<ALL>", type, query;
+struct CatalogueOptions {
+    std::string file;
+    std::string className = "<ALL>", type, query;  // of `list`
+    std::string script;                            // of `show`
+    std::string templates;                         // of `check`
     bool json = false;
 };
 
-ExitStatus list(const ListOptions& options) {
+ExitStatus list(const CatalogueOptions& options) {
     CTemplateData catalogue;
     const ExitStatus loaded = loadCatalogueOrComplain(catalogue, options.file);
     if (loaded != ExitStatus::Done) {
@@ -223,8 +223,8 @@ ExitStatus list(const ListOptions& options) {
         if (options.json) {
             scripts.push_back(asJson(script));
         } else {
-            print(script.m_filename + "\t" + script.m_vers + "\t" + script.m_date + "\t" + script.m_class +
-                  "\t" + script.m_name + "\n");
+            printShown(script.m_filename + "\t" + script.m_vers + "\t" + script.m_date + "\t" +
+                       script.m_class + "\t" + script.m_name + "\n");
         }
     }
     if (options.json) {
@@ -233,48 +233,44 @@ ExitStatus list(const ListOptions& options) {
     return ExitStatus::Done;
 }
 
-ExitStatus show(const std::string& file, const std::string& name, bool json) {
+ExitStatus show(const CatalogueOptions& options) {
     CTemplateData catalogue;
-    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, options.file);
     if (loaded != ExitStatus::Done) {
         return loaded;
     }
-    std::optional<CScriptElm> script = catalogue.findByName(name);
+    std::optional<CScriptElm> script = catalogue.findByName(options.script);
     if (!script) {
-        script = catalogue.findByFilenameNoCase(name);
+        script = catalogue.findByFilenameNoCase(options.script);
     }
     if (!script) {
-        complain("the catalogue has no script " + name);
+        complain("the catalogue has no script " + options.script);
         return ExitStatus::Usage;
     }
-    if (json) {
+    if (options.json) {
         printJson(asJson(*script));
         return ExitStatus::Done;
     }
-    std::string needs;
-    for (const std::string& need : script->m_needs) {
-        needs += (needs.empty() ? "" : ", ") + need;
-    }
-    print("Name:     " + script->m_name + "\nFile:     " + script->m_filename + "\nClass:    " +
-          script->m_class + "\nType:     " + script->m_type + "\nVersion:  " + script->m_vers +
-          "\nDate:     " + script->m_date + "\nEngine:   " + script->m_engreq.AsText() +
-          "\nNeeds:    " + needs + "\n\n" + script->m_desc + "\n");
+    printShown("Name:     " + script->m_name + "\nFile:     " + script->m_filename + "\nClass:    " +
+               script->m_class + "\nType:     " + script->m_type + "\nVersion:  " + script->m_vers +
+               "\nDate:     " + script->m_date + "\nEngine:   " + script->m_engreq.AsText() +
+               "\nNeeds:    " + joined(script->m_needs) + "\n\n" + script->m_desc + "\n");
     for (const CScriptSection& section : script->m_sections) {
         for (const CScriptAction& action : section.m_actions) {
-            print("\naction " + action.m_name + "\n" + action.m_desc + "\n");
+            printShown("\naction " + action.m_name + "\n" + action.m_desc + "\n");
         }
     }
     return ExitStatus::Done;
 }
 
-ExitStatus check(const std::string& file, const std::string& templates, bool json) {
+ExitStatus check(const CatalogueOptions& options) {
     CTemplateData catalogue;
-    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, file);
+    const ExitStatus loaded = loadCatalogueOrComplain(catalogue, options.file);
     if (loaded != ExitStatus::Done) {
         return loaded;
     }
-    return report(file, checkCatalogue(catalogue, templates.empty() ? templates : suitePath(templates)),
-                  json);
+    const std::string folder = options.templates.empty() ? "" : suitePath(options.templates);
+    return report(options.file, checkCatalogue(catalogue, folder), options.json);
 }
 
 struct PagesOptions {
@@ -309,7 +305,7 @@ ExitStatus writePages(const PagesOptions& options) {
     const std::vector<std::string> gone = pagesOfOthers(folder, names);
     if (options.dryRun) {
         for (const std::string& page : gone) {
-            print((options.prune ? "delete " : "of a script that is gone: ") + page + "\n");
+            printShown((options.prune ? "delete " : "of a script that is gone: ") + page + "\n");
         }
         return readable ? ExitStatus::Done : ExitStatus::Failed;
     }
@@ -333,74 +329,71 @@ ExitStatus writePages(const PagesOptions& options) {
     return ExitStatus::Done;
 }
 
-void addBuild(CLI::App& catalogue, Work& chosen) {
-    CLI::App* command =
-        catalogue.add_subcommand("build", "Make the catalogue of a folder from its scripts' headers");
-    const auto options = std::make_shared<BuildOptions>();
-    command->add_option("FOLDER", options->folder, "The template folder")->required();
-    command->add_option("-o,--output", options->output, "The catalogue file [FOLDER/template_6.xml]");
-    command->add_option("--name", options->name, "The template set's name [that of the old catalogue]");
-    command->add_option("--type", options->type, "Its type [that of the old catalogue]");
-    command->add_option("--vers", options->version, "Its version [that of the old catalogue]");
-    command->add_option("--enginereq", options->engineReq, "The engine it needs, as in \"6.1 PRO\"");
-    command->add_flag("-n,--dry-run", options->dryRun, "Write nothing; print the line difference");
-    command->add_flag("--json", options->json, "Print the findings as JSON, without the difference");
-    setExample(*command, "zoka catalogue build templates --name \"Harbour Lights\" --vers 6.2");
-    command->callback([=, &chosen] { chosen = [=] { return build(*options); }; });
-}
-
-void addCheck(CLI::App& catalogue, Work& chosen) {
-    CLI::App* command = catalogue.add_subcommand("check", "Tell what is wrong with a catalogue, and where");
-    const auto file = std::make_shared<std::string>(), templates = std::make_shared<std::string>();
-    const auto json = std::make_shared<bool>(false);
-    command->add_option("FILE", *file, "The catalogue file")->required();
-    command->add_option("--templates", *templates, "Compare it with the scripts of this folder");
-    command->add_flag("--json", *json, "Print the findings as JSON");
-    setExample(*command, "zoka catalogue check templates/template_6.xml --templates templates");
-    command->callback([=, &chosen] { chosen = [=] { return check(*file, *templates, *json); }; });
-}
-
-void addList(CLI::App& catalogue, Work& chosen) {
-    CLI::App* command = catalogue.add_subcommand("list", "List a catalogue's scripts");
-    const auto options = std::make_shared<ListOptions>();
-    command->add_option("FILE", options->file, "The catalogue file")->required();
-    command->add_option("--class", options->className, "Only this class")->capture_default_str();
-    command->add_option("--type", options->type, "Only this type");
-    command->add_option("--search", options->query, "Only scripts that hold all these words");
-    command->add_flag("--json", options->json, "Print them as JSON, with all that is known");
-    setExample(*command, "zoka catalogue list templates/template_6.xml --class Camera --search \"fov\"");
-    command->callback([=, &chosen] { chosen = [=] { return list(*options); }; });
-}
-
-void addShow(CLI::App& catalogue, Work& chosen) {
-    CLI::App* command = catalogue.add_subcommand("show", "Show one script of a catalogue");
-    const auto file = std::make_shared<std::string>(), name = std::make_shared<std::string>();
-    const auto json = std::make_shared<bool>(false);
-    command->add_option("FILE", *file, "The catalogue file")->required();
-    command->add_option("NAME", *name, "The script's title or file name")->required();
-    command->add_flag("--json", *json, "Print it as JSON");
-    setExample(*command, "zoka catalogue show templates/template_6.xml fog.kez");
-    command->callback([=, &chosen] { chosen = [=] { return show(*file, *name, *json); }; });
-}
-
 }  // namespace
 
 void addCatalogueCommands(CLI::App& app, Work& chosen) {
-    CLI::App* catalogue = app.add_subcommand("catalogue", "Make, check and show template catalogues");
-    setExample(*catalogue, "zoka catalogue list templates/template_6.xml");
-    addBuild(*catalogue, chosen);
-    addCheck(*catalogue, chosen);
-    addList(*catalogue, chosen);
-    addShow(*catalogue, chosen);
-
-    CLI::App* pages = app.add_subcommand("help-pages", "Write HTML help about a catalogue's scripts");
-    const auto options = std::make_shared<PagesOptions>();
-    pages->add_option("FILE", options->file, "The catalogue file")->required();
-    pages->add_option("-o,--output", options->output, "The folder for the pages")->capture_default_str();
-    pages->add_flag("--prune", options->prune, "Delete the pages of scripts that are gone");
-    pages->add_flag("-n,--dry-run", options->dryRun, "Write nothing; print the line differences");
-    setExample(*pages, "zoka help-pages templates/template_6.xml -o docs");
-    pages->callback([=, &chosen] { chosen = [=] { return writePages(*options); }; });
+    CLI::App& group = *app.add_subcommand("catalogue", "Make, check and show template catalogues");
+    setExample(group, "zoka catalogue list templates/template_6.xml");
+    const auto file = [](CLI::App& command, auto& options) {
+        command.add_option("FILE", options.file, "The catalogue file")->required();
+    };
+    addCommand<BuildOptions>(
+        group,
+        {"build", "Make the catalogue of a folder from its scripts' headers",
+         "zoka catalogue build templates --name \"Harbour Lights\" --vers 6.2"},
+        chosen, build,
+        [](CLI::App& command, BuildOptions& options) {
+            command.add_option("FOLDER", options.folder, "The template folder")->required();
+            command.add_option("-o,--output", options.output, "The catalogue file [FOLDER/template_6.xml]");
+            command.add_option("--name", options.name, "The template set's name [that of the old catalogue]");
+            command.add_option("--type", options.type, "Its type [that of the old catalogue]");
+            command.add_option("--vers", options.version, "Its version [that of the old catalogue]");
+            command.add_option("--enginereq", options.engineReq, "The engine it needs, as in \"6.1 PRO\"");
+        },
+        kDryRun,
+        [](CLI::App& command, BuildOptions& options) {
+            command.add_flag("--json", options.json, "Print the findings as JSON, without the lines");
+        });
+    addCommand<CatalogueOptions>(
+        group,
+        {"check", "Tell what is wrong with a catalogue, and where",
+         "zoka catalogue check templates/template_6.xml --templates templates"},
+        chosen, check, file,
+        [](CLI::App& command, CatalogueOptions& options) {
+            command.add_option("--templates", options.templates,
+                               "Compare it with the scripts of this folder");
+        },
+        kJson);
+    addCommand<CatalogueOptions>(
+        group,
+        {"list", "List a catalogue's scripts",
+         "zoka catalogue list templates/template_6.xml --class Camera --search \"fov\""},
+        chosen, list, file,
+        [](CLI::App& command, CatalogueOptions& options) {
+            command.add_option("--class", options.className, "Only this class")->capture_default_str();
+            command.add_option("--type", options.type, "Only this type");
+            command.add_option("--search", options.query, "Only scripts that hold all these words");
+        },
+        kJson);
+    addCommand<CatalogueOptions>(
+        group,
+        {"show", "Show one script of a catalogue", "zoka catalogue show templates/template_6.xml fog.kez"},
+        chosen, show, file,
+        [](CLI::App& command, CatalogueOptions& options) {
+            command.add_option("NAME", options.script, "The script's title or file name")->required();
+        },
+        kJson);
+    addCommand<PagesOptions>(
+        app,
+        {"help-pages", "Write HTML help about a catalogue's scripts",
+         "zoka help-pages templates/template_6.xml -o docs"},
+        chosen, writePages, file,
+        [](CLI::App& command, PagesOptions& options) {
+            command.add_option("-o,--output", options.output, "The folder for the pages")
+                ->capture_default_str();
+            command.add_flag("--prune", options.prune, "Delete the pages of scripts that are gone");
+        },
+        kDryRun);
 }
 
 }  // namespace zoka::cli

@@ -12,7 +12,7 @@
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
-#include "tools/cli/Cli.h"
+#include "tools/cli/AddCommand.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/OpenScript.h"
 #include "tools/cli/SuitePath.h"
@@ -33,10 +33,6 @@ struct CustomizeOptions {
     std::vector<std::string> words;  // files, names of entries, or name=value
     bool json = false, dryRun = false, full = false, force = false;
 };
-
-void print(const std::string& text) {
-    printShown(text);
-}
 
 constexpr std::string_view kLineEndShown = "\\n";
 
@@ -96,21 +92,22 @@ ExitStatus list(const CustomizeOptions& options) {
         }
         printJson(all);
     } else if (options.full) {
-        print(entriesText(script));
+        printShown(entriesText(script));
     } else {
         const std::vector<int> lines = valueLines(script);
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
             if (entry.kind == kSection) {
-                print("\n" + onOneLine(entry.label, kLineEndShown) + "\n");
+                printShown("\n" + onOneLine(entry.label, kLineEndShown) + "\n");
             }
             if (!entry.hasValue()) {
                 continue;
             }
             const std::string range = allowedRange(open.session().row(i).facts());
-            print(nameOf(entry, lines[i]) + "\t" +
-                  onOneLine(open.session().row(i).facts().label, kLineEndShown) + " = " +
-                  onOneLine(entry.value, kLineEndShown) + (range.empty() ? "" : "\t(" + range + ")") + "\n");
+            printShown(nameOf(entry, lines[i]) + "\t" +
+                       onOneLine(open.session().row(i).facts().label, kLineEndShown) + " = " +
+                       onOneLine(entry.value, kLineEndShown) + (range.empty() ? "" : "\t(" + range + ")") +
+                       "\n");
         }
     }
     return ExitStatus::Done;
@@ -133,7 +130,7 @@ ExitStatus get(const CustomizeOptions& options) {
         if (options.json) {
             all.push_back(jsonOf(open.session().script(), entry));
         } else {
-            print(entry.value + "\n");
+            printShown(entry.value + "\n");
         }
     }
     if (options.json) {
@@ -249,10 +246,11 @@ ExitStatus diff(const CustomizeOptions& options) {
         }
         all.push_back(one);
         if (!options.json) {
-            print(nameOf(entry, lines[i]) + "\t" +
-                  onOneLine(open.session().row(i).facts().label, kLineEndShown) + ": " +
-                  onOneLine(entry.value, kLineEndShown) +
-                  (other ? " (there " + onOneLine(*other, kLineEndShown) + ")" : " (missing there)") + "\n");
+            printShown(nameOf(entry, lines[i]) + "\t" +
+                       onOneLine(open.session().row(i).facts().label, kLineEndShown) + ": " +
+                       onOneLine(entry.value, kLineEndShown) +
+                       (other ? " (there " + onOneLine(*other, kLineEndShown) + ")" : " (missing there)") +
+                       "\n");
         }
     }
     if (options.json) {
@@ -386,8 +384,8 @@ ExitStatus checkFile(const std::string& path, const std::string& shown, Json* js
             json->push_back(
                 {{"file", jsonText(shown)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
         } else {
-            print(shown + ':' + std::to_string(finding.line) + ": " + onOneLine(finding.what, kLineEndShown) +
-                  "\n");
+            printShown(shown + ':' + std::to_string(finding.line) + ": " +
+                       onOneLine(finding.what, kLineEndShown) + "\n");
         }
     }
     const size_t left = script.findings.count() - script.findings.kept().size();
@@ -430,24 +428,16 @@ ExitStatus check(const CustomizeOptions& options) {
 }  // namespace
 
 void addCustomizeCommands(CLI::App& app, Work& chosen) {
-    CLI::App* group = app.add_subcommand("customize", "The values that scripts offer for editing");
-    setExample(*group, "zoka customize list fog.kez");
+    CLI::App& group = *app.add_subcommand("customize", "The values that scripts offer for editing");
+    setExample(group, "zoka customize list fog.kez");
     const auto add = [&](const char* name, const char* what, const char* example,
-                         ExitStatus (*work)(const CustomizeOptions&), auto&&... more) {
-        CLI::App* command = group->add_subcommand(name, what);
-        const auto options = std::make_shared<CustomizeOptions>();
-        (more(*command, *options), ...);
-        setExample(*command, std::string("zoka customize ") + name + ' ' + example);
-        command->callback([=, &chosen] { chosen = [=] { return work(*options); }; });
+                         ExitStatus (*work)(const CustomizeOptions&), const auto&... more) {
+        addCommand<CustomizeOptions>(group,
+                                     {name, what, std::string("zoka customize ") + name + ' ' + example},
+                                     chosen, work, more...);
     };
     const auto file = [](CLI::App& command, CustomizeOptions& options) {
         command.add_option("FILE", options.file, "The script")->required();
-    };
-    const auto json = [](CLI::App& command, CustomizeOptions& options) {
-        command.add_flag("--json", options.json, "Print JSON");
-    };
-    const auto dryRun = [](CLI::App& command, CustomizeOptions& options) {
-        command.add_flag("-n,--dry-run", options.dryRun, "Write nothing; print the lines that would change");
     };
     const auto original = [](CLI::App& command, CustomizeOptions& options) {
         command.add_option("-t,--template", options.other, "The template, or the folder that it lies in")
@@ -463,31 +453,30 @@ void addCustomizeCommands(CLI::App& app, Work& chosen) {
             command.add_option(option, options.other, what);
         };
     };
-    add("list", "List a script's values", "fog.kez", list, file, json,
+    add(
+        "list", "List a script's values", "fog.kez", list, file,
         [](CLI::App& command, CustomizeOptions& options) {
             command.add_flag("--full", options.full, "Everything that was read from the markup");
-        });
+        },
+        kJson);
     add("get", "Print values by id or label", "fog.kez 4 \"Far end\"", get, file,
-        words("NAME", "Ids or labels of entries", true), json);
+        words("NAME", "Ids or labels of entries", true), kJson);
     add("set", "Change values by id or label", "fog.kez 4=12 \"Far end=300\"", set, file,
-        words("NAME=VALUE", "What to change", true), dryRun,
-        [](CLI::App& command, CustomizeOptions& options) {
-            command.add_flag("--force", options.force, "Also set what a list doesn't offer");
-        });
+        words("NAME=VALUE", "What to change", true), kDryRun, kForce);
     add("reset", "Set values back to those of the template", "fog.kez 4 -t templates", reset, file,
-        words("NAME", "Ids or labels of entries; none: all", false), original, dryRun);
+        words("NAME", "Ids or labels of entries; none: all", false), original, kDryRun);
     add("diff", "List the values that differ from the template's", "fog.kez -t templates", diff, file,
-        original, json);
+        original, kJson);
     add("update", "Replace a script by its template and keep its values", "fog.kez -t templates", update,
-        file, original, dryRun);
+        file, original, kDryRun);
     add("export", "Write a script's values into a value file", "fog.kez", exportValues, file,
         values("-o,--output",
                "The value file; without it the one beside the script; - is the standard output"));
     add("import", "Take the values of a value file into a script", "fog.kez", import, file,
         values("-i,--input", "The value file; without it the one beside the script; - is the standard input"),
-        dryRun);
+        kDryRun);
     add("check", "Tell what can't be right in the markup of scripts", "templates fog.kez", check,
-        words("PATH", "Scripts, or folders of scripts", true), json);
+        words("PATH", "Scripts, or folders of scripts", true), kJson);
 }
 
 }  // namespace zoka::cli

@@ -427,30 +427,35 @@ void addLevelCommands(CLI::App& app, Work& chosen) {
     addCommand<LevelOptions>(
         *group,
         {"list", "Print the entities with their skills and flags", "zoka level list main.zlm guard_north"},
-        chosen, listLevel, level, [](CLI::App& command, LevelOptions& options) {
+        chosen, listLevel, level,
+        [](CLI::App& command, LevelOptions& options) {
             command.add_option("ENTITY", options.words, "These entities alone");
-        });
+        },
+        kJson);
     addCommand<LevelOptions>(
         *group, {"get", "Print values of an entity", "zoka level get main.zlm guard_north Speed"}, chosen,
-        getLevel, level, entity, [](CLI::App& command, LevelOptions& options) {
+        getLevel, level, entity,
+        [](CLI::App& command, LevelOptions& options) {
             command.add_option("NAME", options.words, "Labels, or names like skill3 and flag1")->required();
-        });
+        },
+        kJson);
     addCommand<LevelOptions>(
         *group, {"set", "Change values of an entity", "zoka level set main.zlm guard_north Speed=4 flag1=0"},
-        chosen, setLevel, level, entity, [](CLI::App& command, LevelOptions& options) {
+        chosen, setLevel, level, entity,
+        [](CLI::App& command, LevelOptions& options) {
             command
                 .add_option("NAME=VALUE", options.words, "Values by label, or by names like skill3 and flag1")
                 ->required();
-            command.add_flag("-n,--dry-run", options.dryRun,
-                             "Write nothing; print the lines that would change");
-            command.add_flag("--force", options.force, "Also set what a list doesn't offer");
-        });
+        },
+        kDryRun, kForce, kJson);
     addCommand<LevelOptions>(
         *group,
         {"diff", "Print the values that differ between two levels", "zoka level diff main.zlm backup.zlm"},
-        chosen, diffLevels, level, [](CLI::App& command, LevelOptions& options) {
+        chosen, diffLevels, level,
+        [](CLI::App& command, LevelOptions& options) {
             command.add_option("OTHER", options.entity, "The other level")->required();
-        });
+        },
+        kJson);
 }
 
 }  // namespace zoka::cli

@@ -7,7 +7,7 @@
 
 #include "J8ProjectManager/ProjectCheck.h"
 #include "J8ProjectManager/ProjectSession.h"
-#include "tools/cli/Cli.h"
+#include "tools/cli/AddCommand.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/DebugLog.h"
@@ -15,6 +15,7 @@
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace zoka::cli {
@@ -35,11 +36,7 @@ void print(const std::string& text) {
 }
 
 std::string oneLine(const std::string& text) {
-    std::string made;
-    for (const char c : text) {
-        made += c == '\n' ? "\\n" : c == '\r' ? "" : std::string(1, c);
-    }
-    return made;
+    return onOneLine(text, "\\n");
 }
 
 // A path that a project names, as this system's other programs take it.
@@ -96,17 +93,7 @@ public:
             printPatch(m_session.changesText());
             return ExitStatus::Done;
         }
-        switch (m_session.save(force)) {
-            case SaveResult::Saved:
-            case SaveResult::NothingToSave:
-                return ExitStatus::Done;
-            case SaveResult::Cancelled:
-                complain("not saved");
-                return ExitStatus::Findings;
-            case SaveResult::Failed:
-                break;
-        }
-        return ExitStatus::Failed;
+        return statusOf(m_session.save(force));
     }
 
 private:
@@ -214,13 +201,7 @@ ExitStatus check(const ProjectOptions& options) {
 
 ExitStatus report(const ProjectOptions& options) {
     OpenProject open(options.file);
-    std::string text;
-    for (const char c : open.model().m_report) {
-        if (c != '\r') {
-            text += c;
-        }
-    }
-    print(text);
+    print(onOneLine(open.model().m_report, "\n"));
     return open.isOpen() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
@@ -477,48 +458,43 @@ ExitStatus format(const ProjectOptions& options) {
 }  // namespace
 
 void addProjectCommands(CLI::App& app, Work& chosen) {
-    const auto options = std::make_shared<ProjectOptions>();
     CLI::App& group = *app.add_subcommand("project", "Check, list and change J8 projects");
     setExample(group, "zoka project set game.xml level/harbour/entity/guard/skill/3=40");
-    const auto add = [&](const char* name, const char* about, const char* example,
-                         ExitStatus (*work)(const ProjectOptions&)) -> CLI::App& {
-        CLI::App& command = *group.add_subcommand(name, about);
-        setExample(command, example);
-        command.callback([&chosen, options, work] { chosen = [options, work] { return work(*options); }; });
-        return command;
+    const auto add = [&](const char* name, const char* what, const char* example,
+                         ExitStatus (*work)(const ProjectOptions&), const auto&... more) {
+        addCommand<ProjectOptions>(group, {name, what, std::string("zoka project ") + name + ' ' + example},
+                                   chosen, work, more...);
     };
-    const auto file = [&](CLI::App& command) -> CLI::App& {
-        command.add_option("PROJECT", options->file, "The project file")->required();
-        return command;
+    const auto file = [](CLI::App& command, ProjectOptions& options) {
+        command.add_option("PROJECT", options.file, "The project file")->required();
     };
-    const auto json = [&](CLI::App& command) { command.add_flag("--json", options->json, "Print JSON"); };
-    const auto dryRun = [&](CLI::App& command) {
-        command.add_flag("-n,--dry-run", options->dryRun, "Write nothing, print the lines that would change");
+    const auto words = [](const char* name, const char* what, bool required) {
+        return [=](CLI::App& command, ProjectOptions& options) {
+            command.add_option(name, options.words, what)->required(required);
+        };
     };
 
-    CLI::App& checked = add("check", "Print what is wrong in projects", "zoka project check game.xml", check);
-    checked.add_option("PATH", options->words, "Project files, or folders of them")->required();
-    json(checked);
-    file(add("report", "Print the report of loading a project", "zoka project report game.xml", report));
-    json(file(add("show", "Print what a project consists of", "zoka project show game.xml", show)));
-    CLI::App& listed =
-        file(add("list", "Print addresses and values", "zoka project list game.xml level/harbour", list));
-    listed.add_option("ADDRESS", options->words, "Only what lies there or below");
-    json(listed);
-    CLI::App& got =
-        file(add("get", "Print values", "zoka project get game.xml level/harbour/entity/guard/skill/3", get));
-    got.add_option("ADDRESS", options->words, "Which values")->required();
-    json(got);
-    CLI::App& setting = file(add("set", "Change values, all of them or none",
-                                 "zoka project set game.xml level/harbour/entity/guard/skill/3=40", set));
-    setting.add_option("ADDRESS=VALUE", options->words, "What to change");
-    setting.add_option("-u,--unset", options->unset, "Take an entity's own value away: its parent's holds");
-    setting.add_flag("--undeclared", options->undeclared,
-                     "Also values that no behaviors or components file declares");
-    dryRun(setting);
-    dryRun(file(add("save", "Load a project and write it again", "zoka project save game.xml", save)));
-    dryRun(file(add("format", "Lay a project file out as a save does, when nothing is lost by that",
-                    "zoka project format game.xml", format)));
+    add("check", "Print what is wrong in projects", "game.xml", check,
+        words("PATH", "Project files, or folders of them", true), kJson);
+    add("report", "Print the report of loading a project", "game.xml", report, file);
+    add("show", "Print what a project consists of", "game.xml", show, file, kJson);
+    add("list", "Print addresses and values", "game.xml level/harbour", list, file,
+        words("ADDRESS", "Only what lies there or below", false), kJson);
+    add("get", "Print values", "game.xml level/harbour/entity/guard/skill/3", get, file,
+        words("ADDRESS", "Which values", true), kJson);
+    add(
+        "set", "Change values, all of them or none", "game.xml level/harbour/entity/guard/skill/3=40", set,
+        file, words("ADDRESS=VALUE", "What to change", false),
+        [](CLI::App& command, ProjectOptions& options) {
+            command.add_option("-u,--unset", options.unset,
+                               "Take an entity's own value away: its parent's holds");
+            command.add_flag("--undeclared", options.undeclared,
+                             "Also values that no behaviors or components file declares");
+        },
+        kDryRun);
+    add("save", "Load a project and write it again", "game.xml", save, file, kDryRun);
+    add("format", "Lay a project file out as a save does, when nothing is lost by that", "game.xml", format,
+        file, kDryRun);
 }
 
 }  // namespace zoka::cli

@@ -12,7 +12,7 @@
 #include "templates/CatalogueXml.h"
 #include "templates/NotesReport.h"
 #include "templates/ScriptManagerSession.h"
-#include "tools/cli/Cli.h"
+#include "tools/cli/AddCommand.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/FileLock.h"
@@ -27,23 +27,20 @@ namespace {
 struct ScriptOptions {
     std::string project = ".", templates, catalogue, mainScript;
     std::vector<std::string> names;
+    bool changes = false;  // the project, but for a dry run
     bool dryRun = false, json = false;
 };
-
-void print(const std::string& text) {
-    printShown(text);
-}
 
 // One project, its host and its session. Its session is made only when the catalogue could be loaded.
 class Manager {
 public:
-    // Whoever `changes` the project holds its main script's lock meanwhile.
-    Manager(const ScriptOptions& options, bool changes) : m_host(foldersOf(options)), m_folders(m_host) {
+    // Whoever changes the project holds its main script's lock meanwhile.
+    explicit Manager(const ScriptOptions& options) : m_host(foldersOf(options)), m_folders(m_host) {
         m_status = openProject(options);
         if (m_status != ExitStatus::Done) {
             return;
         }
-        if (changes) {
+        if (options.changes && !options.dryRun) {
             m_lock.emplace(m_mainScript);
             if (!*m_lock) {
                 complain(m_lock->why());
@@ -174,9 +171,9 @@ ExitStatus list(Manager& manager, const ScriptOptions& options) {
                                {"date", jsonText(date)},
                                {"neededBy", jsonTexts(needers)}});
         } else {
-            print(entry.fileName + "\t" + place + "\t" + version + "\t" + date + "\t" +
-                  (entry.script ? entry.text : "(USER)") +
-                  (neededBy.empty() ? "" : "\tneeded by " + neededBy) + "\n");
+            printShown(entry.fileName + "\t" + place + "\t" + version + "\t" + date + "\t" +
+                       (entry.script ? entry.text : "(USER)") +
+                       (neededBy.empty() ? "" : "\tneeded by " + neededBy) + "\n");
         }
     }
     if (options.json) {
@@ -201,7 +198,7 @@ nlohmann::ordered_json asJson(const AddPlan& plan) {
     return {{"summary", jsonText(withGivenPaths(plan.summary()))}, {"copies", copies}, {"includes", lines}};
 }
 
-ExitStatus add(Manager& manager, const ScriptOptions& options) {
+ExitStatus addScripts(Manager& manager, const ScriptOptions& options) {
     std::vector<std::string> paths;
     for (const std::string& name : options.names) {
         const std::optional<std::string> file = manager.fileOf(name);
@@ -224,14 +221,14 @@ ExitStatus add(Manager& manager, const ScriptOptions& options) {
     if (options.json) {
         printJson(asJson(plan));
     } else {
-        print(withGivenPaths(plan.summary()) + "\n");
+        printShown(withGivenPaths(plan.summary()) + "\n");
     }
     if (options.dryRun) {
         if (options.json) {
             return ExitStatus::Done;
         }
         for (const AddPlan::Copy& copy : plan.copies) {
-            print("copy " + givenPath(copy.source) + " -> " + givenPath(copy.destination) + "\n");
+            printShown("copy " + givenPath(copy.source) + " -> " + givenPath(copy.destination) + "\n");
         }
         printDifference(plan.main.path, plan.main.before, plan.main.after);
         return ExitStatus::Done;
@@ -307,7 +304,7 @@ ExitStatus reportUpdates(Manager& manager, const ScriptOptions& options,
                         {"line", jsonText(withoutLineEnd(entry.line))},
                         {"missingNeeds", jsonTexts(entry.missingNeeds)}});
         if (!options.json) {
-            print(withoutLineEnd(entry.line) + "\n");
+            printShown(withoutLineEnd(entry.line) + "\n");
         }
     }
     nlohmann::ordered_json scripts = nlohmann::ordered_json::array();
@@ -382,11 +379,11 @@ ExitStatus update(Manager& manager, const ScriptOptions& options) {
     if (!options.json) {
         for (const std::string& file : files) {
             if (!listed.contains(file)) {
-                print(file + ": nothing to update\n");
+                printShown(file + ": nothing to update\n");
             }
         }
         if (!session.status().empty()) {
-            print(session.status() + "\n");
+            printShown(session.status() + "\n");
         }
     }
     if (!session.updateRun().problems().empty()) {
@@ -418,7 +415,7 @@ ExitStatus restore(Manager& manager, const ScriptOptions& options) {
         }
         const RestorePlan plan = planRestore(manager.host(), file);
         if (plan.problem.empty()) {
-            print("copy " + givenPath(plan.source) + " -> " + givenPath(plan.destination) + "\n");
+            printShown("copy " + givenPath(plan.source) + " -> " + givenPath(plan.destination) + "\n");
         } else {
             complain(file + ": " + plan.problem);
             status = ExitStatus::Findings;
@@ -432,7 +429,7 @@ ExitStatus notes(Manager& manager, const ScriptOptions& options) {
     if (options.json) {
         printJson({{"notes", jsonText(text)}});
     } else {
-        print(text);
+        printShown(text);
     }
     return ExitStatus::Done;
 }
@@ -448,7 +445,7 @@ ExitStatus why(Manager& manager, const ScriptOptions& options) {
     const IncludedScripts& scripts = manager.session().includedScripts();
     const std::optional<size_t> start = scripts.byFile(*file);
     if (!start) {
-        print("the main script doesn't include " + *file + "\n");
+        printShown("the main script doesn't include " + *file + "\n");
         return ExitStatus::Findings;
     }
     const std::vector<IncludedScripts::Need> needs = scripts.allThatNeed(*start);
@@ -463,76 +460,71 @@ ExitStatus why(Manager& manager, const ScriptOptions& options) {
         printJson({{"filename", jsonText(name(*start))}, {"neededBy", jsonTexts(names)}, {"tree", tree}});
         return ExitStatus::Done;
     }
-    print(name(*start) + (needs.empty() ? " is included by itself: no included script needs it\n" : "\n"));
+    printShown(name(*start) +
+               (needs.empty() ? " is included by itself: no included script needs it\n" : "\n"));
     for (const auto& [script, needed, depth] : needs) {
-        print(std::string(2 * std::min(depth, kDeepest), ' ') + name(script) +
-              (depth > kDeepest ? " (level " + std::to_string(depth) + ", needs " + name(needed) + ")" : "") +
-              "\n");
+        printShown(
+            std::string(2 * std::min(depth, kDeepest), ' ') + name(script) +
+            (depth > kDeepest ? " (level " + std::to_string(depth) + ", needs " + name(needed) + ")" : "") +
+            "\n");
     }
     return ExitStatus::Done;
-}
-
-using Action = ExitStatus (*)(Manager&, const ScriptOptions&);
-enum Takes { kNothing = 0, kNames = 1, kOneName = 2, kNeedsNames = 4, kDryRun = 8, kJson = 16 };
-
-void addCommand(CLI::App& scripts, Work& chosen, const char* name, const char* description, Action action,
-                int takes, const char* example) {
-    CLI::App* command = scripts.add_subcommand(name, description);
-    const auto options = std::make_shared<ScriptOptions>();
-    command->add_option("-p,--project", options->project, "The project folder")->capture_default_str();
-    command->add_option("-t,--templates", options->templates, "The template folder")->required();
-    command->add_option("-c,--catalogue", options->catalogue,
-                        "The catalogue [template_6.xml of that folder]");
-    command->add_option("-m,--main", options->mainScript,
-                        "The main script, where the project has several scripts");
-    if (takes & (kNames | kOneName)) {
-        CLI::Option* names = command->add_option("NAME", options->names, "Title or file name of a script");
-        if (takes & kOneName) {
-            names->expected(1);
-        }
-        if (takes & kNeedsNames) {
-            names->required();
-        }
-    }
-    if (takes & kDryRun) {
-        command->add_flag("-n,--dry-run", options->dryRun,
-                          "Change nothing; print what would be changed and copied");
-    }
-    if (takes & kJson) {
-        command->add_flag("--json", options->json, "Print the report as JSON");
-    }
-    setExample(*command, example);
-    command->callback([=, &chosen] {
-        chosen = [=] {
-            Manager manager(*options, (takes & kDryRun) && !options->dryRun);
-            return manager.status() == ExitStatus::Done ? action(manager, *options) : manager.status();
-        };
-    });
 }
 
 }  // namespace
 
 void addScriptCommands(CLI::App& app, Work& chosen) {
-    CLI::App* scripts = app.add_subcommand("scripts", "Manage the scripts that a project includes");
-    setExample(*scripts, "zoka scripts list -p game -t suite/templates");
-    addCommand(*scripts, chosen, "list", "List the included scripts", list, kJson,
-               "zoka scripts list -p game -t suite/templates");
-    addCommand(*scripts, chosen, "add",
-               "Include scripts and what they need, in one rewrite of the main script", add,
-               kNames | kNeedsNames | kDryRun | kJson,
-               "zoka scripts add -p game -t suite/templates fog.kez camera_.kez");
-    addCommand(*scripts, chosen, "remove", "Take scripts out of the main script; their files stay", remove,
-               kNames | kNeedsNames | kDryRun, "zoka scripts remove -p game -t suite/templates fog.kez");
-    addCommand(*scripts, chosen, "update",
-               "Bring scripts up to the template folder's; without NAME, all that differ", update,
-               kNames | kDryRun | kJson, "zoka scripts update -p game -t suite/templates --dry-run");
-    addCommand(*scripts, chosen, "restore", "Copy scripts that the project has lost from the template folder",
-               restore, kNames | kNeedsNames | kDryRun,
-               "zoka scripts restore -p game -t suite/templates fog.kez");
-    addCommand(*scripts, chosen, "notes", "Print the report of the notes page", notes, kJson,
-               "zoka scripts notes -p game -t suite/templates");
-    addCommand(*scripts, chosen, "why", "Tell which included scripts need one, directly or not", why,
-               kOneName | kNeedsNames | kJson, "zoka scripts why -p game -t suite/templates noise.kez");
+    CLI::App& group = *app.add_subcommand("scripts", "Manage the scripts that a project includes");
+    setExample(group, "zoka scripts list -p game -t suite/templates");
+    const auto add = [&](const char* name, const char* what, const char* example,
+                         ExitStatus (*work)(Manager&, const ScriptOptions&), const auto&... more) {
+        const auto project = [](CLI::App& command, ScriptOptions& options) {
+            command.add_option("-p,--project", options.project, "The project folder")->capture_default_str();
+            command.add_option("-t,--templates", options.templates, "The template folder")->required();
+            command.add_option("-c,--catalogue", options.catalogue,
+                               "The catalogue [template_6.xml of that folder]");
+            command.add_option("-m,--main", options.mainScript,
+                               "The main script, where the project has several scripts");
+        };
+        addCommand<ScriptOptions>(
+            group,
+            {name, what, std::string("zoka scripts ") + name + " -p game -t suite/templates" + example},
+            chosen,
+            [work](const ScriptOptions& options) {
+                Manager manager(options);
+                return manager.status() == ExitStatus::Done ? work(manager, options) : manager.status();
+            },
+            project, more...);
+    };
+    const auto names = [](bool required, bool one = false) {
+        return [=](CLI::App& command, ScriptOptions& options) {
+            CLI::Option* const option =
+                command.add_option("NAME", options.names, "Title or file name of a script");
+            option->required(required);
+            if (one) {
+                option->expected(1);
+            }
+        };
+    };
+    // A command that changes the project.
+    const auto dryRun = [](CLI::App& command, ScriptOptions& options) {
+        options.changes = true;
+        command.add_flag("-n,--dry-run", options.dryRun,
+                         "Change nothing; print what would be changed and copied");
+    };
+
+    add("list", "List the included scripts", "", list, kJson);
+    add("add", "Include scripts and what they need, in one rewrite of the main script",
+        " fog.kez camera_.kez", addScripts, names(true), dryRun, kJson);
+    add("remove", "Take scripts out of the main script; their files stay", " fog.kez", remove, names(true),
+        dryRun);
+    add("update", "Bring scripts up to the template folder's; without NAME, all that differ", " --dry-run",
+        update, names(false), dryRun, kJson);
+    add("restore", "Copy scripts that the project has lost from the template folder", " fog.kez", restore,
+        names(true), dryRun);
+    add("notes", "Print the report of the notes page", "", notes, kJson);
+    add("why", "Tell which included scripts need one, directly or not", " noise.kez", why, names(true, true),
+        kJson);
 }
 
 }  // namespace zoka::cli

@@ -268,10 +268,7 @@ void printPlan(const WizardOptions& options, const CJ8Wizard& wizards, unsigned 
 
 // Messages of the dialog's are laid out for its boxes.
 void complainInLines(const std::string& text) {
-    std::string lines;
-    for (const char c : text) {
-        lines += c == '\r' ? "" : std::string(1, c);
-    }
+    std::string lines = onOneLine(text, "\n");
     while (lines.ends_with('\n')) {
         lines.pop_back();
     }
@@ -376,27 +373,22 @@ void addWizardCommands(CLI::App& app, Work& chosen) {
     const auto title = [](CLI::App& command, WizardOptions& options) {
         command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
     };
-    addCommand<WizardOptions>(*wizard, {"list", "List the wizards", "zoka wizard list"}, chosen, list, suite);
+    addCommand<WizardOptions>(*wizard, {"list", "List the wizards", "zoka wizard list"}, chosen, list, suite,
+                              kJson);
     addCommand<WizardOptions>(
         *wizard, {"show", "Show a wizard and what it makes", "zoka wizard show \"Empty project\""}, chosen,
-        show, title, suite);
+        show, title, suite, kJson);
     addCommand<WizardOptions>(*wizard,
                               {"check", "Tell what is wrong in the wizards' files", "zoka wizard check"},
-                              chosen, check, suite);
+                              chosen, check, suite, kJson);
 
-    // The group may be there already.
-    const auto groups =
-        app.get_subcommands([](const CLI::App* group) { return group->get_name() == "project"; });
-    CLI::App* project = groups.empty() ? nullptr : groups.front();
-    if (!project) {
-        project = app.add_subcommand("project", "J8 projects");
-        setExample(*project, "zoka project new empty --folder C:\\games\\mine");
-    }
+    CLI::App* const project = app.get_subcommand("project");
     addCommand<WizardOptions>(
         *project,
         {"new", "Make a project with a wizard",
          "zoka project new \"Empty project\" --name \"My game\" --folder C:\\games\\mine"},
-        chosen, create, title, [](CLI::App& command, WizardOptions& options) {
+        chosen, create, title,
+        [](CLI::App& command, WizardOptions& options) {
             command.add_option("--folder", options.folder, "The new project's folder, which must not exist")
                 ->required();
             command.add_option("--name", options.name, "The project's name");
@@ -407,7 +399,8 @@ void addWizardCommands(CLI::App& app, Work& chosen) {
             command.add_option("--templates", options.templates, "The J8 templates path");
             command.add_option("--suite", options.suite, "The suite's folder (default: the current one)");
             command.add_flag("-n,--dry-run", options.dryRun, "Make nothing; print what would be made");
-        });
+        },
+        kJson);
 }
 
 }  // namespace zoka::cli

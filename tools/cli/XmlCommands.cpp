@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/cli/Cli.h"
+#include "tools/cli/AddCommand.h"
 #include "util/ConsolePrompt.h"
 #include "util/Doors.h"
 #include "util/LineDiff.h"
@@ -85,9 +85,13 @@ std::string format(const XMLNode& document, const XMLFileForm& form, std::string
     return std::string(mark) + bytes;
 }
 
-ExitStatus check(const std::vector<std::string>& paths) {
+struct CheckOptions {
+    std::vector<std::string> paths;
+};
+
+ExitStatus check(const CheckOptions& options) {
     ExitStatus status = ExitStatus::Done;
-    for (const std::string& path : paths) {
+    for (const std::string& path : options.paths) {
         const auto bytes = readInput(path);
         if (!bytes) {
             status = ExitStatus::Failed;
@@ -130,58 +134,59 @@ ExitStatus formatFile(const std::string& path, const std::string* target, bool d
     return writeOutput(target ? *target : path, formatted) ? ExitStatus::Done : ExitStatus::Failed;
 }
 
-void addCheck(CLI::App& xml, Work& chosen) {
-    CLI::App* command = xml.add_subcommand("check", "Tell whether XML files can be read, and where not");
-    const auto paths = std::make_shared<std::vector<std::string>>();
-    command->add_option("FILE", *paths, "Files to check; - is the standard input")->required();
-    setExample(*command, "zoka xml check template_6.xml main.xml");
-    command->callback([=, &chosen] { chosen = [=] { return check(*paths); }; });
-}
-
 struct FormatOptions {
     std::vector<std::string> paths;
     std::string output = "-";
     bool inPlace = false, dryRun = false;
-};
 
-void addFormat(CLI::App& xml, Work& chosen) {
-    CLI::App* command = xml.add_subcommand("format", "Lay out an XML file with one element a line");
-    const auto options = std::make_shared<FormatOptions>();
-    command->add_option("FILE", options->paths, "The file; - is the standard input. Several with --in-place")
-        ->required();
-    CLI::Option* output =
-        command->add_option("-o,--output", options->output, "Write to this file; - is the standard output");
-    command->add_flag("-i,--in-place", options->inPlace, "Write each file back to its own place")
-        ->excludes(output);
-    command->add_flag("-n,--dry-run", options->dryRun, "Write nothing; print the lines that would change");
-    setExample(*command, "zoka xml format main.xml -o formatted.xml");
-    command->callback([=, &chosen] {
-        for (const std::string& path : options->paths) {
-            if (options->inPlace && isStandardStream(path)) {
+    void check() const {
+        for (const std::string& path : paths) {
+            if (inPlace && isStandardStream(path)) {
                 throw CLI::ValidationError("--in-place", "the standard input has no place to write back to");
             }
         }
-        if (!options->inPlace && options->paths.size() > 1) {
+        if (!inPlace && paths.size() > 1) {
             throw CLI::ValidationError("FILE", "several files can be formatted with --in-place only");
         }
-        chosen = [=] {
-            ExitStatus status = ExitStatus::Done;
-            for (const std::string& path : options->paths) {
-                status = worse(
-                    status, formatFile(path, options->inPlace ? nullptr : &options->output, options->dryRun));
-            }
-            return status;
-        };
-    });
+    }
+};
+
+ExitStatus formatAll(const FormatOptions& options) {
+    ExitStatus status = ExitStatus::Done;
+    for (const std::string& path : options.paths) {
+        status = worse(status, formatFile(path, options.inPlace ? nullptr : &options.output, options.dryRun));
+    }
+    return status;
 }
 
 }  // namespace
 
 void addXmlCommands(CLI::App& app, Work& chosen) {
-    CLI::App* xml = app.add_subcommand("xml", "Check and format XML files");
-    setExample(*xml, "zoka xml check template_6.xml");
-    addCheck(*xml, chosen);
-    addFormat(*xml, chosen);
+    CLI::App& group = *app.add_subcommand("xml", "Check and format XML files");
+    setExample(group, "zoka xml check template_6.xml");
+    addCommand<CheckOptions>(
+        group,
+        {"check", "Tell whether XML files can be read, and where not",
+         "zoka xml check template_6.xml main.xml"},
+        chosen, check, [](CLI::App& command, CheckOptions& options) {
+            command.add_option("FILE", options.paths, "Files to check; - is the standard input")->required();
+        });
+    addCommand<FormatOptions>(
+        group,
+        {"format", "Lay out an XML file with one element a line",
+         "zoka xml format main.xml -o formatted.xml"},
+        chosen, formatAll,
+        [](CLI::App& command, FormatOptions& options) {
+            command
+                .add_option("FILE", options.paths,
+                            "The file; - is the standard input. Several with --in-place")
+                ->required();
+            CLI::Option* const output = command.add_option("-o,--output", options.output,
+                                                           "Write to this file; - is the standard output");
+            command.add_flag("-i,--in-place", options.inPlace, "Write each file back to its own place")
+                ->excludes(output);
+        },
+        kDryRun);
 }
 
 }  // namespace zoka::cli
