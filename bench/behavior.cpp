@@ -8,7 +8,7 @@
 #include "bench/Entities.h"
 #include "bench/Ratio.h"
 #include "customize/BehaviorSession.h"
-#include "tests/support/FakeEditor.h"
+#include "plugin/host/FolderHost.h"
 #include "tests/support/TempFolder.h"
 #include "util/DebugLog.h"
 #include "util/UserPrompt.h"
@@ -85,8 +85,8 @@ int run() {
     debugLogFileName() = folder.path("log.xml");
     const std::string script = folder.write("a.kez", actionText());
     writeProject(folder);
-    test::FakeEditor editor;
-    editor.projectFolder = folder.path();
+    FolderHost editor(
+        {.project = folder.path(), .suite = "C:\\suite", .mainScript = "C:\\project\\main.kez"});
     Entities one(1, script), many(kMany, script);
     BehaviorSession alone(&one, editor), all(&many, editor);
     const auto componentsOf = [&] {

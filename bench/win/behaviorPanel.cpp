@@ -13,8 +13,8 @@
 #include "bench/win/Measure.h"
 #include "bench/win/OpenPanel.h"
 #include "customize/win/BehaviorDialog.h"
+#include "plugin/host/FolderHost.h"
 #include "plugin/win/Resources.h"
-#include "tests/support/FakeEditor.h"
 #include "tests/support/TempFolder.h"
 
 namespace zoka::bench {
@@ -51,8 +51,8 @@ int run(const std::string& dllPath) {
     }
     const test::TempFolder folder;
     const std::string script = folder.write("a.kez", actionText());
-    test::FakeEditor editor;
-    editor.projectFolder = folder.path();
+    FolderHost editor(
+        {.project = folder.path(), .suite = "C:\\suite", .mainScript = "C:\\project\\main.kez"});
     Entities one(1, script), many(kMany, script);
 
     double first = 1e9, ofMany = 1e9, bare = 1e9, seen = 1e9, edited = 1e9;

@@ -17,8 +17,8 @@
 #include "bench/win/Measure.h"
 #include "bench/win/OpenPanel.h"
 #include "customize/win/CustomizeDialog.h"
+#include "plugin/host/FolderHost.h"
 #include "plugin/win/Resources.h"
-#include "tests/support/FakeEditor.h"
 #include "tests/support/TempFolder.h"
 #include "ui/win/WindowKit.h"
 
@@ -82,8 +82,8 @@ int run(const std::string& dllPath) {
     const test::TempFolder folder;
     folder.write("few.kez", script(kFew));
     folder.write("many.kez", script(kMany));
-    test::FakeEditor editor;
-    editor.projectFolder = folder.path();
+    FolderHost editor(
+        {.project = folder.path(), .suite = "C:\\suite", .mainScript = "C:\\project\\main.kez"});
 
     double few = 1e9, many = 1e9, bare = 1e9, seen = 1e9;
     double pagedFew = 1e9, pagedMany = 1e9, searched = 1e9;

@@ -49,8 +49,10 @@ public:
     // Takes the map's folder as the project folder. False when the map does not exist or has no folder part.
     bool OpenMap(const std::string& path) override;
 
-private:
+protected:
     Folders m_folders;
+
+private:
     std::vector<std::string> m_listItems;
     std::string m_chosenFile;
     std::string m_copyProblem;

@@ -1,5 +1,4 @@
 #include "tests/customize/SessionFixture.h"
-#include "tests/support/FakeEditor.h"
 
 using namespace zoka;
 using namespace zoka::test;
@@ -141,10 +140,11 @@ TEST_F(Session, EveryFaultOfTheDiskLeavesTheOldScriptOrTheNew) {
 TEST_F(Session, AHostThatRefusesEverythingLosesNothing) {
     suite.write("templates/s.kez", kOld);
     const std::string path = suite.path("templates\\s.kez");
-    FakeEditor editor;
-    editor.projectFolder = project.path();
-    editor.chosenFile = suite.path("other\\s.kez");
-    editor.listItems = {"me"};
+    std::filesystem::create_directory(suite.native("other"));
+    suite.write("other/s.kez", kOld);
+    RecordingHost editor({.project = project.path(), .suite = suite.path()});
+    editor.setChosenFile(suite.path("other\\s.kez"));
+    editor.setListItems({"me"});
     for (const char* call : {"GetMainScriptPath", "GetListItemName", "ChooseFile", "GetProjectFolder",
                              "CopyFileToFolder", "CopyFileWithSubstitutions", "QueryFolder"}) {
         SCOPED_TRACE(call);

@@ -5,13 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <span>
 #include <string>
-#include <utility>
 
 #include "customize/CustomizeSession.h"
-#include "plugin/host/FolderHost.h"
 #include "tests/support/FaultyOsFiles.h"
+#include "tests/support/RecordingHost.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"
 
@@ -20,27 +18,6 @@ namespace zoka::test {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-// A project beside a suite, with every call noted that changes something.
-class NotingHost : public FolderHost {
-public:
-    using FolderHost::FolderHost;
-    void MainScriptChanged() override { calls += "changed "; }
-    void EndListUpdate() override { calls += "endlist "; }
-    bool CopyFileToFolder(const std::string& source, const std::string& folder) override {
-        const std::string all = calls + "copy ";
-        const bool copied = !refuses && FolderHost::CopyFileToFolder(source, folder);
-        calls = all;  // how the folder host does it is its own affair
-        return copied;
-    }
-    bool CopyFileWithSubstitutions(const std::string& source, const std::string& destination,
-                                   std::span<const std::pair<std::string, std::string>> pairs) override {
-        calls += "over ";
-        return !refuses && FolderHost::CopyFileWithSubstitutions(source, destination, pairs);
-    }
-    std::string calls;
-    bool refuses = false;
-};
 
 class NotingView : public CustomizeView, public RowsListener {
 public:
@@ -94,7 +71,7 @@ struct Session : testing::Test {
 
     TempFolder project, suite;
     ScriptedPrompt prompt;
-    NotingHost host{FolderHost::Folders{.project = project.path(), .suite = suite.path()}};
+    RecordingHost host{FolderHost::Folders{.project = project.path(), .suite = suite.path()}};
     NotingView view;
     CustomizeSession session{host, prompt, &view};
 };

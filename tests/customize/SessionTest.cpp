@@ -19,7 +19,7 @@ TEST_F(Session, OpensTheMainScriptWithoutAName) {
     project.write("main.kez", kOld);
     ASSERT_TRUE(session.open());
     EXPECT_EQ(session.script().scriptPath, project.path("main.kez"));
-    EXPECT_EQ(host.calls, "endlist ");
+    EXPECT_THAT(host.calls, ElementsAre("endlist"));
     const EntryFacts& who = session.row(rowOf("Who")).facts();
     ASSERT_TRUE(who.hostNames);
     EXPECT_THAT(*who.hostNames, ElementsAre("me", "lamp_1", "lamp_2"));

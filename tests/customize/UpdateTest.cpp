@@ -40,7 +40,7 @@ TEST_F(Session, FetchingACopyRefusesWhatIsNoCopyOfTheScript) {
     };
     for (const auto& row : rows) {
         host.setChosenFile(row.chosen);
-        host.refuses = row.refuses;
+        host.refuseCopies(row.refuses);
         prompt.asked.clear();
         prompt.answers = {PromptAnswer::Yes};
         EXPECT_FALSE(session.restore());

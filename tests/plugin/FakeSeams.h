@@ -9,7 +9,8 @@
 #include <vector>
 
 #include "plugin/Procedures.h"
-#include "tests/support/FakeEditor.h"
+#include "tests/support/EventLog.h"
+#include "tests/support/RecordingHost.h"
 
 namespace zoka::test {
 
@@ -89,7 +90,7 @@ public:
     }
 
     EventLog log;
-    std::function<void(FakeEditor&)> prepareEditor = [](FakeEditor&) {};
+    std::function<void(RecordingHost&)> prepareEditor = [](RecordingHost&) {};
     bool threadStarts = true;
     bool definesBehavior = false;
     std::optional<NewProjectChoice> choice;
@@ -139,8 +140,11 @@ public:
 
 private:
     // Leaves the map it was asked to open in the log.
-    struct Editor : FakeEditor {
-        explicit Editor(EventLog& log) : m_log(log) {}
+    struct Editor : RecordingHost {
+        explicit Editor(EventLog& log)
+            : RecordingHost(
+                  {.project = "C:\\project", .suite = "C:\\suite", .mainScript = "C:\\project\\main.kez"}),
+              m_log(log) {}
         bool OpenMap(const std::string& path) override {
             m_log.add("open " + path);
             return true;

@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/FakeEditor.h"
-
 // Members of a class that we don't have are called through plain pointers.
 #pragma GCC diagnostic ignored "-Wattributes"
 

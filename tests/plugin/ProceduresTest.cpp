@@ -203,9 +203,9 @@ TEST_F(Initialised, BehaviorPanelNeedsAProjectThatDefinesIt) {
     for (const auto& row : rows) {
         const std::string script = folder.path(row.projectFile ? "with.kez" : "without.kez");
         folder.write("with.xml", "<Project/>");
-        seams.prepareEditor = [&](FakeEditor& editor) {
+        seams.prepareEditor = [&](RecordingHost& editor) {
             EXPECT_EQ(busy, 1);  // before the editor is asked anything
-            editor.mainScript = script;
+            editor.folders.mainScript = script;
         };
         seams.definesBehavior = row.defined;
         HostContext context{0, "Door17", nullptr};
@@ -236,9 +236,10 @@ TEST_F(Initialised, AddScriptChecksBeforeItOpensItsDialog) {
         SCOPED_TRACE(row.mainScript);
         prompt.asked.clear();
         busy = 7;
-        seams.prepareEditor = [&](FakeEditor& editor) {
-            editor.mainScript = row.mainScript;
-            editor.folders = {{CmdGetSuiteFolder, suite}, {CmdGetTemplateSubfolder, row.subfolder}};
+        seams.prepareEditor = [&](RecordingHost& editor) {
+            editor.folders.mainScript = row.mainScript;
+            editor.folders.suite = suite;
+            editor.folders.templateSubfolder = row.subfolder;
         };
         seams.whileModal = [&] {
             EXPECT_EQ(busy, 1);
@@ -302,13 +303,13 @@ TEST_F(Initialised, NothingIsThrownThroughTheHost) {
         SCOPED_TRACE(g_procDefs[index].name);
         prompt.asked.clear();
         busy = 0;
-        seams.prepareEditor = [](FakeEditor&) { throw std::bad_alloc(); };
+        seams.prepareEditor = [](RecordingHost&) { throw std::bad_alloc(); };
         EXPECT_EQ(run(index), 0);
         EXPECT_EQ(busy, 0);
         EXPECT_THAT(prompt.texts(), ElementsAre("There is not enough memory for this."));
         // Nothing stays marked as running.
         bool asked = false;
-        seams.prepareEditor = [&](FakeEditor&) { asked = true; };
+        seams.prepareEditor = [&](RecordingHost&) { asked = true; };
         run(index);
         EXPECT_TRUE(asked);
     }
@@ -318,7 +319,7 @@ TEST_F(Initialised, NothingIsThrownThroughTheHost) {
 TEST_F(Initialised, ReentryWhileAPanelOpensMakesNoSecondOne) {
     for (const int index : {kCustomize, kBehavior}) {
         int deep = 0;
-        seams.prepareEditor = [&](FakeEditor&) {
+        seams.prepareEditor = [&](RecordingHost&) {
             EXPECT_EQ(busy, 1) << "before the host is asked anything";
             if (++deep == 1) {
                 EXPECT_EQ(run(index), 0);

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "plugin/host/EntityAccess.h"
-#include "tests/support/FakeEditor.h"
+#include "tests/support/EventLog.h"
 
 namespace zoka::test {
 

@@ -223,7 +223,7 @@ TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
     Project project;
     const std::string outside = project.suite.write("level.kez", "// level\r\n\r\n");
     project.addTemplate("a.kez", "x");
-    Project::Host host(
+    test::RecordingHost host(
         FolderHost::Folders{project.folder.path(), project.suite.path(), "template_6", outside});
     ScriptedPrompt prompt;
     ScriptAdding adding(host, prompt);
@@ -236,10 +236,10 @@ TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
     ASSERT_EQ(prompt.texts(), Names{project.folder.path("level.kez") + "\nFile exist! Overwrite?"});
     EXPECT_EQ(prompt.asked[0].buttons, PromptButtons::OkCancel);
-    host.failCopies = true;
+    host.refuseCopies(true);
     prompt.answers = {PromptAnswer::Ok};
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
-    host.failCopies = false;
+    host.refuseCopies(false);
     prompt.answers = {PromptAnswer::Ok};
     const test::FaultyOsFiles disk(test::FaultyOsFiles::every("replaceFile"));
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
@@ -252,7 +252,7 @@ TEST(ScriptAdding, WithoutMainScriptTheEditorIsAskedToMakeOne) {
     Project project;
     project.addTemplate("a.kez", "x");
     std::filesystem::remove(project.folder.native("main.kez"));
-    Project::Host none(FolderHost::Folders{project.folder.path(), project.suite.path(), "template_6"});
+    test::RecordingHost none(FolderHost::Folders{project.folder.path(), project.suite.path(), "template_6"});
     ScriptedPrompt prompt;
     ScriptAdding adding(none, prompt);
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));

@@ -89,7 +89,7 @@ TEST(ScriptManagerSession, AddPageShowsAndAdds) {
         EXPECT_EQ(f.prompt.texts().back(), "Can't find script file (1129).\nFile not added.");
         EXPECT_EQ(f.session.lastAdded(), "<none>");
     }
-    f.project.host.failCopies = true;
+    f.project.host.refuseCopies(true);
     EXPECT_FALSE(f.session.add(2));
     EXPECT_TRUE(f.session.status().starts_with("Not added: ")) << f.session.status();
 }
@@ -185,11 +185,11 @@ TEST(ScriptManagerSession, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
     for (size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(f.session.isUsedFromTemplates(i), used[i]) << i;
     }
-    f.project.host.failCopies = true;
+    f.project.host.refuseCopies(true);
     EXPECT_FALSE(f.session.copyIntoProject(1));
     EXPECT_TRUE(f.prompt.texts().back().starts_with("Copy error (1128).")) << f.prompt.texts().back();
     EXPECT_EQ(f.session.status(), "");
-    f.project.host.failCopies = false;
+    f.project.host.refuseCopies(false);
     EXPECT_TRUE(f.session.copyIntoProject(1));
     EXPECT_EQ(f.session.status(), "Copied into the project: fog.kez");
     EXPECT_FALSE(f.session.isUsedFromTemplates(1));

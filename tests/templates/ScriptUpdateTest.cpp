@@ -212,7 +212,7 @@ TEST(ScriptUpdate, SaysWhatItCouldNotCompare) {
 TEST(ScriptFolders, AFolderThatCannotBeListedIsNotEmpty) {
     const Fixture f({});
     const FaultyOsFiles disk(FaultyOsFiles::every("list"));
-    Project::Host host = f.project.host;
+    test::RecordingHost host = f.project.host;
     ScriptFolders folders(host);
     folders.listOnce();
     EXPECT_EQ(folders.LocateScript("fog.kez"), ScriptPlace::Project);
@@ -382,10 +382,10 @@ TEST(ScriptUpdate, Restore) {
     }
     EXPECT_EQ(f.project.folder.read("weather.kez"), "// ver: 1\r\n");
     std::filesystem::remove(f.project.folder.native("weather.kez"));
-    f.project.host.failCopies = true;
+    f.project.host.refuseCopies(true);
     EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
     EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.");
-    f.project.host.failCopies = false;
+    f.project.host.refuseCopies(false);
     const FaultyOsFiles disk(FaultyOsFiles::every("openNew"));
     EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
     EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.\n\nCan't make '" +
