@@ -10,6 +10,7 @@
 #include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace texts = zoka::texts;
@@ -165,13 +166,7 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
     if (line.empty()) {
         line = zoka::filledText(*entry.finding ? entry.finding : entry.log, arguments);
     }
-    std::string text;
-    for (const char c : line) {
-        if (c != '\r' && c != '\n') {
-            text += c;
-        }
-    }
-    m_findings.push_back({entry.severity, m_source, place, std::move(text)});
+    m_findings.push_back({entry.severity, m_source, place, zoka::onOneLine(line, "")});
 }
 
 void CJ8ProjectManager::log(const zoka::ReportEntry& entry, int sourceLine) {

@@ -107,7 +107,7 @@ size_t offsetOf(const std::string& text, const Found& found, size_t from) {
         if (!found.isText) {
             return at;
         }
-        const size_t before = at == 0 ? text.npos : text.find_last_not_of(" \t\r\n", at - 1);
+        const size_t before = at == 0 ? text.npos : text.find_last_not_of(kWhiteSpace, at - 1);
         if (before != text.npos && text[before] == '>') {
             return at;
         }
@@ -143,10 +143,8 @@ private:
         m_losses.push_back({node.place(), std::move(text), clear.openTag + firstLine(clear.value, "\r\n")});
     }
     void loseText(const XMLNode& node, const std::string& text) {
-        const std::string_view begin =
-            std::string_view(text).substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
-        m_losses.push_back(
-            {node.place(), "the text \"" + shortText(text) + "\"", firstLine(begin, "\r\n&<>"), true});
+        m_losses.push_back({node.place(), "the text \"" + shortText(text) + "\"",
+                            firstLine(trimmed(text), "\r\n&<>"), true});
     }
 
     // Comments and the like; a CDATA section of a text that is kept becomes plain text.

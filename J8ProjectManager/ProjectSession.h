@@ -37,9 +37,6 @@ struct ProjectProblem {
     std::uint32_t source = 0, place = 0;
 };
 
-// Of the file with edits that could not be saved, in UTF-8, a line each; later ones are added to it.
-inline constexpr const char* kUnsavedEditsEnding = ".zoka.old";
-
 class ProjectSession {
 public:
     ProjectSession(CJ8ProjectManager& model, UserPrompt& prompt) : m_model(model), m_prompt(prompt) {}
@@ -140,7 +137,7 @@ public:
     // True when the window may close: asks about changes.
     bool close();
     // Something was thrown and the window goes: asks whether the edits are to be kept, and saves the project; where that
-    // fails they go as lines into a file beside it, its name with kUnsavedEditsEnding. Nothing may show the model any
+    // fails they go as lines into a file beside it, its name with kLeftOverEnding. Nothing may show the model any
     // more: modelReplaced is not called. Never throws.
     void offerUnsaved() noexcept;
     // The bytes that a save would write now.

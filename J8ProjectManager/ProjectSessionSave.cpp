@@ -27,7 +27,7 @@ std::string listed(const std::vector<std::string>& lines) {
 
 // Behind those that the file beside the project has already.
 Outcome keepLines(const std::string& project, const std::vector<std::string>& lines) {
-    const std::string path = project + kUnsavedEditsEnding;
+    const std::string path = project + kLeftOverEnding;
     auto text = osFiles().readWhole(path);
     if (!text) {
         const std::string why = osFiles().lastError();
@@ -215,7 +215,7 @@ void ProjectSession::offerUnsaved() noexcept {
             return;
         }
         const Outcome kept = keepLines(m_path, lines);
-        m_prompt.tell(kept ? "The edits are in '" + name + kUnsavedEditsEnding +
+        m_prompt.tell(kept ? "The edits are in '" + name + kLeftOverEnding +
                                  "', beside the project, as lines of text; the project is as it was."
                            : "The edits could not be kept: " + kept.why());
     });

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "controls/EntryRules.h"
+#include "util/Fold.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -15,12 +17,7 @@ constexpr std::string_view kBetween = " \t,";
 
 // The value of a hex digit; npos for other characters.
 size_t digitOf(char c) {
-    return kHex.find(c >= 'A' && c <= 'F' ? static_cast<char>(c + ('a' - 'A')) : c);
-}
-
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t"), last = text.find_last_not_of(" \t");
-    return first == text.npos ? std::string_view() : text.substr(first, last - first + 1);
+    return kHex.find(foldCase(c));
 }
 
 // The numbers of a text and what stands between them, which is blanks with at most one comma.

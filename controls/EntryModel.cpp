@@ -136,8 +136,7 @@ std::string EntryModel::asWritten(const std::string& typed) const {
     if (const auto loaded = numberOf(m_facts.value); !m_facts.value.empty() && loaded == value) {
         return m_facts.value;
     }
-    const bool digitsOnly = typed.find_first_not_of("0123456789") == typed.npos;
-    return m_facts.keepPoint && digitsOnly ? typed + ".0" : typed;
+    return m_facts.keepPoint && isDigits(typed) ? typed + ".0" : typed;
 }
 
 std::string EntryModel::refusalOf(const std::string& value) const {

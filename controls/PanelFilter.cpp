@@ -1,22 +1,8 @@
 #include "controls/PanelFilter.h"
 
-#include <algorithm>
+#include "util/Text.h"
 
 namespace zoka {
-namespace {
-
-std::vector<std::string> wordsOf(const std::string& search) {
-    const std::string text = foldedText(search, textSetOf(search));
-    std::vector<std::string> words;
-    for (size_t at = 0; (at = text.find_first_not_of(" \t\r\n", at)) != text.npos;) {
-        const size_t end = std::min(text.find_first_of(" \t\r\n", at), text.size());
-        words.push_back(text.substr(at, end - at));
-        at = end;
-    }
-    return words;
-}
-
-}  // namespace
 
 void PanelFilter::setFolded(size_t heading, bool fold) {
     if (m_folded.size() <= heading) {
@@ -33,7 +19,8 @@ void PanelFilter::foldAll(std::span<const FilterItem> items, bool fold) {
 }
 
 std::vector<bool> PanelFilter::visible(std::span<const FilterItem> items) const {
-    const std::vector<std::string> words = wordsOf(search);
+    const std::string wanted = foldedText(search, textSetOf(search));
+    const std::vector<std::string_view> words = tokensOf(wanted, kWhiteSpace);
     const bool filtering = changedOnly || !words.empty();
     std::vector<bool> shown(items.size(), true);
     size_t heading = items.size();

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "util/Fold.h"
+#include "util/Text.h"
 #include "xml/PlatformCharset.h"
 #include "xml/XMLConvert.h"
 
@@ -104,6 +105,9 @@ size_t characterCount(std::string_view text, TextSet set) {
 }
 
 std::string foldedText(std::string_view text, TextSet set) {
+    if (isAscii(text)) {
+        return lowered(text);
+    }
     const std::string source = utf8Text(text, set);
     std::string made;
     made.reserve(source.size());

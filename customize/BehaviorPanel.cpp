@@ -16,18 +16,6 @@
 namespace zoka {
 namespace {
 
-// "skill21": one of the words with a number that no entity has. The word without its number, or nothing.
-std::string_view numberedWord(std::string_view keyword) {
-    for (const std::string_view word : {"skill", "flag"}) {
-        const bool begins = keyword.size() > word.size() && keyword.size() < 16 &&
-                            lex::equalsIgnoringCase(keyword.data(), word.data(), word.size());
-        if (begins && keyword.find_first_not_of("0123456789", word.size()) == keyword.npos) {
-            return word;
-        }
-    }
-    return {};
-}
-
 class BehaviorReader {
 public:
     BehaviorReader(std::string_view block, int firstLine, BehaviorPanel& panel)
@@ -44,9 +32,7 @@ public:
 
 private:
     void readLine(std::string_view line) {
-        while (!line.empty() && lex::isBlank(line.front())) {
-            line.remove_prefix(1);
-        }
+        line = withoutLeadingBlanks(line);
         if (!line.starts_with("//")) {
             return;
         }
@@ -134,7 +120,9 @@ private:
     }
 
     void reportUnknown(const MarkupLine& line) {
-        if (const std::string_view word = numberedWord(line.keyword); !word.empty()) {
+        constexpr size_t longest = 15;  // of what is repeated whole
+        const std::string_view word = numberedKeyword(line.keyword);
+        if (!word.empty() && line.keyword.size() <= longest) {
             const int last = word == "skill" ? kEntitySkills : kEntityFlags;
             report("there is no " + std::string(line.keyword) + ": an entity's are numbered 1 to " +
                    std::to_string(last) + "; the line was passed over");

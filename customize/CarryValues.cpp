@@ -6,6 +6,7 @@
 #include "controls/EntryRules.h"
 #include "customize/CustomMarkup.h"
 #include "customize/ValueFile.h"
+#include "util/Backups.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
@@ -225,7 +226,7 @@ Outcome keepOldValues(const CustomScript& script, const std::vector<UnplacedValu
     if (values.empty()) {
         return {};
     }
-    const std::string path = script.scriptPath + kOldValuesEnding;
+    const std::string path = script.scriptPath + kLeftOverEnding;
     const auto earlier = osFiles().readWhole(path);
     if (!earlier) {
         const std::string why = osFiles().lastError();

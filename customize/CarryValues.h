@@ -46,9 +46,7 @@ std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptR
 // One line a value: "Range (id 4): 150 - the reason".
 std::string unplacedText(const std::vector<UnplacedValue>& values);
 
-// Ending of the file with the values that found no place; beside the script, added to the script's full name.
-inline constexpr const char* kOldValuesEnding = ".zoka.old";
-// Its content: `earlier` is what the file held so far (or empty), whose records stay unless a newer one has
+// The content of the file with the values that found no place (kLeftOverEnding): `earlier` is what the file held so far (or empty), whose records stay unless a newer one has
 // their id. Values without an id stand at the end, in a form that readers of value files pass over.
 std::string oldValuesText(const std::string& earlier, const CustomScript& script,
                           const std::vector<UnplacedValue>& values);

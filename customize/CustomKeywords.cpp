@@ -156,6 +156,16 @@ int LookupCustomKeyword(const char* word, size_t length) {
     return kNoKeyword;
 }
 
+std::string_view numberedKeyword(std::string_view word) {
+    for (const std::string_view name : {"skill", "flag"}) {
+        if (word.size() > name.size() && equalNoCase(word.substr(0, name.size()), name) &&
+            isDigits(word.substr(name.size()))) {
+            return name;
+        }
+    }
+    return {};
+}
+
 const char* customKeywordName(int keyword) {
     return kNames[static_cast<size_t>(keyword)].data();
 }

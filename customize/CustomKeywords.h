@@ -46,6 +46,10 @@ inline int LookupCustomKeyword(std::string_view word) {
     return LookupCustomKeyword(word.data(), word.size());
 }
 
+// "skill" of "skill21", "flag" of "Flag1": the word before the number, whether or not entities have one of that number.
+// Empty for all other words.
+std::string_view numberedKeyword(std::string_view word);
+
 // The word itself. `keyword` is a place in the table.
 const char* customKeywordName(int keyword);
 

@@ -356,7 +356,7 @@ private:
                 kind = quoted ? kEntryStrEdit : kEntryChooseFile;
             }
         } else if (kind == kEntry) {
-            const bool digits = token.find_first_not_of("0123456789") == token.npos;
+            const bool digits = isDigits(token);
             if (!digits && !numberOf(token)) {
                 const std::string shown = quotedBeginning(token);
                 drop((shown + " is neither a number nor a text nor a file name").c_str());

@@ -349,7 +349,7 @@ void CustomizeSession::offerUnsaved() noexcept {
                       (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
                       " of '" + std::string(fileNameOf(path)) + "' " + (unsaved.size() == 1 ? "is" : "are") +
                       " not saved.\n\nKeep " + (unsaved.size() == 1 ? "it" : "them") +
-                      " in the value file '" + std::string(fileNameOf(path)) + kOldValuesEnding +
+                      " in the value file '" + std::string(fileNameOf(path)) + kLeftOverEnding +
                       "', beside the script?")) {
             return;
         }

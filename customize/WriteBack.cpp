@@ -6,6 +6,7 @@
 #include "controls/EntryRules.h"
 #include "customize/CustomMarkup.h"
 #include "util/LexChars.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -18,10 +19,6 @@ std::string_view withoutLineEnd(std::string_view text) {
         text.remove_suffix(1);
     }
     return text;
-}
-
-bool isDigits(std::string_view text) {
-    return text.find_first_not_of("0123456789") == text.npos;
 }
 
 bool isPlainWord(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "J8ProjectManager/J8ProjectManager.h"
+#include "templates/CatalogueXml.h"
 #include "util/DebugLog.h"
 #include "util/Doors.h"
 #include "util/OsFiles.h"
@@ -239,7 +240,7 @@ std::int32_t executeAddScript(PluginProcDef*, HostContext*, std::int32_t* execut
         g_seams->runProjectManager(*editor, *projectFile);
         return 0;
     }
-    const std::string catalogue = editor->TemplatePath(kCatalogueName);
+    const std::string catalogue = editor->TemplatePath(kCatalogueFile);
     if (!osFiles().exists(catalogue)) {
         userPrompt().tell("File missing: template_6.xml (ec10-4)");
         return 0;

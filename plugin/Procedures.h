@@ -12,7 +12,6 @@
 namespace zoka {
 
 inline constexpr std::int32_t kProcCount = 4;
-inline constexpr const char* kCatalogueName = "template_6.xml";
 
 // The records that the host reads, in its menus' order.
 extern PluginProcDef g_procDefs[kProcCount];

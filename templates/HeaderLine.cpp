@@ -71,12 +71,7 @@ std::string_view headerValue(std::string_view line) {
 }
 
 std::vector<std::string_view> headerTokens(std::string_view value) {
-    std::vector<std::string_view> names;
-    LineTokens tokens(value, kSeparators);
-    for (std::string_view name = tokens.next(); !name.empty(); name = tokens.next()) {
-        names.push_back(name);
-    }
-    return names;
+    return tokensOf(value, kSeparators);
 }
 
 std::string_view firstHeaderToken(std::string_view value) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "customize/CustomKeywords.h"
 #include "templates/HeaderLine.h"
 #include "util/File.h"
 #include "util/PathRules.h"
@@ -209,23 +210,13 @@ private:
             m_action.m_filename = firstHeaderToken(value);
         } else if (code == HeaderCode::EngineReq) {
             m_action.m_engreq.SetFromText(std::string(value));
-        } else if (isSkillOrFlag(keyword)) {
+        } else if (!numberedKeyword(keyword).empty()) {
             // "skill2: Range 8" names the value in its first word; blanks are written as underscores there.
             std::string label(firstHeaderToken(value));
             std::replace(label.begin(), label.end(), '_', ' ');
             appendLine(*m_text, std::string(keyword) + " " + label);
             m_afterLabel = true;
         }
-    }
-
-    static bool isSkillOrFlag(std::string_view keyword) {
-        for (const std::string_view word : {std::string_view("skill"), std::string_view("flag")}) {
-            if (equalNoCase(keyword.substr(0, word.size()), word) && keyword.size() > word.size() &&
-                keyword.find_first_not_of("0123456789", word.size()) == std::string_view::npos) {
-                return true;
-            }
-        }
-        return false;
     }
 
     void addAction(const std::string& name) {

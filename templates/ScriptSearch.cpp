@@ -14,22 +14,7 @@ constexpr std::uint32_t kStep = 1024;
 
 // In a form that doesn't depend on case, nor on the set that a catalogue's file, or what is searched for, is in.
 std::string searchable(const std::string& text) {
-    const bool ascii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    return ascii ? lowered(text) : foldedText(text, textSetOf(text));
-}
-
-std::vector<std::string> wordsOf(const std::string& query) {
-    std::vector<std::string> words;
-    std::string word;
-    for (const char c : query + " ") {
-        if (c != ' ' && c != '\t') {
-            word += c;
-        } else if (!word.empty()) {
-            words.push_back(std::move(word));
-            word.clear();
-        }
-    }
-    return words;
+    return foldedText(text, textSetOf(text));
 }
 
 }  // namespace
@@ -66,17 +51,12 @@ bool ScriptSearch::take(const CTemplateData& catalogue, JobProgress* progress) {
 const std::vector<std::uint32_t>& ScriptSearch::find(const std::string& className, const std::string& query) {
     const std::string wantedClass = searchable(className);
     const std::string wanted = searchable(query);
-    const std::vector<std::string> words = wordsOf(wanted);
+    const std::vector<std::string_view> words = tokensOf(wanted, kWhiteSpace);
     const auto matches = [&](std::uint32_t record) {
         if (wantedClass != "<all>" && m_classes[record] != wantedClass) {
             return false;
         }
-        for (const std::string& word : words) {
-            if (m_texts[record].find(word) == std::string::npos) {
-                return false;
-            }
-        }
-        return true;
+        return holdsAll(m_texts[record], words);
     };
     if (wantedClass == m_className && wanted.starts_with(m_query)) {
         std::erase_if(m_found, [&](std::uint32_t record) { return !matches(record); });

@@ -1,4 +1,5 @@
-// Numbered copies of a file, kept beside it before something else takes its place: "fog.kez.1.bak".
+// What is kept beside a file for its user: numbered copies of it, made before something else takes its place
+// ("fog.kez.1.bak"), and what it could not take.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +9,10 @@
 #include "util/Outcome.h"
 
 namespace zoka {
+
+// Of the file beside a script or a project, added to its full name, with what the user typed and it could not take:
+// values that an update has no place for, edits that could not be saved. Nothing takes them out of it but the user.
+inline constexpr const char* kLeftOverEnding = ".zoka.old";
 
 // How many copies of one file are kept; the oldest ones make room.
 inline constexpr size_t kMostBackups = 10;

@@ -61,4 +61,17 @@ std::string_view LineTokens::next() {
     return token;
 }
 
+std::vector<std::string_view> tokensOf(std::string_view line, std::string_view separators) {
+    std::vector<std::string_view> found;
+    LineTokens tokens(line, separators);
+    for (std::string_view token = tokens.next(); !token.empty(); token = tokens.next()) {
+        found.push_back(token);
+    }
+    return found;
+}
+
+bool holdsAll(std::string_view text, const std::vector<std::string_view>& words) {
+    return std::ranges::all_of(words, [text](std::string_view word) { return text.find(word) != text.npos; });
+}
+
 }  // namespace zoka

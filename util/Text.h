@@ -51,4 +51,15 @@ private:
     std::string_view m_separators;
 };
 
+// All of them, as parts of the line.
+std::vector<std::string_view> tokensOf(std::string_view line, std::string_view separators);
+
+// Whether every word stands somewhere in the text: what a search finds, of texts and words in the same case.
+bool holdsAll(std::string_view text, const std::vector<std::string_view>& words);
+
+// Whether there is nothing but 0 to 9.
+constexpr bool isDigits(std::string_view text) {
+    return text.find_first_not_of("0123456789") == text.npos;
+}
+
 }  // namespace zoka

@@ -4,6 +4,7 @@
 
 #include "J8ProjectManager/PropertyFacts.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -33,14 +34,7 @@ std::string firstLine(const std::string& text) {
 
 // Lines of a text as a field of several lines wants them.
 void addLines(std::string& text, const std::string& more) {
-    for (const char c : more) {
-        if (c == '\n') {
-            text += "\r\n";
-        } else if (c != '\r') {
-            text += c;
-        }
-    }
-    text += "\r\n";
+    (text += onOneLine(more, "\r\n")) += "\r\n";
 }
 
 // "  speed: float = 3.5 (min 0, max 10) - how fast it walks", and its enumeration below.

@@ -2,33 +2,16 @@
 
 #include <algorithm>
 
-#include "util/Fold.h"
+#include "controls/TextSet.h"
+#include "util/Text.h"
 
 namespace zoka {
 
 namespace {
 
-std::string lowerCase(std::string text) {
-    // Most texts are ASCII, for which the system need not be asked.
-    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
-        std::ranges::transform(text, text.begin(), [](char c) { return foldCase(c); });
-    } else {
-        CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
-    }
-    return text;
-}
-
-std::vector<std::string> wordsOf(const std::string& text) {
-    std::vector<std::string> words(1);
-    for (const char c : lowerCase(text)) {
-        if (c == ' ' || c == '\t') {
-            words.emplace_back();
-        } else {
-            words.back() += c;
-        }
-    }
-    std::erase(words, "");
-    return words;
+// Texts of windows are in the system's set.
+std::string searchable(const std::string& text) {
+    return foldedText(text, TextSet::System);
 }
 
 }  // namespace
@@ -102,18 +85,18 @@ void SearchPage::refresh() {
 
 void SearchPage::filter() {
     const std::optional<size_t> before = selected();
-    const std::vector<std::string> words = wordsOf(textOf(m_search));
+    const std::string wanted = searchable(textOf(m_search));
+    const std::vector<std::string_view> words = tokensOf(wanted, kWhiteSpace);
     const size_t count = rowCount();
     if (m_words.size() != count && !words.empty()) {
         m_words.clear();
         for (size_t row = 0; row < count; ++row) {
-            m_words.push_back(lowerCase(searchText(row)));
+            m_words.push_back(searchable(searchText(row)));
         }
     }
     m_rows.clear();
     for (size_t row = 0; row < count; ++row) {
-        if (std::ranges::all_of(
-                words, [&](const std::string& word) { return m_words[row].find(word) != word.npos; })) {
+        if (words.empty() || holdsAll(m_words[row], words)) {
             m_rows.push_back(row);
         }
     }

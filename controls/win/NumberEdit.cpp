@@ -4,6 +4,7 @@
 
 #include "controls/win/ControlClasses.h"
 #include "ui/win/WindowKit.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -14,9 +15,7 @@ constexpr size_t kMostPasted = 256;
 
 // The clipboard's text without the blanks around it; empty when it has none.
 std::string pastedNumber(HWND window) {
-    const std::string text = clipboardText(window, kMostPasted);
-    const size_t first = text.find_first_not_of(" \t\r\n"), last = text.find_last_not_of(" \t\r\n");
-    return first == text.npos ? std::string() : text.substr(first, last - first + 1);
+    return std::string(trimmed(clipboardText(window, kMostPasted)));
 }
 
 // What is typed is judged as a whole: a character left out would make another number of the rest.

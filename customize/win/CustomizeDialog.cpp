@@ -4,6 +4,7 @@
 
 #include "customize/ValueFile.h"
 #include "ui/win/TextWindow.h"
+#include "util/Backups.h"
 #include "util/PathRules.h"
 
 namespace zoka {
@@ -220,7 +221,7 @@ void CustomizeDialog::showUnplaced() {
         return;
     }
     showTextWindow(window(), "Values that could not be kept",
-                   "Kept in " + std::string(fileNameOf(m_session.script().scriptPath)) + kOldValuesEnding +
+                   "Kept in " + std::string(fileNameOf(m_session.script().scriptPath)) + kLeftOverEnding +
                        ", next to the script:",
                    unplacedText(m_session.unplaced()), TextLook::FixedWidth);
 }
