@@ -162,8 +162,10 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     }
     SelectObject(dc, old);
     ReleaseDC(m_window, dc);
-    layout();
-    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    {
+        const DrawingOff off(m_window);
+        layout();
+    }
     if (hadFocus) {
         focusLast();
     }
@@ -267,9 +269,16 @@ void EntryPanel::scrollTo(int top) {
     info.nMax = std::max(m_layout.contentHeight() + m_fonts->px(kMargin) - 1, 0);
     info.nPage = static_cast<UINT>(std::max(static_cast<int>(area.bottom), 1));
     info.nPos = m_top;
-    m_placing = true;  // a bar that comes or goes changes the window's size, but not the rows' width
-    SetScrollInfo(m_window, SB_VERT, &info, TRUE);
-    m_placing = false;
+    SCROLLINFO now{};
+    now.cbSize = sizeof now;
+    now.fMask = SIF_ALL;
+    // A bar that is set is drawn, even where it stays as it was.
+    if (!GetScrollInfo(m_window, SB_VERT, &now) || now.nMin != 0 || now.nMax != info.nMax ||
+        now.nPage != info.nPage || now.nPos != info.nPos) {
+        m_placing = true;  // a bar that comes or goes changes the window's size, but not the rows' width
+        SetScrollInfo(m_window, SB_VERT, &info, TRUE);
+        m_placing = false;
+    }
     placeRows();
 }
 

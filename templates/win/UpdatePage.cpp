@@ -104,13 +104,11 @@ void UpdatePage::showEntries() {
     }
     const std::vector<UpdateEntry>& entries = session().updates();
     setText(m_label, "&" + session().listedText());
-    SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
+    const DrawingOff off(m_list);
     SendMessageA(m_list, LB_RESETCONTENT, 0, 0);
     for (const UpdateEntry& entry : entries) {
         SendMessageW(m_list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wideReport(entry.line).c_str()));
     }
-    SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
-    InvalidateRect(m_list, nullptr, TRUE);
 }
 
 void UpdatePage::refresh() {

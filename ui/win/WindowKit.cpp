@@ -387,6 +387,20 @@ void enable(HWND control, bool enabled) {
     EnableWindow(control, enabled);
 }
 
+DrawingOff::DrawingOff(HWND window)
+    : m_window((GetWindowLongA(window, GWL_STYLE) & WS_VISIBLE) != 0 ? window : nullptr) {
+    if (m_window) {
+        SendMessageA(m_window, WM_SETREDRAW, FALSE, 0);
+    }
+}
+
+DrawingOff::~DrawingOff() {
+    if (m_window) {
+        SendMessageA(m_window, WM_SETREDRAW, TRUE, 0);
+        RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    }
+}
+
 void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner) {
     const auto give = [&](WPARAM kind, int width, int height) {
         const LPARAM shared = module ? reinterpret_cast<LPARAM>(LoadImageA(

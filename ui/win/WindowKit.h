@@ -127,6 +127,20 @@ void setText(HWND window, const std::string& text, UINT codePage = CP_ACP);
 // The same of a text that tells of files, as wideReport.
 void setReport(HWND window, const std::string& text);
 void enable(HWND control, bool enabled);
+
+// As long as it lives a visible window draws nothing of itself or its children; then it draws all of it once. Rows that
+// come one by one would be drawn each time.
+class DrawingOff {
+public:
+    explicit DrawingOff(HWND window);
+    ~DrawingOff();
+    DrawingOff(const DrawingOff&) = delete;
+    DrawingOff& operator=(const DrawingOff&) = delete;
+
+private:
+    HWND m_window;  // null when it isn't shown: drawing again would show it
+};
+
 // The chosen item of a drop list; empty when none is.
 std::string chosenItem(HWND dropList);
 
