@@ -48,23 +48,20 @@ bool CreationRecord::makeNewFolder(const std::string& path) {
 }
 
 bool CreationRecord::copyFile(const std::string& from, const std::string& to) {
-    if (!osFiles().copyNew(from, to)) {
+    const auto entry = osFiles().copyNew(from, to);
+    if (!entry) {
         m_failed.push_back(to);
         return false;
     }
-    noteFile(to);
+    m_files.push_back({osFiles().fullPath(to), entry->size, entry->lastWrite});
     return true;
 }
 
 void CreationRecord::fileWritten(const std::string& path) {
     const std::string full = osFiles().fullPath(path);
     std::erase_if(m_files, [&full](const File& file) { return file.path == full; });
-    noteFile(path);
-}
-
-void CreationRecord::noteFile(const std::string& path) {
     if (const auto entry = osFiles().search(path)) {
-        m_files.push_back({osFiles().fullPath(path), entry->size, entry->lastWrite});
+        m_files.push_back({full, entry->size, entry->lastWrite});
     }
 }
 

@@ -36,8 +36,6 @@ public:
     Removal remove(JobProgress* progress = nullptr);
 
 private:
-    void noteFile(const std::string& path);
-
     struct File {
         std::string path;
         std::uint64_t size;

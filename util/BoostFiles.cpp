@@ -93,14 +93,10 @@ int boostMakeFolders(const std::string& path) {
 
 int boostCopyNew(const std::string& from, const std::string& to) {
     return numberOfError([&](error_code& error) {
-        const bool free = fs::symlink_status(to, error).type() == fs::file_not_found;
-        error.clear();
         fs::copy_file(from, to, fs::copy_options::none, error);
         error_code ignored;
-        if (error && free && leavesHalf(error)) {
+        if (error && leavesHalf(error)) {
             fs::remove(to, ignored);
-        } else if (!error && (fs::status(to, ignored).permissions() & fs::owner_write) == 0) {
-            fs::permissions(to, fs::add_perms | fs::owner_write, ignored);
         }
     });
 }

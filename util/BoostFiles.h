@@ -14,6 +14,7 @@ namespace zoka {
 int boostKindOf(const std::string& path, OsKind& kind);
 int boostListFolder(const std::string& folder, std::vector<OsListed>& entries);
 int boostMakeFolders(const std::string& path);
+// Nothing stands at `to`, as far as the caller knows. The copy's mode is the source's.
 int boostCopyNew(const std::string& from, const std::string& to);
 
 }  // namespace zoka

@@ -115,9 +115,10 @@ public:
 
     // Makes a folder and those that it lies in; true when it is there afterwards, also when it was before.
     virtual bool makeFolders(const std::string& path) = 0;
-    // Copies a file's content to a new file, which is writable whatever the source is. False when something of
-    // that name exists, which stays as it is, and when a part could not be copied; no half of a copy is left.
-    virtual bool copyNew(const std::string& from, const std::string& to) = 0;
+    // Copies a file's content to a new file, which is writable whatever the source is: that file's entry. Nothing when
+    // something of that name exists, which stays as it is, and when a part could not be copied; no half of a copy is
+    // left.
+    virtual std::optional<OsEntry> copyNew(const std::string& from, const std::string& to) = 0;
     // False when the folder could not be made, also when it exists already.
     virtual bool makeFolder(const std::string& path) = 0;
     virtual bool deleteFile(const std::string& path) = 0;

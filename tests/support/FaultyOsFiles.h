@@ -61,7 +61,9 @@ public:
         return !bad("listFolder", p) && m_real.listFolder(p, entries);
     }
     bool makeFolders(Path p) override { return !bad("makeFolders", p) && m_real.makeFolders(p); }
-    bool copyNew(Path from, Path to) override { return !bad("copyNew", to) && m_real.copyNew(from, to); }
+    std::optional<OsEntry> copyNew(Path from, Path to) override {
+        return bad("copyNew", to) ? std::nullopt : m_real.copyNew(from, to);
+    }
     bool makeFolder(Path p) override { return !bad("makeFolder", p) && m_real.makeFolder(p); }
     bool deleteFile(Path p) override { return !bad("deleteFile", p) && m_real.deleteFile(p); }
     bool deleteFolder(Path p) override { return !bad("deleteFolder", p) && m_real.deleteFolder(p); }

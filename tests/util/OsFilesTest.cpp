@@ -144,6 +144,21 @@ TEST_F(OsFilesTest, MakesFoldersAndCopiesFilesToNewNamesAlone) {
         EXPECT_EQ(folder.read("kept"), "old") << source;
         EXPECT_FALSE(files.lastError().empty());
     }
+    // Also while it is known what is in the folder: an entry of that name may come from elsewhere at any time.
+    for (int i = 0; i < 3; ++i) {
+        const std::string name = "copy" + std::to_string(i);
+        const auto copied = files.copyNew(from, folder.path(name)), found = files.search(folder.path(name));
+        ASSERT_TRUE(copied && found);
+        EXPECT_EQ(copied->name, name);
+        EXPECT_EQ(copied->size, 6u);
+        EXPECT_EQ(copied->lastWrite, found->lastWrite);
+        EXPECT_FALSE(files.copyNew(from, folder.path("COPY" + std::to_string(i)))) << "however it is spelled";
+        folder.write("other" + std::to_string(i), "old");
+        EXPECT_FALSE(files.copyNew(from, folder.path("other" + std::to_string(i))));
+        EXPECT_EQ(folder.read("other" + std::to_string(i)), "old");
+        files.deleteFile(folder.path(name));
+        files.deleteFile(folder.path("other" + std::to_string(i)));
+    }
     EXPECT_FALSE(files.copyNew(folder.path("none"), folder.path("n")));
     EXPECT_FALSE(files.copyNew(from, folder.path("none\\n")));
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "from", "kept"}));

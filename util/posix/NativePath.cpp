@@ -1,5 +1,4 @@
 #include "util/posix/NativePath.h"
-#include "util/KeyedHash.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -10,8 +9,10 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
+#include "util/KeyedHash.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
 
@@ -23,26 +24,38 @@ bool existsNative(const std::string& path) {
     return lstat(path.c_str(), &info) == 0;
 }
 
+struct HashNoCase {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const { return static_cast<size_t>(keyedHashNoCase(text)); }
+};
+struct EqualNoCase {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const { return equalNoCase(a, b); }
+};
+using NamesNoCase = std::unordered_multiset<std::string, HashNoCase, EqualNoCase>;
+
 // The names in a folder with many of them. Reading it anew for each name that isn't there would take quadratic time
 // where many files are made, so it's good for a while; names that were looked for and not found are among them,
 // because whoever made a file in the meantime looked for it first.
 struct LargeFolder {
+    std::string path;  // as it was named when it was read, with a slash at its end
     dev_t device = 0;
     ino_t number = 0;
     std::chrono::steady_clock::time_point goodUntil;
-    KeyedMap<std::string, std::vector<std::string>> names;  // by their lower case
+    NamesNoCase names;
 };
 
-constexpr std::ptrdiff_t kLargeFrom = 16;  // entries; fewer are read anew each time
-constexpr int kGoodFor = 20;               // times as long as reading the folder took
+constexpr std::ptrdiff_t kLargeFrom =
+    16;                       // entries; fewer are read anew each time, unless files are made there
+constexpr int kGoodFor = 50;  // times as long as reading the folder took
 constexpr size_t kFoldersKept = 4;
 
 std::mutex g_largeMutex;
 std::vector<LargeFolder> g_large;  // the one used last at the end
 
-// The names of `folder` that equal `name` but for case.
-std::vector<std::string> readNames(const std::string& folder, std::string_view name,
-                                   const struct stat& info) {
+// The names of `folder` that equal `name` but for case. All are kept for the next question when there are `keptFrom`.
+std::vector<std::string> readNames(const std::string& folder, std::string_view name, const struct stat& info,
+                                   std::ptrdiff_t keptFrom) {
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::string> all, equal;
     const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.c_str()), closedir);
@@ -51,17 +64,18 @@ std::vector<std::string> readNames(const std::string& folder, std::string_view n
     }
     std::ranges::copy_if(all, std::back_inserter(equal),
                          [name](const std::string& one) { return equalNoCase(one, name); });
-    if (std::ssize(all) >= kLargeFrom) {
-        LargeFolder large{info.st_dev, info.st_ino, {}, {}};
+    if (std::ssize(all) >= keptFrom) {
+        LargeFolder large{folder, info.st_dev, info.st_ino, {}, NamesNoCase(2 * all.size())};
         for (std::string& one : all) {
-            std::string key = lowered(one);
-            large.names[std::move(key)].push_back(std::move(one));
+            large.names.insert(std::move(one));
         }
         if (equal.empty()) {
-            large.names[lowered(name)].emplace_back(name);
+            large.names.emplace(name);
         }
         const auto end = std::chrono::steady_clock::now();
         large.goodUntil = end + (end - start) * kGoodFor;
+        std::erase_if(g_large,
+                      [&folder](const LargeFolder& one) { return one.path == folder; });  // made anew since
         if (g_large.size() == kFoldersKept) {
             g_large.erase(g_large.begin());
         }
@@ -72,26 +86,81 @@ std::vector<std::string> readNames(const std::string& folder, std::string_view n
 
 // The entry of `folder`, which ends with a slash, that equals `name` but for case; empty when there is none. `info` is the
 // folder's own.
-std::string findNoCase(const std::string& folder, std::string_view name, const struct stat& info) {
+std::string findNoCase(const std::string& folder, std::string_view name, const struct stat& info,
+                       std::ptrdiff_t keptFrom) {
     const std::scoped_lock lock(g_largeMutex);
     const auto known = std::ranges::find_if(g_large, [&info](const LargeFolder& one) {
         return one.device == info.st_dev && one.number == info.st_ino;
     });
     std::vector<std::string> equal;
     if (known != g_large.end() && std::chrono::steady_clock::now() < known->goodUntil) {
-        std::vector<std::string>& names = known->names[lowered(name)];
-        std::ranges::copy_if(names, std::back_inserter(equal),
-                             [&folder](const std::string& one) { return existsNative(folder + one); });
-        if (equal.empty() && std::ranges::find(names, name) == names.end()) {
-            names.emplace_back(name);
+        const auto [first, last] = known->names.equal_range(name);
+        std::copy_if(first, last, std::back_inserter(equal),
+                     [&folder](const std::string& one) { return existsNative(folder + one); });
+        if (equal.empty() && std::find(first, last, name) == last) {
+            known->names.emplace(name);
         }
     } else {
         if (known != g_large.end()) {
             g_large.erase(known);
         }
-        equal = readNames(folder, name, info);
+        equal = readNames(folder, name, info, keptFrom);
     }
     return equal.empty() ? std::string() : std::ranges::min(equal);
+}
+
+FoundPath findPath(std::string_view path, std::ptrdiff_t keptFrom) {
+    std::string native = withSlashes(path);
+    if (native.empty() || existsNative(native)) {
+        const bool exists = !native.empty();
+        return {std::move(native), exists};
+    }
+    std::string found;  // the part of the path that was found so far, up to and with its last slash
+    size_t at = 0;
+    struct stat info;
+    // Mostly the folder is there as it is spelled, and only the file is yet to be made.
+    const size_t slash = native.find_last_of('/', native.size() - 2);
+    if (slash != native.npos && stat(native.substr(0, slash + 1).c_str(), &info) == 0) {
+        found = native.substr(0, slash + 1);
+        at = slash + 1;
+        if (!native.ends_with('/')) {
+            const std::string part = findNoCase(found, native.substr(at), info, keptFrom);
+            return part.empty() ? FoundPath{native, false} : FoundPath{found + part, true};
+        }
+    }
+    while (at < native.size()) {
+        const size_t end = std::min(native.find('/', at), native.size());
+        std::string part = native.substr(at, end - at);
+        if (!part.empty() && !existsNative(found + part)) {
+            const std::string folder = found.empty() ? "./" : found;
+            part = stat(folder.c_str(), &info) == 0 ? findNoCase(folder, part, info, keptFrom) : "";
+            if (part.empty()) {
+                return {found + native.substr(at), false};
+            }
+        }
+        found += part;
+        if (end < native.size()) {
+            found += '/';
+        }
+        at = end + 1;
+    }
+    return {found, true};
+}
+
+// Whether its folder was read so shortly ago that nothing of that name, however spelled, is there, without a look at the
+// disk. The name is taken for one that will be there from now on.
+bool isKnownNew(const std::string& native) {
+    const size_t name = native.rfind('/') + 1;
+    const std::scoped_lock lock(g_largeMutex);
+    const auto known =
+        std::ranges::find(g_large, std::string_view(native).substr(0, name), &LargeFolder::path);
+    if (!native.starts_with('/') || name == native.size() || known == g_large.end() ||
+        std::chrono::steady_clock::now() >= known->goodUntil ||
+        known->names.contains(std::string_view(native).substr(name))) {
+        return false;
+    }
+    known->names.insert(native.substr(name));
+    return true;
 }
 
 }  // namespace
@@ -106,40 +175,12 @@ std::string withSlashes(std::string_view path) {
 }
 
 std::string toNativePath(std::string_view path) {
+    return findPath(path, kLargeFrom).native;
+}
+
+FoundPath pathForNew(std::string_view path) {
     std::string native = withSlashes(path);
-    if (native.empty() || existsNative(native)) {
-        return native;
-    }
-    std::string found;  // the part of the path that was found so far, up to and with its last slash
-    size_t at = 0;
-    struct stat info;
-    // Mostly the folder is there as it is spelled, and only the file is yet to be made.
-    const size_t slash = native.find_last_of('/', native.size() - 2);
-    if (slash != native.npos && stat(native.substr(0, slash + 1).c_str(), &info) == 0) {
-        found = native.substr(0, slash + 1);
-        at = slash + 1;
-        if (!native.ends_with('/')) {
-            const std::string part = findNoCase(found, native.substr(at), info);
-            return part.empty() ? native : found + part;
-        }
-    }
-    while (at < native.size()) {
-        const size_t end = std::min(native.find('/', at), native.size());
-        std::string part = native.substr(at, end - at);
-        if (!part.empty() && !existsNative(found + part)) {
-            const std::string folder = found.empty() ? "./" : found;
-            part = stat(folder.c_str(), &info) == 0 ? findNoCase(folder, part, info) : "";
-            if (part.empty()) {
-                return found + native.substr(at);
-            }
-        }
-        found += part;
-        if (end < native.size()) {
-            found += '/';
-        }
-        at = end + 1;
-    }
-    return found;
+    return isKnownNew(native) ? FoundPath{std::move(native), false} : findPath(path, 0);
 }
 
 std::string fromNativePath(std::string_view nativePath) {

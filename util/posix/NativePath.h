@@ -10,9 +10,16 @@ namespace zoka {
 // and it serves as every drive ("C:\a\b" is "/a/b", "C:a" is "a"). Backslashes become slashes. Where that
 // name does not exist, each part that isn't there is looked for without regard to case (the first match in
 // the order of bytes); parts that are found in no spelling stay as given, for what is yet to be made. In a folder
-// of many files, one that another program makes under another spelling may be seen twenty times as late as reading the
-// folder takes: milliseconds for thousands of files. [any thread]
+// of many files, one that another program makes under another spelling may be seen fifty times as late as reading the
+// folder takes: tens of milliseconds for thousands of files. [any thread]
 std::string toNativePath(std::string_view path);
+// The same for a file that is about to be made, one of many perhaps: as few looks at its folder as can be. What another
+// program made there under the very same name in the meantime may be missed; making a new file refuses that.
+struct FoundPath {
+    std::string native;
+    bool exists;
+};
+FoundPath pathForNew(std::string_view path);
 // The same as it is spelled, without a look at the disk.
 std::string withSlashes(std::string_view path);
 

@@ -249,8 +249,25 @@ public:
         return told(boostListFolder(toNativePath(path), entries));
     }
     bool makeFolders(const std::string& path) override { return told(boostMakeFolders(toNativePath(path))); }
-    bool copyNew(const std::string& from, const std::string& to) override {
-        return told(boostCopyNew(toNativePath(from), toNativePath(to)));
+    std::optional<OsEntry> copyNew(const std::string& from, const std::string& to) override {
+        // As few questions as can be: a project of thousands of files is made of these.
+        const auto [target, exists] = pathForNew(to);
+        const auto copied = [&target](const std::string& source) {
+            return told(boostCopyNew(source, target));
+        };
+        if (exists) {
+            told(EEXIST);
+            return std::nullopt;
+        }
+        struct stat info;
+        if ((!copied(withSlashes(from)) && (errno != ENOENT || !copied(toNativePath(from)))) ||
+            stat(target.c_str(), &info) != 0) {
+            return std::nullopt;
+        }
+        if ((info.st_mode & S_IWUSR) == 0) {
+            chmod(target.c_str(), (info.st_mode & 07777) | S_IWUSR);
+        }
+        return describe(target.substr(target.rfind('/') + 1), info);
     }
 
     bool makeFolder(const std::string& path) override { return mkdir(toNativePath(path).c_str(), 0777) == 0; }

@@ -351,8 +351,20 @@ public:
         return told(boostListFolder(path, entries));
     }
     bool makeFolders(const std::string& path) override { return told(boostMakeFolders(path)); }
-    bool copyNew(const std::string& from, const std::string& to) override {
-        return told(boostCopyNew(from, to));
+    std::optional<OsEntry> copyNew(const std::string& from, const std::string& to) override {
+        const std::wstring target = nativePath(to);
+        if (GetFileAttributesW(target.c_str()) != INVALID_FILE_ATTRIBUTES) {
+            told(ERROR_FILE_EXISTS);
+            return std::nullopt;
+        }
+        WIN32_FIND_DATAW data;
+        if (!told(boostCopyNew(from, to)) || !FindHandle(to, data).isOpen()) {
+            return std::nullopt;
+        }
+        if (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) {
+            SetFileAttributesW(target.c_str(), data.dwFileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+        }
+        return describe(data);
     }
 
     std::FILE* openStream(const std::string& path, const char* mode) override {
