@@ -103,8 +103,11 @@ void DialogShell::runModal(HWND owner) {
     if (window()) {
         shown();
     }
-    const bool programEnds = runMessageLoop([this] { return !window(); }, [this] { return window(); },
-                                            [this](const MSG& key) { return takesKey(key); });
+    const auto tookKey = [this](const MSG& key) {
+        return inside([&]() -> std::optional<LRESULT> { return takesKey(key); }).value_or(TRUE) != FALSE;
+    };
+    const bool programEnds =
+        runMessageLoop([this] { return !window(); }, [this] { return window(); }, tookKey);
     if (programEnds && window()) {
         end();
     }

@@ -22,7 +22,7 @@ class ThreadJob : public JobProgress {
 public:
     explicit ThreadJob(const std::function<void(JobProgress&)>& job) : m_job(job) {}
 
-    static DWORD WINAPI threadMain(void* self) {
+    static DWORD WINAPI threadMain(void* self) noexcept {
         static_cast<ThreadJob*>(self)->run();
         return 0;
     }
@@ -50,7 +50,7 @@ public:
     }
 
 private:
-    void run() {
+    void run() noexcept {
         try {
             m_job(*this);
         } catch (...) {
@@ -112,14 +112,27 @@ void ProgressWindow::runOnThread(const std::function<void(JobProgress&)>& job) {
         return;
     }
     // The handle becomes signalled when the thread has left this library for good.
-    while (MsgWaitForMultipleObjects(1, &thread, FALSE, kPumpEvery, QS_ALLINPUT) != WAIT_OBJECT_0) {
-        show(shared.done(), shared.total(), shared.what());
-        pumpMessages();
+    const auto hasEnded = [thread] {
+        return MsgWaitForMultipleObjects(1, &thread, FALSE, kPumpEvery, QS_ALLINPUT) == WAIT_OBJECT_0;
+    };
+    std::exception_ptr fault;
+    while (!hasEnded()) {
+        // What can't be shown ends the job, whose thread has to be gone before this function is.
+        try {
+            show(shared.done(), shared.total(), shared.what());
+            pumpMessages();
+        } catch (...) {
+            fault = std::current_exception();
+            m_cancelled = true;
+        }
         if (m_cancelled) {
             shared.stop();
         }
     }
     CloseHandle(thread);
+    if (fault) {
+        std::rethrow_exception(fault);
+    }
     shared.rethrow();
 }
 

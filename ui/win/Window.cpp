@@ -52,10 +52,7 @@ void Window::begin(HWND window) {
 }
 
 std::optional<LRESULT> Window::dispatch(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (m_failed) {
-        return std::nullopt;
-    }
-    try {
+    return inside([&]() -> std::optional<LRESULT> {
         if (message == WM_INITDIALOG || message == WM_CREATE) {
             created();
             return 0;
@@ -64,11 +61,7 @@ std::optional<LRESULT> Window::dispatch(UINT message, WPARAM wParam, LPARAM lPar
             return TRUE;
         }
         return this->message(message, wParam, lParam);
-    } catch (...) {
-        m_failed = true;
-        failed();
-        return std::nullopt;
-    }
+    });
 }
 
 void Window::failed() {

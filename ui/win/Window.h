@@ -35,6 +35,22 @@ protected:
     // the exception's handler.
     virtual void failed();
 
+    // Runs what belongs to the window outside of its messages (a key that its loop saw first): what it throws is treated
+    // as theirs, and gives nothing.
+    template <class Work>
+    std::optional<LRESULT> inside(const Work& work) {
+        if (m_failed) {
+            return std::nullopt;
+        }
+        try {
+            return work();
+        } catch (...) {
+            m_failed = true;
+            failed();
+            return std::nullopt;
+        }
+    }
+
     // The procedure of a registered class: the object is what CreateWindowEx got as its parameter.
     static LRESULT CALLBACK classProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 

@@ -13,6 +13,7 @@ namespace {
 using namespace zoka;
 
 constexpr UINT kDpiChanged = 0x02E0;
+constexpr WPARAM kFailingKey = VK_F9;
 
 class TestDialog : public DialogShell {
 public:
@@ -42,6 +43,12 @@ private:
         return !m_refuses;
     }
     void entered() override { ++m_entered; }
+    bool takesKey(const MSG& message) override {
+        if (message.message == WM_KEYDOWN && message.wParam == kFailingKey) {
+            throw std::bad_alloc();
+        }
+        return false;
+    }
     std::optional<LRESULT> message(UINT message, WPARAM wParam, LPARAM lParam) override {
         if (message == WM_TIMER && wParam == 1) {
             KillTimer(window(), 1);
@@ -84,6 +91,8 @@ TEST(DialogShell, EndsHoweverItsWindowGoes) {
          },
          true, false},
         {"thrown in a message", [](TestDialog&) { throw std::bad_alloc(); }, true, false},
+        {"thrown at a key",
+         [](TestDialog& dialog) { PostMessageA(dialog.window(), WM_KEYDOWN, kFailingKey, 0); }, true, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
