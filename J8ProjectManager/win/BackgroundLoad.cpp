@@ -73,7 +73,7 @@ ProjectSession::Loaded BackgroundLoad::take() {
     return std::move(m_loaded);
 }
 
-DWORD WINAPI BackgroundLoad::threadMain(void* self) {
+DWORD WINAPI BackgroundLoad::threadMain(void* self) noexcept {
     static_cast<BackgroundLoad*>(self)->work(true);
     return 0;
 }

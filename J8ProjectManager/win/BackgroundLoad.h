@@ -32,7 +32,7 @@ public:
     ProjectSession::Loaded take();
 
 private:
-    static DWORD WINAPI threadMain(void* self);
+    static DWORD WINAPI threadMain(void* self) noexcept;
     void work(bool givesWay) noexcept;
 
     const std::string m_projectFile;

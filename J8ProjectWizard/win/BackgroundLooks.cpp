@@ -45,13 +45,16 @@ std::vector<DiskLook> BackgroundLooks::take(bool& more) {
 
 DWORD WINAPI BackgroundLooks::threadMain(void* self) {
     auto& looks = *static_cast<BackgroundLooks*>(self);
-    try {
-        looks.work();
-    } catch (...) {
-        // No memory left for looking.
-        const std::lock_guard lock(looks.m_lock);
-        looks.m_asked.clear();
-        looks.m_isLooking = false;
+    for (bool ended = false; !ended;) {
+        try {
+            looks.work();
+            ended = true;
+        } catch (...) {
+            // No memory left for looking; the next time there may be.
+            const std::lock_guard lock(looks.m_lock);
+            looks.m_asked.clear();
+            looks.m_isLooking = false;
+        }
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "controls/win/ControlClasses.h"
+#include "ui/win/Window.h"
 #include "ui/win/WindowKit.h"
 #include "util/Text.h"
 
@@ -21,8 +22,10 @@ std::string pastedNumber(HWND window) {
 // What is typed is judged as a whole: a character left out would make another number of the rest.
 LRESULT CALLBACK numberEdit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_PASTE) {
-        SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(pastedNumber(window).c_str()));
-        return 0;
+        return answerInside(window, [window]() -> LRESULT {
+            SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(pastedNumber(window).c_str()));
+            return 0;
+        });
     }
     return CallWindowProcW(g_edit, window, message, wParam, lParam);
 }

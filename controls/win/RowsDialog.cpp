@@ -23,7 +23,7 @@ struct Corner {
     bool taken;
 };
 
-BOOL CALLBACK isTaken(HWND other, LPARAM data) {
+BOOL CALLBACK isTaken(HWND other, LPARAM data) noexcept {
     auto& corner = *reinterpret_cast<Corner*>(data);
     DWORD process = 0;
     RECT place{};

@@ -61,7 +61,7 @@ void showThumb(HWND track, bool shown) {
     }
 }
 
-LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     switch (message) {
         case WM_SIZE: {
             const SliderPlaces at = placesIn(LOWORD(lParam), HIWORD(lParam),

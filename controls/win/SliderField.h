@@ -17,6 +17,6 @@ HWND makeSliderField(HWND parent, int id, HFONT font, bool decimal, int numberWi
 // A track without its thumb stands for several values, which differ.
 void showThumb(HWND track, bool shown);
 
-LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK sliderFieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 
 }  // namespace zoka

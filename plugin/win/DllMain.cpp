@@ -7,6 +7,7 @@
 #include "plugin/win/PanelWindow.h"
 #include "plugin/win/PluginWindows.h"
 #include "ui/win/WinPrompt.h"
+#include "util/Doors.h"
 
 namespace {
 
@@ -52,13 +53,15 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processE
         zoka::setModuleInstance(instance);
         zoka::setUserPrompt(&g_prompt);
         zoka::setPluginSeams(&g_windows);
-        return zoka::startLibrary(zoka::startWindowToolkit);
+        bool started = false;
+        zoka::keepInside([&] { started = zoka::startLibrary(zoka::startWindowToolkit); });
+        return started;
     }
     // When the process ends, the panels' threads are gone already, whatever they were
     // doing: nothing may wait.
     if (reason == DLL_PROCESS_DETACH && !processEnds) {
         g_prompt.silence();
-        zoka::shutDownPlugin();
+        zoka::keepInside(zoka::shutDownPlugin);
     }
     return TRUE;
 }

@@ -54,7 +54,7 @@ HANDLE g_semaphores[kKeySemaphores] = {};
 int g_semaphoresMade = 0;
 bool g_settingUpKeys = false;
 
-HANDLE WINAPI createSemaphore(SECURITY_ATTRIBUTES* security, LONG initial, LONG most, const char*) {
+HANDLE WINAPI createSemaphore(SECURITY_ATTRIBUTES* security, LONG initial, LONG most, const char*) noexcept {
     const HANDLE made = CreateSemaphoreW(security, initial, most, nullptr);
     if (g_settingUpKeys && made && g_semaphoresMade < kKeySemaphores) {
         g_semaphores[g_semaphoresMade++] = made;
@@ -94,7 +94,7 @@ decltype(&zoka::createSemaphore) zokaSemaphoreImport = zoka::createSemaphore;
 // The library's entry point: it stands around the runtime's own start and end, before its first and after its
 // last use of threads. The loader's lock is held. Its own frame is open while the word of guarded ones is chosen.
 extern "C" __attribute__((no_stack_protector)) BOOL WINAPI ZokaEntry(HINSTANCE instance, DWORD reason,
-                                                                     LPVOID processEnds) {
+                                                                     LPVOID processEnds) noexcept {
     if (reason == DLL_PROCESS_ATTACH) {
         zoka::findRuntimeSlot();
         zoka::setUpKeys();

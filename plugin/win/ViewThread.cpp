@@ -82,7 +82,7 @@ struct DialogSearch {
 };
 
 // Top-level windows come in their order on the screen, so the first dialog is the innermost.
-BOOL CALLBACK findDialog(HWND candidate, LPARAM data) {
+BOOL CALLBACK findDialog(HWND candidate, LPARAM data) noexcept {
     auto& search = *reinterpret_cast<DialogSearch*>(data);
     char name[16] = "";
     GetClassNameA(candidate, name, sizeof name);
@@ -96,7 +96,7 @@ BOOL CALLBACK findDialog(HWND candidate, LPARAM data) {
     return FALSE;
 }
 
-INT_PTR CALLBACK handleNothing(HWND, UINT, WPARAM, LPARAM) {
+INT_PTR CALLBACK handleNothing(HWND, UINT, WPARAM, LPARAM) noexcept {
     return FALSE;
 }
 
@@ -213,7 +213,7 @@ void CViewThread::leaveForUnload() {
     }
 }
 
-DWORD WINAPI CViewThread::threadMain(void* self) {
+DWORD WINAPI CViewThread::threadMain(void* self) noexcept {
     auto* const thread = static_cast<CViewThread*>(self);
     thread->run();
     zoka::freeThreadRuntime();

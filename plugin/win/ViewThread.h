@@ -29,7 +29,7 @@ public:
     void leaveForUnload() override;
 
 private:
-    static DWORD WINAPI threadMain(void* self);
+    static DWORD WINAPI threadMain(void* self) noexcept;
     static LRESULT CALLBACK mainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                            UINT_PTR id, DWORD_PTR self);
     // [panel thread]

@@ -60,6 +60,22 @@ expect "a guarded frame" 0 "" "$checks/guards.sh" "$tree/build" "$tree"
 c++ -fno-stack-protector -c "$tree/util/A.cpp" -o "$object"
 expect "an open frame" 1 "util/A.cpp: its stack frames are not guarded" "$checks/guards.sh" "$tree/build" "$tree"
 
+# Doors: a function that the system calls, text of the finding ("" for none).
+tree=$scratch/doors
+mkdir -p "$tree/ui/win"
+while IFS='|' read -r code text; do
+    printf '// first line\n%b\n' "$code" >"$tree/ui/win/A.cpp"
+    expect "$code" "$([ -z "$text" ] && echo 0 || echo 1)" "$text" "$checks/doors.sh" "$tree"
+done <<'ROWS'
+BOOL CALLBACK find(HWND one, LPARAM) {\n    return one != nullptr;\n}|ui/win/A.cpp:2: find may let an exception out
+LRESULT CALLBACK Rows::proc(HWND w, UINT m,\n                           WPARAM p) {\n    return all(w);\n}|ui/win/A.cpp:2: Rows::proc may
+    static DWORD WINAPI run(void*) {\n        return 0;\n    }|ui/win/A.cpp:2: run may
+BOOL CALLBACK find(HWND one,\n                   LPARAM) noexcept {\n    return one != nullptr;\n}|
+DWORD WINAPI run(void* self) {\n    if (self) {\n        keepInside([] {});\n    }\n    return 0;\n}|
+    static LRESULT CALLBACK proc(HWND window, UINT message);|
+int x;|no callback in
+ROWS
+
 # Forgotten sources.
 tree=$scratch/sources
 mkdir -p "$tree"/{util/win,tests/lex,fuzz,build/l,build/w}

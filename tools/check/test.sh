@@ -98,6 +98,7 @@ check includes $here/includes.sh
 check lineends $here/lineends.sh
 check format $here/format.sh
 check hashes $here/hashes.sh
+check doors $here/doors.sh
 check checks tests/check/run.sh
 
 linux= asan= tsan= windows=

@@ -158,7 +158,7 @@ void RowList::takeKeysOf(HWND field) {
 }
 
 LRESULT CALLBACK RowList::keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                   DWORD_PTR self) {
+                                   DWORD_PTR self) noexcept {
     if (message == WM_KEYDOWN &&
         (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
         return SendMessageA(reinterpret_cast<RowList*>(self)->m_window, message, wParam, lParam);

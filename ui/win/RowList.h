@@ -63,7 +63,7 @@ public:
 
 private:
     static LRESULT CALLBACK keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                     DWORD_PTR self);
+                                     DWORD_PTR self) noexcept;
     LRESULT paint(NMLVCUSTOMDRAW& draw) const;
     int find(int start, UINT flags, const std::wstring& typed) const;
     void fitColumns() const;

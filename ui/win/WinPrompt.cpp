@@ -50,7 +50,7 @@ std::string chooserFilter(const std::string& filter) {
     return parts.append(2, '\0');
 }
 
-int CALLBACK openOnFolder(HWND dialog, UINT message, LPARAM, LPARAM parameter) {
+int CALLBACK openOnFolder(HWND dialog, UINT message, LPARAM, LPARAM parameter) noexcept {
     const auto& request = *reinterpret_cast<const ChooserRequest*>(parameter);
     if (message == BFFM_INITIALIZED) {
         if (!request.text.empty()) {

@@ -39,7 +39,7 @@ void showScrollBarAsNeeded(HWND text) {
 }
 
 LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                  DWORD_PTR) {
+                                  DWORD_PTR) noexcept {
     switch (message) {
         case WM_GETDLGCODE:
             // Of the keys it keeps the arrows alone; a field of several lines else takes Enter and Tab, and
@@ -62,7 +62,8 @@ LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPAR
     return result;
 }
 
-LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                          DWORD_PTR) noexcept {
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, textProc, id);
     }
@@ -94,14 +95,15 @@ void paintFieldBands(HWND field) {
     ReleaseDC(field, dc);
 }
 
-LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                           DWORD_PTR) noexcept {
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, fieldProc, id);
     }
     return centredFieldAnswer(window, message, lParam, DefSubclassProc(window, message, wParam, lParam));
 }
 
-BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) {
+BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) noexcept {
     if (!IsWindowVisible(window)) {
         return TRUE;
     }
@@ -113,7 +115,7 @@ struct FontChange {
     HFONT from[2], to[2];
 };
 
-BOOL CALLBACK giveNewFont(HWND control, LPARAM data) {
+BOOL CALLBACK giveNewFont(HWND control, LPARAM data) noexcept {
     const auto& change = *reinterpret_cast<const FontChange*>(data);
     const auto has = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
     for (int i = 0; i < 2; ++i) {

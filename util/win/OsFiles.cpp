@@ -552,7 +552,7 @@ private:
     }
 };
 
-BOOL WINAPI removeAtConsoleEnd(DWORD) {
+BOOL WINAPI removeAtConsoleEnd(DWORD) noexcept {
     removeOwnFiles([](const char* path) { DeleteFileA(path); });
     return FALSE;  // the next handler ends the process
 }
