@@ -74,6 +74,18 @@ faults reset project/fog.kez -t "$samples/templates"
 "$zoka" customize export before/fog.kez -o - >between/fog.kez.zoka
 faults update project/fog.kez -t "$samples/templates-newer"
 
+# A script of many values, which takes more memory than the program has from its start.
+rm -rf before
+mkdir before
+awk 'BEGIN { for (i = 1; i <= 20000; i++) printf "// entry: Value %d\r\n// id: %d\r\nvar v%d = %d;\r\n", i, i, i, i }' >before/big.kez
+without_memory big.kez "$zoka" customize set project/big.kez 3=77
+mkdir newer
+sed 's/^var v7 = .*/var v7 = 5;\r\n\/\/ more\r/' before/big.kez >newer/big.kez
+without_memory big.kez "$zoka" customize update project/big.kez -t newer
+rm -rf before
+mkdir before
+cp "$samples/templates/fog.kez" before
+
 # Two programs that set a value each at the same time: both values are there afterwards. ROUNDS=1000 for long.
 rm -rf project
 cp -R before project
@@ -94,4 +106,4 @@ echo precious >outside
 ln -sf ../outside project/fog.kez.zoka
 "$zoka" customize export project/fog.kez >output 2>&1 && fail "exported through a link"
 [ "$(cat outside)" = precious ] || fail "a link was written through"
-echo "$runs runs with a fault, no file damaged; $round rounds of two writers, nothing lost"
+echo "$runs runs with a fault, $spent without memory, no file damaged; $round rounds of two writers, nothing lost"

@@ -112,6 +112,13 @@ faults update --yes
 rm before/fog.kez
 faults restore fog.kez
 
+# A main script and a script that take more memory than the program has from its start.
+rm -rf before
+mkdir before newer
+cp "$suite"/* newer/ 2>/dev/null
+awk 'BEGIN { print "// main\r"; for (i = 1; i <= 20000; i++) printf "include <none_%d.kez>;\r\n", i }' >before/main.kez
+without_memory main.kez "$zoka" scripts add fog.kez -p project -t newer -m project/main.kez
+
 # Two programs that add a script each at the same time: both are included. ROUNDS=1000 for long.
 round=0
 while [ $round -lt "${ROUNDS:-20}" ]; do
@@ -169,4 +176,4 @@ mv project/main.kez real.kez
 ln -s "$PWD/real.kez" project/main.kez
 "$zoka" scripts add turret.kez -p project -t "$suite" -m project/main.kez >output 2>&1 || fail "the main script through a link"
 [ -L project/main.kez ] && grep -q 'include <turret.kez>' real.kez || fail "the main script's link was not followed"
-echo "$runs runs with a fault, no file damaged; $round rounds of two writers, nothing lost; $links links not followed"
+echo "$runs runs with a fault, $spent without memory, no file damaged; $round rounds of two writers, nothing lost; $links links not followed"
