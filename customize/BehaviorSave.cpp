@@ -13,13 +13,13 @@ bool BehaviorSession::lookAtProject() {
         return false;
     }
     std::string open = m_openProject();
-    const bool isOther = !equalNoCase(open, m_components->file()), before = m_isOtherProject;
-    m_isOtherProject = isOther && hasUnsaved();
-    if (isOther && !m_isOtherProject) {
+    const bool isOther = !equalNoCase(open, m_components->file()), before = otherProjectOpen();
+    m_elsewhere = isOther && hasUnsaved() ? std::optional(open) : std::nullopt;
+    if (isOther && !otherProjectOpen()) {
         m_components->moveTo(std::move(open));
         return true;
     }
-    return m_isOtherProject != before;
+    return otherProjectOpen() != before;
 }
 
 SaveResult BehaviorSession::save() {
@@ -30,7 +30,7 @@ SaveResult BehaviorSession::save() {
     if (lookAtProject()) {
         show(m_entities);
     }
-    if (m_isOtherProject) {
+    if (otherProjectOpen()) {
         return saveElsewhere();
     }
     const auto names = [this] {
@@ -55,8 +55,10 @@ SaveResult BehaviorSession::save() {
 
 PromptAnswer BehaviorSession::askElsewhere() const {
     return userPrompt().ask(
-        "The editor has opened another project since these values were loaded.\n\n"
-        "Yes: save the changes in the project that they belong to, '" +
+        std::string(m_elsewhere->empty() ? "The editor has closed the project"
+                                         : "The editor has opened another project") +
+            " since these values were loaded.\n\n"
+            "Yes: save the changes in the project that they belong to, '" +
             m_components->file() + "'.\nNo: give the changes up.\nCancel: leave all as it is.",
         "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
 }
@@ -80,7 +82,7 @@ SaveResult BehaviorSession::saveElsewhere() {
 
 // Without a call to the editor, which may be waiting for the panel to go.
 bool BehaviorSession::close() {
-    if (!m_isOtherProject) {
+    if (!otherProjectOpen()) {
         return !m_components || m_components->close();
     }
     const PromptAnswer answer = askElsewhere();

@@ -108,7 +108,7 @@ void BehaviorSession::show(std::vector<std::string> entities) {
     m_gone = m_entities.size() == 1 && !isThere(*m_access, m_entities.front()) ? m_entities.front() : "";
     m_actions.load(m_access, namedEntities(), shownComponents());
     if (m_components) {
-        m_components->show(m_isOtherProject ? std::vector<std::string>() : namedEntities());
+        m_components->show(otherProjectOpen() ? std::vector<std::string>() : namedEntities());
     }
     replaceRows(0, [this] {
         for (const CustomEntry& row : m_actions.sharedRows()) {
@@ -117,7 +117,7 @@ void BehaviorSession::show(std::vector<std::string> entities) {
         if (m_components) {
             addComponents();
         }
-        if (m_isOtherProject) {
+        if (otherProjectOpen()) {
             EntryFacts facts;
             facts.field = EntryField::Text;
             facts.label =
@@ -246,30 +246,35 @@ std::vector<size_t> BehaviorSession::rowsLike(size_t i) const {
 }
 
 // Whether the editor has gone on to other entities, or to a level with others of these names, since the rows were made:
-// the panel looks only now and then. Of a host that does not count its changes these are many questions, so the first
-// row of a step asks them for all.
-bool BehaviorSession::isOutdated() {
+// the panel looks only now and then. `own` of the changes that the host has counted since it was asked last were made
+// here. Of a host that does not count its changes these are many questions, so the first row of a step asks them for all.
+bool BehaviorSession::isOutdated(std::uint32_t own) {
     const auto now = m_access->changes();
-    if (now ? now == m_known : m_isUpToDate) {
-        return false;
-    }
-    if (entitiesNow() != m_entities || m_actions.haveMoved(*m_access, m_entities)) {
+    const bool isExpected = now ? m_known && *now == *m_known + own : m_isUpToDate;
+    if (!isExpected && (entitiesNow() != m_entities || m_actions.haveMoved(*m_access, m_entities))) {
         return true;
     }
+    // Not noted in m_changes: another hand may have changed values, which is still to be seen.
     m_known = now;
+    m_isUpToDate = m_isInStep;
     return false;
 }
 
-// All entities get their value, or none: those already written get back what they had.
+// All entities get their value, or none: those already written get back what they had, unless the editor has opened
+// another level meanwhile, whose entities may have the same names.
 Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
     if (!m_access || isOutdated()) {
         return Refusal{kElsewhere};
     }
-    m_isUpToDate = m_isInStep;
     const Source source = m_sources[i];
+    std::uint32_t changed = 0;
     for (size_t n = 0; n < m_entities.size(); ++n) {
         if (write(source, m_entities[n], values[n])) {
+            changed += isSame(values[n], source.values[n]) ? 0U : 1U;
             continue;
+        }
+        if (m_actions.haveMoved(*m_access, m_entities)) {
+            return Refusal{kElsewhere};
         }
         while (n-- > 0) {
             write(source, m_entities[n], source.values[n]);
@@ -281,14 +286,16 @@ Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
         listener().valuesChanged();
         return Refusal{kRefused};
     }
+    // Between two of these writes, perhaps.
+    if (m_known && isOutdated(changed)) {
+        return Refusal{kElsewhere};
+    }
     for (const size_t row : rowsLike(i)) {
         m_sources[row].values = values;
         if (row != i) {
             showValues(row);
         }
     }
-    // Not noted in m_changes: it may have grown by another hand's change too, which is still to be seen.
-    m_known = m_access->changes();
     return {};
 }
 

@@ -71,7 +71,11 @@ public:
     }
     // The editor has another project open than the one with the unsaved edits: its entities' components are not shown
     // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
-    bool otherProjectOpen() const { return m_isOtherProject; }
+    bool otherProjectOpen() const { return m_elsewhere.has_value(); }
+    // Why not, in words; empty while it is open.
+    const char* whereabouts() const {
+        return !m_elsewhere ? "" : m_elsewhere->empty() ? "no project is open" : "another project is open";
+    }
 
     // Faults of the actions' markup, and values outside their limits; one line each, in UTF-8.
     size_t findingCount() const { return findings().size(); }
@@ -122,7 +126,7 @@ private:
     SaveResult saveElsewhere();
     // Null while those of the open project are not known.
     const EntityComponents* shownComponents() const {
-        return m_isOtherProject ? nullptr : m_components.get();
+        return otherProjectOpen() ? nullptr : m_components.get();
     }
     std::vector<std::string> namedEntities() const {
         return m_access ? m_entities : std::vector{m_namedEntity};
@@ -136,7 +140,7 @@ private:
     std::optional<float> read(const Source& source, const std::string& entity) const;
     bool write(const Source& source, const std::string& entity, float value);
     std::vector<size_t> rowsLike(size_t i) const;
-    bool isOutdated();
+    bool isOutdated(std::uint32_t own = 0);
     Outcome writeAll(size_t i, const std::vector<float>& values);
     bool reread(size_t i);
     void showValues(size_t i);
@@ -150,7 +154,8 @@ private:
     std::unique_ptr<EntityComponents> m_components;  // null: the plain form
     std::string m_namedEntity;
     std::function<std::string()> m_openProject;  // may be empty
-    bool m_isOtherProject = false;
+    // The project that the editor has open, empty for none, while there are unsaved edits of another one.
+    std::optional<std::string> m_elsewhere;
     bool m_follows = true;
     std::vector<std::string> m_entities;
     EntityActions m_actions;
@@ -158,7 +163,7 @@ private:
     std::vector<Source> m_sources;
     std::string m_gone;
     std::optional<std::uint32_t> m_changes;  // at the last look
-    std::optional<std::uint32_t> m_known;    // and after the last edit
+    std::optional<std::uint32_t> m_known;    // and when the entities were last found to be those shown
     bool m_isInStep = false;
     bool m_isUpToDate = false;  // a row of this step has found the entities up to date
 };

@@ -98,7 +98,7 @@ void EntityActions::load(EntityAccess* access, const std::vector<std::string>& e
         m_scriptTimes.push_back(timeOf(at.script));
         if (place) {
             LoadBehaviorPanel(panel);
-        } else {
+        } else if (!access || isThere(*access, entity)) {
             addUndeclaredRows(panel);
         }
         const auto form = panel.declaredCount > 0 ? std::nullopt : std::optional(behavior);

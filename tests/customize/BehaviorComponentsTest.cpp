@@ -387,6 +387,19 @@ TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) 
         EXPECT_EQ(saved().find("value=\"50\"") != std::string::npos, row.isWritten);
         EXPECT_THAT(m_folder.read("other/main.xml"), HasSubstr("'33'"));
     }
+    // None is open.
+    panel = panelFor();
+    ASSERT_TRUE(panel->setValue(4, "40"));
+    EXPECT_STREQ(panel->whereabouts(), "");
+    open.clear();
+    panel->refresh(false);
+    EXPECT_STREQ(panel->whereabouts(), "no project is open");
+    m_prompt.answers.push_back(Cancel);
+    EXPECT_FALSE(panel->close());
+    EXPECT_THAT(m_prompt.asked.back().text, HasSubstr("The editor has closed the project since"));
+    open = other;
+    panel->refresh(false);
+    EXPECT_STREQ(panel->whereabouts(), "another project is open");
 }
 
 TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) {

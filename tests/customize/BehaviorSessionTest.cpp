@@ -145,6 +145,59 @@ TEST_F(BehaviorSessionTest, writesNoMoreRowsOfAStepToAnotherLevel) {
     EXPECT_FALSE(m_entities.entities["a"].flags[0]);
 }
 
+// The same between two writes of one row: what was written then can't be taken back, and nothing more is.
+TEST_F(BehaviorSessionTest, writesNothingMoreOnceALevelOpensAmongItsOwnWrites) {
+    for (const bool refuses : {false, true}) {
+        SCOPED_TRACE(refuses);
+        follow({"a", "b"});
+        ASSERT_TRUE(m_session.setValue(2, refuses ? "0" : "1"));
+        m_entities.fails = [&](const std::string& call) {
+            if (call == "setSkill(b, 1, 7)") {
+                for (const char* const name : {"a", "b"}) {
+                    m_entities.entities[name].action->script += "x";
+                    m_entities.entities[name].skills[0] = 1;  // of the other level's entities
+                }
+                ++m_entities.count;
+                return refuses;
+            }
+            return false;
+        };
+        EXPECT_THAT(m_session.setValue(1, "7").why(), HasSubstr("gone on to other entities"));
+        m_entities.fails = nullptr;
+        EXPECT_EQ(skill("a", 1), 1.0F) << "the old level's value in the new one";
+        EXPECT_THAT(m_session.setValue(1, "8").why(), HasSubstr("gone on to other entities"));
+        EXPECT_THAT(m_session.undo().why(), HasSubstr("gone on to other entities"));
+        EXPECT_EQ(skill("a", 1), 1.0F);
+        EXPECT_EQ(m_entities.entities["a"].flags[0], !refuses);
+        m_session.refresh(false);
+        EXPECT_THAT(shown(), IsEmpty());
+        for (const char* const name : {"a", "b"}) {
+            m_entities.entities[name].action->script.pop_back();
+        }
+    }
+}
+
+// Of a host that counts its changes one by one, the panel's own are no reason to ask about the entities again; where another hand's
+// change or a count of another kind is among them, it asks.
+TEST_F(BehaviorSessionTest, asksAboutTheEntitiesOnlyWhereTheCountIsNotItsOwn) {
+    follow({"a", "b"});
+    const auto questions = [this] {
+        const std::vector<std::string> calls = m_entities.takeCalls();
+        return std::ranges::count_if(calls,
+                                     [](const std::string& one) { return one.starts_with("action("); });
+    };
+    ASSERT_TRUE(m_session.setValue(1, "7"));
+    questions();
+    ASSERT_TRUE(m_session.setValue(1, "8"));
+    EXPECT_EQ(questions(), 0);
+    m_entities.fails = [this](const std::string& call) {
+        m_entities.count += call == "setSkill(b, 1, 9)" ? 1U : 0U;
+        return false;
+    };
+    ASSERT_TRUE(m_session.setValue(1, "9"));
+    EXPECT_GT(questions(), 0);
+}
+
 TEST_F(BehaviorSessionTest, followsSelectionValuesAndEntitiesThatGo) {
     m_entities.entities["a"].skills[0] = 9;
     m_session.refresh(false);

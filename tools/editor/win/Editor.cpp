@@ -49,6 +49,13 @@ Outcome Editor::openLevel(const std::string& path) {
     return {};
 }
 
+void Editor::closeLevel() {
+    m_level.close();
+    m_projectFolder.clear();
+    m_log.add("close the level", "");
+    changed();
+}
+
 Outcome Editor::loadPlugin(const std::string& path) {
     unloadPlugin();
     if (const Outcome loaded = m_library.load(path); !loaded) {

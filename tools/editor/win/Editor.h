@@ -42,6 +42,8 @@ public:
     // project open.
     Outcome openProject(const std::string& folder);
     Outcome openLevel(const std::string& path);
+    // No level and no project is open then.
+    void closeLevel();
     const std::string& projectFolder() const { return m_projectFolder; }
 
     // Loads, initialises, asks for the info words and the records: what the editor does at its start.

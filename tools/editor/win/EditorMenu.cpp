@@ -93,6 +93,7 @@ void EditorMenu::build(HWND window, const std::vector<ProcedureState*>& procedur
     append(file, kCommandOpen, "&Open project...\tCtrl+O");
     append(file, kCommandReload, "&Reload level\tF5");
     append(file, kCommandSave, "&Save level\tCtrl+S");
+    append(file, kCommandClose, "&Close level");
     separate(file);
     const HMENU plugins = appendMenu(m_bar, "&Plug-ins");
     append(plugins, kCommandLoadPlugin, "&Load plug-in...\tCtrl+L");
@@ -174,6 +175,7 @@ void EditorMenu::refresh(HWND window, const Editor& editor) {
     const bool open = !editor.projectFolder().empty();
     enable(bar, kCommandReload, open);
     enable(bar, kCommandSave, open);
+    enable(bar, kCommandClose, open);
     enable(bar, kCommandUnloadPlugin, const_cast<Editor&>(editor).library().loaded());
     const auto fault = static_cast<UINT>(const_cast<Editor&>(editor).hostTable().fault());
     CheckMenuRadioItem(bar, kCommandHostNormal, kCommandHostFull, kCommandHostNormal + fault, MF_BYCOMMAND);

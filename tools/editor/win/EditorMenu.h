@@ -15,6 +15,7 @@ enum EditorCommand : UINT {
     kCommandOpen = 100,
     kCommandReload,
     kCommandSave,
+    kCommandClose,
     kCommandExit,
     kCommandLoadPlugin,
     kCommandUnloadPlugin,

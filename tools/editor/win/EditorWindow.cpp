@@ -387,6 +387,8 @@ void EditorWindow::onCommand(UINT command) {
             return;
         case kCommandSave:
             return saveLevel();
+        case kCommandClose:
+            return m_editor.closeLevel();
         case kCommandExit:
             PostMessageA(m_window, WM_CLOSE, 0, 0);
             return;
