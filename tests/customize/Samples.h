@@ -2,8 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -11,11 +9,6 @@
 #include "tests/support/SourceDir.h"
 
 namespace zoka::test {
-
-inline std::string readNative(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 // Name (with "newer/" in front of the later versions) and bytes.
 inline std::map<std::string, std::string> sampleScripts() {

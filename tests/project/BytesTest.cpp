@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "J8ProjectManager/J8ProjectManager.h"
@@ -16,8 +14,7 @@
 namespace {
 
 std::string sample(const char* name) {
-    std::ifstream in(zoka::test::sourceDir() / "samples" / "j8project" / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    return zoka::test::readNative(zoka::test::sourceDir() / "samples" / "j8project" / name);
 }
 
 // A project whose references find the two files beside it.
