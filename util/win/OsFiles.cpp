@@ -339,7 +339,9 @@ public:
         return deleted;
     }
     bool deleteFolder(const std::string& path) override {
-        return RemoveDirectoryW(nativePath(path).c_str()) != 0;
+        const std::wstring native = nativePath(path);
+        return patiently([&] { return RemoveDirectoryW(native.c_str()) != 0; },
+                         [](bool done) { return !done; });
     }
 
     OsKind kindOf(const std::string& path) override {

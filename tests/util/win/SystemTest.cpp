@@ -95,6 +95,24 @@ TEST(SafeWrite, WaitsForAProgramThatHoldsTheFileForAMoment) {
     }
 }
 
+// Also a folder that a program looks into just then.
+TEST(OsFiles, WaitsForAProgramThatHoldsTheFolderForAMoment) {
+    const TempFolder folder;
+    const std::string path = folder.path("sub");
+    ASSERT_TRUE(zoka::systemFiles().makeFolder(path));
+    const HANDLE other = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(RemoveDirectoryA(path.c_str()));
+    std::thread scanner([other] {
+        Sleep(200);
+        CloseHandle(other);
+    });
+    EXPECT_TRUE(zoka::systemFiles().deleteFolder(path)) << zoka::systemFiles().lastError();
+    scanner.join();
+    EXPECT_TRUE(folder.names().empty());
+}
+
 // The suite's longest path leaves no room for the name of a sibling.
 TEST(SafeWrite, TakesTheLongestPath) {
     const TempFolder folder;

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "tools/editor/win/DriveContext.h"
-#include "tools/editor/win/SlowDisk.h"
+#include "tools/editor/win/PluginDisk.h"
 
 namespace zoka {
 
@@ -35,6 +35,13 @@ void open(DriveContext& drive, const Words& words) {
         if (const Outcome opened = drive.editor.openProject(folder); !opened) {
             throw DriveFault(opened.why());
         }
+        return 1;
+    });
+}
+
+void closeLevel(DriveContext& drive, const Words&) {
+    drive.onEditor([&drive] {
+        drive.editor.closeLevel();
         return 1;
     });
 }
@@ -247,12 +254,20 @@ void hostDelay(DriveContext& drive, const Words& words) {
     drive.editor.hostTable().setDelay(static_cast<unsigned>(driveNumber(words[0])));
 }
 
-void diskDelay(DriveContext& drive, const Words& words) {
+HMODULE loadedPlugin(DriveContext& drive) {
     const HMODULE plugin = drive.editor.library().module();
     if (!plugin) {
         throw DriveFault("no plug-in is loaded");
     }
-    slowDisk(plugin, words[1], static_cast<unsigned>(driveNumber(words[0])));
+    return plugin;
+}
+
+void diskDelay(DriveContext& drive, const Words& words) {
+    slowDisk(loadedPlugin(drive), words[1], static_cast<unsigned>(driveNumber(words[0])));
+}
+
+void diskFull(DriveContext& drive, const Words& words) {
+    fillDisk(loadedPlugin(drive), words[1], static_cast<unsigned>(driveNumber(words[0])));
 }
 
 void chooser(DriveContext& drive, const Words& words) {
@@ -282,6 +297,7 @@ void addEditorCommands(DriveCommands& table) {
     table["finish"] = {0, 0, finish};
     table["within"] = {2, 9, within};
     table["open"] = {1, 1, open};
+    table["close-level"] = {0, 0, closeLevel};
     table["load"] = {1, 1, load};
     table["load-plugin"] = {1, 1, loadPlugin};
     table["init"] = {0, 1, init};
@@ -304,6 +320,7 @@ void addEditorCommands(DriveCommands& table) {
     table["editor-interface"] = {1, 1, editorInterface};
     table["host"] = {1, 1, hostFault};
     table["disk-delay"] = {2, 2, diskDelay};
+    table["disk-full"] = {2, 2, diskFull};
     table["host-delay"] = {1, 1, hostDelay};
     table["chooser"] = {1, 1, chooser};
     table["use-memory"] = {1, 1, useMemory};

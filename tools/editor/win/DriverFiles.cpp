@@ -65,6 +65,34 @@ void expectSameFile(DriveContext& drive, const Words& words) {
     drive.expect(same, words[0] + " to equal " + words[1], [] { return std::string("another content"); });
 }
 
+void listBelow(const std::string& folder, const std::string& below, std::vector<std::string>& names) {
+    for (const OsEntry& entry : osFiles().list(folder + "\\*", nullptr)) {
+        const std::string name = below + entry.name + (entry.isFolder ? "\\" : "");
+        names.push_back(name);
+        if (entry.isFolder) {
+            listBelow(folder + "\\" + entry.name, name, names);
+        }
+    }
+}
+
+void expectFiles(DriveContext& drive, const Words& words) {
+    const auto found = [&] {
+        std::vector<std::string> names;
+        listBelow(words[0], "", names);
+        return names;
+    };
+    const auto lines = [](const std::vector<std::string>& names) {
+        std::string text;
+        for (const std::string& name : names) {
+            text += "\n" + name;
+        }
+        return text;
+    };
+    const std::vector<std::string> wanted(words.begin() + 1, words.end());
+    drive.expect([&] { return found() == wanted; }, words[0] + " to hold" + lines(wanted),
+                 [&] { return lines(found()); });
+}
+
 }  // namespace
 
 void addFileCommands(DriveCommands& table) {
@@ -75,6 +103,7 @@ void addFileCommands(DriveCommands& table) {
     table["expect-text"] = {2, 2, expectText};
     table["expect-part"] = {2, 2, expectPart};
     table["expect-same-file"] = {2, 2, expectSameFile};
+    table["expect-files"] = {1, 60, expectFiles};
 }
 
 }  // namespace zoka
