@@ -230,6 +230,7 @@ TEST(ScriptFacts, AreReadFromComments) {
         {"// need: a.kez\n// needsx: b\n needs: c\n", {}, "-1", "-1"},
         {"//needs: a.kez\n", {}, "-1", "-1"},
         {"// ver: 2\n", {}, "2", "-1"},
+        {kMark + "// ver: 2\r\n// date: 260101", {}, "2", "260101"},
         {"  // VER: 1.2, beta\r\n// date: 260101\r", {}, "1.2", "260101"},
         {"// ver: 1\n// ver: 2\n// ver\n// ver:\n", {}, "2", "-1"},
         {"// data: 5\n// dats: 6\n// dates: 7\n", {}, "-1", "6"},

@@ -90,12 +90,18 @@ TEST(HeaderLine, HasAValueAndItsTokens) {
 }
 
 TEST(ScriptHeader, FillsTheFieldsOfARecord) {
-    std::string errors;
-    const CScriptElm script = parse(kFullHeader, &errors);
-    EXPECT_EQ(errors, "");
-    EXPECT_EQ(fields(script), (Names{"CAM01", "cam_", "code", "x.kez", "Chase camera, far",
-                                     "Follows the player.\nKeep: it smooth.\n", "First.Second.", "Camera",
-                                     "USER", "1.2", "1 May 26", "6.1", "pro", "a.kez", "b.kez", "c.kez"}));
+    // A byte order mark belongs to no line.
+    const std::string first = std::string(kFullHeader).substr(std::string_view("//-----\r\n").size());
+    ASSERT_TRUE(first.starts_with("// idcode"));
+    for (const std::string& text : {std::string(kFullHeader), "\xEF\xBB\xBF" + first}) {
+        std::string errors;
+        const CScriptElm script = parse(text, &errors);
+        EXPECT_EQ(errors, "");
+        EXPECT_EQ(fields(script),
+                  (Names{"CAM01", "cam_", "code", "x.kez", "Chase camera, far",
+                         "Follows the player.\nKeep: it smooth.\n", "First.Second.", "Camera", "USER", "1.2",
+                         "1 May 26", "6.1", "pro", "a.kez", "b.kez", "c.kez"}));
+    }
 }
 
 TEST(ScriptHeader, WithoutCommentsListsWhatIsMissing) {

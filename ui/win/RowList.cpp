@@ -39,6 +39,9 @@ void RowList::create(HWND parent, int id, const WindowFonts& fonts, HFONT font,
         column.iSubItem = static_cast<int>(i);
         SendMessageA(m_window, LVM_INSERTCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
     }
+    if (header) {
+        drawTitles(m_window);
+    }
 }
 
 void RowList::place(const Area& area) {

@@ -22,6 +22,9 @@ struct ListColumn {
     bool grows = false;  // takes a share of the room that is left
 };
 
+// Draws the titles of a list whose columns are all there.
+void drawTitles(HWND list);
+
 class RowList {
 public:
     using CellText = std::function<std::string(int row, int column)>;

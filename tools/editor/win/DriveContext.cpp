@@ -20,6 +20,7 @@ const DriveCommands& commands() {
         addWindowCommands(all);
         addControlCommands(all);
         addLayoutCommands(all);
+        addPaintCommands(all);
         addInputCommands(all);
         addFileCommands(all);
         addCheckCommands(all);

@@ -32,12 +32,13 @@ struct DriveCommand {
 };
 using DriveCommands = std::map<std::string, DriveCommand>;
 
-// The commands by subject: what is driven is the editor itself, windows and menus, controls, the mouse and
-// messages at random, files, and what is looked at besides.
+// The commands by subject: what is driven is the editor itself, windows and menus, controls, what
+// is painted, the mouse and messages at random, files, and what is looked at besides.
 void addEditorCommands(DriveCommands& table);
 void addWindowCommands(DriveCommands& table);
 void addControlCommands(DriveCommands& table);
 void addLayoutCommands(DriveCommands& table);
+void addPaintCommands(DriveCommands& table);
 void addInputCommands(DriveCommands& table);
 void addFileCommands(DriveCommands& table);
 void addCheckCommands(DriveCommands& table);

@@ -26,15 +26,11 @@ constexpr ListMessages kLists[] = {
 
 const ListMessages* listOf(HWND control) {
     for (const ListMessages& list : kLists) {
-        if (lstrcmpiA(windowClass(control).c_str(), list.className) == 0) {
+        if (isOfClass(control, list.className)) {
             return &list;
         }
     }
     return nullptr;
-}
-
-bool isClass(HWND control, const char* name) {
-    return lstrcmpiA(windowClass(control).c_str(), name) == 0;
 }
 
 std::string listViewText(HWND control, int row, int column) {
@@ -59,12 +55,12 @@ std::vector<std::string> itemsOf(HWND control) {
             text.pop_back();
             items.push_back(text);
         }
-    } else if (isClass(control, WC_LISTVIEWA)) {
+    } else if (isOfClass(control, WC_LISTVIEWA)) {
         const LRESULT count = ask(control, LVM_GETITEMCOUNT);
         for (LRESULT i = 0; i < count; ++i) {
             items.push_back(listViewText(control, static_cast<int>(i), 0));
         }
-    } else if (isClass(control, WC_TABCONTROLA)) {
+    } else if (isOfClass(control, WC_TABCONTROLA)) {
         const LRESULT count = ask(control, TCM_GETITEMCOUNT);
         for (LRESULT i = 0; i < count; ++i) {
             char text[256] = {};
@@ -107,21 +103,21 @@ void chooseRow(HWND control, int index) {
 
 // What a user reads in a control: of a list that shows one item, that item.
 std::string valueOf(HWND control) {
-    if (isClass(control, TRACKBAR_CLASSA)) {
+    if (isOfClass(control, TRACKBAR_CLASSA)) {
         const bool isEmpty = (GetWindowLongA(control, GWL_STYLE) & TBS_NOTHUMB) != 0;
         return isEmpty ? "" : std::to_string(ask(control, TBM_GETPOS));
     }
-    if (isClass(control, "ListBox")) {
+    if (isOfClass(control, "ListBox")) {
         const LRESULT chosen = ask(control, LB_GETCURSEL);
         const std::vector<std::string> items = itemsOf(control);
         return chosen >= 0 && static_cast<size_t>(chosen) < items.size() ? items[static_cast<size_t>(chosen)]
                                                                          : "";
     }
-    if (isClass(control, WC_LISTVIEWA)) {
+    if (isOfClass(control, WC_LISTVIEWA)) {
         const LRESULT row = ask(control, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
         return row >= 0 ? listViewText(control, static_cast<int>(row), 0) : "";
     }
-    if (isClass(control, STATUSCLASSNAMEA)) {
+    if (isOfClass(control, STATUSCLASSNAMEA)) {
         char text[1024] = {};
         ask(control, SB_GETTEXTA, SB_SIMPLEID, reinterpret_cast<LPARAM>(text));
         if (!text[0]) {
@@ -129,7 +125,7 @@ std::string valueOf(HWND control) {
         }
         return text;
     }
-    return isClass(control, "Button") ? visibleText(control) : windowText(control);
+    return isOfClass(control, "Button") ? visibleText(control) : windowText(control);
 }
 
 LRESULT checkOf(HWND control) {
@@ -137,6 +133,22 @@ LRESULT checkOf(HWND control) {
 }
 bool isChecked(HWND control) {
     return checkOf(control) == BST_CHECKED;
+}
+
+// Whether another window of the process, a balloon say, lies over a part of it.
+bool isCovered(HWND control) {
+    RECT area, other, common;
+    GetWindowRect(control, &area);
+    for (const HWND window : topWindows()) {
+        if (window == GetAncestor(control, GA_ROOT)) {
+            break;
+        }
+        GetWindowRect(window, &other);
+        if (IntersectRect(&common, &area, &other)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // Whether a control is as a word says; a fault for a word that says nothing.
@@ -159,12 +171,15 @@ bool hasState(HWND control, const std::string& state) {
     if (state == "focused") {
         return focusOf(control) == control;
     }
+    if (state == "uncovered") {
+        return !isCovered(control);
+    }
     throw DriveFault("a control can't be expected to be \"" + state + "\"");
 }
 
 std::string stateText(HWND control) {
     std::string text = describe(control);
-    if (isClass(control, "Button")) {
+    if (isOfClass(control, "Button")) {
         const LRESULT check = checkOf(control);
         text += check == BST_CHECKED     ? ", checked"
                 : check == BST_UNCHECKED ? ", unchecked"
@@ -208,17 +223,17 @@ void key(DriveContext& drive, const Words& words) {
 
 void set(DriveContext& drive, const Words& words) {
     const HWND found = drive.usableControl(words[0]);
-    if (isClass(found, TRACKBAR_CLASSA)) {
+    if (isOfClass(found, TRACKBAR_CLASSA)) {
         ask(found, TBM_SETPOS, TRUE, driveNumber(words[1]));
         ask(GetParent(found), WM_HSCROLL, SB_ENDSCROLL, reinterpret_cast<LPARAM>(found));
         return;
     }
-    if (isClass(found, "Button") || isClass(found, "Static")) {
+    if (isOfClass(found, "Button") || isOfClass(found, "Static")) {
         throw DriveFault(describe(found) + " takes no text");
     }
     // The control itself tells its parent of a change that is made this way; of several lines it doesn't.
     ask(found, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(words[1].c_str()));
-    if (isClass(found, "Edit") && (GetWindowLongPtrA(found, GWL_STYLE) & ES_MULTILINE)) {
+    if (isOfClass(found, "Edit") && (GetWindowLongPtrA(found, GWL_STYLE) & ES_MULTILINE)) {
         drive.notifyParent(found, EN_CHANGE);
     }
 }
@@ -241,7 +256,7 @@ void choose(DriveContext& drive, const Words& words) {
     if (const ListMessages* const list = listOf(found)) {
         ask(found, list->select, index);
         drive.notifyParent(found, list->selected);
-    } else if (isClass(found, WC_TABCONTROLA)) {
+    } else if (isOfClass(found, WC_TABCONTROLA)) {
         chooseTab(found, static_cast<int>(index));
     } else {
         chooseRow(found, static_cast<int>(index));

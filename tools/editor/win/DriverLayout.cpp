@@ -6,53 +6,13 @@
 #include <algorithm>
 #include <map>
 
+#include "tools/editor/win/ControlPicture.h"
 #include "tools/editor/win/DriveContext.h"
 #include "tools/editor/win/WindowSearch.h"
 
 namespace zoka {
 
 namespace {
-
-bool isOfClass(HWND control, const char* name) {
-    return lstrcmpiA(windowClass(control).c_str(), name) == 0;
-}
-
-// Draws with a control's own font, on the control's device or on one of the caller's.
-class WithFont {
-public:
-    explicit WithFont(HWND control, HDC dc = nullptr)
-        : m_control(control),
-          m_own(!dc),
-          m_dc(dc ? dc : GetDC(control)),
-          m_before(SelectObject(m_dc, reinterpret_cast<HFONT>(ask(control, WM_GETFONT)))) {}
-    ~WithFont() {
-        SelectObject(m_dc, m_before);
-        if (m_own) {
-            ReleaseDC(m_control, m_dc);
-        }
-    }
-    WithFont(const WithFont&) = delete;
-    WithFont& operator=(const WithFont&) = delete;
-
-    HDC dc() const { return m_dc; }
-    // Of a text of one line.
-    SIZE extent(const std::string& text) const {
-        SIZE size{};
-        GetTextExtentPoint32A(m_dc, text.c_str(), static_cast<int>(text.size()), &size);
-        return size;
-    }
-    LONG height() const {
-        TEXTMETRICA metrics;
-        GetTextMetricsA(m_dc, &metrics);
-        return metrics.tmHeight;
-    }
-
-private:
-    HWND m_control;
-    bool m_own;
-    HDC m_dc;
-    HGDIOBJ m_before;
-};
 
 bool isGroupBox(HWND control) {
     return isOfClass(control, "Button") && (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
@@ -118,19 +78,6 @@ std::string scrollBarFault(HWND field) {
                                                : " lacks a scroll bar";
 }
 
-// The first row of pixels that isn't like the area's left upper corner, counted from the area's top; -1 when all are.
-int firstInk(HDC dc, const RECT& area) {
-    const COLORREF ground = GetPixel(dc, static_cast<int>(area.left), static_cast<int>(area.top));
-    for (LONG y = area.top; y < area.bottom; ++y) {
-        for (LONG x = area.left; x < area.right; ++x) {
-            if (GetPixel(dc, static_cast<int>(x), static_cast<int>(y)) != ground) {
-                return static_cast<int>(y - area.top);
-            }
-        }
-    }
-    return -1;
-}
-
 // Whether a drop list shows its choice elsewhere than in the middle of its height. What can't be asked from the list is
 // seen: the text's upper edge, when it paints itself, is that of the same text drawn in the middle of a picture as high.
 bool isChoiceOffCentre(HWND list) {
@@ -152,29 +99,42 @@ bool isChoiceOffCentre(HWND list) {
     GetWindowRect(list, &frame);
     const int height = static_cast<int>(frame.bottom - frame.top);
     const RECT inside{kBorder, kBorder, width, height - kBorder};
-    const HDC screen = GetDC(nullptr);
-    const HDC seen = CreateCompatibleDC(screen), drawn = CreateCompatibleDC(screen);
-    const HBITMAP bitmaps[] = {CreateCompatibleBitmap(screen, width, height),
-                               CreateCompatibleBitmap(screen, width, height)};
-    const HGDIOBJ before[] = {SelectObject(seen, bitmaps[0]), SelectObject(drawn, bitmaps[1])};
-    // Not from the screen, where a tooltip may lie over it.
-    ask(list, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(seen), PRF_CLIENT);
-    RECT all{0, 0, width, height}, line{kBorder + 2, 0, width, height};
-    FillRect(drawn, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-    {
-        const WithFont font(list, drawn);
-        DrawTextA(drawn, text, -1, &line, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
-    }
-    const int shown = firstInk(seen, inside), wanted = firstInk(drawn, inside);
-    SelectObject(seen, before[0]);
-    SelectObject(drawn, before[1]);
-    for (const HBITMAP bitmap : bitmaps) {
-        DeleteObject(bitmap);
-    }
-    DeleteDC(seen);
-    DeleteDC(drawn);
-    ReleaseDC(nullptr, screen);
+    ControlPicture seen(width, height), drawn(width, height);
+    seen.paint(list);
+    drawn.write(list, text, {kBorder + 2, 0, width, height}, RGB(255, 255, 255));
+    const int shown = seen.firstInk(inside), wanted = drawn.firstInk(inside);
     return shown < 0 || std::abs(shown - wanted) > 1;
+}
+
+// A title of a list's column that is painted shorter than it is, though its column is wide enough, and how much of it; empty: none.
+std::string clippedTitle(HWND header) {
+    constexpr int kEdge = 3;  // the line between two columns is left out
+    RECT all;
+    GetClientRect(header, &all);
+    ControlPicture seen(static_cast<int>(all.right), static_cast<int>(all.bottom));
+    seen.paint(header);
+    for (int i = 0; i < ask(header, HDM_GETITEMCOUNT); ++i) {
+        char text[256] = "";
+        HDITEMA item{};
+        item.mask = HDI_TEXT;
+        item.pszText = text;
+        item.cchTextMax = sizeof text;
+        ask(header, HDM_GETITEMA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+        RECT at{};
+        ask(header, HDM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&at));
+        InflateRect(&at, -kEdge, -kEdge);
+        if (!text[0] || at.right <= at.left || at.right > all.right) {
+            continue;
+        }
+        ControlPicture drawn(static_cast<int>(all.right), static_cast<int>(all.bottom));
+        drawn.write(header, text, {at.left + kEdge, 0, all.right, all.bottom}, seen.at(at.left, at.top));
+        const int shown = seen.inkWidth(at), wanted = drawn.inkWidth({at.left, at.top, all.right, at.bottom});
+        if (shown < wanted) {
+            return std::string(text) + "\", " + std::to_string(shown) + " of " + std::to_string(wanted) +
+                   " pixels";
+        }
+    }
+    return {};
 }
 
 // Whether the text of one line that a label or a button shows is wider than the room that it has for it.
@@ -213,6 +173,10 @@ std::string narrowPart(HWND control) {
             if (size.cx + 2 * kAir > tab.right - tab.left || size.cy + 2 > tab.bottom - tab.top) {
                 return std::string(" has no air around the tab \"") + text + '"';
             }
+        }
+    } else if (isOfClass(control, WC_HEADERA) && isInSight(control)) {
+        if (const std::string title = clippedTitle(control); !title.empty()) {
+            return " doesn't show the whole title \"" + title;
         }
     } else if (isOfClass(control, WC_LISTVIEWA) &&
                !(GetWindowLongA(control, GWL_STYLE) & LVS_NOCOLUMNHEADER)) {

@@ -55,6 +55,10 @@ std::string windowClass(HWND window) {
     return name;
 }
 
+bool isOfClass(HWND window, const std::string& name) {
+    return equalNoCase(windowClass(window), name);
+}
+
 std::string visibleText(HWND window) {
     std::string plain;
     const std::string text = windowText(window);

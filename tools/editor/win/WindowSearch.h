@@ -16,6 +16,7 @@ LRESULT ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
 std::string windowText(HWND window);
 std::string windowClass(HWND window);
+bool isOfClass(HWND window, const std::string& name);
 // Without the "&" that marks a key.
 std::string visibleText(HWND window);
 
