@@ -7,7 +7,7 @@
 # of objects. Comment lines at the head of a script may say
 #   #: status N      the exit status that the process must end with (0 when not said)
 #   #: says TEXT     a text that the process must write on its output; may be repeated
-#   #: options TEXT  further options of zunhost
+#   #: options TEXT  further options of zunhost, in quotes where they hold blanks
 #   #: catalogue N   the templates' catalogue is one of N scripts, which have no files
 #   #: scripts N     the project includes that many scripts of such a catalogue, which are in its folder and in the template folder
 #   #: wizard N      there is a wizard "Many files", which copies N files
@@ -141,16 +141,16 @@ many_entities() { # entities
 
 # Runs one script; its output is in output.txt.
 drive() { # script, folder, part
-    local project suite options try status=1 host=zunhost
+    local project suite try status=1 host=zunhost EMPTY options
     project=$(windows_path "$2/project")
     suite=$(windows_path "$2/suite")
-    options=$(directives "$1" options | tr '\n' ' ')
-    options=${options//'${EMPTY}'/$(windows_path "$2/empty")}
+    # shellcheck disable=SC2034 # the options name it
+    EMPTY=$(windows_path "$2/empty")
+    eval "options=($(directives "$1" options | tr '\n' ' '))"
     [ "$3" != plain ] || host=zunhost_plain
-    [ "$3" != aware ] || options="$options --dpi-aware"
+    [ "$3" != aware ] || options+=(--dpi-aware)
     for ((try = 0; try < tries; try++)); do
         rm -f "$2/calls.log"
-        # shellcheck disable=SC2086 # options are words
         timeout -k 2 $watchdog "$root/tools/run/wine.sh" "$prefix" "$build/tools/editor/$host.exe" \
             --drive "$(windows_path "$1")" --limit $((watchdog - 3)) \
             --log "$(windows_path "$2/calls.log")" --pictures "$(windows_path "$2")" --suite "$suite" \
@@ -159,7 +159,7 @@ drive() { # script, folder, part
             --set "DLL=$(windows_path "$build/plugin/zoka.dll")" \
             --set "EXAMPLE=$(windows_path "$build/tools/editor/example_plugin.dll")" \
             --set "LEAKY=$(windows_path "$build/tests/window/leaky_plugin.dll")" \
-            $options >"$2/output.txt" 2>&1 </dev/null
+            "${options[@]}" >"$2/output.txt" 2>&1 </dev/null
         status=$?
         # The log is the first thing that the program makes. Without it, it never ran.
         [ -e "$2/calls.log" ] && break

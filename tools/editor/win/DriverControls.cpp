@@ -135,22 +135,6 @@ bool isChecked(HWND control) {
     return checkOf(control) == BST_CHECKED;
 }
 
-// Whether another window of the process, a balloon say, lies over a part of it.
-bool isCovered(HWND control) {
-    RECT area, other, common;
-    GetWindowRect(control, &area);
-    for (const HWND window : topWindows()) {
-        if (window == GetAncestor(control, GA_ROOT)) {
-            break;
-        }
-        GetWindowRect(window, &other);
-        if (IntersectRect(&common, &area, &other)) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // Whether a control is as a word says; a fault for a word that says nothing.
 bool hasState(HWND control, const std::string& state) {
     if (state == "enabled") {
@@ -170,9 +154,6 @@ bool hasState(HWND control, const std::string& state) {
     }
     if (state == "focused") {
         return focusOf(control) == control;
-    }
-    if (state == "uncovered") {
-        return !isCovered(control);
     }
     throw DriveFault("a control can't be expected to be \"" + state + "\"");
 }

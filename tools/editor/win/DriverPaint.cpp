@@ -1,4 +1,4 @@
-// The drive script's commands about what is painted: how often, and how a selected row looks.
+// The drive script's commands about what is painted: how often, how a selected row looks, what lies over what.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -160,11 +160,28 @@ void expectRowSeen(DriveContext& drive, const Words& words) {
                  });
 }
 
+// --- What lies over what
+
+// Looked at once: a balloon that hides itself after a while would cover nothing then.
+void expectApart(DriveContext& drive, const Words& words) {
+    const HWND control = drive.control(words[0]);
+    HWND window = nullptr;
+    drive.expect([&] { return (window = findTopWindow(words[1])) != nullptr; },
+                 "a window \"" + words[1] + '"', [] { return "\n" + describeAll(); });
+    RECT area, other, common;
+    GetWindowRect(control, &area);
+    GetWindowRect(window, &other);
+    if (IntersectRect(&common, &area, &other)) {
+        throw DriveFault(describe(window) + " lies over " + describe(control));
+    }
+}
+
 }  // namespace
 
 void addPaintCommands(DriveCommands& table) {
     table["count-paints"] = {0, 0, countPaints};
     table["expect-painted-once"] = {1, 9, expectPaintedOnce};
+    table["expect-apart"] = {2, 2, expectApart};
     table["expect-row-seen"] = {1, 1, expectRowSeen};
 }
 
