@@ -1,4 +1,5 @@
 // The drive script's commands about windows, menus and pictures.
+#include <atomic>
 #include <cstdio>
 
 #include "tools/editor/win/DriveContext.h"
@@ -217,6 +218,32 @@ void printWindows(DriveContext&, const Words&) {
     std::fputs(describeAll().c_str(), stdout);
 }
 
+HHOOK g_hook = nullptr;
+std::atomic<bool> g_asksForNew = false;
+
+// [the window's thread] Where the context in force says so, windows are made of the newer controls.
+LRESULT CALLBACK lookForControls(int code, WPARAM wParam, LPARAM lParam) {
+    constexpr ULONG kLibraries = 2;  // the section that says which file a library's name stands for
+    ACTCTX_SECTION_KEYED_DATA found{};
+    found.cbSize = sizeof found;
+    g_asksForNew = FindActCtxSectionStringW(0, nullptr, kLibraries, L"comctl32.dll", &found) != 0;
+    return CallNextHookEx(g_hook, code, wParam, lParam);
+}
+
+// Not seen from the windows themselves: a system may have one file for both versions.
+void expectNewControls(DriveContext& drive, const Words&) {
+    const HWND top = drive.window();
+    g_asksForNew = false;
+    g_hook =
+        SetWindowsHookExA(WH_CALLWNDPROC, lookForControls, nullptr, GetWindowThreadProcessId(top, nullptr));
+    ask(top, WM_NULL);
+    UnhookWindowsHookEx(g_hook);
+    if (!g_asksForNew) {
+        throw DriveFault(describe(top) +
+                         " asks for the controls that the editor has, not for the newer ones");
+    }
+}
+
 }  // namespace
 
 void addWindowCommands(DriveCommands& table) {
@@ -236,6 +263,7 @@ void addWindowCommands(DriveCommands& table) {
     table["print-menu"] = {0, 0, printMenu};
     table["screenshot"] = {1, 2, screenshot};
     table["print-windows"] = {0, 0, printWindows};
+    table["expect-new-controls"] = {0, 0, expectNewControls};
 }
 
 }  // namespace zoka
