@@ -54,13 +54,13 @@ SaveResult BehaviorSession::save() {
 }
 
 PromptAnswer BehaviorSession::askElsewhere() const {
-    return userPrompt().ask(
-        std::string(m_elsewhere->empty() ? "The editor has closed the project"
-                                         : "The editor has opened another project") +
-            " since these values were loaded.\n\n"
-            "Yes: save the changes in the project that they belong to, '" +
-            m_components->file() + "'.\nNo: give the changes up.\nCancel: leave all as it is.",
-        "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
+    return userPrompt().ask(std::string(m_elsewhere->empty() ? "The editor has closed the project"
+                                                             : "The editor has opened another project") +
+                                " since these values were loaded.\n\n"
+                                "Yes: save the changes in the project that they belong to, '" +
+                                m_components->file() +
+                                "'.\nNo: give the changes up.\nCancel: leave all as it is.",
+                            "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
 }
 
 // Into the project of the edits, or nowhere; then the panel goes on to the one that is open.

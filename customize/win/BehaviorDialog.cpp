@@ -76,8 +76,7 @@ void BehaviorDialog::failed() {
 std::string BehaviorDialog::caption() const {
     const std::string elsewhere = m_session.whereabouts();
     return (m_session.title().empty() ? kCaption : m_session.title()) +
-           (elsewhere.empty() ? "" : " (" + elsewhere + ')') +
-           (m_session.hasUnsaved() ? " *" : "");
+           (elsewhere.empty() ? "" : " (" + elsewhere + ')') + (m_session.hasUnsaved() ? " *" : "");
 }
 
 ButtonState BehaviorDialog::stateOf(int id) const {
