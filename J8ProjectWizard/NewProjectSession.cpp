@@ -84,7 +84,14 @@ std::string NewProjectSession::title(size_t wizard) const {
 }
 
 void NewProjectSession::select(int wizard) {
-    if (m_selected >= 0) {
+    choose(wizard);
+    if (m_isReading) {
+        opened(read(wizard));
+    }
+}
+
+void NewProjectSession::choose(int wizard) {
+    if (m_selected >= 0 && !m_isReading) {
         if (m_texts != m_filled) {
             m_typed[m_selected] = m_texts;
         } else {
@@ -93,16 +100,17 @@ void NewProjectSession::select(int wizard) {
     }
     m_selected = wizard;
     m_tree = {};
+    m_early.clear();
     for (std::string* text : {&m_data.m_strName, &m_data.m_strDocs, &m_data.m_strLevelName,
                               &m_data.m_strLevelMap, &m_data.m_strLevelDocs}) {
         text->clear();
     }
-    if (wizard < 0 || static_cast<size_t>(wizard) >= wizards()) {
-        m_description = wizard < 0 ? "" : "<bad path>";
-        return;
-    }
-    // Read once: the disk may be slow.
-    const XMLNode root = m_wizard.root(static_cast<unsigned>(wizard));
+    m_isReading = wizard >= 0 && static_cast<size_t>(wizard) < wizards();
+    m_description = wizard < 0 || m_isReading ? "" : "<bad path>";
+}
+
+void NewProjectSession::opened(const XMLNode& root) {
+    m_isReading = false;
     std::string description;
     if (!wizardDesc(description, root)) {
         m_description = "<none>";
@@ -113,8 +121,11 @@ void NewProjectSession::select(int wizard) {
         }
     }
     m_filled = m_texts;
-    if (const auto typed = m_typed.find(wizard); typed != m_typed.end()) {
+    if (const auto typed = m_typed.find(m_selected); typed != m_typed.end()) {
         m_texts = typed->second;
+    }
+    for (const auto& [which, text] : m_early) {
+        setText(which, text);
     }
     if (!root.isEmpty()) {
         m_tree = PlanTree(planCreation(root, m_data.m_strLevelMap));
@@ -134,6 +145,9 @@ void NewProjectSession::setText(NewProjectField which, const std::string& text) 
         return;
     }
     field(which) = text;
+    if (m_isReading) {
+        m_early[which] = text;
+    }
     // Another wizard that is chosen now starts with the same folders.
     if (which == NewProjectField::Path) {
         m_data.m_strProjectFolder = text;
@@ -284,6 +298,9 @@ std::string NewProjectSession::doubt() const {
 }
 
 std::string NewProjectSession::state() const {
+    if (m_isReading) {
+        return "Reading the wizard...";
+    }
     if (std::string what = hindrance(); !what.empty()) {
         return what;
     }
@@ -333,6 +350,9 @@ bool NewProjectSession::takeFields() {
 }
 
 std::optional<NewProject> NewProjectSession::ok(const RunJob& runJob) {
+    if (m_isReading) {
+        opened(read(m_selected));
+    }
     auto made = takeFields() ? create(runJob) : std::nullopt;
     if (!made) {
         m_data.m_strProjectFolder = text(NewProjectField::Path);

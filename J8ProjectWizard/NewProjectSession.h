@@ -40,6 +40,13 @@ public:
 
     // -1: none. Fills description and fields; what the user typed for that wizard before comes back.
     void select(int wizard);
+    // The same in parts, for a disk that may be slow: between choose() and opened(read(wizard)) the fields show what they
+    // showed, and what is typed in them stays.
+    void choose(int wizard);
+    bool isReading() const { return m_isReading; }
+    // [any thread]
+    XMLNode read(int wizard) const { return m_wizard.root(static_cast<unsigned>(wizard)); }
+    void opened(const XMLNode& wizard);
     int selected() const { return m_selected; }
     const std::string& description() const { return m_description; }
 
@@ -67,7 +74,7 @@ public:
     // What keeps OK from being pressed with success, or what it will make: one line.
     std::string state() const;
     // Whether that line is about something wrong.
-    bool isWrong() const { return !hindrance().empty() || !doubt().empty(); }
+    bool isWrong() const { return !m_isReading && (!hindrance().empty() || !doubt().empty()); }
 
     // The OK button: the new project when it was made. Otherwise the user has been told why. `runJob` runs its
     // argument, which asks nothing, to its end with a progress that shows how far it is; on another thread if it
@@ -97,6 +104,8 @@ private:
     CJ8Wizard m_wizard;
     CJ8WizardUserData m_data;
     int m_selected = -1;
+    bool m_isReading = false;
+    std::map<NewProjectField, std::string> m_early;  // typed meanwhile
     std::string m_description;
     Texts m_texts;                 // as they stand in the fields
     Texts m_filled;                // as the wizard filled them

@@ -1,5 +1,6 @@
 #include "J8ProjectWizard/win/BackgroundLooks.h"
 
+#include <new>
 #include <utility>
 
 namespace zoka {
@@ -15,9 +16,51 @@ BackgroundLooks::~BackgroundLooks() {
         WaitForSingleObject(m_thread, INFINITE);
         CloseHandle(m_thread);
     }
-    if (m_wakes) {
-        CloseHandle(m_wakes);
+    for (const HANDLE event : {m_wakes, m_wasRead}) {
+        if (event) {
+            CloseHandle(event);
+        }
     }
+}
+
+void BackgroundLooks::wake() {
+    if (!m_wakes) {
+        m_wakes = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    }
+    if (!m_wasRead) {
+        m_wasRead = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    }
+    if (!m_thread && m_wakes && m_wasRead) {
+        m_thread = CreateThread(nullptr, 0, threadMain, this, 0, nullptr);
+    }
+    if (m_thread) {
+        SetEvent(m_wakes);
+    }
+}
+
+void BackgroundLooks::read(std::function<XMLNode()> wizard) {
+    {
+        const std::lock_guard lock(m_lock);
+        m_toRead = std::move(wizard);
+        m_read.reset();
+        ++m_reads;
+        m_asked.clear();
+        if (m_wasRead) {
+            ResetEvent(m_wasRead);
+        }
+    }
+    wake();
+    if (!m_thread) {  // then here
+        m_read = std::exchange(m_toRead, nullptr)();
+    }
+}
+
+std::optional<XMLNode> BackgroundLooks::takeRead(DWORD milliseconds) {
+    if (m_thread) {
+        WaitForSingleObject(m_wasRead, milliseconds);
+    }
+    const std::lock_guard lock(m_lock);
+    return std::exchange(m_read, std::nullopt);
 }
 
 void BackgroundLooks::ask(std::vector<std::string> paths) {
@@ -25,15 +68,7 @@ void BackgroundLooks::ask(std::vector<std::string> paths) {
         const std::lock_guard lock(m_lock);
         m_asked.assign(std::make_move_iterator(paths.begin()), std::make_move_iterator(paths.end()));
     }
-    if (!m_wakes) {
-        m_wakes = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    }
-    if (!m_thread && m_wakes) {
-        m_thread = CreateThread(nullptr, 0, threadMain, this, 0, nullptr);
-    }
-    if (m_thread) {
-        SetEvent(m_wakes);
-    }
+    wake();
 }
 
 std::vector<DiskLook> BackgroundLooks::take(bool& more) {
@@ -62,6 +97,23 @@ DWORD WINAPI BackgroundLooks::threadMain(void* self) {
 void BackgroundLooks::work() {
     std::unique_lock lock(m_lock);
     while (!m_stops) {
+        if (m_toRead) {
+            const auto read = std::exchange(m_toRead, nullptr);
+            const unsigned number = m_reads;
+            lock.unlock();
+            XMLNode wizard;
+            try {
+                wizard = read();
+            } catch (const std::bad_alloc&) {
+                // As of one that can't be read.
+            }
+            lock.lock();
+            if (number == m_reads) {
+                m_read = std::move(wizard);
+                SetEvent(m_wasRead);
+            }
+            continue;
+        }
         if (m_asked.empty()) {
             lock.unlock();
             WaitForSingleObject(m_wakes, INFINITE);

@@ -1,14 +1,17 @@
-// Looks at paths on a thread of its own, so that a slow disk keeps no window waiting.
+// Reads a wizard and looks at paths on a thread of its own, so that a slow disk keeps no window waiting.
 #pragma once
 
 #include <windows.h>
 
 #include <deque>
+#include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "J8ProjectWizard/PlanTree.h"
+#include "xml/XMLNode.h"
 
 namespace zoka {
 
@@ -21,6 +24,17 @@ public:
     BackgroundLooks(const BackgroundLooks&) = delete;
     BackgroundLooks& operator=(const BackgroundLooks&) = delete;
 
+    // That is to be read next, before anything is looked at, and nothing else any more.
+    void read(std::function<XMLNode()> wizard);
+    // What was read, once; waits that long for it.
+    std::optional<XMLNode> takeRead(DWORD milliseconds);
+    // Only waits. [any thread, while its own waits for that one]
+    void waitForRead() const {
+        if (m_thread) {
+            WaitForSingleObject(m_wasRead, INFINITE);
+        }
+    }
+
     // These paths are to be looked at, in that order, and no others any more.
     void ask(std::vector<std::string> paths);
     // What was seen since the last call. `more`: whether there is more to come.
@@ -29,13 +43,19 @@ public:
 private:
     static DWORD WINAPI threadMain(void* self);
     void work();
+    // Makes the thread, or wakes it.
+    void wake();
 
     std::mutex m_lock;  // of all but the handles
+    std::function<XMLNode()> m_toRead;  // empty: nothing
+    unsigned m_reads = 0;               // counts what was to be read
+    std::optional<XMLNode> m_read;      // the last of them
     std::deque<std::string> m_asked;
     std::vector<DiskLook> m_seen;
     bool m_isLooking = false, m_stops = false;
     HANDLE m_thread = nullptr;
-    HANDLE m_wakes = nullptr;  // the thread, when there is something to do
+    HANDLE m_wakes = nullptr;    // the thread, when there is something to do
+    HANDLE m_wasRead = nullptr;  // when m_read is there
 };
 
 }  // namespace zoka

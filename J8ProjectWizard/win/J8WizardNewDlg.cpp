@@ -19,6 +19,7 @@ enum {
 enum : UINT_PTR { kTypedTimer = 1, kLooksTimer };
 constexpr UINT kTypedAfter = 300;  // milliseconds since the last key
 constexpr UINT kLooksEvery = 30;
+constexpr DWORD kReadAtOnce = 50;  // what is read within that time is shown at once
 
 constexpr ListColumn kWizardColumns[] = {{nullptr, 100, true}};
 enum Column { kName, kSize, kSource, kProblem };
@@ -161,11 +162,26 @@ void CJ8WizardNewDlg::selectWizard(int wizard) {
     if (wizard == m_session.selected()) {
         return;
     }
-    m_session.select(wizard);
+    m_session.choose(wizard);
     setText(m_description, m_session.description());
-    showFields();
+    if (m_session.isReading()) {
+        m_looks.read([this, wizard] { return m_session.read(wizard); });
+        takeWizard(kReadAtOnce);
+    }
+    if (m_session.isReading()) {
+        SetTimer(window(), kLooksTimer, kLooksEvery, nullptr);
+    }
     showPlan();
-    lookAtDisk();
+}
+
+void CJ8WizardNewDlg::takeWizard(DWORD milliseconds) {
+    if (const auto root = m_looks.takeRead(milliseconds)) {
+        m_session.opened(*root);
+        setText(m_description, m_session.description());
+        showFields();
+        showPlan();
+        lookAtDisk();
+    }
 }
 
 void CJ8WizardNewDlg::showFields() {
@@ -210,6 +226,12 @@ void CJ8WizardNewDlg::ok() {
         return;
     }
     m_working = true;
+    if (m_session.isReading()) {
+        ProgressWindow(window(), "Reading the Wizard").runOnThread([this](JobProgress&) {
+            m_looks.waitForRead();
+        });
+        takeWizard(0);
+    }
     m_made = m_session.ok([this](const WizardJob& job) {
         ProgressWindow progress(window(), "Making the Project");
         progress.runOnThread([&job](JobProgress& steps) { job(&steps); });
@@ -275,11 +297,17 @@ std::optional<LRESULT> CJ8WizardNewDlg::message(UINT message, WPARAM wParam, LPA
 }
 
 void CJ8WizardNewDlg::lookAtDisk() {
+    if (m_session.isReading()) {
+        return;  // afterwards
+    }
     m_looks.ask(m_session.toLookAt());
     SetTimer(window(), kLooksTimer, kLooksEvery, nullptr);
 }
 
 void CJ8WizardNewDlg::takeLooks() {
+    if (m_session.isReading()) {
+        return takeWizard(0);
+    }
     bool more = false;
     const std::vector<DiskLook> looks = m_looks.take(more);
     if (!more) {

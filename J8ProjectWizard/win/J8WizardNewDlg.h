@@ -36,6 +36,8 @@ private:
 
     zoka::Area layoutField(Field& field, zoka::Area& column, int labels);
     void selectWizard(int wizard);
+    // Shows the wizard that was chosen, once it is read; waits that long for it.
+    void takeWizard(DWORD milliseconds);
     void showFields();
     void showPlan();
     void showState();

@@ -103,6 +103,44 @@ TEST_F(NewProjectSessionTest, FillsTheFieldsAndRemembersWhatWasTyped) {
     EXPECT_EQ(session.rowNote(0), "in C:\\games");
 }
 
+// On a slow disk: what is typed before the wizard is read stays, and is no other wizard's.
+TEST_F(NewProjectSessionTest, KeepsWhatIsTypedWhileAWizardIsRead) {
+    suite.wizard("full.xml",
+                 "<Title>A</Title><Desc>a</Desc><Defaults><Name>NA</Name><Docs>DA</Docs></Defaults>");
+    suite.wizard("other.xml",
+                 "<Title>B</Title><Desc>b</Desc><Defaults><Name>NB</Name><Docs>DB</Docs></Defaults>");
+    NewProjectSession session(prompt);
+    const int a = session.title(0) == "A" ? 0 : 1;
+    const auto texts = [&] {
+        return session.text(NewProjectField::Name) + '|' + session.text(NewProjectField::Docs) + '|' +
+               session.text(NewProjectField::Path);
+    };
+    session.choose(a);
+    EXPECT_TRUE(session.isReading());
+    EXPECT_EQ(session.state(), "Reading the wizard...");
+    EXPECT_FALSE(session.isWrong());
+    session.setText(NewProjectField::Name, "Early");
+    session.setText(NewProjectField::Path, "C:\\g");
+    session.opened(session.read(a));
+    EXPECT_FALSE(session.isReading());
+    EXPECT_EQ(texts(), "Early|DA|C:\\g");
+    EXPECT_EQ(session.description(), "a");
+    // Left before it is read.
+    session.choose(1 - a);
+    session.setText(NewProjectField::Docs, "lost");
+    session.choose(a);
+    session.opened(session.read(a));
+    EXPECT_EQ(texts(), "Early|DA|C:\\g");
+    session.select(1 - a);
+    EXPECT_EQ(texts(), "NB|DB|C:\\g");
+    // OK reads it.
+    session.choose(a);
+    session.setText(NewProjectField::FolderName, "g");
+    EXPECT_FALSE(ok(session));
+    EXPECT_FALSE(session.isReading());
+    EXPECT_EQ(session.description(), "a");
+}
+
 TEST_F(NewProjectSessionTest, MakesWhatItShows) {
     NewProjectSession session(prompt);
     session.select(0);
