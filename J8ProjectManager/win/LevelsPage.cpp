@@ -12,11 +12,12 @@ enum : int { kAdd, kDuplicate, kRemove, kUp, kDown };
 constexpr int kButtons = 5;
 constexpr const char* kLevelTexts[] = {"&New level", "Duplica&te", "Remo&ve", "Earlier", "Later"};
 constexpr const char* kEntityTexts[] = {"&Add", "&Duplicate", "Re&move", "&Up", "Do&wn"};
+constexpr ListColumn kLevelColumns[] = {{nullptr, 100, true}};
 constexpr ListColumn kColumns[] = {{"Entity", 62, true}, {"Parent", 52, true}, {"Own values", 54}};
 constexpr UINT kRebuild = WM_APP + 20;
 constexpr UINT_PTR kRebuildTimer = 20;
-constexpr UINT kRebuildAfter = 50;  // milliseconds
-constexpr int kListWidth = 182;     // dialog units
+constexpr UINT kRebuildAfter = 50;                   // milliseconds
+constexpr int kListWidth = 182, kLevelsHeight = 37;  // dialog units
 
 }  // namespace
 
@@ -26,8 +27,14 @@ LevelsPage::LevelsPage(ProjectFrame& frame)
       m_view(m_panel, *this) {}
 
 void LevelsPage::createControls() {
-    m_levelLabel = label("&Level:");
-    m_levels = makeDropList(window(), kLevels, fonts());
+    m_levelLabel = label("&Levels:");
+    m_levels.create(window(), kLevels, fonts(), fonts().text(), kLevelColumns, [this](int row, int) {
+        const auto level = static_cast<size_t>(row);
+        return row >= 0 && level < model().m_apLevels.size() ? shownText(model().m_apLevels[level].m_name)
+                                                             : "";
+    });
+    m_levels.letMove([this](int row, int before) { return mayMoveLevel(row, before); },
+                     [this](int row, int before) { moveLevel(row, before); });
     for (int i = 0; i < kButtons; ++i) {
         m_levelButtons.push_back(button(kLevelTexts[i], kLevelButtons + i));
     }
@@ -53,10 +60,12 @@ void LevelsPage::layout(Area page) {
             place(*button, row.takeRight(fonts().labelWidth(textOf(*button)) + 2 * gapX, gapX));
         }
     };
-    Area level = page.takeTop(fonts().y(kButtonHeightUnits), gapY);
-    placeButtons(m_levelButtons, level);
-    placeLabel(m_levelLabel, level, fonts());
-    placeDropList(m_levels, level.middle(fonts().y(kFieldHeightUnits)));
+    Area levels = page.takeTop(fonts().y(kLevelsHeight), gapY);
+    Area head = levels;
+    head.height = fonts().y(kButtonHeightUnits);
+    placeButtons(m_levelButtons, head);
+    placeLabel(m_levelLabel, head, fonts());
+    m_levels.place({head.x, levels.y, head.width, levels.height});
 
     Area left = page.takeLeft(std::min(fonts().x(kListWidth), page.width * 9 / 20), 2 * gapX);
     Area search = left.takeTop(fonts().y(kFieldHeightUnits), gapY);
@@ -123,24 +132,8 @@ bool LevelsPage::focusField(const ProjectField& field) {
 void LevelsPage::fillLevels() {
     const std::vector<CJ8LevelData>& levels = model().m_apLevels;
     m_level = levels.empty() ? 0 : std::min(m_level, levels.size() - 1);
-    SendMessageA(m_levels, CB_RESETCONTENT, 0, 0);
-    for (const CJ8LevelData& level : levels) {
-        SendMessageA(m_levels, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(shownText(level.m_name).c_str()));
-    }
-    SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
-}
-
-// While the name is being typed, nothing else may be made anew: the keyboard is in its row.
-void LevelsPage::showLevelName() {
-    if (!hasLevel()) {
-        return;
-    }
-    const std::string name = shownText(model().m_apLevels[m_level].m_name);
-    if (textOf(m_levels) != name) {
-        SendMessageA(m_levels, CB_DELETESTRING, m_level, 0);
-        SendMessageA(m_levels, CB_INSERTSTRING, m_level, reinterpret_cast<LPARAM>(name.c_str()));
-        SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
-    }
+    m_levels.setCount(static_cast<int>(levels.size()));
+    m_levels.select(levels.empty() ? -1 : static_cast<int>(m_level));
 }
 
 const std::vector<std::string>& LevelsPage::words(size_t level) {
@@ -199,7 +192,7 @@ void LevelsPage::findNext(bool back) {
                 continue;
             }
             m_level = level;
-            SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
+            m_levels.select(static_cast<int>(level));
             fillEntities();
             return selectEntity(i);
         }
@@ -247,9 +240,18 @@ void LevelsPage::showSelection() {
     enableButtons();
 }
 
-// A text that is refused keeps its entity selected.
+// A text that is refused keeps its level and its entity selected.
 void LevelsPage::settled() {
-    if (m_view.commit()) {
+    const int chosen = m_levels.selected();
+    const bool isOther = chosen >= 0 && static_cast<size_t>(chosen) != m_level;
+    const bool isTaken = m_view.commit();
+    if (isTaken && isOther && static_cast<size_t>(chosen) < model().m_apLevels.size()) {
+        m_level = static_cast<size_t>(chosen);
+        fillEntities();
+        return selectEntity(std::nullopt);
+    }
+    m_levels.select(hasLevel() ? static_cast<int>(m_level) : -1);
+    if (isTaken) {
         return showSelection();
     }
     const auto shown = m_shown ? std::ranges::lower_bound(m_entities, *m_shown) : m_entities.end();
@@ -278,7 +280,7 @@ void LevelsPage::rowsChanged() {
     }
     m_words.clear();
     m_list.redraw();
-    showLevelName();
+    m_levels.redraw();
     m_frame.edited();
     if (m_panel.takeOtherRows()) {
         PostMessageA(window(), kRebuild, 0, 0);
@@ -373,19 +375,32 @@ void LevelsPage::moveRow(int row, int before) {
     m_frame.edited();
 }
 
+bool LevelsPage::mayMoveLevel(int row, int before) const {
+    const int end = static_cast<int>(model().m_apLevels.size());
+    return row >= 0 && row < end && before >= 0 && before <= end;
+}
+
+void LevelsPage::moveLevel(int row, int before) {
+    if (!m_view.commit() || !mayMoveLevel(row, before)) {
+        return;
+    }
+    const auto from = static_cast<size_t>(row), behind = static_cast<size_t>(before);
+    const bool isShown = from == m_level;
+    const size_t to = behind > from ? behind - 1 : behind;
+    session().moveLevel(from, to);
+    m_level = to;
+    refresh();
+    if (!isShown) {
+        selectEntity(std::nullopt);
+    }
+    m_frame.edited();
+}
+
 void LevelsPage::command(int id, int code) {
     if (m_view.command(id, code)) {
         return;
     }
-    if (id == kLevels && code == CBN_SELCHANGE) {
-        if (!m_view.commit()) {
-            SendMessageA(m_levels, CB_SETCURSEL, m_level, 0);
-            return;
-        }
-        m_level = static_cast<size_t>(std::max<LRESULT>(SendMessageA(m_levels, CB_GETCURSEL, 0, 0), 0));
-        fillEntities();
-        selectEntity(std::nullopt);
-    } else if (id == kSearch && code == EN_CHANGE && !m_refreshing && textOf(m_search) != m_searched) {
+    if (id == kSearch && code == EN_CHANGE && !m_refreshing && textOf(m_search) != m_searched) {
         if (!m_view.commit()) {
             SetWindowTextA(m_search, m_searched.c_str());
             return;
@@ -399,7 +414,7 @@ void LevelsPage::command(int id, int code) {
             selectEntity(entity);
         }
     } else if (code == BN_CLICKED && id >= kLevelButtons && id < kLevelButtons + kButtons) {
-        if (m_view.commit()) {
+        if (m_view.commit() && (hasLevel() || id == kLevelButtons + int{kAdd})) {
             changeLevels(id - kLevelButtons);
             m_frame.edited();
         }
@@ -411,11 +426,12 @@ void LevelsPage::command(int id, int code) {
     }
 }
 
-// In the list it goes to the values.
+// In the lists it goes to the values.
 void LevelsPage::mainAction() {
-    if (GetFocus() == m_search && m_entities.empty() && m_elsewhere > 0) {
+    const HWND focus = GetFocus();
+    if (focus == m_search && m_entities.empty() && m_elsewhere > 0) {
         findNext(false);
-    } else if (GetFocus() == m_list.window() || GetFocus() == m_search) {
+    } else if (focus == m_levels.window() || focus == m_list.window() || focus == m_search) {
         m_view.focusFirst();
     } else {
         m_view.enter();
@@ -449,18 +465,20 @@ void LevelsPage::select(const ProjectTarget& target) {
 }
 
 LRESULT LevelsPage::notified(NMHDR& header) {
-    if (header.idFrom != kList) {
+    if (header.idFrom != kLevels && header.idFrom != kList) {
         return 0;
     }
-    if (m_list.userMayHaveSelected(header)) {
+    RowList& list = header.idFrom == kLevels ? m_levels : m_list;
+    if (list.userMayHaveSelected(header)) {
         settleSoon();
     } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
         m_view.focusFirst();
     } else if (header.code == static_cast<UINT>(LVN_KEYDOWN) &&
                reinterpret_cast<const NMLVKEYDOWN&>(header).wVKey == VK_DELETE) {
-        command(kEntityButtons + int{kRemove}, BN_CLICKED);
+        command((header.idFrom == kLevels ? int{kLevelButtons} : int{kEntityButtons}) + int{kRemove},
+                BN_CLICKED);
     }
-    return m_list.notified(header);
+    return list.notified(header);
 }
 
 std::optional<LRESULT> LevelsPage::message(UINT message, WPARAM wParam, LPARAM lParam) {

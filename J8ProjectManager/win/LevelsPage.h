@@ -36,7 +36,6 @@ private:
     void rowsChanged() override;
     std::string cell(int row, int column) const;
     void fillLevels();
-    void showLevelName();
     // With those that the search finds, and the one of that place.
     void fillEntities(std::optional<size_t> kept = {});
     // What is searched of each entity of a level, in lower case; kept until something changes.
@@ -57,11 +56,13 @@ private:
     // By rows of the list: see RowMoving.
     bool mayMove(int row, int before) const;
     void moveRow(int row, int before);
+    bool mayMoveLevel(int row, int before) const;
+    void moveLevel(int row, int before);
     bool hasLevel() const { return m_level < model().m_apLevels.size(); }
 
     ProjectPanel m_panel;
     RowsView m_view;
-    RowList m_list;
+    RowList m_levels, m_list;
     size_t m_level = 0;
     std::vector<size_t> m_entities;  // those found, by place
     std::optional<size_t> m_shown;   // the entity whose rows are shown; none: the level's
@@ -69,8 +70,7 @@ private:
     std::string m_wanted;            // the same in lower case
     size_t m_elsewhere = 0;          // how many it finds in other levels
     std::vector<std::optional<std::vector<std::string>>> m_words;  // by level; see words()
-    HWND m_levelLabel = nullptr, m_levels = nullptr, m_searchLabel = nullptr, m_search = nullptr,
-         m_count = nullptr;
+    HWND m_levelLabel = nullptr, m_searchLabel = nullptr, m_search = nullptr, m_count = nullptr;
     std::vector<HWND> m_levelButtons, m_entityButtons;
     bool m_refreshing = false;
 };

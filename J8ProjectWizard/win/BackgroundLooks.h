@@ -46,7 +46,7 @@ private:
     // Makes the thread, or wakes it.
     void wake();
 
-    std::mutex m_lock;  // of all but the handles
+    std::mutex m_lock;                  // of all but the handles
     std::function<XMLNode()> m_toRead;  // empty: nothing
     unsigned m_reads = 0;               // counts what was to be read
     std::optional<XMLNode> m_read;      // the last of them

@@ -227,9 +227,9 @@ void hold(DriveContext& drive, const Words& words) {
     }
 }
 
-// drag-row LIST FROM BEFORE [BUTTON]: drags a row of a list with the mouse to the upper half of another one, or below
+// drag-row LIST FROM BEFORE [BUTTON|ESC|PAGEUP|PAGEDOWN]: drags a row of a list with the mouse to the upper half of another one, or below
 // the last one where BEFORE is "". Both are numbers from 1; no message waits for the one before, as the list takes them
-// in turn. BUTTON does its work before the row is dropped, as its key could make it.
+// in turn. BUTTON does its work before the row is dropped, as its key could make it, and a key is pressed then.
 void dragRow(DriveContext& drive, const Words& words) {
     const HWND found = drive.usableControl(words[0]);
     const LRESULT count = ask(found, LVM_GETITEMCOUNT);
@@ -253,7 +253,14 @@ void dragRow(DriveContext& drive, const Words& words) {
     for (int step = 1; step <= 8; ++step) {  // far enough apart to be a drag
         post(WM_MOUSEMOVE, MK_LBUTTON, {from.x + step, from.y + (to.y - from.y) * step / 8});
     }
-    if (words.size() > 3) {
+    constexpr std::pair<const char*, WPARAM> kKeys[] = {
+        {"ESC", VK_ESCAPE}, {"PAGEUP", VK_PRIOR}, {"PAGEDOWN", VK_NEXT}};
+    const auto* const key = std::ranges::find_if(
+        kKeys, [&](const auto& one) { return words.size() > 3 && words[3] == one.first; });
+    if (key != std::end(kKeys)) {
+        post(WM_KEYDOWN, key->second, {});
+        post(WM_KEYUP, key->second, {});
+    } else if (words.size() > 3) {
         const HWND button = drive.usableControl(words[3]);
         PostMessageA(GetParent(button), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(button), BN_CLICKED),
                      reinterpret_cast<LPARAM>(button));
