@@ -30,6 +30,7 @@
 // the like really end so.
 namespace {
 thread_local int g_interrupts = 0;  // of the next reads and writes of this thread
+thread_local int g_noFlush = 0;     // the error of every flush of this thread
 
 ssize_t interruptible(long call, int file, void* buffer, size_t size) {
     if (g_interrupts > 0) {
@@ -41,6 +42,10 @@ ssize_t interruptible(long call, int file, void* buffer, size_t size) {
 }
 }  // namespace
 
+extern "C" int fsync(int file) {
+    errno = g_noFlush;
+    return g_noFlush != 0 ? -1 : static_cast<int>(syscall(SYS_fsync, file));
+}
 extern "C" ssize_t read(int file, void* buffer, size_t size) {
     return interruptible(SYS_read, file, buffer, size);
 }
@@ -322,6 +327,22 @@ TEST(FileLock, WaitsForItsHolderAndOutlivesOneThatIsGone) {
     EXPECT_TRUE(FileLock(path));
     close(ready[0]);
     close(ready[1]);
+}
+
+// What a share refuses to flush is as safe as it gets; what the disk can't write is not.
+TEST(SafeWrite, BearsARefusedFlushAlone) {
+    const TempFolder folder;
+    const std::string path = folder.write("a", "old");
+    for (const auto& [error, saved] :
+         {std::pair(EINVAL, true), std::pair(EROFS, true), std::pair(EIO, false), std::pair(ENOSPC, false)}) {
+        folder.write("a", "old");
+        g_noFlush = error;
+        const std::string why = safeWrite(path, "new").why();
+        g_noFlush = 0;
+        EXPECT_EQ(why.empty(), saved) << why;
+        EXPECT_EQ(folder.read("a"), saved ? "new" : "old");
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
+    }
 }
 
 // What an ended program leaves: nothing after a signal, and what is old goes with the next save.

@@ -2,12 +2,33 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstring>
 #include <thread>
 
 #include "tests/support/TempFolder.h"
 #include "util/File.h"
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
+
+// Stands in for the import through which files are flushed.
+namespace {
+DWORD g_noFlush = 0;  // the error of every flush
+
+BOOL WINAPI flushOrNot(HANDLE file) {
+    if (g_noFlush != 0) {
+        SetLastError(g_noFlush);
+        return FALSE;
+    }
+    const FARPROC found = GetProcAddress(GetModuleHandleA("kernel32"), "FlushFileBuffers");
+    BOOL(WINAPI * own)(HANDLE);
+    std::memcpy(&own, &found, sizeof own);
+    return own(file);
+}
+}  // namespace
+extern "C" {
+extern decltype(&flushOrNot) zokaFlushImport __asm__("__imp__FlushFileBuffers@4");
+decltype(&flushOrNot) zokaFlushImport = flushOrNot;
+}
 
 namespace {
 
@@ -126,6 +147,24 @@ TEST(SafeWrite, TakesTheLongestPath) {
     EXPECT_EQ(safeWrite(path, "new").why(), "");
     EXPECT_EQ(safeWrite(path, "newer").why(), "");
     EXPECT_EQ(zoka::systemFiles().readWhole(path), "newer");
+}
+
+// What a share refuses to flush is as safe as it gets; what the disk can't write is not.
+TEST(SafeWrite, BearsARefusedFlushAlone) {
+    const TempFolder folder;
+    const std::string path = folder.write("a", "old");
+    for (const auto& [error, saved] :
+         {std::pair<DWORD, bool>(ERROR_INVALID_FUNCTION, true),
+          std::pair<DWORD, bool>(ERROR_NOT_SUPPORTED, true), std::pair<DWORD, bool>(ERROR_WRITE_FAULT, false),
+          std::pair<DWORD, bool>(ERROR_DISK_FULL, false)}) {
+        folder.write("a", "old");
+        g_noFlush = error;
+        const std::string why = safeWrite(path, "new").why();
+        g_noFlush = 0;
+        EXPECT_EQ(why.empty(), saved) << why;
+        EXPECT_EQ(folder.read("a"), saved ? "new" : "old");
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
+    }
 }
 
 TEST(FileTimes, SetAllThree) {
