@@ -69,6 +69,35 @@ TEST(SafeWrite, KeepsAttributesAndCreationTime) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
 }
 
+// Who may do what with a file, as the system writes it down.
+std::string accessListOf(const std::string& path) {
+    DWORD size = 0;
+    GetFileSecurityA(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::string list(size, '\0');
+    EXPECT_TRUE(GetFileSecurityA(path.c_str(), DACL_SECURITY_INFORMATION, list.data(), size, &size));
+    return list;
+}
+
+TEST(SafeWrite, KeepsTheAccessList) {
+    const TempFolder folder;
+    const std::string path = folder.write("a.kez", "old"), other = folder.write("b.kez", "other");
+    SECURITY_DESCRIPTOR everybody;
+    ASSERT_TRUE(InitializeSecurityDescriptor(&everybody, SECURITY_DESCRIPTOR_REVISION));
+    std::string sid(SECURITY_MAX_SID_SIZE, '\0'), list(200, '\0');
+    auto size = static_cast<DWORD>(sid.size());
+    ASSERT_TRUE(CreateWellKnownSid(WinWorldSid, nullptr, sid.data(), &size));
+    auto* const entries = reinterpret_cast<ACL*>(list.data());
+    ASSERT_TRUE(InitializeAcl(entries, static_cast<DWORD>(list.size()), ACL_REVISION));
+    ASSERT_TRUE(AddAccessAllowedAce(entries, ACL_REVISION, FILE_ALL_ACCESS, sid.data()));
+    ASSERT_TRUE(SetSecurityDescriptorDacl(&everybody, TRUE, entries, FALSE));
+    ASSERT_TRUE(SetFileSecurityA(path.c_str(), DACL_SECURITY_INFORMATION, &everybody));
+    const std::string before = accessListOf(path);
+    ASSERT_NE(before, accessListOf(other));
+    EXPECT_EQ(safeWrite(path, "new").why(), "");
+    EXPECT_EQ(folder.read("a.kez"), "new");
+    EXPECT_EQ(accessListOf(path), before);
+}
+
 // The same of links: where none can be made, a file leads to itself at least.
 TEST(SafeWrite, WritesWhatALinkLeadsTo) {
     const TempFolder folder;
