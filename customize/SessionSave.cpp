@@ -3,6 +3,7 @@
 
 #include "customize/CustomizeSession.h"
 #include "customize/ValueFile.h"
+#include "util/CopyFailure.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -182,9 +183,7 @@ std::optional<SaveResult> CustomizeSession::takeIntoProject(const std::string& p
         return SaveResult::Cancelled;
     }
     if (!m_host.CopyFileToFolder(path, project)) {
-        const std::string why = m_host.copyProblem();
-        return fail("The script could not be copied into the project folder; it was not saved." +
-                    (why.empty() ? "" : "\n\n" + why));
+        return fail(copyFailure(path, target, m_host.copyProblem()) + "\n\nThe script was not saved.");
     }
     m_panel.script.scriptPath = target;
     copied = true;

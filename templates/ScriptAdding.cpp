@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "util/CopyFailure.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -125,9 +126,7 @@ bool ScriptAdding::makeCopy(const AddPlan::Copy& copy) {
         substitutions.emplace_back(kCopyMarker, copyMark(*copy.number));
     }
     if (!m_host.CopyFileWithSubstitutions(copy.source, copy.destination, substitutions)) {
-        const std::string why = m_host.copyProblem();
-        m_error =
-            copy.source + " could not be copied to " + copy.destination + (why.empty() ? "" : ": " + why);
+        m_error = copyFailure(copy.source, copy.destination, m_host.copyProblem());
         return false;
     }
     if (copy.number) {

@@ -108,7 +108,7 @@ TEST(Usage, ErrorsNameTheMistakeAndDoNothing) {
 // Editors and other programs can go on from there; an absolute path of the suite's they could not even open.
 TEST(Usage, FilesAreNamedAsTheyWereGiven) {
     ToolFolder folder;
-    for (const char* name : {"game", "t", "t/deep"}) {
+    for (const char* name : {"game", "t", "t/deep", "suite", "suite/templates", "suite/templates/wizards"}) {
         std::filesystem::create_directory(folder.path(name));
     }
     const std::string script = "// entry: A\n// id: 1\nvar a = 1;\n";
@@ -121,6 +121,9 @@ TEST(Usage, FilesAreNamedAsTheyWereGiven) {
     folder.write("t/camera_.kez", "x");
     folder.write("t/template_6.xml",
                  "<TavrixTemplate><Script name='Camera' filename='camera_.kez'/></TavrixTemplate>");
+    folder.write("suite/templates/wizards/w.xml",
+                 "<Wizard><Title>Wiz</Title><Defaults><Name>W</Name></Defaults><Folder name='a'/></Wizard>");
+    folder.write("suite/templates/wizards/bad.xml", "<Wizard>");
     struct Row {
         const char *command, *says;
     };
@@ -146,6 +149,13 @@ TEST(Usage, FilesAreNamedAsTheyWereGiven) {
           Row{"catalogue build t -o game/s.kez/x.xml", " 'game/s.kez/x.xml': "},
           Row{"catalogue build t -n", "--- t/template_6.xml\n"},
           Row{"help-pages t/template_6.xml -o game/s.kez", " 'game/s.kez/"},
+          Row{"wizard list suite", "\tsuite/templates/wizards/w.xml\n"},
+          Row{"wizard list suite --json", "\"suite/templates/wizards/w.xml\""},
+          Row{"wizard check ./suite", "./suite/templates/wizards/bad.xml:"},
+          Row{"wizard list none", "Can't enter the folder 'none': "},
+          Row{"project new Wiz --suite suite --templates t --folder game/new -n", "game/new/\n  a"},
+          Row{"project new Wiz --suite suite --templates t --folder game", "zoka: game\n"},
+          Row{"project new Wiz --suite suite --templates t --folder game/new", " in game/new\n"},
           Row{"project check game", "game/bad.xml"},
           Row{"project check game/none.xml", "Can't read 'game/none.xml': "}}) {
         const ToolRun run = folder.run(row.command);

@@ -113,7 +113,7 @@ TEST_F(WizardTool, MakesProjects) {
     write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Level><File name='a/none'/></Level>");
     const ToolRun partly = folder.run("project new Wiz --suite suite --folder g/partly");
     EXPECT_EQ(partly.status, 3);
-    EXPECT_THAT(partly.err, HasSubstr("could not be copied: templates\\a\\none.zlm"));
+    EXPECT_THAT(partly.err, HasSubstr("Can't copy 'templates\\a\\none.zlm' to '"));
     EXPECT_EQ(partly.err.find(".zlb"), std::string::npos);
     // What a failed run made goes on request.
     write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Folder name='one.txt'/>");

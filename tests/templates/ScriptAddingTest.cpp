@@ -245,7 +245,7 @@ TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
     EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
     const std::string copy = project.folder.path("level.kez");
     EXPECT_EQ(adding.error(),
-              outside + " could not be copied to " + copy + ": Can't write '" + copy + "': injected fault");
+              "Can't copy '" + outside + "' to '" + copy + "': Can't write '" + copy + "': injected fault");
 }
 
 TEST(ScriptAdding, WithoutMainScriptTheEditorIsAskedToMakeOne) {

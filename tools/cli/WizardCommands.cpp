@@ -17,6 +17,7 @@
 #include "tools/cli/Cli.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
+#include "util/CopyFailure.h"
 #include "util/DebugLog.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -119,7 +120,8 @@ Json jsonOf(const PlanTree& tree, const std::string& folder) {
 void printTree(const PlanTree& tree, const std::string& folder) {
     for (const PlanRow& row : tree.rows()) {
         std::string line(2 * static_cast<size_t>(row.depth), ' ');
-        line += row.depth == 0 ? (folder.empty() ? "(the project folder)" : folder + "\\") : row.name;
+        line +=
+            row.depth == 0 ? (folder.empty() ? "(the project folder)" : givenPath(folder + "\\")) : row.name;
         if (!row.source.empty()) {
             line += (row.isOnlyChecked ? "  (looked for: " : "  (from ") + shownSource(row);
             const std::string size = tree.sizeText(row);
@@ -142,10 +144,11 @@ ExitStatus list(const WizardOptions& options) {
         Json all = Json::array();
         for (size_t i = 0; i < wizards.paths().size(); ++i) {
             if (options.json) {
-                all.push_back(
-                    {{"title", jsonText(wizards.titles()[i])}, {"path", jsonText(wizards.paths()[i])}});
+                all.push_back({{"title", jsonText(wizards.titles()[i])},
+                               {"path", jsonText(givenPath(wizards.paths()[i]))}});
             } else {
-                printShown(tabless(onOneLine(wizards.titles()[i])) + "\t" + wizards.paths()[i] + "\n");
+                printShown(tabless(onOneLine(wizards.titles()[i])) + "\t" + givenPath(wizards.paths()[i]) +
+                           "\n");
             }
         }
         if (options.json) {
@@ -166,7 +169,7 @@ ExitStatus show(const WizardOptions& options) {
         tree.lookAtAll();
         if (options.json) {
             printJson({{"title", jsonText(wizards.titles()[index])},
-                       {"path", jsonText(wizards.paths()[index])},
+                       {"path", jsonText(givenPath(wizards.paths()[index]))},
                        {"description", jsonText(description)},
                        {"defaults", jsonOf(data)},
                        {"plan", jsonOf(tree, {})}});
@@ -198,7 +201,8 @@ std::vector<std::pair<std::string, WizardFinding>> findingsOf(const CJ8Wizard& w
             const auto [first, isNew] = fileOfTitle.try_emplace(
                 wizards.titles()[static_cast<size_t>(listed - wizards.paths().begin())], path);
             if (!isNew) {
-                all.emplace_back(path, WizardFinding{1, 1, "The same title as that of " + first->second});
+                all.emplace_back(
+                    path, WizardFinding{1, 1, "The same title as that of " + givenPath(first->second)});
             }
         }
     }
@@ -211,13 +215,13 @@ ExitStatus check(const WizardOptions& options) {
         Json all = Json::array();
         for (const auto& [path, finding] : findings) {
             if (options.json) {
-                all.push_back({{"file", jsonText(path)},
+                all.push_back({{"file", jsonText(givenPath(path))},
                                {"line", finding.line},
                                {"column", finding.column},
                                {"finding", jsonText(finding.text)}});
             } else {
-                printShown(path + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
-                           ": " + finding.text + "\n");
+                printShown(givenPath(path) + ":" + std::to_string(finding.line) + ":" +
+                           std::to_string(finding.column) + ": " + finding.text + "\n");
             }
         }
         if (options.json) {
@@ -257,7 +261,7 @@ void printPlan(const WizardOptions& options, const CJ8Wizard& wizards, unsigned 
     PlanTree tree(plan ? *plan : CreationPlan());
     tree.lookAtAll();
     if (options.json) {
-        printJson({{"project", jsonText(data.m_strProjectFolder)},
+        printJson({{"project", jsonText(givenPath(data.m_strProjectFolder))},
                    {"exists", exists},
                    {"plan", jsonOf(tree, data.m_strProjectFolder)}});
     } else {
@@ -293,14 +297,15 @@ ExitStatus make(const WizardOptions& options, const CJ8Wizard& wizards, unsigned
         return status;
     }
     if (options.json) {
-        printJson({{"project", jsonText(data.m_strProjectFolder)},
+        printJson({{"project", jsonText(givenPath(data.m_strProjectFolder))},
                    {"level", jsonText(data.m_strLevelMap)},
                    {"folders", record.folders()},
                    {"files", record.files()},
                    {"notCopied", jsonTexts(record.failedCopies())}});
     } else {
         printShown("made " + countOf(record.folders(), "folder", "folders") + " and " +
-                   countOf(record.files(), "file", "files") + " in " + data.m_strProjectFolder + "\n");
+                   countOf(record.files(), "file", "files") + " in " + givenPath(data.m_strProjectFolder) +
+                   "\n");
     }
     // What a project may lack was planned so, and is no failure.
     bool whole = true;
@@ -310,7 +315,7 @@ ExitStatus make(const WizardOptions& options, const CJ8Wizard& wizards, unsigned
         const std::string path = withSeparator(data.m_strProjectFolder) + row.target;
         if (!row.isOptional &&
             std::ranges::find(record.failedCopies(), path) != record.failedCopies().end()) {
-            complain("could not be copied: " + shownSource(row) + " to " + path);
+            complain(copyFailure(shownSource(row), path, ""));
             whole = false;
         }
     }
