@@ -150,7 +150,7 @@ std::string ScriptUpdate::nothingListedText() const {
         for (const std::string& why : m_unread) {
             text += "\n" + why;
         }
-        return text;
+        return m_stopped ? text + "\n" + kStoppedText : text;
     }
     if (m_stopped) {
         return kStoppedText;
@@ -236,7 +236,8 @@ void ScriptUpdate::forgetLastRun() {
 
 bool ScriptUpdate::UpdateAll(JobProgress* progress) {
     forgetLastRun();
-    if (m_entries.empty() && !m_unread.empty()) {
+    // Of what was not compared nobody can say that it is up to date.
+    if (m_entries.empty() && (m_stopped || !m_unread.empty())) {
         m_problems = m_unread;
         m_prompt.tell(nothingListedText());
         return false;

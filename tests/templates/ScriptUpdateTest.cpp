@@ -344,6 +344,18 @@ TEST(ScriptUpdate, ListingCanBeStopped) {
     f.update.FillUpdateList(false, &none);
     EXPECT_TRUE(f.update.entries().empty());
     EXPECT_EQ(f.update.nothingListedText(), "Stopped: not every script was compared.");
+    EXPECT_FALSE(f.update.UpdateAll()) << "nobody is told that all is up to date";
+    EXPECT_EQ(f.prompt.texts(), Names{"Stopped: not every script was compared."});
+    {
+        const test::FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+            return op == "readWhole" && path.ends_with("weather.kez");
+        });
+        StopAfter unread(3);
+        f.update.FillUpdateList(false, &unread);
+        EXPECT_TRUE(f.update.nothingListedText().starts_with("Not every script could be compared:\n"));
+        EXPECT_TRUE(f.update.nothingListedText().ends_with("\nStopped: not every script was compared."))
+            << f.update.nothingListedText();
+    }
     f.update.FillUpdateList(false);
     EXPECT_EQ(f.update.entries().size(), 2U);
     EXPECT_EQ(f.update.listedText(), "Scripts that differ from the template folder: 2");
