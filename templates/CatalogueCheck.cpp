@@ -3,11 +3,13 @@
 #include <algorithm>
 
 #include "templates/CatalogueText.h"
+#include "templates/CatalogueXml.h"
 #include "templates/ScriptHeader.h"
 #include "templates/ScriptNeeds.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "xml/XMLNode.h"
 
 namespace zoka {
 
@@ -216,6 +218,20 @@ bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
         catalogue.AddScript(std::move(script));
     }
     return any;
+}
+
+std::optional<CatalogueFinding> findUnreadable(const CTemplateData& catalogue, XMLCharset charset) {
+    for (const CScriptElm& script : catalogue.scripts()) {
+        CTemplateData one;
+        one.AddScript(script);
+        XMLResults results;
+        if (XMLNode::parseText(catalogueText(one, "").c_str(), kCatalogueRoot, &results, charset).isEmpty()) {
+            return CatalogueFinding{
+                script.m_filename, std::string("what its header says can't be read back from a catalogue: ") +
+                                       XMLNode::errorText(results.code)};
+        }
+    }
+    return {};
 }
 
 }  // namespace zoka

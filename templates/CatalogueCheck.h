@@ -1,11 +1,13 @@
 // What is wrong with a catalogue, beyond what its parser says.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "templates/TemplateData.h"
 #include "util/OsFiles.h"
+#include "xml/XMLEncoding.h"
 
 namespace zoka {
 
@@ -33,5 +35,9 @@ std::vector<CatalogueFinding> checkCatalogue(const CTemplateData& catalogue,
 bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder, const CTemplateData* earlier,
                     std::vector<CatalogueFinding>& findings, std::vector<Unreadable>& unreadable,
                     OsListing* left = nullptr);
+
+// The first script whose part of the catalogue's file can't be read back in that set, with the reason: in a set of two
+// bytes per character the last byte of a header's value may take the quote behind it. Nothing where each can be read.
+std::optional<CatalogueFinding> findUnreadable(const CTemplateData& catalogue, XMLCharset charset);
 
 }  // namespace zoka

@@ -1,4 +1,5 @@
 // The catalogue's file: the exact bytes written, what is read back and what is lost on purpose.
+#include "templates/CatalogueCheck.h"
 #include "templates/CatalogueText.h"
 #include "templates/CatalogueXml.h"
 
@@ -202,6 +203,21 @@ TEST(CatalogueXml, WhateverIsWrittenIsRead) {
             EXPECT_EQ(read.GetName(), withoutMarkup(value)) << testing::PrintToString(text);
         }
     }
+}
+
+// In a set whose characters may take two bytes a value's last byte can take the quote behind it; here the set is UTF-8,
+// and the byte one that begins a character of three.
+TEST(CatalogueXml, TheScriptIsNamedThatCantBeReadBack) {
+    CTemplateData data;
+    data.AddScript(test::script("Good", "good.kez", "A", "USER", {}));
+    EXPECT_FALSE(findUnreadable(data, XMLCharset::Utf8));
+    data.AddScript(test::script("Bad\xE3", "bad.kez", "A", "USER", {}));
+    data.AddScript(test::script("Worse\xE3", "worse.kez", "A", "USER", {}));
+    const auto found = findUnreadable(data, XMLCharset::Utf8);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->script, "bad.kez");
+    EXPECT_TRUE(found->text.starts_with("what its header says can't be read back from a catalogue: "));
+    EXPECT_FALSE(findUnreadable(data, XMLCharset::Platform)) << "there each byte is a character";
 }
 
 TEST(CatalogueXml, ABadFileIsFatalInOneWayAndTellsItsPlaceInTheOther) {

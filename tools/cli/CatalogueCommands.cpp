@@ -153,10 +153,16 @@ ExitStatus build(const BuildOptions& options) {
     }
     // What Add Script could not read would end the editor.
     XMLResults results;
-    setXmlCharset(isUtf8(text.c_str()) ? XMLCharset::Utf8 : XMLCharset::Platform);
+    const XMLCharset charset = isUtf8(text.c_str()) ? XMLCharset::Utf8 : XMLCharset::Platform;
+    setXmlCharset(charset);
     if (XMLNode::parseBytes(text, kCatalogueRoot, &results).isEmpty()) {
         if (results.outOfMemory) {
             complain(outOfMemoryText(shown) + " Nothing was written.");
+            return ExitStatus::Failed;
+        }
+        if (const auto script = findUnreadable(catalogue, charset)) {
+            complain(joinPath(options.folder, script->script) + ": " + script->text +
+                     ". Nothing was written.");
             return ExitStatus::Failed;
         }
         complain(shown + ":" + std::to_string(results.line) + ":" + std::to_string(results.column) + ": " +
