@@ -231,7 +231,9 @@ LRESULT UpdatePage::notified(NMHDR& header) {
         return 0;
     }
     if (header.code == static_cast<UINT>(NM_CUSTOMDRAW)) {
-        return paintDifference(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
+        // A row that the list colours, because it is selected, keeps that.
+        const LRESULT own = m_changes.notified(header);
+        return (own & CDRF_NEWFONT) != 0 ? own : paintDifference(reinterpret_cast<NMLVCUSTOMDRAW&>(header));
     }
     return m_changes.notified(header);
 }
