@@ -28,6 +28,10 @@ constexpr UINT kLookEvery = 250;  // milliseconds
 constexpr DWORD kLoadsAtOnce = 10, kSmallLoadsAtOnce = 1000;  // milliseconds
 constexpr std::uint64_t kSmall = 256 * 1024;                  // bytes
 
+void tellNotLoaded(const std::string& why) {
+    userPrompt().ask(why, kTitle, PromptButtons::Ok, PromptIcon::Error);
+}
+
 // What the next window of this process opens with.
 PlaceMemory g_place;
 int g_page = 0;
@@ -115,7 +119,7 @@ bool ProjectDialog::takeLoaded() {
     m_isLoading = false;  // also where it throws: there is nothing to be taken a second time
     ProjectSession::Loaded loaded = m_load->take();
     if (const Outcome opened = m_session.open(std::move(loaded)); !opened) {
-        userPrompt().ask(opened.why(), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        tellNotLoaded(opened.why());
         return false;
     }
     return true;
@@ -301,7 +305,7 @@ void ProjectDialog::reload() {
     if (const Outcome loaded = m_session.reload()) {
         setStatus("Loaded again");
     } else if (!loaded.why().empty()) {
-        userPrompt().ask(loaded.why(), kTitle, PromptButtons::Ok, PromptIcon::Error);
+        tellNotLoaded(loaded.why());
     }
     showState();
 }

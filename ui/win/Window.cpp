@@ -131,18 +131,18 @@ LRESULT CALLBACK Window::classProc(HWND window, UINT message, WPARAM wParam, LPA
 
 void tellFailure() noexcept {
     keepInside([] {
+        constexpr const char* kAsSaved = " The window closes; files are as they were last saved.";
+        constexpr const char* kFailed = "The window closes, because something failed";
         try {
             throw;
         } catch (const OutOfMemory& out) {
-            userPrompt().tell(outOfMemoryText(out.file()) +
-                              " The window closes; files are as they were last saved.");
+            userPrompt().tell(outOfMemoryText(out.file()) + kAsSaved);
         } catch (const std::bad_alloc&) {
-            userPrompt().tell(
-                "There is not enough memory to go on. The window closes; files are as they were last saved.");
+            userPrompt().tell(std::string("There is not enough memory to go on.") + kAsSaved);
         } catch (const std::exception& error) {
-            userPrompt().tell(std::string("The window closes, because something failed: ") + error.what());
+            userPrompt().tell(std::string(kFailed) + ": " + error.what());
         } catch (...) {
-            userPrompt().tell("The window closes, because something failed.");
+            userPrompt().tell(std::string(kFailed) + '.');
         }
     });
 }

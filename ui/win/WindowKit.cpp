@@ -38,38 +38,29 @@ void showScrollBarAsNeeded(HWND text) {
     }
 }
 
-LRESULT CALLBACK readOnlyTextProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                  DWORD_PTR) noexcept {
-    switch (message) {
-        case WM_GETDLGCODE:
-            // Of the keys it keeps the arrows alone; a field of several lines else takes Enter and Tab, and
-            // closes its parent on Escape.
-            return DLGC_WANTARROWS;
-        case WM_KEYDOWN:
-            if (wParam == 'A' && GetKeyState(VK_CONTROL) < 0) {
-                SendMessageA(window, EM_SETSEL, 0, -1);
-                return 0;
-            }
-            break;
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(window, readOnlyTextProc, id);
-            break;
-        default:
-            break;
+// Of a field of several lines. One to read only keeps of the keys the arrows alone; the others else take Enter and Tab,
+// and close their parent on Escape.
+LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                          DWORD_PTR readOnly) {
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, textProc, id);
+    } else if (readOnly && message == WM_GETDLGCODE) {
+        return DLGC_WANTARROWS;
+    } else if (readOnly && message == WM_KEYDOWN && wParam == 'A' && GetKeyState(VK_CONTROL) < 0) {
+        SendMessageA(window, EM_SETSEL, 0, -1);
+        return 0;
     }
     const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
     fitScrollBar(window, message);
     return result;
 }
 
-LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                          DWORD_PTR) noexcept {
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, textProc, id);
-    }
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-    fitScrollBar(window, message);
-    return result;
+HWND makeTextOf(HWND parent, int id, HFONT font, DWORD style) {
+    const HWND text = makeControl(parent, "EDIT", "", WS_TABSTOP | ES_MULTILINE | ES_AUTOVSCROLL | style,
+                                  WS_EX_CLIENTEDGE, id, font);
+    SendMessageA(text, EM_LIMITTEXT, 0, 0);
+    SetWindowSubclass(text, textProc, 1, style & ES_READONLY);
+    return text;
 }
 
 // The bands above and below the inside of a field are its border's; they get the field's own colour.
@@ -318,21 +309,11 @@ void fitScrollBar(HWND edit, UINT message) {
 }
 
 HWND makeText(HWND parent, int id, HFONT font) {
-    const HWND text =
-        makeControl(parent, "EDIT", "", WS_TABSTOP | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN,
-                    WS_EX_CLIENTEDGE, id, font);
-    SendMessageA(text, EM_LIMITTEXT, 0, 0);
-    SetWindowSubclass(text, textProc, 4, 0);
-    return text;
+    return makeTextOf(parent, id, font, ES_WANTRETURN);
 }
 
 HWND makeReadOnlyText(HWND parent, int id, HFONT font) {
-    const HWND text =
-        makeControl(parent, "EDIT", "", ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_TABSTOP,
-                    WS_EX_CLIENTEDGE, id, font);
-    SendMessageA(text, EM_LIMITTEXT, 0, 0);
-    SetWindowSubclass(text, readOnlyTextProc, 1, 0);
-    return text;
+    return makeTextOf(parent, id, font, ES_READONLY);
 }
 
 void place(HWND control, int x, int y, int width, int height) {

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <vector>
 
+#include "tools/editor/win/WindowSearch.h"
+
 namespace zoka {
 
 namespace {
@@ -75,11 +77,8 @@ bool bringToFront(HWND window, unsigned patience) {
 }
 
 void typeText(const std::string& text) {
-    std::wstring wide(text.size() + 1, L'\0');
-    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                                        wide.data(), static_cast<int>(wide.size()))));
     std::vector<INPUT> inputs;
-    for (const wchar_t c : wide) {
+    for (const wchar_t c : wideText(text)) {
         inputs.push_back(keyInput(0, static_cast<WORD>(c), KEYEVENTF_UNICODE));
         inputs.push_back(keyInput(0, static_cast<WORD>(c), KEYEVENTF_UNICODE | KEYEVENTF_KEYUP));
     }

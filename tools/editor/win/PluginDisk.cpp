@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "tools/editor/win/SlimLock.h"
+#include "tools/editor/win/WindowSearch.h"
 
 namespace zoka {
 namespace {
@@ -124,14 +125,6 @@ void lead(IMAGE_THUNK_DATA* thunk, const Detour& detour) {
     }
 }
 
-std::wstring wide(const std::string& text) {
-    std::wstring made(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, nullptr, 0)),
-                      L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, made.data(), static_cast<int>(made.size()));
-    made.pop_back();  // the terminator
-    return made;
-}
-
 void leadCalls(HMODULE plugin) {
     const HMODULE system = GetModuleHandleA("kernel32.dll");
     const auto named = [system](const char* name) { return addressOf(GetProcAddress(system, name)); };
@@ -166,7 +159,7 @@ void leadCalls(HMODULE plugin) {
 void slowDisk(HMODULE plugin, const std::string& part, unsigned ms) {
     {
         const std::lock_guard lock(g_lock);
-        g_slowPart = wide(part);
+        g_slowPart = wideText(part);
         g_ms = ms;
     }
     leadCalls(plugin);
@@ -175,7 +168,7 @@ void slowDisk(HMODULE plugin, const std::string& part, unsigned ms) {
 void fillDisk(HMODULE plugin, const std::string& part, unsigned operations) {
     {
         const std::lock_guard lock(g_lock);
-        g_fullPart = wide(part);
+        g_fullPart = wideText(part);
         g_room = operations;
     }
     leadCalls(plugin);

@@ -38,6 +38,13 @@ LRESULT ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return static_cast<LRESULT>(result);
 }
 
+std::wstring wideText(const std::string& text) {
+    std::wstring wide(text.size(), L'\0');
+    const int size = static_cast<int>(text.size());
+    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size)));
+    return wide;
+}
+
 std::string windowText(HWND window) {
     const LRESULT length = ask(window, WM_GETTEXTLENGTH);
     if (length <= 0) {

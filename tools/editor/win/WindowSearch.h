@@ -14,6 +14,8 @@ inline constexpr UINT kAnswerTime = 5000;  // ms
 // Sends a message and waits for the answer; 0 when the window is gone or hung.
 LRESULT ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
+// A text of the drives, which is in the system's set, in the windows' own.
+std::wstring wideText(const std::string& text);
 std::string windowText(HWND window);
 std::string windowClass(HWND window);
 bool isOfClass(HWND window, const std::string& name);
