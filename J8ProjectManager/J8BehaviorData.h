@@ -1,4 +1,4 @@
-// A behaviour that entities can have as their parent.
+// A behaviour that entities can have as their parent, and the components that it gives them.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +6,16 @@
 #include <vector>
 
 #include "J8ProjectManager/J8Types.h"
+
+// A component: a named set of properties that behaviours and entities use.
+class CJ8CMPData {
+public:
+    std::string m_name;
+    std::string m_doc;
+    std::vector<zoka::J8Property> m_properties;
+    std::uint32_t m_source = 0;  // its file, an index of CJ8ProjectManager::sources()
+    std::uint32_t m_place = 0;   // of its element there
+};
 
 namespace zoka {
 

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "J8ProjectManager/J8BehaviorData.h"
-#include "J8ProjectManager/J8CMPData.h"
 #include "J8ProjectManager/J8File.h"
 #include "J8ProjectManager/J8LevelData.h"
 #include "J8ProjectManager/NameIndex.h"

@@ -4,14 +4,31 @@
 #include <string>
 
 #include "J8ProjectManager/J8ProjectManager.h"
-#include "J8ProjectManager/SaveTexts.h"
 #include "util/SafeWrite.h"
 
 using zoka::J8Section;
 using zoka::Refusal;
 using zoka::SafeWriteResult;
 using zoka::StepReport;
-namespace keys = zoka::keys;
+
+namespace {
+
+// The keys of the steps that saving reports. Other tools of the suite read them.
+namespace keys {
+
+constexpr const char* kErrProject = "ErrProject";
+constexpr const char* kAddBehaviors = "AddBehaviorXmls";
+constexpr const char* kAddBehavior = "AddBehavior";
+constexpr const char* kWarnBehavior = "WarnBehaviorBadPathTag";
+constexpr const char* kAddLevel = "AddLevel";
+constexpr const char* kWarnLevel = "WarnLevel";
+constexpr const char* kAddLevelEntity = "AddLevelEntity";
+constexpr const char* kErrGetFilepath = "ErrGetFilepath";
+constexpr const char* kSections[] = {"WarnCamera", "WarnUI",      "WarnAnimationPool",
+                                     "WarnWepDef", "WarnDisplay", "WarnUserInput"};
+
+}  // namespace keys
+}  // namespace
 
 namespace zoka {
 namespace {
