@@ -58,8 +58,8 @@ size_t rowNamed(const BehaviorSession& panel, const std::string& label) {
     stop("no row " + label);
 }
 
-// Edits of one row, each followed by its undo; whether both are as fast as wanted.
-bool measureEdit(BehaviorSession& panel, const std::string& label, const std::string& what) {
+// Edits of one row, each followed by its undo.
+void measureEdit(BehaviorSession& panel, const std::string& label, const std::string& what) {
     const size_t row = rowNamed(panel, label);
     int round = 0;
     const auto edit = [&] {
@@ -75,8 +75,8 @@ bool measureEdit(BehaviorSession& panel, const std::string& label, const std::st
     };
     const Pair times = leastOf(
         kRounds, [&] { return millisecondsOf(edit); }, [&] { return millisecondsOf(undo); });
-    const bool met = printRatio(what.c_str(), {times.ours, kEditWanted}, "what is wanted", 1.0);
-    return printRatio((what + ", undone").c_str(), {times.other, kEditWanted}, "what is wanted", 1.0) && met;
+    printRatio(what.c_str(), {times.ours, kEditWanted}, "what is wanted", 1.0);
+    printRatio((what + ", undone").c_str(), {times.other, kEditWanted}, "what is wanted", 1.0);
 }
 
 int run() {
@@ -105,11 +105,11 @@ int run() {
         [&] { return millisecondsOf([&] { withComponents.refresh(true); }); });
     std::printf("%-44s %9.2f ms  %-24s %9.2f ms\n", "a look at 200 entities", looking.ours, "with components",
                 looking.other);
-    bool met = measureEdit(all, "Value_1", "a skill of 200 entities");
-    met = measureEdit(all, "Switch_1", "a flag of 200 entities") && met;
-    met = measureEdit(withComponents, "p0", "a component's value of 200 entities") && met;
+    measureEdit(all, "Value_1", "a skill of 200 entities");
+    measureEdit(all, "Switch_1", "a flag of 200 entities");
+    measureEdit(withComponents, "p0", "a component's value of 200 entities");
     closeDebugLog();
-    return met ? 0 : 1;
+    return g_allMet ? 0 : 1;
 }
 
 }  // namespace

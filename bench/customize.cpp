@@ -153,13 +153,17 @@ public:
         ++m_round;
         for (size_t i = 0; i < m_session.size(); i += 50) {
             const int kind = m_session.entry(i).kind;
-            if (kind == zoka::kEntryNumEdit) m_session.setValue(i, std::to_string(m_round % 1000 + 5));
-            if (kind == zoka::kEnable) m_session.setValue(i, m_session.row(i).isOn() ? "0" : "1");
+            if (kind == zoka::kEntryNumEdit) change(i, std::to_string(m_round % 1000 + 5));
+            if (kind == zoka::kEnable) change(i, m_session.row(i).isOn() ? "0" : "1");
         }
         if (m_session.save() != zoka::SaveResult::Saved) std::abort();
     }
 
 private:
+    void change(size_t i, const std::string& value) {
+        if (!m_session.setValue(i, value)) std::abort();
+    }
+
     SaveFixture m_files;
     zoka::FolderHost m_host{{.project = m_files.folder, .suite = m_files.folder}};
     zoka::CustomizeSession m_session{m_host, zoka::userPrompt()};

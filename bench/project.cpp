@@ -4,7 +4,6 @@
 #include <malloc.h>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <pugixml.hpp>
 #include <string>
@@ -21,8 +20,6 @@ namespace zoka::bench {
 namespace {
 
 constexpr int kRounds = 7;
-bool g_allMet = true;
-
 std::vector<std::string> filesOf(const test::TempFolder& folder, const std::string& name) {
     std::vector<std::string> files;
     for (const std::string& each : folder.names()) {
@@ -31,22 +28,6 @@ std::vector<std::string> filesOf(const test::TempFolder& folder, const std::stri
         }
     }
     return files;
-}
-
-void row(const char* what, const Pair& times, const char* against, double wanted) {
-    g_allMet &= printRatio(what, times, against, wanted);
-}
-
-// Milliseconds that the processor has worked for this program.
-double processorMilliseconds(const std::function<void()>& work) {
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-    };
-    const double start = now();
-    work();
-    return now() - start;
 }
 
 using Clock = double (*)(const std::function<void()>&);
@@ -93,7 +74,7 @@ void benchLoading(const test::TempFolder& folder) {
     const Pair times = leastOf(
         kRounds, [&] { return loadTime(folder.path("large.xml"), 10000); },
         [&] { return pugixmlTime(files); });
-    row("load 50 x 200 entities, 10,000 components", times, "pugixml parses the files", 1.5);
+    printRatio("load 50 x 200 entities, 10,000 components", times, "pugixml parses the files", 1.5);
 
     const auto held = [] { return static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd) / 1e6; };
     const double before = held();
@@ -133,11 +114,11 @@ void benchLoading(const test::TempFolder& folder) {
                         [&] { return loadTime(folder.path("small.xml"), 5000, clock, memory); });
     };
     const Pair growth = growthOfLoading(millisecondsOf, Memory::AsItIs);
-    const Pair fresh = growthOfLoading(processorMilliseconds, Memory::Fresh);
+    const Pair fresh = growthOfLoading(processorMillisecondsOf, Memory::Fresh);
     const std::vector<std::string> huge = {folder.native("huge.xml").string()};
     const std::vector<std::string> small = {folder.native("small.xml").string()};
     const Pair machine = growthOf([&] { return pugixmlTime(huge); }, [&] { return pugixmlTime(small); });
-    row("load 500,000 entities, for each 5,000", growth, "load 5,000 entities", 1.2);
+    printRatio("load 500,000 entities, for each 5,000", growth, "load 5,000 entities", 1.2);
     std::printf(
         "    (processor time, with memory that is new to both: %.2f; pugixml's parse, which is linear: "
         "%.2f)\n",
@@ -168,7 +149,7 @@ void benchSaving(const test::TempFolder& folder) {
                 }
             });
         });
-    row("save 10,000 entities", times, "flushed copy of the file", 2.0);
+    printRatio("save 10,000 entities", times, "flushed copy of the file", 2.0);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -24,14 +23,7 @@
 namespace zoka::bench {
 namespace {
 
-// Processor time, for work that waits for nothing: other work on the machine then counts as little as can be.
-double processorMillisecondsOf(const std::function<void()>& work) {
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) * 1000.0 / CLOCKS_PER_SEC;
-}
-
-// The same in a process of its own, as the first thing that it does: a catalogue is loaded once in a process, into
+// Processor time in a process of its own, as the first thing that it does: a catalogue is loaded once in a process, into
 // memory that the system has yet to hand out. Rounds in one process would measure caches and freed memory that
 // fit the small catalogue and not the large one.
 double millisecondsOfFresh(const std::function<void()>& work) {
@@ -50,12 +42,6 @@ double millisecondsOfFresh(const std::function<void()>& work) {
     close(ends[0]);
     close(ends[1]);
     return result;
-}
-
-bool g_allMet = true;
-
-void row(const char* what, double ours, double other, const char* against, double wanted) {
-    g_allMet &= printRatio(what, {ours, other}, against, wanted);
 }
 
 // Scripts as a suite ships them: a description, three needs, two sections with three actions.
@@ -113,8 +99,9 @@ void benchLoading(const test::TempFolder& folder) {
         const Pair least = leastOf(
             9, [&] { return millisecondsOfFresh([&] { load(scripts); }); },
             [&] { return millisecondsOfFresh(pugi); });
-        row(scripts == kMany ? "load a catalogue of 100,000 scripts" : "load a catalogue of 10,000 scripts",
-            least.ours, least.other, "pugixml parses it", 2.0);
+        printRatio(
+            scripts == kMany ? "load a catalogue of 100,000 scripts" : "load a catalogue of 10,000 scripts",
+            least, "pugixml parses it", 2.0);
     }
     // As many scripts in ten catalogues as in one.
     const Pair growth = leastOf(
@@ -124,7 +111,7 @@ void benchLoading(const test::TempFolder& folder) {
             for (int i = 0; i < kMany / kFew; ++i) all += millisecondsOfFresh([&] { load(kFew); });
             return all;
         });
-    row("load 100,000 scripts, in one catalogue", growth.ours, growth.other, "in ten catalogues", 1.2);
+    printRatio("load 100,000 scripts, in one catalogue", growth, "in ten catalogues", 1.2);
 }
 
 void benchInserting(const test::TempFolder& folder) {
@@ -172,7 +159,7 @@ void benchInserting(const test::TempFolder& folder) {
                          }));
         ours = std::min(ours, millisecondsOf(insert));
     }
-    row("insert 1,000 includes into 1 MB", ours, safe, "the host's copy of it", 3.0);
+    printRatio("insert 1,000 includes into 1 MB", {ours, safe}, "the host's copy of it", 3.0);
     std::printf("%-44s %9.2f ms (not flushed to the disk)\n", "  for comparison, a plain copy", plain);
 }
 

@@ -18,12 +18,6 @@ namespace zoka::bench {
 namespace {
 
 constexpr int kRounds = 7, kWizards = 500, kFiles = 5000;
-bool g_allMet = true;
-
-void row(const char* what, const Pair& times, const char* against, double wanted) {
-    g_allMet &= printRatio(what, times, against, wanted);
-}
-
 std::string wizardText(int number) {
     std::string text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<Wizard>\n\t<Title>Wizard " +
                        std::to_string(number) +
@@ -66,7 +60,7 @@ void benchListing() {
                 }
             });
         });
-    row("list 500 wizards", times, "pugixml parses the files", 1.5);
+    printRatio("list 500 wizards", times, "pugixml parses the files", 1.5);
 }
 
 // Milliseconds of the processor, the system's work for it included, that this program or its children have taken.
@@ -134,8 +128,8 @@ void benchCreation(int folders) {
         });
     const std::string what =
         folders == 1 ? "make 5,000 files in one folder" : "make 5,000 files in 100 folders";
-    row(what.c_str(), clock, "cp -r of the same tree", 1.2);
-    row((what + ", processor time").c_str(), processor, "cp -r of the same tree", 1.2);
+    printRatio(what.c_str(), clock, "cp -r of the same tree", 1.2);
+    printRatio((what + ", processor time").c_str(), processor, "cp -r of the same tree", 1.2);
 }
 
 }  // namespace

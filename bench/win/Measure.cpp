@@ -4,6 +4,36 @@
 #include <cstdlib>
 
 namespace zoka::bench {
+namespace {
+
+struct Wanted {
+    const char* className;
+    int id;
+    HWND found;
+};
+
+BOOL CALLBACK isWanted(HWND child, LPARAM parameter) {
+    Wanted& wanted = *reinterpret_cast<Wanted*>(parameter);
+    char name[64] = {};
+    GetClassNameA(child, name, sizeof name);
+    const bool fits =
+        wanted.id != 0 ? GetDlgCtrlID(child) == wanted.id : lstrcmpiA(name, wanted.className) == 0;
+    if (fits && IsWindowVisible(child)) {
+        wanted.found = child;
+    }
+    return wanted.found == nullptr;
+}
+
+}  // namespace
+
+HWND control(HWND window, int id, const char* className) {
+    Wanted wanted{className, id, nullptr};
+    EnumChildWindows(window, isWanted, reinterpret_cast<LPARAM>(&wanted));
+    if (!wanted.found) {
+        stop("the window has no control " + std::to_string(id) + className);
+    }
+    return wanted.found;
+}
 
 void stop(const std::string& why) {
     std::fprintf(stderr, "bench: %s\n", why.c_str());

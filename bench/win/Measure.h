@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 
@@ -16,6 +17,14 @@ namespace zoka::bench {
 void mustBe(const Outcome& outcome);
 // The program called `name`, whose one argument is the plug-in: its exit status.
 int runWithPlugin(int argc, char** argv, const char* name, int (*run)(const std::string& dll));
+
+// The first visible control in the window with that id, or with any (0) of that class; ends the program where there is
+// none.
+HWND control(HWND window, int id, const char* className = "");
+
+inline void best(double& figure, double now) {
+    figure = std::min(figure, now);
+}
 
 double millisecondsOf(const std::function<void()>& work);
 

@@ -11,6 +11,15 @@
 
 namespace zoka::bench {
 
+// Those of the DLL, for as long as the program runs.
+inline HINSTANCE resourcesOf(const std::string& dll) {
+    const HINSTANCE module = LoadLibraryExA(dll.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    if (!module) {
+        stop(dll + " can't be read");
+    }
+    return module;
+}
+
 // `Dialog` is the panel's own window; it goes with this object.
 template <class Dialog>
 class OpenPanel {

@@ -11,6 +11,19 @@ constexpr UINT kOpened = WM_APP + 1;
 
 }  // namespace
 
+PluginEditor::PluginEditor(const test::TempFolder& folder, const std::string& dll)
+    : m_log(GetCurrentThreadId()), m_editor(m_log) {
+    m_editor.host().setSuite(folder.path(), "templates");
+    openProject(folder);
+    mustBe(m_editor.loadPlugin(dll));
+}
+
+void PluginEditor::openProject(const test::TempFolder& folder) {
+    folder.write("main.zlm", "level 1\r\n");
+    folder.write("main.kez", "// main\r\n\r\n");
+    mustBe(m_editor.openProject(folder.path()));
+}
+
 WindowRun* WindowRun::s_current = nullptr;
 
 WindowRun::WindowRun(Editor& editor, const std::string& procedure, std::string title,

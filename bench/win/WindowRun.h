@@ -6,9 +6,28 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/TempFolder.h"
 #include "tools/editor/win/Editor.h"
 
 namespace zoka::bench {
+
+// The stand-in editor with the plug-in, and a project open in a folder that is the suite's too. `folder` gets a level and
+// its main script.
+class PluginEditor {
+public:
+    PluginEditor(const test::TempFolder& folder, const std::string& dll);
+    ~PluginEditor() { m_editor.unloadPlugin(); }
+    PluginEditor(const PluginEditor&) = delete;
+    PluginEditor& operator=(const PluginEditor&) = delete;
+
+    // Another one.
+    void openProject(const test::TempFolder& folder);
+    Editor& editor() { return m_editor; }
+
+private:
+    CallLog m_log;
+    Editor m_editor;
+};
 
 // Opens a modal window through its procedure, hands it to `use` once it is painted, and closes it. One at a time.
 class WindowRun {

@@ -23,20 +23,6 @@ namespace {
 constexpr int kRounds = 25, kMany = 200;
 constexpr double kEditWanted = 20;  // ms
 
-// The first drop list in the window; null when there is none.
-HWND firstDropList(HWND window) {
-    char name[32] = {};
-    GetClassNameA(window, name, sizeof name);
-    if (lstrcmpiA(name, "ComboBox") == 0) {
-        return window;
-    }
-    HWND found = nullptr;
-    for (HWND child = GetWindow(window, GW_CHILD); child && !found; child = GetWindow(child, GW_HWNDNEXT)) {
-        found = firstDropList(child);
-    }
-    return found;
-}
-
 // Chooses an item, as a user does; the first one stands for values that differ.
 void choose(HWND list, int item) {
     SendMessageA(list, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
@@ -45,10 +31,7 @@ void choose(HWND list, int item) {
 }
 
 int run(const std::string& dllPath) {
-    const HINSTANCE dll = LoadLibraryExA(dllPath.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    if (!dll) {
-        stop(dllPath + " can't be read");
-    }
+    const HINSTANCE dll = resourcesOf(dllPath);
     const test::TempFolder folder;
     const std::string script = folder.write("a.kez", actionText());
     FolderHost editor(
@@ -58,7 +41,6 @@ int run(const std::string& dllPath) {
     double first = 1e9, ofMany = 1e9, bare = 1e9, seen = 1e9, edited = 1e9;
     std::unique_ptr<BareWindows> all, visible;
     size_t windows = 0;
-    const auto best = [](double& figure, double now) { figure = std::min(figure, now); };
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets all
         tellRound(round, kRounds);
         {
@@ -76,7 +58,7 @@ int run(const std::string& dllPath) {
         {
             OpenPanel<BehaviorDialog> panel({&many, editor, dll, IDI_ZOKA}, dll);
             best(ofMany, millisecondsOf([&] { panel.open(); }));
-            const HWND list = firstDropList(panel.window());
+            const HWND list = control(panel.window(), 0, "ComboBox");
             const std::uint32_t before = *many.changes();
             best(edited, millisecondsOf([&] {
                      choose(list, 1 + round % 2);
@@ -93,7 +75,6 @@ int run(const std::string& dllPath) {
     met = row("on 200 selected entities", ofMany, "on one", first, 1.3) && met;
     met = row("an edit to 200 entities", edited, "what is wanted", kEditWanted, 1.0) && met;
     std::printf("against the bare windows in sight (%.2f ms): opening %.2f times\n", seen, first / seen);
-    FreeLibrary(dll);
     return met ? 0 : 1;
 }
 

@@ -56,29 +56,17 @@ public:
         settle(window());
     }
     void page() {
-        SendMessageA(control(kRows), WM_VSCROLL, SB_PAGEDOWN, 0);
+        SendMessageA(control(window(), kRows), WM_VSCROLL, SB_PAGEDOWN, 0);
         settle(window());
     }
     void search(const std::string& text) {
-        SetWindowTextA(control(kSearch), text.c_str());
+        SetWindowTextA(control(window(), kSearch), text.c_str());
         settle(window());
-    }
-
-private:
-    HWND control(int id) const {
-        const HWND found = GetDlgItem(window(), id);
-        if (!found) {
-            stop("the panel has no control " + std::to_string(id));
-        }
-        return found;
     }
 };
 
 int run(const std::string& dllPath) {
-    const HINSTANCE dll = LoadLibraryExA(dllPath.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    if (!dll) {
-        stop(dllPath + " can't be read");
-    }
+    const HINSTANCE dll = resourcesOf(dllPath);
     const test::TempFolder folder;
     folder.write("few.kez", script(kFew));
     folder.write("many.kez", script(kMany));
@@ -89,7 +77,6 @@ int run(const std::string& dllPath) {
     double pagedFew = 1e9, pagedMany = 1e9, searched = 1e9;
     std::unique_ptr<BareWindows> all, visible;
     size_t windows = 0;
-    const auto best = [](double& figure, double now) { figure = std::min(figure, now); };
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets all
         tellRound(round, kRounds);
         {
@@ -122,7 +109,6 @@ int run(const std::string& dllPath) {
     // page shows its rows in windows that others have left.
     std::printf("against the bare windows in sight (%.2f ms): opening %.2f times, a page down %.2f times\n",
                 seen, few / seen, pagedMany / seen);
-    FreeLibrary(dll);
     return met ? 0 : 1;
 }
 

@@ -18,7 +18,6 @@
 #include "templates/CatalogueXml.h"
 #include "templates/ScriptSearch.h"
 #include "tests/support/TempFolder.h"
-#include "tools/editor/win/Editor.h"
 
 namespace zoka::bench {
 namespace {
@@ -123,31 +122,6 @@ private:
     HWND m_window = nullptr;
 };
 
-struct WantedChild {
-    const char* className;
-    int id;  // 0: any
-    HWND found;
-};
-
-BOOL CALLBACK isWanted(HWND child, LPARAM parameter) {
-    WantedChild& wanted = *reinterpret_cast<WantedChild*>(parameter);
-    char name[64] = {};
-    GetClassNameA(child, name, sizeof name);
-    if (lstrcmpiA(name, wanted.className) == 0 && (wanted.id == 0 || GetDlgCtrlID(child) == wanted.id)) {
-        wanted.found = child;
-    }
-    return wanted.found == nullptr;
-}
-
-HWND descendant(HWND window, const char* className, int id) {
-    WantedChild wanted{className, id, nullptr};
-    EnumChildWindows(window, isWanted, reinterpret_cast<LPARAM>(&wanted));
-    if (!wanted.found) {
-        stop(std::string("the manager has no ") + className);
-    }
-    return wanted.found;
-}
-
 struct Figures {
     double opening = 1e9;
     std::vector<double> keys;  // of each character of kTyped
@@ -156,8 +130,8 @@ struct Figures {
 
 // Types into the manager as soon as it is painted. `found`: for each character typed, the number of rows to be listed then.
 void use(HWND manager, const std::vector<size_t>& found, Figures& best) {
-    const HWND search = descendant(manager, "EDIT", kSearchField);
-    const HWND list = descendant(manager, WC_LISTVIEWA, 0);
+    const HWND search = control(manager, kSearchField);
+    const HWND list = control(manager, 0, WC_LISTVIEWA);
     best.keys.resize(found.size(), 1e9);
     for (size_t i = 0; i < found.size(); ++i) {
         const double took = millisecondsOf([&] {
@@ -169,7 +143,7 @@ void use(HWND manager, const std::vector<size_t>& found, Figures& best) {
         }
         best.keys[i] = std::min(best.keys[i], took);
     }
-    const HWND titles = descendant(manager, "COMBOBOX", kTitles);
+    const HWND titles = control(manager, kTitles);
     best.titles = std::min(best.titles, millisecondsOf([&] {
                                SendMessageA(GetParent(titles), WM_COMMAND, MAKEWPARAM(kTitles, CBN_DROPDOWN),
                                             reinterpret_cast<LPARAM>(titles));
@@ -186,14 +160,7 @@ int run(const std::string& dll) {
     if (!data.WriteXML(folder.path("templates\\template_6.xml"))) {
         stop("the catalogue can't be written");
     }
-    folder.write("main.zlm", "level 1\r\n");
-    folder.write("main.kez", "// main\r\n\r\n");
-
-    CallLog log(GetCurrentThreadId());
-    Editor editor(log);
-    editor.host().setSuite(folder.path(), "templates");
-    mustBe(editor.openProject(folder.path()));
-    mustBe(editor.loadPlugin(dll));
+    PluginEditor host(folder, dll);
 
     std::vector<std::vector<std::uint32_t>> found;
     std::vector<size_t> counts;
@@ -209,15 +176,14 @@ int run(const std::string& dll) {
     std::vector<double> bareKeys(found.size(), 1e9);
     for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
         tellRound(round, kRounds);
-        const WindowRun manager(editor, "Add Script", "Project Manager",
+        const WindowRun manager(host.editor(), "Add Script", "Project Manager",
                                 [&](HWND window) { use(window, counts, best); });
-        best.opening = std::min(best.opening, manager.opening());
+        bench::best(best.opening, manager.opening());
         bareOpening = std::min(bareOpening, millisecondsOf([&] { bare.open(); }));
         for (size_t i = 0; i < found.size(); ++i) {
             bareKeys[i] = std::min(bareKeys[i], millisecondsOf([&] { bare.fill(found[i]); }));
         }
     }
-    editor.unloadPlugin();
 
     bool met =
         row("open the manager on 10,000 scripts", best.opening, "bare list filled", bareOpening, kWanted);

@@ -16,7 +16,6 @@
 #include "bench/win/Measure.h"
 #include "bench/win/WindowRun.h"
 #include "tests/support/TempFolder.h"
-#include "tools/editor/win/Editor.h"
 #include "ui/win/ControlsContext.h"
 #include "ui/win/WindowKit.h"
 
@@ -35,35 +34,6 @@ constexpr int kComponentsSearch = 2301, kComponentsList = 2302, kFind = 2602, kE
 // It has the project's name in its title once the project is there.
 bool isFilled(HWND window) {
     return textOf(window).starts_with("Project Manager - ");
-}
-
-struct Wanted {
-    const char* className;
-    int id;  // 0: any
-    HWND found;
-};
-BOOL CALLBACK isWanted(HWND child, LPARAM parameter) {
-    Wanted& wanted = *reinterpret_cast<Wanted*>(parameter);
-    char name[64] = {};
-    GetClassNameA(child, name, sizeof name);
-    const bool fits =
-        wanted.id != 0 ? GetDlgCtrlID(child) == wanted.id : lstrcmpiA(name, wanted.className) == 0;
-    if (fits && IsWindowVisible(child)) {
-        wanted.found = child;
-    }
-    return wanted.found == nullptr;
-}
-HWND control(HWND window, int id, const char* className = "") {
-    Wanted wanted{className, id, nullptr};
-    EnumChildWindows(window, isWanted, reinterpret_cast<LPARAM>(&wanted));
-    if (!wanted.found) {
-        stop("the window has no control " + std::to_string(id) + className);
-    }
-    return wanted.found;
-}
-
-void best(double& figure, double now) {
-    figure = std::min(figure, now);
 }
 
 void goToPage(HWND window, int page) {
@@ -89,21 +59,13 @@ bool keys(const std::string& what, double first, double others) {
     return row("other keys, " + what, others, "what is wanted", kKeyWanted, 1.0) && met;
 }
 
-void openProject(Editor& editor, const test::TempFolder& folder) {
-    folder.write("main.zlm", "level 1\r\n");
-    folder.write("main.kez", "// main\r\n\r\n");
-    mustBe(editor.openProject(folder.path()));
-}
-
 int run(const std::string& dll) {
     const test::TempFolder large, many, wide;
     writeProject(large, "main", 50, 200, 1000, 10000);
     writeProject(many, "main", 1, kRows, kRows / 10, kRows);
     writeProject(wide, "main", 1, 2, 1, 1, kRows);
-    CallLog log(GetCurrentThreadId());
-    Editor editor(log);
-    openProject(editor, large);
-    mustBe(editor.loadPlugin(dll));
+    PluginEditor host(large, dll);
+    Editor& editor = host.editor();
 
     double opening = 1e9, filling = 1e9, bare = 1e9;
     std::unique_ptr<BareWindows> seen;
@@ -129,7 +91,7 @@ int run(const std::string& dll) {
     met = row(what + ": filled", filling, against, bare, 1.5) && met;
     seen.reset();
 
-    openProject(editor, many);
+    host.openProject(many);
     double componentsFirst = 1e9, components = 1e9, entitiesFirst = 1e9, entities = 1e9;
     for (int round = 0; round < kRounds; ++round) {
         const WindowRun opened(
@@ -153,7 +115,7 @@ int run(const std::string& dll) {
     met = keys("20,000 entities", entitiesFirst, entities) && met;
     met = keys("20,000 components", componentsFirst, components) && met;
 
-    openProject(editor, wide);
+    host.openProject(wide);
     double shown = 1e9, propertiesFirst = 1e9, properties = 1e9;
     for (int round = 0; round < kRounds; ++round) {
         const WindowRun opened(
@@ -174,7 +136,6 @@ int run(const std::string& dll) {
     }
     std::printf("an entity with 20,000 properties is shown in %.2f ms\n", shown);
     met = keys("20,000 properties", propertiesFirst, properties) && met;
-    editor.unloadPlugin();
     return met ? 0 : 1;
 }
 

@@ -15,7 +15,6 @@
 #include "bench/win/Measure.h"
 #include "bench/win/WindowRun.h"
 #include "tests/support/TempFolder.h"
-#include "tools/editor/win/Editor.h"
 #include "ui/win/ControlsContext.h"
 
 namespace zoka::bench {
@@ -40,37 +39,34 @@ int run(const std::string& dll) {
     for (int i = 0; i < kWizards; ++i) {
         folder.write("templates/wizards/w" + std::to_string(i) + ".xml", wizardText(i));
     }
-    folder.write("main.zlm", "level 1\r\n");
-    folder.write("main.kez", "// main\r\n\r\n");
-    CallLog log(GetCurrentThreadId());
-    Editor editor(log);
-    editor.host().setSuite(folder.path(), "templates");
-    mustBe(editor.openProject(folder.path()));
-    mustBe(editor.loadPlugin(dll));
-    // Below which the wizards are looked for, and the log is written.
     char before[MAX_PATH] = {};
-    if (GetCurrentDirectoryA(sizeof before, before) == 0 || !SetCurrentDirectoryA(folder.path().c_str())) {
-        stop("the suite's folder can't be the current one");
-    }
-
     double opening = 1e9, bare = 1e9;
     std::unique_ptr<BareWindows> windows;
-    for (int round = 0; round < kRounds; ++round) {  // in turn, so that other work on the machine meets both
-        tellRound(round, kRounds);
-        const WindowRun opened(editor, "Project Wizard", "New Project", [&windows](HWND window) {
-            if (SendMessageA(GetDlgItem(window, kWizardList), LVM_GETITEMCOUNT, 0, 0) != kWizards) {
-                stop("the dialog lists other wizards");
-            }
-            if (!windows) {
-                windows = std::make_unique<BareWindows>(window);
-            }
-        });
-        opening = std::min(opening, opened.opening());
-        // Of the same release of the system's controls as the dialog's.
-        const ControlsContext controls(GetModuleHandleA("zoka.dll"));
-        bare = std::min(bare, millisecondsOf([&windows] { windows->open(); }));
+    {
+        PluginEditor host(folder, dll);
+        // Below which the wizards are looked for, and the log is written.
+        if (GetCurrentDirectoryA(sizeof before, before) == 0 ||
+            !SetCurrentDirectoryA(folder.path().c_str())) {
+            stop("the suite's folder can't be the current one");
+        }
+
+        for (int round = 0; round < kRounds;
+             ++round) {  // in turn, so that other work on the machine meets both
+            tellRound(round, kRounds);
+            const WindowRun opened(host.editor(), "Project Wizard", "New Project", [&windows](HWND window) {
+                if (SendMessageA(GetDlgItem(window, kWizardList), LVM_GETITEMCOUNT, 0, 0) != kWizards) {
+                    stop("the dialog lists other wizards");
+                }
+                if (!windows) {
+                    windows = std::make_unique<BareWindows>(window);
+                }
+            });
+            best(opening, opened.opening());
+            // Of the same release of the system's controls as the dialog's.
+            const ControlsContext controls(GetModuleHandleA("zoka.dll"));
+            best(bare, millisecondsOf([&windows] { windows->open(); }));
+        }
     }
-    editor.unloadPlugin();
     SetCurrentDirectoryA(before);
     return row("open the new-project dialog", opening,
                "bare, " + std::to_string(windows->count()) + " windows", bare, 1.5)
