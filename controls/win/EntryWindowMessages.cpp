@@ -149,22 +149,16 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
 }
 
 LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        auto* const made =
-            static_cast<EntryWindow*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
-        if (!made) {
-            return FALSE;
-        }
-        made->m_window = window;
-        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
-    }
-    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    auto* const self = objectOf<EntryWindow>(window, message, lParam);
     if (!self) {
-        return DefWindowProcA(window, message, wParam, lParam);
+        return message == WM_NCCREATE ? FALSE : DefWindowProcA(window, message, wParam, lParam);
+    }
+    if (message == WM_NCCREATE) {
+        self->m_window = window;
     }
     if (message == WM_NCDESTROY) {
         self->m_window = nullptr;
-        SetWindowLongPtrA(window, GWLP_USERDATA, 0);
+        forgetObject(window);
         return DefWindowProcA(window, message, wParam, lParam);
     }
     return answerInside(window, [&] {

@@ -109,18 +109,13 @@ INT_PTR CALLBACK Window::dialogProc(HWND window, UINT message, WPARAM wParam, LP
 }
 
 LRESULT CALLBACK Window::classProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        auto* const made =
-            static_cast<Window*>(reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams);
-        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
-        if (made) {
-            made->begin(window);
-            made->m_pointerSlot = GWLP_USERDATA;
-        }
-    }
-    auto* const self = reinterpret_cast<Window*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+    auto* const self = objectOf<Window>(window, message, lParam);
     if (!self) {
         return DefWindowProcA(window, message, wParam, lParam);
+    }
+    if (message == WM_NCCREATE) {
+        self->begin(window);
+        self->m_pointerSlot = GWLP_USERDATA;
     }
     const std::optional<LRESULT> answer = self->dispatch(message, wParam, lParam);
     if (message == WM_NCDESTROY) {

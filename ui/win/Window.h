@@ -65,6 +65,20 @@ private:
     bool m_failed = false;
 };
 
+// The object whose window has a class of ours: what CreateWindowEx got as its parameter, from WM_NCCREATE to
+// forgetObject. Null before and afterwards, and where it got none.
+template <class Object>
+Object* objectOf(HWND window, UINT message, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        void* const made = reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpCreateParams;
+        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+    }
+    return reinterpret_cast<Object*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+}
+inline void forgetObject(HWND window) {
+    SetWindowLongPtrA(window, GWLP_USERDATA, 0);
+}
+
 // Tells the user what is being handled just now, an exception: "not enough memory", or its own text.
 void tellFailure() noexcept;
 

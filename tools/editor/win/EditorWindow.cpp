@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "ui/win/Window.h"
+
 namespace zoka {
 
 namespace {
@@ -179,13 +181,10 @@ void EditorWindow::runJobs() {
 }
 
 LRESULT CALLBACK EditorWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCCREATE) {
-        auto* const self =
-            static_cast<EditorWindow*>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams);
+    auto* const self = objectOf<EditorWindow>(window, message, lParam);
+    if (self && message == WM_NCCREATE) {
         self->m_window = window;
-        SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
     }
-    auto* const self = reinterpret_cast<EditorWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
     return self ? self->handleMessage(message, wParam, lParam)
                 : DefWindowProcA(window, message, wParam, lParam);
 }
@@ -261,7 +260,7 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             }
             return 0;
         case WM_NCDESTROY:
-            SetWindowLongPtrA(m_window, GWLP_USERDATA, 0);
+            forgetObject(m_window);
             m_window = nullptr;
             return 0;
         default:
