@@ -6,7 +6,7 @@
 #include <map>
 
 #include "controls/EntryRules.h"
-#include "customize/CustomMarkup.h"
+#include "customize/MarkupLine.h"
 #include "plugin/host/EntityAccess.h"
 #include "util/Lex.h"
 #include "util/LexChars.h"

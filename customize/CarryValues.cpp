@@ -4,7 +4,7 @@
 #include <deque>
 
 #include "controls/EntryRules.h"
-#include "customize/CustomMarkup.h"
+#include "customize/MarkupLine.h"
 #include "customize/ValueFile.h"
 #include "util/Backups.h"
 #include "util/KeyedHash.h"

@@ -9,6 +9,7 @@
 #include "controls/PictureFile.h"
 #include "controls/TextSet.h"
 #include "customize/CustomMarkup.h"
+#include "customize/MarkupLine.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"

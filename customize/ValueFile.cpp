@@ -4,7 +4,7 @@
 #include <charconv>
 #include <optional>
 
-#include "customize/CustomMarkup.h"
+#include "customize/MarkupLine.h"
 #include "util/KeyedHash.h"
 #include "util/LexChars.h"
 #include "util/OsFiles.h"

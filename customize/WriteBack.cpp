@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "controls/EntryRules.h"
-#include "customize/CustomMarkup.h"
+#include "customize/MarkupLine.h"
 #include "util/LexChars.h"
 #include "util/Text.h"
 

@@ -6,6 +6,7 @@
 
 #include "customize/CustomMarkup.h"
 #include "customize/CustomScript.h"
+#include "customize/MarkupLine.h"
 #include "tests/support/TempFolder.h"
 
 using namespace zoka;
