@@ -52,7 +52,7 @@ ValueRecords parseValueFile(std::string_view bytes) {
     for (const char* missing : {"Error reading file.\n(Code 2802)", "Error reading file.\n(Code 2803)",
                                 "Error reading file.\n(Code 2804)"}) {
         if (!lines.next()) {
-            result.error = missing;
+            result.whole = Refusal{missing};
             return result;
         }
     }
@@ -66,13 +66,13 @@ ValueRecords parseValueFile(std::string_view bytes) {
         }
         const auto kindLine = lines.next();
         if (!kindLine) {
-            result.error = "Error reading file (no type).\n(Code 2807)";
+            result.whole = Refusal{"Error reading file (no type).\n(Code 2807)"};
             break;
         }
         record.kind = integerOf(*kindLine);
         const auto valueLine = lines.next();
         if (!valueLine) {
-            result.error = "Error reading file (no type).\n(Code 2808)";
+            result.whole = Refusal{"Error reading file (no type).\n(Code 2808)"};
             break;
         }
         record.value = valueLine->substr(0, valueLine->find('\n'));
@@ -140,10 +140,10 @@ bool ReadValueFile(CustomScript& script, UserPrompt& prompt, const ValueSink& si
             entry->control->SetValueFromText(record.value);
         }
     }
-    if (stored.error) {
-        prompt.tell(stored.error);
+    if (!stored.whole) {
+        prompt.tell(stored.whole.why());
     }
-    return !stored.error;
+    return bool(stored.whole);
 }
 
 std::vector<NotCarried> notCarried(const CustomScript& script, bool useControlValues) {

@@ -28,8 +28,8 @@ struct ValueRecord {
 };
 
 struct ValueRecords {
-    std::vector<ValueRecord> records;  // those before the error too
-    const char* error = nullptr;       // what to tell the user, or null
+    std::vector<ValueRecord> records;
+    Outcome whole;  // refused where the file ends too soon: the records are those before
 };
 ValueRecords parseValueFile(std::string_view bytes);
 

@@ -95,12 +95,12 @@ std::string valueFileFault(const std::string& bytes) {
         ++carried;
     }
     const ValueRecords second = parseValueFile(written);
-    if (second.error || second.records.size() != carried) {
+    if (!second.whole || second.records.size() != carried) {
         return "what is written can't be read";
     }
     const std::vector<UnplacedValue> lost = {{{3, 11, "a", "1"}, "why"}, {{-1, 11, "b", "2"}, "why"}};
     const std::string old = oldValuesText(bytes, CustomScript(), lost);
-    if (old.find("\n3\n11\n1\n\n") == old.npos || parseValueFile(old).error) {
+    if (old.find("\n3\n11\n1\n\n") == old.npos || !parseValueFile(old).whole) {
         return "old values are lost";
     }
     return {};

@@ -337,9 +337,9 @@ ExitStatus import(const CustomizeOptions& options) {
     }
     const ValueRecords stored = parseValueFile(*bytes);
     ExitStatus status = ExitStatus::Done;
-    if (stored.error || !bytes->starts_with('1')) {
-        complain(stored.error ? "the value file ends too soon; nothing was changed"
-                              : "that is no value file; nothing was changed");
+    if (!stored.whole || !bytes->starts_with('1')) {
+        complain(stored.whole ? "that is no value file; nothing was changed"
+                              : "the value file ends too soon; nothing was changed");
         return ExitStatus::Findings;
     }
     CustomizeSession& session = open.session();
