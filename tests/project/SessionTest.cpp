@@ -1,13 +1,10 @@
-// What the Project Manager decides: edits, undo, what a save asks and keeps.
-#include "J8ProjectManager/ProjectSession.h"
-
+// What the Project Manager decides: edits, undo, what is found.
 #include <algorithm>
 #include <chrono>
 #include <random>
 
-#include "tests/project/ProjectFiles.h"
+#include "tests/project/SessionFixture.h"
 #include "tests/support/FaultyOsFiles.h"
-#include "tests/support/ScriptedPrompt.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -18,58 +15,6 @@ using zoka::SaveResult;
 using Kind = zoka::ProjectField::Kind;
 
 namespace {
-
-constexpr char kElements[] =
-    "\t<Behavior proj_file=\"b.xml\"/>\n\t<Level name=\"harbour\" mapfile=\"h.zlb\">\n\t\t<Doc>by the "
-    "sea</Doc>\n"
-    "\t\t<Entity name=\"guard\" parent=\"g\">\n\t\t\t<Skill num=\"1\" value=\"5\"/>\n"
-    "\t\t\t<Component name=\"body\">\n\t\t\t\t<Edit name=\"mass\" value=\"7\"/>\n\t\t\t</Component>\n"
-    "\t\t</Entity>\n\t\t<Entity name=\"guard\"/>\n\t</Level>\n\t<Level name=\"a/b#1=%\"/>";
-constexpr char kBehaviors[] =
-    "<Behaviors><Component proj_file='c.xml'/><Behavior name='g'><Skill num='1' name='Health' type='int' "
-    "value='9'>"
-    "<Constraint type='min' value='0'/><Constraint type='max' value='10'/></Skill>"
-    "<Skill num='2' name='Side' value='t'><Enum name='Town' value='t'/><Enum name='Fort' value='f'/></Skill>"
-    "<Component name='body'><Edit name='solid' value='FALSE'/></Component></Behavior></Behaviors>";
-constexpr char kComponents[] =
-    "<Components><Component name='body'><Property name='mass' type='int' value='3' edit='true'/>"
-    "<Property name='solid' type='bool' value='true' edit='true'/><Property name='fixed' type='string' "
-    "value='x'/>"
-    "</Component></Components>";
-
-class ProjectSessionTest : public zoka::test::ProjectFiles {
-protected:
-    ProjectSessionTest() {
-        folder.write("b.xml", kBehaviors);
-        folder.write("c.xml", kComponents);
-        path = project(kElements);
-        session.writesStepReport = false;
-        const zoka::Outcome opened = session.open(path);
-        EXPECT_TRUE(opened) << opened.why();
-    }
-    bool set(const std::string& address, std::optional<std::string> value, bool typing = false) {
-        const auto field = zoka::fieldAt(manager, address);
-        const zoka::Outcome set =
-            field ? session.setValue(*field, value, typing) : zoka::Refusal{field.why()};
-        why = set.why();
-        return bool(set);
-    }
-    std::string get(const std::string& address) {
-        const auto field = zoka::fieldAt(manager, address);
-        return field ? zoka::fieldValue(manager, *field).value_or("<none>") : "<" + field.why() + ">";
-    }
-    std::string all() const {
-        std::string text;
-        zoka::forEachField(manager, [&](const ProjectField& field, const std::string& address) {
-            text += address + "=" + zoka::fieldValue(manager, field).value_or("<none>") + "\n";
-        });
-        return text;
-    }
-
-    zoka::test::ScriptedPrompt prompt;
-    ProjectSession session{manager, prompt};
-    std::string path, why;
-};
 
 TEST_F(ProjectSessionTest, SetsSeveralValuesOrNone) {
     const auto field = [this](const char* address) { return *zoka::fieldAt(manager, address); };
@@ -128,61 +73,6 @@ TEST_F(ProjectSessionTest, LogsNothingOfALoadFromWhereItIsStopped) {
     }
     EXPECT_EQ(logged(1, asked), "");
 }
-
-// What the window that has to go asks, and where the edits are when the project can't be written.
-TEST_F(ProjectSessionTest, OffersEditsWhereTheWindowHasToGo) {
-    const std::string old = folder.read("game.xml");
-    session.offerUnsaved();
-    ASSERT_TRUE(set("level/harbour/doc", "one"));
-    prompt.answers = {PromptAnswer::No};
-    session.offerUnsaved();
-    EXPECT_THAT(prompt.texts(), ElementsAre("The window has to close, and an edit of 'game.xml' is not "
-                                            "saved.\n\nKeep it?"));
-    EXPECT_EQ(folder.read("game.xml"), old);
-
-    ASSERT_TRUE(set("level/harbour/doc", "by\nthe = sea " + std::string(100, 'x')));
-    ASSERT_TRUE(set("level/harbour/entity/guard/skill/1", std::nullopt));
-    session.addLevel(0, "pier");
-    for (const bool both : {true, false}) {
-        const zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
-            return op == "replaceFile" || (both && op == "renameNew" && file.ends_with(".zoka.old"));
-        });
-        prompt.asked.clear();
-        prompt.answers = {PromptAnswer::Yes};
-        session.offerUnsaved();
-        const auto texts = prompt.texts();
-        ASSERT_EQ(texts.size(), 3u);
-        EXPECT_EQ(texts[0],
-                  "The window has to close, and 3 edits of 'game.xml' are not saved.\n\nKeep them?");
-        EXPECT_THAT(texts[1], HasSubstr("injected fault"));
-        EXPECT_EQ(texts[2].starts_with(both ? "The edits could not be kept: Can't write '"
-                                            : "The edits are in 'game.xml.zoka.old', beside the project"),
-                  true)
-            << texts[2];
-        EXPECT_EQ(folder.read("game.xml"), old);
-        EXPECT_EQ(folder.read("game.xml.zoka.old"),
-                  both ? "<missing>"
-                       : "level/harbour/doc = by\\nthe = sea " + std::string(100, 'x') +
-                             "\nlevel/harbour/entity/guard/skill/1 without a value\nlevel/pier added\n");
-    }
-    prompt.answers = {PromptAnswer::Yes};
-    session.offerUnsaved();
-    EXPECT_FALSE(session.hasChanges());
-    EXPECT_THAT(folder.read("game.xml"), HasSubstr("the = sea"));
-    // What was saved and taken back is an edit too.
-    session.undo();
-    ASSERT_TRUE(session.redo() && session.undo() && session.undo());
-    {
-        const zoka::test::FaultyOsFiles faulty(zoka::test::FaultyOsFiles::every("replaceFile"));
-        std::filesystem::remove(folder.native("game.xml.zoka.old"));
-        prompt.answers = {PromptAnswer::Yes};
-        session.offerUnsaved();
-    }
-    EXPECT_EQ(folder.read("game.xml.zoka.old"),
-              "level/pier added, taken back\nlevel/harbour/entity/guard/skill/1 = 5\n");
-}
-
-}  // namespace
 
 TEST_F(ProjectSessionTest, AddressesNameEveryValue) {
     EXPECT_THAT(all(), HasSubstr("level/harbour/entity/guard/skill/1=5\n"
@@ -325,35 +215,6 @@ TEST_F(ProjectSessionTest, RowsOfAnEntityTakeItsParentsWords) {
     EXPECT_EQ(zoka::extrasOf(rows[3].facts).standard, "9");
 }
 
-TEST_F(ProjectSessionTest, SaveTellsWhatItLosesAndKeepsACopy) {
-    const std::string with =
-        project(std::string("<!-- mine -->") + kElements + "\n\t<Level name='c' sky='blue'/>\n" +
-                "\t<Fog depth='2'><Color/></Fog>\n\t<Behavior proj_file='gone.xml'/>");
-    ASSERT_TRUE(session.open(with));
-    const std::string old = folder.read("game.xml");
-    std::vector<std::string> lost;
-    for (const zoka::ProjectProblem& loss : session.losses()) {
-        lost.push_back(std::to_string(loss.line) + ": " + loss.text.substr(21));
-    }
-    EXPECT_THAT(lost, ElementsAre("3: the comment \"mine\"",
-                                  "15: the attribute sky=\"blue\" of <Level name=\"c\" sky=\"blue\">",
-                                  "16: <Fog depth=\"2\"> and what is in it",
-                                  "17: <Behavior proj_file=\"gone.xml\">"));
-    EXPECT_EQ(session.save(), SaveResult::NothingToSave);
-    ASSERT_TRUE(set("name", "New"));
-    prompt.answers = {PromptAnswer::No};
-    EXPECT_EQ(session.save(), SaveResult::Cancelled);
-    EXPECT_EQ(folder.read("game.xml"), old);
-    prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), SaveResult::Saved);
-    EXPECT_THAT(prompt.asked.back().text, HasSubstr("line 16: <Fog depth=\"2\"> and what is in it\n"));
-    EXPECT_EQ(folder.read("game.xml.1.bak"), old);
-    EXPECT_TRUE(session.losses().empty());
-    ASSERT_TRUE(set("name", "Newer"));
-    EXPECT_EQ(session.save(), SaveResult::Saved);
-    EXPECT_EQ(folder.read("game.xml.2.bak"), "<missing>") << "nothing was lost";
-}
-
 // Everything has a place of its own: elements without attributes, comments and texts too.
 TEST_F(ProjectSessionTest, WhatIsFoundStandsWhereItSays) {
     const struct {
@@ -459,130 +320,6 @@ TEST_F(ProjectSessionTest, LongListsOfChoicesAreReadOnce) {
     EXPECT_EQ(refused, 10000u);
 }
 
-TEST_F(ProjectSessionTest, ChangesFromOutside) {
-    const auto touch = [&] {
-        std::string text = folder.read("game.xml");
-        folder.write("game.xml", text.insert(text.find("<Level"), "<Level name='theirs'/>"));
-    };
-    ASSERT_TRUE(set("level/harbour/doc", "mine"));
-    ASSERT_TRUE(set("name", "Redone"));
-    ASSERT_TRUE(set("level/harbour/mapfile", "redone.zlb"));
-    ASSERT_TRUE(session.undo());
-    ASSERT_TRUE(session.undo());
-    touch();
-    const std::string theirs = folder.read("game.xml");
-    prompt.answers = {PromptAnswer::Cancel, PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), SaveResult::Cancelled);
-    EXPECT_EQ(folder.read("game.xml"), theirs);
-    EXPECT_EQ(session.save(), SaveResult::Saved);
-    EXPECT_EQ(get("level/harbour/doc"), "mine");
-    EXPECT_EQ(manager.m_apLevels[0].m_name, "theirs");
-    EXPECT_EQ(get("name"), "Game");
-    EXPECT_TRUE(session.redo());
-    EXPECT_EQ(get("name"), "Redone");
-    EXPECT_TRUE(session.redo());
-    EXPECT_EQ(get("level/harbour/mapfile"), "redone.zlb");
-    EXPECT_FALSE(session.canRedo());
-    EXPECT_TRUE(session.undo());
-    EXPECT_TRUE(session.undo());
-    EXPECT_EQ(get("name"), "Game");
-    EXPECT_FALSE(session.hasChanges());
-    EXPECT_TRUE(session.undo());
-    EXPECT_EQ(get("level/harbour/doc"), "by the sea");
-
-    ASSERT_TRUE(set("level/harbour/doc", "again"));
-    touch();
-    const std::string lost = folder.read("game.xml");
-    prompt.answers = {PromptAnswer::No};
-    EXPECT_EQ(session.save(), SaveResult::Saved);
-    EXPECT_EQ(folder.read("game.xml.1.bak"), lost) << "what is overwritten is kept";
-
-    ASSERT_TRUE(set("level/harbour/doc", "third"));
-    folder.write("game.xml", "<Project><Level name='other'/></Project>");
-    prompt.answers = {PromptAnswer::Yes};
-    const SaveResult refused = session.save();
-    EXPECT_EQ(refused, SaveResult::Failed);
-    EXPECT_THAT(refused.why(), HasSubstr("project file as it is now:\n\nlevel/harbour/doc = third\n"));
-    EXPECT_EQ(get("level/harbour/doc"), "third") << "what finds no place is not lost";
-    folder.write("game.xml", "<Project");
-    ASSERT_TRUE(set("name", "x"));
-    prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), SaveResult::Failed);
-    EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
-}
-
-TEST_F(ProjectSessionTest, WhatIsWrittenWhileAQuestionStandsIsAskedAbout) {
-    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
-    ASSERT_TRUE(set("name", "x"));
-    const std::string theirs = folder.read("game.xml") + "<!-- theirs -->";
-    prompt.whenAsked = [&] { folder.write("game.xml", theirs); };
-    prompt.answers = {PromptAnswer::Yes, PromptAnswer::Cancel};
-    EXPECT_EQ(session.save(), SaveResult::Cancelled);
-    EXPECT_EQ(folder.read("game.xml"), theirs);
-    EXPECT_THAT(prompt.asked.back().text, HasSubstr("changed by another program"));
-
-    prompt.whenAsked = nullptr;
-    session.asksAboutOthersChanges = false;
-    prompt.answers = {PromptAnswer::Yes};
-    EXPECT_EQ(session.save(), SaveResult::Saved);
-    EXPECT_THAT(prompt.asked.back().text, HasSubstr("the comment \"theirs\"")) << "taken over unasked";
-}
-
-TEST_F(ProjectSessionTest, PagesHearOfANewModelBeforeAnythingIsAsked) {
-    std::vector<size_t> asked;
-    session.modelReplaced = [&] { asked.push_back(prompt.asked.size()); };
-    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
-    ASSERT_TRUE(set("name", "x"));
-    folder.write("game.xml", folder.read("game.xml") + "\n");
-    prompt.answers = {PromptAnswer::Yes, PromptAnswer::No};
-    EXPECT_EQ(session.save(), SaveResult::Cancelled);
-    EXPECT_THAT(asked, ElementsAre(0, 1)) << "by open, and between the two questions";
-    EXPECT_EQ(get("name"), "x");
-}
-
-TEST_F(ProjectSessionTest, AFailedReloadLeavesEverything) {
-    ASSERT_TRUE(set("level/harbour/doc", "mine"));
-    const std::string before = all();
-    const struct {
-        const char* file;  // null: none
-        const char* why;
-    } rows[] = {{nullptr, "Can't read"}, {"<Project", "game.xml:1:"}, {"<Other/>", "game.xml: "}};
-    for (const auto& row : rows) {
-        std::filesystem::remove(folder.native("game.xml"));
-        if (row.file) {
-            folder.write("game.xml", row.file);
-        }
-        prompt.answers = {PromptAnswer::Yes};
-        const zoka::Outcome failed = session.reload();
-        EXPECT_FALSE(failed);
-        EXPECT_THAT(failed.why(), HasSubstr(row.why));
-        EXPECT_EQ(all(), before);
-        prompt.answers = {PromptAnswer::No};
-        const zoka::Outcome declined = session.reload();
-        EXPECT_FALSE(declined);
-        EXPECT_EQ(declined.why(), "") << "nothing failed: the user kept the changes";
-    }
-    EXPECT_TRUE(session.undo());
-    EXPECT_EQ(get("level/harbour/doc"), "by the sea");
-}
-
-TEST_F(ProjectSessionTest, CloseAndReloadAsk) {
-    EXPECT_TRUE(session.close());
-    ASSERT_TRUE(set("name", "x"));
-    prompt.answers = {PromptAnswer::Cancel, PromptAnswer::No, PromptAnswer::No, PromptAnswer::Yes};
-    EXPECT_FALSE(session.close());
-    EXPECT_TRUE(session.close());
-    EXPECT_FALSE(session.reload());
-    EXPECT_EQ(get("name"), "x");
-    EXPECT_TRUE(session.reload());
-    EXPECT_EQ(get("name"), "Game");
-    ASSERT_TRUE(set("name", "x"));
-    folder.write("game.xml", "<Project");
-    prompt.answers = {PromptAnswer::Yes};
-    EXPECT_THAT(session.reload().why(), HasSubstr("game.xml:1:"));
-    EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
-}
-
 // Texts are UTF-8, paths and what the user is told in the system's set, whatever set the process reads files in.
 TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
     const std::string cafe = "Caf\xC3\xA9", inFile = zoka::pathFromXml(cafe);
@@ -609,41 +346,4 @@ TEST_F(ProjectSessionTest, CharactersBeyondAscii) {
     EXPECT_THAT(session.changesText(), testing::Not(HasSubstr("\xEF\xBB\xBF"))) << "no window shows a mark";
 }
 
-TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
-    project(std::string("<!-- kept in the copy -->") + kElements);
-    ASSERT_TRUE(session.open(path));
-    const std::string old = folder.read("game.xml");
-    for (int failing = 1;; ++failing) {
-        folder.write("game.xml", old);
-        ASSERT_TRUE(session.open(path));
-        ASSERT_TRUE(set("name", "x"));
-        prompt.answers = {PromptAnswer::Yes};
-        zoka::test::FaultyOsFiles faulty(zoka::test::FaultyOsFiles::nth(failing));
-        const SaveResult saved = session.save();
-        prompt.answers.clear();
-        const std::string now = folder.read("game.xml");
-        if (faulty.operations() < failing) {
-            EXPECT_EQ(saved, SaveResult::Saved);
-            break;
-        }
-        EXPECT_TRUE(now == old || now.find("name=\"x\"") != now.npos) << failing << "\n" << now;
-        EXPECT_TRUE(saved == SaveResult::Saved || !saved.why().empty()) << failing;
-        EXPECT_EQ(get("name"), "x") << "operation " << failing << " cost the edit";
-        EXPECT_TRUE(session.undo());
-        EXPECT_EQ(get("name"), "Game") << failing;
-        ASSERT_LT(failing, 200);
-    }
-}
-
-TEST_F(ProjectSessionTest, AFileThatCannotBeWrittenGetsNoCopy) {
-    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
-    ASSERT_TRUE(set("name", "x"));
-    prompt.answers = {PromptAnswer::Yes};
-    {
-        zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
-            return op == "openExisting" && file == path;
-        });
-        EXPECT_THAT(session.save().why(), HasSubstr("Can't write '" + path + "'"));
-    }
-    EXPECT_EQ(folder.read("game.xml.1.bak"), "<missing>");
-}
+}  // namespace
