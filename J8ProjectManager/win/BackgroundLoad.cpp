@@ -17,10 +17,10 @@ bool hasOneProcessor() {
 BackgroundLoad::BackgroundLoad(std::string projectFile, CJ8ProjectManager& before)
     : m_projectFile(std::move(projectFile)),
       m_done(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-      m_mayGoOn(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
+      m_mayResume(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
     m_before = std::move(before);
     before.Clear();
-    if (m_done && m_mayGoOn) {
+    if (m_done && m_mayResume) {
         m_thread = CreateThread(nullptr, 0, threadMain, this, 0, nullptr);
     }
     if (!m_thread) {
@@ -29,13 +29,13 @@ BackgroundLoad::BackgroundLoad(std::string projectFile, CJ8ProjectManager& befor
 }
 
 BackgroundLoad::~BackgroundLoad() {
-    goOn(nullptr);
+    resume(nullptr);
     if (m_thread) {
         // The handle becomes signalled when the thread has left this library for good.
         WaitForSingleObject(m_thread, INFINITE);
         CloseHandle(m_thread);
     }
-    for (const HANDLE event : {m_done, m_mayGoOn}) {
+    for (const HANDLE event : {m_done, m_mayResume}) {
         if (event) {
             CloseHandle(event);
         }
@@ -48,11 +48,11 @@ bool BackgroundLoad::isDone(DWORD milliseconds) const {
 
 void BackgroundLoad::giveWay() {
     if (m_thread && hasOneProcessor()) {
-        ResetEvent(m_mayGoOn);
+        ResetEvent(m_mayResume);
     }
 }
 
-void BackgroundLoad::goOn(HWND window, UINT message) {
+void BackgroundLoad::resume(HWND window, UINT message) {
     const std::lock_guard lock(m_lock);
     m_window = window;
     m_message = message;
@@ -60,8 +60,8 @@ void BackgroundLoad::goOn(HWND window, UINT message) {
     if (m_isDone && m_window) {
         PostMessageA(m_window, m_message, 0, 0);
     }
-    if (m_mayGoOn) {
-        SetEvent(m_mayGoOn);
+    if (m_mayResume) {
+        SetEvent(m_mayResume);
     }
 }
 
@@ -82,7 +82,7 @@ void BackgroundLoad::work(bool givesWay) noexcept {
     try {
         m_loaded = ProjectSession::read(m_projectFile, [&](size_t, size_t) {
             if (givesWay) {
-                WaitForSingleObject(m_mayGoOn, INFINITE);
+                WaitForSingleObject(m_mayResume, INFINITE);
             }
             const std::lock_guard lock(m_lock);
             return !m_stops;

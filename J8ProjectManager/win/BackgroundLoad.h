@@ -24,10 +24,10 @@ public:
 
     // Whether it is done within that time.
     bool isDone(DWORD milliseconds) const;
-    // Where there is one processor only, the thread leaves it to this one until goOn.
+    // Where there is one processor only, the thread leaves it to this one until resume.
     void giveWay();
     // The window gets the message once it is done, which may be at once. A null window stops the load.
-    void goOn(HWND window, UINT message = 0);
+    void resume(HWND window, UINT message = 0);
     // What was loaded, once; waits for it. Throws what loading has thrown.
     ProjectSession::Loaded take();
 
@@ -42,7 +42,7 @@ private:
     std::exception_ptr m_fault;
 
     HANDLE m_thread = nullptr;
-    HANDLE m_done = nullptr, m_mayGoOn = nullptr;  // events
+    HANDLE m_done = nullptr, m_mayResume = nullptr;  // events
 
     std::mutex m_lock;  // of what follows
     bool m_isDone = false, m_stops = false;

@@ -131,7 +131,7 @@ void ProjectDialog::shown() {
         SetFocus(window());
         setStatus("Loading the project...");
         RedrawWindow(window(), nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
-        m_load->goOn(window(), kLoaded);
+        m_load->resume(window(), kLoaded);
         SetTimer(window(), kLoadedTimer, kLookEvery, nullptr);
     }
 }
@@ -164,7 +164,7 @@ std::optional<LRESULT> ProjectDialog::message(UINT message, WPARAM wParam, LPARA
         return 0;
     }
     if (message == WM_DESTROY && m_isLoading) {
-        m_load->goOn(nullptr);
+        m_load->resume(nullptr);
     }
     return PageShell::message(message, wParam, lParam);
 }
