@@ -188,15 +188,7 @@ bool SearchPage::takesKey(const MSG& message) {
 }
 
 LRESULT SearchPage::notified(NMHDR& header) {
-    if (static_cast<int>(header.idFrom) != m_look.firstId + kList) {
-        return 0;
-    }
-    if (m_list.userMayHaveSelected(header)) {
-        settleSoon();
-    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
-        mainAction();
-    }
-    return m_list.notified(header);
+    return static_cast<int>(header.idFrom) == m_look.firstId + kList ? answerList(m_list, header) : 0;
 }
 
 }  // namespace zoka

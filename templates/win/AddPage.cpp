@@ -230,15 +230,7 @@ void AddPage::command(int id, int code) {
 }
 
 LRESULT AddPage::notified(NMHDR& header) {
-    if (header.idFrom != kList) {
-        return 0;
-    }
-    if (m_list.userMayHaveSelected(header)) {
-        settleSoon();
-    } else if (header.code == static_cast<UINT>(NM_DBLCLK)) {
-        mainAction();
-    }
-    return m_list.notified(header);
+    return header.idFrom == kList ? answerList(m_list, header) : 0;
 }
 
 void AddPage::settled() {

@@ -8,6 +8,7 @@ const IncludedPage::Look& CustomizePage::look() const {
                                 1203,
                                 {{"Script", 100, true}, {"File", 80, true}, {"Class", 100, true}},
                                 "Cu&stomize...",
+                                true,
                                 1204,
                                 "Cop&y into project"};
     return kLook;
@@ -50,13 +51,6 @@ void CustomizePage::mainAction() {
 void CustomizePage::otherAction(size_t index) {
     session().copyIntoProject(index);
     m_frame.sessionChanged();
-}
-
-LRESULT CustomizePage::notified(NMHDR& header) {
-    if (header.idFrom == static_cast<UINT_PTR>(look().list) && header.code == static_cast<UINT>(NM_DBLCLK)) {
-        mainAction();
-    }
-    return IncludedPage::notified(header);
 }
 
 }  // namespace zoka

@@ -17,7 +17,6 @@ protected:
     bool canDo(size_t index) const override;
     bool canDoOther(size_t index) const override { return session().isUsedFromTemplates(index); }
     void otherAction(size_t index) override;
-    LRESULT notified(NMHDR& header) override;
 };
 
 }  // namespace zoka

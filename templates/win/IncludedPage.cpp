@@ -66,13 +66,9 @@ void IncludedPage::command(int id, int code) {
 }
 
 LRESULT IncludedPage::notified(NMHDR& header) {
-    if (static_cast<int>(header.idFrom) != look().list) {
-        return 0;
-    }
-    if (m_list.userMayHaveSelected(header)) {
-        settleSoon();
-    }
-    return m_list.notified(header);
+    return static_cast<int>(header.idFrom) == look().list
+               ? answerList(m_list, header, look().actsOnDoubleClick)
+               : 0;
 }
 
 }  // namespace zoka

@@ -15,12 +15,13 @@ public:
     void command(int id, int code) override;
 
 protected:
-    // Identifiers of the list, the line and the button; the list's columns, and the button's text. The same of the
-    // second button, if there is one, which stands left of the first.
+    // Identifiers of the list, the line and the button; the list's columns, the button's text, and whether a
+    // double click presses it. Number and text of the second button, if there is one, which stands left of the first.
     struct Look {
         int list, note, button;
         ListColumn columns[3];
         const char* buttonText;
+        bool actsOnDoubleClick;
         int otherButton = 0;
         const char* otherText = nullptr;
     };

@@ -4,7 +4,8 @@ namespace zoka {
 
 const IncludedPage::Look& RemovePage::look() const {
     static constexpr Look kLook{
-        1301, 1302, 1303, {{"Script", 100, true}, {"File", 80, true}, {"Needed by", 100, true}}, "&Remove"};
+        1301,      1302, 1303, {{"Script", 100, true}, {"File", 80, true}, {"Needed by", 100, true}},
+        "&Remove", false};
     return kLook;
 }
 

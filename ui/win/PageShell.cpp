@@ -27,6 +27,15 @@ void Page::settleSoon() {
     }
 }
 
+LRESULT Page::answerList(RowList& list, NMHDR& header, bool acts) {
+    if (list.userMayHaveSelected(header)) {
+        settleSoon();
+    } else if (acts && header.code == static_cast<UINT>(NM_DBLCLK)) {
+        mainAction();
+    }
+    return list.notified(header);
+}
+
 std::optional<LRESULT> Page::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:

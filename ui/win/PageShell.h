@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ui/win/DialogShell.h"
+#include "ui/win/RowList.h"
 
 namespace zoka {
 
@@ -48,6 +49,9 @@ protected:
     // on it is shown when both are done.
     void settleSoon();
     virtual void settled() {}
+    // The answer to what a list of the page's told, whose selection the rest of the page shows: another one is settled,
+    // and a double click does what Enter does, where it `acts`.
+    LRESULT answerList(RowList& list, NMHDR& header, bool acts = true);
     // Of owner-drawn lists.
     virtual void measure(MEASUREITEMSTRUCT&) {}
     virtual void draw(const DRAWITEMSTRUCT&) {}
