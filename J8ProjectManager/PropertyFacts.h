@@ -68,7 +68,7 @@ private:
     J8Limits m_limits;
     std::set<std::string, std::less<>> m_allowed;  // of many: the enumeration's values or those of the list
 };
-// The same for one value.
+// Why one value is refused; for many, an object of the class above is faster.
 std::string valueRefusal(const J8TypedValue& typed, std::string_view value);
 
 // "min 0, max 100, step 5", for help and lists; empty without limits.

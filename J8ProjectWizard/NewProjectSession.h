@@ -114,7 +114,7 @@ private:
     // The project folder when it was looked at last.
     std::string m_seenTarget;
     bool m_targetExists = false;
-    // The same of the templates' folder.
+    // The templates' folder when it was looked at last.
     std::string m_seenTemplates;
     bool m_templatesThere = true;
     std::optional<NewProjectField> m_asked;

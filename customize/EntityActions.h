@@ -24,7 +24,7 @@ public:
               const EntityComponents* components);
     // Whether an entity of the last load has another action now, or its action is elsewhere. One that is gone has not.
     bool haveMoved(EntityAccess& access, const std::vector<std::string>& entities) const;
-    // The same, or a script was written since.
+    // Whether they have moved so, or one of their scripts was written since.
     bool haveChanged(EntityAccess& access, const std::vector<std::string>& entities) const;
 
     // Entities with one action share one.

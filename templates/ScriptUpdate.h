@@ -67,9 +67,9 @@ public:
     // replaced only when the user agrees once more. Each script is updated once, whole or not at all; `progress`
     // can stop the run between two. False when the user declined the first question.
     bool UpdateAll(JobProgress* progress = nullptr);
-    // The same for one entry, without the first question. Nothing happens for an index outside the list.
+    // Updates one entry, without the first question. Nothing happens for an index outside the list.
     void UpdateSelected(int index);
-    // The same for several.
+    // Updates these, asking as UpdateSelected does, in one rewrite of the main script.
     void UpdateEntries(const std::vector<UpdateEntry>& entries);
 
     // What the last run could not do, a line for each script; the user has been told. Those come last that were

@@ -49,7 +49,7 @@ public:
     // Gives up what is typed in the field with the keyboard, or the refusal that is shown; false when there is
     // nothing to give up.
     bool revert();
-    // The same of a refused text alone.
+    // Gives up the refused text in that field, but nothing that is only being typed.
     bool revertDraft();
     // Scrolls the row into view and gives it the keyboard; the first one with a field.
     void focusRow(size_t row);

@@ -193,7 +193,8 @@ int main(int argc, char** argv) {
     app.add_option("--pictures", options.pictures, "Folder for the picture taken when a script fails");
     app.add_option("--limit", options.limit,
                    "End with status 1 when the script takes longer than these seconds");
-    app.add_option("--dpi", options.dpi, "Dots an inch of the screen that a driven editor finds (under Wine)")
+    app.add_option("--dpi", options.dpi,
+                   "Dots per inch of the screen that a driven editor finds (under Wine)")
         ->check(CLI::Range(96, 480));
     app.add_option("--font", options.font, "Face of the system's message font that it finds (under Wine)");
     app.add_option("--decimal", options.decimal,
