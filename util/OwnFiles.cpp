@@ -7,7 +7,7 @@
 namespace zoka {
 namespace {
 
-constexpr std::size_t kLongestPath = 1000;
+constexpr size_t kLongestPath = 1000;
 
 // Fixed memory: a signal handler can take none.
 struct Place {

@@ -42,13 +42,13 @@ public:
     // Of the "<" that begins the tag.
     XMLPlace at(std::uint32_t place) const;
     // Of a byte of text().
-    XMLPlace exactly(std::size_t offset) const;
+    XMLPlace exactly(size_t offset) const;
     // What the parser read, where places count.
     const std::string& text() const { return m_text; }
 
 private:
     std::string m_text;
-    std::size_t m_skip = 0;
+    size_t m_skip = 0;
     std::vector<std::uint32_t> m_lines;  // where each begins
     // How many characters stand in front of each block of the text, so that a column takes the same time in a long
     // line as in a short one.

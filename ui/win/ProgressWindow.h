@@ -35,7 +35,7 @@ private:
     HWND firstField() override { return m_button; }
     // Nobody closes it but the job's end.
     bool mayClose() override;
-    void show(std::size_t done, std::size_t total, const std::string& what);
+    void show(size_t done, size_t total, const std::string& what);
     void pumpMessages();
 
     HWND m_owner;

@@ -112,18 +112,18 @@ int openFile(const std::string& path, int flags) {
 // What the system lets us copy; the rest is not worth a refusal. Access lists are among them.
 void copyExtendedAttributes(int from, int to) {
     const ssize_t size = flistxattr(from, nullptr, 0);
-    std::string names(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    std::string names(size > 0 ? static_cast<size_t>(size) : 0, '\0');
     const ssize_t used = names.empty() ? 0 : flistxattr(from, names.data(), names.size());
-    names.resize(used > 0 ? static_cast<std::size_t>(used) : 0);
+    names.resize(used > 0 ? static_cast<size_t>(used) : 0);
     std::string value;
-    for (std::size_t at = 0; at < names.size();) {
+    for (size_t at = 0; at < names.size();) {
         const char* const name = names.c_str() + at;
         at += std::strlen(name) + 1;
         const ssize_t length = fgetxattr(from, name, nullptr, 0);
-        value.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        value.resize(length > 0 ? static_cast<size_t>(length) : 0);
         const ssize_t got = length >= 0 ? fgetxattr(from, name, value.data(), value.size()) : -1;
         if (got >= 0) {
-            fsetxattr(to, name, value.data(), static_cast<std::size_t>(got), 0);
+            fsetxattr(to, name, value.data(), static_cast<size_t>(got), 0);
         }
     }
 }
@@ -429,7 +429,7 @@ public:
                            ? std::optional(fromNativePath(native))
                            : std::nullopt;
             }
-            const std::string_view link(target, static_cast<std::size_t>(size));
+            const std::string_view link(target, static_cast<size_t>(size));
             native = link.starts_with('/') ? std::string(link)
                                            : native.substr(0, native.rfind('/') + 1).append(link);
         }

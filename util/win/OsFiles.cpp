@@ -96,14 +96,14 @@ std::string fullPathOf(const std::string& path) {
 std::wstring wide(const std::string& text) {
     const auto size = static_cast<int>(text.size());
     const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
-    std::wstring made(static_cast<std::size_t>(length), L'\0');
+    std::wstring made(static_cast<size_t>(length), L'\0');
     MultiByteToWideChar(CP_ACP, 0, text.data(), size, made.data(), length);
     return made;
 }
 
 std::string narrow(const wchar_t* text) {
     const int length = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string made(length > 0 ? static_cast<std::size_t>(length) : 1, '\0');
+    std::string made(length > 0 ? static_cast<size_t>(length) : 1, '\0');
     WideCharToMultiByte(CP_ACP, 0, text, -1, made.data(), length, nullptr, nullptr);
     made.pop_back();
     return made;

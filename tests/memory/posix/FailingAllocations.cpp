@@ -18,7 +18,7 @@ namespace {
 
 using zoka::test::g_countdown, zoka::test::g_live, zoka::test::g_bytes, zoka::test::g_limit;
 
-bool fails(std::size_t size) {
+bool fails(size_t size) {
     return (g_countdown > 0 && --g_countdown == 0) ||
            (g_limit > 0 && g_bytes + static_cast<long>(size) > g_limit);
 }
@@ -35,17 +35,17 @@ void count(void* memory, long sign) {
 // system's libraries.
 extern "C" {
 
-void* __real_malloc(std::size_t size);
-void* __real_realloc(void* memory, std::size_t size);
+void* __real_malloc(size_t size);
+void* __real_realloc(void* memory, size_t size);
 void __real_free(void* memory);
 
-void* __wrap_malloc(std::size_t size) {
+void* __wrap_malloc(size_t size) {
     void* const made = fails(size) ? nullptr : __real_malloc(size);
     count(made, 1);
     return made;
 }
 
-void* __wrap_realloc(void* memory, std::size_t size) {
+void* __wrap_realloc(void* memory, size_t size) {
     if (fails(size)) {
         return nullptr;
     }
@@ -61,20 +61,20 @@ void __wrap_free(void* memory) {
 }
 }
 
-void* operator new(std::size_t size) {
+void* operator new(size_t size) {
     void* const made = __wrap_malloc(size > 0 ? size : 1);
     if (!made) {
         throw std::bad_alloc();
     }
     return made;
 }
-void* operator new[](std::size_t size) {
+void* operator new[](size_t size) {
     return operator new(size);
 }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
     return __wrap_malloc(size > 0 ? size : 1);
 }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
     return __wrap_malloc(size > 0 ? size : 1);
 }
 void operator delete(void* memory) noexcept {
@@ -83,9 +83,9 @@ void operator delete(void* memory) noexcept {
 void operator delete[](void* memory) noexcept {
     __wrap_free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+void operator delete(void* memory, size_t) noexcept {
     __wrap_free(memory);
 }
-void operator delete[](void* memory, std::size_t) noexcept {
+void operator delete[](void* memory, size_t) noexcept {
     __wrap_free(memory);
 }
