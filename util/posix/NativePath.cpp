@@ -165,6 +165,11 @@ bool isKnownNew(const std::string& native) {
 
 }  // namespace
 
+void forgetFolders() {
+    const std::scoped_lock lock(g_largeMutex);
+    g_large = {};
+}
+
 std::string withSlashes(std::string_view path) {
     if (path.size() > 1 && path[1] == ':') {
         path.remove_prefix(2);

@@ -20,7 +20,9 @@ struct FoundPath {
     bool exists;
 };
 FoundPath pathForNew(std::string_view path);
-// The same as it is spelled, without a look at the disk.
+// Drops what is kept of folders that were read. [any thread]
+void forgetFolders();
+// A path as it is spelled, with slashes, without a look at the disk.
 std::string withSlashes(std::string_view path);
 
 // The other way: backslashes, and "C:" in front of a path from the root.

@@ -9,6 +9,7 @@
 #include "tests/memory/posix/SilentPrompt.h"
 #include "tests/wizard/Suite.h"
 #include "util/Doors.h"
+#include "util/posix/NativePath.h"
 
 namespace {
 
@@ -85,6 +86,7 @@ TEST(Allocations, EachThatFailsWhileLoadingIsAResult) {
         for (long failing = -1; !done; failing += failing < 1 ? 1 : 1 + failing / 40) {
             SCOPED_TRACE(failing);
             std::filesystem::remove_all(suite.folder.native("games/g"));
+            forgetFolders();
             const long before = g_live;
             bool well = false;
             g_countdown = std::max(failing, 0L);
@@ -94,6 +96,7 @@ TEST(Allocations, EachThatFailsWhileLoadingIsAResult) {
             failures += !well;
             EXPECT_TRUE(well || (failing > 0 && !done));
             closeDebugLog();
+            forgetFolders();
             if (failing >= 0) {  // the first time fills what is kept for the process
                 EXPECT_LE(g_live - before, 8) << "leaked";
             }
