@@ -27,7 +27,7 @@ void drawTitle(const DRAWITEMSTRUCT& item) {
 }
 
 LRESULT CALLBACK headerOwnerProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                 DWORD_PTR) {
+                                 DWORD_PTR) noexcept {
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(list, headerOwnerProc, id);
     } else if (message == WM_DRAWITEM) {

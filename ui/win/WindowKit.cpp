@@ -41,7 +41,7 @@ void showScrollBarAsNeeded(HWND text) {
 // Of a field of several lines. One to read only keeps of the keys the arrows alone; the others else take Enter and Tab,
 // and close their parent on Escape.
 LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                          DWORD_PTR readOnly) {
+                          DWORD_PTR readOnly) noexcept {
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, textProc, id);
     } else if (readOnly && message == WM_GETDLGCODE) {

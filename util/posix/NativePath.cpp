@@ -32,7 +32,9 @@ struct EqualNoCase {
     using is_transparent = void;
     bool operator()(std::string_view a, std::string_view b) const { return equalNoCase(a, b); }
 };
-using NamesNoCase = std::unordered_multiset<std::string, HashNoCase, EqualNoCase>;
+template <class Name>
+using KeyedNoCase = std::unordered_multiset<Name, HashNoCase, EqualNoCase>;
+using NamesNoCase = KeyedNoCase<std::string>;
 
 // The names in a folder with many of them. Reading it anew for each name that isn't there would take quadratic time
 // where many files are made, so it's good for a while; names that were looked for and not found are among them,
