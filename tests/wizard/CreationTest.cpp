@@ -1,5 +1,6 @@
 // Projects are made as planned; whatever fails gives its code, its texts and its report, and harms nothing.
 #include "J8ProjectManager/ProjectSession.h"
+#include "customize/EntityComponents.h"
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/support/SourceDir.h"
@@ -204,7 +205,8 @@ std::string contentOf(const CJ8ProjectManager& project) {
            (project.component("patrol") ? " patrol" : "") + (project.behavior("guard") ? " guard" : "");
 }
 
-// The windows and the wizard share one object: what it holds afterwards is what a new one would hold.
+// The windows and the wizard share one object: what it holds afterwards is what a new one would hold. The behaviour panel
+// leaves it alone, and is left alone by it.
 TEST(Creation, NothingOfAnEarlierProjectStays) {
     Suite suite;
     addFullWizard(suite);
@@ -233,8 +235,29 @@ TEST(Creation, NothingOfAnEarlierProjectStays) {
     ASSERT_NE(openedTown.find("component patrol"), openedTown.npos);
 
     CJ8ProjectManager& one = *CJ8ProjectManager::Instance();
+    EntityComponents panel(town, prompt);
+    ASSERT_TRUE(panel.load());
+    const auto shown = [&panel] {
+        panel.show({"night guard"});
+        std::string rows;
+        for (size_t row = 0; row < panel.size(); ++row) {
+            rows += panel.nameOf(row) + '=' + panel.modelOf(row).value() + '\n';
+        }
+        return rows;
+    };
+    const std::string panelRows = shown();
+    ASSERT_NE(panelRows.find('.'), panelRows.npos);
+    EXPECT_EQ(contentOf(one), created);
     EXPECT_EQ(open(one, town), openedTown);
+    EXPECT_TRUE(definedBehavior(small, "nobody") == std::nullopt);
+    EXPECT_EQ(contentOf(one), openedTown);
+    EXPECT_EQ(shown(), panelRows);
     EXPECT_EQ(create(), created);
+    EXPECT_EQ(shown(), panelRows);
+    panel.moveTo(small);
+    EXPECT_EQ(contentOf(one), created);
+    panel.moveTo(town);
+    EXPECT_EQ(shown(), panelRows);
     EXPECT_EQ(open(one, town), openedTown);
     EXPECT_EQ(open(one, small), openedSmall);
     EXPECT_EQ(open(one, town), openedTown);
