@@ -126,8 +126,8 @@ XMLNode CJ8ProjectManager::createXMLTopNode(const StepReport& report, const std:
 
 std::optional<std::string> CJ8ProjectManager::fileText(const StepReport& report,
                                                        const std::string& date) const {
-    const XMLNode top = createXMLTopNode(report, date);
-    return top.isEmpty() ? std::nullopt : top.toFileBytes();
+    const zoka::XMLText text = createXMLTopNode(report, date).toFileBytes();
+    return text ? std::optional<std::string>(text.view()) : std::nullopt;
 }
 
 std::string CJ8ProjectManager::dateNow() {
@@ -142,11 +142,11 @@ SafeWriteResult CJ8ProjectManager::SaveProjectXML(const StepReport& report, cons
         return {Refusal{"The project has no file to be saved to."}};
     }
     const std::string date = dateNow();
-    const auto text = fileText(report, date);
+    const zoka::XMLText text = createXMLTopNode(report, date).toFileBytes();
     if (!text) {
         return {Refusal{"There is not enough memory to write the project."}};
     }
-    zoka::FileContent file = {path, *text};
+    zoka::FileContent file = {path, text.view()};
     if (expected) {
         file.expected = *expected;
     }

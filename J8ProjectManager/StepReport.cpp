@@ -37,8 +37,8 @@ void StepReport::markSucceeded() const {
 
 bool StepReport::write(const char* path) const {
     // It goes to a name of ours in the current folder: a link there may lead to anything.
-    const auto bytes = m_node.toFileBytes();
-    return bytes && safeWrite(path, *bytes, FileKind::Generated);
+    const XMLText text = m_node.toFileBytes();
+    return text && safeWrite(path, text.view(), FileKind::Generated);
 }
 
 }  // namespace zoka

@@ -300,9 +300,9 @@ XMLNode XMLNode::loadFileOrExit(const char* path, const char* tag) {
     return node;
 }
 
-std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool formatted) const {
+zoka::XMLText XMLNode::toFileBytes(const char* encoding, bool formatted) const {
     if (!m_element) {
-        return std::nullopt;
+        return {};
     }
     const bool utf8 = charset() == XMLCharset::Utf8;
     std::string head;
@@ -328,33 +328,27 @@ std::optional<std::string> XMLNode::toFileBytes(const char* encoding, bool forma
         }
         head = "<?xml version=\"1.0\" encoding=\"" + std::string(encoding) + "\"?>\n";
     }
-    const zoka::XMLText text = zoka::writeXml(m_element, formatted, instead);
-    if (!text.bytes) {
-        return std::nullopt;
+    if (!writesUtf8 || utf8) {
+        return zoka::writeXml(m_element, formatted, head, instead);
     }
-    const std::string_view body(text.bytes.get(), text.length);
-    if (writesUtf8 && !utf8) {
-        head += zoka::utf8FromPlatform(body);
-    } else {
-        head += body;
-    }
-    return head;
+    const zoka::XMLText body = zoka::writeXml(m_element, formatted, {}, instead);
+    return body ? zoka::joinXml(head, zoka::utf8FromPlatform(body.view())) : zoka::XMLText();
 }
 
 int XMLNode::writeFile(const char* path, const char* encoding, bool formatted) const {
     if (!m_element || !path) {
         return kXmlCannotOpenForWriting;
     }
-    std::optional<std::string> bytes;
+    zoka::XMLText text;
     try {
-        bytes = toFileBytes(encoding, formatted);
+        text = toFileBytes(encoding, formatted);
     } catch (const std::bad_alloc&) {
-        bytes.reset();
+        text = {};
     }
-    if (!bytes) {
+    if (!text) {
         return kXmlCannotWrite;
     }
-    if (zoka::safeWrite(path, *bytes)) {
+    if (zoka::safeWrite(path, text.view())) {
         return kXmlNone;
     }
     return zoka::canOpenForWriting(path) ? kXmlCannotWrite : kXmlCannotOpenForWriting;

@@ -20,7 +20,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +42,18 @@ inline size_t& xmlHandles(const XMLElement* element) {
     const auto block = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kXmlBlockSize - 1};
     return **reinterpret_cast<size_t**>(block);
 }
+
+// A text of its own memory; false without one, because memory ran out.
+struct XMLText {
+    struct Free {
+        void operator()(char* text) const { std::free(text); }
+    };
+    std::unique_ptr<char, Free> bytes;  // 0-terminated
+    size_t length = 0;
+
+    explicit operator bool() const { return bytes != nullptr; }
+    std::string_view view() const { return {bytes.get(), length}; }
+};
 }  // namespace zoka
 
 // What parsing found. Lines and columns count from 1, columns in characters (a tab is one); both are 0 where
@@ -191,7 +205,7 @@ public:
     // place. 0, or 16 when the file can't be opened, 17 when writing fails.
     int writeFile(const char* path, const char* encoding = nullptr, bool formatted = true) const;
     // What writeFile writes; nothing for the empty node, or when memory runs out.
-    std::optional<std::string> toFileBytes(const char* encoding = nullptr, bool formatted = true) const;
+    zoka::XMLText toFileBytes(const char* encoding = nullptr, bool formatted = true) const;
 
     // --- the rest ---
 

@@ -179,7 +179,7 @@ private:
         m_limit = larger + room;
     }
 
-    std::unique_ptr<char, XMLFree> m_buffer;
+    std::unique_ptr<char, XMLText::Free> m_buffer;
     char* m_at = nullptr;
     char* m_limit = nullptr;
 };

@@ -15,7 +15,10 @@ constexpr size_t kMostDeepTabs = 16 * 1024 * 1024;
 
 class Writer {
 public:
-    Writer(bool formatted, const char* encoding) : m_formatted(formatted), m_encoding(encoding) {}
+    Writer(bool formatted, std::string_view head, const char* encoding)
+        : m_formatted(formatted), m_encoding(encoding) {
+        m_out.put(head);
+    }
 
     XMLText write(const XMLElement* top) {
         const XMLItem* item = top;
@@ -160,9 +163,20 @@ private:
 
 }  // namespace
 
-XMLText writeXml(const XMLElement* top, bool formatted, const char* declaredEncoding) {
+XMLText writeXml(const XMLElement* top, bool formatted, std::string_view head, const char* declaredEncoding) {
     try {
-        return Writer(formatted, declaredEncoding).write(top);
+        return Writer(formatted, head, declaredEncoding).write(top);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+XMLText joinXml(std::string_view head, std::string_view body) {
+    try {
+        XMLOutput out;
+        out.put(head);
+        out.put(body);
+        return out.take();
     } catch (const std::bad_alloc&) {
         return {};
     }

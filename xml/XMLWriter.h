@@ -1,25 +1,18 @@
 // From tree to text. Internal to this folder.
 #pragma once
 
-#include <cstddef>
-#include <cstdlib>
-#include <memory>
+#include <string_view>
 
+#include "xml/XMLNode.h"
 #include "xml/XMLTree.h"
 
 namespace zoka {
 
-struct XMLFree {
-    void operator()(char* text) const { std::free(text); }
-};
-
-struct XMLText {
-    std::unique_ptr<char, XMLFree> bytes;  // 0-terminated; null when memory ran out
-    size_t length = 0;
-};
-
-// The subtree of `top` as text in the tree's character set. With `declaredEncoding` not null, that stands
+// The subtree of `top` as text in the tree's character set, behind `head`. With `declaredEncoding` not null, that stands
 // in the place of the encoding that a declaration in the tree names. Uses no recursion.
-XMLText writeXml(const XMLElement* top, bool formatted, const char* declaredEncoding = nullptr);
+XMLText writeXml(const XMLElement* top, bool formatted, std::string_view head = {},
+                 const char* declaredEncoding = nullptr);
+// `head` and `body` in one.
+XMLText joinXml(std::string_view head, std::string_view body);
 
 }  // namespace zoka

@@ -36,7 +36,7 @@ const Row kRows[] = {
          XMLResults results;
          const XMLNode root = XMLNode::parseFile(suite.folder.path("p.xml").c_str(), nullptr, &results);
          EXPECT_TRUE(!root.isEmpty() || results.outOfMemory);
-         return !root.isEmpty() && root.toFileBytes(nullptr, true).has_value();
+         return !root.isEmpty() && bool(root.toFileBytes(nullptr, true));
      }},
     {"project",
      [](const Suite& suite) {
