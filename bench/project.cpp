@@ -30,7 +30,6 @@ std::vector<std::string> filesOf(const test::TempFolder& folder, const std::stri
     return files;
 }
 
-
 // `memory` Fresh: what was freed before goes back to the system, so that the load works in pages that are new to it, as
 // every page of a load is that needs more than there ever was.
 enum class Memory { AsItIs, Fresh };
