@@ -9,7 +9,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "util/KeyedHash.h"
@@ -24,18 +23,6 @@ bool existsNative(const std::string& path) {
     return lstat(path.c_str(), &info) == 0;
 }
 
-struct HashNoCase {
-    using is_transparent = void;
-    size_t operator()(std::string_view text) const { return static_cast<size_t>(keyedHashNoCase(text)); }
-};
-struct EqualNoCase {
-    using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const { return equalNoCase(a, b); }
-};
-template <class Name>
-using KeyedNoCase = std::unordered_multiset<Name, HashNoCase, EqualNoCase>;
-using NamesNoCase = KeyedNoCase<std::string>;
-
 // The names in a folder with many of them. Reading it anew for each name that isn't there would take quadratic time
 // where many files are made, so it's good for a while; names that were looked for and not found are among them,
 // because whoever made a file in the meantime looked for it first.
@@ -44,12 +31,11 @@ struct LargeFolder {
     dev_t device = 0;
     ino_t number = 0;
     std::chrono::steady_clock::time_point goodUntil;
-    NamesNoCase names;
+    KeyedMultisetNoCase<std::string> names;
 };
 
-constexpr std::ptrdiff_t kLargeFrom =
-    16;                       // entries; fewer are read anew each time, unless files are made there
-constexpr int kGoodFor = 50;  // times as long as reading the folder took
+constexpr std::ptrdiff_t kLargeFrom = 16;  // entries; of fewer the names are read anew each time
+constexpr int kGoodFor = 50;               // times as long as reading the folder took
 constexpr size_t kFoldersKept = 4;
 
 std::mutex g_largeMutex;
@@ -67,7 +53,8 @@ std::vector<std::string> readNames(const std::string& folder, std::string_view n
     std::ranges::copy_if(all, std::back_inserter(equal),
                          [name](const std::string& one) { return equalNoCase(one, name); });
     if (std::ssize(all) >= keptFrom) {
-        LargeFolder large{folder, info.st_dev, info.st_ino, {}, NamesNoCase(2 * all.size())};
+        LargeFolder large{
+            folder, info.st_dev, info.st_ino, {}, KeyedMultisetNoCase<std::string>(2 * all.size())};
         for (std::string& one : all) {
             large.names.insert(std::move(one));
         }
