@@ -23,10 +23,10 @@ constexpr UINT kLoaded = WM_APP + 30;
 // Looks whether the project is loaded, should the message that says so not come.
 constexpr UINT_PTR kLoadedTimer = 30;
 constexpr UINT kLookEvery = 250;  // milliseconds
-// What is loaded within that time comes into sight with the window: nobody notices it, and nothing flickers. A project
-// file that is not large is waited for longer, as it takes so long only where the disk or the processor is busy.
-constexpr DWORD kLoadsAtOnce = 10, kSmallLoadsAtOnce = 1000;  // milliseconds
-constexpr std::uint64_t kSmall = 256 * 1024;                  // bytes
+// A project file that is not large is waited for and comes into sight with the window: nobody notices it, and nothing
+// flickers. It takes long only where the disk or the processor is busy.
+constexpr DWORD kSmallLoadsAtOnce = 1000;     // milliseconds
+constexpr std::uint64_t kSmall = 256 * 1024;  // bytes
 
 void tellNotLoaded(const std::string& why) {
     userPrompt().ask(why, kTitle, PromptButtons::Ok, PromptIcon::Error);
@@ -107,7 +107,7 @@ private:
 void ProjectDialog::run(const std::string& projectFile) {
     m_load.emplace(projectFile, m_model);
     const auto file = osFiles().search(projectFile);
-    if (!m_load->isDone(file && file->size < kSmall ? kSmallLoadsAtOnce : kLoadsAtOnce)) {
+    if (!m_load->isDone(file && file->size < kSmall ? kSmallLoadsAtOnce : 0)) {
         m_load->giveWay();
     } else if (!takeLoaded()) {
         return;
