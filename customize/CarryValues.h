@@ -46,8 +46,9 @@ std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptR
 // One line a value: "Range (id 4): 150 - the reason".
 std::string unplacedText(const std::vector<UnplacedValue>& values);
 
-// The content of the file with the values that found no place (kLeftOverEnding): `earlier` is what the file held so far (or empty), whose records stay unless a newer one has
-// their id. Values without an id stand at the end, in a form that readers of value files pass over.
+// The content of the file with the values that found no place (kLeftOverEnding): `earlier` is what the file held so
+// far (or empty), whose records stay unless a newer one has their id. Values without an id stand at the end, in a form
+// that readers of value files pass over.
 std::string oldValuesText(const std::string& earlier, const CustomScript& script,
                           const std::vector<UnplacedValue>& values);
 // Adds the values to the file beside the script; nothing is written when there are none.

@@ -65,7 +65,7 @@ public:
     // Updates the scripts listed, after a question, and rebuilds the list. An entry that stands for needs has
     // them included, all in one rewrite of the main script. Scripts with lines that their templates lack are
     // replaced only when the user agrees once more. Each script is updated once, whole or not at all; `progress`
-    // can stop the run between two. False when the user declined the first question.
+    // can stop the run between two. False when the user declined the first question, and when nothing could be listed.
     bool UpdateAll(JobProgress* progress = nullptr);
     // Updates one entry, without the first question. Nothing happens for an index outside the list.
     void UpdateSelected(int index);

@@ -11,7 +11,8 @@
 namespace zoka {
 
 // Of the file beside a script or a project, added to its full name, with what the user typed and it could not take:
-// values that an update has no place for, edits that could not be saved. Nothing takes them out of it but the user.
+// values that an update has no place for, edits that could not be saved. UTF-8, a line for each, later ones added.
+// Nothing takes them out of it but the user.
 inline constexpr const char* kLeftOverEnding = ".zoka.old";
 
 // How many copies of one file are kept; the oldest ones make room.

@@ -14,8 +14,8 @@ namespace zoka {
 // Made and used by one thread.
 class BackgroundLoad {
 public:
-    // Begins to load. What `before` held is freed afterwards on the same thread: of a large project that takes its time, too. Where no
-    // thread can be had, all is done here.
+    // Begins to load. What `before` held is freed afterwards on the same thread: of a large project that takes its
+    // time, too. Where no thread can be had, all is done here.
     BackgroundLoad(std::string projectFile, CJ8ProjectManager& before);
     // Waits for the thread, which stops soon.
     ~BackgroundLoad();

@@ -1,6 +1,10 @@
 #include "J8ProjectManager/win/LevelsPage.h"
 
 #include <algorithm>
+#include <string_view>
+
+#include "controls/TextSet.h"
+#include "util/Text.h"
 
 namespace zoka {
 
@@ -113,7 +117,7 @@ void LevelsPage::refresh() {
     const std::optional<ProjectField> keyboard = m_panel.fieldOf(m_view.focusedRow());
     fillLevels();
     // What was just changed may be what it was found by.
-    fillEntities(entity);
+    fillEntities(m_filled == m_level ? entity : std::nullopt);
     selectEntity(entity);
     if (keyboard) {
         focusField(*keyboard);
@@ -141,8 +145,7 @@ const std::vector<std::string>& LevelsPage::words(size_t level) {
     if (!m_words[level]) {
         std::vector<std::string>& texts = m_words[level].emplace();
         for (const J8LevelEntity& entity : model().m_apLevels[level].m_entities) {
-            std::string& text = texts.emplace_back(shownText(entity.name + "\n" + entity.parent));
-            CharLowerBuffA(text.data(), static_cast<DWORD>(text.size()));
+            texts.push_back(foldedText(shownText(entity.name + "\n" + entity.parent), TextSet::System));
         }
     }
     return *m_words[level];
@@ -150,9 +153,10 @@ const std::vector<std::string>& LevelsPage::words(size_t level) {
 
 void LevelsPage::fillEntities(std::optional<size_t> kept) {
     m_searched = textOf(m_search);
-    m_wanted = m_searched;
-    CharLowerBuffA(m_wanted.data(), static_cast<DWORD>(m_wanted.size()));
-    const auto isFound = [this](const std::string& text) { return text.find(m_wanted) != text.npos; };
+    m_wanted = foldedText(m_searched, TextSet::System);
+    const std::vector<std::string_view> wanted = tokensOf(m_wanted, kWhiteSpace);
+    const auto isFound = [&wanted](const std::string& text) { return holdsAll(text, wanted); };
+    m_filled = m_level;
     m_entities.clear();
     m_elsewhere = 0;
     size_t all = 0;
@@ -165,7 +169,7 @@ void LevelsPage::fillEntities(std::optional<size_t> kept) {
             }
         }
     }
-    for (size_t i = 0; i < model().m_apLevels.size() && !m_wanted.empty(); ++i) {
+    for (size_t i = 0; i < model().m_apLevels.size() && !wanted.empty(); ++i) {
         m_elsewhere += i == m_level ? 0 : static_cast<size_t>(std::ranges::count_if(words(i), isFound));
     }
     m_list.setCount(hasLevel() ? static_cast<int>(m_entities.size()) + 1 : 0);
@@ -177,7 +181,8 @@ void LevelsPage::fillEntities(std::optional<size_t> kept) {
 
 // Round through all levels, and through this one to where it began.
 void LevelsPage::findNext(bool back) {
-    if (m_wanted.empty() || !hasLevel() || !m_view.commit()) {
+    const std::vector<std::string_view> wanted = tokensOf(m_wanted, kWhiteSpace);
+    if (wanted.empty() || !hasLevel() || !m_view.commit()) {
         return;
     }
     const size_t levels = model().m_apLevels.size();
@@ -188,7 +193,7 @@ void LevelsPage::findNext(bool back) {
         for (size_t n = 0; n < texts.size(); ++n) {
             const size_t i = back ? texts.size() - 1 - n : n;
             const bool isPassed = step == 0 && (back ? !start || i >= *start : start && i <= *start);
-            if (isPassed || texts[i].find(m_wanted) == std::string::npos) {
+            if (isPassed || !holdsAll(texts[i], wanted)) {
                 continue;
             }
             m_level = level;

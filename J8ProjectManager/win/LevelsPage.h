@@ -67,7 +67,8 @@ private:
     std::vector<size_t> m_entities;  // those found, by place
     std::optional<size_t> m_shown;   // the entity whose rows are shown; none: the level's
     std::string m_searched;          // what the entities are found by
-    std::string m_wanted;            // the same in lower case
+    std::string m_wanted;            // the same in lower case, words between blanks
+    size_t m_filled = 0;             // the level whose entities are listed
     size_t m_elsewhere = 0;          // how many it finds in other levels
     std::vector<std::optional<std::vector<std::string>>> m_words;  // by level; see words()
     HWND m_levelLabel = nullptr, m_searchLabel = nullptr, m_search = nullptr, m_count = nullptr;

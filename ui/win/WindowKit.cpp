@@ -453,19 +453,26 @@ bool copyToClipboard(HWND owner, const std::string& text) {
 }
 
 std::string clipboardText(HWND owner, size_t most, UINT codePage) {
-    std::string text;
     if (!OpenClipboard(owner)) {
-        return text;
+        return {};
     }
-    if (const HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
-        if (const auto* const wide = static_cast<const wchar_t*>(GlobalLock(data))) {
-            const size_t length = wcsnlen(wide, std::min<size_t>(most, GlobalSize(data) / sizeof *wide));
-            text = narrowText({wide, length}, codePage);
-            GlobalUnlock(data);
+    // Closed also when memory runs out: no other program could use it.
+    struct Opened {
+        HANDLE data = GetClipboardData(CF_UNICODETEXT);
+        const wchar_t* text = data ? static_cast<const wchar_t*>(GlobalLock(data)) : nullptr;
+        ~Opened() {
+            if (text) {
+                GlobalUnlock(data);
+            }
+            CloseClipboard();
         }
-    }
-    CloseClipboard();
-    return text;
+    };
+    const Opened opened;
+    const wchar_t* const wide = opened.text;
+    return wide ? narrowText(
+                      {wide, wcsnlen(wide, std::min<size_t>(most, GlobalSize(opened.data) / sizeof *wide))},
+                      codePage)
+                : std::string();
 }
 
 }  // namespace zoka

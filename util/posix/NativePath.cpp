@@ -36,6 +36,7 @@ struct LargeFolder {
 
 constexpr std::ptrdiff_t kLargeFrom = 16;  // entries; of fewer the names are read anew each time
 constexpr int kGoodFor = 50;               // times as long as reading the folder took
+constexpr std::chrono::milliseconds kLongest{200};
 constexpr size_t kFoldersKept = 4;
 
 std::mutex g_largeMutex;
@@ -62,7 +63,8 @@ std::vector<std::string> readNames(const std::string& folder, std::string_view n
             large.names.emplace(name);
         }
         const auto end = std::chrono::steady_clock::now();
-        large.goodUntil = end + (end - start) * kGoodFor;
+        large.goodUntil =
+            end + std::min<std::chrono::steady_clock::duration>((end - start) * kGoodFor, kLongest);
         std::erase_if(g_large,
                       [&folder](const LargeFolder& one) { return one.path == folder; });  // made anew since
         if (g_large.size() == kFoldersKept) {

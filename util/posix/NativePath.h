@@ -11,7 +11,7 @@ namespace zoka {
 // name does not exist, each part that isn't there is looked for without regard to case (the first match in
 // the order of bytes); parts that are found in no spelling stay as given, for what is yet to be made. In a folder
 // of many files, one that another program makes under another spelling may be seen fifty times as late as reading the
-// folder takes: tens of milliseconds for thousands of files. [any thread]
+// folder takes, 0.2 s at most. [any thread]
 std::string toNativePath(std::string_view path);
 // The same for a file that is about to be made, one of many perhaps: as few looks at its folder as can be. What another
 // program made there under the very same name in the meantime may be missed; making a new file refuses that.
