@@ -36,7 +36,7 @@ private:
 
 // The job works on what stands on the window's stack: it has ended when the call does, however that does.
 TEST(ProgressWindow, WaitsForAJobThatItCanShowNothingOf) {
-    std::atomic<bool> ended = false;
+    std::atomic<bool> stopped = false, ended = false;
     ProgressWindow progress(nullptr, "Test");
     const auto job = [&](JobProgress& shown) {
         const std::string what(4 << 20, 'x');
@@ -45,13 +45,15 @@ TEST(ProgressWindow, WaitsForAJobThatItCanShowNothingOf) {
             Sleep(1);
         }
         const NoLargePieces full;
-        while (shown.step(0, 1, what)) {
+        for (int i = 0; i < 10000 && !stopped; ++i) {
             Sleep(1);
+            stopped = !shown.step(0, 1, what);
         }
         Sleep(50);
         ended = true;
     };
     EXPECT_THROW(progress.runOnThread(job), std::bad_alloc);
+    EXPECT_TRUE(stopped);
     EXPECT_TRUE(ended);
     EXPECT_TRUE(progress.cancelled());
 }
