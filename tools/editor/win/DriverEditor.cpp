@@ -266,6 +266,17 @@ void diskDelay(DriveContext& drive, const Words& words) {
     slowDisk(loadedPlugin(drive), words[1], static_cast<unsigned>(driveNumber(words[0])));
 }
 
+void diskHold(DriveContext& drive, const Words& words) {
+    if (words[0].empty()) {
+        throw DriveFault("disk-hold needs a part of the paths that it holds");
+    }
+    holdDisk(loadedPlugin(drive), words[0]);
+}
+
+void diskRelease(DriveContext&, const Words&) {
+    releaseDisk();
+}
+
 void diskFull(DriveContext& drive, const Words& words) {
     fillDisk(loadedPlugin(drive), words[1], static_cast<unsigned>(driveNumber(words[0])));
 }
@@ -320,6 +331,8 @@ void addEditorCommands(DriveCommands& table) {
     table["editor-interface"] = {1, 1, editorInterface};
     table["host"] = {1, 1, hostFault};
     table["disk-delay"] = {2, 2, diskDelay};
+    table["disk-hold"] = {1, 1, diskHold};
+    table["disk-release"] = {0, 0, diskRelease};
     table["disk-full"] = {2, 2, diskFull};
     table["host-delay"] = {1, 1, hostDelay};
     table["chooser"] = {1, 1, chooser};

@@ -12,14 +12,25 @@ namespace {
 SlimLock g_lock;  // of what follows
 std::wstring g_slowPart;
 DWORD g_ms = 0;
+std::wstring g_heldPart;  // empty: nothing is held
 std::wstring g_fullPart;  // empty: nothing is full
 unsigned g_room = 0;      // operations that it has room for
 
-void waitFor(LPCWSTR path) {
+bool isHeld(const std::wstring& path) {
+    const std::lock_guard lock(g_lock);
+    return !g_heldPart.empty() && path.find(g_heldPart) != path.npos;
+}
+
+void waitFor(LPCWSTR name) {
+    constexpr DWORD kBetweenLooks = 4;
+    const std::wstring path = name ? name : L"";
+    while (isHeld(path)) {
+        Sleep(kBetweenLooks);
+    }
     DWORD ms = 0;
     {
         const std::lock_guard lock(g_lock);
-        ms = path && std::wstring(path).find(g_slowPart) != std::wstring::npos ? g_ms : 0;
+        ms = name && path.find(g_slowPart) != path.npos ? g_ms : 0;
     }
     if (ms > 0) {
         Sleep(ms);
@@ -163,6 +174,19 @@ void slowDisk(HMODULE plugin, const std::string& part, unsigned ms) {
         g_ms = ms;
     }
     leadCalls(plugin);
+}
+
+void holdDisk(HMODULE plugin, const std::string& part) {
+    {
+        const std::lock_guard lock(g_lock);
+        g_heldPart = wideText(part);
+    }
+    leadCalls(plugin);
+}
+
+void releaseDisk() {
+    const std::lock_guard lock(g_lock);
+    g_heldPart.clear();
 }
 
 void fillDisk(HMODULE plugin, const std::string& part, unsigned operations) {
