@@ -3,6 +3,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "tools/editor/win/DriveContext.h"
@@ -306,6 +307,17 @@ void expectItems(DriveContext& drive, const Words& words) {
                  [&] { return listed(itemsOf(found)); });
 }
 
+void expectCount(DriveContext& drive, const Words& words) {
+    const HWND found = drive.control(words[0]);
+    const long wanted = driveNumber(words[2]);
+    std::vector<std::string> items;
+    const auto matches = [&] {
+        items = itemsOf(found);
+        return std::count(items.begin(), items.end(), words[1]) == wanted;
+    };
+    drive.expect(matches, words[2] + " items \"" + words[1] + '"', [&] { return listed(items); });
+}
+
 void tabOrderOf(DriveContext& drive, const Words&) {
     for (const HWND found : tabOrder(drive.window())) {
         std::printf("tab %s\n", describe(found).c_str());
@@ -342,6 +354,7 @@ void addControlCommands(DriveCommands& table) {
     table["read"] = {1, 1, read};
     table["expect"] = {2, 3, expectControl};
     table["expect-items"] = {1, 99, expectItems};
+    table["expect-count"] = {3, 3, expectCount};
     table["taborder"] = {0, 0, tabOrderOf};
     table["expect-taborder"] = {1, 99, expectTabOrder};
 }
