@@ -19,6 +19,7 @@
 #   #: parts-long N  the same where ZOKA_LONG=1 is set or the test is named; otherwise there is one part
 #   #: hosts NAME..  also runs, each a test of its own (NAME-plain and so on), in the host "plain", which has no
 #                    manifest, and in "aware", which knows the screen's resolution
+#   #: only NAME..   runs in these hosts alone
 # Each test has its own copies of the folders that it may change. Pictures and logs stay in WINDOWS_BUILD/window.
 # Prints a PASS or FAIL line for each test and, last, "window tests: N passed, N failed"; ends with 1 if any failed.
 set -uo pipefail
@@ -232,9 +233,9 @@ add() { # script, whether all of its parts are wanted
     local parts part
     parts=$(directives "$1" parts)
     [ -n "$parts" ] || [ "$2" != 1 ] || parts=$(directives "$1" parts-long)
-    [ -n "$parts" ] || scripts+=("$1")
+    [ -n "$parts$(directives "$1" only)" ] || scripts+=("$1")
     for ((part = 1; part <= ${parts:-0}; part++)); do scripts+=("$1@$part"); done
-    for part in $(directives "$1" hosts); do scripts+=("$1@$part"); done
+    for part in $(directives "$1" hosts) $(directives "$1" only); do scripts+=("$1@$part"); done
 }
 if [ $# -gt 0 ]; then
     for name in "$@"; do add "$here/${name%.drive}.drive" 1; done

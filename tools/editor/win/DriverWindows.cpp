@@ -230,8 +230,13 @@ LRESULT CALLBACK lookForControls(int code, WPARAM wParam, LPARAM lParam) {
     return CallNextHookEx(g_hook, code, wParam, lParam);
 }
 
-// Not seen from the windows themselves: a system may have one file for both versions.
+// Looks at what the window's thread asks for, not at what the controls are made of: a system may have one file for both
+// versions. A manifest of the editor's own asks for the newer ones on every thread, and nothing would be seen of the plug-in's.
 void expectNewControls(DriveContext& drive, const Words&) {
+    if (FindResourceA(nullptr, MAKEINTRESOURCEA(1), RT_MANIFEST)) {
+        throw DriveFault(
+            "expect-new-controls says nothing in an editor that has a manifest; it is for zunhost_plain");
+    }
     const HWND top = drive.window();
     g_asksForNew = false;
     g_hook =
