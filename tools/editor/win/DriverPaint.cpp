@@ -100,7 +100,7 @@ void expectPaintedOnce(DriveContext& drive, const Words& words) {
              window = GetAncestor(window, GA_PARENT)) {
             const auto times = g_paints.find({window, kWholeWindow});
             const int count = times == g_paints.end() ? 0 : times->second;
-            // The windows around it need not be painted for it.
+            // The windows around it need not be painted for it. Other controls are not looked at.
             if (count > 1 || (count == 0 && window == control)) {
                 faults += "\n    " + describe(window) + ", " + std::to_string(count) + " times";
             }
@@ -114,7 +114,10 @@ void expectPaintedOnce(DriveContext& drive, const Words& words) {
     }
     stopCounting();
     if (!faults.empty()) {
-        throw DriveFault("expected everything painted once; saw" + faults);
+        throw DriveFault(
+            "expected these controls painted once, the windows around them and the rows of lists at most "
+            "once; saw" +
+            faults);
     }
 }
 
