@@ -1,6 +1,5 @@
 #include "tests/wizard/Checks.h"
 
-#include "J8ProjectWizard/CreationPlan.h"
 #include "J8ProjectWizard/J8Wizard.h"
 #include "J8ProjectWizard/PlanTree.h"
 #include "util/PathRules.h"
@@ -36,17 +35,7 @@ private:
 
 }  // namespace
 
-std::string planFault(std::string_view bytes) {
-    const XMLNode wizard = XMLNode::parseBytes(bytes, "Wizard");
-    if (wizard.isEmpty()) {
-        return {};
-    }
-    static const CJ8WizardUserData empty;  // which looks for a folder
-    CJ8WizardUserData data = empty;
-    std::string description;
-    wizardDesc(description, wizard);
-    takeWizardDefaults(data, wizard);
-    const CreationPlan plan = planCreation(wizard, data.m_strLevelMap);
+std::string planFault(const CreationPlan& plan) {
     Stays stays;
     for (const PlannedFolder& folder : plan.folders) {
         if (folder.isNameless || !folder.refusal.empty()) {
@@ -71,6 +60,22 @@ std::string planFault(std::string_view bytes) {
     }
     tree.firstProblem("C:\\games\\g");
     return stays.fault();
+}
+
+std::string planFault(std::string_view bytes, size_t* plans) {
+    const XMLNode wizard = XMLNode::parseBytes(bytes, "Wizard");
+    if (wizard.isEmpty()) {
+        return {};
+    }
+    static const CJ8WizardUserData empty;  // which looks for a folder
+    CJ8WizardUserData data = empty;
+    std::string description;
+    wizardDesc(description, wizard);
+    takeWizardDefaults(data, wizard);
+    if (plans) {
+        ++*plans;
+    }
+    return planFault(planCreation(wizard, data.m_strLevelMap));
 }
 
 }  // namespace zoka::test
