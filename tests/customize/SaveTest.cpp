@@ -150,11 +150,11 @@ TEST_F(Session, SaveAsksWhereToOnceAnotherProjectIsOpen) {
         CustomizeSession panel(editor, prompt);
         if (*row.script == 'b') {
             panel.offerScripts({path});
-            editor.folders.project = folder(row.after);
+            editor.folders().project = folder(row.after);
         }
         ASSERT_TRUE(panel.open(path));
         ASSERT_TRUE(panel.setValue(1, "11"));
-        editor.folders.project = folder(row.after);
+        editor.folders().project = folder(row.after);
         panel.lookAtProject();
         EXPECT_EQ(panel.otherProjectOpen(), row.before != std::string(row.after));
         EXPECT_FALSE(panel.lookAtProject());  // no news

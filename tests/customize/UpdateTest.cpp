@@ -20,6 +20,7 @@ TEST_F(Session, RestoreLoadsTheTemplatesCopy) {
     EXPECT_EQ(session.changedCount(), 0u);
     EXPECT_THAT(prompt.texts(), ElementsAre("Restore values to default??", "Restore values to default??"));
     EXPECT_EQ(view.calls, "raise rows front ");
+    EXPECT_THAT(host.calls, ElementsAre("substitute", "endlist"));
     EXPECT_THAT(project.names(), ElementsAre("s.kez", "s.kez.1.bak"));
     EXPECT_EQ(project.read("s.kez.1.bak"), kOld) << "it held lines that the template lacks";
 }

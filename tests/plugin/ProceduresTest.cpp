@@ -205,7 +205,7 @@ TEST_F(Initialised, BehaviorPanelNeedsAProjectThatDefinesIt) {
         folder.write("with.xml", "<Project/>");
         seams.prepareEditor = [&](RecordingHost& editor) {
             EXPECT_EQ(busy, 1);  // before the editor is asked anything
-            editor.folders.mainScript = script;
+            editor.folders().mainScript = script;
         };
         seams.definesBehavior = row.defined;
         HostContext context{0, "Door17", nullptr};
@@ -237,9 +237,9 @@ TEST_F(Initialised, AddScriptChecksBeforeItOpensItsDialog) {
         prompt.asked.clear();
         busy = 7;
         seams.prepareEditor = [&](RecordingHost& editor) {
-            editor.folders.mainScript = row.mainScript;
-            editor.folders.suite = suite;
-            editor.folders.templateSubfolder = row.subfolder;
+            editor.folders().mainScript = row.mainScript;
+            editor.folders().suite = suite;
+            editor.folders().templateSubfolder = row.subfolder;
         };
         seams.whileModal = [&] {
             EXPECT_EQ(busy, 1);

@@ -15,23 +15,33 @@ class RecordingHost : public FolderHost {
 public:
     explicit RecordingHost(Folders itsFolders) : FolderHost(std::move(itsFolders)) {}
 
-    // "create", "changed", "endlist", "copy", or "copy X=Y" with its first substitution.
+    // "create", "changed", "endlist", "copy" of CopyFileToFolder, and "substitute" of CopyFileWithSubstitutions, or
+    // "substitute X=Y" with the first one.
     std::vector<std::string> calls;
     // Operations, by their names, that fail as a host would: with nothing, false or an empty folder.
     std::set<std::string> failing;
-    // What the user opens, and what CreateMainScript makes the main script; empty: nothing.
-    Folders& folders = m_folders;
+    // Of these two, those that say yes and copy nothing.
+    std::set<std::string> feigned;
+    // What CreateMainScript makes the main script; empty: nothing.
     std::string mainScriptMade;
 
+    // What the user opens.
+    Folders& folders() { return m_folders; }
+
     void refuseCopies(bool refuse) {
-        failing = refuse ? std::set<std::string>{"CopyFileToFolder", "CopyFileWithSubstitutions"}
-                         : std::set<std::string>();
+        for (const char* const operation : {"CopyFileToFolder", "CopyFileWithSubstitutions"}) {
+            if (refuse) {
+                failing.insert(operation);
+            } else {
+                failing.erase(operation);
+            }
+        }
     }
 
     void CreateMainScript() override {
         calls.push_back("create");
         if (!mainScriptMade.empty()) {
-            folders.mainScript = mainScriptMade;
+            folders().mainScript = mainScriptMade;
         }
     }
     std::optional<std::string> GetMainScriptPath() override {
@@ -51,16 +61,18 @@ public:
     bool CopyFileToFolder(const std::string& source, const std::string& folder) override {
         calls.push_back("copy");
         return works("CopyFileToFolder") &&
-               FolderHost::CopyFileWithSubstitutions(source, joinPath(folder, fileNameOf(source)), {});
+               (feigned.contains("CopyFileToFolder") ||
+                FolderHost::CopyFileWithSubstitutions(source, joinPath(folder, fileNameOf(source)), {}));
     }
     bool CopyFileWithSubstitutions(
         const std::string& source, const std::string& destination,
         std::span<const std::pair<std::string, std::string>> substitutions) override {
         calls.push_back(substitutions.empty()
-                            ? "copy"
-                            : "copy " + substitutions[0].first + "=" + substitutions[0].second);
+                            ? "substitute"
+                            : "substitute " + substitutions[0].first + "=" + substitutions[0].second);
         return works("CopyFileWithSubstitutions") &&
-               FolderHost::CopyFileWithSubstitutions(source, destination, substitutions);
+               (feigned.contains("CopyFileWithSubstitutions") ||
+                FolderHost::CopyFileWithSubstitutions(source, destination, substitutions));
     }
     std::string QueryFolder(ZunCommandCode code) override {
         return works("QueryFolder") ? FolderHost::QueryFolder(code) : "";

@@ -110,8 +110,8 @@ TEST(ScriptAdding, ANumberedTemplateThreeTimes) {
                   "// needs: base.kez\r\nvar speed" + mark + " = 1; // " + mark + mark + "\r\n");
     }
     EXPECT_EQ(project.main(), mainWith({"base.kez", "camera_0.kez", "camera_1.kez", "camera_2.kez"}));
-    EXPECT_EQ(project.host.calls,
-              (Names{"copy %_%=_0", "changed", "copy %_%=_1", "changed", "copy %_%=_2", "changed"}));
+    EXPECT_EQ(project.host.calls, (Names{"substitute %_%=_0", "changed", "substitute %_%=_1", "changed",
+                                         "substitute %_%=_2", "changed"}));
     EXPECT_TRUE(prompt.asked.empty());
 }
 
@@ -166,7 +166,7 @@ TEST(ScriptAdding, SeveralScriptsAreOneRewrite) {
                          project.templatePath("a.kez"), project.templatePath("n_.kez")};
     const AddPlan plan = adding.plan(paths);
     EXPECT_TRUE(adding.AddScriptsToProject(paths));
-    EXPECT_EQ(project.host.calls, (Names{"copy %_%=_0", "copy %_%=_1", "changed"}));
+    EXPECT_EQ(project.host.calls, (Names{"substitute %_%=_0", "substitute %_%=_1", "changed"}));
     EXPECT_EQ(project.main(),
               mainWith({"n_0.lib", "n_0.kez", "c.kez", "a.kez", "b.kez", "n_1.lib", "n_1.kez"}));
     EXPECT_EQ(plan.main.after, project.main());
