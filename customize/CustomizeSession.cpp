@@ -203,9 +203,16 @@ bool CustomizeSession::fetchTemplateCopy() {
     if (!keepOwnLines(*chosen)) {
         return false;
     }
-    if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) {
-        const std::string why = m_host.copyProblem();
+    const auto refuseCopy = [&](const std::string& why) {
         return refuse("Copy error (1128).\nNo Update." + (why.empty() ? "" : "\n\n" + why));
+    };
+    const auto before = osFiles().readWhole(path);
+    if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) {
+        return refuseCopy(m_host.copyProblem());
+    }
+    // What can't be read the caller tells of, who reads it next.
+    if (before && before == osFiles().readWhole(path) && before != osFiles().readWhole(*chosen)) {
+        return refuseCopy("The script is as it was before the copying.");
     }
     return true;
 }

@@ -173,4 +173,30 @@ TEST_F(Session, AHostThatRefusesEverythingLosesNothing) {
     }
 }
 
+// It says yes and copies nothing.
+TEST_F(Session, AHostThatFeignsItsCopiesLosesNothing) {
+    host.feigned = {"CopyFileToFolder", "CopyFileWithSubstitutions"};
+    ASSERT_TRUE(session.open(suite.write("templates/s.kez", kOld)));
+    set("Range", "11");
+    EXPECT_EQ(session.save(), SaveResult::Saved);  // writes the whole script itself
+    EXPECT_EQ(suite.read("templates/s.kez"), kOld);
+    const std::string saved = project.read("s.kez");
+    EXPECT_THAT(saved, HasSubstr("range = 11;"));
+    EXPECT_EQ(session.script().scriptPath, project.path("s.kez"));
+    makeTemplate(kNew);
+    set("Range", "12");
+    for (const bool restores : {true, false}) {
+        SCOPED_TRACE(restores ? "restore" : "update");
+        prompt.answers = {PromptAnswer::Yes};
+        prompt.asked.clear();
+        EXPECT_FALSE(restores ? session.restore() : session.update());
+        ASSERT_EQ(prompt.asked.size(), 2u);
+        EXPECT_EQ(prompt.asked[1].text,
+                  "Copy error (1128).\nNo Update.\n\nThe script is as it was before the copying.");
+        EXPECT_EQ(project.read("s.kez"), saved);
+        EXPECT_EQ(value("Range"), "12");
+        EXPECT_EQ(session.changedCount(), 1u);
+    }
+}
+
 }  // namespace
