@@ -196,5 +196,5 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     ratios();
-    return 0;
+    return zoka::bench::g_allMet ? 0 : 1;
 }
