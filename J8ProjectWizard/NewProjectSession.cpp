@@ -100,7 +100,6 @@ void NewProjectSession::choose(int wizard) {
     }
     m_selected = wizard;
     m_tree = {};
-    m_early.clear();
     for (std::string* text : {&m_data.m_strName, &m_data.m_strDocs, &m_data.m_strLevelName,
                               &m_data.m_strLevelMap, &m_data.m_strLevelDocs}) {
         text->clear();
@@ -124,8 +123,10 @@ void NewProjectSession::opened(const XMLNode& root) {
     if (const auto typed = m_typed.find(m_selected); typed != m_typed.end()) {
         m_texts = typed->second;
     }
-    for (const auto& [which, text] : m_early) {
-        setText(which, text);
+    if (const auto early = m_early.extract(m_selected)) {
+        for (const auto& [which, text] : early.mapped()) {
+            setText(which, text);
+        }
     }
     if (!root.isEmpty()) {
         m_tree = PlanTree(planCreation(root, m_data.m_strLevelMap));
@@ -146,7 +147,7 @@ void NewProjectSession::setText(NewProjectField which, const std::string& text) 
     }
     field(which) = text;
     if (m_isReading) {
-        m_early[which] = text;
+        m_early[m_selected][which] = text;
     }
     // Another wizard that is chosen now starts with the same folders.
     if (which == NewProjectField::Path) {

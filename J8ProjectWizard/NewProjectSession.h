@@ -41,7 +41,7 @@ public:
     // -1: none. Fills description and fields; what the user typed for that wizard before comes back.
     void select(int wizard);
     // The same in parts, for a disk that may be slow: between choose() and opened(read(wizard)) the fields show what they
-    // showed, and what is typed in them stays.
+    // showed, and what is typed in them stays that wizard's, also where another one is chosen before it is opened.
     void choose(int wizard);
     bool isReading() const { return m_isReading; }
     // [any thread]
@@ -105,7 +105,8 @@ private:
     CJ8WizardUserData m_data;
     int m_selected = -1;
     bool m_isReading = false;
-    std::map<NewProjectField, std::string> m_early;  // typed meanwhile
+    // Typed for wizards that are still to be read, also of those that the user has left.
+    std::map<int, std::map<NewProjectField, std::string>> m_early;
     std::string m_description;
     Texts m_texts;                 // as they stand in the fields
     Texts m_filled;                // as the wizard filled them

@@ -127,12 +127,19 @@ TEST_F(NewProjectSessionTest, KeepsWhatIsTypedWhileAWizardIsRead) {
     EXPECT_EQ(session.description(), "a");
     // Left before it is read.
     session.choose(1 - a);
-    session.setText(NewProjectField::Docs, "lost");
+    session.setText(NewProjectField::Docs, "B's");
     session.choose(a);
     session.opened(session.read(a));
     EXPECT_EQ(texts(), "Early|DA|C:\\g");
+    session.choose(1 - a);
+    session.setText(NewProjectField::Name, "B");
+    session.choose(a);
     session.select(1 - a);
-    EXPECT_EQ(texts(), "NB|DB|C:\\g");
+    EXPECT_EQ(texts(), "B|B's|C:\\g");
+    session.setText(NewProjectField::Docs, "later");
+    session.select(a);
+    session.select(1 - a);
+    EXPECT_EQ(texts(), "B|later|C:\\g");
     // OK reads it.
     session.choose(a);
     session.setText(NewProjectField::FolderName, "g");
