@@ -1,6 +1,5 @@
 #include "J8ProjectWizard/win/BackgroundLooks.h"
 
-#include <new>
 #include <utility>
 
 namespace zoka {
@@ -43,6 +42,7 @@ void BackgroundLooks::read(std::function<XMLNode()> wizard) {
         const std::lock_guard lock(m_lock);
         m_toRead = std::move(wizard);
         m_read.reset();
+        m_readFault = nullptr;
         ++m_reads;
         m_asked.clear();
         if (m_wasRead) {
@@ -56,10 +56,11 @@ void BackgroundLooks::read(std::function<XMLNode()> wizard) {
 }
 
 std::optional<XMLNode> BackgroundLooks::takeRead(DWORD milliseconds) {
-    if (m_thread) {
-        WaitForSingleObject(m_wasRead, milliseconds);
-    }
+    isRead(milliseconds);
     const std::lock_guard lock(m_lock);
+    if (m_readFault) {
+        std::rethrow_exception(std::exchange(m_readFault, nullptr));
+    }
     return std::exchange(m_read, std::nullopt);
 }
 
@@ -101,15 +102,17 @@ void BackgroundLooks::work() {
             const auto read = std::exchange(m_toRead, nullptr);
             const unsigned number = m_reads;
             lock.unlock();
-            XMLNode wizard;
+            std::optional<XMLNode> wizard;
+            std::exception_ptr fault;
             try {
                 wizard = read();
-            } catch (const std::bad_alloc&) {
-                // As of one that can't be read.
+            } catch (...) {
+                fault = std::current_exception();
             }
             lock.lock();
             if (number == m_reads) {
                 m_read = std::move(wizard);
+                m_readFault = std::move(fault);
                 SetEvent(m_wasRead);
             }
             continue;

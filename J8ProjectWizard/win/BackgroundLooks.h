@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <deque>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -26,14 +27,12 @@ public:
 
     // That is to be read next, before anything is looked at, and nothing else any more.
     void read(std::function<XMLNode()> wizard);
-    // What was read, once; waits that long for it.
-    std::optional<XMLNode> takeRead(DWORD milliseconds);
-    // Only waits. [any thread, while its own waits for that one]
-    void waitForRead() const {
-        if (m_thread) {
-            WaitForSingleObject(m_wasRead, INFINITE);
-        }
+    // Whether that is done within that time.
+    bool isRead(DWORD milliseconds) const {
+        return !m_thread || WaitForSingleObject(m_wasRead, milliseconds) == WAIT_OBJECT_0;
     }
+    // What was read, once; waits that long for it. Throws what reading has thrown.
+    std::optional<XMLNode> takeRead(DWORD milliseconds);
 
     // These paths are to be looked at, in that order, and no others any more.
     void ask(std::vector<std::string> paths);
@@ -50,12 +49,13 @@ private:
     std::function<XMLNode()> m_toRead;  // empty: nothing
     unsigned m_reads = 0;               // counts what was to be read
     std::optional<XMLNode> m_read;      // the last of them
+    std::exception_ptr m_readFault;     // or what reading it has thrown
     std::deque<std::string> m_asked;
     std::vector<DiskLook> m_seen;
     bool m_isLooking = false, m_stops = false;
     HANDLE m_thread = nullptr;
     HANDLE m_wakes = nullptr;    // the thread, when there is something to do
-    HANDLE m_wasRead = nullptr;  // when m_read is there
+    HANDLE m_wasRead = nullptr;  // when the last of them is read, or has failed
 };
 
 }  // namespace zoka

@@ -221,15 +221,26 @@ void CJ8WizardNewDlg::entered() {
     ok();
 }
 
+// False when the user doesn't wait that long, or the window is gone.
+bool CJ8WizardNewDlg::waitForWizard() {
+    ProgressWindow progress(window(), "Reading the Wizard");
+    bool goesOn = true;
+    while (goesOn && !m_looks.isRead(kLooksEvery)) {
+        goesOn = progress.step(0, 0, m_session.title(static_cast<size_t>(m_session.selected())));
+    }
+    return goesOn && window();
+}
+
 void CJ8WizardNewDlg::ok() {
     if (m_working) {
         return;
     }
     m_working = true;
     if (m_session.isReading()) {
-        ProgressWindow(window(), "Reading the Wizard").runOnThread([this](JobProgress&) {
-            m_looks.waitForRead();
-        });
+        if (!waitForWizard()) {
+            m_working = false;
+            return;  // the timer takes the wizard once it is read
+        }
         takeWizard(0);
     }
     m_made = m_session.ok([this](const WizardJob& job) {

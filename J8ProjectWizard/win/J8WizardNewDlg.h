@@ -38,6 +38,7 @@ private:
     void selectWizard(int wizard);
     // Shows the wizard that was chosen, once it is read; waits that long for it.
     void takeWizard(DWORD milliseconds);
+    bool waitForWizard();
     void showFields();
     void showPlan();
     void showState();
