@@ -2,7 +2,8 @@
 //
 // All of it works on the templates below the current folder. Paths and messages are in the system's character set.
 // Looking for wizards, checking and creating may take long on a slow disk: they may be done on a thread of their own while
-// the editor thread waits and shows how far they are; all else is for the editor thread.
+// the editor thread waits and shows how far they are. A wizard may be read (`root`) on any thread, while its dialog goes
+// on; all else is for the editor thread.
 #pragma once
 
 #include <optional>
@@ -81,6 +82,7 @@ public:
     bool CopyFiles(const std::string& target, const XMLNode& folder) const;
 
     // The root element, read anew; the empty node when there is no wizard of that number, or its file is none any more.
+    // [any thread]
     XMLNode root(unsigned index) const;
     // Nothing where there is no root.
     std::optional<zoka::CreationPlan> plan(unsigned index, const std::string& levelMap) const;
