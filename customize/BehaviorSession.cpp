@@ -246,11 +246,11 @@ std::vector<size_t> BehaviorSession::rowsLike(size_t i) const {
 }
 
 // Whether the editor has gone on to other entities, or to a level with others of these names, since the rows were made:
-// the panel looks only now and then. `own` of the changes that the host has counted since it was asked last were made
-// here. Of a host that does not count its changes these are many questions, so the first row of a step asks them for all.
-bool BehaviorSession::isOutdated(std::uint32_t own) {
+// the panel looks only now and then. Of a host that does not count its changes these are many questions, so the first row
+// of a step asks them for all.
+bool BehaviorSession::isOutdated() {
     const auto now = m_access->changes();
-    const bool isExpected = now ? m_known && *now == *m_known + own : m_isUpToDate;
+    const bool isExpected = now ? now == m_known : m_isUpToDate;
     if (!isExpected && (entitiesNow() != m_entities || m_actions.haveMoved(*m_access, m_entities))) {
         return true;
     }
@@ -286,9 +286,15 @@ Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
         listener().valuesChanged();
         return Refusal{kRefused};
     }
-    // Between two of these writes, perhaps.
-    if (m_known && isOutdated(changed)) {
-        return Refusal{kElsewhere};
+    // Between two of these writes a level may have opened. Where other entities were only selected, the values are written:
+    // the next write or look notices.
+    if (m_known) {
+        const auto now = m_access->changes();
+        if (now == *m_known + changed) {
+            m_known = now;
+        } else if (m_actions.haveMoved(*m_access, m_entities)) {
+            return Refusal{kElsewhere};
+        }
     }
     for (const size_t row : rowsLike(i)) {
         m_sources[row].values = values;

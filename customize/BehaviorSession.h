@@ -140,7 +140,7 @@ private:
     std::optional<float> read(const Source& source, const std::string& entity) const;
     bool write(const Source& source, const std::string& entity, float value);
     std::vector<size_t> rowsLike(size_t i) const;
-    bool isOutdated(std::uint32_t own = 0);
+    bool isOutdated();
     Outcome writeAll(size_t i, const std::vector<float>& values);
     bool reread(size_t i);
     void showValues(size_t i);
