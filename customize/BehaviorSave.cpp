@@ -14,7 +14,8 @@ bool BehaviorSession::lookAtProject() {
     }
     std::string open = m_openProject();
     const bool isOther = !equalNoCase(open, m_components->file()), before = otherProjectOpen();
-    m_elsewhere = isOther && hasUnsaved() ? std::optional(open) : std::nullopt;
+    // A project without a main script is one all the same, so its file doesn't tell.
+    m_elsewhere = isOther && hasUnsaved() ? Elsewhere(m_host.GetProjectFolder()) : std::nullopt;
     if (isOther && !otherProjectOpen()) {
         m_components->moveTo(std::move(open));
         return true;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "controls/RowEditing.h"
+#include "customize/Elsewhere.h"
 #include "customize/EntityActions.h"
 #include "customize/EntityComponents.h"
 #include "plugin/host/EntityAccess.h"
@@ -32,8 +33,8 @@ public:
     // `entities` is null where the host has none. Both outlive the session.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host);
     // The panel form: with the components of a project, which open() reads. `entity` is shown where the host has no
-    // operations on entities. `openProject` gives the project file of what the editor has open, empty for none; without
-    // it the project stays the same.
+    // operations on entities. `openProject` gives the project file of what the editor has open, empty where it tells
+    // none; without it the project stays the same.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
                     std::unique_ptr<EntityComponents> components, std::string entity,
                     std::function<std::string()> openProject = {});
@@ -72,10 +73,8 @@ public:
     // The editor has another project open than the one with the unsaved edits: its entities' components are not shown
     // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
     bool otherProjectOpen() const { return m_elsewhere.has_value(); }
-    // Why not, in words; empty while it is open.
-    const char* whereabouts() const {
-        return !m_elsewhere ? "" : m_elsewhere->empty() ? "no project is open" : "another project is open";
-    }
+    // For the panel's title, in words; empty while that one is open.
+    const char* whereabouts() const { return elsewhereText(m_elsewhere); }
 
     // Faults of the actions' markup, and values outside their limits; one line each, in UTF-8.
     size_t findingCount() const { return findings().size(); }
@@ -154,8 +153,7 @@ private:
     std::unique_ptr<EntityComponents> m_components;  // null: the plain form
     std::string m_namedEntity;
     std::function<std::string()> m_openProject;  // may be empty
-    // The project that the editor has open, empty for none, while there are unsaved edits of another one.
-    std::optional<std::string> m_elsewhere;
+    Elsewhere m_elsewhere;                       // of unsaved edits alone
     bool m_follows = true;
     std::vector<std::string> m_entities;
     EntityActions m_actions;

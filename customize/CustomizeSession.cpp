@@ -28,7 +28,7 @@ Outcome CustomizeSession::open(const std::string& fileName) {
     m_reserve.refill();
     ScriptRows loaded;
     std::string project;
-    bool isOther = false;
+    Elsewhere elsewhere;
     try {
         if (const Outcome made = makeRows(path, loaded); !made) {
             m_notOpened = made.why();
@@ -37,14 +37,16 @@ Outcome CustomizeSession::open(const std::string& fileName) {
         project = m_host.GetProjectFolder();
         // A list of scripts may be older than the project that is open by now.
         if (std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end()) {
-            isOther = !sameFolder(project, m_offeredProject);
+            if (!sameFolder(project, m_offeredProject)) {
+                elsewhere = std::move(project);
+            }
             project = m_offeredProject;
         }
     } catch (const std::bad_alloc&) {
         throw OutOfMemory(path);
     }
     m_project = std::move(project);
-    m_otherProject = isOther;
+    m_elsewhere = std::move(elsewhere);
     m_carried.clear();
     m_unplaced.clear();
     filter.unfoldAll();
@@ -75,9 +77,10 @@ void CustomizeSession::offerScripts(std::vector<std::string> paths) {
 }
 
 bool CustomizeSession::lookAtProject() {
-    const bool before = m_otherProject;
-    m_otherProject = isOpen() && !sameFolder(m_host.GetProjectFolder(), m_project);
-    return m_otherProject != before;
+    const std::string before = whereabouts();
+    std::string open = m_host.GetProjectFolder();
+    m_elsewhere = isOpen() && !sameFolder(open, m_project) ? Elsewhere(std::move(open)) : std::nullopt;
+    return whereabouts() != before;
 }
 
 bool CustomizeSession::switchTo(const std::string& fileName) {

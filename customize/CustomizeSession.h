@@ -9,6 +9,7 @@
 
 #include "controls/RowEditing.h"
 #include "customize/CarryValues.h"
+#include "customize/Elsewhere.h"
 #include "customize/ScriptRows.h"
 #include "customize/WriteBack.h"
 #include "plugin/host/ZunEditorInterface.h"
@@ -45,11 +46,13 @@ public:
     void offerScripts(std::vector<std::string> paths);
     const std::vector<std::string>& offeredScripts() const { return m_offered; }
 
-    // Asks the host which project is open. True when the answer of otherProjectOpen() is another one now.
+    // Asks the host which project is open. True when whereabouts() are others now.
     bool lookAtProject();
     // The editor had opened another project than when the script was loaded, when it was looked at last: Save
     // then asks where to.
-    bool otherProjectOpen() const { return m_otherProject; }
+    bool otherProjectOpen() const { return m_elsewhere.has_value(); }
+    // For the panel's title, in words; empty while that project is open.
+    const char* whereabouts() const { return elsewhereText(m_elsewhere); }
 
     // --- The buttons. All messages go through the prompt. Without a script they do nothing.
     SaveResult save();
@@ -122,7 +125,7 @@ private:
     JobProgress* m_loading;
     ScriptRows m_panel;
     std::string m_project;  // the open one when the script was loaded; empty: none
-    bool m_otherProject = false;
+    Elsewhere m_elsewhere;
     std::vector<std::string> m_offered;
     std::string m_offeredProject;  // which was open when they were listed
     mutable std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for

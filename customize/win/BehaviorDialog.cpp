@@ -74,9 +74,8 @@ void BehaviorDialog::failed() {
 
 // The action's own title, if its markup has one, with a mark while another project is open and one while components have unsaved edits.
 std::string BehaviorDialog::caption() const {
-    const std::string elsewhere = m_session.whereabouts();
-    return (m_session.title().empty() ? kCaption : m_session.title()) +
-           (elsewhere.empty() ? "" : " (" + elsewhere + ')') + (m_session.hasUnsaved() ? " *" : "");
+    return (m_session.title().empty() ? kCaption : m_session.title()) + m_session.whereabouts() +
+           (m_session.hasUnsaved() ? " *" : "");
 }
 
 ButtonState BehaviorDialog::stateOf(int id) const {

@@ -102,8 +102,7 @@ std::string CustomizeDialog::caption() const {
     if (path.empty()) {
         return kCaption;
     }
-    return std::string(kCaption) + " - " + std::string(fileNameOf(path)) +
-           (m_session.otherProjectOpen() ? " (another project is open)" : "") +
+    return std::string(kCaption) + " - " + std::string(fileNameOf(path)) + m_session.whereabouts() +
            (m_session.changedCount() > 0 ? " *" : "");
 }
 

@@ -317,9 +317,15 @@ TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
 // Nothing of a project that is closed stands below entities of the open one, and nothing gets into a file unasked.
 TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) {
     std::string open = m_file;
+    class : public FolderHost {
+    public:
+        using FolderHost::FolderHost;
+        std::string GetProjectFolder() override { return project; }
+        std::string project = "C:\\open";
+    } host({.project = m_folder.path(), .suite = m_folder.path()});
     const auto panelFor = [&] {
         open = m_file;
-        auto panel = std::make_unique<BehaviorSession>(&m_entities, m_host, components(m_file, m_prompt), "a",
+        auto panel = std::make_unique<BehaviorSession>(&m_entities, host, components(m_file, m_prompt), "a",
                                                        [&open] { return open; });
         panel->open();
         return panel;
@@ -387,19 +393,26 @@ TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) 
         EXPECT_EQ(saved().find("value=\"50\"") != std::string::npos, row.isWritten);
         EXPECT_THAT(m_folder.read("other/main.xml"), HasSubstr("'33'"));
     }
-    // None is open.
+    // None is open, or one without a main script.
     panel = panelFor();
     ASSERT_TRUE(panel->setValue(4, "40"));
     EXPECT_STREQ(panel->whereabouts(), "");
     open.clear();
+    host.project.clear();
     panel->refresh(false);
-    EXPECT_STREQ(panel->whereabouts(), "no project is open");
+    EXPECT_STREQ(panel->whereabouts(), " (no project is open)");
     m_prompt.answers.push_back(Cancel);
     EXPECT_FALSE(panel->close());
     EXPECT_THAT(m_prompt.asked.back().text, HasSubstr("The editor has closed the project since"));
+    host.project = m_folder.path("other");
+    panel->refresh(false);
+    EXPECT_STREQ(panel->whereabouts(), " (another project is open)");
+    m_prompt.answers.push_back(Cancel);
+    EXPECT_FALSE(panel->close());
+    EXPECT_THAT(m_prompt.asked.back().text, HasSubstr("The editor has opened another project since"));
     open = other;
     panel->refresh(false);
-    EXPECT_STREQ(panel->whereabouts(), "another project is open");
+    EXPECT_STREQ(panel->whereabouts(), " (another project is open)");
 }
 
 TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) {
