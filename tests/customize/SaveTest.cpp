@@ -157,9 +157,9 @@ TEST_F(Session, SaveAsksWhereToOnceAnotherProjectIsOpen) {
         editor.folders().project = folder(row.after);
         panel.lookAtProject();
         EXPECT_EQ(panel.otherProjectOpen(), row.before != std::string(row.after));
-        EXPECT_STREQ(panel.whereabouts(), !panel.otherProjectOpen()        ? ""
-                                          : editor.folders.project.empty() ? " (no project is open)"
-                                                                           : " (another project is open)");
+        EXPECT_STREQ(panel.whereabouts(), !panel.otherProjectOpen()          ? ""
+                                          : editor.folders().project.empty() ? " (no project is open)"
+                                                                             : " (another project is open)");
         EXPECT_FALSE(panel.lookAtProject());  // no news
         prompt.answers.assign(row.answers.begin(), row.answers.end());
         prompt.asked.clear();
