@@ -1,6 +1,7 @@
 #!/bin/sh
 # Kills `zoka project new` at every system call that changes a file, and lets every such call fail once, as on a full
-# disk. Afterwards nothing but the project folder and the two logs is new (after a kill perhaps a temporary file), the templates and a neighbour are as they were,
+# disk. Afterwards nothing but the project folder and the two logs is new (after a kill perhaps a temporary file), the
+# templates and a neighbour are as they were,
 # and the same project can be made once its folder is gone. Then two programs make the same folder at once: one wins.
 # usage: faults.sh PATH-OF-ZOKA TEMPLATE-FOLDER. Status 77 where nothing can be traced.
 zoka=$1
@@ -45,7 +46,7 @@ inject() { # call fault
         case "$status $2" in
         137*) ;;
         0*) [ -s games/g/main.xml ] || fail "$what: said to be made, and is not" ;;
-        3*) if grep -q 'standard output\|could not be copied' output; then [ -s games/g/main.xml ]; else refused; fi || fail "$what: half made" ;;
+        3*) if grep -q "standard output\|Can't copy '" output; then [ -s games/g/main.xml ]; else refused; fi || fail "$what: half made" ;;
         [12]*) refused || fail "$what: half made, or without a word" ;;
         *) fail "$what: ended with $status" ;;
         esac
