@@ -251,11 +251,12 @@ public:
     bool makeFolders(const std::string& path) override { return told(boostMakeFolders(toNativePath(path))); }
     std::optional<OsEntry> copyNew(const std::string& from, const std::string& to) override {
         // As few questions as can be: a project of thousands of files is made of these.
-        const auto [target, exists] = pathForNew(to);
+        const FoundPath found = pathForNew(to);
+        const std::string& target = found.native;
         const auto copied = [&target](const std::string& source) {
             return told(boostCopyNew(source, target));
         };
-        if (exists) {
+        if (found.exists) {
             told(EEXIST);
             return std::nullopt;
         }
