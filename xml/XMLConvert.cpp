@@ -230,6 +230,29 @@ std::string utf8FromUtf16(std::u16string_view text) {
     return result;
 }
 
+std::string allowedXmlText(const char* text, XMLCharset charset) {
+    constexpr char32_t kReplacement = 0xfffd;
+    std::string bytes(text);
+    if (charset == XMLCharset::Platform) {
+        for (char& c : bytes) {
+            if (hasClass(c, kCharControl) && c != '\r') {
+                c = '?';
+            }
+        }
+        return bytes;
+    }
+    if (!isUtf8(text)) {
+        bytes = utf8FromPlatform(bytes);
+    }
+    std::string allowed;
+    for (const char* p = bytes.c_str(); *p;) {
+        char32_t c = 0;
+        p += utf8Sequence(p, c);
+        appendUtf8(allowed, isXmlChar(c) ? c : kReplacement);
+    }
+    return allowed;
+}
+
 bool isUtf8(const char* text) {
     return firstNotUtf8(text) == std::string_view::npos;
 }

@@ -65,6 +65,9 @@ inline bool isXmlChar(char32_t c) {
 
     return c < 0xd800 || (c >= 0xe000 && c < 0xfffe) || (c >= 0x10000 && c <= 0x10ffff);
 }
+// What a tree in that set holds of a value or text that a program gives: characters that XML does not allow become
+// U+FFFD ('?' in the platform's set), and what is no UTF-8 where it should be is taken as text in the platform's set.
+std::string allowedXmlText(const char* text, XMLCharset charset);
 bool isXmlNameStart(char32_t c);
 bool isXmlNameChar(char32_t c);
 

@@ -11,6 +11,7 @@
 #include "util/SafeWrite.h"
 #include "util/UserPrompt.h"
 #include "xml/XMLConvert.h"
+#include "xml/XMLLayout.h"
 #include "xml/XMLNode.h"
 #include "xml/XMLParser.h"
 #include "xml/XMLPosition.h"
@@ -320,7 +321,7 @@ zoka::XMLText XMLNode::toFileBytes(const char* encoding, bool formatted) const {
             head = zoka::kUtf8Mark;
         }
     } else if (!encoding || utf8) {
-        head = std::string(zoka::kUtf8Mark) + "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+        head = zoka::kXmlUtf8Head;
     } else {
         writesUtf8 = zoka::namesUtf(encoding);
         if (writesUtf8 && !zoka::namesUtf8(encoding)) {

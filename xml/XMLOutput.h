@@ -1,7 +1,9 @@
-// The one growing buffer that a tree is written into. Internal to this folder.
+// The one growing buffer that XML is written into. Internal to this folder.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -21,19 +23,24 @@ public:
             return;
         }
         make(text.size());
-        std::memcpy(m_at, text.data(), text.size());
+        if (text.size() > 16) {
+            std::memcpy(m_at, text.data(), text.size());
+        } else {
+            copyShort(text.data(), text.size(), [](auto...) { return true; });
+        }
         m_at += text.size();
     }
     void put(char c) {
         make(1);
         *m_at++ = c;
     }
-    void put(char c, size_t count) {
-        if (count == 0) {
-            return;  // there may be no buffer yet
+    void putTabs(size_t count) {
+        constexpr char few[] = "\t\t\t\t\t\t\t";
+        make(std::max(count, sizeof few));
+        std::memcpy(m_at, few, sizeof few);
+        if (count >= sizeof few) {
+            std::memset(m_at, '\t', count);
         }
-        make(count);
-        std::memset(m_at, c, count);
         m_at += count;
     }
     // A padded name, or anything else that stands as it is.
@@ -49,6 +56,16 @@ public:
             }
             putReference(*text);
         }
+    }
+    // A value that may be followed by anything, if it is ASCII of which nothing is to be replaced; else false, with
+    // nothing put.
+    bool putPlainValue(std::string_view value) {
+        make(value.size());
+        if (!copyPlain(value.data(), value.size())) {
+            return false;
+        }
+        m_at += value.size();
+        return true;
     }
     // An element's padded text. White space at its ends is written as references, or readers would drop it.
     void putText(const char* text) {
@@ -102,6 +119,32 @@ private:
         const __m128i markup = either(either(equal(v, '<'), equal(v, '>')), equal(v, '&'));
         return either(markup, either(equal(v, 0), equal(v, '\r')));
     }
+    // Copies a text to m_at; false when not all of it is plain.
+    bool copyPlain(const char* text, size_t size) {
+        const auto isPlain = [](__m128i v) {
+            using namespace scan;
+            const __m128i quote = either(odd<true>(v), equal(v, '"'));
+            return _mm_movemask_epi8(either(quote, either(equal(v, '<'), equal(v, '&')))) == 0;
+        };
+        if (size < 16) {
+            return copyShort(text, size, [&](auto first, auto last) {
+                if constexpr (sizeof first == 8) {
+                    return isPlain(_mm_set_epi64x(last, first));
+                } else if constexpr (sizeof first == 4) {
+                    return isPlain(_mm_set_epi32(last, first, last, first));
+                } else {
+                    return isPlainByte(first);
+                }
+            });
+        }
+        for (size_t at = 0;; at = std::min(at + 16, size - 16)) {
+            const __m128i bytes = scan::load(text + at);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(m_at + at), bytes);
+            if (!isPlain(bytes) || at == size - 16) {
+                return isPlain(bytes);
+            }
+        }
+    }
     // Copies up to where `stops` says so; gives that place.
     template <class Stops>
     const char* copy(const char* text, Stops stops) {
@@ -125,6 +168,13 @@ private:
     static bool stopsValue(char c) {
         return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '<' || c == '&';
     }
+    bool copyPlain(const char* text, size_t size) {
+        for (size_t i = 0; i < size; ++i) {
+            if (!isPlainByte(text[i])) return false;
+        }
+        std::memcpy(m_at, text, size);
+        return true;
+    }
     static bool stopsText(char c) {
         return c == 0 || c == '\r' || c == '<' || c == '>' || c == '&';
     }
@@ -137,6 +187,34 @@ private:
     }
 #endif
 
+    static bool isPlainByte(char c) {
+        return static_cast<signed char>(c) >= ' ' && c != '"' && c != '<' && c != '&';
+    }
+    // Copies up to 16 bytes to m_at: as two halves that overlap, so that nothing behind them is read. False as soon as
+    // `isFine(first half, last half)` is, of which the last bytes go one by one.
+    template <class IsFine>
+    bool copyShort(const char* text, size_t size, IsFine isFine) {
+        const auto halves = [&]<class Half>(Half first, Half last) {
+            std::memcpy(&first, text, sizeof first);
+            std::memcpy(&last, text + size - sizeof last, sizeof last);
+            std::memcpy(m_at, &first, sizeof first);
+            std::memcpy(m_at + size - sizeof last, &last, sizeof last);
+            return isFine(first, last);
+        };
+        if (size >= 8) {
+            return halves(std::int64_t{}, std::int64_t{});
+        }
+        if (size >= 4) {
+            return halves(std::int32_t{}, std::int32_t{});
+        }
+        for (size_t i = 0; i < size; ++i) {
+            if (!isFine(text[i], text[i])) {
+                return false;
+            }
+            m_at[i] = text[i];
+        }
+        return true;
+    }
     void putReference(char c) {
         switch (c) {
             case '<':

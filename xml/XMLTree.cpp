@@ -24,8 +24,6 @@ constexpr size_t kAllocatorRoom = 64;
 // The fewest attributes that a run has room for once a program adds to it; it doubles from there.
 constexpr std::uint32_t kFirstRun = 2;
 
-constexpr char32_t kReplacement = 0xfffd;
-
 // The text's end when every character is one that any text may hold; else null.
 const char* plainAsciiEnd(const char* text) {
     while (*text == '\r' || !hasClass(*text, kCharControl | kCharHigh)) {
@@ -141,28 +139,7 @@ const char* XMLDocument::copyValue(const char* text) {
         const auto size = static_cast<size_t>(end - text) + 1;
         return static_cast<const char*>(std::memcpy(allocate(size), text, size));
     }
-    std::string bytes(text);
-    if (charset == XMLCharset::Utf8) {
-        if (!isUtf8(text)) {
-            std::u16string wide;
-            appendUtf16(wide, bytes);
-            bytes = utf8FromUtf16(wide);
-        }
-        std::string allowed;
-        for (const char* p = bytes.c_str(); *p;) {
-            char32_t c = 0;
-            p += utf8Sequence(p, c);
-            appendUtf8(allowed, isXmlChar(c) ? c : kReplacement);
-        }
-        bytes = allowed;
-    } else {
-        for (char& c : bytes) {
-            if (hasClass(c, kCharControl) && c != '\r') {
-                c = '?';
-            }
-        }
-    }
-    return copyString(bytes.c_str());
+    return copyString(allowedXmlText(text, charset).c_str());
 }
 
 char* XMLDocument::newText(size_t size) {

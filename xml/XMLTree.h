@@ -100,8 +100,7 @@ public:
     // The tree's own copy of a name, which has that key. Programs give the same few names again and again: they
     // share one.
     const char* ownName(const char* name, std::uint64_t key);
-    // The same as the tree may hold it: characters that XML does not allow become U+FFFD ('?' in the
-    // platform's set), and what is no UTF-8 where it should be is taken as text in the platform's set.
+    // The same as the tree may hold it, see allowedXmlText.
     const char* copyValue(const char* text);
     // A buffer for the text to parse: `size` bytes and a zeroed padding behind. Owned by the document, which
     // has one.

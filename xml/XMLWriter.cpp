@@ -3,20 +3,15 @@
 #include <algorithm>
 #include <new>
 
-#include "xml/XMLOutput.h"
+#include "xml/XMLLayout.h"
 
 namespace zoka {
 namespace {
 
-// With a tab more a level, the text of a very deep tree would be quadratic. So deeper lines are indented in
-// full only while the tabs spent on them are few, and no further than this afterwards.
-constexpr size_t kDeepLevel = 32;
-constexpr size_t kMostDeepTabs = 16 * 1024 * 1024;
-
-class Writer {
+class Writer : XMLLayout {
 public:
     Writer(bool formatted, std::string_view head, const char* encoding)
-        : m_formatted(formatted), m_encoding(encoding) {
+        : XMLLayout(formatted), m_formatted(formatted), m_encoding(encoding) {
         m_out.put(head);
     }
 
@@ -48,26 +43,6 @@ public:
     }
 
 private:
-    bool laysOut() const { return m_formatted && !m_plain; }
-    void indent() {
-        if (!laysOut()) {
-            return;
-        }
-        size_t tabs = m_depth;
-        if (tabs > kDeepLevel) {
-            if (m_deepTabs + tabs > kMostDeepTabs) {
-                tabs = kDeepLevel;
-            }
-            m_deepTabs += tabs;
-        }
-        m_out.put('\t', tabs);
-    }
-    void endLine() {
-        if (laysOut()) {
-            m_out.put('\n');
-        }
-    }
-
     void leaf(const XMLTextItem& item) {
         if (item.kind == XMLItemKind::Text) {
             return m_out.putText(item.value);
@@ -99,6 +74,7 @@ private:
         m_out.put('>');
         if (element.textUse != XMLTextUse::None && !m_plain) {
             m_plain = &element;
+            m_laysOut = false;
         }
         endLine();
         ++m_depth;
@@ -120,6 +96,7 @@ private:
         m_out.put('>');
         if (m_plain == &element) {
             m_plain = nullptr;
+            m_laysOut = m_formatted;
         }
         endLine();
     }
@@ -153,11 +130,8 @@ private:
         }
     }
 
-    XMLOutput m_out;
     const bool m_formatted;
     const char* const m_encoding;
-    size_t m_depth = 0;
-    size_t m_deepTabs = 0;                // spent on deep lines
     const XMLElement* m_plain = nullptr;  // the outermost open element that holds text: no white space inside
 };
 

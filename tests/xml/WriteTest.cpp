@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/xml/XmlText.h"
+#include "xml/XMLStreamWriter.h"
 
 using namespace zoka::test;
 
@@ -70,15 +71,14 @@ TEST(Write, ReservedCharactersAreEscaped) {
               "&#9; &lt;&gt;&amp;\"'\n]]&gt;&#13;&#32;</a>");
 }
 
-// Whatever a program stores comes back, from either form, in an element or a value.
-TEST(Write, StoredTextsReadBackEqual) {
+// What needs care in writing.
+std::vector<std::string> awkwardTexts() {
     std::string every;
     for (int c = 1; c < 128; ++c) {
         if (c >= 32 || c == '\t' || c == '\n' || c == '\r') {
             every += static_cast<char>(c);
         }
     }
-    std::string shifted = every;
     std::vector<std::string> texts = {
         // white space
         " ", "  ", "\n", "\r\n", "\t", "\r", " a", "a ", " a b ", "\ra\r", "\n\n",
@@ -89,7 +89,12 @@ TEST(Write, StoredTextsReadBackEqual) {
     for (int i = 0; i < 40; ++i) {
         texts.push_back(std::string(static_cast<size_t>(i), '.') + every);
     }
-    for (const std::string& text : texts) {
+    return texts;
+}
+
+// Whatever a program stores comes back, from either form, in an element or a value.
+TEST(Write, StoredTextsReadBackEqual) {
+    for (const std::string& text : awkwardTexts()) {
         for (const bool formatted : {true, false}) {
             XMLNode top = XMLNode::createTop("a");
             XMLNode child = top.addChild("b");
@@ -135,6 +140,66 @@ TEST(Write, WhatXmlCannotHoldIsReplacedWhenStored) {
             EXPECT_EQ(orNull(again.getText()), expected);
         }
     }
+}
+
+// What goes without a tree becomes the bytes that a tree of it becomes.
+TEST(Write, StreamedLikeATree) {
+    std::vector<std::string> texts = awkwardTexts();
+    // What a tree doesn't take as it is, and lengths around a block of the scanning code.
+    texts.insert(texts.end(), {"", std::string("a\0b", 3), "a\x01\x1F z", "\xEF\xBF\xBE", "f\xFCnf",
+                               "\xC3\xBC \xFC", "\xED\xA0\x80.", "\xE3\x83"});
+    for (size_t length = 1; length < 40; ++length) {
+        for (const char* const last : {"x", "\"", "\x7F", "\xE9", "\xC3\xA9"}) {
+            texts.push_back(std::string(length - 1, 'x') + last);
+        }
+    }
+    for (const XMLCharset charset : {XMLCharset::Utf8, XMLCharset::Platform}) {
+        const WithCharset with(charset);
+        for (const std::string& text : texts) {
+            XMLNode top = XMLNode::createTop("top", false, XMLCharset::Utf8);
+            zoka::XMLStreamWriter stream;
+            stream.open("top");
+            for (const char* const name : {"none", "value"}) {
+                top.addAttribute(name, *name == 'v' ? text.c_str() : "");
+                stream.attribute(name, *name == 'v' ? text : "");
+            }
+            XMLNode node = top;
+            for (int depth = 0; depth < 3; ++depth) {
+                node.addChild("leaf").addText(text.c_str());
+                stream.leaf("leaf", text);
+                node.addChild("bare");
+                stream.open("bare");
+                stream.close();
+                node = node.addChild("deeper");
+                stream.open("deeper");
+                node.addAttribute("v", text.c_str());
+                stream.attribute("v", text);
+            }
+            for (int depth = 0; depth < 4; ++depth) {
+                stream.close();
+            }
+            const zoka::XMLText written = stream.take();
+            ASSERT_EQ(written.view(), top.toFileBytes().view());
+            ASSERT_EQ(written.bytes.get()[written.length], '\0');
+        }
+    }
+}
+
+// It doesn't stop where it grows deep.
+TEST(Write, StreamedDeep) {
+    constexpr int kDepth = 10000;
+    XMLNode node = XMLNode::createTop("a", false, XMLCharset::Utf8);
+    const XMLNode top = node;
+    zoka::XMLStreamWriter stream;
+    stream.open("a");
+    for (int i = 0; i < kDepth; ++i) {
+        node = node.addChild("a");
+        stream.open("a");
+    }
+    for (int i = 0; i <= kDepth; ++i) {
+        stream.close();
+    }
+    EXPECT_EQ(stream.take().view(), top.toFileBytes().view());
 }
 
 TEST(Write, TreesMadeByAProgram) {
