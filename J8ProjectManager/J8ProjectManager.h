@@ -86,11 +86,11 @@ public:
     bool LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& node, std::string& report);
     bool LoadLevel(CJ8LevelData& level, const XMLNode& node, std::string& report);
 
-    // The project file's tree; the empty node when memory runs out. The steps go below `report`. `date` is the
-    // text to write as the date.
+    // The project file's tree, which is what reading its bytes gives; the empty node when memory runs out. The steps go
+    // below `report`. `date` is the text to write as the date.
     XMLNode createXMLTopNode(const zoka::StepReport& report, const std::string& date) const;
-    // The bytes of the project file; nothing when memory runs out.
-    std::optional<std::string> fileText(const zoka::StepReport& report, const std::string& date) const;
+    // The bytes of the project file; nothing when memory runs out. The caller owns them.
+    zoka::XMLText fileText(const zoka::StepReport& report, const std::string& date) const;
     // The present moment as a project file's date: seconds since 1970-01-01 UTC.
     static std::string dateNow();
     // Writes the project file that was loaded, or set; afterwards the model holds the date and the version that

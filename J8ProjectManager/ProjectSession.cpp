@@ -397,7 +397,11 @@ const ProjectChange* ProjectSession::redo() {
 }
 
 std::string ProjectSession::text() const {
-    return m_model.fileText({}, CJ8ProjectManager::dateNow()).value_or("");
+    const XMLText text = m_model.fileText({}, CJ8ProjectManager::dateNow());
+    if (!text) {
+        throw std::bad_alloc();  // an empty text would look like one that lost everything
+    }
+    return std::string(text.view());
 }
 
 std::string ProjectSession::changesText() const {

@@ -153,12 +153,12 @@ SaveResult ProjectSession::save(bool force) {
     m_edits.markSaved();
     // Loaded again, the model knows the places of the file that was written. That text is taken, not what the disk
     // holds by now: undo goes on, and its steps are made for this project.
-    if (auto text = m_model.fileText({}, m_model.m_date)) {
+    if (const XMLText text = m_model.fileText({}, m_model.m_date)) {
         // The file holds this now, also where there is no memory to load it.
-        m_bytes = *text;
+        m_bytes = text.view();
         m_frame.reset();
         m_losses.clear();
-        if (Loaded written = loadedFrom(m_path, std::move(*text)); written.usable) {
+        if (Loaded written = loadedFrom(m_path, m_bytes); written.usable) {
             replaceModel(std::move(written));
         }
     }

@@ -5,6 +5,8 @@
 
 #include "J8ProjectManager/J8ProjectManager.h"
 #include "util/SafeWrite.h"
+#include "util/Text.h"
+#include "xml/XMLStreamWriter.h"
 
 using zoka::J8Section;
 using zoka::Refusal;
@@ -33,101 +35,115 @@ constexpr const char* kSections[] = {"WarnCamera", "WarnUI",      "WarnAnimation
 namespace zoka {
 namespace {
 
-// Adds an element for the file under the attribute of its kind. False, with nothing added, for a kind without
+// Writes an element for the file under the attribute of its kind. False, with nothing written, for a kind without
 // one.
-bool addFile(XMLNode& parent, const char* tag, const CJ8File& file) {
+bool writeReference(XMLStreamWriter& out, const char* tag, const CJ8File& file) {
     const CJ8File::eType kind = file.kindToWrite();
     const char* const attribute = kind >= CJ8File::kFile ? PathTag(kind) : "";
     if (!*attribute) {
         return false;
     }
-    parent.addChild(tag).addAttribute(attribute, file.m_path.c_str());
+    out.open(tag);
+    out.attribute(attribute, file.m_path);
+    out.close();
     return true;
 }
 
-void addDoc(XMLNode& parent, const std::string& doc) {
-    if (!doc.empty()) {
-        parent.addChild("Doc").addText(doc.c_str());
-    }
-}
-
-void addEntity(XMLNode& parent, const J8LevelEntity& entity) {
-    XMLNode node = parent.addChild("Entity");
-    node.addAttribute("name", entity.name.c_str());
+void writeEntity(XMLStreamWriter& out, const J8LevelEntity& entity) {
+    out.open("Entity");
+    out.attribute("name", entity.name);
     if (!entity.parent.empty()) {
-        node.addAttribute("parent", entity.parent.c_str());
+        out.attribute("parent", entity.parent);
     }
     for (const J8EntitySkill& skill : entity.skills) {
-        XMLNode child = node.addChild("Skill");
-        child.addAttribute("num", std::to_string(skill.num).c_str());
+        out.open("Skill");
+        out.attribute("num", std::to_string(skill.num));
         if (skill.value) {
-            child.addAttribute("value", skill.value->c_str());
+            out.attribute("value", *skill.value);
         }
+        out.close();
     }
     for (const J8EntityComponent& component : entity.components) {
-        XMLNode child = node.addChild("Component");
-        child.addAttribute("name", component.name.c_str());
+        out.open("Component");
+        out.attribute("name", component.name);
         for (const J8Edit& edit : component.edits) {
-            XMLNode value = child.addChild("Edit");
-            value.addAttribute("name", edit.name.c_str());
-            value.addAttribute("value", edit.value.c_str());
+            out.open("Edit");
+            out.attribute("name", edit.name);
+            out.attribute("value", edit.value);
+            out.close();
         }
+        out.close();
     }
+    out.close();
 }
 
-void addLevel(XMLNode& parent, const CJ8LevelData& level, const StepReport& report) {
-    XMLNode node = parent.addChild("Level");
-    node.addAttribute("name", level.m_name.c_str());
+void writeLevel(XMLStreamWriter& out, const CJ8LevelData& level, const StepReport& report) {
+    out.open("Level");
+    out.attribute("name", level.m_name);
     report.add(keys::kAddLevel, level.m_name);
     if (level.m_mapFile.m_path.empty()) {
         report.add(keys::kWarnLevel, "No mapfile");
     } else {
-        node.addAttribute("mapfile", level.m_mapFile.m_path.c_str());
+        out.attribute("mapfile", level.m_mapFile.m_path);
     }
-    addDoc(node, level.m_doc);
+    if (!level.m_doc.empty()) {
+        out.leaf("Doc", level.m_doc);
+    }
     for (const J8LevelEntity& entity : level.m_entities) {
-        addEntity(node, entity);
+        writeEntity(out, entity);
         report.add(keys::kAddLevelEntity, entity.name);
     }
+    out.close();
 }
 
 }  // namespace
 }  // namespace zoka
 
-XMLNode CJ8ProjectManager::createXMLTopNode(const StepReport& report, const std::string& date) const try {
-    XMLNode top = XMLNode::createTop("Project", false, XMLCharset::Utf8);
-    top.addAttribute("name", m_name.c_str());
-    top.addAttribute("date", date.c_str());
-    top.addAttribute("vers", zoka::kJ8Version);
-    XMLNode paths = top.addChild("Paths");
-    paths.addAttribute("proj_file", m_roots.project().c_str());
-    paths.addAttribute("j8_file", m_roots.data().c_str());
+zoka::XMLText CJ8ProjectManager::fileText(const StepReport& report, const std::string& date) const try {
+    zoka::XMLStreamWriter out;
+    out.open("Project");
+    out.attribute("name", m_name);
+    out.attribute("date", date);
+    out.attribute("vers", zoka::kJ8Version);
+    out.open("Paths");
+    out.attribute("proj_file", m_roots.project());
+    out.attribute("j8_file", m_roots.data());
+    out.close();
     report.add(keys::kAddBehaviors);
     for (const CJ8File& file : m_apBehaviorFiles) {
-        const bool added = file.m_type != CJ8File::kNotValid && zoka::addFile(top, "Behavior", file);
+        const bool added = file.m_type != CJ8File::kNotValid && zoka::writeReference(out, "Behavior", file);
         report.add(added ? keys::kAddBehavior : keys::kWarnBehavior, file.m_path);
     }
     for (const CJ8File& file : m_apLostBehaviorFiles) {
         report.add(keys::kWarnBehavior, file.m_path);
     }
     for (int i = 0; i < zoka::kJ8Sections; ++i) {
-        if (!zoka::addFile(top, zoka::sectionTag(static_cast<J8Section>(i)), m_sections[i])) {
+        if (!zoka::writeReference(out, zoka::sectionTag(static_cast<J8Section>(i)), m_sections[i])) {
             report.add(keys::kSections[i], "None.");
         }
     }
     for (const CJ8LevelData& level : m_apLevels) {
-        zoka::addLevel(top, level, report);
+        zoka::writeLevel(out, level, report);
     }
-    return top;
+    out.close();
+    return out.take();
 } catch (const std::bad_alloc&) {
     report.group("createXMLTopNode").add(keys::kErrProject);
     return {};
 }
 
-std::optional<std::string> CJ8ProjectManager::fileText(const StepReport& report,
-                                                       const std::string& date) const {
-    const zoka::XMLText text = createXMLTopNode(report, date).toFileBytes();
-    return text ? std::optional<std::string>(text.view()) : std::nullopt;
+XMLNode CJ8ProjectManager::createXMLTopNode(const StepReport& report, const std::string& date) const {
+    const zoka::XMLText text = fileText(report, date);
+    if (!text) {
+        return {};
+    }
+    // The mark is none of the text's characters.
+    const XMLNode top =
+        XMLNode::parseText(text.bytes.get() + zoka::kUtf8Mark.size(), "Project", nullptr, XMLCharset::Utf8);
+    if (top.isEmpty()) {
+        report.group("createXMLTopNode").add(keys::kErrProject);
+    }
+    return top;
 }
 
 std::string CJ8ProjectManager::dateNow() {
@@ -142,7 +158,7 @@ SafeWriteResult CJ8ProjectManager::SaveProjectXML(const StepReport& report, cons
         return {Refusal{"The project has no file to be saved to."}};
     }
     const std::string date = dateNow();
-    const zoka::XMLText text = createXMLTopNode(report, date).toFileBytes();
+    const zoka::XMLText text = fileText(report, date);
     if (!text) {
         return {Refusal{"There is not enough memory to write the project."}};
     }

@@ -109,11 +109,24 @@ TEST_F(ProjectBytes, HostileFiles) {
         "<Project><Paths proj_file='' j8_file=''/><Behavior file='game.xml'/><Behavior file='b.xml'/>"
         "<Behavior file='b.xml'/><UI file='b.xml'/></Project>\n---\n"
         "<Behaviors><Component proj_file='b.xml'/><Behavior name='a'/></Behaviors>";
-    for (const std::string& files :
-         {"<Project><Paths proj_file='" + far + "' j8_file='\\\\server\\share'/><Camera proj_file='" + far +
-              "'/><UI file='..\\..\\..\\x'/><Display j8_file='*'/><UserInput file='NUL'/></Project>",
-          many, circle,
-          std::string("<Project><Level name='l'><Doc>&#32;<![CDATA[ a ]]></Doc></Level></Project>")}) {
+    std::string characters = "<Project name='&#9;&#10;&#13; ";
+    for (char c = ' '; c < '\x7F'; ++c) {
+        const bool isMarkup = c == '<' || c == '&' || c == '\'';
+        characters += isMarkup ? "&#" + std::to_string(c) + ";" : std::string(1, c);
+    }
+    characters +=
+        "'><Paths proj_file='' j8_file=' '/><Level name='' mapfile=' '><Doc>&#13;&lt;b>&#32;</Doc>"
+        "<Entity name='' parent=''><Skill num='-1' value=''/><Component name=''><Edit name='' value=''/>"
+        "</Component></Entity></Level><Level name='l'><Doc/><Entity name=";
+    for (
+        const std::string& files :
+        {"<Project><Paths proj_file='" + far + "' j8_file='\\\\server\\share'/><Camera proj_file='" + far +
+             "'/><UI file='..\\..\\..\\x'/><Display j8_file='*'/><UserInput file='NUL'/></Project>",
+         many, circle,
+         std::string("<Project><Level name='l'><Doc>&#32;<![CDATA[ a ]]></Doc></Level></Project>"),
+         // Every character that a value may hold, in UTF-8 and in the system's own set; texts that are empty or blank.
+         characters + "'\xC3\xA9\xE3\x83\x84\xF0\x9F\x98\x80'/></Level></Project>",
+         characters + "'\xE9\x80\xFF'/></Level></Project>"}) {
         EXPECT_EQ(fault(files), "") << files.substr(0, 100);
     }
 }
@@ -131,7 +144,7 @@ TEST_F(ProjectBytes, AMillionEntities) {
     ASSERT_TRUE(project.LoadFromXML(folder.write("many.xml", text + "</Level></Project>"), false));
     ASSERT_EQ(project.m_apLevels.size(), 1u);
     EXPECT_EQ(project.m_apLevels[0].m_entities.size(), kEntities);
-    text = project.fileText({}, "1").value_or("");
+    text = project.fileText({}, "1").view();
     size_t written = 0;
     for (size_t at = text.find(entity); at != text.npos; at = text.find(entity, at + entity.size())) {
         ++written;

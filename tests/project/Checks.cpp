@@ -102,17 +102,26 @@ std::string loadFault(std::string_view files, const std::string& folder) {
 std::string saveFault(std::string_view files, const std::string& folder) {
     CJ8ProjectManager project, again;
     load(project, spread(files, folder), folder);
-    const auto text = project.fileText({}, "1");
+    const XMLText text = project.fileText({}, "1");
     if (!text) {
         return "not written";
     }
-    load(again, *text, folder);
+    const std::string written(text.view());
+    const auto differs = [&](const XMLText& other, const std::string& how) {
+        return other.view() == written
+                   ? ""
+                   : how + " written as\n" + std::string(other.view()) + "\nand not as\n" + written;
+    };
+    if (const auto fault = differs(project.createXMLTopNode({}, "1").toFileBytes(), "its tree");
+        !fault.empty()) {
+        return fault;
+    }
+    load(again, written, folder);
     project.m_date = again.m_date;
     if (allFields(project) != allFields(again)) {
         return "read back as\n" + allFields(again) + "and not as\n" + allFields(project);
     }
-    const auto second = again.fileText({}, "1");
-    return second == text ? "" : "written again as\n" + second.value_or("") + "\nand not as\n" + *text;
+    return differs(again.fileText({}, "1"), "again");
 }
 
 }  // namespace zoka::test

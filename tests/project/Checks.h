@@ -12,7 +12,7 @@ namespace zoka::test {
 
 // Loading and checking end; every value is found by its address; every row of every entity can be made.
 std::string loadFault(std::string_view files, const std::string& folder);
-// What is written reads back equal, and is written the same again.
+// What is written reads back equal, and is written the same again, by its tree too.
 std::string saveFault(std::string_view files, const std::string& folder);
 
 }  // namespace zoka::test

@@ -185,7 +185,8 @@ TEST(Creation, LeavesAnEarlierProjectAlone) {
 
 // All that a project's object holds.
 std::string contentOf(const CJ8ProjectManager& project) {
-    std::string text = project.m_report + project.fileText({}, "1").value_or("") + project.projectFile();
+    std::string text =
+        project.m_report + std::string(project.fileText({}, "1").view()) + project.projectFile();
     for (const CJ8BehaviorData& behavior : project.m_apBehavior) {
         text += "\nbehavior " + behavior.m_name;
     }

@@ -443,16 +443,16 @@ ExitStatus format(const ProjectOptions& options) {
     }
     const std::string path = open.session().path();
     const std::string& before = open.session().bytes();
-    const auto after = open.model().fileText({}, open.model().m_date);
+    const XMLText after = open.model().fileText({}, open.model().m_date);
     if (!after) {
         complain(outOfMemoryText(options.file));
         return ExitStatus::Failed;
     }
     if (options.dryRun) {
-        printPatch(unifiedDifference(before, *after, path, path));
+        printPatch(unifiedDifference(before, after.view(), path, path));
         return ExitStatus::Done;
     }
-    return rewriteFile(path, before, *after, [&] { return format(options); });
+    return rewriteFile(path, before, after.view(), [&] { return format(options); });
 }
 
 }  // namespace

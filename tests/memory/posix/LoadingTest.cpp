@@ -106,26 +106,29 @@ TEST(Allocations, EachThatFailsWhileLoadingIsAResult) {
     }
 }
 
-TEST(Allocations, AProjectsTreeThatFailsIsAStepOfTheReport) {
+TEST(Allocations, AProjectsTextOrTreeThatFailsIsAStepOfTheReport) {
     CJ8ProjectManager project;
     CJ8LevelData& level = project.m_apLevels.emplace_back();
     level.m_name = "harbour";
     level.m_entities.push_back({"guard", "a parent with a long name", 0, {{1, 0, "5"}}, {}});
-    int failed = 0;
-    for (long failing = 1;; ++failing) {
-        SCOPED_TRACE(failing);
-        const StepReport report = StepReport::start("Save", "SaveProjectXML");
-        g_countdown = failing;
-        const XMLNode top = project.createXMLTopNode(report, "1");
-        g_countdown = 0;
-        const XMLNode step = report.node().firstChild("createXMLTopNode").firstChild("ErrProject");
-        EXPECT_EQ(top.isEmpty(), !step.isEmpty());
-        if (!top.isEmpty()) {
-            break;
+    for (const bool asTree : {false, true}) {
+        int failed = 0;
+        for (long failing = 1;; ++failing) {
+            SCOPED_TRACE(failing);
+            const StepReport report = StepReport::start("Save", "SaveProjectXML");
+            g_countdown = failing;
+            const bool made = asTree ? !project.createXMLTopNode(report, "1").isEmpty()
+                                     : bool(project.fileText(report, "1"));
+            g_countdown = 0;
+            const XMLNode step = report.node().firstChild("createXMLTopNode").firstChild("ErrProject");
+            EXPECT_EQ(made, step.isEmpty());
+            if (made) {
+                break;
+            }
+            ++failed;
         }
-        ++failed;
+        EXPECT_GT(failed, 2);
     }
-    EXPECT_GT(failed, 2);
 }
 
 }  // namespace
