@@ -54,6 +54,12 @@ bool EntryModel::SetValueFromText(const std::string& text) {
     return true;
 }
 
+void EntryModel::takeAsLoaded() {
+    m_facts.value = m_value;
+    m_facts.different = m_different;
+    m_others = false;
+}
+
 void EntryModel::putBack(std::string value) {
     m_value = std::move(value);
     m_different = m_others = false;

@@ -34,6 +34,8 @@ public:
     bool isDifferent() const { return m_different; }
     // With `others` they are not those that were loaded.
     void setDifferent(bool others = false);
+    // What the row shows is what was loaded: it could not be read before.
+    void takeAsLoaded();
     // Why the value can't be changed now, in words for the user; empty when it can.
     const std::string& blocked() const;
     void setBlocked(const std::string& reason);

@@ -397,7 +397,8 @@ bool BehaviorSession::reread(size_t i) {
         }
         values.push_back(*value);
     }
-    if (source.loaded.empty()) {  // one of them could not be read before
+    const bool isFirst = source.loaded.empty();  // one of them could not be read before
+    if (isFirst) {
         source.loaded = values;
     }
     const bool isNews = !areSame(values, source.values) || m_models[i].blocked() != source.closed;
@@ -406,6 +407,9 @@ bool BehaviorSession::reread(size_t i) {
     if (!areSame(values, source.values)) {
         source.values = std::move(values);
         showValues(i);
+    }
+    if (isFirst) {
+        m_models[i].takeAsLoaded();
     }
     return isNews;
 }

@@ -66,23 +66,7 @@ protected:
     static std::unique_ptr<EntityComponents> components(const std::string& file, UserPrompt& prompt) {
         return std::make_unique<EntityComponents>(file, prompt);
     }
-    void follow(std::vector<std::string> names) {
-        select(std::move(names));
-        m_panel.refresh(false);
-    }
-    std::vector<std::string> shown() const {
-        std::vector<std::string> rows;
-        for (size_t i = 0; i < m_panel.size(); ++i) {
-            const EntryModel& row = m_panel.row(i);
-            const bool hasNoValue = !hasValue(row.facts().field);
-            rows.push_back(row.facts().label +
-                           (hasNoValue          ? ""
-                            : row.isDifferent() ? "=(different)"
-                                                : '=' + row.value()) +
-                           (row.HasChanged() ? " changed" : "") + (row.blocked().empty() ? "" : " blocked"));
-        }
-        return rows;
-    }
+    BehaviorSession& panel() override { return m_panel; }
     size_t rowOf(const std::string& label) const {
         for (size_t i = 0; i < m_panel.size(); ++i) {
             if (m_panel.row(i).facts().label == label) {

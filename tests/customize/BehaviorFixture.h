@@ -41,16 +41,22 @@ protected:
         m_entities.selection = std::move(names);
         ++m_entities.count;
     }
+    // The panel that is tested.
+    virtual BehaviorSession& panel() { return m_session; }
     void follow(std::vector<std::string> names) {
         select(std::move(names));
-        m_session.refresh(false);
+        panel().refresh(false);
     }
-    std::vector<std::string> shown() const {
+    std::vector<std::string> shown() {
         std::vector<std::string> rows;
-        for (size_t i = 0; i < m_session.size(); ++i) {
-            const EntryModel& row = m_session.row(i);
-            rows.push_back(row.facts().label + '=' + (row.isDifferent() ? "(different)" : row.value()) +
-                           (row.blocked().empty() ? "" : " blocked"));
+        for (size_t i = 0; i < panel().size(); ++i) {
+            const EntryModel& row = panel().row(i);
+            const bool hasNoValue = !hasValue(row.facts().field);
+            rows.push_back(row.facts().label +
+                           (hasNoValue          ? ""
+                            : row.isDifferent() ? "=(different)"
+                                                : '=' + row.value()) +
+                           (row.HasChanged() ? " changed" : "") + (row.blocked().empty() ? "" : " blocked"));
         }
         return rows;
     }
