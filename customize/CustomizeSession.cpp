@@ -6,7 +6,9 @@
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
+#include "plugin/host/HostCopy.h"
 #include "util/Backups.h"
+#include "util/CopyFailure.h"
 #include "util/Doors.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
@@ -206,18 +208,8 @@ bool CustomizeSession::fetchTemplateCopy() {
     if (!keepOwnLines(*chosen)) {
         return false;
     }
-    const auto refuseCopy = [&](const std::string& why) {
-        return refuse("Copy error (1128).\nNo Update." + (why.empty() ? "" : "\n\n" + why));
-    };
-    const auto before = osFiles().readWhole(path);
-    if (!m_host.CopyFileWithSubstitutions(*chosen, path, {})) {
-        return refuseCopy(m_host.copyProblem());
-    }
-    // What can't be read the caller tells of, who reads it next.
-    if (before && before == osFiles().readWhole(path) && before != osFiles().readWhole(*chosen)) {
-        return refuseCopy("The script is as it was before the copying.");
-    }
-    return true;
+    const Outcome copied = copyByHost(m_host, *chosen, path);
+    return copied || refuse(copyError(copied.why()));
 }
 
 // A script with lines that its template lacks is kept beside the new one: the user may have written them.
@@ -229,7 +221,7 @@ bool CustomizeSession::keepOwnLines(const std::string& templatePath) {
     }
     const auto kept = keepBackup(path, plan->before);
     if (!kept) {
-        m_prompt.tell("Copy error (1128).\nNo Update.\n\n" + kept.why());
+        m_prompt.tell(copyError(kept.why()));
     }
     return static_cast<bool>(kept);
 }

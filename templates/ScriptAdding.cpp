@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "plugin/host/HostCopy.h"
 #include "util/CopyFailure.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -125,8 +126,9 @@ bool ScriptAdding::makeCopy(const AddPlan::Copy& copy) {
     if (copy.number) {
         substitutions.emplace_back(kCopyMarker, copyMark(*copy.number));
     }
-    if (!m_host.CopyFileWithSubstitutions(copy.source, copy.destination, substitutions)) {
-        m_error = copyFailure(copy.source, copy.destination, m_host.copyProblem());
+    const Outcome copied = copyByHost(m_host, copy.source, copy.destination, substitutions);
+    if (!copied) {
+        m_error = copyFailure(copy.source, copy.destination, copied.why());
         return false;
     }
     if (copy.number) {

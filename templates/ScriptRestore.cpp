@@ -1,6 +1,8 @@
 #include "templates/ScriptRestore.h"
 
+#include "plugin/host/HostCopy.h"
 #include "templates/ScriptFolders.h"
+#include "util/CopyFailure.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
@@ -29,10 +31,11 @@ RestorePlan planRestore(ZunEditorInterface& editor, const std::string& fileName)
 
 bool RestoreFromTemplate(ZunEditorInterface& editor, const std::string& fileName, UserPrompt& prompt) {
     RestorePlan plan = planRestore(editor, fileName);
-    if (plan.problem.empty() &&
-        !editor.CopyFileToFolder(plan.source, std::string(folderOf(plan.destination)))) {
-        const std::string why = editor.copyProblem();
-        plan.problem = "Copy error (1128).\nNo Update." + (why.empty() ? "" : "\n\n" + why);
+    if (plan.problem.empty()) {
+        const std::string folder(folderOf(plan.destination));
+        if (const Outcome copied = copyByHostToFolder(editor, plan.source, folder); !copied) {
+            plan.problem = copyError(copied.why());
+        }
     }
     if (!plan.problem.empty()) {
         prompt.ask(plan.problem, plan.title, PromptButtons::Ok, PromptIcon::Error);

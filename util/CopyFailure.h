@@ -10,4 +10,9 @@ inline std::string copyFailure(const std::string& source, const std::string& tar
     return "Can't copy '" + source + "' to '" + target + "'" + (why.empty() ? "" : ": " + why);
 }
 
+// The same where a script was to be replaced or brought back.
+inline std::string copyError(const std::string& why) {
+    return "Copy error (1128).\nNo Update." + (why.empty() ? "" : "\n\n" + why);
+}
+
 }  // namespace zoka

@@ -248,6 +248,33 @@ TEST(ScriptAdding, AMainScriptElsewhereIsCopiedFirst) {
               "Can't copy '" + outside + "' to '" + copy + "': Can't write '" + copy + "': injected fault");
 }
 
+// It says yes and copies nothing.
+TEST(ScriptAdding, AHostThatFeignsItsCopiesIsFoundOut) {
+    Project project;
+    project.addTemplate("a.kez", "x");
+    project.addTemplate("camera_.kez", "x");
+    project.host.feigned = {"CopyFileWithSubstitutions"};
+    const std::string before = project.main();
+    ScriptedPrompt prompt;
+    ScriptAdding adding(project.host, prompt);
+    EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("camera_.kez")));
+    EXPECT_EQ(adding.error(), "Can't copy '" + project.templatePath("camera_.kez") + "' to '" +
+                                  project.folder.path("camera_0.kez") +
+                                  "': There is no script after the copying.");
+    EXPECT_TRUE(adding.copies().empty());
+    EXPECT_EQ(project.main(), before);
+    EXPECT_EQ(project.folder.names(), Names{"main.kez"});
+
+    project.host.folders().mainScript = project.suite.write("main.kez", "// newer\r\n\r\n");
+    prompt.answers = {PromptAnswer::Ok};
+    EXPECT_FALSE(adding.AddScriptToProject(project.templatePath("a.kez")));
+    EXPECT_EQ(adding.error(), "Can't copy '" + project.suite.path("main.kez") + "' to '" +
+                                  project.folder.path("main.kez") +
+                                  "': The script is as it was before the copying.");
+    EXPECT_EQ(project.main(), before);
+    EXPECT_EQ(project.suite.read("main.kez"), "// newer\r\n\r\n");
+}
+
 TEST(ScriptAdding, WithoutMainScriptTheEditorIsAskedToMakeOne) {
     Project project;
     project.addTemplate("a.kez", "x");

@@ -398,6 +398,11 @@ TEST(ScriptUpdate, Restore) {
     EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
     EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.");
     f.project.host.refuseCopies(false);
+    f.project.host.feigned = {"CopyFileToFolder"};
+    EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
+    EXPECT_EQ(f.prompt.texts().back(),
+              "Copy error (1128).\nNo Update.\n\nThere is no script after the copying.");
+    f.project.host.feigned.clear();
     const FaultyOsFiles disk(FaultyOsFiles::every("openNew"));
     EXPECT_FALSE(RestoreFromTemplate(f.project.host, "weather.kez"));
     EXPECT_EQ(f.prompt.texts().back(), "Copy error (1128).\nNo Update.\n\nCan't make '" +
