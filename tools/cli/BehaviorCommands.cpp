@@ -6,7 +6,7 @@
 
 #include "controls/EntryRules.h"
 #include "tools/cli/ActionRows.h"
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "tools/editor/LevelMap.h"
@@ -166,26 +166,26 @@ ExitStatus checkBehavior(const BehaviorOptions& options) {
 
 }  // namespace
 
-void addBehaviorCommands(CLI::App& app, Work& chosen) {
-    CLI::App* const group =
-        app.add_subcommand("behavior", "What actions declare for the entities that they are attached to");
-    setExample(*group, "zoka behavior list guard.kez");
+void addBehaviorCommands(const Command& app, Work& chosen) {
+    const Command group =
+        app.add("behavior", "What actions declare for the entities that they are attached to",
+                "zoka behavior list guard.kez");
     addCommand<BehaviorOptions>(
-        *group,
+        group,
         {"list", "Print the skills and flags that a script's actions declare",
          "zoka behavior list guard.kez guard_patrol"},
         chosen, listBehavior,
-        [](CLI::App& command, BehaviorOptions& options) {
-            command.add_option("SCRIPT", options.file, "The script")->required();
-            command.add_option("ACTION", options.action, "One action alone");
+        [](const Command& command, BehaviorOptions& options) {
+            command.option("SCRIPT", options.file, "The script").required();
+            command.option("ACTION", options.action, "One action alone");
         },
         kJson);
     addCommand<BehaviorOptions>(
-        *group,
+        group,
         {"check", "Tell what is wrong with the markup of scripts' actions", "zoka behavior check templates"},
         chosen, checkBehavior,
-        [](CLI::App& command, BehaviorOptions& options) {
-            command.add_option("SCRIPT", options.scripts, "Scripts, or folders of scripts")->required();
+        [](const Command& command, BehaviorOptions& options) {
+            command.option("SCRIPT", options.scripts, "Scripts, or folders of scripts").required();
         },
         kJson);
 }

@@ -1,5 +1,4 @@
 // zoka catalogue, zoka help-pages: make, check and show a template catalogue.
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -12,7 +11,7 @@
 #include "templates/HelpPages.h"
 #include "templates/ScriptNeeds.h"
 #include "templates/ScriptSearch.h"
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/Doors.h"
@@ -337,37 +336,36 @@ ExitStatus writePages(const PagesOptions& options) {
 
 }  // namespace
 
-void addCatalogueCommands(CLI::App& app, Work& chosen) {
-    CLI::App& group = *app.add_subcommand("catalogue", "Make, check and show template catalogues");
-    setExample(group, "zoka catalogue list templates/template_6.xml");
-    const auto file = [](CLI::App& command, auto& options) {
-        command.add_option("FILE", options.file, "The catalogue file")->required();
+void addCatalogueCommands(const Command& app, Work& chosen) {
+    const Command group = app.add("catalogue", "Make, check and show template catalogues",
+                                  "zoka catalogue list templates/template_6.xml");
+    const auto file = [](const Command& command, auto& options) {
+        command.option("FILE", options.file, "The catalogue file").required();
     };
     addCommand<BuildOptions>(
         group,
         {"build", "Make the catalogue of a folder from its scripts' headers",
          "zoka catalogue build templates --name \"Harbour Lights\" --vers 6.2"},
         chosen, build,
-        [](CLI::App& command, BuildOptions& options) {
-            command.add_option("FOLDER", options.folder, "The template folder")->required();
-            command.add_option("-o,--output", options.output, "The catalogue file [FOLDER/template_6.xml]");
-            command.add_option("--name", options.name, "The template set's name [that of the old catalogue]");
-            command.add_option("--type", options.type, "Its type [that of the old catalogue]");
-            command.add_option("--vers", options.version, "Its version [that of the old catalogue]");
-            command.add_option("--enginereq", options.engineReq, "The engine it needs, as in \"6.1 PRO\"");
+        [](const Command& command, BuildOptions& options) {
+            command.option("FOLDER", options.folder, "The template folder").required();
+            command.option("-o,--output", options.output, "The catalogue file [FOLDER/template_6.xml]");
+            command.option("--name", options.name, "The template set's name [that of the old catalogue]");
+            command.option("--type", options.type, "Its type [that of the old catalogue]");
+            command.option("--vers", options.version, "Its version [that of the old catalogue]");
+            command.option("--enginereq", options.engineReq, "The engine it needs, as in \"6.1 PRO\"");
         },
         kDryRun,
-        [](CLI::App& command, BuildOptions& options) {
-            command.add_flag("--json", options.json, "Print the findings as JSON, without the lines");
+        [](const Command& command, BuildOptions& options) {
+            command.flag("--json", options.json, "Print the findings as JSON, without the lines");
         });
     addCommand<CatalogueOptions>(
         group,
         {"check", "Tell what is wrong with a catalogue, and where",
          "zoka catalogue check templates/template_6.xml --templates templates"},
         chosen, check, file,
-        [](CLI::App& command, CatalogueOptions& options) {
-            command.add_option("--templates", options.templates,
-                               "Compare it with the scripts of this folder");
+        [](const Command& command, CatalogueOptions& options) {
+            command.option("--templates", options.templates, "Compare it with the scripts of this folder");
         },
         kJson);
     addCommand<CatalogueOptions>(
@@ -375,18 +373,18 @@ void addCatalogueCommands(CLI::App& app, Work& chosen) {
         {"list", "List a catalogue's scripts",
          "zoka catalogue list templates/template_6.xml --class Camera --search \"fov\""},
         chosen, list, file,
-        [](CLI::App& command, CatalogueOptions& options) {
-            command.add_option("--class", options.className, "Only this class")->capture_default_str();
-            command.add_option("--type", options.type, "Only this type");
-            command.add_option("--search", options.query, "Only scripts that hold all these words");
+        [](const Command& command, CatalogueOptions& options) {
+            command.option("--class", options.className, "Only this class").showDefault();
+            command.option("--type", options.type, "Only this type");
+            command.option("--search", options.query, "Only scripts that hold all these words");
         },
         kJson);
     addCommand<CatalogueOptions>(
         group,
         {"show", "Show one script of a catalogue", "zoka catalogue show templates/template_6.xml fog.kez"},
         chosen, show, file,
-        [](CLI::App& command, CatalogueOptions& options) {
-            command.add_option("NAME", options.script, "The script's title or file name")->required();
+        [](const Command& command, CatalogueOptions& options) {
+            command.option("NAME", options.script, "The script's title or file name").required();
         },
         kJson);
     addCommand<PagesOptions>(
@@ -394,10 +392,9 @@ void addCatalogueCommands(CLI::App& app, Work& chosen) {
         {"help-pages", "Write HTML help about a catalogue's scripts",
          "zoka help-pages templates/template_6.xml -o docs"},
         chosen, writePages, file,
-        [](CLI::App& command, PagesOptions& options) {
-            command.add_option("-o,--output", options.output, "The folder for the pages")
-                ->capture_default_str();
-            command.add_flag("--prune", options.prune, "Delete the pages of scripts that are gone");
+        [](const Command& command, PagesOptions& options) {
+            command.option("-o,--output", options.output, "The folder for the pages").showDefault();
+            command.flag("--prune", options.prune, "Delete the pages of scripts that are gone");
         },
         kDryRun);
 }

@@ -1,6 +1,5 @@
 #include "tools/cli/Cli.h"
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -18,15 +17,6 @@
 #include "util/SaveResult.h"
 
 namespace zoka::cli {
-
-void setExample(CLI::App& command, const std::string& line) {
-    command.footer("Example:\n  " + line +
-                   "\n\nEvery command takes --yes, which answers every question with yes.\n\nExit codes:\n"
-                   "  0  done\n"
-                   "  1  findings: something is wrong with the content\n"
-                   "  2  usage: the arguments make no sense, nothing was done\n"
-                   "  3  could not do it: a file can't be read or written");
-}
 
 namespace {
 

@@ -1,6 +1,6 @@
 // What the tool's command groups share. Each group is one file with one add...Commands function, which
-// main.cpp calls: it hangs its commands into the parser. A command's callback, called when its arguments have
-// been read, checks what the parser can't and leaves the work to be done in `chosen`; main runs it.
+// main.cpp calls: it hangs its commands into the tool's. A command's arguments, once they are read, leave the work
+// to be done in `chosen`; main runs it.
 #pragma once
 
 #include <cstdio>
@@ -11,10 +11,6 @@
 
 #include "util/OsFiles.h"
 #include "util/SafeWrite.h"
-
-namespace CLI {
-class App;
-}
 
 namespace zoka {
 class EntryModel;
@@ -39,20 +35,18 @@ inline ExitStatus worse(ExitStatus a, ExitStatus b) {
 // Of a save that the user has been told about, but for a refusal of their own.
 ExitStatus statusOf(const SaveResult& saved);
 
+class Command;
 using Work = std::function<ExitStatus()>;
 
-void addXmlCommands(CLI::App& app, Work& chosen);
-void addCatalogueCommands(CLI::App& app, Work& chosen);  // zoka help-pages too
-void addScriptCommands(CLI::App& app, Work& chosen);
-void addBehaviorCommands(CLI::App& app, Work& chosen);
-void addLevelCommands(CLI::App& app, Work& chosen);
-void addCustomizeCommands(CLI::App& app, Work& chosen);
-void addProjectCommands(CLI::App& app, Work& chosen);
+void addXmlCommands(const Command& app, Work& chosen);
+void addCatalogueCommands(const Command& app, Work& chosen);  // zoka help-pages too
+void addScriptCommands(const Command& app, Work& chosen);
+void addBehaviorCommands(const Command& app, Work& chosen);
+void addLevelCommands(const Command& app, Work& chosen);
+void addCustomizeCommands(const Command& app, Work& chosen);
+void addProjectCommands(const Command& app, Work& chosen);
 // zoka wizard, and zoka project new: called behind addProjectCommands, whose group that goes into.
-void addWizardCommands(CLI::App& app, Work& chosen);
-
-// The end of a command's --help: an example line and the exit codes.
-void setExample(CLI::App& command, const std::string& line);
+void addWizardCommands(const Command& app, Work& chosen);
 
 // "-" in the place of a file's name: the standard input or output.
 inline bool isStandardStream(std::string_view path) {

@@ -1,5 +1,4 @@
 // zoka customize: the values that scripts offer for editing, without the panel.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -12,7 +11,7 @@
 #include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
 #include "customize/ValueUpdate.h"
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/OpenScript.h"
 #include "tools/cli/SuitePath.h"
@@ -427,36 +426,36 @@ ExitStatus check(const CustomizeOptions& options) {
 
 }  // namespace
 
-void addCustomizeCommands(CLI::App& app, Work& chosen) {
-    CLI::App& group = *app.add_subcommand("customize", "The values that scripts offer for editing");
-    setExample(group, "zoka customize list fog.kez");
+void addCustomizeCommands(const Command& app, Work& chosen) {
+    const Command group =
+        app.add("customize", "The values that scripts offer for editing", "zoka customize list fog.kez");
     const auto add = [&](const char* name, const char* what, const char* example,
                          ExitStatus (*work)(const CustomizeOptions&), const auto&... more) {
         addCommand<CustomizeOptions>(group,
                                      {name, what, std::string("zoka customize ") + name + ' ' + example},
                                      chosen, work, more...);
     };
-    const auto file = [](CLI::App& command, CustomizeOptions& options) {
-        command.add_option("FILE", options.file, "The script")->required();
+    const auto file = [](const Command& command, CustomizeOptions& options) {
+        command.option("FILE", options.file, "The script").required();
     };
-    const auto original = [](CLI::App& command, CustomizeOptions& options) {
-        command.add_option("-t,--template", options.other, "The template, or the folder that it lies in")
-            ->required();
+    const auto original = [](const Command& command, CustomizeOptions& options) {
+        command.option("-t,--template", options.other, "The template, or the folder that it lies in")
+            .required();
     };
     const auto words = [](const char* name, const char* what, bool required) {
-        return [=](CLI::App& command, CustomizeOptions& options) {
-            command.add_option(name, options.words, what)->required(required);
+        return [=](const Command& command, CustomizeOptions& options) {
+            command.option(name, options.words, what).required(required);
         };
     };
     const auto values = [](const char* option, const char* what) {
-        return [=](CLI::App& command, CustomizeOptions& options) {
-            command.add_option(option, options.other, what);
+        return [=](const Command& command, CustomizeOptions& options) {
+            command.option(option, options.other, what);
         };
     };
     add(
         "list", "List a script's values", "fog.kez", list, file,
-        [](CLI::App& command, CustomizeOptions& options) {
-            command.add_flag("--full", options.full, "Everything that was read from the markup");
+        [](const Command& command, CustomizeOptions& options) {
+            command.flag("--full", options.full, "Everything that was read from the markup");
         },
         kJson);
     add("get", "Print values by id or label", "fog.kez 4 \"Far end\"", get, file,

@@ -9,7 +9,7 @@
 #include "controls/EntryRules.h"
 #include "customize/BehaviorPanel.h"
 #include "tools/cli/ActionRows.h"
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "tools/editor/LevelEdit.h"
@@ -415,45 +415,44 @@ ExitStatus diffLevels(const LevelOptions& options) {
 
 }  // namespace
 
-void addLevelCommands(CLI::App& app, Work& chosen) {
-    CLI::App* const group = app.add_subcommand("level", "The entities of a level of the stand-in editor");
-    setExample(*group, "zoka level list main.zlm");
-    const auto level = [](CLI::App& command, LevelOptions& options) {
-        command.add_option("LEVEL", options.file, "The level (.zlm)")->required();
+void addLevelCommands(const Command& app, Work& chosen) {
+    const Command group =
+        app.add("level", "The entities of a level of the stand-in editor", "zoka level list main.zlm");
+    const auto level = [](const Command& command, LevelOptions& options) {
+        command.option("LEVEL", options.file, "The level (.zlm)").required();
     };
-    const auto entity = [](CLI::App& command, LevelOptions& options) {
-        command.add_option("ENTITY", options.entity, "The entity")->required();
+    const auto entity = [](const Command& command, LevelOptions& options) {
+        command.option("ENTITY", options.entity, "The entity").required();
     };
     addCommand<LevelOptions>(
-        *group,
+        group,
         {"list", "Print the entities with their skills and flags", "zoka level list main.zlm guard_north"},
         chosen, listLevel, level,
-        [](CLI::App& command, LevelOptions& options) {
-            command.add_option("ENTITY", options.words, "These entities alone");
+        [](const Command& command, LevelOptions& options) {
+            command.option("ENTITY", options.words, "These entities alone");
         },
         kJson);
     addCommand<LevelOptions>(
-        *group, {"get", "Print values of an entity", "zoka level get main.zlm guard_north Speed"}, chosen,
+        group, {"get", "Print values of an entity", "zoka level get main.zlm guard_north Speed"}, chosen,
         getLevel, level, entity,
-        [](CLI::App& command, LevelOptions& options) {
-            command.add_option("NAME", options.words, "Labels, or names like skill3 and flag1")->required();
+        [](const Command& command, LevelOptions& options) {
+            command.option("NAME", options.words, "Labels, or names like skill3 and flag1").required();
         },
         kJson);
     addCommand<LevelOptions>(
-        *group, {"set", "Change values of an entity", "zoka level set main.zlm guard_north Speed=4 flag1=0"},
+        group, {"set", "Change values of an entity", "zoka level set main.zlm guard_north Speed=4 flag1=0"},
         chosen, setLevel, level, entity,
-        [](CLI::App& command, LevelOptions& options) {
-            command
-                .add_option("NAME=VALUE", options.words, "Values by label, or by names like skill3 and flag1")
-                ->required();
+        [](const Command& command, LevelOptions& options) {
+            command.option("NAME=VALUE", options.words, "Values by label, or by names like skill3 and flag1")
+                .required();
         },
         kDryRun, kForce, kJson);
     addCommand<LevelOptions>(
-        *group,
+        group,
         {"diff", "Print the values that differ between two levels", "zoka level diff main.zlm backup.zlm"},
         chosen, diffLevels, level,
-        [](CLI::App& command, LevelOptions& options) {
-            command.add_option("OTHER", options.entity, "The other level")->required();
+        [](const Command& command, LevelOptions& options) {
+            command.option("OTHER", options.entity, "The other level").required();
         },
         kJson);
 }

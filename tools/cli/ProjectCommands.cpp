@@ -1,5 +1,4 @@
 // zoka project: J8 projects, without the dialog.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -7,7 +6,7 @@
 
 #include "J8ProjectManager/ProjectCheck.h"
 #include "J8ProjectManager/ProjectSession.h"
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/DebugLog.h"
@@ -457,20 +456,20 @@ ExitStatus format(const ProjectOptions& options) {
 
 }  // namespace
 
-void addProjectCommands(CLI::App& app, Work& chosen) {
-    CLI::App& group = *app.add_subcommand("project", "Check, list and change J8 projects");
-    setExample(group, "zoka project set game.xml level/harbour/entity/guard/skill/3=40");
+void addProjectCommands(const Command& app, Work& chosen) {
+    const Command group = app.add("project", "Check, list and change J8 projects",
+                                  "zoka project set game.xml level/harbour/entity/guard/skill/3=40");
     const auto add = [&](const char* name, const char* what, const char* example,
                          ExitStatus (*work)(const ProjectOptions&), const auto&... more) {
         addCommand<ProjectOptions>(group, {name, what, std::string("zoka project ") + name + ' ' + example},
                                    chosen, work, more...);
     };
-    const auto file = [](CLI::App& command, ProjectOptions& options) {
-        command.add_option("PROJECT", options.file, "The project file")->required();
+    const auto file = [](const Command& command, ProjectOptions& options) {
+        command.option("PROJECT", options.file, "The project file").required();
     };
     const auto words = [](const char* name, const char* what, bool required) {
-        return [=](CLI::App& command, ProjectOptions& options) {
-            command.add_option(name, options.words, what)->required(required);
+        return [=](const Command& command, ProjectOptions& options) {
+            command.option(name, options.words, what).required(required);
         };
     };
 
@@ -485,11 +484,11 @@ void addProjectCommands(CLI::App& app, Work& chosen) {
     add(
         "set", "Change values, all of them or none", "game.xml level/harbour/entity/guard/skill/3=40", set,
         file, words("ADDRESS=VALUE", "What to change", false),
-        [](CLI::App& command, ProjectOptions& options) {
-            command.add_option("-u,--unset", options.unset,
-                               "Take an entity's own value away: its parent's holds");
-            command.add_flag("--undeclared", options.undeclared,
-                             "Also values that no behaviors or components file declares");
+        [](const Command& command, ProjectOptions& options) {
+            command.option("-u,--unset", options.unset,
+                           "Take an entity's own value away: its parent's holds");
+            command.flag("--undeclared", options.undeclared,
+                         "Also values that no behaviors or components file declares");
         },
         kDryRun);
     add("save", "Load a project and write it again", "game.xml", save, file, kDryRun);

@@ -1,5 +1,4 @@
 // zoka scripts: a project's scripts, managed as the Project Manager window does it.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -12,7 +11,7 @@
 #include "templates/CatalogueXml.h"
 #include "templates/NotesReport.h"
 #include "templates/ScriptManagerSession.h"
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/FileLock.h"
@@ -473,18 +472,18 @@ ExitStatus why(Manager& manager, const ScriptOptions& options) {
 
 }  // namespace
 
-void addScriptCommands(CLI::App& app, Work& chosen) {
-    CLI::App& group = *app.add_subcommand("scripts", "Manage the scripts that a project includes");
-    setExample(group, "zoka scripts list -p game -t suite/templates");
+void addScriptCommands(const Command& app, Work& chosen) {
+    const Command group = app.add("scripts", "Manage the scripts that a project includes",
+                                  "zoka scripts list -p game -t suite/templates");
     const auto add = [&](const char* name, const char* what, const char* example,
                          ExitStatus (*work)(Manager&, const ScriptOptions&), const auto&... more) {
-        const auto project = [](CLI::App& command, ScriptOptions& options) {
-            command.add_option("-p,--project", options.project, "The project folder")->capture_default_str();
-            command.add_option("-t,--templates", options.templates, "The template folder")->required();
-            command.add_option("-c,--catalogue", options.catalogue,
-                               "The catalogue [template_6.xml of that folder]");
-            command.add_option("-m,--main", options.mainScript,
-                               "The main script, where the project has several scripts");
+        const auto project = [](const Command& command, ScriptOptions& options) {
+            command.option("-p,--project", options.project, "The project folder").showDefault();
+            command.option("-t,--templates", options.templates, "The template folder").required();
+            command.option("-c,--catalogue", options.catalogue,
+                           "The catalogue [template_6.xml of that folder]");
+            command.option("-m,--main", options.mainScript,
+                           "The main script, where the project has several scripts");
         };
         addCommand<ScriptOptions>(
             group,
@@ -497,20 +496,19 @@ void addScriptCommands(CLI::App& app, Work& chosen) {
             project, more...);
     };
     const auto names = [](bool required, bool one = false) {
-        return [=](CLI::App& command, ScriptOptions& options) {
-            CLI::Option* const option =
-                command.add_option("NAME", options.names, "Title or file name of a script");
-            option->required(required);
+        return [=](const Command& command, ScriptOptions& options) {
+            Option option = command.option("NAME", options.names, "Title or file name of a script");
+            option.required(required);
             if (one) {
-                option->expected(1);
+                option.one();
             }
         };
     };
     // A command that changes the project.
-    const auto dryRun = [](CLI::App& command, ScriptOptions& options) {
+    const auto dryRun = [](const Command& command, ScriptOptions& options) {
         options.changes = true;
-        command.add_flag("-n,--dry-run", options.dryRun,
-                         "Change nothing; print what would be changed and copied");
+        command.flag("-n,--dry-run", options.dryRun,
+                     "Change nothing; print what would be changed and copied");
     };
 
     add("list", "List the included scripts", "", list, kJson);

@@ -1,5 +1,4 @@
 // zoka wizard and zoka project new: project wizards without their dialog.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 #include <map>
@@ -13,8 +12,8 @@
 #include "J8ProjectWizard/NewProjectSession.h"
 #include "J8ProjectWizard/PlanTree.h"
 #include "J8ProjectWizard/WizardFindings.h"
-#include "tools/cli/AddCommand.h"
 #include "tools/cli/Cli.h"
+#include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
 #include "tools/cli/SuitePath.h"
 #include "util/CopyFailure.h"
@@ -368,42 +367,41 @@ ExitStatus create(WizardOptions options) {
 
 }  // namespace
 
-void addWizardCommands(CLI::App& app, Work& chosen) {
-    const auto suite = [](CLI::App& command, WizardOptions& options) {
-        command.add_option("FOLDER", options.suite,
-                           "The suite's folder, which holds templates (default: the current one)");
+void addWizardCommands(const Command& app, Work& chosen) {
+    const auto suite = [](const Command& command, WizardOptions& options) {
+        command.option("FOLDER", options.suite,
+                       "The suite's folder, which holds templates (default: the current one)");
     };
-    CLI::App* wizard = app.add_subcommand("wizard", "The suite's project wizards");
-    setExample(*wizard, "zoka wizard list");
-    const auto title = [](CLI::App& command, WizardOptions& options) {
-        command.add_option("WIZARD", options.wizard, "Its title or its file name")->required();
+    const Command wizard = app.add("wizard", "The suite's project wizards", "zoka wizard list");
+    const auto title = [](const Command& command, WizardOptions& options) {
+        command.option("WIZARD", options.wizard, "Its title or its file name").required();
     };
-    addCommand<WizardOptions>(*wizard, {"list", "List the wizards", "zoka wizard list"}, chosen, list, suite,
+    addCommand<WizardOptions>(wizard, {"list", "List the wizards", "zoka wizard list"}, chosen, list, suite,
                               kJson);
     addCommand<WizardOptions>(
-        *wizard, {"show", "Show a wizard and what it makes", "zoka wizard show \"Empty project\""}, chosen,
+        wizard, {"show", "Show a wizard and what it makes", "zoka wizard show \"Empty project\""}, chosen,
         show, title, suite, kJson);
-    addCommand<WizardOptions>(*wizard,
+    addCommand<WizardOptions>(wizard,
                               {"check", "Tell what is wrong in the wizards' files", "zoka wizard check"},
                               chosen, check, suite, kJson);
 
-    CLI::App* const project = app.get_subcommand("project");
+    const Command project = app.below("project");
     addCommand<WizardOptions>(
-        *project,
+        project,
         {"new", "Make a project with a wizard",
          "zoka project new \"Empty project\" --name \"My game\" --folder C:\\games\\mine"},
         chosen, create, title,
-        [](CLI::App& command, WizardOptions& options) {
-            command.add_option("--folder", options.folder, "The new project's folder, which must not exist")
-                ->required();
-            command.add_option("--name", options.name, "The project's name");
-            command.add_option("--docs", options.docs, "What the project is about");
-            command.add_option("--level", options.level, "The first level's name");
-            command.add_option("--level-docs", options.levelDocs, "What the first level is about");
-            command.add_option("--map", options.map, "File name of the first level's map, without extension");
-            command.add_option("--templates", options.templates, "The J8 templates path");
-            command.add_option("--suite", options.suite, "The suite's folder (default: the current one)");
-            command.add_flag("-n,--dry-run", options.dryRun, "Make nothing; print what would be made");
+        [](const Command& command, WizardOptions& options) {
+            command.option("--folder", options.folder, "The new project's folder, which must not exist")
+                .required();
+            command.option("--name", options.name, "The project's name");
+            command.option("--docs", options.docs, "What the project is about");
+            command.option("--level", options.level, "The first level's name");
+            command.option("--level-docs", options.levelDocs, "What the first level is about");
+            command.option("--map", options.map, "File name of the first level's map, without extension");
+            command.option("--templates", options.templates, "The J8 templates path");
+            command.option("--suite", options.suite, "The suite's folder (default: the current one)");
+            command.flag("-n,--dry-run", options.dryRun, "Make nothing; print what would be made");
         },
         kJson);
 }

@@ -1,5 +1,4 @@
 // zoka xml: check and format XML files as the plug-in reads and writes them.
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -7,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/cli/AddCommand.h"
+#include "tools/cli/Command.h"
 #include "util/ConsolePrompt.h"
 #include "util/Doors.h"
 #include "util/LineDiff.h"
@@ -139,15 +138,16 @@ struct FormatOptions {
     std::string output = "-";
     bool inPlace = false, dryRun = false;
 
-    void check() const {
+    Outcome check() const {
         for (const std::string& path : paths) {
             if (inPlace && isStandardStream(path)) {
-                throw CLI::ValidationError("--in-place", "the standard input has no place to write back to");
+                return Refusal{"--in-place: the standard input has no place to write back to"};
             }
         }
         if (!inPlace && paths.size() > 1) {
-            throw CLI::ValidationError("FILE", "several files can be formatted with --in-place only");
+            return Refusal{"FILE: several files can be formatted with --in-place only"};
         }
+        return {};
     }
 };
 
@@ -161,30 +161,28 @@ ExitStatus formatAll(const FormatOptions& options) {
 
 }  // namespace
 
-void addXmlCommands(CLI::App& app, Work& chosen) {
-    CLI::App& group = *app.add_subcommand("xml", "Check and format XML files");
-    setExample(group, "zoka xml check template_6.xml");
+void addXmlCommands(const Command& app, Work& chosen) {
+    const Command group = app.add("xml", "Check and format XML files", "zoka xml check template_6.xml");
     addCommand<CheckOptions>(
         group,
         {"check", "Tell whether XML files can be read, and where not",
          "zoka xml check template_6.xml main.xml"},
-        chosen, check, [](CLI::App& command, CheckOptions& options) {
-            command.add_option("FILE", options.paths, "Files to check; - is the standard input")->required();
+        chosen, check, [](const Command& command, CheckOptions& options) {
+            command.option("FILE", options.paths, "Files to check; - is the standard input").required();
         });
     addCommand<FormatOptions>(
         group,
         {"format", "Lay out an XML file with one element a line",
          "zoka xml format main.xml -o formatted.xml"},
         chosen, formatAll,
-        [](CLI::App& command, FormatOptions& options) {
+        [](const Command& command, FormatOptions& options) {
             command
-                .add_option("FILE", options.paths,
-                            "The file; - is the standard input. Several with --in-place")
-                ->required();
-            CLI::Option* const output = command.add_option("-o,--output", options.output,
-                                                           "Write to this file; - is the standard output");
-            command.add_flag("-i,--in-place", options.inPlace, "Write each file back to its own place")
-                ->excludes(output);
+                .option("FILE", options.paths, "The file; - is the standard input. Several with --in-place")
+                .required();
+            const Option output =
+                command.option("-o,--output", options.output, "Write to this file; - is the standard output");
+            command.flag("-i,--in-place", options.inPlace, "Write each file back to its own place")
+                .excludes(output);
         },
         kDryRun);
 }
