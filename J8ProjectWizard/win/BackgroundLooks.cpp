@@ -79,20 +79,23 @@ std::vector<DiskLook> BackgroundLooks::take(bool& more) {
     return std::exchange(m_seen, {});
 }
 
-DWORD WINAPI BackgroundLooks::threadMain(void* self) {
-    auto& looks = *static_cast<BackgroundLooks*>(self);
+DWORD WINAPI BackgroundLooks::threadMain(void* self) noexcept {
+    static_cast<BackgroundLooks*>(self)->run();
+    return 0;
+}
+
+void BackgroundLooks::run() noexcept {
     for (bool ended = false; !ended;) {
         try {
-            looks.work();
+            work();
             ended = true;
         } catch (...) {
             // No memory left for looking; the next time there may be.
-            const std::lock_guard lock(looks.m_lock);
-            looks.m_asked.clear();
-            looks.m_isLooking = false;
+            const std::lock_guard lock(m_lock);
+            m_asked.clear();
+            m_isLooking = false;
         }
     }
-    return 0;
 }
 
 void BackgroundLooks::work() {

@@ -40,7 +40,8 @@ public:
     std::vector<DiskLook> take(bool& more);
 
 private:
-    static DWORD WINAPI threadMain(void* self);
+    static DWORD WINAPI threadMain(void* self) noexcept;
+    void run() noexcept;
     void work();
     // Makes the thread, or wakes it.
     void wake();

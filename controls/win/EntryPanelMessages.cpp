@@ -213,21 +213,23 @@ void EntryPanel::paintEmpty() {
 }
 
 LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const self = objectOf<EntryPanel>(window, message, lParam);
-    if (!self) {
-        return message == WM_NCCREATE ? FALSE : DefWindowProcA(window, message, wParam, lParam);
-    }
-    if (message == WM_NCCREATE) {
-        self->m_window = window;
-    }
-    if (message == WM_NCDESTROY) {
-        self->m_window = nullptr;
-        self->m_live.clear();
-        self->m_pictures.clear();
-        forgetObject(window);
-        return DefWindowProcA(window, message, wParam, lParam);
-    }
-    return answerInside(window, [&] { return self->message(message, wParam, lParam); });
+    return answerInside(window, [&]() -> LRESULT {
+        auto* const self = objectOf<EntryPanel>(window, message, lParam);
+        if (!self) {
+            return message == WM_NCCREATE ? FALSE : DefWindowProcA(window, message, wParam, lParam);
+        }
+        if (message == WM_NCCREATE) {
+            self->m_window = window;
+        }
+        if (message == WM_NCDESTROY) {
+            self->m_window = nullptr;
+            self->m_live.clear();
+            self->m_pictures.clear();
+            forgetObject(window);
+            return DefWindowProcA(window, message, wParam, lParam);
+        }
+        return self->message(message, wParam, lParam);
+    });
 }
 
 LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {

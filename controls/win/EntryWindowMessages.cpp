@@ -77,8 +77,10 @@ bool EntryWindow::keyDown(HWND control, WPARAM key) {
 }
 
 LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    return answerInside(window, [&] { return self->fieldMessage(window, message, wParam, lParam); });
+    return answerInside(window, [&] {
+        auto* const self = reinterpret_cast<EntryWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        return self->fieldMessage(window, message, wParam, lParam);
+    });
 }
 
 LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -149,19 +151,19 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
 }
 
 LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const self = objectOf<EntryWindow>(window, message, lParam);
-    if (!self) {
-        return message == WM_NCCREATE ? FALSE : DefWindowProcA(window, message, wParam, lParam);
-    }
-    if (message == WM_NCCREATE) {
-        self->m_window = window;
-    }
-    if (message == WM_NCDESTROY) {
-        self->m_window = nullptr;
-        forgetObject(window);
-        return DefWindowProcA(window, message, wParam, lParam);
-    }
-    return answerInside(window, [&] {
+    return answerInside(window, [&]() -> LRESULT {
+        auto* const self = objectOf<EntryWindow>(window, message, lParam);
+        if (!self) {
+            return message == WM_NCCREATE ? FALSE : DefWindowProcA(window, message, wParam, lParam);
+        }
+        if (message == WM_NCCREATE) {
+            self->m_window = window;
+        }
+        if (message == WM_NCDESTROY) {
+            self->m_window = nullptr;
+            forgetObject(window);
+            return DefWindowProcA(window, message, wParam, lParam);
+        }
         self->m_panel.relayToTooltip(window, message, wParam, lParam);
         return self->message(message, wParam, lParam);
     });

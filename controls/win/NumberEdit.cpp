@@ -21,13 +21,13 @@ std::string pastedNumber(HWND window) {
 
 // What is typed is judged as a whole: a character left out would make another number of the rest.
 LRESULT CALLBACK numberEdit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_PASTE) {
-        return answerInside(window, [window]() -> LRESULT {
+    return answerInside(window, [&]() -> LRESULT {
+        if (message == WM_PASTE) {
             SendMessageA(window, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(pastedNumber(window).c_str()));
             return 0;
-        });
-    }
-    return CallWindowProcW(g_edit, window, message, wParam, lParam);
+        }
+        return CallWindowProcW(g_edit, window, message, wParam, lParam);
+    });
 }
 
 }  // namespace

@@ -41,45 +41,46 @@ bool withCtrl() {
 // Keys with Ctrl work from every control, and the wheel always scrolls the rows.
 LRESULT CALLBACK RowsView::controlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                                        DWORD_PTR data) {
-    auto* const self = reinterpret_cast<RowsView*>(data);
-    switch (message) {
-        case WM_KEYDOWN:
-            if (!withCtrl()) {
+    return answerInside(window, [&]() -> LRESULT {
+        auto* const self = reinterpret_cast<RowsView*>(data);
+        switch (message) {
+            case WM_KEYDOWN:
+                if (!withCtrl()) {
+                    break;
+                }
+                if (window == self->m_search && wParam == 'Z') {  // the field's own text
+                    SendMessageA(window, EM_UNDO, 0, 0);
+                    return 0;
+                }
+                if (window == self->m_search && wParam == 'A') {
+                    SendMessageA(window, EM_SETSEL, 0, -1);
+                    return 0;
+                }
+                if (self->shortcut(wParam)) {
+                    return 0;
+                }
                 break;
-            }
-            if (window == self->m_search && wParam == 'Z') {  // the field's own text
-                SendMessageA(window, EM_UNDO, 0, 0);
-                return 0;
-            }
-            if (window == self->m_search && wParam == 'A') {
-                SendMessageA(window, EM_SETSEL, 0, -1);
-                return 0;
-            }
-            if (answerInside(
-                    window, [&]() -> LRESULT { return self->shortcut(wParam); }, 1)) {
-                return 0;
-            }
-            break;
-        case WM_CHAR:
-            // The characters of Ctrl+A, F, S, Y and Z, whose keys were taken.
-            if (wParam == 1 || wParam == 6 || wParam == 19 || wParam == 25 || wParam == 26 ||
-                ((wParam == 3 || wParam == 22) && GetKeyState(VK_SHIFT) < 0)) {
-                return 0;
-            }
-            break;
-        case WM_MOUSEWHEEL:
-            if (window == self->m_help || SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0)) {
+            case WM_CHAR:
+                // The characters of Ctrl+A, F, S, Y and Z, whose keys were taken.
+                if (wParam == 1 || wParam == 6 || wParam == 19 || wParam == 25 || wParam == 26 ||
+                    ((wParam == 3 || wParam == 22) && GetKeyState(VK_SHIFT) < 0)) {
+                    return 0;
+                }
                 break;
-            }
-            self->wheel(wParam, lParam);
-            return 0;
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(window, controlProc, kSubclass);
-            break;
-        default:
-            break;
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
+            case WM_MOUSEWHEEL:
+                if (window == self->m_help || SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0)) {
+                    break;
+                }
+                self->wheel(wParam, lParam);
+                return 0;
+            case WM_NCDESTROY:
+                RemoveWindowSubclass(window, controlProc, kSubclass);
+                break;
+            default:
+                break;
+        }
+        return DefSubclassProc(window, message, wParam, lParam);
+    });
 }
 
 void RowsView::join(HWND control) {

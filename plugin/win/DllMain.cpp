@@ -48,7 +48,7 @@ zoka::PluginWindows g_windows;
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) noexcept {
     if (reason == DLL_PROCESS_ATTACH) {
         zoka::setModuleInstance(instance);
         zoka::setUserPrompt(&g_prompt);

@@ -8,6 +8,7 @@
 #include "plugin/host/HostCall.h"
 #include "plugin/win/ThreadRuntime.h"
 #include "ui/win/ControlsContext.h"
+#include "ui/win/Window.h"
 #include "util/Doors.h"
 
 using zoka::moduleInstance;
@@ -267,41 +268,43 @@ void CViewThread::messageLoop(HWND window) {
 
 LRESULT CALLBACK CViewThread::mainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                              UINT_PTR id, DWORD_PTR data) {
-    auto* const self = reinterpret_cast<CViewThread*>(data);
-    switch (message) {
-        case WM_CLOSE:
-            if (self->m_closeRequested.load()) {
-                return self->forcedClose(window, wParam, lParam);
-            }
-            break;
-        case WM_TIMER:
-            if (wParam == kCloseTimer) {
-                KillTimer(window, kCloseTimer);
-                PostMessageA(window, WM_CLOSE, 0, 0);
+    return zoka::answerInside(window, [&]() -> LRESULT {
+        auto* const self = reinterpret_cast<CViewThread*>(data);
+        switch (message) {
+            case WM_CLOSE:
+                if (self->m_closeRequested.load()) {
+                    return self->forcedClose(window, wParam, lParam);
+                }
+                break;
+            case WM_TIMER:
+                if (wParam == kCloseTimer) {
+                    KillTimer(window, kCloseTimer);
+                    PostMessageA(window, WM_CLOSE, 0, 0);
+                    return 0;
+                }
+                break;
+            case kLoadMessage:
+                // What can't be loaded can't be worked with: the panel goes, the editor stays.
+                if (!self->m_closeRequested.load() && !zoka::keepInside([self] { self->m_panel.load(); }) &&
+                    IsWindow(window)) {
+                    DestroyWindow(window);
+                }
                 return 0;
+            case WM_DESTROY:
+                self->m_closing.store(true);
+                break;
+            case WM_NCDESTROY: {
+                self->m_window.store(nullptr);
+                RemoveWindowSubclass(window, mainWindowProc, id);
+                const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+                PostQuitMessage(0);
+                return result;
             }
-            break;
-        case kLoadMessage:
-            // What can't be loaded can't be worked with: the panel goes, the editor stays.
-            if (!self->m_closeRequested.load() && !zoka::keepInside([self] { self->m_panel.load(); }) &&
-                IsWindow(window)) {
-                DestroyWindow(window);
-            }
-            return 0;
-        case WM_DESTROY:
-            self->m_closing.store(true);
-            break;
-        case WM_NCDESTROY: {
-            self->m_window.store(nullptr);
-            RemoveWindowSubclass(window, mainWindowProc, id);
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
-            PostQuitMessage(0);
-            return result;
+            default:
+                break;
         }
-        default:
-            break;
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
+        return DefSubclassProc(window, message, wParam, lParam);
+    });
 }
 
 // The host wants the panel gone. Dialogs that the panel has open are cancelled first, the innermost before

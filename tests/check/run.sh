@@ -71,7 +71,14 @@ BOOL CALLBACK find(HWND one, LPARAM) {\n    return one != nullptr;\n}|ui/win/A.c
 LRESULT CALLBACK Rows::proc(HWND w, UINT m,\n                           WPARAM p) {\n    return all(w);\n}|ui/win/A.cpp:2: Rows::proc may
     static DWORD WINAPI run(void*) {\n        return 0;\n    }|ui/win/A.cpp:2: run may
 BOOL CALLBACK find(HWND one,\n                   LPARAM) noexcept {\n    return one != nullptr;\n}|
-DWORD WINAPI run(void* self) {\n    if (self) {\n        keepInside([] {});\n    }\n    return 0;\n}|
+DWORD WINAPI run(void* self) {\n    bool done = false;\n    keepInside([&] {\n        work(self);\n    });\n    return done;\n}|
+LRESULT CALLBACK Rows::proc(HWND w) {\n    // all\n    return zoka::answerInside(\n        w, [&] { return 1; }, 1);\n}|
+BOOL CALLBACK find(HWND one) {\n    try {\n        look(one);\n    } catch (...) {\n    }\n    return TRUE;\n}|
+DWORD WINAPI run(void* self) {\n    if (self) {\n        keepInside([] {});\n    }\n    return 0;\n}|ui/win/A.cpp:2: run may
+DWORD WINAPI run(void* self) {\n    prepare(self);\n    keepInside([] {});\n    return 0;\n}|ui/win/A.cpp:2: run may
+DWORD WINAPI run(void* self) {\n    keepInside([] {});\n    finish(self);\n    return 0;\n}|ui/win/A.cpp:2: run may
+DWORD WINAPI run(void* self) {\n    keepInside([] {});\n    return finish(self);\n}|ui/win/A.cpp:2: run may
+DWORD WINAPI run(void* self) {\n    try {\n    } catch (...) {\n    }\n    const Text text = make(self);\n    return 0;\n}|ui/win/A.cpp:2: run may
     static LRESULT CALLBACK proc(HWND window, UINT message);|
 int x;|no callback in
 ROWS

@@ -168,16 +168,17 @@ bool RowMoving::takes(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT CALLBACK RowMoving::listProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                      DWORD_PTR data) {
-    auto* const self = reinterpret_cast<RowMoving*>(data);
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, listProc, id);
-    } else if (message == WM_GETDLGCODE && self->isDragging()) {
-        return DLGC_WANTMESSAGE;  // Esc gives up the drag, not the dialog
-    } else if (answerInside(
-                   window, [&]() -> LRESULT { return self->takes(message, wParam, lParam); }, 1)) {
-        return 0;
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return answerInside(window, [&]() -> LRESULT {
+        auto* const self = reinterpret_cast<RowMoving*>(data);
+        if (message == WM_NCDESTROY) {
+            RemoveWindowSubclass(window, listProc, id);
+        } else if (message == WM_GETDLGCODE && self->isDragging()) {
+            return DLGC_WANTMESSAGE;  // Esc gives up the drag, not the dialog
+        } else if (self->takes(message, wParam, lParam)) {
+            return 0;
+        }
+        return DefSubclassProc(window, message, wParam, lParam);
+    });
 }
 
 }  // namespace zoka

@@ -81,47 +81,51 @@ void Window::forgetWindow(int pointerSlot) {
 }
 
 INT_PTR CALLBACK Window::dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrA(window, DWLP_USER, static_cast<LONG_PTR>(lParam));
-        auto* const made = reinterpret_cast<Window*>(lParam);
-        made->begin(window);
-        made->m_pointerSlot = DWLP_USER;
-        made->dispatch(message, wParam, lParam);
-        return FALSE;  // the keyboard stays where it was put
-    }
-    auto* const self = reinterpret_cast<Window*>(GetWindowLongPtrA(window, DWLP_USER));
-    if (!self) {
-        return FALSE;
-    }
-    const std::optional<LRESULT> answer = self->dispatch(message, wParam, lParam);
-    if (message == WM_NCDESTROY) {
-        self->forgetWindow(DWLP_USER);
-        return FALSE;
-    }
-    if (!answer) {
-        return FALSE;
-    }
-    if (answersDirectly(message)) {
-        return static_cast<INT_PTR>(*answer);
-    }
-    SetWindowLongPtrA(window, DWLP_MSGRESULT, static_cast<LONG_PTR>(*answer));
-    return TRUE;
+    return answerInside(window, [&]() -> LRESULT {
+        if (message == WM_INITDIALOG) {
+            SetWindowLongPtrA(window, DWLP_USER, static_cast<LONG_PTR>(lParam));
+            auto* const made = reinterpret_cast<Window*>(lParam);
+            made->begin(window);
+            made->m_pointerSlot = DWLP_USER;
+            made->dispatch(message, wParam, lParam);
+            return FALSE;  // the keyboard stays where it was put
+        }
+        auto* const self = reinterpret_cast<Window*>(GetWindowLongPtrA(window, DWLP_USER));
+        if (!self) {
+            return FALSE;
+        }
+        const std::optional<LRESULT> answer = self->dispatch(message, wParam, lParam);
+        if (message == WM_NCDESTROY) {
+            self->forgetWindow(DWLP_USER);
+            return FALSE;
+        }
+        if (!answer) {
+            return FALSE;
+        }
+        if (answersDirectly(message)) {
+            return static_cast<INT_PTR>(*answer);
+        }
+        SetWindowLongPtrA(window, DWLP_MSGRESULT, static_cast<LONG_PTR>(*answer));
+        return TRUE;
+    });
 }
 
 LRESULT CALLBACK Window::classProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* const self = objectOf<Window>(window, message, lParam);
-    if (!self) {
-        return DefWindowProcA(window, message, wParam, lParam);
-    }
-    if (message == WM_NCCREATE) {
-        self->begin(window);
-        self->m_pointerSlot = GWLP_USERDATA;
-    }
-    const std::optional<LRESULT> answer = self->dispatch(message, wParam, lParam);
-    if (message == WM_NCDESTROY) {
-        self->forgetWindow(GWLP_USERDATA);
-    }
-    return answer ? *answer : DefWindowProcA(window, message, wParam, lParam);
+    return answerInside(window, [&]() -> LRESULT {
+        auto* const self = objectOf<Window>(window, message, lParam);
+        if (!self) {
+            return DefWindowProcA(window, message, wParam, lParam);
+        }
+        if (message == WM_NCCREATE) {
+            self->begin(window);
+            self->m_pointerSlot = GWLP_USERDATA;
+        }
+        const std::optional<LRESULT> answer = self->dispatch(message, wParam, lParam);
+        if (message == WM_NCDESTROY) {
+            self->forgetWindow(GWLP_USERDATA);
+        }
+        return answer ? *answer : DefWindowProcA(window, message, wParam, lParam);
+    });
 }
 
 void tellFailure() noexcept {
