@@ -277,6 +277,9 @@ bool CJ8ProjectManager::LoadFromXML(const std::string& path, bool keepFilled) {
         XMLResults results;
         ReadLevels read;
         const XMLNode root = parseTakingLevels(path, results, read);
+        if (results.outOfMemory) {
+            throw zoka::OutOfMemory(path);
+        }
         return load(root, path, keepFilled, &results, std::move(read));
     }
     keepFilled ? clearContent() : Clear();

@@ -72,7 +72,7 @@ public:
     int CheckFiles(std::string& message, const XMLNode& folder) const;
 
     // Makes the project that `data` describes and writes the report. 0 or a WizardCode; what it is about is in
-    // data.m_strMessage then, and what was made before the failure stays.
+    // data.m_strMessage then, and what was made before the failure stays. Memory that runs out is kWizardNotSaved, too.
     int Run(CJ8WizardUserData& data, unsigned index, const zoka::CreationWatch& watch = {}) const;
     // The same with the steps told to `report`.
     int CreateProject(CJ8WizardUserData& data, unsigned index, const zoka::StepReport& report,

@@ -2,6 +2,7 @@
 
 #include "J8ProjectManager/J8ProjectManager.h"
 #include "J8ProjectWizard/WizardLog.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "xml/XMLRead.h"
@@ -196,7 +197,14 @@ using namespace zoka;
 
 int CJ8Wizard::Run(CJ8WizardUserData& data, unsigned index, const CreationWatch& watch) const {
     const StepReport report = StepReport::start("WizardDebug", "Run");
-    const int code = CreateProject(data, index, report, watch);
+    int code = kWizardNotSaved;  // also where memory runs out, so that what was made can be removed
+    try {
+        code = CreateProject(data, index, report, watch);
+    } catch (const OutOfMemory& out) {
+        data.m_strMessage = outOfMemoryText(out.file());
+    } catch (const std::bad_alloc&) {
+        data.m_strMessage = outOfMemoryText({});
+    }
     if (code >= 0) {
         report.markSucceeded();
     }
