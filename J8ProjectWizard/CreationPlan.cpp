@@ -62,7 +62,7 @@ PlannedSet planSet(const XMLNode& element, const std::string* target,
     return set;
 }
 
-// Finds targets that are there already when it is their turn.
+// Finds targets that are there already when it is their turn, and those whose folder is not.
 class TargetCheck {
 public:
     void folder(PlannedFolder& folder) {
@@ -79,10 +79,17 @@ public:
         for (PlannedFile& file : files) {
             if (!file.source.empty()) {
                 std::string name = keyOf(file.target);
-                file.isRepeated = m_folders.contains(name) || !m_files.insert(std::move(name)).second;
+                const size_t folder = name.find_last_of('\\');
+                file.lacksFolder = folder != name.npos && !m_folders.contains(name.substr(0, folder));
+                file.isTaken = m_folders.contains(name);
+                file.isRepeated =
+                    !file.lacksFolder && !file.isTaken && !m_files.insert(std::move(name)).second;
             }
         }
     }
+
+    // By a folder.
+    bool isTaken(const std::string& file) const { return m_folders.contains(keyOf(file)); }
 
 private:
     static std::string keyOf(const std::string& target) {
@@ -131,6 +138,7 @@ CreationPlan planCreation(const XMLNode& wizard, const std::string& levelMap) {
     }
     const std::string map = levelMap.empty() ? "map" : pathFromXml(levelMap);
     const std::string why = plainNameRefusal(map);
+    plan.map = map;
     plan.levelRefusal = why.empty() ? why : "The level map's name \"" + shortened(map) + "\" " + why + ".";
     plan.level = planSet(wizard.getChild("Level"), &map, {".zlm", ".zlb", ".zun"});
     plan.projectFiles = planSet(wizard.getChild("J8ProjectFiles"), nullptr, {".c", ".kez", ".xml"});
@@ -144,6 +152,7 @@ CreationPlan planCreation(const XMLNode& wizard, const std::string& levelMap) {
     }
     check.files(plan.level.files);
     check.files(plan.projectFiles.files);
+    plan.isProjectFileTaken = check.isTaken(plan.projectFile);
     return plan;
 }
 
@@ -154,11 +163,33 @@ std::string lengthRefusal(const std::string& path) {
                      " characters; the system takes " + std::to_string(kLongestPath) + ".";
 }
 
+std::string mapRefusal(const std::string& path) {
+    return path.size() <= kLongestMapPath ? std::string()
+                                          : "The path of the level's map has " + std::to_string(path.size()) +
+                                                " characters; the editor opens " +
+                                                std::to_string(kLongestMapPath) + ": \"" + path + "\".";
+}
+
+std::string takenText(bool isFolder, const std::string& target) {
+    return (isFolder ? "The folder can't be made: a file of that name is copied before: "
+                     : "The file can't be made: a folder of that name is made before: ") +
+           target;
+}
+
+std::string lacksFolderText(const std::string& target) {
+    return "Can't be copied, because no folder before makes the one that it lies in: " + target;
+}
+
 std::string folderRefusal(const std::string& path) {
     // Some systems take it, but no editor could open the project there.
-    return path.find(':', 2) != path.npos
-               ? "The path \"" + shortened(path) + "\" holds a colon, which means a stream of a file."
-               : lengthRefusal(path);
+    if (path.find(':', 2) != path.npos) {
+        return "The path \"" + shortened(path) + "\" holds a colon, which means a stream of a file.";
+    }
+    const size_t end = path.find_last_not_of("\\/") + 1;
+    const std::string name(fileNameOf(path.substr(0, end)));
+    // ".." leads to a folder that is there.
+    const std::string refusal = name == ".." ? "" : refusalOf("The folder name", name, nameRefusal(name));
+    return refusal.empty() ? lengthRefusal(path) : refusal;
 }
 
 PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFolder) {
@@ -199,7 +230,7 @@ PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFol
             }
         }
     }
-    return refused(plan.projectFile, {}, false);
+    return refused(plan.projectFile, mapRefusal(root + plan.map), false);
 }
 
 }  // namespace zoka

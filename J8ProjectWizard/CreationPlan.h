@@ -14,11 +14,13 @@ namespace zoka {
 // Sources are paths from the current folder, targets paths below the project folder; both in the system's
 // character set.
 struct PlannedFile {
-    std::string source;       // empty: the element has no name
-    std::string target;       // empty for a file that is only to be there
-    std::string refusal;      // why it is not made, in words with the name; empty: it is
-    bool hasFolder = false;   // its element says in which folder of the templates it lies
-    bool isRepeated = false;  // an earlier file or folder has the same target, so copying this one fails
+    std::string source;        // empty: the element has no name
+    std::string target;        // empty for a file that is only to be there
+    std::string refusal;       // why it is not made, in words with the name; empty: it is
+    bool hasFolder = false;    // its element says in which folder of the templates it lies
+    bool isRepeated = false;   // an earlier file has the same target, so copying this one fails
+    bool lacksFolder = false;  // nothing before makes the folder of its target, so copying it fails
+    bool isTaken = false;  // an earlier folder has the same target, so copying this one fails and leaves none
     std::uint32_t place = 0;  // of its element, see XMLNode::place
 };
 
@@ -43,11 +45,13 @@ struct PlannedSet {
 
 struct CreationPlan {
     std::vector<PlannedFolder> folders;
-    PlannedSet level;               // .zlm, .zlb, .zun
-    PlannedSet projectFiles;        // .c, .kez, .xml
-    std::string levelRefusal;       // what is wrong with the level map's name
-    std::string projectFile;        // the file that the project is saved to
-    bool loadsProjectFile = false;  // it is copied from the templates
+    PlannedSet level;                 // .zlm, .zlb, .zun
+    PlannedSet projectFiles;          // .c, .kez, .xml
+    std::string levelRefusal;         // what is wrong with the level map's name
+    std::string projectFile;          // the file that the project is saved to
+    std::string map;                  // of the level, without extension
+    bool isProjectFileTaken = false;  // by a folder of that name
+    bool loadsProjectFile = false;    // it is copied from the templates
 };
 
 // The plan of the wizard whose root element is `wizard`. No disk is touched, and of `data` only the level map's
@@ -65,8 +69,14 @@ struct PlanRefusal {
 PlanRefusal firstRefusal(const CreationPlan& plan, const std::string& projectFolder);
 // What is wrong with the length of a path that is to be made; empty: nothing.
 std::string lengthRefusal(const std::string& path);
-// The same of the project folder's path, an absolute one.
+// The same of the project folder's path, an absolute one, and of its last part.
 std::string folderRefusal(const std::string& path);
+// What is wrong with the length of the path of the level's map, which is given without extension.
+std::string mapRefusal(const std::string& path);
+// Of a file whose plan says lacksFolder.
+std::string lacksFolderText(const std::string& target);
+// Of a folder or file whose plan says isTaken.
+std::string takenText(bool isFolder, const std::string& target);
 
 // `folder` with a separator at its end.
 std::string withSeparator(std::string folder);

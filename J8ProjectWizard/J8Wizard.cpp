@@ -21,13 +21,13 @@ XMLNode openWizard(const std::string& path) {
 }
 
 std::string titleOf(const XMLNode& wizard, const std::string& path) {
-    const std::string title = xmlFirstText(wizard.getChild("Title"));
+    const std::string title = xmlAllText(wizard.getChild("Title"));
     return title.empty() ? path : title;
 }
 
 void takeText(std::string& field, const XMLNode& defaults, const char* name) {
-    if (const char* text = defaults.getChild(name).getText()) {
-        field = text;
+    if (std::string text = xmlAllText(defaults.getChild(name)); !text.empty()) {
+        field = std::move(text);
     }
 }
 
@@ -102,7 +102,7 @@ bool zoka::wizardDesc(std::string& out, const XMLNode& root) {
     if (description.isEmpty()) {
         return false;
     }
-    out = xmlFirstText(description);
+    out = xmlAllText(description);
     return true;
 }
 
@@ -186,8 +186,8 @@ int CJ8Wizard::check(std::string& message, unsigned index, const CJ8WizardUserDa
         logWizardError(kCheckName, "Bad Wizard Xml", path);
         return kWizardBadFile;
     }
-    const char* map = wizard.getChild("Defaults").getChild("LevelMap").getText();
-    const CreationPlan plan = planCreation(wizard, data ? data->m_strLevelMap : map ? map : "");
+    const CreationPlan plan = planCreation(
+        wizard, data ? data->m_strLevelMap : xmlAllText(wizard.getChild("Defaults").getChild("LevelMap")));
     FileCheck files(message, plan, progress);
     for (const PlannedFolder& folder : plan.folders) {
         if (folder.isNameless) {

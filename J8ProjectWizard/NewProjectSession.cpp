@@ -251,12 +251,18 @@ void NewProjectSession::seen(const DiskLook& look) {
     m_tree.seen(look);
 }
 
+// Such a folder would be made beside the project path, or under another name than was typed.
+std::string NewProjectSession::folderNameRefusal() const {
+    const std::string name = folderName();
+    const std::string why = nameRefusal(name);
+    return why.empty() ? why : "The folder name \"" + name + "\" " + why + ".";
+}
+
 // What is wrong with the project folder.
 std::string NewProjectSession::folderProblem() const {
     const std::string folder = projectFolder();
-    const std::string name = folderName();
-    if (const std::string why = nameRefusal(name); !why.empty()) {
-        return "The folder name \"" + name + "\" " + why + ".";
+    if (std::string refusal = folderNameRefusal(); !refusal.empty()) {
+        return refusal;
     }
     if (m_targetExists && folder == m_seenTarget) {
         return "There is a folder or file of that name already: " + folder;
@@ -276,6 +282,10 @@ std::string NewProjectSession::hindrance() const {
         return "This wizard names no level map: no project can be made with it here.";
     }
     if (std::string problem = folderProblem(); !problem.empty()) {
+        return problem;
+    }
+    if (std::string problem = mapRefusal(withSeparator(folder) + pathFromXml(m_data.m_strLevelMap));
+        !folder.empty() && !problem.empty()) {
         return problem;
     }
     const std::pair<NewProjectField, const char*> needed[] = {
@@ -347,6 +357,9 @@ bool NewProjectSession::takeFields() {
         return refuse("Enter a J8 Templates Path.", NewProjectField::TemplatesPath);
     }
     m_data.m_strTemplatesPath = text(NewProjectField::TemplatesPath);
+    if (const std::string why = folderNameRefusal(); !why.empty()) {
+        return refuse(why.c_str(), NewProjectField::FolderName);
+    }
     return true;
 }
 

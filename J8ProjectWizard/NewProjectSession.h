@@ -93,6 +93,7 @@ private:
     std::string projectFolder() const;
     // As typed, without separators behind it.
     std::string folderName() const;
+    std::string folderNameRefusal() const;
     std::string folderProblem() const;
     std::string hindrance() const;
     // What is wrong, though the project can be made.

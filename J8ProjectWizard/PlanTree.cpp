@@ -77,6 +77,8 @@ PlanRow rowOf(const PlannedFile& file) {
     row.source = file.source;
     row.refusal = file.refusal;
     row.isRepeated = file.isRepeated;
+    row.lacksFolder = file.lacksFolder;
+    row.isTaken = file.isTaken;
     return row;
 }
 
@@ -86,8 +88,12 @@ void addFile(TreeBuilder& tree, const PlannedFile& file, const std::string& refu
     if (row.refusal.empty()) {
         row.refusal = refusal;
     }
-    // A refused name leads to no place in the tree.
-    const size_t at = row.refusal.empty() ? tree.folder(std::string(folderOf(file.target))) : 0;
+    // A refused name leads to no place in the tree, and a folder that isn't made is none.
+    const bool isPlaced = row.refusal.empty() && !row.lacksFolder;
+    if (row.lacksFolder) {
+        row.name = row.target;
+    }
+    const size_t at = isPlaced ? tree.folder(std::string(folderOf(file.target))) : 0;
     tree.add(at, std::move(row));
 }
 
@@ -135,6 +141,7 @@ PlanTree::PlanTree(const CreationPlan& plan) {
     if (!plan.loadsProjectFile) {
         PlannedFile project;
         project.target = plan.projectFile;
+        project.isTaken = plan.isProjectFileTaken;
         addFile(tree, project, plan.levelRefusal, false);
     }
     m_rows = tree.rows();
@@ -214,7 +221,10 @@ std::string PlanTree::problem(const PlanRow& row, const std::string& projectFold
         }
     }
     if (row.isTaken) {
-        return "The folder can't be made: a file of that name is copied before: " + row.target;
+        return takenText(row.isFolder, row.target);
+    }
+    if (row.lacksFolder) {
+        return lacksFolderText(row.target);
     }
     if (row.isRepeated) {
         return "something of that name is made before";
@@ -245,7 +255,8 @@ std::string PlanTree::summary() const {
     std::uint64_t bytes = 0;
     for (const PlanRow& row : m_rows) {
         const Facts* facts = factsOf(row);
-        if (row.isOnlyChecked || row.isRepeated || (facts && facts->kind != OsKind::File)) {
+        if (row.isOnlyChecked || row.isRepeated || row.isTaken || row.lacksFolder ||
+            (facts && facts->kind != OsKind::File)) {
             continue;
         }
         ++(row.isFolder ? folders : files);

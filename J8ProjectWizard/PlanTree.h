@@ -20,7 +20,8 @@ struct PlanRow {
     std::string source;  // empty for what comes from no template
     std::string refusal;
     bool isRepeated = false;
-    bool isTaken = false;        // a folder where an earlier file has the name
+    bool lacksFolder = false;
+    bool isTaken = false;        // a folder where an earlier file has the name, or a file where a folder has
     bool isOptional = false;     // one of a set of which some may be missing
     bool isOnlyChecked = false;  // has to be among the templates, and is not copied
 };

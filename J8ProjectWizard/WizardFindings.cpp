@@ -1,10 +1,12 @@
 #include "J8ProjectWizard/WizardFindings.h"
 
 #include <algorithm>
+#include <map>
 
 #include "J8ProjectWizard/CreationPlan.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace zoka {
@@ -38,10 +40,18 @@ public:
             if (!file.hasFolder) {
                 add(file.place, "Empty foldername.");
             }
-            if (file.isRepeated) {
-                add(file.place, "Something of that name is made before: " + file.target);
+            madeBefore(file);
+            if (file.lacksFolder) {
+                add(file.place, lacksFolderText(file.target));
             }
             source(file, isCopied);
+        }
+    }
+    void madeBefore(const PlannedFile& file) {
+        if (file.isRepeated) {
+            add(file.place, "Something of that name is made before: " + file.target);
+        } else if (file.isTaken) {
+            add(file.place, takenText(false, file.target));
         }
     }
     // `needed` is the one of its files that a project can't do without.
@@ -55,9 +65,34 @@ public:
             add(set.place, set.refusal);
         } else {
             for (const PlannedFile& file : set.files) {
+                madeBefore(file);
                 if (file.target.ends_with(needed)) {
                     source(file, true);
                 }
+            }
+        }
+    }
+
+    // Elements that no wizard has: a slip of the pen takes the level, or a file, without a word.
+    void unknown(const XMLNode& element) {
+        using Names = std::vector<std::string>;
+        static const std::map<std::string, Names> kKnown = {
+            {"wizard", {"title", "desc", "defaults", "folder", "level", "j8projectfiles"}},
+            {"defaults", {"name", "docs", "levelname", "levelmap", "leveldocs"}},
+            {"folder", {"check", "file"}},
+            {"level", {"file"}},
+            {"j8projectfiles", {"file"}},
+        };
+        const auto known = kKnown.find(lowered(element.getName()));
+        if (known == kKnown.end()) {
+            return;
+        }
+        for (XMLNode child = element.firstChild(); !child.isEmpty(); child = child.nextSibling()) {
+            if (std::ranges::find(known->second, lowered(child.getName())) == known->second.end()) {
+                add(child.place(), std::string("Unknown element ") + child.getName() + " in " +
+                                       element.getName() + ": it is passed over.");
+            } else {
+                unknown(child);
             }
         }
     }
@@ -78,18 +113,18 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
     XMLResults results;
     const XMLNode wizard = XMLNode::parseBytes(*bytes, "Wizard", &results, {}, XMLCharset::Utf8);
     if (wizard.isEmpty()) {
-        return {{results.line, results.column, XMLNode::errorText(results.code)}};
+        return {{std::max(results.line, 1), std::max(results.column, 1), XMLNode::errorText(results.code)}};
     }
     Finder finder(std::move(*bytes), found);
-    if (*xmlFirstText(wizard.getChild("Title")) == '\0') {
+    if (xmlAllText(wizard.getChild("Title")).empty()) {
         finder.add(wizard.place(), "There is no Title: the wizard is listed under its path.");
     }
     const XMLNode defaults = wizard.getChild("Defaults");
     if (wizard.getChild("Desc").isEmpty()) {
         finder.add(wizard.place(), "There is no Desc, and without it the dialog takes no Defaults.");
     }
-    const char* map = xmlFirstText(defaults.getChild("LevelMap"));
-    if (*map == '\0') {
+    const std::string map = xmlAllText(defaults.getChild("LevelMap"));
+    if (map.empty()) {
         finder.add(defaults.isEmpty() ? wizard.place() : defaults.place(),
                    "There is no Defaults/LevelMap, so the dialog refuses the wizard.");
     }
@@ -103,8 +138,7 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
         } else if (!folder.refusal.empty()) {
             finder.add(folder.place, folder.refusal);
         } else if (folder.isTaken) {
-            finder.add(folder.place,
-                       "The folder can't be made: a file of that name is copied before: " + folder.name);
+            finder.add(folder.place, takenText(true, folder.name));
         }
         for (const auto* files : {&folder.checked, &folder.files}) {
             for (const PlannedFile& file : *files) {
@@ -114,6 +148,10 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
     }
     finder.set(plan.level, ".zlm");
     finder.set(plan.projectFiles, ".xml");
+    if (!plan.loadsProjectFile && plan.isProjectFileTaken) {
+        finder.add(wizard.place(), takenText(false, plan.projectFile));
+    }
+    finder.unknown(wizard);
     std::ranges::stable_sort(found, [](const WizardFinding& a, const WizardFinding& b) {
         return a.line != b.line ? a.line < b.line : a.column < b.column;
     });

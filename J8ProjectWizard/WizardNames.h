@@ -18,5 +18,7 @@ std::string plainNameRefusal(std::string_view name);
 
 // The longest path that the system and the editor take, in bytes.
 inline constexpr size_t kLongestPath = 259;
+// The longest path of a level's map, without its extension, that the editor opens.
+inline constexpr size_t kLongestMapPath = 256;
 
 }  // namespace zoka

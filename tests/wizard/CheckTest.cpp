@@ -1,4 +1,6 @@
 // Wizards are found, read and checked before anything is made.
+#include "J8ProjectWizard/PlanTree.h"
+#include "J8ProjectWizard/WizardFindings.h"
 #include "J8ProjectWizard/WizardNames.h"
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/wizard/Suite.h"
@@ -97,6 +99,16 @@ TEST(Wizard, GivesDescriptionAndDefaults) {
     EXPECT_TRUE(wizards.LoadDefaults(data, 0));
     EXPECT_FALSE(wizards.LoadDefaults(data, 1));
     EXPECT_EQ(data.m_strName + data.m_strDocs + data.m_strLevelDocs + data.m_strLevelMap, "NkeptLD");
+    // A text may be a CDATA section, or have a comment in its middle.
+    suite.wizard("a.xml",
+                 "<Title><![CDATA[Tom & Jerry]]></Title><Desc>one<!-- c -->two</Desc><Defaults><LevelMap>"
+                 "<![CDATA[lm]]></LevelMap></Defaults>");
+    const CJ8Wizard both;
+    EXPECT_EQ(both.titles()[0], "Tom & Jerry");
+    EXPECT_TRUE(CJ8Wizard::GetWizardDesc(text, both.paths()[0]));
+    EXPECT_TRUE(both.LoadDefaults(data, 0));
+    EXPECT_EQ(text + data.m_strLevelMap, "onetwolm");
+    EXPECT_TRUE(wizardFindings(both.paths()[0]).empty());
 }
 
 TEST(Wizard, ChecksNamesAndFiles) {
@@ -204,6 +216,85 @@ TEST(Wizard, ChecksTheTargets) {
     EXPECT_NE(message.find("two.txt\" has 260 characters"), message.npos) << message;
     data.m_strLevelMap = "nul";
     EXPECT_EQ(wizards.Check(message, 0, data), -1);
+    for (const char* folder : {"x.", "con", "a*b\\"}) {
+        data = suite.data(folder);
+        EXPECT_EQ(wizards.Check(message, 0, data), -1) << folder;
+        EXPECT_TRUE(message.starts_with("The folder name \"")) << message;
+    }
+}
+
+// No file of the level is copied, and still the editor must be able to open its map.
+TEST(Wizard, ChecksThePathOfTheMap) {
+    Suite suite;
+    suite.wizard("a.xml", "<J8ProjectFiles><File name='p' folder='a'/></J8ProjectFiles>");
+    const CJ8Wizard wizards;
+    CJ8WizardUserData data = suite.data("x");
+    std::string message;
+    data.m_strLevelMap.assign(256 - data.m_strProjectFolder.size() - 1, 'm');
+    EXPECT_EQ(wizards.Check(message, 0, data), 0) << message;
+    data.m_strLevelMap += 'm';
+    EXPECT_EQ(wizards.Check(message, 0, data), -1);
+    EXPECT_TRUE(message.starts_with("The path of the level's map has 257 characters; ")) << message;
+}
+
+// What a plan shows and check tells beforehand, each because the run leaves it out.
+TEST(Wizard, TellsOfWhatIsNotMade) {
+    const std::string sub =
+        "Can't be copied, because no folder before makes the one that it lies in: sub\\one";
+    const std::string taken = "The file can't be made: a folder of that name is made before: ";
+    const std::string before = "Something of that name is made before: pro.c";
+    const struct {
+        std::string content, rows;
+        std::vector<std::string> findings;
+    } wizards[] = {
+        {"<Folder name='.'><File name='sub\\one' folder='.'/></Folder><Folder name='sub'><File "
+         "name='.\\one' folder='sub'/></Folder>",
+         ": |sub\\one: " + sub + "|sub\\: |one: |m.xml: |",
+         {sub}},
+        {"<Folder name='m.xml'/>", ": |m.xml\\: |m.xml: " + taken + "m.xml|", {taken + "m.xml"}},
+        {"<Folder name='M.zlm'/><Level><File name='pro' folder='sub'/></Level>",
+         ": |M.zlm\\: |m.zlm: " + taken + "m.zlm|m.zlb: |m.zun: |m.xml: |",
+         {taken + "m.zlm"}},
+        {"<Folder name='.'><File name='pro.c' folder='sub'/></Folder><J8ProjectFiles><File name='pro' "
+         "folder='sub'/></J8ProjectFiles>",
+         ": |pro.c: |pro.c: something of that name is made before|pro.kez: |pro.xml: |",
+         {before}},
+        {"<Levle/><Folder name='x'><Fiel/></Folder>",
+         ": |x\\: |m.xml: |",
+         {"Unknown element Levle in Wizard: it is passed over.",
+          "Unknown element Fiel in Folder: it is passed over."}},
+    };
+    for (const auto& [content, rows, findings] : wizards) {
+        Suite suite;
+        suite.write("templates/sub/one", "3");
+        for (const char* file : {"pro.c", "pro.kez", "pro.xml", "pro.zlm", "pro.zlb", "pro.zun"}) {
+            suite.write(std::string("templates/sub/") + file, "<Project/>");
+        }
+        suite.wizard("a.xml",
+                     "<Title>t</Title><Desc>d</Desc><Defaults><LevelMap>m</LevelMap></Defaults>" + content);
+        const CJ8Wizard wizard;
+        PlanTree tree(*wizard.plan(0, "m"));
+        tree.lookAtAll();
+        std::string shown;
+        for (const PlanRow& row : tree.rows()) {
+            shown += row.name + ": " + tree.problem(row, "g") + "|";
+        }
+        EXPECT_EQ(shown, rows);
+        std::vector<std::string> told;
+        for (const WizardFinding& finding : wizardFindings(wizard.paths()[0])) {
+            told.push_back(finding.text);
+        }
+        EXPECT_EQ(told, findings) << content;
+        // What is shown without a word is there afterwards.
+        CJ8WizardUserData data = suite.data("g");
+        data.m_strLevelMap = "m";
+        wizard.Run(data, 0);
+        for (const PlanRow& row : tree.rows()) {
+            std::string path = "games/g/" + row.target;
+            std::ranges::replace(path, '\\', '/');
+            EXPECT_TRUE(suite.has(path) || !tree.problem(row, "g").empty()) << content << row.target;
+        }
+    }
 }
 
 }  // namespace

@@ -191,6 +191,16 @@ TEST_F(NewProjectSessionTest, TellsOfHindrancesBeforeOk) {
         look(session);
         EXPECT_TRUE(session.state().starts_with(text)) << session.state();
     }
+    // OK holds to it, and makes nothing beside the path or under another name.
+    for (const char* name : {"con", "nul.txt", "x.", "x ", "a*b", "..\\x", "\\x"}) {
+        session.setText(NewProjectField::FolderName, name);
+        look(session);
+        EXPECT_FALSE(ok(session)) << name;
+        EXPECT_EQ(prompt.texts(), Texts{session.state()}) << name;
+        EXPECT_EQ(session.asked(), NewProjectField::FolderName) << name;
+        prompt.asked.clear();
+    }
+    EXPECT_EQ(suite.tree("games").size(), 2u);
     session.setText(NewProjectField::FolderName, "con");
     EXPECT_EQ(session.rowNote(0), session.state());
     EXPECT_EQ(session.rowNote(1), "only looked for");
