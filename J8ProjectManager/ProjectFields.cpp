@@ -428,16 +428,17 @@ private:
 }  // namespace
 
 void forEachField(const CJ8ProjectManager& project,
-                  const std::function<void(const ProjectField&, const std::string& address)>& use) {
+                  const std::function<void(const ProjectField&, const std::string& address,
+                                           const std::optional<std::string>& value)>& use) {
     ProjectField field;
     for (const Kind kind : {Kind::Name, Kind::ProjectRoot, Kind::DataRoot}) {
         field.kind = kind;
-        use(field, addressOf(project, field));
+        use(field, addressOf(project, field), fieldValue(project, field));
     }
     field.kind = Kind::Section;
     for (int i = 0; i < kJ8Sections; ++i) {
         field.section = static_cast<J8Section>(i);
-        use(field, addressOf(project, field));
+        use(field, addressOf(project, field), fieldValue(project, field));
     }
     NameCounter levels;
     for (field.level = 0; field.level < project.m_apLevels.size(); ++field.level) {
@@ -445,7 +446,7 @@ void forEachField(const CJ8ProjectManager& project,
         const std::string levelAddress = "level/" + levels.next(level.m_name);
         for (const Kind kind : {Kind::LevelName, Kind::LevelMap, Kind::LevelDoc}) {
             field.kind = kind;
-            use(field, levelAddress + fieldPart(field));
+            use(field, levelAddress + fieldPart(field), fieldValue(project, field));
         }
         NameCounter entities;
         for (field.entity = 0; field.entity < level.m_entities.size(); ++field.entity) {
@@ -453,7 +454,7 @@ void forEachField(const CJ8ProjectManager& project,
             const std::string address = levelAddress + "/entity/" + entities.next(entity.name);
             for (const Kind kind : {Kind::EntityName, Kind::EntityParent}) {
                 field.kind = kind;
-                use(field, address + fieldPart(field));
+                use(field, address + fieldPart(field), fieldValue(project, field));
             }
             field.kind = Kind::EntitySkill;
             // Of what is there twice the first counts.
@@ -461,7 +462,7 @@ void forEachField(const CJ8ProjectManager& project,
             for (const J8EntitySkill& skill : entity.skills) {
                 field.num = skill.num;
                 if (numbers.insert(skill.num).second) {
-                    use(field, address + fieldPart(field));
+                    use(field, address + fieldPart(field), skill.value);
                 }
             }
             field.kind = Kind::EntityEdit;
@@ -471,7 +472,7 @@ void forEachField(const CJ8ProjectManager& project,
                 for (const J8Edit& edit : component.edits) {
                     field.name = edit.name;
                     if (edits.emplace(component.name, edit.name).second) {
-                        use(field, address + fieldPart(field));
+                        use(field, address + fieldPart(field), edit.value);
                     }
                 }
             }

@@ -56,6 +56,7 @@ std::optional<size_t> levelAt(const CJ8ProjectManager& project, std::string_view
 
 // All values that the project file holds and that count, in its order, each with its address. Linear in the project.
 void forEachField(const CJ8ProjectManager& project,
-                  const std::function<void(const ProjectField&, const std::string& address)>& use);
+                  const std::function<void(const ProjectField&, const std::string& address,
+                                           const std::optional<std::string>& value)>& use);
 
 }  // namespace zoka

@@ -320,7 +320,7 @@ std::string fieldRefusal(const CJ8ProjectManager& project, const ProjectField& f
             return value.empty() ? "Enter a Project Name." : "";
         case Kind::LevelName:
         case Kind::EntityName:
-            return value.empty() ? "A name is needed: without one it would be lost at the next load." : "";
+            return value.empty() ? "A name is needed, by which it is told from the others." : "";
         case Kind::Section:
             if (!value.starts_with("proj:") && !value.starts_with("j8:") && !value.starts_with("file:")) {
                 return "\"proj:\", \"j8:\" or \"file:\" must stand in front of the file's name.";

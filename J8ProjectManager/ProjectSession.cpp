@@ -172,22 +172,40 @@ void ProjectSession::replaceModel(Loaded loaded) {
     }
 }
 
+namespace {
+
+// What of the file `bytes` has no place in the format; `frame` is what was loaded from it, without its levels.
+std::vector<ProjectLoss> lossesOfFormat(const std::string& bytes, CJ8ProjectManager& frame) {
+    const XMLNode document = XMLNode::parseBytes(bytes, nullptr, nullptr, {}, XMLCharset::Utf8);
+    if (document.isEmpty()) {
+        throw std::bad_alloc();  // it could be read before
+    }
+    // The model may have been edited since.
+    frame.replaceLevels(document.firstChild("Project"));
+    const XMLNode written = frame.createXMLTopNode({}, frame.m_date);
+    if (written.isEmpty()) {
+        throw std::bad_alloc();  // nobody could tell what a save would lose
+    }
+    return lossesOf(document, written, bytes);
+}
+
+}  // namespace
+
 const std::vector<ProjectLoss>& ProjectSession::foundLosses() const {
     if (m_frame) {
-        const XMLNode document = XMLNode::parseBytes(m_bytes, nullptr, nullptr, {}, XMLCharset::Utf8);
-        if (document.isEmpty()) {
-            throw std::bad_alloc();  // it could be read before
-        }
-        // The model may have been edited since.
-        m_frame->replaceLevels(document.firstChild("Project"));
-        const XMLNode written = m_frame->createXMLTopNode({}, m_frame->m_date);
-        if (written.isEmpty()) {
-            throw std::bad_alloc();  // nobody could tell what a save would lose
-        }
-        m_losses = lossesOf(document, written, m_bytes);
+        m_losses = lossesOfFormat(m_bytes, *m_frame);
         m_frame.reset();
     }
     return m_losses;
+}
+
+std::vector<ProjectLoss> ProjectSession::lossesOfFile(const std::string& bytes) const {
+    const Loaded loaded = loadedFrom(m_path, bytes);
+    if (!loaded.wasRead) {
+        throw std::bad_alloc();
+    }
+    // Of what is no project nothing can be told; its copy keeps all.
+    return loaded.frame ? lossesOfFormat(bytes, *loaded.frame) : std::vector<ProjectLoss>();
 }
 
 std::vector<ProjectProblem> ProjectSession::losses() const {

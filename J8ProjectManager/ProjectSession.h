@@ -156,6 +156,7 @@ public:
 
 private:
     const std::vector<ProjectLoss>& foundLosses() const;
+    std::vector<ProjectLoss> lossesOfFile(const std::string& bytes) const;
     static Loaded loadedFrom(std::string path, std::string bytes, const XMLProgress& watch = {});
     void replaceModel(Loaded loaded);
     bool question(const std::string& text);

@@ -106,14 +106,17 @@ std::optional<SaveResult> ProjectSession::takeOver(std::string theirs) {
 
 // The copy of what will be lost. Nothing when saving can go on.
 std::optional<SaveResult> ProjectSession::settleLosses(const std::string& onDisk, bool overwrites) {
-    const std::vector<ProjectLoss>& losses = foundLosses();
+    // What counts is the file that is written over, be it as it was loaded or another program's.
+    const std::vector<ProjectLoss> losses = overwrites ? lossesOfFile(onDisk) : foundLosses();
     if (!losses.empty()) {
         std::vector<std::string> lines;
         for (const ProjectLoss& loss : losses) {
             lines.push_back("line " + std::to_string(loss.place.line) + ": " + loss.text);
         }
-        if (!question("A save does not keep what the project's format has no place for:\n\n" + listed(lines) +
-                      "\nThe file as it is now is kept beside it. Save all the same?")) {
+        if (!question(
+                "A save does not keep what the project's format has no place for:\n\n" + listed(lines) +
+                (lines.size() > kListed ? "All are listed under Problems and by zoka project check.\n" : "") +
+                "\nThe file as it is now is kept beside it. Save all the same?")) {
             return SaveResult::Cancelled;
         }
     }

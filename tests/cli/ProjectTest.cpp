@@ -45,7 +45,9 @@ TEST_F(Project, ChecksAndShows) {
     folder.write("bad.xml", "<Project>\n<Level>");
     run = folder.run("project check bad.xml");
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.err, HasSubstr("bad.xml:2:"));
+    EXPECT_THAT(run.out, HasSubstr("bad.xml:2:8: error: "));
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(json::parse(folder.run("project check bad.xml --json").out).back()["line"], 2);
     EXPECT_THAT(folder.run("project report game.xml").out, HasSubstr("Behavior File: b.xml (local)\n"));
     EXPECT_THAT(folder.run("project show game.xml").out, HasSubstr("  harbour  mapfile h.zlb  entities 2\n"));
     EXPECT_EQ(json::parse(folder.run("project show game.xml --json").out)["behaviors"][0]["skills"], 2);
@@ -80,6 +82,8 @@ TEST_F(Project, SetsValuesAllOrNone) {
     EXPECT_EQ(folder.run("project set game.xml name").status, 2);
     run = folder.run("project set game.xml " + guard + "2=3 --dry-run");
     EXPECT_THAT(run.out, HasSubstr("+\t\t\t<Skill num=\"2\" value=\"3\"/>\n"));
+    EXPECT_THAT(run.out, HasSubstr("--- game.xml\n+++ game.xml\n")) << "as it was given, for patch";
+    EXPECT_THAT(run.out, HasSubstr("+\xef\xbb\xbf<")) << "the mark is a change, too";
     EXPECT_EQ(folder.read("game.xml"), kProject);
     EXPECT_EQ(folder.run("project set game.xml " + guard + "2=3 -u " + guard + "1"), (ToolRun{0}));
     EXPECT_THAT(folder.read("game.xml"), HasSubstr("<Skill num=\"2\" value=\"3\"/>"));
@@ -106,7 +110,8 @@ TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
         int status;
         const char *out, *err;
     } rows[] = {
-        {"project check .", 1, "\nnames.xml:1:1: warning: (LoadFromXML): No Vers.\n", "zoka: bad.xml:2:"},
+        {"project check .", 1, "\nnames.xml:1:1: warning: (LoadFromXML): No Vers.\n", ""},
+        {"project check .", 1, "bad.xml:2:", ""},
         {"project check none.xml", 3, "", "zoka: Can't read 'none.xml'"},
         {"project report none.xml", 3, "(LoadFromXML): XML MISSING!\n", "zoka: Can't read 'none.xml'"},
         {"project list game.xml level/nope", 2, "", "there is nothing at \"level/nope\""},

@@ -51,8 +51,8 @@ std::string told(const CJ8ProjectManager& project) {
 
 std::string allFields(const CJ8ProjectManager& project) {
     std::string text;
-    forEachField(project, [&](const ProjectField& field, const std::string& address) {
-        text += address + "=" + fieldValue(project, field).value_or("<none>") + "\n";
+    forEachField(project, [&](const ProjectField&, const std::string& address, const auto& value) {
+        text += address + "=" + value.value_or("<none>") + "\n";
     });
     return text;
 }

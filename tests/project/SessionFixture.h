@@ -52,9 +52,10 @@ protected:
     }
     std::string all() const {
         std::string text;
-        zoka::forEachField(manager, [&](const zoka::ProjectField& field, const std::string& address) {
-            text += address + "=" + zoka::fieldValue(manager, field).value_or("<none>") + "\n";
-        });
+        zoka::forEachField(manager,
+                           [&](const zoka::ProjectField&, const std::string& address, const auto& value) {
+                               text += address + "=" + value.value_or("<none>") + "\n";
+                           });
         return text;
     }
 

@@ -145,6 +145,29 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
 }
 
+TEST_F(ProjectSessionTest, OverwritingAnothersFileTellsWhatThatOneLoses) {
+    ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
+    ASSERT_TRUE(set("name", "x"));
+    std::string theirs = "<!-- theirs -->";
+    for (int i = 0; i < 12; ++i) {
+        theirs += "\n\t<Fog/>";
+    }
+    project(theirs + kElements);
+    prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    const std::string& text = prompt.asked.back().text;
+    EXPECT_THAT(text, HasSubstr("line 3: the comment \"theirs\"\nline 4: <Fog>"));
+    EXPECT_THAT(text, Not(HasSubstr("mine")));
+    EXPECT_THAT(text, HasSubstr("and 3 more\nAll are listed under Problems and by zoka project check.\n"));
+    EXPECT_THAT(folder.read("game.xml.1.bak"), HasSubstr("theirs"));
+    // What is no project has nothing to tell line by line.
+    ASSERT_TRUE(set("name", "y"));
+    folder.write("game.xml", "no project");
+    prompt.answers = {PromptAnswer::No};
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_EQ(folder.read("game.xml.2.bak"), "no project");
+}
+
 TEST_F(ProjectSessionTest, WhatIsWrittenWhileAQuestionStandsIsAskedAbout) {
     ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
     ASSERT_TRUE(set("name", "x"));

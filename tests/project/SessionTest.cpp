@@ -79,12 +79,14 @@ TEST_F(ProjectSessionTest, AddressesNameEveryValue) {
                                  "level/harbour/entity/guard/component/body/mass=7\n"
                                  "level/harbour/entity/guard#2/name=guard\n"));
     EXPECT_THAT(all(), HasSubstr("level/a%2Fb%231%3D%25/name=a/b#1=%\n"));
-    zoka::forEachField(manager, [&](const ProjectField& field, const std::string& address) {
-        EXPECT_EQ(zoka::addressOf(manager, field), address);
-        const auto found = zoka::fieldAt(manager, address);
-        EXPECT_TRUE(found && zoka::fieldValue(manager, *found) == zoka::fieldValue(manager, field))
-            << address;
-    });
+    zoka::forEachField(
+        manager, [&](const ProjectField& field, const std::string& address, const auto& value) {
+            EXPECT_EQ(zoka::addressOf(manager, field), address);
+            EXPECT_EQ(zoka::fieldValue(manager, field), value) << address;
+            const auto found = zoka::fieldAt(manager, address);
+            EXPECT_TRUE(found && zoka::fieldValue(manager, *found) == zoka::fieldValue(manager, field))
+                << address;
+        });
     for (const char* bad : {"", "level", "level/", "level/none/name", "level/harbour", "level/harbour#3/name",
                             "level/harbour#x/name", "level/harbour/entity/guard/skill/x", "section/sky",
                             "level/harbour/entity/guard/component/body", "level/harbour/entity//name"}) {

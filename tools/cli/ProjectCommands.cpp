@@ -52,15 +52,17 @@ std::string nativeText(std::string path) {
 // A project opened as the dialog opens it, but for the logs, which a run of a tool does not leave behind.
 class OpenProject {
 public:
-    // `given` is the file as the user named it.
-    OpenProject(const std::string& path, std::string given) : m_session(m_model, userPrompt()) {
+    // `given` is the file as the user named it. What is wrong with a file that could be read is not told where
+    // `findsDamage`: it is among the session's problems then.
+    OpenProject(const std::string& path, std::string given, bool findsDamage = false)
+        : m_session(m_model, userPrompt()) {
         debugLogFileName().clear();
         m_session.writesStepReport = false;
         m_session.asksAboutOthersChanges = false;
         const Outcome opened = m_session.open(path);
         m_open = bool(opened);
         m_given = std::move(given);
-        if (!opened) {
+        if (!opened && !(findsDamage && m_session.wasRead())) {
             complain(opened.why());
         }
     }
@@ -89,7 +91,8 @@ public:
 
     ExitStatus finish(bool dryRun, bool force) {
         if (dryRun) {
-            printPatch(m_session.changesText());
+            // For `patch`: with the byte order mark that the dialog's difference passes over.
+            printPatch(unifiedDifference(m_session.bytes(), m_session.text(), m_given, m_given));
             return ExitStatus::Done;
         }
         return statusOf(m_session.save(force));
@@ -175,9 +178,9 @@ ExitStatus check(const ProjectOptions& options) {
             }
         }
         for (const std::string& file : files) {
-            OpenProject open(file, givenPath(file));
-            if (!open.isOpen()) {
-                status = worse(status, open.session().wasRead() ? ExitStatus::Findings : ExitStatus::Failed);
+            OpenProject open(file, givenPath(file), true);
+            if (!open.isOpen() && !open.session().wasRead()) {
+                status = worse(status, ExitStatus::Failed);
                 continue;
             }
             const std::vector<ProjectProblem> problems = open.shown(open.session().problems());
@@ -290,14 +293,14 @@ ExitStatus list(const ProjectOptions& options) {
     }
     std::vector<bool> found(words.size());
     Json all = Json::array();
-    forEachField(open.model(), [&](const ProjectField& field, const std::string& address) {
+    forEachField(open.model(), [&](const ProjectField&, const std::string& address,
+                                   const std::optional<std::string>& value) {
         bool wanted = words.empty();
         for (size_t i = 0; i < words.size(); ++i) {
             if (address == words[i] || address.starts_with(words[i] + "/")) {
                 wanted = found[i] = true;
             }
         }
-        const auto value = fieldValue(open.model(), field);
         if (!wanted || !value) {
             return;
         }
@@ -448,7 +451,7 @@ ExitStatus format(const ProjectOptions& options) {
         return ExitStatus::Failed;
     }
     if (options.dryRun) {
-        printPatch(unifiedDifference(before, after.view(), path, path));
+        printPatch(unifiedDifference(before, after.view(), options.file, options.file));
         return ExitStatus::Done;
     }
     return rewriteFile(path, before, after.view(), [&] { return format(options); });
