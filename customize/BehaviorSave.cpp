@@ -12,15 +12,27 @@ bool BehaviorSession::lookAtProject() {
     if (!m_components || !m_openProject) {
         return false;
     }
-    std::string open = m_openProject();
-    const bool isOther = !equalNoCase(open, m_components->file()), before = otherProjectOpen();
-    // A project without a main script is one all the same, so its file doesn't tell.
-    m_elsewhere = isOther && hasUnsaved() ? Elsewhere(m_host.GetProjectFolder()) : std::nullopt;
+    const std::optional<std::string> open = m_openProject();
+    std::string folder;
+    bool isOther = !open || !equalNoCase(*open, m_components->file());
+    if (isOther && (!open || hasUnsaved())) {
+        // A project without a main script is one all the same, so its file doesn't tell.
+        folder = m_host.GetProjectFolder();
+        // Where only the script is not named, the project is still that of the components.
+        isOther = open || folder.empty() || !sameFolder(folder, m_folder);
+    }
+    const bool before = otherProjectOpen();
+    m_elsewhere = isOther && hasUnsaved() ? Elsewhere(std::move(folder)) : std::nullopt;
     if (isOther && !otherProjectOpen()) {
-        m_components->moveTo(std::move(open));
+        moveTo(open.value_or(""));
         return true;
     }
     return otherProjectOpen() != before;
+}
+
+void BehaviorSession::moveTo(std::string projectFile) {
+    m_components->moveTo(std::move(projectFile));
+    m_folder = m_host.GetProjectFolder();
 }
 
 SaveResult BehaviorSession::save() {
@@ -71,7 +83,7 @@ SaveResult BehaviorSession::saveElsewhere() {
     if (answer == PromptAnswer::Yes) {
         saved = m_components->save();
     } else if (answer == PromptAnswer::No) {
-        m_components->moveTo(m_openProject());
+        moveTo(m_openProject().value_or(""));
         saved = SaveResult::NothingToSave;
     }
     if (!hasUnsaved()) {

@@ -37,7 +37,7 @@ BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& hos
 
 BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
                                  std::unique_ptr<EntityComponents> components, std::string entity,
-                                 std::function<std::string()> openProject)
+                                 OpenProject openProject)
     : m_access(entities),
       m_host(host),
       m_components(std::move(components)),
@@ -47,6 +47,7 @@ BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& hos
 void BehaviorSession::open() {
     if (m_components) {
         m_components->load();
+        m_folder = m_host.GetProjectFolder();
     }
     m_changes = m_known = m_access ? m_access->changes() : std::nullopt;
     show(m_access ? m_access->selected() : std::vector<std::string>());

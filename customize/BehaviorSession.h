@@ -26,6 +26,10 @@ struct PasteResult {
     std::vector<std::string> refused;  // the lines that found no place, each with the reason, in UTF-8
 };
 
+// The project file of what the editor has open, empty where none stands beside the main script; nothing where the host
+// names no main script.
+using OpenProject = std::function<std::optional<std::string>()>;
+
 // An edit reaches the entities at once, all that are shown or none; undo gives each its own value back. What the
 // host refuses is told, and its row takes nothing until the values are read again. [panel thread]
 class BehaviorSession : public RowEditing {
@@ -33,11 +37,10 @@ public:
     // `entities` is null where the host has none. Both outlive the session.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host);
     // The panel form: with the components of a project, which open() reads. `entity` is shown where the host has no
-    // operations on entities. `openProject` gives the project file of what the editor has open, empty where it tells
-    // none; without it the project stays the same.
+    // operations on entities. Without `openProject` the project stays the same.
     BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
                     std::unique_ptr<EntityComponents> components, std::string entity,
-                    std::function<std::string()> openProject = {});
+                    OpenProject openProject = {});
 
     // Shows the entities that are selected now.
     void open();
@@ -121,6 +124,7 @@ private:
     std::vector<std::string> entitiesNow() const;
     void show(std::vector<std::string> entities);
     bool lookAtProject();
+    void moveTo(std::string projectFile);
     PromptAnswer askElsewhere() const;
     SaveResult saveElsewhere();
     // Null while those of the open project are not known.
@@ -152,8 +156,9 @@ private:
     ZunEditorInterface& m_host;
     std::unique_ptr<EntityComponents> m_components;  // null: the plain form
     std::string m_namedEntity;
-    std::function<std::string()> m_openProject;  // may be empty
-    Elsewhere m_elsewhere;                       // of unsaved edits alone
+    OpenProject m_openProject;  // may be empty
+    std::string m_folder;       // of the components' project, as the host names it
+    Elsewhere m_elsewhere;      // of unsaved edits alone
     bool m_follows = true;
     std::vector<std::string> m_entities;
     EntityActions m_actions;

@@ -108,7 +108,6 @@ private:
     std::optional<std::string> projectForSave();
     SaveResult saveInto(const std::string& project);
     std::optional<SaveResult> takeIntoProject(const std::string& project, bool& copied);
-    static bool sameFolder(const std::string& a, const std::string& b);
     static bool isBelow(const std::string& path, const std::string& folder);
     SaveResult fail(const std::string& message, const std::string& problem = {});
     bool question(const std::string& text);

@@ -14,4 +14,7 @@ inline const char* elsewhereText(const Elsewhere& open) {
     return !open ? "" : open->empty() ? " (no project is open)" : " (another project is open)";
 }
 
+// Whether two projects have the same folder, however it is written. Two unknown folders are the same.
+bool sameFolder(const std::string& a, const std::string& b);
+
 }  // namespace zoka

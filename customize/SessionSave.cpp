@@ -27,18 +27,6 @@ bool sameRows(const CustomScript& a, const CustomScript& b) {
 
 }  // namespace
 
-// Two unknown folders are the same.
-bool CustomizeSession::sameFolder(const std::string& a, const std::string& b) {
-    const auto plain = [](const std::string& path) {
-        std::string full = osFiles().fullPath(path);
-        while (full.size() > 1 && isSeparator(full.back())) {
-            full.pop_back();
-        }
-        return full;
-    };
-    return a.empty() || b.empty() ? a.empty() && b.empty() : equalNoCase(plain(a), plain(b));
-}
-
 SaveResult CustomizeSession::fail(const std::string& message, const std::string& problem) {
     m_prompt.tell(message);
     return Refusal{problem.empty() ? message : problem};

@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,8 +15,7 @@ namespace zoka {
 struct BehaviorProject {
     std::string file;
     std::string entity;  // that the panel was opened for
-    std::function<std::string()>
-        open;  // the file of the project that the editor has open, as of BehaviorSession
+    OpenProject open;
 };
 
 // Shows a session and hands it the user's actions. Threads and lifetime as RowsDialog.

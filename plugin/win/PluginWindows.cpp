@@ -95,10 +95,12 @@ std::unique_ptr<PanelDialog> PluginWindows::makeBehaviorPanel(
     const ControlsContext controls(g_module);
     std::optional<BehaviorProject> project;
     if (descriptor) {
-        const auto open = [&editor] {
-            return projectFileOf(editor.GetMainScriptPath().value_or("")).value_or("");
+        const auto open = [&editor]() -> std::optional<std::string> {
+            const auto script = editor.GetMainScriptPath();
+            return script && !script->empty() ? std::optional(projectFileOf(*script).value_or(""))
+                                              : std::nullopt;
         };
-        project = {open(), descriptor->entity, open};
+        project = {open().value_or(""), descriptor->entity, open};
     }
     return std::make_unique<BehaviorWindow>(editor, context, std::move(project));
 }

@@ -300,7 +300,7 @@ TEST_F(BehaviorComponentsTest, savingKeepsUndoAndClosingAsks) {
 
 // Nothing of a project that is closed stands below entities of the open one, and nothing gets into a file unasked.
 TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) {
-    std::string open = m_file;
+    std::optional<std::string> open = m_file;
     class : public FolderHost {
     public:
         using FolderHost::FolderHost;
@@ -326,10 +326,13 @@ TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) 
     panel->refresh(false);  // whether or not the host counts it
     EXPECT_FALSE(panel->otherProjectOpen());
     EXPECT_EQ(panel->row(4).value(), "33");
-    open.clear();  // none
+    open = "";  // none
     panel->refresh(false);
     EXPECT_EQ(lastRow(*panel), "Lit=0");
     open = m_file;
+    panel->refresh(false);
+    EXPECT_EQ(panel->row(4).value(), "90");
+    open.reset();  // the host doesn't say
     panel->refresh(false);
     EXPECT_EQ(panel->row(4).value(), "90");
 
@@ -381,7 +384,12 @@ TEST_F(BehaviorComponentsTest, goesOnToAnotherProjectAndAsksWhatBecomesOfEdits) 
     panel = panelFor();
     ASSERT_TRUE(panel->setValue(4, "40"));
     EXPECT_STREQ(panel->whereabouts(), "");
-    open.clear();
+    // The main script is not named, though the project is the panel's own.
+    open.reset();
+    panel->refresh(false);
+    EXPECT_STREQ(panel->whereabouts(), "");
+    EXPECT_EQ(panel->row(4).value(), "40");
+    EXPECT_TRUE(panel->hasUnsaved());
     host.project.clear();
     panel->refresh(false);
     EXPECT_STREQ(panel->whereabouts(), " (no project is open)");
