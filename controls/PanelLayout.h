@@ -10,6 +10,7 @@ namespace zoka {
 // In pixels, y from the top of the whole panel's content.
 struct PanelRect {
     int x = 0, y = 0, width = 0, height = 0;
+    bool operator==(const PanelRect&) const = default;
 };
 
 struct PanelItem {

@@ -29,8 +29,12 @@ void registerPlain(const char* name, WNDPROC procedure) {
 
 // The system's controls load what they need at their first use: when the first one is made, painted, or destroyed.
 // A panel that is opened or closed while its library is unmapped could not load anything, so one of each is made,
-// painted and destroyed here, unseen.
+// painted and destroyed here, unseen, before the first panel.
 void rehearse() {
+    static bool done = false;
+    if (std::exchange(done, true)) {
+        return;
+    }
     const HWND parent =
         CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 90, 90, nullptr, nullptr, g_instance, nullptr);
     const HDC screen = GetDC(nullptr), canvas = CreateCompatibleDC(screen);

@@ -30,28 +30,32 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     if (!m_window) {
         return nullptr;
     }
-    const auto tip = [&] {
-        const HWND made =
-            CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, L"", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0,
-                            0, 0, 0, m_window, nullptr, ControlClasses::instance(), nullptr);
-        SendMessageA(made, TTM_SETMAXTIPWIDTH, 0, m_fonts->x(240));
-        // For a window without icons the system loads its own when it is first shown, which needs the loader's lock. A
-        // thread that unmaps the library holds that, and the panel would never be gone.
-        const auto icon = reinterpret_cast<LPARAM>(LoadIconA(nullptr, MAKEINTRESOURCEA(32512)));
-        SendMessageA(made, WM_SETICON, ICON_BIG, icon);
-        SendMessageA(made, WM_SETICON, ICON_SMALL, icon);
-        return made;
-    };
-    m_tooltip = tip();
+    m_tooltip = makeTip();
     SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
-    m_balloon = tip();
+    return m_window;
+}
+
+HWND EntryPanel::makeTip() const {
+    const HWND made =
+        CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, L"", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0,
+                        0, m_window, nullptr, ControlClasses::instance(), nullptr);
+    SendMessageA(made, TTM_SETMAXTIPWIDTH, 0, m_fonts->x(240));
+    // For a window without icons the system loads its own when it is first shown, which needs the loader's lock. A
+    // thread that unmaps the library holds that, and the panel would never be gone.
+    const auto icon = reinterpret_cast<LPARAM>(LoadIconA(nullptr, MAKEINTRESOURCEA(32512)));
+    SendMessageA(made, WM_SETICON, ICON_BIG, icon);
+    SendMessageA(made, WM_SETICON, ICON_SMALL, icon);
+    return made;
+}
+
+void EntryPanel::makeBalloon() {
+    m_balloon = makeTip();
     TTTOOLINFOW tool{};
     tool.cbSize = TTTOOLINFOW_V1_SIZE;
     tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
     tool.hwnd = m_window;
     tool.lpszText = const_cast<wchar_t*>(L"");
     SendMessageA(m_balloon, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    return m_window;
 }
 
 void EntryPanel::makeFonts() {

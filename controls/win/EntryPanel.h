@@ -102,6 +102,8 @@ private:
                           kFocused = WM_APP + 4, kShowRefusal = WM_APP + 5;
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
+    HWND makeTip() const;
+    void makeBalloon();
     void makeFonts();
     void freeFonts();
     int textHeight(const std::wstring& text, int width) const;
@@ -126,7 +128,8 @@ private:
 
     RowEditing& m_editing;
     RowHost& m_host;
-    HWND m_window = nullptr, m_tooltip = nullptr, m_balloon = nullptr;
+    HWND m_window = nullptr, m_tooltip = nullptr;
+    HWND m_balloon = nullptr;  // null until something is refused
     const WindowFonts* m_fonts = nullptr;
     HFONT m_bold = nullptr, m_title = nullptr;
     PanelLayout m_layout;

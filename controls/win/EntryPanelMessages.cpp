@@ -70,6 +70,9 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
     if (!m_window || text.empty() || m_host.leaving()) {
         return;
     }
+    if (!m_balloon) {
+        makeBalloon();
+    }
     m_refusal = wideReport(text);
     m_refusedField = field;
     TTTOOLINFOW tool = toolOf(m_window);
@@ -100,7 +103,7 @@ RECT EntryPanel::balloonPlace(HWND field) const {
 }
 
 void EntryPanel::hideRefusal() {
-    if (!m_window) {
+    if (!m_window || !m_balloon) {
         return;
     }
     KillTimer(m_window, kHideTimer);
@@ -222,7 +225,7 @@ LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam
             self->m_window = window;
         }
         if (message == WM_NCDESTROY) {
-            self->m_window = nullptr;
+            self->m_window = self->m_balloon = nullptr;
             self->m_live.clear();
             self->m_pictures.clear();
             forgetObject(window);

@@ -51,7 +51,7 @@ bool mayBecomeRight(const EntryFacts& facts, const std::string& text) {
 }  // namespace
 
 EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, int labelWidth)
-    : m_panel(panel), m_row(row), m_labelWidth(labelWidth), m_y(place.y) {
+    : m_panel(panel), m_row(row), m_labelWidth(labelWidth), m_place(place) {
     CreateWindowExA(WS_EX_CONTROLPARENT, kEntryClass, "", WS_CHILD | WS_CLIPCHILDREN, place.x, place.y,
                     place.width, place.height, panel.window(), nullptr, ControlClasses::instance(), this);
     if (!m_window) {
@@ -167,8 +167,9 @@ void EntryWindow::makeControls(const Parts& at) {
             SendMessageA(m_spin, UDM_SETRANGE32, static_cast<WPARAM>(-1000000), 1000000);
             break;
         case EntryField::DropList:
-            m_field = make("COMBOBOX", "", kDropListStyle, 0, kField, text, at.field);
-            placeDropList(m_field, at.field.x, at.field.y, at.field.width, at.field.height);
+            m_field = make("COMBOBOX", "", kDropListStyle, 0, kField, text,
+                           {at.field.x, at.field.y, at.field.width, openHeight(at.field.height)});
+            fitDropList(m_field, at.field.height);
             break;
         case EntryField::ColourField:
             edit("EDIT", 0);

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,7 +35,7 @@ public:
     HWND field() const { return m_field; }
     // In pixels of the panel's view; `after` is the window in front of it, and before it in the order of Tab.
     void setPlace(HWND after, const PanelRect& place, int labelWidth);
-    int y() const { return m_y; }
+    int y() const { return m_place.y; }
     // Whether the window can show that row instead of its own, which has left the sight: it has the same controls,
     // and nobody is using them.
     bool canTakeOver(size_t row) const;
@@ -92,7 +93,9 @@ private:
 
     EntryPanel& m_panel;
     size_t m_row;
-    int m_labelWidth, m_y;
+    int m_labelWidth;
+    PanelRect m_place;
+    std::optional<HWND> m_after;  // nothing: not placed yet
     HWND m_window = nullptr;
     HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;
     HWND m_browse = nullptr;

@@ -14,7 +14,11 @@ constexpr int kMarkWidth = 3;  // of the bar in front of changed rows, in pixels
 }  // namespace
 
 void EntryWindow::setPlace(HWND after, const PanelRect& place, int labelWidth) {
-    m_y = place.y;
+    if (m_after == after && m_place == place) {
+        return;
+    }
+    m_after = after;
+    m_place = place;
     m_labelWidth = labelWidth;  // follows the width, so the row is laid out when it changes
     SetWindowPos(m_window, after, place.x, place.y, place.width, place.height,
                  SWP_NOACTIVATE | SWP_NOCOPYBITS | SWP_SHOWWINDOW);

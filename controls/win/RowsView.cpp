@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "ui/win/Subclass.h"
 #include "ui/win/Window.h"
 #include "util/Text.h"
 
@@ -30,7 +31,6 @@ enum : int {
 };
 
 constexpr int kHelpLines = 4;
-constexpr UINT_PTR kSubclass = 2;
 
 bool withCtrl() {
     return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
@@ -39,7 +39,7 @@ bool withCtrl() {
 }  // namespace
 
 // Keys with Ctrl work from every control, and the wheel always scrolls the rows.
-LRESULT CALLBACK RowsView::controlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+LRESULT CALLBACK RowsView::controlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                        DWORD_PTR data) {
     return answerInside(window, [&]() -> LRESULT {
         auto* const self = reinterpret_cast<RowsView*>(data);
@@ -73,18 +73,15 @@ LRESULT CALLBACK RowsView::controlProc(HWND window, UINT message, WPARAM wParam,
                 }
                 self->wheel(wParam, lParam);
                 return 0;
-            case WM_NCDESTROY:
-                RemoveWindowSubclass(window, controlProc, kSubclass);
-                break;
             default:
                 break;
         }
-        return DefSubclassProc(window, message, wParam, lParam);
+        return nextProcedure(window, message, wParam, lParam);
     });
 }
 
 void RowsView::join(HWND control) {
-    SetWindowSubclass(control, controlProc, kSubclass, reinterpret_cast<DWORD_PTR>(this));
+    addProcedure(control, controlProc, reinterpret_cast<DWORD_PTR>(this));
 }
 
 void RowsView::create(HWND parent, const WindowFonts& fonts, int firstId) {

@@ -91,7 +91,7 @@ public:
     void valuesChanged() override;
 
 private:
-    static LRESULT CALLBACK controlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+    static LRESULT CALLBACK controlProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                         DWORD_PTR self);
     void rowFocused(size_t row) override;
     void rowMenu(size_t row, HWND field, POINT at) override;

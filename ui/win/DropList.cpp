@@ -1,5 +1,6 @@
 // Drop lists that show their text where the fields beside them do.
 #include <algorithm>
+#include <atomic>
 
 #include "ui/win/WindowKit.h"
 
@@ -11,19 +12,26 @@ HWND makeDropList(HWND parent, int id, const WindowFonts& fonts) {
 
 void placeDropList(HWND control, int x, int y, int width, int height) {
     // The height given to a drop list is that of the open one; the closed one follows from its items.
-    place(control, x, y, width, height * 16);
+    place(control, x, y, width, openHeight(height));
+    fitDropList(control, height);
+}
+
+void fitDropList(HWND control, int height) {
+    // What the system adds to the item's height; -1: not known yet. Each height that is set moves the list several times.
+    static std::atomic<int> s_added{-1};
     const auto missing = [control, height] {
         RECT frame{};
         GetWindowRect(control, &frame);
         return height - static_cast<int>(frame.bottom - frame.top);
     };
     SendMessageA(control, CB_SETITEMHEIGHT, 0, textHeightOf(control) + 2);
-    LRESULT item = SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
+    int item = static_cast<int>(SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
     // Some systems make the field a little higher than they are told: the second time allows for that.
     for (int i = 0; i < 2 && missing() != 0; ++i) {
-        item += missing();
+        item = i == 0 && s_added >= 0 ? height - s_added : item + missing();
         SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item);
     }
+    s_added = height - item;
 }
 
 // The system's own way is a fixed distance from the upper edge, which is the middle on small screens alone.

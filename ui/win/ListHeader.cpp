@@ -5,12 +5,11 @@
 #include <commctrl.h>
 
 #include "ui/win/RowList.h"
+#include "ui/win/Subclass.h"
 
 namespace zoka {
 
 namespace {
-
-constexpr UINT_PTR kSubclass = 5;
 
 void drawTitle(const DRAWITEMSTRUCT& item) {
     wchar_t text[256] = L"";
@@ -26,18 +25,15 @@ void drawTitle(const DRAWITEMSTRUCT& item) {
     DrawTextW(item.hDC, text, -1, &line, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
 }
 
-LRESULT CALLBACK headerOwnerProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                 DWORD_PTR) noexcept {
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(list, headerOwnerProc, id);
-    } else if (message == WM_DRAWITEM) {
+LRESULT CALLBACK headerOwnerProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) noexcept {
+    if (message == WM_DRAWITEM) {
         const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
         if (item.CtlType == ODT_HEADER) {
             drawTitle(item);
             return TRUE;
         }
     }
-    return DefSubclassProc(list, message, wParam, lParam);
+    return nextProcedure(list, message, wParam, lParam);
 }
 
 }  // namespace
@@ -52,7 +48,7 @@ void drawTitles(HWND list) {
         title.fmt |= HDF_OWNERDRAW;
         SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&title));
     }
-    SetWindowSubclass(list, headerOwnerProc, kSubclass, 0);
+    addProcedure(list, headerOwnerProc);
 }
 
 }  // namespace zoka

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ui/win/Subclass.h"
+
 namespace zoka {
 
 namespace {
@@ -157,19 +159,16 @@ LRESULT RowList::notified(NMHDR& header) {
 }
 
 void RowList::takeKeysOf(HWND field) {
-    SetWindowSubclass(field, keysProc, 1, reinterpret_cast<DWORD_PTR>(this));
+    addProcedure(field, keysProc, reinterpret_cast<DWORD_PTR>(this));
 }
 
-LRESULT CALLBACK RowList::keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+LRESULT CALLBACK RowList::keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam,
                                    DWORD_PTR self) noexcept {
     if (message == WM_KEYDOWN &&
         (wParam == VK_UP || wParam == VK_DOWN || wParam == VK_PRIOR || wParam == VK_NEXT)) {
         return SendMessageA(reinterpret_cast<RowList*>(self)->m_window, message, wParam, lParam);
     }
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(field, keysProc, id);
-    }
-    return DefSubclassProc(field, message, wParam, lParam);
+    return nextProcedure(field, message, wParam, lParam);
 }
 
 // The system gives a row selected in a list without the keyboard nearly the colour of the others.

@@ -65,7 +65,7 @@ public:
     bool userMayHaveSelected(const NMHDR& header) const;
 
 private:
-    static LRESULT CALLBACK keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+    static LRESULT CALLBACK keysProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam,
                                      DWORD_PTR self) noexcept;
     LRESULT paint(NMLVCUSTOMDRAW& draw) const;
     int find(int start, UINT flags, const std::wstring& typed) const;

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/win/Subclass.h"
 #include "ui/win/Window.h"
 
 namespace zoka {
 
 namespace {
 
-constexpr UINT_PTR kSubclass = 4;
 constexpr UINT_PTR kScrollTimer = 71;
 constexpr UINT kScrollEvery = 60;  // milliseconds
 constexpr int kMarkHeight = 2;     // pixels
@@ -27,7 +27,7 @@ void RowMoving::attach(HWND list, MayMove mayMove, Move move) {
     m_list = list;
     m_mayMove = std::move(mayMove);
     m_move = std::move(move);
-    SetWindowSubclass(list, listProc, kSubclass, reinterpret_cast<DWORD_PTR>(this));
+    addProcedure(list, listProc, reinterpret_cast<DWORD_PTR>(this));
 }
 
 int RowMoving::count() const {
@@ -166,18 +166,16 @@ bool RowMoving::takes(UINT message, WPARAM wParam, LPARAM lParam) {
     }
 }
 
-LRESULT CALLBACK RowMoving::listProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+LRESULT CALLBACK RowMoving::listProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                      DWORD_PTR data) {
     return answerInside(window, [&]() -> LRESULT {
         auto* const self = reinterpret_cast<RowMoving*>(data);
-        if (message == WM_NCDESTROY) {
-            RemoveWindowSubclass(window, listProc, id);
-        } else if (message == WM_GETDLGCODE && self->isDragging()) {
+        if (message == WM_GETDLGCODE && self->isDragging()) {
             return DLGC_WANTMESSAGE;  // Esc gives up the drag, not the dialog
         } else if (self->takes(message, wParam, lParam)) {
             return 0;
         }
-        return DefSubclassProc(window, message, wParam, lParam);
+        return nextProcedure(window, message, wParam, lParam);
     });
 }
 

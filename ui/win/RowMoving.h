@@ -31,8 +31,7 @@ public:
     void paintMark(const NMLVCUSTOMDRAW& draw) const;
 
 private:
-    static LRESULT CALLBACK listProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                     DWORD_PTR self);
+    static LRESULT CALLBACK listProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR self);
     bool takes(UINT message, WPARAM wParam, LPARAM lParam);
     void follow(int y);
     void scroll();

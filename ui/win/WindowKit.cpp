@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ui/win/Subclass.h"
+
 extern "C" const IMAGE_DOS_HEADER __ImageBase;  // the linker's: where this module begins
 
 namespace zoka {
@@ -40,17 +42,15 @@ void showScrollBarAsNeeded(HWND text) {
 
 // Of a field of several lines. One to read only keeps of the keys the arrows alone; the others else take Enter and Tab,
 // and close their parent on Escape.
-LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+LRESULT CALLBACK textProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                           DWORD_PTR readOnly) noexcept {
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, textProc, id);
-    } else if (readOnly && message == WM_GETDLGCODE) {
+    if (readOnly && message == WM_GETDLGCODE) {
         return DLGC_WANTARROWS;
     } else if (readOnly && message == WM_KEYDOWN && wParam == 'A' && GetKeyState(VK_CONTROL) < 0) {
         SendMessageA(window, EM_SETSEL, 0, -1);
         return 0;
     }
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = nextProcedure(window, message, wParam, lParam);
     fitScrollBar(window, message);
     return result;
 }
@@ -59,7 +59,7 @@ HWND makeTextOf(HWND parent, int id, HFONT font, DWORD style) {
     const HWND text = makeControl(parent, "EDIT", "", WS_TABSTOP | ES_MULTILINE | ES_AUTOVSCROLL | style,
                                   WS_EX_CLIENTEDGE, id, font);
     SendMessageA(text, EM_LIMITTEXT, 0, 0);
-    SetWindowSubclass(text, textProc, 1, style & ES_READONLY);
+    addProcedure(text, textProc, style & ES_READONLY);
     return text;
 }
 
@@ -86,12 +86,8 @@ void paintFieldBands(HWND field) {
     ReleaseDC(field, dc);
 }
 
-LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                           DWORD_PTR) noexcept {
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, fieldProc, id);
-    }
-    return centredFieldAnswer(window, message, lParam, DefSubclassProc(window, message, wParam, lParam));
+LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) noexcept {
+    return centredFieldAnswer(window, message, lParam, nextProcedure(window, message, wParam, lParam));
 }
 
 BOOL CALLBACK takeFirstVisible(HWND window, LPARAM result) noexcept {
@@ -249,7 +245,7 @@ HWND makeField(HWND parent, int id, const WindowFonts& fonts, DWORD style) {
 }
 
 void centreFieldText(HWND edit) {
-    SetWindowSubclass(edit, fieldProc, 3, 0);
+    addProcedure(edit, fieldProc);
     renewFrame(edit);
 }
 

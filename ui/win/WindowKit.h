@@ -104,7 +104,12 @@ void place(HWND control, int x, int y, int width, int height);
 inline void place(HWND control, const Area& area) {
     place(control, area.x, area.y, area.width, area.height);
 }
-// For a drop list: `height` is the closed one; it opens for up to 16 items.
+// For a drop list: `height` is the closed one; it opens for up to 16 items. One that was made with its open height, at its
+// place, needs but fitDropList, once it has its font.
+inline int openHeight(int height) {
+    return 16 * height;
+}
+void fitDropList(HWND control, int height);
 void placeDropList(HWND control, int x, int y, int width, int height);
 inline void placeDropList(HWND control, const Area& area) {
     placeDropList(control, area.x, area.y, area.width, area.height);
