@@ -37,23 +37,21 @@ BOOL CALLBACK isTaken(HWND other, LPARAM data) noexcept {
 // From the middle of the screen towards its right, where it covers less of the level. Where another panel stands there,
 // it goes so far down and to the left that the captions of both can be seen.
 void moveAside(HWND window) {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
     RECT place{};
-    if (!GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor) ||
-        !GetWindowRect(window, &place)) {
+    if (!GetWindowRect(window, &place)) {
         return;
     }
-    const LONG room = monitor.rcWork.right - place.right;
+    const RECT screen = workArea(window);
+    const LONG room = screen.right - place.right;
     Corner corner{window, place.left + room * 3 / 4, place.top,
                   GetSystemMetrics(SM_CYCAPTION) + GetSystemMetrics(SM_CYSIZEFRAME), false};
-    while (corner.top + 2 * corner.step < monitor.rcWork.bottom) {
+    while (corner.top + 2 * corner.step < screen.bottom) {
         corner.taken = false;
         EnumWindows(isTaken, reinterpret_cast<LPARAM>(&corner));
         if (!corner.taken) {
             break;
         }
-        corner.left -= corner.step;
+        corner.left = std::max(corner.left - corner.step, screen.left);
         corner.top += corner.step;
     }
     SetWindowPos(window, nullptr, static_cast<int>(corner.left), static_cast<int>(corner.top), 0, 0,

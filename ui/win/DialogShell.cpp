@@ -67,6 +67,7 @@ void DialogShell::created() {
     if (!m_frame.memory || !m_frame.memory->give(window(), m_maximized)) {
         placeFirst(outerSize(window(), m_fonts.x(m_frame.width), m_fonts.y(m_frame.height)));
     }
+    fitOnScreen();
     // In a window that has its size already: each would be moved with every change of it.
     createControls();
     m_ready = true;
@@ -81,6 +82,23 @@ void DialogShell::created() {
 
 void DialogShell::placeFirst(SIZE size) {
     centreOver(window(), GetWindow(window(), GW_OWNER), static_cast<int>(size.cx), static_cast<int>(size.cy));
+}
+
+void DialogShell::fitOnScreen() {
+    RECT place, common;
+    GetWindowRect(window(), &place);
+    const RECT area = workArea(window());
+    if (!IntersectRect(&common, &place, &area) || !EqualRect(&common, &place)) {
+        placeOnScreen(window(), place, area);
+    }
+}
+
+SIZE DialogShell::leastSize() const {
+    const bool isFixed = m_frame.leastWidth == 0;
+    const SIZE least = outerSize(window(), m_fonts.x(isFixed ? m_frame.width : m_frame.leastWidth),
+                                 m_fonts.y(isFixed ? m_frame.height : m_frame.leastHeight));
+    const RECT area = workArea(window());
+    return {std::min(least.cx, area.right - area.left), std::min(least.cy, area.bottom - area.top)};
 }
 
 void DialogShell::runModal(HWND owner) {
@@ -164,12 +182,12 @@ void DialogShell::renewFonts(int dpi) {
     // A window that has become too small for its controls grows.
     RECT frame;
     GetWindowRect(window(), &frame);
-    const SIZE least =
-        outerSize(window(), m_fonts.x(m_frame.leastWidth > 0 ? m_frame.leastWidth : m_frame.width),
-                  m_fonts.y(m_frame.leastWidth > 0 ? m_frame.leastHeight : m_frame.height));
-    SetWindowPos(window(), nullptr, 0, 0, static_cast<int>(std::max(frame.right - frame.left, least.cx)),
-                 static_cast<int>(std::max(frame.bottom - frame.top, least.cy)),
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const SIZE least = leastSize();
+    frame.right = std::max(frame.right, frame.left + least.cx);
+    frame.bottom = std::max(frame.bottom, frame.top + least.cy);
+    if (!IsZoomed(window()) && !IsIconic(window())) {
+        placeOnScreen(window(), frame, workArea(window()));
+    }
     layoutNow();
     InvalidateRect(window(), nullptr, TRUE);
 }
@@ -186,8 +204,7 @@ std::optional<LRESULT> DialogShell::message(UINT message, WPARAM wParam, LPARAM 
             return 0;
         case WM_GETMINMAXINFO:
             if (m_frame.leastWidth > 0) {
-                const SIZE least =
-                    outerSize(window(), m_fonts.x(m_frame.leastWidth), m_fonts.y(m_frame.leastHeight));
+                const SIZE least = leastSize();
                 reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least.cx, least.cy};
             }
             return 0;

@@ -46,7 +46,9 @@ public:
         std::string title;
         HINSTANCE module = nullptr;  // holds the icon; null: the icon is the owner's
         int icon = 0;
-        int width = 300, height = 200;        // of the inside at first, in dialog units
+        // Of the inside at first, in dialog units. No window opens outside its screen's work area or larger than that,
+        // whatever is asked for or remembered.
+        int width = 300, height = 200;
         int leastWidth = 0, leastHeight = 0;  // 0: the size is fixed
         bool maximizes = false;               // has a button for it
         PlaceMemory* memory = nullptr;        // null: opens over its owner each time
@@ -107,6 +109,9 @@ private:
     void created() override;
     void renewFonts(int dpi);
     void enableOwner();
+    void fitOnScreen();
+    // Of the window, in pixels: no larger than the screen.
+    SIZE leastSize() const;
 
     Frame m_frame;
     WindowFonts m_fonts;

@@ -407,24 +407,31 @@ SIZE outerSize(HWND window, int width, int height) {
     return {frame.right - frame.left, frame.bottom - frame.top};
 }
 
-void centreOver(HWND window, HWND owner, int width, int height) {
+RECT workArea(HWND window) {
     MONITORINFO monitor{};
     monitor.cbSize = sizeof monitor;
-    GetMonitorInfoA(MonitorFromWindow(owner ? owner : window, MONITOR_DEFAULTTONEAREST), &monitor);
-    const RECT& area = monitor.rcWork;
+    GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
+    return monitor.rcWork;
+}
+
+void placeOnScreen(HWND window, const RECT& place, const RECT& area) {
+    const auto width = std::min(place.right - place.left, area.right - area.left);
+    const auto height = std::min(place.bottom - place.top, area.bottom - area.top);
+    const LONG left = std::clamp(place.left, area.left, area.right - width);
+    const LONG top = std::clamp(place.top, area.top, area.bottom - height);
+    SetWindowPos(window, nullptr, static_cast<int>(left), static_cast<int>(top), static_cast<int>(width),
+                 static_cast<int>(height), SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void centreOver(HWND window, HWND owner, int width, int height) {
+    const RECT area = workArea(owner ? owner : window);
     RECT over = area;
     if (owner && !IsIconic(owner) && IsWindowVisible(owner)) {
         GetWindowRect(owner, &over);
     }
-    width = std::min(width, static_cast<int>(area.right - area.left));
-    height = std::min(height, static_cast<int>(area.bottom - area.top));
-    const auto within = [](LONG middle, int size, LONG low, LONG high) {
-        return std::clamp(static_cast<int>(middle) - size / 2, static_cast<int>(low),
-                          std::max(static_cast<int>(high) - size, static_cast<int>(low)));
-    };
-    SetWindowPos(window, nullptr, within((over.left + over.right) / 2, width, area.left, area.right),
-                 within((over.top + over.bottom) / 2, height, area.top, area.bottom), width, height,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    const LONG left = (over.left + over.right) / 2 - width / 2,
+               top = (over.top + over.bottom) / 2 - height / 2;
+    placeOnScreen(window, {left, top, left + width, top + height}, area);
 }
 
 bool copyToClipboard(HWND owner, const std::string& text) {

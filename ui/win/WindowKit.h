@@ -156,6 +156,10 @@ void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner = nullpt
 // The window that a modal one belongs over: the thread's active window or, while another program is in front, its first
 // visible one. Null when it has none.
 HWND modalOwner();
+// The part of the screen that windows may cover, of the screen that the window is on or nearest to.
+RECT workArea(HWND window);
+// Gives a window that place, moved into `area` where it reaches over its edge and made smaller where it is larger.
+void placeOnScreen(HWND window, const RECT& place, const RECT& area);
 // Sizes a window and centres it over its owner, or on the screen without one, inside the screen's work area.
 void centreOver(HWND window, HWND owner, int width, int height);
 // Outer size of a window whose inner size is given.

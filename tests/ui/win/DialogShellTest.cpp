@@ -18,8 +18,10 @@ constexpr WPARAM kFailingKey = VK_F9;
 class TestDialog : public DialogShell {
 public:
     explicit TestDialog(std::function<void(TestDialog&)> deed = {})
-        : DialogShell({.title = "Test", .width = 120, .height = 40, .leastWidth = 100, .leastHeight = 30}),
-          m_deed(std::move(deed)) {}
+        : TestDialog({.title = "Test", .width = 120, .height = 40, .leastWidth = 100, .leastHeight = 30},
+                     std::move(deed)) {}
+    explicit TestDialog(Frame frame, std::function<void(TestDialog&)> deed = {})
+        : DialogShell(std::move(frame)), m_deed(std::move(deed)) {}
 
     using DialogShell::message;
     HWND m_label = nullptr, m_close = nullptr;
@@ -155,6 +157,52 @@ TEST(DialogShell, GrowsWithItsScreensResolution) {
     EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageA(dialog.m_label, WM_GETFONT, 0, 0)), dialog.fonts().text());
     EXPECT_GE(dialog.m_inside.width, dialog.fonts().x(100 - 2 * kMarginUnits) - 2);
     dialog.end();
+}
+
+// Whatever place and size are wished or remembered.
+TEST(DialogShell, OpensWithinItsScreen) {
+    const auto isInside = [](HWND window) {
+        RECT place, common;
+        GetWindowRect(window, &place);
+        const RECT screen = workArea(window);
+        return IntersectRect(&common, &place, &screen) && EqualRect(&common, &place);
+    };
+    const struct {
+        const char* name;
+        int width, height, leastWidth, leastHeight;
+        RECT last;  // where the last one was; empty: there was none
+    } rows[] = {
+        {"larger than the screen", 4000, 3000, 100, 30, {}},
+        {"larger even at its least", 4000, 3000, 3000, 2000, {}},
+        {"larger and of one size", 4000, 3000, 0, 0, {}},
+        {"partly left of the screen", 120, 40, 100, 30, {-150, 100, 250, 300}},
+        {"partly below it", 120, 40, 100, 30, {100, 30, 500, 9000}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        PlaceMemory memory;
+        const DialogShell::Frame frame{.title = "Test",
+                                       .width = row.width,
+                                       .height = row.height,
+                                       .leastWidth = row.leastWidth,
+                                       .leastHeight = row.leastHeight,
+                                       .memory = &memory};
+        if (!IsRectEmpty(&row.last)) {
+            TestDialog last(frame);
+            ASSERT_TRUE(last.create(nullptr));
+            SetWindowPos(last.window(), nullptr, row.last.left, row.last.top, row.last.right - row.last.left,
+                         row.last.bottom - row.last.top, SWP_NOZORDER);
+            last.end();
+        }
+        TestDialog dialog(frame);
+        ASSERT_TRUE(dialog.create(nullptr));
+        EXPECT_TRUE(isInside(dialog.window()));
+        // On a screen of twice the resolution all would be twice as large.
+        RECT wanted{workArea(dialog.window()).right - 50, 0, 9000, 50};
+        SendMessageA(dialog.window(), kDpiChanged, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&wanted));
+        EXPECT_TRUE(isInside(dialog.window()));
+        dialog.end();
+    }
 }
 
 TEST(DialogShell, OpensWhereTheLastOneWas) {

@@ -93,6 +93,24 @@ void expectPlace(DriveContext& drive, const Words& words) {
     drive.expect([&] { return place() == wanted; }, "the window at " + wanted, place);
 }
 
+void expectOnScreen(DriveContext& drive, const Words&) {
+    RECT place{}, common{};
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    const auto text = [](const RECT& area) {
+        return std::to_string(area.left) + ' ' + std::to_string(area.top) + " to " +
+               std::to_string(area.right) + ' ' + std::to_string(area.bottom);
+    };
+    drive.expect(
+        [&] {
+            GetWindowRect(drive.window(), &place);
+            GetMonitorInfoA(MonitorFromWindow(drive.window(), MONITOR_DEFAULTTONEAREST), &screen);
+            return IntersectRect(&common, &place, &screen.rcWork) && EqualRect(&common, &place);
+        },
+        "the window inside its screen's work area",
+        [&] { return text(place) + " on " + text(screen.rcWork); });
+}
+
 void menu(DriveContext& drive, const Words& words) {
     UINT command = 0;
     UINT state = 0;
@@ -261,6 +279,7 @@ void addWindowCommands(DriveCommands& table) {
     table["size"] = {2, 2, sizeWindow};
     table["move"] = {2, 2, moveWindow};
     table["expect-place"] = {4, 4, expectPlace};
+    table["expect-on-screen"] = {0, 0, expectOnScreen};
     table["menu"] = {1, 1, menu};
     table["open-menu"] = {1, 1, openMenu};
     table["expect-menu"] = {1, 9, expectMenu};
