@@ -1,4 +1,5 @@
 // The drive script's commands that call the plug-in and steer the editor.
+#include <atomic>
 #include <charconv>
 #include <cstdio>
 
@@ -301,6 +302,41 @@ void makeEditor(DriveContext& drive, const Words&) {
     drive.current = drive.editorWindow.handle();
 }
 
+void quit(DriveContext& drive, const Words& words) {
+    drive.editorWindow.rehearseQuit(static_cast<int>(driveNumber(words[0])));
+}
+
+void expectQuit(DriveContext& drive, const Words& words) {
+    drive.expect([&] { return drive.editorWindow.notedQuit() == driveNumber(words[0]); },
+                 "the editor's message loop to be told to end with " + words[0],
+                 [&] { return std::to_string(drive.editorWindow.notedQuit()); });
+}
+
+std::atomic<UINT> g_toLose{0};
+
+// [editor thread]
+LRESULT CALLBACK loseOne(int code, WPARAM wParam, LPARAM lParam) {
+    auto& message = *reinterpret_cast<MSG*>(lParam);
+    if (code == HC_ACTION && wParam == PM_REMOVE && message.hwnd && message.message == g_toLose) {
+        message.message = WM_NULL;
+        g_toLose = 0;
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+void loseMessage(DriveContext& drive, const Words& words) {
+    g_toLose = static_cast<UINT>(driveNumber(words[0]));
+    drive.askEditor([] {
+        static const HHOOK hook = SetWindowsHookExA(WH_GETMESSAGE, loseOne, nullptr, GetCurrentThreadId());
+        static_cast<void>(hook);
+    });
+}
+
+void expectLost(DriveContext& drive, const Words&) {
+    drive.expect([] { return g_toLose == 0; }, "the message to be lost",
+                 [] { return std::string("it did not come"); });
+}
+
 }  // namespace
 
 void addEditorCommands(DriveCommands& table) {
@@ -338,6 +374,10 @@ void addEditorCommands(DriveCommands& table) {
     table["chooser"] = {1, 1, chooser};
     table["use-memory"] = {1, 1, useMemory};
     table["destroy-editor"] = {0, 0, destroyEditor};
+    table["quit"] = {1, 1, quit};
+    table["expect-quit"] = {1, 1, expectQuit};
+    table["lose-message"] = {1, 1, loseMessage};
+    table["expect-lost"] = {0, 0, expectLost};
     table["make-editor"] = {0, 0, makeEditor};
 }
 

@@ -134,7 +134,15 @@ bool EditorWindow::create(bool show) {
 
 int EditorWindow::run() {
     MSG message;
-    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+    for (;;) {
+        const BOOL got = GetMessageA(&message, nullptr, 0, 0);
+        if (got == 0 && m_rehearsesQuit.exchange(false)) {
+            m_notedQuit = static_cast<int>(message.wParam);
+            continue;
+        }
+        if (got <= 0) {
+            break;
+        }
         if (!message.hwnd && message.message == kMessageJobs) {
             runJobs();
             continue;
@@ -163,6 +171,14 @@ void EditorWindow::post(std::function<void()> job) {
 
 void EditorWindow::destroy() {
     SendMessageA(m_window, kMessageDestroy, 0, 0);
+}
+
+void EditorWindow::rehearseQuit(int status) {
+    post([this, status] {
+        m_notedQuit = -1;
+        m_rehearsesQuit = true;
+        PostQuitMessage(status);
+    });
 }
 
 void EditorWindow::runJobs() {

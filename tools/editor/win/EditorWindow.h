@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <queue>
@@ -32,6 +33,10 @@ public:
     // As another part of an editor may do it, by a message that is sent: the window goes, no message loop is told, and
     // the thread goes on. create() makes another one. Works on every thread.
     void destroy();
+    // Tells the editor's thread by WM_QUIT that the program ends, but only as a rehearsal: the message loop notes it
+    // when it comes there, and goes on. Works on every thread, like the question for what was noted last (-1: nothing).
+    void rehearseQuit(int status);
+    int notedQuit() const { return m_notedQuit; }
 
     // Has `job` run on the editor's thread as soon as that thread takes messages, be it inside a modal window
     // of the plug-in's. Works on every thread.
@@ -86,6 +91,8 @@ private:
     std::string m_shownStatus;
     DWORD m_thread = GetCurrentThreadId();
     bool m_endsLoop = true;  // when the window goes
+    std::atomic<bool> m_rehearsesQuit{false};
+    std::atomic<int> m_notedQuit{-1};
 
     SlimLock m_jobMutex;
     std::queue<std::function<void()>> m_jobs;
