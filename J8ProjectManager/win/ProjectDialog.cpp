@@ -80,6 +80,7 @@ public:
 private:
     std::unique_ptr<Page> makePage(int index) override;
     std::vector<HWND> makeFoot() override;
+    bool hasContent() const override { return !m_isLoading; }
     void pageShown(int index) override { g_page = index; }
     void command(int id, int code) override;
     bool takesKey(const MSG& message) override;

@@ -27,8 +27,12 @@ void PluginEditor::openProject(const test::TempFolder& folder) {
 WindowRun* WindowRun::s_current = nullptr;
 
 WindowRun::WindowRun(Editor& editor, const std::string& procedure, std::string title,
-                     std::function<void(HWND)> use, std::function<bool(HWND)> isFilled)
-    : m_title(std::move(title)), m_use(std::move(use)), m_isFilled(std::move(isFilled)) {
+                     std::function<void(HWND)> use, std::function<bool(HWND)> isFilled,
+                     std::function<void(HWND)> seen)
+    : m_title(std::move(title)),
+      m_use(std::move(use)),
+      m_isFilled(std::move(isFilled)),
+      m_seen(std::move(seen)) {
     s_current = this;
     WNDCLASSA definition{};
     definition.lpszClassName = "ZokaBenchOpened";
@@ -84,12 +88,16 @@ void WindowRun::opened(HWND window) {
     m_done = true;
     paint(window);
     m_opening = elapsed();
+    if (m_seen) {
+        m_seen(window);
+        m_looking = elapsed() - m_opening;
+    }
     MSG message;
     while (m_isFilled && !m_isFilled(window) && GetMessageA(&message, nullptr, 0, 0) > 0) {
         DispatchMessageA(&message);
     }
     paint(window);
-    m_filling = elapsed();
+    m_filling = elapsed() - m_looking;
     m_use(window);
     PostMessageA(window, WM_CLOSE, 0, 0);
 }

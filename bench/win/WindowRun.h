@@ -33,9 +33,9 @@ private:
 class WindowRun {
 public:
     // `title` is what the window's title begins with. One that is filled later says by `isFilled` when it is, and is
-    // used then.
+    // used then; `seen` gets it before.
     WindowRun(Editor& editor, const std::string& procedure, std::string title, std::function<void(HWND)> use,
-              std::function<bool(HWND)> isFilled = {});
+              std::function<bool(HWND)> isFilled = {}, std::function<void(HWND)> seen = {});
 
     // From the call of the procedure to the painted window, in milliseconds.
     double opening() const { return m_opening; }
@@ -52,9 +52,11 @@ private:
     const std::string m_title;
     const std::function<void(HWND)> m_use;
     const std::function<bool(HWND)> m_isFilled;
+    const std::function<void(HWND)> m_seen;
     HWND m_helper = nullptr;
     LARGE_INTEGER m_start{};
     double m_opening = 0, m_filling = 0;
+    double m_looking = 0;  // what `seen` took
     bool m_done = false;
 };
 

@@ -193,7 +193,7 @@ void PageShell::showPage(int index) {
 }
 
 void PageShell::refreshPage() {
-    if (!m_stale[static_cast<size_t>(m_current)] || !page()) {
+    if (!m_stale[static_cast<size_t>(m_current)] || !page() || !hasContent()) {
         return;
     }
     m_stale[static_cast<size_t>(m_current)] = false;

@@ -97,6 +97,8 @@ protected:
     virtual std::unique_ptr<Page> makePage(int index) = 0;
     // Buttons of the foot, made in the order of Tab, from left to right; the last one closes.
     virtual std::vector<HWND> makeFoot();
+    // While there is nothing to show the pages stay empty, until refreshPages().
+    virtual bool hasContent() const { return true; }
     // Another page has been shown; the status line is empty.
     virtual void pageShown(int /*index*/) {}
 
