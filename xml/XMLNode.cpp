@@ -107,6 +107,51 @@ XMLElement* elementOf(const XMLItem* item) {
     return static_cast<XMLElement*>(const_cast<XMLItem*>(item));
 }
 
+// Notes where a walk by position has come to.
+inline void found(XMLCursors& cursors, const XMLElement* owner, const XMLItem* item, int at,
+                  const XMLName* name) {
+    cursors.remember(owner, {item, at, name ? XMLCursorKind::Position : XMLCursorKind::Any});
+    cursors.walked = owner;
+    cursors.walkedItem = item;
+    cursors.walkedIndex = at;
+}
+
+// The first child of that name (null: any) at or after *position, which is set just past it, wherever the last walk was.
+[[gnu::noinline]] XMLElement* farChild(const XMLElement* owner, int* position, const XMLName* name) {
+    XMLCursors& cursors = XMLDocument::of(owner)->cursors;
+    const auto indexed = [&](const XMLContentIndex& all) {
+        const XMLContentIndex::Child child = all.from(name, *position);
+        if (child.item) {
+            *position = child.number + 1;
+        }
+        return elementOf(child.item);
+    };
+    const XMLItem* item = owner->firstItem();
+    int at = 0;  // of `item`, counting children
+    const XMLCursorKind kind = name ? XMLCursorKind::Position : XMLCursorKind::Any;
+    if (const XMLCursor* place = cursors.find(owner, kind, name, *position)) {
+        item = place->item;
+        at = place->index;
+    } else if (const XMLContentIndex* all = cursors.indexOf(owner)) {
+        return indexed(*all);
+    }
+    int steps = 0;
+    for (; item; item = owner->itemAfter(item)) {
+        if (++steps == XMLCursors::kFarWalk) {
+            if (const XMLContentIndex* all = cursors.walksFar(owner)) {
+                return indexed(*all);
+            }
+        }
+        if (at >= *position && isChild(item, name)) {
+            found(cursors, owner, item, at, name);
+            *position = at + 1;
+            return elementOf(item);
+        }
+        at += item->kind == XMLItemKind::Element;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 const XMLNode& XMLNode::emptyNode() {
@@ -218,47 +263,29 @@ XMLNode XMLNode::getChild(const char* tag, int* position) const {
     return childFrom(position, &name);
 }
 
-inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
-    const XMLCursorKind kind = name ? XMLCursorKind::Position : XMLCursorKind::Any;
+// The next child of a list that is walked in its order, which most are; as little as can be stands here.
+[[gnu::always_inline]] inline XMLNode XMLNode::childFrom(int* position, const XMLName* name) const {
     XMLCursors& cursors = XMLDocument::of(m_element)->cursors;
-    const auto indexed = [&](const XMLContentIndex& all) {
-        const XMLContentIndex::Child child = all.from(name, *position);
-        if (child.item) {
-            *position = child.number + 1;
-        }
-        return XMLNode(elementOf(child.item));
-    };
-    const XMLItem* item = m_element->firstItem();
-    int at = 0;  // of `item`, counting children
+    const XMLItem* item = nullptr;
+    int at = *position;  // of `item`, counting children
     // The place remembered is that of the child found last, one in front of *position.
-    if (cursors.walked == m_element && cursors.walkedIndex + 1 == *position) {
+    if (cursors.walked == m_element && cursors.walkedIndex + 1 == at) {
         item = m_element->itemAfter(cursors.walkedItem);
-        at = *position;
-    } else if (const XMLCursor* place = cursors.find(m_element, kind, name, *position)) {
-        item = place->item;
-        at = place->index;
-    } else if (const XMLContentIndex* all = cursors.indexOf(m_element)) {
-        return indexed(*all);
+    } else if (at == 0) {
+        item = m_element->firstItem();
+    } else {
+        return XMLNode(farChild(m_element, position, name));
     }
-    int steps = 0;
-    for (; item; item = m_element->itemAfter(item)) {
+    for (int steps = 1; item; item = m_element->itemAfter(item)) {
         if (++steps == XMLCursors::kFarWalk) {
-            if (const XMLContentIndex* all = cursors.walksFar(m_element)) {
-                return indexed(*all);
-            }
+            return XMLNode(farChild(m_element, position, name));
         }
-        if (item->kind != XMLItemKind::Element) {
-            continue;
-        }
-        if (at >= *position && isChild(item, name)) {
-            cursors.remember(m_element, {item, at, kind});
-            cursors.walked = m_element;
-            cursors.walkedItem = item;
-            cursors.walkedIndex = at;
+        if (isChild(item, name)) {
+            found(cursors, m_element, item, at, name);
             *position = at + 1;
             return XMLNode(elementOf(item));
         }
-        ++at;
+        at += item->kind == XMLItemKind::Element;
     }
     return {};
 }
