@@ -1,7 +1,9 @@
 // What a tree is made of. Internal to this folder.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "xml/XMLNames.h"
 
@@ -47,10 +49,38 @@ inline XMLClearTags clearTags(XMLItemKind kind) {
     }
 }
 
-struct XMLAttribute {
-    std::uint64_t key = 0;
-    const char* name = nullptr;
-    const char* value = nullptr;  // may be null
+// An attribute: its name stands in front of its value, in the text that was parsed or in memory of its own. Most of a
+// large tree are attributes, hence the narrow fields.
+class XMLAttribute {
+public:
+    // `key` is the name's. With `hasValue` false, `value` is just a place behind the name. Throws std::bad_alloc when
+    // they are too far apart.
+    XMLAttribute(const char* name, const char* value, std::uint64_t key, bool hasValue = true)
+        : m_value(value),
+          m_key(narrow(key)),
+          m_back(static_cast<std::uint32_t>(value - name) & kMostBack),
+          m_hasValue(hasValue) {
+        if (value - name > std::ptrdiff_t{kMostBack}) {
+            throw std::bad_alloc();
+        }
+    }
+
+    const char* name() const { return m_value - m_back; }
+    // May be null.
+    const char* value() const { return m_hasValue ? m_value : nullptr; }
+    bool isNamed(const XMLName& wanted) const {
+        return m_key == narrow(wanted.key) && wanted.matches(name());
+    }
+
+private:
+    static constexpr std::uint32_t kMostBack = 0x7fffffff;
+
+    static std::uint32_t narrow(std::uint64_t key) { return static_cast<std::uint32_t>(key ^ key >> 29); }
+
+    const char* m_value;
+    std::uint32_t m_key;
+    std::uint32_t m_back : 31;
+    std::uint32_t m_hasValue : 1;
 };
 
 struct XMLElement : XMLItem {
@@ -107,6 +137,6 @@ private:
         const char* m_text;
     };
 };
-static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 56 && sizeof(XMLAttribute) == 24));
+static_assert(sizeof(void*) != 8 || (sizeof(XMLElement) == 56 && sizeof(XMLAttribute) == 16));
 
 }  // namespace zoka

@@ -113,7 +113,7 @@ char* XMLMarkupParser::declaration(char* p) {
         }
         m_position.end(nameEndsAt);
         *q++ = 0;
-        addToRun({xmlNameKey(name, word.size(), m_document.leads), name, start});
+        addToRun({name, start, xmlNameKey(name, word.size(), m_document.leads)});
         next = which + 1;
     }
     if (next == 0) {

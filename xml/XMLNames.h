@@ -86,6 +86,15 @@ struct XMLName {
         }
         return xmlSameTail(otherName, name, leads);
     }
+    // The same of a name without a key.
+    bool matches(const char* otherName) const {
+        for (const char *a = otherName, *b = name; *a == *b; ++a, ++b) {
+            if (*a == 0) {
+                return true;
+            }
+        }
+        return matches(xmlNameKey(otherName, leads), otherName);
+    }
     std::uint64_t key;
     const char* name;
     XMLLeads leads;

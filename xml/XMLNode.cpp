@@ -303,7 +303,7 @@ std::uint32_t XMLNode::place() const {
             }
         }
         for (std::uint32_t i = 0; i < element->attributeCount; ++i) {
-            if (const std::uint32_t place = document->placeOf(element->attributes[i].value)) {
+            if (const std::uint32_t place = document->placeOf(element->attributes[i].value())) {
                 return place;
             }
         }
@@ -363,13 +363,13 @@ const char* XMLNode::getAttribute(const char* name, int* position) const {
     const auto count = static_cast<int>(m_element->attributeCount);
     for (int i = start < 0 ? count : start; i < count; ++i) {
         const zoka::XMLAttribute& attribute = m_element->attributes[i];
-        if (!wanted.matches(attribute.key, attribute.name)) {
+        if (!attribute.isNamed(wanted)) {
             continue;
         }
         if (position) {
             *position = i + 1;
         }
-        return attribute.value;
+        return attribute.value();
     }
     return nullptr;
 }
@@ -388,7 +388,7 @@ XMLAttributeView XMLNode::getAttributeAt(int index) const {
     if (index < 0 || index >= attributeCount()) {
         return {};
     }
-    return {m_element->attributes[index].name, m_element->attributes[index].value};
+    return {m_element->attributes[index].name(), m_element->attributes[index].value()};
 }
 
 const char* XMLNode::getText(int index) const {

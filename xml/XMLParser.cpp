@@ -281,7 +281,7 @@ char* Parser<Utf8>::startTag(char* p) {
             return fail(kXmlInvalidTag, attribute);
         }
         m_position.end(attributeEnd);
-        addToRun({key, attribute, q + 1});
+        addToRun({attribute, q + 1, key});
         q = value(q + 1, quote);
         if (!q) {
             return nullptr;
@@ -351,7 +351,7 @@ bool Parser<Utf8>::isDouble(const char* name, size_t length, std::uint64_t key) 
         if (m_runCount == many) {
             m_seenNames.clear();
             for (size_t i = 0; i < many; ++i) {
-                m_seenNames.emplace(m_run[i].name);
+                m_seenNames.emplace(m_run[i].name());
             }
         }
         return !m_seenNames.emplace(name, length).second;
@@ -363,8 +363,8 @@ bool Parser<Utf8>::isDouble(const char* name, size_t length, std::uint64_t key) 
         return false;
     }
     for (size_t i = 0; i < m_runCount; ++i) {
-        const XMLAttribute& other = m_run[i];
-        if (other.key == key && std::strncmp(other.name, name, length) == 0 && other.name[length] == 0) {
+        const char* const other = m_run[i].name();
+        if (std::strncmp(other, name, length) == 0 && other[length] == 0) {
             return true;
         }
     }

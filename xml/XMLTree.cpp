@@ -134,12 +134,18 @@ const char* XMLDocument::ownName(const char* name, std::uint64_t key) {
     return shared.name;
 }
 
-const char* XMLDocument::copyValue(const char* text) {
-    if (const char* const end = plainAsciiEnd(text)) {
-        const auto size = static_cast<size_t>(end - text) + 1;
-        return static_cast<const char*>(std::memcpy(allocate(size), text, size));
+const char* XMLDocument::copyText(std::string_view front, const char* text) {
+    std::string allowed;
+    const char* end = plainAsciiEnd(text);
+    if (!end) {
+        allowed = allowedXmlText(text, charset);
+        text = allowed.c_str();
+        end = text + allowed.size();
     }
-    return copyString(allowedXmlText(text, charset).c_str());
+    const auto size = static_cast<size_t>(end - text) + 1;
+    auto* const own = static_cast<char*>(allocate(front.size() + size));
+    std::memcpy(own, front.data(), front.size());
+    return static_cast<const char*>(std::memcpy(own + front.size(), text, size));
 }
 
 char* XMLDocument::newText(size_t size) {
@@ -176,14 +182,15 @@ void XMLDocument::addAttribute(XMLElement* element, const char* name, const char
         element->attributes = run;
         element->grownRun = true;
     }
-    const std::uint64_t key = xmlNameKey(name, leads);
+    const std::string_view withEnd(name, std::strlen(name) + 1);
+    const char* const own = copyText(withEnd, value ? value : "");
     ::new (static_cast<void*>(element->attributes + count))
-        XMLAttribute{key, ownName(name, key), value ? copyValue(value) : nullptr};
+        XMLAttribute(own - withEnd.size(), own, xmlNameKey(name, leads), value != nullptr);
     ++element->attributeCount;
 }
 
 void XMLDocument::addText(XMLElement* element, const char* text) {
-    appendText(element, copyValue(text));
+    appendText(element, copyText("", text));
 }
 
 void XMLDocument::listTextAlone(XMLElement* element) {

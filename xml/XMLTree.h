@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 #include "xml/XMLCursors.h"
@@ -100,8 +101,8 @@ public:
     // The tree's own copy of a name, which has that key. Programs give the same few names again and again: they
     // share one.
     const char* ownName(const char* name, std::uint64_t key);
-    // The same as the tree may hold it, see allowedXmlText.
-    const char* copyValue(const char* text);
+    // The same of a text as the tree may hold it, see allowedXmlText; right behind a copy of `front`.
+    const char* copyText(std::string_view front, const char* text);
     // A buffer for the text to parse: `size` bytes and a zeroed padding behind. Owned by the document, which
     // has one.
     char* newText(size_t size);
@@ -152,7 +153,7 @@ private:
         const auto address = reinterpret_cast<std::uintptr_t>(element) & ~std::uintptr_t{kBlockSize - 1};
         return reinterpret_cast<const BlockHeader*>(address);
     }
-    static constexpr size_t kHeaderRoom = 64;
+    static constexpr size_t kHeaderRoom = 32;
     static constexpr size_t kElementsPerBlock = (kBlockSize - kHeaderRoom) / sizeof(XMLElement);
 
     void nextBlock();

@@ -119,12 +119,12 @@ private:
         for (std::uint32_t i = 0; i < element.attributeCount; ++i) {
             const XMLAttribute& attribute = element.attributes[i];
             m_out.put(' ');
-            m_out.putRaw(attribute.name);
+            m_out.putRaw(attribute.name());
             m_out.put("=\"");
-            if (encoding && encodingName.matches(attribute.key, attribute.name)) {
+            if (encoding && attribute.isNamed(encodingName)) {
                 m_out.put(std::string_view(encoding));
-            } else if (attribute.value) {
-                m_out.putValue(attribute.value);
+            } else if (const char* const value = attribute.value()) {
+                m_out.putValue(value);
             }
             m_out.put('"');
         }

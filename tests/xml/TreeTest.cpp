@@ -82,6 +82,12 @@ TEST(Tree, NamesAreFoundWithoutRegardToCase) {
     const XMLNode b = XMLNode::parseText("<b a_='1'/>", "b");
     EXPECT_EQ(b.getAttribute("A\x7F"), nullptr);
     EXPECT_TRUE(XMLNode::parseText("<\xC3\x84/>").getChild("\xC3\xA4").isEmpty());
+    // An attribute holds half a key of its name: of these both have the same.
+    const XMLNode c = XMLNode::parseText("<c aaaap = '1' iaaaq='2'/>", "c");
+    EXPECT_STREQ(c.getAttribute("IAAAQ"), "2");
+    EXPECT_STREQ(c.getAttribute("aaaap"), "1");
+    const XMLNode d = XMLNode::parseText("<d aaaap='1'/>", "d");
+    EXPECT_EQ(d.getAttribute("iaaaq"), nullptr);
 }
 
 TEST(Tree, IteratorsWalkOneNameOrAll) {
