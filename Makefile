@@ -30,6 +30,7 @@ demo: setup ## show the DLL at work in the stand-in editor; leaves pictures in b
 	@tools/demo/run.sh
 
 test: setup ## build and run every test: native, with sanitizers, on Windows, in windows
+	@tools/setup/setup.sh bench
 	@tools/check/test.sh
 
 bench: ## build and run the benchmarks, our figures beside others'

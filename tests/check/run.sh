@@ -103,6 +103,32 @@ expect "the native half alone" 0 "" "$checks/sources.sh" "$tree/build/l" "" "$tr
 echo >"$tree/fuzz/CMakeLists.txt"
 expect "a fuzz target that is not built" 1 "fuzz/FuzzX.cpp: not named" "$checks/sources.sh" "$tree/build/l" "" "$tree"
 
+# Benchmarks and fuzz targets, read with the flags of a build.
+tree=$scratch/compiles
+mkdir -p "$tree"/{bench/win,fuzz,build/l,build/w}
+commands() { # build, flags
+    printf '{\n  "command": "%s -o main.o -c %s",\n}\n' "${CXX:-c++} $2" "$tree/tools/cli/main.cpp" >"$tree/build/$1/compile_commands.json"
+}
+commands l '-Wall -Werror -DTEXT=\\\"a\\\"'
+commands w '-DWINDOWS=1'
+echo 'add_executable(bench_a A.cpp)' | tee "$tree/bench/CMakeLists.txt" >"$tree/bench/win/CMakeLists.txt"
+printf 'add_executable(fuzz_%s F.cpp)\ntarget_compile_definitions(fuzz_%s PRIVATE WHAT=%s)\n' x x 1 y y 2 >"$tree/fuzz/CMakeLists.txt"
+echo 'const char* text = TEXT;' >"$tree/bench/A.cpp"
+echo 'int what = 1 / WINDOWS;' >"$tree/bench/win/A.cpp"
+echo 'static_assert(WHAT > 0);' >"$tree/fuzz/F.cpp"
+expect "all compile" 0 "" "$checks/compiles.sh" "$tree/build/l" "$tree/build/w" "$tree"
+echo 'static_assert(WHAT != 2);' >"$tree/fuzz/F.cpp"
+expect "one of two targets" 123 "fuzz/F.cpp:1:" "$checks/compiles.sh" "$tree/build/l" "$tree/build/w" "$tree"
+echo >"$tree/fuzz/F.cpp"
+printf '[[nodiscard]] int answer();\nvoid ask() { answer(); }\n' >"$tree/bench/A.cpp"
+expect "an answer that nobody looks at" 123 "bench/A.cpp:2:" "$checks/compiles.sh" "$tree/build/l" "" "$tree"
+echo >"$tree/bench/A.cpp"
+echo 'int what = NOTHING;' >"$tree/bench/win/A.cpp"
+expect "the native half alone" 0 "" "$checks/compiles.sh" "$tree/build/l" "" "$tree"
+expect "a Windows benchmark" 123 "bench/win/A.cpp:1:" "$checks/compiles.sh" "$tree/build/l" "$tree/build/w" "$tree"
+echo '{}' >"$tree/build/w/compile_commands.json"
+expect "no flags" 1 "build/w: nothing tells" "$checks/compiles.sh" "$tree/build/l" "$tree/build/w" "$tree"
+
 # Line ends.
 tree=$scratch/lineends
 git init -q "$tree"

@@ -109,8 +109,10 @@ build linux-tsan && tsan=built
 if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
     echo "the Windows half is left out, because ZOKA_NO_WINE=1 is set"
     [ -z "$linux" ] || check sources $here/sources.sh build/linux
+    [ -z "$linux" ] || check compiles $here/compiles.sh build/linux
 elif build windows; then
     [ -z "$linux" ] || check sources $here/sources.sh build/linux build/windows
+    [ -z "$linux" ] || check compiles $here/compiles.sh build/linux build/windows
     check binaries $here/binaries.sh build/windows
     check guards $here/guards.sh build/windows
     # The prefix is made ahead of the tests, so that its time is not counted as theirs.
