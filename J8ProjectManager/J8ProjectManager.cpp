@@ -163,15 +163,15 @@ void CJ8ProjectManager::addTo(std::string& report, const zoka::ReportEntry& entr
     if (entry.severity == 0) {
         return;
     }
-    if (line.empty()) {
+    if (*entry.finding || line.empty()) {
         line = zoka::filledText(*entry.finding ? entry.finding : entry.log, arguments);
     }
     m_findings.push_back({entry.severity, m_source, place, zoka::onOneLine(line, "")});
 }
 
-void CJ8ProjectManager::log(const zoka::ReportEntry& entry, int sourceLine) {
+void CJ8ProjectManager::log(const zoka::ReportEntry& entry, Arguments arguments, int sourceLine) {
     if (!m_isStopped) {
-        zoka::writeReport(texts::kSource, m_report, entry, {}, sourceLine, m_lateLog);
+        zoka::writeReport(texts::kSource, m_report, entry, arguments, sourceLine, m_lateLog);
     }
 }
 
@@ -182,6 +182,10 @@ std::uint32_t CJ8ProjectManager::addSource(const std::string& path) {
 
 XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
                                     const zoka::ReportEntry& missing, const zoka::ReportEntry& bad) {
+    if (path.empty()) {  // what refers to it was told of
+        log(missing, {path});
+        return {};
+    }
     if (!zoka::isProjectFileThere(path)) {
         add(missing, {path}, m_referrer);
         return {};
@@ -429,7 +433,8 @@ void CJ8ProjectManager::loadPaths(const XMLNode& root) {
 }
 
 void CJ8ProjectManager::reportFile(const CJ8File& file, const texts::FileLines& lines) {
-    add(zoka::lineOf(lines, file.m_type), {file.m_path}, file.m_place);
+    // Which file is missing is told by the check, which knows what was edited since.
+    log(zoka::lineOf(lines, file.m_type), {file.m_path});
 }
 
 void CJ8ProjectManager::loadBehaviorFiles(const XMLNode& root) {
@@ -446,7 +451,7 @@ void CJ8ProjectManager::loadBehaviorFiles(const XMLNode& root) {
         if (LoadBehaviorXML(path)) {
             m_apBehaviorFiles.push_back(std::move(file));
         } else {
-            add(texts::kBehaviorProblem, {file.m_path, path}, node.place());
+            log(texts::kBehaviorProblem, {file.m_path, path});
             m_apLostBehaviorFiles.push_back(std::move(file));
         }
     }

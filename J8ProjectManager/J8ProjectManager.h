@@ -174,7 +174,7 @@ private:
     void addTo(std::string& report, const zoka::ReportEntry& entry, Arguments arguments, std::uint32_t place,
                int sourceLine = __builtin_LINE());
     // What follows from a finding that stands already.
-    void log(const zoka::ReportEntry& entry, int sourceLine = __builtin_LINE());
+    void log(const zoka::ReportEntry& entry, Arguments arguments = {}, int sourceLine = __builtin_LINE());
     std::uint32_t addSource(const std::string& path);
     // The root of a file that the model reads; the empty node, and one of the two reported, when there is none.
     XMLNode openFile(const std::string& path, const char* root, const zoka::ReportEntry& missing,

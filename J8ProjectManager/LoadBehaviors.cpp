@@ -67,7 +67,7 @@ void CJ8ProjectManager::loadComponentsOf(const XMLNode& root) {
     if (LoadCMPXML(path)) {
         m_loadedComponents.add(file, 0);
     } else {
-        add(texts::kCmpLoadError, {path}, node.place());
+        log(texts::kCmpLoadError, {path});
     }
 }
 
@@ -96,6 +96,7 @@ bool CJ8ProjectManager::LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& n
         const char* const skillName = child.getAttribute("name");
         const auto num = zoka::xmlInteger(child.getAttribute("num"));
         if (!skillName || !num) {
+            addTo(report, texts::kSkillPassedOver, {name}, child.place());
             continue;
         }
         zoka::J8Skill& skill = behavior.m_apSkillEdits.emplace_back();
@@ -120,6 +121,9 @@ bool CJ8ProjectManager::LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& n
         behavior.m_apCMPPlaces.push_back(child.place());
         // Only the first one counts.
         const XMLNode edit = child.firstChild("Edit");
+        if (const XMLNode second = edit.nextSibling("Edit"); !second.isEmpty()) {
+            addTo(report, texts::kEditPassedOver, {name, component}, second.place());
+        }
         const char* const editName = edit.getAttribute("name");
         const char* const value = edit.getAttribute("value");
         if (editName && value) {

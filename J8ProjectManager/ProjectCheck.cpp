@@ -5,10 +5,13 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "J8ProjectManager/PropertyFacts.h"
+#include "plugin/host/HostAbi.h"
 #include "util/Doors.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 #include "xml/XMLRead.h"
 
 namespace zoka {
@@ -32,6 +35,7 @@ public:
 
     std::vector<J8Finding> run() {
         checkSections();
+        checkBehaviorFiles();
         checkComponents();
         checkBehaviors();
         checkLevels();
@@ -52,11 +56,20 @@ private:
         find(kReportWarning, source, place, std::move(text));
     }
 
+    void tellMissing(const char* what, const CJ8File& file, int severity) {
+        if (!file.m_path.empty()) {
+            find(severity, 0, file.m_place,
+                 std::string(what) + ": there is no file \"" + file.m_path +
+                     "\", nor one below the project path or the data path");
+        }
+    }
+
     void checkSections() {
         for (int i = 0; i < kJ8Sections; ++i) {
             const CJ8File& file = m_project.m_sections[i];
             std::string path;
             if (!file.GetFilepath(path, m_project.m_roots)) {
+                tellMissing(sectionTag(static_cast<J8Section>(i)), file, kReportWarning);
                 continue;
             }
             XMLResults results;
@@ -68,6 +81,25 @@ private:
                          (results.outOfMemory ? outOfMemoryText(file.m_path)
                                               : std::string(XMLNode::errorText(results.code)) + " (line " +
                                                     std::to_string(results.line) + ")"));
+            }
+        }
+    }
+
+    // They were loaded with the path roots of then, which may have been edited since.
+    void checkBehaviorFiles() {
+        for (const CJ8File& file : m_project.m_apLostBehaviorFiles) {
+            if (file.m_type == CJ8File::kNotValid) {
+                tellMissing("Behavior", file, kReportError);
+            }
+        }
+        Seen<std::string> names;
+        for (const CJ8File& file : m_project.m_apBehaviorFiles) {
+            std::string path;
+            if (!file.GetFilepath(path, file.kindToWrite(), m_project.m_roots) || !isProjectFileThere(path)) {
+                find(kReportError, 0, file.m_place,
+                     "behaviors file \"" + file.m_path + "\" is not below the paths as they are now");
+            } else if (names.again(lowered(normalizePath(path)))) {
+                warn(0, file.m_place, "behaviors file \"" + file.m_path + "\" is named twice");
             }
         }
     }
@@ -127,6 +159,10 @@ private:
                 const std::string what = "skill " + std::to_string(skill.num) + " (" + skill.name + ")" + of;
                 if (numbers.again(skill.num)) {
                     warn(behavior.m_source, skill.place, what + " is there twice; the first one counts");
+                }
+                if (skill.num < 1 || skill.num > kEntitySkills) {
+                    warn(behavior.m_source, skill.place,
+                         what + ": entities have the skills 1 to " + std::to_string(kEntitySkills));
                 }
                 checkLimits(skill.constraints, behavior.m_source, skill.place, what);
                 if (!skill.value.empty()) {
@@ -239,12 +275,18 @@ private:
                 warn(0, skill.place, what + " is none of its parent \"" + entity.parent + "\"");
             }
         }
+        Seen<std::pair<std::string_view, std::string_view>> edits;
         for (const J8EntityComponent& component : entity.components) {
             if (!m_project.component(component.name)) {
                 warn(0, component.place,
                      "component \"" + component.name + "\"" + of + " is in no components file");
             }
             for (const J8Edit& edit : component.edits) {
+                if (edits.again({component.name, edit.name})) {
+                    warn(0, edit.place > 0 ? edit.place : component.place,
+                         "\"" + edit.name + "\" of component \"" + component.name + "\"" + of +
+                             " is there twice; the first one counts");
+                }
                 checkEdit(component.name, edit.name, edit.value, 0,
                           edit.place > 0 ? edit.place : component.place, of, true);
             }
@@ -252,9 +294,16 @@ private:
     }
 
     void checkUse() {
-        std::set<std::uint32_t> told;
+        // A file may be loaded twice, and its first behaviors are the ones that count.
+        std::set<std::string> told;
+        const auto sourceOf = [this](std::uint32_t source) { return lowered(m_project.sources()[source]); };
+        for (const std::uint32_t source : m_used) {
+            told.insert(sourceOf(source));
+        }
+        std::uint32_t last = 0;  // 0 is the project file
         for (const CJ8BehaviorData& behavior : m_project.m_apBehavior) {
-            if (!m_used.contains(behavior.m_source) && told.insert(behavior.m_source).second) {
+            if (std::exchange(last, behavior.m_source) != behavior.m_source &&
+                told.insert(sourceOf(behavior.m_source)).second) {
                 find(kNote, behavior.m_source, 0, "no entity of the project uses a behavior of this file");
             }
         }

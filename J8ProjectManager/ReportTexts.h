@@ -76,9 +76,11 @@ inline constexpr FileLines kUserInputFile{{"UserInput File: Invalid Path!\r\n", 
 // --- Components files. %1: the path.
 #define ZOKA_CMP "CJ8ProjectManager::LoadCMPXML(const std::string&)"
 inline constexpr ReportEntry kCmpMissing{"Bad Components: XML MISSING!\r\n", ZOKA_CMP,
-                                         "Bad Components: XML MISSING: %1", kReportError};
+                                         "Bad Components: XML MISSING: %1", kReportError,
+                                         "There is no components file \"%1\"."};
 inline constexpr ReportEntry kCmpOpenError{"Bad Components: XML Open Error!\r\n", ZOKA_CMP,
-                                           "Bad Components: XML OPEN ERROR: %1", kReportError};
+                                           "Bad Components: XML OPEN ERROR: %1", kReportError,
+                                           "The components file \"%1\" can't be read."};
 #undef ZOKA_CMP
 inline constexpr ReportEntry kCmpNoName{"Warning (LoadCMPXML) %1 :Component found without name.\r\n", "", "",
                                         kReportWarning};
@@ -111,9 +113,11 @@ inline constexpr ReportEntry kEnumNoValue{ZOKA_PROPERTY "found enum without valu
 // --- Behaviours files. %1: the path.
 #define ZOKA_BEHAVIOR "CJ8ProjectManager::LoadBehaviorXML(const std::string&)"
 inline constexpr ReportEntry kBehMissing{"LoadBehaviorXML: XML MISSING!\r\n", ZOKA_BEHAVIOR,
-                                         "LoadBehaviorXML: XML MISSING: %1", kReportError};
+                                         "LoadBehaviorXML: XML MISSING: %1", kReportError,
+                                         "There is no behaviors file \"%1\"."};
 inline constexpr ReportEntry kBehOpenError{"LoadBehaviorXML: XML Open Error!\r\n", ZOKA_BEHAVIOR,
-                                           "Behavior XML could not be openned.: %1", kReportError};
+                                           "Behavior XML could not be openned.: %1", kReportError,
+                                           "The behaviors file \"%1\" can't be read."};
 #undef ZOKA_BEHAVIOR
 inline constexpr ReportEntry kNoComponents{"No Component Data.\r\n\r\n"};
 // %1: the path text
@@ -143,6 +147,13 @@ inline constexpr ReportEntry kBehaviorNoDocs{"Warning (LoadBehavior) %1 :Behavio
 inline constexpr ReportEntry kEditNoValue{
     "Warning (LoadBehavior) %1 :Behavior Edit %2 found without value. Not added.\r\n", "", "",
     kReportWarning};
+// Told nowhere else: the loader passes over it without a word. %2: the component's name.
+inline constexpr ReportEntry kSkillPassedOver{
+    "", "", "", kReportWarning,
+    "a skill of behavior \"%1\" has no name or no whole number, and is passed over"};
+inline constexpr ReportEntry kEditPassedOver{
+    "", "", "", kReportWarning,
+    "component \"%2\" of behavior \"%1\" has more than one Edit; only the first one counts"};
 
 // --- Levels. The first line names the behaviours' loader.
 inline constexpr ReportEntry kLevelNoName{"Warning (LoadBehavior)  :Level found without name. Not added.\r\n",

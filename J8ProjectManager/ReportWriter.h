@@ -14,7 +14,7 @@ struct ReportEntry {
     const char* func = "";    // what the log names as the function
     const char* log = "";
     int severity = 0;  // 1 error, 2 warning, else a note
-    // What the list of problems says, where there is no report line and the log's text says too little.
+    // What the list of problems says where the report's line, or the log's text if there is none, says too little.
     const char* finding = "";
 };
 

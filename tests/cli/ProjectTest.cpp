@@ -8,6 +8,7 @@
 
 using nlohmann::json;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -53,6 +54,48 @@ TEST_F(Project, ChecksAndShows) {
     EXPECT_EQ(json::parse(folder.run("project show game.xml --json").out)["behaviors"][0]["skills"], 2);
 }
 
+// What loading drops without a word in its report, and which files are missing, also after an edit.
+TEST_F(Project, CheckTellsWhatDoesNotCount) {
+    std::filesystem::create_directory(folder.path("p"));
+    folder.write("p/own.xml",
+                 "<Behaviors>\n<Behavior name='g' class='c' group='x'><Doc>d</Doc>\n<Skill name='S' "
+                 "value='1'/>\n<Skill name='T' num='25'/>\n<Component name='k'><Edit name='e' "
+                 "value='1'/>\n<Edit name='f' value='2'/></Component></Behavior>\n</Behaviors>");
+    folder.write(
+        "game.xml",
+        "<Project name='n' date='1' vers='8'><Paths proj_file='p\\' j8_file=''/>\n<Behavior "
+        "proj_file='own.xml'/>"
+        "\n<Behavior proj_file='OWN.XML'/>\n<Behavior proj_file='gone.xml'/>\n<Camera proj_file='nocam.xml'/>"
+        "\n<Display/>\n<Level name='l' mapfile='b.xml'><Doc>d</Doc>\n<Entity name='e' parent='g'><Component "
+        "name='k'>\n<Edit name='e' value='1'/>\n<Edit name='e' value='2'/></Component></Entity></Level>\n"
+        "</Project>");
+    const std::string found = folder.run("project check game.xml").out;
+    for (const char* line :
+         {"p/own.xml:3:1: warning: a skill of behavior \"g\" has no name or no whole number, and is passed "
+          "over\n",
+          "p/own.xml:4:1: warning: skill 25 (T) of behavior \"g\": entities have the skills 1 to 20\n",
+          "p/own.xml:6:1: warning: component \"k\" of behavior \"g\" has more than one Edit; only the first "
+          "one "
+          "counts\n",
+          "game.xml:3:1: warning: behaviors file \"OWN.XML\" is named twice\n",
+          "game.xml:4:1: error: Behavior: there is no file \"gone.xml\", nor one below the project path or",
+          "game.xml:5:1: warning: Camera: there is no file \"nocam.xml\", nor one below",
+          "game.xml:6:1: error: This element names no file",
+          "game.xml:10:1: warning: \"e\" of component \"k\" of entity \"e\" is there twice; the first one "
+          "counts\n"}) {
+        EXPECT_THAT(found, HasSubstr(line));
+    }
+    EXPECT_THAT(found, Not(HasSubstr("no entity of the project uses")));
+    EXPECT_THAT(found, Not(HasSubstr("Invalid Path")));
+    EXPECT_THAT(found, Not(HasSubstr("MISSING")));
+    const ToolRun run = folder.run("project set -n game.xml paths/project=three section/UI=proj:noui.xml");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err,
+                HasSubstr("warning: behaviors file \"own.xml\" is not below the paths as they are now\n"));
+    EXPECT_THAT(run.err, HasSubstr("warning: UI: there is no file \"noui.xml\""));
+    EXPECT_THAT(run.err, Not(HasSubstr("nocam"))) << "that one was missing before";
+}
+
 TEST_F(Project, ListsAndGetsValues) {
     EXPECT_EQ(folder.run("project list game.xml level/harbour/entity/guard").out,
               "level/harbour/entity/guard/name = guard\nlevel/harbour/entity/guard/parent = g\n"
@@ -87,7 +130,7 @@ TEST_F(Project, SetsValuesAllOrNone) {
     EXPECT_EQ(folder.read("game.xml"), kProject);
     EXPECT_EQ(folder.run("project set game.xml " + guard + "2=3 -u " + guard + "1"), (ToolRun{0}));
     EXPECT_THAT(folder.read("game.xml"), HasSubstr("<Skill num=\"2\" value=\"3\"/>"));
-    EXPECT_THAT(folder.read("game.xml"), testing::Not(HasSubstr("num=\"1\"")));
+    EXPECT_THAT(folder.read("game.xml"), Not(HasSubstr("num=\"1\"")));
     EXPECT_EQ(folder.fileCount(), 3u) << "no logs are left behind";
 }
 

@@ -1,6 +1,7 @@
 // zoka project: J8 projects, without the dialog.
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -402,6 +403,18 @@ ExitStatus set(const ProjectOptions& options) {
         }
         change.field = *field;
     }
+    // Where a file is looked for elsewhere than before, what is missing then is news.
+    const bool movesFiles = std::ranges::any_of(changes, [](const Change& change) {
+        using Kind = ProjectField::Kind;
+        const Kind kind = change.field.kind;
+        return kind == Kind::ProjectRoot || kind == Kind::DataRoot || kind == Kind::Section ||
+               kind == Kind::LevelMap;
+    });
+    std::set<std::string> known;
+    for (const ProjectProblem& problem :
+         movesFiles ? open.session().problems() : std::vector<ProjectProblem>()) {
+        known.insert(problem.text);
+    }
     for (const auto& [address, value, field] : changes) {
         if (!value && !fieldValue(open.model(), field)) {
             complain(address + " has no value of its own");
@@ -422,6 +435,12 @@ ExitStatus set(const ProjectOptions& options) {
     for (const auto& [address, value, field] : changes) {
         if (const std::string taken = takenRefusal(open.model(), field, value.value_or("")); !taken.empty()) {
             complain("warning: " + address + ": " + taken);
+        }
+    }
+    for (const ProjectProblem& problem :
+         movesFiles ? open.session().problems() : std::vector<ProjectProblem>()) {
+        if (known.insert(problem.text).second) {
+            complain("warning: " + pathFromXml(problem.text));
         }
     }
     return open.finish(options.dryRun, false);
