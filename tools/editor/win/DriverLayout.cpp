@@ -170,7 +170,9 @@ std::string narrowPart(HWND control) {
             ask(control, TCM_GETITEMA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
             ask(control, TCM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&tab));
             const SIZE size = font.extent(text);
-            if (size.cx + 2 * kAir > tab.right - tab.left || size.cy + 2 > tab.bottom - tab.top) {
+            // On a screen of twice the resolution it takes twice the pixels to be seen.
+            const LONG air = font.height() / 3;
+            if (size.cx + 2 * air > tab.right - tab.left || size.cy + 2 > tab.bottom - tab.top) {
                 return std::string(" has no air around the tab \"") + text + '"';
             }
         }
@@ -214,7 +216,7 @@ char accessKey(HWND control) {
 }
 
 // What is wrong within a control: a text that is cut off or not in the middle of its field, a slider's thumb that is
-// small or isn't where the position is, spin buttons too narrow for their height; empty when all is well.
+// small, cut off or isn't where the position is, spin buttons too narrow for their height; empty when all is well.
 std::string partFault(HWND control) {
     RECT area;
     GetClientRect(control, &area);
@@ -257,6 +259,9 @@ std::string partFault(HWND control) {
         channel.left + (channel.right - channel.left) * (ask(control, TBM_GETPOS) - least) / range;
     if ((thumb.bottom - thumb.top) * 3 < area.bottom * 2) {
         return " has a small thumb";
+    }
+    if (thumb.top < 0 || thumb.bottom > area.bottom) {
+        return " has a thumb that is cut off";
     }
     const bool there =
         place >= thumb.left - (thumb.right - thumb.left) && place <= thumb.right + (thumb.right - thumb.left);
