@@ -14,10 +14,10 @@ bool hasOneProcessor() {
 
 }  // namespace
 
-BackgroundLoad::BackgroundLoad(std::string projectFile, CJ8ProjectManager& before)
+BackgroundLoad::BackgroundLoad(std::string projectFile, CJ8ProjectManager& before, bool givesWay)
     : m_projectFile(std::move(projectFile)),
       m_done(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-      m_mayResume(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
+      m_mayResume(CreateEventA(nullptr, TRUE, !givesWay || !hasOneProcessor(), nullptr)) {
     m_before = std::move(before);
     before.Clear();
     if (m_done && m_mayResume) {
@@ -46,12 +46,6 @@ bool BackgroundLoad::isDone(DWORD milliseconds) const {
     return !m_thread || WaitForSingleObject(m_done, milliseconds) == WAIT_OBJECT_0;
 }
 
-void BackgroundLoad::giveWay() {
-    if (m_thread && hasOneProcessor()) {
-        ResetEvent(m_mayResume);
-    }
-}
-
 void BackgroundLoad::resume(HWND window, UINT message) {
     const std::lock_guard lock(m_lock);
     m_window = window;
@@ -78,12 +72,12 @@ DWORD WINAPI BackgroundLoad::threadMain(void* self) noexcept {
     return 0;
 }
 
-void BackgroundLoad::work(bool givesWay) noexcept {
+void BackgroundLoad::work(bool waits) noexcept {
     try {
-        m_loaded = ProjectSession::read(m_projectFile, [&](size_t, size_t) {
-            if (givesWay) {
-                WaitForSingleObject(m_mayResume, INFINITE);
-            }
+        if (waits) {
+            WaitForSingleObject(m_mayResume, INFINITE);
+        }
+        m_loaded = ProjectSession::read(m_projectFile, [this](size_t, size_t) {
             const std::lock_guard lock(m_lock);
             return !m_stops;
         });

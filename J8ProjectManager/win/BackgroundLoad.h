@@ -14,9 +14,10 @@ namespace zoka {
 // Made and used by one thread.
 class BackgroundLoad {
 public:
-    // Begins to load. What `before` held is freed afterwards on the same thread: of a large project that takes its
-    // time, too. Where no thread can be had, all is done here.
-    BackgroundLoad(std::string projectFile, CJ8ProjectManager& before);
+    // Begins to load, or with `givesWay`, where there is one processor only, waits for resume with that: the window is
+    // made first. What `before` held is freed afterwards on the same thread: of a large project that takes its time,
+    // too. Where no thread can be had, all is done here.
+    BackgroundLoad(std::string projectFile, CJ8ProjectManager& before, bool givesWay);
     // Waits for the thread, which stops soon.
     ~BackgroundLoad();
     BackgroundLoad(const BackgroundLoad&) = delete;
@@ -24,8 +25,6 @@ public:
 
     // Whether it is done within that time.
     bool isDone(DWORD milliseconds) const;
-    // Where there is one processor only, the thread leaves it to this one until resume.
-    void giveWay();
     // The window gets the message once it is done, which may be at once. A null window stops the load.
     void resume(HWND window, UINT message = 0);
     // What was loaded, once; waits for it. Throws what loading has thrown.
@@ -33,7 +32,7 @@ public:
 
 private:
     static DWORD WINAPI threadMain(void* self) noexcept;
-    void work(bool givesWay) noexcept;
+    void work(bool waits) noexcept;
 
     const std::string m_projectFile;
     // The thread's until it is done.

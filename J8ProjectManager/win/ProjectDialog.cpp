@@ -106,11 +106,10 @@ private:
 };
 
 void ProjectDialog::run(const std::string& projectFile) {
-    m_load.emplace(projectFile, m_model);
     const auto file = osFiles().search(projectFile);
-    if (!m_load->isDone(file && file->size < kSmall ? kSmallLoadsAtOnce : 0)) {
-        m_load->giveWay();
-    } else if (!takeLoaded()) {
+    const bool isSmall = file && file->size < kSmall;
+    m_load.emplace(projectFile, m_model, !isSmall);
+    if (m_load->isDone(isSmall ? kSmallLoadsAtOnce : 0) && !takeLoaded()) {
         return;
     }
     runModal();

@@ -15,7 +15,7 @@ TEST_F(BackgroundLoadTest, IsDoneWhereItsMessageReachesNobody) {
     ASSERT_FALSE(PostMessageA(none, WM_APP, 0, 0));
     for (const bool early : {true, false}) {
         CJ8ProjectManager before;
-        zoka::BackgroundLoad load(path, before);
+        zoka::BackgroundLoad load(path, before, early);
         if (!early) {
             ASSERT_TRUE(load.isDone(INFINITE));
         }
