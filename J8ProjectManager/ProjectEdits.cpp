@@ -10,7 +10,7 @@
 namespace zoka {
 namespace {
 
-using Kind = ProjectChange::Kind;
+using ChangeKind = ProjectChange::Kind;
 
 template <class List, class Record>
 void insertAt(List& list, size_t place, const Record& record) {
@@ -38,32 +38,32 @@ bool make(CJ8ProjectManager& project, const ProjectChange& change, bool forward)
     std::vector<CJ8LevelData>& levels = project.m_apLevels;
     const size_t level = change.field.level, entity = change.field.entity;
     switch (change.kind) {
-        case Kind::Value:
+        case ChangeKind::Value:
             if (change.entityBefore) {
                 levels[level].m_entities[entity] = forward ? *change.entityAfter : *change.entityBefore;
                 return true;
             }
             return setFieldValue(project, change.field, forward ? change.after : change.before);
-        case Kind::LevelAdded:
-        case Kind::LevelRemoved:
-            if ((change.kind == Kind::LevelAdded) == forward) {
+        case ChangeKind::LevelAdded:
+        case ChangeKind::LevelRemoved:
+            if ((change.kind == ChangeKind::LevelAdded) == forward) {
                 insertAt(levels, level, *change.level);
             } else {
                 removeAt(levels, level);
             }
             return true;
-        case Kind::LevelMoved:
+        case ChangeKind::LevelMoved:
             move(levels, forward ? level : change.to, forward ? change.to : level);
             return true;
-        case Kind::EntityAdded:
-        case Kind::EntityRemoved:
-            if ((change.kind == Kind::EntityAdded) == forward) {
+        case ChangeKind::EntityAdded:
+        case ChangeKind::EntityRemoved:
+            if ((change.kind == ChangeKind::EntityAdded) == forward) {
                 insertAt(levels[level].m_entities, entity, *change.entityAfter);
             } else {
                 removeAt(levels[level].m_entities, entity);
             }
             return true;
-        case Kind::EntityMoved:
+        case ChangeKind::EntityMoved:
             move(levels[level].m_entities, forward ? entity : change.to, forward ? change.to : entity);
             return true;
     }
@@ -78,12 +78,12 @@ size_t within(size_t place, size_t size) {
 // The change as it must be made in the project as it is now; nothing when it has no place there.
 std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const ProjectChange& change) {
     ProjectChange placed = change;
-    if (change.kind == Kind::Value) {
+    if (change.kind == ChangeKind::Value) {
         const auto field = fieldAt(project, change.address);
         return field ? std::optional(valueChange(project, *field, change.after)) : std::nullopt;
     }
     const std::vector<CJ8LevelData>& levels = project.m_apLevels;
-    if (change.kind == Kind::LevelAdded) {
+    if (change.kind == ChangeKind::LevelAdded) {
         placed.field.level = within(change.field.level, levels.size());
         return placed;
     }
@@ -92,16 +92,16 @@ std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const 
         return std::nullopt;
     }
     placed.field.level = *level;
-    if (change.kind == Kind::LevelRemoved) {
+    if (change.kind == ChangeKind::LevelRemoved) {
         placed.level = std::make_shared<const CJ8LevelData>(levels[*level]);
         return placed;
     }
-    if (change.kind == Kind::LevelMoved) {
+    if (change.kind == ChangeKind::LevelMoved) {
         placed.to = within(change.to, levels.size() - 1);
         return placed;
     }
     const std::vector<J8LevelEntity>& entities = levels[*level].m_entities;
-    if (change.kind == Kind::EntityAdded) {
+    if (change.kind == ChangeKind::EntityAdded) {
         placed.field.entity = within(change.field.entity, entities.size());
         return placed;
     }
@@ -110,7 +110,7 @@ std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const 
         return std::nullopt;
     }
     placed.field.entity = entity->entity;
-    if (change.kind == Kind::EntityRemoved) {
+    if (change.kind == ChangeKind::EntityRemoved) {
         placed.entityAfter = std::make_shared<const J8LevelEntity>(entities[entity->entity]);
     } else {
         placed.to = within(change.to, entities.size() - 1);
@@ -119,7 +119,7 @@ std::optional<ProjectChange> placedAnew(const CJ8ProjectManager& project, const 
 }
 
 bool areOfOneField(const ProjectChange& one, const ProjectChange& other) {
-    return one.kind == Kind::Value && other.kind == Kind::Value && one.address == other.address;
+    return one.kind == ChangeKind::Value && other.kind == ChangeKind::Value && one.address == other.address;
 }
 
 // "level/harbour/doc = by the sea", for the user.
@@ -129,17 +129,17 @@ std::string valueLine(const ProjectChange& change, const std::optional<std::stri
 
 std::string lineOf(const ProjectChange& change) {
     switch (change.kind) {
-        case Kind::Value:
+        case ChangeKind::Value:
             return valueLine(change, change.after ? std::optional(shortText(*change.after)) : std::nullopt);
-        case Kind::LevelAdded:
+        case ChangeKind::LevelAdded:
             return change.address + " added";
-        case Kind::EntityAdded:
+        case ChangeKind::EntityAdded:
             return change.address + ": entity \"" + shortText(change.entityAfter->name) + "\" added";
-        case Kind::LevelRemoved:
-        case Kind::EntityRemoved:
+        case ChangeKind::LevelRemoved:
+        case ChangeKind::EntityRemoved:
             return change.address + " removed";
-        case Kind::LevelMoved:
-        case Kind::EntityMoved:
+        case ChangeKind::LevelMoved:
+        case ChangeKind::EntityMoved:
             return change.address + " moved";
     }
     return change.address;
@@ -161,13 +161,13 @@ bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
     for (size_t i = 0; i < step.size(); ++i) {
         ProjectChange& change = step[i];
         bool made = false;
-        if (change.kind == Kind::Value && isOfEntity(change.field)) {
+        if (change.kind == ChangeKind::Value && isOfEntity(change.field)) {
             const J8LevelEntity& entity =
                 project.m_apLevels[change.field.level].m_entities[change.field.entity];
             change.entityBefore = std::make_shared<const J8LevelEntity>(entity);
             made = setFieldValue(project, change.field, change.after);
             change.entityAfter = std::make_shared<const J8LevelEntity>(entity);
-        } else if (change.kind == Kind::Value) {
+        } else if (change.kind == ChangeKind::Value) {
             // Looked for at every key, a path in a network would hold the window up.
             made = setFieldValue(project, change.field, change.after, !joining);
         } else {
@@ -187,7 +187,7 @@ bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
         m_saved = -1;
     }
     m_steps.resize(m_done);
-    const bool single = step.size() == 1 && step[0].kind == Kind::Value;
+    const bool single = step.size() == 1 && step[0].kind == ChangeKind::Value;
     if (m_grouping && m_grouped) {
         std::ranges::move(step, std::back_inserter(m_steps.back()));
         m_joinable = false;
@@ -256,16 +256,16 @@ std::optional<std::string> ProjectEdits::savedValue(const CJ8ProjectManager& pro
         const size_t from = forward ? change.field.level : change.to;
         const size_t to = forward ? change.to : change.field.level;
         switch (change.kind) {
-            case Kind::Value:
+            case ChangeKind::Value:
                 if (change.field == field) {
                     value = (forward ? change.after : change.before).value_or("");
                 }
                 return true;
-            case Kind::LevelAdded:
+            case ChangeKind::LevelAdded:
                 return follow(field.level, change.field.level, forward, !forward);
-            case Kind::LevelRemoved:
+            case ChangeKind::LevelRemoved:
                 return follow(field.level, change.field.level, !forward, forward);
-            case Kind::LevelMoved:
+            case ChangeKind::LevelMoved:
                 moved(field.level, from, to);
                 return true;
             default:
@@ -274,12 +274,12 @@ std::optional<std::string> ProjectEdits::savedValue(const CJ8ProjectManager& pro
         if (!isEntity || change.field.level != field.level) {
             return true;
         }
-        if (change.kind == Kind::EntityMoved) {
+        if (change.kind == ChangeKind::EntityMoved) {
             moved(field.entity, forward ? change.field.entity : change.to,
                   forward ? change.to : change.field.entity);
             return true;
         }
-        const bool appears = (change.kind == Kind::EntityAdded) == forward;
+        const bool appears = (change.kind == ChangeKind::EntityAdded) == forward;
         return follow(field.entity, change.field.entity, appears, !appears);
     };
     for (size_t i = m_done; i != saved; forward ? ++i : --i) {
@@ -312,7 +312,7 @@ std::vector<std::string> ProjectEdits::unsavedLines() const {
         lines.push_back("changes that had been saved were taken back");
     }
     for (const ProjectChange* const change : changes) {
-        const bool isValue = change->kind == Kind::Value;
+        const bool isValue = change->kind == ChangeKind::Value;
         const std::string line = isValue ? valueLine(*change, forward ? change->after : change->before)
                                          : lineOf(*change) + (forward ? "" : ", taken back");
         lines.push_back(onOneLine(line, "\\n"));

@@ -15,7 +15,7 @@
 namespace zoka {
 namespace {
 
-using Kind = ProjectChange::Kind;
+using ChangeKind = ProjectChange::Kind;
 
 constexpr const char* kStopped = "Loading was stopped.";
 
@@ -311,7 +311,7 @@ void ProjectSession::addLevel(size_t place, const std::string& name) {
     CJ8LevelData level;
     level.m_name = freeLevelName(m_model, name);
     ProjectChange change;
-    change.kind = Kind::LevelAdded;
+    change.kind = ChangeKind::LevelAdded;
     change.field.level = std::min(place, m_model.m_apLevels.size());
     change.address = "level/" + level.m_name;
     change.level = std::make_shared<const CJ8LevelData>(std::move(level));
@@ -324,7 +324,7 @@ void ProjectSession::duplicateLevel(size_t level) {
     copy.m_place = 0;
     std::ranges::for_each(copy.m_entities, forgetPlaces);
     ProjectChange change;
-    change.kind = Kind::LevelAdded;
+    change.kind = ChangeKind::LevelAdded;
     change.field.level = level + 1;
     change.address = "level/" + copy.m_name;
     change.level = std::make_shared<const CJ8LevelData>(std::move(copy));
@@ -333,7 +333,7 @@ void ProjectSession::duplicateLevel(size_t level) {
 
 void ProjectSession::removeLevel(size_t level) {
     ProjectChange change;
-    change.kind = Kind::LevelRemoved;
+    change.kind = ChangeKind::LevelRemoved;
     change.field.level = level;
     change.address = addressOfLevel(m_model, level);
     change.level = std::make_shared<const CJ8LevelData>(m_model.m_apLevels[level]);
@@ -342,7 +342,7 @@ void ProjectSession::removeLevel(size_t level) {
 
 void ProjectSession::moveLevel(size_t from, size_t to) {
     ProjectChange change;
-    change.kind = Kind::LevelMoved;
+    change.kind = ChangeKind::LevelMoved;
     change.field.level = from;
     change.to = std::min(to, m_model.m_apLevels.size() - 1);
     change.address = addressOfLevel(m_model, from);
@@ -358,7 +358,7 @@ void ProjectSession::addEntity(size_t level, size_t place, const std::string& na
     entity.name = freeEntityName(owner, name);
     entity.parent = parent;
     ProjectChange change;
-    change.kind = Kind::EntityAdded;
+    change.kind = ChangeKind::EntityAdded;
     change.field.level = level;
     change.field.entity = std::min(place, owner.m_entities.size());
     change.address = addressOfLevel(m_model, level);
@@ -372,7 +372,7 @@ void ProjectSession::duplicateEntity(size_t level, size_t entity) {
     copy.name = freeEntityName(owner, copy.name);
     forgetPlaces(copy);
     ProjectChange change;
-    change.kind = Kind::EntityAdded;
+    change.kind = ChangeKind::EntityAdded;
     change.field.level = level;
     change.field.entity = entity + 1;
     change.address = addressOfLevel(m_model, level);
@@ -382,7 +382,7 @@ void ProjectSession::duplicateEntity(size_t level, size_t entity) {
 
 void ProjectSession::removeEntity(size_t level, size_t entity) {
     ProjectChange change;
-    change.kind = Kind::EntityRemoved;
+    change.kind = ChangeKind::EntityRemoved;
     change.field.level = level;
     change.field.entity = entity;
     change.address = addressOfEntity(m_model, level, entity);
@@ -395,7 +395,7 @@ bool ProjectSession::moveEntity(size_t level, size_t from, size_t to) {
         return false;
     }
     ProjectChange change;
-    change.kind = Kind::EntityMoved;
+    change.kind = ChangeKind::EntityMoved;
     change.field.level = level;
     change.field.entity = from;
     change.to = std::min(to, m_model.m_apLevels[level].m_entities.size() - 1);

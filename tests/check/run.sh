@@ -60,6 +60,17 @@ expect "a guarded frame" 0 "" "$checks/guards.sh" "$tree/build" "$tree"
 c++ -fno-stack-protector -c "$tree/util/A.cpp" -o "$object"
 expect "an open frame" 1 "util/A.cpp: its stack frames are not guarded" "$checks/guards.sh" "$tree/build" "$tree"
 
+rm -r "$tree/build"
+unity=$tree/build/CMakeFiles/zoka_util.dir/Unity
+mkdir -p "$unity"
+printf '#include "%s"\n' "$tree/util/A.cpp" >"$unity/unity_0.cxx"
+expect "no object of several sources" 1 "util/A.cpp: has no object in $tree/build" "$checks/guards.sh" "$tree/build" "$tree"
+c++ -fstack-protector-strong -c "$unity/unity_0.cxx" -o "$unity/unity_0.cxx.o"
+expect "a guarded frame among several sources" 0 "" "$checks/guards.sh" "$tree/build" "$tree"
+c++ -fno-stack-protector -c "$unity/unity_0.cxx" -o "$unity/unity_0.cxx.o"
+expect "an open frame among several sources" 1 "util/A.cpp: its stack frames are not guarded" \
+    "$checks/guards.sh" "$tree/build" "$tree"
+
 # Doors: a function that the system calls, text of the finding ("" for none).
 tree=$scratch/doors
 mkdir -p "$tree/ui/win"
@@ -100,6 +111,10 @@ commands w util/A.cpp util/win/B.cpp
 expect "a test on one system only" 1 "tests/lex/C.cpp: in no target of the Windows build" \
     "$checks/sources.sh" "$tree/build/l" "$tree/build/w" "$tree"
 expect "the native half alone" 0 "" "$checks/sources.sh" "$tree/build/l" "" "$tree"
+mkdir "$tree/build/w/Unity"
+printf '#include "%s"\n' "$tree/tests/lex/C.cpp" "$tree/util/A.cpp" >"$tree/build/w/Unity/unity_0.cxx"
+commands w build/w/Unity/unity_0.cxx util/win/B.cpp
+expect "several compiled at once" 0 "" "$checks/sources.sh" "$tree/build/l" "$tree/build/w" "$tree"
 echo >"$tree/fuzz/CMakeLists.txt"
 expect "a fuzz target that is not built" 1 "fuzz/FuzzX.cpp: not named" "$checks/sources.sh" "$tree/build/l" "" "$tree"
 

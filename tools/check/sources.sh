@@ -14,8 +14,15 @@ finding() {
     findings=1
 }
 
-compiled() { # build folder: the sources it compiles, named from the root
-    sed -nE 's/^ *"file": "(.*)",?$/\1/p' "$1/compile_commands.json" | sed -n "s|^$root/||p" | sort -u
+# The sources that a build folder compiles, named from the root: by themselves, or several in one of the build's own.
+compiled() { # build folder
+    local file
+    sed -nE 's/^ *"file": "(.*)",?$/\1/p' "$1/compile_commands.json" | while IFS= read -r file; do
+        case $file in
+        */Unity/*) sed -nE 's/^#include "(.*)"$/\1/p' "$file" ;;
+        *) echo "$file" ;;
+        esac
+    done | sed -n "s|^$root/||p" | sort -u
 }
 in_linux=$(compiled "$linux")
 in_windows=

@@ -7,16 +7,16 @@ namespace zoka {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kWordBreaks = " \t\r";
 
 // The words of one line, quotes taken off. A text in `fault` tells what is wrong.
 std::vector<std::string> splitWords(std::string_view line, std::string& fault) {
     std::vector<std::string> words;
     size_t at = 0;
-    while ((at = line.find_first_not_of(kBlanks, at)) != std::string_view::npos) {
+    while ((at = line.find_first_not_of(kWordBreaks, at)) != std::string_view::npos) {
         std::string word;
         if (line[at] != '"') {
-            const size_t end = std::min(line.find_first_of(kBlanks, at), line.size());
+            const size_t end = std::min(line.find_first_of(kWordBreaks, at), line.size());
             word = line.substr(at, end - at);
             at = end;
             if (words.empty() && word[0] == '#') {

@@ -7,7 +7,7 @@
 namespace zoka {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kFieldBreaks = " \t\r";
 
 struct Word {
     size_t start, length;
@@ -17,8 +17,8 @@ struct Word {
 std::vector<Word> wordsOf(std::string_view text, size_t start, size_t end) {
     std::vector<Word> words;
     const std::string_view line = text.substr(0, end);
-    for (size_t at = start; (at = line.find_first_not_of(kBlanks, at)) < end;) {
-        const size_t last = std::min(line.find_first_of(kBlanks, at), end);
+    for (size_t at = start; (at = line.find_first_not_of(kFieldBreaks, at)) < end;) {
+        const size_t last = std::min(line.find_first_of(kFieldBreaks, at), end);
         words.push_back({at, last - at});
         at = last;
     }
