@@ -452,11 +452,8 @@ bool LevelsPage::takesKey(const MSG& message) {
 }
 
 bool LevelsPage::givenUp() {
-    if (GetFocus() == m_search && !textOf(m_search).empty()) {
-        SetWindowTextA(m_search, "");
-        return true;
-    }
-    return m_view.escape();
+    // The search that has the keyboard goes first.
+    return (GetFocus() == m_search && clearSearch(m_search)) || m_view.escape() || clearSearch(m_search);
 }
 
 void LevelsPage::select(const ProjectTarget& target) {

@@ -164,11 +164,7 @@ void SearchPage::copy(const std::string& text) {
 }
 
 bool SearchPage::givenUp() {
-    if (textOf(m_search).empty()) {
-        return false;
-    }
-    SetWindowTextA(m_search, "");
-    return true;
+    return clearSearch(m_search);
 }
 
 bool SearchPage::takesKey(const MSG& message) {

@@ -17,6 +17,7 @@ public:
     void refresh() override;
     void mainAction() override;
     HWND firstField() const override { return m_search; }
+    bool givenUp() override { return clearSearch(m_search); }
     void command(int id, int code) override;
 
 protected:

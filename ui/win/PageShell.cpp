@@ -27,6 +27,14 @@ void Page::settleSoon() {
     }
 }
 
+bool Page::clearSearch(HWND field) {
+    const bool isSearching = GetWindowTextLengthA(field) > 0;
+    if (isSearching) {
+        SetWindowTextA(field, "");
+    }
+    return isSearching;
+}
+
 LRESULT Page::answerList(RowList& list, NMHDR& header, bool acts) {
     if (list.userMayHaveSelected(header)) {
         settleSoon();

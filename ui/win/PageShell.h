@@ -52,6 +52,8 @@ protected:
     // The answer to what a list of the page's told, whose selection the rest of the page shows: another one is settled,
     // and a double click does what Enter does, where it `acts`.
     LRESULT answerList(RowList& list, NMHDR& header, bool acts = true);
+    // What Esc does in a page with a search: empties its field; false when nothing stands in it.
+    static bool clearSearch(HWND field);
     // Of owner-drawn lists.
     virtual void measure(MEASUREITEMSTRUCT&) {}
     virtual void draw(const DRAWITEMSTRUCT&) {}
