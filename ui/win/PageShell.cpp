@@ -152,8 +152,7 @@ bool PageShell::takesKey(const MSG& message) {
         if (step != 0) {
             const bool onTabs = GetFocus() == m_tabs;
             const int count = static_cast<int>(m_titles.size());
-            goToPage((m_current + step + count) % count);
-            if (onTabs) {
+            if (goToPage((m_current + step + count) % count) && onTabs) {
                 SetFocus(m_tabs);
             }
             return true;
@@ -162,13 +161,15 @@ bool PageShell::takesKey(const MSG& message) {
     return page() && page()->takesKey(message);
 }
 
-void PageShell::goToPage(int index) {
+bool PageShell::goToPage(int index) {
     if (index != m_current) {
         showPage(index);
     }
-    if (page()) {
-        SetFocus(page()->firstField());
+    if (index != m_current || !page()) {
+        return false;
     }
+    SetFocus(page()->firstField());
+    return true;
 }
 
 void PageShell::showPage(int index) {

@@ -88,8 +88,8 @@ public:
 
     // About the current page: it goes when another one is shown.
     void setStatus(const std::string& text);
-    // Shows the page and gives it the keyboard.
-    void goToPage(int index);
+    // Shows the page and gives it the keyboard; false when the one before keeps both, with a text that was refused.
+    bool goToPage(int index);
     // All pages show what is older than the present state; the current one is brought up to date at once.
     void refreshPages();
     // The current page shows the present state already.
