@@ -159,7 +159,7 @@ ComponentsPage::ComponentsPage(ProjectFrame& frame)
 void ComponentsPage::createControls() {
     SearchPage::createControls();
     m_about = makeReadOnlyText(window(), kAbout, fonts().text());
-    m_view.create(window(), fonts(), kProperties);
+    m_view.create(window(), fonts(), kProperties, false);
 }
 
 void ComponentsPage::layout(Area page) {

@@ -82,8 +82,7 @@ const EntryModel& EntryWindow::model() const {
     return m_panel.rows().row(m_row);
 }
 
-bool EntryWindow::isEdit() const {
-    const EntryField field = facts().field;
+bool EntryWindow::isTyped(EntryField field) {
     return isNumber(field) || field == EntryField::StringField || field == EntryField::FileField ||
            field == EntryField::ColourField;
 }
@@ -311,7 +310,7 @@ void EntryWindow::showValue() {
     const bool blocked = !model().blocked().empty(), readOnly = !model().readOnly().empty();
     for (const HWND control : {m_field, m_track, m_spin, m_browse}) {
         if (control) {
-            enable(control, !blocked && (!readOnly || control == m_field));
+            enable(control, !blocked && (!readOnly || (control == m_field && isEdit())));
         }
     }
     if (isEdit() && readOnly != m_isReadOnly) {

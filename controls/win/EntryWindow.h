@@ -33,6 +33,8 @@ public:
     size_t row() const { return m_row; }
     // The control that takes the keyboard; null for rows without one.
     HWND field() const { return m_field; }
+    // Whether such a row's value is typed; of one that can't be changed it can still be read and copied.
+    static bool isTyped(EntryField field);
     // In pixels of the panel's view; `after` is the window in front of it, and before it in the order of Tab.
     void setPlace(HWND after, const PanelRect& place, int labelWidth);
     int y() const { return m_place.y; }
@@ -89,7 +91,7 @@ private:
     const EntryModel& model() const;
     const EntryFacts& facts() const { return model().facts(); }
     bool isMultiLine() const { return facts().field == EntryField::StringField && facts().lines > 1; }
-    bool isEdit() const;
+    bool isEdit() const { return isTyped(facts().field); }
 
     EntryPanel& m_panel;
     size_t m_row;

@@ -84,7 +84,7 @@ void RowsView::join(HWND control) {
     addProcedure(control, controlProc, reinterpret_cast<DWORD_PTR>(this));
 }
 
-void RowsView::create(HWND parent, const WindowFonts& fonts, int firstId) {
+void RowsView::create(HWND parent, const WindowFonts& fonts, int firstId, bool canChange) {
     m_parent = parent;
     m_fonts = &fonts;
     m_firstId = firstId;
@@ -93,8 +93,10 @@ void RowsView::create(HWND parent, const WindowFonts& fonts, int firstId) {
     m_search = makeField(parent, firstId + kSearch, fonts);
     join(m_search);
     SendMessageA(m_search, EM_LIMITTEXT, 200, 0);
-    join(makeControl(parent, "BUTTON", "Changed &only", BS_AUTOCHECKBOX | WS_TABSTOP, 0,
-                     firstId + kChangedOnly, font));
+    if (canChange) {
+        join(makeControl(parent, "BUTTON", "Changed &only", BS_AUTOCHECKBOX | WS_TABSTOP, 0,
+                         firstId + kChangedOnly, font));
+    }
     m_panel.create(parent, firstId + kRows, fonts);
     m_help = makeReadOnlyText(parent, firstId + kHelpBox, font);
     join(m_help);
@@ -111,13 +113,16 @@ void RowsView::place(const PanelRect& area) {
     const int gapX = f.x(kGapUnits), gapY = f.y(kGapUnits);
     const int field = f.y(kFieldHeightUnits), labelHeight = f.lineHeight() + 1;
     const int label = f.labelWidth("Search:") + gapX;
-    const int check = f.labelWidth("Changed only (20000)") + f.x(14);
+    const HWND changedOnly = item(kChangedOnly);
+    const int check = changedOnly ? f.labelWidth("Changed only (20000)") + f.x(14) : -gapX;
     const auto to = [](HWND control, int x, int y, int width, int height) {
         zoka::place(control, x, y, std::max(width, 0), std::max(height, 0));
     };
     to(item(kSearchLabel), area.x, area.y + (field - labelHeight) / 2, label, labelHeight);
     to(m_search, area.x + label, area.y, area.width - label - check - gapX, field);
-    to(item(kChangedOnly), area.x + area.width - check, area.y, check, field);
+    if (changedOnly) {
+        to(changedOnly, area.x + area.width - check, area.y, check, field);
+    }
     const int help = kHelpLines * f.lineHeight() + f.px(8);
     const int top = area.y + field + gapY, bottom = area.y + area.height - help;
     to(m_help, area.x, bottom, area.width, help);
@@ -230,6 +235,9 @@ void RowsView::valuesChanged() {
 }
 
 void RowsView::showCount() {
+    if (!item(kChangedOnly)) {
+        return;
+    }
     const size_t changed = m_rows.changedCount();
     setText(item(kChangedOnly),
             changed > 0 ? "Changed &only (" + std::to_string(changed) + ")" : "Changed &only");

@@ -49,8 +49,8 @@ public:
     // How many controls it numbers.
     static constexpr int kControls = 5;
     // Makes the controls, without sizes, in the order of Tab, numbered from `firstId` on. It becomes the rows'
-    // listener. `fonts` outlive the window.
-    void create(HWND parent, const WindowFonts& fonts, int firstId);
+    // listener. `fonts` outlive the window. Rows that are only to be looked at need no "Changed only".
+    void create(HWND parent, const WindowFonts& fonts, int firstId, bool canChange = true);
     // `area` in pixels of the parent.
     void place(const PanelRect& area);
     // In dialog units.
