@@ -159,8 +159,8 @@ CreationPlan planCreation(const XMLNode& wizard, const std::string& levelMap) {
 std::string lengthRefusal(const std::string& path) {
     return path.size() <= kLongestPath
                ? std::string()
-               : "The path \"" + path + "\" has " + std::to_string(path.size()) +
-                     " characters; the system takes " + std::to_string(kLongestPath) + ".";
+               : "The path has " + std::to_string(path.size()) + " characters; the system takes " +
+                     std::to_string(kLongestPath) + ": \"" + path + "\".";
 }
 
 std::string mapRefusal(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ui/win/ProgressWindow.h"
+#include "ui/win/StatusLine.h"
 
 using namespace zoka;
 
@@ -108,7 +109,7 @@ void CJ8WizardNewDlg::createControls() {
     m_plan.create(window(), kPlan, fonts(), fonts().text(), kPlanColumns,
                   [this](int row, int column) { return planCell(row, column); });
     m_plan.setWrong([this](int row) { return m_session.isRowHarmed(static_cast<size_t>(row)); });
-    m_state = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kState, fonts().text());
+    m_state = makeStatusLine(window(), kState, fonts());
     m_ok = makeButton(window(), "OK", IDOK, fonts(), true);
     m_cancel = makeButton(window(), "Cancel", IDCANCEL, fonts());
     showFields();

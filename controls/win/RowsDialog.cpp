@@ -5,6 +5,8 @@
 #include <map>
 #include <mutex>
 
+#include "ui/win/StatusLine.h"
+
 namespace zoka {
 namespace {
 
@@ -130,7 +132,7 @@ void RowsDialog::createControls() {
                                  font));
     }
     if (m_look.statusLine) {
-        makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, statusId(), font);
+        makeStatusLine(window(), statusId(), fonts());
     }
     showState();
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <exception>
 
+#include "ui/win/StatusLine.h"
+
 namespace zoka {
 
 namespace {
@@ -112,7 +114,7 @@ void PageShell::createControls() {
         item.pszText = title.data();
         SendMessageA(m_tabs, TCM_INSERTITEMA, i, reinterpret_cast<LPARAM>(&item));
     }
-    m_status = makeControl(window(), "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, kStatus, fonts().text());
+    m_status = makeStatusLine(window(), kStatus, fonts());
     m_foot = makeFoot();
     showPage(m_current);
 }
