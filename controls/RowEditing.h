@@ -90,6 +90,12 @@ public:
     // --- What a panel's session may say otherwise
     // What the rows are of: with another subject the view begins at its beginning.
     virtual std::string subject() const { return {}; }
+    // What the row is of its subject: where rows of another subject follow and have one of that name, it keeps the keyboard
+    // and its place in sight. Empty: no other row is like it.
+    virtual std::string nameOf(size_t) const { return {}; }
+    // What the user typed or chose was meant for rows that are gone, and nobody gets it. Gives the words for it, which
+    // are shown at the row of that name if there is one; empty: it goes without saying.
+    virtual std::string giveUpInput() { return {}; }
     // The value that the row has where nobody has set one; nothing where that isn't known.
     virtual std::optional<std::string> defaultOf(size_t i) const { return extrasOf(row(i).facts()).standard; }
     // Whose value defaultOf gives, as in "Reset to the template's default"; with its '&' for menus.

@@ -9,6 +9,7 @@ namespace {
 
 constexpr const char* kRefused = "The editor has refused the value.";
 constexpr const char* kElsewhere = "The editor has gone on to other entities; the value was not written.";
+constexpr const char* kReadAnew = "The values were read anew; the one given here was not written.";
 constexpr const char* kIsGone = " is gone from the level.";
 constexpr const char* kNoValue = "No value suits the actions of all these entities.";
 
@@ -105,6 +106,8 @@ void BehaviorSession::refresh(bool always) {
 }
 
 void BehaviorSession::show(std::vector<std::string> entities) {
+    m_givenUp.clear();
+    m_areOthers = entities != m_entities;
     m_entities = std::move(entities);
     m_gone = m_entities.size() == 1 && !isThere(*m_access, m_entities.front()) ? m_entities.front() : "";
     m_actions.load(m_access, namedEntities(), shownComponents());
@@ -306,7 +309,14 @@ Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
     return {};
 }
 
+std::string BehaviorSession::giveUpInput() {
+    m_givenUp = m_areOthers ? kElsewhere : kReadAnew;
+    listener().valuesChanged();
+    return m_givenUp;
+}
+
 void BehaviorSession::stepBegins(bool) {
+    m_givenUp.clear();
     m_isInStep = true;
 }
 

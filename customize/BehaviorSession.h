@@ -91,6 +91,8 @@ public:
     PasteResult paste(const std::string& text);
 
     std::string subject() const override;
+    std::string nameOf(size_t i) const override;
+    std::string giveUpInput() override;
     std::string details(size_t i) const override;
     std::string picturePath(const std::string& nameInScript) const override;
     std::string emptyText() const override;
@@ -151,6 +153,7 @@ private:
     std::string takeChoice(size_t i, std::string& value) const;
     Result<size_t> rowFor(const std::string& field, const std::string& label) const;
     std::vector<std::string> findings() const;
+    std::string whoseRows() const;
 
     EntityAccess* m_access;
     ZunEditorInterface& m_host;
@@ -165,6 +168,8 @@ private:
     std::vector<EntryModel> m_models;
     std::vector<Source> m_sources;
     std::string m_gone;
+    std::string m_givenUp;                   // that something was, until something else is written or shown
+    bool m_areOthers = false;                // the entities shown are others than those before
     std::optional<std::uint32_t> m_changes;  // at the last look
     std::optional<std::uint32_t> m_known;    // and when the entities were last found to be those shown
     bool m_isInStep = false;

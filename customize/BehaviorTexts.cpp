@@ -51,7 +51,17 @@ std::string BehaviorSession::subject() const {
     return all;
 }
 
+std::string BehaviorSession::nameOf(size_t i) const {
+    const std::string name = copyName(i);
+    return name.empty() ? utf8Text(row(i).facts().label, row(i).facts().set) : name;
+}
+
 std::string BehaviorSession::status() const {
+    const std::string whose = whoseRows();
+    return m_givenUp.empty() ? whose : whose + (whose.ends_with('.') ? " " : ". ") + m_givenUp;
+}
+
+std::string BehaviorSession::whoseRows() const {
     if (!m_access) {
         return "The editor tells nothing of its entities.";
     }
@@ -65,7 +75,11 @@ std::string BehaviorSession::status() const {
         return m_entities.front();
     }
     constexpr size_t kNamed = 20;
-    std::string text = std::to_string(m_entities.size()) + " entities: ";
+    std::string text = std::to_string(m_entities.size()) + " entities";
+    if (!m_givenUp.empty()) {
+        return text;  // there is more to be read in the line
+    }
+    text += ": ";
     for (size_t i = 0; i < m_entities.size() && i < kNamed; ++i) {
         text += (i > 0 ? ", " : "") + m_entities[i];
     }

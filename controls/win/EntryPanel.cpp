@@ -3,14 +3,16 @@
 #include <algorithm>
 
 #include "controls/win/ControlClasses.h"
+#include "ui/win/StatusLine.h"
 
 namespace zoka {
 namespace {
 
 constexpr size_t kMeasuredLabels = 500;  // wide enough for these is wide enough
-constexpr int kLeastLabelUnits = 60;
-constexpr int kSpacing = 3, kMargin = 6;   // in pixels at 96 dpi
-constexpr size_t kSearchedForField = 200;  // rows without a field are passed over by Tab, but not without end
+constexpr int kLeastLabelUnits = 60, kTipUnits = 240;
+constexpr int kSpacing = 3, kMargin = 6;  // in pixels at 96 dpi
+constexpr size_t kSearchedForField =
+    200;  // rows without a usable field are passed over by Tab, but not without end
 
 }  // namespace
 
@@ -30,26 +32,13 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     if (!m_window) {
         return nullptr;
     }
-    m_tooltip = makeTip();
+    m_tooltip = makeTip(m_window, m_fonts->x(kTipUnits));
     SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
     return m_window;
 }
 
-HWND EntryPanel::makeTip() const {
-    const HWND made =
-        CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, L"", WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0,
-                        0, m_window, nullptr, ControlClasses::instance(), nullptr);
-    SendMessageA(made, TTM_SETMAXTIPWIDTH, 0, m_fonts->x(240));
-    // For a window without icons the system loads its own when it is first shown, which needs the loader's lock. A
-    // thread that unmaps the library holds that, and the panel would never be gone.
-    const auto icon = reinterpret_cast<LPARAM>(LoadIconA(nullptr, MAKEINTRESOURCEA(32512)));
-    SendMessageA(made, WM_SETICON, ICON_BIG, icon);
-    SendMessageA(made, WM_SETICON, ICON_SMALL, icon);
-    return made;
-}
-
 void EntryPanel::makeBalloon() {
-    m_balloon = makeTip();
+    m_balloon = makeTip(m_window, m_fonts->x(kTipUnits));
     TTTOOLINFOW tool{};
     tool.cbSize = TTTOOLINFOW_V1_SIZE;
     tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
@@ -134,10 +123,26 @@ int EntryPanel::labelWidth(int width) const {
                       std::max(width * 9 / 20, 0));
 }
 
+// In the view.
+int EntryPanel::topOf(size_t place) const {
+    return m_layout.rectOfRow(place, rowsWidth()).y - m_top;
+}
+
 void EntryPanel::rowsReplaced(bool samePlaces) {
     const bool hadFocus = focused() != nullptr;
+    const bool hadDraft = !m_drafts.empty();
+    std::optional<int> top;  // where the row is to stand in the view that takes the place of the last one
     if (!samePlaces) {
+        const size_t before = m_lastFocused ? m_layout.rowOfItem(*m_lastFocused) : m_layout.rows().size();
+        if (m_window && before < m_layout.rows().size()) {
+            top = topOf(before);
+        }
         m_lastFocused.reset();
+        for (size_t row = 0; row < m_editing.size() && !m_lastName.empty() && !m_lastFocused; ++row) {
+            if (m_editing.nameOf(row) == m_lastName) {
+                m_lastFocused = row;
+            }
+        }
         m_top = 0;
     }
     m_filled = true;
@@ -166,12 +171,24 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     }
     SelectObject(dc, old);
     ReleaseDC(m_window, dc);
+    const bool isLike = !samePlaces && m_lastFocused;
     {
         const DrawingOff off(m_window);
         layout();
+        const size_t place = isLike ? m_layout.rowOfItem(*m_lastFocused) : m_layout.rows().size();
+        if (top && place < m_layout.rows().size()) {
+            scrollTo(topOf(place) - *top);
+        }
     }
     if (hadFocus) {
         focusLast();
+    }
+    if (hadDraft) {
+        const std::string text = m_editing.giveUpInput();
+        const auto live = m_lastFocused ? m_live.find(*m_lastFocused) : m_live.end();
+        if (live != m_live.end() && live->second->field()) {
+            showRefusal(live->second->field(), text);
+        }
     }
 }
 
@@ -238,7 +255,7 @@ void EntryPanel::layout() {
     m_top = m_layout.clampScroll(m_top, height);
     const PanelLayout::Range seen = m_layout.rowsWithin(m_top, height);
     size_t next = seen.first;
-    while (next < seen.last && m_editing.row(rows[next]).facts().field < EntryField::Heading) {
+    while (next < seen.last && !takesKeyboard(rows[next])) {
         ++next;
     }
     if (next == seen.last) {
@@ -286,7 +303,7 @@ void EntryPanel::scrollTo(int top) {
     placeRows();
 }
 
-// The next row with a field; the row itself when there is none near.
+// The next row that takes the keyboard; the row itself when there is none near.
 size_t EntryPanel::nextField(size_t row, int step) const {
     const std::vector<size_t>& rows = m_layout.rows();
     size_t at = row;
@@ -295,7 +312,7 @@ size_t EntryPanel::nextField(size_t row, int step) const {
             break;
         }
         at = step < 0 ? at - 1 : at + 1;
-        if (m_editing.row(rows[at]).facts().field >= EntryField::Heading) {
+        if (takesKeyboard(rows[at])) {
             return at;
         }
     }
@@ -418,6 +435,7 @@ std::optional<size_t> EntryPanel::keyboardRow() {
 
 void EntryPanel::fieldFocused(size_t row) {
     m_lastFocused = row;
+    m_lastName = m_editing.nameOf(row);
     PostMessageA(m_window, kFocused, row, 0);
 }
 
@@ -514,8 +532,17 @@ std::optional<size_t> EntryPanel::focusedRow() {
     return window ? std::optional(window->row()) : std::nullopt;
 }
 
+// Whether it has a control that isn't disabled.
+bool EntryPanel::takesKeyboard(size_t row) const {
+    const EntryModel& model = m_editing.row(row);
+    const EntryField field = model.facts().field;
+    return field == EntryField::Heading || (hasValue(field) && model.blocked().empty() &&
+                                            (model.readOnly().empty() || EntryWindow::isTyped(field)));
+}
+
 void EntryPanel::focusLast() {
-    if (m_lastFocused && m_layout.rowOfItem(*m_lastFocused) < m_layout.rows().size()) {
+    if (m_lastFocused && m_layout.rowOfItem(*m_lastFocused) < m_layout.rows().size() &&
+        takesKeyboard(*m_lastFocused)) {
         return focusRow(*m_lastFocused);
     }
     focusFirst();
@@ -523,7 +550,7 @@ void EntryPanel::focusLast() {
 
 void EntryPanel::focusFirst() {
     for (const size_t row : m_layout.rows()) {
-        if (hasValue(m_editing.row(row).facts().field) && m_editing.row(row).blocked().empty()) {
+        if (hasValue(m_editing.row(row).facts().field) && takesKeyboard(row)) {
             return focusRow(row);
         }
     }

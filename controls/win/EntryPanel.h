@@ -34,7 +34,8 @@ public:
     HWND create(HWND parent, int id, const WindowFonts& fonts);
 
     // All rows are others than before. With `samePlaces` they stand where the old ones stood, so the view and
-    // the keyboard stay.
+    // the keyboard stay; otherwise where one of them has the name of the row that had the keyboard last. A refused text is
+    // given up.
     void rowsReplaced(bool samePlaces);
     // The fonts are other ones now: every row is made anew.
     void fontsChanged();
@@ -102,7 +103,6 @@ private:
                           kFocused = WM_APP + 4, kShowRefusal = WM_APP + 5;
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
-    HWND makeTip() const;
     void makeBalloon();
     void makeFonts();
     void freeFonts();
@@ -110,6 +110,7 @@ private:
     int heightOf(size_t row, int width);
     int labelWidth(int width) const;
     void layout();
+    int topOf(size_t place) const;
     int rowsWidth() const;
     void placeRows();
     void scrollTo(int top);
@@ -125,6 +126,7 @@ private:
     EntryWindow* focused();
     std::optional<size_t> keyboardRow();
     size_t nextField(size_t row, int step) const;
+    bool takesKeyboard(size_t row) const;
 
     RowEditing& m_editing;
     RowHost& m_host;
@@ -145,6 +147,7 @@ private:
     std::wstring m_refusal;            // and what stands below a field
     std::map<size_t, Draft> m_drafts;  // by row
     std::optional<size_t> m_lastFocused;
+    std::string m_lastName;  // of that row, as RowEditing says
     HWND m_menuField = nullptr, m_refusedField = nullptr;
     bool m_filled = false;  // rows have been handed over
     bool m_laidOutSoon = false, m_placing = false;

@@ -125,12 +125,17 @@ void EntryPanel::browse(size_t row) {
     if (row >= m_editing.size()) {
         return;
     }
+    const std::string subject = m_editing.subject(), name = m_editing.nameOf(row);
     // A color's chooser is the window's own, a file's the session's.
     const auto chosen = m_editing.row(row).facts().field == EntryField::ColourField
                             ? chooseColour(m_editing.row(row).value())
                             : m_editing.browse(row);
-    // The window may be gone, or show another script.
-    if (!chosen || !m_window || row >= m_editing.size()) {
+    // The window may be gone, or show other rows.
+    if (!chosen || !m_window) {
+        return;
+    }
+    if (row >= m_editing.size() || m_editing.subject() != subject || m_editing.nameOf(row) != name) {
+        m_editing.giveUpInput();
         return;
     }
     dropDraft(row);
