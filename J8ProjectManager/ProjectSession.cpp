@@ -161,6 +161,9 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string path, std::string 
 }
 
 void ProjectSession::replaceModel(Loaded loaded) {
+    if (modelGoes) {
+        modelGoes();
+    }
     m_model = std::move(*loaded.model);
     m_bytes = std::move(loaded.bytes);
     m_frame = std::move(loaded.frame);

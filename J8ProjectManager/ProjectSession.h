@@ -150,6 +150,8 @@ public:
     // Whether a save that finds the file changed by another program asks what to do; else it takes the others'
     // changes over and makes its own in them.
     bool asksAboutOthersChanges = true;
+    // Called just before all that the model holds goes: what is selected can still be named.
+    std::function<void()> modelGoes;
     // Called when all that the model held has gone, with pointers into it, in the middle of save or reload too:
     // before anything more is asked.
     std::function<void()> modelReplaced;

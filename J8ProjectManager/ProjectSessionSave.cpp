@@ -201,7 +201,7 @@ bool ProjectSession::close() {
 void ProjectSession::offerUnsaved() noexcept {
     m_reserve.release();
     keepInside([this] {
-        modelReplaced = nullptr;
+        modelGoes = modelReplaced = nullptr;
         if (!hasChanges()) {
             return;
         }

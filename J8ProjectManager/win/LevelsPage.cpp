@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "controls/TextSet.h"
 #include "util/Text.h"
@@ -113,16 +114,51 @@ std::string LevelsPage::cell(int row, int column) const {
 void LevelsPage::refresh() {
     m_refreshing = true;
     m_words.clear();
-    const std::optional<size_t> entity = selectedEntity();
-    const std::optional<ProjectField> keyboard = m_panel.fieldOf(m_view.focusedRow());
+    std::optional<size_t> entity = selectedEntity();
+    std::optional<ProjectField> keyboard = m_panel.fieldOf(m_view.focusedRow());
+    bool isSameLevel = m_filled == m_level, isGone = false;
+    if (const auto kept = std::exchange(m_kept, std::nullopt)) {
+        isSameLevel = findKept(*kept, entity);
+        isGone = !isSameLevel;
+        if (keyboard) {
+            keyboard->level = m_level;
+            keyboard->entity = entity.value_or(0);
+        }
+    }
     fillLevels();
     // What was just changed may be what it was found by.
-    fillEntities(m_filled == m_level ? entity : std::nullopt);
+    fillEntities(isSameLevel ? entity : std::nullopt);
     selectEntity(entity);
-    if (keyboard) {
+    if (keyboard && isGone) {
+        SetFocus(m_list.window());  // what is typed on was for another one's value
+    } else if (keyboard) {
         focusField(*keyboard);
     }
     m_refreshing = false;
+}
+
+void LevelsPage::keepSelection() {
+    if (m_kept || !hasLevel()) {
+        return;  // what was kept before has not been shown since
+    }
+    const std::optional<size_t> entity = selectedEntity();
+    m_kept = entity && *entity < model().m_apLevels[m_level].m_entities.size()
+                 ? addressOfEntity(model(), m_level, *entity)
+                 : addressOfLevel(model(), m_level);
+}
+
+bool LevelsPage::findKept(const std::string& address, std::optional<size_t>& entity) {
+    const std::optional<size_t> level = levelAt(model(), address);
+    if (!level) {
+        entity.reset();
+        return false;
+    }
+    m_level = *level;
+    const Result<ProjectField> found = fieldAt(model(), address + "/name");
+    if (found && entity) {
+        entity = found->entity;
+    }
+    return bool(found);
 }
 
 bool LevelsPage::focusField(const ProjectField& field) {
@@ -457,6 +493,7 @@ bool LevelsPage::givenUp() {
 }
 
 void LevelsPage::select(const ProjectTarget& target) {
+    m_kept.reset();
     m_level = target.first;
     SetWindowTextA(m_search, "");
     refresh();

@@ -22,6 +22,7 @@ public:
     bool revertDraft() override { return m_view.revertDraft(); }
     bool givenUp() override;
     bool takesKey(const MSG& message) override;
+    void keepSelection() override;
     void select(const ProjectTarget& target) override;
 
 protected:
@@ -47,6 +48,8 @@ private:
     void selectEntity(std::optional<size_t> entity);
     void selectRowOf(std::optional<size_t> entity);
     void showSelection();
+    // Finds again what keepSelection() named, in whichever place; false where it is gone, and its neighbour is left.
+    bool findKept(const std::string& address, std::optional<size_t>& entity);
     // False when it is not among the rows.
     bool focusField(const ProjectField& field);
     void rebuild();
@@ -64,12 +67,13 @@ private:
     RowsView m_view;
     RowList m_levels, m_list;
     size_t m_level = 0;
-    std::vector<size_t> m_entities;  // those found, by place
-    std::optional<size_t> m_shown;   // the entity whose rows are shown; none: the level's
-    std::string m_searched;          // what the entities are found by
-    std::string m_wanted;            // the same in lower case, words between blanks
-    size_t m_filled = 0;             // the level whose entities are listed
-    size_t m_elsewhere = 0;          // how many it finds in other levels
+    std::vector<size_t> m_entities;     // those found, by place
+    std::optional<size_t> m_shown;      // the entity whose rows are shown; none: the level's
+    std::optional<std::string> m_kept;  // the address of what was selected before the project was loaded anew
+    std::string m_searched;             // what the entities are found by
+    std::string m_wanted;               // the same in lower case, words between blanks
+    size_t m_filled = 0;                // the level whose entities are listed
+    size_t m_elsewhere = 0;             // how many it finds in other levels
     std::vector<std::optional<std::vector<std::string>>> m_words;  // by level; see words()
     HWND m_levelLabel = nullptr, m_searchLabel = nullptr, m_search = nullptr, m_count = nullptr;
     std::vector<HWND> m_levelButtons, m_entityButtons;

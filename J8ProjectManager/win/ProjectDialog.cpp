@@ -1,6 +1,7 @@
 #include "J8ProjectManager/win/ProjectDialog.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -65,6 +66,7 @@ public:
                     kProjectTabs, g_page),
           m_model(setup.project),
           m_session(setup.project, userPrompt()) {
+        m_session.modelGoes = [this] { keepSelections(); };
         m_session.modelReplaced = [this] { refreshPages(); };
     }
 
@@ -92,6 +94,7 @@ private:
     void enableAll(bool enabled);
     // False when there is no project; the user has been told.
     bool takeLoaded();
+    void keepSelections();
     void showState();
     void save();
     void reload();
@@ -100,6 +103,7 @@ private:
     ControlClasses m_classes;
     std::optional<BackgroundLoad> m_load;
     bool m_isLoading = true;
+    HWND m_lastInPage = nullptr;  // which had the keyboard; may be gone
     CJ8ProjectManager& m_model;
     ProjectSession m_session;
     HWND m_undo = nullptr, m_redo = nullptr, m_changes = nullptr, m_reload = nullptr, m_save = nullptr;
@@ -204,10 +208,23 @@ void ProjectDialog::showState() {
     const std::string name = shownText(m_session.model().m_name);
     setTitle(std::string(kTitle) + " - " + (name.empty() ? std::string(fileNameOf(m_session.path())) : name) +
              (m_session.hasChanges() ? " *" : ""));
+    const HWND keyboard = GetFocus();
     enable(m_undo, m_session.canUndo());
     enable(m_redo, m_session.canRedo());
     enable(m_changes, m_session.hasChanges());
     enable(m_save, m_session.hasChanges());
+    // A button that takes no input any more gives the keyboard back: beside it are Reload and Close.
+    if (page() && keyboard && GetParent(keyboard) == window() && !IsWindowEnabled(keyboard)) {
+        projectPage()->takeKeyboard(m_lastInPage);
+    }
+}
+
+void ProjectDialog::keepSelections() {
+    for (size_t i = 0; i < std::size(kProjectTabs); ++i) {
+        if (Page* const made = pageAt(static_cast<int>(i))) {
+            static_cast<ProjectPage*>(made)->keepSelection();
+        }
+    }
 }
 
 void ProjectDialog::edited() {
@@ -243,6 +260,9 @@ void ProjectDialog::goTo(const ProjectTarget& target) {
 bool ProjectDialog::takesKey(const MSG& message) {
     if (m_isLoading) {
         return false;
+    }
+    if (const HWND keyboard = GetFocus(); page() && IsChild(page()->window(), keyboard)) {
+        m_lastInPage = keyboard;
     }
     if (message.message == WM_KEYDOWN && (message.hwnd == window() || IsChild(window(), message.hwnd)) &&
         GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {

@@ -16,6 +16,7 @@ public:
 
 protected:
     size_t rowCount() const override { return model().m_apBehavior.size(); }
+    std::string nameOf(size_t row) const override { return model().m_apBehavior[row].m_name; }
     std::string cell(size_t row, int column) const override;
     std::string searchText(size_t row) const override;
     std::string details(size_t row) const override;
@@ -35,6 +36,7 @@ public:
 protected:
     RowsView* rows() override { return &m_view; }
     size_t rowCount() const override { return model().m_apComponents.size(); }
+    std::string nameOf(size_t row) const override { return model().m_apComponents[row].m_name; }
     std::string cell(size_t row, int column) const override;
     std::string searchText(size_t row) const override;
     void showDetails(std::optional<size_t> row) override;

@@ -31,6 +31,19 @@ class ProjectPage : public Page {
 public:
     explicit ProjectPage(ProjectFrame& frame) : Page(frame.fonts()), m_frame(frame) {}
 
+    // The project is about to be loaded anew: the next refresh() finds by its name what is selected now.
+    virtual void keepSelection() {}
+    // Takes the keyboard, which `last` of its controls had before; it may be gone, or of another page.
+    void takeKeyboard(HWND last) {
+        if (last && GetParent(last) == window() && IsWindowEnabled(last)) {
+            SetFocus(last);
+        } else if (RowsView* view = rows()) {
+            view->focusLast();
+        }
+        if (!IsChild(window(), GetFocus())) {
+            SetFocus(firstField());
+        }
+    }
     // Selects what the target names.
     virtual void select(const ProjectTarget&) {}
     // Gives up a refused text in the field with the keyboard; false when there is none.

@@ -1,6 +1,7 @@
 #include "J8ProjectManager/win/SearchPage.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "controls/TextSet.h"
 #include "util/Text.h"
@@ -80,11 +81,32 @@ std::string SearchPage::copied(size_t row) const {
 void SearchPage::refresh() {
     collect();
     m_words.clear();
-    filter();
+    const std::optional<Kept> kept = std::exchange(m_kept, std::nullopt);
+    const std::optional<size_t> again = kept ? findKept(*kept) : std::nullopt;
+    filter(again ? again : selected());
 }
 
-void SearchPage::filter() {
-    const std::optional<size_t> before = selected();
+void SearchPage::keepSelection() {
+    const std::optional<size_t> row = selected();
+    if (m_kept || !row || *row >= rowCount() || nameOf(*row).empty()) {
+        return;  // what was kept before has not been shown since
+    }
+    m_kept = Kept{nameOf(*row)};
+    for (size_t i = 0; i < *row; ++i) {
+        m_kept->before += nameOf(i) == m_kept->name ? 1 : 0;
+    }
+}
+
+std::optional<size_t> SearchPage::findKept(Kept kept) const {
+    for (size_t row = 0; row < rowCount(); ++row) {
+        if (nameOf(row) == kept.name && kept.before-- == 0) {
+            return row;
+        }
+    }
+    return std::nullopt;
+}
+
+void SearchPage::filter(std::optional<size_t> before) {
     const std::string wanted = searchable(textOf(m_search));
     const std::vector<std::string_view> words = tokensOf(wanted, kWhiteSpace);
     const size_t count = rowCount();
@@ -149,7 +171,7 @@ void SearchPage::mainAction() {
 
 void SearchPage::command(int id, int code) {
     if (id == m_look.firstId + kSearch && code == EN_CHANGE) {
-        filter();
+        filter(selected());
     } else if (id == m_look.firstId + kCopyAll && code == BN_CLICKED) {
         std::string text;
         for (const size_t row : m_rows) {

@@ -30,10 +30,13 @@ public:
     void command(int id, int code) override;
     bool givenUp() override;
     bool takesKey(const MSG& message) override;
+    void keepSelection() override;
 
 protected:
     virtual size_t rowCount() const = 0;
     virtual std::string cell(size_t row, int column) const = 0;
+    // What it is found by when the project is loaded anew; empty: its place.
+    virtual std::string nameOf(size_t) const { return {}; }
     // Where the words of a search are looked for.
     virtual std::string searchText(size_t row) const;
     virtual std::string details(size_t) const { return {}; }
@@ -60,7 +63,13 @@ protected:
 
 private:
     enum { kSearch, kList, kDetails, kCopyAll };
-    void filter();
+    // A name, and how many rows of that name stand before.
+    struct Kept {
+        std::string name;
+        size_t before = 0;
+    };
+    void filter(std::optional<size_t> before);
+    std::optional<size_t> findKept(Kept kept) const;
     void copy(const std::string& text);
     void showSelection() { showDetails(selected()); }
 
@@ -70,6 +79,7 @@ private:
     RowList m_list;
     std::vector<std::string> m_words;  // of each row, in lower case, as long as the project stays as it is
     std::vector<size_t> m_rows;        // those found
+    std::optional<Kept> m_kept;        // what was selected before the project was loaded anew
 };
 
 }  // namespace zoka
