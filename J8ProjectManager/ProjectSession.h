@@ -140,6 +140,8 @@ public:
     // fails they go as lines into a file beside it, its name with kLeftOverEnding. Nothing may show the model any
     // more: modelReplaced is not called. Never throws.
     void offerUnsaved() noexcept;
+    // The window is gone, and nobody could be asked: what is not saved goes as lines into that file. Never throws.
+    void keepUnsaved() noexcept;
     // The bytes that a save would write now.
     std::string text() const;
     // Those of the file, as loaded.

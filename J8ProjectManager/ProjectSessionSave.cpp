@@ -224,4 +224,13 @@ void ProjectSession::offerUnsaved() noexcept {
     });
 }
 
+void ProjectSession::keepUnsaved() noexcept {
+    m_reserve.release();
+    keepInside([this] {
+        if (hasChanges()) {
+            (void)keepLines(m_path, m_edits.unsavedLines());  // there is nobody to be told
+        }
+    });
+}
+
 }  // namespace zoka

@@ -73,6 +73,12 @@ public:
             m_components->offerUnsaved();
         }
     }
+    // The window is gone, and nobody could be asked: keeps unsaved edits of components. Never throws.
+    void keepUnsaved() noexcept {
+        if (m_components) {
+            m_components->keepUnsaved();
+        }
+    }
     // The editor has another project open than the one with the unsaved edits: its entities' components are not shown
     // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
     bool otherProjectOpen() const { return m_elsewhere.has_value(); }

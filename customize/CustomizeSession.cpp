@@ -336,14 +336,28 @@ void CustomizeSession::keepUnplaced() {
     }
 }
 
-void CustomizeSession::offerUnsaved() noexcept {
-    m_reserve.release();
-    keepInside([this] {
-        std::vector<UnplacedValue> unsaved;
+std::vector<UnplacedValue> CustomizeSession::unsavedValues() const {
+    std::vector<UnplacedValue> unsaved;
+    if (isOpen()) {
         for (const KeptValue& kept : m_carried.empty() ? valuesToKeep(m_panel, true) : m_carried) {
             unsaved.push_back({kept, "it was not saved"});
         }
-        if (!isOpen() || unsaved.empty()) {
+    }
+    return unsaved;
+}
+
+void CustomizeSession::keepUnsaved() noexcept {
+    m_reserve.release();
+    keepInside([this] {
+        (void)keepOldValues(m_panel.script, unsavedValues());  // there is nobody to be told
+    });
+}
+
+void CustomizeSession::offerUnsaved() noexcept {
+    m_reserve.release();
+    keepInside([this] {
+        const std::vector<UnplacedValue> unsaved = unsavedValues();
+        if (unsaved.empty()) {
             return;
         }
         const std::string& path = m_panel.script.scriptPath;

@@ -65,6 +65,8 @@ public:
     // Something was thrown and the panel goes: asks whether the values that are in no file yet are to be kept in
     // the file of old values beside the script, and puts them there. Never throws.
     void offerUnsaved() noexcept;
+    // The window is gone, and nobody could be asked: puts them there. Never throws.
+    void keepUnsaved() noexcept;
 
     // --- The script
     const CustomScript& script() const { return m_panel.script; }
@@ -115,6 +117,7 @@ private:
     void carryFromMemory(const std::vector<KeptValue>& values);
     void carryFromValueFile(const std::vector<KeptValue>& values);
     void keepUnplaced();
+    std::vector<UnplacedValue> unsavedValues() const;
     HostNames hostNames(const CustomScript& script, JobProgress* progress = nullptr);
 
     ZunEditorInterface& m_host;

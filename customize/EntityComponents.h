@@ -79,6 +79,7 @@ public:
     bool close() { return m_project.close(); }
     // As ProjectSession's. The rows are not to be used any more.
     void offerUnsaved() noexcept { m_project.offerUnsaved(); }
+    void keepUnsaved() noexcept { m_project.keepUnsaved(); }
 
 private:
     struct Row {

@@ -103,6 +103,7 @@ private:
     ControlClasses m_classes;
     std::optional<BackgroundLoad> m_load;
     bool m_isLoading = true;
+    bool m_isSettled = false;     // the user has said what becomes of unsaved edits
     HWND m_lastInPage = nullptr;  // which had the keyboard; may be gone
     CJ8ProjectManager& m_model;
     ProjectSession m_session;
@@ -117,6 +118,9 @@ void ProjectDialog::run(const std::string& projectFile) {
         return;
     }
     runModal();
+    if (!m_isSettled) {
+        m_session.keepUnsaved();
+    }
 }
 
 bool ProjectDialog::takeLoaded() {
@@ -331,13 +335,15 @@ void ProjectDialog::reload() {
 }
 
 bool ProjectDialog::mayClose() {
-    return (!page() || page()->commit()) && m_session.close();
+    m_isSettled = (!page() || page()->commit()) && m_session.close();
+    return m_isSettled;
 }
 
 // The pages go first: a save puts another model in the place of the one that they show.
 void ProjectDialog::failed() {
     removePages();
     m_session.offerUnsaved();
+    m_isSettled = true;
     PageShell::failed();
 }
 

@@ -253,7 +253,8 @@ bool RowsDialog::mayClose() {
         return false;
     }
     const Busy busy(*this);
-    return m_view->commit() && mayLeave();
+    m_settled = m_view->commit() && mayLeave();
+    return m_settled;
 }
 
 std::optional<LRESULT> RowsDialog::message(UINT message, WPARAM wParam, LPARAM lParam) {

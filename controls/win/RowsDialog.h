@@ -58,6 +58,13 @@ public:
     HWND create(HINSTANCE instance, int number);
     // Fills the rows; called once, when the window is on the screen.
     void load();
+    // To be called when the window is gone, and every loop that ran within it: where it went without the user's word
+    // on what is not saved, keepUnsaved() is called. Never throws.
+    void gone() noexcept {
+        if (m_loaded && !m_settled) {
+            keepUnsaved();
+        }
+    }
 
 protected:
     // --- What a derived window says
@@ -70,6 +77,8 @@ protected:
     virtual std::string status() const { return {}; }
     // False keeps the window open.
     virtual bool mayLeave() { return true; }
+    // Keeps what is not saved, if anything, in a file beside its own; nobody can be asked or told.
+    virtual void keepUnsaved() noexcept {}
     virtual void chosen(size_t /*item*/) {}  // in the chooser, by the user
     // The window becomes the active one.
     virtual void activated() {}
@@ -101,6 +110,10 @@ protected:
 
     void rowsChanged() override { showState(); }
     bool takesNoCommands() const override { return m_busy; }
+    void failed() override {
+        m_settled = true;
+        DialogShell::failed();
+    }
     bool leaving() const override { return !mayContinue(m_look.loading, 0, 1, {}); }
 
 private:
@@ -125,6 +138,7 @@ private:
     std::optional<RowsView> m_view;  // from the window's making on
     size_t m_choices = 0;
     bool m_loaded = false, m_busy = false, m_filling = false;
+    bool m_settled = false;  // the user has said what becomes of what is not saved
 };
 
 }  // namespace zoka

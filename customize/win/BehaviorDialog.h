@@ -40,6 +40,7 @@ private:
     std::string status() const override { return isLoaded() ? m_session.status() : ""; }
     void activated() override { m_session.refresh(true); }
     bool mayLeave() override { return m_session.close(); }
+    void keepUnsaved() noexcept override { m_session.keepUnsaved(); }
     void failed() override;
     std::vector<RowMenuItem> rowMenuItems(size_t row) override;
     void rowMenuChosen(size_t row, int id) override;

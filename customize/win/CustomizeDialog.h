@@ -37,6 +37,7 @@ private:
     ButtonState stateOf(int id) const override;
     std::string caption() const override;
     bool mayLeave() override { return m_session.close(); }
+    void keepUnsaved() noexcept override { m_session.keepUnsaved(); }
     void chosen(size_t item) override;
     void activated() override;
     void rowsChanged() override;

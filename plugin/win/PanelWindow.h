@@ -20,6 +20,9 @@ public:
     // [panel thread] Called once from the message loop when the window is on the screen. Gives up at its next step
     // once the panel is to leave.
     virtual void load() = 0;
+    // [panel thread] The window is gone, and every loop that ran within it. May come while the library is being freed:
+    // nothing may be shown, and the loader's lock not be needed.
+    virtual void gone() noexcept {}
     // [any thread] The editor wants the panel gone.
     void leave() { m_leaving.store(true); }
 

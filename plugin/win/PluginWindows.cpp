@@ -35,6 +35,7 @@ public:
 
     HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
     void load() override { m_dialog.load(); }
+    void gone() noexcept override { m_dialog.gone(); }
 
 private:
     CustomizeDialog m_dialog;
@@ -50,6 +51,7 @@ public:
 
     HWND create(HINSTANCE instance, int number) override { return m_dialog.create(instance, number); }
     void load() override { m_dialog.load(); }
+    void gone() noexcept override { m_dialog.gone(); }
 
 private:
     std::unique_ptr<EntityAccess> m_entities;
@@ -118,7 +120,9 @@ void PluginWindows::runScriptManager(ZunEditorInterface& editor, const std::stri
                                      const std::string& catalogue) {
     const ControlsContext controls(g_module);
     const auto customize = [&editor](HWND owner, const std::string& script) {
-        CustomizeDialog({editor, script, {}, g_module, IDI_ZOKA}).runModal(owner);
+        CustomizeDialog dialog({editor, script, {}, g_module, IDI_ZOKA});
+        dialog.runModal(owner);
+        dialog.gone();
     };
     runManagerDialog({editor, catalogue, g_module, IDI_ZOKA, customize});
 }

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <chrono>
 #include <initializer_list>
 #include <optional>
 
@@ -104,13 +105,15 @@ INT_PTR CALLBACK handleNothing(HWND, UINT, WPARAM, LPARAM) noexcept {
 // The system's controls load what they need for themes at their first use, the last of it when a
 // window is destroyed. A panel for which that comes while the library is being unloaded would wait for
 // the loader's lock. So a window like it is made and destroyed once before, unseen, on a thread that
-// may load. [editor thread]
+// may load. The runtime looks for the system's clock at its first use; what such a panel leaves on the disk needs it.
+// [editor thread]
 void rehearse(int number) {
     static bool done = false;
     if (done) {
         return;
     }
     done = true;
+    (void)std::chrono::system_clock::now();
     const zoka::ControlsContext controls(moduleInstance());
     const HWND window =
         CreateDialogParamA(moduleInstance(), MAKEINTRESOURCEA(number), nullptr, handleNothing, 0);
@@ -243,6 +246,7 @@ __attribute__((noinline)) void CViewThread::run() {
             PostMessageA(window, WM_CLOSE, 0, 0);
         }
         messageLoop(window);
+        m_panel.gone();
     }
     m_state.end();
 }
