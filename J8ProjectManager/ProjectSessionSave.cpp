@@ -1,4 +1,5 @@
 // Save, reload and close.
+#include <new>
 #include <utility>
 
 #include "J8ProjectManager/ProjectSession.h"
@@ -161,8 +162,12 @@ SaveResult ProjectSession::save(bool force) {
         m_bytes = text.view();
         m_frame.reset();
         m_losses.clear();
-        if (Loaded written = loadedFrom(m_path, m_bytes); written.usable) {
-            replaceModel(std::move(written));
+        try {
+            if (Loaded written = loadedFrom(m_path, m_bytes); written.usable) {
+                replaceModel(std::move(written));
+            }
+        } catch (const std::bad_alloc&) {
+            // It is saved; the model goes on with the places of the file before.
         }
     }
     return SaveResult::Saved;

@@ -114,6 +114,7 @@ awk '{ print } /<\/Level>/ && !many++ {
 same() {
     [ "$(undated "$1/main.xml")" = "$(undated "$2/main.xml")" ] && diff -r --exclude=main.xml "$1" "$2" >/dev/null
 }
+more=yes # what was saved is loaded again for its places
 without_memory main.xml "$zoka" --yes project set project/main.xml level/harbour/entity/guard/skill/1=37
 mv small.xml before/main.xml
 

@@ -20,8 +20,9 @@ fail() {
 
 # Lets a command meet the end of the memory at each of its requests for more, once it has opened the file: it must say so
 # and end with 3, and the project folder be that of before/ or after/ (made here), with nothing left behind. A command
-# that writes a log besides (logs=yes) may go without it: then it ends with 0, and the folder is that of after/.
-spent=0 logs=
+# that does more when its work is done (more=yes) may go without that: then it ends with 0, and the folder is that of
+# after/.
+spent=0 more=
 same() { diff -r "$1" "$2" >/dev/null; }
 without_memory() { # file, command...
     file=$1
@@ -43,7 +44,7 @@ without_memory() { # file, command...
         grep -q 'mmap.*INJECTED' trace || break
         grep -q "openat.*[/\"]$file\"" trace || continue # still the start of the program, which the system does
         spent=$((spent + 1))
-        [ $status -eq 0 ] && [ "$logs" = yes ] && same project after && continue
+        [ $status -eq 0 ] && [ "$more" = yes ] && same project after && continue
         [ $status -eq 3 ] && grep -q 'There is not enough memory' output || fail "$*: memory ran out at $number, ended with $status"
         same project before || same project after ||
             fail "$*: memory ran out at $number, and the files are neither the old nor the new ones"

@@ -97,7 +97,7 @@ rm -rf before
 mkdir before
 undated() { sed 's/ date="[0-9]*"//' "$1"/g/main.xml 2>/dev/null; }
 same() { [ "$(undated "$1")" = "$(undated "$2")" ] && diff -r --exclude=main.xml "$1" "$2" >/dev/null; }
-logs=yes # the report of the run
+more=yes # the report of the run
 without_memory main.xml "$zoka" --yes project new empty --suite suite --folder project/g
 
 echo "$runs runs with a fault, $spent without memory, nothing harmed; $round rounds of two at once, one made it"
