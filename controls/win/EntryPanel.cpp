@@ -34,9 +34,12 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     }
     m_tooltip = makeTip(m_window, m_fonts->x(kTipUnits));
     SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
+    makeBalloon();
     return m_window;
 }
 
+// Made with the panel: to make one the system takes the loader's lock, and while another thread unmaps the library a
+// reason must be shown without it.
 void EntryPanel::makeBalloon() {
     m_balloon = makeTip(m_window, m_fonts->x(kTipUnits));
     TTTOOLINFOW tool{};

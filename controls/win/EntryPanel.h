@@ -131,7 +131,7 @@ private:
     RowEditing& m_editing;
     RowHost& m_host;
     HWND m_window = nullptr, m_tooltip = nullptr;
-    HWND m_balloon = nullptr;  // null until something is refused
+    HWND m_balloon = nullptr;
     const WindowFonts* m_fonts = nullptr;
     HFONT m_bold = nullptr, m_title = nullptr;
     PanelLayout m_layout;

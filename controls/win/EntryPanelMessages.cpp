@@ -70,9 +70,6 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
     if (!m_window || text.empty() || m_host.leaving()) {
         return;
     }
-    if (!m_balloon) {
-        makeBalloon();
-    }
     m_refusal = wideReport(text);
     m_refusedField = field;
     TTTOOLINFOW tool = toolOf(m_window);

@@ -71,10 +71,10 @@ TEST_F(Project, CheckTellsWhatDoesNotCount) {
         "</Project>");
     const std::string found = folder.run("project check game.xml").out;
     for (const char* line :
-         {"p/own.xml:3:1: warning: a skill of behavior \"g\" has no name or no whole number, and is passed "
+         {"own.xml:3:1: warning: a skill of behavior \"g\" has no name or no whole number, and is passed "
           "over\n",
-          "p/own.xml:4:1: warning: skill 25 (T) of behavior \"g\": entities have the skills 1 to 20\n",
-          "p/own.xml:6:1: warning: component \"k\" of behavior \"g\" has more than one Edit; only the first "
+          "own.xml:4:1: warning: skill 25 (T) of behavior \"g\": entities have the skills 1 to 20\n",
+          "own.xml:6:1: warning: component \"k\" of behavior \"g\" has more than one Edit; only the first "
           "one "
           "counts\n",
           "game.xml:3:1: warning: behaviors file \"OWN.XML\" is named twice\n",
