@@ -39,16 +39,15 @@ BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& hos
 BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
                                  std::unique_ptr<EntityComponents> components, std::string entity,
                                  OpenProject openProject)
-    : m_access(entities),
-      m_host(host),
-      m_components(std::move(components)),
-      m_namedEntity(std::move(entity)),
-      m_openProject(std::move(openProject)) {}
+    : m_access(entities), m_host(host), m_namedEntity(std::move(entity)) {
+    if (components) {
+        m_project.emplace(std::move(components), host, std::move(openProject));
+    }
+}
 
 void BehaviorSession::open() {
-    if (m_components) {
-        m_components->load();
-        m_folder = m_host.GetProjectFolder();
+    if (m_project) {
+        m_project->load();
     }
     m_changes = m_known = m_access ? m_access->changes() : std::nullopt;
     show(m_access ? m_access->selected() : std::vector<std::string>());
@@ -85,7 +84,7 @@ void BehaviorSession::refresh(bool always) {
     }
     m_changes = m_known = changes;
     std::vector<std::string> entities = entitiesNow();
-    const bool isReloaded = m_components && m_components->reloadIfChanged();
+    const bool isReloaded = m_project && components().reloadIfChanged();
     if (isMoved || isReloaded || entities != m_entities ||
         (!m_gone.empty() && isThere(*m_access, m_entities.front())) ||
         m_actions.haveChanged(*m_access, m_entities)) {
@@ -110,22 +109,22 @@ void BehaviorSession::show(std::vector<std::string> entities) {
     m_areOthers = entities != m_entities;
     m_entities = std::move(entities);
     m_gone = m_entities.size() == 1 && !isThere(*m_access, m_entities.front()) ? m_entities.front() : "";
-    m_actions.load(m_access, namedEntities(), shownComponents());
-    if (m_components) {
-        m_components->show(otherProjectOpen() ? std::vector<std::string>() : namedEntities());
+    m_actions.load(m_access, namedEntities(), m_project ? m_project->shownComponents() : nullptr);
+    if (m_project) {
+        m_project->show(namedEntities());
     }
     replaceRows(0, [this] {
         for (const CustomEntry& row : m_actions.sharedRows()) {
             addRow(row);
         }
-        if (m_components) {
+        if (m_project) {
             addComponents();
         }
         if (otherProjectOpen()) {
             EntryFacts facts;
             facts.field = EntryField::Text;
             facts.label =
-                "Changes of '" + m_components->file() + "' are not saved. Save asks what becomes of them.";
+                "Changes of '" + components().file() + "' are not saved. Save asks what becomes of them.";
             m_models.emplace_back(std::move(facts));
             m_sources.emplace_back();
         }
@@ -149,8 +148,8 @@ void BehaviorSession::replaceRows(size_t kept, const std::function<void()>& add)
 }
 
 void BehaviorSession::addComponents() {
-    for (size_t row = 0; row < m_components->size(); ++row) {
-        m_models.push_back(m_components->modelOf(row));
+    for (size_t row = 0; row < components().size(); ++row) {
+        m_models.push_back(components().modelOf(row));
         m_sources.push_back({.component = row});
     }
     blockComponents();
@@ -326,7 +325,7 @@ void BehaviorSession::stepEnds() {
 
 Outcome BehaviorSession::store(size_t i, const std::string& value) {
     if (m_sources[i].component) {
-        return m_components->set(*m_sources[i].component, value);
+        return components().set(*m_sources[i].component, value);
     }
     const auto number = skillOfText(value);
     if (!number || m_sources[i].number == 0) {
@@ -338,7 +337,7 @@ Outcome BehaviorSession::store(size_t i, const std::string& value) {
 // Of a component's row how many edits of the project are done: each entity's own value is among them.
 std::string BehaviorSession::stateOf(size_t i) const {
     if (m_sources[i].component) {
-        return std::to_string(m_components->editsDone());
+        return std::to_string(components().editsDone());
     }
     std::string state;
     for (const float value : m_sources[i].values) {
@@ -356,8 +355,8 @@ Outcome BehaviorSession::putState(size_t i, const std::string& state) {
         }
         size_t edits = 0;
         std::from_chars(state.data(), state.data() + state.size(), edits);
-        m_components->goTo(edits);
-        m_components->showValue(*row, m_models[i]);
+        components().goTo(edits);
+        components().showValue(*row, m_models[i]);
         return {};
     }
     std::vector<float> values(m_entities.size());
@@ -381,9 +380,9 @@ Outcome BehaviorSession::putValues(size_t i, const std::vector<float>& values) {
 // Of several entities each one's own value.
 Outcome BehaviorSession::putLoaded(size_t i) {
     if (const auto row = m_sources[i].component) {
-        Outcome taken = m_components->inherit(*row);
+        Outcome taken = components().inherit(*row);
         if (taken) {
-            m_components->showValue(*row, m_models[i]);
+            components().showValue(*row, m_models[i]);
         }
         return taken;
     }
@@ -432,6 +431,42 @@ void BehaviorSession::showValues(size_t i) {
     } else {
         m_models[i].setDifferent(!areSame(values, m_sources[i].loaded));
     }
+}
+
+SaveResult BehaviorSession::save() {
+    if (!m_project) {
+        return SaveResult::NothingToSave;
+    }
+    leaveField();
+    if (lookAtProject()) {
+        show(m_entities);
+    }
+    if (otherProjectOpen()) {
+        const SaveResult saved = m_project->saveElsewhere();
+        if (!hasUnsaved()) {
+            lookAtProject();
+            show(m_entities);
+        }
+        return saved;
+    }
+    const auto names = [this] {
+        std::vector<std::string> all;
+        for (size_t row = 0; row < components().size(); ++row) {
+            all.push_back(components().nameOf(row));
+        }
+        return all;
+    };
+    const std::vector<std::string> before = names();
+    const size_t edits = components().editsDone();
+    const SaveResult saved = components().save();
+    // The project was loaded anew; where another program had changed it, its rows may be others.
+    components().show(namedEntities());
+    const bool isSame = names() == before && components().editsDone() == edits;
+    const auto first = std::find_if(m_sources.begin(), m_sources.end(),
+                                    [](const Source& source) { return source.component.has_value(); });
+    replaceRows(static_cast<size_t>(first - m_sources.begin()), [this] { addComponents(); });
+    showRows(m_models, isSame);
+    return saved;
 }
 
 }  // namespace zoka

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,9 +10,9 @@
 #include <vector>
 
 #include "controls/RowEditing.h"
-#include "customize/Elsewhere.h"
 #include "customize/EntityActions.h"
 #include "customize/EntityComponents.h"
+#include "customize/EntityProject.h"
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "util/UserPrompt.h"
@@ -25,10 +24,6 @@ struct PasteResult {
     size_t taken = 0;                  // values that are others now
     std::vector<std::string> refused;  // the lines that found no place, each with the reason, in UTF-8
 };
-
-// The project file of what the editor has open, empty where none stands beside the main script; nothing where the host
-// names no main script.
-using OpenProject = std::function<std::optional<std::string>()>;
 
 // An edit reaches the entities at once, all that are shown or none; undo gives each its own value back. What the
 // host refuses is told, and its row takes nothing until the values are read again. [panel thread]
@@ -60,30 +55,30 @@ public:
     std::string status() const;
 
     // --- The project of the panel form, which holds the components. Nothing is unsaved in the plain form.
-    bool hasPanelForm() const { return m_components != nullptr; }
-    bool hasUnsaved() const { return m_components && m_components->hasChanges(); }
+    bool hasPanelForm() const { return m_project.has_value(); }
+    bool hasUnsaved() const { return m_project && m_project->hasUnsaved(); }
     // As the project's own window does.
     SaveResult save();
     // True when the panel may close: asks about unsaved edits of components.
-    bool close();
+    bool close() { return !m_project || m_project->close(); }
     // Something was thrown and the panel goes: offers to keep unsaved edits of components. Only the object's end may
     // follow. Never throws.
     void offerUnsaved() noexcept {
-        if (m_components) {
-            m_components->offerUnsaved();
+        if (m_project) {
+            m_project->components().offerUnsaved();
         }
     }
     // The window is gone, and nobody could be asked: keeps unsaved edits of components. Never throws.
     void keepUnsaved() noexcept {
-        if (m_components) {
-            m_components->keepUnsaved();
+        if (m_project) {
+            m_project->components().keepUnsaved();
         }
     }
     // The editor has another project open than the one with the unsaved edits: its entities' components are not shown
     // before save() has asked what becomes of these. Without such edits the panel goes on to the other project.
-    bool otherProjectOpen() const { return m_elsewhere.has_value(); }
+    bool otherProjectOpen() const { return m_project && m_project->isElsewhere(); }
     // For the panel's title, in words; empty while that one is open.
-    const char* whereabouts() const { return elsewhereText(m_elsewhere); }
+    const char* whereabouts() const { return m_project ? m_project->whereabouts() : ""; }
 
     // Faults of the actions' markup, and values outside their limits; one line each, in UTF-8.
     size_t findingCount() const { return findings().size(); }
@@ -104,9 +99,7 @@ public:
     std::string emptyText() const override;
     std::string helpText(size_t i) const override;
     std::optional<std::string> defaultOf(size_t i) const override;
-    const char* defaultName() const override {
-        return m_components ? "the &default" : "the script's &default";
-    }
+    const char* defaultName() const override { return m_project ? "the &default" : "the script's &default"; }
     const char* loadedName(size_t) const override { return "Before"; }
 
 private:
@@ -131,14 +124,10 @@ private:
 
     std::vector<std::string> entitiesNow() const;
     void show(std::vector<std::string> entities);
-    bool lookAtProject();
-    void moveTo(std::string projectFile);
-    PromptAnswer askElsewhere() const;
-    SaveResult saveElsewhere();
-    // Null while those of the open project are not known.
-    const EntityComponents* shownComponents() const {
-        return otherProjectOpen() ? nullptr : m_components.get();
-    }
+    bool lookAtProject() { return m_project && m_project->look(); }
+    // With a panel form.
+    EntityComponents& components() { return m_project->components(); }
+    const EntityComponents& components() const { return m_project->components(); }
     std::vector<std::string> namedEntities() const {
         return m_access ? m_entities : std::vector{m_namedEntity};
     }
@@ -163,11 +152,8 @@ private:
 
     EntityAccess* m_access;
     ZunEditorInterface& m_host;
-    std::unique_ptr<EntityComponents> m_components;  // null: the plain form
+    std::optional<EntityProject> m_project;  // nothing: the plain form
     std::string m_namedEntity;
-    OpenProject m_openProject;  // may be empty
-    std::string m_folder;       // of the components' project, as the host names it
-    Elsewhere m_elsewhere;      // of unsaved edits alone
     bool m_follows = true;
     std::vector<std::string> m_entities;
     EntityActions m_actions;

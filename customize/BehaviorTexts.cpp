@@ -101,7 +101,7 @@ std::string BehaviorSession::emptyText() const {
 std::string BehaviorSession::details(size_t i) const {
     const Source& source = m_sources[i];
     if (source.component) {
-        return m_components->details(*source.component);
+        return components().details(*source.component);
     }
     if (source.line == 0) {
         return source.number > 0 ? nameOfField(source.kind, source.number) : "";
@@ -114,12 +114,12 @@ std::string BehaviorSession::details(size_t i) const {
 
 std::string BehaviorSession::helpText(size_t i) const {
     const std::string help = RowEditing::helpText(i);
-    const std::string sayer = m_sources[i].component ? m_components->whoSays(*m_sources[i].component) : "";
+    const std::string sayer = m_sources[i].component ? components().whoSays(*m_sources[i].component) : "";
     return sayer.empty() ? help : "Value from " + sayer + ".\r\n" + help;
 }
 
 std::optional<std::string> BehaviorSession::defaultOf(size_t i) const {
-    return m_sources[i].component ? m_components->defaultOf(*m_sources[i].component)
+    return m_sources[i].component ? components().defaultOf(*m_sources[i].component)
                                   : RowEditing::defaultOf(i);
 }
 
@@ -161,8 +161,8 @@ std::vector<std::string> BehaviorSession::findings() const {
             }
         }
     }
-    if (m_components) {
-        const std::vector<std::string> own = m_components->findings();
+    if (m_project) {
+        const std::vector<std::string> own = components().findings();
         lines.insert(lines.end(), own.begin(), own.end());
     }
     return lines;
@@ -178,7 +178,7 @@ std::string BehaviorSession::findingsText() const {
 
 std::string BehaviorSession::copyName(size_t i) const {
     const Source& source = m_sources[i];
-    const std::string name = source.component ? m_components->nameOf(*source.component)
+    const std::string name = source.component ? components().nameOf(*source.component)
                              : source.number > 0
                                  ? nameOfField(source.kind, source.number) + ' ' + row(i).facts().label
                                  : "";
