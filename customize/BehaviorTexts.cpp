@@ -219,7 +219,7 @@ Result<size_t> BehaviorSession::rowFor(const std::string& field, const std::stri
         if (!sameLabel) {
             continue;
         }
-        if (named && m_sources[*named].number != source.number) {
+        if (named && (m_sources[*named].number != source.number || m_sources[*named].kind != source.kind)) {
             return Refusal{"several values are called that"};
         }
         named = named.value_or(i);

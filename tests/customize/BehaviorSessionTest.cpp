@@ -309,6 +309,18 @@ TEST_F(BehaviorSessionTest, pastesWhatAListOffers) {
     EXPECT_THAT(shown(), ElementsAre("Form=2.0 changed", "Any=9 changed"));
 }
 
+TEST_F(BehaviorSessionTest, pastesNoLineOfANameThatSeveralValuesHave) {
+    const std::string script =
+        "action a {\n// skill1: Light\n// skill2: Power\n// flag1: Light\n// flag2: Power\n}";
+    m_entities.entities["a"].action = {m_folder.write("b.kez", script), 0,
+                                       static_cast<std::int32_t>(script.size())};
+    m_session.refresh(true);
+    const PasteResult result = m_session.paste("Light = 1\nflag1 = 1\nflag2 Power = 1");
+    EXPECT_EQ(result.taken, 2U);
+    EXPECT_THAT(result.refused, ElementsAre("Light = 1  (several values are called that)"));
+    EXPECT_THAT(shown(), ElementsAre("Light=3", "Power=0", "Light=1 changed", "Power=1 changed"));
+}
+
 // Places as a level may hold them after its script has changed.
 TEST_F(BehaviorSessionTest, bearsPlacesThatSuitNoAction) {
     const std::string path = m_entities.entities["a"].action->script;
