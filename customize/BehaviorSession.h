@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controls/RowEditing.h"
+#include "customize/BehaviorLines.h"
 #include "customize/EntityActions.h"
 #include "customize/EntityComponents.h"
 #include "customize/EntityProject.h"
@@ -18,12 +19,6 @@
 #include "util/UserPrompt.h"
 
 namespace zoka {
-
-// What a paste did.
-struct PasteResult {
-    size_t taken = 0;                  // values that are others now
-    std::vector<std::string> refused;  // the lines that found no place, each with the reason, in UTF-8
-};
 
 // An edit reaches the entities at once, all that are shown or none; undo gives each its own value back. What the
 // host refuses is told, and its row takes nothing until the values are read again. [panel thread]
@@ -87,8 +82,7 @@ public:
     // --- Copied and pasted lines, in UTF-8
     // "skill3 Speed = 2.5", a line for each value of the rows [first, last); those that differ are left out.
     std::string copyText(size_t first, size_t last) const;
-    // Takes such lines, in one step of undo. A value goes to the row of the same number and name, or else of the
-    // same name; "body.mass = 80" to a component's.
+    // Takes such lines, in one step of undo.
     PasteResult paste(const std::string& text);
 
     std::string subject() const override;
@@ -135,8 +129,7 @@ private:
     void addComponents();
     void replaceRows(size_t kept, const std::function<void()>& add);
     void blockComponents();
-    // "skill3 Speed", "body.mass", in UTF-8; empty for a row without a value.
-    std::string copyName(size_t i) const;
+    LineName lineName(size_t i) const;
     std::optional<float> read(const Source& source, const std::string& entity) const;
     bool write(const Source& source, const std::string& entity, float value);
     std::vector<size_t> rowsLike(size_t i) const;
@@ -145,8 +138,7 @@ private:
     bool reread(size_t i);
     void showValues(size_t i);
     std::string textOf(size_t i, float value) const;
-    std::string takeChoice(size_t i, std::string& value) const;
-    Result<size_t> rowFor(const std::string& field, const std::string& label) const;
+    Result<std::string> pastedValue(size_t i, std::string_view text) const;
     std::vector<std::string> findings() const;
     std::string whoseRows() const;
 

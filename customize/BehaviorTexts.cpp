@@ -1,4 +1,4 @@
-// What the panel of Entity Behavior says about its rows, and the lines that are copied and pasted.
+// What the panel of Entity Behavior says about its rows, and their values as copied and pasted lines.
 #include <algorithm>
 #include <utility>
 
@@ -6,35 +6,12 @@
 #include "customize/BehaviorSession.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
-#include "util/Text.h"
 
 namespace zoka {
 namespace {
 
 std::string nameOfField(int kind, int number) {
     return (kind == kSkill ? "skill" : "flag") + std::to_string(number);
-}
-
-// "skill3" or "flag1" in front of a label.
-bool isFieldName(std::string_view word) {
-    const int keyword = LookupCustomKeyword(word);
-    return keyword > kFlag && keyword < kBehavior && keyword != kSkill;
-}
-
-struct PastedLine {
-    std::string_view field;  // may be empty
-    std::string_view label;
-    std::string_view value;
-};
-
-PastedLine pastedLine(std::string_view line, size_t equals) {
-    PastedLine parts{{}, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1))};
-    const std::string_view word = parts.label.substr(0, parts.label.find_first_of(" \t"));
-    if (isFieldName(word)) {
-        parts.field = word;
-        parts.label = trimmed(parts.label.substr(word.size()));
-    }
-    return parts;
 }
 
 std::string utf8(std::string_view systemText) {
@@ -52,7 +29,7 @@ std::string BehaviorSession::subject() const {
 }
 
 std::string BehaviorSession::nameOf(size_t i) const {
-    const std::string name = copyName(i);
+    const std::string name = lineName(i).text();
     return name.empty() ? utf8Text(row(i).facts().label, row(i).facts().set) : name;
 }
 
@@ -176,20 +153,21 @@ std::string BehaviorSession::findingsText() const {
     return text;
 }
 
-std::string BehaviorSession::copyName(size_t i) const {
+LineName BehaviorSession::lineName(size_t i) const {
     const Source& source = m_sources[i];
-    const std::string name = source.component ? components().nameOf(*source.component)
-                             : source.number > 0
-                                 ? nameOfField(source.kind, source.number) + ' ' + row(i).facts().label
-                                 : "";
-    return utf8Text(name, row(i).facts().set);
+    if (source.component) {
+        return {"", components().nameOf(*source.component)};
+    }
+    return source.number == 0 ? LineName()
+                              : LineName{nameOfField(source.kind, source.number),
+                                         utf8Text(row(i).facts().label, row(i).facts().set)};
 }
 
 // A value of several lines would be taken for several values.
 std::string BehaviorSession::copyText(size_t first, size_t last) const {
     std::string text;
     for (size_t i = first; i < last && i < size(); ++i) {
-        const std::string name = copyName(i);
+        const std::string name = lineName(i).text();
         const bool isOneLine = row(i).value().find_first_of("\r\n") == std::string::npos;
         if (!name.empty() && isOneLine && !row(i).isDifferent()) {
             text += name + " = " + utf8Text(row(i).value(), row(i).facts().set) + "\r\n";
@@ -198,90 +176,46 @@ std::string BehaviorSession::copyText(size_t first, size_t last) const {
     return text;
 }
 
-Result<size_t> BehaviorSession::rowFor(const std::string& field, const std::string& label) const {
-    const auto isLabel = [folded = foldedText(label, TextSet::Utf8)](const std::string& one, TextSet set) {
-        return foldedText(one, set) == folded;
-    };
-    std::optional<size_t> named;
-    for (size_t i = 0; i < size(); ++i) {
-        const Source& source = m_sources[i];
-        if (source.component && field.empty() && isLabel(copyName(i), TextSet::Utf8)) {
-            return i;
-        }
-        if (source.number == 0) {
-            continue;
-        }
-        const bool sameField = equalNoCase(field, nameOfField(source.kind, source.number));
-        const bool sameLabel = isLabel(row(i).facts().label, row(i).facts().set);
-        if (sameField && (sameLabel || label.empty())) {
-            return i;
-        }
-        if (!sameLabel) {
-            continue;
-        }
-        if (named && (m_sources[*named].number != source.number || m_sources[*named].kind != source.kind)) {
-            return Refusal{"several values are called that"};
-        }
-        named = named.value_or(i);
-    }
-    return named ? Result(*named) : Refusal{"there is no such value here"};
-}
-
-// Makes a number the choice of the row's list that is equal. Why there is none, in the row's character set; of components
-// the project says what they take.
-std::string BehaviorSession::takeChoice(size_t i, std::string& value) const {
-    const auto number = skillOfText(value);
-    if (m_sources[i].number == 0 || row(i).facts().options.empty() || !number) {
-        return {};
+// As the row takes it: of a list the choice that is the same number. Of components the project says what they take.
+Result<std::string> BehaviorSession::pastedValue(size_t i, std::string_view text) const {
+    const EntryFacts& facts = row(i).facts();
+    Result<std::string> value = convertText(text, TextSet::Utf8, facts.set);
+    const auto number = value ? skillOfText(*value) : std::nullopt;
+    if (m_sources[i].number == 0 || facts.options.empty() || !number) {
+        return value;
     }
     value = textOf(i, *number);
-    return !row(i).isDifferent() && value == row(i).value() ? "" : choiceRefusal(row(i).facts(), value);
+    if (!row(i).isDifferent() && *value == row(i).value()) {
+        return value;
+    }
+    const std::string refusal = choiceRefusal(facts, *value);
+    return refusal.empty() ? value : Refusal{utf8Text(refusal, facts.set)};
 }
 
 PasteResult BehaviorSession::paste(const std::string& text) {
     PasteResult result;
+    std::vector<LineName> names(size());
+    for (size_t i = 0; i < size(); ++i) {
+        names[i] = lineName(i);
+    }
+    const BehaviorLines rows(std::move(names));
     std::vector<RowValue> values;
-    std::vector<std::string> lines;
-    const auto refuse = [&](std::string_view line, const std::string& why) {
-        result.refused.push_back(std::string(line) + "  (" + why + ')');
-    };
-    for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find('\n', at), text.size());
-        const std::string_view line = trimmed(std::string_view(text).substr(at, end - at));
-        at = end + 1;
-        if (line.empty()) {
-            continue;
-        }
-        Result<size_t> place = Refusal{"it is not of the form \"name = value\""};
-        for (size_t equals = line.find('='); equals != line.npos && !place;
-             equals = line.find('=', equals + 1)) {
-            const PastedLine parts = pastedLine(line, equals);
-            place = rowFor(std::string(parts.field), std::string(parts.label));
-            if (!place) {
-                continue;
-            }
-            auto value = convertText(parts.value, TextSet::Utf8, row(*place).facts().set);
-            if (!value) {
-                place = Refusal{value.why()};
-                break;
-            }
-            if (std::string why = takeChoice(*place, *value); !why.empty()) {
-                place = Refusal{utf8Text(why, row(*place).facts().set)};
-                break;
-            }
-            values.push_back({*place, std::move(*value)});
-        }
-        if (place) {
-            lines.emplace_back(line);
+    std::vector<std::string_view> lines;  // of the values
+    for (const std::string_view line : filledLines(text)) {
+        const auto place = rows.placeOf(line);
+        auto value = place ? pastedValue(place->row, place->value) : Refusal{place.why()};
+        if (value) {
+            values.push_back({place->row, std::move(*value)});
+            lines.push_back(line);
         } else {
-            refuse(line, place.why());
+            result.refuse(line, value.why());
         }
     }
     std::vector<std::string> refusals;
     result.taken = setValues(values, &refusals);
     for (size_t i = 0; i < lines.size(); ++i) {
         if (!refusals[i].empty()) {
-            refuse(lines[i], refusals[i]);
+            result.refuse(lines[i], refusals[i]);
         }
     }
     return result;
