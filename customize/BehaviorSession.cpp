@@ -1,35 +1,18 @@
 #include "customize/BehaviorSession.h"
 
-#include <algorithm>
 #include <charconv>
-#include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "controls/EntryRules.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
 
 namespace zoka {
 namespace {
 
-constexpr const char* kRefused = "The editor has refused the value.";
-constexpr const char* kElsewhere = "The editor has gone on to other entities; the value was not written.";
 constexpr const char* kReadAnew = "The values were read anew; the one given here was not written.";
 constexpr const char* kIsGone = " is gone from the level.";
-constexpr const char* kNoValue = "No value suits the actions of all these entities.";
-
-// For a row whose texts are in that set.
-std::string unreadable(const std::string& entity, TextSet set) {
-    return *convertText("The editor no longer gives this value of " + entity + '.', TextSet::System, set);
-}
-
-// A host may hold what is no number; it is the same as itself here.
-bool isSame(float one, float other) {
-    return one == other || (std::isnan(one) && std::isnan(other));
-}
-
-bool areSame(const std::vector<float>& values, const std::vector<float>& others) {
-    return std::equal(values.begin(), values.end(), others.begin(), others.end(), isSame);
-}
-
-bool allEqual(const std::vector<float>& values) {
-    return std::all_of(values.begin(), values.end(), [&](float one) { return isSame(one, values.front()); });
-}
 
 }  // namespace
 
@@ -39,398 +22,97 @@ BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& hos
 BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& host,
                                  std::unique_ptr<EntityComponents> components, std::string entity,
                                  OpenProject openProject)
-    : m_access(entities), m_host(host), m_namedEntity(std::move(entity)) {
+    : m_host(host), m_entities(entities, std::move(entity)) {
     if (components) {
         m_project.emplace(std::move(components), host, std::move(openProject));
     }
 }
 
+// --- Which rows there are
+
 void BehaviorSession::open() {
     if (m_project) {
         m_project->load();
     }
-    m_changes = m_known = m_access ? m_access->changes() : std::nullopt;
-    show(m_access ? m_access->selected() : std::vector<std::string>());
+    if (!m_entities.isKnown()) {
+        return show({});
+    }
+    m_entities.look(true);
+    show(m_entities.selected());
 }
 
 void BehaviorSession::setFollowing(bool follows) {
-    m_follows = follows;
+    m_entities.setFollowing(follows);
     refresh(true);
-}
-
-// Those to be shown: the selection, if it's followed, without what is gone.
-std::vector<std::string> BehaviorSession::entitiesNow() const {
-    const auto gone = [this](const std::string& entity) { return !isThere(*m_access, entity); };
-    std::vector<std::string> entities = follows() ? m_access->selected() : m_entities;
-    if (std::all_of(entities.begin(), entities.end(), gone) &&
-        std::all_of(m_entities.begin(), m_entities.end(), gone)) {
-        return m_entities;  // what was shown has been deleted: that is told
-    }
-    std::erase_if(entities, gone);
-    return entities;
 }
 
 void BehaviorSession::refresh(bool always) {
     const bool isMoved = lookAtProject();
-    if (!m_access) {
+    if (!m_entities.isKnown()) {
         if (isMoved) {
             show({});
         }
         return;
     }
-    const auto changes = m_access->changes();
-    if (!always && !isMoved && (!changes || changes == m_changes)) {
+    if (!m_entities.look(always || isMoved)) {
         return;
     }
-    m_changes = m_known = changes;
-    std::vector<std::string> entities = entitiesNow();
+    std::vector<std::string> now = m_entities.now();
     const bool isReloaded = m_project && components().reloadIfChanged();
-    if (isMoved || isReloaded || entities != m_entities ||
-        (!m_gone.empty() && isThere(*m_access, m_entities.front())) ||
-        m_actions.haveChanged(*m_access, m_entities)) {
-        show(std::move(entities));
-        return;
+    if (isMoved || isReloaded || m_entities.areOthers(now)) {
+        return show(std::move(now));
     }
-    bool any = m_gone.empty() && !m_entities.empty() && !isThere(*m_access, m_entities.front());
-    if (any) {
-        m_gone = m_entities.front();
-        blockComponents();
+    const bool isGone = m_entities.noteGone();
+    for (size_t i = 0; isGone && i < size(); ++i) {
+        if (componentOf(i)) {
+            block(m_models[i]);
+        }
     }
-    for (size_t i = 0; i < m_sources.size(); ++i) {
-        any = reread(i) || any;
-    }
-    if (any) {
+    if (m_values.reread(m_models) || isGone) {
         listener().valuesChanged();
     }
 }
 
+// Should memory run out before the rows are all made, the view still has those before.
 void BehaviorSession::show(std::vector<std::string> entities) {
     m_givenUp.clear();
-    m_areOthers = entities != m_entities;
-    m_entities = std::move(entities);
-    m_gone = m_entities.size() == 1 && !isThere(*m_access, m_entities.front()) ? m_entities.front() : "";
-    m_actions.load(m_access, namedEntities(), m_project ? m_project->shownComponents() : nullptr);
+    m_areOthers = entities != m_entities.shown();
+    m_entities.show(std::move(entities), m_project ? m_project->shownComponents() : nullptr);
     if (m_project) {
-        m_project->show(namedEntities());
+        m_project->show(m_entities.withComponents());
     }
-    replaceRows(0, [this] {
-        for (const CustomEntry& row : m_actions.sharedRows()) {
-            addRow(row);
-        }
-        if (m_project) {
-            addComponents();
-        }
-        if (otherProjectOpen()) {
-            EntryFacts facts;
-            facts.field = EntryField::Text;
-            facts.label =
-                "Changes of '" + components().file() + "' are not saved. Save asks what becomes of them.";
-            m_models.emplace_back(std::move(facts));
-            m_sources.emplace_back();
-        }
-    });
+    std::vector<EntryModel> models;
+    EntityValues values(m_entities, models);
+    addComponents(models);
+    if (otherProjectOpen()) {
+        EntryFacts facts;
+        facts.field = EntryField::Text;
+        facts.label =
+            "Changes of '" + components().file() + "' are not saved. Save asks what becomes of them.";
+        models.emplace_back(std::move(facts));
+    }
+    m_values = std::move(values);
+    m_models.swap(models);
     showRows(m_models);
 }
 
-// The first `kept` rows stay and `add` puts others behind them. Should memory run out, the view still has those before.
-void BehaviorSession::replaceRows(size_t kept, const std::function<void()>& add) {
-    std::vector<EntryModel> models(m_models.begin(), m_models.begin() + static_cast<std::ptrdiff_t>(kept));
-    std::vector<Source> sources(m_sources.begin(), m_sources.begin() + static_cast<std::ptrdiff_t>(kept));
-    m_models.swap(models);
-    m_sources.swap(sources);
-    try {
-        add();
-    } catch (...) {
-        m_models.swap(models);
-        m_sources.swap(sources);
-        throw;
-    }
-}
-
-void BehaviorSession::addComponents() {
-    for (size_t row = 0; row < components().size(); ++row) {
-        m_models.push_back(components().modelOf(row));
-        m_sources.push_back({.component = row});
-    }
-    blockComponents();
-}
-
-// Those of an entity that is gone: nobody would see what is changed.
-void BehaviorSession::blockComponents() {
-    for (size_t i = 0; i < m_sources.size() && !m_gone.empty(); ++i) {
-        if (m_sources[i].component) {
-            m_models[i].setBlocked(utf8Text(m_gone, TextSet::System) + kIsGone);
+void BehaviorSession::addComponents(std::vector<EntryModel>& models) const {
+    for (size_t row = 0; m_project && row < components().size(); ++row) {
+        models.push_back(components().modelOf(row));
+        if (!m_entities.gone().empty()) {
+            block(models.back());
         }
     }
 }
 
-void BehaviorSession::addRow(const CustomEntry& entry) {
-    if (entry.kind == kTitle) {  // the window's caption
-        return;
-    }
-    Source source{entry.kind, skillNumber(entry) + flagNumber(entry), entry.line};
-    EntryFacts facts = behaviorFacts(entry, m_actions.panels().front().set);
-    if (m_actions.panels().size() > 1 && facts.limited && facts.minimum > facts.maximum) {
-        source.closed = kNoValue;
-        facts.limited = false;
-        facts.field = EntryField::FloatField;
-    }
-    if (!m_access && source.number > 0) {
-        source.closed = "The editor tells nothing of its entities.";
-    }
-    std::string blocked = source.closed;
-    bool isKnown = true;
-    if (source.number > 0) {
-        for (const std::string& entity : m_entities) {
-            const auto value = read(source, entity);
-            source.values.push_back(value.value_or(0));
-            if (!value) {
-                blocked = unreadable(entity, facts.set);
-                isKnown = false;
-            }
-        }
-        auto extras = std::make_shared<EntryExtras>();
-        const auto standard = skillOfText(entry.value);
-        if (standard && entry.line > 0) {
-            extras->standard = entry.kind == kFlag ? (*standard != 0 ? "1" : "0") : skillText(*standard);
-        }
-        facts.extras = std::move(extras);
-        facts.different = !allEqual(source.values);
-        facts.value.clear();
-    }
-    if (isKnown) {
-        source.loaded = source.values;
-    }
-    m_sources.push_back(std::move(source));
-    const size_t i = m_sources.size() - 1;
-    if (m_sources[i].number > 0 && !facts.different) {
-        m_models.emplace_back(facts);  // for its choices, which textOf looks at
-        facts.value = textOf(i, m_sources[i].values.empty() ? 0 : m_sources[i].values.front());
-        m_models.pop_back();
-    }
-    m_models.emplace_back(std::move(facts)).setBlocked(blocked);
+// Of an entity that is gone: nobody would see what is changed.
+void BehaviorSession::block(EntryModel& component) const {
+    component.setBlocked(utf8Text(m_entities.gone(), TextSet::System) + kIsGone);
 }
 
-// A value as the row writes it: the choice that is equal, or a number.
-std::string BehaviorSession::textOf(size_t i, float value) const {
-    if (m_sources[i].kind == kFlag) {
-        return value != 0 ? "1" : "0";
-    }
-    for (const std::string& option : m_models[i].facts().options) {
-        if (skillOfText(option) == value) {
-            return option;
-        }
-    }
-    return skillText(value);
-}
-
-std::optional<float> BehaviorSession::read(const Source& source, const std::string& entity) const {
-    if (source.kind == kSkill) {
-        return m_access->skill(entity, source.number);
-    }
-    const auto on = m_access->flag(entity, source.number);
-    return on ? std::optional(*on ? 1.0F : 0.0F) : std::nullopt;
-}
-
-bool BehaviorSession::write(const Source& source, const std::string& entity, float value) {
-    return source.kind == kSkill ? m_access->setSkill(entity, source.number, value)
-                                 : m_access->setFlag(entity, source.number, value != 0);
-}
-
-// A number that is declared twice has two rows.
-std::vector<size_t> BehaviorSession::rowsLike(size_t i) const {
-    std::vector<size_t> rows;
-    for (size_t row = 0; row < m_sources.size(); ++row) {
-        if (m_sources[row].number == m_sources[i].number && m_sources[row].kind == m_sources[i].kind) {
-            rows.push_back(row);
-        }
-    }
-    return rows;
-}
-
-// Whether the editor has gone on to other entities, or to a level with others of these names, since the rows were made:
-// the panel looks only now and then. Of a host that does not count its changes these are many questions, so the first row
-// of a step asks them for all.
-bool BehaviorSession::isOutdated() {
-    const auto now = m_access->changes();
-    const bool isExpected = now ? now == m_known : m_isUpToDate;
-    if (!isExpected && (entitiesNow() != m_entities || m_actions.haveMoved(*m_access, m_entities))) {
-        return true;
-    }
-    // Not noted in m_changes: another hand may have changed values, which is still to be seen.
-    m_known = now;
-    m_isUpToDate = m_isInStep;
-    return false;
-}
-
-// All entities get their value, or none: those already written get back what they had, unless the editor has opened
-// another level meanwhile, whose entities may have the same names.
-Outcome BehaviorSession::writeAll(size_t i, const std::vector<float>& values) {
-    if (!m_access || isOutdated()) {
-        return Refusal{kElsewhere};
-    }
-    const Source source = m_sources[i];
-    std::uint32_t changed = 0;
-    for (size_t n = 0; n < m_entities.size(); ++n) {
-        if (write(source, m_entities[n], values[n])) {
-            changed += isSame(values[n], source.values[n]) ? 0U : 1U;
-            continue;
-        }
-        if (m_actions.haveMoved(*m_access, m_entities)) {
-            return Refusal{kElsewhere};
-        }
-        while (n-- > 0) {
-            write(source, m_entities[n], source.values[n]);
-        }
-        for (const size_t row : rowsLike(i)) {
-            reread(row);
-            m_models[row].setBlocked(kRefused);
-        }
-        listener().valuesChanged();
-        return Refusal{kRefused};
-    }
-    // Between two of these writes a level may have opened. Where other entities were only selected, the values are written:
-    // the next write or look notices.
-    if (m_known) {
-        const auto now = m_access->changes();
-        if (now == *m_known + changed) {
-            m_known = now;
-        } else if (m_actions.haveMoved(*m_access, m_entities)) {
-            return Refusal{kElsewhere};
-        }
-    }
-    for (const size_t row : rowsLike(i)) {
-        m_sources[row].values = values;
-        if (row != i) {
-            showValues(row);
-        }
-    }
-    return {};
-}
-
-std::string BehaviorSession::giveUpInput() {
-    m_givenUp = m_areOthers ? kElsewhere : kReadAnew;
-    listener().valuesChanged();
-    return m_givenUp;
-}
-
-void BehaviorSession::stepBegins(bool) {
-    m_givenUp.clear();
-    m_isInStep = true;
-}
-
-void BehaviorSession::stepEnds() {
-    m_isInStep = m_isUpToDate = false;
-}
-
-Outcome BehaviorSession::store(size_t i, const std::string& value) {
-    if (m_sources[i].component) {
-        return components().set(*m_sources[i].component, value);
-    }
-    const auto number = skillOfText(value);
-    if (!number || m_sources[i].number == 0) {
-        return Refusal{skillRefusal(value)};
-    }
-    return writeAll(i, std::vector<float>(m_entities.size(), *number));
-}
-
-// Of a component's row how many edits of the project are done: each entity's own value is among them.
-std::string BehaviorSession::stateOf(size_t i) const {
-    if (m_sources[i].component) {
-        return std::to_string(components().editsDone());
-    }
-    std::string state;
-    for (const float value : m_sources[i].values) {
-        char digits[32];
-        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-        state.append(digits, end).push_back(' ');
-    }
-    return state;
-}
-
-Outcome BehaviorSession::putState(size_t i, const std::string& state) {
-    if (const auto row = m_sources[i].component) {
-        if (!m_models[i].blocked().empty()) {
-            return Refusal{m_gone.empty() ? m_models[i].blocked() : m_gone + kIsGone};
-        }
-        size_t edits = 0;
-        std::from_chars(state.data(), state.data() + state.size(), edits);
-        components().goTo(edits);
-        components().showValue(*row, m_models[i]);
-        return {};
-    }
-    std::vector<float> values(m_entities.size());
-    const char* at = state.data();
-    const char* const end = at + state.size();
-    for (float& value : values) {
-        at = std::from_chars(at, end, value).ptr;
-        at += at < end ? 1 : 0;
-    }
-    return putValues(i, values);
-}
-
-Outcome BehaviorSession::putValues(size_t i, const std::vector<float>& values) {
-    Outcome written = writeAll(i, values);
-    if (written) {
-        showValues(i);
-    }
-    return written;
-}
-
-// Of several entities each one's own value.
-Outcome BehaviorSession::putLoaded(size_t i) {
-    if (const auto row = m_sources[i].component) {
-        Outcome taken = components().inherit(*row);
-        if (taken) {
-            components().showValue(*row, m_models[i]);
-        }
-        return taken;
-    }
-    const std::vector<float> values = m_sources[i].loaded;
-    return values.empty() ? Refusal{kRefused} : putValues(i, values);
-}
-
-// True when what the row shows is another thing than before.
-bool BehaviorSession::reread(size_t i) {
-    Source& source = m_sources[i];
-    if (source.number == 0) {
-        return false;
-    }
-    std::vector<float> values;
-    for (const std::string& entity : m_entities) {
-        const auto value = read(source, entity);
-        if (!value) {
-            const std::string why = unreadable(entity, m_models[i].facts().set);
-            const bool isNews = m_models[i].blocked() != why;
-            m_models[i].setBlocked(why);
-            return isNews;
-        }
-        values.push_back(*value);
-    }
-    const bool isFirst = source.loaded.empty();  // one of them could not be read before
-    if (isFirst) {
-        source.loaded = values;
-    }
-    const bool isNews = !areSame(values, source.values) || m_models[i].blocked() != source.closed;
-    m_models[i].setBlocked(source.closed);
-    // A text that is being typed is not written anew while its number stays.
-    if (!areSame(values, source.values)) {
-        source.values = std::move(values);
-        showValues(i);
-    }
-    if (isFirst) {
-        m_models[i].takeAsLoaded();
-    }
-    return isNews;
-}
-
-void BehaviorSession::showValues(size_t i) {
-    const std::vector<float>& values = m_sources[i].values;
-    if (allEqual(values)) {
-        m_models[i].putBack(textOf(i, values.front()));
-    } else {
-        m_models[i].setDifferent(!areSame(values, m_sources[i].loaded));
-    }
+std::optional<size_t> BehaviorSession::componentOf(size_t i) const {
+    const bool isOne = m_project && i >= m_values.size() && i - m_values.size() < components().size();
+    return isOne ? std::optional(i - m_values.size()) : std::nullopt;
 }
 
 SaveResult BehaviorSession::save() {
@@ -439,13 +121,13 @@ SaveResult BehaviorSession::save() {
     }
     leaveField();
     if (lookAtProject()) {
-        show(m_entities);
+        show(entities());
     }
     if (otherProjectOpen()) {
         const SaveResult saved = m_project->saveElsewhere();
         if (!hasUnsaved()) {
             lookAtProject();
-            show(m_entities);
+            show(entities());
         }
         return saved;
     }
@@ -460,13 +142,234 @@ SaveResult BehaviorSession::save() {
     const size_t edits = components().editsDone();
     const SaveResult saved = components().save();
     // The project was loaded anew; where another program had changed it, its rows may be others.
-    components().show(namedEntities());
+    components().show(m_entities.withComponents());
     const bool isSame = names() == before && components().editsDone() == edits;
-    const auto first = std::find_if(m_sources.begin(), m_sources.end(),
-                                    [](const Source& source) { return source.component.has_value(); });
-    replaceRows(static_cast<size_t>(first - m_sources.begin()), [this] { addComponents(); });
+    std::vector<EntryModel> models(m_models.begin(),
+                                   m_models.begin() + static_cast<std::ptrdiff_t>(m_values.size()));
+    addComponents(models);
+    m_models.swap(models);
     showRows(m_models, isSame);
     return saved;
+}
+
+// --- Their values
+
+void BehaviorSession::stepBegins(bool) {
+    m_givenUp.clear();
+    m_entities.stepBegins();
+}
+
+std::string BehaviorSession::giveUpInput() {
+    m_givenUp = m_areOthers ? kValueOutdated : kReadAnew;
+    listener().valuesChanged();
+    return m_givenUp;
+}
+
+Outcome BehaviorSession::told(Written written) {
+    if (written == Written::All) {
+        return {};
+    }
+    if (written == Written::Refused) {
+        listener().valuesChanged();
+    }
+    return Refusal{written == Written::Refused ? kValueRefused : kValueOutdated};
+}
+
+Outcome BehaviorSession::store(size_t i, const std::string& value) {
+    if (const auto row = componentOf(i)) {
+        return components().set(*row, value);
+    }
+    const auto number = skillOfText(value);
+    if (!number || !m_values.hasValue(i)) {
+        return Refusal{skillRefusal(value)};
+    }
+    return told(m_values.write(i, *number, m_models));
+}
+
+// Of a component's row how many edits of the project are done: each entity's own value is among them.
+std::string BehaviorSession::stateOf(size_t i) const {
+    return componentOf(i) ? std::to_string(components().editsDone()) : m_values.stateOf(i);
+}
+
+Outcome BehaviorSession::putState(size_t i, const std::string& state) {
+    const auto row = componentOf(i);
+    if (!row) {
+        return told(m_values.putState(i, state, m_models));
+    }
+    if (const std::string& blocked = m_models[i].blocked(); !blocked.empty()) {
+        return Refusal{m_entities.gone().empty() ? blocked : m_entities.gone() + kIsGone};
+    }
+    size_t edits = 0;
+    std::from_chars(state.data(), state.data() + state.size(), edits);
+    components().goTo(edits);
+    components().showValue(*row, m_models[i]);
+    return {};
+}
+
+// Of several entities each one's own value.
+Outcome BehaviorSession::putLoaded(size_t i) {
+    const auto row = componentOf(i);
+    if (!row) {
+        return m_values.isLoaded(i) ? told(m_values.putLoaded(i, m_models)) : Refusal{kValueRefused};
+    }
+    Outcome taken = components().inherit(*row);
+    if (taken) {
+        components().showValue(*row, m_models[i]);
+    }
+    return taken;
+}
+
+// --- What is said of them
+
+std::string BehaviorSession::subject() const {
+    std::string all;
+    for (const std::string& entity : entities()) {
+        all += entity + '\n';
+    }
+    return all;
+}
+
+LineName BehaviorSession::lineName(size_t i) const {
+    if (const auto component = componentOf(i)) {
+        return {"", components().nameOf(*component)};
+    }
+    return m_values.hasValue(i)
+               ? LineName{m_values.fieldOf(i), utf8Text(row(i).facts().label, row(i).facts().set)}
+               : LineName();
+}
+
+std::string BehaviorSession::nameOf(size_t i) const {
+    const std::string name = lineName(i).text();
+    return name.empty() ? utf8Text(row(i).facts().label, row(i).facts().set) : name;
+}
+
+std::string BehaviorSession::status() const {
+    // Briefly where there is more to be read in the line.
+    const std::string whose = m_entities.inWords(!m_givenUp.empty());
+    return m_givenUp.empty() ? whose : whose + (whose.ends_with('.') ? " " : ". ") + m_givenUp;
+}
+
+std::string BehaviorSession::emptyText() const {
+    if (size() > 0) {
+        return RowEditing::emptyText();
+    }
+    if (entities().empty()) {
+        return canFollow() ? "Select an entity in the editor." : "No entity is selected.";
+    }
+    return m_entities.actions().panels().size() > 1
+               ? "The actions of these entities have no value in common."
+               : "The script of the entity's action can't be read, or has changed.";
+}
+
+// In the row's own character set, as all that its tooltip says.
+std::string BehaviorSession::details(size_t i) const {
+    const auto component = componentOf(i);
+    return component ? components().details(*component) : m_values.details(i, row(i).facts().set);
+}
+
+std::string BehaviorSession::helpText(size_t i) const {
+    const std::string help = RowEditing::helpText(i);
+    const auto component = componentOf(i);
+    const std::string sayer = component ? components().whoSays(*component) : "";
+    return sayer.empty() ? help : "Value from " + sayer + ".\r\n" + help;
+}
+
+std::optional<std::string> BehaviorSession::defaultOf(size_t i) const {
+    const auto component = componentOf(i);
+    return component ? components().defaultOf(*component) : RowEditing::defaultOf(i);
+}
+
+std::string BehaviorSession::picturePath(const std::string& nameInScript) const {
+    const std::vector<BehaviorPanel>& panels = m_entities.actions().panels();
+    const TextSet set = panels.empty() ? TextSet::System : panels.front().set;
+    const std::string name = convertText(nameInScript, set, TextSet::System).value().value_or(nameInScript);
+    if (!panels.empty()) {
+        const std::string own = joinPath(folderOf(panels.front().scriptName), name);
+        if (osFiles().exists(own)) {
+            return own;
+        }
+    }
+    return m_host.TemplatePath(name);
+}
+
+std::vector<std::string> BehaviorSession::findings() const {
+    std::vector<std::string> lines = m_entities.actions().findings();
+    const auto add = [&](const std::vector<std::string>& more) {
+        lines.insert(lines.end(), more.begin(), more.end());
+    };
+    add(m_values.findings(m_models));
+    if (m_project) {
+        add(components().findings());
+    }
+    return lines;
+}
+
+std::string BehaviorSession::findingsText() const {
+    std::string text;
+    for (const std::string& line : findings()) {
+        text += line + "\r\n";
+    }
+    return text;
+}
+
+// --- Their values as lines
+
+// A value of several lines would be taken for several values.
+std::string BehaviorSession::copyText(size_t first, size_t last) const {
+    std::string text;
+    for (size_t i = first; i < last && i < size(); ++i) {
+        const std::string name = lineName(i).text();
+        const bool isOneLine = row(i).value().find_first_of("\r\n") == std::string::npos;
+        if (!name.empty() && isOneLine && !row(i).isDifferent()) {
+            text += name + " = " + utf8Text(row(i).value(), row(i).facts().set) + "\r\n";
+        }
+    }
+    return text;
+}
+
+// As the row takes it: of a list the choice that is the same number. Of components the project says what they take.
+Result<std::string> BehaviorSession::pastedValue(size_t i, std::string_view text) const {
+    const EntryFacts& facts = row(i).facts();
+    Result<std::string> value = convertText(text, TextSet::Utf8, facts.set);
+    const auto number = value ? skillOfText(*value) : std::nullopt;
+    if (!m_values.hasValue(i) || facts.options.empty() || !number) {
+        return value;
+    }
+    value = m_values.textOf(i, facts, *number);
+    if (!row(i).isDifferent() && *value == row(i).value()) {
+        return value;
+    }
+    const std::string refusal = choiceRefusal(facts, *value);
+    return refusal.empty() ? value : Refusal{utf8Text(refusal, facts.set)};
+}
+
+PasteResult BehaviorSession::paste(const std::string& text) {
+    PasteResult result;
+    std::vector<LineName> names(size());
+    for (size_t i = 0; i < size(); ++i) {
+        names[i] = lineName(i);
+    }
+    const BehaviorLines rows(std::move(names));
+    std::vector<RowValue> values;
+    std::vector<std::string_view> lines;  // of the values
+    for (const std::string_view line : filledLines(text)) {
+        const auto place = rows.placeOf(line);
+        auto value = place ? pastedValue(place->row, place->value) : Refusal{place.why()};
+        if (value) {
+            values.push_back({place->row, std::move(*value)});
+            lines.push_back(line);
+        } else {
+            result.refuse(line, value.why());
+        }
+    }
+    std::vector<std::string> refusals;
+    result.taken = setValues(values, &refusals);
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (!refusals[i].empty()) {
+            result.refuse(lines[i], refusals[i]);
+        }
+    }
+    return result;
 }
 
 }  // namespace zoka

@@ -2,18 +2,18 @@
 // components that a project gives them.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 #include "controls/RowEditing.h"
 #include "customize/BehaviorLines.h"
-#include "customize/EntityActions.h"
 #include "customize/EntityComponents.h"
 #include "customize/EntityProject.h"
+#include "customize/EntitySelection.h"
+#include "customize/EntityValues.h"
 #include "plugin/host/EntityAccess.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "util/UserPrompt.h"
@@ -39,13 +39,13 @@ public:
     void refresh(bool always);
 
     // Where the host can tell of the selection, the rows follow it as long as the user wants that.
-    bool canFollow() const { return m_access && m_access->followsSelection(); }
-    bool follows() const { return m_follows && canFollow(); }
+    bool canFollow() const { return m_entities.canFollow(); }
+    bool follows() const { return m_entities.follows(); }
     void setFollowing(bool follows);
 
-    const std::vector<std::string>& entities() const { return m_entities; }
+    const std::vector<std::string>& entities() const { return m_entities.shown(); }
     // The title that the action's markup gives the window, in UTF-8; empty when there is none or they differ.
-    std::string title() const { return m_actions.title(); }
+    std::string title() const { return m_entities.actions().title(); }
     // Which entities the rows are of, and what is the matter with them.
     std::string status() const;
 
@@ -97,67 +97,35 @@ public:
     const char* loadedName(size_t) const override { return "Before"; }
 
 private:
-    // What a row stands for. Number 0: nothing but its text, or a row of the components.
-    struct Source {
-        int kind = kNoKeyword;
-        int number = 0;
-        int line = 0;
-        std::vector<float> values = {};  // one an entity, as last read or written; a flag's are 0 and 1
-        std::vector<float> loaded = {};  // those when the rows were made; none while one can't be read
-        std::optional<size_t> component = {};
-        std::string closed = {};  // why it takes no value at all
-    };
-
     void stepBegins(bool typing) override;
-    void stepEnds() override;
+    void stepEnds() override { m_entities.stepEnds(); }
     Outcome store(size_t i, const std::string& value) override;
     std::string stateOf(size_t i) const override;
     Outcome putState(size_t i, const std::string& state) override;
     Outcome putLoaded(size_t i) override;
-    Outcome putValues(size_t i, const std::vector<float>& values);
+    Outcome told(Written written);
 
-    std::vector<std::string> entitiesNow() const;
     void show(std::vector<std::string> entities);
     bool lookAtProject() { return m_project && m_project->look(); }
     // With a panel form.
     EntityComponents& components() { return m_project->components(); }
     const EntityComponents& components() const { return m_project->components(); }
-    std::vector<std::string> namedEntities() const {
-        return m_access ? m_entities : std::vector{m_namedEntity};
-    }
-    void addRow(const CustomEntry& entry);
-    void addComponents();
-    void replaceRows(size_t kept, const std::function<void()>& add);
-    void blockComponents();
+    // Which row of theirs the panel's row is.
+    std::optional<size_t> componentOf(size_t i) const;
+    void addComponents(std::vector<EntryModel>& models) const;
+    void block(EntryModel& component) const;
     LineName lineName(size_t i) const;
-    std::optional<float> read(const Source& source, const std::string& entity) const;
-    bool write(const Source& source, const std::string& entity, float value);
-    std::vector<size_t> rowsLike(size_t i) const;
-    bool isOutdated();
-    Outcome writeAll(size_t i, const std::vector<float>& values);
-    bool reread(size_t i);
-    void showValues(size_t i);
-    std::string textOf(size_t i, float value) const;
     Result<std::string> pastedValue(size_t i, std::string_view text) const;
     std::vector<std::string> findings() const;
-    std::string whoseRows() const;
 
-    EntityAccess* m_access;
     ZunEditorInterface& m_host;
+    EntitySelection m_entities;
     std::optional<EntityProject> m_project;  // nothing: the plain form
-    std::string m_namedEntity;
-    bool m_follows = true;
-    std::vector<std::string> m_entities;
-    EntityActions m_actions;
+    // The rows are those of the values, then those of the components; a line of text may stand behind them.
+    EntityValues m_values{m_entities};
     std::vector<EntryModel> m_models;
-    std::vector<Source> m_sources;
-    std::string m_gone;
-    std::string m_givenUp;                   // that something was, until something else is written or shown
-    bool m_areOthers = false;                // the entities shown are others than those before
-    std::optional<std::uint32_t> m_changes;  // at the last look
-    std::optional<std::uint32_t> m_known;    // and when the entities were last found to be those shown
-    bool m_isInStep = false;
-    bool m_isUpToDate = false;  // a row of this step has found the entities up to date
+    std::string m_givenUp;     // that something was, until something else is written or shown
+    bool m_areOthers = false;  // the entities shown are others than those before
 };
 
 }  // namespace zoka

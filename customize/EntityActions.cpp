@@ -136,6 +136,17 @@ std::string EntityActions::title() const {
     return isCommon ? title : "";
 }
 
+std::vector<std::string> EntityActions::findings() const {
+    std::vector<std::string> lines;
+    for (const BehaviorPanel& panel : m_panels) {
+        for (const MarkupFinding& one : panel.findings.kept()) {
+            lines.push_back(utf8Text(panel.scriptName, TextSet::System) + ':' + std::to_string(one.line) +
+                            ": " + utf8Text(one.what, panel.set));
+        }
+    }
+    return lines;
+}
+
 std::vector<CustomEntry> EntityActions::sharedRows() const {
     if (m_panels.size() < 2) {
         return m_panels.empty() ? std::vector<CustomEntry>() : m_panels.front().rows;

@@ -31,6 +31,8 @@ public:
     const std::vector<BehaviorPanel>& panels() const { return m_panels; }
     // The title that the actions' markup gives the window, in UTF-8; empty when there is none or they differ.
     std::string title() const;
+    // Faults of the markup, a line each, in UTF-8.
+    std::vector<std::string> findings() const;
     // The rows of the one action, or those values that several have in common, below their headings: with the limits
     // and choices that all of them take (a minimum above the maximum where there are none), and the first one's texts.
     std::vector<CustomEntry> sharedRows() const;
