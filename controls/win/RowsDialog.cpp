@@ -60,7 +60,7 @@ void moveAside(HWND window) {
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-constexpr int kCloseUnits = 44;
+constexpr int kCloseUnits = 44, kFindingsUnits = 70;  // "Problems (1000)..."
 constexpr UINT kFindFocus = WM_APP + 20;
 
 // In dialog units.
@@ -79,6 +79,14 @@ int leastHeight(const RowsDialog::Look& look) {
 }
 
 }  // namespace
+
+RowsButton findingsButton(int id) {
+    return {id, "&Problems (0)...", kFindingsUnits, true};
+}
+
+ButtonState findingsState(size_t count) {
+    return {count > 0, "&Problems (" + std::to_string(count) + ")..."};
+}
 
 RowsDialog::RowsDialog(Look look)
     : DialogShell({.title = look.title,
@@ -108,8 +116,29 @@ void RowsDialog::placeFirst(SIZE size) {
 void RowsDialog::load() {
     m_loaded = true;
     fillRows();
+    if (m_look.lookMs > 0 && window() && !leaving()) {
+        // It goes with its window.
+        SetTimer(window(), reinterpret_cast<UINT_PTR>(this), m_look.lookMs, lookNow);
+    }
     m_view->focusFirst();
     showState();
+}
+
+void CALLBACK RowsDialog::lookNow(HWND window, UINT, UINT_PTR self, DWORD) {
+    answerInside(window, [self]() -> LRESULT {
+        auto* const dialog = reinterpret_cast<RowsDialog*>(self);
+        if (dialog->window() && !dialog->m_busy) {
+            dialog->look();
+        }
+        return 0;
+    });
+}
+
+void RowsDialog::failed() {
+    KillTimer(window(), reinterpret_cast<UINT_PTR>(this));
+    offerUnsaved();
+    m_settled = true;
+    DialogShell::failed();
 }
 
 // In the order of Tab.
@@ -231,6 +260,16 @@ void RowsDialog::command(int id, int code) {
             pressed(id);
         }
     }
+}
+
+bool RowsDialog::rowShortcut(WPARAM key) {
+    for (const RowsButton& one : m_look.buttons) {
+        if (one.key != 0 && key == static_cast<WPARAM>(one.key)) {
+            press(one.id);  // not now: it may take the control away that has the key
+            return true;
+        }
+    }
+    return false;
 }
 
 void RowsDialog::entered() {

@@ -19,11 +19,15 @@ struct RowsButton {
     int units;           // its width, in dialog units
     bool left = false;   // at the left end of the row, not at the right one
     bool check = false;  // a check box
+    char key = 0;        // which in a row, with Ctrl, does the same; 0: none
 };
 struct ButtonState {
     bool enabled = true;
     std::string text = {};  // empty: as it is
 };
+// The button that shows a panel's findings, and its state while there are so many.
+RowsButton findingsButton(int id);
+ButtonState findingsState(size_t count);
 
 // Derive from it, with the session as a member, and say what the buttons do:
 //
@@ -49,6 +53,7 @@ public:
         std::vector<RowsButton> buttons = {};  // from the left; Close is added
         const char* chooserLabel = nullptr;    // with its '&'; null: there is no chooser
         bool statusLine = false;
+        UINT lookMs = 0;  // between calls of look(), once the rows are filled; 0: there are none
         JobProgress* loading =
             nullptr;  // stops the loading, and the making of rows; may be null, outlives the object
     };
@@ -79,9 +84,13 @@ protected:
     virtual bool mayLeave() { return true; }
     // Keeps what is not saved, if anything, in a file beside its own; nobody can be asked or told.
     virtual void keepUnsaved() noexcept {}
+    // The same when something was thrown and the window goes, but here the user is asked.
+    virtual void offerUnsaved() noexcept {}
     virtual void chosen(size_t /*item*/) {}  // in the chooser, by the user
     // The window becomes the active one.
     virtual void activated() {}
+    // The editor may hold something else than the rows show. Wherever the window is, for it's the editor that is in front then.
+    virtual void look() {}
 
     // --- What it may use
     RowsView& view() { return *m_view; }  // with a window
@@ -91,6 +100,15 @@ protected:
     void setChoices(const std::vector<std::string>& items, size_t at);
     // Shows caption, buttons and status anew.
     void showState();
+    // Does the work of a button. It can't keep the keyboard when it's disabled by that, and its neighbour must not get it.
+    template <class Work>
+    void carryOut(int id, const Work& work) {
+        const bool hadKeyboard = GetFocus() == button(id);
+        work();
+        if (window() && hadKeyboard && !IsWindowEnabled(button(id))) {
+            view().focusLast();
+        }
+    }
     // Does what a button does, as by a click.
     void press(int id) { PostMessageA(window(), WM_COMMAND, static_cast<WPARAM>(id), 0); }
     // No commands are taken while it lives: a question is open.
@@ -110,13 +128,12 @@ protected:
 
     void rowsChanged() override { showState(); }
     bool takesNoCommands() const override { return m_busy; }
-    void failed() override {
-        m_settled = true;
-        DialogShell::failed();
-    }
+    bool rowShortcut(WPARAM key) override;
+    void failed() override;
     bool leaving() const override { return !mayContinue(m_look.loading, 0, 1, {}); }
 
 private:
+    static void CALLBACK lookNow(HWND window, UINT message, UINT_PTR self, DWORD time);
     void createControls() override;
     void layout(Area inside) override;
     HWND firstField() override { return button(IDCANCEL); }

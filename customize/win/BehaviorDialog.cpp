@@ -10,8 +10,7 @@ constexpr const char* kCaption = "Entity Behavior";
 constexpr int kFirstControl = 1200;
 enum : int { kShowFindings = 1220, kFollow, kSave };
 enum : int { kCopyRow = kFirstRowItem, kCopyAll, kPasteValues };
-// Dialog units: "Problems (1000)...", "Follow the selection", "Save".
-constexpr int kWide = 70, kFollowUnits = 90, kSaveUnits = 44;
+constexpr int kFollowUnits = 90, kSaveUnits = 44;  // "Follow the selection", "Save"
 constexpr size_t kMostPasted = 1 << 20;
 constexpr UINT kLookMs = 1000;  // between looks at the host's count of changes
 
@@ -20,10 +19,10 @@ bool isTextField(HWND control) {
 }
 
 std::vector<RowsButton> buttonsOf(const BehaviorDialog::Setup& setup) {
-    std::vector<RowsButton> buttons = {{kShowFindings, "&Problems (0)...", kWide, true},
+    std::vector<RowsButton> buttons = {findingsButton(kShowFindings),
                                        {kFollow, "Fo&llow the selection", kFollowUnits, true, true}};
     if (setup.project) {
-        buttons.push_back({kSave, "&Save", kSaveUnits});
+        buttons.push_back({.id = kSave, .text = "&Save", .units = kSaveUnits, .key = 'S'});
     }
     return buttons;
 }
@@ -41,6 +40,7 @@ BehaviorDialog::BehaviorDialog(const Setup& setup)
                   .firstId = kFirstControl,
                   .buttons = buttonsOf(setup),
                   .statusLine = true,
+                  .lookMs = kLookMs,
                   .loading = setup.loading}),
       m_session(setup.entities, setup.editor, componentsOf(setup.project),
                 setup.project ? setup.project->entity : "", setup.project ? setup.project->open : nullptr) {}
@@ -48,28 +48,13 @@ BehaviorDialog::BehaviorDialog(const Setup& setup)
 void BehaviorDialog::fillRows() {
     m_session.open();
     CheckDlgButton(window(), kFollow, m_session.follows() ? BST_CHECKED : BST_UNCHECKED);
-    // The timer goes with its window.
-    SetTimer(window(), reinterpret_cast<UINT_PTR>(this), kLookMs, look);
 }
 
-// The selection changes while the editor is in front, so the panel looks wherever it is.
-void CALLBACK BehaviorDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
-    answerInside(window, [self]() -> LRESULT {
-        auto* const dialog = reinterpret_cast<BehaviorDialog*>(self);
-        if (dialog->window() && !dialog->takesNoCommands()) {
-            dialog->m_session.refresh(false);
-        }
-        return 0;
-    });
-}
-
-void BehaviorDialog::failed() {
-    KillTimer(window(), reinterpret_cast<UINT_PTR>(this));
+void BehaviorDialog::offerUnsaved() noexcept {
     if (isLoaded()) {
         view().removeRows();  // saving replaces the project that they are of
     }
     m_session.offerUnsaved();
-    RowsDialog::failed();
 }
 
 // The action's own title, if its markup has one, with a mark while another project is open and one while components have unsaved edits.
@@ -85,8 +70,7 @@ ButtonState BehaviorDialog::stateOf(int id) const {
     if (id == kSave) {
         return {m_session.hasUnsaved()};
     }
-    const size_t findings = m_session.findingCount();
-    return {findings > 0, "&Problems (" + std::to_string(findings) + ")..."};
+    return findingsState(m_session.findingCount());
 }
 
 void BehaviorDialog::pressed(int id) {
@@ -96,18 +80,9 @@ void BehaviorDialog::pressed(int id) {
         showTextWindow(window(), "Problems", "Of the action's markup, and of values outside their limits:",
                        m_session.findingsText(), TextLook::FixedWidth);
     } else if (id == kSave) {
-        save();
+        carryOut(kSave, [this] { m_session.save(); });
+        showState();
     }
-}
-
-void BehaviorDialog::save() {
-    // The button can't keep the keyboard once there is nothing to save, and its neighbour must not get it.
-    const bool byButton = GetFocus() == button(kSave);
-    m_session.save();
-    if (window() && byButton && !IsWindowEnabled(button(kSave))) {
-        view().focusLast();
-    }
-    showState();
 }
 
 std::vector<RowMenuItem> BehaviorDialog::rowMenuItems(size_t row) {
@@ -126,12 +101,8 @@ void BehaviorDialog::rowMenuChosen(size_t row, int id) {
 
 // In a text field the keys alone are the field's own.
 bool BehaviorDialog::rowShortcut(WPARAM key) {
-    if (key == 'S' && m_session.hasPanelForm()) {
-        press(kSave);
-        return true;
-    }
     if ((key != 'C' && key != 'V') || (isTextField(GetFocus()) && GetKeyState(VK_SHIFT) >= 0)) {
-        return false;
+        return RowsDialog::rowShortcut(key);
     }
     if (key == 'C') {
         copy(0, m_session.size());

@@ -41,13 +41,12 @@ private:
     void activated() override { m_session.refresh(true); }
     bool mayLeave() override { return m_session.close(); }
     void keepUnsaved() noexcept override { m_session.keepUnsaved(); }
-    void failed() override;
+    void offerUnsaved() noexcept override;
+    void look() override { m_session.refresh(false); }
     std::vector<RowMenuItem> rowMenuItems(size_t row) override;
     void rowMenuChosen(size_t row, int id) override;
     bool rowShortcut(WPARAM key) override;
 
-    static void CALLBACK look(HWND window, UINT message, UINT_PTR self, DWORD time);
-    void save();
     void copy(size_t first, size_t last);
     void paste();
 

@@ -15,7 +15,7 @@ constexpr int kFirstControl = 1100;
 enum : int { kShowChanges = 1110, kShowFindings, kSave, kRestore, kUpdate };
 enum : int { kCopyPlace = kFirstRowItem };
 constexpr UINT kLookMs = 1000;           // between looks at the project that the editor has open
-constexpr int kWide = 70, kNarrow = 44;  // dialog units: "Problems (1000)...", "Restore"
+constexpr int kWide = 70, kNarrow = 44;  // dialog units: "Show changes...", "Restore"
 
 }  // namespace
 
@@ -25,11 +25,12 @@ CustomizeDialog::CustomizeDialog(Setup setup)
                   .icon = setup.icon,
                   .firstId = kFirstControl,
                   .buttons = {{kShowChanges, "Sho&w changes...", kWide, true},
-                              {kShowFindings, "&Problems (0)...", kWide, true},
-                              {kSave, "&Save", kNarrow},
+                              findingsButton(kShowFindings),
+                              {.id = kSave, .text = "&Save", .units = kNarrow, .key = 'S'},
                               {kRestore, "&Restore", kNarrow},
                               {kUpdate, "&Update", kNarrow}},
                   .chooserLabel = "S&cript:",
+                  .lookMs = kLookMs,
                   .loading = setup.loading}),
       m_setup(std::move(setup)),
       m_session(m_setup.editor, userPrompt(), this, m_setup.loading) {}
@@ -42,22 +43,9 @@ void CustomizeDialog::fillRows() {
     if (!m_session.open(m_setup.scriptPath)) {
         view().rowsReplaced();
     }
-    // The timer goes with its window.
-    SetTimer(window(), reinterpret_cast<UINT_PTR>(this), kLookMs, look);
 }
 
-// Another project is opened while the editor is in front, so the panel looks wherever it is.
-void CALLBACK CustomizeDialog::look(HWND window, UINT, UINT_PTR self, DWORD) {
-    answerInside(window, [self]() -> LRESULT {
-        auto* const dialog = reinterpret_cast<CustomizeDialog*>(self);
-        if (dialog->window() && !dialog->takesNoCommands()) {
-            dialog->lookAtProject();
-        }
-        return 0;
-    });
-}
-
-void CustomizeDialog::lookAtProject() {
+void CustomizeDialog::look() {
     if (m_session.lookAtProject()) {
         listScripts();
         showState();
@@ -66,7 +54,7 @@ void CustomizeDialog::lookAtProject() {
 
 void CustomizeDialog::activated() {
     listScripts();
-    lookAtProject();
+    look();
 }
 
 void CustomizeDialog::bringToFront() {
@@ -91,11 +79,6 @@ void CustomizeDialog::rowsChanged() {
     showState();
 }
 
-void CustomizeDialog::failed() {
-    m_session.offerUnsaved();
-    RowsDialog::failed();
-}
-
 // The title names the script, with a mark while it has changes.
 std::string CustomizeDialog::caption() const {
     const std::string& path = m_session.script().scriptPath;
@@ -111,10 +94,8 @@ ButtonState CustomizeDialog::stateOf(int id) const {
         case kSave:
         case kShowChanges:
             return {m_session.changedCount() > 0};
-        case kShowFindings: {
-            const size_t findings = m_session.script().findings.count();
-            return {findings > 0, "&Problems (" + std::to_string(findings) + ")..."};
-        }
+        case kShowFindings:
+            return findingsState(m_session.script().findings.count());
         default:
             return {!m_session.script().scriptPath.empty()};
     }
@@ -152,13 +133,10 @@ void CustomizeDialog::pressed(int id) {
 
 void CustomizeDialog::save() {
     const bool hadUnplaced = !m_session.unplaced().empty();
-    // The button can't keep the keyboard once there is nothing to save, and its neighbour must not get it.
-    const bool byButton = GetFocus() == button(kSave);
-    m_session.save();
-    listScripts();  // the project's own copy may stand in a template's place now
-    if (window() && byButton && !IsWindowEnabled(button(kSave))) {
-        view().focusLast();
-    }
+    carryOut(kSave, [this] {
+        m_session.save();
+        listScripts();  // the project's own copy may stand in a template's place now
+    });
     if (!hadUnplaced) {
         showUnplaced();
     }
@@ -223,14 +201,6 @@ void CustomizeDialog::showUnplaced() {
                    "Kept in " + std::string(fileNameOf(m_session.script().scriptPath)) + kLeftOverEnding +
                        ", next to the script:",
                    unplacedText(m_session.unplaced()), TextLook::FixedWidth);
-}
-
-bool CustomizeDialog::rowShortcut(WPARAM key) {
-    if (key != 'S') {
-        return false;
-    }
-    press(kSave);  // it may take the control away that has the key
-    return true;
 }
 
 std::vector<RowMenuItem> CustomizeDialog::rowMenuItems(size_t) {

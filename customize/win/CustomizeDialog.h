@@ -27,7 +27,7 @@ public:
     explicit CustomizeDialog(Setup setup);
 
 private:
-    void failed() override;
+    void offerUnsaved() noexcept override { m_session.offerUnsaved(); }
     void bringToFront() override;
     void raiseOnce() override;
 
@@ -43,10 +43,8 @@ private:
     void rowsChanged() override;
     std::vector<RowMenuItem> rowMenuItems(size_t row) override;
     void rowMenuChosen(size_t row, int id) override;
-    bool rowShortcut(WPARAM key) override;
 
-    static void CALLBACK look(HWND window, UINT message, UINT_PTR self, DWORD time);
-    void lookAtProject();
+    void look() override;
     void save();
     void listScripts();
     void showScripts();
