@@ -57,7 +57,7 @@ EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, 
     if (!m_window) {
         return;
     }
-    makeControls(partsIn(place.width, place.height));
+    makeControls(entryParts(facts(), m_panel.fonts(), place.width, place.height, labelWidth));
     if (facts().field == EntryField::DropList) {
         m_choices.fill(m_field, facts());
     }
@@ -114,7 +114,7 @@ HWND EntryWindow::make(const char* className, const std::string& text, DWORD sty
 }
 
 // Each where it is to stand: moving it there afterwards would cost as much as making it.
-void EntryWindow::makeControls(const Parts& at) {
+void EntryWindow::makeControls(const EntryParts& at) {
     const EntryFacts& is = facts();
     const HFONT text = m_panel.fonts().text();
     m_panel.addTooltip(m_window);
@@ -217,31 +217,77 @@ void EntryWindow::fitSwitchText() {
     std::wstring shown = label;
     if (width > 0 &&
         static_cast<int>(std::min<size_t>(label.size(), 100000)) * m_panel.fonts().x(8) > width) {
-        const HDC dc = GetDC(m_field);
         // As wide as it is with a changed value.
-        const HGDIOBJ old = SelectObject(dc, m_panel.boldFont());
-        SIZE size{}, dots{};
-        int fits = 0;
-        GetTextExtentPoint32W(dc, L"...", 3, &dots);
-        GetTextExtentExPointW(dc, label.c_str(), static_cast<int>(label.size()), width, &fits, nullptr,
-                              &size);
-        if (static_cast<size_t>(fits) < label.size()) {
-            GetTextExtentExPointW(dc, label.c_str(), static_cast<int>(label.size()), width - dots.cx, &fits,
-                                  nullptr, &size);
-            shown = label.substr(0, static_cast<size_t>(std::max(fits, 0))) + L"...";
-        }
-        SelectObject(dc, old);
-        ReleaseDC(m_field, dc);
+        shown = textWithin(m_field, m_panel.boldFont(), label, width);
     }
     setText(m_field, buttonText(narrowText(shown, codePage())), codePage());
+}
+
+void EntryWindow::setPlace(HWND after, const PanelRect& place, int labelWidth) {
+    if (m_after == after && m_place == place) {
+        return;
+    }
+    m_after = after;
+    m_place = place;
+    m_labelWidth = labelWidth;  // follows the width, so the row is laid out when it changes
+    SetWindowPos(m_window, after, place.x, place.y, place.width, place.height,
+                 SWP_NOACTIVATE | SWP_NOCOPYBITS | SWP_SHOWWINDOW);
+}
+
+void EntryWindow::layout(const EntryParts& at) {
+    const auto move = [](HWND control, const PanelRect& to) {
+        if (control) {
+            place(control, to.x, to.y, to.width, to.height);
+        }
+    };
+    move(m_label, at.label);
+    if (m_field && facts().field == EntryField::DropList) {
+        placeDropList(m_field, at.field.x, at.field.y, at.field.width, at.field.height);
+    } else {
+        move(m_slider ? m_slider : m_field, at.field);
+    }
+    move(m_spin ? m_spin : m_browse, at.button);
+}
+
+void EntryWindow::paint() {
+    PAINTSTRUCT painting;
+    const HDC dc = BeginPaint(m_window, &painting);
+    RECT area;
+    GetClientRect(m_window, &area);
+    if (m_marked) {
+        drawMark(dc, area, m_panel.fonts());
+    }
+    if (facts().field == EntryField::Picture) {
+        const PictureStore::Bitmap picture = m_panel.picture(m_row);
+        if (picture.handle && area.right > 0 && area.bottom > 0) {
+            const int left = m_panel.fonts().x(5);
+            const SIZE size = m_panel.pictureSize(picture, static_cast<int>(area.right) - left);
+            const HDC from = CreateCompatibleDC(dc);
+            const HGDIOBJ old = SelectObject(from, picture.handle);
+            SetStretchBltMode(dc, HALFTONE);
+            StretchBlt(dc, left, 0, size.cx, size.cy, from, 0, 0, picture.width, picture.height, SRCCOPY);
+            SelectObject(from, old);
+            DeleteDC(from);
+        }
+    }
+    EndPaint(m_window, &painting);
+}
+
+void EntryWindow::drawButton(const DRAWITEMSTRUCT& item) const {
+    if (facts().field == EntryField::Heading) {
+        drawHeading(item, wideText(facts().label, codePage()), m_panel.rows().filter.isFolded(m_row),
+                    m_panel.fonts(), m_panel.boldFont());
+    } else if (facts().field == EntryField::ColourField) {
+        drawColour(item, model(), m_panel.fonts());
+    }
 }
 
 bool EntryWindow::canTakeOver(size_t row) const {
     const EntryFacts &is = facts(), &other = m_panel.rows().row(row).facts();
     // What hangs on the control itself (the keyboard, the mouse, a menu) is the entry's, not the next one's.
     return m_window && is.field == other.field && is.decimal == other.decimal &&
-           isMultiLine() == (other.field == EntryField::StringField && other.lines > 1) &&
-           is.field != EntryField::Picture && !m_panel.isUsed(*this);
+           isMultiLine() == zoka::isMultiLine(other) && is.field != EntryField::Picture &&
+           !m_panel.isUsed(*this);
 }
 
 void EntryWindow::takeOver(size_t row) {
@@ -345,6 +391,11 @@ void EntryWindow::showValue() {
         SendMessageA(m_label ? m_label : m_field, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
         InvalidateRect(m_window, nullptr, TRUE);
     }
+}
+
+// Its border too, which stands on the same ground.
+void EntryWindow::repaintField() {
+    RedrawWindow(m_field, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 
 // What the user did to the row, other than typing.

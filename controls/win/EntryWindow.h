@@ -13,6 +13,7 @@
 #include "controls/PanelLayout.h"
 #include "controls/TextSet.h"
 #include "controls/win/ChoiceList.h"
+#include "controls/win/EntryLook.h"
 
 namespace zoka {
 
@@ -56,20 +57,14 @@ public:
 private:
     static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    // Where the parts of the row stand in it; what the row doesn't have stands nowhere.
-    struct Parts {
-        PanelRect label, field, button;
-    };
-    Parts partsIn(int width, int height) const;
-    void makeControls(const Parts& at);
+    void makeControls(const EntryParts& at);
     HWND child(HWND control);
     HWND make(const char* className, const std::string& text, DWORD style, DWORD exStyle, int id, HFONT font,
               const PanelRect& at);
     void fitControls();
-    void layout(const Parts& at);
+    void layout(const EntryParts& at);
     void paint();
-    void drawHeading(const DRAWITEMSTRUCT& item) const;
-    void drawColour(const DRAWITEMSTRUCT& item) const;
+    void drawButton(const DRAWITEMSTRUCT& item) const;
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void command(WORD code, HWND control);
@@ -90,7 +85,7 @@ private:
 
     const EntryModel& model() const;
     const EntryFacts& facts() const { return model().facts(); }
-    bool isMultiLine() const { return facts().field == EntryField::StringField && facts().lines > 1; }
+    bool isMultiLine() const { return zoka::isMultiLine(facts()); }
     bool isEdit() const { return isTyped(facts().field); }
 
     EntryPanel& m_panel;

@@ -172,7 +172,7 @@ LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wPara
 LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:
-            layout(partsIn(LOWORD(lParam), HIWORD(lParam)));
+            layout(entryParts(facts(), m_panel.fonts(), LOWORD(lParam), HIWORD(lParam), m_labelWidth));
             fitSwitchText();
             return 0;
         case WM_PAINT:
@@ -202,10 +202,8 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             if (lParam && drawChoice(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) {
                 return TRUE;
             }
-            if (lParam && facts().field == EntryField::Heading) {
-                drawHeading(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-            } else if (lParam && facts().field == EntryField::ColourField) {
-                drawColour(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            if (lParam) {
+                drawButton(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
             }
             return TRUE;
         case WM_CTLCOLORSTATIC: {
