@@ -242,6 +242,11 @@ std::string J8ValueCheck::refusal(std::string_view value) const {
 }
 
 std::string valueRefusal(const J8TypedValue& typed, std::string_view value) {
+    // Files are read with such blanks, and nothing writes them.
+    const bool isNumber = typed.enums.empty() && (typed.type == J8Type::Int || isFraction(typed.type));
+    if (std::string refusal = isNumber ? blanksRefusal(value) : ""; !refusal.empty()) {
+        return refusal;
+    }
     return J8ValueCheck(typed, J8ValueCheck::Values::One).refusal(value);
 }
 

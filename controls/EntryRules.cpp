@@ -6,6 +6,7 @@
 
 #include "controls/Colour.h"
 #include "util/LexChars.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
@@ -56,6 +57,9 @@ std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
     if (text.empty()) {
         return std::string(kEmptyBare);
     }
+    if (std::string why = blanksRefusal(text); !why.empty()) {
+        return why;
+    }
     const std::string range = allowedRange(facts).empty() ? "" : " (" + allowedRange(facts) + ")";
     if (!numberOf(text) || text.find_first_of("0123456789") == text.npos) {
         return (facts.decimal ? "Enter a number such as -1.5" : "Enter a whole number such as 15") + range +
@@ -89,6 +93,13 @@ std::optional<double> numberOf(std::string_view text) {
         value = HUGE_VAL;
     }
     return negative ? -value : value;  // a lone sign or point is 0
+}
+
+std::string blanksRefusal(std::string_view text) {
+    const std::string_view number = trimmed(text);
+    return number.size() < text.size() && !number.empty() && numberOf(number)
+               ? "No blank may stand in front of the number or behind it."
+               : "";
 }
 
 std::string shapeRefusal(const EntryFacts& facts, std::string_view text) {

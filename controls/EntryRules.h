@@ -12,6 +12,9 @@ namespace zoka {
 // The number that is all of `text`: an optional sign, digits, at most one point. No exponent, no locale.
 std::optional<double> numberOf(std::string_view text);
 
+// Why a number with blanks or line ends around it is none; empty for every other text.
+std::string blanksRefusal(std::string_view text);
+
 // Why writing `text` would break the script's definition, in words for the user; empty when it would not.
 std::string shapeRefusal(const EntryFacts& facts, std::string_view text);
 // The same of anything that speaks against `text` but the limits: also what the field can't hold.

@@ -103,6 +103,8 @@ TEST_F(ProjectSessionTest, EditsAreRefusedTakenAndUndone) {
     } refused[] = {
         {"level/harbour/entity/guard/skill/1", "11", "outside its limits (min 0, max 10)"},
         {"level/harbour/entity/guard/skill/1", "1.5", "a whole number is needed"},
+        {"level/harbour/entity/guard/skill/1", " 9",
+         "No blank may stand in front of the number or behind it."},
         {"level/harbour/entity/guard/skill/2", "x", "one of these is needed: t, f"},
         {"level/harbour/entity/guard/component/body/solid", "maybe", "true or false is needed"},
         {"level/harbour/name", "", "A name is needed"},
