@@ -116,6 +116,8 @@ void CJ8ProjectManager::clearContent() {
     m_behaviorIndex.clear();
     m_loadedComponents.clear();
     m_behaviorNames.reset();
+    // Also where the rest is kept: a save after a load that failed must not empty the file loaded before.
+    m_projectFile.Clear();
 }
 
 void CJ8ProjectManager::Clear() {
@@ -124,7 +126,6 @@ void CJ8ProjectManager::Clear() {
     m_name.clear();
     m_date.clear();
     m_vers.clear();
-    m_projectFile.Clear();
 }
 
 std::string CJ8ProjectManager::projectFile() const {

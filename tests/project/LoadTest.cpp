@@ -32,6 +32,14 @@ TEST_F(LoadTest, MissingFileAndMissingRoot) {
     EXPECT_FALSE(manager.LoadFromXML(other, false));
     EXPECT_EQ(manager.m_report, "(LoadFromXML): MISSING Project!\r\n");
     EXPECT_THAT(log(), HasSubstr(logEntry("Error", kLoad + "XML MISSING!", none)));
+    // What is kept has no file any more, so that no save empties the one that was loaded.
+    for (const std::string& failing : {none, other}) {
+        ASSERT_TRUE(load(""));
+        EXPECT_FALSE(manager.LoadFromXML(failing, true));
+        EXPECT_EQ(manager.m_name, "Game");
+        EXPECT_EQ(manager.projectFile(), "");
+        EXPECT_FALSE(manager.SaveProjectXML(zoka::StepReport()));
+    }
     EXPECT_THAT(log(), HasSubstr(logEntry("Error", kLoad + "Project MISSING!", other)));
 }
 
