@@ -11,6 +11,7 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
+#include "xml/XMLErrorText.h"
 #include "xml/XMLRead.h"
 
 namespace texts = zoka::texts;
@@ -196,18 +197,19 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
         XMLNode::parseFile(zoka::pathFromXml(path).c_str(), root, &results, m_watch, XMLCharset::Utf8);
     if (top.isEmpty() && !m_isStopped) {
         add(bad, {path}, m_referrer);
-        tellParseError(path, results);
+        tellParseError(path, results, root);
     }
     return top;
 }
 
 // The place in the broken file, for those who mend it.
-void CJ8ProjectManager::tellParseError(const std::string& path, const XMLResults& results) {
+void CJ8ProjectManager::tellParseError(const std::string& path, const XMLResults& results, const char* root) {
     zoka::J8Finding finding{
         zoka::kReportError, addSource(path), 0,
-        results.outOfMemory ? zoka::outOfMemoryText(path) : XMLNode::errorText(results.code)};
-    finding.line = results.line;
-    finding.column = results.column;
+        results.outOfMemory ? zoka::outOfMemoryText(path) : zoka::xmlErrorMessage(results, root)};
+    const zoka::XMLPlace place = zoka::xmlErrorPlace(results);
+    finding.line = place.line;
+    finding.column = place.column;
     m_findings.push_back(std::move(finding));
 }
 
@@ -368,7 +370,7 @@ bool CJ8ProjectManager::load(const XMLNode& root, const std::string& path, bool 
     if (root.isEmpty()) {
         add(texts::kRootMissing, {file}, 0);
         if (results) {
-            tellParseError(file, *results);
+            tellParseError(file, *results, "Project");
         }
         return false;
     }

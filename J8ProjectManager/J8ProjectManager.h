@@ -179,7 +179,7 @@ private:
     // The root of a file that the model reads; the empty node, and one of the two reported, when there is none.
     XMLNode openFile(const std::string& path, const char* root, const zoka::ReportEntry& missing,
                      const zoka::ReportEntry& bad);
-    void tellParseError(const std::string& path, const XMLResults& results);
+    void tellParseError(const std::string& path, const XMLResults& results, const char* root);
 
     CJ8File m_projectFile;
     mutable std::shared_ptr<const std::vector<std::string>> m_behaviorNames;  // null: not asked for yet

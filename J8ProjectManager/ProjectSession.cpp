@@ -11,6 +11,7 @@
 #include "util/OsFiles.h"
 #include "util/Text.h"
 #include "xml/XMLConvert.h"
+#include "xml/XMLErrorText.h"
 
 namespace zoka {
 namespace {
@@ -153,10 +154,10 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string path, std::string 
         return loaded;
     }
     std::string why = loaded.path;
-    if (results.line > 0) {
-        why += ":" + std::to_string(results.line) + ":" + std::to_string(results.column);
+    if (const XMLPlace place = xmlErrorPlace(results); place.line > 0) {
+        why += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
     }
-    loaded.usable = Refusal{why + ": " + XMLNode::errorText(results.code)};
+    loaded.usable = Refusal{why + ": " + xmlErrorMessage(results, "Project")};
     return loaded;
 }
 

@@ -7,6 +7,7 @@
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
+#include "xml/XMLErrorText.h"
 #include "xml/XMLRead.h"
 
 namespace zoka {
@@ -113,7 +114,8 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
     XMLResults results;
     const XMLNode wizard = XMLNode::parseBytes(*bytes, "Wizard", &results, {}, XMLCharset::Utf8);
     if (wizard.isEmpty()) {
-        return {{std::max(results.line, 1), std::max(results.column, 1), XMLNode::errorText(results.code)}};
+        const XMLPlace place = xmlErrorPlace(results);
+        return {{place.line, place.column, xmlErrorMessage(results, "Wizard")}};
     }
     Finder finder(std::move(*bytes), found);
     if (xmlAllText(wizard.getChild("Title")).empty()) {

@@ -203,7 +203,9 @@ TEST_F(ProjectSessionTest, AFailedReloadLeavesEverything) {
     const struct {
         const char* file;  // null: none
         const char* why;
-    } rows[] = {{nullptr, "Can't read"}, {"<Project", "game.xml:1:"}, {"<Other/>", "game.xml: "}};
+    } rows[] = {{nullptr, "Can't read"},
+                {"<Project", "game.xml:1:"},
+                {"<Other/>", "game.xml:1:1: Error: First Tag not found."}};
     for (const auto& row : rows) {
         std::filesystem::remove(folder.native("game.xml"));
         if (row.file) {
