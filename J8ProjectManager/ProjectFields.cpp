@@ -42,15 +42,23 @@ bool setSection(CJ8File& file, const std::string& text) {
     return false;
 }
 
-// What has a meaning of its own in an address, and how it is written in names.
-constexpr std::pair<char, std::string_view> kEscapes[] = {
-    {'/', "%2F"}, {'%', "%25"}, {'#', "%23"}, {'=', "%3D"}};
+// What has a meaning of its own in an address. In names it is written as in those of the web, and so are control
+// characters: an address that is printed can be typed.
+constexpr std::string_view kMarks = "/%#=";
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 std::string escaped(std::string_view name) {
     std::string made;
-    for (const char c : name) {
-        const auto* const escape = std::ranges::find(kEscapes, c, &std::pair<char, std::string_view>::first);
-        made += escape == std::end(kEscapes) ? std::string(1, c) : std::string(escape->second);
+    bool isUpper = false;  // the second byte of a control character of the upper half
+    for (size_t i = 0; i < name.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(name[i]);
+        const bool wasUpper = isUpper;
+        isUpper = byte == 0xC2 && i + 1 < name.size() && static_cast<unsigned char>(name[i + 1]) < 0xA0;
+        if (byte < ' ' || byte == 0x7F || isUpper || wasUpper || kMarks.find(name[i]) != kMarks.npos) {
+            made += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 0xF]};
+        } else {
+            made += name[i];
+        }
     }
     return made;
 }
@@ -58,11 +66,11 @@ std::string escaped(std::string_view name) {
 std::string unescaped(std::string_view text) {
     std::string made;
     for (size_t i = 0; i < text.size(); ++i) {
-        const auto* const escape = std::ranges::find_if(
-            kEscapes, [&](const auto& each) { return equalNoCase(each.second, text.substr(i, 3)); });
-        const bool isOne = escape != std::end(kEscapes);
-        made += isOne ? escape->first : text[i];
-        i += isOne ? 2 : 0;
+        unsigned byte = 0;
+        const bool isEscape = text[i] == '%' && i + 2 < text.size() &&
+                              std::from_chars(&text[i] + 1, &text[i] + 3, byte, 16).ptr == &text[i] + 3;
+        made += isEscape ? static_cast<char>(byte) : text[i];
+        i += isEscape ? 2 : 0;
     }
     return made;
 }

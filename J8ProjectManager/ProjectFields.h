@@ -44,8 +44,8 @@ std::optional<std::string> fieldValue(const CJ8ProjectManager& project, const Pr
 bool setFieldValue(CJ8ProjectManager& project, const ProjectField& field,
                    const std::optional<std::string>& value, bool looksForFiles = true);
 
-// The address. Names stand in it as they are, but for '/', '%', '#' and '=', which become %2F, %25, %23 and %3D. Of
-// several levels or entities of one name the second is "guard#2".
+// The address. Names stand in it as they are, but for '/', '%', '#', '=' and control characters, which become %2F, %25,
+// %23, %3D, %0A and so on. Of several levels or entities of one name the second is "guard#2".
 std::string addressOf(const CJ8ProjectManager& project, const ProjectField& field);
 std::string addressOfLevel(const CJ8ProjectManager& project, size_t level);
 std::string addressOfEntity(const CJ8ProjectManager& project, size_t level, size_t entity);

@@ -137,6 +137,7 @@ TEST_F(Project, SetsValuesAllOrNone) {
 TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
     folder.write("bad.xml", "<Project name='p'>\n<Level>");
     folder.write("other.xml", "<Projects><x>");
+    folder.write("void.xml", "");
     folder.write("names.xml",
                  "<Project name='n' date='1'><Paths proj_file='' j8_file=''/>"
                  "<Level name='l&#10;m' mapfile='x'/><Level name='a=b' mapfile='h.zlb'/></Project>");
@@ -159,10 +160,21 @@ TEST_F(Project, SaysWhatIsWrongInWhatItIsGiven) {
         {"project report none.xml", 3, "(LoadFromXML): XML MISSING!\n", "zoka: Can't read 'none.xml'"},
         {"project list game.xml level/nope", 2, "", "there is nothing at \"level/nope\""},
         {"project list game.xml level/har", 2, "", "there is nothing at"},
-        {"project list names.xml", 0, "level/l\\nm/name = l\\nm\n", ""},
+        {"project list names.xml", 0, "level/l%0Am/name = l\\nm\n", ""},
+        {"project list names.xml level/l%0Am", 0, "level/l%0Am/mapfile = x\n", ""},
+        {"project get names.xml level/l%0am/name", 0, "l\nm\n", ""},
+        {"project set -n names.xml level/l%0Am/doc=d", 0, "+\t\t<Doc>d</Doc>\n", ""},
+        {"project check void.xml", 1, "void.xml:1:1: error: Error: No XML data\n", ""},
+        {"project list void.xml", 3, "", "zoka: void.xml:1:1: Error: No XML data\n"},
+        {"project check b.xml", 1,
+         "b.xml:1:1: error: Error: First Tag not found. First Tag should be 'Project'.\n", ""},
+        {"project set -n game.xml level/harbour/mapfile=no.zlb", 0, "mapfile=\"no.zlb\"",
+         "warning: map file \"no.zlb\" of level \"harbour\" is missing\n"},
+        {"project set -n game.xml \"level/harbour/entity/guard/skill/2= 3\"", 1, "", "No blank may stand"},
         {"project check names.xml", 1, "level \"l\\nm\" is missing\n", ""},
         {"project set --dry-run names.xml level/a%3Db/doc=x=y", 0, "+\t\t<Doc>x=y</Doc>\n", ""},
-        {"project set --dry-run game.xml -u level/harbour/name", 1, "", "A name is needed"},
+        {"project set --dry-run game.xml -u level/harbour/name", 1, "",
+         "A name is needed, by which it is told from the others."},
         {set + "skill/2=1 -u " + "level/harbour/entity/guard/skill/77", 0, "+\t\t\t<Skill num=\"2\"",
          "skill/77 has no value of its own"},
         {"project set game.xml", 2, "", "there is nothing to change"},

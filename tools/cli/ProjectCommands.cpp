@@ -308,7 +308,7 @@ ExitStatus list(const ProjectOptions& options) {
         if (options.json) {
             all.push_back({{"address", jsonText(address)}, {"value", jsonText(*value)}});
         } else {
-            print(oneLine(address) + " = " + oneLine(*value) + "\n");
+            print(address + " = " + oneLine(*value) + "\n");
         }
     });
     if (options.json) {
