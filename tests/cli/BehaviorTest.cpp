@@ -118,6 +118,40 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     EXPECT_THAT(folder.run("level list bad.zlm").err, HasSubstr("line 3: unknown word \"size\""));
 }
 
+// A name with the sign between name and value, a label that reads like another value's number, and a value that is there.
+TEST_F(Behavior, NamesAndValuesThatCouldBeTakenWrong) {
+    folder.write("s.kez", "action walk {\n// skill1: a=b 6\n// skill3: a 1\n// flag2: flag3\n}");
+    const std::string level = "level 1\nentity e\n    action s.kez walk\n    skill 1 3.50\nend\n";
+    const auto with = [&](const std::string& from, const std::string& to) {
+        std::string text = level;
+        return text.replace(text.find(from), from.size(), to);
+    };
+    const struct {
+        const char* arguments;
+        int status;
+        std::string text, err;
+    } rows[] = {
+        {"a=b=3", 0, with("3.50", "3"), ""},
+        {"A=B=3 a=2", 0, with("skill 1 3.50", "skill 1 3\n    skill    3 2"), ""},
+        {"a=c=3", 1, level, "skill3 a: "},
+        {"c=d=3", 2, level, "no value called \"c\""},
+        {"flag3=1", 0, with("end", "    flag     3\nend"),
+         "warning: flag3 is taken as the number; the value labelled so is flag2"},
+        {"flag2=1", 0, with("end", "    flag     2\nend"), ""},
+        {"skill1=3.5", 0, level, ""},
+        {"skill1=4 a=b=3.5", 0, level, ""},
+        {"\"a=b= 5\"", 1, level, "No blank may stand"},
+    };
+    for (const auto& row : rows) {
+        folder.write("n.zlm", level);
+        const ToolRun run = folder.run(std::string("level set n.zlm e ") + row.arguments);
+        EXPECT_EQ(run.status, row.status) << row.arguments << "\n" << run;
+        EXPECT_EQ(folder.read("n.zlm"), row.text) << row.arguments;
+        EXPECT_THAT(run.err, HasSubstr(row.err)) << row.arguments;
+        EXPECT_EQ(run.err.empty(), row.err.empty()) << run.err;
+    }
+}
+
 TEST_F(Behavior, NamesValuesInTheScriptsCharacterSet) {
     for (const char* script : {"action walk {\n// skill1: GR\xC3\x9CN\xCE\xA9 2\n}",
                                "action walk {\n// skill1: GR\xDCN\xD9 2\n}"}) {

@@ -130,11 +130,15 @@ private:
     ExitStatus m_status = ExitStatus::Failed;
 };
 
-std::string valueText(const LevelEntity& entity, const CustomEntry& row) {
+float valueOf(const LevelEntity& entity, const CustomEntry& row) {
     if (const int skill = skillNumber(row)) {
-        return skillText(entity.skills[static_cast<size_t>(skill - 1)]);
+        return entity.skills[static_cast<size_t>(skill - 1)];
     }
-    return entity.flags >> (flagNumber(row) - 1) & 1U ? "1" : "0";
+    return entity.flags >> (flagNumber(row) - 1) & 1U ? 1.0F : 0.0F;
+}
+
+std::string valueText(const LevelEntity& entity, const CustomEntry& row) {
+    return skillText(valueOf(entity, row));
 }
 
 ExitStatus listLevel(const LevelOptions& options) {
@@ -192,60 +196,71 @@ struct NamedValue {
     TextSet set;
 };
 
-// The value that goes by a label or by "skill3", "flag1", with its character set; nothing after a complaint.
-std::optional<NamedValue> rowNamed(const OpenLevelFile& level, const LevelEntity& entity,
-                                   const std::string& name) {
-    const EntityValues values = level.valuesOf(entity);
-    const std::string label = foldedText(name, textSetOf(name));
-    for (const bool byLabel : {false, true}) {
-        const CustomEntry* found = nullptr;
-        for (const CustomEntry& row : values.rows) {
-            const bool isNamed =
-                byLabel ? foldedText(row.label, values.set) == label : equalNoCase(fieldName(row), name);
-            if (!isNamed) {
-                continue;
-            }
-            if (found && found->id != row.id) {
-                complain("several values are called \"" + name + "\"; name it by its number, as in " +
-                         fieldName(row));
-                return std::nullopt;
-            }
-            found = &row;
-        }
-        if (found) {
-            return NamedValue{*found, values.set};
-        }
-    }
+// The id of the value that "skill3" or "flag1" names; 0 for another text.
+int idNamed(const std::string& name) {
     const int keyword = LookupCustomKeyword(name);
-    CustomEntry row;  // a field that no action declares
-    if (keyword >= kFlag1 && keyword < kSkill) {
-        row.kind = kFlag;
-        row.id = kFlagIds + keyword - kFlag1 + 1;
-        return NamedValue{row, TextSet::System};
+    return keyword >= kFlag1 && keyword < kSkill       ? kFlagIds + keyword - kFlag1 + 1
+           : keyword >= kSkill1 && keyword < kBehavior ? kSkillIds + keyword - kSkill1 + 1
+                                                       : 0;
+}
+
+// The values that go by that name, each once. A number is never a label: what it names must not depend on how the
+// script calls another value.
+std::vector<CustomEntry> rowsNamed(const EntityValues& values, const std::string& name) {
+    const int id = idNamed(name);
+    const std::string label = foldedText(name, textSetOf(name));
+    std::vector<CustomEntry> found;
+    for (const CustomEntry& row : values.rows) {
+        const bool isNamed = id ? row.id == id : foldedText(row.label, values.set) == label;
+        if (isNamed && std::ranges::find(found, row.id, &CustomEntry::id) == found.end()) {
+            found.push_back(row);
+        }
     }
-    if (keyword >= kSkill1 && keyword < kBehavior) {
-        row.kind = kSkill;
-        row.id = kSkillIds + keyword - kSkill1 + 1;
-        return NamedValue{row, TextSet::System};
+    if (id && found.empty()) {  // a value that no action declares
+        CustomEntry& row = found.emplace_back();
+        row.kind = id > kFlagIds && id <= kFlagIds + kEntityFlags ? kFlag : kSkill;
+        row.id = id;
     }
-    const std::string why = level.whyUnlabelled(entity);
-    complain("the entity has no value called \"" + name + '"' + (why.empty() ? "" : "; " + why));
-    return std::nullopt;
+    return found;
+}
+
+// The value of that name; nothing after a complaint.
+std::optional<CustomEntry> rowNamed(const OpenLevelFile& level, const LevelEntity& entity,
+                                    const EntityValues& values, const std::string& name) {
+    std::vector<CustomEntry> found = rowsNamed(values, name);
+    if (found.size() > 1) {
+        complain("several values are called \"" + name + "\"; name it by its number, as in " +
+                 fieldName(found.front()));
+        return std::nullopt;
+    }
+    if (found.empty()) {
+        const std::string why = level.whyUnlabelled(entity);
+        complain("the entity has no value called \"" + name + '"' + (why.empty() ? "" : "; " + why));
+        return std::nullopt;
+    }
+    for (const CustomEntry& row : values.rows) {
+        if (row.id != found.front().id && equalNoCase(row.label, name)) {
+            complain("warning: " + name + " is taken as the number; the value labelled so is " +
+                     fieldName(row));
+        }
+    }
+    return std::move(found.front());
 }
 
 ExitStatus getValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
-    std::vector<std::string> values;
+    const EntityValues values = level.valuesOf(entity);
+    std::vector<std::string> texts;
     for (const std::string& name : options.words) {
-        const auto named = rowNamed(level, entity, name);
-        if (!named) {
+        const auto row = rowNamed(level, entity, values, name);
+        if (!row) {
             return ExitStatus::Usage;
         }
-        values.push_back(valueText(entity, named->row));
+        texts.push_back(valueText(entity, *row));
     }
     if (options.json) {
-        printJson(jsonTexts(values));
+        printJson(jsonTexts(texts));
     } else {
-        for (const std::string& value : values) {
+        for (const std::string& value : texts) {
             printShown(value + '\n');
         }
     }
@@ -269,51 +284,68 @@ Json changeOf(const std::string& entity, const std::string& what, const std::str
             {"after", jsonText(to)}};
 }
 
+// Where the name in "name=value" ends. A label may hold the sign, too: the longest one that exists counts.
+size_t nameEnd(const EntityValues& values, const std::string& word) {
+    for (size_t end = word.rfind('='); end != word.npos && end > 0; end = word.rfind('=', end - 1)) {
+        if (!rowsNamed(values, word.substr(0, end)).empty()) {
+            return end;
+        }
+    }
+    return word.find('=');
+}
+
 ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, const LevelEntity& entity) {
-    std::string text = level.text();
-    std::vector<Json> changes;
+    struct Change {
+        CustomEntry row;
+        float before, after;
+    };
+    const EntityValues values = level.valuesOf(entity);
+    std::vector<Change> changes;
     for (const std::string& word : options.words) {
-        const size_t equals = word.find('=');
+        const size_t equals = nameEnd(values, word);
         if (equals == word.npos || equals == 0) {
             complain('"' + word + "\" is not of the form name=value");
             return ExitStatus::Usage;
         }
-        const auto named = rowNamed(level, entity, word.substr(0, equals));
-        if (!named) {
+        const auto row = rowNamed(level, entity, values, word.substr(0, equals));
+        if (!row) {
             return ExitStatus::Usage;
         }
-        const CustomEntry& row = named->row;
-        EntryFacts facts = behaviorFacts(row, named->set);
-        facts.value = valueText(entity, row);
-        const auto number = skillOfText(word.substr(equals + 1));
-        const std::string value =
-            number ? choiceOf(facts, *number, word.substr(equals + 1)) : word.substr(equals + 1);
+        EntryFacts facts = behaviorFacts(*row, values.set);
+        facts.value = valueText(entity, *row);
+        const std::string given = word.substr(equals + 1);
+        const auto number = skillOfText(given);
+        const std::string value = number ? choiceOf(facts, *number, given) : given;
         const EntryModel model(facts);
         std::string why = model.refusalOf(value);
         if (why.empty() && !options.force) {
             why = notOffered(model, value);
         }
-        if (why.empty() && !number) {
+        if (!number && why.empty()) {
             why = skillRefusal(value);
         }
         if (!why.empty()) {
-            complain(nameOf(row) + ": " + why + " Nothing was changed.");
+            complain(nameOf(*row) + ": " + why + " Nothing was changed.");
             return ExitStatus::Findings;
         }
+        // One that is named again has its last value.
+        std::erase_if(changes, [&](const Change& earlier) { return earlier.row.id == row->id; });
+        changes.push_back({*row, valueOf(entity, *row), number.value_or(0)});
+    }
+    // A value that is there already keeps its line as it is written.
+    std::erase_if(changes, [](const Change& change) { return change.before == change.after; });
+    std::string text = level.text();
+    Json told = Json::array();
+    for (const auto& [row, before, after] : changes) {
         const int skill = skillNumber(row);
-        auto edited = withLevelValue(
-            text, {entity.name, skill > 0, skill > 0 ? skill : flagNumber(row), number.value_or(0)});
+        auto edited =
+            withLevelValue(text, {entity.name, skill > 0, skill > 0 ? skill : flagNumber(row), after});
         if (!edited) {
             complain("the entity's lines were not found");
             return ExitStatus::Failed;
         }
         text = std::move(*edited);
-        // One that is named again has its last value.
-        const Json change = changeOf(entity.name, nameOf(row), facts.value, number ? skillText(*number) : "");
-        std::erase_if(changes, [&](const Json& earlier) { return earlier["value"] == change["value"]; });
-        if (skillOfText(facts.value) != number) {
-            changes.push_back(change);
-        }
+        told.push_back(changeOf(entity.name, nameOf(row), skillText(before), skillText(after)));
     }
     if (options.dryRun) {
         if (!options.json) {
@@ -330,7 +362,7 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
         }
     }
     if (options.json) {
-        printJson(changes);
+        printJson(told);
     }
     return ExitStatus::Done;
 }
