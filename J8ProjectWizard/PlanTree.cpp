@@ -82,9 +82,11 @@ PlanRow rowOf(const PlannedFile& file) {
     return row;
 }
 
-void addFile(TreeBuilder& tree, const PlannedFile& file, const std::string& refusal, bool isOptional) {
+void addFile(TreeBuilder& tree, const PlannedFile& file, const std::string& refusal, bool isOptional,
+             bool isSaved = false) {
     PlanRow row = rowOf(file);
     row.isOptional = isOptional;
+    row.isSaved = isSaved;
     if (row.refusal.empty()) {
         row.refusal = refusal;
     }
@@ -136,13 +138,14 @@ PlanTree::PlanTree(const CreationPlan& plan) {
         addFile(tree, file, plan.levelRefusal, !file.target.ends_with(".zlm"));
     }
     for (const PlannedFile& file : plan.projectFiles.files) {
-        addFile(tree, file, plan.projectFiles.refusal, !file.target.ends_with(".xml"));
+        const bool isProjectFile = file.target == plan.projectFile;
+        addFile(tree, file, plan.projectFiles.refusal, !isProjectFile, isProjectFile);
     }
     if (!plan.loadsProjectFile) {
         PlannedFile project;
         project.target = plan.projectFile;
         project.isTaken = plan.isProjectFileTaken;
-        addFile(tree, project, plan.levelRefusal, false);
+        addFile(tree, project, plan.levelRefusal, false, true);
     }
     m_rows = tree.rows();
     for (const PlanRow& row : m_rows) {
@@ -213,7 +216,9 @@ std::string PlanTree::problem(const PlanRow& row, const std::string& projectFold
     }
     if (const Facts* facts = factsOf(row)) {
         if (facts->kind == OsKind::Missing) {
-            return row.isOptional ? "not among the templates" : "Missing file: " + row.source;
+            return row.isOptional
+                       ? "not among the templates"
+                       : "Missing file: " + row.source + (row.isSaved ? "; an empty project is made" : "");
         }
         const bool isThere = row.isOnlyChecked && facts->kind != OsKind::Unknown;
         if (facts->kind != OsKind::File && !isThere) {
@@ -256,7 +261,7 @@ std::string PlanTree::summary() const {
     for (const PlanRow& row : m_rows) {
         const Facts* facts = factsOf(row);
         if (row.isOnlyChecked || row.isRepeated || row.isTaken || row.lacksFolder ||
-            (facts && facts->kind != OsKind::File)) {
+            (facts && facts->kind != OsKind::File && !row.isSaved)) {
             continue;
         }
         ++(row.isFolder ? folders : files);

@@ -22,6 +22,7 @@ struct PlanRow {
     bool isRepeated = false;
     bool lacksFolder = false;
     bool isTaken = false;        // a folder where an earlier file has the name, or a file where a folder has
+    bool isSaved = false;        // the project file, which is written also where there is nothing to copy
     bool isOptional = false;     // one of a set of which some may be missing
     bool isOnlyChecked = false;  // has to be among the templates, and is not copied
 };

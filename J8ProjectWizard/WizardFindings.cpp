@@ -103,6 +103,15 @@ private:
     std::vector<WizardFinding>& m_found;
 };
 
+// Whether one of the folders' files becomes `target`.
+bool copies(const CreationPlan& plan, const std::string& target) {
+    return std::ranges::any_of(plan.folders, [&](const PlannedFolder& folder) {
+        return std::ranges::any_of(folder.files, [&](const PlannedFile& file) {
+            return equalNoCase(normalizePath(file.target), target);
+        });
+    });
+}
+
 }  // namespace
 
 std::vector<WizardFinding> wizardFindings(const std::string& path) {
@@ -147,6 +156,9 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
                 finder.file(file, files == &folder.files);
             }
         }
+    }
+    if (!plan.level.isDeclared && !copies(plan, plan.map + ".zlm")) {
+        finder.add(wizard.place(), "There is no Level: no map is copied that the editor could open.");
     }
     finder.set(plan.level, ".zlm");
     finder.set(plan.projectFiles, ".xml");

@@ -19,7 +19,10 @@ struct WizardTool : testing::Test {
             fs::create_directories(folder.path(name));
         }
         folder.write("suite/templates/a/one.txt", "1");
-        write("<Folder name='.'><File name='one.txt' folder='a'/></Folder>");
+        folder.write("suite/templates/a/main.zlm", "level 1\n");
+        write(
+            "<Folder name='.'><File name='one.txt' folder='a'/></Folder><Level><File name='main' "
+            "folder='a'/></Level>");
     }
     void write(const std::string& content) {
         folder.write(
@@ -50,7 +53,16 @@ TEST_F(WizardTool, ChecksWithPlaces) {
     EXPECT_THAT(run.out, HasSubstr("w.xml:3:1: The folder name \"..\" leads out of its folder."));
     EXPECT_THAT(run.out, HasSubstr("w.xml:4:3: Missing file: .\\templates\\a\\none"));
     EXPECT_THAT(run.out, HasSubstr("broken.xml:2:"));
-    EXPECT_EQ(json::parse(folder.run("wizard check suite --json").out)[1]["line"], 3);
+    EXPECT_EQ(json::parse(folder.run("wizard check suite --json").out)[2]["line"], 3);
+    // One form for a file without anything in it, whichever command reads it.
+    folder.write("suite/templates/wizards/broken.xml", "");
+    EXPECT_THAT(folder.run("wizard check suite").out, HasSubstr("broken.xml:1:1: Error: No XML data\n"));
+    // The editor is to open the map; a folder's file can be one.
+    const std::string noMap = "w.xml:1:1: There is no Level: no map is copied that the editor could open.\n";
+    EXPECT_THAT(run.out, HasSubstr(noMap));
+    folder.write("suite/templates/a/m.zlm", "level 1\n");
+    write("<Folder name='.'><File name='m.zlm' folder='a'/></Folder>");
+    EXPECT_THAT(folder.run("wizard check suite").out, testing::Not(HasSubstr(noMap)));
 }
 
 TEST_F(WizardTool, ChecksWhatIsListed) {
@@ -78,7 +90,7 @@ TEST_F(WizardTool, MakesProjects) {
     EXPECT_FALSE(fs::exists(folder.path("g")));
     const ToolRun made = folder.run("project new Wiz --suite suite --folder g/new --name Mine");
     EXPECT_EQ(made.status, 0) << made;
-    EXPECT_THAT(made.out, HasSubstr("made 2 folders and 2 files"));
+    EXPECT_THAT(made.out, HasSubstr("made 2 folders and 3 files"));
     EXPECT_EQ(folder.read("g/new/one.txt"), "1");
     EXPECT_THAT(folder.read("g/new/m.xml"), HasSubstr("name=\"Mine\""));
     fs::remove(folder.path("suite/wizardDebug.xml"));
@@ -115,12 +127,60 @@ TEST_F(WizardTool, MakesProjects) {
     EXPECT_EQ(partly.status, 3);
     EXPECT_THAT(partly.err, HasSubstr("Can't copy 'templates\\a\\none.zlm' to '"));
     EXPECT_EQ(partly.err.find(".zlb"), std::string::npos);
+    // A project file that isn't there is made empty, and counts as made.
+    write("<J8ProjectFiles><File name='pro' folder='a'/></J8ProjectFiles>");
+    EXPECT_THAT(
+        folder.run("project new Wiz --suite suite --folder g/empty -n").out,
+        testing::AllOf(HasSubstr("pro.xml; an empty project is made\n"), HasSubstr("1 folder and 1 file, ")));
+    EXPECT_THAT(folder.run("project new Wiz --suite suite --folder g/empty").out,
+                HasSubstr("made 1 folder and 1 file in "));
     // What a failed run made goes on request.
     write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Folder name='one.txt'/>");
     const ToolRun failed = folder.run("--yes project new Wiz --suite suite --folder g/other");
     EXPECT_EQ(failed.status, 3);
     EXPECT_THAT(failed.err, HasSubstr("Could not create a directory"));
     EXPECT_FALSE(fs::exists(folder.path("g/other")));
+}
+
+TEST_F(WizardTool, SaysInJsonWhyNothingWasMade) {
+    const auto made = [&](const std::string& arguments) {
+        return folder.run("project new Wiz --json --suite suite --folder " + arguments);
+    };
+    ASSERT_EQ(made("g").status, 0);
+    for (const char* dry : {"", " -n"}) {
+        ToolRun run = made(std::string("g") + dry);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(std::string(json::parse(run.out)["refused"]),
+                    HasSubstr("Could not overwrite a file/folder"));
+        run = made(std::string("new --map a:b") + dry);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(std::string(json::parse(run.out)["refused"]), HasSubstr("The level map's name \"a:b\""));
+    }
+    write("<Folder name='.'><File name='one.txt' folder='a'/></Folder><Folder name='one.txt'/>");
+    EXPECT_THAT(std::string(json::parse(made("new -n").out)["problem"]),
+                HasSubstr("The folder can't be made"));
+    const ToolRun failed = made("new");
+    EXPECT_EQ(failed.status, 3);
+    EXPECT_THAT(std::string(json::parse(failed.out)["failed"]), HasSubstr("Could not create a directory"));
+}
+
+TEST_F(WizardTool, TellsOfALevelThatNothingTakes) {
+    const std::string lost = "has no level, so --level and --level-docs count for nothing";
+    write("<J8ProjectFiles><File name='pro' folder='a'/></J8ProjectFiles>");
+    for (const auto& [project, arguments, isTold] :
+         {std::tuple("<Project/>", "--level L", true),
+          {"<Project/>", "--level-docs D", true},
+          {"<Project/>", "", false},
+          {"<Project><Level name='x'/></Project>", "--level L", false}}) {
+        folder.write("suite/templates/a/pro.xml", project);
+        for (const char* dry : {" -n", ""}) {
+            const ToolRun run =
+                folder.run(std::string("project new Wiz --suite suite --folder g ") + arguments + dry);
+            EXPECT_EQ(run.status, 0) << run;
+            EXPECT_EQ(run.err.find(lost) != std::string::npos, isTold) << project << arguments << dry;
+        }
+        fs::remove_all(folder.path("g"));
+    }
 }
 
 }  // namespace

@@ -108,7 +108,9 @@ TEST(Wizard, GivesDescriptionAndDefaults) {
     EXPECT_TRUE(CJ8Wizard::GetWizardDesc(text, both.paths()[0]));
     EXPECT_TRUE(both.LoadDefaults(data, 0));
     EXPECT_EQ(text + data.m_strLevelMap, "onetwolm");
-    EXPECT_TRUE(wizardFindings(both.paths()[0]).empty());
+    const std::vector<WizardFinding> found = wizardFindings(both.paths()[0]);
+    ASSERT_EQ(found.size(), 1u) << "nothing is wrong with the texts";
+    EXPECT_TRUE(found[0].text.starts_with("There is no Level"));
 }
 
 TEST(Wizard, ChecksNamesAndFiles) {
@@ -244,6 +246,7 @@ TEST(Wizard, TellsOfWhatIsNotMade) {
         "Can't be copied, because no folder before makes the one that it lies in: sub\\one";
     const std::string taken = "The file can't be made: a folder of that name is made before: ";
     const std::string before = "Something of that name is made before: pro.c";
+    const std::string noMap = "There is no Level: no map is copied that the editor could open.";
     const struct {
         std::string content, rows;
         std::vector<std::string> findings;
@@ -251,18 +254,18 @@ TEST(Wizard, TellsOfWhatIsNotMade) {
         {"<Folder name='.'><File name='sub\\one' folder='.'/></Folder><Folder name='sub'><File "
          "name='.\\one' folder='sub'/></Folder>",
          ": |sub\\one: " + sub + "|sub\\: |one: |m.xml: |",
-         {sub}},
-        {"<Folder name='m.xml'/>", ": |m.xml\\: |m.xml: " + taken + "m.xml|", {taken + "m.xml"}},
+         {noMap, sub}},
+        {"<Folder name='m.xml'/>", ": |m.xml\\: |m.xml: " + taken + "m.xml|", {noMap, taken + "m.xml"}},
         {"<Folder name='M.zlm'/><Level><File name='pro' folder='sub'/></Level>",
          ": |M.zlm\\: |m.zlm: " + taken + "m.zlm|m.zlb: |m.zun: |m.xml: |",
          {taken + "m.zlm"}},
         {"<Folder name='.'><File name='pro.c' folder='sub'/></Folder><J8ProjectFiles><File name='pro' "
          "folder='sub'/></J8ProjectFiles>",
          ": |pro.c: |pro.c: something of that name is made before|pro.kez: |pro.xml: |",
-         {before}},
+         {noMap, before}},
         {"<Levle/><Folder name='x'><Fiel/></Folder>",
          ": |x\\: |m.xml: |",
-         {"Unknown element Levle in Wizard: it is passed over.",
+         {noMap, "Unknown element Levle in Wizard: it is passed over.",
           "Unknown element Fiel in Folder: it is passed over."}},
     };
     for (const auto& [content, rows, findings] : wizards) {

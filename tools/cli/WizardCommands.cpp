@@ -214,13 +214,18 @@ ExitStatus check(const WizardOptions& options) {
         Json all = Json::array();
         for (const auto& [path, finding] : findings) {
             if (options.json) {
-                all.push_back({{"file", jsonText(givenPath(path))},
-                               {"line", finding.line},
-                               {"column", finding.column},
-                               {"finding", jsonText(finding.text)}});
+                Json one{{"file", jsonText(givenPath(path))}};
+                if (finding.line > 0) {
+                    one["line"] = finding.line;
+                    one["column"] = finding.column;
+                }
+                one["finding"] = jsonText(finding.text);
+                all.push_back(std::move(one));
             } else {
-                printShown(givenPath(path) + ":" + std::to_string(finding.line) + ":" +
-                           std::to_string(finding.column) + ": " + finding.text + "\n");
+                const std::string place = finding.line > 0 ? ":" + std::to_string(finding.line) + ":" +
+                                                                 std::to_string(finding.column)
+                                                           : "";
+                printShown(givenPath(path) + place + ": " + finding.text + "\n");
             }
         }
         if (options.json) {
@@ -255,14 +260,20 @@ CJ8WizardUserData dataOf(const WizardOptions& options, const CJ8Wizard& wizards,
 }
 
 void printPlan(const WizardOptions& options, const CJ8Wizard& wizards, unsigned index,
-               const CJ8WizardUserData& data, bool exists) {
+               const CJ8WizardUserData& data, bool exists, const std::string& refusal) {
     const auto plan = wizards.plan(index, data.m_strLevelMap);
     PlanTree tree(plan ? *plan : CreationPlan());
     tree.lookAtAll();
     if (options.json) {
-        printJson({{"project", jsonText(givenPath(data.m_strProjectFolder))},
-                   {"exists", exists},
-                   {"plan", jsonOf(tree, data.m_strProjectFolder)}});
+        Json all{{"project", jsonText(givenPath(data.m_strProjectFolder))}, {"exists", exists}};
+        if (!refusal.empty()) {
+            all["refused"] = jsonText(refusal);
+        }
+        if (const std::string problem = tree.firstProblem(data.m_strProjectFolder); !problem.empty()) {
+            all["problem"] = jsonText(problem);
+        }
+        all["plan"] = jsonOf(tree, data.m_strProjectFolder);
+        printJson(all);
     } else {
         printTree(tree, data.m_strProjectFolder);
         printShown("\nThat is " + tree.summary() + ".\n");
@@ -270,18 +281,19 @@ void printPlan(const WizardOptions& options, const CJ8Wizard& wizards, unsigned 
 }
 
 // Messages of the dialog's are laid out for its boxes.
-void complainInLines(const std::string& text) {
-    std::string lines = onOneLine(text, "\n");
-    while (lines.ends_with('\n')) {
-        lines.pop_back();
-    }
-    complain(lines);
+std::string linesOf(const std::string& message) {
+    return std::string(trimmed(onOneLine(message, "\n")));
+}
+
+// Why there is no project, for who reads JSON.
+void printRefusal(const CJ8WizardUserData& data, const char* key, const std::string& why) {
+    printJson({{"project", jsonText(givenPath(data.m_strProjectFolder))}, {key, jsonText(why)}});
 }
 
 ExitStatus failed(int code, const CJ8WizardUserData& data) {
     complain(runMessage(code));
     if (!data.m_strMessage.empty()) {
-        complainInLines(data.m_strMessage);
+        complain(linesOf(data.m_strMessage));
     }
     return code == kWizardFolderExists ? ExitStatus::Findings : ExitStatus::Failed;
 }
@@ -292,6 +304,10 @@ ExitStatus make(const WizardOptions& options, const CJ8Wizard& wizards, unsigned
     const int code = wizards.Run(data, index, {nullptr, &record});
     if (code < 0) {
         const ExitStatus status = failed(code, data);
+        if (options.json) {
+            printRefusal(data, code == kWizardFolderExists ? "refused" : "failed",
+                         linesOf(std::string(runMessage(code)) + "\n" + data.m_strMessage));
+        }
         offerRemoval(userPrompt(), record, false, [](const WizardJob& job) { job(nullptr); });
         return status;
     }
@@ -329,6 +345,46 @@ std::string whatIsMissing(const CJ8WizardUserData& data) {
                                              : "";
 }
 
+// Whether the project's file, as it is among the templates, has a level that takes the name and the documentation.
+bool hasLevel(const CreationPlan& plan) {
+    return plan.loadsProjectFile && !XMLNode::parseFile(plan.projectFiles.files.back().source.c_str(),
+                                                        "Project", nullptr, {}, XMLCharset::Utf8)
+                                         .firstChild("Level")
+                                         .isEmpty();
+}
+
+ExitStatus createWith(const WizardOptions& options, const CJ8Wizard& wizards, unsigned index) {
+    CJ8WizardUserData data = dataOf(options, wizards, index);
+    if (const std::string what = whatIsMissing(data); !what.empty()) {
+        complain(what);
+        return ExitStatus::Usage;
+    }
+    const bool isRefused = wizards.Check(data.m_strMessage, index, data) < 0;
+    const bool exists = osFiles().kindOf(options.folder) != OsKind::Missing;
+    const std::string refusal = isRefused ? linesOf(data.m_strMessage)
+                                : exists  ? runMessage(kWizardFolderExists)
+                                          : "";
+    if (options.dryRun) {
+        printPlan(options, wizards, index, data, exists, refusal);
+    }
+    if (isRefused) {
+        complain(refusal + "\nNothing was made.");
+        if (options.json && !options.dryRun) {
+            printRefusal(data, "refused", refusal);
+        }
+        return ExitStatus::Findings;
+    }
+    if (options.dryRun && exists) {
+        data.m_strMessage = options.folder;
+        return failed(kWizardFolderExists, data);
+    }
+    const auto plan = wizards.plan(index, data.m_strLevelMap);
+    if ((options.level || options.levelDocs) && plan && !hasLevel(*plan)) {
+        complain("warning: the wizard's project has no level, so --level and --level-docs count for nothing");
+    }
+    return options.dryRun ? ExitStatus::Done : make(options, wizards, index, data);
+}
+
 ExitStatus create(WizardOptions options) {
     // They are meant from where the tool was started.
     for (std::string* path : {&options.folder, options.templates ? &*options.templates : nullptr}) {
@@ -341,28 +397,9 @@ ExitStatus create(WizardOptions options) {
         }
         *path = suitePath(*path);
     }
-    return withWizard(options, options.dryRun ? Logs::None : Logs::Left,
-                      [&](const CJ8Wizard& wizards, unsigned index) {
-                          CJ8WizardUserData data = dataOf(options, wizards, index);
-                          if (const std::string what = whatIsMissing(data); !what.empty()) {
-                              complain(what);
-                              return ExitStatus::Usage;
-                          }
-                          const int checked = wizards.Check(data.m_strMessage, index, data);
-                          const bool exists = osFiles().kindOf(options.folder) != OsKind::Missing;
-                          if (options.dryRun) {
-                              printPlan(options, wizards, index, data, exists);
-                          }
-                          if (checked < 0) {
-                              complainInLines(data.m_strMessage + "\nNothing was made.");
-                              return ExitStatus::Findings;
-                          }
-                          if (options.dryRun && exists) {
-                              data.m_strMessage = options.folder;
-                              return failed(kWizardFolderExists, data);
-                          }
-                          return options.dryRun ? ExitStatus::Done : make(options, wizards, index, data);
-                      });
+    return withWizard(
+        options, options.dryRun ? Logs::None : Logs::Left,
+        [&](const CJ8Wizard& wizards, unsigned index) { return createWith(options, wizards, index); });
 }
 
 }  // namespace
