@@ -142,6 +142,7 @@ void clearLog(DriveContext& drive, const Words&) {
 void mark(DriveContext& drive, const Words&) {
     drive.mark = countResources();
     drive.markHandles = heldHandles();
+    drive.markUserObjects = userObjectKinds();
 }
 
 void expectNoGain(DriveContext& drive, const Words& words) {
@@ -165,6 +166,7 @@ void expectNoGain(DriveContext& drive, const Words& words) {
                 return std::to_string(now) + " (before: " + resourceText(drive.mark) +
                        "; now: " + resourceText(countResources()) +
                        "; handles that were not there: " + handlesGained(drive.markHandles, heldHandles()) +
+                       "; user objects before: " + drive.markUserObjects + "; now: " + userObjectKinds() +
                        ")";
             });
     }

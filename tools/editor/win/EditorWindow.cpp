@@ -98,6 +98,13 @@ bool EditorWindow::create(bool show) {
         m_font = CreateFontIndirectA(&metrics.lfMessageFont);
     }
 
+    // The system makes one of each at the first use and keeps it. Made now, none is taken for something that a plug-in
+    // left behind, because the pointer happened to stand on a border of its window.
+    for (LPCSTR const cursor : {IDC_ARROW, IDC_IBEAM, IDC_WAIT, IDC_APPSTARTING, IDC_HAND, IDC_NO,
+                                IDC_SIZEALL, IDC_SIZENS, IDC_SIZEWE, IDC_SIZENESW, IDC_SIZENWSE}) {
+        LoadCursorA(nullptr, cursor);
+    }
+
     WNDCLASSA windowClass{};
     windowClass.lpfnWndProc = windowProc;
     windowClass.hInstance = GetModuleHandleA(nullptr);

@@ -115,22 +115,6 @@ long countWindows() {
     return count;
 }
 
-// Object handles are places in a table, and a freed place is taken again before a new one: once enough
-// objects are made to fill every gap, the last place tells how many are in use.
-template <typename Make, typename Destroy>
-long countByPlace(int gaps, Make make, Destroy destroy) {
-    std::vector<decltype(make())> made;
-    long last = 0;
-    for (int i = 0; i < gaps; ++i) {
-        made.push_back(make());
-        last = std::max(last, static_cast<long>(reinterpret_cast<std::uintptr_t>(made.back()) & 0xFFFF));
-    }
-    for (const auto object : made) {
-        destroy(object);
-    }
-    return last - gaps;
-}
-
 long countGdi() {
     const DWORD direct = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     if (direct) {
@@ -144,17 +128,66 @@ long countGdi() {
     return count;
 }
 
+// User objects by kind. The system knows another process's windows from here, its other objects not.
+struct UserObjects {
+    long windows = 0;
+    long menus = 0;
+    long cursors = 0;
+    long rest = 0;
+    long windowsOfOthers = 0;
+};
+
+std::uintptr_t placeOf(HMENU menu) {
+    return reinterpret_cast<std::uintptr_t>(menu) & 0xFFFF;
+}
+
+// Object handles are places in a table, and a freed place is taken again before a new one: once enough
+// menus are made to fill every gap, each place up to the last is theirs or holds an object in use.
+UserObjects userObjects() {
+    constexpr int kGaps = 500;
+    constexpr std::uintptr_t kFirst = 0x20;
+    constexpr std::uintptr_t kStep = 2;
+    std::vector<HMENU> made;
+    std::vector<bool> filled(0x10000);
+    std::uintptr_t last = 0;
+    for (int i = 0; i < kGaps; ++i) {
+        made.push_back(CreateMenu());
+        filled[placeOf(made.back())] = true;
+        last = std::max(last, placeOf(made.back()));
+    }
+    UserObjects count;
+    for (std::uintptr_t place = kFirst; place <= last; place += kStep) {
+        DWORD owner = 0;
+        ICONINFO picture{};
+        if (filled[place]) {
+            continue;
+        }
+        GetWindowThreadProcessId(reinterpret_cast<HWND>(place), &owner);
+        if (owner) {
+            ++(owner == GetCurrentProcessId() ? count.windows : count.windowsOfOthers);
+        } else if (IsMenu(reinterpret_cast<HMENU>(place))) {
+            ++count.menus;
+        } else if (GetIconInfo(reinterpret_cast<HICON>(place), &picture)) {
+            DeleteObject(picture.hbmMask);
+            DeleteObject(picture.hbmColor);
+            ++count.cursors;
+        } else {
+            ++count.rest;
+        }
+    }
+    for (const HMENU menu : made) {
+        DestroyMenu(menu);
+    }
+    return count;
+}
+
 long countUser() {
     const DWORD direct = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     if (direct) {
         return static_cast<long>(direct);
     }
-    // Places are counted in twos here.
-    constexpr int kGaps = 500;
-    return (countByPlace(
-                kGaps, [] { return CreateMenu(); }, [](HMENU menu) { DestroyMenu(menu); }) -
-            kGaps) /
-           2;
+    const UserObjects count = userObjects();
+    return count.windows + count.menus + count.cursors + count.rest;
 }
 
 // The system rounds to pages.
@@ -183,6 +216,13 @@ std::vector<HeldHandle> heldHandles() {
         held.push_back({value, kind + (name.empty() ? "" : " " + name)});
     }
     return held;
+}
+
+std::string userObjectKinds() {
+    const UserObjects count = userObjects();
+    return std::to_string(count.windows) + " windows, " + std::to_string(count.menus) + " menus, " +
+           std::to_string(count.cursors) + " cursors and icons, " + std::to_string(count.rest) +
+           " others; and " + std::to_string(count.windowsOfOthers) + " windows of other processes";
 }
 
 long resourceField(const ResourceCount& count, const std::string& name) {

@@ -11,7 +11,7 @@ struct ResourceCount {
     long threads = 0;
     long windows = 0;  // all of the process's, hidden ones and children too
     long gdi = 0;      // pens, fonts, pictures, device contexts, ...
-    long user = 0;     // menus, icons, windows, ... of the whole session, but for a constant
+    long user = 0;     // menus, icons, windows, ...; with the menus and icons of the session's other processes
     long memory = 0;   // KB of its own that lie in memory or were swapped out
 };
 
@@ -26,6 +26,9 @@ struct HeldHandle {
 
 // All kernel handles of this process, in ascending order; empty where the system doesn't tell. [any thread]
 std::vector<HeldHandle> heldHandles();
+
+// The user objects by kind, for the message of a count that grew. [any thread]
+std::string userObjectKinds();
 
 // One field by its name ("handles", "threads", ...); -1 for any other word.
 long resourceField(const ResourceCount& count, const std::string& name);
