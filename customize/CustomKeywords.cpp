@@ -147,9 +147,7 @@ int LookupCustomKeyword(const char* word, size_t length) {
         if (name.size() != length || name[0] != first) {
             continue;
         }
-        // Nearly all are written as here.
-        if (std::memcmp(name.data(), word, length) == 0 ||
-            lex::equalsIgnoringCase(name.data(), word, length)) {
+        if (lex::equalsIgnoringCase(name.data(), word, length)) {
             return kSlots[slot];
         }
     }

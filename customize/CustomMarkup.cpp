@@ -302,7 +302,7 @@ private:
                 kind = quoted ? kEntryStrEdit : kEntryChooseFile;
             }
         } else if (kind == kEntry) {
-            const bool digits = isDigits(token);
+            const bool digits = std::ranges::all_of(token, lex::isDecimal);
             if (!digits && !numberOf(token)) {
                 const std::string shown = quotedBeginning(token);
                 drop((shown + " is neither a number nor a text nor a file name").c_str());

@@ -53,8 +53,12 @@ MarkupLine splitMarkupLine(std::string_view line) {
     MarkupLine parts;
     parts.keyword = tokens.next();
     parts.colon = withoutLeadingBlanks(tokens.rest()).starts_with(':');
-    if (const std::string_view first = tokens.next(); !first.empty()) {
-        parts.text = trimmed(line.substr(static_cast<size_t>(first.data() - line.data())));
+    std::string_view text = tokens.rest();
+    while (!text.empty() && (text.front() == ':' || lex::isBlank(text.front()))) {
+        text.remove_prefix(1);
+    }
+    if (!text.empty() && text.front() && !lex::isLineEnd(text.front())) {
+        parts.text = trimmed(text);
     }
     return parts;
 }

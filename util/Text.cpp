@@ -7,14 +7,22 @@
 
 namespace zoka {
 
+// Each character is compared here and below, because the library's searches for one of a set call a function for each.
 std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(kWhiteSpace);
-    return first == text.npos ? std::string_view()
-                              : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+    while (!text.empty() && lex::isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && lex::isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
+    while (!text.empty() && lex::isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
 }
 
 std::string lowered(std::string_view text) {
@@ -46,14 +54,30 @@ std::string onOneLine(std::string_view text, std::string_view lineEnd) {
 }
 
 std::string_view LineTokens::next() {
-    const auto separates = [this](char c) { return m_separators.find(c) != m_separators.npos; };
+    // Nearly every character stands behind all separators and is looked at once.
+    char last = '\r';
+    for (const char separator : m_separators) {
+        last = std::max(last, separator);
+    }
+    const auto separates = [last, separators = m_separators](char c) {
+        if (c > last) {
+            return false;
+        }
+        for (const char separator : separators) {
+            if (c == separator) {
+                return true;
+            }
+        }
+        return false;
+    };
     const auto endsLine = [](char c) { return c == 0 || lex::isLineEnd(c); };
     size_t start = 0;
     while (start < m_rest.size() && separates(m_rest[start])) {
         ++start;
     }
     size_t end = start;
-    while (end < m_rest.size() && !separates(m_rest[end]) && !endsLine(m_rest[end])) {
+    while (end < m_rest.size() &&
+           (m_rest[end] > last || !(separates(m_rest[end]) || endsLine(m_rest[end])))) {
         ++end;
     }
     const std::string_view token = m_rest.substr(start, end - start);
