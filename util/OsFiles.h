@@ -47,6 +47,8 @@ public:
     virtual bool rewind() = 0;
     // Ends the file at the current position.
     virtual bool cutHere() = 0;
+    // The disk may begin with the bytes written so far, so that a flush() to come waits for less. Can't fail.
+    virtual void startFlush() {}
     // Returns when the bytes are on the disk.
     virtual bool flush() = 0;
     virtual bool close() = 0;

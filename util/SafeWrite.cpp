@@ -77,7 +77,15 @@ public:
 
     bool isMade() const { return m_ours; }
     const std::string& path() const { return m_path; }
-    bool write(std::string_view bytes) { return m_out->write(bytes); }
+    bool write(std::string_view bytes, bool flushed) {
+        if (!m_out->write(bytes)) {
+            return false;
+        }
+        if (flushed) {
+            m_out->startFlush();  // while the next sibling is made
+        }
+        return true;
+    }
     bool finish(bool flushed) { return (!flushed || m_out->flush()) && m_out->close(); }
     void keep() { m_ours = false; }
 
@@ -200,8 +208,9 @@ private:
         clearAbandoned(m_files, folder);
         m_sibling.emplace(m_files, m_target, m_exists ? m_target : m_content.like);
         if (m_sibling->isMade()) {
-            return m_sibling->write(m_content.bytes) ? ""
-                                                     : failure("Can't write", m_target, m_files.lastError());
+            return m_sibling->write(m_content.bytes, m_content.flushed)
+                       ? ""
+                       : failure("Can't write", m_target, m_files.lastError());
         }
         const std::string reason = m_files.lastError();
         if (!m_exists) {

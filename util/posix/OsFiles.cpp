@@ -87,6 +87,11 @@ public:
         const off_t here = lseek(m_file.get(), 0, SEEK_CUR);
         return here >= 0 && ftruncate(m_file.get(), here) == 0;
     }
+    void startFlush() override {
+#ifdef SYNC_FILE_RANGE_WRITE
+        sync_file_range(m_file.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+#endif
+    }
     bool flush() override {
         // What cannot be synchronised (a pipe, some network shares) is as safe as it gets.
         return fsync(m_file.get()) == 0 || errno == EINVAL || errno == EROFS;
@@ -403,7 +408,7 @@ public:
             // Whoever holds it writes its number; a file that has one already was left behind.
             state = ours.st_size > 0 ? OsLockState::TakenOver : OsLockState::Taken;
             const std::string number = std::to_string(getpid()) + "\n";
-            if (ftruncate(file.get(), 0) != 0 || ::write(file.get(), number.data(), number.size()) < 0) {
+            if ((ours.st_size > 0 && ftruncate(file.get(), 0) != 0) || ::write(file.get(), number.data(), number.size()) < 0) {
                 // A full disk: the lock holds without the number.
             }
             noteOwnFile(native);
