@@ -539,8 +539,8 @@ std::optional<size_t> EntryPanel::focusedRow() {
 bool EntryPanel::takesKeyboard(size_t row) const {
     const EntryModel& model = m_editing.row(row);
     const EntryField field = model.facts().field;
-    return field == EntryField::Heading || (hasValue(field) && model.blocked().empty() &&
-                                            (model.readOnly().empty() || EntryWindow::isTyped(field)));
+    return field == EntryField::Heading ||
+           (hasValue(field) && model.blocked().empty() && (model.readOnly().empty() || isTyped(field)));
 }
 
 void EntryPanel::focusLast() {

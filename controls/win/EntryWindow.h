@@ -6,14 +6,12 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "controls/EntryModel.h"
 #include "controls/PanelLayout.h"
 #include "controls/TextSet.h"
 #include "controls/win/ChoiceList.h"
-#include "controls/win/EntryLook.h"
+#include "controls/win/EntryControls.h"
 
 namespace zoka {
 
@@ -33,9 +31,7 @@ public:
     HWND window() const { return m_window; }
     size_t row() const { return m_row; }
     // The control that takes the keyboard; null for rows without one.
-    HWND field() const { return m_field; }
-    // Whether such a row's value is typed; of one that can't be changed it can still be read and copied.
-    static bool isTyped(EntryField field);
+    HWND field() const { return m_controls.field(); }
     // In pixels of the panel's view; `after` is the window in front of it, and before it in the order of Tab.
     void setPlace(HWND after, const PanelRect& place, int labelWidth);
     int y() const { return m_place.y; }
@@ -57,12 +53,6 @@ public:
 private:
     static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void makeControls(const EntryParts& at);
-    HWND child(HWND control);
-    HWND make(const char* className, const std::string& text, DWORD style, DWORD exStyle, int id, HFONT font,
-              const PanelRect& at);
-    void fitControls();
-    void layout(const EntryParts& at);
     void paint();
     void drawButton(const DRAWITEMSTRUCT& item) const;
 
@@ -77,7 +67,6 @@ private:
     void setFieldText(const std::string& value);
     void repaintField();
     void showBeginning();
-    void fitSwitchText();
     void giveBack();
     bool set(const std::string& value, bool typing);
     void refused(const std::string& why);
@@ -86,7 +75,7 @@ private:
     const EntryModel& model() const;
     const EntryFacts& facts() const { return model().facts(); }
     bool isMultiLine() const { return zoka::isMultiLine(facts()); }
-    bool isEdit() const { return isTyped(facts().field); }
+    bool isEdit() const { return zoka::isTyped(facts().field); }
 
     EntryPanel& m_panel;
     size_t m_row;
@@ -94,15 +83,10 @@ private:
     PanelRect m_place;
     std::optional<HWND> m_after;  // nothing: not placed yet
     HWND m_window = nullptr;
-    HWND m_label = nullptr, m_field = nullptr, m_slider = nullptr, m_track = nullptr, m_spin = nullptr;
-    HWND m_browse = nullptr;
-    // Of the controls, before fieldProc. Kept here, as the system's subclassing looks up what belongs to a window
-    // at each of its messages, which cost as much as making the row.
-    std::vector<std::pair<HWND, WNDPROC>> m_procedures;
+    EntryControls m_controls;
     DWORD m_spinPressed = 0;  // ticks
     std::string m_atFocus;    // the value when the field got the keyboard
     bool m_differentAtFocus = false;
-    bool m_centred = false;  // the field is an edit of one line, with its text in the middle of its height
     bool m_updating = false, m_typing = false, m_marked = false, m_isReadOnly = false;
     ChoiceList m_choices;
 };

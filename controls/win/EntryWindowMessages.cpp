@@ -20,7 +20,7 @@ void EntryWindow::spun(bool up) {
 }
 
 void EntryWindow::slid(WORD code) {
-    const int position = static_cast<int>(SendMessageA(m_track, TBM_GETPOS, 0, 0));
+    const int position = static_cast<int>(SendMessageA(m_controls.track(), TBM_GETPOS, 0, 0));
     const bool isStep = code == TB_LINEUP || code == TB_LINEDOWN || code == TB_PAGEUP || code == TB_PAGEDOWN;
     if (position != model().sliderPosition() && !(isStep && refusesSteps())) {
         set(model().textAt(position), true);
@@ -35,15 +35,15 @@ void EntryWindow::command(WORD code, HWND control) {
     if (m_updating) {
         return;
     }
-    if (m_browse && control == m_browse && code == BN_CLICKED) {
+    if (m_controls.browse() && control == m_controls.browse() && code == BN_CLICKED) {
         return m_panel.browseSoon(m_row);
     }
-    if (!control || control != m_field) {
+    if (!control || control != field()) {
         return;
     }
     if (facts().field == EntryField::Heading && code == BN_CLICKED) {
         m_panel.fold(m_row, !m_panel.rows().filter.isFolded(m_row));
-        InvalidateRect(m_field, nullptr, TRUE);
+        InvalidateRect(field(), nullptr, TRUE);
     } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
         set(model().isOn() && !model().isDifferent() ? "0" : "1", false);
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
@@ -58,17 +58,17 @@ void EntryWindow::command(WORD code, HWND control) {
 
 bool EntryWindow::keyDown(HWND control, WPARAM key) {
     if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
-        if (key == 'A' && control == m_field && isEdit()) {
-            SendMessageA(m_field, EM_SETSEL, 0, -1);
+        if (key == 'A' && control == field() && isEdit()) {
+            SendMessageA(field(), EM_SETSEL, 0, -1);
             return true;
         }
         return m_panel.host().shortcut(key);
     }
-    if (control == m_field && isNumber(facts().field) && (key == VK_UP || key == VK_DOWN)) {
+    if (control == field() && isNumber(facts().field) && (key == VK_UP || key == VK_DOWN)) {
         step(key == VK_UP ? 1 : -1);
         return true;
     }
-    if ((key == VK_PRIOR || key == VK_NEXT) && control != m_track && !isMultiLine() &&
+    if ((key == VK_PRIOR || key == VK_NEXT) && control != m_controls.track() && !isMultiLine() &&
         facts().field != EntryField::DropList) {
         PostMessageA(m_panel.window(), WM_VSCROLL, key == VK_PRIOR ? SB_PAGEUP : SB_PAGEDOWN, 0);
         return true;
@@ -92,7 +92,7 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
             m_panel.fieldFocused(m_row);
             break;
         case WM_KILLFOCUS:
-            if (window == m_field && !m_updating) {
+            if (window == field() && !m_updating) {
                 commit();
                 if (isEdit() && !isMultiLine()) {
                     showBeginning();
@@ -102,12 +102,12 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
             break;
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
-            if (window == m_spin) {
+            if (window == m_controls.spin()) {
                 m_spinPressed = GetTickCount();
             }
             break;
         case WM_MOUSEWHEEL:
-            if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == m_field &&
+            if (SendMessageA(window, CB_GETDROPPEDSTATE, 0, 0) && window == field() &&
                 facts().field == EntryField::DropList) {
                 break;
             }
@@ -129,7 +129,7 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
             m_panel.menuSoon(m_row, window, lParam);
             return 0;
         case WM_GETDLGCODE:
-            if (window == m_field && isMultiLine()) {
+            if (window == field() && isMultiLine()) {
                 const auto* const pressed = reinterpret_cast<const MSG*>(lParam);
                 const bool enter = pressed && pressed->message == WM_KEYDOWN && pressed->wParam == VK_RETURN;
                 return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL | (enter ? DLGC_WANTMESSAGE : 0);
@@ -138,12 +138,10 @@ LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPAR
         default:
             break;
     }
-    const auto own = std::find_if(m_procedures.begin(), m_procedures.end(),
-                                  [window](const auto& one) { return one.first == window; });
     // A menu's loop inside may free this row.
-    const bool centred = m_centred && window == m_field;
-    const bool scrolls = isMultiLine() && window == m_field;
-    const LRESULT answer = CallWindowProcW(own->second, window, message, wParam, lParam);
+    const bool centred = m_controls.isCentred() && window == field();
+    const bool scrolls = isMultiLine() && window == field();
+    const LRESULT answer = m_controls.answerOf(window, message, wParam, lParam);
     if (scrolls) {
         fitScrollBar(window, message);
     }
@@ -172,8 +170,9 @@ LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wPara
 LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:
-            layout(entryParts(facts(), m_panel.fonts(), LOWORD(lParam), HIWORD(lParam), m_labelWidth));
-            fitSwitchText();
+            m_controls.layOut(
+                facts(), entryParts(facts(), m_panel.fonts(), LOWORD(lParam), HIWORD(lParam), m_labelWidth));
+            m_controls.fitSwitchText(facts());
             return 0;
         case WM_PAINT:
             paint();
@@ -182,16 +181,16 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             command(HIWORD(wParam), reinterpret_cast<HWND>(lParam));
             return 0;
         case WM_HSCROLL:
-            if (m_track) {
+            if (m_controls.track()) {
                 slid(LOWORD(wParam));
             }
             return 0;
         case WM_NOTIFY: {
             const auto* const header = reinterpret_cast<const NMHDR*>(lParam);
-            if (header && m_spin && header->hwndFrom == m_spin &&
+            if (header && m_controls.spin() && header->hwndFrom == m_controls.spin() &&
                 header->code == static_cast<UINT>(UDN_DELTAPOS)) {
-                if (GetFocus() != m_field) {
-                    SetFocus(m_field);
+                if (GetFocus() != field()) {
+                    SetFocus(field());
                 }
                 spun(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta > 0);
                 return TRUE;
@@ -208,7 +207,7 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             return TRUE;
         case WM_CTLCOLORSTATIC: {
             const LRESULT ground = DefWindowProcA(m_window, message, wParam, lParam);
-            if (extrasOf(facts()).alarming && reinterpret_cast<HWND>(lParam) == m_label) {
+            if (extrasOf(facts()).alarming && reinterpret_cast<HWND>(lParam) == m_controls.label()) {
                 SetTextColor(reinterpret_cast<HDC>(wParam), RGB(176, 0, 0));
             }
             return ground;
@@ -224,12 +223,12 @@ LRESULT EntryWindow::message(UINT message, WPARAM wParam, LPARAM lParam) {
             return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
         }
         case WM_LBUTTONDOWN:
-            if (m_field) {
-                SetFocus(m_field);
+            if (field()) {
+                SetFocus(field());
             }
             return 0;
         case WM_CONTEXTMENU:
-            m_panel.menuSoon(m_row, m_field, lParam);
+            m_panel.menuSoon(m_row, field(), lParam);
             return 0;
         default:
             return DefWindowProcA(m_window, message, wParam, lParam);
