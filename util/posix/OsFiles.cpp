@@ -96,7 +96,9 @@ public:
         // What cannot be synchronised (a pipe, some network shares) is as safe as it gets.
         return fsync(m_file.get()) == 0 || errno == EINVAL || errno == EROFS;
     }
-    bool close() override { return m_file.close(); }
+    bool close() override {
+        return m_file.close();
+    }
 
 private:
     Descriptor m_file;
@@ -408,7 +410,8 @@ public:
             // Whoever holds it writes its number; a file that has one already was left behind.
             state = ours.st_size > 0 ? OsLockState::TakenOver : OsLockState::Taken;
             const std::string number = std::to_string(getpid()) + "\n";
-            if ((ours.st_size > 0 && ftruncate(file.get(), 0) != 0) || ::write(file.get(), number.data(), number.size()) < 0) {
+            if ((ours.st_size > 0 && ftruncate(file.get(), 0) != 0) ||
+                ::write(file.get(), number.data(), number.size()) < 0) {
                 // A full disk: the lock holds without the number.
             }
             noteOwnFile(native);

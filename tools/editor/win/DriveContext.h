@@ -55,7 +55,7 @@ struct DriveContext {
     HWND current = editorWindow.handle();  // the window that the commands about controls are meant for
     ResourceCount mark = {};               // what was held at the mark
     std::vector<HeldHandle> markHandles = {};
-    std::string markUserObjects = {};  // by kind
+    std::string markUserObjects = {};    // by kind
     std::vector<void*> usedMemory = {};  // addresses that nobody else gets: see useMemory
 
     // Leaves the process no piece of memory of that many megabytes or more; 0 gives all back.

@@ -11,8 +11,8 @@ struct ResourceCount {
     long threads = 0;
     long windows = 0;  // all of the process's, hidden ones and children too
     long gdi = 0;      // pens, fonts, pictures, device contexts, ...
-    long user = 0;     // menus, icons, windows, ...; with the menus and icons of the session's other processes
-    long memory = 0;   // KB of its own that lie in memory or were swapped out
+    long user = 0;    // menus, icons, windows, ...; with the menus and icons of the session's other processes
+    long memory = 0;  // KB of its own that lie in memory or were swapped out
 };
 
 // [any thread]. Objects made by other threads meanwhile are counted as they happen to stand.
