@@ -199,6 +199,14 @@ bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
         ProjectChange& last = m_steps.back()[0];
         last.after = std::move(step[0].after);
         last.entityAfter = std::move(step[0].entityAfter);
+        if (last.after == last.before) {
+            // What was typed was given up again: nothing is left to undo, and the entity's list has its old order.
+            make(project, last, false);
+            m_steps.pop_back();
+            m_done = m_steps.size();
+            m_joinable = m_grouped = false;
+            return true;
+        }
     } else {
         m_steps.push_back(std::move(step));
         ++m_done;

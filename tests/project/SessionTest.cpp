@@ -135,6 +135,12 @@ TEST_F(ProjectSessionTest, EditsAreRefusedTakenAndUndone) {
     EXPECT_FALSE(session.undo());
     EXPECT_EQ(all(), before);
     EXPECT_FALSE(session.hasChanges());
+    for (const std::optional<std::string>& typed : {std::optional<std::string>("t"), {"f"}, {}}) {
+        EXPECT_TRUE(set("level/harbour/entity/guard/skill/2", typed, true));
+    }
+    EXPECT_FALSE(session.canUndo()) << "what was typed was given up";
+    EXPECT_FALSE(session.hasChanges());
+    EXPECT_EQ(all(), before);
     for (const char* typed : {"h", "ha", "har"}) {
         EXPECT_TRUE(set("name", typed, true));
     }
