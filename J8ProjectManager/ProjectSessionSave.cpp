@@ -67,8 +67,20 @@ std::optional<SaveResult> ProjectSession::settleChangesFromOutside(std::string& 
     }
     onDisk = now.value_or("");
     overwrites = false;
-    if (!now || *now == m_bytes) {
-        return std::nullopt;  // a file that is gone is simply written again
+    if (!now) {
+        // Who moved or renamed it would have two of them. In a folder that is gone writing it fails.
+        const bool isGone = osFiles().kindOf(m_path) == OsKind::Missing &&
+                            osFiles().kindOf(std::string(folderOf(m_path))) == OsKind::Folder;
+        return isGone && asksAboutOthersChanges &&
+                       !question(
+                           "The project file is gone: it was moved, renamed or deleted since it was "
+                           "loaded.\n\nSave it anew, as '" +
+                           m_path + "'?")
+                   ? std::optional<SaveResult>(SaveResult::Cancelled)
+                   : std::nullopt;
+    }
+    if (*now == m_bytes) {
+        return std::nullopt;
     }
     PromptAnswer answer = PromptAnswer::Yes;
     if (asksAboutOthersChanges) {

@@ -47,6 +47,16 @@ private:
     KeyedMap<std::string, Place> m_places;
 };
 
+// What stands in front of the value in its line, or behind it where there is nothing: of a switch its statement.
+std::string definitionOf(const CustomScript& script, const CustomEntry& entry) {
+    const std::string_view text = script.text;
+    const size_t lineStart = text.find_last_of('\n', entry.valueStart > 0 ? entry.valueStart - 1 : 0);
+    const size_t start = lineStart == text.npos || entry.valueStart == 0 ? 0 : lineStart + 1;
+    const std::string_view before = trimmed(text.substr(start, entry.valueStart - start));
+    const size_t end = entry.valueStart + entry.valueLength;
+    return std::string(before.empty() ? trimmed(text.substr(end, text.find('\n', end) - end)) : before);
+}
+
 constexpr size_t kLabelKept = 200;
 constexpr size_t kPiece = 250;  // with its label less than a line of a value file
 
@@ -89,7 +99,8 @@ std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly) {
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = panel.script.entries[i];
         if (entry.hasValue() && (changedOnly ? panel.row(i).HasChanged() : entry.id >= 1)) {
-            values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value(), panel.script.set});
+            values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value(), panel.script.set,
+                              definitionOf(panel.script, entry)});
         }
     }
     return values;
@@ -112,7 +123,7 @@ std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const 
     return {};
 }
 
-std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptRows& panel) {
+std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptRows& panel, CarryTo to) {
     std::vector<UnplacedValue> unplaced;
     Places places(panel.script);
     for (const KeptValue& kept : values) {
@@ -127,7 +138,11 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
         if (value) {
             KeptValue here = kept;
             here.value = *value;
-            why = carryRefusal(here, panel.script.entries[static_cast<size_t>(row)], model.facts());
+            const CustomEntry& entry = panel.script.entries[static_cast<size_t>(row)];
+            why = to == CarryTo::ChangedFile && entry.label != kept.label &&
+                          definitionOf(panel.script, entry) != kept.definition
+                      ? "the entry of this id is another one now, " + quotedBeginning(entry.label)
+                      : carryRefusal(here, entry, model.facts());
         }
         if (why.empty()) {
             model.SetValueFromText(*value);

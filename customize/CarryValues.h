@@ -15,6 +15,7 @@ struct KeptValue {
     std::string label;
     std::string value;
     TextSet set = TextSet::System;  // of both
+    std::string definition = {};    // what stands beside the value in its line: "var range ="
 };
 
 struct UnplacedValue {
@@ -34,10 +35,16 @@ std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly);
 // something else now (a switch that became a list). Empty when it does.
 std::string carryRefusal(const KeptValue& kept, const CustomEntry& entry, const EntryFacts& facts);
 
+// Where values are carried to: to another version of their script, in which an id names the same thing whatever its
+// label is by now, or to what another program or person has made of the file, which may be another script by now.
+enum class CarryTo { NewVersion, ChangedFile };
+
 // Puts each value into the entry with its id, values of an id that stands there several times in their order;
 // without an id into the entry of the same label. Values that the new entry refuses, its limits included, and
-// those without an entry are handed back. Linear.
-std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptRows& panel);
+// those without an entry are handed back; in a changed file those, too, whose entry has both another label and another
+// definition. Linear.
+std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, ScriptRows& panel,
+                                       CarryTo to = CarryTo::NewVersion);
 
 // Values without an id that the user gave to `before` and that `after` doesn't have: no value file keeps
 // them.

@@ -35,8 +35,8 @@ SaveResult CustomizeSession::fail(const std::string& message, const std::string&
 // Nothing when saving can go on.
 std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
     std::optional<std::string>& overwritten) {
-    // The whole content is compared: times are too coarse for two programs that write at once. A file that
-    // is gone is simply written again; one that can be written but not read may hold another's work.
+    // The whole content is compared: times are too coarse for two programs that write at once. A file that can be
+    // written but not read may hold another's work.
     const std::string& path = m_panel.script.scriptPath;
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
@@ -45,6 +45,14 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
                     "\nAnother program may have changed it, so it was not saved.");
     }
     if (!now) {
+        // Who moved or renamed it would have two of them. In a folder that is gone writing it fails.
+        if (osFiles().kindOf(path) == OsKind::Missing &&
+            osFiles().kindOf(std::string(folderOf(path))) == OsKind::Folder &&
+            !question("The script is gone: it was moved, renamed or deleted since it was loaded.\n\nSave it "
+                      "anew, as '" +
+                      path + "'?")) {
+            return SaveResult::Cancelled;
+        }
         overwritten.emplace();
         return std::nullopt;
     }
@@ -69,7 +77,7 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
         m_carried.clear();
         return fail(loaded.why());
     }
-    m_unplaced = carryValues(m_carried, m_panel);
+    m_unplaced = carryValues(m_carried, m_panel, CarryTo::ChangedFile);
     addChangesToHistory();
     listener().valuesChanged();
     if (m_unplaced.empty()) {

@@ -218,6 +218,41 @@ TEST_F(Session, ChangesFromOutsideAreSettledBeforeSaving) {
     EXPECT_THAT(project.read("s.kez.zoka.old"), HasSubstr("\n1\n11\n13\n\n"));
 }
 
+// Another script under the name: an id alone doesn't make its entry the same one.
+TEST_F(Session, ValuesGoIntoAChangedFileByIdWhereLabelOrVariableStays) {
+    struct {
+        const char* entry;
+        bool taken;
+    } const rows[] = {{"// entry: Radius\n// id: 1\nvar rain_radius = 14;\n", false},
+                      {"// entry: Reach\n// id: 1\nvar range = 14;\n", true},
+                      {"// entry: Range\n// id: 1\nvar lamp_range = 14;\n", true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.entry);
+        open();
+        set("Range", "15");
+        project.write("s.kez", row.entry);
+        prompt.answers = {PromptAnswer::Yes};
+        EXPECT_EQ(session.save(), row.taken ? SaveResult::Saved : SaveResult::Failed);
+        EXPECT_THAT(project.read("s.kez"), HasSubstr(row.taken ? " = 15;" : " = 14;"));
+        EXPECT_EQ(
+            unplacedText(session.unplaced()),
+            row.taken ? "" : "Range (id 1): 15 - the entry of this id is another one now, \"Radius\"\r\n");
+    }
+}
+
+TEST_F(Session, AScriptThatIsGoneIsSavedAnewOnlyAfterAQuestion) {
+    open();
+    set("Range", "11");
+    std::filesystem::remove(project.native("s.kez"));
+    prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_FALSE(std::filesystem::exists(project.native("s.kez")));
+    EXPECT_EQ(session.changedCount(), 1u);
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 11;"));
+    EXPECT_THAT(prompt.texts()[0], testing::StartsWith("The script is gone: "));
+}
+
 TEST_F(Session, AnEmptiedValueIsSavedOnlyAfterAQuestion) {
     open();
     set("Gone", "");

@@ -197,6 +197,18 @@ TEST_F(ProjectSessionTest, PagesHearOfANewModelBeforeAnythingIsAsked) {
     EXPECT_EQ(get("name"), "x");
 }
 
+TEST_F(ProjectSessionTest, AFileThatIsGoneIsSavedAnewOnlyAfterAQuestion) {
+    ASSERT_TRUE(set("level/harbour/doc", "mine"));
+    std::filesystem::remove(folder.native("game.xml"));
+    prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_EQ(folder.read("game.xml"), "<missing>");
+    EXPECT_TRUE(session.hasChanges());
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(folder.read("game.xml"), HasSubstr("mine"));
+    EXPECT_THAT(prompt.texts()[0], testing::StartsWith("The project file is gone: "));
+}
+
 TEST_F(ProjectSessionTest, AFailedReloadLeavesEverything) {
     ASSERT_TRUE(set("level/harbour/doc", "mine"));
     const std::string before = all();
