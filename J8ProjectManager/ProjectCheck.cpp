@@ -164,6 +164,9 @@ private:
                     warn(behavior.m_source, skill.place,
                          what + ": entities have the skills 1 to " + std::to_string(kEntitySkills));
                 }
+                if (skill.type == J8Type::Unknown) {
+                    warn(behavior.m_source, skill.place, what + " has a type that is none");
+                }
                 checkLimits(skill.constraints, behavior.m_source, skill.place, what);
                 if (!skill.value.empty()) {
                     checkValue(J8TypedValue::of(skill), skill.value, behavior.m_source, skill.place, what);

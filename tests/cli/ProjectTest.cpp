@@ -59,7 +59,7 @@ TEST_F(Project, CheckTellsWhatDoesNotCount) {
     std::filesystem::create_directory(folder.path("p"));
     folder.write("p/own.xml",
                  "<Behaviors>\n<Behavior name='g' class='c' group='x'><Doc>d</Doc>\n<Skill name='S' "
-                 "value='1'/>\n<Skill name='T' num='25'/>\n<Component name='k'><Edit name='e' "
+                 "value='1'/>\n<Skill name='T' num='25' type='odd'/>\n<Component name='k'><Edit name='e' "
                  "value='1'/>\n<Edit name='f' value='2'/></Component></Behavior>\n</Behaviors>");
     folder.write(
         "game.xml",
@@ -74,6 +74,7 @@ TEST_F(Project, CheckTellsWhatDoesNotCount) {
          {"own.xml:3:1: warning: a skill of behavior \"g\" has no name or no whole number, and is passed "
           "over\n",
           "own.xml:4:1: warning: skill 25 (T) of behavior \"g\": entities have the skills 1 to 20\n",
+          "own.xml:4:1: warning: skill 25 (T) of behavior \"g\" has a type that is none\n",
           "own.xml:6:1: warning: component \"k\" of behavior \"g\" has more than one Edit; only the first "
           "one "
           "counts\n",
