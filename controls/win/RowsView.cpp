@@ -334,12 +334,19 @@ void RowsView::rowMenu(size_t row, HWND field, POINT at) {
                         static_cast<UINT_PTR>(item.id), item.text.c_str());
         }
     }
+    const std::string subject = m_rows.subject(), name = m_rows.nameOf(row);
     const int chosen = static_cast<int>(
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, m_parent, nullptr));
     DestroyMenu(menu);
-    if (chosen != 0 && m_parent && row < m_rows.size()) {
-        menuChosen(row, field, chosen);
+    // The window may be gone, or show other rows.
+    if (chosen == 0 || !m_parent) {
+        return;
     }
+    if (row >= m_rows.size() || m_rows.subject() != subject || m_rows.nameOf(row) != name) {
+        m_rows.giveUpInput();
+        return;
+    }
+    menuChosen(row, field, chosen);
 }
 
 void RowsView::menuChosen(size_t row, HWND field, int id) {

@@ -300,29 +300,26 @@ void drag(DriveContext& drive, const Words& words) {
     drive.expect(moves, "the window to be moved or sized", [] { return std::string("it is not"); });
 }
 
-void contextMenu(DriveContext& drive, const Words& words) {
-    // A menu that opens below the pointer would mark what lies there.
-    SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);
-    PostMessageA(drive.usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
-    drive.expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
-                 [] { return std::string("none"); });
-    if (words.size() < 2) {
-        return;
+// Of the pop-up menu that is open.
+void chooseItem(DriveContext& drive, const Words& words) {
+    const HWND popUp = openPopUp();
+    if (!popUp) {
+        throw DriveFault("no menu is open");
     }
-    const HMENU menu = reinterpret_cast<HMENU>(ask(openPopUp(), kMenuHandle));
+    const HMENU menu = reinterpret_cast<HMENU>(ask(popUp, kMenuHandle));
     int wanted = -1;
     std::string all;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        if (itemText(menu, i) == words[1]) {
+        if (itemText(menu, i) == words[0]) {
             wanted = i;
         }
         all += "\n    " + itemText(menu, i);
     }
     if (wanted < 0) {
-        throw DriveFault("the menu has no item \"" + words[1] + "\", only" + all);
+        throw DriveFault("the menu has no item \"" + words[0] + "\", only" + all);
     }
     if (GetMenuState(menu, static_cast<UINT>(wanted), MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED)) {
-        throw DriveFault("the menu item \"" + words[1] + "\" is greyed");
+        throw DriveFault("the menu item \"" + words[0] + "\" is greyed");
     }
     const HWND owner = drive.window();
     const auto chosen = [&] {
@@ -348,10 +345,21 @@ void contextMenu(DriveContext& drive, const Words& words) {
         drive.expect(moved, "the next item of the menu", [&] { return all; });
     }
     if (!chosen()) {
-        throw DriveFault("the menu's mark does not come to \"" + words[1] + "\"");
+        throw DriveFault("the menu's mark does not come to \"" + words[0] + "\"");
     }
     PostMessageA(owner, WM_KEYDOWN, VK_RETURN, 0);
     drive.expect([] { return openPopUp() == nullptr; }, "the menu to close", [&] { return all; });
+}
+
+void contextMenu(DriveContext& drive, const Words& words) {
+    // A menu that opens below the pointer would mark what lies there.
+    SetCursorPos(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1);
+    PostMessageA(drive.usableControl(words[0]), WM_CONTEXTMENU, 0, -1);
+    drive.expect([] { return openPopUp() != nullptr; }, "a menu at " + words[0],
+                 [] { return std::string("none"); });
+    if (words.size() == 2) {
+        chooseItem(drive, {words[1]});
+    }
 }
 
 // Whether both were made by one library: the system's boxes and choosers are its own.
@@ -438,6 +446,7 @@ void addInputCommands(DriveCommands& table) {
     table["drag-row"] = {3, 4, dragRow};
     table["drag"] = {1, 1, drag};
     table["context-menu"] = {1, 2, contextMenu};
+    table["choose-item"] = {1, 1, chooseItem};
     table["random-messages"] = {3, 5, randomMessages};
 }
 
