@@ -77,7 +77,17 @@ run_ctest() { # preset, command to run it with...
 start_window_tests() {
     timeout 1800 tests/window/run.sh -j "$jobs" build/windows >"$logs/test-window.log" 2>&1 &
     window_tests=$!
-    trap 'kill "$window_tests"; exit 130' INT TERM
+    # The demo follows them, beside what still runs.
+    { tail --pid="$window_tests" -f /dev/null && exec tools/demo/run.sh; } >"$logs/demo-run.log" 2>&1 &
+    demo=$!
+    trap 'kill "$window_tests" "$demo"; exit 130' INT TERM
+}
+
+end_demo() {
+    wait "$demo" || {
+        cat "$logs/demo-run.log"
+        return 1
+    }
 }
 
 end_window_tests() {
@@ -137,7 +147,7 @@ if [ -n "$windows" ]; then
     run_ctest windows tools/run/display.sh bash -c \
         'tools/run/wine.sh build/windows/wine build/windows/tests/ui/ui_tests.exe >/dev/null 2>&1 && exec "$@"' session
     end_window_tests
-    check demo tools/demo/run.sh
+    check demo end_demo
 fi
 
 [ $((passed + failed)) -gt 0 ] || failed=1
