@@ -12,6 +12,7 @@ if [ "${ZOKA_NO_WINE:-}" = 1 ]; then
 fi
 build=$(realpath "${1:-build/windows}")
 demo=$PWD/build/demo
+wine=$build/wine-demo # a session of its own, which it ends: tests may run beside it
 rm -rf "$demo"
 mkdir -p "$demo/suite" "$demo/steps"
 cp -r samples/project "$demo/harbour"
@@ -37,9 +38,9 @@ cp "$build/plugin/zoka.dll" tools/demo/*.drive "$demo/"
 
 # Under Wine the demo's folder is a drive of its own, so that its paths are short and the same everywhere.
 show() {
-    tools/run/wine.sh "$build/wine" cmd /c exit
-    ln -sfn "$demo" "$build/wine/dosdevices/p:"
-    tools/run/wine.sh "$build/wine" "$build/tools/cli/zoka.exe" catalogue build 'P:\newer' --name "Harbour Lights" \
+    tools/run/wine.sh "$wine" cmd /c exit
+    ln -sfn "$demo" "$wine/dosdevices/p:"
+    tools/run/wine.sh "$wine" "$build/tools/cli/zoka.exe" catalogue build 'P:\newer' --name "Harbour Lights" \
         --vers 6.3 --enginereq "6.2 PRO"
     drive demo calls
     drive customize calls-customize
@@ -57,19 +58,19 @@ show_sizes() {
     done
 }
 drive() { # script, log, further options
-    timeout -k 2 90 tools/run/wine.sh "$build/wine" "$build/tools/editor/zunhost.exe" --drive "P:\\$1.drive" \
+    timeout -k 2 90 tools/run/wine.sh "$wine" "$build/tools/editor/zunhost.exe" --drive "P:\\$1.drive" \
         --limit 60 --log "P:\\$2.log" --pictures 'P:' --suite 'P:\suite' \
         --set 'PROJECT=P:\harbour' --set 'DLL=P:\zoka.dll' --set 'OUT=P:' "${@:3}"
 }
 export -f show show_sizes drive
-export build demo
+export build demo wine
 
 echo "running the plug-in in the stand-in editor"
 status=0
 tools/run/display.sh bash -euc show >"$demo/output.txt" 2>&1 || status=$?
 # The session has taken the size of its screen; the next one is larger.
-WINEPREFIX=$build/wine wineserver -k || true
-WINEPREFIX=$build/wine wineserver -w || true
+WINEPREFIX=$wine wineserver -k || true
+WINEPREFIX=$wine wineserver -w || true
 [ $status != 0 ] || ZOKA_SCREEN=2560x2048 tools/run/display.sh bash -euc show_sizes >>"$demo/output.txt" 2>&1 || status=$?
 if [ -e "$demo/calls.log" ]; then
     echo "every call between the editor and the plug-in (build/demo/calls.log):"
