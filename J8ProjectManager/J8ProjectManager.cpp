@@ -204,9 +204,8 @@ XMLNode CJ8ProjectManager::openFile(const std::string& path, const char* root,
 
 // The place in the broken file, for those who mend it.
 void CJ8ProjectManager::tellParseError(const std::string& path, const XMLResults& results, const char* root) {
-    zoka::J8Finding finding{
-        zoka::kReportError, addSource(path), 0,
-        results.outOfMemory ? zoka::outOfMemoryText(path) : zoka::xmlErrorMessage(results, root)};
+    zoka::J8Finding finding{zoka::kReportError, addSource(path), 0,
+                            zoka::xmlErrorMessage(results, root, path)};
     const zoka::XMLPlace place = zoka::xmlErrorPlace(results);
     finding.line = place.line;
     finding.column = place.column;

@@ -9,9 +9,9 @@
 
 #include "J8ProjectManager/PropertyFacts.h"
 #include "plugin/host/HostAbi.h"
-#include "util/Doors.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
+#include "xml/XMLErrorText.h"
 #include "xml/XMLRead.h"
 
 namespace zoka {
@@ -75,12 +75,11 @@ private:
             XMLResults results;
             if (XMLNode::parseFile(pathFromXml(path).c_str(), nullptr, &results, {}, XMLCharset::Utf8)
                     .isEmpty()) {
+                const int line = xmlErrorPlace(results).line;
                 find(kReportError, 0, file.m_place,
                      std::string(sectionTag(static_cast<J8Section>(i))) + " file \"" + file.m_path +
-                         "\" can't be read: " +
-                         (results.outOfMemory ? outOfMemoryText(file.m_path)
-                                              : std::string(XMLNode::errorText(results.code)) + " (line " +
-                                                    std::to_string(results.line) + ")"));
+                         "\" can't be read: " + xmlErrorMessage(results, {}, file.m_path) +
+                         (line > 0 ? " (line " + std::to_string(line) + ")" : ""));
             }
         }
     }

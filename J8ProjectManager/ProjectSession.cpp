@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "J8ProjectManager/ProjectCheck.h"
-#include "util/Doors.h"
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/Text.h"
@@ -149,15 +148,15 @@ ProjectSession::Loaded ProjectSession::loadedFrom(std::string path, std::string 
         loaded.usable = Refusal{kStopped};
         return loaded;
     }
-    if (results.outOfMemory) {
-        loaded.usable = Refusal{outOfMemoryText(loaded.path)};
-        return loaded;
+    std::string why = xmlErrorMessage(results, "Project", loaded.path);
+    if (!results.outOfMemory) {
+        std::string where = loaded.path;
+        if (const XMLPlace place = xmlErrorPlace(results); place.line > 0) {
+            where += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+        }
+        why = where + ": " + why;
     }
-    std::string why = loaded.path;
-    if (const XMLPlace place = xmlErrorPlace(results); place.line > 0) {
-        why += ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
-    }
-    loaded.usable = Refusal{why + ": " + xmlErrorMessage(results, "Project")};
+    loaded.usable = Refusal{std::move(why)};
     return loaded;
 }
 

@@ -124,7 +124,7 @@ std::vector<WizardFinding> wizardFindings(const std::string& path) {
     const XMLNode wizard = XMLNode::parseBytes(*bytes, "Wizard", &results, {}, XMLCharset::Utf8);
     if (wizard.isEmpty()) {
         const XMLPlace place = xmlErrorPlace(results);
-        return {{place.line, place.column, xmlErrorMessage(results, "Wizard")}};
+        return {{place.line, place.column, xmlErrorMessage(results, "Wizard", path)}};
     }
     Finder finder(std::move(*bytes), found);
     if (xmlAllText(wizard.getChild("Title")).empty()) {

@@ -6,6 +6,7 @@
 #include "templates/CatalogueXml.h"
 #include "templates/ScriptHeader.h"
 #include "templates/ScriptNeeds.h"
+#include "util/Doors.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -226,6 +227,9 @@ std::optional<CatalogueFinding> findUnreadable(const CTemplateData& catalogue, X
         one.AddScript(script);
         XMLResults results;
         if (XMLNode::parseText(catalogueText(one, "").c_str(), kCatalogueRoot, &results, charset).isEmpty()) {
+            if (results.outOfMemory) {
+                throw OutOfMemory(script.m_filename);
+            }
             return CatalogueFinding{
                 script.m_filename, std::string("what its header says can't be read back from a catalogue: ") +
                                        XMLNode::errorText(results.code)};

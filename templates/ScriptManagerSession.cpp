@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "templates/NotesReport.h"
-#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/Text.h"
+#include "xml/XMLErrorText.h"
 
 namespace zoka {
 
@@ -31,9 +31,7 @@ bool leavesDamagedCatalogue(UserPrompt& prompt, const std::string& path, const X
         text += ", line " + std::to_string(results.line) + ", column " + std::to_string(results.column);
     }
     return prompt.ask(
-               text + "\n" +
-                   (results.outOfMemory ? outOfMemoryText(fileNameOf(path))
-                                        : XMLNode::errorText(results.code)) +
+               text + "\n" + xmlErrorMessage(results, {}, fileNameOf(path)) +
                    "\n\nLeave Add Script? Nothing has been changed.\nNo reads the catalogue all the same, "
                    "which ends the editor, and unsaved work in the level with it.",
                kManagerTitle, PromptButtons::YesNo, PromptIcon::Error) == PromptAnswer::Yes;

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "J8ProjectManager/ProjectSession.h"
+#include "J8ProjectWizard/WizardFindings.h"
 #include "templates/CatalogueXml.h"
 #include "tests/memory/posix/FailingAllocations.h"
 #include "tests/memory/posix/SilentPrompt.h"
@@ -58,6 +59,13 @@ const Row kRows[] = {
          const CJ8Wizard wizards;
          CJ8WizardUserData data = suite.data("g");
          return wizards.paths().size() == 1 && wizards.Run(data, 0) == 0;
+     }},
+    {"wizard's check",
+     [](const Suite& suite) {
+         const std::string path = suite.folder.path("templates/wizards/full.xml");
+         const std::vector<WizardFinding> found = wizardFindings(path);
+         EXPECT_TRUE(found.empty() || found[0].text == outOfMemoryText(path)) << found[0].text;
+         return found.empty();
      }},
 };
 
