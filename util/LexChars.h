@@ -10,19 +10,19 @@
 
 namespace zoka::lex {
 
-inline bool isBlank(char c) {
+constexpr bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
-inline bool isLineEnd(char c) {
+constexpr bool isLineEnd(char c) {
     return c == '\r' || c == '\n';
 }
-inline bool isSpace(char c) {
+constexpr bool isSpace(char c) {
     return isBlank(c) || isLineEnd(c);
 }
-inline bool isDecimal(char c) {
+constexpr bool isDecimal(char c) {
     return c >= '0' && c <= '9';
 }
-inline bool isSign(char c) {
+constexpr bool isSign(char c) {
     return c == '+' || c == '-';
 }
 inline bool isOneOf(char c, const char* set) {

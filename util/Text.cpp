@@ -7,24 +7,6 @@
 
 namespace zoka {
 
-// Each character is compared here and below, because the library's searches for one of a set call a function for each.
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && lex::isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && lex::isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-std::string_view withoutLeadingBlanks(std::string_view text) {
-    while (!text.empty() && lex::isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    return text;
-}
-
 std::string lowered(std::string_view text) {
     std::string result(text);
     for (char& c : result) {
@@ -53,39 +35,7 @@ std::string onOneLine(std::string_view text, std::string_view lineEnd) {
     return line;
 }
 
-std::string_view LineTokens::next() {
-    // Nearly every character stands behind all separators and is looked at once.
-    char last = '\r';
-    for (const char separator : m_separators) {
-        last = std::max(last, separator);
-    }
-    const auto separates = [last, separators = m_separators](char c) {
-        if (c > last) {
-            return false;
-        }
-        for (const char separator : separators) {
-            if (c == separator) {
-                return true;
-            }
-        }
-        return false;
-    };
-    const auto endsLine = [](char c) { return c == 0 || lex::isLineEnd(c); };
-    size_t start = 0;
-    while (start < m_rest.size() && separates(m_rest[start])) {
-        ++start;
-    }
-    size_t end = start;
-    while (end < m_rest.size() &&
-           (m_rest[end] > last || !(separates(m_rest[end]) || endsLine(m_rest[end])))) {
-        ++end;
-    }
-    const std::string_view token = m_rest.substr(start, end - start);
-    m_rest.remove_prefix(token.empty() ? m_rest.size() : end);
-    return token;
-}
-
-std::vector<std::string_view> tokensOf(std::string_view line, std::string_view separators) {
+std::vector<std::string_view> tokensOf(std::string_view line, Separators separators) {
     std::vector<std::string_view> found;
     LineTokens tokens(line, separators);
     for (std::string_view token = tokens.next(); !token.empty(); token = tokens.next()) {
