@@ -83,13 +83,13 @@ ValueRecords parseValueFile(std::string_view bytes) {
 }
 
 void appendValueRecord(std::string& text, int id, int kind, std::string_view value) {
+    char numbers[24];
+    char* at = numbers;
     for (const int number : {id, kind}) {
-        char digits[12];
-        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-        *end = '\n';
-        text.append(digits, end + 1);
+        at = std::to_chars(at, numbers + sizeof numbers, number).ptr;
+        *at++ = '\n';
     }
-    text.append(value).append("\n\n");
+    text.append(numbers, at).append(value).append("\n\n");
 }
 
 std::string valueFileText(const CustomScript& script, bool useControlValues) {

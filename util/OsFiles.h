@@ -132,11 +132,18 @@ public:
     virtual std::FILE* openStream(const std::string& path, const char* mode) = 0;
     // The whole content of a regular file; nothing when it can't be read or has 2 GiB or more.
     virtual std::optional<std::string> readWhole(const std::string& path) = 0;
+    // Whether such a file's content is these bytes; nothing when it can't be read. Takes no memory for a second copy
+    // where the system lets a file be read in pieces as fast.
+    virtual std::optional<bool> holds(const std::string& path, std::string_view bytes) {
+        const auto content = readWhole(path);
+        return content ? std::optional(*content == bytes) : std::nullopt;
+    }
     // Null when it can't be opened that way.
     virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;
 
     // Makes a new file, open for writing, whose mode, owner and access rights are those of the file `like` before
-    // the first byte is in it; those of any new file when `like` is empty. Null when it can't be made.
+    // the first byte is in it; those of any new file when `like` is empty. Nobody else uses its name. Null when it can't
+    // be made.
     virtual std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) = 0;
     // Deletes a file that openSibling or tryLock has made, unless the program that made it still works on it.
     virtual void deleteAbandoned(const std::string& path) = 0;

@@ -157,8 +157,8 @@ public:
             return true;
         }
         // A file that is there and can't be read may hold another's work; one that isn't was read as empty.
-        const auto now = m_files.readWhole(m_target);
-        return now ? *now == *m_content.expected : m_content.expected->empty() && !m_files.exists(m_target);
+        const auto holds = m_files.holds(m_target, *m_content.expected);
+        return holds ? *holds : m_content.expected->empty() && !m_files.exists(m_target);
     }
 
     std::string place() {

@@ -84,11 +84,20 @@ TEST_F(OsFilesTest, WritesAndReadsWhole) {
     file = files.openForWriting(path, OsOpen::Truncate);
     EXPECT_TRUE(file->close());
     EXPECT_EQ(files.readWhole(path), "");
-    const std::string big(300'000, '\0');
+    EXPECT_EQ(files.holds(path, ""), true);
+    EXPECT_EQ(files.holds(path, "1"), false);
+    std::string big(300'000, '\0');
     folder.write("big", big);
     EXPECT_EQ(files.readWhole(folder.path("big")), big);
-    EXPECT_EQ(files.readWhole(folder.path("none")), std::nullopt);
-    EXPECT_EQ(files.readWhole(folder.path()), std::nullopt);
+    EXPECT_EQ(files.holds(folder.path("big"), big), true);
+    EXPECT_EQ(files.holds(folder.path("big"), big + '\0'), false);
+    EXPECT_EQ(files.holds(folder.path("big"), std::string_view(big).substr(1)), false);
+    big.back() = 'x';
+    EXPECT_EQ(files.holds(folder.path("big"), big), false);
+    for (const std::string& unreadable : {folder.path("none"), folder.path()}) {
+        EXPECT_EQ(files.readWhole(unreadable), std::nullopt);
+        EXPECT_EQ(files.holds(unreadable, ""), std::nullopt);
+    }
     EXPECT_EQ(files.openForWriting(folder.path(), OsOpen::Existing), nullptr);
     EXPECT_EQ(files.openStream(folder.path(), "rb"), nullptr);
 }

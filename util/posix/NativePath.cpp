@@ -179,6 +179,11 @@ FoundPath pathForNew(std::string_view path) {
     return isKnownNew(native) ? FoundPath{std::move(native), false} : findPath(path, 0);
 }
 
+std::string pathForOwn(std::string_view path) {
+    return toNativePath(path.substr(0, path.size() - fileNameOf(path).size())) +
+           std::string(fileNameOf(path));
+}
+
 std::string fromNativePath(std::string_view nativePath) {
     std::string path(nativePath.starts_with('/') ? "C:" : "");
     path += nativePath;

@@ -26,6 +26,7 @@ constexpr std::uint64_t kTicksPerSecond = 10'000'000;
 constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr std::int64_t kLastSecond =  // counted from 1970
     static_cast<std::int64_t>(~std::uint64_t{0} / kTicksPerSecond) - 1 - kSecondsFrom1601To1970;
+constexpr size_t kComparedAtOnce = 1 << 16;
 constexpr size_t kMostBytes = 0x7fffffff;  // that a file read whole may have
 constexpr int kMostLinks = 40;
 
@@ -342,6 +343,28 @@ public:
         return content;
     }
 
+    std::optional<bool> holds(const std::string& path, std::string_view bytes) override {
+        const Descriptor file(openFile(path, O_RDONLY));
+        if (!file.isOpen()) {
+            return std::nullopt;
+        }
+        std::vector<char> piece(kComparedAtOnce);
+        while (true) {
+            const ssize_t got = ::read(file.get(), piece.data(), piece.size());
+            if (got < 0 && errno == EINTR) {
+                continue;
+            }
+            if (got < 0) {
+                return std::nullopt;
+            }
+            const std::string_view next(piece.data(), static_cast<size_t>(got));
+            if (next.empty() || !bytes.starts_with(next)) {
+                return next.empty() && bytes.empty();
+            }
+            bytes.remove_prefix(next.size());
+        }
+    }
+
     std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) override {
         const int flags = how == OsOpen::Existing ? 0
                           : how == OsOpen::New    ? O_CREAT | O_EXCL
@@ -356,7 +379,7 @@ public:
         const Descriptor model(like.empty() ? -1 : open(toNativePath(like).c_str(), O_RDONLY | O_CLOEXEC));
         const bool known = model.isOpen() ? fstat(model.get(), &info) == 0
                                           : !like.empty() && stat(toNativePath(like).c_str(), &info) == 0;
-        const std::string native = toNativePath(path);
+        const std::string native = pathForOwn(path);
         Descriptor made(open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, known ? 0600 : 0666));
         if (!made.isOpen()) {
             return nullptr;
