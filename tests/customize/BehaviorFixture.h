@@ -37,6 +37,11 @@ protected:
         m_session.open();
     }
 
+    // The entity's action is all of a script.
+    void give(const std::string& entity, const std::string& file, const std::string& text) {
+        m_entities.entities[entity].action =
+            ActionPlace{m_folder.write(file, text), 0, static_cast<std::int32_t>(text.size())};
+    }
     void select(std::vector<std::string> names) {
         m_entities.selection = std::move(names);
         ++m_entities.count;

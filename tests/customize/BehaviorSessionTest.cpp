@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <random>
-#include <set>
 
 #include "tests/customize/BehaviorFixture.h"
 
@@ -15,11 +13,15 @@ namespace {
 
 using test::BehaviorSessionTest;
 using test::kTwoActions;
-using test::wander;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
+
+// How often the editor was asked about its entities' actions since the last time.
+auto questions(test::FakeEntities& entities) {
+    const std::vector<std::string> calls = entities.takeCalls();
+    return std::ranges::count_if(calls, [](const std::string& one) { return one.starts_with("action("); });
+}
 
 TEST_F(BehaviorSessionTest, showsAndWritesTheEntitysValuesAtOnce) {
     EXPECT_EQ(m_session.title(), "Walker");
@@ -107,45 +109,24 @@ TEST_F(BehaviorSessionTest, looksAtTheEditorsEntitiesOncePerStep) {
     m_entities.counts = false;
     follow({"a", "b"});
     m_session.refresh(true);
-    const auto questions = [this] {
-        const std::vector<std::string> calls = m_entities.takeCalls();
-        return std::ranges::count_if(calls,
-                                     [](const std::string& one) { return one.starts_with("action("); });
-    };
-    questions();
+    questions(m_entities);
     ASSERT_TRUE(m_session.setValue(1, "7"));
-    const auto once = questions();
+    const auto once = questions(m_entities);
     EXPECT_GT(once, 0);
     EXPECT_EQ(m_session.resetAll(ResetTo::Default), 2U);
-    EXPECT_EQ(questions(), once);
+    EXPECT_EQ(questions(m_entities), once);
     EXPECT_EQ(m_session.paste("skill1 = 3\nflag1 = 0\n").taken, 2U);
-    EXPECT_EQ(questions(), once);
+    EXPECT_EQ(questions(m_entities), once);
     EXPECT_TRUE(m_session.undo());
-    EXPECT_EQ(questions(), once);
+    EXPECT_EQ(questions(m_entities), once);
     EXPECT_TRUE(m_session.redo());
-    EXPECT_EQ(questions(), once);
+    EXPECT_EQ(questions(m_entities), once);
     select({"b"});
     EXPECT_EQ(m_session.resetAll(ResetTo::Default), 0U);
     EXPECT_EQ(skill("a", 1), 3.0F);
 }
 
-// The editor opens a level with an entity of that name while several rows are being pasted.
-TEST_F(BehaviorSessionTest, writesNoMoreRowsOfAStepToAnotherLevel) {
-    int asked = 0;  // since the first row was written
-    m_entities.beforeChanges = [&] {
-        if (skill("a", 1) == 7.0F && ++asked == 2) {  // after its own change has been counted
-            m_entities.entities["a"].action->script += "x";
-            ++m_entities.count;
-        }
-    };
-    const PasteResult result = m_session.paste("skill1 = 7\nflag1 = 1\n");
-    EXPECT_GE(asked, 2);
-    EXPECT_EQ(result.taken, 1U);
-    EXPECT_THAT(result.refused, ElementsAre(HasSubstr("gone on to other entities")));
-    EXPECT_FALSE(m_entities.entities["a"].flags[0]);
-}
-
-// The same between two writes of one row: what was written then can't be taken back, and nothing more is.
+// The editor opens a level with entities of those names between two writes of one row: what was written then can't be taken back, and nothing more is.
 TEST_F(BehaviorSessionTest, writesNothingMoreOnceALevelOpensAmongItsOwnWrites) {
     for (const bool refuses : {false, true}) {
         SCOPED_TRACE(refuses);
@@ -207,21 +188,16 @@ TEST_F(BehaviorSessionTest, hasWrittenWhereOnlyTheSelectionChangesAmongItsOwnWri
 // change or a count of another kind is among them, it asks.
 TEST_F(BehaviorSessionTest, asksAboutTheEntitiesOnlyWhereTheCountIsNotItsOwn) {
     follow({"a", "b"});
-    const auto questions = [this] {
-        const std::vector<std::string> calls = m_entities.takeCalls();
-        return std::ranges::count_if(calls,
-                                     [](const std::string& one) { return one.starts_with("action("); });
-    };
     ASSERT_TRUE(m_session.setValue(1, "7"));
-    questions();
+    questions(m_entities);
     ASSERT_TRUE(m_session.setValue(1, "8"));
-    EXPECT_EQ(questions(), 0);
+    EXPECT_EQ(questions(m_entities), 0);
     m_entities.fails = [this](const std::string& call) {
         m_entities.count += call == "setSkill(b, 1, 9)" ? 1U : 0U;
         return false;
     };
     ASSERT_TRUE(m_session.setValue(1, "9"));
-    EXPECT_GT(questions(), 0);
+    EXPECT_GT(questions(m_entities), 0);
 }
 
 TEST_F(BehaviorSessionTest, followsSelectionValuesAndEntitiesThatGo) {
@@ -257,68 +233,6 @@ TEST_F(BehaviorSessionTest, followsSelectionValuesAndEntitiesThatGo) {
     m_entities.entities["a"].action->length = 15;
     m_session.refresh(true);
     EXPECT_THAT(shown(), ElementsAre("New=0"));
-}
-
-TEST_F(BehaviorSessionTest, copiesLinesAndPastesThoseThatFit) {
-    EXPECT_EQ(m_session.copyText(0, m_session.size()), "skill1 Speed = 3\r\nflag1 Lit = 0\r\n");
-    follow({"c"});
-    const PasteResult result = m_session.paste(
-        "skill1 Speed = 8\r\nflag1 Lit = 1\r\nTime=4\r\nskill2 Health = 3\r\n\r\nSpeed\r\nskill1 = 30");
-    EXPECT_EQ(result.taken, 2U);
-    EXPECT_THAT(result.refused,
-                ElementsAre(HasSubstr("flag1 Lit = 1  (there is no such value here)"),
-                            HasSubstr("skill2 Health = 3  ("), HasSubstr("Speed  (it is not of the form"),
-                            HasSubstr("skill1 = 30  (30 is too large")));
-    EXPECT_EQ(skill("c", 1), 8.0F);
-    EXPECT_EQ(skill("c", 2), 4.0F);
-    EXPECT_TRUE(m_session.undo());
-    EXPECT_EQ(skill("c", 1), 5.0F);
-    EXPECT_EQ(skill("c", 2), 0.0F);
-}
-
-TEST_F(BehaviorSessionTest, pastesWhatAListOffers) {
-    const std::string text = "// skill1: Form 1\n// cntl: drop 1 2.0 3\n// skill2: Any 1\n// cntl: drop\n";
-    const std::string path = m_folder.write("list.kez", text);
-    m_entities.entities["a"].action = ActionPlace{path, 0, static_cast<std::int32_t>(text.size())};
-    m_entities.entities["a"].skills[0] = 7;
-    m_session.refresh(true);
-    EXPECT_THAT(shown(), ElementsAre("Form=7", "Any=0"));
-    const struct {
-        const char* line;
-        float value;
-        const char* refused;  // null: it isn't
-    } rows[] = {
-        {"skill1 Form = 7", 7, nullptr},  // as it is
-        {"skill1 Form = 2", 2, nullptr},
-        {"skill1 Form = 7", 2, "(\"7\" is not among its choices (1, 2.0, 3))"},
-        {"skill1 Form = 3.000", 3, nullptr},
-        {"skill1 Form = wide", 3, "(Only a number fits here"},
-        {"skill2 Any = 9", 3, nullptr},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        const PasteResult result = m_session.paste(row.line);
-        EXPECT_EQ(skill("a", 1), row.value);
-        ASSERT_EQ(result.refused.size(), row.refused ? 1U : 0U);
-        if (row.refused) {
-            EXPECT_THAT(result.refused[0], HasSubstr(row.refused));
-        }
-    }
-    EXPECT_THAT(shown(), ElementsAre("Form=3 changed", "Any=9 changed"));
-    m_session.paste("Form = 2");
-    EXPECT_THAT(shown(), ElementsAre("Form=2.0 changed", "Any=9 changed"));
-}
-
-TEST_F(BehaviorSessionTest, pastesNoLineOfANameThatSeveralValuesHave) {
-    const std::string script =
-        "action a {\n// skill1: Light\n// skill2: Power\n// flag1: Light\n// flag2: Power\n}";
-    m_entities.entities["a"].action = {m_folder.write("b.kez", script), 0,
-                                       static_cast<std::int32_t>(script.size())};
-    m_session.refresh(true);
-    const PasteResult result = m_session.paste("Light = 1\nflag1 = 1\nflag2 Power = 1");
-    EXPECT_EQ(result.taken, 2U);
-    EXPECT_THAT(result.refused, ElementsAre("Light = 1  (several values are called that)"));
-    EXPECT_THAT(shown(), ElementsAre("Light=3", "Power=0", "Light=1 changed", "Power=1 changed"));
 }
 
 // Places as a level may hold them after its script has changed.
@@ -385,9 +299,8 @@ TEST_F(BehaviorSessionTest, offersWhatTheActionsOfAllEntitiesTake) {
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.one) + " | " + row.other);
         for (const auto& [name, control] : {std::pair("a", row.one), {"b", row.other}}) {
-            const std::string text = "// skill1: V 1\n// cntl: " + std::string(control) + "\n";
-            const std::string path = m_folder.write(std::string(name) + "1.kez", text);
-            m_entities.entities[name].action = ActionPlace{path, 0, static_cast<std::int32_t>(text.size())};
+            give(name, std::string(name) + "1.kez",
+                 "// skill1: V 1\n// cntl: " + std::string(control) + "\n");
         }
         select({"a", "b"});
         m_session.open();
@@ -406,10 +319,6 @@ TEST_F(BehaviorSessionTest, offersWhatTheActionsOfAllEntitiesTake) {
 
 // Of two scripts, one in UTF-8 and one in the system's set.
 TEST_F(BehaviorSessionTest, readsEachScriptInItsOwnCharacterSet) {
-    const auto give = [this](const char* entity, const std::string& file, const std::string& text) {
-        const std::string path = m_folder.write(file, text);
-        m_entities.entities[entity].action = ActionPlace{path, 0, static_cast<std::int32_t>(text.size())};
-    };
     give("a", "utf8.kez",
          "// title: T\xC3\xBCr\n// skill1: Gr\xC3\xBC\xC3\x9F 20\n// cntl: spin 0 9\n"
          "// help: f\xC3\xBCr \xCE\xA9\n// skil2: \xC3\xBC\n");
@@ -462,142 +371,6 @@ TEST_F(BehaviorSessionTest, resetsToWhatWasReadLater) {
     EXPECT_TRUE(m_session.setValue(1, "7"));
     m_session.resetRow(1, ResetTo::Loaded);
     EXPECT_EQ(skill("a", 1), 3.0F);
-}
-
-class BehaviorAtRandomTest : public BehaviorSessionTest {
-protected:
-    BehaviorAtRandomTest() {
-        const char* const one = "// skill1: Speed 2\n// flag1: Lit\n// skill1: Pace\n// skill3: Reach\n";
-        give({one, one, one});
-    }
-    // An action for each of three entities, which are shown then.
-    void give(const std::vector<const char*>& texts) {
-        const char* name = "a";
-        for (const char* const text : texts) {
-            const bool isShared = std::string_view(text) == texts.front();
-            const std::string path =
-                m_folder.write(isShared ? "at-random.kez" : std::string(name) + "-at-random.kez", text);
-            m_entities.entities[name].action =
-                ActionPlace{path, 0, static_cast<std::int32_t>(std::string_view(text).size())};
-            name = *name == 'a' ? "b" : "c";
-        }
-        m_session.refresh(true);
-        follow({"a", "b", "c"});
-    }
-    // What a row must show; the panel's own words for the value.
-    std::string held(size_t row) const {
-        const std::string details = m_session.details(row);
-        const auto number = static_cast<size_t>(details[details.find_first_of("0123456789")] - '1');
-        std::set<float> values;
-        for (const std::string& name : m_session.entities()) {
-            const test::FakeEntity& one = m_entities.entities.at(name);
-            values.insert(details.starts_with("flag") ? static_cast<float>(one.flags[number])
-                                                      : one.skills[number]);
-        }
-        return values.size() > 1 ? "(different)" : skillText(*values.begin());
-    }
-    void expectAgreement() const {
-        for (size_t i = 0; i < m_session.size(); ++i) {
-            const EntryModel& row = m_session.row(i);
-            if (row.blocked().empty()) {
-                EXPECT_EQ(row.isDifferent() ? "(different)" : row.value(), held(i)) << row.facts().label;
-            }
-        }
-    }
-};
-
-// Whatever the host refuses, the panel shows what the host holds, or says that it can't tell; and what it shows at the end is
-// what a panel shows that is opened then. Entities with one action, which declares a number twice, and with three:
-// rows that not all have, narrower limits, choices, limits that are the wrong way round.
-TEST_F(BehaviorAtRandomTest, agreesWithAHostThatFailsAtRandom) {
-    const struct {
-        std::vector<const char*> actions;
-        std::vector<std::string> closed;  // rows of all three that no value suits
-    } levels[] = {
-        {{}, {}},
-        {{"// skill1: Speed 2\n// cntl: slider 0 10 0.5\n// flag1: Lit\n// skill2: Form\n// cntl: drop 1 2 3 "
-          "9\n"
-          "// skill3: Reach 1\n// cntl: spin 9 1 1\n// skill4: Depth 1\n",
-          "// skill4: Depth 4\n// cntl: slider 4 8 1\n// skill1: Speed 3\n// cntl: spin 2 20 1\n"
-          "// skill2: Form 3\n// cntl: drop_list 9 2 4\n// skill3: Reach\n// flag1: Lit 1\n",
-          "// flag1: Lit\n// skill1: Speed\n// skill2: Form\n// cntl: spin 2 9 1\n// skill3: Reach 3\n"
-          "// cntl: slider 1 9 1\n// skill5: Width\n// skill4: Depth 5\n// cntl: spin 2 6 2\n"},
-         {"Reach"}},
-    };
-    for (const auto& level : levels) {
-        SCOPED_TRACE(level.closed.size());
-        if (!level.actions.empty()) {
-            give(level.actions);
-        }
-        bool failing = true;
-        size_t failures = 0;
-        std::mt19937 fate(20260301);
-        m_entities.fails = [&](const std::string& call) {
-            const bool fails =
-                failing && fate() % 5 == 0 && (call.starts_with("set") || call.starts_with("skill("));
-            failures += fails ? 1 : 0;
-            return fails;
-        };
-        wander(m_session, 20260302, 4000, [&](std::mt19937& random) {
-            expectAgreement();
-            if (random() % 10 == 0) {
-                m_session.refresh(true);
-            }
-            if (random() % 40 == 0) {
-                std::vector<std::string> names = {"a", "b", "c"};
-                std::shuffle(names.begin(), names.end(), random);
-                names.resize(1 + random() % 3);
-                follow(names);
-            }
-            if (random() % 40 == 0) {  // another hand
-                m_entities.entities["b"].skills[0] = static_cast<float>(random() % 9);
-                ++m_entities.count;
-                m_session.refresh(false);
-            }
-        });
-        EXPECT_GT(failures, 500U);
-        failing = false;
-        m_session.refresh(true);  // which alone mends what is shown
-        expectAgreement();
-        follow({"a", "b", "c"});
-        m_session.refresh(true);
-        std::vector<std::string> closed;
-        for (size_t i = 0; i < m_session.size(); ++i) {
-            if (!m_session.row(i).blocked().empty()) {
-                closed.push_back(m_session.row(i).facts().label);
-            }
-        }
-        EXPECT_EQ(closed, level.closed);
-        expectAgreement();
-        const std::vector<std::string> before = shown();
-        m_session.open();
-        EXPECT_EQ(shown(), before);
-        m_entities.fails = nullptr;
-    }
-}
-
-// Undone to the beginning each entity has its own value; done again all is as it was.
-TEST_F(BehaviorAtRandomTest, goesBackAndForthThroughAllEdits) {
-    const auto held = [this] {
-        std::vector<float> all;
-        for (const auto& [name, one] : m_entities.entities) {
-            all.insert(all.end(), one.skills.begin(), one.skills.end());
-            all.insert(all.end(), one.flags.begin(), one.flags.end());
-        }
-        return all;
-    };
-    const std::vector<float> before = held();
-    wander(m_session, 20260303, 2000, [&](std::mt19937&) { expectAgreement(); });
-    const std::vector<float> after = held();
-    EXPECT_NE(after, before);
-    while (m_session.undo()) {
-    }
-    EXPECT_EQ(held(), before);
-    expectAgreement();
-    EXPECT_EQ(m_session.changedCount(), 0U);
-    while (m_session.redo()) {
-    }
-    EXPECT_EQ(held(), after);
 }
 
 }  // namespace
