@@ -6,7 +6,6 @@
 #include <windowsx.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "ui/win/Window.h"
 
@@ -26,55 +25,9 @@ constexpr int kSplitter = 6;        // pixels between list and log
 constexpr int kLeast = 60;          // pixels that list and log keep at least
 enum : int { kIdEntities = 1, kIdLog, kIdStatus };
 
-std::string numbersText(const LevelEntity& entity) {
-    std::string text;
-    char part[48];
-    for (int i = 0; i < kEntitySkills; ++i) {
-        const float value = entity.skills[static_cast<size_t>(i)];
-        if (value == 0) {
-            continue;
-        }
-        std::snprintf(part, sizeof part, "%s%d = %g", text.empty() ? "" : ",  ", i + 1,
-                      static_cast<double>(value));
-        text += part;
-    }
-    return text;
-}
-
-std::string flagsText(const LevelEntity& entity) {
-    std::string text;
-    for (int i = 0; i < kEntityFlags; ++i) {
-        if (entity.flags >> i & 1U) {
-            text += (text.empty() ? "" : ", ") + std::to_string(i + 1);
-        }
-    }
-    return text;
-}
-
-std::string positionText(const LevelEntity& entity) {
-    char text[100];
-    std::snprintf(text, sizeof text, "%g,  %g,  %g", static_cast<double>(entity.position[0]),
-                  static_cast<double>(entity.position[1]), static_cast<double>(entity.position[2]));
-    return text;
-}
-
-void setCell(HWND list, int row, int column, const std::string& text) {
-    ListView_SetItemText(list, row, column, const_cast<char*>(text.c_str()));
-}
-
-// Widens a list's last column to the list's edge.
-void fillLastColumn(HWND list, int column, int width) {
-    constexpr int kLeastWidth = 60;
-    int others = 2 * GetSystemMetrics(SM_CXEDGE) + GetSystemMetrics(SM_CXVSCROLL);
-    for (int i = 0; i < column; ++i) {
-        others += ListView_GetColumnWidth(list, i);
-    }
-    ListView_SetColumnWidth(list, column, std::max(kLeastWidth, width - others));
-}
-
 }  // namespace
 
-EditorWindow::EditorWindow(Editor& editor) : m_editor(editor) {}
+EditorWindow::EditorWindow(Editor& editor) : m_editor(editor), m_entities(editor.level()) {}
 
 EditorWindow::~EditorWindow() {
     if (m_window) {
@@ -235,12 +188,10 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             return 0;
         case WM_TIMER:
             showStatus();
-            if (m_editor.level().changes() != m_shownChanges) {
-                showEntities();
-            }
+            m_entities.refresh();
             return 0;
         case WM_SETFOCUS:
-            SetFocus(m_entities);
+            SetFocus(m_entities.window());
             return 0;
         case WM_LBUTTONDOWN:
             m_dragging = true;
@@ -263,7 +214,7 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
             runJobs();
             return 0;
         case kMessageSelection:
-            takeSelection();
+            m_entities.takeSelection();
             return 0;
         case kMessageLog:
             showLog();
@@ -291,36 +242,10 @@ LRESULT EditorWindow::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) 
     }
 }
 
-void EditorWindow::addColumn(HWND list, int index, const char* title, int width, bool right) {
-    LVCOLUMNA column{};
-    column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-    column.fmt = right ? LVCFMT_RIGHT : LVCFMT_LEFT;
-    column.pszText = const_cast<char*>(title);
-    column.cx = width;
-    SendMessageA(list, LVM_INSERTCOLUMNA, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
-}
-
-HWND EditorWindow::createList(int id, DWORD style) {
-    const HWND list = CreateWindowExA(
-        WS_EX_CLIENTEDGE, WC_LISTVIEWA, "",
-        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS | style, 0, 0, 0, 0, m_window,
-        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleA(nullptr), nullptr);
-    ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
-    SendMessageA(list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
-    return list;
-}
-
 void EditorWindow::onCreate() {
-    m_entities = createList(kIdEntities, 0);
-    addColumn(m_entities, 0, "Entity", 150, false);
-    addColumn(m_entities, 1, "Behavior", 210, false);
-    addColumn(m_entities, 2, "Position", 140, false);
-    addColumn(m_entities, 3, "Skills", 250, false);
-    addColumn(m_entities, 4, "Flags", 90, false);
-    m_log = createList(kIdLog, LVS_OWNERDATA | LVS_NOSORTHEADER | LVS_SINGLESEL);
-    addColumn(m_log, 0, "Thread", 90, false);
-    addColumn(m_log, 1, "Call", 430, false);
-    addColumn(m_log, 2, "Answer", 320, false);
+    m_entities.create(m_window, kIdEntities, m_font);
+    m_log.create(m_window, kIdLog, LVS_OWNERDATA | LVS_NOSORTHEADER | LVS_SINGLESEL, m_font,
+                 {{"Thread", 90}, {"Call", 430}, {"Answer", 320}});
     m_status = CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
                                m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(kIdStatus)),
                                GetModuleHandleA(nullptr), nullptr);
@@ -338,10 +263,8 @@ void EditorWindow::layOut() {
     const int log =
         std::clamp(height * m_logShare / 100, kLeast, std::max(kLeast, height - kLeast - kSplitter));
     const int list = std::max(0, height - log - kSplitter);
-    fillLastColumn(m_entities, 4, client.right);
-    fillLastColumn(m_log, 2, client.right);
-    MoveWindow(m_entities, 0, 0, client.right, list, TRUE);
-    MoveWindow(m_log, 0, list + kSplitter, client.right, std::max(0, height - list - kSplitter), TRUE);
+    m_entities.place(0, 0, client.right, list);
+    m_log.place(0, list + kSplitter, client.right, std::max(0, height - list - kSplitter));
 }
 
 void EditorWindow::dragSplitter(int y) {
@@ -358,7 +281,7 @@ void EditorWindow::dragSplitter(int y) {
 }
 
 LRESULT EditorWindow::onNotify(NMHDR& header) {
-    if (header.hwndFrom == m_log && header.code == LVN_GETDISPINFOA) {
+    if (header.hwndFrom == m_log.window() && header.code == LVN_GETDISPINFOA) {
         LVITEMA& item = reinterpret_cast<NMLVDISPINFOA&>(header).item;
         const CallLogLine line = m_editor.log().line(static_cast<size_t>(item.iItem));
         const std::string& text = item.iSubItem == 0   ? line.thread
@@ -367,22 +290,17 @@ LRESULT EditorWindow::onNotify(NMHDR& header) {
         if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0) {
             lstrcpynA(item.pszText, text.c_str(), item.cchTextMax);
         }
-    } else if (header.hwndFrom == m_entities && header.code == LVN_ITEMCHANGED) {
-        const auto& change = reinterpret_cast<NMLISTVIEW&>(header);
-        // A click changes several rows one after the other: looked at when it is done with.
-        if (((change.uNewState ^ change.uOldState) & LVIS_SELECTED) && !m_filling && !m_selectionChanged) {
-            m_selectionChanged = true;
+    } else if (header.hwndFrom != m_entities.window()) {
+        return 0;
+    } else if (header.code == LVN_ITEMCHANGED) {
+        if (m_entities.isSelectionChange(reinterpret_cast<NMLISTVIEW&>(header))) {
             PostMessageA(m_window, kMessageSelection, 0, 0);
         }
-    } else if (header.hwndFrom == m_entities && header.code == LVN_KEYDOWN) {
+    } else if (header.code == LVN_KEYDOWN) {
         if (reinterpret_cast<NMLVKEYDOWN&>(header).wVKey == VK_DELETE) {
-            takeSelection();
-            for (const std::string& name : m_editor.level().selection()) {
-                m_editor.level().erase(name);
-            }
-            showEntities();
+            m_entities.eraseSelected();
         }
-    } else if (header.hwndFrom == m_entities && header.code == NM_DBLCLK) {
+    } else if (header.code == NM_DBLCLK) {
         if (ProcedureState* const procedure = m_editor.procedure(m_editor.entityProcedure())) {
             choose(*procedure);
         }
@@ -441,7 +359,7 @@ void EditorWindow::onCommand(UINT command) {
 }
 
 void EditorWindow::choose(ProcedureState& procedure) {
-    takeSelection();
+    m_entities.takeSelection();
     if (!procedure.isBusy()) {
         m_editor.execute(procedure);
         return showStatus();
@@ -464,68 +382,15 @@ void EditorWindow::editorChanged() {
     const std::string name = folder.substr(folder.find_last_of('\\') + 1);
     const std::string title = name.empty() ? kTitle : std::string(kTitle) + " - " + name;
     SetWindowTextA(m_window, title.c_str());
-    showEntities();
+    m_entities.show();
     showStatus();
-}
-
-void EditorWindow::showEntities() {
-    m_shownChanges = m_editor.level().changes();
-    takeSelection();
-    const std::vector<std::string> selected = m_editor.level().selection();
-    const LevelMap map = m_editor.level().map();
-    m_filling = true;
-    SendMessageA(m_entities, WM_SETREDRAW, FALSE, 0);
-    ListView_DeleteAllItems(m_entities);
-    int row = 0;
-    for (const LevelEntity& entity : map.entities) {
-        LVITEMA item{};
-        item.mask = LVIF_TEXT;
-        item.iItem = row;
-        item.pszText = const_cast<char*>(entity.name.c_str());
-        SendMessageA(m_entities, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-        setCell(m_entities, row, 1,
-                entity.action + (entity.script.empty() ? "" : "  (" + entity.script + ")"));
-        setCell(m_entities, row, 2, positionText(entity));
-        setCell(m_entities, row, 3, numbersText(entity));
-        setCell(m_entities, row, 4, flagsText(entity));
-        if (std::find(selected.begin(), selected.end(), entity.name) != selected.end()) {
-            ListView_SetItemState(m_entities, row, LVIS_SELECTED | LVIS_FOCUSED,
-                                  LVIS_SELECTED | LVIS_FOCUSED);
-        }
-        ++row;
-    }
-    m_filling = false;
-    SendMessageA(m_entities, WM_SETREDRAW, TRUE, 0);
-    InvalidateRect(m_entities, nullptr, TRUE);
-}
-
-// What the user has selected in the list since it was last looked at.
-void EditorWindow::takeSelection() {
-    if (!m_selectionChanged) {
-        return;
-    }
-    m_selectionChanged = false;
-    std::vector<std::string> names;
-    for (int row = -1; (row = ListView_GetNextItem(m_entities, row, LVNI_SELECTED)) >= 0;) {
-        char name[kHostEntityNameSize] = {};
-        ListView_GetItemText(m_entities, row, 0, name, sizeof name);
-        names.push_back(name);
-    }
-    m_editor.level().select(std::move(names));
-    showStatus();
-}
-
-void EditorWindow::selectEntities(const std::vector<std::string>& names) {
-    m_selectionChanged = false;
-    m_editor.level().select(names);
-    showEntities();
 }
 
 void EditorWindow::showLog() {
     const int count = static_cast<int>(m_editor.log().size());
-    ListView_SetItemCountEx(m_log, count, LVSICF_NOSCROLL);
+    ListView_SetItemCountEx(m_log.window(), count, LVSICF_NOSCROLL);
     if (count) {
-        ListView_EnsureVisible(m_log, count - 1, FALSE);
+        ListView_EnsureVisible(m_log.window(), count - 1, FALSE);
     }
 }
 

@@ -12,6 +12,8 @@
 
 #include "tools/editor/win/Editor.h"
 #include "tools/editor/win/EditorMenu.h"
+#include "tools/editor/win/EntityList.h"
+#include "tools/editor/win/ReportList.h"
 #include "tools/editor/win/SlimLock.h"
 
 namespace zoka {
@@ -47,7 +49,7 @@ public:
     void choose(ProcedureState& procedure);
 
     // Selects the entities, in the list too.
-    void selectEntities(const std::vector<std::string>& names);
+    void selectEntities(const std::vector<std::string>& names) { m_entities.select(names); }
 
 private:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -60,8 +62,6 @@ private:
 
     void layOut();
     void dragSplitter(int y);
-    void showEntities();
-    void takeSelection();
     void showLog();
     void showStatus();
     void editorChanged();
@@ -72,22 +72,17 @@ private:
     void about();
     void complain(const std::string& text);
     void complainOf(const Outcome& outcome);  // where it is a refusal
-    HWND createList(int id, DWORD style);
-    void addColumn(HWND list, int index, const char* title, int width, bool right);
 
     Editor& m_editor;
     EditorMenu m_menu;
     HWND m_window = nullptr;
-    HWND m_entities = nullptr;
-    HWND m_log = nullptr;
+    EntityList m_entities;
+    ReportList m_log;
     HWND m_status = nullptr;
     HFONT m_font = nullptr;
     HACCEL m_keys = nullptr;
     int m_logShare = 40;  // percent of the height that the log takes
     bool m_dragging = false;
-    bool m_filling = false;           // the list of entities is being made anew
-    bool m_selectionChanged = false;  // by the user, and not yet looked at
-    unsigned m_shownChanges = 0;
     std::string m_shownStatus;
     DWORD m_thread = GetCurrentThreadId();
     bool m_endsLoop = true;  // when the window goes
