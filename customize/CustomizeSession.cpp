@@ -386,4 +386,30 @@ std::optional<std::string> CustomizeSession::defaultOf(size_t i) const {
     return (*m_defaults)[i];
 }
 
+std::string CustomizeSession::details(size_t i) const {
+    std::string text;
+    const CustomEntry& one = entry(i);
+    if (one.hasValue()) {
+        text = one.id >= 1 ? "id " + std::to_string(one.id) : "no id: an update does not keep the value";
+        text += "\r\n";
+    }
+    return text + "line " + std::to_string(one.line);
+}
+
+std::string CustomizeSession::picturePath(const std::string& name) const {
+    return pictureFor(script(), name);
+}
+
+std::string CustomizeSession::pictureFor(const CustomScript& script, const std::string& name) const {
+    const std::string own = joinPath(folderOf(script.scriptPath), name);
+    return osFiles().search(own) ? own : m_host.TemplatePath(name);
+}
+
+std::string CustomizeSession::emptyText() const {
+    if (script().scriptPath.empty()) {
+        return m_notOpened.empty() ? "There is no script." : m_notOpened;
+    }
+    return size() == 0 ? "This script has nothing to customize." : "No entry matches.";
+}
+
 }  // namespace zoka

@@ -82,12 +82,6 @@ public:
     // Beside the script, or else in the template folder.
     std::string picturePath(const std::string& name) const override;
     std::string emptyText() const override;
-    // "C:\game\fog.kez:12".
-    std::string placeInScript(size_t i) const;
-    std::vector<LineChange> changes() const;
-    std::string changesText() const;
-    // One line a finding: file, line and what was done.
-    std::string findingsText() const;
     // Values that the last update, or a reload at Save, had no place for.
     const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
 

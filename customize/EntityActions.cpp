@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "customize/EntriesText.h"
 #include "util/OsFiles.h"
 
 namespace zoka {
@@ -140,8 +141,8 @@ std::vector<std::string> EntityActions::findings() const {
     std::vector<std::string> lines;
     for (const BehaviorPanel& panel : m_panels) {
         for (const MarkupFinding& one : panel.findings.kept()) {
-            lines.push_back(utf8Text(panel.scriptName, TextSet::System) + ':' + std::to_string(one.line) +
-                            ": " + utf8Text(one.what, panel.set));
+            lines.push_back(findingText(utf8Text(panel.scriptName, TextSet::System),
+                                        {one.line, utf8Text(one.what, panel.set)}));
         }
     }
     return lines;

@@ -19,6 +19,10 @@ std::string shown(const std::string& text) {
     return made;
 }
 
+std::string lineOf(const std::string& file, int line) {
+    return file + ':' + std::to_string(line);
+}
+
 }  // namespace
 
 std::string controlText(const CustomEntry& entry) {
@@ -69,6 +73,47 @@ std::string entriesText(const CustomScript& script) {
     }
     for (const MarkupFinding& finding : script.findings.kept()) {
         text += "finding in line " + std::to_string(finding.line) + ": " + shown(finding.what) + '\n';
+    }
+    return text;
+}
+
+std::string placeText(const CustomScript& script, const CustomEntry& entry) {
+    return lineOf(script.scriptPath, entry.line);
+}
+
+std::string findingText(const std::string& file, const MarkupFinding& finding) {
+    return lineOf(file, finding.line) + ": " + finding.what;
+}
+
+std::string findingsText(const CustomScript& script) {
+    std::string text;
+    for (const MarkupFinding& finding : script.findings.kept()) {
+        text += findingText(script.scriptPath, finding) + "\r\n";
+    }
+    const size_t left = script.findings.count() - script.findings.kept().size();
+    if (left > 0) {
+        text += "and " + std::to_string(left) + " more\r\n";
+    }
+    return text;
+}
+
+std::string changesText(const std::vector<LineChange>& changes) {
+    std::string text;
+    const auto marked = [&](const char* mark, const std::string& lines) {
+        text += mark;
+        for (const char c : lines) {
+            if (c == '\n') {
+                text += std::string("\r\n") + mark;
+            } else if (c != '\r') {
+                text += c;
+            }
+        }
+        text += "\r\n";
+    };
+    for (const LineChange& change : changes) {
+        text += "line " + std::to_string(change.line) + "\r\n";
+        marked("- ", change.before);
+        marked("+ ", change.after);
     }
     return text;
 }

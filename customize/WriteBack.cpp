@@ -183,6 +183,12 @@ std::vector<LineChange> lineChanges(std::string_view fileText, const std::vector
     return changes;
 }
 
+std::vector<LineChange> lineChanges(const CustomScript& script) {
+    const std::vector<ScriptEdit> edits = editsOf(script);
+    return editFault(script, edits).empty() ? lineChanges(script.fileText(), edits)
+                                            : std::vector<LineChange>();
+}
+
 bool keepsEntries(const CustomScript& script, const std::vector<ScriptEdit>& edits) {
     // Findings that could move up into those kept are not at hand.
     return script.findings.count() + edits.size() < MarkupFindings::kKept &&

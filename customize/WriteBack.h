@@ -36,6 +36,8 @@ struct LineChange {
     std::string after;
 };
 std::vector<LineChange> lineChanges(std::string_view fileText, const std::vector<ScriptEdit>& edits);
+// Of the entries' controls; none while their edits have a fault.
+std::vector<LineChange> lineChanges(const CustomScript& script);
 
 // Whether the edited text, read again, has the same entries with the new values and nothing else has changed.
 // False when that isn't certain, as with emptied values, line ends and switches of several lines.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "customize/EntriesText.h"
 #include "customize/ValueFile.h"
 #include "ui/win/TextWindow.h"
 #include "util/Backups.h"
@@ -115,16 +116,18 @@ void CustomizeDialog::pressed(int id) {
             }
             break;
         case kShowChanges: {
-            const size_t count = m_session.changes().size();
+            const std::vector<LineChange> changes = lineChanges(m_session.script());
             showTextWindow(window(), "Changes",
-                           count == 1 ? "Save will change 1 place:"
-                                      : "Save will change " + std::to_string(count) + " places:",
-                           m_session.changesText(), TextLook::FixedWidth);
+                           changes.size() == 1
+                               ? "Save will change 1 place:"
+                               : "Save will change " + std::to_string(changes.size()) + " places:",
+                           changesText(changes), TextLook::FixedWidth);
             break;
         }
         case kShowFindings:
             showTextWindow(window(), "Problems in the script's markup",
-                           "File, line, and what was done:", m_session.findingsText(), TextLook::FixedWidth);
+                           "File, line, and what was done:", findingsText(m_session.script()),
+                           TextLook::FixedWidth);
             break;
         default:
             break;
@@ -209,7 +212,7 @@ std::vector<RowMenuItem> CustomizeDialog::rowMenuItems(size_t) {
 
 void CustomizeDialog::rowMenuChosen(size_t row, int id) {
     if (id == kCopyPlace) {
-        copyToClipboard(window(), m_session.placeInScript(row));
+        copyToClipboard(window(), placeText(m_session.script(), m_session.entry(row)));
     }
 }
 

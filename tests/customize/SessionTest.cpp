@@ -1,3 +1,4 @@
+#include "customize/EntriesText.h"
 #include "tests/customize/SessionFixture.h"
 #include "util/JobProgress.h"
 
@@ -29,9 +30,10 @@ TEST_F(Session, OpensTheMainScriptWithoutAName) {
 // Of the script that is opened, not of the one that was open.
 TEST_F(Session, TellsOfPicturesThatAreMissing) {
     ASSERT_TRUE(session.open(project.write("a.kez", "// image: none.bmp\n// entry: A\nvar a = 1;\n")));
-    EXPECT_THAT(session.findingsText(), HasSubstr("a.kez:1: the picture \"none.bmp\" can't be shown"));
+    EXPECT_THAT(findingsText(session.script()),
+                HasSubstr("a.kez:1: the picture \"none.bmp\" can't be shown"));
     ASSERT_TRUE(session.open(project.write("b.kez", "// entry: B\nvar b = 1;\n")));
-    EXPECT_EQ(session.findingsText(), "");
+    EXPECT_EQ(findingsText(session.script()), "");
 }
 
 // Each line below a switch is an entry with its label and help: those are copies, and have a bound.
@@ -136,7 +138,7 @@ TEST_F(Session, ResetsGoToTheValueLoadedOrTheTemplates) {
     EXPECT_TRUE(session.redo());
     EXPECT_EQ(value("Lamp"), "0");
     EXPECT_EQ(session.tooltip(rowOf("Range")), "Range\r\nDefault: 20\r\nallowed: 0 to 200\r\nid 1\r\nline 3");
-    EXPECT_EQ(session.placeInScript(rowOf("Range")), project.path("s.kez") + ":3");
+    EXPECT_EQ(placeText(session.script(), session.entry(rowOf("Range"))), project.path("s.kez") + ":3");
     EXPECT_EQ(session.helpText(rowOf("Range")), "No Help");
     // A numbered copy has those of the template that it was made of.
     suite.write("templates/lift_.kez", "// entry: Tag\n// id: 1\nstring tag%_% = \"lift%_%\";\n");

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "controls/EntryRules.h"
+#include "customize/EntriesText.h"
 #include "tools/cli/ActionRows.h"
 #include "tools/cli/Command.h"
 #include "tools/cli/Json.h"
@@ -154,7 +155,7 @@ ExitStatus checkBehavior(const BehaviorOptions& options) {
                 all.push_back(
                     {{"file", jsonText(givenPath(path))}, {"line", one.line}, {"what", jsonText(one.what)}});
             } else {
-                printShown(givenPath(path) + ':' + std::to_string(one.line) + ": " + one.what + '\n');
+                printShown(findingText(givenPath(path), one) + '\n');
             }
         }
     }

@@ -383,8 +383,7 @@ ExitStatus checkFile(const std::string& path, const std::string& shown, Json* js
             json->push_back(
                 {{"file", jsonText(shown)}, {"line", finding.line}, {"finding", jsonText(finding.what)}});
         } else {
-            printShown(shown + ':' + std::to_string(finding.line) + ": " +
-                       onOneLine(finding.what, kLineEndShown) + "\n");
+            printShown(onOneLine(findingText(shown, finding), kLineEndShown) + "\n");
         }
     }
     const size_t left = script.findings.count() - script.findings.kept().size();
