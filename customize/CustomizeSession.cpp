@@ -3,27 +3,23 @@
 #include <algorithm>
 #include <new>
 
-#include "customize/NumberedScripts.h"
 #include "customize/ValueFile.h"
-#include "customize/ValueUpdate.h"
-#include "plugin/host/HostCopy.h"
 #include "util/Backups.h"
-#include "util/CopyFailure.h"
 #include "util/Doors.h"
 #include "util/KeyedHash.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 
 namespace zoka {
-namespace {
-
-constexpr int kMostHostNames = 10000;  // a host that never ends its list doesn't hang the panel
-
-}  // namespace
 
 CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt, CustomizeView* view,
                                    JobProgress* loading)
-    : m_host(host), m_prompt(prompt), m_view(view ? view : &m_noView), m_loading(loading) {}
+    : m_host(host),
+      m_prompt(prompt),
+      m_view(view ? view : &m_noView),
+      m_loading(loading),
+      m_reader(host),
+      m_template(host, prompt) {}
 
 Outcome CustomizeSession::open(const std::string& fileName) {
     const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
@@ -32,7 +28,7 @@ Outcome CustomizeSession::open(const std::string& fileName) {
     std::string project;
     Elsewhere elsewhere;
     try {
-        if (const Outcome made = makeRows(path, loaded); !made) {
+        if (const Outcome made = m_reader.read(path, loaded, m_loading); !made) {
             m_notOpened = made.why();
             return made;
         }
@@ -54,23 +50,6 @@ Outcome CustomizeSession::open(const std::string& fileName) {
     filter.unfoldAll();
     showScript(std::move(loaded), false);
     return {};
-}
-
-// All that may need much memory, before anything of the session is changed.
-Outcome CustomizeSession::makeRows(const std::string& path, ScriptRows& loaded) {
-    const auto mayGoOn = [&] { return mayContinue(m_loading, 0, 1, path); };
-    if (!mayGoOn()) {
-        return Refusal{};
-    }
-    if (const Outcome found = read(path, loaded, m_loading); !found) {
-        return found;
-    }
-    const HostNames names = hostNames(loaded.script, m_loading);
-    if (!mayGoOn()) {
-        return Refusal{};
-    }
-    loaded.makeRows(names);
-    return mayGoOn() ? Outcome() : Refusal{};
 }
 
 void CustomizeSession::offerScripts(std::vector<std::string> paths) {
@@ -105,23 +84,10 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
     return false;
 }
 
-Outcome CustomizeSession::read(const std::string& fileName, ScriptRows& panel, JobProgress* progress) {
-    if (const Outcome loaded = LoadCustomScript(fileName, panel.script, progress); !loaded) {
-        if (loaded.why().empty()) {
-            return loaded;  // stopped
-        }
-        return Refusal{fileName.empty() ? "There is no script."
-                                        : "Can't read '" + fileName + "': " + loaded.why()};
-    }
-    checkPictures(panel.script, [&](const std::string& name) { return pictureFor(panel.script, name); });
-    return {};
-}
-
 Outcome CustomizeSession::load(const std::string& fileName) {
     ScriptRows loaded;
-    Outcome found = read(fileName, loaded);
+    Outcome found = m_reader.read(fileName, loaded);
     if (found) {
-        loaded.makeRows(hostNames(loaded.script));
         showScript(std::move(loaded), false);
     }
     return found;
@@ -134,29 +100,8 @@ void CustomizeSession::showScript(ScriptRows&& made, bool keepHistory) {
 }
 
 void CustomizeSession::rowsMade(bool keepHistory) {
-    m_defaults.reset();
+    m_template.forgetValues();
     showRows(m_panel.rows(), keepHistory);
-}
-
-HostNames CustomizeSession::hostNames(const CustomScript& script, JobProgress* progress) {
-    const std::vector<CustomEntry>& entries = script.entries;
-    if (std::none_of(entries.begin(), entries.end(),
-                     [](const CustomEntry& e) { return e.kind == kEntryEntity || e.kind == kEntryPath; })) {
-        return nullptr;
-    }
-    std::vector<std::string> names;
-    KeyedSet<std::string> seen;
-    for (int i = 0; i < kMostHostNames && mayContinue(progress, 0, 1, script.scriptPath); ++i) {
-        const auto name = m_host.GetListItemName(i);
-        if (!name) {
-            break;
-        }
-        if (!name->empty() && seen.insert(*name).second) {
-            names.push_back(*name);
-        }
-    }
-    m_host.EndListUpdate();
-    return std::make_shared<const std::vector<std::string>>(std::move(names));
 }
 
 bool CustomizeSession::question(const std::string& text) {
@@ -186,44 +131,9 @@ bool CustomizeSession::close() {
 
 bool CustomizeSession::fetchTemplateCopy() {
     const std::string& path = m_panel.script.scriptPath;
-    const auto chosen = m_host.ChooseFile(m_host.TemplatePath(std::string(fileNameOf(path))));
+    const auto chosen = m_template.choose(path);
     m_view->raiseOnce();
-    if (!chosen) {
-        return false;
-    }
-    const auto refuse = [&](const std::string& text) {
-        m_prompt.tell(text);
-        return false;
-    };
-    if (equalNoCase(*chosen, path)) {
-        return refuse("Same File!\nNo Update.");
-    }
-    const size_t from = chosen->rfind('\\'), to = path.rfind('\\');
-    if (from == chosen->npos || to == path.npos) {
-        return refuse("Org. filename error (1127).\nNo Update.");
-    }
-    if (!equalNoCase(chosen->substr(from), path.substr(to))) {
-        return refuse("Script name are not the same.\nNo Update.");
-    }
-    if (!keepOwnLines(*chosen)) {
-        return false;
-    }
-    const Outcome copied = copyByHost(m_host, *chosen, path);
-    return copied || refuse(copyError(copied.why()));
-}
-
-// A script with lines that its template lacks is kept beside the new one: the user may have written them.
-bool CustomizeSession::keepOwnLines(const std::string& templatePath) {
-    const std::string& path = m_panel.script.scriptPath;
-    const auto plan = planValueUpdate(path, templatePath);
-    if (!plan || plan->ownLines == 0) {  // what can't be read the copying tells of
-        return true;
-    }
-    const auto kept = keepBackup(path, plan->before);
-    if (!kept) {
-        m_prompt.tell(copyError(kept.why()));
-    }
-    return static_cast<bool>(kept);
+    return chosen && m_template.copyOver(path, *chosen);
 }
 
 bool CustomizeSession::restore() {
@@ -257,12 +167,11 @@ bool CustomizeSession::update() {
         return false;
     }
     ScriptRows loaded;
-    if (const Outcome found = read(m_panel.script.scriptPath, loaded); !found) {
+    if (const Outcome found = m_reader.read(m_panel.script.scriptPath, loaded); !found) {
         m_carried.clear();
         m_prompt.tell(found.why());
         return false;
     }
-    loaded.makeRows(hostNames(loaded.script));
     m_unplaced.clear();
     const ScriptRows before = std::move(m_panel);
     showScript(std::move(loaded), false);
@@ -323,7 +232,7 @@ void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) 
         return;
     }
     // The user has been told; the values are still at hand.
-    m_panel.makeRows(hostNames(m_panel.script));
+    m_panel.makeRows(m_reader.hostNames(m_panel.script));
     rowsMade(false);
     m_unplaced = carryValues(values, m_panel);
 }
@@ -375,17 +284,6 @@ void CustomizeSession::offerUnsaved() noexcept {
     });
 }
 
-std::optional<std::string> CustomizeSession::defaultOf(size_t i) const {
-    if (!m_defaults) {
-        // Once a load.
-        const CustomScript& script = m_panel.script;
-        const auto original = templatePathFor(script.scriptPath, m_host.TemplatePath(""));
-        auto values = original ? templateDefaults(script, *original) : std::nullopt;
-        m_defaults = values ? std::move(*values) : std::vector<std::optional<std::string>>(size());
-    }
-    return (*m_defaults)[i];
-}
-
 std::string CustomizeSession::details(size_t i) const {
     std::string text;
     const CustomEntry& one = entry(i);
@@ -394,15 +292,6 @@ std::string CustomizeSession::details(size_t i) const {
         text += "\r\n";
     }
     return text + "line " + std::to_string(one.line);
-}
-
-std::string CustomizeSession::picturePath(const std::string& name) const {
-    return pictureFor(script(), name);
-}
-
-std::string CustomizeSession::pictureFor(const CustomScript& script, const std::string& name) const {
-    const std::string own = joinPath(folderOf(script.scriptPath), name);
-    return osFiles().search(own) ? own : m_host.TemplatePath(name);
 }
 
 std::string CustomizeSession::emptyText() const {

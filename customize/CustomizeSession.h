@@ -10,7 +10,9 @@
 #include "controls/RowEditing.h"
 #include "customize/CarryValues.h"
 #include "customize/Elsewhere.h"
+#include "customize/ScriptReader.h"
 #include "customize/ScriptRows.h"
+#include "customize/ScriptTemplate.h"
 #include "customize/WriteBack.h"
 #include "plugin/host/ZunEditorInterface.h"
 #include "util/Doors.h"
@@ -73,28 +75,26 @@ public:
     const CustomEntry& entry(size_t i) const { return m_panel.script.entries[i]; }
     std::string subject() const override { return m_panel.script.scriptPath; }
     // The value in the template folder's copy of the script; nothing where it has no such entry.
-    std::optional<std::string> defaultOf(size_t i) const override;
+    std::optional<std::string> defaultOf(size_t i) const override { return m_template.valueOf(script(), i); }
     const char* defaultName() const override { return "the template's &default"; }
 
     // --- What is shown
     // The entry's id and its line in the script.
     std::string details(size_t i) const override;
     // Beside the script, or else in the template folder.
-    std::string picturePath(const std::string& name) const override;
+    std::string picturePath(const std::string& name) const override {
+        return m_reader.picturePath(script(), name);
+    }
     std::string emptyText() const override;
     // Values that the last update, or a reload at Save, had no place for.
     const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
 
 private:
-    Outcome makeRows(const std::string& path, ScriptRows& loaded);
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
-    std::string pictureFor(const CustomScript& script, const std::string& name) const;
-    Outcome read(const std::string& fileName, ScriptRows& panel, JobProgress* progress = nullptr);
     Outcome load(const std::string& fileName);
     void showScript(ScriptRows&& made, bool keepHistory);
     void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
-    bool keepOwnLines(const std::string& templatePath);
     bool mayDropChanges();
 
     // Save's steps; each tells the user itself when it fails.
@@ -112,19 +112,19 @@ private:
     void carryFromValueFile(const std::vector<KeptValue>& values);
     void keepUnplaced();
     std::vector<UnplacedValue> unsavedValues() const;
-    HostNames hostNames(const CustomScript& script, JobProgress* progress = nullptr);
 
     ZunEditorInterface& m_host;
     UserPrompt& m_prompt;
     CustomizeView* m_view;
     CustomizeView m_noView;
     JobProgress* m_loading;
+    ScriptReader m_reader;
+    ScriptTemplate m_template;
     ScriptRows m_panel;
     std::string m_project;  // the open one when the script was loaded; empty: none
     Elsewhere m_elsewhere;
     std::vector<std::string> m_offered;
     std::string m_offeredProject;  // which was open when they were listed
-    mutable std::optional<std::vector<std::optional<std::string>>> m_defaults;  // one a row, once asked for
     // On their way into a script just loaded: in no file, and perhaps in no row. Empty otherwise.
     std::vector<KeptValue> m_carried;
     std::vector<UnplacedValue> m_unplaced;

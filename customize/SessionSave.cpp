@@ -230,7 +230,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     bool keepHistory = true;
     if (!kept) {
         saved.script.scriptPath = path;
-        saved.makeRows(hostNames(saved.script));
+        saved.makeRows(m_reader.hostNames(saved.script));
         keepHistory = sameRows(m_panel.script, saved.script);
     }
     const std::string values = valueFileText(m_panel.script, true);
@@ -254,7 +254,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     // The script becomes what the file holds now: the spans of the next save are right.
     if (kept) {
         applyEdits(m_panel.script, edits, std::move(text));
-        m_panel.settleRows(hostNames(m_panel.script));
+        m_panel.settleRows(m_reader.hostNames(m_panel.script));
         rowsMade(true);
     } else {
         showScript(std::move(saved), keepHistory);
