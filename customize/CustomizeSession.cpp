@@ -19,49 +19,29 @@ CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt,
       m_view(view ? view : &m_noView),
       m_loading(loading),
       m_reader(host),
-      m_template(host, prompt) {}
+      m_template(host, prompt),
+      m_project(host, prompt) {}
 
 Outcome CustomizeSession::open(const std::string& fileName) {
     const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
     m_reserve.refill();
     ScriptRows loaded;
-    std::string project;
-    Elsewhere elsewhere;
+    ScriptProject::Home home;
     try {
         if (const Outcome made = m_reader.read(path, loaded, m_loading); !made) {
             m_notOpened = made.why();
             return made;
         }
-        project = m_host.GetProjectFolder();
-        // A list of scripts may be older than the project that is open by now.
-        if (std::find(m_offered.begin(), m_offered.end(), fileName) != m_offered.end()) {
-            if (!sameFolder(project, m_offeredProject)) {
-                elsewhere = std::move(project);
-            }
-            project = m_offeredProject;
-        }
+        home = m_project.homeOf(fileName);
     } catch (const std::bad_alloc&) {
         throw OutOfMemory(path);
     }
-    m_project = std::move(project);
-    m_elsewhere = std::move(elsewhere);
+    m_project.moveTo(std::move(home));
     m_carried.clear();
     m_unplaced.clear();
     filter.unfoldAll();
     showScript(std::move(loaded), false);
     return {};
-}
-
-void CustomizeSession::offerScripts(std::vector<std::string> paths) {
-    m_offered = std::move(paths);
-    m_offeredProject = m_host.GetProjectFolder();
-}
-
-bool CustomizeSession::lookAtProject() {
-    const std::string before = whereabouts();
-    std::string open = m_host.GetProjectFolder();
-    m_elsewhere = isOpen() && !sameFolder(open, m_project) ? Elsewhere(std::move(open)) : std::nullopt;
-    return whereabouts() != before;
 }
 
 bool CustomizeSession::switchTo(const std::string& fileName) {
@@ -104,10 +84,6 @@ void CustomizeSession::rowsMade(bool keepHistory) {
     showRows(m_panel.rows(), keepHistory);
 }
 
-bool CustomizeSession::question(const std::string& text) {
-    return m_prompt.ask(text, "ZOKA", PromptButtons::YesNo, PromptIcon::None) == PromptAnswer::Yes;
-}
-
 bool CustomizeSession::mayDropChanges() {
     if (changedCount() == 0) {
         return true;
@@ -137,7 +113,7 @@ bool CustomizeSession::fetchTemplateCopy() {
 }
 
 bool CustomizeSession::restore() {
-    if (!isOpen() || !question("Restore values to default??") || !fetchTemplateCopy()) {
+    if (!isOpen() || !asksYes(m_prompt, "Restore values to default??") || !fetchTemplateCopy()) {
         return false;
     }
     const Outcome loaded = load(std::string(m_panel.script.scriptPath));
@@ -152,8 +128,9 @@ bool CustomizeSession::restore() {
 
 bool CustomizeSession::update() {
     if (!isOpen() ||
-        !question("Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
-                  "(Some values may be lost or overwriten)")) {
+        !asksYes(m_prompt,
+                 "Update the script?\n\nThis will transfer your current values into an updated KEZ script.\n"
+                 "(Some values may be lost or overwriten)")) {
         return false;
     }
     // Without the value file the values would have no place but this memory once the script is replaced.
@@ -270,12 +247,13 @@ void CustomizeSession::offerUnsaved() noexcept {
             return;
         }
         const std::string& path = m_panel.script.scriptPath;
-        if (!question("The window has to close, and " +
-                      (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
-                      " of '" + std::string(fileNameOf(path)) + "' " + (unsaved.size() == 1 ? "is" : "are") +
-                      " not saved.\n\nKeep " + (unsaved.size() == 1 ? "it" : "them") +
-                      " in the value file '" + std::string(fileNameOf(path)) + kLeftOverEnding +
-                      "', beside the script?")) {
+        if (!asksYes(m_prompt,
+                     "The window has to close, and " +
+                         (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
+                         " of '" + std::string(fileNameOf(path)) + "' " +
+                         (unsaved.size() == 1 ? "is" : "are") + " not saved.\n\nKeep " +
+                         (unsaved.size() == 1 ? "it" : "them") + " in the value file '" +
+                         std::string(fileNameOf(path)) + kLeftOverEnding + "', beside the script?")) {
             return;
         }
         if (const Outcome kept = keepOldValues(m_panel.script, unsaved); !kept) {

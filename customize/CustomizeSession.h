@@ -9,7 +9,7 @@
 
 #include "controls/RowEditing.h"
 #include "customize/CarryValues.h"
-#include "customize/Elsewhere.h"
+#include "customize/ScriptProject.h"
 #include "customize/ScriptReader.h"
 #include "customize/ScriptRows.h"
 #include "customize/ScriptTemplate.h"
@@ -45,16 +45,16 @@ public:
     // can't be opened.
     bool switchTo(const std::string& fileName);
     // The scripts that the panel offers to switch to: of the project that the editor has open now.
-    void offerScripts(std::vector<std::string> paths);
-    const std::vector<std::string>& offeredScripts() const { return m_offered; }
+    void offerScripts(std::vector<std::string> paths) { m_project.offer(std::move(paths)); }
+    const std::vector<std::string>& offeredScripts() const { return m_project.offered(); }
 
     // Asks the host which project is open. True when whereabouts() are others now.
-    bool lookAtProject();
+    bool lookAtProject() { return isOpen() && m_project.look(); }
     // The editor had opened another project than when the script was loaded, when it was looked at last: Save
     // then asks where to.
-    bool otherProjectOpen() const { return m_elsewhere.has_value(); }
+    bool otherProjectOpen() const { return m_project.isElsewhere(); }
     // For the panel's title, in words; empty while that project is open.
-    const char* whereabouts() const { return elsewhereText(m_elsewhere); }
+    const char* whereabouts() const { return m_project.whereabouts(); }
 
     // --- The buttons. All messages go through the prompt. Without a script they do nothing.
     SaveResult save();
@@ -101,12 +101,7 @@ private:
     // `overwritten` gets what the file holds when the user wants that overwritten.
     std::optional<SaveResult> settleChangesFromOutside(std::optional<std::string>& overwritten);
     bool confirmLostEntries(const CustomScript& saved);
-    std::optional<std::string> projectForSave();
     SaveResult saveInto(const std::string& project);
-    std::optional<SaveResult> takeIntoProject(const std::string& project, bool& copied);
-    static bool isBelow(const std::string& path, const std::string& folder);
-    SaveResult fail(const std::string& message, const std::string& problem = {});
-    bool question(const std::string& text);
 
     void carryFromMemory(const std::vector<KeptValue>& values);
     void carryFromValueFile(const std::vector<KeptValue>& values);
@@ -120,11 +115,8 @@ private:
     JobProgress* m_loading;
     ScriptReader m_reader;
     ScriptTemplate m_template;
+    ScriptProject m_project;
     ScriptRows m_panel;
-    std::string m_project;  // the open one when the script was loaded; empty: none
-    Elsewhere m_elsewhere;
-    std::vector<std::string> m_offered;
-    std::string m_offeredProject;  // which was open when they were listed
     // On their way into a script just loaded: in no file, and perhaps in no row. Empty otherwise.
     std::vector<KeptValue> m_carried;
     std::vector<UnplacedValue> m_unplaced;

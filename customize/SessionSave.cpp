@@ -3,7 +3,6 @@
 
 #include "customize/CustomizeSession.h"
 #include "customize/ValueFile.h"
-#include "util/CopyFailure.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
@@ -27,11 +26,6 @@ bool sameRows(const CustomScript& a, const CustomScript& b) {
 
 }  // namespace
 
-SaveResult CustomizeSession::fail(const std::string& message, const std::string& problem) {
-    m_prompt.tell(message);
-    return Refusal{problem.empty() ? message : problem};
-}
-
 // Nothing when saving can go on.
 std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
     std::optional<std::string>& overwritten) {
@@ -41,16 +35,17 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
     if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing)) {
-        return fail("Can't read '" + path + "': " + why +
-                    "\nAnother program may have changed it, so it was not saved.");
+        return saveFailed(m_prompt, "Can't read '" + path + "': " + why +
+                                        "\nAnother program may have changed it, so it was not saved.");
     }
     if (!now) {
         // Who moved or renamed it would have two of them. In a folder that is gone writing it fails.
         if (osFiles().kindOf(path) == OsKind::Missing &&
             osFiles().kindOf(std::string(folderOf(path))) == OsKind::Folder &&
-            !question("The script is gone: it was moved, renamed or deleted since it was loaded.\n\nSave it "
-                      "anew, as '" +
-                      path + "'?")) {
+            !asksYes(m_prompt,
+                     "The script is gone: it was moved, renamed or deleted since it was loaded.\n\nSave it "
+                     "anew, as '" +
+                         path + "'?")) {
             return SaveResult::Cancelled;
         }
         overwritten.emplace();
@@ -75,7 +70,7 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
     m_carried = valuesToKeep(m_panel, true);
     if (const Outcome loaded = load(std::string(m_panel.script.scriptPath)); !loaded) {
         m_carried.clear();
-        return fail(loaded.why());
+        return saveFailed(m_prompt, loaded.why());
     }
     m_unplaced = carryValues(m_carried, m_panel, CarryTo::ChangedFile);
     addChangesToHistory();
@@ -86,8 +81,9 @@ std::optional<SaveResult> CustomizeSession::settleChangesFromOutside(
     }
     keepUnplaced();
     m_carried.clear();
-    return fail("These values found no place in the script as it is now; nothing was saved yet:\n\n" +
-                unplacedText(m_unplaced));
+    return saveFailed(m_prompt,
+                      "These values found no place in the script as it is now; nothing was saved yet:\n\n" +
+                          unplacedText(m_unplaced));
 }
 
 bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
@@ -104,86 +100,10 @@ bool CustomizeSession::confirmLostEntries(const CustomScript& saved) {
     if (lost.size() > kListed) {
         labels += "and " + std::to_string(lost.size() - kListed) + " more\n";
     }
-    return question(
-        "After saving, these entries will disappear from this panel "
-        "(an empty value, for instance, is not found any more):\n\n" +
-        labels + "\nSave all the same?");
-}
-
-// The editor may have opened another project since the script was loaded. Nothing when the user wants neither.
-std::optional<std::string> CustomizeSession::projectForSave() {
-    std::string open = m_host.GetProjectFolder();
-    if (sameFolder(open, m_project)) {
-        return open;
-    }
-    if (open.empty()) {
-        return question(
-                   "The project of this script is not open any more.\n\nSave it there all the same, in '" +
-                   m_project + "'?")
-                   ? std::optional(m_project)
-                   : std::nullopt;
-    }
-    if (m_project.empty()) {
-        return question("A project was opened since this script was loaded.\n\nSave a copy in it, in '" +
-                        open + "'?")
-                   ? std::optional(open)
-                   : std::nullopt;
-    }
-    switch (
-        m_prompt.ask("The editor has opened another project since this script was loaded.\n\n"
-                     "Yes: save it in the project that it was loaded for, '" +
-                         m_project + "'.\nNo: save a copy in the project that is open, '" + open +
-                         "'.\nCancel: don't save.",
-                     "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning)) {
-        case PromptAnswer::Yes:
-            return m_project;
-        case PromptAnswer::No:
-            return open;
-        default:
-            return std::nullopt;
-    }
-}
-
-// Whether the file lies in the folder, at any depth.
-bool CustomizeSession::isBelow(const std::string& path, const std::string& folder) {
-    std::string parent(folderOf(path));
-    while (!sameFolder(parent, folder)) {
-        std::string next(folderOf(parent));
-        if (next.size() >= parent.size() || next.empty()) {
-            return false;
-        }
-        parent = std::move(next);
-    }
-    return true;
-}
-
-// A script straight from the template folder is never overwritten: the project's copy of it takes its place. Nothing
-// when saving can go on.
-std::optional<SaveResult> CustomizeSession::takeIntoProject(const std::string& project, bool& copied) {
-    const std::string path = m_panel.script.scriptPath;
-    if (!project.empty() && (sameFolder(std::string(folderOf(path)), project) ||
-                             (isBelow(path, project) && !isBelow(path, m_host.TemplatePath(""))))) {
-        return std::nullopt;
-    }
-    if (project.empty()) {
-        return fail("The project folder is not known; the script was not saved.");
-    }
-    const std::string target = joinPath(project, fileNameOf(path));
-    if (target.size() > kMaxScriptPath) {
-        return fail("The name of the script in the project folder would be too long; it was not saved.");
-    }
-    const auto there = osFiles().readWhole(target);
-    if ((there || osFiles().exists(target)) && there != m_panel.script.fileText() &&
-        !question("\"" + std::string(fileNameOf(path)) +
-                  "\" is in the project folder already, with other content.\n\nOverwrite it?")) {
-        return SaveResult::Cancelled;
-    }
-    if (!m_host.CopyFileToFolder(path, project)) {
-        return fail(copyFailure(path, target, m_host.copyProblem()) + "\n\nThe script was not saved.");
-    }
-    m_panel.script.scriptPath = target;
-    copied = true;
-    return std::nullopt;
+    return asksYes(m_prompt,
+                   "After saving, these entries will disappear from this panel "
+                   "(an empty value, for instance, is not found any more):\n\n" +
+                       labels + "\nSave all the same?");
 }
 
 SaveResult CustomizeSession::save() {
@@ -197,7 +117,7 @@ SaveResult CustomizeSession::save() {
     if (!hasChanges(m_panel.script)) {
         return SaveResult::NothingToSave;
     }
-    const std::optional<std::string> project = projectForSave();
+    const std::optional<std::string> project = m_project.askFolder();
     const SaveResult result = project ? saveInto(*project) : SaveResult(SaveResult::Cancelled);
     lookAtProject();
     return result;
@@ -210,7 +130,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     }
     const std::vector<ScriptEdit> edits = editsOf(m_panel.script);
     if (const std::string fault = editFault(m_panel.script, edits); !fault.empty()) {
-        return fail(fault + "\nThe script was not saved.");
+        return saveFailed(m_prompt, fault + "\nThe script was not saved.");
     }
     std::string text = editedText(m_panel.script.fileText(), edits);
     // Nearly every edit leaves the other entries where they are; only those that may not are read again.
@@ -223,7 +143,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         }
     }
     bool copied = false;
-    if (const auto settled = takeIntoProject(project, copied)) {
+    if (const auto settled = m_project.take(m_panel.script, project, copied)) {
         return *settled;
     }
     const std::string path = m_panel.script.scriptPath;
@@ -243,14 +163,9 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     }
     if (result.written == 0) {
         const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
-        return fail(opens ? result.why() : "Error open file to write", result.why());
+        return saveFailed(m_prompt, opens ? result.why() : "Error open file to write", result.why());
     }
-    if (sameFolder(m_host.GetProjectFolder(), project)) {
-        m_project = project;
-        if (copied) {
-            m_host.MainScriptChanged();
-        }
-    }
+    m_project.saved(project, copied);
     // The script becomes what the file holds now: the spans of the next save are right.
     if (kept) {
         applyEdits(m_panel.script, edits, std::move(text));
@@ -259,7 +174,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
     } else {
         showScript(std::move(saved), keepHistory);
     }
-    return result ? SaveResult(SaveResult::Saved) : fail(kValueFileNotWritten, result.why());
+    return result ? SaveResult(SaveResult::Saved) : saveFailed(m_prompt, kValueFileNotWritten, result.why());
 }
 
 }  // namespace zoka
