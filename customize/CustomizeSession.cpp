@@ -1,14 +1,10 @@
 #include "customize/CustomizeSession.h"
 
-#include <algorithm>
 #include <new>
 
+#include "customize/ScriptSave.h"
 #include "customize/ValueFile.h"
-#include "util/Backups.h"
 #include "util/Doors.h"
-#include "util/KeyedHash.h"
-#include "util/OsFiles.h"
-#include "util/PathRules.h"
 
 namespace zoka {
 
@@ -20,11 +16,12 @@ CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt,
       m_loading(loading),
       m_reader(host),
       m_template(host, prompt),
-      m_project(host, prompt) {}
+      m_project(host, prompt),
+      m_values(m_panel, prompt) {}
 
 Outcome CustomizeSession::open(const std::string& fileName) {
     const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
-    m_reserve.refill();
+    m_values.putMemoryAside();
     ScriptRows loaded;
     ScriptProject::Home home;
     try {
@@ -37,10 +34,9 @@ Outcome CustomizeSession::open(const std::string& fileName) {
         throw OutOfMemory(path);
     }
     m_project.moveTo(std::move(home));
-    m_carried.clear();
-    m_unplaced.clear();
+    m_values.forget();
     filter.unfoldAll();
-    showScript(std::move(loaded), false);
+    showScript(std::move(loaded));
     return {};
 }
 
@@ -64,19 +60,20 @@ bool CustomizeSession::switchTo(const std::string& fileName) {
     return false;
 }
 
-Outcome CustomizeSession::load(const std::string& fileName) {
+// The script that is open, as its file is now.
+Outcome CustomizeSession::load() {
     ScriptRows loaded;
-    Outcome found = m_reader.read(fileName, loaded);
+    Outcome found = m_reader.read(std::string(script().scriptPath), loaded);
     if (found) {
-        showScript(std::move(loaded), false);
+        showScript(std::move(loaded));
     }
     return found;
 }
 
 // With its rows, so that nothing can fail while the view has those of the script before, which are gone.
-void CustomizeSession::showScript(ScriptRows&& made, bool keepHistory) {
+void CustomizeSession::showScript(ScriptRows&& made) {
     m_panel = std::move(made);
-    rowsMade(keepHistory);
+    rowsMade(false);
 }
 
 void CustomizeSession::rowsMade(bool keepHistory) {
@@ -101,10 +98,6 @@ bool CustomizeSession::mayDropChanges() {
     }
 }
 
-bool CustomizeSession::close() {
-    return mayDropChanges();
-}
-
 bool CustomizeSession::fetchTemplateCopy() {
     const std::string& path = m_panel.script.scriptPath;
     const auto chosen = m_template.choose(path);
@@ -116,9 +109,9 @@ bool CustomizeSession::restore() {
     if (!isOpen() || !asksYes(m_prompt, "Restore values to default??") || !fetchTemplateCopy()) {
         return false;
     }
-    const Outcome loaded = load(std::string(m_panel.script.scriptPath));
+    const Outcome loaded = load();
     if (loaded) {
-        m_unplaced.clear();
+        m_values.forget();
     } else {
         m_prompt.tell(loaded.why());
     }
@@ -137,129 +130,88 @@ bool CustomizeSession::update() {
     if (!WriteValueFile(m_panel.script, true, m_prompt)) {
         return false;
     }
-    m_carried = valuesToKeep(m_panel, false);
-    const bool byFile = valueFileCarriesAll(m_panel.script, true);
+    m_values.begin(false);
+    ScriptRows loaded;
     if (!fetchTemplateCopy()) {
-        m_carried.clear();
+        m_values.giveUp();
         return false;
     }
-    ScriptRows loaded;
     if (const Outcome found = m_reader.read(m_panel.script.scriptPath, loaded); !found) {
-        m_carried.clear();
+        m_values.giveUp();
         m_prompt.tell(found.why());
         return false;
     }
-    m_unplaced.clear();
     const ScriptRows before = std::move(m_panel);
-    showScript(std::move(loaded), false);
+    showScript(std::move(loaded));
     m_view->bringToFront();
-    if (byFile && before.script.set == m_panel.script.set) {
-        carryFromValueFile(m_carried);
-    } else {
-        carryFromMemory(m_carried);
-    }
-    for (UnplacedValue& lost : lostWithoutId(before, m_panel)) {
-        m_unplaced.push_back(std::move(lost));
-    }
-    keepUnplaced();
-    m_carried.clear();
+    m_values.intoNewVersion(before);
+    m_values.arrived();
     addChangesToHistory();
     listener().valuesChanged();
     return true;
 }
 
-void CustomizeSession::carryFromMemory(const std::vector<KeptValue>& values) {
-    KeyedSet<int> ids;
-    for (const CustomEntry& one : m_panel.script.entries) {
-        ids.insert(one.id);
+SaveResult CustomizeSession::save() {
+    if (!isOpen()) {
+        return SaveResult::NothingToSave;
     }
-    for (const KeptValue& kept : values) {
-        if (!ids.contains(kept.id)) {
-            warnNoMatch(m_prompt);
-        }
+    if (script().fileLength == 0) {
+        const Outcome written = WriteValueFile(script(), true, m_prompt);
+        return written ? SaveResult(SaveResult::Saved) : SaveResult(Refusal{written.why()});
     }
-    m_unplaced = carryValues(values, m_panel);
+    if (!hasChanges(script())) {
+        return SaveResult::NothingToSave;
+    }
+    const std::optional<std::string> project = m_project.askFolder();
+    const SaveResult result = project ? saveInto(*project) : SaveResult(SaveResult::Cancelled);
+    lookAtProject();
+    return result;
 }
 
-void CustomizeSession::carryFromValueFile(const std::vector<KeptValue>& values) {
-    KeyedMap<int, const KeptValue*> keptOf;
-    for (const KeptValue& kept : values) {
-        keptOf.emplace(kept.id, &kept);
+SaveResult CustomizeSession::saveInto(const std::string& project) {
+    ScriptSave save(m_panel, m_reader, m_prompt);
+    bool loadsAgain = false, isCopied = false, isOvertaken = false;
+    SaveEnd end = save.settleWithDisk(loadsAgain);
+    if (!end && loadsAgain) {
+        end = loadAgain();
     }
-    const auto place = [&](const ValueRecord& record, CustomEntry* entry) {
-        const auto found = keptOf.find(record.id);
-        UnplacedValue lost{{record.id, record.kind, found == keptOf.end() ? "" : found->second->label,
-                            record.value, m_panel.script.set},
-                           "the script has no entry for it"};
-        if (lost.kept.value.ends_with('\r')) {
-            lost.kept.value.pop_back();
-        }
-        if (entry) {
-            const auto& model = static_cast<const EntryModel&>(*entry->control);
-            lost.reason = carryRefusal(lost.kept, *entry, model.facts());
-            if (lost.reason.empty()) {
-                entry->control->SetValueFromText(lost.kept.value);
-            }
-        }
-        if (!lost.reason.empty()) {
-            m_unplaced.push_back(std::move(lost));
-        }
-    };
-    if (ReadValueFile(m_panel.script, m_prompt, place)) {
-        return;
+    if (!end) {
+        end = save.makeText();
     }
-    // The user has been told; the values are still at hand.
-    m_panel.makeRows(m_reader.hostNames(m_panel.script));
-    rowsMade(false);
-    m_unplaced = carryValues(values, m_panel);
+    if (!end) {
+        end = m_project.take(m_panel.script, project, isCopied);
+    }
+    if (!end) {
+        end = save.write(isCopied, isOvertaken);
+    }
+    if (end) {
+        return *end;
+    }
+    if (isOvertaken) {
+        return saveInto(project);  // asks what to do with the other program's changes
+    }
+    m_project.saved(project, isCopied);
+    rowsMade(save.takeOver());
+    return save.end();
 }
 
-void CustomizeSession::keepUnplaced() {
-    if (!keepOldValues(m_panel.script, m_unplaced)) {
-        m_prompt.tell(
-            "These values found no place in the script, and could not be written into a file either:\n\n" +
-            unplacedText(m_unplaced));
+// What another has made of the script's file, with the user's values in it.
+SaveEnd CustomizeSession::loadAgain() {
+    m_values.begin(true);
+    if (const Outcome loaded = load(); !loaded) {
+        m_values.giveUp();
+        return saveFailed(m_prompt, loaded.why());
     }
-}
-
-std::vector<UnplacedValue> CustomizeSession::unsavedValues() const {
-    std::vector<UnplacedValue> unsaved;
-    if (isOpen()) {
-        for (const KeptValue& kept : m_carried.empty() ? valuesToKeep(m_panel, true) : m_carried) {
-            unsaved.push_back({kept, "it was not saved"});
-        }
+    m_values.intoChangedFile();
+    addChangesToHistory();
+    listener().valuesChanged();
+    m_values.arrived();
+    if (!unplaced().empty()) {
+        return saveFailed(
+            m_prompt, "These values found no place in the script as it is now; nothing was saved yet:\n\n" +
+                          unplacedText(unplaced()));
     }
-    return unsaved;
-}
-
-void CustomizeSession::keepUnsaved() noexcept {
-    m_reserve.release();
-    keepInside([this] {
-        (void)keepOldValues(m_panel.script, unsavedValues());  // there is nobody to be told
-    });
-}
-
-void CustomizeSession::offerUnsaved() noexcept {
-    m_reserve.release();
-    keepInside([this] {
-        const std::vector<UnplacedValue> unsaved = unsavedValues();
-        if (unsaved.empty()) {
-            return;
-        }
-        const std::string& path = m_panel.script.scriptPath;
-        if (!asksYes(m_prompt,
-                     "The window has to close, and " +
-                         (unsaved.size() == 1 ? "a value" : std::to_string(unsaved.size()) + " values") +
-                         " of '" + std::string(fileNameOf(path)) + "' " +
-                         (unsaved.size() == 1 ? "is" : "are") + " not saved.\n\nKeep " +
-                         (unsaved.size() == 1 ? "it" : "them") + " in the value file '" +
-                         std::string(fileNameOf(path)) + kLeftOverEnding + "', beside the script?")) {
-            return;
-        }
-        if (const Outcome kept = keepOldValues(m_panel.script, unsaved); !kept) {
-            m_prompt.tell("The values could not be kept: " + kept.why());
-        }
-    });
+    return hasChanges(script()) ? std::nullopt : SaveEnd(SaveResult::NothingToSave);
 }
 
 std::string CustomizeSession::details(size_t i) const {

@@ -1,21 +1,18 @@
 // KEZ Customize without its window: everything that the panel decides.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "controls/RowEditing.h"
-#include "customize/CarryValues.h"
+#include "customize/CarriedValues.h"
 #include "customize/ScriptProject.h"
 #include "customize/ScriptReader.h"
 #include "customize/ScriptRows.h"
 #include "customize/ScriptTemplate.h"
-#include "customize/WriteBack.h"
 #include "plugin/host/ZunEditorInterface.h"
-#include "util/Doors.h"
 #include "util/SaveResult.h"
 #include "util/UserPrompt.h"
 
@@ -59,16 +56,16 @@ public:
     // --- The buttons. All messages go through the prompt. Without a script they do nothing.
     SaveResult save();
     // True when the panel may close.
-    bool close();
+    bool close() { return mayDropChanges(); }
     // Both true when the template's copy took the script's place and was loaded.
     bool restore();
     bool update();
 
     // Something was thrown and the panel goes: asks whether the values that are in no file yet are to be kept in
     // the file of old values beside the script, and puts them there. Never throws.
-    void offerUnsaved() noexcept;
+    void offerUnsaved() noexcept { m_values.offerUnsaved(); }
     // The window is gone, and nobody could be asked: puts them there. Never throws.
-    void keepUnsaved() noexcept;
+    void keepUnsaved() noexcept { m_values.keepUnsaved(); }
 
     // --- The script
     const CustomScript& script() const { return m_panel.script; }
@@ -87,40 +84,28 @@ public:
     }
     std::string emptyText() const override;
     // Values that the last update, or a reload at Save, had no place for.
-    const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
+    const std::vector<UnplacedValue>& unplaced() const { return m_values.unplaced(); }
 
 private:
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
-    Outcome load(const std::string& fileName);
-    void showScript(ScriptRows&& made, bool keepHistory);
+    Outcome load();
+    void showScript(ScriptRows&& made);
     void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
     bool mayDropChanges();
-
-    // Save's steps; each tells the user itself when it fails.
-    // `overwritten` gets what the file holds when the user wants that overwritten.
-    std::optional<SaveResult> settleChangesFromOutside(std::optional<std::string>& overwritten);
-    bool confirmLostEntries(const CustomScript& saved);
     SaveResult saveInto(const std::string& project);
-
-    void carryFromMemory(const std::vector<KeptValue>& values);
-    void carryFromValueFile(const std::vector<KeptValue>& values);
-    void keepUnplaced();
-    std::vector<UnplacedValue> unsavedValues() const;
+    SaveEnd loadAgain();
 
     ZunEditorInterface& m_host;
     UserPrompt& m_prompt;
     CustomizeView* m_view;
     CustomizeView m_noView;
     JobProgress* m_loading;
+    ScriptRows m_panel;
     ScriptReader m_reader;
     ScriptTemplate m_template;
     ScriptProject m_project;
-    ScriptRows m_panel;
-    // On their way into a script just loaded: in no file, and perhaps in no row. Empty otherwise.
-    std::vector<KeptValue> m_carried;
-    std::vector<UnplacedValue> m_unplaced;
-    MemoryReserve m_reserve;  // for offerUnsaved
+    CarriedValues m_values;
     std::string m_notOpened;  // why no script could be opened
 };
 

@@ -1,3 +1,4 @@
+#include "customize/WriteBack.h"
 #include "tests/customize/SessionFixture.h"
 
 using namespace zoka;

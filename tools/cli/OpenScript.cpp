@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "customize/WriteBack.h"
 #include "tools/cli/SuitePath.h"
 #include "util/Doors.h"
 #include "util/LineDiff.h"

@@ -1,0 +1,147 @@
+#include "customize/ScriptSave.h"
+
+#include <utility>
+
+#include "customize/ValueFile.h"
+#include "util/OsFiles.h"
+#include "util/PathRules.h"
+#include "util/SafeWrite.h"
+
+namespace zoka {
+namespace {
+
+// Whether undo may go on: the rows mean the same as before.
+bool sameRows(const CustomScript& a, const CustomScript& b) {
+    if (a.entries.size() != b.entries.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < a.entries.size(); ++i) {
+        const CustomEntry &one = a.entries[i], &other = b.entries[i];
+        if (one.id != other.id || one.label != other.label || one.hasValue() != other.hasValue()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+SaveEnd ScriptSave::settleWithDisk(bool& loadsAgain) {
+    // The whole content is compared: times are too coarse for two programs that write at once. A file that can be
+    // written but not read may hold another's work.
+    const std::string& path = m_panel.script.scriptPath;
+    const auto now = osFiles().readWhole(path);
+    const std::string why = now ? "" : osFiles().lastError();
+    if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing)) {
+        return saveFailed(m_prompt, "Can't read '" + path + "': " + why +
+                                        "\nAnother program may have changed it, so it was not saved.");
+    }
+    if (!now) {
+        // Who moved or renamed it would have two of them. In a folder that is gone writing it fails.
+        if (osFiles().kindOf(path) == OsKind::Missing &&
+            osFiles().kindOf(std::string(folderOf(path))) == OsKind::Folder &&
+            !asksYes(m_prompt,
+                     "The script is gone: it was moved, renamed or deleted since it was loaded.\n\nSave it "
+                     "anew, as '" +
+                         path + "'?")) {
+            return SaveResult::Cancelled;
+        }
+        m_overwritten.emplace();
+        return std::nullopt;
+    }
+    if (*now == m_panel.script.fileText()) {
+        return std::nullopt;
+    }
+    switch (
+        m_prompt.ask("The script was changed on the disk since it was loaded.\n\n"
+                     "Yes: load it again, keep my values and save them.\n"
+                     "No: overwrite it, the other changes are lost.\n"
+                     "Cancel: don't save.",
+                     "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning)) {
+        case PromptAnswer::Yes:
+            loadsAgain = true;
+            return std::nullopt;
+        case PromptAnswer::No:
+            m_overwritten = now;
+            return std::nullopt;
+        default:
+            return SaveResult::Cancelled;
+    }
+}
+
+SaveEnd ScriptSave::makeText() {
+    m_edits = editsOf(m_panel.script);
+    if (const std::string fault = editFault(m_panel.script, m_edits); !fault.empty()) {
+        return saveFailed(m_prompt, fault + "\nThe script was not saved.");
+    }
+    m_text = editedText(m_panel.script.fileText(), m_edits);
+    // Nearly every edit leaves the other entries where they are; only those that may not are read again.
+    m_keepsEntries = keepsEntries(m_panel.script, m_edits);
+    if (!m_keepsEntries) {
+        parseCustomText(m_text, m_saved.script);
+        if (!mayLoseEntries()) {
+            return SaveResult::Cancelled;
+        }
+    }
+    return std::nullopt;
+}
+
+bool ScriptSave::mayLoseEntries() {
+    const std::vector<size_t> lost = notReadBack(m_panel.script, m_saved.script);
+    if (lost.empty()) {
+        return true;
+    }
+    constexpr size_t kListed = 10;
+    std::string labels;
+    for (size_t i = 0; i < lost.size() && i < kListed; ++i) {
+        const CustomEntry& one = m_panel.script.entries[lost[i]];
+        labels += '"' + one.label + "\" (line " + std::to_string(one.line) + ")\n";
+    }
+    if (lost.size() > kListed) {
+        labels += "and " + std::to_string(lost.size() - kListed) + " more\n";
+    }
+    return asksYes(m_prompt,
+                   "After saving, these entries will disappear from this panel "
+                   "(an empty value, for instance, is not found any more):\n\n" +
+                       labels + "\nSave all the same?");
+}
+
+SaveEnd ScriptSave::write(bool isCopied, bool& isOvertaken) {
+    const std::string& path = m_panel.script.scriptPath;
+    if (!m_keepsEntries) {  // before anything is written: they may need memory that there isn't
+        m_saved.script.scriptPath = path;
+        m_saved.makeRows(m_reader.hostNames(m_saved.script));
+    }
+    const std::string values = valueFileText(m_panel.script, true);
+    const std::string_view onDisk = m_overwritten ? *m_overwritten : m_panel.script.fileText();
+    const FileContent files[] = {
+        {path, m_text, FileKind::Named, isCopied ? std::nullopt : std::optional(onDisk)},
+        {path + kValueFileEnding, values, FileKind::Generated, std::nullopt, path}};
+    const SafeWriteResult result = safeWrite(files);
+    isOvertaken = result.changedMeanwhile;
+    if (result.written == 0 && !isOvertaken) {
+        const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
+        return saveFailed(m_prompt, opens ? result.why() : "Error open file to write", result.why());
+    }
+    m_written = result;
+    return std::nullopt;
+}
+
+bool ScriptSave::takeOver() {
+    // The spans of the next save are right then.
+    if (m_keepsEntries) {
+        applyEdits(m_panel.script, m_edits, std::move(m_text));
+        m_panel.settleRows(m_reader.hostNames(m_panel.script));
+        return true;
+    }
+    const bool isSame = sameRows(m_panel.script, m_saved.script);
+    m_panel = std::move(m_saved);
+    return isSame;
+}
+
+SaveResult ScriptSave::end() {
+    return m_written ? SaveResult(SaveResult::Saved)
+                     : saveFailed(m_prompt, kValueFileNotWritten, m_written.why());
+}
+
+}  // namespace zoka
