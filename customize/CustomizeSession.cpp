@@ -20,44 +20,60 @@ CustomizeSession::CustomizeSession(ZunEditorInterface& host, UserPrompt& prompt,
       m_values(m_panel, prompt) {}
 
 Outcome CustomizeSession::open(const std::string& fileName) {
-    const std::string path = fileName.empty() ? m_host.GetMainScriptPath().value_or("") : fileName;
-    m_values.putMemoryAside();
-    ScriptRows loaded;
-    ScriptProject::Home home;
-    try {
-        if (const Outcome made = m_reader.read(path, loaded, m_loading); !made) {
-            m_notOpened = made.why();
-            return made;
-        }
-        home = m_project.homeOf(fileName);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemory(path);
+    Opened opened;
+    Outcome found =
+        fileName.empty() ? read(m_host.GetMainScriptPath().value_or(""), opened) : read(fileName, opened);
+    if (found) {
+        show(std::move(opened));
     }
-    m_project.moveTo(std::move(home));
-    m_values.forget();
-    filter.unfoldAll();
-    showScript(std::move(loaded));
-    return {};
+    return found;
 }
 
 bool CustomizeSession::switchTo(const std::string& fileName) {
     if (!mayDropChanges()) {
         return false;
     }
-    std::string why;
+    Opened opened;
+    Outcome found = Refusal{};
     try {
-        const Outcome opened = open(fileName);
-        if (opened) {
-            return true;
+        found = read(fileName, opened);
+        if (!found.why().empty()) {
+            m_prompt.tell(found.why());
         }
-        why = opened.why();
-    } catch (const OutOfMemory& out) {
-        why = outOfMemoryText(out.file());  // the script that is open stays
+    } catch (const std::bad_alloc&) {
+        tellOutOfMemory(fileName);  // the script that is open stays
     }
-    if (!why.empty()) {
-        m_prompt.tell(why);
+    if (found) {
+        show(std::move(opened));
     }
-    return false;
+    return bool(found);
+}
+
+// All that may need much memory, before anything of the script that is open is changed.
+Outcome CustomizeSession::read(const std::string& path, Opened& opened) {
+    try {
+        m_values.putMemoryAside();
+        Outcome found = m_reader.read(path, opened.panel, m_loading);
+        if (found) {
+            opened.home = m_project.homeOf(path);
+        } else {
+            m_notOpened = found.why();
+        }
+        return found;
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemory(path);
+    }
+}
+
+void CustomizeSession::show(Opened&& opened) {
+    m_project.moveTo(std::move(opened.home));
+    m_values.forget();
+    filter.unfoldAll();
+    try {
+        showScript(std::move(opened.panel));
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemory(script().scriptPath);
+    }
 }
 
 // The script that is open, as its file is now.

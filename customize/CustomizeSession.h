@@ -35,8 +35,8 @@ public:
                      JobProgress* loading = nullptr);
 
     // Loads a script; without a name the level's main script. Refused, with the rows as they were, when there
-    // is none, it can't be read or the loading was stopped (which has no reason); no message. Throws OutOfMemory,
-    // with all as it was, for a script that there is no memory for.
+    // is none, it can't be read or the loading was stopped (which has no reason); no message. Throws OutOfMemory for a
+    // script that there is no memory for: with all as it was, or, where the view lacked it, with the script in its place.
     Outcome open(const std::string& fileName = {});
     // The same from the panel, for another script: asks about changes first, as closing does, and tells why it
     // can't be opened.
@@ -88,6 +88,13 @@ public:
 
 private:
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }
+    // Read, and not shown yet.
+    struct Opened {
+        ScriptRows panel;
+        ScriptProject::Home home;
+    };
+    Outcome read(const std::string& path, Opened& opened);
+    void show(Opened&& opened);
     Outcome load();
     void showScript(ScriptRows&& made);
     void rowsMade(bool keepHistory);

@@ -13,10 +13,15 @@ namespace zoka::test {
 // Takes no memory, so that what it tells is not counted.
 class SilentPrompt : public UserPrompt {
 public:
-    SilentPrompt() { setUserPrompt(this); }
+    SilentPrompt() {
+        last.reserve(kKept);
+        setUserPrompt(this);
+    }
     ~SilentPrompt() override { setUserPrompt(nullptr); }
-    PromptAnswer ask(const std::string&, const std::string&, PromptButtons buttons, PromptIcon) override {
+    PromptAnswer ask(const std::string& text, const std::string&, PromptButtons buttons,
+                     PromptIcon) override {
         ++told;
+        last.assign(text, 0, kKept);
         if (meanwhile) {
             meanwhile();
         }
@@ -30,8 +35,12 @@ public:
         std::exit(status);
     }
     int told = 0;
+    std::string last;                 // text, cut
     std::function<void()> meanwhile;  // done while the user reads; may be empty
     PromptAnswer onChanges = PromptAnswer::Yes;
+
+private:
+    static constexpr size_t kKept = 500;
 };
 
 }  // namespace zoka::test
