@@ -30,6 +30,9 @@ SaveEnd ScriptSave::settleWithDisk(bool& loadsAgain) {
     // The whole content is compared: times are too coarse for two programs that write at once. A file that can be
     // written but not read may hold another's work.
     const std::string& path = m_panel.script.scriptPath;
+    if (osFiles().holds(path, m_panel.script.fileText()).value_or(false)) {
+        return std::nullopt;
+    }
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
     if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing)) {
