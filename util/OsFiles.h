@@ -166,7 +166,7 @@ public:
     // or does so by itself, there is nothing to do.
     virtual void flushFolder(const std::string& path) = 0;
 
-    // Why this thread's last operation that failed did so, in the system's words ("Permission denied").
+    // Why this thread's last operation that failed did so, in the system's words, and what can be done about it.
     virtual std::string lastError() = 0;
     virtual OsFault lastFault() = 0;
 

@@ -17,6 +17,7 @@
 #include "util/BoostFiles.h"
 #include "util/OwnFiles.h"
 #include "util/PathRules.h"
+#include "util/Remedies.h"
 #include "util/posix/NativePath.h"
 
 namespace zoka {
@@ -42,6 +43,22 @@ timespec toTimespec(FileTime time) {
     const std::uint64_t ticks = time.ticks();
     return {static_cast<time_t>(static_cast<std::int64_t>(ticks / kTicksPerSecond) - kSecondsFrom1601To1970),
             static_cast<long>(ticks % kTicksPerSecond * 100)};
+}
+
+const char* remedyFor(int error) {
+    switch (error) {
+        case EACCES:
+        case EPERM:
+            return kNoPermissionRemedy;
+        case ENOSPC:
+        case EDQUOT:
+            return kNoRoomRemedy;
+        case EBUSY:
+        case ETXTBSY:
+            return kInUseRemedy;
+        default:
+            return "";
+    }
 }
 
 // A file descriptor that closes itself and leaves errno alone, so that a failure's
@@ -507,7 +524,10 @@ public:
         }
     }
 
-    std::string lastError() override { return std::strerror(errno); }
+    std::string lastError() override {
+        const int error = errno;
+        return std::string(std::strerror(error)) + remedyFor(error);
+    }
     OsFault lastFault() override {
         switch (errno) {
             case EACCES:

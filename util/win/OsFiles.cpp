@@ -9,6 +9,7 @@
 #include "util/BoostFiles.h"
 #include "util/OwnFiles.h"
 #include "util/PathRules.h"
+#include "util/Remedies.h"
 
 namespace zoka {
 namespace {
@@ -57,6 +58,21 @@ std::string describeError(DWORD code) {
         --size;
     }
     return size > 0 ? std::string(text, size) : "system error " + std::to_string(code);
+}
+
+const char* remedyFor(DWORD code) {
+    switch (code) {
+        case ERROR_ACCESS_DENIED:
+            return kNoPermissionRemedy;
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            return kNoRoomRemedy;
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+            return kInUseRemedy;
+        default:
+            return "";
+    }
 }
 
 constexpr DWORD kPatienceMs = 1000;
@@ -522,7 +538,10 @@ public:
     }
     void flushFolder(const std::string&) override {}  // the file system's own log keeps the order
 
-    std::string lastError() override { return describeError(GetLastError()); }
+    std::string lastError() override {
+        const DWORD code = GetLastError();
+        return describeError(code) + remedyFor(code);
+    }
     OsFault lastFault() override {
         switch (GetLastError()) {
             case ERROR_ACCESS_DENIED:

@@ -340,6 +340,7 @@ TEST(SafeWrite, BearsARefusedFlushAlone) {
         const std::string why = safeWrite(path, "new").why();
         g_noFlush = 0;
         EXPECT_EQ(why.empty(), saved) << why;
+        EXPECT_EQ(why.ends_with("; make room and try again"), error == ENOSPC) << why;
         EXPECT_EQ(folder.read("a"), saved ? "new" : "old");
         EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
     }
@@ -405,6 +406,9 @@ private:
     const uid_t m_before = geteuid();
 };
 
+const std::string kDenied =
+    "Permission denied; it may be write-protected, in use by another program, or another user's";
+
 // Folders that may be passed but not listed, or not even be passed.
 TEST(OsFiles, MakesFoldersBelowOnesThatAreNotToBeLookedAt) {
     const TempFolder folder;
@@ -420,7 +424,7 @@ TEST(OsFiles, MakesFoldersBelowOnesThatAreNotToBeLookedAt) {
     EXPECT_TRUE(made(folder.path("closed\\open\\a\\b"))) << systemFiles().lastError();
     EXPECT_TRUE(made(folder.path("closed\\open\\a\\b"))) << "there already";
     EXPECT_FALSE(made(folder.path("closed\\c\\d")));
-    EXPECT_EQ(systemFiles().lastError(), "Permission denied");
+    EXPECT_EQ(systemFiles().lastError(), kDenied);
     fs::current_path(folder.native("closed/open"));
     fs::permissions(folder.native("closed"), fs::perms(0));
     EXPECT_TRUE(made("e\\f")) << systemFiles().lastError();
@@ -448,7 +452,7 @@ TEST(SafeWrite, RespectsRefusedAccess) {
     {
         const AsNobody nobody;
         const std::string error = safeWrite(folder.path("readonly"), "new").why();
-        EXPECT_TRUE(error.ends_with("Permission denied")) << error;
+        EXPECT_TRUE(error.ends_with(kDenied)) << error;
     }
     EXPECT_EQ(folder.read("readonly"), "old") << "though the folder would let it be replaced";
 
@@ -465,8 +469,8 @@ TEST(SafeWrite, RespectsRefusedAccess) {
         for (const auto& asked : prompt.asked) {
             EXPECT_EQ(asked.buttons, PromptButtons::YesNo);
             EXPECT_EQ(asked.text,
-                      "The folder of '" + folder.path("writable") +
-                          "' takes no new file (Permission denied), so the file can't be replaced "
+                      "The folder of '" + folder.path("writable") + "' takes no new file (" + kDenied +
+                          "), so the file can't be replaced "
                           "in one step.\n\nWrite it in place? If the computer stops in the middle "
                           "of it, the file is damaged.");
         }

@@ -1,4 +1,5 @@
 // What only Windows has: attributes and creation times.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -32,6 +33,7 @@ decltype(&flushOrNot) zokaFlushImport = flushOrNot;
 
 namespace {
 
+using testing::EndsWith;
 using zoka::safeWrite;
 using zoka::test::TempFolder;
 
@@ -117,12 +119,13 @@ TEST(SafeWrite, RefusesAFileThatIsReadOnlyOrThatAnotherProgramHolds) {
     const TempFolder folder;
     const std::string path = folder.write("a.kez", "old");
     ASSERT_TRUE(SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY));
-    EXPECT_NE(safeWrite(path, "new").why(), "");
+    EXPECT_THAT(safeWrite(path, "new").why(),
+                EndsWith("; it may be write-protected, in use by another program, or another user's"));
     ASSERT_TRUE(SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL));
     HANDLE other =
         CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(other, INVALID_HANDLE_VALUE);
-    EXPECT_NE(safeWrite(path, "new").why(), "");
+    EXPECT_THAT(safeWrite(path, "new").why(), EndsWith("; close the program that uses it and try again"));
     CloseHandle(other);
     EXPECT_EQ(folder.read("a.kez"), "old");
     EXPECT_EQ(folder.names(), std::vector<std::string>{"a.kez"});
@@ -191,6 +194,7 @@ TEST(SafeWrite, BearsARefusedFlushAlone) {
         const std::string why = safeWrite(path, "new").why();
         g_noFlush = 0;
         EXPECT_EQ(why.empty(), saved) << why;
+        EXPECT_EQ(why.ends_with("; make room and try again"), error == ERROR_DISK_FULL) << why;
         EXPECT_EQ(folder.read("a"), saved ? "new" : "old");
         EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
     }
