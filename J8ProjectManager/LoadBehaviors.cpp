@@ -96,7 +96,15 @@ bool CJ8ProjectManager::LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& n
         const char* const skillName = child.getAttribute("name");
         const auto num = zoka::xmlInteger(child.getAttribute("num"));
         if (!skillName || !num) {
-            addTo(report, texts::kSkillPassedOver, {name}, child.place());
+            const std::string which = skillName ? "skill \"" + std::string(skillName) + '"'
+                                      : num     ? "skill " + std::to_string(*num)
+                                                : "a skill";
+            addTo(report, texts::kSkillPassedOver,
+                  {name, which,
+                   skillName ? "whole number"
+                   : num     ? "name"
+                             : "name and no whole number"},
+                  child.place());
             continue;
         }
         zoka::J8Skill& skill = behavior.m_apSkillEdits.emplace_back();
@@ -121,8 +129,11 @@ bool CJ8ProjectManager::LoadBehavior(CJ8BehaviorData& behavior, const XMLNode& n
         behavior.m_apCMPPlaces.push_back(child.place());
         // Only the first one counts.
         const XMLNode edit = child.firstChild("Edit");
-        if (const XMLNode second = edit.nextSibling("Edit"); !second.isEmpty()) {
-            addTo(report, texts::kEditPassedOver, {name, component}, second.place());
+        for (XMLNode other = edit.nextSibling("Edit"); !other.isEmpty(); other = other.nextSibling("Edit")) {
+            const char* const otherName = other.getAttribute("name");
+            addTo(report, texts::kEditPassedOver,
+                  {name, component, otherName ? '"' + std::string(otherName) + '"' : "one without a name"},
+                  other.place());
         }
         const char* const editName = edit.getAttribute("name");
         const char* const value = edit.getAttribute("value");

@@ -147,13 +147,13 @@ inline constexpr ReportEntry kBehaviorNoDocs{"Warning (LoadBehavior) %1 :Behavio
 inline constexpr ReportEntry kEditNoValue{
     "Warning (LoadBehavior) %1 :Behavior Edit %2 found without value. Not added.\r\n", "", "",
     kReportWarning};
-// Told nowhere else: the loader passes over it without a word. %2: the component's name.
-inline constexpr ReportEntry kSkillPassedOver{
-    "", "", "", kReportWarning,
-    "a skill of behavior \"%1\" has no name or no whole number, and is passed over"};
-inline constexpr ReportEntry kEditPassedOver{
-    "", "", "", kReportWarning,
-    "component \"%2\" of behavior \"%1\" has more than one Edit; only the first one counts"};
+// Told nowhere else: the loader passes over it without a word. %2: which skill; %3: what it lacks.
+inline constexpr ReportEntry kSkillPassedOver{"", "", "", kReportWarning,
+                                              "%2 of behavior \"%1\" has no %3, and is passed over"};
+// %2: the component's name; %3: which edit.
+inline constexpr ReportEntry kEditPassedOver{"", "", "", kReportWarning,
+                                             "component \"%2\" of behavior \"%1\" has more than one Edit; "
+                                             "only the first one counts, and %3 is passed over"};
 
 // --- Levels. The first line names the behaviours' loader.
 inline constexpr ReportEntry kLevelNoName{"Warning (LoadBehavior)  :Level found without name. Not added.\r\n",

@@ -59,8 +59,9 @@ TEST_F(Project, CheckTellsWhatDoesNotCount) {
     std::filesystem::create_directory(folder.path("p"));
     folder.write("p/own.xml",
                  "<Behaviors>\n<Behavior name='g' class='c' group='x'><Doc>d</Doc>\n<Skill name='S' "
-                 "value='1'/>\n<Skill name='T' num='25' type='odd'/>\n<Component name='k'><Edit name='e' "
-                 "value='1'/>\n<Edit name='f' value='2'/></Component></Behavior>\n</Behaviors>");
+                 "value='1'/><Skill num='3'/><Skill/>\n<Skill name='T' num='25' type='odd'/>\n<Component "
+                 "name='k'><Edit name='e' value='1'/>\n<Edit name='f' value='2'/><Edit value='3'/>"
+                 "</Component></Behavior>\n</Behaviors>");
     folder.write(
         "game.xml",
         "<Project name='n' date='1' vers='8'><Paths proj_file='p\\' j8_file=''/>\n<Behavior "
@@ -71,13 +72,14 @@ TEST_F(Project, CheckTellsWhatDoesNotCount) {
         "</Project>");
     const std::string found = folder.run("project check game.xml").out;
     for (const char* line :
-         {"own.xml:3:1: warning: a skill of behavior \"g\" has no name or no whole number, and is passed "
-          "over\n",
+         {"own.xml:3:1: warning: skill \"S\" of behavior \"g\" has no whole number, and is passed over\n",
+          "own.xml:3:28: warning: skill 3 of behavior \"g\" has no name, and is passed over\n",
+          ": a skill of behavior \"g\" has no name and no whole number, and is passed over\n",
           "own.xml:4:1: warning: skill 25 (T) of behavior \"g\": entities have the skills 1 to 20\n",
           "own.xml:4:1: warning: skill 25 (T) of behavior \"g\" has a type that is none\n",
           "own.xml:6:1: warning: component \"k\" of behavior \"g\" has more than one Edit; only the first "
-          "one "
-          "counts\n",
+          "one counts, and \"f\" is passed over\n",
+          "only the first one counts, and one without a name is passed over\n",
           "game.xml:3:1: warning: behaviors file \"OWN.XML\" is named twice\n",
           "game.xml:4:1: error: Behavior: there is no file \"gone.xml\", nor one below the project path or",
           "game.xml:5:1: warning: Camera: there is no file \"nocam.xml\", nor one below",
