@@ -120,7 +120,8 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
 
 // A name with the sign between name and value, a label that reads like another value's number, and a value that is there.
 TEST_F(Behavior, NamesAndValuesThatCouldBeTakenWrong) {
-    folder.write("s.kez", "action walk {\n// skill1: a=b 6\n// skill3: a 1\n// flag2: flag3\n}");
+    folder.write("s.kez",
+                 "action walk {\n// skill1: a=b 6\n// skill3: a 1\n// skill4: x=y 1\n// flag2: flag3\n}");
     const std::string level = "level 1\nentity e\n    action s.kez walk\n    skill 1 3.50\nend\n";
     const auto with = [&](const std::string& from, const std::string& to) {
         std::string text = level;
@@ -135,6 +136,8 @@ TEST_F(Behavior, NamesAndValuesThatCouldBeTakenWrong) {
         {"A=B=3 a=2", 0, with("skill 1 3.50", "skill 1 3\n    skill    3 2"), ""},
         {"a=c=3", 1, level, "skill3 a: "},
         {"c=d=3", 2, level, "no value called \"c\""},
+        {"X=y", 2, level, "the value is missing after the label \"X=y\""},
+        {"x=z", 2, level, "no value called \"x\""},
         {"flag3=1", 0, with("end", "    flag     3\nend"),
          "warning: flag3 is taken as the number; the value labelled so is flag2"},
         {"flag2=1", 0, with("end", "    flag     2\nend"), ""},

@@ -307,7 +307,12 @@ ExitStatus setValues(const LevelOptions& options, const OpenLevelFile& level, co
             complain('"' + word + "\" is not of the form name=value");
             return ExitStatus::Usage;
         }
-        const auto row = rowNamed(level, entity, values, word.substr(0, equals));
+        const std::string name = word.substr(0, equals);
+        if (rowsNamed(values, name).empty() && !rowsNamed(values, word).empty()) {
+            complain("the value is missing after the label \"" + word + "\"");
+            return ExitStatus::Usage;
+        }
+        const auto row = rowNamed(level, entity, values, name);
         if (!row) {
             return ExitStatus::Usage;
         }
