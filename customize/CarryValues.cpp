@@ -15,10 +15,6 @@
 namespace zoka {
 namespace {
 
-std::string keyOf(int id, const std::string& label, TextSet set) {
-    return id >= 1 ? '#' + std::to_string(id) : '=' + utf8Text(label, set);
-}
-
 // The entries with a value by id or label, in their order; each is given out once.
 class Places {
 public:
@@ -26,13 +22,13 @@ public:
         for (size_t i = 0; i < script.entries.size(); ++i) {
             const CustomEntry& entry = script.entries[i];
             if (entry.hasValue()) {
-                m_places[keyOf(entry.id, entry.label, script.set)].rows.push_back(i);
+                m_places[entryKey(entry.id, entry.label, script.set)].rows.push_back(i);
             }
         }
     }
     // The next row for it, or -1.
     ptrdiff_t next(int id, const std::string& label, TextSet set) {
-        const auto found = m_places.find(keyOf(id, label, set));
+        const auto found = m_places.find(entryKey(id, label, set));
         if (found == m_places.end() || found->second.given == found->second.rows.size()) {
             return -1;
         }
@@ -83,6 +79,10 @@ struct OldValues {
 };
 
 }  // namespace
+
+std::string entryKey(int id, const std::string& label, TextSet set) {
+    return id >= 1 ? '#' + std::to_string(id) : '=' + utf8Text(label, set);
+}
 
 std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomScript& to) {
     Places places(to);

@@ -5,6 +5,7 @@
 #include "customize/ScriptSave.h"
 #include "customize/ValueFile.h"
 #include "util/Doors.h"
+#include "util/PathRules.h"
 
 namespace zoka {
 
@@ -228,6 +229,14 @@ SaveEnd CustomizeSession::loadAgain() {
                           unplacedText(unplaced()));
     }
     return hasChanges(script()) ? std::nullopt : SaveEnd(SaveResult::NothingToSave);
+}
+
+// Of the same script, also where it is the project's copy or another version by now.
+std::string CustomizeSession::nameOf(size_t i) const {
+    const CustomEntry& one = entry(i);
+    return one.hasValue()
+               ? std::string(fileNameOf(script().scriptPath)) + entryKey(one.id, one.label, script().set)
+               : std::string();
 }
 
 std::string CustomizeSession::details(size_t i) const {

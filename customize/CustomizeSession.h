@@ -71,6 +71,7 @@ public:
     const CustomScript& script() const { return m_panel.script; }
     const CustomEntry& entry(size_t i) const { return m_panel.script.entries[i]; }
     std::string subject() const override { return m_panel.script.scriptPath; }
+    std::string nameOf(size_t i) const override;
     // The value in the template folder's copy of the script; nothing where it has no such entry.
     std::optional<std::string> defaultOf(size_t i) const override { return m_template.valueOf(script(), i); }
     const char* defaultName() const override { return "the template's &default"; }

@@ -131,21 +131,35 @@ int EntryPanel::topOf(size_t place) const {
     return m_layout.rectOfRow(place, rowsWidth()).y - m_top;
 }
 
+// The row of the name that the one with the keyboard had: at its place, or else the first one.
+std::optional<size_t> EntryPanel::rowLikeLast() const {
+    if (m_lastName.empty()) {
+        return std::nullopt;
+    }
+    if (m_lastFocused && *m_lastFocused < m_editing.size() &&
+        m_editing.nameOf(*m_lastFocused) == m_lastName) {
+        return m_lastFocused;
+    }
+    for (size_t row = 0; row < m_editing.size(); ++row) {
+        if (m_editing.nameOf(row) == m_lastName) {
+            return row;
+        }
+    }
+    return std::nullopt;
+}
+
 void EntryPanel::rowsReplaced(bool samePlaces) {
     const bool hadFocus = focused() != nullptr;
     const bool hadDraft = !m_drafts.empty();
     std::optional<int> top;  // where the row is to stand in the view that takes the place of the last one
+    const std::optional<size_t> like = rowLikeLast();
+    samePlaces = samePlaces && (!like || like == m_lastFocused);
     if (!samePlaces) {
         const size_t before = m_lastFocused ? m_layout.rowOfItem(*m_lastFocused) : m_layout.rows().size();
         if (m_window && before < m_layout.rows().size()) {
             top = topOf(before);
         }
-        m_lastFocused.reset();
-        for (size_t row = 0; row < m_editing.size() && !m_lastName.empty() && !m_lastFocused; ++row) {
-            if (m_editing.nameOf(row) == m_lastName) {
-                m_lastFocused = row;
-            }
-        }
+        m_lastFocused = like;
         m_top = 0;
     }
     m_filled = true;

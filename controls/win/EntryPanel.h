@@ -33,9 +33,9 @@ public:
     // A child of `parent`, without a size yet; null on failure. `fonts` outlive it.
     HWND create(HWND parent, int id, const WindowFonts& fonts);
 
-    // All rows are others than before. With `samePlaces` they stand where the old ones stood, so the view and
-    // the keyboard stay; otherwise where one of them has the name of the row that had the keyboard last. A refused text is
-    // given up.
+    // All rows are others than before. Where one of them has the name of the row that had the keyboard last, it gets it,
+    // and stands where that stood; where none has, keyboard and view stay with `samePlaces`, and else begin anew. A refused
+    // text is given up.
     void rowsReplaced(bool samePlaces);
     // The fonts are other ones now: every row is made anew.
     void fontsChanged();
@@ -125,6 +125,7 @@ private:
     EntryWindow* windowOf(HWND control);
     EntryWindow* focused();
     std::optional<size_t> keyboardRow();
+    std::optional<size_t> rowLikeLast() const;
     size_t nextField(size_t row, int step) const;
     bool takesKeyboard(size_t row) const;
 
