@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "controls/MeantRow.h"
 #include "controls/PanelLayout.h"
 #include "controls/RowEditing.h"
 #include "controls/win/EntryWindow.h"
@@ -99,8 +100,14 @@ public:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 private:
-    static constexpr UINT kLayoutRows = WM_APP + 1, kBrowseRow = WM_APP + 2, kMenuRow = WM_APP + 3,
-                          kFocused = WM_APP + 4, kShowRefusal = WM_APP + 5;
+    static constexpr UINT kLayoutRows = WM_APP + 1, kOpenAsked = WM_APP + 2, kFocused = WM_APP + 3,
+                          kShowRefusal = WM_APP + 4;
+    // What is to be opened for a row.
+    struct Asked {
+        MeantRow row;
+        bool isMenu;  // else what the row's button opens
+        LPARAM at;    // of the menu, as WM_CONTEXTMENU has it
+    };
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
     void makeBalloon();
@@ -117,7 +124,10 @@ private:
     void bringIntoSight(size_t row);
     void scroll(WORD code);
     void wheel(int delta);
-    void browse(size_t row);
+    void ask(size_t row, bool isMenu, LPARAM at);
+    void openAsked();
+    void openMenu(size_t row, LPARAM at);
+    void browse(const MeantRow& meant);
     std::optional<std::string> chooseColour(const std::string& before);
     RECT balloonPlace(HWND field) const;
     void paintEmpty();
@@ -149,6 +159,7 @@ private:
     std::map<size_t, Draft> m_drafts;  // by row
     std::optional<size_t> m_lastFocused;
     std::string m_lastName;  // of that row, as RowEditing says
+    std::optional<Asked> m_asked;
     HWND m_menuField = nullptr, m_refusedField = nullptr;
     bool m_filled = false;  // rows have been handed over
     bool m_laidOutSoon = false, m_placing = false;

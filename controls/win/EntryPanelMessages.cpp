@@ -5,6 +5,7 @@
 #include <commdlg.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "controls/Colour.h"
 #include "controls/FileFilter.h"
@@ -110,19 +111,41 @@ void EntryPanel::hideRefusal() {
 }
 
 void EntryPanel::browseSoon(size_t row) {
-    PostMessageA(m_window, kBrowseRow, row, 0);
+    ask(row, false, 0);
 }
 
 void EntryPanel::menuSoon(size_t row, HWND field, LPARAM at) {
     m_menuField = field;
-    PostMessageA(m_window, kMenuRow, row, at);
+    ask(row, true, at);
 }
 
-void EntryPanel::browse(size_t row) {
-    if (row >= m_editing.size()) {
-        return;
+void EntryPanel::ask(size_t row, bool isMenu, LPARAM at) {
+    m_asked.emplace(MeantRow(m_editing, row), isMenu, at);
+    PostMessageA(m_window, kOpenAsked, 0, 0);
+}
+
+void EntryPanel::openAsked() {
+    const std::optional<Asked> asked = std::exchange(m_asked, std::nullopt);
+    if (asked && asked->row.isStillThere(m_editing)) {
+        asked->isMenu ? openMenu(asked->row.row(), asked->at) : browse(asked->row);
     }
-    const std::string subject = m_editing.subject(), name = m_editing.nameOf(row);
+    m_menuField = nullptr;
+}
+
+void EntryPanel::openMenu(size_t row, LPARAM where) {
+    POINT at{static_cast<short>(LOWORD(where)), static_cast<short>(HIWORD(where))};
+    const auto live = m_live.find(row);
+    if (where == -1 && live != m_live.end()) {  // by the keyboard: below the field, which stays in sight
+        const HWND field = live->second->field();
+        RECT area;
+        GetWindowRect(field ? field : live->second->window(), &area);
+        at = {area.left, area.bottom};
+    }
+    m_host.rowMenu(row, m_menuField, at);
+}
+
+void EntryPanel::browse(const MeantRow& meant) {
+    const size_t row = meant.row();
     // A color's chooser is the window's own, a file's the session's.
     const auto chosen = m_editing.row(row).facts().field == EntryField::ColourField
                             ? chooseColour(m_editing.row(row).value())
@@ -131,7 +154,7 @@ void EntryPanel::browse(size_t row) {
     if (!chosen || !m_window) {
         return;
     }
-    if (row >= m_editing.size() || m_editing.subject() != subject || m_editing.nameOf(row) != name) {
+    if (!meant.isStillThere(m_editing)) {
         m_editing.giveUpInput();
         return;
     }
@@ -296,27 +319,9 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
             return 0;
         }
-        case kBrowseRow:
-            browse(wParam);
+        case kOpenAsked:
+            openAsked();
             return 0;
-        case kMenuRow: {
-            if (wParam >= m_editing.size()) {
-                m_menuField = nullptr;
-                return 0;
-            }
-            POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
-            const auto live = m_live.find(wParam);
-            if (lParam == -1 &&
-                live != m_live.end()) {  // by the keyboard: below the field, which stays in sight
-                const HWND field = live->second->field();
-                RECT area;
-                GetWindowRect(field ? field : live->second->window(), &area);
-                at = {area.left, area.bottom};
-            }
-            m_host.rowMenu(wParam, m_menuField, at);
-            m_menuField = nullptr;
-            return 0;
-        }
         default:
             return DefWindowProcA(m_window, message, wParam, lParam);
     }

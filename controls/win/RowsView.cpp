@@ -334,7 +334,7 @@ void RowsView::rowMenu(size_t row, HWND field, POINT at) {
                         static_cast<UINT_PTR>(item.id), item.text.c_str());
         }
     }
-    const std::string subject = m_rows.subject(), name = m_rows.nameOf(row);
+    const MeantRow meant(m_rows, row);
     const int chosen = static_cast<int>(
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, m_parent, nullptr));
     DestroyMenu(menu);
@@ -342,7 +342,7 @@ void RowsView::rowMenu(size_t row, HWND field, POINT at) {
     if (chosen == 0 || !m_parent) {
         return;
     }
-    if (row >= m_rows.size() || m_rows.subject() != subject || m_rows.nameOf(row) != name) {
+    if (!meant.isStillThere(m_rows)) {
         m_rows.giveUpInput();
         return;
     }

@@ -1,4 +1,4 @@
-// Reasons are shown while another thread unmaps libraries.
+// The rows' window beside other threads, and with other rows than a moment ago.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -18,20 +18,40 @@ using namespace zoka;
 struct Rows : RowEditing, RowsListener {
     Rows() {
         setListener(this);
-        made.emplace_back(EntryFacts{.field = EntryField::IntField, .label = "Depth", .value = "5"});
+        make("Depth");
+    }
+    void make(const char* label) {
+        made.clear();
+        made.emplace_back(EntryFacts{.field = EntryField::IntField, .label = label, .value = "5"});
         showRows(made);
     }
     void rowsReplaced() override {}
     void valuesChanged() override {}
+    std::string subject() const override { return shown; }
+    std::string nameOf(size_t i) const override { return row(i).facts().label; }
     std::vector<EntryModel> made;
+    std::string shown = "harbour";
 };
 
 struct Host : RowHost {
     void rowFocused(size_t) override {}
-    void rowMenu(size_t, HWND, POINT) override {}
+    void rowMenu(size_t row, HWND, POINT) override { menus.push_back(row); }
     void filterDropped() override {}
     bool shortcut(WPARAM) override { return false; }
+    std::vector<size_t> menus;
 };
+
+void settle() {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        DispatchMessageA(&message);
+    }
+}
+
+HWND makeParent() {
+    return CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200, nullptr,
+                           nullptr, GetModuleHandleA(nullptr), nullptr);
+}
 
 // The lock that a thread holds while it loads or frees a library.
 class LoaderLock {
@@ -75,15 +95,8 @@ DWORD WINAPI panelMain(void* data) {
     Rows rows;
     Host host;
     EntryPanel entries(rows, host);
-    const HWND parent = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
-                                        nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND parent = makeParent();
     const HWND window = entries.create(parent, 1, fonts);
-    MSG message;
-    const auto settle = [&message] {
-        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-            DispatchMessageA(&message);
-        }
-    };
     settle();
     SetEvent(panel.ready);
     WaitForSingleObject(panel.go, INFINITE);
@@ -111,6 +124,31 @@ TEST(EntryPanel, ShowsAReasonWithoutTheLoadersLock) {
     for (const HANDLE handle : {thread, panel.ready, panel.shown, panel.go}) {
         CloseHandle(handle);
     }
+}
+
+// What is asked for waits in the thread's queue, behind what may bring other rows.
+TEST(EntryPanel, OpensTheMenuOfTheRowThatWasMeantOrNone) {
+    const ControlClasses classes;
+    const WindowFonts fonts;
+    Rows rows;
+    Host host;
+    EntryPanel entries(rows, host);
+    const HWND parent = makeParent();
+    entries.create(parent, 1, fonts);
+    settle();
+    const auto askAnd = [&](const char* subject, const char* label) {
+        entries.menuSoon(0, nullptr, -1);
+        rows.shown = subject;
+        rows.make(label);
+        entries.rowsReplaced(false);
+        settle();
+    };
+    askAnd("harbour", "Depth");
+    EXPECT_EQ(host.menus.size(), 1U) << "the same row, read again";
+    askAnd("harbour", "Width");
+    askAnd("town", "Width");
+    EXPECT_EQ(host.menus.size(), 1U) << "of another row";
+    DestroyWindow(parent);
 }
 
 }  // namespace
