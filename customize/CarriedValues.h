@@ -25,8 +25,8 @@ public:
 
     // Puts the values into the panel's rows, which are those of what another has made of the script's file.
     void intoChangedFile() { m_unplaced = carryValues(m_carried, m_panel, CarryTo::ChangedFile); }
-    // The same for a new version of the script; `before` is the panel as it was. By the value file that update() has written,
-    // where that can carry them all. Warns of values that have no entry.
+    // The same for a new version of the script; `before` is the panel as it was. Through the value file, which was written of
+    // that, where it can carry them all. Warns of values that have no entry.
     void intoNewVersion(const ScriptRows& before);
     // Ends it: what found no place is kept in the file of old values beside the script, or told.
     void arrived();
