@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "J8ProjectWizard/WizardLog.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "xml/XMLRead.h"
@@ -14,10 +15,15 @@ namespace {
 constexpr const char* kCheckName = "CJ8Wizard::Check(std::string&, unsigned int)";
 constexpr const char* kCheckFilesName = "CheckFiles()";
 
-// The root element of a wizard; the empty node when the file is none.
+// The root element of a wizard; the empty node when the file is none. Throws where there is no memory to say which.
 XMLNode openWizard(const std::string& path) {
     const auto bytes = osFiles().readWhole(path);
-    return bytes ? XMLNode::parseBytes(*bytes, "Wizard", nullptr, {}, XMLCharset::Utf8) : XMLNode();
+    XMLResults results;
+    XMLNode root = bytes ? XMLNode::parseBytes(*bytes, "Wizard", &results, {}, XMLCharset::Utf8) : XMLNode();
+    if (results.outOfMemory) {
+        throw OutOfMemory(path);
+    }
+    return root;
 }
 
 std::string titleOf(const XMLNode& wizard, const std::string& path) {

@@ -27,6 +27,8 @@ public:
         const OsKind kind = osFiles().kindOf(file.source);
         if (kind == OsKind::Missing) {
             add(file.place, "Missing file: " + file.source);
+        } else if (kind == OsKind::Unknown) {
+            add(file.place, file.source + " can't be looked at");
         } else if (kind != OsKind::File && isCopied) {
             add(file.place, file.source + " is no file");
         }

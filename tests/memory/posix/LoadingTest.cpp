@@ -63,8 +63,13 @@ const Row kRows[] = {
     {"wizard's check",
      [](const Suite& suite) {
          const std::string path = suite.folder.path("templates/wizards/full.xml");
+         EXPECT_TRUE(CJ8Wizard::IsWizardFile(path));
          const std::vector<WizardFinding> found = wizardFindings(path);
-         EXPECT_TRUE(found.empty() || found[0].text == outOfMemoryText(path)) << found[0].text;
+         for (const WizardFinding& finding : found) {
+             EXPECT_TRUE(finding.text == outOfMemoryText(path) ||
+                         finding.text.ends_with("can't be looked at"))
+                 << finding.text;
+         }
          return found.empty();
      }},
 };
