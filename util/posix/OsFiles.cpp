@@ -61,6 +61,10 @@ const char* remedyFor(int error) {
     }
 }
 
+std::string describeError(int error) {
+    return std::string(std::strerror(error)) + remedyFor(error);
+}
+
 // A file descriptor that closes itself and leaves errno alone, so that a failure's
 // reason outlives the cleaning-up.
 class Descriptor {
@@ -524,10 +528,7 @@ public:
         }
     }
 
-    std::string lastError() override {
-        const int error = errno;
-        return std::string(std::strerror(error)) + remedyFor(error);
-    }
+    std::string lastError() override { return describeError(errno); }
     OsFault lastFault() override {
         switch (errno) {
             case EACCES:
@@ -576,7 +577,7 @@ private:
             errno = 0;
         }
         if (left && errno != 0) {
-            left->error = std::strerror(errno);
+            left->error = describeError(errno);
         }
         std::ranges::sort(found,
                           [](const OsEntry& a, const OsEntry& b) { return lessNoCase(a.name, b.name); });

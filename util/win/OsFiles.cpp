@@ -49,17 +49,6 @@ private:
     HANDLE m_handle;
 };
 
-std::string describeError(DWORD code) {
-    char text[512];
-    DWORD size = FormatMessageA(
-        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK, nullptr,
-        code, 0, text, sizeof text, nullptr);
-    while (size > 0 && (text[size - 1] == ' ' || text[size - 1] == '.')) {
-        --size;
-    }
-    return size > 0 ? std::string(text, size) : "system error " + std::to_string(code);
-}
-
 const char* remedyFor(DWORD code) {
     switch (code) {
         case ERROR_ACCESS_DENIED:
@@ -73,6 +62,17 @@ const char* remedyFor(DWORD code) {
         default:
             return "";
     }
+}
+
+std::string describeError(DWORD code) {
+    char text[512];
+    DWORD size = FormatMessageA(
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK, nullptr,
+        code, 0, text, sizeof text, nullptr);
+    while (size > 0 && (text[size - 1] == ' ' || text[size - 1] == '.')) {
+        --size;
+    }
+    return (size > 0 ? std::string(text, size) : "system error " + std::to_string(code)) + remedyFor(code);
 }
 
 constexpr DWORD kPatienceMs = 1000;
@@ -538,10 +538,7 @@ public:
     }
     void flushFolder(const std::string&) override {}  // the file system's own log keeps the order
 
-    std::string lastError() override {
-        const DWORD code = GetLastError();
-        return describeError(code) + remedyFor(code);
-    }
+    std::string lastError() override { return describeError(GetLastError()); }
     OsFault lastFault() override {
         switch (GetLastError()) {
             case ERROR_ACCESS_DENIED:
