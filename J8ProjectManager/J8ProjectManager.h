@@ -61,9 +61,9 @@ public:
 
     // Loads the project file `path`, a path of the disk, in place of all that was loaded before. With
     // `keepFilled` a name, date, version or root that isn't empty stays. False when there is no such file or it
-    // has no Project element: the model is empty then, but for what `keepFilled` keeps, and has no file to be saved to. Everything else is
-    // reported, and loading goes on. Throws OutOfMemory where the file can't be read for want of memory, so that
-    // nobody takes half a project for a whole one and saves it.
+    // has no Project element: the model is empty then, but for what `keepFilled` keeps, and has no file to be saved to.
+    // Everything else is reported, and loading goes on. Throws OutOfMemory where the file can't be read for want of
+    // memory, so that nobody takes half a project for a whole one and saves it.
     bool LoadFromXML(const std::string& path, bool keepFilled);
     // The same with the tree of that file, which may be empty.
     // `results` tell why it is empty; null: not known.

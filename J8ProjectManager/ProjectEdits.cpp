@@ -362,7 +362,8 @@ std::vector<std::string> ProjectEdits::carryTo(CJ8ProjectManager& project) {
             }
         }
     }
-    // What was taken back is made too, and taken back again; from the first step on that can't be made there is no redo.
+    // What was taken back is made too, and taken back again; from the first step on that can't be made there is no
+    // redo.
     std::vector<Step> redone;
     bool isWhole = true;
     for (size_t i = done; i < steps.size() && isWhole; ++i) {

@@ -136,8 +136,8 @@ public:
     Outcome reload();
     // True when the window may close: asks about changes.
     bool close();
-    // Something was thrown and the window goes: asks whether the edits are to be kept, and saves the project; where that
-    // fails they go as lines into a file beside it, its name with kLeftOverEnding. Nothing may show the model any
+    // Something was thrown and the window goes: asks whether the edits are to be kept, and saves the project; where
+    // that fails they go as lines into a file beside it, its name with kLeftOverEnding. Nothing may show the model any
     // more: modelReplaced is not called. Never throws.
     void offerUnsaved() noexcept;
     // The window is gone, and nobody could be asked: what is not saved goes as lines into that file. Never throws.

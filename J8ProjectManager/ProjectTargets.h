@@ -27,7 +27,8 @@ ProjectTarget targetOf(const CJ8ProjectManager& project, const ProjectProblem& p
 // The page and the thing that a value belongs to.
 ProjectTarget targetOf(const ProjectField& field);
 
-// What to show after a change was taken back (`undone`) or made again: in the place of what is gone its neighbour above.
+// What to show after a change was taken back (`undone`) or made again: in the place of what is gone its neighbour
+// above.
 ProjectTarget targetOf(const ProjectChange& change, bool undone);
 
 }  // namespace zoka

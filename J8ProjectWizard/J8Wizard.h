@@ -1,9 +1,9 @@
 // Project wizards: XML files that say how a new project is laid out. docs/wizard.md describes the file.
 //
 // All of it works on the templates below the current folder. Paths and messages are in the system's character set.
-// Looking for wizards, checking and creating may take long on a slow disk: they may be done on a thread of their own while
-// the editor thread waits and shows how far they are. A wizard may be read (`root`) on any thread, while its dialog goes
-// on; all else is for the editor thread.
+// Looking for wizards, checking and creating may take long on a slow disk: they may be done on a thread of their own
+// while the editor thread waits and shows how far they are. A wizard may be read (`root`) on any thread, while its
+// dialog goes on; all else is for the editor thread.
 #pragma once
 
 #include <optional>

@@ -40,8 +40,8 @@ public:
 
     // -1: none. Fills description and fields; what the user typed for that wizard before comes back.
     void select(int wizard);
-    // The same in parts, for a disk that may be slow: between choose() and opened(read(wizard)) the fields show what they
-    // showed, and what is typed in them stays that wizard's, also where another one is chosen before it is opened.
+    // The same in parts, for a disk that may be slow: between choose() and opened(read(wizard)) the fields show what
+    // they showed, and what is typed in them stays that wizard's, also where another one is chosen before it is opened.
     void choose(int wizard);
     bool isReading() const { return m_isReading; }
     // [any thread]
@@ -122,7 +122,8 @@ private:
     std::optional<NewProjectField> m_asked;
 };
 
-// Asks whether what a run has made is to be removed, if it has made anything, and removes it; `runJob` runs the removal.
+// Asks whether what a run has made is to be removed, if it has made anything, and removes it; `runJob` runs the
+// removal.
 void offerRemoval(UserPrompt& prompt, CreationRecord& record, bool cancelled, const RunJob& runJob);
 
 // The message for a code of CJ8Wizard::Run; empty for one that needs none. Static.

@@ -43,8 +43,8 @@ public:
 
     const std::vector<PlanRow>& rows() const { return m_rows; }
 
-    // The sources that are still to be looked at, in the order of the rows, and what came of looking at one: `tree.seen(
-    // lookAt(source))`.
+    // The sources that are still to be looked at, in the order of the rows, and what came of looking at one:
+    // `tree.seen(lookAt(source))`.
     std::vector<std::string> unseen() const;
     void seen(const DiskLook& look);
     size_t countUnseen() const { return m_unseen; }

@@ -19,8 +19,8 @@ inline double millisecondsOf(const std::function<void()>& work) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-// The time that the processor has worked for this program: for work that waits for nothing, other work on the machine then
-// counts as little as can be.
+// The time that the processor has worked for this program: for work that waits for nothing, other work on the machine
+// then counts as little as can be.
 inline double processorMillisecondsOf(const std::function<void()>& work) {
     const auto now = [] {
         timespec time{};

@@ -1,5 +1,5 @@
-// Entity Behavior without its window, on one entity and on 200: showing them, an edit to all of them, its undo, a look at
-// the host; the same of the components that a project gives them.
+// Entity Behavior without its window, on one entity and on 200: showing them, an edit to all of them, its undo, a look
+// at the host; the same of the components that a project gives them.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>

@@ -23,8 +23,8 @@
 namespace zoka::bench {
 namespace {
 
-// Processor time in a process of its own, as the first thing that it does: a catalogue is loaded once in a process, into
-// memory that the system has yet to hand out. Rounds in one process would measure caches and freed memory that
+// Processor time in a process of its own, as the first thing that it does: a catalogue is loaded once in a process,
+// into memory that the system has yet to hand out. Rounds in one process would measure caches and freed memory that
 // fit the small catalogue and not the large one.
 double millisecondsOfFresh(const std::function<void()>& work) {
     int ends[2];

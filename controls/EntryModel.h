@@ -49,7 +49,8 @@ public:
     std::string asWritten(const std::string& typed) const;
     // Why the row doesn't take that form of it; empty when it does.
     std::string refusalOf(const std::string& value) const;
-    // Takes what a user typed or chose. When it's refused the value stays as it was; the reason tells the allowed range.
+    // Takes what a user typed or chose. When it's refused the value stays as it was; the reason tells the allowed
+    // range.
     Outcome edit(const std::string& typed);
 
     bool isOn() const { return m_value != "0"; }  // of a switch

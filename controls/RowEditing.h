@@ -90,8 +90,8 @@ public:
     // --- What a panel's session may say otherwise
     // What the rows are of: with another subject the view begins at its beginning.
     virtual std::string subject() const { return {}; }
-    // What the row is of its subject: where other rows follow, of this or another subject, and have one of that name, it keeps
-    // the keyboard and its place in sight. Empty: no other row is like it.
+    // What the row is of its subject: where other rows follow, of this or another subject, and have one of that name,
+    // it keeps the keyboard and its place in sight. Empty: no other row is like it.
     virtual std::string nameOf(size_t) const { return {}; }
     // What the user typed or chose was meant for rows that are gone, and nobody gets it. Gives the words for it, which
     // are shown at the row of that name if there is one; empty: it goes without saying.

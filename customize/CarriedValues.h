@@ -1,4 +1,5 @@
-// The user's values while a panel's script is replaced by another text: on their way into it, and those that found no place.
+// The user's values while a panel's script is replaced by another text: on their way into it, and those that found no
+// place.
 #pragma once
 
 #include <vector>
@@ -10,8 +11,8 @@
 
 namespace zoka {
 
-// From begin() to arrived() it holds the values, in case that something is thrown: they are in no file then, and perhaps
-// in no row. Panel and prompt outlive the object. [panel thread]
+// From begin() to arrived() it holds the values, in case that something is thrown: they are in no file then, and
+// perhaps in no row. Panel and prompt outlive the object. [panel thread]
 class CarriedValues {
 public:
     CarriedValues(ScriptRows& panel, UserPrompt& prompt) : m_panel(panel), m_prompt(prompt) {}
@@ -25,8 +26,8 @@ public:
 
     // Puts the values into the panel's rows, which are those of what another has made of the script's file.
     void intoChangedFile() { m_unplaced = carryValues(m_carried, m_panel, CarryTo::ChangedFile); }
-    // The same for a new version of the script; `before` is the panel as it was. Through the value file, which was written of
-    // that, where it can carry them all. Warns of values that have no entry.
+    // The same for a new version of the script; `before` is the panel as it was. Through the value file, which was
+    // written of that, where it can carry them all. Warns of values that have no entry.
     void intoNewVersion(const ScriptRows& before);
     // Ends it: what found no place is kept in the file of old values beside the script, or told.
     void arrived();

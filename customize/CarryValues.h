@@ -23,8 +23,8 @@ struct UnplacedValue {
     std::string reason;
 };
 
-// What an entry with a value has in common with those of its kind in other versions of the script: its id, or without one
-// its label, which is in that set. Several may share it.
+// What an entry with a value has in common with those of its kind in other versions of the script: its id, or without
+// one its label, which is in that set. Several may share it.
 std::string entryKey(int id, const std::string& label, TextSet set);
 // For each entry of `from` with a value its counterpart in `to`, by id or, without one, by label; those that
 // share it in their order. -1 where there is none. Linear.

@@ -69,9 +69,9 @@ inline constexpr size_t kMostEntryBytes = 300'000'000;
 // A path's longest form; longer names are cut.
 inline constexpr size_t kMaxScriptPath = 259;
 
-// Reads and parses the script. Refused, with `script` as it was and no message, when the name is empty, the file can't be
-// read or is 2 GiB or larger, or has so many entries that they don't fit into the memory that an editor of 32 bits can
-// spare (see kMostEntryBytes), or when `progress` (may be null) stopped it.
+// Reads and parses the script. Refused, with `script` as it was and no message, when the name is empty, the file can't
+// be read or is 2 GiB or larger, or has so many entries that they don't fit into the memory that an editor of 32 bits
+// can spare (see kMostEntryBytes), or when `progress` (may be null) stopped it.
 Outcome LoadCustomScript(const std::string& fileName, CustomScript& script, JobProgress* progress = nullptr);
 // The same of a text at hand, which is what the file holds. False when it was stopped.
 bool parseCustomText(std::string fileText, CustomScript& script, JobProgress* progress = nullptr);

@@ -30,8 +30,8 @@ bool takes(const CustomEntry& row, float number) {
                             : !row.isLimited() || (value >= row.minimum && value <= row.maximum);
 }
 
-// A value must suit both: the narrower limits, the choices that both take. Where there is none, the minimum is above the
-// maximum.
+// A value must suit both: the narrower limits, the choices that both take. Where there is none, the minimum is above
+// the maximum.
 void narrow(CustomEntry& row, const CustomEntry& other) {
     const std::vector<std::string> choices = choicesOf(row), others = choicesOf(other);
     if (choices.empty() && others.empty()) {

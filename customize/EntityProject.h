@@ -43,8 +43,8 @@ public:
     bool hasUnsaved() const { return m_components->hasChanges(); }
     // Asks, while isElsewhere(): into the project of the edits, or nowhere.
     SaveResult saveElsewhere();
-    // True when the panel may close: asks about unsaved edits. Without a call to the editor, which may be waiting for the
-    // panel to go.
+    // True when the panel may close: asks about unsaved edits. Without a call to the editor, which may be waiting for
+    // the panel to go.
     bool close();
 
 private:

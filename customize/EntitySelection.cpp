@@ -91,8 +91,8 @@ bool EntitySelection::writeOne(const EntityField& field, const std::string& enti
 }
 
 // Whether the editor has gone on to other entities, or to a level with others of these names, since the rows were made:
-// the panel looks only now and then. Of a host that does not count its changes these are many questions, so the first row
-// of a step asks them for all.
+// the panel looks only now and then. Of a host that does not count its changes these are many questions, so the first
+// row of a step asks them for all.
 bool EntitySelection::isOutdated() {
     const auto changes = m_access->changes();
     const bool isExpected = changes ? changes == m_known : m_isUpToDate;
@@ -124,8 +124,8 @@ Written EntitySelection::write(const EntityField& field, const std::vector<float
         }
         return Written::Refused;
     }
-    // Between two of these writes a level may have opened. Where other entities were only selected, the values are written:
-    // the next write or look notices.
+    // Between two of these writes a level may have opened. Where other entities were only selected, the values are
+    // written: the next write or look notices.
     if (m_known) {
         const auto changes = m_access->changes();
         if (changes == *m_known + changed) {

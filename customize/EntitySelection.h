@@ -1,4 +1,5 @@
-// The entities that a panel shows and the editor holds: which they are, their actions, and whether they are still those.
+// The entities that a panel shows and the editor holds: which they are, their actions, and whether they are still
+// those.
 #pragma once
 
 #include <cstdint>
@@ -54,7 +55,8 @@ public:
 
     // --- What the host has now; for a host with entities
     std::vector<std::string> selected() const { return m_access->selected(); }
-    // Takes notice of the host's count of changes. False when there were none, or it doesn't count them, unless `anyway`.
+    // Takes notice of the host's count of changes. False when there were none, or it doesn't count them, unless
+    // `anyway`.
     bool look(bool anyway);
     // Those to be shown: the selection, if it's followed, without what is gone.
     std::vector<std::string> now() const;
@@ -65,8 +67,8 @@ public:
 
     // --- Values
     std::optional<float> read(const EntityField& field, const std::string& entity) const;
-    // All entities get their value, or none: those already written get back what they had, `before`, unless the editor has
-    // opened another level meanwhile, whose entities may have the same names.
+    // All entities get their value, or none: those already written get back what they had, `before`, unless the editor
+    // has opened another level meanwhile, whose entities may have the same names.
     Written write(const EntityField& field, const std::vector<float>& before,
                   const std::vector<float>& values);
     // Around several writes that are one step of the user's.

@@ -11,8 +11,8 @@
 
 namespace zoka {
 
-// A row is of text alone, or a value of each entity, as it was last read or written. Rows are counted from 0; the panel's
-// `models` begin with those that show these rows. [panel thread]
+// A row is of text alone, or a value of each entity, as it was last read or written. Rows are counted from 0; the
+// panel's `models` begin with those that show these rows. [panel thread]
 class EntityValues {
 public:
     // No row. The selection outlives the object.
@@ -33,8 +33,8 @@ public:
 
     // Reads all values again. True when what a row shows is another thing than before.
     bool reread(std::vector<EntryModel>& models);
-    // Gives each entity the value. The row's model stays as it is; of what the host refuses it takes nothing until the values
-    // are read again.
+    // Gives each entity the value. The row's model stays as it is; of what the host refuses it takes nothing until the
+    // values are read again.
     Written write(size_t row, float value, std::vector<EntryModel>& models);
     // What undo remembers of a row, and back to that: each entity's own value.
     std::string stateOf(size_t row) const;

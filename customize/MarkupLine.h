@@ -25,8 +25,8 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault);
 // the end.
 int markupInteger(std::string_view text, bool* fits = nullptr);
 
-// "12, 800, Label" of a text of several lines: two numbers, each with a comma behind it, and what stands behind them. Both
-// or none; `one` tells of the first alone.
+// "12, 800, Label" of a text of several lines: two numbers, each with a comma behind it, and what stands behind them.
+// Both or none; `one` tells of the first alone.
 std::string_view readTextNumbers(std::string_view text, int& first, int& second, bool& one);
 
 }  // namespace zoka

@@ -42,8 +42,8 @@ public:
     // The folder of the project that the script is to be saved in. Asks where the editor has another one open by now;
     // nothing when the user wants neither.
     std::optional<std::string> askFolder() const;
-    // A script straight from the template folder is never overwritten: the project's copy, which the host makes of it, takes
-    // its place. `isCopied` tells whether it did.
+    // A script straight from the template folder is never overwritten: the project's copy, which the host makes of it,
+    // takes its place. `isCopied` tells whether it did.
     SaveEnd take(CustomScript& script, const std::string& folder, bool& isCopied);
     // It was saved there. The host is told of a copy in the project that it has open.
     void saved(const std::string& folder, bool isCopied);

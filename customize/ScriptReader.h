@@ -1,4 +1,5 @@
-// Reads a script for a panel: its entries, its pictures looked for, and a row of each with what the editor has to offer.
+// Reads a script for a panel: its entries, its pictures looked for, and a row of each with what the editor has to
+// offer.
 #pragma once
 
 #include <string>

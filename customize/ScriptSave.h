@@ -20,8 +20,8 @@ public:
     ScriptSave(ScriptRows& panel, ScriptReader& reader, UserPrompt& prompt)
         : m_panel(panel), m_reader(reader), m_prompt(prompt) {}
 
-    // Asks where the file is another one than was loaded. With `loadsAgain` the user wants it loaded again and the values put
-    // into it, before the save goes on.
+    // Asks where the file is another one than was loaded. With `loadsAgain` the user wants it loaded again and the
+    // values put into it, before the save goes on.
     SaveEnd settleWithDisk(bool& loadsAgain);
     // Makes the text from the rows' values. Asks where entries would be lost by it.
     SaveEnd makeText();
@@ -29,8 +29,8 @@ public:
     // with `isOvertaken`: another program has changed the file meanwhile, and nothing was written. A script that is
     // a copy made for this save (`isCopied`) is replaced whatever it holds.
     SaveEnd write(bool isCopied, bool& isOvertaken);
-    // The panel's script becomes what the file holds now. True when its rows mean the same as before. Nothing but showing
-    // them may follow.
+    // The panel's script becomes what the file holds now. True when its rows mean the same as before. Nothing but
+    // showing them may follow.
     bool takeOver();
     // Tells of a value file that could not be written.
     SaveResult end();

@@ -16,16 +16,16 @@ class ScriptTemplate {
 public:
     ScriptTemplate(ZunEditorInterface& host, UserPrompt& prompt) : m_host(host), m_prompt(prompt) {}
 
-    // The value of an entry in the template folder's copy of the script; nothing where that has no such entry. The template
-    // is read once, until forgetValues().
+    // The value of an entry in the template folder's copy of the script; nothing where that has no such entry. The
+    // template is read once, until forgetValues().
     std::optional<std::string> valueOf(const CustomScript& script, size_t entry) const;
     // The entries, or the template, may be others now.
     void forgetValues() { m_values.reset(); }
 
     // Lets the user choose the template's file; nothing when that was cancelled.
     std::optional<std::string> choose(const std::string& scriptPath);
-    // Has the host put a copy of the chosen file in the script's place. A script with lines that its template lacks is first
-    // kept beside it. False after a message: then the script is as it was.
+    // Has the host put a copy of the chosen file in the script's place. A script with lines that its template lacks is
+    // first kept beside it. False after a message: then the script is as it was.
     bool copyOver(const std::string& scriptPath, const std::string& chosen);
 
 private:

@@ -26,8 +26,8 @@ Result<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std
 // Carries the plan out. A script with lines of its own is first kept as a numbered copy beside it (see
 // keepBackup), values without a place are added to the file of old values, and the value file holds the values
 // before and after. The script stays as it was when any of it can't be done or when it is another one by now than was
-// planned for, or of kind Generated (a copy that the user didn't name) with a link in its place. Otherwise the text tells
-// why the value file holds the values before alone, if it does; else it is empty.
+// planned for, or of kind Generated (a copy that the user didn't name) with a link in its place. Otherwise the text
+// tells why the value file holds the values before alone, if it does; else it is empty.
 Result<std::string> updateKeepingValues(const ValueUpdatePlan& plan, FileKind kind = FileKind::Named);
 
 struct OwnLines {

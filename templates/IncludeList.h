@@ -53,8 +53,8 @@ struct Insertion {
     std::vector<std::string> present;  // asked for or needed, but included already
     std::string problem;               // why nothing may be done, in words; else empty
 };
-// What including the scripts at `scriptPaths` means for a main script that holds `text`. Scripts already included are left out,
-// needs come before the script that needs them; their files are found with `locate`.
+// What including the scripts at `scriptPaths` means for a main script that holds `text`. Scripts already included are
+// left out, needs come before the script that needs them; their files are found with `locate`.
 Insertion planInsertion(std::string_view text, const std::string& mainScriptPath,
                         std::span<const std::string> scriptPaths, const LocateFile& locate,
                         const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);

@@ -119,7 +119,8 @@ public:
     std::string notes(JobProgress* progress = nullptr);
 
     // --- Update
-    // Compares every script when the list is not known yet, which `progress` may stop; what was found till then is listed.
+    // Compares every script when the list is not known yet, which `progress` may stop; what was found till then is
+    // listed.
     const std::vector<UpdateEntry>& updates(JobProgress* progress = nullptr);
     bool areUpdatesKnown() const { return m_updatesListed; }
     // The heading of updates().

@@ -47,9 +47,9 @@ using LocateFile = std::function<std::string(const std::string& fileName)>;
 
 // The scripts that have to be included for those at `scriptPaths`: each one's needs first, with their own
 // needs before them, then the script itself. Nothing comes twice, nothing of `included` (lowered names)
-// comes, and of those only the ones asked for are looked into, as their needs may be missing; nor does the main script, which never includes itself. Needs
-// that form a circle are each taken once. A need that isn't found is taken by its name alone. Each file is
-// read once; a depth of any size is fine.
+// comes, and of those only the ones asked for are looked into, as their needs may be missing; nor does the main script,
+// which never includes itself. Needs that form a circle are each taken once. A need that isn't found is taken by its
+// name alone. Each file is read once; a depth of any size is fine.
 NeededScripts collectNeeds(std::span<const std::string> scriptPaths, const std::string& mainScriptName,
                            const KeyedSet<std::string>& included, const LocateFile& locate,
                            const std::function<ScriptFacts(const std::string& path)>& read = readScriptFacts);

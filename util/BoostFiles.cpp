@@ -96,8 +96,8 @@ int boostCopyNew(const std::string& from, const std::string& to) {
     return numberOfError([&](error_code& error) {
         fs::copy_file(from, to, fs::copy_options::none, error);
         error_code ignored;
-        // A source that can't be opened fails before the target is made: what is there then is another's. Whatever comes
-        // later befell a target that was made by this copy, or there would be none.
+        // A source that can't be opened fails before the target is made: what is there then is another's. Whatever
+        // comes later befell a target that was made by this copy, or there would be none.
         if (error && leavesHalf(error) && std::ifstream(from).is_open()) {
             fs::remove(to, ignored);
         }

@@ -53,7 +53,7 @@ public:
     // A line with its end, 0-terminated; null at the end. From memory CR LF and LF CR are line ends of two
     // bytes, and such an end is completed past n - 1: the buffer must hold n + 1 bytes there.
     virtual char* Gets(char* buf, int n);
-    // Whole items read or written; a count below 1 reads nothing. At the end of the data the bytes of a last, broken item are delivered too.
+    // Whole items read or written; a count below 1 reads nothing. At the end a last, broken item's bytes come too.
     virtual size_t Read(void* buf, size_t size, size_t n);
     virtual size_t Write(const void* buf, size_t size, size_t n);
     // True for what lies inside another file (and for a stream that isn't open).

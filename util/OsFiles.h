@@ -142,8 +142,8 @@ public:
     virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;
 
     // Makes a new file, open for writing, whose mode, owner and access rights are those of the file `like` before
-    // the first byte is in it; those of any new file when `like` is empty. Nobody else uses its name. Null when it can't
-    // be made.
+    // the first byte is in it; those of any new file when `like` is empty. Nobody else uses its name. Null when it
+    // can't be made.
     virtual std::unique_ptr<OsOutFile> openSibling(const std::string& path, const std::string& like) = 0;
     // Deletes a file that openSibling or tryLock has made, unless the program that made it still works on it.
     virtual void deleteAbandoned(const std::string& path) = 0;

@@ -8,8 +8,8 @@
 
 namespace zoka {
 
-// Compared with one of its four ends. No bool: what counts as well differs from caller to caller. Nobody need look at it:
-// the user has been told.
+// Compared with one of its four ends. No bool: what counts as well differs from caller to caller. Nobody need look at
+// it: the user has been told.
 class SaveResult {
 public:
     enum How {

@@ -53,8 +53,8 @@ std::string joined(const std::vector<std::string>& texts);
 // The text with `lineEnd` in the place of each LF, and without CRs.
 std::string onOneLine(std::string_view text, std::string_view lineEnd = " ");
 
-// The characters between tokens, a set that is known when this is compiled: a look is one shift. Each stands in front of
-// '@' in ASCII, where all punctuation of scripts does.
+// The characters between tokens, a set that is known when this is compiled: a look is one shift. Each stands in front
+// of '@' in ASCII, where all punctuation of scripts does.
 class Separators {
 public:
     consteval Separators(std::string_view characters) {

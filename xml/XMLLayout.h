@@ -1,4 +1,5 @@
-// How written elements lie on lines: each on one of its own, a tab further in than what holds it. Internal to this folder.
+// How written elements lie on lines: each on one of its own, a tab further in than what holds it. Internal to this
+// folder.
 #pragma once
 
 #include <cstddef>

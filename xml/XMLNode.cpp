@@ -116,7 +116,8 @@ inline void found(XMLCursors& cursors, const XMLElement* owner, const XMLItem* i
     cursors.walkedIndex = at;
 }
 
-// The first child of that name (null: any) at or after *position, which is set just past it, wherever the last walk was.
+// The first child of that name (null: any) at or after *position, which is set just past it, wherever the last walk
+// was.
 [[gnu::noinline]] XMLElement* farChild(const XMLElement* owner, int* position, const XMLName* name) {
     XMLCursors& cursors = XMLDocument::of(owner)->cursors;
     const auto indexed = [&](const XMLContentIndex& all) {

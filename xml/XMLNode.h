@@ -14,8 +14,8 @@
 //
 // Names (arguments and in the tree) are compared without regard to the case of the letters A to Z. A lookup
 // on the empty node gives the empty node, null or 0; adding to it does nothing. Texts are 0-terminated, in
-// the tree's character set (XMLCharset), which the operation that makes it takes as `charset`. What is kept of a file and how texts are escaped is written
-// down in docs/xml.md.
+// the tree's character set (XMLCharset), which the operation that makes it takes as `charset`. What is kept of a file
+// and how texts are escaped is written down in docs/xml.md.
 #pragma once
 
 #include <cstddef>

@@ -8,8 +8,8 @@
 //     file.close();
 //     const XMLText text = file.take();
 //
-// The bytes are those of XMLNode::toFileBytes for the same tree in UTF-8, formatted, and what is said there of names and
-// of characters that XML can't hold counts here too. One object is used by one thread at a time.
+// The bytes are those of XMLNode::toFileBytes for the same tree in UTF-8, formatted, and what is said there of names
+// and of characters that XML can't hold counts here too. One object is used by one thread at a time.
 #pragma once
 
 #include <memory>

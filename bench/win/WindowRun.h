@@ -11,8 +11,8 @@
 
 namespace zoka::bench {
 
-// The stand-in editor with the plug-in, and a project open in a folder that is the suite's too. `folder` gets a level and
-// its main script.
+// The stand-in editor with the plug-in, and a project open in a folder that is the suite's too. `folder` gets a level
+// and its main script.
 class PluginEditor {
 public:
     PluginEditor(const test::TempFolder& folder, const std::string& dll);

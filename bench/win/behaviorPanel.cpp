@@ -1,6 +1,6 @@
 // Entity Behavior on an action with a row for every skill and flag: what opening the panel costs against bare child
-// windows, on one entity and on 200 selected ones, and what an edit to 200 costs. bench_behavior_panel DLL (whose dialog
-// resource is used); prints each figure, what it is measured against, the ratio and the ratio wanted.
+// windows, on one entity and on 200 selected ones, and what an edit to 200 costs. bench_behavior_panel DLL (whose
+// dialog resource is used); prints each figure, what it is measured against, the ratio and the ratio wanted.
 #include <windows.h>
 
 #include <algorithm>

@@ -128,7 +128,8 @@ struct Figures {
     double titles = 1e9;       // the drop list's items, which come while the window is used already
 };
 
-// Types into the manager as soon as it is painted. `found`: for each character typed, the number of rows to be listed then.
+// Types into the manager as soon as it is painted. `found`: for each character typed, the number of rows to be listed
+// then.
 void use(HWND manager, const std::vector<size_t>& found, Figures& best) {
     const HWND search = control(manager, kSearchField);
     const HWND list = control(manager, 0, WC_LISTVIEWA);

@@ -1,6 +1,6 @@
-// The new-project dialog with four wizards: what opening it costs against its bare windows. The window is the DLL's own,
-// opened through the plug-in's procedure. bench_wizard_dialog DLL; prints the figure, what it is measured against, the
-// ratio and the ratio wanted.
+// The new-project dialog with four wizards: what opening it costs against its bare windows. The window is the DLL's
+// own, opened through the plug-in's procedure. bench_wizard_dialog DLL; prints the figure, what it is measured against,
+// the ratio and the ratio wanted.
 #include <windows.h>
 
 #include <commctrl.h>

@@ -1,5 +1,5 @@
-// Where the parts of a row's window stand, and what is drawn in it, as the row's facts and value say. Nothing here keeps
-// anything. [panel thread]
+// Where the parts of a row's window stand, and what is drawn in it, as the row's facts and value say. Nothing here
+// keeps anything. [panel thread]
 #pragma once
 
 #include <windows.h>

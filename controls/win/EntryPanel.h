@@ -34,9 +34,9 @@ public:
     // A child of `parent`, without a size yet; null on failure. `fonts` outlive it.
     HWND create(HWND parent, int id, const WindowFonts& fonts);
 
-    // All rows are others than before. Where one of them has the name of the row that had the keyboard last, it gets it,
-    // and stands where that stood; where none has, keyboard and view stay with `samePlaces`, and else begin anew. A refused
-    // text is given up.
+    // All rows are others than before. Where one of them has the name of the row that had the keyboard last, it gets
+    // it, and stands where that stood; where none has, keyboard and view stay with `samePlaces`, and else begin anew. A
+    // refused text is given up.
     void rowsReplaced(bool samePlaces);
     // The fonts are other ones now: every row is made anew.
     void fontsChanged();

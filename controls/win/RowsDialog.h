@@ -89,7 +89,8 @@ protected:
     virtual void chosen(size_t /*item*/) {}  // in the chooser, by the user
     // The window becomes the active one.
     virtual void activated() {}
-    // The editor may hold something else than the rows show. Wherever the window is, for it's the editor that is in front then.
+    // The editor may hold something else than the rows show. Wherever the window is, for it's the editor that is in
+    // front then.
     virtual void look() {}
 
     // --- What it may use
@@ -100,7 +101,8 @@ protected:
     void setChoices(const std::vector<std::string>& items, size_t at);
     // Shows caption, buttons and status anew.
     void showState();
-    // Does the work of a button. It can't keep the keyboard when it's disabled by that, and its neighbour must not get it.
+    // Does the work of a button. It can't keep the keyboard when it's disabled by that, and its neighbour must not get
+    // it.
     template <class Work>
     void carryOut(int id, const Work& work) {
         const bool hadKeyboard = GetFocus() == button(id);

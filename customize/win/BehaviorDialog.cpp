@@ -57,7 +57,8 @@ void BehaviorDialog::offerUnsaved() noexcept {
     m_session.offerUnsaved();
 }
 
-// The action's own title, if its markup has one, with a mark while another project is open and one while components have unsaved edits.
+// The action's own title, if its markup has one, with a mark while another project is open and one while components
+// have unsaved edits.
 std::string BehaviorDialog::caption() const {
     return (m_session.title().empty() ? kCaption : m_session.title()) + m_session.whereabouts() +
            (m_session.hasUnsaved() ? " *" : "");

@@ -202,8 +202,8 @@ void CViewThread::leaveForUnload() {
         const DWORD patience = zoka::HostCall::anyUnderWay() ? kHostPatienceMs : kStuckMs;
         if (now - start > kUnloadPatienceMs || now - moved > patience) {
             // The panel is in an operation that needs the loader's lock, which this thread holds (the system's
-            // making of a control and the end of a chooser may), or in a host that never answers: neither could ever go on. Ending the
-            // thread is the lesser evil, against a process that hangs for good.
+            // making of a control and the end of a chooser may), or in a host that never answers: neither could ever go
+            // on. Ending the thread is the lesser evil, against a process that hangs for good.
             TerminateThread(m_thread, 1);
             WaitForSingleObject(m_thread, 1000);
             break;

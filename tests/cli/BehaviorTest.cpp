@@ -118,7 +118,8 @@ TEST_F(Behavior, ListsGetsAndSetsTheValuesOfALevel) {
     EXPECT_THAT(folder.run("level list bad.zlm").err, HasSubstr("line 3: unknown word \"size\""));
 }
 
-// A name with the sign between name and value, a label that reads like another value's number, and a value that is there.
+// A name with the sign between name and value, a label that reads like another value's number, and a value that is
+// there.
 TEST_F(Behavior, NamesAndValuesThatCouldBeTakenWrong) {
     folder.write("s.kez",
                  "action walk {\n// skill1: a=b 6\n// skill3: a 1\n// skill4: x=y 1\n// flag2: flag3\n}");

@@ -153,7 +153,8 @@ TEST_F(BehaviorComponentsTest, editsReachTheProjectAndGoBackInTheirOrder) {
     EXPECT_THAT(pasted.refused, ElementsAre(HasSubstr("no such value"), HasSubstr("does not offer")));
 }
 
-// The project's texts are shown and taken as they are, whatever the system's own set is; the editor's names are in that.
+// The project's texts are shown and taken as they are, whatever the system's own set is; the editor's names are in
+// that.
 TEST_F(BehaviorComponentsTest, showsAndTakesAllCharacters) {
     std::string text = saved();
     for (const auto& [from, to] : {std::pair("name='b' parent='walker'", "name='\xC3\xA4' parent='\xCE\xA9'"),

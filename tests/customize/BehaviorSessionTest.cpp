@@ -103,8 +103,8 @@ TEST_F(BehaviorSessionTest, writesNothingToWhatItDoesNotShow) {
     EXPECT_THAT(shown(), IsEmpty());
 }
 
-// Whether they are still the editor's entities is asked once for all rows of a step, also of a host that does not count its
-// changes.
+// Whether they are still the editor's entities is asked once for all rows of a step, also of a host that does not count
+// its changes.
 TEST_F(BehaviorSessionTest, looksAtTheEditorsEntitiesOncePerStep) {
     m_entities.counts = false;
     follow({"a", "b"});
@@ -126,7 +126,8 @@ TEST_F(BehaviorSessionTest, looksAtTheEditorsEntitiesOncePerStep) {
     EXPECT_EQ(skill("a", 1), 3.0F);
 }
 
-// The editor opens a level with entities of those names between two writes of one row: what was written then can't be taken back, and nothing more is.
+// The editor opens a level with entities of those names between two writes of one row: what was written then can't be
+// taken back, and nothing more is.
 TEST_F(BehaviorSessionTest, writesNothingMoreOnceALevelOpensAmongItsOwnWrites) {
     for (const bool refuses : {false, true}) {
         SCOPED_TRACE(refuses);
@@ -158,8 +159,8 @@ TEST_F(BehaviorSessionTest, writesNothingMoreOnceALevelOpensAmongItsOwnWrites) {
     }
 }
 
-// The user selects something else among them: all of it is written and can be undone, and nothing more is written until the
-// panel has looked.
+// The user selects something else among them: all of it is written and can be undone, and nothing more is written until
+// the panel has looked.
 TEST_F(BehaviorSessionTest, hasWrittenWhereOnlyTheSelectionChangesAmongItsOwnWrites) {
     follow({"a", "b"});
     m_entities.fails = [this](const std::string& call) {
@@ -184,8 +185,8 @@ TEST_F(BehaviorSessionTest, hasWrittenWhereOnlyTheSelectionChangesAmongItsOwnWri
     EXPECT_EQ(shown()[1], "Time=0");
 }
 
-// Of a host that counts its changes one by one, the panel's own are no reason to ask about the entities again; where another hand's
-// change or a count of another kind is among them, it asks.
+// Of a host that counts its changes one by one, the panel's own are no reason to ask about the entities again; where
+// another hand's change or a count of another kind is among them, it asks.
 TEST_F(BehaviorSessionTest, asksAboutTheEntitiesOnlyWhereTheCountIsNotItsOwn) {
     follow({"a", "b"});
     ASSERT_TRUE(m_session.setValue(1, "7"));

@@ -10,8 +10,8 @@
 
 namespace zoka::test {
 
-// Installs itself as the disk for its lifetime, on which files may be written in place. A failing write leaves half of its bytes, a failing close
-// closes.
+// Installs itself as the disk for its lifetime, on which files may be written in place. A failing write leaves half of
+// its bytes, a failing close closes.
 class FaultyOsFiles : public OsFiles {
 public:
     // `n` counts all operations from 1; `op` is the operation's name ("write" and the like for open files).

@@ -206,8 +206,8 @@ std::string contentOf(const CJ8ProjectManager& project) {
            (project.component("patrol") ? " patrol" : "") + (project.behavior("guard") ? " guard" : "");
 }
 
-// The windows and the wizard share one object: what it holds afterwards is what a new one would hold. The behaviour panel
-// leaves it alone, and is left alone by it.
+// The windows and the wizard share one object: what it holds afterwards is what a new one would hold. The behaviour
+// panel leaves it alone, and is left alone by it.
 TEST(Creation, NothingOfAnEarlierProjectStays) {
     Suite suite;
     addFullWizard(suite);

@@ -294,8 +294,8 @@ TEST_F(NewProjectSessionTest, CancelStopsBetweenTwoFiles) {
     }
 }
 
-// However slow the disk is: one read of a file when a wizard is chosen, none per keystroke, and after a Cancel no further
-// work in the project folder, neither of the making nor of the removing.
+// However slow the disk is: one read of a file when a wizard is chosen, none per keystroke, and after a Cancel no
+// further work in the project folder, neither of the making nor of the removing.
 TEST_F(NewProjectSessionTest, TouchesTheDiskAsLittleAsItCan) {
     std::vector<std::string> operations;
     bool isCancelled = false, isUnsaved = false;

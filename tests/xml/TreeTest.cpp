@@ -248,8 +248,8 @@ TEST(Tree, LookupsByIndexInTurnAreLinear) {
 }
 
 // A list that is walked backwards and names that are asked for in turn are what a panel does on each repaint. Starting
-// from the first child at each step would take ten thousand times as long as going on from child to child, and it should
-// be far below the square root of their number, 200. It is seven to ten.
+// from the first child at each step would take ten thousand times as long as going on from child to child, and it
+// should be far below the square root of their number, 200. It is seven to ten.
 TEST(Tree, LookupsByIndexCostAFewStepsOfAWalk) {
     constexpr int count = 40000, names = 12;
     constexpr int most = 30;

@@ -56,8 +56,8 @@ inline bool isStandardStream(std::string_view path) {
 // The whole content of a file, a pipe or the standard input. Nothing when it can't be read; it has then said
 // why. What is neither a file nor a pipe (a device, which may never end) is not read.
 std::optional<std::string> readInput(const std::string& path);
-// Gives a file its new content (the old or the new one is left, whatever happens; missing folders are made), or writes to the standard
-// output. False when it can't be written; it has then said why.
+// Gives a file its new content (the old or the new one is left, whatever happens; missing folders are made), or writes
+// to the standard output. False when it can't be written; it has then said why.
 bool writeOutput(const std::string& path, std::string_view bytes, FileKind kind = FileKind::Named);
 // Gives a file that was read as `before` its new content. When it holds something else by now, it is left alone and
 // `again` is called, which starts the work anew from what the file holds; its status is the result.

@@ -6,8 +6,8 @@
 namespace zoka {
 
 // While it lives, windows that the thread makes are of the classes that the module's manifest (resource 2) names. A
-// host of another age has other ones, which lack balloons, subclasses and more. Without such a resource, as in programs,
-// nothing changes. Made and freed on one thread, the last one made first.
+// host of another age has other ones, which lack balloons, subclasses and more. Without such a resource, as in
+// programs, nothing changes. Made and freed on one thread, the last one made first.
 class ControlsContext {
 public:
     explicit ControlsContext(HINSTANCE module);

@@ -17,7 +17,8 @@ void placeDropList(HWND control, int x, int y, int width, int height) {
 }
 
 void fitDropList(HWND control, int height) {
-    // What the system adds to the item's height; -1: not known yet. Each height that is set moves the list several times.
+    // What the system adds to the item's height; -1: not known yet. Each height that is set moves the list several
+    // times.
     static std::atomic<int> s_added{-1};
     const auto missing = [control, height] {
         RECT frame{};

@@ -7,8 +7,8 @@
 
 namespace zoka {
 
-// A tooltip window without tools yet, which goes with the window that `owner` is a part of. `width` in pixels: where its
-// lines are broken.
+// A tooltip window without tools yet, which goes with the window that `owner` is a part of. `width` in pixels: where
+// its lines are broken.
 HWND makeTip(HWND owner, int width);
 
 // A line of text that ends in dots where it doesn't fit; all of it is shown then when the mouse rests on it.

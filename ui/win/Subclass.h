@@ -1,5 +1,5 @@
-// Procedures put before a control's own. The system's way to do that looks them up among the window's properties at each
-// of the control's messages, and there are hundreds of these before a window is in sight.
+// Procedures put before a control's own. The system's way to do that looks them up among the window's properties at
+// each of the control's messages, and there are hundreds of these before a window is in sight.
 #pragma once
 
 #include <windows.h>

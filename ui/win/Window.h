@@ -35,8 +35,8 @@ protected:
     // the exception's handler.
     virtual void failed();
 
-    // Runs what belongs to the window outside of its messages (a key that its loop saw first): what it throws is treated
-    // as theirs, and gives nothing.
+    // Runs what belongs to the window outside of its messages (a key that its loop saw first): what it throws is
+    // treated as theirs, and gives nothing.
     template <class Work>
     std::optional<LRESULT> inside(const Work& work) {
         if (m_failed) {

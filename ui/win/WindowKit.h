@@ -76,7 +76,8 @@ HWND makeLabel(HWND parent, const char* text, const WindowFonts& fonts, int id =
 HWND makeButton(HWND parent, const char* text, int id, const WindowFonts& fonts, bool isDefault = false);
 // The height of a line of a control's own font, in pixels.
 int textHeightOf(HWND control);
-// A drop list of fixed choices. Its parent is asked to draw it (WM_DRAWITEM): every Window does, others call drawChoice.
+// A drop list of fixed choices. Its parent is asked to draw it (WM_DRAWITEM): every Window does, others call
+// drawChoice.
 inline constexpr DWORD kDropListStyle =
     static_cast<DWORD>(CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS) | WS_VSCROLL | WS_TABSTOP;
 // Draws an item of a drop list, or the choice that the closed one shows; false where another control is to be drawn.
@@ -104,8 +105,8 @@ void place(HWND control, int x, int y, int width, int height);
 inline void place(HWND control, const Area& area) {
     place(control, area.x, area.y, area.width, area.height);
 }
-// For a drop list: `height` is the closed one; it opens for up to 16 items. One that was made with its open height, at its
-// place, needs but fitDropList, once it has its font.
+// For a drop list: `height` is the closed one; it opens for up to 16 items. One that was made with its open height, at
+// its place, needs but fitDropList, once it has its font.
 inline int openHeight(int height) {
     return 16 * height;
 }
@@ -149,9 +150,9 @@ private:
 // The chosen item of a drop list; empty when none is.
 std::string chosenItem(HWND dropList);
 
-// Both icons of a window's caption, shared, so that nobody frees them; without a module those of `owner`. Without an icon
-// of its own the system looks for another each time that it draws the caption, and needs the loader's lock for it: a
-// panel that closes while its library is unmapped would never get it.
+// Both icons of a window's caption, shared, so that nobody frees them; without a module those of `owner`. Without an
+// icon of its own the system looks for another each time that it draws the caption, and needs the loader's lock for it:
+// a panel that closes while its library is unmapped would never get it.
 void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner = nullptr);
 // The window that a modal one belongs over: the thread's active window or, while another program is in front, its first
 // visible one. Null when it has none.

@@ -75,8 +75,8 @@ std::vector<std::string> readNames(const std::string& folder, std::string_view n
     return equal;
 }
 
-// The entry of `folder`, which ends with a slash, that equals `name` but for case; empty when there is none. `info` is the
-// folder's own.
+// The entry of `folder`, which ends with a slash, that equals `name` but for case; empty when there is none. `info` is
+// the folder's own.
 std::string findNoCase(const std::string& folder, std::string_view name, const struct stat& info,
                        std::ptrdiff_t keptFrom) {
     const std::scoped_lock lock(g_largeMutex);
@@ -138,8 +138,8 @@ FoundPath findPath(std::string_view path, std::ptrdiff_t keptFrom) {
     return {found, true};
 }
 
-// Whether its folder was read so shortly ago that nothing of that name, however spelled, is there, without a look at the
-// disk. The name is taken for one that will be there from now on.
+// Whether its folder was read so shortly ago that nothing of that name, however spelled, is there, without a look at
+// the disk. The name is taken for one that will be there from now on.
 bool isKnownNew(const std::string& native) {
     const size_t name = native.rfind('/') + 1;
     const std::scoped_lock lock(g_largeMutex);

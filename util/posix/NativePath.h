@@ -20,8 +20,8 @@ struct FoundPath {
     bool exists;
 };
 FoundPath pathForNew(std::string_view path);
-// The same for a file that is about to be made under a name of the program's own, which nobody else uses in any spelling:
-// only its folder is looked for.
+// The same for a file that is about to be made under a name of the program's own, which nobody else uses in any
+// spelling: only its folder is looked for.
 std::string pathForOwn(std::string_view path);
 // Drops what is kept of folders that were read. [any thread]
 void forgetFolders();

@@ -1,6 +1,6 @@
 // The word that guarded stack frames hold, and what happens when one holds another: in the place of the compiler's own
-// part, which asks a provider of the system's for the word. That is a library loaded while the loader's lock is held, and
-// a third of the time that loading the plug-in takes.
+// part, which asks a provider of the system's for the word. That is a library loaded while the loader's lock is held,
+// and a third of the time that loading the plug-in takes.
 #include <windows.h>
 
 #include <cstdint>

@@ -111,8 +111,8 @@ TEST(Allocations, EachThatFailsIsAResult) {
     }
 }
 
-// Does the work while the allocation of that number fails; `done` when it has not so many, and then it does what it is to
-// do. False when it threw.
+// Does the work while the allocation of that number fails; `done` when it has not so many, and then it does what it is
+// to do. False when it threw.
 bool stays(long failing, const std::function<bool()>& work, bool& done) {
     bool asExpected = false;
     g_countdown = failing;

@@ -59,7 +59,8 @@ public:
     void write(HWND control, const std::string& text, const RECT& area, COLORREF ground) const;
 
     COLORREF at(LONG x, LONG y) const { return GetPixel(m_dc, static_cast<int>(x), static_cast<int>(y)); }
-    // The first row of pixels that isn't like the area's left upper corner, counted from the area's top; -1 when all are.
+    // The first row of pixels that isn't like the area's left upper corner, counted from the area's top; -1 when all
+    // are.
     int firstInk(const RECT& area) const;
     // How wide the part of an area is that has pixels unlike those at the left end of their rows.
     int inkWidth(const RECT& area) const;

@@ -227,9 +227,10 @@ void hold(DriveContext& drive, const Words& words) {
     }
 }
 
-// drag-row LIST FROM BEFORE [BUTTON|ESC|PAGEUP|PAGEDOWN]: drags a row of a list with the mouse to the upper half of another one, or below
-// the last one where BEFORE is "". Both are numbers from 1; no message waits for the one before, as the list takes them
-// in turn. BUTTON does its work before the row is dropped, as its key could make it, and a key is pressed then.
+// drag-row LIST FROM BEFORE [BUTTON|ESC|PAGEUP|PAGEDOWN]: drags a row of a list with the mouse to the upper half of
+// another one, or below the last one where BEFORE is "". Both are numbers from 1; no message waits for the one before,
+// as the list takes them in turn. BUTTON does its work before the row is dropped, as its key could make it, and a key
+// is pressed then.
 void dragRow(DriveContext& drive, const Words& words) {
     const HWND found = drive.usableControl(words[0]);
     const LRESULT count = ask(found, LVM_GETITEMCOUNT);

@@ -63,8 +63,8 @@ bool isOffCentre(HWND field) {
     return std::abs(above - below) > 2;
 }
 
-// What is wrong with the scroll bar of a field of several lines: it is there though all of them are shown, or isn't though
-// some are not; empty when all is well.
+// What is wrong with the scroll bar of a field of several lines: it is there though all of them are shown, or isn't
+// though some are not; empty when all is well.
 std::string scrollBarFault(HWND field) {
     const LONG style = GetWindowLongA(field, GWL_STYLE);
     if (!isOfClass(field, "Edit") || !(style & ES_MULTILINE)) {
@@ -79,7 +79,8 @@ std::string scrollBarFault(HWND field) {
 }
 
 // Whether a drop list shows its choice elsewhere than in the middle of its height. What can't be asked from the list is
-// seen: the text's upper edge, when it paints itself, is that of the same text drawn in the middle of a picture as high.
+// seen: the text's upper edge, when it paints itself, is that of the same text drawn in the middle of a picture as
+// high.
 bool isChoiceOffCentre(HWND list) {
     const LRESULT chosen = ask(list, CB_GETCURSEL);
     COMBOBOXINFO info{};
@@ -106,7 +107,8 @@ bool isChoiceOffCentre(HWND list) {
     return shown < 0 || std::abs(shown - wanted) > 1;
 }
 
-// A title of a list's column that is painted shorter than it is, though its column is wide enough, and how much of it; empty: none.
+// A title of a list's column that is painted shorter than it is, though its column is wide enough, and how much of it;
+// empty: none.
 std::string clippedTitle(HWND header) {
     constexpr int kEdge = 3;  // the line between two columns is left out
     RECT all;

@@ -249,7 +249,8 @@ LRESULT CALLBACK lookForControls(int code, WPARAM wParam, LPARAM lParam) {
 }
 
 // Looks at what the window's thread asks for, not at what the controls are made of: a system may have one file for both
-// versions. A manifest of the editor's own asks for the newer ones on every thread, and nothing would be seen of the plug-in's.
+// versions. A manifest of the editor's own asks for the newer ones on every thread, and nothing would be seen of the
+// plug-in's.
 void expectNewControls(DriveContext& drive, const Words&) {
     if (FindResourceA(nullptr, MAKEINTRESOURCEA(1), RT_MANIFEST)) {
         throw DriveFault(
