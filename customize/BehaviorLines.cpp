@@ -23,10 +23,11 @@ std::string folded(std::string_view text) {
 
 }  // namespace
 
-// A name may hold a '=' of its own.
+// A name may hold a '=' of its own: the longest name that there is counts.
 Result<BehaviorLines::Place> BehaviorLines::placeOf(std::string_view line) const {
     Result<size_t> row = Refusal{"it is not of the form \"name = value\""};
-    for (size_t equals = line.find('='); equals != line.npos; equals = line.find('=', equals + 1)) {
+    for (size_t end = line.size(), equals; end > 0 && (equals = line.rfind('=', end - 1)) != line.npos;
+         end = equals) {
         std::string_view field, label = trimmed(line.substr(0, equals));
         const std::string_view word = label.substr(0, label.find_first_of(" \t"));
         if (isFieldName(word)) {

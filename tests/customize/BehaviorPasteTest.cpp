@@ -68,6 +68,20 @@ TEST_F(BehaviorSessionTest, pastesNoLineOfANameThatSeveralValuesHave) {
     EXPECT_THAT(shown(), ElementsAre("Light=3", "Power=0", "Light=1 changed", "Power=1 changed"));
 }
 
+TEST_F(BehaviorSessionTest, pastesWhatItCopiedOfNamesThatHoldTheSign) {
+    give("a", "sign.kez", "// skill1: a=b\n// skill3: a\n// skill4: a=b=c\n");
+    m_session.refresh(true);
+    const std::vector<std::string> before = shown();
+    const std::string lines = m_session.copyText(0, m_session.size());
+    for (size_t i = 0; i < m_session.size(); ++i) {
+        EXPECT_TRUE(m_session.setValue(i, "9"));
+    }
+    EXPECT_EQ(m_session.paste(lines).taken, 3U) << lines;
+    EXPECT_EQ(shown(), before);
+    EXPECT_EQ(m_session.paste("a=b=5\na=6\nA=B=C=7\n").taken, 3U);
+    EXPECT_THAT(shown(), ElementsAre("a=b=5 changed", "a=6 changed", "a=b=c=7 changed"));
+}
+
 // The editor opens a level with an entity of that name while several rows are being pasted.
 TEST_F(BehaviorSessionTest, writesNoMoreRowsOfAStepToAnotherLevel) {
     int asked = 0;  // since the first row was written
