@@ -200,8 +200,11 @@ bool ProjectEdits::apply(CJ8ProjectManager& project, Step step, bool joining) {
         last.after = std::move(step[0].after);
         last.entityAfter = std::move(step[0].entityAfter);
         if (last.after == last.before) {
-            // What was typed was given up again: nothing is left to undo, and the entity's list has its old order.
-            make(project, last, false);
+            // What was typed was given up again: nothing is left to undo. The value is back already; of an entity the
+            // list gets its old order, too.
+            if (last.entityBefore) {
+                make(project, last, false);
+            }
             m_steps.pop_back();
             m_done = m_steps.size();
             m_joinable = m_grouped = false;

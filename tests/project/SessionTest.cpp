@@ -128,6 +128,14 @@ TEST_F(ProjectSessionTest, EditsAreRefusedTakenAndUndone) {
     EXPECT_TRUE(set("level/harbour/entity/guard/skill/1", std::nullopt)) << "back to the parent's";
     EXPECT_TRUE(set("section/UI", "proj:b.xml"));
     EXPECT_EQ(manager.section(zoka::J8Section::UI).m_type, CJ8File::kProjFile) << "found on the disk";
+    {
+        const zoka::test::FaultyOsFiles disk(zoka::test::FaultyOsFiles::never());
+        EXPECT_TRUE(set("section/UI", "proj:b.xm", true));
+        EXPECT_TRUE(set("section/UI", "proj:b.xml", true));
+        EXPECT_EQ(disk.operations(), 0) << "looked for while it is typed, and given up";
+    }
+    EXPECT_TRUE(session.leaveField());
+    EXPECT_EQ(manager.section(zoka::J8Section::UI).m_type, CJ8File::kProjFile);
     EXPECT_EQ(get("level/harbour/entity/guard/skill/1"), "<none>");
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(session.undo());
