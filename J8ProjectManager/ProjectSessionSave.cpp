@@ -174,12 +174,15 @@ SaveResult ProjectSession::save(bool force) {
         m_bytes = text.view();
         m_frame.reset();
         m_losses.clear();
+        Loaded written;
         try {
-            if (Loaded written = loadedFrom(m_path, m_bytes); written.usable) {
-                replaceModel(std::move(written));
-            }
+            written = loadedFrom(m_path, m_bytes);
         } catch (const std::bad_alloc&) {
             // It is saved; the model goes on with the places of the file before.
+            return SaveResult::Saved;
+        }
+        if (written.usable) {
+            replaceModel(std::move(written));
         }
     }
     return SaveResult::Saved;

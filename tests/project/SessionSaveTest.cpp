@@ -197,6 +197,15 @@ TEST_F(ProjectSessionTest, PagesHearOfANewModelBeforeAnythingIsAsked) {
     EXPECT_EQ(get("name"), "x");
 }
 
+// Half a window that shows the new model is no window to go on with.
+TEST_F(ProjectSessionTest, MemoryThatRunsOutWhileTheNewModelIsShownIsTold) {
+    ASSERT_TRUE(set("name", "x"));
+    session.modelReplaced = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(static_cast<void>(session.save()), std::bad_alloc);
+    EXPECT_FALSE(session.hasChanges()) << "it is saved";
+    EXPECT_THAT(folder.read("game.xml"), HasSubstr("name=\"x\""));
+}
+
 TEST_F(ProjectSessionTest, AFileThatIsGoneIsSavedAnewOnlyAfterAQuestion) {
     ASSERT_TRUE(set("level/harbour/doc", "mine"));
     std::filesystem::remove(folder.native("game.xml"));
