@@ -43,14 +43,15 @@ private:
     KeyedMap<std::string, Place> m_places;
 };
 
-// What stands in front of the value in its line, or behind it where there is nothing: of a switch its statement.
+// What stands in front of the value in its line, or behind it where there is nothing: of a switch its statement. In UTF-8.
 std::string definitionOf(const CustomScript& script, const CustomEntry& entry) {
     const std::string_view text = script.text;
     const size_t lineStart = text.find_last_of('\n', entry.valueStart > 0 ? entry.valueStart - 1 : 0);
     const size_t start = lineStart == text.npos || entry.valueStart == 0 ? 0 : lineStart + 1;
     const std::string_view before = trimmed(text.substr(start, entry.valueStart - start));
     const size_t end = entry.valueStart + entry.valueLength;
-    return std::string(before.empty() ? trimmed(text.substr(end, text.find('\n', end) - end)) : before);
+    return utf8Text(before.empty() ? trimmed(text.substr(end, text.find('\n', end) - end)) : before,
+                    script.set);
 }
 
 constexpr size_t kLabelKept = 200;
@@ -139,7 +140,9 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
             KeptValue here = kept;
             here.value = *value;
             const CustomEntry& entry = panel.script.entries[static_cast<size_t>(row)];
-            why = to == CarryTo::ChangedFile && entry.label != kept.label &&
+            // The file may be in another character set, too.
+            why = to == CarryTo::ChangedFile &&
+                          utf8Text(entry.label, panel.script.set) != utf8Text(kept.label, kept.set) &&
                           definitionOf(panel.script, entry) != kept.definition
                       ? "the entry of this id is another one now, " + quotedBeginning(entry.label)
                       : carryRefusal(here, entry, model.facts());

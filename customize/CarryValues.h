@@ -15,7 +15,7 @@ struct KeptValue {
     std::string label;
     std::string value;
     TextSet set = TextSet::System;  // of both
-    std::string definition = {};    // what stands beside the value in its line: "var range ="
+    std::string definition = {};    // what stands beside the value in its line: "var range ="; in UTF-8
 };
 
 struct UnplacedValue {

@@ -53,8 +53,8 @@ std::string joined(const std::vector<std::string>& texts);
 // The text with `lineEnd` in the place of each LF, and without CRs.
 std::string onOneLine(std::string_view text, std::string_view lineEnd = " ");
 
-// The characters between tokens, a set that is known when this is compiled: a look is one shift. Each stands in front
-// of '@' in ASCII, where all punctuation of scripts does.
+// The characters between tokens, a set that is known when this is compiled: looking at a character takes no loop. All
+// stand in front of '@' in ASCII, as the set has 64 places.
 class Separators {
 public:
     consteval Separators(std::string_view characters) {
@@ -67,7 +67,7 @@ public:
     }
     constexpr bool has(char c) const { return has(m_set, c); }
     // Whether a token ends in front of it: also a CR, LF or 0, which end the line.
-    constexpr bool endToken(char c) const { return has(m_set | 1 | 1 << '\r' | 1 << '\n', c); }
+    constexpr bool endsToken(char c) const { return has(m_set | 1 | 1 << '\r' | 1 << '\n', c); }
 
 private:
     static constexpr bool has(std::uint64_t set, char c) {
@@ -92,7 +92,7 @@ public:
             ++start;
         }
         size_t end = start;
-        while (end < m_rest.size() && !m_separators.endToken(m_rest[end])) {
+        while (end < m_rest.size() && !m_separators.endsToken(m_rest[end])) {
             ++end;
         }
         const std::string_view token = m_rest.substr(start, end - start);

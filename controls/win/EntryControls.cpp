@@ -36,9 +36,11 @@ HWND EntryControls::child(HWND control) {
     if (!control) {
         return nullptr;
     }
+    // First its place in the list, which may lack memory: whose messages come here has one.
+    WNDPROC& own = m_procedures.emplace_back(control, nullptr).second;
     SetWindowLongPtrW(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(m_owner));
-    m_procedures.emplace_back(control, reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
-                                           control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_procedure))));
+    own = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_procedure)));
     m_panel.addTooltip(control);
     return control;
 }

@@ -48,17 +48,26 @@ EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, 
     if (!m_window) {
         return;
     }
-    m_panel.addTooltip(m_window);
-    m_controls.make(m_window, m_row,
-                    entryParts(facts(), m_panel.fonts(), place.width, place.height, labelWidth));
-    if (facts().field == EntryField::DropList) {
-        m_choices.fill(field(), facts());
+    try {
+        m_panel.addTooltip(m_window);
+        m_controls.make(m_window, m_row,
+                        entryParts(facts(), m_panel.fonts(), place.width, place.height, labelWidth));
+        if (facts().field == EntryField::DropList) {
+            m_choices.fill(field(), facts());
+        }
+        m_controls.fit(model());
+        showValue();
+    } catch (...) {
+        remove();  // messages would go to an object that was never made
+        throw;
     }
-    m_controls.fit(model());
-    showValue();
 }
 
 EntryWindow::~EntryWindow() {
+    remove();
+}
+
+void EntryWindow::remove() {
     m_updating = true;
     if (!m_window) {
         return;

@@ -53,6 +53,7 @@ public:
 private:
     static LRESULT CALLBACK fieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void remove();
     void paint();
     void drawButton(const DRAWITEMSTRUCT& item) const;
 

@@ -222,15 +222,16 @@ TEST_F(Session, ChangesFromOutsideAreSettledBeforeSaving) {
 // Another script under the name: an id alone doesn't make its entry the same one.
 TEST_F(Session, ValuesGoIntoAChangedFileByIdWhereLabelOrVariableStays) {
     struct {
-        const char* entry;
+        std::string label, entry;
         bool taken;
-    } const rows[] = {{"// entry: Radius\n// id: 1\nvar rain_radius = 14;\n", false},
-                      {"// entry: Reach\n// id: 1\nvar range = 14;\n", true},
-                      {"// entry: Range\n// id: 1\nvar lamp_range = 14;\n", true}};
+    } const rows[] = {{"Range", "// entry: Radius\n// id: 1\nvar rain_radius = 14;\n", false},
+                      {"Range", "// entry: Reach\n// id: 1\nvar range = 14;\n", true},
+                      {"Range", "// entry: Range\n// id: 1\nvar lamp_range = 14;\n", true},
+                      {"L\xE4nge", "// entry: L\xC3\xA4nge\n// id: 1\nvar lamp_range = 14;\n", true}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.entry);
-        open();
-        set("Range", "15");
+        open("// entry: " + row.label + "\n// id: 1\nvar range = 10;\n");
+        set(row.label, "15");
         project.write("s.kez", row.entry);
         prompt.answers = {PromptAnswer::Yes};
         EXPECT_EQ(session.save(), row.taken ? SaveResult::Saved : SaveResult::Failed);
