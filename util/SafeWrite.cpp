@@ -119,7 +119,7 @@ std::string writeInPlace(OsFiles& files, const std::string& target, std::string_
     if (const auto again = files.openForWriting(target, OsOpen::Existing); again && overwrite(*again, *old)) {
         return failure("Can't write", target, reason);
     }
-    return failure("Can't write", target, reason + "; the old content could not be put back");
+    return failure("Can't write", target, "the old content could not be put back: " + reason);
 }
 
 bool mayWriteInPlace(const std::string& target, const std::string& reason) {
@@ -178,7 +178,7 @@ public:
                 return {};
             }
             return failure("Can't write", m_target,
-                           reason + "; the new content is in '" + m_sibling->path() + "'");
+                           "the new content is in '" + m_sibling->path() + "': " + reason);
         }
         return failure("Can't write", m_target, reason);
     }

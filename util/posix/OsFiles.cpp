@@ -47,9 +47,6 @@ timespec toTimespec(FileTime time) {
 
 const char* remedyFor(int error) {
     switch (error) {
-        case EACCES:
-        case EPERM:
-            return kNoPermissionRemedy;
         case ENOSPC:
         case EDQUOT:
             return kNoRoomRemedy;

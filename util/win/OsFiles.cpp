@@ -51,8 +51,6 @@ private:
 
 const char* remedyFor(DWORD code) {
     switch (code) {
-        case ERROR_ACCESS_DENIED:
-            return kNoPermissionRemedy;
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return kNoRoomRemedy;

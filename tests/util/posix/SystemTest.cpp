@@ -406,8 +406,7 @@ private:
     const uid_t m_before = geteuid();
 };
 
-const std::string kDenied =
-    "Permission denied; it may be write-protected, in use by another program, or another user's";
+const std::string kDenied = "Permission denied";
 
 // Folders that may be passed but not listed, or not even be passed.
 TEST(OsFiles, MakesFoldersBelowOnesThatAreNotToBeLookedAt) {
