@@ -11,8 +11,8 @@
 namespace zoka {
 
 // Of the file beside a script or a project, added to its full name, with what the user typed and it could not take:
-// values that an update has no place for, edits that could not be saved. UTF-8, a line for each, later ones added.
-// Nothing takes them out of it but the user.
+// values that an update has no place for (in the form of a value file, where a later one takes the place of an earlier
+// one of its id), edits of a project that could not be saved (in UTF-8, a line for each, later ones added).
 inline constexpr const char* kLeftOverEnding = ".zoka.old";
 
 // How many copies of one file are kept; the oldest ones make room.

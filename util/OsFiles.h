@@ -132,12 +132,9 @@ public:
     virtual std::FILE* openStream(const std::string& path, const char* mode) = 0;
     // The whole content of a regular file; nothing when it can't be read or has 2 GiB or more.
     virtual std::optional<std::string> readWhole(const std::string& path) = 0;
-    // Whether such a file's content is these bytes; nothing when it can't be read. Takes no memory for a second copy
-    // where the system lets a file be read in pieces as fast.
-    virtual std::optional<bool> holds(const std::string& path, std::string_view bytes) {
-        const auto content = readWhole(path);
-        return content ? std::optional(*content == bytes) : std::nullopt;
-    }
+    // Whether such a file's content is these bytes; nothing when it can't be read. Takes no memory for a second copy.
+    virtual std::optional<bool> holds(const std::string& path, std::string_view bytes) = 0;
+    static constexpr size_t kComparedAtOnce = 1 << 16;
     // Null when it can't be opened that way.
     virtual std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) = 0;
 

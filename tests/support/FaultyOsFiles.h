@@ -73,6 +73,9 @@ public:
     std::optional<std::string> readWhole(Path p) override {
         return bad("readWhole", p) ? std::nullopt : m_real.readWhole(p);
     }
+    std::optional<bool> holds(Path p, std::string_view bytes) override {
+        return bad("readWhole", p) ? std::nullopt : m_real.holds(p, bytes);
+    }
     std::unique_ptr<OsOutFile> openForWriting(Path p, OsOpen how) override {
         if (bad(how == OsOpen::New        ? "openNew"
                 : how == OsOpen::Existing ? "openExisting"

@@ -27,7 +27,6 @@ constexpr std::uint64_t kTicksPerSecond = 10'000'000;
 constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr std::int64_t kLastSecond =  // counted from 1970
     static_cast<std::int64_t>(~std::uint64_t{0} / kTicksPerSecond) - 1 - kSecondsFrom1601To1970;
-constexpr size_t kComparedAtOnce = 1 << 16;
 constexpr size_t kMostBytes = 0x7fffffff;  // that a file read whole may have
 constexpr int kMostLinks = 40;
 

@@ -415,6 +415,26 @@ public:
         return content;
     }
 
+    std::optional<bool> holds(const std::string& path, std::string_view bytes) override {
+        const Handle file(openPatiently(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
+                                        FILE_FLAG_SEQUENTIAL_SCAN));
+        if (!file.isOpen()) {
+            return std::nullopt;
+        }
+        std::vector<char> piece(kComparedAtOnce);
+        while (true) {
+            DWORD got = 0;
+            if (!ReadFile(file.get(), piece.data(), static_cast<DWORD>(piece.size()), &got, nullptr)) {
+                return std::nullopt;
+            }
+            const std::string_view next(piece.data(), got);
+            if (next.empty() || !bytes.starts_with(next)) {
+                return next.empty() && bytes.empty();
+            }
+            bytes.remove_prefix(next.size());
+        }
+    }
+
     std::unique_ptr<OsOutFile> openForWriting(const std::string& path, OsOpen how) override {
         const DWORD disposition = how == OsOpen::Existing ? OPEN_EXISTING
                                   : how == OsOpen::New    ? CREATE_NEW
