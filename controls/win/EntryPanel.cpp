@@ -153,7 +153,7 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     const bool hadDraft = !m_drafts.empty();
     std::optional<int> top;  // where the row is to stand in the view that takes the place of the last one
     const std::optional<size_t> like = rowLikeLast();
-    samePlaces = samePlaces && (!like || like == m_lastFocused);
+    samePlaces = samePlaces && (m_lastName.empty() || like == m_lastFocused);
     if (!samePlaces) {
         const size_t before = m_lastFocused ? m_layout.rowOfItem(*m_lastFocused) : m_layout.rows().size();
         if (m_window && before < m_layout.rows().size()) {

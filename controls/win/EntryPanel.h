@@ -35,8 +35,8 @@ public:
     HWND create(HWND parent, int id, const WindowFonts& fonts);
 
     // All rows are others than before. Where one of them has the name of the row that had the keyboard last, it gets
-    // it, and stands where that stood; where none has, keyboard and view stay with `samePlaces`, and else begin anew. A
-    // refused text is given up.
+    // it, and stands where that stood; where none has, both begin anew. Rows without names keep both with `samePlaces`.
+    // A refused text is given up.
     void rowsReplaced(bool samePlaces);
     // The fonts are other ones now: every row is made anew.
     void fontsChanged();
