@@ -16,14 +16,16 @@ constexpr const char* kCheckName = "CJ8Wizard::Check(std::string&, unsigned int)
 constexpr const char* kCheckFilesName = "CheckFiles()";
 
 // The root element of a wizard; the empty node when the file is none. Throws where there is no memory to say which.
-XMLNode openWizard(const std::string& path) {
+XMLNode openWizard(const std::string& path) try {
     const auto bytes = osFiles().readWhole(path);
     XMLResults results;
     XMLNode root = bytes ? XMLNode::parseBytes(*bytes, "Wizard", &results, {}, XMLCharset::Utf8) : XMLNode();
     if (results.outOfMemory) {
-        throw OutOfMemory(path);
+        throw std::bad_alloc();
     }
     return root;
+} catch (const std::bad_alloc&) {
+    throw OutOfMemory(path);
 }
 
 std::string titleOf(const XMLNode& wizard, const std::string& path) {

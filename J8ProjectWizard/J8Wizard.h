@@ -49,7 +49,7 @@ bool takeWizardDefaults(CJ8WizardUserData& data, const XMLNode& root);
 
 }  // namespace zoka
 
-// Where memory runs out for a wizard's file, all of these throw OutOfMemory but Run.
+// What opens a wizard's file throws OutOfMemory where there is none for it; Run has a code for that.
 class CJ8Wizard {
 public:
     // Lists the wizards of the wizards folder in the order in which the system gives its files; where the user stops

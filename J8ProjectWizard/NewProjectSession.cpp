@@ -1,6 +1,7 @@
 #include "J8ProjectWizard/NewProjectSession.h"
 
 #include "J8ProjectWizard/WizardNames.h"
+#include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "xml/XMLRead.h"
@@ -384,7 +385,12 @@ std::optional<NewProject> NewProjectSession::create(const RunJob& runJob) {
     bool isSound = false;
     CreationRecord record;
     runJob([&](JobProgress* progress) {
-        code = m_wizard.Check(m_data.m_strMessage, index, m_data, progress);
+        try {
+            code = m_wizard.Check(m_data.m_strMessage, index, m_data, progress);
+        } catch (const OutOfMemory& out) {
+            code = kWizardNotSaved;
+            m_data.m_strMessage = outOfMemoryText(out.file());
+        }
         isSound = code >= 0;
         if (isSound) {
             code = m_wizard.Run(m_data, index, {progress, &record});

@@ -28,7 +28,7 @@ public:
         if (kind == OsKind::Missing) {
             add(file.place, "Missing file: " + file.source);
         } else if (kind == OsKind::Unknown) {
-            add(file.place, file.source + " can't be looked at");
+            add(file.place, file.source + " can't be looked at: " + osFiles().lastError());
         } else if (kind != OsKind::File && isCopied) {
             add(file.place, file.source + " is no file");
         }
