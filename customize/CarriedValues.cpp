@@ -72,7 +72,8 @@ void CarriedValues::byValueFile() {
 }
 
 void CarriedValues::arrived() {
-    if (!keepOldValues(m_panel.script, m_unplaced)) {
+    m_areKept = bool(keepOldValues(m_panel.script, m_unplaced));
+    if (!m_areKept) {
         m_prompt.tell(
             "These values found no place in the script, and could not be written into a file either:\n\n" +
             unplacedText(m_unplaced));
@@ -82,7 +83,8 @@ void CarriedValues::arrived() {
 
 std::vector<UnplacedValue> CarriedValues::unsaved() const {
     std::vector<UnplacedValue> unsaved;
-    for (const KeptValue& kept : m_carried.empty() ? valuesToKeep(m_panel, true) : m_carried) {
+    for (const KeptValue& kept :
+         m_carried.empty() ? valuesToKeep(m_panel, ValuesToKeep::Changed) : m_carried) {
         unsaved.push_back({kept, "it was not saved"});
     }
     return unsaved;

@@ -18,7 +18,7 @@ public:
     CarriedValues(ScriptRows& panel, UserPrompt& prompt) : m_panel(panel), m_prompt(prompt) {}
 
     // Takes the values of the panel's rows: of those that have changed, or of all that have an id.
-    void begin(bool changedOnly) { m_carried = valuesToKeep(m_panel, changedOnly); }
+    void begin(ValuesToKeep which) { m_carried = valuesToKeep(m_panel, which); }
     // The panel keeps the script that it has.
     void giveUp() noexcept { m_carried.clear(); }
     // The panel has another script now, whose values are its own.
@@ -31,8 +31,9 @@ public:
     void intoNewVersion(const ScriptRows& before);
     // Ends it: what found no place is kept in the file of old values beside the script, or told.
     void arrived();
-    // What found no place, the last time.
+    // What found no place, the last time, and whether it is in that file.
     const std::vector<UnplacedValue>& unplaced() const { return m_unplaced; }
+    bool areKept() const { return m_areKept; }
 
     // --- When the panel has to go: memory put aside for that, and its use.
     void putMemoryAside() noexcept { m_reserve.refill(); }
@@ -49,6 +50,7 @@ private:
     UserPrompt& m_prompt;
     std::vector<KeptValue> m_carried;
     std::vector<UnplacedValue> m_unplaced;
+    bool m_areKept = false;
     MemoryReserve m_reserve;
 };
 

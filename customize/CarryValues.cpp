@@ -43,7 +43,8 @@ private:
     KeyedMap<std::string, Place> m_places;
 };
 
-// What stands in front of the value in its line, or behind it where there is nothing: of a switch its statement. In UTF-8.
+// What stands in front of the value in its line, or behind it where there is nothing: of a switch its statement. In
+// UTF-8.
 std::string definitionOf(const CustomScript& script, const CustomEntry& entry) {
     const std::string_view text = script.text;
     const size_t lineStart = text.find_last_of('\n', entry.valueStart > 0 ? entry.valueStart - 1 : 0);
@@ -95,11 +96,12 @@ std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomS
     return found;
 }
 
-std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly) {
+std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, ValuesToKeep which) {
     std::vector<KeptValue> values;
     for (size_t i = 0; i < panel.size(); ++i) {
         const CustomEntry& entry = panel.script.entries[i];
-        if (entry.hasValue() && (changedOnly ? panel.row(i).HasChanged() : entry.id >= 1)) {
+        if (entry.hasValue() &&
+            (which == ValuesToKeep::Changed ? panel.row(i).HasChanged() : entry.id >= 1)) {
             values.push_back({entry.id, entry.kind, entry.label, panel.row(i).value(), panel.script.set,
                               definitionOf(panel.script, entry)});
         }
@@ -144,7 +146,8 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
             why = to == CarryTo::ChangedFile &&
                           utf8Text(entry.label, panel.script.set) != utf8Text(kept.label, kept.set) &&
                           definitionOf(panel.script, entry) != kept.definition
-                      ? "the entry of this id is another one now, " + quotedBeginning(entry.label)
+                      ? "the entry of this id is another one now, " +
+                            utf8Text(quotedBeginning(entry.label), panel.script.set)
                       : carryRefusal(here, entry, model.facts());
         }
         if (why.empty()) {
@@ -177,11 +180,11 @@ std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptR
 std::string unplacedText(const std::vector<UnplacedValue>& values) {
     std::string text;
     for (const UnplacedValue& one : values) {
-        text += one.kept.label;
+        text += utf8Text(one.kept.label, one.kept.set);
         if (one.kept.id >= 1) {
             text += " (id " + std::to_string(one.kept.id) + ")";
         }
-        text += ": " + onOneLine(one.kept.value, "\\n") + " - " + one.reason + "\r\n";
+        text += ": " + utf8Text(onOneLine(one.kept.value, "\\n"), one.kept.set) + " - " + one.reason + "\r\n";
     }
     return text;
 }

@@ -20,7 +20,7 @@ struct KeptValue {
 
 struct UnplacedValue {
     KeptValue kept;
-    std::string reason;
+    std::string reason;  // in UTF-8, but for what stands in a script's texts
 };
 
 // What an entry with a value has in common with those of its kind in other versions of the script: its id, or without
@@ -30,9 +30,9 @@ std::string entryKey(int id, const std::string& label, TextSet set);
 // share it in their order. -1 where there is none. Linear.
 std::vector<std::ptrdiff_t> matchEntries(const CustomScript& from, const CustomScript& to);
 
-// The current values of the rows, of all that have an id (`changedOnly` false: the value file's rule) or of
-// all that have changed.
-std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, bool changedOnly);
+// The current values of the rows: of all that have an id, as in the value file, or of all that have changed.
+enum class ValuesToKeep { AllWithId, Changed };
+std::vector<KeptValue> valuesToKeep(const ScriptRows& panel, ValuesToKeep which);
 
 // Why an entry of a new version doesn't take a kept value: its field or its limits refuse it, or it means
 // something else now (a switch that became a list). Empty when it does.
@@ -53,7 +53,7 @@ std::vector<UnplacedValue> carryValues(const std::vector<KeptValue>& values, Scr
 // them.
 std::vector<UnplacedValue> lostWithoutId(const ScriptRows& before, const ScriptRows& after);
 
-// One line a value: "Range (id 4): 150 - the reason".
+// One line per value: "Range (id 4): 150 - the reason". In UTF-8.
 std::string unplacedText(const std::vector<UnplacedValue>& values);
 
 // The content of the file with the values that found no place (kLeftOverEnding): `earlier` is what the file held so

@@ -147,7 +147,7 @@ bool CustomizeSession::update() {
     if (!WriteValueFile(m_panel.script, true, m_prompt)) {
         return false;
     }
-    m_values.begin(false);
+    m_values.begin(ValuesToKeep::AllWithId);
     ScriptRows loaded;
     if (!fetchTemplateCopy()) {
         m_values.giveUp();
@@ -214,7 +214,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
 
 // What another has made of the script's file, with the user's values in it.
 SaveEnd CustomizeSession::loadAgain() {
-    m_values.begin(true);
+    m_values.begin(ValuesToKeep::Changed);
     if (const Outcome loaded = load(); !loaded) {
         m_values.giveUp();
         return saveFailed(m_prompt, loaded.why());

@@ -35,8 +35,9 @@ public:
                      JobProgress* loading = nullptr);
 
     // Loads a script; without a name the level's main script. Refused, with the rows as they were, when there
-    // is none, it can't be read or the loading was stopped (which has no reason); no message. Throws OutOfMemory for a
-    // script that there is no memory for: with all as it was, or, where the view lacked it, with the script in its place.
+    // is none, it can't be read or the loading was stopped (which has no reason); no message. Throws OutOfMemory for
+    // a script that there is no memory for: with all as it was, or, where the view lacked it, with the script in its
+    // place.
     Outcome open(const std::string& fileName = {});
     // The same from the panel, for another script: asks about changes first, as closing does, and tells why it
     // can't be opened.
@@ -86,6 +87,8 @@ public:
     std::string emptyText() const override;
     // Values that the last update, or a reload at Save, had no place for.
     const std::vector<UnplacedValue>& unplaced() const { return m_values.unplaced(); }
+    // They are in the file of old values; else the user has been told which they are.
+    bool unplacedAreKept() const { return m_values.areKept(); }
 
 private:
     bool isOpen() const { return !m_panel.script.scriptPath.empty(); }

@@ -16,23 +16,23 @@ constexpr int kMostHostNames = 10000;  // a host that never ends its list doesn'
 
 }  // namespace
 
-Outcome ScriptReader::read(const std::string& path, ScriptRows& read, JobProgress* progress) {
+Outcome ScriptReader::read(const std::string& path, ScriptRows& rows, JobProgress* progress) {
     const auto mayGoOn = [&] { return mayContinue(progress, 0, 1, path); };
     if (!mayGoOn()) {
         return Refusal{};
     }
-    if (const Outcome loaded = LoadCustomScript(path, read.script, progress); !loaded) {
+    if (const Outcome loaded = LoadCustomScript(path, rows.script, progress); !loaded) {
         const bool isStopped = loaded.why().empty();
         return Refusal{isStopped      ? ""
                        : path.empty() ? "There is no script."
                                       : "Can't read '" + path + "': " + loaded.why()};
     }
-    checkPictures(read.script, [&](const std::string& name) { return picturePath(read.script, name); });
-    const HostNames names = hostNames(read.script, progress);
+    checkPictures(rows.script, [&](const std::string& name) { return picturePath(rows.script, name); });
+    const HostNames names = hostNames(rows.script, progress);
     if (!mayGoOn()) {
         return Refusal{};
     }
-    read.makeRows(names);
+    rows.makeRows(names);
     return mayGoOn() ? Outcome() : Refusal{};
 }
 

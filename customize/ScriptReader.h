@@ -16,9 +16,9 @@ class ScriptReader {
 public:
     explicit ScriptReader(ZunEditorInterface& host) : m_host(host) {}
 
-    // Reads the script and makes its rows; `read` is a new one. Refused, without a message, when there is none or it
+    // Reads the script and makes its rows; `rows` are new ones. Refused, without a message, when there is none or it
     // can't be read, and without a reason when `progress` (may be null) stopped it between its steps.
-    Outcome read(const std::string& path, ScriptRows& read, JobProgress* progress = nullptr);
+    Outcome read(const std::string& path, ScriptRows& rows, JobProgress* progress = nullptr);
     // What the editor's list offers for entities and paths; null for a script without any.
     HostNames hostNames(const CustomScript& script, JobProgress* progress = nullptr);
     // The full path of a picture: beside the script, or else in the template folder.

@@ -83,7 +83,7 @@ Result<ValueUpdatePlan> planValueUpdate(const std::string& scriptPath, const std
     updated.script.scriptPath = scriptPath;
     parseCustomText(std::move(*text), updated.script);
     updated.makeRows();
-    plan.unplaced = carryValues(valuesToKeep(plan.old, false), updated);
+    plan.unplaced = carryValues(valuesToKeep(plan.old, ValuesToKeep::AllWithId), updated);
     for (UnplacedValue& lost : lostWithoutId(plan.old, updated)) {
         plan.unplaced.push_back(std::move(lost));
     }

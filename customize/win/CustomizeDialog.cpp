@@ -197,7 +197,7 @@ void CustomizeDialog::chosen(size_t item) {
 }
 
 void CustomizeDialog::showUnplaced() {
-    if (!window() || m_session.unplaced().empty()) {
+    if (!window() || m_session.unplaced().empty() || !m_session.unplacedAreKept()) {
         return;
     }
     showTextWindow(window(), "Values that could not be kept",

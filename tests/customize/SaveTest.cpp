@@ -2,6 +2,7 @@
 #include "tests/customize/Edits.h"
 #include "tests/customize/Samples.h"
 #include "tests/customize/SessionFixture.h"
+#include "tests/support/FaultyOsFiles.h"
 
 using namespace zoka;
 using namespace zoka::test;
@@ -240,6 +241,24 @@ TEST_F(Session, ValuesGoIntoAChangedFileByIdWhereLabelOrVariableStays) {
             unplacedText(session.unplaced()),
             row.taken ? "" : "Range (id 1): 15 - the entry of this id is another one now, \"Radius\"\r\n");
     }
+}
+
+TEST_F(Session, ValuesThatNoFileTakesAreTold) {
+    open();
+    set("Range", "15");
+    project.write("s.kez", "// entry: Radius\n// id: 77\nvar radius = 14;\n");
+    project.write("s.kez.zoka.old", "earlier values");
+    prompt.answers = {PromptAnswer::Yes};
+    {
+        const FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+            return op == "readWhole" && path.ends_with(".zoka.old");
+        });
+        EXPECT_EQ(session.save(), SaveResult::Failed);
+    }
+    EXPECT_FALSE(session.unplacedAreKept());
+    EXPECT_THAT(prompt.texts()[1],
+                HasSubstr("could not be written into a file either:\n\nRange (id 1): 15 - "));
+    EXPECT_EQ(project.read("s.kez.zoka.old"), "earlier values");
 }
 
 TEST_F(Session, AScriptThatIsGoneIsSavedAnewOnlyAfterAQuestion) {
