@@ -428,7 +428,7 @@ public:
     }
 
     std::unique_ptr<OsLock> tryLock(const std::string& path, OsLockState& state) override {
-        const std::string native = toNativePath(path);
+        const std::string native = pathForOwn(path);
         state = OsLockState::Impossible;
         while (true) {
             Descriptor file(open(native.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0666));
