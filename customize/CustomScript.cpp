@@ -122,12 +122,14 @@ Outcome LoadCustomScript(const std::string& fileName, CustomScript& script, JobP
     if (path.empty()) {
         return Refusal{};
     }
+    auto onDisk = osFiles().search(path);
     auto text = osFiles().readWhole(path);
     if (!text || text->size() > INT32_MAX - 2) {
         return Refusal{text ? "it is too large" : osFiles().lastError()};
     }
     CustomScript loaded;
     loaded.scriptPath = path;
+    loaded.onDisk = std::move(onDisk);
     if (!parseCustomText(std::move(*text), loaded, progress)) {
         return Refusal{};  // stopped
     }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "customize/CustomKeywords.h"
 #include "customize/MarkupFindings.h"
 #include "util/JobProgress.h"
+#include "util/OsFiles.h"
 
 namespace zoka {
 
@@ -50,6 +52,7 @@ struct CustomEntry {
 // the text.
 struct CustomScript {
     std::string scriptPath;            // at most 259 characters
+    std::optional<OsEntry> onDisk;     // the file when it was read or saved; nothing when that isn't known
     std::string text;                  // for reading it always ends with CR LF
     TextSet set = TextSet::System;     // of the whole text, and so of all texts of the entries
     size_t fileLength = 0;             // how much of the text the file held: what is written back

@@ -180,15 +180,15 @@ SaveResult CustomizeSession::save() {
         return SaveResult::NothingToSave;
     }
     const std::optional<std::string> project = m_project.askFolder();
-    const SaveResult result = project ? saveInto(*project) : SaveResult(SaveResult::Cancelled);
+    const SaveResult result = project ? saveInto(*project, false) : SaveResult(SaveResult::Cancelled);
     lookAtProject();
     return result;
 }
 
-SaveResult CustomizeSession::saveInto(const std::string& project) {
+SaveResult CustomizeSession::saveInto(const std::string& project, bool isOvertaken) {
     ScriptSave save(m_panel, m_reader, m_prompt);
-    bool loadsAgain = false, isCopied = false, isOvertaken = false;
-    SaveEnd end = save.settleWithDisk(loadsAgain);
+    bool loadsAgain = false, isCopied = false;
+    SaveEnd end = save.settleWithDisk(isOvertaken, loadsAgain);
     if (!end && loadsAgain) {
         end = loadAgain();
     }
@@ -205,7 +205,7 @@ SaveResult CustomizeSession::saveInto(const std::string& project) {
         return *end;
     }
     if (isOvertaken) {
-        return saveInto(project);  // asks what to do with the other program's changes
+        return saveInto(project, true);  // asks what to do with the other program's changes
     }
     m_project.saved(project, isCopied);
     rowsMade(save.takeOver());

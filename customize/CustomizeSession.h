@@ -104,7 +104,7 @@ private:
     void rowsMade(bool keepHistory);
     bool fetchTemplateCopy();
     bool mayDropChanges();
-    SaveResult saveInto(const std::string& project);
+    SaveResult saveInto(const std::string& project, bool isOvertaken);
     SaveEnd loadAgain();
 
     ZunEditorInterface& m_host;

@@ -26,13 +26,13 @@ bool sameRows(const CustomScript& a, const CustomScript& b) {
 
 }  // namespace
 
-SaveEnd ScriptSave::settleWithDisk(bool& loadsAgain) {
-    // The whole content is compared: times are too coarse for two programs that write at once. A file that can be
-    // written but not read may hold another's work.
+SaveEnd ScriptSave::settleWithDisk(bool isOvertaken, bool& loadsAgain) {
     const std::string& path = m_panel.script.scriptPath;
-    if (osFiles().holds(path, m_panel.script.fileText()).value_or(false)) {
+    if (!isOvertaken && m_panel.script.onDisk && osFiles().search(path) == m_panel.script.onDisk) {
         return std::nullopt;
     }
+    // Times are too coarse for two programs that write at once. A file that can be written but not read may hold
+    // another's work.
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
     if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing)) {
@@ -131,14 +131,16 @@ SaveEnd ScriptSave::write(bool isCopied, bool& isOvertaken) {
 }
 
 bool ScriptSave::takeOver() {
+    bool isSame = true;
     // The spans of the next save are right then.
     if (m_keepsEntries) {
         applyEdits(m_panel.script, m_edits, std::move(m_text));
         m_panel.settleRows(m_reader.hostNames(m_panel.script));
-        return true;
+    } else {
+        isSame = sameRows(m_panel.script, m_saved.script);
+        m_panel = std::move(m_saved);
     }
-    const bool isSame = sameRows(m_panel.script, m_saved.script);
-    m_panel = std::move(m_saved);
+    m_panel.script.onDisk = osFiles().search(m_panel.script.scriptPath);
     return isSame;
 }
 

@@ -21,8 +21,9 @@ public:
         : m_panel(panel), m_reader(reader), m_prompt(prompt) {}
 
     // Asks where the file is another one than was loaded. With `loadsAgain` the user wants it loaded again and the
-    // values put into it, before the save goes on.
-    SaveEnd settleWithDisk(bool& loadsAgain);
+    // values put into it, before the save goes on. A look at the file's time and size is enough at first: a change
+    // that they don't show is met by `write`, and then the whole content is compared (`isOvertaken`).
+    SaveEnd settleWithDisk(bool isOvertaken, bool& loadsAgain);
     // Makes the text from the rows' values. Asks where entries would be lost by it.
     SaveEnd makeText();
     // Puts the script, whose path may be another one by now, and its value file into their places. The save begins anew

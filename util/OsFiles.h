@@ -19,6 +19,8 @@ struct OsEntry {
     bool isFolder = false;
     FileTime lastWrite;
     std::uint64_t size = 0;
+
+    bool operator==(const OsEntry&) const = default;
 };
 
 // What a path names, links followed.

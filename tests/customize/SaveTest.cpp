@@ -203,6 +203,21 @@ TEST_F(Session, ChangesFromOutsideAreSettledBeforeSaving) {
     ASSERT_EQ(session.save(), SaveResult::Saved);
     EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 11;"));
     EXPECT_THAT(project.read("s.kez"), HasSubstr("\"theirs\""));
+    // A change that neither the file's size nor its time shows.
+    const auto before = osFiles().search(project.path("s.kez"));
+    set("Range", "21");
+    std::string alike = project.read("s.kez");
+    alike.replace(alike.find("theirs"), 6, "others");
+    project.write("s.kez", alike);
+    ASSERT_TRUE(osFiles().setTimes(project.path("s.kez"), before->lastWrite));
+    ASSERT_EQ(osFiles().search(project.path("s.kez")), before);
+    prompt.answers = {PromptAnswer::Cancel, PromptAnswer::Yes};
+    EXPECT_EQ(session.save(), SaveResult::Cancelled);
+    EXPECT_EQ(project.read("s.kez"), alike);
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 21;"));
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("\"others\""));
+    EXPECT_EQ(prompt.texts().size(), 4u);
     // Overwriting leaves the script as it was loaded, with the changes.
     set("Range", "12");
     project.write("s.kez", "other");
