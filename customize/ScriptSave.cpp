@@ -115,11 +115,12 @@ SaveEnd ScriptSave::write(bool isCopied, bool& isOvertaken) {
         m_saved.script.scriptPath = path;
         m_saved.makeRows(m_reader.hostNames(m_saved.script));
     }
-    const std::string values = valueFileText(m_panel.script, true);
     const std::string_view onDisk = m_overwritten ? *m_overwritten : m_panel.script.fileText();
     const FileContent files[] = {
-        {path, m_text, FileKind::Named, isCopied ? std::nullopt : std::optional(onDisk)},
-        {path + kValueFileEnding, values, FileKind::Generated, std::nullopt, path}};
+        {.path = path, .bytes = m_text, .expected = isCopied ? std::nullopt : std::optional(onDisk)},
+        {.path = path + kValueFileEnding, .kind = FileKind::Generated, .like = path, .made = [this] {
+             return valueFileText(m_panel.script, true);
+         }}};
     const SafeWriteResult result = safeWrite(files);
     isOvertaken = result.changedMeanwhile;
     if (result.written == 0 && !isOvertaken) {

@@ -163,7 +163,7 @@ public:
 
     std::string place() {
         if (!m_sibling->isMade()) {
-            return writeInPlace(m_files, m_target, m_content.bytes);
+            return writeInPlace(m_files, m_target, bytes());
         }
         if (m_exists ? m_files.replaceFile(m_target, m_sibling->path())
                      : m_files.renameNew(m_sibling->path(), m_target)) {
@@ -184,7 +184,12 @@ public:
     }
 
 private:
+    std::string_view bytes() const { return m_content.made ? m_made : m_content.bytes; }
+
     std::string prepare(std::set<std::string>& settled) {
+        if (m_content.made) {
+            m_made = m_content.made();
+        }
         const std::string path = m_files.fullPath(m_content.path);
         if (m_content.kind == FileKind::Generated && m_files.isLink(path)) {
             return failure("Can't write", path, "a link stands in its place");
@@ -208,7 +213,7 @@ private:
         clearAbandoned(m_files, folder);
         m_sibling.emplace(m_files, m_target, m_exists ? m_target : m_content.like);
         if (m_sibling->isMade()) {
-            return m_sibling->write(m_content.bytes, m_content.flushed)
+            return m_sibling->write(bytes(), m_content.flushed)
                        ? ""
                        : failure("Can't write", m_target, m_files.lastError());
         }
@@ -229,6 +234,7 @@ private:
 
     OsFiles& m_files;
     const FileContent& m_content;
+    std::string m_made;
     std::string m_target;
     std::optional<FileLock> m_lock;
     bool m_exists = false;

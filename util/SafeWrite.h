@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -28,7 +29,7 @@ enum class FileKind {
 
 struct FileContent {
     std::string path;
-    std::string_view bytes;
+    std::string_view bytes = {};
     FileKind kind = FileKind::Named;
     // What the file was when it was read and must still be when it is replaced. The file's lock (see
     // FileLock) is held from the look to the replacing.
@@ -36,6 +37,9 @@ struct FileContent {
     // The file whose mode and access rights a new file gets; empty: those of any new file. An existing one
     // keeps its own.
     std::string like = {};
+    // Where set, makes the content in the place of `bytes`: once the files in front are written, so that it takes its
+    // time while the disk takes its own.
+    std::function<std::string()> made = {};
     // False for one of many that are made again just as well: the disk is not waited for, so a power failure may leave
     // it cut or empty, though nothing else can.
     bool flushed = true;

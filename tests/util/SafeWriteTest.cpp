@@ -83,9 +83,10 @@ TEST(SafeWrite, SeveralFilesEndAtTheFirstThatFails) {
     for (const bool inPlace : {false, true}) {
         std::set<size_t> counts;
         failEachOperation(inPlace, false, [&](const TempFolder& folder) {
-            const zoka::FileContent files[] = {{folder.write("a", kOld), kFresh},
-                                               {folder.path("b"), inPlace ? kOld : kFresh},
-                                               {folder.write("c", kOld), kFresh}};
+            const zoka::FileContent files[] = {
+                {folder.write("a", kOld), kFresh},
+                {folder.path("b"), inPlace ? kOld : kFresh},
+                {.path = folder.write("c", kOld), .made = [] { return std::string(kFresh); }}};
             if (inPlace) {
                 folder.write("b", kOld);
             }
@@ -101,6 +102,13 @@ TEST(SafeWrite, SeveralFilesEndAtTheFirstThatFails) {
         });
         EXPECT_EQ(counts, (std::set<size_t>{0, 1, 2, 3}));
     }
+    const TempFolder folder;
+    const zoka::FileContent files[] = {
+        {folder.write("a", kOld), kFresh},
+        {.path = folder.path("b"), .made = []() -> std::string { throw std::bad_alloc(); }}};
+    EXPECT_THROW(safeWrite(files), std::bad_alloc);
+    EXPECT_THAT(folder.names(), testing::ElementsAre("a"));
+    EXPECT_EQ(folder.read("a"), kOld);
 }
 
 TEST(SafeWrite, SaysWhatIsWrong) {
