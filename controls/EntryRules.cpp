@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 #include "controls/Colour.h"
 #include "util/LexChars.h"
@@ -74,17 +75,24 @@ std::string refusalOfNumber(const EntryFacts& facts, std::string_view text) {
 }  // namespace
 
 std::optional<double> numberOf(std::string_view text) {
+    constexpr size_t kExactDigits = 15;  // of a whole number that a double holds as it is
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {
         text.remove_prefix(1);
     }
     bool point = false;
+    std::uint64_t whole = 0;  // wraps around in numbers for which it doesn't count
     for (const char c : text) {
         if (c == '.' && !point) {
             point = true;
         } else if (!lex::isDecimal(c)) {
             return std::nullopt;
+        } else {
+            whole = whole * 10 + static_cast<std::uint64_t>(c - '0');
         }
+    }
+    if (!point && text.size() <= kExactDigits) {  // most numbers; several times as fast as what follows
+        return negative ? -static_cast<double>(whole) : static_cast<double>(whole);
     }
     double value = 0;
     const auto result =

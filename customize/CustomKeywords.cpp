@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 #include "util/Fold.h"
 #include "util/LexChars.h"
@@ -77,24 +79,75 @@ constexpr std::string_view kOrdinaryWords[] = {"tile", "mage"};
 
 constexpr size_t kLongest = 16;
 
-constexpr uint8_t kFree = 0xFF;
+// A word packed: those of one length that are the same have the same key. The two halves overlap in words that don't
+// fill them.
+struct WordKey {
+    std::uint64_t front = 0, back = 0;
 
-constexpr size_t slotOf(char first, char last, size_t length) {
-    return (static_cast<unsigned char>(first) * 7u + static_cast<unsigned char>(last) * 31u + length * 5u) &
-           127u;
+    bool operator==(const WordKey&) const = default;
+};
+
+template <size_t Bytes>
+constexpr std::uint64_t bytesAt(const char* at) {
+    std::uint64_t bytes = 0;
+    if (std::is_constant_evaluated()) {
+        for (size_t i = 0; i < Bytes; ++i) {
+            bytes |= std::uint64_t{static_cast<unsigned char>(at[i])} << (8 * i);
+        }
+    } else {
+        static_assert(std::endian::native == std::endian::little);
+        std::memcpy(&bytes, at, Bytes);
+    }
+    return bytes;
 }
 
-// Places of the table by first and last letter and length; words that meet stand in the slots that follow.
-constexpr auto kSlots = [] {
-    std::array<uint8_t, 128> slots{};
-    slots.fill(kFree);
+// Of 2 to kLongest characters, letters as they are.
+constexpr WordKey packed(const char* word, size_t length) {
+    if (length < 4) {
+        return {bytesAt<2>(word), bytesAt<2>(word + length - 2)};
+    }
+    if (length < 8) {
+        return {bytesAt<4>(word), bytesAt<4>(word + length - 4)};
+    }
+    return {bytesAt<8>(word), bytesAt<8>(word + length - 8)};
+}
+
+constexpr WordKey folded(const WordKey& key) {
+    return {foldCase(key.front), foldCase(key.back)};
+}
+
+struct Keyword {
+    WordKey key;
+    size_t length = 0;
+};
+
+constexpr auto kKeywords = [] {
+    std::array<Keyword, kKeywordCount> keywords{};
     for (size_t i = 0; i < kNames.size(); ++i) {
         const std::string_view name = kNames[i];
-        size_t slot = slotOf(foldCase(name.front()), foldCase(name.back()), name.size());
+        keywords[i] = {folded(packed(name.data(), name.size())), name.size()};
+    }
+    return keywords;
+}();
+
+constexpr std::uint8_t kFree = 0xFF;
+
+// Of a word in whatever case: the bit in which the case of letters differs is set in all.
+constexpr size_t slotOf(const WordKey& key, size_t length) {
+    constexpr std::uint64_t caseBits = 0x2020202020202020;
+    return (((key.front | caseBits) ^ (key.back | caseBits) << 5) * 0x9E3779B97F4A7C15 >> 57 ^ length) & 127u;
+}
+
+// Places in the table above; words that meet stand in the slots that follow.
+constexpr auto kSlots = [] {
+    std::array<std::uint8_t, 128> slots{};
+    slots.fill(kFree);
+    for (size_t i = 0; i < kKeywords.size(); ++i) {
+        size_t slot = slotOf(kKeywords[i].key, kKeywords[i].length);
         while (slots[slot] != kFree) {
             slot = (slot + 1) & 127u;
         }
-        slots[slot] = static_cast<uint8_t>(i);
+        slots[slot] = static_cast<std::uint8_t>(i);
     }
     return slots;
 }();
@@ -140,14 +193,10 @@ int LookupCustomKeyword(const char* word, size_t length) {
     if (length < 2 || length > kLongest) {
         return kNoKeyword;
     }
-    const char first = foldCase(word[0]);
-    size_t slot = slotOf(first, foldCase(word[length - 1]), length);
-    for (; kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
-        const std::string_view name = kNames[kSlots[slot]];
-        if (name.size() != length || name[0] != first) {
-            continue;
-        }
-        if (lex::equalsIgnoringCase(name.data(), word, length)) {
+    const WordKey given = packed(word, length), key = folded(given);
+    for (size_t slot = slotOf(given, length); kSlots[slot] != kFree; slot = (slot + 1) & 127u) {
+        const Keyword& keyword = kKeywords[kSlots[slot]];
+        if (keyword.length == length && keyword.key == key) {
             return kSlots[slot];
         }
     }

@@ -1,13 +1,22 @@
 #include "customize/DefinitionTokens.h"
 
+#include <array>
+
 #include "util/LexChars.h"
+#include "util/Text.h"
 
 namespace zoka {
 namespace {
 
-bool isPunctuation(char c) {
-    return c == ':' || c == ';' || c == '=' || c == ',';
-}
+constexpr Separators kPunctuation(":;=,");
+// Of every byte whether a word ends in front of it: the one question that is asked of each character of a definition.
+constexpr auto kEndsWord = [] {
+    std::array<bool, 256> ends{};
+    for (const unsigned char c : std::string_view(" \t\r\n:;=,")) {
+        ends[c] = true;
+    }
+    return ends;
+}();
 
 }  // namespace
 
@@ -43,8 +52,8 @@ std::string_view DefinitionTokens::next() {
             return stop(End::OpenQuote);
         }
         end = m_text.find('"', start + 1) + 1;
-    } else if (!isPunctuation(first)) {
-        while (end < m_text.size() && !lex::isSpace(m_text[end]) && !isPunctuation(m_text[end])) {
+    } else if (!kPunctuation.has(first)) {
+        while (end < m_text.size() && !kEndsWord[static_cast<unsigned char>(m_text[end])]) {
             ++end;
         }
     }
@@ -86,7 +95,7 @@ DefinitionValue findDefinitionValue(std::string_view text, size_t from, size_t l
         if (token == "=") {
             token = tokens.next();
             // Replacing a separator would break the definition: there is no value between the two.
-            if (token.empty() || (token.size() == 1 && isPunctuation(token[0]))) {
+            if (token.empty() || (token.size() == 1 && kPunctuation.has(token[0]))) {
                 return none();
             }
             return {Found::Yes, token, tokens.position()};

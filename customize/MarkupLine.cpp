@@ -18,6 +18,7 @@ namespace {
 constexpr std::string_view kKeywordSeparators = " \t:";
 constexpr double kMinimumDefault = -999999.0;
 constexpr double kMaximumDefault = 999999.0;
+constexpr size_t kUsualChoices = 4;  // of a drop list; more take a little longer
 
 // A limit of a "cntl" line; false when it's no number (and then 0).
 bool readLimit(std::string_view token, double ifX, double& value) {
@@ -74,6 +75,7 @@ bool readControl(std::string_view text, CustomEntry& entry, std::string* fault) 
     if (equalNoCase(word, "drop_list") || equalNoCase(word, "drop")) {
         entry.controlKind = kDropList;
         entry.options.clear();
+        entry.options.reserve(kUsualChoices);
         for (std::string_view option = tokens.next(); !option.empty(); option = tokens.next()) {
             entry.options.emplace_back(option);
         }

@@ -70,9 +70,10 @@ public:
     constexpr bool endsToken(char c) const { return has(m_set | 1 | 1 << '\r' | 1 << '\n', c); }
 
 private:
+    // Without a jump, which words of letters and digits would make hard to foresee.
     static constexpr bool has(std::uint64_t set, char c) {
         const auto byte = static_cast<unsigned char>(c);
-        return byte < 64 && (set >> byte & 1) != 0;
+        return (set >> (byte & 63) & static_cast<std::uint64_t>(byte < 64)) != 0;
     }
 
     std::uint64_t m_set = 0;
