@@ -46,12 +46,16 @@ inline Pair leastOf(int rounds, const std::function<double()>& ours, const std::
 // Whether everything that was printed is as wanted.
 inline bool g_allMet = true;
 
+// The end of each line that something is wanted of.
+inline const char* verdict(bool met) {
+    g_allMet = g_allMet && met;
+    return met ? "ok" : "MISSED";
+}
+
 inline void printRatio(const char* what, const Pair& times, const char* against, double wanted) {
     const double ratio = times.ours / times.other;
-    const bool met = ratio <= wanted;
-    g_allMet = g_allMet && met;
     std::printf("%-44s %9.2f ms  %-24s %9.2f ms  ratio %5.2f  wanted <= %.2f  %s\n", what, times.ours,
-                against, times.other, ratio, wanted, met ? "ok" : "MISSED");
+                against, times.other, ratio, wanted, verdict(ratio <= wanted));
 }
 
 }  // namespace zoka::bench
