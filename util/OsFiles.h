@@ -63,7 +63,7 @@ enum class OsOpen {
 };
 
 // Why an operation failed, as far as the logic tells reasons apart.
-enum class OsFault { NoPermission, NoRoom, Other };
+enum class OsFault { NoPermission, NoRoom, InUse, Other };
 
 // A lock file that this process holds; its destructor removes it.
 class OsLock {

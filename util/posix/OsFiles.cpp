@@ -17,7 +17,7 @@
 #include "util/BoostFiles.h"
 #include "util/OwnFiles.h"
 #include "util/PathRules.h"
-#include "util/Remedies.h"
+#include "util/SystemError.h"
 #include "util/posix/NativePath.h"
 
 namespace zoka {
@@ -42,23 +42,6 @@ timespec toTimespec(FileTime time) {
     const std::uint64_t ticks = time.ticks();
     return {static_cast<time_t>(static_cast<std::int64_t>(ticks / kTicksPerSecond) - kSecondsFrom1601To1970),
             static_cast<long>(ticks % kTicksPerSecond * 100)};
-}
-
-const char* remedyFor(int error) {
-    switch (error) {
-        case ENOSPC:
-        case EDQUOT:
-            return kNoRoomRemedy;
-        case EBUSY:
-        case ETXTBSY:
-            return kInUseRemedy;
-        default:
-            return "";
-    }
-}
-
-std::string describeError(int error) {
-    return std::string(std::strerror(error)) + remedyFor(error);
 }
 
 // A file descriptor that closes itself and leaves errno alone, so that a failure's
@@ -524,22 +507,12 @@ public:
         }
     }
 
-    std::string lastError() override { return describeError(errno); }
-    OsFault lastFault() override {
-        switch (errno) {
-            case EACCES:
-            case EPERM:
-            case EROFS:
-                return OsFault::NoPermission;
-            case ENOSPC:
-            case EDQUOT:
-                return OsFault::NoRoom;
-            default:
-                return OsFault::Other;
-        }
-    }
+    std::string lastError() override { return describeError(lastNumber()); }
+    OsFault lastFault() override { return faultOf(lastNumber()); }
 
 private:
+    static SystemErrorNumber lastNumber() { return static_cast<SystemErrorNumber>(errno); }
+
     // Keeps the number of an error for lastError.
     static bool told(int error) {
         errno = error;
@@ -573,7 +546,7 @@ private:
             errno = 0;
         }
         if (left && errno != 0) {
-            left->error = describeError(errno);
+            left->error = describeError(lastNumber());
         }
         std::ranges::sort(found,
                           [](const OsEntry& a, const OsEntry& b) { return lessNoCase(a.name, b.name); });

@@ -9,7 +9,7 @@
 #include "util/BoostFiles.h"
 #include "util/OwnFiles.h"
 #include "util/PathRules.h"
-#include "util/Remedies.h"
+#include "util/SystemError.h"
 
 namespace zoka {
 namespace {
@@ -49,35 +49,11 @@ private:
     HANDLE m_handle;
 };
 
-const char* remedyFor(DWORD code) {
-    switch (code) {
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-            return kNoRoomRemedy;
-        case ERROR_SHARING_VIOLATION:
-        case ERROR_LOCK_VIOLATION:
-            return kInUseRemedy;
-        default:
-            return "";
-    }
-}
-
-std::string describeError(DWORD code) {
-    char text[512];
-    DWORD size = FormatMessageA(
-        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK, nullptr,
-        code, 0, text, sizeof text, nullptr);
-    while (size > 0 && (text[size - 1] == ' ' || text[size - 1] == '.')) {
-        --size;
-    }
-    return (size > 0 ? std::string(text, size) : "system error " + std::to_string(code)) + remedyFor(code);
-}
-
 constexpr DWORD kPatienceMs = 1000;
 constexpr DWORD kRetryMs = 20;
 
 bool isHeldByOther(DWORD error) {
-    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+    return faultOf(error) == OsFault::InUse;
 }
 // A file that another program has open is refused as if it were forbidden when another is moved to its place.
 bool isTargetHeldByOther(DWORD error) {
@@ -557,18 +533,7 @@ public:
     void flushFolder(const std::string&) override {}  // the file system's own log keeps the order
 
     std::string lastError() override { return describeError(GetLastError()); }
-    OsFault lastFault() override {
-        switch (GetLastError()) {
-            case ERROR_ACCESS_DENIED:
-            case ERROR_WRITE_PROTECT:
-                return OsFault::NoPermission;
-            case ERROR_DISK_FULL:
-            case ERROR_HANDLE_DISK_FULL:
-                return OsFault::NoRoom;
-            default:
-                return OsFault::Other;
-        }
-    }
+    OsFault lastFault() override { return faultOf(GetLastError()); }
 
 private:
     static bool moveFile(const std::string& own, const std::wstring& from, const std::wstring& to,
