@@ -48,10 +48,22 @@ void settle() {
     }
 }
 
-HWND makeParent() {
-    return CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200, nullptr,
-                           nullptr, GetModuleHandleA(nullptr), nullptr);
-}
+// A panel with one row, in sight. Lives on one thread.
+struct ShownPanel {
+    ShownPanel() { settle(); }
+    ~ShownPanel() { DestroyWindow(parent); }
+    ShownPanel(const ShownPanel&) = delete;
+    ShownPanel& operator=(const ShownPanel&) = delete;
+
+    const ControlClasses classes;
+    const WindowFonts fonts;
+    Rows rows;
+    Host host;
+    EntryPanel entries{rows, host};
+    const HWND parent = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 200,
+                                        nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+    const HWND window = entries.create(parent, 1, fonts);
+};
 
 // The lock that a thread holds while it loads or frees a library.
 class LoaderLock {
@@ -72,7 +84,7 @@ private:
     ULONG_PTR m_cookie = 0;
 };
 
-struct Panel {
+struct PanelThread {
     HANDLE ready = CreateEventA(nullptr, TRUE, FALSE, nullptr),
            shown = CreateEventA(nullptr, TRUE, FALSE, nullptr),
            go = CreateEventA(nullptr, TRUE, FALSE, nullptr);
@@ -89,29 +101,21 @@ BOOL CALLBACK findTip(HWND window, LPARAM found) {
 }
 
 DWORD WINAPI panelMain(void* data) {
-    auto& panel = *static_cast<Panel*>(data);
-    const ControlClasses classes;
-    const WindowFonts fonts;
-    Rows rows;
-    Host host;
-    EntryPanel entries(rows, host);
-    const HWND parent = makeParent();
-    const HWND window = entries.create(parent, 1, fonts);
-    settle();
-    SetEvent(panel.ready);
-    WaitForSingleObject(panel.go, INFINITE);
-    entries.showRefusal(window, "That is no number.");
+    auto& thread = *static_cast<PanelThread*>(data);
+    ShownPanel panel;
+    SetEvent(thread.ready);
+    WaitForSingleObject(thread.go, INFINITE);
+    panel.entries.showRefusal(panel.window, "That is no number.");
     settle();
     bool isVisible = false;
     EnumThreadWindows(GetCurrentThreadId(), findTip, reinterpret_cast<LPARAM>(&isVisible));
-    panel.isVisible = isVisible;
-    SetEvent(panel.shown);
-    DestroyWindow(parent);
+    thread.isVisible = isVisible;
+    SetEvent(thread.shown);
     return 0;
 }
 
 TEST(EntryPanel, ShowsAReasonWithoutTheLoadersLock) {
-    Panel panel;
+    PanelThread panel;
     const HANDLE thread = CreateThread(nullptr, 0, panelMain, &panel, 0, nullptr);
     ASSERT_EQ(WaitForSingleObject(panel.ready, 60000), WAIT_OBJECT_0);
     {
@@ -128,27 +132,19 @@ TEST(EntryPanel, ShowsAReasonWithoutTheLoadersLock) {
 
 // What is asked for waits in the thread's queue, behind what may bring other rows.
 TEST(EntryPanel, OpensTheMenuOfTheRowThatWasMeantOrNone) {
-    const ControlClasses classes;
-    const WindowFonts fonts;
-    Rows rows;
-    Host host;
-    EntryPanel entries(rows, host);
-    const HWND parent = makeParent();
-    entries.create(parent, 1, fonts);
-    settle();
+    ShownPanel panel;
     const auto askAnd = [&](const char* subject, const char* label) {
-        entries.menuSoon(0, nullptr, -1);
-        rows.shown = subject;
-        rows.make(label);
-        entries.rowsReplaced(false);
+        panel.entries.menuSoon(0, nullptr, -1);
+        panel.rows.shown = subject;
+        panel.rows.make(label);
+        panel.entries.rowsReplaced(false);
         settle();
     };
     askAnd("harbour", "Depth");
-    EXPECT_EQ(host.menus.size(), 1U) << "the same row, read again";
+    EXPECT_EQ(panel.host.menus.size(), 1U) << "the same row, read again";
     askAnd("harbour", "Width");
     askAnd("town", "Width");
-    EXPECT_EQ(host.menus.size(), 1U) << "of another row";
-    DestroyWindow(parent);
+    EXPECT_EQ(panel.host.menus.size(), 1U) << "of another row";
 }
 
 }  // namespace
