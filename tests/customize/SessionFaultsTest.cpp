@@ -88,6 +88,28 @@ TEST_F(Session, FaultsAreToldLeaveWholeFilesAndTheNextTryWorks) {
     }
 }
 
+// The values are still at hand when the file that has just taken them can't be read.
+TEST_F(Session, AnUpdateKeepsItsValuesWithoutTheValueFile) {
+    makeTemplate(kNew);
+    open();
+    set("Range", "11");
+    set("Gone", "mine");
+    prompt.answers = {PromptAnswer::Yes};
+    {
+        const FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+            return op == "readWhole" && path.ends_with(".zoka");
+        });
+        EXPECT_TRUE(session.update());
+    }
+    EXPECT_EQ(prompt.asked.size(), 2u);
+    EXPECT_EQ(prompt.asked.back().text, "Error open file to read\n(Code 2801)");
+    EXPECT_EQ(value("Range"), "11");
+    ASSERT_EQ(session.unplaced().size(), 1u);
+    EXPECT_EQ(session.unplaced()[0].kept.value, "mine");
+    EXPECT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 11;"));
+}
+
 TEST_F(Session, AFolderThatIsGoneIsTold) {
     open();
     set("Range", "12");
