@@ -25,7 +25,7 @@ constexpr DWORD kReadAtOnce = 50;  // what is read within that time is shown at 
 constexpr ListColumn kWizardColumns[] = {{nullptr, 100, true}};
 enum Column { kName, kSize, kSource, kProblem };
 constexpr ListColumn kPlanColumns[] = {
-    {"Folder or file", 100, true}, {"Size", 40}, {"From", 90, true}, {"Note", 90, true}};
+    {"Folder or file", 84, true}, {"Size", 40}, {"From", 112, true, true}, {"Note", 84, true}};
 
 // Dialog units.
 constexpr int kListWidth = 118;

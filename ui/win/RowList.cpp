@@ -81,6 +81,21 @@ void RowList::fitColumns() const {
     }
 }
 
+// The list itself would cut off the end, which is the file's name.
+void RowList::fitPath(std::wstring& path, int column) const {
+    const auto width =
+        static_cast<LONG>(SendMessageA(m_window, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0));
+    RECT room{0, 0, std::max<LONG>(width - 6 * GetSystemMetrics(SM_CXEDGE), 0), 0};
+    path.resize(path.size() + 5);  // as much may be put in
+    const HDC dc = GetDC(m_window);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(m_window, WM_GETFONT, 0, 0)));
+    DrawTextW(dc, path.data(), -1, &room,
+              DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT | DT_PATH_ELLIPSIS | DT_MODIFYSTRING);
+    SelectObject(dc, old);
+    ReleaseDC(m_window, dc);
+    path.resize(path.find(L'\0'));
+}
+
 void RowList::setTextWidth(int width) {
     m_textWidth = width;
     fitColumns();
@@ -141,7 +156,11 @@ LRESULT RowList::notified(NMHDR& header) {
         case static_cast<UINT>(LVN_GETDISPINFOW): {
             LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
             if ((item.mask & LVIF_TEXT) != 0 && item.cchTextMax > 0) {
-                const std::wstring text = wideReport(m_text(item.iItem, item.iSubItem));
+                std::wstring text = wideReport(m_text(item.iItem, item.iSubItem));
+                const auto column = static_cast<size_t>(item.iSubItem);
+                if (column < m_columns.size() && m_columns[column].isPath) {
+                    fitPath(text, item.iSubItem);
+                }
                 const size_t length = text.copy(item.pszText, static_cast<size_t>(item.cchTextMax) - 1);
                 item.pszText[length] = 0;
             }

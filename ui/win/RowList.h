@@ -18,8 +18,9 @@ namespace zoka {
 
 struct ListColumn {
     const char* title;
-    int units;           // the least width, in dialog units
-    bool grows = false;  // takes a share of the room that is left
+    int units;            // the least width, in dialog units
+    bool grows = false;   // takes a share of the room that is left
+    bool isPath = false;  // one that is too long loses its middle and keeps the file's name
 };
 
 // Draws the titles of a list whose columns are all there.
@@ -70,6 +71,7 @@ private:
     LRESULT paint(NMLVCUSTOMDRAW& draw) const;
     int find(int start, UINT flags, const std::wstring& typed) const;
     void fitColumns() const;
+    void fitPath(std::wstring& path, int column) const;
 
     HWND m_window = nullptr;
     CellText m_text;
