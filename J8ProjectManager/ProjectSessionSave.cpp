@@ -4,6 +4,7 @@
 
 #include "J8ProjectManager/ProjectSession.h"
 #include "util/Backups.h"
+#include "util/ChangedOutside.h"
 #include "util/Doors.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -13,6 +14,7 @@ namespace zoka {
 namespace {
 
 constexpr size_t kListed = 10;
+constexpr const char* kWhat = "The project file";
 
 // Lines with texts of the project, for a question.
 std::string listed(const std::vector<std::string>& lines) {
@@ -62,8 +64,7 @@ std::optional<SaveResult> ProjectSession::settleChangesFromOutside(std::string& 
     const auto now = osFiles().readWhole(m_path);
     const std::string why = now ? "" : osFiles().lastError();
     if (!now && osFiles().exists(m_path)) {
-        return fail("Can't read '" + m_path + "': " + why +
-                    "\nAnother program may have changed it, so it was not saved.");
+        return fail(unreadableNow(m_path, why));
     }
     onDisk = now.value_or("");
     overwrites = false;
@@ -71,11 +72,7 @@ std::optional<SaveResult> ProjectSession::settleChangesFromOutside(std::string& 
         // Who moved or renamed it would have two of them. In a folder that is gone writing it fails.
         const bool isGone = osFiles().kindOf(m_path) == OsKind::Missing &&
                             osFiles().kindOf(std::string(folderOf(m_path))) == OsKind::Folder;
-        return isGone && asksAboutOthersChanges &&
-                       !question(
-                           "The project file is gone: it was moved, renamed or deleted since it was "
-                           "loaded.\n\nSave it anew, as '" +
-                           m_path + "'?")
+        return isGone && asksAboutOthersChanges && !asksToSaveAnew(m_prompt, kWhat, m_path)
                    ? std::optional<SaveResult>(SaveResult::Cancelled)
                    : std::nullopt;
     }
@@ -84,12 +81,7 @@ std::optional<SaveResult> ProjectSession::settleChangesFromOutside(std::string& 
     }
     PromptAnswer answer = PromptAnswer::Yes;
     if (asksAboutOthersChanges) {
-        answer = m_prompt.ask(
-            "The project file was changed by another program since it was loaded.\n\n"
-            "Yes: load it again, keep my changes and save them.\n"
-            "No: overwrite it, the other changes are lost (a copy of the file is kept).\n"
-            "Cancel: don't save.",
-            "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
+        answer = askAboutChangedFile(m_prompt, kWhat, true);
     }
     overwrites = answer == PromptAnswer::No;
     if (overwrites) {

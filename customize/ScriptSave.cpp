@@ -3,12 +3,15 @@
 #include <utility>
 
 #include "customize/ValueFile.h"
+#include "util/ChangedOutside.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
 #include "util/SafeWrite.h"
 
 namespace zoka {
 namespace {
+
+constexpr const char* kWhat = "The script";
 
 // Whether undo may go on: the rows mean the same as before.
 bool sameRows(const CustomScript& a, const CustomScript& b) {
@@ -36,17 +39,13 @@ SaveEnd ScriptSave::settleWithDisk(bool isOvertaken, bool& loadsAgain) {
     const auto now = osFiles().readWhole(path);
     const std::string why = now ? "" : osFiles().lastError();
     if (!now && osFiles().exists(path) && osFiles().openForWriting(path, OsOpen::Existing)) {
-        return saveFailed(m_prompt, "Can't read '" + path + "': " + why +
-                                        "\nAnother program may have changed it, so it was not saved.");
+        return saveFailed(m_prompt, unreadableNow(path, why));
     }
     if (!now) {
         // Who moved or renamed it would have two of them. In a folder that is gone writing it fails.
         if (osFiles().kindOf(path) == OsKind::Missing &&
             osFiles().kindOf(std::string(folderOf(path))) == OsKind::Folder &&
-            !asksYes(m_prompt,
-                     "The script is gone: it was moved, renamed or deleted since it was loaded.\n\nSave it "
-                     "anew, as '" +
-                         path + "'?")) {
+            !asksToSaveAnew(m_prompt, kWhat, path)) {
             return SaveResult::Cancelled;
         }
         m_overwritten.emplace();
@@ -55,12 +54,7 @@ SaveEnd ScriptSave::settleWithDisk(bool isOvertaken, bool& loadsAgain) {
     if (*now == m_panel.script.fileText()) {
         return std::nullopt;
     }
-    switch (
-        m_prompt.ask("The script was changed on the disk since it was loaded.\n\n"
-                     "Yes: load it again, keep my values and save them.\n"
-                     "No: overwrite it, the other changes are lost.\n"
-                     "Cancel: don't save.",
-                     "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning)) {
+    switch (askAboutChangedFile(m_prompt, kWhat, false)) {
         case PromptAnswer::Yes:
             loadsAgain = true;
             return std::nullopt;

@@ -176,7 +176,7 @@ TEST_F(ProjectSessionTest, WhatIsWrittenWhileAQuestionStandsIsAskedAbout) {
     prompt.answers = {PromptAnswer::Yes, PromptAnswer::Cancel};
     EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_EQ(folder.read("game.xml"), theirs);
-    EXPECT_THAT(prompt.asked.back().text, HasSubstr("changed by another program"));
+    EXPECT_THAT(prompt.asked.back().text, HasSubstr("The project file was changed on the disk "));
 
     prompt.whenAsked = nullptr;
     session.asksAboutOthersChanges = false;

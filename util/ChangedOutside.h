@@ -1,0 +1,19 @@
+// What a save asks and tells where its file is another one by now than was loaded: the same words for every kind of
+// file. `what` names the kind, as "The script".
+#pragma once
+
+#include <string>
+
+#include "util/UserPrompt.h"
+
+namespace zoka {
+
+// Yes: it is to be loaded again, with the user's changes; No: it is overwritten. `keepsCopy`: by a save that leaves a
+// copy of it then.
+PromptAnswer askAboutChangedFile(UserPrompt& prompt, const std::string& what, bool keepsCopy);
+// Whether a file that is gone is to be made again.
+bool asksToSaveAnew(UserPrompt& prompt, const std::string& what, const std::string& path);
+// Of a file that can't be compared any more.
+std::string unreadableNow(const std::string& path, const std::string& why);
+
+}  // namespace zoka
