@@ -29,33 +29,41 @@ std::string_view DefinitionTokens::next() {
     if (m_end != End::None) {
         return {};
     }
-    while (m_at < m_text.size() && lex::isSpace(m_text[m_at])) {
-        ++m_at;
+    size_t start = m_at;
+    while (start < m_text.size() && lex::isSpace(m_text[start])) {
+        ++start;
     }
-    if (m_at >= m_text.size()) {
+    m_at = start;
+    if (start >= m_text.size()) {
         return stop(End::Text);
     }
-    const size_t start = m_at;
-    const char first = m_text[start];
     size_t end = start + 1;
-    if (first == '/') {
-        return stop(End::Comment);
-    }
-    if (first == '<') {
-        end = m_text.find_first_of(">\r\n", start);
-        if (end == m_text.npos || m_text[end] != '>') {
-            return stop(End::OpenBracket);
-        }
-        ++end;
-    } else if (first == '"') {
-        if (m_lastQuote == m_text.npos || m_lastQuote <= start) {
-            return stop(End::OpenQuote);
-        }
-        end = m_text.find('"', start + 1) + 1;
-    } else if (!kPunctuation.has(first)) {
-        while (end < m_text.size() && !kEndsWord[static_cast<unsigned char>(m_text[end])]) {
+    switch (m_text[start]) {
+        case '/':
+            return stop(End::Comment);
+        case '<':
+            end = m_text.find_first_of(">\r\n", start);
+            if (end == m_text.npos || m_text[end] != '>') {
+                return stop(End::OpenBracket);
+            }
             ++end;
-        }
+            break;
+        case '"':
+            if (m_lastQuote == m_text.npos || m_lastQuote <= start) {
+                return stop(End::OpenQuote);
+            }
+            end = m_text.find('"', start + 1) + 1;
+            break;
+        case ':':
+        case ';':
+        case '=':
+        case ',':
+            break;
+        default:
+            while (end < m_text.size() && !kEndsWord[static_cast<unsigned char>(m_text[end])]) {
+                ++end;
+            }
+            break;
     }
     m_at = end;
     return m_text.substr(start, end - start);
