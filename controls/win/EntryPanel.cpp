@@ -126,6 +126,17 @@ int EntryPanel::labelWidth(int width) const {
                       std::max(width * 9 / 20, 0));
 }
 
+// Where the row stands in the view, if all of it does.
+std::optional<int> EntryPanel::placeInSight(size_t row) const {
+    const size_t place = m_layout.rowOfItem(row);
+    if (place >= m_layout.rows().size()) {
+        return std::nullopt;
+    }
+    const int top = topOf(place);
+    const bool isSeen = top >= 0 && top + m_layout.rectOfRow(place, 0).height <= m_height;
+    return isSeen ? std::optional(top) : std::nullopt;
+}
+
 // In the view.
 int EntryPanel::topOf(size_t place) const {
     return m_layout.rectOfRow(place, rowsWidth()).y - m_top;
@@ -247,6 +258,7 @@ void EntryPanel::layout() {
     GetClientRect(m_window, &area);
     const int height = static_cast<int>(area.bottom);
     const int width = rowsWidth() - 2 * m_fonts->px(kMargin);
+    const std::optional<int> stood = m_lastFocused ? placeInSight(*m_lastFocused) : std::nullopt;
     std::vector<PanelItem> items(m_editing.size());
     if (m_textHeights.size() != items.size() || m_textWidth != width) {
         m_textHeights.assign(items.size(), 0);
@@ -265,8 +277,24 @@ void EntryPanel::layout() {
     setText(m_window, m_filled && m_layout.rows().empty() ? m_editing.emptyText() : "");
     const std::vector<size_t>& rows = m_layout.rows();
     const EntryWindow* const focus = focused();
+    const PanelFilter& filter = m_editing.filter;
+    const bool isOther = m_search != filter.search || m_changedOnly != filter.changedOnly;
+    if (isOther) {  // what is found is seen from its beginning
+        m_search = filter.search;
+        m_changedOnly = filter.changedOnly;
+        m_top = 0;
+    }
     if (!focus || m_layout.rowOfItem(focus->row()) < rows.size()) {
-        return scrollTo(m_top);
+        const size_t last = m_lastFocused ? m_layout.rowOfItem(*m_lastFocused) : rows.size();
+        const bool isWhole = filter.search.empty() && !filter.changedOnly;
+        if (last == rows.size() || !(focus ? stood || isOther : isOther && isWhole)) {
+            return scrollTo(m_top);
+        }
+        // The row in use stays in sight, and where it stands when others come back around it.
+        if (isOther && stood) {
+            m_top = m_layout.clampScroll(m_top + topOf(last) - *stood, height);
+        }
+        return scrollTo(m_layout.scrollToShow(last, m_top, height));
     }
     // A row that is shown no more takes the keyboard with it: the first field in sight gets it.
     m_top = m_layout.clampScroll(m_top, height);
@@ -300,7 +328,8 @@ void EntryPanel::scrollTo(int top) {
     }
     RECT area;
     GetClientRect(m_window, &area);
-    m_top = m_layout.clampScroll(top, static_cast<int>(area.bottom));
+    m_height = static_cast<int>(area.bottom);
+    m_top = m_layout.clampScroll(top, m_height);
     SCROLLINFO info{};
     info.cbSize = sizeof info;
     info.fMask = SIF_ALL;

@@ -118,6 +118,7 @@ private:
     int labelWidth(int width) const;
     void layout();
     int topOf(size_t place) const;
+    std::optional<int> placeInSight(size_t row) const;
     int rowsWidth() const;
     void placeRows();
     void scrollTo(int top);
@@ -152,6 +153,9 @@ private:
     std::vector<int> m_textHeights;
     int m_textWidth = 0;
     int m_top = 0;                     // of the view in the content
+    int m_height = 0;                  // of the view
+    std::string m_search;              // that the rows in it were found by
+    bool m_changedOnly = false;        // so that only these are in it
     int m_wheel = 0;                   // what is left of turns smaller than a notch
     int m_widestLabel = 0;             // of the rows measured
     std::wstring m_tip;                // what the tooltip shows
