@@ -43,6 +43,39 @@ UINT iconFlags(PromptIcon icon) {
     }
 }
 
+constexpr const wchar_t* kHookOfBox = L"ZOKA hook of a box";
+
+// The system puts a box into the middle of the screen, which may be far from the window that it is about. Before it is
+// seen it goes over that window, and the hook with it.
+LRESULT CALLBACK placeBox(int code, WPARAM wParam, LPARAM lParam) noexcept {
+    const LRESULT answer = CallNextHookEx(nullptr, code, wParam, lParam);
+    if (code == HCBT_ACTIVATE) {
+        const HWND box = reinterpret_cast<HWND>(wParam), owner = GetWindow(box, GW_OWNER);
+        const HANDLE hook = owner ? RemovePropW(owner, kHookOfBox) : nullptr;
+        if (hook) {
+            UnhookWindowsHookEx(static_cast<HHOOK>(hook));
+            RECT place{};
+            GetWindowRect(box, &place);
+            centreOver(box, owner, static_cast<int>(place.right - place.left),
+                       static_cast<int>(place.bottom - place.top));
+        }
+    }
+    return answer;
+}
+
+int showBox(const std::string& text, const std::string& title, UINT flags) {
+    const HWND owner = modalOwner();
+    const HHOOK hook = owner ? SetWindowsHookExW(WH_CBT, placeBox, nullptr, GetCurrentThreadId()) : nullptr;
+    if (hook) {
+        SetPropW(owner, kHookOfBox, hook);
+    }
+    const int answer = MessageBoxW(owner, wideReport(text).c_str(), wideReport(title).c_str(), flags);
+    if (hook && RemovePropW(owner, kHookOfBox)) {  // no box could be shown
+        UnhookWindowsHookEx(hook);
+    }
+    return answer;
+}
+
 // "KEZ scripts|*.kez|All|*.*" as the chooser wants it: every part 0-terminated, and one more 0.
 std::string chooserFilter(const std::string& filter) {
     std::string parts = filter.empty() ? "All files|*.*" : filter;
@@ -84,8 +117,7 @@ private:
 
 PromptAnswer WinPrompt::ask(const std::string& text, const std::string& title, PromptButtons buttons,
                             PromptIcon icon) {
-    switch (MessageBoxW(modalOwner(), wideReport(text).c_str(), wideReport(title).c_str(),
-                        buttonFlags(buttons) | iconFlags(icon))) {
+    switch (showBox(text, title, buttonFlags(buttons) | iconFlags(icon))) {
         case IDYES:
             return PromptAnswer::Yes;
         case IDNO:
@@ -137,8 +169,8 @@ std::optional<std::string> WinPrompt::chooseFolder(const ChooserRequest& request
 }
 
 void WinPrompt::fatalStop(const std::string& text, const std::string& title, int exitStatus) {
-    MessageBoxW(modalOwner(), wideReport(text).c_str(), wideReport(title).c_str(),
-                MB_OK | MB_ICONERROR | MB_SYSTEMMODAL | MB_SETFOREGROUND);  // system-modal boxes stay on top
+    showBox(text, title,
+            MB_OK | MB_ICONERROR | MB_SYSTEMMODAL | MB_SETFOREGROUND);  // system-modal boxes stay on top
     ExitProcess(static_cast<UINT>(exitStatus));
 }
 

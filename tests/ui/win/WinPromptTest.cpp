@@ -67,6 +67,40 @@ TEST(WinPrompt, AnswersAsTheUserDoes) {
     }
 }
 
+// Not in the middle of the screen, nor over its edge.
+TEST(WinPrompt, ABoxLiesOverTheWindowThatItIsAbout) {
+    const RECT owners[] = {{40, 30, 440, 330}, {700, 400, 1000, 700}, {-200, 100, 100, 300}};
+    int number = 0;
+    for (const RECT& at : owners) {
+        const HWND owner =
+            CreateWindowExA(0, "#32770", "owner", WS_POPUP | WS_VISIBLE, at.left, at.top, at.right - at.left,
+                            at.bottom - at.top, nullptr, nullptr, nullptr, nullptr);
+        SetActiveWindow(owner);
+        const std::string title = "ZOKA place test " + std::to_string(++number);
+        RECT seen{};
+        std::thread user([&] {
+            const DWORD start = GetTickCount();
+            HWND box = nullptr;
+            while (!((box = FindWindowA(nullptr, title.c_str())) && IsWindowVisible(box)) &&
+                   GetTickCount() - start < kPatience) {
+                Sleep(10);
+            }
+            // It answers once it is in its loop.
+            SendMessageA(box, WM_NULL, 0, 0);
+            GetWindowRect(box, &seen);
+            PostMessageA(box, WM_COMMAND, IDOK, 0);
+        });
+        WinPrompt().ask("text", title, PromptButtons::Ok, PromptIcon::Warning);
+        user.join();
+        DestroyWindow(owner);
+        EXPECT_GE(seen.left, 0) << title;
+        if (at.left >= 0) {
+            EXPECT_NEAR((seen.left + seen.right) / 2, (at.left + at.right) / 2, 1) << title;
+        }
+        EXPECT_NEAR((seen.top + seen.bottom) / 2, (at.top + at.bottom) / 2, 1) << title;
+    }
+}
+
 TEST(WinPrompt, ChoosersGiveAPathOrNothing) {
     const zoka::test::TempFolder folder;
     const std::string path = folder.write("a.kez", "x");
