@@ -31,7 +31,7 @@ bool hasFraction(double value) {
 
 void checkEncoding(CustomScript& script) {
     if (hasUtf16Mark(script.text)) {
-        script.findings.add(1, "This file is UTF-16; save it as 8-bit or UTF-8 text to customize it");
+        script.findings.add(1, kUtf16ToCustomize);
     }
 }
 

@@ -69,6 +69,10 @@ struct CustomScript {
 // What the entries of one script may take, with the rows that show them: some 800,000 of the usual size.
 inline constexpr size_t kMostEntryBytes = 300'000'000;
 
+// What is said of a script in UTF-16, which offers nothing.
+inline constexpr const char* kUtf16ToCustomize =
+    "This file is UTF-16; save it as 8-bit or UTF-8 text to customize it";
+
 // A path's longest form; longer names are cut.
 inline constexpr size_t kMaxScriptPath = 259;
 

@@ -162,6 +162,10 @@ TEST_F(Customize, SaysWhatItWouldLoseOrDoesNotOffer) {
     run = folder.run("customize list p.kez");
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err, HasSubstr("p.kez is no script"));
+    folder.write("u.kez", std::string("\xFF\xFE/\0/\0", 6));
+    run = folder.run("customize list u.kez");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err, HasSubstr("u.kez: This file is UTF-16; save it as"));
     folder.write("n.kez", "nothing\n");
     EXPECT_THAT(folder.run("customize list n.kez").err, HasSubstr("n.kez offers no values"));
     folder.write("i.kez", "// image: none.bmp\n// image: p.kez\n");

@@ -9,6 +9,7 @@
 #include "util/LineDiff.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
+#include "util/Text.h"
 
 namespace zoka::cli {
 
@@ -57,6 +58,9 @@ OpenScript::OpenScript(const std::string& file, bool changes)
         const std::string& problem = opened.why();
         const std::string given = "Can't read '" + m_path + "': ";
         complainUnreadable(file, problem.starts_with(given) ? problem.substr(given.size()) : problem);
+    } else if (hasUtf16Mark(m_session.script().text)) {
+        complain(file + ": " + kUtf16ToCustomize);
+        m_open = false;
     } else if (m_session.script().text.find('\0') != std::string::npos) {
         complain(file + " is no script: it holds bytes that no text has");
         m_open = false;
