@@ -64,12 +64,14 @@ LRESULT CALLBACK placeBox(int code, WPARAM wParam, LPARAM lParam) noexcept {
 }
 
 int showBox(const std::string& text, const std::string& title, UINT flags) {
+    // First, as they may need memory that there isn't: nothing may come between the hook and the box.
+    const std::wstring body = wideReport(text), caption = wideReport(title);
     const HWND owner = modalOwner();
     const HHOOK hook = owner ? SetWindowsHookExW(WH_CBT, placeBox, nullptr, GetCurrentThreadId()) : nullptr;
     if (hook) {
         SetPropW(owner, kHookOfBox, hook);
     }
-    const int answer = MessageBoxW(owner, wideReport(text).c_str(), wideReport(title).c_str(), flags);
+    const int answer = MessageBoxW(owner, body.c_str(), caption.c_str(), flags);
     if (hook && RemovePropW(owner, kHookOfBox)) {  // no box could be shown
         UnhookWindowsHookEx(hook);
     }
