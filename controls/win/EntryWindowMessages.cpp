@@ -46,6 +46,8 @@ void EntryWindow::command(WORD code, HWND control) {
         InvalidateRect(field(), nullptr, TRUE);
     } else if (facts().field == EntryField::Switch && code == BN_CLICKED) {
         set(model().isOn() && !model().isDifferent() ? "0" : "1", false);
+    } else if (facts().field == EntryField::DropList && code == CBN_DROPDOWN) {
+        widenOpenList(control);
     } else if (facts().field == EntryField::DropList && code == CBN_SELCHANGE) {
         const auto chosen = m_choices.chosen(facts());
         if (chosen && !set(*chosen, false)) {

@@ -6,6 +6,18 @@
 
 namespace zoka {
 
+namespace {
+
+std::wstring itemText(HWND dropList, WPARAM item) {
+    const LRESULT length = SendMessageW(dropList, CB_GETLBTEXTLEN, item, 0);
+    std::wstring text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, L'\0');
+    SendMessageW(dropList, CB_GETLBTEXT, item, reinterpret_cast<LPARAM>(text.data()));
+    text.pop_back();
+    return text;
+}
+
+}  // namespace
+
 HWND makeDropList(HWND parent, int id, const WindowFonts& fonts) {
     return makeControl(parent, "COMBOBOX", "", kDropListStyle, 0, id, fonts.text());
 }
@@ -47,10 +59,7 @@ bool drawChoice(const DRAWITEMSTRUCT& item) {
                               : isDisabled ? COLOR_BTNFACE
                                            : COLOR_WINDOW));
     if (item.itemID != static_cast<UINT>(-1)) {
-        const LRESULT length = SendMessageW(item.hwndItem, CB_GETLBTEXTLEN, item.itemID, 0);
-        std::wstring text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, L'\0');
-        SendMessageW(item.hwndItem, CB_GETLBTEXT, item.itemID, reinterpret_cast<LPARAM>(text.data()));
-        text.pop_back();
+        const std::wstring text = itemText(item.hwndItem, item.itemID);
         SetBkMode(item.hDC, TRANSPARENT);
         SetTextColor(item.hDC, GetSysColor(isSelected   ? COLOR_HIGHLIGHTTEXT
                                            : isDisabled ? COLOR_GRAYTEXT
@@ -58,12 +67,35 @@ bool drawChoice(const DRAWITEMSTRUCT& item) {
         RECT line = item.rcItem;
         line.left += textHeightOf(item.hwndItem) / 4;
         DrawTextW(item.hDC, text.c_str(), static_cast<int>(text.size()), &line,
-                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
     }
     if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
         DrawFocusRect(item.hDC, &item.rcItem);
     }
     return true;
+}
+
+void widenOpenList(HWND dropList) {
+    constexpr LRESULT kMeasured = 1000;  // wide enough for these is wide enough
+    RECT frame{};
+    GetWindowRect(dropList, &frame);
+    LONG widest = 0;
+    const HDC dc = GetDC(dropList);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(dropList, WM_GETFONT, 0, 0)));
+    const LRESULT items = std::min(SendMessageA(dropList, CB_GETCOUNT, 0, 0), kMeasured);
+    for (LRESULT i = 0; i < items; ++i) {
+        const std::wstring text = itemText(dropList, static_cast<WPARAM>(i));
+        SIZE size{};
+        if (GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size)) {
+            widest = std::max(widest, size.cx);
+        }
+    }
+    SelectObject(dc, old);
+    ReleaseDC(dropList, dc);
+    const LONG needed = widest + textHeightOf(dropList) + GetSystemMetrics(SM_CXVSCROLL);
+    const LONG room = workArea(dropList).right - frame.left;
+    SendMessageA(dropList, CB_SETDROPPEDWIDTH,
+                 static_cast<WPARAM>(std::max(frame.right - frame.left, std::min(needed, room))), 0);
 }
 
 std::string chosenItem(HWND dropList) {

@@ -111,6 +111,8 @@ inline int openHeight(int height) {
     return 16 * height;
 }
 void fitDropList(HWND control, int height);
+// Before it opens: wide enough for its items, as far as the screen reaches.
+void widenOpenList(HWND dropList);
 void placeDropList(HWND control, int x, int y, int width, int height);
 inline void placeDropList(HWND control, const Area& area) {
     placeDropList(control, area.x, area.y, area.width, area.height);
