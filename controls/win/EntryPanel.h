@@ -131,6 +131,8 @@ private:
     void browse(const MeantRow& meant);
     std::optional<std::string> chooseColour(const std::string& before);
     RECT balloonPlace(HWND field) const;
+    void placeBalloon();
+    void followPanel();
     void paintEmpty();
     void tooltipText(NMTTDISPINFOW& info);
     EntryWindow* windowOf(HWND control);
@@ -165,6 +167,7 @@ private:
     std::string m_lastName;  // of that row, as RowEditing says
     std::optional<Asked> m_asked;
     HWND m_menuField = nullptr, m_refusedField = nullptr;
+    RECT m_balloonFor{};    // where the panel was when the refusal was placed
     bool m_filled = false;  // rows have been handed over
     bool m_laidOutSoon = false, m_placing = false;
     bool m_refusing = false;  // a refusal is shown, or will be

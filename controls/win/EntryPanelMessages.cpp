@@ -18,8 +18,8 @@
 namespace zoka {
 namespace {
 
-constexpr UINT_PTR kHideTimer = 1;
-constexpr UINT kRefusalMs = 6000;
+constexpr UINT_PTR kHideTimer = 1, kFollowTimer = 2;
+constexpr UINT kRefusalMs = 6000, kFollowMs = 30;
 
 TTTOOLINFOW toolOf(HWND panel) {
     TTTOOLINFOW tool{};
@@ -76,12 +76,27 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
     TTTOOLINFOW tool = toolOf(m_window);
     tool.lpszText = m_refusal.data();
     SendMessageA(m_balloon, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
-    const RECT area = balloonPlace(field);
-    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
+    placeBalloon();
     // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
     // it can stay below the panel.
     m_refusing = PostMessageA(m_window, kShowRefusal, 0, 0) != 0;
     SetTimer(m_window, kHideTimer, kRefusalMs, nullptr);
+    SetTimer(m_window, kFollowTimer, kFollowMs, nullptr);
+}
+
+void EntryPanel::placeBalloon() {
+    GetWindowRect(m_window, &m_balloonFor);
+    const RECT area = balloonPlace(m_refusedField);
+    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
+}
+
+// The balloon is a window of its own: it goes with the panel when that is moved.
+void EntryPanel::followPanel() {
+    RECT now{};
+    GetWindowRect(m_window, &now);
+    if (!EqualRect(&now, &m_balloonFor) && IsWindow(m_refusedField)) {
+        placeBalloon();
+    }
 }
 
 // Below the field, or above it where it would hide the one that has the keyboard.
@@ -105,6 +120,7 @@ void EntryPanel::hideRefusal() {
         return;
     }
     KillTimer(m_window, kHideTimer);
+    KillTimer(m_window, kFollowTimer);
     m_refusing = false;
     TTTOOLINFOW tool = toolOf(m_window);
     SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
@@ -284,6 +300,8 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_TIMER:
             if (wParam == kHideTimer) {
                 hideRefusal();
+            } else if (wParam == kFollowTimer) {
+                followPanel();
             }
             return 0;
         case WM_NOTIFY: {
@@ -312,8 +330,7 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             TTTOOLINFOW tool = toolOf(m_window);
             if (IsWindow(m_refusedField)) {  // the keyboard may be elsewhere by now
-                const RECT at = balloonPlace(m_refusedField);
-                SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(at.left, at.top));
+                placeBalloon();
             }
             SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
             SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);

@@ -171,12 +171,14 @@ void expectApart(DriveContext& drive, const Words& words) {
     HWND window = nullptr;
     drive.expect([&] { return (window = findTopWindow(words[1])) != nullptr; },
                  "a window \"" + words[1] + '"', [] { return "\n" + describeAll(); });
-    RECT area, other, common;
-    GetWindowRect(control, &area);
-    GetWindowRect(window, &other);
-    if (IntersectRect(&common, &area, &other)) {
-        throw DriveFault(describe(window) + " lies over " + describe(control));
-    }
+    drive.expect(
+        [&] {
+            RECT area{}, other{}, common{};
+            GetWindowRect(control, &area);
+            GetWindowRect(window, &other);
+            return !IntersectRect(&common, &area, &other);
+        },
+        "nothing over " + describe(control), [&] { return describe(window); });
 }
 
 }  // namespace
