@@ -388,8 +388,8 @@ void setWindowIcons(HWND window, HINSTANCE module, int icon, HWND owner) {
                                      : SendMessageA(owner, WM_GETICON, kind, 0);
         SendMessageA(window, WM_SETICON, kind, shared);
     };
+    give(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);  // first: the system makes a small one of a large one alone
     give(ICON_BIG, SM_CXICON, SM_CYICON);
-    give(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
 }
 
 HWND modalOwner() {
