@@ -79,7 +79,8 @@ HWND makeTip(HWND owner, int width) {
     // For a window without icons the system loads its own when it is first shown, which needs the loader's lock. A
     // thread that unmaps the library holds that, and the panel would never be gone.
     const auto icon = reinterpret_cast<LPARAM>(LoadIconA(nullptr, MAKEINTRESOURCEA(32512)));
-    SendMessageA(made, WM_SETICON, ICON_SMALL, icon);  // first: the system makes a small one of a large one alone
+    SendMessageA(made, WM_SETICON, ICON_SMALL,
+                 icon);  // first: the system makes a small one of a large one alone
     SendMessageA(made, WM_SETICON, ICON_BIG, icon);
     return made;
 }
