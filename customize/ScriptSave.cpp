@@ -126,6 +126,8 @@ SaveEnd ScriptSave::write(bool isCopied, bool& isOvertaken) {
 }
 
 bool ScriptSave::takeOver() {
+    // Before the rows that are shown are gone: it may need memory that there isn't.
+    auto onDisk = osFiles().search(m_panel.script.scriptPath);
     bool isSame = true;
     // The spans of the next save are right then.
     if (m_keepsEntries) {
@@ -135,7 +137,7 @@ bool ScriptSave::takeOver() {
         isSame = sameRows(m_panel.script, m_saved.script);
         m_panel = std::move(m_saved);
     }
-    m_panel.script.onDisk = osFiles().search(m_panel.script.scriptPath);
+    m_panel.script.onDisk = std::move(onDisk);
     return isSame;
 }
 
