@@ -32,15 +32,14 @@ HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     if (!m_window) {
         return nullptr;
     }
-    m_tooltip = makeTip(m_window, m_fonts->x(kTipUnits));
-    SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
-    makeBalloon();
     return m_window;
 }
 
-// Made with the panel: to make one the system takes the loader's lock, and while another thread unmaps the library a
-// reason must be shown without it.
-void EntryPanel::makeBalloon() {
+// Made with the first row, since a panel without any needs none. Not later: to make one the system takes the loader's
+// lock, and while another thread unmaps the library a reason must be shown without it.
+void EntryPanel::makeTips() {
+    m_tooltip = makeTip(m_window, m_fonts->x(kTipUnits));
+    SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
     m_balloon = makeTip(m_window, m_fonts->x(kTipUnits));
     TTTOOLINFOW tool{};
     tool.cbSize = TTTOOLINFOW_V1_SIZE;
@@ -392,6 +391,9 @@ void EntryPanel::placeRows() {
     std::sort(wanted.begin(), wanted.end());
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
 
+    if (!m_tooltip && !wanted.empty() && !m_host.leaving()) {
+        makeTips();
+    }
     std::map<size_t, std::unique_ptr<EntryWindow>> before;
     before.swap(m_live);
     for (const size_t i : wanted) {

@@ -110,7 +110,7 @@ private:
     };
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
-    void makeBalloon();
+    void makeTips();
     void makeFonts();
     void freeFonts();
     int textHeight(const std::wstring& text, int width) const;

@@ -266,7 +266,7 @@ LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam
             self->m_window = window;
         }
         if (message == WM_NCDESTROY) {
-            self->m_window = self->m_balloon = nullptr;
+            self->m_window = self->m_tooltip = self->m_balloon = nullptr;
             self->m_live.clear();
             self->m_pictures.clear();
             forgetObject(window);

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "ui/win/Subclass.h"
 #include "ui/win/Window.h"
@@ -45,25 +46,57 @@ std::wstring inLines(std::wstring text) {
     return text;
 }
 
-LRESULT CALLBACK lineProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR tip) {
+// Of one line; goes with it. The tooltip is made when the mouse first rests on a text that is cut: most windows never
+// need one, and it would be a tenth of the time that they take to open.
+struct LineTip {
+    HWND window = nullptr;
+};
+
+HWND makeLineTip(HWND line) {
+    const RECT screen = workArea(line);
+    const HWND tip = makeTip(line, static_cast<int>(screen.right - screen.left));
+    SendMessageA(tip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
+    TTTOOLINFOW tool = toolOf(line);
+    tool.lpszText = const_cast<wchar_t*>(L"");
+    SendMessageW(tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    return tip;
+}
+
+// The mouse has moved on the line.
+void showTip(HWND line, LineTip& tip, WPARAM wParam, LPARAM lParam) {
+    const std::wstring text = wideText(textOf(line, CP_UTF8), CP_UTF8);
+    std::wstring shown = isCut(line, text) ? inLines(text) : std::wstring();
+    if (!tip.window) {
+        if (shown.empty()) {
+            return;
+        }
+        tip.window = makeLineTip(line);
+    }
+    TTTOOLINFOW tool = toolOf(line);
+    tool.lpszText = shown.data();
+    SendMessageW(tip.window, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    MSG event{};
+    event.hwnd = line;
+    event.message = WM_MOUSEMOVE;
+    event.wParam = wParam;
+    event.lParam = lParam;
+    event.time = static_cast<DWORD>(GetMessageTime());
+    GetCursorPos(&event.pt);
+    SendMessageW(tip.window, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
+}
+
+LRESULT CALLBACK lineProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
+    auto* const tip = reinterpret_cast<LineTip*>(data);
+    if (message == WM_NCDESTROY) {
+        delete tip;
+        return nextProcedure(window, message, wParam, lParam);
+    }
     return answerInside(window, [&]() -> LRESULT {
         if (message == WM_NCHITTEST) {
             return HTCLIENT;  // or it would be its parent's mouse
         }
         if (message == WM_MOUSEMOVE) {
-            const std::wstring text = wideText(textOf(window, CP_UTF8), CP_UTF8);
-            std::wstring shown = isCut(window, text) ? inLines(text) : std::wstring();
-            TTTOOLINFOW tool = toolOf(window);
-            tool.lpszText = shown.data();
-            SendMessageW(reinterpret_cast<HWND>(tip), TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
-            MSG event{};
-            event.hwnd = window;
-            event.message = message;
-            event.wParam = wParam;
-            event.lParam = lParam;
-            event.time = static_cast<DWORD>(GetMessageTime());
-            GetCursorPos(&event.pt);
-            SendMessageW(reinterpret_cast<HWND>(tip), TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
+            showTip(window, *tip, wParam, lParam);
         }
         return nextProcedure(window, message, wParam, lParam);
     });
@@ -87,13 +120,11 @@ HWND makeTip(HWND owner, int width) {
 
 HWND makeStatusLine(HWND parent, int id, const WindowFonts& fonts) {
     const HWND line = makeControl(parent, "STATIC", "", SS_NOPREFIX | SS_ENDELLIPSIS, 0, id, fonts.text());
-    const RECT screen = workArea(parent);
-    const HWND tip = makeTip(line, static_cast<int>(screen.right - screen.left));
-    SendMessageA(tip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
-    TTTOOLINFOW tool = toolOf(line);
-    tool.lpszText = const_cast<wchar_t*>(L"");
-    SendMessageW(tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    addProcedure(line, lineProc, reinterpret_cast<DWORD_PTR>(tip));
+    auto tip = std::make_unique<LineTip>();
+    addProcedure(line, lineProc, reinterpret_cast<DWORD_PTR>(tip.get()));
+    if (line) {
+        tip.release();
+    }
     return line;
 }
 
