@@ -33,20 +33,22 @@ test: setup ## build and run every test: native, with sanitizers, on Windows, in
 	@tools/setup/setup.sh bench
 	@tools/check/test.sh
 
+WINDOW_BENCHES := bench_window bench_project_window bench_panel bench_behavior_panel bench_wizard_dialog
 bench: ## build and run the benchmarks, our figures beside others'
-	@tools/setup/setup.sh build bench
+	@tools/setup/setup.sh build bench $(WINE_GROUP)
 	@$(call BUILD,bench) --target bench/all
-	@failed=0; for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program" || failed=1; done; exit $$failed
-ifeq (1,$(ZOKA_NO_WINE))
-	@echo "bench_window, bench_project_window, bench_panel, bench_behavior_panel and bench_wizard_dialog (the windows): left out, because ZOKA_NO_WINE=1"
-else
-	@tools/setup/setup.sh build wine
-	@$(call BUILD,windows) --target zoka bench_window bench_project_window bench_panel bench_behavior_panel bench_wizard_dialog
-	@failed=0; for program in bench_window bench_project_window bench_panel bench_behavior_panel bench_wizard_dialog; do \
+ifneq (1,$(ZOKA_NO_WINE))
+	@$(call BUILD,windows) --target zoka $(WINDOW_BENCHES)
+endif
+	@failed=0; \
+	for program in build/bench/bench/bench_*; do [ ! -x "$$program" ] || "$$program" || failed=1; done; \
+	if [ "$(ZOKA_NO_WINE)" = 1 ]; then \
+		echo "$(WINDOW_BENCHES): left out, because ZOKA_NO_WINE=1"; exit $$failed; \
+	fi; \
+	for program in $(WINDOW_BENCHES); do \
 		tools/run/onecpu.sh 0 tools/run/display.sh tools/run/wine.sh build/windows/wine \
 			build/windows/bench/win/$$program.exe 'build\windows\plugin\zoka.dll' || failed=1; \
 	done; exit $$failed
-endif
 
 fuzz: ## fuzz one reader (fuzz/TARGET.cpp): make fuzz TARGET=xml SECONDS=60
 	@tools/setup/setup.sh build fuzz
