@@ -5,6 +5,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 
 #include "templates/NotesReport.h"
 #include "templates/ScriptFolders.h"
@@ -196,15 +197,19 @@ TEST(ScriptUpdate, SaysWhatItCouldNotCompare) {
     for (const char* unread : {"main.kez", "fog.kez"}) {
         SCOPED_TRACE(unread);
         Fixture f({"fog.kez", "weather.kez", "noise.kez"});
-        const FaultyOsFiles disk([&](int, std::string_view op, const std::string& path) {
-            return op == "readWhole" && path == f.project.folder.path(unread);
-        });
+        std::optional<FaultyOsFiles> disk(
+            std::in_place, [&](int, std::string_view op, const std::string& path) {
+                return op == "readWhole" && path == f.project.folder.path(unread);
+            });
         f.update.FillUpdateList(false);
         EXPECT_EQ(f.update.nothingListedText(), "Not every script could be compared:\nCan't read '" +
                                                     f.project.folder.path(unread) + "': injected fault");
         EXPECT_FALSE(f.update.UpdateAll());
         EXPECT_EQ(f.prompt.texts(), Names{f.update.nothingListedText()});
         EXPECT_EQ(f.update.problems().size(), 1u);
+        disk.reset();
+        f.update.FillUpdateList(false);
+        EXPECT_EQ(f.update.nothingListedText().find("could be compared"), std::string::npos) << "read by now";
     }
 }
 
