@@ -146,6 +146,9 @@ TEST(OsFiles, InterruptedReadsAndWritesGoOn) {
     g_interrupts = 3;
     EXPECT_EQ(systemFiles().readWhole(path), "text");
     EXPECT_EQ(g_interrupts, 0);
+    g_interrupts = 3;
+    EXPECT_EQ(systemFiles().holds(path, "text"), true);
+    EXPECT_EQ(g_interrupts, 0);
 }
 
 TEST(OsFiles, ReadsNothingOfWhatIsTooLarge) {
