@@ -280,9 +280,14 @@ TEST_F(Session, AScriptThatIsGoneIsSavedAnewOnlyAfterAQuestion) {
     EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_FALSE(std::filesystem::exists(project.native("s.kez")));
     EXPECT_EQ(session.changedCount(), 1u);
+    std::filesystem::create_directory(project.native("s.kez"));
+    EXPECT_EQ(session.save(), SaveResult::Failed) << "nothing can be saved over a folder";
+    std::filesystem::remove(project.native("s.kez"));
     EXPECT_EQ(session.save(), SaveResult::Saved);
     EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 11;"));
-    EXPECT_THAT(prompt.texts()[0], testing::StartsWith("The script is gone: "));
+    EXPECT_THAT(prompt.texts(),
+                testing::ElementsAre(testing::StartsWith("The script is gone: "), "Error open file to write",
+                                     testing::StartsWith("The script is gone: ")));
 }
 
 TEST_F(Session, AnEmptiedValueIsSavedOnlyAfterAQuestion) {
