@@ -50,7 +50,11 @@ void settle() {
 
 // A panel with one row, in sight. Lives on one thread.
 struct ShownPanel {
-    ShownPanel() { settle(); }
+    ShownPanel() {
+        MoveWindow(window, 0, 0, 300, 200, TRUE);
+        entries.rowsReplaced(false);
+        settle();
+    }
     ~ShownPanel() { DestroyWindow(parent); }
     ShownPanel(const ShownPanel&) = delete;
     ShownPanel& operator=(const ShownPanel&) = delete;
