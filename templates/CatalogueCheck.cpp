@@ -69,6 +69,10 @@ public:
         : m_catalogue(catalogue), m_folder(folder) {
         m_scripts.reserve(catalogue.rows().size());
         for (CScriptElm script : catalogue.scripts()) {
+            // What is wrong with a need is told once, however often it is written.
+            KeyedSet<std::string> needs;
+            std::erase_if(script.m_needs,
+                          [&](const std::string& need) { return !needs.insert(lowered(need)).second; });
             m_scripts.push_back(std::move(script));
         }
         for (size_t i = 0; i < m_scripts.size(); ++i) {

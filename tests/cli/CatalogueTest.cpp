@@ -137,6 +137,13 @@ TEST(Catalogue, CirclesOfNeedsAreFound) {
     EXPECT_THAT(suite.run("catalogue check " + kCatalogue).out, HasSubstr("directly or not"));
     EXPECT_EQ(suite.run("scripts add" + kOptions + "fog.kez").status, 0);
     EXPECT_EQ(suite.read("game/main.kez"), suite.main({"noise.kez", "weather.kez", "fog.kez"}));
+
+    suite.write("twice.xml",
+                "<TavrixTemplate><Script filename='a.kez'><need>b.kez</need></Script>"
+                "<Script filename='b.kez'><need>a.kez</need><need>A.kez</need></Script></TavrixTemplate>");
+    const std::string twice = suite.run("catalogue check twice.xml").out;
+    EXPECT_THAT(twice, HasSubstr("b.kez: its need a.kez needs this script, directly or not"));
+    EXPECT_EQ(twice.find("directly or not"), twice.rfind("directly or not")) << twice;
 }
 
 TEST(Catalogue, ListAndShowAsJson) {
