@@ -86,16 +86,14 @@ void showTip(HWND line, LineTip& tip, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT CALLBACK lineProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
-    auto* const tip = reinterpret_cast<LineTip*>(data);
-    if (message == WM_NCDESTROY) {
-        delete tip;
-        return nextProcedure(window, message, wParam, lParam);
-    }
     return answerInside(window, [&]() -> LRESULT {
+        auto* const tip = reinterpret_cast<LineTip*>(data);
         if (message == WM_NCHITTEST) {
             return HTCLIENT;  // or it would be its parent's mouse
         }
-        if (message == WM_MOUSEMOVE) {
+        if (message == WM_NCDESTROY) {
+            delete tip;
+        } else if (message == WM_MOUSEMOVE) {
             showTip(window, *tip, wParam, lParam);
         }
         return nextProcedure(window, message, wParam, lParam);
