@@ -131,25 +131,41 @@ SaveResult BehaviorSession::save() {
         }
         return saved;
     }
-    const auto names = [this] {
-        std::vector<std::string> all;
-        for (size_t row = 0; row < components().size(); ++row) {
-            all.push_back(components().nameOf(row));
-        }
-        return all;
-    };
-    const std::vector<std::string> before = names();
-    const size_t edits = components().editsDone();
+    const ComponentsShown before = componentsShown();
     const SaveResult saved = components().save();
-    // The project was loaded anew; where another program had changed it, its rows may be others.
+    showComponentsAfter(before);
+    return saved;
+}
+
+bool BehaviorSession::close() {
+    if (!m_project) {
+        return true;
+    }
+    const ComponentsShown before = componentsShown();
+    const bool closes = m_project->close();
+    // A save that was given up after it had loaded what another program wrote.
+    if (!closes && componentsShown().names != before.names) {
+        showComponentsAfter(before);
+    }
+    return closes;
+}
+
+BehaviorSession::ComponentsShown BehaviorSession::componentsShown() const {
+    ComponentsShown shown{{}, components().editsDone()};
+    for (size_t row = 0; row < components().size(); ++row) {
+        shown.names.push_back(components().nameOf(row));
+    }
+    return shown;
+}
+
+// The project was loaded anew; where another program had changed it, its rows may be others.
+void BehaviorSession::showComponentsAfter(const ComponentsShown& before) {
     components().show(m_entities.withComponents());
-    const bool isSame = names() == before && components().editsDone() == edits;
     std::vector<EntryModel> models(m_models.begin(),
                                    m_models.begin() + static_cast<std::ptrdiff_t>(m_values.size()));
     addComponents(models);
     m_models.swap(models);
-    showRows(m_models, isSame);
-    return saved;
+    showRows(m_models, componentsShown() == before);
 }
 
 // --- Their values

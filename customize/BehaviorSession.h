@@ -55,7 +55,7 @@ public:
     // As the project's own window does.
     SaveResult save();
     // True when the panel may close: asks about unsaved edits of components.
-    bool close() { return !m_project || m_project->close(); }
+    bool close();
     // Something was thrown and the panel goes: offers to keep unsaved edits of components. Only the object's end may
     // follow. Never throws.
     void offerUnsaved() noexcept {
@@ -105,7 +105,17 @@ private:
     Outcome putLoaded(size_t i) override;
     Outcome told(Written written);
 
+    // What is seen of the components, to tell whether others have taken their place.
+    struct ComponentsShown {
+        std::vector<std::string> names;
+        size_t edits = 0;
+
+        bool operator==(const ComponentsShown&) const = default;
+    };
+
     void show(std::vector<std::string> entities);
+    ComponentsShown componentsShown() const;
+    void showComponentsAfter(const ComponentsShown& before);
     bool lookAtProject() { return m_project && m_project->look(); }
     // With a panel form.
     EntityComponents& components() { return m_project->components(); }

@@ -145,10 +145,14 @@ void EntityComponents::addText(const char* text, std::string help) {
     row.shown.facts.help = std::move(help);
 }
 
-void EntityComponents::show(std::vector<std::string> entities) {
-    m_entities = std::move(entities);
+void EntityComponents::dropRows() {
     m_places.clear();
     m_rows.clear();
+}
+
+void EntityComponents::show(std::vector<std::string> entities) {
+    m_entities = std::move(entities);
+    dropRows();
     if (m_entities.empty()) {
         return;
     }

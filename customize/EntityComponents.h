@@ -33,7 +33,9 @@ std::optional<std::string> definedBehavior(const std::string& projectFile, const
 class EntityComponents {
 public:
     EntityComponents(std::string projectFile, UserPrompt& prompt)
-        : m_file(std::move(projectFile)), m_project(m_model, prompt) {}
+        : m_file(std::move(projectFile)), m_project(m_model, prompt) {
+        m_project.modelGoes = [this] { dropRows(); };  // which point into it
+    }
 
     // Reads the project. False when it can't be read; no entity has components then.
     bool load();
@@ -73,9 +75,10 @@ public:
     void goTo(size_t edits);
 
     bool hasChanges() const { return m_project.hasChanges(); }
-    // As the project's own window does. Pointers into the project are new afterwards: show() again.
+    // As the project's own window does. The project may be loaded anew by it, before the last question is asked; there
+    // are no rows then until show().
     SaveResult save();
-    // True when the panel may close: asks about unsaved edits.
+    // True when the panel may close: asks about unsaved edits, and saves them as save() does.
     bool close() { return m_project.close(); }
     // As ProjectSession's. The rows are not to be used any more.
     void offerUnsaved() noexcept { m_project.offerUnsaved(); }
@@ -92,6 +95,7 @@ private:
         return m_model.m_apLevels[place.level].m_entities[place.entity];
     }
     const CJ8BehaviorData* parentOf(const std::string& entity) const;
+    void dropRows();
     void addText(const char* text, std::string help);
     void addRows();
     // One an entity, all or none; nothing takes its own value away.

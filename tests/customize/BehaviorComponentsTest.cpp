@@ -425,6 +425,18 @@ TEST_F(BehaviorComponentsTest, showsWhatAnotherProgramWroteAndAsksWhereBothDid) 
     m_prompt.answers.push_back(PromptAnswer::Cancel);
     EXPECT_EQ(m_panel.save(), SaveResult::Cancelled);
     EXPECT_TRUE(m_panel.hasUnsaved());
+    // Closing asks, too. Given up when the other's project is loaded already, it leaves a panel of that one.
+    std::string declared = kComponents;
+    m_folder.write("c.xml", declared.replace(declared.find("'75'"), 4, "'70'"));
+    m_prompt.answers = {PromptAnswer::Yes, PromptAnswer::Yes, PromptAnswer::No};
+    std::string whileAsked;
+    m_prompt.whenAsked = [&] { whileAsked += m_panel.tooltip(4) + m_panel.helpText(4) + m_panel.nameOf(4); };
+    EXPECT_FALSE(m_panel.close());
+    m_prompt.whenAsked = nullptr;
+    EXPECT_THAT(m_prompt.asked.back().text, HasSubstr("A save does not keep"));
+    EXPECT_THAT(m_panel.tooltip(4), HasSubstr("Default: 70"));
+    EXPECT_EQ(shown()[5], "solid=0 changed");
+    EXPECT_TRUE(m_panel.hasUnsaved());
     // An entity that is gone takes no edits.
     m_entities.entities.erase("a");
     follow({});
