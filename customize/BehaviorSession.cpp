@@ -161,11 +161,12 @@ BehaviorSession::ComponentsShown BehaviorSession::componentsShown() const {
 // The project was loaded anew; where another program had changed it, its rows may be others.
 void BehaviorSession::showComponentsAfter(const ComponentsShown& before) {
     components().show(m_entities.withComponents());
+    const bool isSame = componentsShown() == before;
     std::vector<EntryModel> models(m_models.begin(),
                                    m_models.begin() + static_cast<std::ptrdiff_t>(m_values.size()));
     addComponents(models);
     m_models.swap(models);
-    showRows(m_models, componentsShown() == before);
+    showRows(m_models, isSame);
 }
 
 // --- Their values
