@@ -464,6 +464,13 @@ public:
             const std::string_view link(target, static_cast<size_t>(size));
             native = link.starts_with('/') ? std::string(link)
                                            : native.substr(0, native.rfind('/') + 1).append(link);
+            // Without ".." and links in its folder, so that a file has one name however it was come to: "link/.."
+            // is not what its letters say.
+            const size_t name = native.rfind('/') + 1;
+            char folder[PATH_MAX];
+            if (realpath(native.substr(0, name).c_str(), folder)) {
+                native = (std::strcmp(folder, "/") == 0 ? "" : folder) + native.substr(name - 1);
+            }
         }
         errno = ELOOP;
         return std::nullopt;

@@ -322,6 +322,21 @@ TEST(FileLock, WaitsForItsHolderAndOutlivesOneThatIsGone) {
         EXPECT_TRUE(taken && again);
     }
     EXPECT_TRUE(prompt.othersCan);
+    // Whoever holds the lock by a link's name saves the file that the link leads to, also out of a folder that is
+    // itself reached by a link.
+    fs::create_directories(folder.native("away/deep"));
+    fs::create_directory_symlink("away/deep", folder.native("sub"));
+    fs::create_symlink("../up.kez", folder.native("away/deep/up.kez"));
+    folder.write("away/up.kez", "old");
+    for (const char* name : {"away/deep/up.kez", "sub/up.kez"}) {
+        const FileLock held(folder.path(name), std::chrono::milliseconds(0));
+        const zoka::FileContent content{.path = folder.path(name), .bytes = "new", .expected = "old"};
+        EXPECT_EQ(zoka::safeWrite({&content, 1}).why(), "");
+        EXPECT_EQ(folder.read("away/up.kez"), "new");
+        folder.write("away/up.kez", "old");
+    }
+    fs::remove_all(folder.native("away"));
+    fs::remove(folder.native("sub"));
     ASSERT_EQ(prompt.texts().size(), 1u);
     EXPECT_NE(prompt.texts()[0].find("~zk-main.kez.lock"), std::string::npos);
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"link.kez", "main.kez"}));
