@@ -312,10 +312,16 @@ bool EntryWindow::commit() {
 }
 
 bool EntryWindow::revert() {
+    // A thumb or a spin button that is still held would go on from there. Let go beside it, so that no button is pressed.
+    const HWND held = GetCapture();
+    const bool isHeld = IsChild(m_window, held);
+    if (isHeld) {
+        SendMessageA(held, WM_LBUTTONUP, 0, MAKELPARAM(-1, -1));
+    }
     const bool drafted = m_panel.dropDraft(m_row);
     const bool changed = model().value() != m_atFocus || model().isDifferent() != m_differentAtFocus;
     if (!isEdit() || !(drafted || changed)) {
-        return false;
+        return isHeld;
     }
     if (changed) {
         giveBack();

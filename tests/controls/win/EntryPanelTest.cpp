@@ -21,8 +21,11 @@ struct Rows : RowEditing, RowsListener {
         make("Depth");
     }
     void make(const char* label) {
+        make(EntryFacts{.field = EntryField::IntField, .label = label, .value = "5"});
+    }
+    void make(const EntryFacts& facts) {
         made.clear();
-        made.emplace_back(EntryFacts{.field = EntryField::IntField, .label = label, .value = "5"});
+        made.emplace_back(facts);
         showRows(made);
     }
     void rowsReplaced() override {}
@@ -149,6 +152,44 @@ TEST(EntryPanel, OpensTheMenuOfTheRowThatWasMeantOrNone) {
     askAnd("harbour", "Width");
     askAnd("town", "Width");
     EXPECT_EQ(panel.host.menus.size(), 1U) << "of another row";
+}
+
+BOOL CALLBACK findTrack(HWND window, LPARAM found) {
+    char name[32] = "";
+    GetClassNameA(window, name, sizeof name);
+    if (lstrcmpiA(name, TRACKBAR_CLASSA) == 0) {
+        *reinterpret_cast<HWND*>(found) = window;
+    }
+    return TRUE;
+}
+
+TEST(EntryPanel, EscapeEndsTheDragOfAThumb) {
+    ShownPanel panel;
+    panel.rows.make({.field = EntryField::Slider,
+                     .label = "Width",
+                     .value = "5",
+                     .limited = true,
+                     .minimum = 1,
+                     .maximum = 100});
+    panel.entries.rowsReplaced(false);
+    settle();
+    HWND track = nullptr;
+    EnumChildWindows(panel.window, findTrack, reinterpret_cast<LPARAM>(&track));
+    ASSERT_TRUE(track);
+    RECT thumb;
+    SendMessageA(track, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    const auto mouse = [&](UINT message, int moved) {
+        SendMessageA(track, message, MK_LBUTTON,
+                     MAKELPARAM((thumb.left + thumb.right) / 2 + moved, (thumb.top + thumb.bottom) / 2));
+    };
+    SetFocus(track);
+    mouse(WM_LBUTTONDOWN, 0);
+    mouse(WM_MOUSEMOVE, 30);
+    ASSERT_NE(panel.rows.row(0).value(), "5");
+    EXPECT_TRUE(panel.entries.revert());
+    mouse(WM_MOUSEMOVE, 50);
+    EXPECT_EQ(panel.rows.row(0).value(), "5");
+    EXPECT_FALSE(GetCapture());
 }
 
 }  // namespace
