@@ -57,7 +57,9 @@ Result<std::string> keepBackup(const std::string& path, std::string_view bytes) 
         }
     }
     const std::string made = backupPath(path, numbers.empty() ? 1 : numbers.back() + 1);
-    const SafeWriteResult written = safeWrite(made, bytes);
+    // Who may not read the file may not read its copy either.
+    const FileContent copy{.path = made, .bytes = bytes, .like = path};
+    const SafeWriteResult written = safeWrite({&copy, 1});
     if (!written) {
         return Refusal{written.why()};
     }

@@ -21,6 +21,7 @@
 #include "tests/support/FaultyOsFiles.h"
 #include "tests/support/ScriptedPrompt.h"
 #include "tests/support/TempFolder.h"
+#include "util/Backups.h"
 #include "util/File.h"
 #include "util/FileLock.h"
 #include "util/SafeWrite.h"
@@ -236,6 +237,7 @@ TEST(SafeWrite, NewContentHasTheOldModeFromItsFirstByteAndGeneratedFilesFollowNo
         {folder.path("secret"), "new"},
         {folder.path("secret.zoka"), "values", FileKind::Generated, std::nullopt, folder.path("secret")}};
     EXPECT_EQ(safeWrite(files).why(), "");
+    EXPECT_TRUE(zoka::keepBackup(folder.path("secret"), "old"));
     EXPECT_EQ(modes, std::set<mode_t>{0600});
     char note[5] = "";
     EXPECT_TRUE(!hasAttributes || getxattr(folder.native("secret").c_str(), "user.note", note, 4) == 4);
