@@ -31,6 +31,7 @@ BehaviorSession::BehaviorSession(EntityAccess* entities, ZunEditorInterface& hos
 // --- Which rows there are
 
 void BehaviorSession::open() {
+    const AtWork atWork(*this);
     if (m_project) {
         m_project->load();
     }
@@ -47,6 +48,15 @@ void BehaviorSession::setFollowing(bool follows) {
 }
 
 void BehaviorSession::refresh(bool always) {
+    if (m_workDepth > 0) {
+        m_isLookDue = m_isLookDue || always;
+        return;
+    }
+    const AtWork atWork(*this);
+    look(std::exchange(m_isLookDue, false) || always);
+}
+
+void BehaviorSession::look(bool always) {
     const bool isMoved = lookAtProject();
     if (!m_entities.isKnown()) {
         if (isMoved) {
@@ -174,6 +184,12 @@ void BehaviorSession::showComponentsAfter(const ComponentsShown& before) {
 void BehaviorSession::stepBegins(bool) {
     m_givenUp.clear();
     m_entities.stepBegins();
+    ++m_workDepth;
+}
+
+void BehaviorSession::stepEnds() {
+    --m_workDepth;
+    m_entities.stepEnds();
 }
 
 std::string BehaviorSession::giveUpInput() {

@@ -36,6 +36,8 @@ public:
     void open();
     // Looks at the host again: at the selection, if it's followed, at the actions, at the values. Unless `always`,
     // only when the host says that something has changed. Rows are made anew when they must be; history goes then.
+    // Within another of these, or an edit, it is put off until the next one: a host may show a box of its own, and the
+    // panel becomes the active window again before the call ends.
     void refresh(bool always);
 
     // Where the host can tell of the selection, the rows follow it as long as the user wants that.
@@ -97,8 +99,21 @@ public:
     const char* loadedName(size_t) const override { return "Before"; }
 
 private:
+    // Lives while rows are made, read or written, which must stay the same meanwhile.
+    class AtWork {
+    public:
+        explicit AtWork(BehaviorSession& session) : m_depth(session.m_workDepth) { ++m_depth; }
+        ~AtWork() { --m_depth; }
+        AtWork(const AtWork&) = delete;
+        AtWork& operator=(const AtWork&) = delete;
+
+    private:
+        int& m_depth;
+    };
+
+    void look(bool always);
     void stepBegins(bool typing) override;
-    void stepEnds() override { m_entities.stepEnds(); }
+    void stepEnds() override;
     Outcome store(size_t i, const std::string& value) override;
     std::string stateOf(size_t i) const override;
     Outcome putState(size_t i, const std::string& state) override;
@@ -136,6 +151,8 @@ private:
     std::vector<EntryModel> m_models;
     std::string m_givenUp;     // that something was, until something else is written or shown
     bool m_areOthers = false;  // the entities shown are others than those before
+    int m_workDepth = 0;       // of AtWork
+    bool m_isLookDue = false;  // one was put off
 };
 
 }  // namespace zoka
