@@ -59,7 +59,10 @@ void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARA
 }
 
 void EntryPanel::tooltipText(NMTTDISPINFOW& info) {
-    const EntryWindow* const window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
+    const EntryWindow* window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
+    if (window && m_refusing && window->field() == m_refusedField) {
+        window = nullptr;  // the reason is in sight already, and would be hidden
+    }
     const Draft* const draft = window ? draftOf(window->row()) : nullptr;
     const std::string why = draft ? "Not taken: " + draft->why + "\r\n" : std::string();
     const std::string about = window ? m_editing.tooltip(window->row()) : std::string();
@@ -76,6 +79,7 @@ void EntryPanel::showRefusal(HWND field, const std::string& text) {
     TTTOOLINFOW tool = toolOf(m_window);
     tool.lpszText = m_refusal.data();
     SendMessageA(m_balloon, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(m_tooltip, TTM_POP, 0, 0);
     placeBalloon();
     // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
     // it can stay below the panel.
@@ -333,7 +337,10 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
                 placeBalloon();
             }
             SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
-            SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+            // Lifted anew: it may be shown already, and have come to lie below the panel.
+            for (const HWND place : {HWND_NOTOPMOST, HWND_TOPMOST}) {
+                SetWindowPos(m_balloon, place, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+            }
             return 0;
         }
         case kOpenAsked:

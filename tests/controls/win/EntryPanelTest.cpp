@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "controls/win/ControlClasses.h"
@@ -154,13 +155,60 @@ TEST(EntryPanel, OpensTheMenuOfTheRowThatWasMeantOrNone) {
     EXPECT_EQ(panel.host.menus.size(), 1U) << "of another row";
 }
 
-BOOL CALLBACK findTrack(HWND window, LPARAM found) {
+struct Wanted {
+    const char* className;
+    HWND found;
+};
+
+BOOL CALLBACK findControl(HWND window, LPARAM data) {
+    auto& wanted = *reinterpret_cast<Wanted*>(data);
     char name[32] = "";
     GetClassNameA(window, name, sizeof name);
-    if (lstrcmpiA(name, TRACKBAR_CLASSA) == 0) {
-        *reinterpret_cast<HWND*>(found) = window;
+    if (lstrcmpiA(name, wanted.className) == 0) {
+        wanted.found = window;
     }
     return TRUE;
+}
+
+HWND controlOf(HWND panel, const char* className) {
+    Wanted wanted{className, nullptr};
+    EnumChildWindows(panel, findControl, reinterpret_cast<LPARAM>(&wanted));
+    return wanted.found;
+}
+
+struct Asked {
+    HWND panel, field;
+    std::wstring text;
+};
+
+// What the panel would have a tooltip show of a field; of the thread's windows it answers its own tooltip alone.
+BOOL CALLBACK askForText(HWND window, LPARAM data) {
+    auto& asked = *reinterpret_cast<Asked*>(data);
+    NMTTDISPINFOW info{};
+    info.hdr = {window, reinterpret_cast<UINT_PTR>(asked.field), static_cast<UINT>(TTN_GETDISPINFOW)};
+    SendMessageA(asked.panel, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+    if (info.lpszText) {
+        asked.text = info.lpszText;
+    }
+    return TRUE;
+}
+
+TEST(EntryPanel, ShowsAReasonOnce) {
+    ShownPanel panel;
+    const HWND field = controlOf(panel.window, kIntEditClass);
+    ASSERT_TRUE(field);
+    const auto tooltip = [&] {
+        Asked asked{panel.window, field, L"none"};
+        EnumThreadWindows(GetCurrentThreadId(), askForText, reinterpret_cast<LPARAM>(&asked));
+        return asked.text;
+    };
+    EXPECT_EQ(tooltip().find(L"Depth"), 0U);
+    SetFocus(field);
+    SetWindowTextA(field, "x");
+    settle();
+    EXPECT_EQ(tooltip(), L"") << "the balloon says it";
+    panel.entries.hideRefusal();
+    EXPECT_EQ(tooltip().find(L"Not taken: "), 0U);
 }
 
 TEST(EntryPanel, EscapeEndsTheDragOfAThumb) {
@@ -173,8 +221,7 @@ TEST(EntryPanel, EscapeEndsTheDragOfAThumb) {
                      .maximum = 100});
     panel.entries.rowsReplaced(false);
     settle();
-    HWND track = nullptr;
-    EnumChildWindows(panel.window, findTrack, reinterpret_cast<LPARAM>(&track));
+    const HWND track = controlOf(panel.window, TRACKBAR_CLASSA);
     ASSERT_TRUE(track);
     RECT thumb;
     SendMessageA(track, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
