@@ -166,6 +166,10 @@ TEST_F(Customize, SaysWhatItWouldLoseOrDoesNotOffer) {
     run = folder.run("customize list u.kez");
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err, HasSubstr("u.kez: This file is UTF-16; save it as"));
+    // What stands beside the script is named as the script was.
+    folder.write("~zk-d.kez.lock", "1\n");
+    EXPECT_THAT(folder.run("customize set d.kez B=x").err,
+                HasSubstr("had left the lock '~zk-d.kez.lock' behind"));
     folder.write("n.kez", "nothing\n");
     EXPECT_THAT(folder.run("customize list n.kez").err, HasSubstr("n.kez offers no values"));
     folder.write("i.kez", "// image: none.bmp\n// image: p.kez\n");

@@ -52,6 +52,10 @@ std::string suitePath(const std::string& argument) {
     if (path.size() > 3 && path != argument && std::ranges::none_of(g_given, same)) {
         const auto shorter = [&](const Given& given) { return given.path.size() < path.size(); };
         g_given.insert(std::ranges::find_if(g_given, shorter), {path, argument});
+        if (osFiles().kindOf(path) == OsKind::File) {  // what is told of may stand beside it: its lock, say
+            const std::string folder(folderOf(argument));
+            suitePath(folder.empty() ? "." : folder);
+        }
     }
     return path;
 }

@@ -8,8 +8,8 @@
 
 namespace zoka::cli {
 
-// An argument as the suite writes paths: absolute, with backslashes alone and none at its end. What is below it is from
-// then on shown as the user wrote it.
+// An argument as the suite writes paths: absolute, with backslashes alone and none at its end. What is below it, and
+// what stands beside a file, is from then on shown as the user wrote it.
 std::string suitePath(const std::string& argument);
 
 // A path as the user would write it: below an argument as that was given ("game/fog.kez" for "game"), so that editors
