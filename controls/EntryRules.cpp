@@ -213,9 +213,20 @@ bool hasChoices(const EntryFacts& facts) {
     return !facts.options.empty() || (facts.hostNames && !facts.hostNames->empty());
 }
 
+std::string_view withoutBrackets(std::string_view text) {
+    return text.size() >= 2 && text.front() == '<' && text.back() == '>' ? text.substr(1, text.size() - 2)
+                                                                         : text;
+}
+
+bool isSameChoice(const EntryFacts& facts, std::string_view choice, std::string_view text) {
+    return choice == text ||
+           (facts.shape == ValueShape::WithBrackets && withoutBrackets(choice) == withoutBrackets(text));
+}
+
 bool isChoice(const EntryFacts& facts, std::string_view text) {
     const auto in = [&](const std::vector<std::string>& list) {
-        return std::find(list.begin(), list.end(), text) != list.end();
+        return std::ranges::any_of(
+            list, [&](const std::string& choice) { return isSameChoice(facts, choice, text); });
     };
     return in(facts.options) || (facts.hostNames && in(*facts.hostNames));
 }

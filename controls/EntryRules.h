@@ -28,8 +28,13 @@ std::string entryRefusal(const EntryFacts& facts, std::string_view text);
 // "allowed: 0 to 100", "allowed: 0 or more"; empty without limits.
 std::string allowedRange(const EntryFacts& facts);
 
-// Whether a drop list has choices at all, and whether `text` is one of them, to the letter.
+// `text` without the < and > around it.
+std::string_view withoutBrackets(std::string_view text);
+
+// Whether a drop list has choices at all, and whether `text` is one of them, to the letter. Where a value keeps its
+// brackets, a choice is the same with and without them.
 bool hasChoices(const EntryFacts& facts);
+bool isSameChoice(const EntryFacts& facts, std::string_view choice, std::string_view text);
 bool isChoice(const EntryFacts& facts, std::string_view text);
 // Why a list does not take the value; empty when it offers it, or is no list. The tool sets others with --force.
 std::string choiceRefusal(const EntryFacts& facts, std::string_view text);

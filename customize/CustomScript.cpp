@@ -89,8 +89,8 @@ void checkControl(CustomScript& script, const CustomEntry& entry) {
     }
 }
 
-bool lacks(const std::vector<std::string>& choices, const std::string& value) {
-    return std::find(choices.begin(), choices.end(), value) == choices.end();
+bool lacksValue(const EntryFacts& list) {
+    return hasChoices(list) && !isChoice(list, list.value);
 }
 
 std::string pictureFault(const std::string& name, const std::string& path) {
@@ -168,10 +168,7 @@ void checkCustomValue(CustomScript& script, const CustomEntry& entry) {
                                     "); it was left as it is",
                                 true);
         }
-    } else if (entry.kind == kEntryDrop &&
-               (entry.controlKind == kDropPair
-                    ? lacks(dropPairOf(entry.value), entry.value)
-                    : !entry.options.empty() && lacks(entry.options, entry.value))) {
+    } else if (entry.kind == kEntryDrop && lacksValue(factsOf(script, entry))) {
         script.findings.add(entry.line,
                             "the value " + inQuotes(entry.value) + " of " + inQuotes(entry.label) +
                                 " is not among its choices; it was left as it is",
@@ -306,7 +303,8 @@ EntryFacts factsOf(const CustomScript& script, const CustomEntry& entry, const H
     return facts;
 }
 
-std::vector<std::string> dropPairOf(std::string_view value) {
+std::vector<std::string> dropPairOf(std::string_view whole) {
+    const std::string_view value = withoutBrackets(whole);
     constexpr std::string_view pairs[][2] = {{"yes", "no"}, {"on", "off"}, {"true", "false"}, {"1", "0"}};
     const std::string_view(*pair)[2] = &pairs[1];
     for (const auto& candidate : pairs) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "controls/EntryRules.h"
 #include "controls/win/ControlClasses.h"
 #include "ui/win/WindowKit.h"
 
@@ -36,7 +37,8 @@ void ChoiceList::refill(const EntryFacts& before, const EntryFacts& facts) {
 void ChoiceList::show(const std::string& value, const EntryFacts& facts) {
     // Compared to the letter, which the list's own search doesn't do.
     const auto find = [&](const std::vector<std::string>& choices) {
-        return static_cast<size_t>(std::find(choices.begin(), choices.end(), value) - choices.begin());
+        const auto same = [&](const std::string& choice) { return isSameChoice(facts, choice, value); };
+        return static_cast<size_t>(std::ranges::find_if(choices, same) - choices.begin());
     };
     const size_t own = facts.options.size();
     const size_t named = facts.hostNames ? facts.hostNames->size() : 0;

@@ -209,9 +209,9 @@ TEST(Markup, APairBelongsToItsValueAndIsWrittenLikeIt) {
     const struct {
         const char* value;
         std::vector<std::string> pair;
-    } rows[] = {{"no", {"yes", "no"}}, {"On", {"On", "Off"}}, {"FALSE", {"TRUE", "FALSE"}},
-                {"1", {"1", "0"}},     {"0", {"1", "0"}},     {"other", {"on", "off"}},
-                {"", {"on", "off"}}};
+    } rows[] = {{"no", {"yes", "no"}},   {"On", {"On", "Off"}}, {"FALSE", {"TRUE", "FALSE"}},
+                {"1", {"1", "0"}},       {"0", {"1", "0"}},     {"other", {"on", "off"}},
+                {"<No>", {"Yes", "No"}}, {"", {"on", "off"}}};
     for (const auto& row : rows) {
         EXPECT_EQ(dropPairOf(row.value), row.pair) << row.value;
     }
@@ -283,8 +283,10 @@ TEST(Markup, FindingsTellLineFaultAndWhatWasDone) {
     }
     for (const char* good :
          {"// next: B", "// entry_drop: A\n// cntl: drop_list <a> <b>\nx = <b>;",
-          "\xEF\xBB\xBF// entry: A\nvar x = 5;\n", "// data: weather.kez", "// test of things", "// date: 1",
-          "// enable: A\n//x;\n\n", "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;",
+          "// entry_drop: A\n// cntl: drop_list a b\nx = <b>;",
+          "// entry_drop: A\n// cntl: drop_pair\nx = <Yes>;", "\xEF\xBB\xBF// entry: A\nvar x = 5;\n",
+          "// data: weather.kez", "// test of things", "// date: 1", "// enable: A\n//x;\n\n",
+          "// entry: A\nvar x = 5; // five\n", "// entry: A\nvar x = 1, y = 2;",
           "// skill1: Speed 3\n// cntl: spin 1 2 1\n// help: h\naction a"}) {
         EXPECT_THAT(parsed(good).findings.kept(), IsEmpty()) << good;
     }
