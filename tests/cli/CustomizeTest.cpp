@@ -159,9 +159,11 @@ TEST_F(Customize, SaysWhatItWouldLoseOrDoesNotOffer) {
     }
     EXPECT_FALSE(folder.read("v").empty());
     folder.write("p.kez", std::string("BM\0x", 4));
-    run = folder.run("customize list p.kez");
-    EXPECT_EQ(run.status, 3);
-    EXPECT_THAT(run.err, HasSubstr("p.kez is no script"));
+    for (const char* command : {"list", "check"}) {
+        run = folder.run(std::string("customize ") + command + " p.kez");
+        EXPECT_EQ(run.status, 3) << command;
+        EXPECT_THAT(run.err, HasSubstr("p.kez is no script")) << command;
+    }
     folder.write("u.kez", std::string("\xFF\xFE/\0/\0", 6));
     run = folder.run("customize list u.kez");
     EXPECT_EQ(run.status, 3);
@@ -207,6 +209,8 @@ TEST_F(Customize, ComparesResetsAndUpdatesByTheTemplate) {
             << original;
         EXPECT_EQ(folder.read("s.kez"), with("// id: 4", "// id: 6")) << original;
     }
+    EXPECT_EQ(folder.run("customize reset s.kez -t none").err,
+              "zoka: there is no template none; not reset\n");
 }
 
 TEST_F(Customize, ExportsAndImportsValueFiles) {

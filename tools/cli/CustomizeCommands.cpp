@@ -51,7 +51,9 @@ bool isTemplateOf(const std::string& script, const std::string& original, const 
         equalNoCase(numberedTemplateOf(script), fileNameOf(original))) {
         return true;
     }
-    complain(original + " is another script's template: the names differ; not " + notDone);
+    complain((osFiles().exists(original) ? original + " is another script's template: the names differ"
+                                         : "there is no template " + original) +
+             "; not " + notDone);
     return false;
 }
 
@@ -374,6 +376,10 @@ ExitStatus checkFile(const std::string& path, const std::string& shown, Json* js
     CustomScript script;
     if (const Outcome loaded = LoadCustomScript(path, script); !loaded) {
         complainUnreadable(shown, loaded.why());
+        return ExitStatus::Failed;
+    }
+    if (!hasUtf16Mark(script.text) && script.text.find('\0') != std::string::npos) {
+        complain(shown + kNoScript);
         return ExitStatus::Failed;
     }
     const auto besideIt = [&path](const std::string& name) { return joinPath(folderOf(path), name); };

@@ -62,7 +62,7 @@ OpenScript::OpenScript(const std::string& file, bool changes)
         complain(file + ": " + kUtf16ToCustomize);
         m_open = false;
     } else if (m_session.script().text.find('\0') != std::string::npos) {
-        complain(file + " is no script: it holds bytes that no text has");
+        complain(file + kNoScript);
         m_open = false;
     } else if (std::ranges::none_of(m_session.script().entries, &CustomEntry::hasValue)) {
         complain(file + " offers no values: no comment of it declares one");

@@ -12,6 +12,8 @@
 
 namespace zoka::cli {
 
+inline constexpr const char* kNoScript = " is no script: it holds bytes that no text has";
+
 // The line of each entry's value, in the entries' order; lines count from 1.
 std::vector<int> valueLines(const CustomScript& script);
 // How a command names the entry: by its id or, without one, by its line.

@@ -408,23 +408,21 @@ ExitStatus restore(Manager& manager, const ScriptOptions& options) {
     }
     ExitStatus status = ExitStatus::Done;
     for (const std::string& file : files) {
-        if (!options.dryRun) {
-            status = manager.session().restore(file) ? status : ExitStatus::Findings;
-            continue;
-        }
         const RestorePlan plan = planRestore(manager.host(), file);
-        if (plan.problem.empty()) {
-            printShown("copy " + givenPath(plan.source) + " -> " + givenPath(plan.destination) + "\n");
-        } else {
+        if (!plan.problem.empty()) {
             complain(file + ": " + plan.problem);
             status = ExitStatus::Findings;
+        } else if (options.dryRun) {
+            printShown("copy " + givenPath(plan.source) + " -> " + givenPath(plan.destination) + "\n");
+        } else {
+            status = manager.session().restore(file) ? status : ExitStatus::Findings;
         }
     }
     return status;
 }
 
 ExitStatus notes(Manager& manager, const ScriptOptions& options) {
-    const std::string text = manager.session().notes();
+    const std::string text = withGivenPaths(manager.session().notes());
     if (options.json) {
         printJson({{"notes", jsonText(text)}});
     } else {
