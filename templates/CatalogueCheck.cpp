@@ -24,6 +24,15 @@ void addLines(std::vector<CatalogueFinding>& findings, const std::string& script
     }
 }
 
+// Says of a name of a file or folder that the catalogue has another: what is looked for by it is not found.
+void findRenamed(std::vector<CatalogueFinding>& findings, const std::string& script, const char* what,
+                 const std::string& name) {
+    if (const std::string written = withoutMarkup(name); written != name) {
+        findings.push_back({script, std::string(what) + " \"" + name + "\" stands in the catalogue as \"" +
+                                        written + "\" and won't be found by it: rename it"});
+    }
+}
+
 // Names the fields with characters that a catalogue can't hold.
 void findDropped(std::vector<CatalogueFinding>& findings, const CScriptElm& script) {
     const auto look = [&](const char* field, const std::string& text) {
@@ -52,8 +61,9 @@ void findDropped(std::vector<CatalogueFinding>& findings, const CScriptElm& scri
     look("version", script.m_vers);
     look("date", script.m_date);
     look("engine requirement", script.m_engreq.AsText());
+    findRenamed(findings, script.m_filename, "its file name", script.m_filename);
     for (const std::string& need : script.m_needs) {
-        look("needs line", need);
+        findRenamed(findings, script.m_filename, "its need", need);
     }
     for (const CScriptSection& section : script.m_sections) {
         look("section", section.m_name + section.m_text + section.m_imgfile);
@@ -204,6 +214,9 @@ bool buildCatalogue(CTemplateData& catalogue, const std::string& templateFolder,
                     std::vector<CatalogueFinding>& findings, std::vector<Unreadable>& unreadable,
                     OsListing* left) {
     bool any = false;
+    for (const auto& [type, path] : catalogue.directories()) {
+        findRenamed(findings, "", "the folder", path);
+    }
     for (const OsEntry& entry : osFiles().list(joinPath(templateFolder, "*.kez"), left)) {
         if (entry.isFolder) {
             continue;

@@ -385,6 +385,16 @@ TEST(Catalogue, BuildingAnewKeepsWhatItIsNotTold) {
         EXPECT_THAT(built, HasSubstr(part));
     }
     EXPECT_EQ(suite.run("catalogue check " + kCatalogue).status, 0) << "what is written can be read";
+    // A name that the replaced markup would change is one that no file has.
+    text = suite.read("suite/templates/template_6.xml");
+    text.replace(text.find(".\\art"), 5, ".\\art &amp; co");
+    suite.write("suite/templates/template_6.xml", text);
+    suite.addTemplate("hill&dale", "needs: sun&moon.kez\r\n");
+    const std::string out = suite.run(build).out;
+    for (const char* name : {"the folder \".\\art & co\"", "hill&dale.kez: its file name \"hill&dale.kez\"",
+                             "hill&dale.kez: its need \"sun&moon.kez\""}) {
+        EXPECT_THAT(out, HasSubstr(name + std::string(" stands in the catalogue as")));
+    }
     for (const char* file : {"-", "suite/templates"}) {
         EXPECT_EQ(suite.run(std::string("catalogue list ") + file).status, 2) << file;
     }
