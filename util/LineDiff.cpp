@@ -4,12 +4,14 @@
 #include <dtl/dtl.hpp>
 #include <span>
 
+#include "util/KeyedHash.h"
+
 namespace zoka {
 
 namespace {
 
 constexpr size_t kContext = 3;
-// Lines that are compared in full; the comparison's time grows with lines times differences.
+// Lines that are compared in one; the comparison's time grows with lines times differences.
 constexpr size_t kMostLines = 8000;
 
 using Lines = std::vector<std::string_view>;
@@ -31,18 +33,72 @@ struct Edit {
     std::string_view line;
 };
 
-// The edits between the common beginning and the common end.
-std::vector<Edit> editsBetween(std::span<const std::string_view> before,
-                               std::span<const std::string_view> after) {
-    std::vector<Edit> edits;
+using LineSpan = std::span<const std::string_view>;
+// A line of the one text and its equal in the other.
+struct Pair {
+    size_t before, after;
+};
+
+void addReplaced(std::vector<Edit>& edits, LineSpan before, LineSpan after) {
+    for (const std::string_view line : before) {
+        edits.push_back({'-', line});
+    }
+    for (const std::string_view line : after) {
+        edits.push_back({'+', line});
+    }
+}
+
+// The lines that occur once in either text, in the order of `before`.
+std::vector<Pair> onceInBoth(LineSpan before, LineSpan after) {
+    struct Places {
+        size_t countBefore = 0, countAfter = 0, inAfter = 0;
+    };
+    KeyedMap<std::string_view, Places> places;
+    places.reserve(before.size() + after.size());
+    for (const std::string_view line : before) {
+        ++places[line].countBefore;
+    }
+    for (size_t i = 0; i < after.size(); ++i) {
+        Places& found = places[after[i]];
+        ++found.countAfter;
+        found.inAfter = i;
+    }
+    std::vector<Pair> pairs;
+    for (size_t i = 0; i < before.size(); ++i) {
+        const Places& found = places.at(before[i]);
+        if (found.countBefore == 1 && found.countAfter == 1) {
+            pairs.push_back({i, found.inAfter});
+        }
+    }
+    return pairs;
+}
+
+// As many of them as possible that stand in the same order in both texts.
+std::vector<Pair> inOneOrder(const std::vector<Pair>& pairs) {
+    constexpr size_t kNone = static_cast<size_t>(-1);
+    std::vector<size_t> ends;                           // of the best rows of each length, the last pair
+    std::vector<size_t> previous(pairs.size(), kNone);  // in the best row that ends with the pair
+    for (size_t i = 0; i < pairs.size(); ++i) {
+        const auto place = std::lower_bound(ends.begin(), ends.end(), pairs[i].after,
+                                            [&](size_t end, size_t line) { return pairs[end].after < line; });
+        previous[i] = place == ends.begin() ? kNone : *(place - 1);
+        if (place == ends.end()) {
+            ends.push_back(i);
+        } else {
+            *place = i;
+        }
+    }
+    std::vector<Pair> row;
+    for (size_t i = ends.empty() ? kNone : ends.back(); i != kNone; i = previous[i]) {
+        row.push_back(pairs[i]);
+    }
+    std::reverse(row.begin(), row.end());
+    return row;
+}
+
+void addEdits(std::vector<Edit>& edits, LineSpan before, LineSpan after) {
     if (before.empty() || after.empty() || before.size() + after.size() > kMostLines) {
-        for (const std::string_view line : before) {
-            edits.push_back({'-', line});
-        }
-        for (const std::string_view line : after) {
-            edits.push_back({'+', line});
-        }
-        return edits;
+        return addReplaced(edits, before, after);
     }
     dtl::Diff<std::string_view, Lines> diff(Lines(before.begin(), before.end()),
                                             Lines(after.begin(), after.end()));
@@ -50,6 +106,22 @@ std::vector<Edit> editsBetween(std::span<const std::string_view> before,
     for (const auto& [line, info] : diff.getSes().getSequence()) {
         edits.push_back({info.type == dtl::SES_ADD ? '+' : info.type == dtl::SES_DELETE ? '-' : ' ', line});
     }
+}
+
+// The edits between the common beginning and the common end. What is too long to be compared in one is cut at the
+// lines that occur once in both.
+std::vector<Edit> editsBetween(LineSpan before, LineSpan after) {
+    std::vector<Edit> edits;
+    Pair from{0, 0};
+    if (before.size() + after.size() > kMostLines) {
+        for (const Pair& same : inOneOrder(onceInBoth(before, after))) {
+            addEdits(edits, before.subspan(from.before, same.before - from.before),
+                     after.subspan(from.after, same.after - from.after));
+            edits.push_back({' ', before[same.before]});
+            from = {same.before + 1, same.after + 1};
+        }
+    }
+    addEdits(edits, before.subspan(from.before), after.subspan(from.after));
     return edits;
 }
 

@@ -24,8 +24,8 @@ std::string lineEndChange(std::string_view before, std::string_view after);
 
 // Empty when the texts are equal. Where lineEndChange says so of all lines at once, their ends don't count.
 // Otherwise lines that differ in their line end alone are different; the text of such a line then ends with a
-// visible "\r". Where the texts differ in very many lines, all between the first and
-// the last difference counts as replaced, so that the time stays linear.
+// visible "\r". Of very long texts, what lies between two lines that occur once in both counts as replaced where it is
+// very long too, so that the time stays about linear.
 std::vector<DiffHunk> lineDifference(std::string_view before, std::string_view after);
 
 // The hunks in the unified format, lines ended with LF; empty when the texts are equal. A change of all line ends

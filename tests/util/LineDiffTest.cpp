@@ -92,6 +92,28 @@ TEST(LineDiff, HunksTurnOneTextIntoTheOther) {
     }
 }
 
+TEST(LineDiff, LongTextsAreCutAtLinesThatOccurOnce) {
+    unsigned state = 1;
+    const auto lines = [&state](int different) {
+        std::string text;
+        for (int i = 0; i < 6000; ++i) {
+            state = state * 1664525U + 1013904223U;
+            text += std::to_string((state >> 8) % different) + "\n}\n";
+        }
+        return text;
+    };
+    const std::string first = lines(4000), second = lines(4000);
+    const auto hunks =
+        lineDifference("version 1\n" + first + second, "version 2\n" + first + "new\n" + second + "end\n");
+    ASSERT_EQ(hunks.size(), 3U);
+    EXPECT_EQ(hunks[1].oldCount, 6U);
+    EXPECT_EQ(hunks[1].newCount, 7U);
+    for (const int different : {10, 3000, 30000}) {
+        const std::string before = lines(different) + second, after = second + lines(different);
+        EXPECT_EQ(patched(before, lineDifference(before, after)), after) << different;
+    }
+}
+
 TEST(LineDiff, VeryDifferentTextsTakeLinearTime) {
     std::string before = "same\n", after = "same\n";
     for (int i = 0; i < 200000; ++i) {
