@@ -138,17 +138,15 @@ ExitStatus build(const BuildOptions& options) {
     }
     const std::string text = inTextMode(catalogueText(catalogue, CTemplateData::GetCurDate()));
     ExitStatus status = report(options.folder, findings, options.json);
-    bool whole = true;
     for (const auto& [name, reason] : unreadable) {
         const bool stays = known && old.recordByFilenameNoCase(name);
-        complainUnreadable(name, reason + (stays ? "; it stays as it was" : ""));
+        complainUnreadable(joinPath(folder, name),
+                           reason + (stays ? "; it stays as it was" : "; it is left out"));
         status = ExitStatus::Failed;
-        whole = whole && stays;
     }
-    // A catalogue without some of the folder's scripts would hide them from whoever adds scripts by it.
-    if (!whole) {
-        complain("The catalogue would lack scripts of the folder. Nothing was written.");
-        return ExitStatus::Failed;
+    if (catalogue.rows().empty()) {
+        complain("no script of " + options.folder + " can be read. Nothing was written.");
+        return status;
     }
     // What Add Script could not read would end the editor.
     XMLResults results;
@@ -160,8 +158,7 @@ ExitStatus build(const BuildOptions& options) {
             return ExitStatus::Failed;
         }
         if (const auto script = findUnreadable(catalogue, charset)) {
-            complain(joinPath(options.folder, script->script) + ": " + script->text +
-                     ". Nothing was written.");
+            complain(joinPath(folder, script->script) + ": " + script->text + ". Nothing was written.");
             return ExitStatus::Failed;
         }
         complain(shown + ":" + std::to_string(results.line) + ":" + std::to_string(results.column) + ": " +
