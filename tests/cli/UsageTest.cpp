@@ -134,6 +134,7 @@ TEST(Usage, FilesAreNamedAsTheyWereGiven) {
           Row{"behavior check ./game", "./game/bad.kez:"},
           Row{"customize check game", "game/bad.kez:1: "},
           Row{"customize list none.kez", "Can't read 'none.kez': "},
+          Row{"customize list -", "Can't read '-': "},
           Row{"customize set game/s.kez 1=2 -n", "--- game/s.kez\n"},
           Row{"customize reset game/s.kez -t t/other.kez", "t/other.kez is another script's template"},
           Row{"customize reset game/s.kez -t t", "Can't read 't/s.kez': "},

@@ -30,14 +30,14 @@ std::optional<std::string> readStream(std::FILE* stream, const std::string& name
     while (const size_t got = std::fread(block.data(), 1, block.size(), stream)) {
         bytes.append(block.data(), got);
         if (bytes.size() > kMostBytes) {
-            complainUnreadable(name, "more than 2 GiB came");
+            complain("Can't read " + name + ": more than 2 GiB came");
             return std::nullopt;
         }
     }
     if (!std::ferror(stream)) {
         return bytes;
     }
-    complainUnreadable(name, std::strerror(errno));
+    complain("Can't read " + name + ": " + std::strerror(errno));
     return std::nullopt;
 }
 
@@ -52,13 +52,13 @@ bool isPipe(const std::string& path) {
 std::optional<std::string> readInput(const std::string& path) {
     workOn(path);
     if (isStandardStream(path)) {
-        return readStream(stdin, path);
+        return readStream(stdin, "the standard input");
     }
     if (isPipe(path)) {
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(std::fopen(path.c_str(), "rb"),
                                                                    std::fclose);
         if (pipe) {
-            return readStream(pipe.get(), path);
+            return readStream(pipe.get(), "'" + path + "'");
         }
         complainUnreadable(path, std::strerror(errno));
         return std::nullopt;
@@ -136,8 +136,7 @@ void complain(const std::string& text) {
 }
 
 void complainUnreadable(const std::string& path, const std::string& why) {
-    complain(isStandardStream(path) ? "Can't read the standard input: " + why
-                                    : "Can't read '" + path + "': " + why);
+    complain("Can't read '" + path + "': " + why);
 }
 
 void printShown(const std::string& text) {

@@ -363,7 +363,8 @@ ExitStatus import(const CustomizeOptions& options) {
             put = converted ? session.putValue(found->second, *converted) : Refusal{converted.why()};
         }
         if (!put) {
-            complain("id " + std::to_string(record.id) + " (" + value + "): " + put.why());
+            complain("id " + std::to_string(record.id) + (value.empty() ? "" : " (" + value + ")") + ": " +
+                     put.why());
             status = ExitStatus::Findings;
         }
     }
