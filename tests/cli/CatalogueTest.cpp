@@ -57,8 +57,8 @@ TEST(Catalogue, AScriptThatCannotBeReadDoesNotStopIt) {
     const ToolRun run = suite.run(build);
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err,
-                AllOf(ContainsRegex("Can't read 'suite/templates/fog.kez': .*; it stays as it was\n"),
-                      ContainsRegex("Can't read 'suite/templates/lamp.kez': .*; it is left out\n")));
+                AllOf(ContainsRegex("Can't read 'suite/templates.fog.kez': .*; it stays as it was\n"),
+                      ContainsRegex("Can't read 'suite/templates.lamp.kez': .*; it is left out\n")));
     EXPECT_THAT(suite.read(catalogue),
                 AllOf(HasSubstr("\"fog.kez\""), HasSubstr("\"late.kez\""), Not(HasSubstr("lamp"))));
 
