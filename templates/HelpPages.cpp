@@ -312,7 +312,7 @@ private:
     Outcome take(const std::string& name, const std::string& text) {
         constexpr size_t kAtOnce = 250;  // each is an open file until they are written
         std::string path = m_folder + name;
-        if (osFiles().isLink(path) || osFiles().readWhole(path) != text) {
+        if (!isUsersStyle(path, text) && (osFiles().isLink(path) || osFiles().readWhole(path) != text)) {
             m_pages.emplace_back(std::move(path), text);
         }
         return m_pages.size() < kAtOnce ? Outcome() : finish();
@@ -339,6 +339,14 @@ std::string asFileName(std::string name) {
 }
 
 }  // namespace
+
+bool isUsersStyle(const std::string& path, std::string_view text) {
+    if (fileNameOf(path) != kStyleFile) {
+        return false;
+    }
+    const std::optional<std::string> before = osFiles().readWhole(path);
+    return before && !text.starts_with(*before);
+}
 
 std::string classPageName(const std::string& className) {
     return asFileName("template_" + className + ".htm");

@@ -15,6 +15,9 @@ namespace zoka {
 // Where the catalogue's own operations put the pages, seen from the current folder.
 inline constexpr const char* kHelpFolder = "..\\docs\\";
 inline constexpr const char* kStyleFile = "css.css";
+// Whether the page at `path`, which is to have that text, is a style sheet that the user has changed: that one stays.
+// A beginning of ours is none: a power failure may have cut it.
+bool isUsersStyle(const std::string& path, std::string_view text);
 inline constexpr const char* kIndexFile = "index.htm";
 
 // `folder` ends with a separator and exists. Each writes its pages in catalogue order, every page whole, in

@@ -168,6 +168,16 @@ TEST(Catalogue, HelpPagesAreWrittenIntoANewFolder) {
     EXPECT_FALSE(std::filesystem::exists(suite.path("pages")));
     EXPECT_EQ(suite.run(command).status, 0);
     EXPECT_EQ(suite.run(command + " --dry-run").out, "");
+    const std::string style = suite.read("pages/css.css");
+    for (const std::string& found : {std::string("body { color: navy; }\n"), style + "p {}\n"}) {
+        suite.write("pages/css.css", found);
+        EXPECT_EQ(suite.run(command + " --dry-run").out, "");
+        EXPECT_EQ(suite.run(command).status, 0);
+        EXPECT_EQ(suite.read("pages/css.css"), found) << "the user's own";
+    }
+    suite.write("pages/css.css", style.substr(0, 100));
+    EXPECT_EQ(suite.run(command).status, 0);
+    EXPECT_EQ(suite.read("pages/css.css"), style);
     for (const char* page : {"index.htm", "css.css", "template_C.htm", "Thefog.htm"}) {
         EXPECT_TRUE(std::filesystem::exists(suite.path("pages") / page)) << page;
     }

@@ -293,6 +293,9 @@ ExitStatus writePages(const PagesOptions& options) {
         names.insert(lowered(name));
         if (options.dryRun) {
             const std::string path = folder + name, shown = givenPath(path);
+            if (isUsersStyle(path, text)) {
+                return Outcome();
+            }
             const std::optional<std::string> before = currentText(path, shown);
             readable = readable && before;
             if (before) {
