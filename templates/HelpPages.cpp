@@ -341,7 +341,7 @@ std::string asFileName(std::string name) {
 }  // namespace
 
 bool isUsersStyle(const std::string& path, std::string_view text) {
-    if (fileNameOf(path) != kStyleFile) {
+    if (fileNameOf(path) != kStyleFile || osFiles().isLink(path)) {
         return false;
     }
     const std::optional<std::string> before = osFiles().readWhole(path);
