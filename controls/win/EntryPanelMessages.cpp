@@ -336,11 +336,10 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             if (IsWindow(m_refusedField)) {  // the keyboard may be elsewhere by now
                 placeBalloon();
             }
+            // Shown anew: it may be in sight already, and have come to lie below the panel.
+            SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
             SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
-            // Lifted anew: it may be shown already, and have come to lie below the panel.
-            for (const HWND place : {HWND_NOTOPMOST, HWND_TOPMOST}) {
-                SetWindowPos(m_balloon, place, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-            }
+            SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
             return 0;
         }
         case kOpenAsked:
