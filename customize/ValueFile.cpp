@@ -26,11 +26,20 @@ public:
         const size_t end = head.find('\n');
         const std::string_view line = head.substr(0, end == head.npos ? head.size() : end + 1);
         m_rest.remove_prefix(line.size());
+        ++m_lines;
+        if (m_longLine == 0 && end == head.npos && !m_rest.empty()) {
+            m_longLine = m_lines;
+        }
         return line;
     }
 
+    // The first of those read that didn't end where it was cut; 0: none.
+    int longLine() const { return m_longLine; }
+
 private:
     std::string_view m_rest;
+    int m_lines = 0;
+    int m_longLine = 0;
 };
 
 int integerOf(std::string_view line) {
@@ -79,6 +88,7 @@ ValueRecords parseValueFile(std::string_view bytes) {
         result.records.push_back(std::move(record));
         lines.next();  // the empty line
     }
+    result.longLine = lines.longLine();
     return result;
 }
 

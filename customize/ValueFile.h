@@ -30,6 +30,8 @@ struct ValueRecord {
 struct ValueRecords {
     std::vector<ValueRecord> records;
     Outcome whole;  // refused where the file ends too soon: the records are those before
+    // The first line, from 1, that is longer than kValueFileLine; 0: none. What follows it may be out of step.
+    int longLine = 0;
 };
 ValueRecords parseValueFile(std::string_view bytes);
 

@@ -227,6 +227,13 @@ TEST_F(Customize, ExportsAndImportsValueFiles) {
         EXPECT_EQ(folder.run("customize import s.kez -i -", broken).status, 1) << broken;
         EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 33"));
     }
+    const ToolRun cut = folder.run("customize import s.kez -i -",
+                                   "1\n2\n0\n\n4\n11\n" + std::string(511, '7') + "\n\n5\n8\n1\n\n");
+    EXPECT_EQ(cut.status, 1);
+    EXPECT_EQ(cut.err,
+              "zoka: line 7 of the value file is longer than 510 bytes, as much as is read; "
+              "nothing was changed\n");
+    EXPECT_EQ(folder.read("s.kez"), with("= 10", "= 33"));
     EXPECT_EQ(folder.run("customize import none.kez").status, 3);
 }
 

@@ -343,6 +343,11 @@ ExitStatus import(const CustomizeOptions& options) {
                               : "the value file ends too soon; nothing was changed");
         return ExitStatus::Findings;
     }
+    if (stored.longLine > 0) {
+        complain("line " + std::to_string(stored.longLine) + " of the value file is longer than " +
+                 std::to_string(kValueFileLine - 1) + " bytes, as much as is read; nothing was changed");
+        return ExitStatus::Findings;
+    }
     CustomizeSession& session = open.session();
     const TextSet set = textSetOf(*bytes);
     KeyedMap<int, size_t> firstOf;
