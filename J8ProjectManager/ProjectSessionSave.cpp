@@ -50,7 +50,7 @@ Outcome keepLines(const std::string& project, const std::vector<std::string>& li
 
 SaveResult ProjectSession::fail(const std::string& message) {
     m_prompt.tell(message);
-    return Refusal{message};
+    return SaveResult::Failed;
 }
 
 bool ProjectSession::question(const std::string& text) {

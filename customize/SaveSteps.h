@@ -16,11 +16,11 @@ inline bool asksYes(UserPrompt& prompt, const std::string& text) {
     return prompt.ask(text, "ZOKA", PromptButtons::YesNo, PromptIcon::None) == PromptAnswer::Yes;
 }
 
-// Tells the message; `problem` is what is known besides, in more words.
+// Tells the message; `notTold` is what is known besides.
 inline SaveResult saveFailed(UserPrompt& prompt, const std::string& message,
-                             const std::string& problem = {}) {
+                             const std::string& notTold = {}) {
     prompt.tell(message);
-    return Refusal{problem.empty() ? message : problem};
+    return Refusal{notTold};
 }
 
 }  // namespace zoka

@@ -119,7 +119,8 @@ SaveEnd ScriptSave::write(bool isCopied, bool& isOvertaken) {
     isOvertaken = result.changedMeanwhile;
     if (result.written == 0 && !isOvertaken) {
         const bool opens = osFiles().openForWriting(path, OsOpen::Existing) != nullptr;
-        return saveFailed(m_prompt, opens ? result.why() : "Error open file to write", result.why());
+        return opens ? saveFailed(m_prompt, result.why())
+                     : saveFailed(m_prompt, "Error open file to write", result.why());
     }
     m_written = result;
     return std::nullopt;

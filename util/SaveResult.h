@@ -19,16 +19,16 @@ public:
         Failed,
     };
     SaveResult(How how = NothingToSave) : m_how(how) {}
-    SaveResult(Refusal refusal) : m_how(Failed), m_why(std::move(refusal.why)) {}
+    SaveResult(Refusal refusal) : m_how(Failed), m_notTold(std::move(refusal.why)) {}
 
     How how() const { return m_how; }
     friend bool operator==(const SaveResult& a, const SaveResult& b) { return a.m_how == b.m_how; }
-    // Why it failed, perhaps in more words than the user was told; else empty.
-    const std::string& why() const { return m_why; }
+    // Of a failure, what is known besides what the user was told; else empty.
+    const std::string& notTold() const { return m_notTold; }
 
 private:
     How m_how;
-    std::string m_why;
+    std::string m_notTold;
 };
 
 }  // namespace zoka

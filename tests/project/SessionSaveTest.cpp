@@ -134,9 +134,9 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     ASSERT_TRUE(set("level/harbour/doc", "third"));
     folder.write("game.xml", "<Project><Level name='other'/></Project>");
     prompt.answers = {PromptAnswer::Yes};
-    const SaveResult refused = session.save();
-    EXPECT_EQ(refused, SaveResult::Failed);
-    EXPECT_THAT(refused.why(), HasSubstr("project file as it is now:\n\nlevel/harbour/doc = third\n"));
+    EXPECT_EQ(session.save(), SaveResult::Failed);
+    EXPECT_THAT(prompt.asked.back().text,
+                HasSubstr("project file as it is now:\n\nlevel/harbour/doc = third\n"));
     EXPECT_EQ(get("level/harbour/doc"), "third") << "what finds no place is not lost";
     folder.write("game.xml", "<Project");
     ASSERT_TRUE(set("name", "x"));
@@ -272,6 +272,7 @@ TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
         ASSERT_TRUE(session.open(path));
         ASSERT_TRUE(set("name", "x"));
         prompt.answers = {PromptAnswer::Yes};
+        prompt.asked.clear();
         zoka::test::FaultyOsFiles faulty(zoka::test::FaultyOsFiles::nth(failing));
         const SaveResult saved = session.save();
         prompt.answers.clear();
@@ -281,7 +282,9 @@ TEST_F(ProjectSessionTest, FaultsAtEveryStepOfASave) {
             break;
         }
         EXPECT_TRUE(now == old || now.find("name=\"x\"") != now.npos) << failing << "\n" << now;
-        EXPECT_TRUE(saved == SaveResult::Saved || !saved.why().empty()) << failing;
+        ASSERT_FALSE(prompt.asked.empty()) << failing;
+        EXPECT_TRUE(saved == SaveResult::Saved || prompt.asked.back().buttons == zoka::PromptButtons::Ok)
+            << failing;
         EXPECT_EQ(get("name"), "x") << "operation " << failing << " cost the edit";
         EXPECT_TRUE(session.undo());
         EXPECT_EQ(get("name"), "Game") << failing;
@@ -297,7 +300,8 @@ TEST_F(ProjectSessionTest, AFileThatCannotBeWrittenGetsNoCopy) {
         zoka::test::FaultyOsFiles faulty([&](int, std::string_view op, const std::string& file) {
             return op == "openExisting" && file == path;
         });
-        EXPECT_THAT(session.save().why(), HasSubstr("Can't write '" + path + "'"));
+        EXPECT_EQ(session.save(), SaveResult::Failed);
+        EXPECT_THAT(prompt.asked.back().text, HasSubstr("Can't write '" + path + "'"));
     }
     EXPECT_EQ(folder.read("game.xml.1.bak"), "<missing>");
 }

@@ -127,8 +127,8 @@ ExitStatus OpenScript::finish(bool dryRun) {
         return ExitStatus::Done;
     }
     const SaveResult saved = m_session.save();
-    if (saved == SaveResult::Failed) {
-        complain(saved.why());
+    if (!saved.notTold().empty()) {
+        complain(saved.notTold());
     }
     return statusOf(saved);
 }
