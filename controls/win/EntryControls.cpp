@@ -41,7 +41,7 @@ HWND EntryControls::child(HWND control) {
     SetWindowLongPtrW(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(m_owner));
     own = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrW(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_procedure)));
-    m_panel.addTooltip(control);
+    m_panel.tips().add(control);
     return control;
 }
 
@@ -76,17 +76,17 @@ void EntryControls::make(HWND window, size_t row, const EntryParts& at) {
     };
     switch (is.field) {
         case EntryField::Caption:
-            return label(m_panel.titleFont(), SS_ENDELLIPSIS, is.label);
+            return label(m_panel.measure().title(), SS_ENDELLIPSIS, is.label);
         case EntryField::Text:
             return label(text, SS_LEFT, is.label);
         case EntryField::Picture:
-            if (!m_panel.picture(row).handle) {
+            if (!m_panel.measure().picture(row).handle) {
                 label(text, SS_ENDELLIPSIS, "[" + is.label + "]");
             }
             return;
         case EntryField::Heading:
             m_field = add("BUTTON", buttonText(is.label), BS_OWNERDRAW | WS_TABSTOP, 0, kField,
-                          m_panel.boldFont(), at.field);
+                          m_panel.measure().bold(), at.field);
             return;
         case EntryField::Switch:
             m_field = add("BUTTON", buttonText(is.label), BS_3STATE | WS_TABSTOP, 0, kField, text, at.field);
@@ -165,7 +165,7 @@ void EntryControls::fitSwitchText(const EntryFacts& facts) {
     if (width > 0 &&
         static_cast<int>(std::min<size_t>(label.size(), 100000)) * m_panel.fonts().x(8) > width) {
         // As wide as it is with a changed value.
-        shown = textWithin(m_field, m_panel.boldFont(), label, width);
+        shown = textWithin(m_field, m_panel.measure().bold(), label, width);
     }
     setText(m_field, buttonText(narrowText(shown, codePageOf(facts.set))), codePageOf(facts.set));
 }
@@ -193,7 +193,7 @@ void EntryControls::layOut(const EntryFacts& facts, const EntryParts& at) {
 void EntryControls::removeTooltips() {
     for (const HWND control : {m_field, m_track, m_spin, m_browse}) {
         if (control) {
-            m_panel.removeTooltip(control);
+            m_panel.tips().remove(control);
         }
     }
 }

@@ -3,126 +3,27 @@
 #include <algorithm>
 
 #include "controls/win/ControlClasses.h"
-#include "ui/win/StatusLine.h"
 
 namespace zoka {
 namespace {
 
-constexpr size_t kMeasuredLabels = 500;  // wide enough for these is wide enough
-constexpr int kLeastLabelUnits = 60, kTipUnits = 240;
 constexpr int kSpacing = 3, kMargin = 6;  // in pixels at 96 dpi
 constexpr size_t kSearchedForField =
     200;  // rows without a usable field are passed over by Tab, but not without end
 
 }  // namespace
 
-EntryPanel::EntryPanel(RowEditing& rows, RowHost& host) : m_editing(rows), m_host(host), m_layout(0, 0, 0) {}
-
-EntryPanel::~EntryPanel() {
-    freeFonts();
-}
+EntryPanel::EntryPanel(RowEditing& rows, RowHost& host)
+    : m_editing(rows), m_host(host), m_layout(0, 0, 0), m_measure(rows) {}
 
 HWND EntryPanel::create(HWND parent, int id, const WindowFonts& fonts) {
     m_fonts = &fonts;
     m_layout = PanelLayout(fonts.px(kMargin), fonts.px(kMargin), fonts.px(kSpacing));
-    makeFonts();
+    m_measure.setFonts(fonts);
     CreateWindowExA(WS_EX_CONTROLPARENT | WS_EX_CLIENTEDGE, kEntryPanelClass, "",
                     WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_CLIPCHILDREN, 0, 0, 0, 0, parent,
                     reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ControlClasses::instance(), this);
-    if (!m_window) {
-        return nullptr;
-    }
     return m_window;
-}
-
-// Made with the first row, since a panel without any needs none. Not later: to make one the system takes the loader's
-// lock, and while another thread unmaps the library a reason must be shown without it.
-void EntryPanel::makeTips() {
-    m_tooltip = makeTip(m_window, m_fonts->x(kTipUnits));
-    SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
-    m_balloon = makeTip(m_window, m_fonts->x(kTipUnits));
-    TTTOOLINFOW tool{};
-    tool.cbSize = TTTOOLINFOW_V1_SIZE;
-    tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
-    tool.hwnd = m_window;
-    tool.lpszText = const_cast<wchar_t*>(L"");
-    SendMessageA(m_balloon, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-}
-
-void EntryPanel::makeFonts() {
-    freeFonts();
-    LOGFONTA font{};
-    GetObjectA(m_fonts->text(), sizeof font, &font);
-    font.lfWeight = FW_BOLD;
-    m_bold = CreateFontIndirectA(&font);
-    font.lfHeight = font.lfHeight * 4 / 3;
-    m_title = CreateFontIndirectA(&font);
-}
-
-void EntryPanel::freeFonts() {
-    for (HFONT* const font : {&m_bold, &m_title}) {
-        if (*font) {
-            DeleteObject(*font);
-        }
-        *font = nullptr;
-    }
-}
-
-const PictureStore::Bitmap& EntryPanel::picture(size_t row) {
-    const std::string& name = m_editing.row(row).facts().label;
-    return m_pictures.get(name, [&] { return m_editing.picturePath(name); });
-}
-
-SIZE EntryPanel::pictureSize(const PictureStore::Bitmap& picture, int width) const {
-    // As large on every screen, never beyond the row.
-    const double by =
-        std::min({m_fonts->dpi() / 96.0, static_cast<double>(std::max(width, 1)) / picture.width,
-                  static_cast<double>(m_fonts->px(240)) / picture.height});
-    return {std::max(1, static_cast<int>(picture.width * by)),
-            std::max(1, static_cast<int>(picture.height * by))};
-}
-
-int EntryPanel::textHeight(const std::wstring& text, int width) const {
-    const int line = m_fonts->lineHeight();
-    // Only what is short enough for one line whatever its letters are isn't measured.
-    if (static_cast<int>(std::min<size_t>(text.size(), 100000)) * m_fonts->x(8) <= width) {
-        return line;
-    }
-    RECT area{0, 0, std::max(width, 20), 0};
-    const HDC dc = GetDC(m_window);
-    const HGDIOBJ old = SelectObject(dc, m_fonts->text());
-    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-    SelectObject(dc, old);
-    ReleaseDC(m_window, dc);
-    return std::clamp(static_cast<int>(area.bottom), line, line * 20);
-}
-
-int EntryPanel::heightOf(size_t row, int width) {
-    const EntryModel& model = m_editing.row(row);
-    const EntryFacts& facts = model.facts();
-    if (facts.field == EntryField::Picture) {
-        const PictureStore::Bitmap& shown = picture(row);
-        return shown.handle ? static_cast<int>(pictureSize(shown, width - m_fonts->x(5)).cy) + m_fonts->px(4)
-                            : m_fonts->lineHeight() + m_fonts->px(6);
-    }
-    if (facts.field == EntryField::Text) {
-        int& height = m_textHeights[row];
-        if (height == 0) {
-            height = textHeight(wideText(facts.label, codePageOf(facts.set)), width - m_fonts->x(5)) +
-                     m_fonts->px(4);
-        }
-        return height;
-    }
-    if (facts.field == EntryField::StringField && facts.lines > 1) {
-        return m_fonts->lineHeight() * std::min(facts.lines, 12) + m_fonts->px(14);
-    }
-    return std::max(m_fonts->px(model.GetHeight()), m_fonts->y(kFieldHeightUnits) + m_fonts->px(4));
-}
-
-int EntryPanel::labelWidth(int width) const {
-    // Neither far from its field in a wide panel, nor without room for it in a narrow one.
-    return std::clamp(m_widestLabel + m_fonts->x(6), std::min(width / 4, m_fonts->x(kLeastLabelUnits)),
-                      std::max(width * 9 / 20, 0));
 }
 
 // Where the row stands in the view, if all of it does.
@@ -175,29 +76,12 @@ void EntryPanel::rowsReplaced(bool samePlaces) {
     m_filled = true;
     // A window that goes away with the keyboard has nothing to say about its row any more.
     m_live.clear();
-    m_pictures.clear();
-    m_textHeights.clear();
-    hideRefusal();
+    m_measure.rowsReplaced();
+    m_tips.hideRefusal();
     m_drafts.clear();
-    m_widestLabel = 0;
     if (!m_window) {
         return;
     }
-    const HDC dc = GetDC(m_window);
-    const HGDIOBJ old = SelectObject(dc, m_bold);
-    for (size_t row = 0; row < std::min(m_editing.size(), kMeasuredLabels); ++row) {
-        const EntryFacts& facts = m_editing.row(row).facts();
-        if (!hasValue(facts.field) || facts.field == EntryField::Switch) {
-            continue;
-        }
-        const std::wstring label = wideText(facts.label, codePageOf(facts.set));
-        SIZE size{};
-        if (GetTextExtentPoint32W(dc, label.c_str(), static_cast<int>(label.size()), &size)) {
-            m_widestLabel = std::max(m_widestLabel, static_cast<int>(size.cx));
-        }
-    }
-    SelectObject(dc, old);
-    ReleaseDC(m_window, dc);
     const bool isLike = !samePlaces && m_lastFocused;
     {
         const DrawingOff off(m_window);
@@ -224,7 +108,7 @@ void EntryPanel::fontsChanged() {
         return;
     }
     m_live.clear();  // before the fonts that they show
-    makeFonts();
+    m_measure.setFonts(*m_fonts);
     m_layout = PanelLayout(m_fonts->px(kMargin), m_fonts->px(kMargin), m_fonts->px(kSpacing));
     const std::map<size_t, Draft> drafts = std::move(m_drafts);
     rowsReplaced(true);
@@ -259,17 +143,13 @@ void EntryPanel::layout() {
     const int width = rowsWidth() - 2 * m_fonts->px(kMargin);
     const std::optional<int> stood = m_lastFocused ? placeInSight(*m_lastFocused) : std::nullopt;
     std::vector<PanelItem> items(m_editing.size());
-    if (m_textHeights.size() != items.size() || m_textWidth != width) {
-        m_textHeights.assign(items.size(), 0);
-    }
-    m_textWidth = width;
     const std::vector<bool> shown = m_editing.visibleRows();
     for (size_t row = 0; row < items.size(); ++row) {
         items[row].visible = shown[row];
         if (!shown[row]) {
             continue;
         }
-        items[row].height = heightOf(row, width);
+        items[row].height = m_measure.height(row, width);
         items[row].gapAfter = m_editing.row(row).facts().field != EntryField::Text;
     }
     m_layout.stack(items);
@@ -391,8 +271,9 @@ void EntryPanel::placeRows() {
     std::sort(wanted.begin(), wanted.end());
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
 
-    if (!m_tooltip && !wanted.empty() && !m_host.leaving()) {
-        makeTips();
+    // A panel without rows needs none. Not later: a reason must be shown where no window may be made any more.
+    if (!m_tips.isMade() && !wanted.empty() && !m_host.leaving()) {
+        m_tips.make(m_window, *m_fonts);
     }
     std::map<size_t, std::unique_ptr<EntryWindow>> before;
     before.swap(m_live);
@@ -425,7 +306,7 @@ void EntryPanel::placeRows() {
         }
         PanelRect at = m_layout.rectOfRow(i, width);
         at.y = std::clamp(at.y - m_top, -30000, 30000);
-        const int label = labelWidth(at.width);
+        const int label = m_measure.labelWidth(at.width);
         auto& window = m_live[rows[i]];
         if (!window) {
             window = windowFor(rows[i], at, label);
@@ -441,7 +322,7 @@ void EntryPanel::placeRows() {
     m_placing = false;
     // What the mouse stands on now is another row.
     if (moved) {
-        SendMessageA(m_tooltip, TTM_POP, 0, 0);
+        m_tips.hideTooltip();
     }
     // Rows that change places one after the other would copy each other's pictures; so all are drawn anew, at
     // once, before anybody sees the old ones in their new places.
@@ -520,10 +401,10 @@ bool EntryPanel::revert() {
     if (window && window->revert()) {
         return true;
     }
-    if (!m_refusing) {
+    if (!m_tips.isRefusing()) {
         return false;
     }
-    hideRefusal();
+    m_tips.hideRefusal();
     return true;
 }
 
@@ -610,7 +491,7 @@ bool EntryPanel::leaveBlockedRow() {
     if (!window || row >= m_editing.size() || m_editing.row(row).blocked().empty()) {
         return true;
     }
-    hideRefusal();
+    m_tips.hideRefusal();
     focusFirst();
     return focused() && focused()->row() != row;
 }

@@ -15,8 +15,9 @@
 #include "controls/PanelLayout.h"
 #include "controls/RowEditing.h"
 #include "controls/win/EntryWindow.h"
-#include "controls/win/PictureStore.h"
+#include "controls/win/PanelTips.h"
 #include "controls/win/RowHost.h"
+#include "controls/win/RowMeasure.h"
 #include "ui/win/WindowKit.h"
 
 namespace zoka {
@@ -27,7 +28,6 @@ namespace zoka {
 class EntryPanel {
 public:
     EntryPanel(RowEditing& rows, RowHost& host);
-    ~EntryPanel();
     EntryPanel(const EntryPanel&) = delete;
     EntryPanel& operator=(const EntryPanel&) = delete;
 
@@ -70,18 +70,10 @@ public:
     RowHost& host() { return m_host; }
     void fold(size_t heading, bool folded);
     const WindowFonts& fonts() const { return *m_fonts; }
-    HFONT boldFont() const { return m_bold; }
-    HFONT titleFont() const { return m_title; }
-    const PictureStore::Bitmap& picture(size_t row);
-    // As large as it's drawn in a row of that width.
-    SIZE pictureSize(const PictureStore::Bitmap& picture, int width) const;
-    void addTooltip(HWND control);
-    void removeTooltip(HWND control);  // before the control goes
-    // Every message of a control with a tooltip: what the mouse does opens and closes it. The system's own way, a
-    // subclass of each control, costs a lookup for each of their messages.
-    void relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
+    RowMeasure& measure() { return m_measure; }
+    PanelTips& tips() { return m_tips; }
+    // In a panel that goes at once nothing is shown any more.
     void showRefusal(HWND field, const std::string& text);
-    void hideRefusal();
     // Has the keyboard (or had it last), the mouse or a menu.
     bool isUsed(const EntryWindow& row) const;
     void fieldFocused(size_t row);
@@ -100,8 +92,7 @@ public:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 private:
-    static constexpr UINT kLayoutRows = WM_APP + 1, kOpenAsked = WM_APP + 2, kFocused = WM_APP + 3,
-                          kShowRefusal = WM_APP + 4;
+    static constexpr UINT kLayoutRows = WM_APP + 1, kOpenAsked = WM_APP + 2, kFocused = WM_APP + 3;
     // What is to be opened for a row.
     struct Asked {
         MeantRow row;
@@ -110,12 +101,6 @@ private:
     };
 
     LRESULT message(UINT message, WPARAM wParam, LPARAM lParam);
-    void makeTips();
-    void makeFonts();
-    void freeFonts();
-    int textHeight(const std::wstring& text, int width) const;
-    int heightOf(size_t row, int width);
-    int labelWidth(int width) const;
     void layout();
     int topOf(size_t place) const;
     std::optional<int> placeInSight(size_t row) const;
@@ -130,9 +115,6 @@ private:
     void openMenu(size_t row, LPARAM at);
     void browse(const MeantRow& meant);
     std::optional<std::string> chooseColour(const std::string& before);
-    RECT balloonPlace(HWND field) const;
-    void placeBalloon();
-    void followPanel();
     void paintEmpty();
     void tooltipText(NMTTDISPINFOW& info);
     EntryWindow* windowOf(HWND control);
@@ -144,33 +126,25 @@ private:
 
     RowEditing& m_editing;
     RowHost& m_host;
-    HWND m_window = nullptr, m_tooltip = nullptr;
-    HWND m_balloon = nullptr;
+    HWND m_window = nullptr;
     const WindowFonts* m_fonts = nullptr;
-    HFONT m_bold = nullptr, m_title = nullptr;
     PanelLayout m_layout;
     std::map<size_t, std::unique_ptr<EntryWindow>> m_live;  // by row
-    PictureStore m_pictures;
-    // Of the rows of text in a panel of that width, so that a search doesn't measure them anew; 0: not measured.
-    std::vector<int> m_textHeights;
-    int m_textWidth = 0;
+    RowMeasure m_measure;
+    PanelTips m_tips;
     int m_top = 0;                     // of the view in the content
     int m_height = 0;                  // of the view
     std::string m_search;              // that the rows in it were found by
     bool m_changedOnly = false;        // so that only these are in it
     int m_wheel = 0;                   // what is left of turns smaller than a notch
-    int m_widestLabel = 0;             // of the rows measured
     std::wstring m_tip;                // what the tooltip shows
-    std::wstring m_refusal;            // and what stands below a field
     std::map<size_t, Draft> m_drafts;  // by row
     std::optional<size_t> m_lastFocused;
     std::string m_lastName;  // of that row, as RowEditing says
     std::optional<Asked> m_asked;
-    HWND m_menuField = nullptr, m_refusedField = nullptr;
-    RECT m_balloonFor{};    // where the panel was when the refusal was placed
+    HWND m_menuField = nullptr;
     bool m_filled = false;  // rows have been handed over
     bool m_laidOutSoon = false, m_placing = false;
-    bool m_refusing = false;  // a refusal is shown, or will be
 };
 
 }  // namespace zoka

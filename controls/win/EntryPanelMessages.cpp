@@ -16,51 +16,10 @@
 #include "util/UserPrompt.h"
 
 namespace zoka {
-namespace {
-
-constexpr UINT_PTR kHideTimer = 1, kFollowTimer = 2;
-constexpr UINT kRefusalMs = 6000, kFollowMs = 30;
-
-TTTOOLINFOW toolOf(HWND panel) {
-    TTTOOLINFOW tool{};
-    tool.cbSize = TTTOOLINFOW_V1_SIZE;
-    tool.hwnd = panel;
-    return tool;
-}
-
-}  // namespace
-
-void EntryPanel::addTooltip(HWND control) {
-    TTTOOLINFOW tool = toolOf(m_window);
-    tool.uFlags = TTF_IDISHWND;
-    tool.uId = reinterpret_cast<UINT_PTR>(control);
-    tool.lpszText = LPSTR_TEXTCALLBACKW;
-    SendMessageA(m_tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-}
-
-void EntryPanel::removeTooltip(HWND control) {
-    TTTOOLINFOW tool = toolOf(m_window);
-    tool.uId = reinterpret_cast<UINT_PTR>(control);
-    SendMessageA(m_tooltip, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-}
-
-void EntryPanel::relayToTooltip(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) {
-        return;
-    }
-    MSG event{};
-    event.hwnd = control;
-    event.message = message;
-    event.wParam = wParam;
-    event.lParam = lParam;
-    event.time = static_cast<DWORD>(GetMessageTime());
-    GetCursorPos(&event.pt);
-    SendMessageA(m_tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
-}
 
 void EntryPanel::tooltipText(NMTTDISPINFOW& info) {
     const EntryWindow* window = windowOf(reinterpret_cast<HWND>(info.hdr.idFrom));
-    if (window && m_refusing && window->field() == m_refusedField) {
+    if (window && m_tips.isRefusing(window->field())) {
         window = nullptr;  // the reason is in sight already, and would be hidden
     }
     const Draft* const draft = window ? draftOf(window->row()) : nullptr;
@@ -71,63 +30,9 @@ void EntryPanel::tooltipText(NMTTDISPINFOW& info) {
 }
 
 void EntryPanel::showRefusal(HWND field, const std::string& text) {
-    if (!m_window || text.empty() || m_host.leaving()) {
-        return;
+    if (!text.empty() && !m_host.leaving()) {
+        m_tips.showRefusal(field, text);
     }
-    m_refusal = wideReport(text);
-    m_refusedField = field;
-    TTTOOLINFOW tool = toolOf(m_window);
-    tool.lpszText = m_refusal.data();
-    SendMessageA(m_balloon, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
-    SendMessageA(m_tooltip, TTM_POP, 0, 0);
-    placeBalloon();
-    // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
-    // it can stay below the panel.
-    m_refusing = PostMessageA(m_window, kShowRefusal, 0, 0) != 0;
-    SetTimer(m_window, kHideTimer, kRefusalMs, nullptr);
-    SetTimer(m_window, kFollowTimer, kFollowMs, nullptr);
-}
-
-void EntryPanel::placeBalloon() {
-    GetWindowRect(m_window, &m_balloonFor);
-    const RECT area = balloonPlace(m_refusedField);
-    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
-}
-
-// The balloon is a window of its own: it goes with the panel when that is moved.
-void EntryPanel::followPanel() {
-    RECT now{};
-    GetWindowRect(m_window, &now);
-    if (!EqualRect(&now, &m_balloonFor) && IsWindow(m_refusedField)) {
-        placeBalloon();
-    }
-}
-
-// Below the field, or above it where it would hide the one that has the keyboard.
-RECT EntryPanel::balloonPlace(HWND field) const {
-    const TTTOOLINFOW tool = toolOf(m_window);
-    const auto size =
-        static_cast<DWORD>(SendMessageA(m_balloon, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool)));
-    RECT at, focus, both;
-    GetWindowRect(field, &at);
-    RECT below{at.left, at.bottom + 2, at.left + LOWORD(size), at.bottom + 2 + HIWORD(size)};
-    const HWND keyboard = GetFocus();
-    if (keyboard && keyboard != field && GetWindowRect(keyboard, &focus) &&
-        IntersectRect(&both, &below, &focus)) {
-        OffsetRect(&below, 0, static_cast<int>(at.top - 2 - below.bottom));
-    }
-    return below;
-}
-
-void EntryPanel::hideRefusal() {
-    if (!m_window || !m_balloon) {
-        return;
-    }
-    KillTimer(m_window, kHideTimer);
-    KillTimer(m_window, kFollowTimer);
-    m_refusing = false;
-    TTTOOLINFOW tool = toolOf(m_window);
-    SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
 }
 
 void EntryPanel::browseSoon(size_t row) {
@@ -270,9 +175,10 @@ LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam
             self->m_window = window;
         }
         if (message == WM_NCDESTROY) {
-            self->m_window = self->m_tooltip = self->m_balloon = nullptr;
+            self->m_window = nullptr;
+            self->m_tips.forget();
             self->m_live.clear();
-            self->m_pictures.clear();
+            self->m_measure.freePictures();
             forgetObject(window);
             return DefWindowProcA(window, message, wParam, lParam);
         }
@@ -283,11 +189,11 @@ LRESULT CALLBACK EntryPanel::windowProc(HWND window, UINT message, WPARAM wParam
 LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SIZE:
-            hideRefusal();
+            m_tips.hideRefusal();
             layout();
             return 0;
         case WM_VSCROLL:
-            hideRefusal();
+            m_tips.hideRefusal();
             scroll(LOWORD(wParam));
             return 0;
         case WM_MOUSEWHEEL:
@@ -295,22 +201,18 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
             if (SendMessageA(GetFocus(), CB_GETDROPPEDSTATE, 0, 0)) {
                 return 0;
             }
-            hideRefusal();
+            m_tips.hideRefusal();
             wheel(static_cast<short>(HIWORD(wParam)));
             return 0;
         case WM_PAINT:
             paintEmpty();
             return 0;
         case WM_TIMER:
-            if (wParam == kHideTimer) {
-                hideRefusal();
-            } else if (wParam == kFollowTimer) {
-                followPanel();
-            }
+            m_tips.timer(wParam);
             return 0;
         case WM_NOTIFY: {
             auto* const header = reinterpret_cast<NMHDR*>(lParam);
-            if (header && header->hwndFrom == m_tooltip &&
+            if (header && header->hwndFrom == m_tips.tooltip() &&
                 header->code == static_cast<UINT>(TTN_GETDISPINFOW)) {
                 tooltipText(*reinterpret_cast<NMTTDISPINFOW*>(lParam));
             }
@@ -328,20 +230,11 @@ LRESULT EntryPanel::message(UINT message, WPARAM wParam, LPARAM lParam) {
                 m_host.rowFocused(wParam);
             }
             return 0;
-        case kShowRefusal: {
-            if (!m_refusing || m_host.leaving()) {
-                return 0;
+        case PanelTips::kShowRefusal:
+            if (!m_host.leaving()) {
+                m_tips.showNow();
             }
-            TTTOOLINFOW tool = toolOf(m_window);
-            if (IsWindow(m_refusedField)) {  // the keyboard may be elsewhere by now
-                placeBalloon();
-            }
-            // Shown anew: it may be in sight already, and have come to lie below the panel.
-            SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
-            SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
-            SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
             return 0;
-        }
         case kOpenAsked:
             openAsked();
             return 0;

@@ -49,7 +49,7 @@ EntryWindow::EntryWindow(EntryPanel& panel, size_t row, const PanelRect& place, 
         return;
     }
     try {
-        m_panel.addTooltip(m_window);
+        m_panel.tips().add(m_window);
         m_controls.make(m_window, m_row,
                         entryParts(facts(), m_panel.fonts(), place.width, place.height, labelWidth));
         if (facts().field == EntryField::DropList) {
@@ -72,7 +72,7 @@ void EntryWindow::remove() {
     if (!m_window) {
         return;
     }
-    m_panel.removeTooltip(m_window);
+    m_panel.tips().remove(m_window);
     m_controls.removeTooltips();
     DestroyWindow(m_window);
 }
@@ -101,10 +101,10 @@ void EntryWindow::paint() {
         drawMark(dc, area, m_panel.fonts());
     }
     if (facts().field == EntryField::Picture) {
-        const PictureStore::Bitmap picture = m_panel.picture(m_row);
+        const PictureStore::Bitmap picture = m_panel.measure().picture(m_row);
         if (picture.handle && area.right > 0 && area.bottom > 0) {
             const int left = m_panel.fonts().x(5);
-            const SIZE size = m_panel.pictureSize(picture, static_cast<int>(area.right) - left);
+            const SIZE size = m_panel.measure().pictureSize(picture, static_cast<int>(area.right) - left);
             const HDC from = CreateCompatibleDC(dc);
             const HGDIOBJ old = SelectObject(from, picture.handle);
             SetStretchBltMode(dc, HALFTONE);
@@ -119,7 +119,7 @@ void EntryWindow::paint() {
 void EntryWindow::drawButton(const DRAWITEMSTRUCT& item) const {
     if (facts().field == EntryField::Heading) {
         drawHeading(item, wideText(facts().label, codePage()), m_panel.rows().filter.isFolded(m_row),
-                    m_panel.fonts(), m_panel.boldFont());
+                    m_panel.fonts(), m_panel.measure().bold());
     } else if (facts().field == EntryField::ColourField) {
         drawColour(item, model(), m_panel.fonts());
     }
@@ -231,7 +231,7 @@ void EntryWindow::showValue() {
     }
     if (m_marked != model().HasChanged()) {
         m_marked = model().HasChanged();
-        const HFONT font = m_marked ? m_panel.boldFont() : m_panel.fonts().text();
+        const HFONT font = m_marked ? m_panel.measure().bold() : m_panel.fonts().text();
         SendMessageA(m_controls.label() ? m_controls.label() : field(), WM_SETFONT,
                      reinterpret_cast<WPARAM>(font), TRUE);
         InvalidateRect(m_window, nullptr, TRUE);
@@ -282,13 +282,13 @@ void EntryWindow::typed() {
     }
     if (taken) {
         m_panel.dropDraft(m_row);
-        m_panel.hideRefusal();
+        m_panel.tips().hideRefusal();
     } else {
         // "150" begins with "15": what was taken on the way to a refused text is given back.
         giveBack();
         m_panel.keepDraft(m_row, textOf(field(), CP_UTF8), taken.why());
         if (text && mayBecomeRight(facts(), *text)) {
-            m_panel.hideRefusal();
+            m_panel.tips().hideRefusal();
         } else {
             refused(taken.why());
         }
@@ -326,7 +326,7 @@ bool EntryWindow::revert() {
     if (changed) {
         giveBack();
     }
-    m_panel.hideRefusal();
+    m_panel.tips().hideRefusal();
     showValue();
     return true;
 }

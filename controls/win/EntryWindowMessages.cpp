@@ -86,7 +86,7 @@ LRESULT CALLBACK EntryWindow::fieldProc(HWND window, UINT message, WPARAM wParam
 }
 
 LRESULT EntryWindow::fieldMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    m_panel.relayToTooltip(window, message, wParam, lParam);
+    m_panel.tips().relay(window, message, wParam, lParam);
     switch (message) {
         case WM_SETFOCUS:
             m_atFocus = model().value();
@@ -164,7 +164,7 @@ LRESULT CALLBACK EntryWindow::windowProc(HWND window, UINT message, WPARAM wPara
             forgetObject(window);
             return DefWindowProcA(window, message, wParam, lParam);
         }
-        self->m_panel.relayToTooltip(window, message, wParam, lParam);
+        self->m_panel.tips().relay(window, message, wParam, lParam);
         return self->message(message, wParam, lParam);
     });
 }

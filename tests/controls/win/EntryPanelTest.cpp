@@ -207,7 +207,7 @@ TEST(EntryPanel, ShowsAReasonOnce) {
     SetWindowTextA(field, "x");
     settle();
     EXPECT_EQ(tooltip(), L"") << "the balloon says it";
-    panel.entries.hideRefusal();
+    panel.entries.tips().hideRefusal();
     EXPECT_EQ(tooltip().find(L"Not taken: "), 0U);
 }
 

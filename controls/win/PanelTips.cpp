@@ -1,0 +1,148 @@
+#include "controls/win/PanelTips.h"
+
+#include <commctrl.h>
+
+#include "ui/win/StatusLine.h"
+
+namespace zoka {
+namespace {
+
+constexpr int kTipUnits = 240;
+constexpr UINT_PTR kHideTimer = 1, kFollowTimer = 2;
+constexpr UINT kRefusalMs = 6000, kFollowMs = 30;
+
+TTTOOLINFOW toolOf(HWND panel) {
+    TTTOOLINFOW tool{};
+    tool.cbSize = TTTOOLINFOW_V1_SIZE;
+    tool.hwnd = panel;
+    return tool;
+}
+
+}  // namespace
+
+void PanelTips::make(HWND panel, const WindowFonts& fonts) {
+    m_panel = panel;
+    m_tooltip = makeTip(panel, fonts.x(kTipUnits));
+    SendMessageA(m_tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
+    m_balloon = makeTip(panel, fonts.x(kTipUnits));
+    TTTOOLINFOW tool = toolOf(panel);
+    tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
+    tool.lpszText = const_cast<wchar_t*>(L"");
+    SendMessageA(m_balloon, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void PanelTips::add(HWND control) {
+    TTTOOLINFOW tool = toolOf(m_panel);
+    tool.uFlags = TTF_IDISHWND;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    tool.lpszText = LPSTR_TEXTCALLBACKW;
+    SendMessageA(m_tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void PanelTips::remove(HWND control) {
+    TTTOOLINFOW tool = toolOf(m_panel);
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    SendMessageA(m_tooltip, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void PanelTips::relay(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) {
+        return;
+    }
+    MSG event{};
+    event.hwnd = control;
+    event.message = message;
+    event.wParam = wParam;
+    event.lParam = lParam;
+    event.time = static_cast<DWORD>(GetMessageTime());
+    GetCursorPos(&event.pt);
+    SendMessageA(m_tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
+}
+
+void PanelTips::hideTooltip() {
+    SendMessageA(m_tooltip, TTM_POP, 0, 0);
+}
+
+void PanelTips::showRefusal(HWND field, const std::string& text) {
+    if (!m_balloon) {
+        return;
+    }
+    m_refusal = wideReport(text);
+    m_refusedField = field;
+    TTTOOLINFOW tool = toolOf(m_panel);
+    tool.lpszText = m_refusal.data();
+    SendMessageA(m_balloon, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    hideTooltip();
+    placeBalloon();
+    // Once the change of the keyboard's place is over that it may have come with: a window shown in the middle of
+    // it can stay below the panel.
+    m_refusing = PostMessageA(m_panel, kShowRefusal, 0, 0) != 0;
+    SetTimer(m_panel, kHideTimer, kRefusalMs, nullptr);
+    SetTimer(m_panel, kFollowTimer, kFollowMs, nullptr);
+}
+
+void PanelTips::showNow() {
+    if (!m_refusing) {
+        return;
+    }
+    if (IsWindow(m_refusedField)) {  // the keyboard may be elsewhere by now
+        placeBalloon();
+    }
+    // Shown anew: it may be in sight already, and have come to lie below the panel.
+    TTTOOLINFOW tool = toolOf(m_panel);
+    SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(m_balloon, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+    SetWindowPos(m_balloon, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+void PanelTips::hideRefusal() {
+    if (!m_balloon) {
+        return;
+    }
+    KillTimer(m_panel, kHideTimer);
+    KillTimer(m_panel, kFollowTimer);
+    m_refusing = false;
+    TTTOOLINFOW tool = toolOf(m_panel);
+    SendMessageA(m_balloon, TTM_TRACKACTIVATE, FALSE, reinterpret_cast<LPARAM>(&tool));
+}
+
+void PanelTips::timer(WPARAM id) {
+    if (id == kHideTimer) {
+        hideRefusal();
+    } else if (id == kFollowTimer) {
+        followPanel();
+    }
+}
+
+void PanelTips::placeBalloon() {
+    GetWindowRect(m_panel, &m_balloonFor);
+    const RECT area = balloonPlace();
+    SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
+}
+
+// The balloon is a window of its own: it goes with the panel when that is moved.
+void PanelTips::followPanel() {
+    RECT now{};
+    GetWindowRect(m_panel, &now);
+    if (!EqualRect(&now, &m_balloonFor) && IsWindow(m_refusedField)) {
+        placeBalloon();
+    }
+}
+
+// Below the field, or above it where it would hide the one that has the keyboard.
+RECT PanelTips::balloonPlace() const {
+    const TTTOOLINFOW tool = toolOf(m_panel);
+    const auto size =
+        static_cast<DWORD>(SendMessageA(m_balloon, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool)));
+    RECT at, focus, both;
+    GetWindowRect(m_refusedField, &at);
+    RECT below{at.left, at.bottom + 2, at.left + LOWORD(size), at.bottom + 2 + HIWORD(size)};
+    const HWND keyboard = GetFocus();
+    if (keyboard && keyboard != m_refusedField && GetWindowRect(keyboard, &focus) &&
+        IntersectRect(&both, &below, &focus)) {
+        OffsetRect(&below, 0, static_cast<int>(at.top - 2 - below.bottom));
+    }
+    return below;
+}
+
+}  // namespace zoka
