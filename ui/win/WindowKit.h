@@ -30,7 +30,7 @@ public:
     bool renew(HWND window, int dpi);
 
     HFONT text() const { return m_text; }
-    // As large, each character as wide as the others.
+    // Monospaced, and as large.
     HFONT fixed() const { return m_fixed; }
     // Pixels of dialog units.
     int x(int units) const { return MulDiv(units, m_base.cx, 4); }
