@@ -46,17 +46,7 @@ void PanelTips::remove(HWND control) {
 }
 
 void PanelTips::relay(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) {
-        return;
-    }
-    MSG event{};
-    event.hwnd = control;
-    event.message = message;
-    event.wParam = wParam;
-    event.lParam = lParam;
-    event.time = static_cast<DWORD>(GetMessageTime());
-    GetCursorPos(&event.pt);
-    SendMessageA(m_tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
+    relayToTip(m_tooltip, control, message, wParam, lParam);
 }
 
 void PanelTips::hideTooltip() {

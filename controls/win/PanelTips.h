@@ -22,8 +22,7 @@ public:
     HWND tooltip() const { return m_tooltip; }
     void add(HWND control);
     void remove(HWND control);  // before the control goes
-    // Every message of a control with a tooltip: what the mouse does opens and closes it. The system's own way, a
-    // subclass of each control, costs a lookup for each of their messages.
+    // Every message of such a control.
     void relay(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
     void hideTooltip();
 

@@ -75,14 +75,7 @@ void showTip(HWND line, LineTip& tip, WPARAM wParam, LPARAM lParam) {
     TTTOOLINFOW tool = toolOf(line);
     tool.lpszText = shown.data();
     SendMessageW(tip.window, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
-    MSG event{};
-    event.hwnd = line;
-    event.message = WM_MOUSEMOVE;
-    event.wParam = wParam;
-    event.lParam = lParam;
-    event.time = static_cast<DWORD>(GetMessageTime());
-    GetCursorPos(&event.pt);
-    SendMessageW(tip.window, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
+    relayToTip(tip.window, line, WM_MOUSEMOVE, wParam, lParam);
 }
 
 LRESULT CALLBACK lineProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
@@ -114,6 +107,20 @@ HWND makeTip(HWND owner, int width) {
                  icon);  // first: the system makes a small one of a large one alone
     SendMessageA(made, WM_SETICON, ICON_BIG, icon);
     return made;
+}
+
+void relayToTip(HWND tip, HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message < WM_MOUSEMOVE || message > WM_MBUTTONUP) {
+        return;
+    }
+    MSG event{};
+    event.hwnd = control;
+    event.message = message;
+    event.wParam = wParam;
+    event.lParam = lParam;
+    event.time = static_cast<DWORD>(GetMessageTime());
+    GetCursorPos(&event.pt);
+    SendMessageW(tip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&event));
 }
 
 HWND makeStatusLine(HWND parent, int id, const WindowFonts& fonts) {
