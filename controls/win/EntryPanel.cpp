@@ -109,6 +109,7 @@ void EntryPanel::fontsChanged() {
     }
     m_live.clear();  // before the fonts that they show
     m_measure.setFonts(*m_fonts);
+    m_tips.fontsChanged(*m_fonts);
     m_layout = PanelLayout(m_fonts->px(kMargin), m_fonts->px(kMargin), m_fonts->px(kSpacing));
     const std::map<size_t, Draft> drafts = std::move(m_drafts);
     rowsReplaced(true);

@@ -31,6 +31,12 @@ void PanelTips::make(HWND panel, const WindowFonts& fonts) {
     SendMessageA(m_balloon, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
+void PanelTips::fontsChanged(const WindowFonts& fonts) {
+    for (const HWND tip : {m_tooltip, m_balloon}) {
+        SendMessageA(tip, TTM_SETMAXTIPWIDTH, 0, fonts.x(kTipUnits));
+    }
+}
+
 void PanelTips::add(HWND control) {
     TTTOOLINFOW tool = toolOf(m_panel);
     tool.uFlags = TTF_IDISHWND;

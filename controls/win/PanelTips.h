@@ -14,6 +14,8 @@ class PanelTips {
 public:
     // To make windows the system takes the loader's lock: not while another thread may be unmapping the library.
     void make(HWND panel, const WindowFonts& fonts);
+    // They break their lines at another width now.
+    void fontsChanged(const WindowFonts& fonts);
     bool isMade() const { return m_tooltip != nullptr; }
     // The panel's window is gone, and they with it.
     void forget() { m_panel = m_tooltip = m_balloon = nullptr; }

@@ -64,7 +64,7 @@ struct ShownPanel {
     ShownPanel& operator=(const ShownPanel&) = delete;
 
     const ControlClasses classes;
-    const WindowFonts fonts;
+    WindowFonts fonts;
     Rows rows;
     Host host;
     EntryPanel entries{rows, host};
@@ -191,6 +191,31 @@ BOOL CALLBACK askForText(HWND window, LPARAM data) {
         asked.text = info.lpszText;
     }
     return TRUE;
+}
+
+BOOL CALLBACK addTipWidth(HWND window, LPARAM data) {
+    auto& widths = *reinterpret_cast<std::vector<LRESULT>*>(data);
+    char name[32] = "";
+    GetClassNameA(window, name, sizeof name);
+    if (lstrcmpiA(name, TOOLTIPS_CLASSA) == 0) {
+        widths.push_back(SendMessageA(window, TTM_GETMAXTIPWIDTH, 0, 0));
+    }
+    return TRUE;
+}
+
+TEST(EntryPanel, BreaksItsTipsWhereTheResolutionSays) {
+    ShownPanel panel;
+    const auto widths = [] {
+        std::vector<LRESULT> all;
+        EnumThreadWindows(GetCurrentThreadId(), addTipWidth, reinterpret_cast<LPARAM>(&all));
+        return all;
+    };
+    const std::vector<LRESULT> before = widths();
+    ASSERT_EQ(before.size(), 2U);
+    ASSERT_TRUE(panel.fonts.renew(panel.parent, 2 * panel.fonts.dpi()));
+    panel.entries.fontsChanged();
+    EXPECT_GT(widths()[0], before[0] * 3 / 2);
+    EXPECT_EQ(widths()[1], widths()[0]);
 }
 
 TEST(EntryPanel, ShowsAReasonOnce) {
