@@ -81,7 +81,7 @@ std::optional<SaveResult> ProjectSession::settleChangesFromOutside(std::string& 
     }
     PromptAnswer answer = PromptAnswer::Yes;
     if (asksAboutOthersChanges) {
-        answer = askAboutChangedFile(m_prompt, kWhat, true);
+        answer = askAboutChangedFile(m_prompt, kWhat);
     }
     overwrites = answer == PromptAnswer::No;
     if (overwrites) {

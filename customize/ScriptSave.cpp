@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "customize/ValueFile.h"
+#include "util/Backups.h"
 #include "util/ChangedOutside.h"
 #include "util/OsFiles.h"
 #include "util/PathRules.h"
@@ -54,7 +55,7 @@ SaveEnd ScriptSave::settleWithDisk(bool isOvertaken, bool& loadsAgain) {
     if (*now == m_panel.script.fileText()) {
         return std::nullopt;
     }
-    switch (askAboutChangedFile(m_prompt, kWhat, false)) {
+    switch (askAboutChangedFile(m_prompt, kWhat)) {
         case PromptAnswer::Yes:
             loadsAgain = true;
             return std::nullopt;
@@ -108,6 +109,12 @@ SaveEnd ScriptSave::write(bool isCopied, bool& isOvertaken) {
     if (!m_keepsEntries) {  // before anything is written: they may need memory that there isn't
         m_saved.script.scriptPath = path;
         m_saved.makeRows(m_reader.hostNames(m_saved.script));
+    }
+    // A script that is copied leaves the one that the panel had as it is.
+    if (!isCopied && m_overwritten && !m_overwritten->empty()) {
+        if (const auto kept = keepBackup(path, *m_overwritten); !kept) {
+            return saveFailed(m_prompt, kept.why() + "\nThe script was not saved.");
+        }
     }
     const std::string_view onDisk = m_overwritten ? *m_overwritten : m_panel.script.fileText();
     const FileContent files[] = {

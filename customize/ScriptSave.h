@@ -26,7 +26,8 @@ public:
     SaveEnd settleWithDisk(bool isOvertaken, bool& loadsAgain);
     // Makes the text from the rows' values. Asks where entries would be lost by it.
     SaveEnd makeText();
-    // Puts the script, whose path may be another one by now, and its value file into their places. The save begins anew
+    // Puts the script, whose path may be another one by now, and its value file into their places; what another has
+    // made of the script, and the user gives up, is kept beside it. The save begins anew
     // with `isOvertaken`: another program has changed the file meanwhile, and nothing was written. A script that is
     // a copy made for this save (`isCopied`) is replaced whatever it holds.
     SaveEnd write(bool isCopied, bool& isOvertaken);

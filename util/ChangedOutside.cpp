@@ -2,12 +2,12 @@
 
 namespace zoka {
 
-PromptAnswer askAboutChangedFile(UserPrompt& prompt, const std::string& what, bool keepsCopy) {
+PromptAnswer askAboutChangedFile(UserPrompt& prompt, const std::string& what) {
     return prompt.ask(what +
                           " was changed on the disk since it was loaded.\n\n"
                           "Yes: load it again, keep my changes and save them.\n"
-                          "No: overwrite it, the other changes are lost" +
-                          (keepsCopy ? " (a copy of the file is kept)" : "") + ".\nCancel: don't save.",
+                          "No: overwrite it, the other changes are lost (a copy of the file is kept).\n"
+                          "Cancel: don't save.",
                       "ZOKA", PromptButtons::YesNoCancel, PromptIcon::Warning);
 }
 

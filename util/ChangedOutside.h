@@ -8,9 +8,8 @@
 
 namespace zoka {
 
-// Yes: it is to be loaded again, with the user's changes; No: it is overwritten. `keepsCopy`: by a save that leaves a
-// copy of it then.
-PromptAnswer askAboutChangedFile(UserPrompt& prompt, const std::string& what, bool keepsCopy);
+// Yes: it is to be loaded again, with the user's changes; No: it is overwritten, by a save that keeps a copy of it.
+PromptAnswer askAboutChangedFile(UserPrompt& prompt, const std::string& what);
 // Whether a file that is gone is to be made again.
 bool asksToSaveAnew(UserPrompt& prompt, const std::string& what, const std::string& path);
 // Of a file that can't be compared any more.

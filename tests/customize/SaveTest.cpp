@@ -217,9 +217,17 @@ TEST_F(Session, ChangesFromOutsideAreSettledBeforeSaving) {
     // Overwriting leaves the script as it was loaded, with the changes.
     set("Range", "12");
     project.write("s.kez", "other");
-    prompt.answers = {PromptAnswer::No};
+    prompt.answers = {PromptAnswer::No, PromptAnswer::No};
+    {
+        const FaultyOsFiles disk(
+            [](int, std::string_view, const std::string& path) { return path.ends_with(".bak"); });
+        EXPECT_EQ(session.save(), SaveResult::Failed);
+    }
+    EXPECT_THAT(prompt.asked.back().text, HasSubstr("\nThe script was not saved."));
+    EXPECT_EQ(project.read("s.kez"), "other") << "what has no copy is not overwritten";
     ASSERT_EQ(session.save(), SaveResult::Saved);
     EXPECT_THAT(project.read("s.kez"), HasSubstr("range = 12;"));
+    EXPECT_EQ(project.read("s.kez.1.bak"), "other");
     // A value without a place in the new text stops the saving.
     set("Range", "13");
     project.write("s.kez", "// entry: Other\nvar x = 1;\n");
