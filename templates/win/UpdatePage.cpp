@@ -162,9 +162,9 @@ void UpdatePage::showPlan(const UpdatePlan& plan) {
     for (const UpdatePlan::Script& script : plan.scripts) {
         const ValueUpdatePlan& change = script.change;
         if (change.ownLines > 0) {
-            m_lines.push_back({'@', "Lines that the template lacks: " + std::to_string(change.ownLines) +
-                                        ". The script will be kept beside the new one, as " +
-                                        script.fileName + ".N.bak."});
+            m_lines.push_back({'@', "Lines that the template lacks: " + std::to_string(change.ownLines)});
+            m_lines.push_back(
+                {'@', "The script will be kept beside the new one, as " + script.fileName + ".N.bak."});
         }
         if (const std::string ends = lineEndChange(change.before, change.after); !ends.empty()) {
             m_lines.push_back({'@', ends});

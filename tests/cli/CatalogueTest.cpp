@@ -353,7 +353,7 @@ TEST(Scripts, ADryRunShowsWhatTheRunDoes) {
     EXPECT_THAT(dry.out, AllOf(HasSubstr("\n-function mine() {}\n"), HasSubstr("\n var depth = 77;\n")))
         << "the value is kept";
     EXPECT_THAT(dry.out, HasSubstr("--- game")) << "the path as it was given";
-    EXPECT_THAT(dry.err, HasSubstr("noise.kez: 1 lines that the template lacks"));
+    EXPECT_THAT(dry.err, HasSubstr("noise.kez: lines that the template lacks: 1;"));
     EXPECT_EQ(suite.run("--yes scripts update" + kOptions).status, 0);
     EXPECT_EQ(suite.read("game/noise.kez"), "// ver: 2\r\n" + entry + "77;\r\n");
     EXPECT_THAT(suite.read("game/noise.kez.1.bak"), HasSubstr("function mine() {}"));

@@ -327,9 +327,9 @@ ExitStatus reportUpdates(Manager& manager, const ScriptOptions& options,
     }
     for (const UpdatePlan::Script& script : plan.scripts) {
         if (script.change.ownLines > 0) {
-            complain(script.fileName + ": " + std::to_string(script.change.ownLines) +
-                     " lines that the template lacks; it is kept beside the new one as " + script.fileName +
-                     ".N.bak");
+            complain(script.fileName +
+                     ": lines that the template lacks: " + std::to_string(script.change.ownLines) +
+                     "; it is kept beside the new one as " + script.fileName + ".N.bak");
         }
     }
     for (const std::string& problem : plan.problems) {
