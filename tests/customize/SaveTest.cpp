@@ -98,6 +98,14 @@ TEST_F(Session, AScriptOfTheTemplateFolderIsCopiedIntoTheProject) {
     prompt.answers = {PromptAnswer::No};
     EXPECT_EQ(session.save(), SaveResult::Cancelled);
     EXPECT_THAT(project.read("t.kez"), HasSubstr("range = 11;"));
+    // What another has made of the template stays there, so no copy of it is needed.
+    const std::string theirs = suite.read("templates/t.kez") + "// theirs\r\n";
+    suite.write("templates/t.kez", theirs);
+    prompt.answers = {PromptAnswer::No, PromptAnswer::Yes};
+    ASSERT_EQ(session.save(), SaveResult::Saved);
+    EXPECT_EQ(suite.read("templates/t.kez"), theirs);
+    EXPECT_THAT(project.read("t.kez"), HasSubstr("range = 12;"));
+    EXPECT_THAT(project.names(), ElementsAre("t.kez", "t.kez.zoka"));
 }
 
 // The editor goes on to another project while the panel is open: nothing gets there unasked.

@@ -169,6 +169,16 @@ TEST_F(Session, SearchAndChangesDecideWhatIsShown) {
     EXPECT_EQ(shown(), "First Lamp ");
 }
 
+TEST_F(Session, NumbersGoByTheStepOfTheirOwnMarkup) {
+    open(
+        "// entry: Glow\r\n// cntl: slider 0 1 0.25\r\nvar glow = 0.5;\r\n\r\n"
+        "// entry: Haze\r\n// cntl: slider 0 1\r\nvar haze = 0.5;\r\n\r\n"
+        "// entry: Birds\r\n// cntl: spin 0 20 4\r\nvar birds = 8;\r\n");
+    EXPECT_EQ(session.row(0).stepped(1), "0.75");
+    EXPECT_EQ(session.row(1).stepped(1), "0.51") << "a hundredth of the range, not the step of another";
+    EXPECT_EQ(session.row(2).stepped(1), "12");
+}
+
 TEST_F(Session, WholeNumbersStayWholeOnTheirWayThroughNegativeOnes) {
     open(
         "// entry: Depth\r\n// id: 1\r\nvar depth = 14;\r\n\r\n"

@@ -133,6 +133,31 @@ TEST(ScriptUpdate, AllAsksThenUpdatesEachOnce) {
     EXPECT_TRUE(f.update.entries().empty()) << "the list is rebuilt";
 }
 
+TEST(ScriptUpdate, OnlyWhatItIncludedItselfCountsAsIncluded) {
+    Fixture f({"fog.kez", "weather.kez", "plain.kez"});
+    f.update.FillUpdateList(true);
+    {
+        const test::FaultyOsFiles disk([](int, std::string_view op, const std::string& path) {
+            return op == "replaceFile" && path.ends_with("main.kez");
+        });
+        f.update.UpdateSelected(0);
+    }
+    EXPECT_EQ(f.update.problems().size(), 1U);
+    EXPECT_EQ(f.update.included(), Names{});
+    // Another program includes it while the user is asked about plain.kez.
+    const std::string theirs = includes({"noise.kez", "fog.kez", "weather.kez", "plain.kez"});
+    f.prompt.answers = {PromptAnswer::Yes, PromptAnswer::No};
+    f.prompt.whenAsked = [&] {
+        if (f.prompt.asked.back().text.find("plain.kez") != std::string::npos) {
+            f.project.folder.write("main.kez", theirs);
+        }
+    };
+    f.update.FillUpdateList(true);
+    f.update.UpdateAll();
+    EXPECT_EQ(f.update.included(), Names{});
+    EXPECT_EQ(f.project.main(), theirs);
+}
+
 TEST(ScriptUpdate, SelectedUpdatesOneWithoutAsking) {
     Fixture f({"old.kez", "fog.kez"});
     f.update.FillUpdateList(true);
