@@ -376,7 +376,9 @@ DrawingOff::DrawingOff(HWND window)
 DrawingOff::~DrawingOff() {
     if (m_window) {
         SendMessageA(m_window, WM_SETREDRAW, TRUE, 0);
-        RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+        // At once: Wine leaves the arrows of a scroll bar black that is drawn later, below the mouse.
+        RedrawWindow(m_window, nullptr, nullptr,
+                     RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
     }
 }
 
