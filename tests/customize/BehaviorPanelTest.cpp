@@ -117,6 +117,12 @@ TEST(BehaviorPanel, fallsBackOnNamesWhereNothingIsDeclared) {
                 ElementsAre("0 -1 T=", "31 0x1f02 Speed=0.0", "31 0x1f05 Reach=0.0", "22 0x1601 Lit=0"));
     EXPECT_EQ(panel.declaredCount, 0);
     EXPECT_EQ(panel.caption(), "T");
+    // A name that the script's own set lacks takes all texts with it.
+    panel.defaultSkillNames = {{2, "\xCE\xA9"}};
+    panel.blockLength = 13;
+    readBehaviorMarkup("// title: T\xFCr", panel);
+    EXPECT_THAT(rowsOf(panel), ElementsAre("0 -1 T\xC3\xBCr=", "31 0x1f02 \xCE\xA9=0.0", "22 0x1601 Lit=0"));
+    EXPECT_EQ(panel.set, TextSet::Utf8);
 }
 
 TEST(BehaviorPanel, tellsWhatIsWrongAndWhere) {
