@@ -145,6 +145,49 @@ TEST_F(ProjectSessionTest, ChangesFromOutside) {
     EXPECT_EQ(get("name"), "x") << "a broken file costs no edits";
 }
 
+TEST_F(ProjectSessionTest, LevelsAndEntitiesFindTheirPlaceInAChangedFile) {
+    const auto shape = [&] {
+        std::string text;
+        for (const CJ8LevelData& level : manager.m_apLevels) {
+            text += level.m_name + "(";
+            for (const zoka::J8LevelEntity& entity : level.m_entities) {
+                text += ' ' + entity.name;
+            }
+            text += ")";
+        }
+        return text;
+    };
+    using Edit = void (*)(zoka::ProjectSession&);
+    const struct {
+        Edit edit;
+        const char* shape;
+    } rows[] = {
+        {[](auto& all) { all.removeLevel(1); }, "theirs()harbour( guard guard)"},
+        {[](auto& all) { all.moveLevel(1, 0); }, "a/b#1=%()theirs()harbour( guard guard)"},
+        {[](auto& all) { all.removeEntity(0, 0); }, "theirs()harbour( guard)a/b#1=%()"},
+        {[](auto& all) { all.addEntity(0, 0, "new", ""); }, "theirs()harbour( new guard guard)a/b#1=%()"},
+        {[](auto& all) {
+             all.addEntity(0, 0, "new", "");
+             all.moveEntity(0, 0, 2);
+         },
+         "theirs()harbour( guard guard new)a/b#1=%()"},
+    };
+    const std::string old = folder.read("game.xml");
+    for (const auto& row : rows) {
+        folder.write("game.xml", old);
+        ASSERT_TRUE(session.open(path));
+        row.edit(session);
+        std::string theirs = old;
+        folder.write("game.xml", theirs.insert(theirs.find("<Level"), "<Level name='theirs'/>"));
+        prompt.answers = {PromptAnswer::Yes};
+        EXPECT_EQ(session.save(), SaveResult::Saved);
+        EXPECT_EQ(shape(), row.shape);
+        while (session.undo()) {
+        }
+        EXPECT_EQ(shape(), "theirs()harbour( guard guard)a/b#1=%()");
+    }
+}
+
 TEST_F(ProjectSessionTest, OverwritingAnothersFileTellsWhatThatOneLoses) {
     ASSERT_TRUE(session.open(project(std::string("<!-- mine -->") + kElements)));
     ASSERT_TRUE(set("name", "x"));
