@@ -59,6 +59,17 @@ TEST_F(BehaviorSessionTest, pastesWhatAListOffers) {
     EXPECT_THAT(shown(), ElementsAre("Form=2.0 changed", "Any=9 changed"));
 }
 
+TEST_F(BehaviorSessionTest, pastesNamesThatLookLikeFields) {
+    give("a", "c.kez",
+         "// skill1: flag\n// skill2: skill\n// skill3: Many\n"
+         "// cntl: drop 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22\n");
+    m_session.refresh(true);
+    const PasteResult result = m_session.paste("flag = 7\nskill = 8\nMany = 23");
+    EXPECT_EQ(result.taken, 2U);
+    EXPECT_THAT(result.refused, ElementsAre(HasSubstr("18, 19, 20 and 2 more))")));
+    EXPECT_THAT(shown(), ElementsAre("flag=7 changed", "skill=8 changed", "Many=0"));
+}
+
 TEST_F(BehaviorSessionTest, pastesNoLineOfANameThatSeveralValuesHave) {
     give("a", "b.kez", "// skill1: Light\n// skill2: Power\n// flag1: Light\n// flag2: Power\n");
     m_session.refresh(true);
