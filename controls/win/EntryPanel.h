@@ -129,16 +129,16 @@ private:
     HWND m_window = nullptr;
     const WindowFonts* m_fonts = nullptr;
     PanelLayout m_layout;
-    std::map<size_t, std::unique_ptr<EntryWindow>> m_live;  // by row
     RowMeasure m_measure;
     PanelTips m_tips;
-    int m_top = 0;                     // of the view in the content
-    int m_height = 0;                  // of the view
-    std::string m_search;              // that the rows in it were found by
-    bool m_changedOnly = false;        // so that only these are in it
-    int m_wheel = 0;                   // what is left of turns smaller than a notch
-    std::wstring m_tip;                // what the tooltip shows
-    std::map<size_t, Draft> m_drafts;  // by row
+    std::map<size_t, std::unique_ptr<EntryWindow>> m_live;  // by row; they use both of these
+    int m_top = 0;                                          // of the view in the content
+    int m_height = 0;                                       // of the view
+    std::string m_search;                                   // that the rows in it were found by
+    bool m_changedOnly = false;                             // so that only these are in it
+    int m_wheel = 0;                                        // what is left of turns smaller than a notch
+    std::wstring m_tip;                                     // what the tooltip shows
+    std::map<size_t, Draft> m_drafts;                       // by row
     std::optional<size_t> m_lastFocused;
     std::string m_lastName;  // of that row, as RowEditing says
     std::optional<Asked> m_asked;

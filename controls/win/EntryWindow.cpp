@@ -134,6 +134,9 @@ bool EntryWindow::canTakeOver(size_t row) const {
 }
 
 void EntryWindow::takeOver(size_t row) {
+    if (m_panel.tips().isRefusing(field())) {
+        m_panel.tips().hideRefusal();  // it is of the row before
+    }
     const EntryFacts& before = facts();
     m_row = row;
     const EntryFacts& is = facts();

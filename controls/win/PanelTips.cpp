@@ -106,21 +106,23 @@ void PanelTips::timer(WPARAM id) {
     if (id == kHideTimer) {
         hideRefusal();
     } else if (id == kFollowTimer) {
-        followPanel();
+        followField();
     }
 }
 
 void PanelTips::placeBalloon() {
-    GetWindowRect(m_panel, &m_balloonFor);
+    GetWindowRect(m_refusedField, &m_balloonFor);
     const RECT area = balloonPlace();
     SendMessageA(m_balloon, TTM_TRACKPOSITION, 0, MAKELPARAM(area.left, area.top));
 }
 
-// The balloon is a window of its own: it goes with the panel when that is moved.
-void PanelTips::followPanel() {
-    RECT now{};
-    GetWindowRect(m_panel, &now);
-    if (!EqualRect(&now, &m_balloonFor) && IsWindow(m_refusedField)) {
+// The balloon is a window of its own: it goes with the field when the panel is moved or scrolled, and away with it.
+void PanelTips::followField() {
+    RECT now{}, panel{}, seen{};
+    GetWindowRect(m_panel, &panel);
+    if (!GetWindowRect(m_refusedField, &now) || !IntersectRect(&seen, &now, &panel)) {
+        hideRefusal();
+    } else if (!EqualRect(&now, &m_balloonFor)) {
         placeBalloon();
     }
 }

@@ -41,13 +41,13 @@ public:
 
 private:
     void placeBalloon();
-    void followPanel();
+    void followField();
     RECT balloonPlace() const;
 
     HWND m_panel = nullptr, m_tooltip = nullptr, m_balloon = nullptr;
     HWND m_refusedField = nullptr;
     std::wstring m_refusal;
-    RECT m_balloonFor{};  // where the panel was when the balloon was placed
+    RECT m_balloonFor{};  // where the field was when the balloon was placed
     bool m_refusing = false;
 };
 

@@ -29,6 +29,11 @@ struct Rows : RowEditing, RowsListener {
         made.emplace_back(facts);
         showRows(made);
     }
+    void makeMany(size_t count) {
+        made.assign(count,
+                    EntryModel(EntryFacts{.field = EntryField::IntField, .label = "Depth", .value = "5"}));
+        showRows(made);
+    }
     void rowsReplaced() override {}
     void valuesChanged() override {}
     std::string subject() const override { return shown; }
@@ -234,6 +239,36 @@ TEST(EntryPanel, ShowsAReasonOnce) {
     EXPECT_EQ(tooltip(), L"") << "the balloon says it";
     panel.entries.tips().hideRefusal();
     EXPECT_EQ(tooltip().find(L"Not taken: "), 0U);
+}
+
+TEST(EntryPanel, AReasonGoesWithItsField) {
+    using Leave = void (*)(ShownPanel&);
+    const struct {
+        Leave leave;
+        bool stays;
+    } rows[] = {
+        {[](ShownPanel& panel) { panel.entries.focusRow(3); }, true},
+        {[](ShownPanel& panel) { panel.entries.focusRow(39); }, false},
+        {[](ShownPanel& panel) {
+             panel.rows.filter.search = "none";
+             panel.entries.layoutNow();
+         },
+         false},
+    };
+    for (const auto& row : rows) {
+        ShownPanel panel;
+        panel.rows.makeMany(40);
+        panel.entries.rowsReplaced(false);
+        const HWND field = GetNextDlgTabItem(panel.window, nullptr, FALSE);
+        SetFocus(field);
+        SetWindowTextA(field, "x");
+        settle();
+        ASSERT_TRUE(panel.entries.tips().isRefusing(field));
+        row.leave(panel);
+        Sleep(100);
+        settle();
+        EXPECT_EQ(panel.entries.tips().isRefusing(), row.stays);
+    }
 }
 
 TEST(EntryPanel, EscapeEndsTheDragOfAThumb) {
